@@ -16,7 +16,14 @@
 namespace utils {
 
 // The type of a firmware image. None is the number of the empty name; it selects no image.
-enum class FirmwareType : std::int32_t { None = 0, Clp = 1, Iscsi = 2, Pxe = 3, Uefi = 4, Fcoe = 5 };
+enum class FirmwareType : std::int32_t {
+  None = 0,
+  Clp = 1,
+  Iscsi = 2,
+  Pxe = 3,
+  Uefi = 4,
+  Fcoe = 5
+};
 
 // The names under which clients speak of the types, indexed by their numbers.
 inline constexpr std::array<std::string_view, 6> kFirmwareTypeNames = {

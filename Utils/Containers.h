@@ -1,0 +1,285 @@
+// The containers of the object model: a locked list of pointers with cursors, a locked map, a map.
+//
+// Every operation of a locked container, and every single step of a cursor, takes the container's
+// own mutex; a walk as a whole does not. Elements may be added between two steps; clear() during
+// someone else's walk is the caller's fault. No operation calls another locked one of the same
+// container while it holds the lock.
+
+#ifndef ORVEX_UTILS_CONTAINERS_H_
+#define ORVEX_UTILS_CONTAINERS_H_
+
+#include <cstddef>
+#include <list>
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+#include "Utils/Assert.h"
+#include "Utils/Mutex.h"
+
+namespace utils {
+
+inline constexpr LogSource kContainersLog{"Utils/Containers"};
+
+// A list of pointers to polymorphic objects, in insertion order. Owns its elements only when told
+// so at construction: then clear() and the destructor delete them, in list order.
+template <class T>
+class SafeList {
+ public:
+  class IteratorImplementation;
+  class SimpleIteratorImplementation;
+  class Iterator;
+
+  explicit SafeList(bool ownsElements) : m_ownsElements(ownsElements) {}
+  SafeList(const SafeList&) = delete;
+  SafeList& operator=(const SafeList&) = delete;
+  virtual ~SafeList() { clear(); }
+
+  // Returns a cursor over all elements.
+  virtual Iterator iterator();
+
+  // Appends. Throws std::length_error when the list can grow no more.
+  void add(T element) {
+    const ScopedLock lock(m_lock);
+    if (m_elements.size() == m_elements.max_size()) {
+      throw std::length_error("list<T> too long");
+    }
+    m_elements.push_back(element);
+  }
+
+  // Empties the list.
+  void clear() {
+    const ScopedLock lock(m_lock);
+    if (m_ownsElements) {
+      for (T element : m_elements) {
+        delete element;
+      }
+    }
+    m_elements.clear();
+  }
+
+  // Takes `element` out of the list without deleting it. Returns whether it was there.
+  bool remove(T element) {
+    const ScopedLock lock(m_lock);
+    return m_elements.remove(element) != 0;
+  }
+
+  [[nodiscard]] std::size_t size() const {
+    const ScopedLock lock(m_lock);
+    return m_elements.size();
+  }
+
+ private:
+  const bool m_ownsElements;
+  mutable Mutex m_lock;
+  std::list<T> m_elements ORVEX_GUARDED_BY(m_lock);
+};
+
+// What a cursor does. Null is the end, so a null element ends a walk.
+template <class T>
+class SafeList<T>::IteratorImplementation {
+ public:
+  virtual T next() = 0;
+  virtual T first() = 0;
+  virtual std::size_t count() = 0;
+  virtual ~IteratorImplementation() = default;
+  // Returns a cursor of the same kind on the same list, at its start.
+  [[nodiscard]] virtual std::unique_ptr<IteratorImplementation> clone() = 0;
+};
+
+// The cursor over all elements. Its position is the element that the next step returns. It does not
+// own its list, which may be null: then every answer is the one of an empty list.
+template <class T>
+class SafeList<T>::SimpleIteratorImplementation : public SafeList<T>::IteratorImplementation {
+ public:
+  explicit SimpleIteratorImplementation(SafeList<T>* list) : m_list(list) {
+    if (m_list != nullptr) {
+      const ScopedLock lock(m_list->m_lock);
+      m_position = m_list->m_elements.begin();
+    }
+  }
+
+  T next() override {
+    if (m_list == nullptr) {
+      return nullptr;
+    }
+    const ScopedLock lock(m_list->m_lock);
+    return step();
+  }
+
+  T first() override {
+    if (m_list == nullptr) {
+      return nullptr;
+    }
+    const ScopedLock lock(m_list->m_lock);
+    m_position = m_list->m_elements.begin();
+    return step();
+  }
+
+  std::size_t count() override { return m_list != nullptr ? m_list->size() : 0; }
+
+  std::unique_ptr<IteratorImplementation> clone() override {
+    return std::make_unique<SimpleIteratorImplementation>(m_list);
+  }
+
+ protected:
+  // One step, made by a caller that holds the list's lock.
+  virtual T step() ORVEX_NO_THREAD_SAFETY_ANALYSIS {
+    if (m_list == nullptr || m_position == m_list->m_elements.end()) {
+      return nullptr;
+    }
+    return *m_position++;
+  }
+
+  SafeList<T>* list() const { return m_list; }
+
+ private:
+  SafeList<T>* m_list;
+  typename std::list<T>::iterator m_position{};
+};
+
+// A cursor that passes over elements. Derived is the concrete cursor; its static isSkipped(element)
+// says which, and it is constructible from the list alone. Each step takes the lock once more.
+template <class T, class Derived>
+class SkippingIteratorImplementation : public SafeList<T>::SimpleIteratorImplementation {
+  using Base = typename SafeList<T>::SimpleIteratorImplementation;
+
+ public:
+  using Base::Base;
+
+  T next() override { return firstNotSkipped(Base::next()); }
+
+  T first() override { return firstNotSkipped(Base::first()); }
+
+  // Walks the list.
+  std::size_t count() override {
+    const auto walker = clone();
+    std::size_t counted = 0;
+    for (T element = walker->first(); element != nullptr; element = walker->next()) {
+      ++counted;
+    }
+    return counted;
+  }
+
+  std::unique_ptr<typename SafeList<T>::IteratorImplementation> clone() override {
+    return std::make_unique<Derived>(this->list());
+  }
+
+ private:
+  T firstNotSkipped(T element) {
+    while (element != nullptr && Derived::isSkipped(element)) {
+      element = Base::next();
+    }
+    return element;
+  }
+};
+
+// A cursor as callers hold it: a value that owns its implementation. A copy begins at the start.
+//
+//   for (T element = cursor.first(); element != nullptr; element = cursor.next())
+template <class T>
+class SafeList<T>::Iterator {
+ public:
+  // Without an implementation, every operation throws utils::Exception.
+  explicit Iterator(std::unique_ptr<IteratorImplementation> cursor)
+      : implementation(std::move(cursor)) {}
+  Iterator(const Iterator& other)
+      : implementation(other.implementation != nullptr ? other.implementation->clone() : nullptr) {}
+  Iterator& operator=(const Iterator& other) {
+    Iterator copy(other);
+    std::swap(implementation, copy.implementation);
+    return *this;
+  }
+  Iterator(Iterator&&) noexcept = default;
+  Iterator& operator=(Iterator&&) noexcept = default;
+
+  // Rewinds and returns the first element, null when there is none.
+  virtual T first() {
+    ORVEX_ASSERT(kContainersLog, implementation != NULL);
+    return implementation->first();
+  }
+
+  virtual ~Iterator() = default;
+
+  // Returns the next element, null at the end.
+  T next() {
+    ORVEX_ASSERT(kContainersLog, implementation != NULL);
+    return implementation->next();
+  }
+
+  // Returns the number of elements that a walk visits.
+  std::size_t count() {
+    ORVEX_ASSERT(kContainersLog, implementation != NULL);
+    return implementation->count();
+  }
+
+ private:
+  std::unique_ptr<IteratorImplementation> implementation;
+};
+
+template <class T>
+typename SafeList<T>::Iterator SafeList<T>::iterator() {
+  return Iterator(std::make_unique<SimpleIteratorImplementation>(this));
+}
+
+// A locked map, ordered by key. It never deletes its values; a derived map may.
+template <class K, class V>
+class SafeMap {
+ public:
+  SafeMap() = default;
+  SafeMap(const SafeMap&) = delete;
+  SafeMap& operator=(const SafeMap&) = delete;
+  virtual ~SafeMap() = default;
+
+  [[nodiscard]] bool contains(const K& key) const {
+    const ScopedLock lock(m_lock);
+    return m_entries.find(key) != m_entries.end();
+  }
+
+  // Returns the value under the key; an absent key is entered with a null value first. The
+  // reference is used after the lock is released: it stays valid, but not guarded.
+  [[nodiscard]] V& get(const K& key) {
+    const ScopedLock lock(m_lock);
+    return m_entries[key];
+  }
+
+  // Stores, replacing an earlier value.
+  void set(K key, V value) {
+    const ScopedLock lock(m_lock);
+    m_entries.insert_or_assign(std::move(key), std::move(value));
+  }
+
+  // Returns all values as they stand, in key order.
+  [[nodiscard]] std::vector<V> values() const {
+    const ScopedLock lock(m_lock);
+    std::vector<V> all;
+    all.reserve(m_entries.size());
+    for (const auto& entry : m_entries) {
+      all.push_back(entry.second);
+    }
+    return all;
+  }
+
+ private:
+  mutable Mutex m_lock;
+  std::map<K, V> m_entries ORVEX_GUARDED_BY(m_lock);
+};
+
+// An ordered map without a lock.
+template <class K, class V>
+class Map : public std::map<K, V> {
+ public:
+  using std::map<K, V>::map;
+  Map() = default;
+  Map(const Map&) = default;
+  Map& operator=(const Map&) = default;
+  Map(Map&&) noexcept = default;
+  Map& operator=(Map&&) noexcept = default;
+  virtual ~Map() = default;
+};
+
+}  // namespace utils
+
+#endif  // ORVEX_UTILS_CONTAINERS_H_

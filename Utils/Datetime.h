@@ -1,0 +1,36 @@
+// A point in time or a length of time, in microseconds (millisecond resolution). A plain value.
+
+#ifndef ORVEX_UTILS_DATETIME_H_
+#define ORVEX_UTILS_DATETIME_H_
+
+#include <cstdint>
+#include <string>
+
+#include "Utils/Export.h"
+
+namespace utils {
+
+struct ORVEX_CORE_API Datetime {
+  // The current moment.
+  Datetime();
+  // An interval.
+  explicit Datetime(std::uint64_t microseconds);
+
+  void setToNow();
+
+  [[nodiscard]] static Datetime fromSeconds(std::uint32_t seconds);
+  // Returns the interval from `dtStart`, which must be a point in time (else utils::Exception), to
+  // now.
+  [[nodiscard]] static Datetime elapsedSince(const Datetime& dtStart);
+
+  // Returns the form of a CIM datetime value (DMTF DSP0004, 5.2.4): "yyyymmddhhmmss.mmmmmmsutc" in
+  // local time with its UTC offset in minutes, or "ddddddddhhmmss.mmmmmm:000".
+  [[nodiscard]] std::string toCimText() const;
+
+  std::uint64_t value;  // since the epoch (1970-01-01 UTC), or the length of the interval
+  bool isTimestamp;
+};
+
+}  // namespace utils
+
+#endif  // ORVEX_UTILS_DATETIME_H_

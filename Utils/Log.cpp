@@ -1,0 +1,117 @@
+#include "Utils/Log.h"
+
+#include <atomic>
+#include <cstdarg>
+#include <cstdlib>
+
+namespace utils {
+namespace {
+
+constexpr int kLevelUnread = -1;
+constexpr int kLevelErrors = 1;
+constexpr int kLevelDebug = 2;
+constexpr int kLevelConsole = 3;
+
+std::atomic<int> s_level{kLevelUnread};
+std::atomic<LogSinks*> s_sinks{nullptr};
+
+int readLevel() {
+  const char* value = std::getenv("ZOLAN_Quorvel_LOG_LEVEL");
+  switch (value != nullptr ? value[0] : '\0') {
+    case '0':
+      return 0;
+    case '2':
+      return kLevelDebug;
+    case '3':
+      return kLevelConsole;
+    default:
+      return kLevelErrors;
+  }
+}
+
+// Threads that race for the first read all compute the same value.
+int currentLevel() {
+  int level = s_level.load(std::memory_order_relaxed);
+  if (level == kLevelUnread) {
+    level = readLevel();
+    s_level.store(level, std::memory_order_relaxed);
+  }
+  return level;
+}
+
+LogSinks& currentSinks() {
+  LogSinks* sinks = s_sinks.load(std::memory_order_acquire);
+  return sinks != nullptr ? *sinks : platformLogSinks();
+}
+
+std::string buildLine(LogSource source, LogOrigin origin, const char* label, const char* text,
+                      va_list arguments) ORVEX_PRINTF(4, 0);
+
+std::string buildLine(LogSource source, LogOrigin origin, const char* label, const char* text,
+                      va_list arguments) {
+  const std::string message = formatArguments(text, arguments);
+  return format("OrvexQuorvel: %s:%d:%s: %s: %s\n", source.name, origin.line, origin.function,
+                label, message.c_str());
+}
+
+// The console copy has always read a line as a format without arguments; of what that did, only the
+// harmless part is left: "%%" is one per cent sign, any other conversion stands as it is.
+std::string interpretPercentSigns(const std::string& line) {
+  std::string text;
+  text.reserve(line.size());
+  for (std::size_t i = 0; i < line.size(); ++i) {
+    text.push_back(line[i]);
+    if (line[i] == '%' && i + 1 < line.size() && line[i + 1] == '%') {
+      ++i;
+    }
+  }
+  return text;
+}
+
+void writeDebugCopies(int level, LogSinks& sinks, const std::string& line) {
+  if (level >= kLevelDebug) {
+    sinks.writeDebugChannel(line);
+  }
+  if (level == kLevelConsole) {
+    sinks.writeStandardError(interpretPercentSigns(line));
+  }
+}
+
+}  // namespace
+
+LogSinks::~LogSinks() = default;
+
+void logDebug(LogSource source, LogOrigin origin, const char* text, ...) {
+  const int level = currentLevel();
+  if (level < kLevelDebug) {
+    return;
+  }
+  va_list arguments;
+  va_start(arguments, text);
+  const std::string line = buildLine(source, origin, "debug", text, arguments);
+  va_end(arguments);
+  writeDebugCopies(level, currentSinks(), line);
+}
+
+void logError(LogSource source, LogOrigin origin, const char* text, ...) {
+  const int level = currentLevel();
+  va_list arguments;
+  va_start(arguments, text);
+  const std::string line = buildLine(source, origin, "error", text, arguments);
+  va_end(arguments);
+  LogSinks& sinks = currentSinks();
+  if (level >= kLevelErrors) {
+    sinks.writeEventLog(line);
+  }
+  writeDebugCopies(level, sinks, line);
+}
+
+bool isDebugLogged() {
+  return currentLevel() >= kLevelDebug;
+}
+
+LogSinks* exchangeLogSinks(LogSinks* sinks) {
+  return s_sinks.exchange(sinks, std::memory_order_acq_rel);
+}
+
+}  // namespace utils
