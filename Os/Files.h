@@ -1,0 +1,30 @@
+// Files, as the system reads them. Any thread may call. Defined per platform.
+//
+// Only regular files count as files; a device, a socket or a pipe "could not be opened". So could a
+// file of 2 GiB or more, whose size does not fit the interface.
+
+#ifndef ORVEX_OS_FILES_H_
+#define ORVEX_OS_FILES_H_
+
+#include <cstdint>
+#include <string>
+
+#include "Utils/Export.h"
+
+namespace os {
+
+// Returns the file's size in bytes. Throws utils::Exception "Could not open the file '%s'" or, for
+// a directory, "The specyfied URI '%s' points to a directory ".
+[[nodiscard]] ORVEX_CORE_API std::int32_t getFileSize(const std::string& path);
+
+// Reads up to `count` bytes from the start of the file. Returns how many were read: fewer when the
+// file is shorter, 0 when it cannot be opened.
+[[nodiscard]] ORVEX_CORE_API std::int32_t readFile(const std::string& path, std::uint8_t* buffer,
+                                                   std::int32_t count);
+
+// Returns true when the path names a directory (Windows: one without any further attribute).
+[[nodiscard]] ORVEX_CORE_API bool isThisADir(const std::string& path);
+
+}  // namespace os
+
+#endif  // ORVEX_OS_FILES_H_

@@ -1,0 +1,90 @@
+// The machine-wide flash lock: only one program on the machine programs adapter flash at a time.
+//
+// One locker is registered per process; it is created by the host of the flash operations before
+// the first of them. Programs of this maker share one semaphore of count 1:
+//   POSIX    a System V semaphore with key 0x5241564C and mode 0666. The kernel gives the lock back
+//            when its holder dies.
+//   Windows  "Global\RavlApplySemaphore", open to everyone.
+// Any thread may call. Within a process a second Lock() does not wait but answers 2.
+
+#ifndef ORVEX_OS_OSLOCKER_H_
+#define ORVEX_OS_OSLOCKER_H_
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "Utils/Export.h"
+#include "Utils/Mutex.h"
+#include "Utils/Singleton.h"
+
+namespace os {
+class OSLocker;
+}
+
+namespace utils {
+template <>
+ORVEX_CORE_API Singleton<os::OSLocker>*& Singleton<os::OSLocker>::slot();
+}
+
+namespace os {
+
+class ORVEX_CORE_API OSLocker : public utils::Singleton<OSLocker> {
+ public:
+  class AutoOSLocker;
+
+  static constexpr const char* kTypeName = "os::OSLocker";
+
+  // What Lock() answers.
+  enum Result : std::int32_t { kLocked = 0, kError = 1, kInUse = 2, kTimeout = 3 };
+
+  // A derived locker releases the lock, when it is still held, in its own destructor.
+  ~OSLocker() override;
+
+  // Waits for the semaphore, at most for the configured timeout, and takes it. Returns a Result.
+  [[nodiscard]] virtual std::int32_t Lock();
+  // Gives the semaphore back. Returns 0, also when it is not held; 1 when that failed.
+  virtual std::int32_t UnLock();
+
+ protected:
+  // What waiting for the semaphore came to, with the numbers that Windows gives.
+  enum class WaitResult : std::int32_t { Signalled = 0, TimedOut = 258, Failed = -1 };
+
+  struct SystemError {
+    int code;
+    std::string text;  // empty when the system has none
+  };
+
+  OSLocker();
+
+  // Returns whether the semaphore could be created or opened.
+  [[nodiscard]] virtual bool hasSemaphore() const = 0;
+  // Takes the semaphore; waits for `milliseconds` at the most.
+  [[nodiscard]] virtual WaitResult waitForSemaphore(std::uint32_t milliseconds) = 0;
+  // Adds 1 to the semaphore. Returns nothing on success.
+  [[nodiscard]] virtual std::optional<SystemError> releaseSemaphore() = 0;
+
+ private:
+  utils::Mutex m_lock;
+  bool m_isLocked ORVEX_GUARDED_BY(m_lock) = false;
+};
+
+// Holds the flash lock for the span of a block.
+class ORVEX_CORE_API OSLocker::AutoOSLocker {
+ public:
+  // Throws utils::Exception "Locking access to the Fennelbrook returns %d" when Lock() answers
+  // anything but 0.
+  AutoOSLocker();
+  AutoOSLocker(const AutoOSLocker&) = delete;
+  AutoOSLocker& operator=(const AutoOSLocker&) = delete;
+  ~AutoOSLocker();
+};
+
+// Returns a new locker of the platform, which registers itself. Throws utils::Exception "Could not
+// create synchronisation sempahore". Defined per platform.
+[[nodiscard]] ORVEX_CORE_API std::unique_ptr<OSLocker> createOSLocker();
+
+}  // namespace os
+
+#endif  // ORVEX_OS_OSLOCKER_H_

@@ -1,0 +1,20 @@
+#include <dlfcn.h>
+
+#include "Os/SharedLibrary.h"
+#include "Utils/Exception.h"
+
+namespace os {
+
+const char* sharedLibrarySuffix() {
+  return ".so";
+}
+
+void loadSharedLibrary(const std::string& path) {
+  if (dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL) == nullptr) {
+    const char* reason = dlerror();
+    throw utils::Exception("Could not load the library '%s': %s", path.c_str(),
+                           reason != nullptr ? reason : "unknown reason");
+  }
+}
+
+}  // namespace os

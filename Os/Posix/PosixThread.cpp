@@ -1,0 +1,92 @@
+#include <atomic>
+#include <cstdint>
+#include <exception>
+#include <pthread.h>
+
+#include "Utils/Exception.h"
+#include "Utils/Log.h"
+#include "Utils/Mutex.h"
+#include "Utils/Thread.h"
+
+namespace utils {
+namespace {
+
+constexpr LogSource kLog{"Os/Posix/PosixThread"};
+
+// For a debugger: how many bodies run at the moment.
+std::atomic<std::int32_t> s_runningBodies{0};
+
+}  // namespace
+
+struct Thread::State {
+  Mutex stopMutex;
+  bool isStopRequested ORVEX_GUARDED_BY(stopMutex) = false;
+  Mutex startMutex;
+  bool isStarted ORVEX_GUARDED_BY(startMutex) = false;
+  pthread_t handle{};
+};
+
+Thread::Thread() : m_state(std::make_unique<State>()) {}
+
+Thread::~Thread() {
+  cancel();
+  bool isStarted = false;
+  {
+    const ScopedLock lock(m_state->startMutex);
+    isStarted = m_state->isStarted;
+  }
+  if (isStarted) {
+    const int error = pthread_join(m_state->handle, nullptr);
+    if (error != 0) {
+      logError(kLog, "utils::Thread::~Thread", "Could not close thread %p. Error %d",
+               static_cast<void*>(this), error);
+    }
+  }
+}
+
+void Thread::start() {
+  const ScopedLock lock(m_state->startMutex);
+  if (m_state->isStarted) {
+    // The record names the object by the low digits of its address.
+    logError(kLog, "utils::Thread::start", "Attempt to mutliple thread start %d",
+             static_cast<int>(reinterpret_cast<std::intptr_t>(this)));
+    return;
+  }
+  const auto entry = [](void* thread) -> void* {
+    enter(*static_cast<Thread*>(thread));
+    return nullptr;
+  };
+  const int error = pthread_create(&m_state->handle, nullptr, entry, this);
+  if (error != 0) {
+    throw Exception("Could not start thread %p. Error %d", static_cast<void*>(this), error);
+  }
+  m_state->isStarted = true;
+}
+
+void Thread::cancel() {
+  const ScopedLock lock(m_state->stopMutex);
+  m_state->isStopRequested = true;
+}
+
+void Thread::enter(Thread& thread) noexcept {
+  s_runningBodies.fetch_add(1, std::memory_order_relaxed);
+  bool isStopRequested = false;
+  {
+    const ScopedLock lock(thread.m_state->stopMutex);
+    isStopRequested = thread.m_state->isStopRequested;
+  }
+  if (!isStopRequested) {
+    try {
+      thread.run();
+    } catch (const std::exception& error) {
+      logError(kLog, "utils::Thread::enter", "Thread %p ended by an exception: %s",
+               static_cast<void*>(&thread), error.what());
+    } catch (...) {
+      logError(kLog, "utils::Thread::enter", "Thread %p ended by an unknown exception",
+               static_cast<void*>(&thread));
+    }
+  }
+  s_runningBodies.fetch_sub(1, std::memory_order_relaxed);
+}
+
+}  // namespace utils

@@ -1,0 +1,60 @@
+// The agent's settings.
+//
+// Every getter reads the store again, so a change takes effect at the next use; a value that is
+// missing or unusable is logged and the default, or the value read before, stands. Any thread may
+// call. The store is the configuration file on POSIX, the registry on Windows:
+//
+//   name              store key (registry)  type    effect
+//   Timeout           Quorvel               number  flash lock timeout in milliseconds; 0 is
+//   ignored Namespace         Quorvel               text    taken when it begins with "root"
+//   OEMCustomizeable  RAVL                  number  bit 0x20 allows a forced change of image types
+//   FWFilePath        Quorvel               text    directories of firmware files, separated by ';'
+
+#ifndef ORVEX_OS_QUORVELCONFIG_H_
+#define ORVEX_OS_QUORVELCONFIG_H_
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "Utils/Export.h"
+#include "Utils/Mutex.h"
+#include "Utils/Singleton.h"
+
+namespace utils {
+
+class QuorvelConfig;
+template <>
+ORVEX_CORE_API Singleton<QuorvelConfig>*& Singleton<QuorvelConfig>::slot();
+
+class ORVEX_CORE_API QuorvelConfig : public AutoSingleton<QuorvelConfig> {
+ public:
+  static constexpr const char* kTypeName = "utils::QuorvelConfig";
+  static constexpr const char* kDefaultPath = "/etc/OrvexQuorvelProvider.conf";
+
+  // `path` is the configuration file; Windows does not read it.
+  explicit QuorvelConfig(const std::string& path = kDefaultPath);
+  ~QuorvelConfig() override;
+
+  virtual std::string getNamespace();
+  virtual std::uint32_t getTimeout();  // milliseconds
+  virtual bool getDowngradeEnable();
+  virtual std::vector<std::string> getFWFilePaths();
+  // Reads the store.
+  virtual void initialize();
+
+ private:
+  void readSettings() ORVEX_REQUIRES(m_lock);
+  void readFirmwarePaths(const std::string& text) ORVEX_REQUIRES(m_lock);
+
+  const std::string m_path;
+  Mutex m_lock;
+  std::string m_namespace ORVEX_GUARDED_BY(m_lock);
+  std::uint32_t m_timeout ORVEX_GUARDED_BY(m_lock);
+  bool m_isDowngradeEnabled ORVEX_GUARDED_BY(m_lock) = false;
+  std::vector<std::string> m_firmwarePaths ORVEX_GUARDED_BY(m_lock);
+};
+
+}  // namespace utils
+
+#endif  // ORVEX_OS_QUORVELCONFIG_H_

@@ -1,0 +1,22 @@
+// A library that is loaded at run time. Defined per platform.
+
+#ifndef ORVEX_OS_SHAREDLIBRARY_H_
+#define ORVEX_OS_SHAREDLIBRARY_H_
+
+#include <string>
+
+#include "Utils/Export.h"
+
+namespace os {
+
+// Returns the end of a shared library's file name on this platform, for example ".so".
+[[nodiscard]] ORVEX_CORE_API const char* sharedLibrarySuffix();
+
+// Loads a library for the life of the process, and with it runs its start-up code: what that code
+// registers is used until the end, so there is no unloading. Throws utils::Exception with the
+// loader's own words.
+ORVEX_CORE_API void loadSharedLibrary(const std::string& path);
+
+}  // namespace os
+
+#endif  // ORVEX_OS_SHAREDLIBRARY_H_

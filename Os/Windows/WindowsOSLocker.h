@@ -1,0 +1,28 @@
+// The flash lock on the named semaphore "Global\RavlApplySemaphore".
+
+#ifndef ORVEX_OS_WINDOWS_WINDOWSOSLOCKER_H_
+#define ORVEX_OS_WINDOWS_WINDOWSOSLOCKER_H_
+
+#include "Os/OSLocker.h"
+
+namespace os {
+
+class ORVEX_CORE_API OSLockerWindows : public OSLocker {
+ public:
+  // Creates or opens the semaphore with count 1, maximum 1 and access for everyone. Throws
+  // utils::Exception "Could not create synchronisation sempahore".
+  OSLockerWindows();
+  ~OSLockerWindows() override;
+
+ protected:
+  [[nodiscard]] bool hasSemaphore() const override;
+  [[nodiscard]] WaitResult waitForSemaphore(std::uint32_t milliseconds) override;
+  [[nodiscard]] std::optional<SystemError> releaseSemaphore() override;
+
+ private:
+  void* m_semaphore;  // HANDLE
+};
+
+}  // namespace os
+
+#endif  // ORVEX_OS_WINDOWS_WINDOWSOSLOCKER_H_

@@ -1,0 +1,49 @@
+// The registry, as the configuration reads it on Windows. Any thread may call.
+
+#ifndef ORVEX_OS_WINDOWS_WINDOWSREGISTRY_H_
+#define ORVEX_OS_WINDOWS_WINDOWSREGISTRY_H_
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "Utils/Export.h"
+#include "Utils/Singleton.h"
+
+namespace utils {
+
+class WindowsRegistry;
+template <>
+ORVEX_CORE_API Singleton<WindowsRegistry>*& Singleton<WindowsRegistry>::slot();
+
+class ORVEX_CORE_API WindowsRegistry : public AutoSingleton<WindowsRegistry> {
+ public:
+  static constexpr const char* kTypeName = "utils::WindowsRegistry";
+
+  using Handle = void*;             // HKEY
+  using Hive = std::uintptr_t;      // a predefined HKEY, for example HKEY_LOCAL_MACHINE
+  using ValueType = std::uint32_t;  // REG_DWORD, REG_SZ
+
+  // Opens a key. Returns false when it cannot be opened with that access (for example KEY_READ).
+  [[nodiscard]] bool openKey(Hive hive, const std::string& path, std::uint32_t access, Handle& key);
+  void closeKey(Handle key);
+
+  // Read a value. Return false, and empty the output, when the key or the value is missing, the
+  // value is of another type or longer than 256 bytes.
+  [[nodiscard]] bool getRegistryData(Hive hive, const std::string& path, const std::string& name,
+                                     std::uint32_t& number);
+  [[nodiscard]] bool getRegistryData(Hive hive, const std::string& path, const std::string& name,
+                                     std::string& text);
+
+  // Creates a REG_SZ value, and its key where that is missing.
+  [[nodiscard]] bool createTextValue(Hive hive, const std::string& path, const std::string& name,
+                                     const std::string& text);
+  [[nodiscard]] bool deleteKey(Hive hive, const std::string& path);
+  // Return the names under a key; none when it cannot be opened.
+  [[nodiscard]] std::vector<std::string> enumerateKeys(Hive hive, const std::string& path);
+  [[nodiscard]] std::vector<std::string> enumerateValues(Hive hive, const std::string& path);
+};
+
+}  // namespace utils
+
+#endif  // ORVEX_OS_WINDOWS_WINDOWSREGISTRY_H_
