@@ -1,0 +1,64 @@
+// The host's broker: routes requests to the agents that serve the classes asked for.
+//
+// One broker lives as long as the process. Agents register when their module is loaded and stay
+// theirs: the broker deletes none. Requests are serialised, because an instance pointer is valid
+// only until the next enumeration of its class: whoever uses instances holds a Request meanwhile.
+// Job threads never take it, so a slow flash holds nobody up.
+
+#ifndef ORVEX_CORE_CIMBROKER_H_
+#define ORVEX_CORE_CIMBROKER_H_
+
+#include <string>
+#include <vector>
+
+#include "Utils/Export.h"
+#include "Utils/Mutex.h"
+#include "core/CimAgent.h"
+#include "core/CimPath.h"
+
+namespace core {
+
+class ORVEX_CORE_API CimBroker {
+ public:
+  // Holds the request for the span of a block; may be held again on the same thread.
+  class ORVEX_CORE_API Request {
+   public:
+    explicit Request(CimBroker& broker);
+    Request(const Request&) = delete;
+    Request& operator=(const Request&) = delete;
+    ~Request();
+
+   private:
+    utils::ScopedLock m_lock;
+  };
+
+  CimBroker();
+  CimBroker(const CimBroker&) = delete;
+  CimBroker& operator=(const CimBroker&) = delete;
+  ~CimBroker();
+
+  // Adds an agent behind the others. It must live until the process ends or the broker does. Throws
+  // utils::Exception for null.
+  void addAgent(CimAgent* agent);
+  // Returns the agents in the order in which they were added.
+  [[nodiscard]] std::vector<CimAgent*> getAgents() const;
+
+  // Returns the instances of the class from all agents that serve it, agent by agent; none for a
+  // class that nobody serves. Throws what a provider throws.
+  [[nodiscard]] std::vector<CimInstance*> getInstances(const std::string& className);
+  // Returns the first instance of the path's class whose keys are exactly those of the path, null
+  // when there is none. Throws what a provider throws.
+  [[nodiscard]] CimInstance* getInstanceByPath(const CimPath& path);
+
+ private:
+  mutable utils::Mutex m_agentsLock;
+  std::vector<CimAgent*> m_agents ORVEX_GUARDED_BY(m_agentsLock);
+  utils::Mutex m_requestLock;
+};
+
+// Returns the broker of the process.
+[[nodiscard]] ORVEX_CORE_API CimBroker& GetCimBroker();
+
+}  // namespace core
+
+#endif  // ORVEX_CORE_CIMBROKER_H_

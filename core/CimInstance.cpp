@@ -1,0 +1,89 @@
+#include "core/CimInstance.h"
+
+#include "Utils/Assert.h"
+#include "Utils/Conversions.h"
+
+namespace core {
+namespace {
+
+constexpr utils::LogSource kLog{"CimInstance"};
+
+std::uint32_t refuseMethod() {
+  throw utils::ENotSupported("Method is not supported");
+}
+
+bool isQuoted(const CimProperty& property) {
+  return property.getType() == kCimString || property.getType() == kCimReference;
+}
+
+}  // namespace
+
+CimInstance::CimInstance() = default;
+
+std::uint32_t CimInstance::InstallFromSoftwareIdentity(CimPropertyList*, CimPropertyList*,
+                                                       CimInstance**) {
+  return refuseMethod();
+}
+
+std::uint32_t CimInstance::InstallFromURI(CimPropertyList*, CimPropertyList*, CimInstance**) {
+  return refuseMethod();
+}
+
+std::uint32_t CimInstance::CheckSoftwareIdentity(CimPropertyList*, CimPropertyList*,
+                                                 CimInstance**) {
+  return refuseMethod();
+}
+
+void CimInstance::modify(CimPropertyList& newValues) {
+  CimPropertyList::Iterator cursor = newValues.iterator();
+  for (CimProperty* value = cursor.first(); value != nullptr; value = cursor.next()) {
+    CimProperty* property = getProperty(value->getName());
+    ORVEX_ASSERT(kLog, property != NULL);
+    property->verify(value);
+  }
+  for (CimProperty* value = cursor.first(); value != nullptr; value = cursor.next()) {
+    CimProperty* property = getProperty(value->getName());
+    ORVEX_ASSERT(kLog, property != NULL);
+    property->modify(value);
+  }
+}
+
+std::uint32_t CimInstance::invokeMethod(const std::string& name, CimPropertyList* in,
+                                        CimPropertyList* out, CimInstance** job) {
+  constexpr const char* kFunction = "core::CimInstance::invokeMethod";
+  utils::logDebug(kLog, kFunction, "Checking, if %s method is supported", name.c_str());
+  const auto method = m_methods.find(name);
+  if (method == m_methods.end()) {
+    throw utils::ENotSupported(utils::format("Method %s is not support by %s class", name.c_str(),
+                                             getClassName().c_str()));
+  }
+  utils::logDebug(kLog, kFunction, "...is executed");
+  return (this->*method->second)(in, out, job);
+}
+
+CimInstance::~CimInstance() = default;
+
+std::string CimInstance::getPath() {
+  std::string result = getClassName() + ".";
+  CimPropertyList::Iterator cursor = m_properties.iterator();
+  for (CimProperty* property = cursor.first(); property != nullptr; property = cursor.next()) {
+    if (property->isKey()) {
+      const std::string value = property->toString();
+      result +=
+          property->getName() + "=" + (isQuoted(*property) ? utils::quote(value) : value) + ",";
+    }
+  }
+  ORVEX_ASSERT(kLog, result.size() > 0);
+  if (result.ends_with(',')) {
+    result.pop_back();
+  }
+  return result;
+}
+
+void CimInstance::addMethod(const std::string& name, Method method) {
+  utils::logDebug(kLog, "core::CimInstance::addMethod", "Adding new %s method for %s class",
+                  name.c_str(), getClassName().c_str());
+  m_methods[name] = method;
+}
+
+}  // namespace core

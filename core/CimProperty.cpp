@@ -1,0 +1,144 @@
+#include "core/CimProperty.h"
+
+#include "Utils/Assert.h"
+#include "core/CimInstance.h"
+#include "core/CimPropertyTypes.h"
+
+namespace core {
+namespace {
+
+constexpr utils::LogSource kLog{"CimProperty"};
+
+[[noreturn]] void refuseOperation(const CimProperty& property, const char* function) {
+  utils::logDebug(kLog, function, "Operation not supported by property %s (%d)",
+                  property.getName().c_str(), static_cast<int>(property.getType()));
+  throw utils::ENotSupported();
+}
+
+[[noreturn]] void forbidModifying(const CimProperty& property) {
+  throw utils::EForbidden(
+      utils::format("Modyfying of %s property is not allowed", property.getName().c_str()));
+}
+
+template <class Property>
+bool differ(const CimProperty& left, const CimProperty& right) {
+  const auto* other = dynamic_cast<const Property*>(&right);
+  return other == nullptr || static_cast<const Property&>(left).getValue() != other->getValue();
+}
+
+bool isComparable(std::uint32_t type) {
+  return type == kCimUint8 || type == kCimUint16 || type == kCimUint64 || type == kCimString;
+}
+
+// Compares two values of a type that can be compared.
+bool valuesDiffer(const CimProperty& property, const CimProperty& newValue) {
+  switch (property.getType()) {
+    case kCimUint8:
+      return differ<CimPropertyUint8>(property, newValue);
+    case kCimUint16:
+      return differ<CimPropertyUint16>(property, newValue);
+    case kCimUint64:
+      return differ<CimPropertyUint64>(property, newValue);
+    default:
+      return property.toString() != newValue.toString();
+  }
+}
+
+}  // namespace
+
+void CimProperty::Listener::onModify(CimProperty*, CimProperty*) {}
+
+void CimProperty::Listener::onVerify(CimProperty*, CimProperty*) {}
+
+CimProperty::Listener::~Listener() = default;
+
+void CimProperty::IsModifyEnabledListener::onVerify(CimProperty* property, CimProperty* newValue) {
+  if (property->isNull() != newValue->isNull()) {
+    if (!property->isModifyEnabled()) {
+      forbidModifying(*property);
+    }
+    if (newValue->isNull()) {
+      throw utils::EInvalidParameter(
+          utils::format("Property %s cannot be a NULL", property->getName().c_str()));
+    }
+  }
+  if (!isComparable(property->getType())) {
+    throw utils::EForbidden(
+        utils::format("Unsupported type: %d", static_cast<int>(property->getType())));
+  }
+  if (!property->isModifyEnabled() && !property->isNull() && !newValue->isNull() &&
+      valuesDiffer(*property, *newValue)) {
+    forbidModifying(*property);
+  }
+}
+
+void CimProperty::VerifyTypeListener::onVerify(CimProperty* property, CimProperty* newValue) {
+  ORVEX_ASSERT(kLog, property != NULL);
+  ORVEX_ASSERT(kLog, newValue != NULL);
+  if (newValue->getType() != property->getType()) {
+    throw utils::EForbidden(utils::format(
+        "Property type %d doesn't support assigning value from property type %d",
+        static_cast<int>(property->getType()), static_cast<int>(newValue->getType())));
+  }
+}
+
+CimProperty::CimProperty(const char* name, CimInstance* owner) : m_name(name), m_owner(owner) {
+  ORVEX_ASSERT(kLog, m_name.length() != 0);
+  if (m_owner != nullptr) {
+    m_owner->getProperties().add(this);
+  }
+}
+
+CimProperty::~CimProperty() = default;
+
+std::string CimProperty::toString() const {
+  refuseOperation(*this, "core::CimProperty::toString");
+}
+
+void CimProperty::modify(CimProperty*) {
+  refuseOperation(*this, "core::CimProperty::modify");
+}
+
+void CimProperty::verify(CimProperty*) {
+  refuseOperation(*this, "core::CimProperty::verify");
+}
+
+void CimProperty::attachListener(Listener* listener) {
+  ORVEX_ASSERT(kLog, listener != NULL);
+  m_furtherListeners.push_back(listener);
+}
+
+std::size_t CimProperty::getListenerCount() const {
+  return 2 + m_furtherListeners.size();
+}
+
+template <class Notify>
+void CimProperty::forEachListener(Notify notify) {
+  notify(m_isModifyEnabledListener);
+  notify(m_verifyTypeListener);
+  for (Listener* listener : m_furtherListeners) {
+    notify(*listener);
+  }
+}
+
+void CimProperty::notifyModify(CimProperty* newValue) {
+  forEachListener([&](Listener& listener) { listener.onModify(this, newValue); });
+}
+
+void CimProperty::notifyVerify(CimProperty* newValue) {
+  forEachListener([&](Listener& listener) { listener.onVerify(this, newValue); });
+}
+
+void verifyProperty(CimProperty* property, CimProperty* newValue) {
+  if (property == nullptr) {
+    throw utils::EInvalidParameter("Property cannot be NULL");
+  }
+  if (newValue == nullptr) {
+    throw utils::EInvalidParameter("New Property value cannot be NULL");
+  }
+  utils::logDebug(kLog, "core::verifyProperty", "size: %d",
+                  static_cast<int>(property->getListenerCount()));
+  property->notifyVerify(newValue);
+}
+
+}  // namespace core

@@ -1,0 +1,36 @@
+#include "core/CimPropertyList.h"
+
+#include "Utils/Assert.h"
+
+namespace core {
+namespace {
+
+constexpr utils::LogSource kLog{"CimPropertyList"};
+
+}  // namespace
+
+CimPropertyList::CimPropertyList() : SafeList(false) {}
+
+CimPropertyList::~CimPropertyList() = default;
+
+CimPropertyList::Iterator CimPropertyList::iterator() {
+  return Iterator(std::make_unique<OverridenPropertiesSkippingIterator>(this));
+}
+
+void CimPropertyList::add(CimProperty* newProperty) {
+  ORVEX_ASSERT(kLog, newProperty != NULL);
+  const std::string& name = newProperty->getName();
+  if (m_index.contains(name)) {
+    CimProperty* overridenProperty = m_index.get(name);
+    ORVEX_ASSERT(kLog, overridenProperty != NULL);
+    overridenProperty->setOverridden();
+  }
+  m_index.set(name, newProperty);
+  SafeList::add(newProperty);
+}
+
+CimProperty* CimPropertyList::get(const std::string& name) {
+  return m_index.contains(name) ? m_index.get(name) : nullptr;
+}
+
+}  // namespace core

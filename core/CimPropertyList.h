@@ -1,0 +1,46 @@
+// The properties of an instance, or the arguments of a method, in the order in which they came.
+//
+// The list owns none of them. A property added under a name that is in use overrides the earlier
+// one: look-ups and walks see the new one only, the earlier one stays in the list, marked.
+
+#ifndef ORVEX_CORE_CIMPROPERTYLIST_H_
+#define ORVEX_CORE_CIMPROPERTYLIST_H_
+
+#include <string>
+
+#include "Utils/Containers.h"
+#include "Utils/Export.h"
+#include "core/CimProperty.h"
+
+namespace core {
+
+// Passes over overridden properties.
+class OverridenPropertiesSkippingIterator
+    : public utils::SkippingIteratorImplementation<CimProperty*,
+                                                   OverridenPropertiesSkippingIterator> {
+ public:
+  using SkippingIteratorImplementation::SkippingIteratorImplementation;
+
+  static bool isSkipped(const CimProperty* property) { return property->isOverridden(); }
+};
+
+class ORVEX_CORE_API CimPropertyList : public utils::SafeList<CimProperty*> {
+ public:
+  CimPropertyList();
+  ~CimPropertyList() override;
+
+  // Returns a cursor over the properties in force.
+  Iterator iterator() override;
+
+  // Throws utils::Exception for null.
+  void add(CimProperty* newProperty);
+  // Returns the property in force under the name, null when there is none.
+  [[nodiscard]] CimProperty* get(const std::string& name);
+
+ private:
+  utils::SafeMap<std::string, CimProperty*> m_index;
+};
+
+}  // namespace core
+
+#endif  // ORVEX_CORE_CIMPROPERTYLIST_H_

@@ -1,0 +1,51 @@
+// Reference properties: how an association points at its ends.
+//
+// A reference has a target instance, or a text where there is none. It does not own its target,
+// which must outlive it.
+
+#ifndef ORVEX_CORE_CIMPROPERTYREF_H_
+#define ORVEX_CORE_CIMPROPERTYREF_H_
+
+#include <cstdint>
+#include <string>
+#include <utility>
+
+#include "Utils/Export.h"
+#include "core/CimProperty.h"
+
+namespace core {
+
+class ORVEX_CORE_API CimPropertyRef : public CimProperty {
+ public:
+  CimPropertyRef(const char* name, CimInstance* owner);
+  ~CimPropertyRef() override;
+
+  void setTarget(CimInstance* target) {
+    m_target = target;
+    setNullState(false);
+  }
+  [[nodiscard]] CimInstance* getTarget() const { return m_target; }
+  void setText(std::string text) {
+    m_text = std::move(text);
+    setNullState(false);
+  }
+
+  // Returns the target's object path; without a target, the text.
+  [[nodiscard]] std::string toString() const override;
+  [[nodiscard]] std::uint32_t getType() const override { return kCimReference; }
+
+ private:
+  CimInstance* m_target = nullptr;
+  std::string m_text;
+};
+
+// A reference to an instance of T, a schema class.
+template <class T>
+class CimPropertyRefT : public CimPropertyRef {
+ public:
+  using CimPropertyRef::CimPropertyRef;
+};
+
+}  // namespace core
+
+#endif  // ORVEX_CORE_CIMPROPERTYREF_H_
