@@ -1,0 +1,5 @@
+#include "cim/CIM_Job.h"
+
+CIM_Job::CIM_Job() = default;
+
+CIM_Job::~CIM_Job() = default;

@@ -1,0 +1,5 @@
+#include "cim/CIM_ReferencedProfile.h"
+
+CIM_ReferencedProfile::CIM_ReferencedProfile() = default;
+
+CIM_ReferencedProfile::~CIM_ReferencedProfile() = default;

@@ -1,0 +1,5 @@
+#include "cim/CIM_ServiceAffectsElement.h"
+
+CIM_ServiceAffectsElement::CIM_ServiceAffectsElement() = default;
+
+CIM_ServiceAffectsElement::~CIM_ServiceAffectsElement() = default;

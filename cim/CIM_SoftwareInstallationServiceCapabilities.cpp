@@ -1,0 +1,7 @@
+#include "cim/CIM_SoftwareInstallationServiceCapabilities.h"
+
+CIM_SoftwareInstallationServiceCapabilities::CIM_SoftwareInstallationServiceCapabilities() =
+    default;
+
+CIM_SoftwareInstallationServiceCapabilities::~CIM_SoftwareInstallationServiceCapabilities() =
+    default;
