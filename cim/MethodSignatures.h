@@ -1,0 +1,54 @@
+// What the extrinsic methods of the schema classes take and answer, for front ends that turn text
+// into arguments and return codes into words. The names and numbers are those of the DMTF CIM
+// schema (CIM_SoftwareInstallationService). Constant data; any thread may call.
+
+#ifndef ORVEX_CIM_METHODSIGNATURES_H_
+#define ORVEX_CIM_METHODSIGNATURES_H_
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "Utils/Export.h"
+#include "core/CimProperty.h"
+
+namespace cim {
+
+enum class Direction { In, Out };
+
+struct Parameter {
+  std::string_view name;
+  core::CimType type;
+  Direction direction;
+};
+
+struct MethodSignature {
+  std::string_view name;
+  std::vector<Parameter> parameters;  // in the schema's order; the created job is none of them
+};
+
+// The return codes of the installation methods that have a meaning of their own here.
+enum InstallReturn : std::uint32_t {
+  kCompletedWithNoError = 0,
+  kUnspecifiedError = 2,
+  kFailed = 4,
+  kInvalidParameter = 5,
+  kTargetInUse = 6,
+  kJobStarted = 4096,
+  kUnsupportedTargetType = 4097,
+  kDowngradeNotSupported = 4099,
+  kNotEnoughMemory = 4100,
+  kNotApplicableToTarget = 4106,
+  kCollectionNotSupported = 4108,
+};
+
+// Returns the signature of the method, null for an unknown one. Names are case-sensitive.
+[[nodiscard]] ORVEX_CORE_API const MethodSignature* findMethod(std::string_view name);
+
+// Returns the meaning of a return code of an installation method, for example "Method Parameters
+// Checked - Job Started"; "Unknown return code" for one that has none.
+[[nodiscard]] ORVEX_CORE_API std::string_view describeInstallReturn(std::uint32_t code);
+
+}  // namespace cim
+
+#endif  // ORVEX_CIM_METHODSIGNATURES_H_

@@ -1,0 +1,24 @@
+// Loads the modules whose agents a host serves. For the start of a process, on one thread.
+
+#ifndef ORVEX_HOST_MODULELOADER_H_
+#define ORVEX_HOST_MODULELOADER_H_
+
+#include <string>
+
+namespace host {
+
+// Returns the directory of the modules that belong to the running program: ../lib/quorvel beside
+// the directory of its file.
+[[nodiscard]] std::string getModuleDirectory();
+
+// Loads one module for the life of the process; loading it registers its agent with the broker.
+// Throws utils::Exception when it cannot be loaded or has registered no agent.
+void loadModule(const std::string& path);
+
+// Loads the inventory agent and the software update agent from a directory, in this order. Throws
+// as loadModule.
+void loadModules(const std::string& directory);
+
+}  // namespace host
+
+#endif  // ORVEX_HOST_MODULELOADER_H_
