@@ -3,6 +3,12 @@
 option(QUORVEL_BENCHMARKS "Build the benchmark programs" OFF)
 set(QUORVEL_SANITIZE "" CACHE STRING "Value for -fsanitize, for example address,undefined")
 
+# The folder of the platform's definitions, beside the portable files of a folder.
+set(QUORVEL_PLATFORM_DIR Posix)
+if(WIN32)
+  set(QUORVEL_PLATFORM_DIR Windows)
+endif()
+
 if(NOT MSVC)
   add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wformat=2 -Werror)
 endif()

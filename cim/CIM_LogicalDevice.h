@@ -1,0 +1,21 @@
+// A device of a system, as software sees it. Its keys are the first four properties.
+
+#ifndef ORVEX_CIM_CIM_LOGICALDEVICE_H_
+#define ORVEX_CIM_CIM_LOGICALDEVICE_H_
+
+#include "Utils/Export.h"
+#include "cim/CIM_EnabledLogicalElement.h"
+#include "core/CimPropertyTypes.h"
+
+class ORVEX_CORE_API CIM_LogicalDevice : public CIM_EnabledLogicalElement {
+ public:
+  CIM_LogicalDevice();
+  ~CIM_LogicalDevice() override;
+
+  core::CimPropertyString SystemCreationClassName{"SystemCreationClassName", this};
+  core::CimPropertyString SystemName{"SystemName", this};
+  core::CimPropertyString CreationClassName{"CreationClassName", this};
+  core::CimPropertyString DeviceID{"DeviceID", this};
+};
+
+#endif  // ORVEX_CIM_CIM_LOGICALDEVICE_H_

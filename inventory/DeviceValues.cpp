@@ -1,0 +1,36 @@
+#include "inventory/DeviceValues.h"
+
+#include <cstdint>
+
+#include "Os/Environment.h"
+
+namespace inventory {
+namespace {
+
+constexpr const char* kSystemClass = "CIM_UnitaryComputerSystem";
+constexpr std::uint16_t kOperationalStatusOk = 2;
+
+}  // namespace
+
+void setDeviceValues(CIM_LogicalDevice& device, const std::string& deviceId,
+                     const std::string& caption) {
+  device.SystemCreationClassName.setValue(kSystemClass);
+  device.SystemName.setValue(os::getComputerName());
+  device.CreationClassName.setValue(device.getClassName());
+  device.DeviceID.setValue(deviceId);
+  for (core::CimPropertyString* key : {&device.SystemCreationClassName, &device.SystemName,
+                                       &device.CreationClassName, &device.DeviceID}) {
+    key->setKey();
+  }
+  device.Caption.setValue(caption);
+  device.Description.setValue(caption);
+  device.ElementName.setValue(caption);
+  device.Name.setValue(deviceId);
+  device.OperationalStatus.setValue({kOperationalStatusOk});
+}
+
+std::string getAdapterIdentity(const std::string& portIdentity) {
+  return portIdentity.substr(0, portIdentity.rfind('.'));
+}
+
+}  // namespace inventory

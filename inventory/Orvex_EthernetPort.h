@@ -1,0 +1,28 @@
+// A port of an Ethernet adapter, as the inventory agent serves it.
+//
+// Other agents reach the accessors through an instance that they got from the broker, with this
+// header alone: everything is virtual or inline, nothing of the inventory module is linked.
+
+#ifndef ORVEX_INVENTORY_ORVEX_ETHERNETPORT_H_
+#define ORVEX_INVENTORY_ORVEX_ETHERNETPORT_H_
+
+#include <string>
+
+#include "cim/CIM_LogicalDevice.h"
+
+class Orvex_EthernetPort : public CIM_LogicalDevice {
+ public:
+  static constexpr const char* kClassName = "Orvex_EthernetPort";
+
+  ~Orvex_EthernetPort() override = default;
+
+  [[nodiscard]] std::string getClassName() const override { return kClassName; }
+
+  // Returns the identifier by which the flash library knows the port.
+  [[nodiscard]] virtual std::string getIdentity() const = 0;
+
+  core::CimPropertyUint16 PortNumber{"PortNumber", this};
+  core::CimPropertyString PermanentAddress{"PermanentAddress", this};
+};
+
+#endif  // ORVEX_INVENTORY_ORVEX_ETHERNETPORT_H_

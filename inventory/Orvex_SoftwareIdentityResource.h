@@ -1,0 +1,25 @@
+// The file of a software identity. For its use by other agents see Orvex_EthernetPort.
+
+#ifndef ORVEX_INVENTORY_ORVEX_SOFTWAREIDENTITYRESOURCE_H_
+#define ORVEX_INVENTORY_ORVEX_SOFTWAREIDENTITYRESOURCE_H_
+
+#include <string>
+
+#include "cim/CIM_LogicalElement.h"
+
+class Orvex_SoftwareIdentityResource : public CIM_LogicalElement {
+ public:
+  static constexpr const char* kClassName = "Orvex_SoftwareIdentityResource";
+
+  ~Orvex_SoftwareIdentityResource() override = default;
+
+  [[nodiscard]] std::string getClassName() const override { return kClassName; }
+
+  // Returns the identifier of the file, comparable with Orvex_SoftwareIdentity::getIdentity().
+  [[nodiscard]] virtual std::string getFirmwareFileID() const = 0;
+
+  // The URI of the file.
+  core::CimPropertyString AccessInfo{"AccessInfo", this};
+};
+
+#endif  // ORVEX_INVENTORY_ORVEX_SOFTWAREIDENTITYRESOURCE_H_

@@ -1,0 +1,13 @@
+#include "Os/LoadHook.h"
+
+#include "inventory/SoftwareInventoryAgent.h"
+
+namespace {
+
+constexpr utils::LogSource kLog{"SoftwareInventoryAgent"};
+
+__attribute__((constructor)) void onLoad() {
+  os::runLoadHook(kLog, core::addSoftwareInventoryAgent);
+}
+
+}  // namespace

@@ -1,0 +1,21 @@
+// The inventory agent: serves the machine's Ethernet adapters, their ports and their software.
+
+#ifndef ORVEX_INVENTORY_SOFTWAREINVENTORYAGENT_H_
+#define ORVEX_INVENTORY_SOFTWAREINVENTORYAGENT_H_
+
+#include "core/CimAgent.h"
+
+namespace core {
+
+class SoftwareInventoryAgent : public CimAgent {
+ public:
+  SoftwareInventoryAgent();
+  ~SoftwareInventoryAgent() override;
+};
+
+// Adds the one agent of the process to the broker. For the module's load hook.
+void addSoftwareInventoryAgent();
+
+}  // namespace core
+
+#endif  // ORVEX_INVENTORY_SOFTWAREINVENTORYAGENT_H_
