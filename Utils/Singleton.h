@@ -33,6 +33,8 @@ class Singleton {
   Singleton& operator=(const Singleton&) = delete;
   virtual ~Singleton() { slot() = m_previous; }
 
+  [[nodiscard]] static bool hasInstance() { return slot() != nullptr; }
+
   // Returns the current instance, which its creator owns. Throws utils::Exception when there is
   // none: "No singleton instance found for %s".
   [[nodiscard]] static T* getInstance() {

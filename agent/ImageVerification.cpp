@@ -1,0 +1,183 @@
+#include "agent/ImageVerification.h"
+
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "Os/Files.h"
+#include "Os/QuorvelConfig.h"
+#include "Os/Uri.h"
+#include "Utils/Conversions.h"
+#include "Utils/Log.h"
+#include "agent/InstallOptions.h"
+#include "agent/JobErrors.h"
+#include "midapi/MidApi.h"
+
+namespace {
+
+constexpr utils::LogSource kLog{"Orvex_ConcreteJob"};
+constexpr const char* kCheck = "Orvex_ConcreteJob::checkAndVerifyImage";
+constexpr const char* kTypes = "Orvex_ConcreteJob::getTargetTypes";
+
+using Bytes = std::vector<std::uint8_t>;
+
+TargetReservation reserveTarget(const std::string& target) {
+  const std::string inProgress = TargetInProgress::get();
+  if (inProgress == target && !inProgress.empty()) {
+    throw ETargetInUse(
+        utils::format("Firmware update for %s is currently in progress", target.c_str()));
+  }
+  if (!inProgress.empty()) {
+    throw EJobIsRunning(
+        utils::format("Other job for %s is running at this moment", inProgress.c_str()));
+  }
+  return TargetReservation(target);
+}
+
+Bytes readImageFile(const std::string& text) {
+  utils::logDebug(kLog, kCheck, "Checking URI : '%s' ", text.c_str());
+  const utils::Uri uri(text);
+  const std::string invalid = utils::format("URI: %s is invalid", text.c_str());
+  if (!uri.isSupported()) {
+    throw EInvalidUri(invalid);
+  }
+  if (!uri.exists()) {
+    throw EUriDoesNotExist(invalid);
+  }
+  const std::string path = uri.getPath();
+  const std::int32_t size = os::getFileSize(path);
+  Bytes file(static_cast<std::size_t>(size));
+  if (os::readFile(path, file.data(), size) != size) {
+    throw EImageReadError(utils::format("Image read error: %s (%s)", text.c_str(), path.c_str()));
+  }
+  return file;
+}
+
+EDowngradeDetected downgradeDetected(const std::string& uri) {
+  return EDowngradeDetected(utils::format(
+      "Downgrade was detected for %s. Try to use FORCE_INSTALL option.", uri.c_str()));
+}
+
+// A change of image types needs the force option and the configuration's consent.
+void acceptOtherTypes(const std::string& uri, bool isForced) {
+  const bool isEnabled = utils::QuorvelConfig::getInstance()->getDowngradeEnable();
+  utils::logDebug(kLog, kCheck, "DowngradeEnable: %d, ForceInstall: %d", isEnabled, isForced);
+  if (isEnabled && isForced) {
+    return;
+  }
+  if (isEnabled) {
+    throw downgradeDetected(uri);
+  }
+  throw EDowngradeDetected(
+      "The selected flash image cannot be used because it does not contain the same image types. "
+      "Please select a flash file with matching image types.");
+}
+
+// Returns for a status that lets the update go on, throws for any other.
+void actOnStatus(ma::PrepareStatus status, const std::string& target, const std::string& uri,
+                 bool isForced) {
+  switch (status) {
+    case ma::PrepareStatus::Ok:
+      return;
+    case ma::PrepareStatus::InvalidImage:
+      throw utils::EInvalidParameter(
+          utils::format("Invalid parameter detected for %s", uri.c_str()));
+    case ma::PrepareStatus::NotForAdapter:
+      throw EAdapterNotSupported(
+          utils::format("Image %s is not supported for adapter %s", uri.c_str(), target.c_str()));
+    case ma::PrepareStatus::Downgrade:
+      if (!isForced) {
+        throw downgradeDetected(uri);
+      }
+      return;
+    case ma::PrepareStatus::TypesDiffer:
+      return acceptOtherTypes(uri, isForced);
+    case ma::PrepareStatus::NotUpdatable:
+      throw ENotApplicableForTarget(utils::format("Not applicable for %s", uri.c_str()));
+    case ma::PrepareStatus::InternalFault:
+      throw utils::EUnspecifiedError(
+          utils::format("Unspecified error occurred for %s", uri.c_str()));
+  }
+}
+
+std::optional<utils::FirmwareType> findType(const std::string& name) {
+  for (std::size_t index = 0; index < utils::kFirmwareTypeNames.size(); ++index) {
+    const std::string candidate(utils::kFirmwareTypeNames[index]);
+    utils::logDebug(kLog, kTypes, "index: %d", static_cast<int>(index));
+    utils::logDebug(kLog, kTypes, "compare with %s", candidate.c_str());
+    if (candidate == name) {
+      utils::logDebug(kLog, kTypes, "added new image type - #%d", static_cast<int>(index));
+      return static_cast<utils::FirmwareType>(index);
+    }
+  }
+  return std::nullopt;
+}
+
+void addNamedTypes(const std::string& names, std::vector<utils::FirmwareType>& types) {
+  for (const std::string& piece : utils::split(names, '+', utils::kNoQuote)) {
+    const std::string name = utils::trim(piece);
+    utils::logDebug(kLog, kTypes, "TeargetType: %s", name.c_str());
+    const std::optional<utils::FirmwareType> type = findType(name);
+    if (!type) {
+      throw utils::EInvalidParameter(utils::format(
+          "Invalid parameter detected for TargetTypes. %s is not recognized", name.c_str()));
+    }
+    types.push_back(*type);
+  }
+}
+
+}  // namespace
+
+VerifiedImage checkAndVerifyImage(const std::string& target, const std::string& uri,
+                                  const std::vector<std::uint16_t>& installOptions,
+                                  const std::vector<std::string>& installOptionsValues) {
+  VerifiedImage image;
+  image.reservation = reserveTarget(target);
+  const Bytes file = readImageFile(uri);
+  image.bytes.resize(file.size());
+  image.targetTypes = getTargetTypes(installOptions, installOptionsValues);
+
+  utils::logDebug(kLog, kCheck, "Start preparing the image");
+  auto size = static_cast<std::uint32_t>(file.size());
+  const ma::PrepareStatus status =
+      ma::prepareFlashImage(target, file.data(), size, image.bytes.data(), size, image.targetTypes);
+  utils::logDebug(kLog, kCheck, "Image prepared %d", static_cast<int>(status));
+  actOnStatus(status, target, uri, hasOption(installOptions, kForceInstallation));
+  image.bytes.resize(size);
+  return image;
+}
+
+std::vector<utils::FirmwareType> getTargetTypes(
+    const std::vector<std::uint16_t>& installOptions,
+    const std::vector<std::string>& installOptionsValues) {
+  utils::logDebug(kLog, kTypes, "InstallOptions Size: %d", static_cast<int>(installOptions.size()));
+  utils::logDebug(kLog, kTypes, "InstallOptionsValues Size: %d",
+                  static_cast<int>(installOptionsValues.size()));
+  std::vector<utils::FirmwareType> types;
+  for (std::size_t position = 0; position < installOptions.size(); ++position) {
+    if (installOptions[position] != kTargetTypes) {
+      continue;
+    }
+    utils::logDebug(kLog, kTypes, "InstallOptions contains TargetTypes on %d position",
+                    static_cast<int>(position));
+    if (position >= installOptionsValues.size()) {
+      utils::logDebug(kLog, kTypes, "No TargetTypes detected in values");
+      return {};
+    }
+    utils::logDebug(kLog, kTypes, "InstallOptionsValues contains %d elements",
+                    static_cast<int>(installOptionsValues.size()));
+    addNamedTypes(installOptionsValues[position], types);
+    if (types.empty()) {
+      utils::logDebug(kLog, kTypes, "Values does not contain any TargetTypes");
+      return {};
+    }
+  }
+  for (std::size_t index = 0; index < types.size(); ++index) {
+    utils::logDebug(kLog, kTypes, "Return result[%d]=%d", static_cast<int>(index),
+                    static_cast<int>(types[index]));
+  }
+  if (types.empty()) {
+    utils::logDebug(kLog, kTypes, "No TargetTypes defined");
+  }
+  return types;
+}

@@ -1,0 +1,143 @@
+#include "agent/JobThread.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "Os/OSLocker.h"
+#include "Utils/Assert.h"
+#include "agent/Orvex_ConcreteJob.h"
+#include "midapi/MidApi.h"
+
+namespace {
+
+constexpr utils::LogSource kLog{"JobThread"};
+constexpr const char* kExecute = "JobThread::execute";
+
+constexpr std::chrono::milliseconds kStartDelay{10};
+constexpr int kPollStep = 50;             // milliseconds
+constexpr int kTerminationBudget = 3000;  // milliseconds
+constexpr std::uint32_t kTimeoutErrorCode = 4;
+
+// For a debugger: how many updates have begun.
+std::atomic<std::int32_t> s_begunUpdates{0};
+
+// Looks a type up by bisection, over the list as it stands: a list that is not ascending can hide
+// its iSCSI entry, and clients rely on what that does.
+bool findsByBisection(const std::vector<utils::FirmwareType>& types, utils::FirmwareType wanted) {
+  std::size_t first = 0;
+  std::size_t count = types.size();
+  while (count > 0) {
+    const std::size_t half = count / 2;
+    if (types[first + half] < wanted) {
+      first += half + 1;
+      count -= half + 1;
+    } else {
+      count = half;
+    }
+  }
+  return first < types.size() && types[first] == wanted;
+}
+
+}  // namespace
+
+int waitForFlag(const LockedFlag& flag, int milliseconds) {
+  while (!flag.isSet() && milliseconds >= 1) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(kPollStep));
+    milliseconds -= kPollStep;
+  }
+  return milliseconds;
+}
+
+JobThread::JobThread(Orvex_ConcreteJob* myJob) : m_job(myJob) {
+  utils::logDebug(kLog, "JobThread::JobThread", "Creating JobThread %p", static_cast<void*>(this));
+  ORVEX_ASSERT(kLog, NULL != myJob);
+}
+
+JobThread::~JobThread() {
+  constexpr const char* kFunction = "JobThread::~JobThread";
+  void* const self = this;
+  utils::logDebug(kLog, kFunction, "Destroying JobThread %p", self);
+  if (!m_started.isSet()) {
+    return;
+  }
+  utils::logDebug(kLog, kFunction, "Destroying JobThread %p, waiting for terminate", self);
+  JobThread::requestStop();
+  waitForFlag(m_done, kTerminationBudget);
+  if (m_done.isSet()) {
+    utils::logDebug(kLog, kFunction, "JobThread %p, terminated", self);
+  } else {
+    utils::logError(kLog, kFunction, "JobThread %p, terminating timeout error", self);
+  }
+}
+
+void JobThread::requestStop() {
+  m_stopRequested.set();
+}
+
+void JobThread::run() {
+  void* const self = this;
+  utils::logDebug(kLog, kExecute, "Thread %p starting", self);
+  std::this_thread::sleep_for(kStartDelay);
+  s_begunUpdates.fetch_add(1, std::memory_order_relaxed);
+  m_job->setJobState(ConcreteJobState::Running);
+  bool isFlashed = false;
+  try {
+    isFlashed = flash();
+  } catch (...) {
+    // Whatever it was, a client gets the one answer that it knows.
+    m_job->setError(kTimeoutErrorCode, "Timeout Error");
+    utils::logError(kLog, kExecute, "Access to the FK is disabled at this moment.");
+  }
+  m_job->setJobState(isFlashed ? ConcreteJobState::Completed : ConcreteJobState::Exception);
+  m_done.set();
+  utils::logDebug(kLog, kExecute, "Thread %p finishing", self);
+}
+
+bool JobThread::flash() {
+  const os::OSLocker::AutoOSLocker flashLock;
+  const std::string target = m_job->getTarget();
+  const std::vector<utils::FirmwareType> types = m_job->getTargetTypes();
+  if (!findsByBisection(types, utils::FirmwareType::Iscsi)) {
+    disableIscsiBoot();
+  }
+  std::uint32_t errorCode = 0;
+  std::string errorText;
+  utils::logDebug(kLog, kExecute, "Writing FLASH Image");
+  const std::vector<std::uint8_t>& image = m_job->getImage();
+  bool isDone = ma::writeFlashImage(target, image.data(), static_cast<std::uint32_t>(image.size()),
+                                    errorCode, errorText);
+  m_job->setError(errorCode, errorText);
+  if (isDone) {
+    utils::logDebug(kLog, kExecute, "Updating CapabilityWord");
+    isDone = ma::updateCapabilityWord(target, types, errorCode, errorText);
+    m_job->setError(errorCode, errorText);
+  }
+  return isDone;
+}
+
+// An image without iSCSI must not leave ports behind that boot from it: all ports of the adapter
+// share the flash.
+void JobThread::disableIscsiBoot() {
+  const std::string target = m_job->getTarget();
+  std::vector<utils::FirmwareVersionInfo> installed;
+  ma::getAdapterFirmwareVersion(target, installed);
+  utils::logDebug(kLog, kExecute, "MidApi returns %d firmwares",
+                  static_cast<int>(installed.size()));
+  const bool hasIscsi = std::any_of(installed.begin(), installed.end(), [](const auto& component) {
+    return component.type == utils::FirmwareType::Iscsi;
+  });
+  if (!hasIscsi) {
+    return;
+  }
+  const utils::PCIAddr address = ma::getPCIAddress(target);
+  for (const std::string& port : ma::enumerateAdapters()) {
+    const utils::PCIAddr other = ma::getPCIAddress(port);
+    if (other.bus == address.bus && other.device == address.device) {
+      ma::setBootType(port, ma::BootType::None);
+    }
+  }
+}

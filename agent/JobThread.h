@@ -1,0 +1,61 @@
+// The thread of one firmware update: takes the flash lock, writes the image and reports to its job.
+//
+// Owned by its job. Created, started once, runs, done; deleted when done, or earlier: then the
+// destructor waits, 3 seconds for its own flag and after that for the thread itself without limit.
+// The flags may be asked from any thread.
+
+#ifndef ORVEX_AGENT_JOBTHREAD_H_
+#define ORVEX_AGENT_JOBTHREAD_H_
+
+#include "Utils/Mutex.h"
+#include "Utils/Thread.h"
+
+class Orvex_ConcreteJob;
+
+// A boolean under a mutex of its own.
+class LockedFlag {
+ public:
+  void set() {
+    const utils::ScopedLock lock(m_mutex);
+    m_isSet = true;
+  }
+  [[nodiscard]] bool isSet() const {
+    const utils::ScopedLock lock(m_mutex);
+    return m_isSet;
+  }
+
+ private:
+  mutable utils::Mutex m_mutex;
+  bool m_isSet ORVEX_GUARDED_BY(m_mutex) = false;
+};
+
+// Waits until the flag is set or `milliseconds` are used up, in steps of 50 ms. Returns what is
+// left of them, negative when they did not suffice.
+int waitForFlag(const LockedFlag& flag, int milliseconds);
+
+class JobThread : public utils::Thread {
+ public:
+  // `myJob` must outlive the thread. Throws utils::Exception for null.
+  explicit JobThread(Orvex_ConcreteJob* myJob);
+  ~JobThread() override;
+
+  // Runs the update.
+  void run() override;
+
+  // Notes that the update should end. A flash that is being written is not given up.
+  virtual void requestStop();
+
+  void setStarted() { m_started.set(); }
+  [[nodiscard]] const LockedFlag& getDone() const { return m_done; }
+
+ private:
+  [[nodiscard]] bool flash();
+  void disableIscsiBoot();
+
+  Orvex_ConcreteJob* const m_job;
+  LockedFlag m_done;
+  LockedFlag m_stopRequested;
+  LockedFlag m_started;
+};
+
+#endif  // ORVEX_AGENT_JOBTHREAD_H_

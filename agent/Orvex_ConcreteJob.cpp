@@ -1,0 +1,194 @@
+#include "agent/Orvex_ConcreteJob.h"
+
+#include <utility>
+
+#include "Utils/Assert.h"
+#include "midapi/MidApi.h"
+
+namespace {
+
+constexpr utils::LogSource kLog{"Orvex_ConcreteJob"};
+
+constexpr std::uint16_t kOperationalStatusOk = 2;
+constexpr std::uint64_t kTimeBeforeRemoval = 300'000'000;  // microseconds
+
+// Which states end a job. Killed and Terminated do not: only the states that a job reaches by
+// itself count.
+struct StateEnd {
+  ConcreteJobState state;
+  bool isEnd;
+};
+constexpr StateEnd kStateEnds[] = {
+    {ConcreteJobState::New, false},          {ConcreteJobState::Starting, false},
+    {ConcreteJobState::Running, false},      {ConcreteJobState::Suspended, false},
+    {ConcreteJobState::ShuttingDown, true},  {ConcreteJobState::Completed, true},
+    {ConcreteJobState::Terminated, false},   {ConcreteJobState::Killed, false},
+    {ConcreteJobState::Exception, true},     {ConcreteJobState::Service, false},
+    {ConcreteJobState::QueryPending, false},
+};
+
+}  // namespace
+
+Orvex_ConcreteJob::Orvex_ConcreteJob(const std::string& target, std::uint32_t number,
+                                     const std::string& uri,
+                                     const std::vector<std::uint16_t>& installOptions,
+                                     const std::vector<std::string>& installOptionsValues)
+    : Orvex_ConcreteJob(target, number,
+                        checkAndVerifyImage(target, uri, installOptions, installOptionsValues)) {}
+
+Orvex_ConcreteJob::Orvex_ConcreteJob(const std::string& target, std::uint32_t number,
+                                     VerifiedImage image)
+    : m_target(target),
+      m_number(number),
+      m_image(std::move(image)),
+      m_myThread(std::make_unique<JobThread>(this)) {
+  m_elapsed = utils::Datetime::elapsedSince(m_submitted);
+}
+
+Orvex_ConcreteJob::~Orvex_ConcreteJob() {
+  // The thread uses the other members until it has ended.
+  m_myThread.reset();
+}
+
+void Orvex_ConcreteJob::setPropertyValues() {
+  Caption.setValue(utils::format("Firmware Update Job %u", m_number));
+  Description.setValue(Caption.getValue());
+  Name.setValue(Caption.getValue());
+  InstanceID.setValue("Orvex:" + getInstanceId());
+  InstanceID.setKey();
+  OperationalStatus.clear();
+  OperationalStatus.addValue(kOperationalStatusOk);
+  JobRunTimes.setValue(1);
+  Priority.setValue(0);
+  DeleteOnCompletion.setValue(false);
+  TimeBeforeRemoval.setValue(utils::Datetime(kTimeBeforeRemoval));
+  StartTime.setValue(m_submitted);
+  PercentComplete.setValue(static_cast<std::uint16_t>(getPercentComplete()));
+  for (core::CimProperty* property :
+       std::initializer_list<core::CimProperty*>{&ElementName,
+                                                 &Generation,
+                                                 &InstallDate,
+                                                 &StatusDescriptions,
+                                                 &Status,
+                                                 &HealthState,
+                                                 &PrimaryStatus,
+                                                 &DetailedStatus,
+                                                 &OperatingStatus,
+                                                 &CommunicationStatus,
+                                                 &JobStatus,
+                                                 &TimeSubmitted,
+                                                 &ScheduledStartTime,
+                                                 &RunMonth,
+                                                 &RunDay,
+                                                 &RunDayOfWeek,
+                                                 &RunStartInterval,
+                                                 &LocalOrUtcTime,
+                                                 &UntilTime,
+                                                 &Notify,
+                                                 &Owner,
+                                                 &RecoveryAction,
+                                                 &OtherRecoveryAction}) {
+    property->setNull();
+  }
+  JobState.setValue(static_cast<std::uint16_t>(getJobState()));
+  const utils::ScopedLock lock(m_reportMutex);
+  ElapsedTime.setValue(m_elapsed);
+  ErrorCode.setValue(m_errorCode);
+  ErrorDescription.setValue(m_errorText);
+  TimeOfLastStateChange.setValue(m_lastStateChange);
+}
+
+bool Orvex_ConcreteJob::threadControl(std::int32_t command, std::int32_t timeout) {
+  constexpr const char* kFunction = "Orvex_ConcreteJob::threadControl";
+  const utils::ScopedLock lock(m_threadMutex);
+  utils::logDebug(kLog, kFunction, "New threadControl %d", command);
+  if (command == kStartThread) {
+    ORVEX_ASSERT(kLog, m_myThread != NULL);
+    m_myThread->setStarted();
+    try {
+      m_myThread->start();
+    } catch (const std::exception&) {
+      utils::logError(kLog, kFunction, "Thread start error");
+      return false;
+    }
+    return true;
+  }
+  if (command == kWaitForThread) {
+    ORVEX_ASSERT(kLog, m_myThread != NULL);
+    m_myThread->requestStop();
+    return waitForFlag(m_myThread->getDone(), timeout) >= 0;
+  }
+  const bool isDeleted =
+      command == kDeleteThread && m_myThread != nullptr && m_myThread->getDone().isSet();
+  if (isDeleted) {
+    utils::logDebug(kLog, kFunction, "Deleting JobThread %p for %s",
+                    static_cast<void*>(m_myThread.get()), m_target.c_str());
+    m_myThread.reset();
+  }
+  utils::logDebug(kLog, kFunction, "threadControl %d - DONE", command);
+  return isDeleted;
+}
+
+std::uint32_t Orvex_ConcreteJob::requestStateChange(std::uint16_t requestedState,
+                                                    const utils::Datetime& /*timeout*/) {
+  constexpr const char* kFunction = "Orvex_ConcreteJob::requestStateChange";
+  utils::logDebug(kLog, kFunction, "New request %d", requestedState);
+  if (requestedState != kRequestStart) {
+    utils::logError(kLog, kFunction, "Not supported new state %d", requestedState);
+    return kStateChangeInvalid;
+  }
+  if (getJobState() != ConcreteJobState::New) {
+    utils::logError(kLog, kFunction, "Cannot start job that is not in 'NEW' state");
+    return kInvalidStateTransition;
+  }
+  utils::logDebug(kLog, kFunction, "starting job");
+  setJobState(ConcreteJobState::Starting);
+  if (threadControl(kStartThread, 0)) {
+    return kStateChanged;
+  }
+  setJobState(ConcreteJobState::Exception);
+  return kStateChangeFailed;
+}
+
+void Orvex_ConcreteJob::setJobState(ConcreteJobState newState) {
+  utils::logDebug(kLog, "Orvex_ConcreteJob::setJobState", "%d -> %d",
+                  static_cast<int>(getJobState()), static_cast<int>(newState));
+  {
+    const utils::ScopedLock lock(m_reportMutex);
+    m_lastStateChange.setToNow();
+    if (newState == ConcreteJobState::Completed) {
+      m_elapsed = utils::Datetime::elapsedSince(m_submitted);
+    }
+  }
+  for (const StateEnd& entry : kStateEnds) {
+    if (entry.state == newState) {
+      m_isFinished = entry.isEnd;
+    }
+  }
+  if (m_isFinished) {
+    m_image.bytes = {};
+    m_image.reservation.release();
+  }
+  // Published last: a client that sees the end may ask for the next update at once.
+  m_state = newState;
+}
+
+void Orvex_ConcreteJob::setError(std::uint32_t code, const std::string& text) {
+  const utils::ScopedLock lock(m_reportMutex);
+  m_errorCode = static_cast<std::uint16_t>(code);
+  m_errorText = text;
+}
+
+std::string Orvex_ConcreteJob::getInstanceId() const {
+  return utils::format("FirmwareUpdate@Job#%u", m_number);
+}
+
+std::int32_t Orvex_ConcreteJob::getPercentComplete() {
+  const ConcreteJobState state = getJobState();
+  if (state == ConcreteJobState::Running) {
+    m_percentComplete = static_cast<std::int32_t>(ma::getFlashImageUpdateProgress(m_target));
+  } else if (state == ConcreteJobState::Completed || state == ConcreteJobState::Exception) {
+    m_percentComplete = 100;
+  }
+  return m_percentComplete;
+}

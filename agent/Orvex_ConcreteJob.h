@@ -1,0 +1,113 @@
+// One firmware update of one adapter, as clients see it.
+//
+// Life cycle, by DMTF JobState: New (constructed: the image is checked and prepared, the target in
+// progress is set) → Starting (requestStateChange) → Running (its thread) → Completed or Exception.
+// Reaching an end state frees the image and clears the target in progress. The job stays in its
+// class's list for the life of the process.
+//
+// Every change of state goes through setJobState(). The job's thread and requests meet in the
+// atomic and guarded members alone; the published properties are filled by a request.
+
+#ifndef ORVEX_AGENT_ORVEX_CONCRETEJOB_H_
+#define ORVEX_AGENT_ORVEX_CONCRETEJOB_H_
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Utils/Datetime.h"
+#include "Utils/Mutex.h"
+#include "agent/ImageVerification.h"
+#include "agent/JobThread.h"
+#include "cim/CIM_ConcreteJob.h"
+
+// DMTF CIM_ConcreteJob.JobState.
+enum class ConcreteJobState : std::uint16_t {
+  New = 2,
+  Starting = 3,
+  Running = 4,
+  Suspended = 5,
+  ShuttingDown = 6,
+  Completed = 7,
+  Terminated = 8,
+  Killed = 9,
+  Exception = 10,
+  Service = 11,
+  QueryPending = 12,
+};
+
+class Orvex_ConcreteJob : public CIM_ConcreteJob {
+ public:
+  static constexpr const char* kClassName = "Orvex_ConcreteJob";
+
+  // What requestStateChange() understands and answers (DMTF CIM_ConcreteJob.RequestStateChange).
+  static constexpr std::uint16_t kRequestStart = 2;
+  enum StateChangeReturn : std::uint32_t {
+    kStateChanged = 0,
+    kStateChangeFailed = 4,
+    kStateChangeInvalid = 5,
+    kInvalidStateTransition = 4097,
+  };
+
+  enum ThreadCommand : std::int32_t { kStartThread = 1, kWaitForThread = 2, kDeleteThread = 3 };
+
+  // Checks and prepares the image; throws what checkAndVerifyImage throws, and then there is no
+  // job.
+  Orvex_ConcreteJob(const std::string& target, std::uint32_t number, const std::string& uri,
+                    const std::vector<std::uint16_t>& installOptions,
+                    const std::vector<std::string>& installOptionsValues);
+  // The same for an image that has been checked.
+  Orvex_ConcreteJob(const std::string& target, std::uint32_t number, VerifiedImage image);
+  // Waits for the thread; see JobThread.
+  ~Orvex_ConcreteJob() override;
+
+  // Fills the published properties.
+  virtual void setPropertyValues();
+  // Starts the thread; or asks it to stop and waits for it, `timeout` milliseconds at the most; or
+  // deletes it when it is done. Returns whether that was done. Throws utils::Exception when there
+  // is no thread to start or to wait for. Holds the job's mutex throughout.
+  virtual bool threadControl(std::int32_t command, std::int32_t timeout);
+
+  // Starts a new job. Returns a StateChangeReturn. `timeout` is not used.
+  [[nodiscard]] std::uint32_t requestStateChange(std::uint16_t requestedState,
+                                                 const utils::Datetime& timeout);
+  void setJobState(ConcreteJobState newState);
+  void setError(std::uint32_t code, const std::string& text);
+
+  [[nodiscard]] std::string getClassName() const override { return kClassName; }
+  // Returns "FirmwareUpdate@Job#" and the number.
+  [[nodiscard]] std::string getInstanceId() const;
+  [[nodiscard]] std::string getTarget() const { return m_target; }
+  [[nodiscard]] std::vector<utils::FirmwareType> getTargetTypes() const {
+    return m_image.targetTypes;
+  }
+  // Returns the image to write, empty after the end. For the job's thread.
+  [[nodiscard]] const std::vector<std::uint8_t>& getImage() const { return m_image.bytes; }
+  [[nodiscard]] ConcreteJobState getJobState() const { return m_state.load(); }
+  [[nodiscard]] bool isFinished() const { return m_isFinished.load(); }
+  // Returns the progress in percent.
+  [[nodiscard]] std::int32_t getPercentComplete();
+
+ private:
+  const std::string m_target;
+  const std::uint32_t m_number;
+  const utils::Datetime m_submitted;
+  VerifiedImage m_image;
+
+  std::atomic<ConcreteJobState> m_state{ConcreteJobState::New};
+  std::atomic<bool> m_isFinished{false};
+  std::atomic<std::int32_t> m_percentComplete{0};
+
+  utils::Mutex m_reportMutex;  // a leaf: nothing is called while it is held
+  utils::Datetime m_elapsed ORVEX_GUARDED_BY(m_reportMutex){0};
+  utils::Datetime m_lastStateChange ORVEX_GUARDED_BY(m_reportMutex){0};
+  std::uint16_t m_errorCode ORVEX_GUARDED_BY(m_reportMutex) = 0;
+  std::string m_errorText ORVEX_GUARDED_BY(m_reportMutex);
+
+  utils::Mutex m_threadMutex;
+  std::unique_ptr<JobThread> m_myThread ORVEX_GUARDED_BY(m_threadMutex);
+};
+
+#endif  // ORVEX_AGENT_ORVEX_CONCRETEJOB_H_

@@ -1,0 +1,112 @@
+#include "agent/Orvex_ConcreteJobClass.h"
+
+#include <memory>
+
+#include "Utils/Clock.h"
+#include "agent/ImageVerification.h"
+#include "agent/JobErrors.h"
+#include "agent/Orvex_ConcreteJob.h"
+
+namespace {
+
+constexpr utils::LogSource kLog{"Orvex_ConcreteJobClass"};
+constexpr const char* kGetInstances = "ConcreteJob::getInstances";
+constexpr const char* kVerifyOrCreate = "Orvex_ConcreteJobClass::verifyOrCreateNewJob";
+constexpr std::uint64_t kStartTimeout = 100;  // microseconds
+
+template <class Error>
+bool isA(const std::exception& error) {
+  return dynamic_cast<const Error*>(&error) != nullptr;
+}
+
+struct ErrorResult {
+  bool (*matches)(const std::exception& error);
+  JobResult result;
+};
+
+// What each refusal is answered by; the first match counts, anything else is unspecified.
+constexpr ErrorResult kErrorResults[] = {
+    {isA<EJobIsRunning>, kJobOtherJobRunning},
+    {isA<ETargetInUse>, kJobTargetInUse},
+    {isA<EInvalidUri>, kJobInvalidUri},
+    {isA<EUriDoesNotExist>, kJobUriDoesNotExist},
+    {isA<EImageReadError>, kJobImageReadError},
+    {isA<EAdapterNotSupported>, kJobAdapterNotSupported},
+    {isA<utils::EInvalidParameter>, kJobInvalidParameter},
+    {isA<utils::EUnspecifiedError>, kJobUnspecifiedError},
+    {isA<EDowngradeDetected>, kJobDowngradeDetected},
+    {isA<ENotApplicableForTarget>, kJobNotApplicable},
+};
+
+JobResult toResult(const std::exception& error) {
+  for (const ErrorResult& entry : kErrorResults) {
+    if (entry.matches(error)) {
+      return entry.result;
+    }
+  }
+  return kJobUnspecifiedError;
+}
+
+}  // namespace
+
+Orvex_ConcreteJobClass::Orvex_ConcreteJobClass()
+    : InstanceProvider(Orvex_ConcreteJob::kClassName, {kLog, kGetInstances}) {}
+
+Orvex_ConcreteJobClass::~Orvex_ConcreteJobClass() = default;
+
+std::int32_t Orvex_ConcreteJobClass::verifyOrCreateNewJob(
+    const std::string& target, const std::string& uri,
+    const std::vector<std::uint16_t>& installOptions,
+    const std::vector<std::string>& installOptionsValues, core::CimInstance*& job, bool create) {
+  job = nullptr;
+  try {
+    if (create) {
+      return createNewJob(target, uri, installOptions, installOptionsValues, job);
+    }
+    checkAndVerifyImage(target, uri, installOptions, installOptionsValues).reservation.abandon();
+    return kJobAccepted;
+  } catch (const std::exception& error) {
+    utils::logError(kLog, kVerifyOrCreate, "Exception: '%s'", error.what());
+    return toResult(error);
+  }
+}
+
+void Orvex_ConcreteJobClass::refresh() {
+  core::InstanceList::Iterator cursor = instances().iterator();
+  utils::logDebug(kLog, kGetInstances, "All jobs: %d", static_cast<int>(cursor.count()));
+  for (core::CimInstance* instance = cursor.first(); instance != nullptr;
+       instance = cursor.next()) {
+    auto* job = static_cast<Orvex_ConcreteJob*>(instance);
+    utils::logDebug(kLog, kGetInstances, "Refreshing job: %s", job->getInstanceId().c_str());
+    try {
+      job->threadControl(Orvex_ConcreteJob::kDeleteThread, 0);
+    } catch (const std::exception&) {
+      utils::logDebug(kLog, kGetInstances, "Exception happened");
+    }
+    job->setPropertyValues();
+  }
+}
+
+std::int32_t Orvex_ConcreteJobClass::createNewJob(
+    const std::string& target, const std::string& uri,
+    const std::vector<std::uint16_t>& installOptions,
+    const std::vector<std::string>& installOptionsValues, core::CimInstance*& job) {
+  utils::logDebug(kLog, "Orvex_ConcreteJobClass::createNewJob",
+                  "Creating new job for %s with id #%d", target.c_str(),
+                  static_cast<int>(m_nextJobNumber));
+  auto created = std::make_unique<Orvex_ConcreteJob>(target, m_nextJobNumber, uri, installOptions,
+                                                     installOptionsValues);
+  ++m_nextJobNumber;
+  created->setPropertyValues();
+  instances().add(created.get());
+  Orvex_ConcreteJob* const newJob = created.release();
+  const utils::Datetime timeout(utils::currentMicroseconds() + kStartTimeout);
+  if (newJob->requestStateChange(Orvex_ConcreteJob::kRequestStart, timeout) !=
+      Orvex_ConcreteJob::kStateChanged) {
+    instances().remove(newJob);
+    delete newJob;
+    return kJobStartFailed;
+  }
+  job = newJob;
+  return kJobAccepted;
+}

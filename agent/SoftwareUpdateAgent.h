@@ -1,0 +1,18 @@
+// The software update agent: serves the classes of the DMTF Software Update Profile.
+
+#ifndef ORVEX_AGENT_SOFTWAREUPDATEAGENT_H_
+#define ORVEX_AGENT_SOFTWAREUPDATEAGENT_H_
+
+#include "core/CimAgent.h"
+
+namespace core {
+
+class SoftwareUpdateAgent : public CimAgent {
+ public:
+  SoftwareUpdateAgent();
+  ~SoftwareUpdateAgent() override;
+};
+
+}  // namespace core
+
+#endif  // ORVEX_AGENT_SOFTWAREUPDATEAGENT_H_
