@@ -1,0 +1,153 @@
+// The agents: job objects, enumerations, and updates from request to end.
+
+#include <benchmark/benchmark.h>
+#include <chrono>
+#include <malloc.h>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "Os/OSLocker.h"
+#include "agent/Orvex_ConcreteJob.h"
+#include "agent/Orvex_SoftwareInstallationService.h"
+#include "bench/BenchAdapters.h"
+#include "core/CimBroker.h"
+#include "core/CimPropertyRef.h"
+#include "inventory/Orvex_EthernetPort.h"
+#include "inventory/Orvex_PortController.h"
+#include "midapi/MidApi.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Seconds = std::chrono::duration<double>;
+
+// The pause that every job makes before it begins.
+constexpr Seconds kJobThreadDelay{0.010};
+constexpr std::size_t kMebibyte = 1 << 20;
+
+std::size_t heapBytes() {
+  return mallinfo2().uordblks;
+}
+
+void constructFillDestroyJob(benchmark::State& state) {
+  std::size_t bytes = 0;
+  for (auto _ : state) {
+    const std::size_t before = heapBytes();
+    auto job =
+        std::make_unique<Orvex_ConcreteJob>(bench::Adapters::firstPort(), 1, VerifiedImage{});
+    job->setPropertyValues();
+    bytes = heapBytes() - before;
+    job.reset();
+  }
+  state.counters["bytes"] = static_cast<double>(bytes);
+}
+BENCHMARK(constructFillDestroyJob);
+
+void enumerate(benchmark::State& state, const char* className) {
+  bench::registerAgents();
+  const auto adapterCount = static_cast<std::size_t>(state.range(0));
+  const bench::Adapters adapters(adapterCount);
+  const core::CimBroker::Request request(core::GetCimBroker());
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(core::GetCimBroker().getInstances(className));
+  }
+  const auto ports = static_cast<double>(2 * adapterCount);
+  state.counters["timePerPort"] = benchmark::Counter(
+      ports, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+}
+
+void registerEnumerations() {
+  bench::registerAgents();
+  for (core::CimAgent* agent : core::GetCimBroker().getAgents()) {
+    for (const std::string& className : agent->getClassNames()) {
+      const std::string name = "enumerate/" + agent->getName() + "/" + className;
+      auto* benchmark = benchmark::RegisterBenchmark(
+          name.c_str(),
+          [className](benchmark::State& state) { enumerate(state, className.c_str()); });
+      benchmark->Arg(1)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);
+    }
+  }
+}
+
+void prepareImage(benchmark::State& state) {
+  const auto size = static_cast<std::size_t>(state.range(0)) * kMebibyte;
+  const bench::Adapters adapters(1);
+  const std::vector<std::uint8_t> file = bench::makeRom(size);
+  std::vector<std::uint8_t> image(file.size());
+  for (auto _ : state) {
+    auto imageSize = static_cast<std::uint32_t>(image.size());
+    const ma::PrepareStatus status =
+        ma::prepareFlashImage(bench::Adapters::firstPort(), file.data(), imageSize, image.data(),
+                              imageSize, {utils::FirmwareType::Uefi});
+    if (status != ma::PrepareStatus::Ok) {
+      state.SkipWithError("the image was refused");
+    }
+  }
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(file.size()));
+}
+BENCHMARK(prepareImage)->Arg(1)->Arg(16);
+
+// One InstallFromURI of the first port; returns its job.
+Orvex_ConcreteJob& startUpdate(const bench::Adapters& adapters) {
+  core::CimBroker& broker = core::GetCimBroker();
+  const core::CimBroker::Request request(broker);
+  core::CimPropertyString uri("URI", nullptr);
+  uri.setValue(adapters.romUri());
+  core::CimPropertyRef target("Target", nullptr);
+  target.setText(broker.getInstances(Orvex_EthernetPort::kClassName).front()->getPath());
+  core::CimPropertyUint16_arr options("InstallOptions", nullptr);
+  options.setValue({5});
+  core::CimPropertyString_arr values("InstallOptionsValues", nullptr);
+  core::CimPropertyList in;
+  core::CimPropertyList out;
+  for (core::CimProperty* argument :
+       std::initializer_list<core::CimProperty*>{&uri, &target, &options, &values}) {
+    in.add(argument);
+  }
+  core::CimInstance* job = nullptr;
+  core::CimInstance* service =
+      broker.getInstances(Orvex_SoftwareInstallationService::kClassName).front();
+  if (service->invokeMethod("InstallFromURI", &in, &out, &job) != cim::kJobStarted) {
+    throw std::runtime_error("the update was refused");
+  }
+  return static_cast<Orvex_ConcreteJob&>(*job);
+}
+
+// Times requests of 1 MiB: until they are answered, or until their job is completed.
+void update(benchmark::State& state, bool toCompletion) {
+  bench::registerAgents();
+  const std::unique_ptr<os::OSLocker> locker = os::createOSLocker();
+  const bench::Adapters adapters(1, kMebibyte);
+  for (auto _ : state) {
+    const Clock::time_point start = Clock::now();
+    Orvex_ConcreteJob& job = startUpdate(adapters);
+    const Clock::time_point answered = Clock::now();
+    while (!job.threadControl(Orvex_ConcreteJob::kDeleteThread, 0)) {
+      std::this_thread::sleep_for(std::chrono::microseconds(100));
+    }
+    if (job.getJobState() != ConcreteJobState::Completed) {
+      state.SkipWithError("the update failed");
+    }
+    const Seconds time =
+        toCompletion ? Clock::now() - start - kJobThreadDelay : Seconds(answered - start);
+    state.SetIterationTime(time.count());
+  }
+}
+BENCHMARK_CAPTURE(update, requestToAnswer, false)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(update, requestToCompleted, true)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  registerEnumerations();
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
+    return 1;
+  }
+  benchmark::RunSpecifiedBenchmarks();
+  return 0;
+}

@@ -1,0 +1,65 @@
+#include "bench/BenchAdapters.h"
+
+#include "Os/Environment.h"
+#include "agent/SoftwareUpdateAgent.h"
+#include "core/CimBroker.h"
+#include "inventory/SoftwareInventoryAgent.h"
+#include "midapi/VirtualAdapters.h"
+#include "tests/support/RomBuilder.h"
+
+namespace bench {
+namespace {
+
+constexpr std::size_t kUnit = 512;
+constexpr std::uint16_t kVendor = 0x1AF4;
+constexpr std::uint16_t kDevice = 0x1041;
+constexpr unsigned kPorts = 2;
+constexpr std::size_t kDevicesPerBus = 32;
+constexpr const char* kRomName = "image.rom";
+
+}  // namespace
+
+void registerAgents() {
+  static const bool isRegistered = [] {
+    static core::SoftwareUpdateAgent agent;
+    core::addSoftwareInventoryAgent();
+    core::GetCimBroker().addAgent(&agent);
+    return true;
+  }();
+  static_cast<void>(isRegistered);
+}
+
+std::vector<std::uint8_t> makeRom(std::size_t bytes) {
+  return test::RomBuilder()
+      .add(test::RomImage::efi()
+               .device(kVendor, kDevice)
+               .units(static_cast<std::uint16_t>(bytes / kUnit)))
+      .build();
+}
+
+Adapters::Adapters(std::size_t count, std::size_t romBytes) {
+  const std::filesystem::path rom = m_directory.write(kRomName, makeRom(romBytes));
+  const std::filesystem::path adapters = m_directory.path() / "adapters";
+  const ma::VirtualAdapters store(adapters);
+  for (std::size_t index = 0; index < count; ++index) {
+    ma::AdapterSpec spec;
+    spec.pci.bus = static_cast<std::uint8_t>(index / kDevicesPerBus);
+    spec.pci.device = static_cast<std::uint8_t>(index % kDevicesPerBus);
+    spec.name = "Benchmark adapter";
+    spec.vendor = kVendor;
+    spec.device = kDevice;
+    spec.ports = kPorts;
+    spec.rom = rom;
+    spec.writeRate = 0;
+    store.add(spec);
+  }
+  os::setEnvironment("ORVEX_ADAPTERS", adapters.string());
+}
+
+Adapters::~Adapters() = default;
+
+std::string Adapters::romUri() const {
+  return "file://" + (m_directory.path() / kRomName).string();
+}
+
+}  // namespace bench

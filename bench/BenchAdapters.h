@@ -1,0 +1,41 @@
+// Virtual adapters in a temporary directory, and the agents that serve them, in this process.
+
+#ifndef ORVEX_BENCH_BENCHADAPTERS_H_
+#define ORVEX_BENCH_BENCHADAPTERS_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "tests/support/TempDirectory.h"
+
+namespace bench {
+
+// Makes both agents serve in this process, once.
+void registerAgents();
+
+// Returns the bytes of a ROM for the adapters below: one EFI image of that size, a multiple of 512.
+[[nodiscard]] std::vector<std::uint8_t> makeRom(std::size_t bytes);
+
+// While it lives, the flash library manages `count` two-port adapters, whose flash holds a ROM of
+// `romBytes` and is written without a limit of the rate.
+class Adapters {
+ public:
+  explicit Adapters(std::size_t count, std::size_t romBytes = 512);
+  Adapters(const Adapters&) = delete;
+  Adapters& operator=(const Adapters&) = delete;
+  ~Adapters();
+
+  // The first port of the first adapter.
+  [[nodiscard]] static std::string firstPort() { return "0000:00:00.0"; }
+  // The URI of the file that every adapter's flash was made from.
+  [[nodiscard]] std::string romUri() const;
+
+ private:
+  test::TempDirectory m_directory;
+};
+
+}  // namespace bench
+
+#endif  // ORVEX_BENCH_BENCHADAPTERS_H_
