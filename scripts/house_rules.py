@@ -1,0 +1,113 @@
+"""What is allowed where: the tables of scripts/check-source. An exception is an entry with its reason."""
+
+# Top folders, each with those whose headers it may include. A pair names single headers.
+MIDAPI_VOCABULARY = ("Utils", ("Utils/FirmwareTypes.h", "Utils/Export.h"))
+MAY_INCLUDE = {
+    "Utils": ["Utils"],
+    "Os": ["Os", "Utils"],
+    "core": ["core", "Os", "Utils"],
+    "cim": ["cim", "core", "Os", "Utils"],
+    "midapi": ["midapi", MIDAPI_VOCABULARY],
+    "inventory": ["inventory", "cim", "core", "Os", "Utils", "midapi"],
+    "agent": ["agent", "inventory", "cim", "core", "Os", "Utils", "midapi"],
+    "host": ["host", "cim", "core", "Os", "Utils"],
+    "cli": ["cli", "host", "midapi", "cim", "core", "Os", "Utils"],
+    "tests": None,  # anything
+    "bench": None,
+}
+
+# Folders that speak to one operating system.
+OS_FOLDERS = (
+    "Os/Posix/", "Os/Windows/", "midapi/Posix/", "midapi/Windows/", "host/Posix/", "host/Windows/",
+    "agent/Posix/", "agent/Windows/", "inventory/Posix/", "inventory/Windows/",
+)
+# Tests may include an OS header anywhere; conditionals stay in folders named for a platform.
+OS_HEADERS_ALSO_IN = ("tests/",)
+OS_CONDITIONALS_ALSO_IN = {
+    "Utils/Export.h": "the export macro differs by object format",
+    "midapi/Export.h": "the export macro differs by object format",
+}
+
+# The boundaries that no exception may cross; a catch-all there reports what it caught.
+CATCH_ALL_BOUNDARIES = {
+    "Os/Posix/PosixThread.cpp": "top of a thread",
+    "Os/Windows/WindowsThread.cpp": "top of a thread",
+    "Os/LoadHook.cpp": "loader hook",
+    "Os/QuorvelConfig.cpp": "an unreadable configuration leaves the defaults in force",
+    "agent/JobThread.cpp": "top of the job's thread",
+    "agent/Orvex_ConcreteJobClass.cpp": "one job's failure must not end the refresh of the others",
+    "agent/InstallFromURI.cpp": "a method answers with a return code, whatever happened",
+    "agent/InstallSteps.cpp": "as InstallFromURI.cpp",
+    "agent/Orvex_SoftwareInstallationServiceClass.cpp": "as InstallFromURI.cpp",
+    "agent/Posix/LoadHook.cpp": "loader hook",
+    "inventory/Posix/LoadHook.cpp": "loader hook",
+    "cli/Main.cpp": "top of the program",
+    "host/Main.cpp": "top of the program",
+}
+
+# Sources without a test file of their own: pattern, reason, and the tests that cover them instead
+# (a pattern of which one file must exist; None where no file stands for it).
+NO_OWN_TEST = [
+    ("cim/*.cpp", "the schema classes are tables; table-driven tests walk them all",
+     "tests/cim/*Test.cpp"),
+    ("cli/Main.cpp", "the program's entry point: one call", None),
+    ("host/Main.cpp", "the program's entry point: one call", None),
+    ("*/Posix/LoadHook.cpp", "runs when a module is loaded; the tests over the real modules load it", None),
+]
+
+# The platforms, and the variable by which build files choose one.
+PLATFORMS = ("Posix", "Windows")
+PLATFORM_VARIABLE = "${QUORVEL_PLATFORM_DIR}"
+
+# Folders whose sources need tests.
+TESTED_FOLDERS = ("Utils", "Os", "core", "cim", "midapi", "inventory", "agent", "host", "cli")
+
+OS_HEADER_NAMES = {
+    "aio.h", "arpa/inet.h", "dirent.h", "dlfcn.h", "execinfo.h", "fcntl.h", "ftw.h", "glob.h", "grp.h",
+    "ifaddrs.h", "langinfo.h", "link.h", "mqueue.h", "netdb.h", "poll.h", "pthread.h", "pwd.h",
+    "sched.h", "semaphore.h", "signal.h", "spawn.h", "strings.h", "sysexits.h", "syslog.h",
+    "termios.h", "ucontext.h", "unistd.h", "utime.h", "utmpx.h", "winbase.h", "windows.h", "winreg.h",
+    "winsock2.h", "ws2tcpip.h", "io.h", "process.h", "direct.h", "tchar.h", "aclapi.h", "sddl.h",
+}
+OS_HEADER_DIRECTORIES = ("sys/", "linux/", "asm/", "net/", "netinet/", "bits/")
+
+OS_MACROS = (
+    "_WIN32", "_WIN64", "WIN32", "__MINGW32__", "__MINGW64__", "__CYGWIN__", "__linux__", "__linux",
+    "__unix__", "__unix", "__APPLE__", "__MACH__", "__FreeBSD__", "__ANDROID__", "_POSIX_VERSION",
+)
+
+FILE_LENGTH_WARNING = 500
+FILE_LENGTH_FAULT = 1000
+
+# Where this repository was made is nobody's business; written in pieces, since this file is checked.
+MACHINE_FOLDERS = ("wor" + "k", "far" + "m")
+REGISTRY_HOSTS = tuple(
+    name + "." + domain
+    for name, domain in (
+        ("deb", "debian.org"), ("security", "debian.org"), ("snapshot", "debian.org"),
+        ("ftp", "debian.org"), ("archive", "ubuntu.com"), ("registry", "npmjs.org"),
+        ("registry", "npmjs.com"), ("registry", "yarnpkg.com"), ("pypi", "org"),
+        ("files", "pythonhosted.org"), ("proxy", "golang.org"), ("sum", "golang.org"),
+        ("index", "crates.io"), ("static", "crates.io"), ("rubygems", "org"),
+        ("repo1", "maven.org"), ("conan", "io"), ("registry-1", "docker.io"), ("ghcr", "io"),
+    )
+)
+STANDARD_NAMES = r"PCI|UEFI|DMTF|DSP\d+|CIM|WBEM|RFC|ISO|IEEE|POSIX|SMBIOS|PnP|BIOS Boot|ACPI|TLS|HTTP"
+
+RULES = {
+    "os-header": "OS headers stay in the platform folders",
+    "os-conditional": "conditionals on the operating system stay in the platform folders",
+    "include-direction": "includes follow the layers and start at the project's root",
+    "using-namespace": "no using-directive in a header",
+    "catch-all": "catch-alls only at the listed boundaries",
+    "sleep-in-test": "tests wait for conditions, never for time",
+    "disabled-code": "code is there or gone, never switched off",
+    "file-length": "files stay small",
+    "header-guard": "guards are named for the path",
+    "test-per-source": "every source has its test",
+    "cmake-lists-source": "every source is built",
+    "repository-speech": "no machine's paths, registries or private papers in the text",
+}
+
+CXX_SUFFIXES = (".h", ".hpp", ".cpp", ".cc", ".cxx")
+HEADER_SUFFIXES = (".h", ".hpp")
