@@ -16,6 +16,7 @@ constexpr std::uint16_t kDevice = 0x1041;
 constexpr unsigned kPorts = 2;
 constexpr std::size_t kDevicesPerBus = 32;
 constexpr const char* kRomName = "image.rom";
+constexpr const char* kAdaptersName = "adapters";
 
 }  // namespace
 
@@ -39,8 +40,7 @@ std::vector<std::uint8_t> makeRom(std::size_t bytes) {
 
 Adapters::Adapters(std::size_t count, std::size_t romBytes) {
   const std::filesystem::path rom = m_directory.write(kRomName, makeRom(romBytes));
-  const std::filesystem::path adapters = m_directory.path() / "adapters";
-  const ma::VirtualAdapters store(adapters);
+  const ma::VirtualAdapters store(m_directory.path() / kAdaptersName);
   for (std::size_t index = 0; index < count; ++index) {
     ma::AdapterSpec spec;
     spec.pci.bus = static_cast<std::uint8_t>(index / kDevicesPerBus);
@@ -53,10 +53,14 @@ Adapters::Adapters(std::size_t count, std::size_t romBytes) {
     spec.writeRate = 0;
     store.add(spec);
   }
-  os::setEnvironment("ORVEX_ADAPTERS", adapters.string());
+  select();
 }
 
 Adapters::~Adapters() = default;
+
+void Adapters::select() const {
+  os::setEnvironment("ORVEX_ADAPTERS", (m_directory.path() / kAdaptersName).string());
+}
 
 std::string Adapters::romUri() const {
   return "file://" + (m_directory.path() / kRomName).string();

@@ -18,14 +18,17 @@ void registerAgents();
 // Returns the bytes of a ROM for the adapters below: one EFI image of that size, a multiple of 512.
 [[nodiscard]] std::vector<std::uint8_t> makeRom(std::size_t bytes);
 
-// While it lives, the flash library manages `count` two-port adapters, whose flash holds a ROM of
-// `romBytes` and is written without a limit of the rate.
+// `count` two-port adapters, whose flash holds a ROM of `romBytes` and is written without a limit
+// of the rate. They are those that the flash library manages from their construction, or from
+// select(), until others are.
 class Adapters {
  public:
   explicit Adapters(std::size_t count, std::size_t romBytes = 512);
   Adapters(const Adapters&) = delete;
   Adapters& operator=(const Adapters&) = delete;
   ~Adapters();
+
+  void select() const;
 
   // The first port of the first adapter.
   [[nodiscard]] static std::string firstPort() { return "0000:00:00.0"; }
