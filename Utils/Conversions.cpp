@@ -13,6 +13,7 @@ namespace {
 constexpr LogSource kLog{"Conversions"};
 
 constexpr const char* kBlanks = " \t";
+constexpr const char* kEscapedQuote = "\\\"";
 
 bool isHexadecimal(const std::string& text) {
   return text.size() >= 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
@@ -40,24 +41,26 @@ std::string quote(const std::string& text) {
   return quoted;
 }
 
-std::string unquote(const std::string& text) {
+std::string unquote(std::string_view text) {
   if (text.size() < 2 || text.front() != '"' || text.back() != '"') {
-    return text;
+    return std::string(text);
   }
-  const std::string inner = text.substr(1, text.size() - 2);
-  std::string plain;
-  plain.reserve(inner.size());
-  for (std::size_t i = 0; i < inner.size(); ++i) {
-    if (inner[i] == '\\' && i + 1 < inner.size() && inner[i + 1] == '"') {
-      continue;
-    }
-    plain.push_back(inner[i]);
+  std::string plain(text.substr(1, text.size() - 2));
+  for (std::size_t escape = plain.find(kEscapedQuote); escape != std::string::npos;
+       escape = plain.find(kEscapedQuote, escape)) {
+    plain.erase(escape, 1);
   }
   return plain;
 }
 
 std::vector<std::string> split(std::string_view text, char separator, char quoteCharacter) {
-  std::vector<std::string> pieces;
+  const std::vector<std::string_view> pieces = splitViews(text, separator, quoteCharacter);
+  return {pieces.begin(), pieces.end()};
+}
+
+std::vector<std::string_view> splitViews(std::string_view text, char separator,
+                                         char quoteCharacter) {
+  std::vector<std::string_view> pieces;
   if (text.empty()) {
     return pieces;
   }
@@ -70,12 +73,12 @@ std::vector<std::string> split(std::string_view text, char separator, char quote
       isQuoted = isQuoted ? isAfterBackslash : true;
     }
     if (character == separator && !isQuoted) {
-      pieces.emplace_back(text.substr(start, i - start));
+      pieces.push_back(text.substr(start, i - start));
       start = i + 1;
     }
     isAfterBackslash = character == '\\';
   }
-  pieces.emplace_back(text.substr(start));
+  pieces.push_back(text.substr(start));
   return pieces;
 }
 

@@ -25,13 +25,18 @@ inline constexpr char kNoQuote = '\0';
 
 // Takes the double quotes off a text that begins and ends with one (two characters at the least)
 // and undoes the escapes of quote(); returns any other text as it is.
-[[nodiscard]] ORVEX_CORE_API std::string unquote(const std::string& text);
+[[nodiscard]] ORVEX_CORE_API std::string unquote(std::string_view text);
 
 // Returns the pieces of `text` between the separators that stand outside quoted sections. Quote
 // characters and backslashes stay in the pieces; a backslash before a quote character keeps it from
 // closing its section. An empty text has no pieces; otherwise there is one more than separators.
 [[nodiscard]] ORVEX_CORE_API std::vector<std::string> split(std::string_view text, char separator,
                                                             char quoteCharacter);
+
+// The same without copies: the pieces are parts of `text`.
+[[nodiscard]] ORVEX_CORE_API std::vector<std::string_view> splitViews(std::string_view text,
+                                                                      char separator,
+                                                                      char quoteCharacter);
 
 // Converts a canonical unsigned number: decimal without sign or leading zeros and below 2^31, or
 // hexadecimal behind 0x. Returns false, and leaves `value` alone, for anything else. `text` is

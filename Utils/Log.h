@@ -30,7 +30,8 @@ struct LogSource {
 // The qualified name of the function that logs, and the line: converting a name captures the line
 // of the call that it is an argument of.
 struct LogOrigin {
-  constexpr LogOrigin(const char* functionName, int callLine = __builtin_LINE())
+  constexpr LogOrigin(const char* functionName,  // NOLINT(google-explicit-constructor): meant so
+                      int callLine = __builtin_LINE())
       : function(functionName), line(callLine) {}
 
   const char* function;

@@ -13,12 +13,12 @@ namespace {
 constexpr utils::LogSource kLog{"CimPath"};
 constexpr const char* kConstructor = "core::CimPath::CimPath";
 
-[[noreturn]] void refuse(const char* problem, const std::string& text) {
-  throw utils::ESyntaxError(std::string(problem) + ": '" + text + "'");
+[[noreturn]] void refuse(const char* problem, std::string_view text) {
+  throw utils::ESyntaxError(std::string(problem) + ": '" + std::string(text) + "'");
 }
 
-std::vector<std::string> splitUnquoted(const std::string& text, char separator) {
-  return utils::split(text, separator, '"');
+std::vector<std::string_view> splitUnquoted(std::string_view text, char separator) {
+  return utils::splitViews(text, separator, '"');
 }
 
 bool isNameStart(char character) {
@@ -30,7 +30,7 @@ bool isNamePart(char character) {
   return isNameStart(character) || (character >= '0' && character <= '9');
 }
 
-bool isName(const std::string& text) {
+bool isName(std::string_view text) {
   return !text.empty() && isNameStart(text.front()) &&
          std::all_of(text.begin(), text.end(), isNamePart);
 }
@@ -42,23 +42,24 @@ CimPath::CimPath(const std::string& path) {
   if (path.empty()) {
     throw utils::ESyntaxError("empty path");
   }
-  const std::vector<std::string> parts = splitUnquoted(path, ':');
+  const std::vector<std::string_view> parts = splitUnquoted(path, ':');
   if (parts.size() == 2) {
-    utils::logDebug(kLog, kConstructor, "namespace is stripped [%s]", parts.front().c_str());
+    utils::logDebug(kLog, kConstructor, "namespace is stripped [%s]",
+                    std::string(parts.front()).c_str());
   } else if (parts.size() != 1) {
     refuse("model path not found", path);
   }
-  const std::string& modelPath = parts.back();
-  const std::vector<std::string> halves = splitUnquoted(modelPath, '.');
+  const std::string_view modelPath = parts.back();
+  const std::vector<std::string_view> halves = splitUnquoted(modelPath, '.');
   if (halves.size() != 2) {
     refuse("too many classname separators", path);
   }
   parseClassName(halves[0], path);
-  const std::vector<std::string> pairs = splitUnquoted(halves[1], ',');
+  const std::vector<std::string_view> pairs = splitUnquoted(halves[1], ',');
   if (pairs.empty()) {
     refuse("no properties", path);
   }
-  for (const std::string& pair : pairs) {
+  for (const std::string_view pair : pairs) {
     parseKey(pair);
   }
   m_modelPath = modelPath;
@@ -68,7 +69,7 @@ CimPath::CimPath(const CimPath&) = default;
 CimPath& CimPath::operator=(const CimPath&) = default;
 CimPath::~CimPath() = default;
 
-void CimPath::parseClassName(const std::string& name, const std::string& path) {
+void CimPath::parseClassName(std::string_view name, const std::string& path) {
   if (name.empty()) {
     refuse("empty class name", path);
   }
@@ -78,8 +79,8 @@ void CimPath::parseClassName(const std::string& name, const std::string& path) {
   m_className = name;
 }
 
-void CimPath::parseKey(const std::string& pair) {
-  const std::vector<std::string> sides = splitUnquoted(pair, '=');
+void CimPath::parseKey(std::string_view pair) {
+  const std::vector<std::string_view> sides = splitUnquoted(pair, '=');
   if (sides.size() != 2) {
     refuse("only one '=' allowed", pair);
   }

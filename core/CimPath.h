@@ -9,6 +9,7 @@
 #define ORVEX_CORE_CIMPATH_H_
 
 #include <string>
+#include <string_view>
 
 #include "Utils/Containers.h"
 #include "Utils/Export.h"
@@ -28,8 +29,8 @@ class ORVEX_CORE_API CimPath : public utils::Map<std::string, std::string> {
   [[nodiscard]] const std::string& getModelPath() const { return m_modelPath; }
 
  private:
-  void parseClassName(const std::string& name, const std::string& path);
-  void parseKey(const std::string& pair);
+  void parseClassName(std::string_view name, const std::string& path);
+  void parseKey(std::string_view pair);
 
   std::string m_className;
   std::string m_modelPath;

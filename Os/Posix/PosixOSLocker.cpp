@@ -1,5 +1,6 @@
 #include "Os/Posix/PosixOSLocker.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <sys/ipc.h>
@@ -80,7 +81,7 @@ bool wasRemoved(int error) {
 }  // namespace
 
 OSLockerPosix::OSLockerPosix(std::int32_t key) : m_key(key), m_semaphore(openSemaphore(key)) {
-  if (!hasSemaphore()) {
+  if (!OSLockerPosix::hasSemaphore()) {
     throw utils::Exception("Could not create synchronisation sempahore");
   }
 }
