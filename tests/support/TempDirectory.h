@@ -1,7 +1,7 @@
 // A directory of a test's own, removed with its content when the object dies.
 
-#ifndef QUORVEL_TESTS_SUPPORT_TEMPDIRECTORY_H_
-#define QUORVEL_TESTS_SUPPORT_TEMPDIRECTORY_H_
+#ifndef ORVEX_TESTS_SUPPORT_TEMPDIRECTORY_H_
+#define ORVEX_TESTS_SUPPORT_TEMPDIRECTORY_H_
 
 #include <cstdint>
 #include <filesystem>
@@ -35,4 +35,4 @@ class TempDirectory {
 
 }  // namespace test
 
-#endif  // QUORVEL_TESTS_SUPPORT_TEMPDIRECTORY_H_
+#endif  // ORVEX_TESTS_SUPPORT_TEMPDIRECTORY_H_
