@@ -141,6 +141,8 @@ PrepareStatus prepareFlashImage(const std::string& adapter, const std::uint8_t* 
       return PrepareStatus::InternalFault;
     }
     imageSize = *filled;
+    // Whoever prepares goes on to write, and watches from now on.
+    static_cast<void>(progressTable().start(port.adapter));
     return selection.status;
   } catch (const FlashFault&) {
     return PrepareStatus::InternalFault;

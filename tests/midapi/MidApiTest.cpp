@@ -241,6 +241,19 @@ TEST_F(MidApi, ReportsAnInjectedFault) {
   EXPECT_EQ(m_adapters.flash(kPci), before);
 }
 
+TEST_F(MidApi, ForgetsTheProgressOfTheLastWriteWhenTheNextImageIsPrepared) {
+  const Bytes file = RomBuilder().add(pxe(3)).add(uefi(3)).build();
+  ASSERT_EQ(prepare(file), PrepareStatus::Ok);
+  std::uint32_t code = 0;
+  std::string text;
+  ASSERT_TRUE(
+      writeFlashImage(kPort, file.data(), static_cast<std::uint32_t>(file.size()), code, text));
+  ASSERT_EQ(getFlashImageUpdateProgress(kPort), 100U);
+
+  ASSERT_EQ(prepare(file), PrepareStatus::Ok);
+  EXPECT_EQ(getFlashImageUpdateProgress(kPort), 0U);
+}
+
 TEST_F(MidApi, ShowsTheProgressOfAWriteOnAllPortsOfTheAdapter) {
   m_adapters.makeAdapter("0000:07:00", {});
   m_adapters.set("0000:07:00", "/writeRate", "500000");
