@@ -20,6 +20,11 @@ ORVEX_CORE_API void setEnvironment(const std::string& name, const std::string& v
 // Defined per platform.
 [[nodiscard]] ORVEX_CORE_API std::string getProgramPath();
 
+// Puts the null device in the place of each standard stream that the process was started without,
+// so that no file that is opened later becomes one by accident. What is written to such a stream
+// fails. To be called first in a program. Defined per platform.
+ORVEX_CORE_API void reserveStandardStreams();
+
 // Returns true when standard output is a terminal. Defined per platform.
 [[nodiscard]] ORVEX_CORE_API bool isOutputTerminal();
 

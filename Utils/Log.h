@@ -69,7 +69,7 @@ ORVEX_CORE_API LogSinks* exchangeLogSinks(LogSinks* sinks);
 
 // Returns the platform's sinks. POSIX: syslog with ident "Zolan Quorvel Provider", LOG_ERR for the
 // event log and LOG_DEBUG for the debug channel. Defined per platform.
-[[nodiscard]] LogSinks& platformLogSinks();
+[[nodiscard]] ORVEX_CORE_API LogSinks& platformLogSinks();
 
 }  // namespace utils
 

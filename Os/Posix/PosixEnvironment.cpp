@@ -1,5 +1,6 @@
 #include <climits>
 #include <cstdlib>
+#include <fcntl.h>
 #include <unistd.h>
 
 #include "Os/Environment.h"
@@ -14,6 +15,17 @@ std::string getProgramPath() {
   char path[PATH_MAX];
   const ssize_t length = readlink("/proc/self/exe", path, sizeof path);
   return length > 0 ? std::string(path, static_cast<std::size_t>(length)) : std::string();
+}
+
+// A new descriptor is the lowest free one, so each missing stream gets its own, opened the wrong
+// way round for its use.
+void reserveStandardStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) < 0) {
+      [[maybe_unused]] const int opened =
+          open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+  }
 }
 
 bool isOutputTerminal() {

@@ -1,0 +1,70 @@
+#include "cli/InstancesCommand.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cli/Output.h"
+#include "cli/ServedClasses.h"
+#include "cli/Session.h"
+
+namespace cli {
+namespace {
+
+constexpr const char* kFooter =
+    "Examples:\n"
+    "  quorvel instances Orvex_EthernetPort\n"
+    "  quorvel instances Orvex_SoftwareInstallationService --all\n"
+    "  quorvel instances Orvex_PortController --json\n";
+
+struct Options {
+  std::string className;
+  bool isAllShown = false;
+};
+
+void printInstances(std::ostream& out, const std::vector<core::CimInstance*>& instances,
+                    NullProperties nulls) {
+  bool isFirst = true;
+  for (core::CimInstance* instance : instances) {
+    out << (isFirst ? "" : "\n") << instance->getPath() << '\n';
+    printProperties(out, instance->getProperties(), nulls);
+    isFirst = false;
+  }
+}
+
+ExitStatus showInstances(const Context& context, const Options& options) {
+  core::CimBroker& broker = openBroker(context.options);
+  demandServed(broker, options.className);
+  const auto nulls = options.isAllShown ? NullProperties::Shown : NullProperties::Left;
+
+  const core::CimBroker::Request request(broker);
+  const std::vector<core::CimInstance*> instances = broker.getInstances(options.className);
+  if (context.options.isJson) {
+    Json document = Json::array();
+    for (core::CimInstance* instance : instances) {
+      document.push_back(instanceToJson(*instance, nulls));
+    }
+    printJson(context.out, document);
+  } else if (instances.empty()) {
+    context.out << options.className << " has no instances\n";
+  } else {
+    printInstances(context.out, instances, nulls);
+  }
+  return ExitStatus::Done;
+}
+
+}  // namespace
+
+void addInstancesCommand(CLI::App& program, Context& context) {
+  CLI::App* command =
+      program.add_subcommand("instances", "Show the instances of a CIM class and their properties");
+  const auto options = std::make_shared<Options>();
+  command->add_option("CLASS", options->className, "Name of the class")->type_name("")->required();
+  command->add_flag("--all", options->isAllShown, "Show properties that are NULL, too");
+  command->footer(kFooter);
+  command->callback([&context, options] {
+    context.command = [&context, options] { return showInstances(context, *options); };
+  });
+}
+
+}  // namespace cli

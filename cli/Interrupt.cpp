@@ -1,0 +1,81 @@
+#include "cli/Interrupt.h"
+
+#include <csignal>
+
+namespace cli {
+namespace {
+
+// Which of these a platform has is told by its own definitions.
+constexpr int kEndingSignals[] = {
+    SIGINT,
+    SIGTERM,
+#ifdef SIGHUP
+    SIGHUP,
+#endif
+};
+
+volatile std::sig_atomic_t s_lastSignal = 0;
+volatile std::sig_atomic_t s_isNew = 0;
+
+}  // namespace
+
+extern "C" {
+static void noteSignal(int signal) {
+  s_lastSignal = signal;
+  s_isNew = 1;
+  // A platform may fall back to the default when it delivers a signal.
+  std::signal(signal, noteSignal);
+}
+}
+
+InterruptGuard::InterruptGuard() {
+  s_lastSignal = 0;
+  s_isNew = 0;
+  for (const int signal : kEndingSignals) {
+    hold(signal, noteSignal);
+  }
+#ifdef SIGPIPE
+  hold(SIGPIPE, SIG_IGN);
+#endif
+}
+
+InterruptGuard::~InterruptGuard() {
+  release();
+}
+
+bool InterruptGuard::takeInterrupt() {
+  if (s_isNew == 0) {
+    return false;
+  }
+  s_isNew = 0;
+  return true;
+}
+
+void InterruptGuard::yieldToInterrupt() {
+  release();
+  if (s_lastSignal != 0) {
+    std::raise(s_lastSignal);
+  }
+}
+
+// A signal that the process was started to ignore (nohup, a shell's background job) stays ignored.
+void InterruptGuard::hold(int signal, Handler handler) {
+  const Handler previous = std::signal(signal, handler);
+  if (previous == SIG_ERR) {
+    return;
+  }
+  if (previous == SIG_IGN) {
+    std::signal(signal, SIG_IGN);
+    return;
+  }
+  m_previous.push_back({signal, previous});
+}
+
+void InterruptGuard::release() {
+  for (const Previous& previous : m_previous) {
+    std::signal(previous.signal, previous.handler);
+  }
+  m_previous.clear();
+}
+
+}  // namespace cli

@@ -1,0 +1,132 @@
+#include "cli/InvokeCommand.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Utils/Exception.h"
+#include "cli/Arguments.h"
+#include "cli/ErrorRecords.h"
+#include "cli/JobWatch.h"
+#include "cli/MethodCall.h"
+#include "cli/Output.h"
+#include "cli/ServedClasses.h"
+#include "cli/Session.h"
+#include "core/CimPath.h"
+
+namespace cli {
+namespace {
+
+constexpr const char* kFooter =
+    "VALUE has the type that the method's signature gives it: numbers decimal or behind 0x, true\n"
+    "or false, a text, an object path; the elements of an array stand between commas. NAME= with\n"
+    "nothing behind it is NULL, a name left out is an argument that is missing. A job that the\n"
+    "method creates runs in this process, which waits for its end.\n"
+    "\n"
+    "With --json: {\"returnValue\", \"returnText\", \"outputs\": {NAME: VALUE}, \"job\": "
+    "{\"path\",\n"
+    "\"properties\"}}; job is null when there is none.\n"
+    "\n"
+    "Examples ('quorvel instances Orvex_SoftwareInstallationService' prints the object path):\n"
+    "  quorvel invoke \"$SERVICE\" InstallFromURI URI=file:///tmp/firmware.rom Target=\"$PORT\" "
+    "\\\n"
+    "      InstallOptions=3,5 InstallOptionsValues=\n";
+
+struct Options {
+  std::string path;
+  std::string method;
+  std::vector<std::string> arguments;
+};
+
+core::CimPath parsePath(const std::string& text) {
+  try {
+    return core::CimPath(text);
+  } catch (const utils::ESyntaxError&) {
+    throw Fault("'" + text + "' is no object path; write CLASS.KEY=VALUE,... as " +
+                    "'quorvel instances' prints it",
+                ExitStatus::Usage);
+  }
+}
+
+Json toJson(const MethodAnswer& answer, core::CimPropertyList& outputs,
+            const std::optional<JobReport>& job) {
+  Json document;
+  document["returnValue"] = answer.returnValue;
+  document["returnText"] = answer.returnText;
+  document["outputs"] = propertiesToJson(outputs, NullProperties::Shown);
+  document["job"] = nullptr;
+  if (job) {
+    document["job"] = {{"path", job->path}, {"properties", job->properties}};
+  }
+  return document;
+}
+
+void printAnswer(std::ostream& out, const MethodAnswer& answer, core::CimPropertyList& outputs) {
+  out << "Return value: " << answer.returnValue << " (" << answer.returnText << ")\n";
+  if (outputs.iterator().first() != nullptr) {
+    out << "Outputs:\n";
+    printProperties(out, outputs, NullProperties::Shown);
+  }
+  if (!answer.jobPath.empty()) {
+    out << "Job: " << answer.jobPath << '\n';
+  }
+  out.flush();
+}
+
+std::optional<JobReport> followJob(const Context& context, core::CimBroker& broker,
+                                   const MethodAnswer& answer, InterruptGuard& guard) {
+  if (answer.jobPath.empty()) {
+    guard.yieldToInterrupt();
+    return std::nullopt;
+  }
+  ProgressView view(context.out, chooseProgressStyle(context.options, true), "waiting for the job");
+  return waitForJob(broker, answer.jobPath, view, guard, context.err);
+}
+
+ExitStatus invoke(const Context& context, const Options& options) {
+  Arguments arguments(options.method, options.arguments);
+  core::CimBroker& broker = openBroker(context.options);
+  const core::CimPath path = parsePath(options.path);
+
+  InterruptGuard guard;
+  MethodAnswer answer;
+  {
+    const core::CimBroker::Request request(broker);
+    core::CimInstance& instance = demandInstance(broker, path);
+    answer = callMethod(instance, options.method, arguments.in(), arguments.out());
+  }
+  if (!context.options.isJson) {
+    printAnswer(context.out, answer, arguments.out());
+  }
+  const std::optional<JobReport> job = followJob(context, broker, answer, guard);
+  if (context.options.isJson) {
+    printJson(context.out, toJson(answer, arguments.out(), job));
+  } else if (job) {
+    context.out << "Job ended: " << job->outcome() << '\n';
+  }
+  if (!answer.reason.empty()) {
+    context.err << "quorvel: " << options.method << " refused: " << withoutType(answer.reason)
+                << '\n';
+  }
+  return answer.isAccepted() && (!job || job->isCompleted()) ? ExitStatus::Done
+                                                             : ExitStatus::Failed;
+}
+
+}  // namespace
+
+void addInvokeCommand(CLI::App& program, Context& context) {
+  CLI::App* command = program.add_subcommand("invoke", "Call a method of a CIM instance");
+  const auto options = std::make_shared<Options>();
+  command->add_option("OBJECTPATH", options->path, "The instance, as 'quorvel instances' prints it")
+      ->type_name("")
+      ->required();
+  command->add_option("METHOD", options->method, "Name of the method")->type_name("")->required();
+  command->add_option("NAME=VALUE", options->arguments, "Arguments of the method")->type_name("");
+  command->footer(kFooter);
+  command->callback([&context, options] {
+    context.command = [&context, options] { return invoke(context, *options); };
+  });
+}
+
+}  // namespace cli

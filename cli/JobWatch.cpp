@@ -1,0 +1,101 @@
+#include "cli/JobWatch.h"
+
+#include <thread>
+#include <utility>
+
+#include "Os/Environment.h"
+#include "core/CimPath.h"
+
+namespace cli {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds kPollInterval{100};
+
+constexpr std::pair<unsigned, const char*> kStateNames[] = {
+    {kJobNew, "New"},
+    {kJobStarting, "Starting"},
+    {kJobRunning, "Running"},
+    {kJobSuspended, "Suspended"},
+    {kJobShuttingDown, "Shutting Down"},
+    {kJobCompleted, "Completed"},
+    {kJobTerminated, "Terminated"},
+    {kJobKilled, "Killed"},
+    {kJobException, "Exception"},
+    {kJobService, "Service"},
+    {kJobQueryPending, "Query Pending"},
+};
+
+}  // namespace
+
+std::string jobStateName(unsigned state) {
+  for (const auto& [number, name] : kStateNames) {
+    if (number == state) {
+      return name;
+    }
+  }
+  return std::to_string(state);
+}
+
+bool JobReport::hasEnded() const {
+  return state == kJobCompleted || state == kJobTerminated || state == kJobKilled ||
+         state == kJobException;
+}
+
+std::string JobReport::outcome() const {
+  std::string text = jobStateName(state);
+  if (!isCompleted()) {
+    text += ", error " + std::to_string(errorCode);
+    if (!errorText.empty()) {
+      text += ": " + errorText;
+    }
+  }
+  return text;
+}
+
+JobReport readJob(core::CimBroker& broker, const std::string& path) {
+  const core::CimBroker::Request request(broker);
+  core::CimInstance* job = broker.getInstanceByPath(core::CimPath(path));
+  if (job == nullptr) {
+    throw Fault("the job " + path + " is gone; 'quorvel adapters' shows what the adapter holds");
+  }
+  JobReport report;
+  report.path = path;
+  report.properties = propertiesToJson(job->getProperties(), NullProperties::Left);
+  report.state = report.properties.value("JobState", 0U);
+  report.percent = report.properties.value("PercentComplete", 0U);
+  report.errorCode = report.properties.value("ErrorCode", 0U);
+  report.errorText = report.properties.value("ErrorDescription", std::string());
+  return report;
+}
+
+JobReport waitForJob(core::CimBroker& broker, const std::string& path, ProgressView& view,
+                     InterruptGuard& guard, std::ostream& err) {
+  const Clock::time_point start = Clock::now();
+  for (;;) {
+    JobReport report = readJob(broker, path);
+    report.elapsed = std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - start);
+    if (guard.takeInterrupt() && !report.hasEnded()) {
+      view.endLine();
+      err << "quorvel: interrupted: the flash is being written and cannot be left half done; "
+             "waiting for its end"
+          << std::endl;
+    }
+    view.show(report.percent, report.elapsed);
+    if (report.hasEnded()) {
+      view.endLine();
+      return report;
+    }
+    std::this_thread::sleep_for(kPollInterval);
+  }
+}
+
+ProgressStyle chooseProgressStyle(const GlobalOptions& options, bool isWanted) {
+  if (options.isJson || !isWanted) {
+    return ProgressStyle::None;
+  }
+  return os::isOutputTerminal() ? ProgressStyle::Live : ProgressStyle::Lines;
+}
+
+}  // namespace cli

@@ -1,0 +1,68 @@
+// Follows a job of this process to its end.
+
+#ifndef ORVEX_CLI_JOBWATCH_H_
+#define ORVEX_CLI_JOBWATCH_H_
+
+#include <chrono>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+#include "cli/Context.h"
+#include "cli/Interrupt.h"
+#include "cli/Output.h"
+#include "cli/ProgressView.h"
+#include "core/CimBroker.h"
+
+namespace cli {
+
+// The values of JobState.
+enum JobState : unsigned {
+  kJobNew = 2,
+  kJobStarting = 3,
+  kJobRunning = 4,
+  kJobSuspended = 5,
+  kJobShuttingDown = 6,
+  kJobCompleted = 7,
+  kJobTerminated = 8,
+  kJobKilled = 9,
+  kJobException = 10,
+  kJobService = 11,
+  kJobQueryPending = 12,
+};
+
+// Returns the name of a state, "Completed" for example; its number as text where it has none.
+[[nodiscard]] std::string jobStateName(unsigned state);
+
+// A job as one look found it.
+struct JobReport {
+  std::string path;
+  unsigned state = 0;
+  unsigned percent = 0;
+  unsigned errorCode = 0;
+  std::string errorText;
+  Json properties;                  // those that are not NULL
+  std::chrono::seconds elapsed{0};  // since the watch began
+
+  [[nodiscard]] bool isCompleted() const { return state == kJobCompleted; }
+  // Nothing will change any more.
+  [[nodiscard]] bool hasEnded() const;
+  // Returns for example "Exception, error 17: Flash write failed".
+  [[nodiscard]] std::string outcome() const;
+};
+
+// Returns the job as it is. Takes the broker's request. Throws Fault when there is no such job.
+[[nodiscard]] JobReport readJob(core::CimBroker& broker, const std::string& path);
+
+// Waits for the end of the job and shows its progress meanwhile. The broker's request is held for
+// single looks only. An interrupt that the guard notes is answered on `err`; the wait goes on,
+// since a flash that is being written cannot be left. Throws as readJob.
+[[nodiscard]] JobReport waitForJob(core::CimBroker& broker, const std::string& path,
+                                   ProgressView& view, InterruptGuard& guard, std::ostream& err);
+
+// Returns how progress is to be shown on standard output.
+[[nodiscard]] ProgressStyle chooseProgressStyle(const GlobalOptions& options, bool isWanted);
+
+}  // namespace cli
+
+#endif  // ORVEX_CLI_JOBWATCH_H_

@@ -1,0 +1,17 @@
+#include <exception>
+#include <iostream>
+
+#include "Os/Environment.h"
+#include "cli/Program.h"
+
+int main(int argc, char** argv) {
+  os::reserveStandardStreams();
+  try {
+    return cli::runProgram(argc, argv, std::cout, std::cerr);
+  } catch (const std::exception& exception) {
+    std::cerr << "quorvel: " << exception.what() << '\n';
+  } catch (...) {
+    std::cerr << "quorvel: failed for an unknown reason\n";
+  }
+  return 1;
+}

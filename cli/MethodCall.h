@@ -1,0 +1,31 @@
+// One call of a CIM method, with the reason that the log gives where the method refuses.
+
+#ifndef ORVEX_CLI_METHODCALL_H_
+#define ORVEX_CLI_METHODCALL_H_
+
+#include <cstdint>
+#include <string>
+
+#include "core/CimInstance.h"
+
+namespace cli {
+
+struct MethodAnswer {
+  std::uint32_t returnValue = 0;
+  std::string returnText;
+  std::string jobPath;  // empty when no job was created
+  // Why the method refused, beginning with the type of the failure ("EInvalidUri:..."); empty for a
+  // success and where nothing was logged.
+  std::string reason;
+
+  // Done, or going on as a job.
+  [[nodiscard]] bool isAccepted() const;
+};
+
+// Calls the method. The caller holds the broker's request. Throws what the method throws.
+[[nodiscard]] MethodAnswer callMethod(core::CimInstance& instance, const std::string& method,
+                                      core::CimPropertyList& in, core::CimPropertyList& out);
+
+}  // namespace cli
+
+#endif  // ORVEX_CLI_METHODCALL_H_

@@ -1,0 +1,138 @@
+#include "cli/Output.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+#include "Utils/Exception.h"
+#include "cli/TextTable.h"
+#include "core/CimPropertyRef.h"
+#include "core/CimPropertyTypes.h"
+
+namespace cli {
+namespace {
+
+constexpr int kIndent = 2;
+
+template <class Property>
+const auto& valueOf(const core::CimProperty& property) {
+  return static_cast<const Property&>(property);
+}
+
+// Strings as programs write them, so that a text can be pasted into one.
+std::string quoteString(const std::string& text) {
+  std::string result = "\"";
+  for (const char character : text) {
+    if (character == '"' || character == '\\') {
+      result += '\\';
+    }
+    result += character;
+  }
+  return toPrintable(result) + "\"";
+}
+
+std::string itemToText(const Json& item) {
+  return item.is_string() ? quoteString(item.get_ref<const std::string&>()) : item.dump();
+}
+
+std::string arrayToText(const Json& items) {
+  std::string result;
+  for (const Json& item : items) {
+    result += (result.empty() ? "" : ", ") + itemToText(item);
+  }
+  return "{" + result + "}";
+}
+
+std::vector<core::CimProperty*> select(core::CimPropertyList& properties, NullProperties nulls) {
+  std::vector<core::CimProperty*> result;
+  core::CimPropertyList::Iterator cursor = properties.iterator();
+  for (core::CimProperty* property = cursor.first(); property != nullptr;
+       property = cursor.next()) {
+    if (nulls == NullProperties::Shown || !property->isNull()) {
+      result.push_back(property);
+    }
+  }
+  return result;
+}
+
+}  // namespace
+
+Json toJson(const core::CimProperty& property) {
+  if (property.isNull()) {
+    return nullptr;
+  }
+  switch (static_cast<core::CimType>(property.getType())) {
+    case core::kCimUint8:
+      return valueOf<core::CimPropertyUint8>(property).getValue();
+    case core::kCimSint8:
+      return valueOf<core::CimPropertySint8>(property).getValue();
+    case core::kCimUint16:
+      return valueOf<core::CimPropertyUint16>(property).getValue();
+    case core::kCimUint16Array:
+      return valueOf<core::CimPropertyUint16_arr>(property).getValue();
+    case core::kCimUint32:
+      return valueOf<core::CimPropertyUint32>(property).getValue();
+    case core::kCimUint64:
+      return valueOf<core::CimPropertyUint64>(property).getValue();
+    case core::kCimString:
+      return valueOf<core::CimPropertyString>(property).getValue();
+    case core::kCimStringArray:
+      return valueOf<core::CimPropertyString_arr>(property).getValue();
+    case core::kCimBoolean:
+      return valueOf<core::CimPropertyBoolean>(property).getValue() != 0;
+    case core::kCimDatetime:
+      return valueOf<core::CimPropertyDatetime>(property).getValue().toCimText();
+    case core::kCimReference:
+      return property.toString();
+  }
+  throw utils::ENotSupported("Property " + property.getName() + " has an unknown type");
+}
+
+std::string toText(const core::CimProperty& property) {
+  if (property.isNull()) {
+    return "NULL";
+  }
+  const Json value = toJson(property);
+  switch (property.getType()) {
+    case core::kCimDatetime:
+    case core::kCimReference:
+      return toPrintable(value.get_ref<const std::string&>());
+    default:
+      return value.is_array() ? arrayToText(value) : itemToText(value);
+  }
+}
+
+Json propertiesToJson(core::CimPropertyList& properties, NullProperties nulls) {
+  Json result = Json::object();
+  for (const core::CimProperty* property : select(properties, nulls)) {
+    result[property->getName()] = toJson(*property);
+  }
+  return result;
+}
+
+Json instanceToJson(core::CimInstance& instance, NullProperties nulls) {
+  Json result;
+  result["path"] = instance.getPath();
+  result["properties"] = propertiesToJson(instance.getProperties(), nulls);
+  return result;
+}
+
+void printProperties(std::ostream& out, core::CimPropertyList& properties, NullProperties nulls) {
+  const std::vector<core::CimProperty*> selected = select(properties, nulls);
+  std::size_t width = 0;
+  for (const core::CimProperty* property : selected) {
+    width = std::max(width, property->getName().size());
+  }
+  for (const core::CimProperty* property : selected) {
+    const std::string& name = property->getName();
+    out << std::string(kIndent, ' ') << name << std::string(width - name.size(), ' ') << " = "
+        << toText(*property) << '\n';
+  }
+}
+
+void printJson(std::ostream& out, const Json& document) {
+  out << document.dump(kIndent, ' ', false, Json::error_handler_t::replace) << '\n';
+}
+
+}  // namespace cli

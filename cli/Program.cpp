@@ -1,0 +1,124 @@
+#include "cli/Program.h"
+
+#include <CLI/CLI.hpp>
+#include <string>
+#include <string_view>
+
+#include "Utils/Exception.h"
+#include "cli/AdaptersCommand.h"
+#include "cli/Context.h"
+#include "cli/InstancesCommand.h"
+#include "cli/InvokeCommand.h"
+#include "cli/UpdateCommand.h"
+#include "midapi/VirtualAdapters.h"
+
+namespace cli {
+namespace {
+
+constexpr const char* kDescription =
+    "Manages the firmware of the Ethernet adapters of this machine.";
+
+constexpr const char* kFooter =
+    "The options above may stand before or behind the command.\n"
+    "\n"
+    "Exit status: 0 done, 1 refused or failed, 2 wrong usage.\n"
+    "\n"
+    "Examples:\n"
+    "  quorvel adapters\n"
+    "  quorvel update 0000:03:00.0 firmware.rom\n"
+    "  quorvel instances Orvex_EthernetPort --json\n"
+    "  quorvel update --help\n";
+
+// Added one by one, so that a further command is one line here and one pair of files.
+constexpr void (*kCommands[])(CLI::App&, Context&) = {
+    addAdaptersCommand,
+    addInstancesCommand,
+    addInvokeCommand,
+    addUpdateCommand,
+};
+
+std::string describeParseFailure(const CLI::App* app, const CLI::Error& error) {
+  std::string command = "quorvel";
+  for (auto chosen = app->get_subcommands(); !chosen.empty();
+       chosen = chosen.front()->get_subcommands()) {
+    command += " " + chosen.front()->get_name();
+  }
+  return std::string("quorvel: ") + error.what() + "\nTry '" + command + " --help'.\n";
+}
+
+void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
+  app.add_option("--adapters", options.adapters, "Directory of the adapters (ORVEX_ADAPTERS)")
+      ->type_name("DIR")
+      ->check(CLI::Validator(
+          [](const std::string& text) { return text.empty() ? "must not be empty" : ""; }, ""));
+  app.add_option("--config", options.config, "Configuration file (/etc/OrvexQuorvelProvider.conf)")
+      ->type_name("FILE");
+  app.add_option("--log-level", options.logLevel,
+                 "0 nothing, 1 errors to the system log, 2 everything there, 3 also to "
+                 "standard error")
+      ->type_name("0..3")
+      ->check(CLI::Validator(
+          [](const std::string& text) {
+            return text.size() == 1 && text[0] >= '0' && text[0] <= '3' ? ""
+                                                                        : "must be 0, 1, 2 or 3";
+          },
+          ""));
+  app.add_flag("--json", options.isJson, "Print the result as one JSON document");
+}
+
+// The prefix says which system it is about, which is plain here.
+std::string_view withoutPrefix(std::string_view text) {
+  constexpr std::string_view kPrefix = "Quorvel: ";
+  return text.starts_with(kPrefix) ? text.substr(kPrefix.size()) : text;
+}
+
+ExitStatus runCommand(const Context& context) {
+  try {
+    return context.command();
+  } catch (const Fault& fault) {
+    context.err << "quorvel: " << fault.what() << '\n';
+    return fault.status();
+  } catch (const ma::AdapterFault& fault) {
+    context.err << "quorvel: " << fault.what() << '\n';
+  } catch (const utils::Exception& exception) {
+    context.err << "quorvel: " << withoutPrefix(exception.what()) << '\n';
+  }
+  return ExitStatus::Failed;
+}
+
+}  // namespace
+
+int runProgram(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
+  Context context{out, err, {}, {}};
+  CLI::App app(kDescription, "quorvel");
+  app.fallthrough();
+  app.require_subcommand(0, 1);
+  app.set_version_flag("--version", "quorvel " QUORVEL_VERSION);
+  app.set_help_flag("-h,--help", "Print help, also for a command");
+  app.footer(kFooter);
+  app.failure_message(describeParseFailure);
+  addGlobalOptions(app, context.options);
+  for (const auto addCommand : kCommands) {
+    addCommand(app, context);
+  }
+
+  ExitStatus status = ExitStatus::Done;
+  try {
+    app.parse(argc, argv);
+    if (!context.command) {
+      throw CLI::RequiredError("A command");
+    }
+    status = runCommand(context);
+  } catch (const CLI::ParseError& error) {
+    status = app.exit(error, out, err) == 0 ? ExitStatus::Done : ExitStatus::Usage;
+  }
+
+  out.flush();
+  if (!out) {
+    err << "quorvel: the output could not be written completely\n";
+    status = ExitStatus::Failed;
+  }
+  return static_cast<int>(status);
+}
+
+}  // namespace cli

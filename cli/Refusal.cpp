@@ -1,0 +1,100 @@
+#include "cli/Refusal.h"
+
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+
+#include "cim/MethodSignatures.h"
+
+namespace cli {
+namespace {
+
+struct Advice {
+  std::string_view reason;  // what the reason contains
+  const char* text;
+};
+
+constexpr const char* kForce = "to install the older firmware all the same, add --force";
+constexpr const char* kWait = "wait until the running update has ended, then try again";
+constexpr const char* kGetAgain =
+    "the file is no firmware image or is damaged; get it again from where it came from";
+
+// The first entry that fits counts.
+constexpr Advice kAdvice[] = {
+    {"Downgrade was detected", kForce},
+    {"ETargetInUse:", kWait},
+    {"EJobIsRunning:", kWait},
+    {"is not recognized",
+     "the image types are IMG_CLP, IMG_iSCSI, IMG_PXE, IMG_UEFI and IMG_FCoE, joined by '+'"},
+    {"EInvalidUri:", "name a file, or a URI like file:///path/to/image"},
+    {"EUriDoesNotExist:", "check the path; an image is a regular file below 2 GiB"},
+    {"EImageReadError:", "check the file and its permissions"},
+    {"Could not open the file", "check the file and its permissions"},
+    {"points to a directory", "name the image file in that directory"},
+    {"EAdapterNotSupported:",
+     "the image is for another device; 'quorvel adapters' shows the device of each adapter"},
+    {"Invalid parameter detected for", kGetAgain},
+    {"ENotApplicableForTarget:",
+     "the firmware of this adapter cannot be replaced; 'quorvel adapters' shows which can"},
+};
+
+constexpr std::string_view kTypesDiffer = "same image types";
+
+const char* adviseOnTypes(const UpdateRequest& request) {
+  if (request.hasTypes) {
+    return "the file lacks a type that --types names; name only types that it holds";
+  }
+  return request.isForced
+             ? "name the types to install with --types; --force alone changes the installed types "
+               "only where the configuration allows it (OEMCustomizeable, bit 0x20)"
+             : "name the types to install with --types, for example --types IMG_PXE";
+}
+
+// Returns what is wrong with the file as such, empty when it is there.
+std::string adviseOnFile(const std::string& path) {
+  if (path.empty()) {
+    return "";
+  }
+  std::error_code error;
+  const std::filesystem::file_status status = std::filesystem::status(path, error);
+  if (!std::filesystem::exists(status)) {
+    return "there is no file '" + path + "'; check the path";
+  }
+  if (std::filesystem::is_directory(status)) {
+    return "'" + path + "' is a directory; name the image file in it";
+  }
+  if (!std::filesystem::is_regular_file(status)) {
+    return "'" + path + "' is no regular file; name an image file";
+  }
+  return "";
+}
+
+}  // namespace
+
+std::string adviseOnRefusal(std::uint32_t returnValue, const std::string& reason,
+                            const UpdateRequest& request) {
+  if (std::string advice = adviseOnFile(request.imagePath); !advice.empty()) {
+    return advice;
+  }
+  if (reason.find(kTypesDiffer) != std::string::npos) {
+    return adviseOnTypes(request);
+  }
+  for (const Advice& advice : kAdvice) {
+    if (reason.find(advice.reason) != std::string::npos) {
+      return advice.text;
+    }
+  }
+  return returnValue == cim::kNotApplicableToTarget
+             ? "name a port or an adapter; 'quorvel adapters' shows what there is"
+             : "";
+}
+
+std::string adviseOnFailure(const JobReport& job) {
+  if (job.errorText == "Timeout Error") {
+    return "the flash could not be had for this process; another program may be using it. Try "
+           "again when that has ended, or raise Timeout in the configuration";
+  }
+  return "'quorvel adapters' shows what the adapter holds now";
+}
+
+}  // namespace cli

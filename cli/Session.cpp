@@ -1,0 +1,54 @@
+#include "cli/Session.h"
+
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <system_error>
+
+#include "Os/Environment.h"
+#include "Os/QuorvelConfig.h"
+#include "host/ModuleLoader.h"
+
+namespace cli {
+namespace {
+
+void demandReadable(const std::string& path) {
+  std::error_code error;
+  if (std::filesystem::is_directory(path, error)) {
+    throw Fault("--config: '" + path + "' is a directory; name the configuration file in it",
+                ExitStatus::Usage);
+  }
+  if (!std::ifstream(path).is_open()) {
+    throw Fault("--config: '" + path + "' cannot be read; check the path and its permissions",
+                ExitStatus::Usage);
+  }
+}
+
+// Made before the modules are loaded, so that it outlives their objects.
+void useConfiguration(const std::string& path) {
+  static std::unique_ptr<utils::QuorvelConfig> config;
+  config = std::make_unique<utils::QuorvelConfig>(path);
+}
+
+}  // namespace
+
+void applyOptions(const GlobalOptions& options) {
+  if (!options.logLevel.empty()) {
+    os::setEnvironment("ZOLAN_Quorvel_LOG_LEVEL", options.logLevel);
+  }
+  if (!options.adapters.empty()) {
+    os::setEnvironment("ORVEX_ADAPTERS", options.adapters);
+  }
+  if (!options.config.empty()) {
+    demandReadable(options.config);
+    useConfiguration(options.config);
+  }
+}
+
+core::CimBroker& openBroker(const GlobalOptions& options) {
+  applyOptions(options);
+  host::loadModules(host::getModuleDirectory());
+  return core::GetCimBroker();
+}
+
+}  // namespace cli

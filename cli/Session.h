@@ -1,0 +1,22 @@
+// The process as a host of the agents: its settings, then its modules.
+
+#ifndef ORVEX_CLI_SESSION_H_
+#define ORVEX_CLI_SESSION_H_
+
+#include "cli/Context.h"
+#include "core/CimBroker.h"
+
+namespace cli {
+
+// Puts the options into force for this process: adapters directory, configuration file, log level.
+// To be called before anything logs. Throws Fault (usage) for a configuration file that cannot be
+// read.
+void applyOptions(const GlobalOptions& options);
+
+// Applies the options and loads the modules, whose agents then serve their classes in the broker
+// that is returned. Throws as applyOptions and host::loadModules.
+[[nodiscard]] core::CimBroker& openBroker(const GlobalOptions& options);
+
+}  // namespace cli
+
+#endif  // ORVEX_CLI_SESSION_H_

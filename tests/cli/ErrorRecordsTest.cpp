@@ -1,0 +1,107 @@
+#include <gmock/gmock.h>
+#include <thread>
+
+#include "Utils/Exception.h"
+#include "cli/ErrorRecords.h"
+
+namespace {
+
+using cli::ErrorRecords;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr utils::LogSource kLog{"ErrorRecordsTest"};
+
+// The sinks that the recorder found when it was installed.
+class CountingSinks : public utils::LogSinks {
+ public:
+  void writeEventLog(const std::string&) noexcept override { ++events; }
+  void writeDebugChannel(const std::string&) noexcept override { ++debugs; }
+  void writeStandardError(const std::string&) noexcept override { ++consoles; }
+
+  int events = 0;
+  int debugs = 0;
+  int consoles = 0;
+};
+
+// The recorder stays for the life of the process, and so do the sinks behind it.
+class ErrorRecordsTest : public testing::Test {
+ protected:
+  static CountingSinks& sinks() {
+    static auto* behind = [] {
+      auto* made = new CountingSinks;
+      utils::exchangeLogSinks(made);
+      static_cast<void>(ErrorRecords::instance());
+      return made;
+    }();
+    return *behind;
+  }
+
+  // The sinks come first: the recorder passes on to those that it finds.
+  CountingSinks& m_behind = sinks();
+  ErrorRecords& m_records = ErrorRecords::instance();
+};
+
+TEST_F(ErrorRecordsTest, KeepsTheErrorsOfThisThreadWhileItRecords) {
+  utils::logError(kLog, "before", "before");
+  m_records.start();
+  utils::logError(kLog, "f", "first: %d", 1);
+  utils::logDebug(kLog, "f", "no error");
+  std::thread([] { utils::logError(kLog, "f", "elsewhere"); }).join();
+  utils::logError(kLog, "f", "second");
+  EXPECT_THAT(m_records.take(), ElementsAre("first: 1", "second"));
+  utils::logError(kLog, "f", "after");
+  EXPECT_THAT(m_records.take(), IsEmpty());
+}
+
+TEST_F(ErrorRecordsTest, ForgetsWhatAnEarlierRecordingLeft) {
+  m_records.start();
+  utils::logError(kLog, "f", "old");
+  m_records.start();
+  EXPECT_THAT(m_records.take(), IsEmpty());
+}
+
+TEST_F(ErrorRecordsTest, PassesEveryRecordOn) {
+  const int events = m_behind.events;
+  const int debugs = m_behind.debugs;
+  const int consoles = m_behind.consoles;
+  m_records.start();
+  utils::logError(kLog, "f", "error");
+  utils::logDebug(kLog, "f", "debug");
+  EXPECT_THAT(m_records.take(), ElementsAre("error"));
+  EXPECT_EQ(m_behind.events, events + 1);
+  EXPECT_EQ(m_behind.debugs, debugs + 2);
+  EXPECT_EQ(m_behind.consoles, consoles + 2);
+}
+
+TEST(RecordMessage, IsWhatStandsBehindTheFrame) {
+  EXPECT_EQ(cli::messageOf("OrvexQuorvel: S:1:a::b: error: text: error: more\n"),
+            "text: error: more");
+  EXPECT_EQ(cli::messageOf("something else"), "something else");
+}
+
+TEST(RefusalReason, IsTheLastCaughtException) {
+  EXPECT_EQ(cli::reasonOf({"Exception: 'old'", "EInvalidUri:URI", "Exception: 'EInvalidUri:it's'",
+                           "Invalid URI for 'x'"}),
+            "EInvalidUri:it's");
+}
+
+TEST(RefusalReason, IsTheLastMessageWhereNothingWasCaught) {
+  EXPECT_EQ(cli::reasonOf({"first", "last"}), "last");
+  EXPECT_EQ(cli::reasonOf({}), "");
+}
+
+TEST(WithoutType, TakesTheNameOfTheTypeAndBlanksOff) {
+  EXPECT_EQ(cli::withoutType("EInvalidUri:URI: x is invalid"), "URI: x is invalid");
+  EXPECT_EQ(cli::withoutType("Quorvel: EDowngradeDetected:Downgrade "), "Downgrade");
+  EXPECT_EQ(cli::withoutType("EUnspecifiedError:"), "");
+}
+
+TEST(WithoutType, LeavesOtherTextsAlone) {
+  EXPECT_EQ(cli::withoutType("Expected: more"), "Expected: more");
+  EXPECT_EQ(cli::withoutType("Error 3: more"), "Error 3: more");
+  EXPECT_EQ(cli::withoutType("E:x"), "E:x");
+  EXPECT_EQ(cli::withoutType(""), "");
+}
+
+}  // namespace

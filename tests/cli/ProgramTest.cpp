@@ -1,0 +1,67 @@
+#include "tests/cli/QuorvelTest.h"
+
+namespace {
+
+using test::OutputTo;
+using test::ProgramResult;
+using test::RunningQuorvel;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using testing::StartsWith;
+
+class ProgramTest : public test::QuorvelTest {};
+
+TEST_F(ProgramTest, PrintsItsVersionInFrontOfAndBehindACommand) {
+  for (const Arguments& arguments : {Arguments{"--version"}, Arguments{"adapters", "--version"}}) {
+    const ProgramResult result = run(arguments);
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_THAT(result.output, MatchesRegex("quorvel [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+  }
+}
+
+TEST_F(ProgramTest, HelpsWithExamplesForItselfAndEachCommand) {
+  for (const Arguments& arguments :
+       {Arguments{"--help"}, Arguments{"adapters", "--help"},
+        Arguments{"adapters", "add", "--help"}, Arguments{"instances", "--help"},
+        Arguments{"invoke", "--help"}, Arguments{"update", "--help"}}) {
+    const ProgramResult result = run(arguments);
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_THAT(result.output, AllOf(HasSubstr("Usage: "), HasSubstr("Example")));
+    EXPECT_EQ(result.errors, "");
+  }
+}
+
+TEST_F(ProgramTest, RefusesWrongUsage) {
+  expectUsageFault({}, StartsWith("quorvel: A command is required\nTry 'quorvel --help'."));
+  expectUsageFault({"dance"}, HasSubstr("not expected: dance"));
+  expectUsageFault({"--dance"}, HasSubstr("not expected: --dance"));
+  expectUsageFault({"adapters", "list", "extra"},
+                   AllOf(HasSubstr("extra"), HasSubstr("Try 'quorvel adapters list --help'.")));
+  expectUsageFault({"instances"}, HasSubstr("CLASS is required"));
+  expectUsageFault({"instances", "A", "B"}, HasSubstr("B"));
+  expectUsageFault({"invoke", "A.b=c"}, HasSubstr("METHOD is required"));
+  expectUsageFault({"update", "0000:03:00"}, AllOf(HasSubstr("IMAGE is required"),
+                                                   HasSubstr("Try 'quorvel update --help'.")));
+  expectUsageFault({"update", "0000:03:00", "a.rom", "--types"}, HasSubstr("--types"));
+  expectUsageFault({"update", "0000:03:00", "a.rom", "--types", ""}, HasSubstr("name a type"));
+}
+
+TEST_F(ProgramTest, RefusesGlobalOptionsWithoutSense) {
+  for (const char* level : {"4", "-1", "33", "x", ""}) {
+    expectUsageFault({"--log-level", level, "adapters"}, HasSubstr("must be 0, 1, 2 or 3"));
+  }
+  expectUsageFault({"adapters", "--adapters", ""}, HasSubstr("must not be empty"));
+  expectUsageFault({"adapters", "--config"}, HasSubstr("--config"));
+}
+
+TEST_F(ProgramTest, FailsWhenItsOutputCannotBeWritten) {
+  for (const OutputTo output : {OutputTo::Nowhere, OutputTo::Full}) {
+    RunningQuorvel quorvel({"adapters"}, output, environment());
+    const ProgramResult result = quorvel.finish();
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_EQ(result.errors, "quorvel: the output could not be written completely\n");
+  }
+}
+
+}  // namespace

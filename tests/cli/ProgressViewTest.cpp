@@ -1,0 +1,81 @@
+#include <gmock/gmock.h>
+#include <sstream>
+
+#include "cli/ProgressView.h"
+
+namespace {
+
+using cli::ProgressStyle;
+using std::chrono::seconds;
+
+class ProgressViewTest : public testing::Test {
+ protected:
+  // Shows the percentages, one in each second.
+  void show(ProgressStyle style, const std::vector<unsigned>& percentages) {
+    cli::ProgressView view(m_out, style, "updating it");
+    seconds elapsed{0};
+    for (const unsigned percent : percentages) {
+      view.show(percent, elapsed++);
+    }
+    view.endLine();
+  }
+
+  std::ostringstream m_out;
+};
+
+TEST_F(ProgressViewTest, RewritesOneLineOnATerminal) {
+  show(ProgressStyle::Live, {0, 42, 100});
+  EXPECT_EQ(m_out.str(),
+            "\rupdating it  [....................]    0 %  00:00"
+            "\rupdating it  [########............]   42 %  00:01"
+            "\rupdating it  [####################]  100 %  00:02\n");
+}
+
+TEST_F(ProgressViewTest, WritesALiveLineOnlyWhenItChanges) {
+  cli::ProgressView view(m_out, ProgressStyle::Live, "x");
+  view.show(1, seconds(0));
+  const std::string once = m_out.str();
+  view.show(1, seconds(0));
+  EXPECT_EQ(m_out.str(), once);
+}
+
+TEST_F(ProgressViewTest, GoesOnBelowWhatWasPrintedBetween) {
+  cli::ProgressView view(m_out, ProgressStyle::Live, "x");
+  view.show(1, seconds(0));
+  view.endLine();
+  view.endLine();
+  view.show(1, seconds(0));
+  EXPECT_EQ(m_out.str(),
+            "\rx  [....................]    1 %  00:00\n"
+            "\rx  [....................]    1 %  00:00");
+}
+
+TEST_F(ProgressViewTest, PrintsALineForEachTenthElsewhere) {
+  show(ProgressStyle::Lines, {0, 0, 9, 10, 19, 35, 36, 44, 45, 99, 100, 100});
+  EXPECT_EQ(m_out.str(),
+            "updating it: 0 %, 00:00\n"
+            "updating it: 10 %, 00:03\n"
+            "updating it: 35 %, 00:05\n"
+            "updating it: 45 %, 00:08\n"
+            "updating it: 99 %, 00:09\n"
+            "updating it: 100 %, 00:10\n");
+}
+
+TEST_F(ProgressViewTest, PrintsNothingWhenNotWanted) {
+  show(ProgressStyle::None, {0, 50, 100});
+  EXPECT_EQ(m_out.str(), "");
+}
+
+TEST_F(ProgressViewTest, TakesMoreThanAllForAll) {
+  show(ProgressStyle::Lines, {4000});
+  EXPECT_EQ(m_out.str(), "updating it: 100 %, 00:00\n");
+}
+
+TEST(ClockText, CountsMinutesAndThenHours) {
+  EXPECT_EQ(cli::toClockText(seconds(0)), "00:00");
+  EXPECT_EQ(cli::toClockText(seconds(3599)), "59:59");
+  EXPECT_EQ(cli::toClockText(seconds(3600)), "1:00:00");
+  EXPECT_EQ(cli::toClockText(seconds(100 * 3600 + 61)), "100:01:01");
+}
+
+}  // namespace

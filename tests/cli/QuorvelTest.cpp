@@ -1,0 +1,83 @@
+#include "tests/cli/QuorvelTest.h"
+
+namespace test {
+
+RomImage QuorvelTest::pxe(std::uint8_t majorRevision) {
+  return RomImage::legacy().version(majorRevision, 0);
+}
+
+RomImage QuorvelTest::uefi(std::uint8_t majorRevision) {
+  return RomImage::efi().version(majorRevision, 0);
+}
+
+std::string QuorvelTest::writeRom(const std::string& name,
+                                  const std::vector<RomImage>& images) const {
+  RomBuilder rom;
+  for (const RomImage& image : images) {
+    rom.add(image);
+  }
+  return m_directory.write(name, rom.build()).string();
+}
+
+std::string QuorvelTest::writeDamagedRom(const std::string& name) const {
+  return m_directory.write(name, RomBuilder().add(pxe()).damage(0, RomDamage::ByteSum).build())
+      .string();
+}
+
+void QuorvelTest::addAdapter(const std::string& pci, const std::string& rom, unsigned ports,
+                             unsigned bytesPerSecond) const {
+  const ProgramResult result =
+      run({"adapters", "add", "--pci", pci, "--vendor", "1af4", "--device", "1041", "--rom", rom,
+           "--ports", std::to_string(ports), "--rate", std::to_string(bytesPerSecond)});
+  ASSERT_EQ(result.exitStatus, 0) << result.errors;
+}
+
+void QuorvelTest::addPxeAdapter(const std::string& pci, unsigned ports) const {
+  addAdapter(pci, writeRom("installed.rom", {pxe(2)}), ports);
+}
+
+void QuorvelTest::describe(const std::string& folder, const Json& fields) const {
+  const std::filesystem::path file = adapters() / folder / "adapter.json";
+  Json description = Json::parse(readText(file));
+  description.update(fields);
+  m_directory.write(file, description.dump());
+}
+
+ProgramResult QuorvelTest::run(const Arguments& arguments) const {
+  return runProgram(programBeside("quorvel"), arguments, environment());
+}
+
+QuorvelTest::Json QuorvelTest::runJson(const Arguments& arguments, int exitStatus) const {
+  Arguments withJson = arguments;
+  withJson.emplace_back("--json");
+  const ProgramResult result = run(withJson);
+  EXPECT_EQ(result.exitStatus, exitStatus) << result.errors;
+  EXPECT_TRUE(Json::accept(result.output)) << result.output;
+  return Json::parse(result.output, nullptr, false);
+}
+
+void QuorvelTest::expectUsageFault(const Arguments& arguments,
+                                   const testing::Matcher<std::string>& message) {
+  expectFault(arguments, 2, message);
+}
+
+void QuorvelTest::expectFailure(const Arguments& arguments,
+                                const testing::Matcher<std::string>& message) {
+  expectFault(arguments, 1, message);
+}
+
+void QuorvelTest::expectFault(const Arguments& arguments, int exitStatus,
+                              const testing::Matcher<std::string>& message) {
+  const ProgramResult result = run(arguments);
+  EXPECT_EQ(result.exitStatus, exitStatus) << testing::PrintToString(arguments);
+  EXPECT_THAT(result.errors, message) << testing::PrintToString(arguments);
+  EXPECT_EQ(result.output, "") << testing::PrintToString(arguments);
+}
+
+std::vector<EnvironmentChange> QuorvelTest::environment() const {
+  return {{"ORVEX_ADAPTERS", adapters().string()},
+          {"ZOLAN_Quorvel_LOG_LEVEL", std::nullopt},
+          {"COMPUTERNAME", "lab"}};
+}
+
+}  // namespace test

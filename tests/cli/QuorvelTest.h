@@ -1,0 +1,64 @@
+// A test that runs the program `quorvel` on virtual adapters of its own.
+
+#ifndef ORVEX_TESTS_CLI_QUORVELTEST_H_
+#define ORVEX_TESTS_CLI_QUORVELTEST_H_
+
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "tests/cli/RunningQuorvel.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/RomBuilder.h"
+#include "tests/support/TempDirectory.h"
+
+namespace test {
+
+class QuorvelTest : public testing::Test {
+ protected:
+  using Json = nlohmann::ordered_json;
+  using Arguments = std::vector<std::string>;
+
+  // A network boot image for 1af4:1041 of that version.
+  static RomImage pxe(std::uint8_t majorRevision = 1);
+  static RomImage uefi(std::uint8_t majorRevision = 1);
+
+  // Writes a file into the test's directory and returns its path.
+  std::string writeRom(const std::string& name, const std::vector<RomImage>& images) const;
+  std::string writeDamagedRom(const std::string& name) const;
+
+  [[nodiscard]] std::filesystem::path adapters() const { return m_directory.path() / "adapters"; }
+  [[nodiscard]] std::filesystem::path path(const std::string& name) const {
+    return m_directory.path() / name;
+  }
+
+  // Makes an adapter of 1af4:1041 with that flash. Rate 0 is no limit.
+  void addAdapter(const std::string& pci, const std::string& rom, unsigned ports = 1,
+                  unsigned bytesPerSecond = 0) const;
+  // The same with a network boot image of version 2 in its flash.
+  void addPxeAdapter(const std::string& pci, unsigned ports = 1) const;
+  // Adds fields to the description of an adapter.
+  void describe(const std::string& folder, const Json& fields) const;
+
+  [[nodiscard]] ProgramResult run(const Arguments& arguments) const;
+  // Runs with --json and returns the document, which is all of the output.
+  [[nodiscard]] Json runJson(const Arguments& arguments, int exitStatus = 0) const;
+  // Runs and expects wrong usage with that message: status 2 and nothing on standard output.
+  void expectUsageFault(const Arguments& arguments, const testing::Matcher<std::string>& message);
+  // Runs and expects a failure with that message: status 1 and nothing on standard output.
+  void expectFailure(const Arguments& arguments, const testing::Matcher<std::string>& message);
+
+  [[nodiscard]] std::vector<EnvironmentChange> environment() const;
+
+ private:
+  void expectFault(const Arguments& arguments, int exitStatus,
+                   const testing::Matcher<std::string>& message);
+
+  TempDirectory m_directory;
+};
+
+}  // namespace test
+
+#endif  // ORVEX_TESTS_CLI_QUORVELTEST_H_

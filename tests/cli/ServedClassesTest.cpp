@@ -1,0 +1,50 @@
+#include <gmock/gmock.h>
+
+#include "cli/Context.h"
+#include "cli/ServedClasses.h"
+#include "tests/cli/FakeAgent.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+class ServedClassesTest : public testing::Test {
+ protected:
+  ServedClassesTest() {
+    m_first.serve("B");
+    m_second.serve("B");
+    m_second.serve("A").add(std::make_unique<test::FakeInstance>("A", "1"));
+    m_broker.addAgent(&m_first);
+    m_broker.addAgent(&m_second);
+  }
+
+  std::string faultOf(const std::string& path) {
+    try {
+      return "found " + cli::demandInstance(m_broker, core::CimPath(path)).getPath();
+    } catch (const cli::Fault& fault) {
+      return fault.what();
+    }
+  }
+
+  core::CimBroker m_broker;
+  test::FakeAgent m_first;
+  test::FakeAgent m_second;
+};
+
+TEST_F(ServedClassesTest, AreNamedOnceAndInOrder) {
+  EXPECT_THAT(cli::getServedClasses(m_broker), ElementsAre("A", "B"));
+}
+
+TEST_F(ServedClassesTest, AreListedWhenAnotherIsAskedFor) {
+  EXPECT_NO_THROW(cli::demandServed(m_broker, "A"));
+  EXPECT_EQ(faultOf("C.InstanceID=\"1\""),
+            "no class 'C' is served here; the classes are:\n  A\n  B");
+}
+
+TEST_F(ServedClassesTest, HaveTheInstanceOfAPathOrSaySo) {
+  EXPECT_EQ(faultOf("A.InstanceID=\"1\""), "found A.InstanceID=\"1\"");
+  EXPECT_EQ(faultOf("A.InstanceID=\"2\""),
+            "there is no instance A.InstanceID=\"2\"; 'quorvel instances A' shows what there is");
+}
+
+}  // namespace

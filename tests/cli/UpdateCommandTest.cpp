@@ -1,0 +1,255 @@
+#include <csignal>
+
+#include "tests/cli/QuorvelTest.h"
+
+namespace {
+
+using test::OutputTo;
+using test::ProgramResult;
+using test::RunningQuorvel;
+using testing::AllOf;
+using testing::ContainsRegex;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using testing::Not;
+using testing::StartsWith;
+
+constexpr const char* kAdapter = "0000:03:00";
+constexpr const char* kPort = "0000:03:00.0";
+constexpr const char* kInterrupted =
+    "quorvel: interrupted: the flash is being written and cannot be left half done; waiting for "
+    "its end\n";
+
+class UpdateCommandTest : public test::QuorvelTest {
+ protected:
+  [[nodiscard]] test::Bytes flash() const {
+    return test::readBytes(adapters() / "0000-03-00" / "flash.rom");
+  }
+
+  // Makes an adapter that takes about a second for the image that is returned.
+  std::string addSlowAdapter() {
+    constexpr unsigned kUnits = 64;
+    addAdapter(kAdapter, writeRom("installed.rom", {pxe(2)}), 1, kUnits * 512);
+    return writeRom("new.rom", {pxe(3).units(kUnits)});
+  }
+
+  // Runs an update that is refused, as text and as a document.
+  void expectRefusal(const Arguments& arguments, unsigned returnValue, const std::string& text,
+                     const testing::Matcher<std::string>& explanation) {
+    const test::Bytes before = flash();
+    expectFailure(arguments, AllOf(HasSubstr(" refused: " + std::to_string(returnValue) + ", " +
+                                             text + "\n  reason: "),
+                                   explanation, HasSubstr("\n  next: ")));
+    const Json document = runJson(arguments, 1);
+    EXPECT_EQ(document,
+              (Json{{"returnValue", returnValue}, {"returnText", text}, {"job", nullptr}}));
+    EXPECT_EQ(flash(), before);
+  }
+};
+
+TEST_F(UpdateCommandTest, InstallsAnImageAndSaysSo) {
+  addPxeAdapter(kAdapter);
+  const std::string rom = writeRom("new.rom", {pxe(3)});
+  const ProgramResult result = run({"update", kPort, rom});
+  EXPECT_EQ(result.exitStatus, 0) << result.errors;
+  EXPECT_THAT(result.output, AllOf(StartsWith("updating 0000:03:00.0: "),
+                                   EndsWith("updating 0000:03:00.0: 100 %, 00:00\n"
+                                            "Completed: 0000:03:00.0 is updated (00:00)\n")));
+  EXPECT_EQ(result.errors, "");
+  EXPECT_EQ(flash(), test::readBytes(rom));
+}
+
+TEST_F(UpdateCommandTest, PrintsTheFinishedJobAsADocument) {
+  addPxeAdapter(kAdapter);
+  const Json document = runJson({"update", kAdapter, writeRom("new.rom", {pxe(3)})});
+  std::vector<std::string> names;
+  for (const auto& [name, value] : document.items()) {
+    names.push_back(name);
+  }
+  EXPECT_THAT(names, ElementsAre("returnValue", "returnText", "job"));
+  EXPECT_EQ(document["returnValue"], 4096);
+  EXPECT_EQ(document["returnText"], "Method Parameters Checked - Job Started");
+  EXPECT_EQ(document["job"]["JobState"], 7);
+  EXPECT_EQ(document["job"]["PercentComplete"], 100);
+  EXPECT_EQ(document["job"]["InstanceID"], "Orvex:FirmwareUpdate@Job#1");
+  EXPECT_EQ(document["job"]["TimeBeforeRemoval"], "00000000000500.000000:000");
+}
+
+TEST_F(UpdateCommandTest, TakesAPortAnAdapterOrAnObjectPath) {
+  addPxeAdapter(kAdapter, 2);
+  const std::string rom = writeRom("new.rom", {pxe(3)});
+  const std::string path = runJson({"instances", "Orvex_EthernetPort"})[1]["path"];
+  for (const std::string& target : {std::string("0000:03:00.1"), std::string(kAdapter), path}) {
+    EXPECT_EQ(run({"update", target, rom}).exitStatus, 0) << target;
+  }
+}
+
+TEST_F(UpdateCommandTest, TakesAFileBesideItAndAUri) {
+  addPxeAdapter(kAdapter);
+  const std::string rom = writeRom("a new.rom", {pxe(3)});
+  EXPECT_EQ(run({"update", kPort, "file://" + rom}).exitStatus, 0);
+  const std::string relative = std::filesystem::relative(rom).string();
+  EXPECT_EQ(run({"update", kPort, relative}).exitStatus, 0) << relative;
+}
+
+TEST_F(UpdateCommandTest, InstallsTheTypesThatAreAskedFor) {
+  addPxeAdapter(kAdapter);
+  const std::string rom = writeRom("both.rom", {pxe(3), uefi(3)});
+  EXPECT_EQ(run({"update", kPort, rom, "--types", "IMG_PXE+IMG_UEFI"}).exitStatus, 0);
+  EXPECT_EQ(flash(), test::readBytes(rom));
+  EXPECT_EQ(run({"update", kPort, rom, "--types", "IMG_UEFI", "--force"}).exitStatus, 0);
+  EXPECT_EQ(runJson({"adapters"})[0]["components"][0]["type"], "IMG_UEFI");
+}
+
+TEST_F(UpdateCommandTest, RefusesADowngradeUnlessItIsForced) {
+  addPxeAdapter(kAdapter);
+  const std::string older = writeRom("older.rom", {pxe(1)});
+  expectRefusal(
+      {"update", kPort, older}, 4099, "Downgrade/reinstall not supported",
+      AllOf(HasSubstr("Downgrade was detected for file://" + older), HasSubstr("add --force")));
+  EXPECT_EQ(run({"update", kPort, older, "--force"}).exitStatus, 0);
+  EXPECT_EQ(flash(), test::readBytes(older));
+}
+
+TEST_F(UpdateCommandTest, RefusesOtherImageTypes) {
+  addPxeAdapter(kAdapter);
+  const std::string both = writeRom("both.rom", {pxe(3), uefi(3)});
+  expectRefusal({"update", kPort, both}, 4099, "Downgrade/reinstall not supported",
+                AllOf(HasSubstr("does not contain the same image types"), HasSubstr("--types")));
+  expectRefusal({"update", kPort, writeRom("new.rom", {pxe(3)}), "--types", "IMG_UEFI"}, 4099,
+                "Downgrade/reinstall not supported", HasSubstr("lacks a type"));
+  expectRefusal({"update", kPort, both, "--types", "IMG_MOON"}, 5, "Invalid Parameter",
+                HasSubstr("IMG_MOON is not recognized"));
+}
+
+TEST_F(UpdateCommandTest, RefusesFilesThatAreNoImage) {
+  addPxeAdapter(kAdapter);
+  const std::string missing = path("missing.rom").string();
+  expectRefusal({"update", kPort, missing}, 5, "Invalid Parameter",
+                HasSubstr("there is no file '" + missing + "'"));
+  expectRefusal({"update", kPort, adapters().string()}, 5, "Invalid Parameter",
+                HasSubstr("is a directory"));
+  expectRefusal({"update", kPort, writeDamagedRom("damaged.rom")}, 5, "Invalid Parameter",
+                HasSubstr("is damaged"));
+  expectRefusal({"update", kPort, "file:nonsense"}, 5, "Invalid Parameter",
+                HasSubstr("URI: file:nonsense is invalid"));
+}
+
+TEST_F(UpdateCommandTest, RefusesAnImageForAnotherDevice) {
+  addPxeAdapter(kAdapter);
+  expectRefusal({"update", kPort, writeRom("other.rom", {pxe(3).device(0x10EC, 0x8139)})}, 4097,
+                "Unsupported TargetType", HasSubstr("is not supported for adapter 0000:03:00.0"));
+}
+
+TEST_F(UpdateCommandTest, RefusesAnAdapterThatCannotBeUpdated) {
+  addPxeAdapter(kAdapter);
+  describe("0000-03-00", {{"updatable", false}});
+  expectRefusal({"update", kPort, writeRom("new.rom", {pxe(3)})}, 4106,
+                "Unsupported target (not applicable for target)", HasSubstr("cannot be replaced"));
+}
+
+TEST_F(UpdateCommandTest, SaysThatTheReasonIsUnknownWithoutALog) {
+  addPxeAdapter(kAdapter);
+  expectFailure({"update", kPort, writeRom("older.rom", {pxe(1)}), "--log-level", "0"},
+                HasSubstr("reason: not known, since --log-level 0 keeps no records"));
+}
+
+TEST_F(UpdateCommandTest, RefusesATargetThatIsNoAdapter) {
+  addPxeAdapter(kAdapter);
+  const std::string service =
+      runJson({"instances", "Orvex_SoftwareInstallationService"})[0]["path"];
+  expectFailure({"update", service, writeRom("new.rom", {pxe(3)})},
+                AllOf(HasSubstr("refused: 4106"), HasSubstr("name a port or an adapter")));
+}
+
+TEST_F(UpdateCommandTest, ListsWhatIsThereWhenTheTargetIsUnknown) {
+  addPxeAdapter(kAdapter, 2);
+  for (const char* target : {"0000:09:00.0", "0000:09:00", "nonsense"}) {
+    expectFailure(
+        {"update", target, "a.rom", "--json"},
+        AllOf(HasSubstr(std::string("no adapter or port '") + target + "'"),
+              HasSubstr("adapters: 0000:03:00\n"), HasSubstr("0000:03:00.0 0000:03:00.1\n")));
+  }
+}
+
+TEST_F(UpdateCommandTest, ReportsAFailedJob) {
+  addPxeAdapter(kAdapter);
+  describe("0000-03-00",
+           {{"faults", {{"write", {{"atPercent", 40}, {"code", 17}, {"text", "Sector stuck"}}}}}});
+  const test::Bytes before = flash();
+  const Arguments arguments{"update", kPort, writeRom("new.rom", {pxe(3)}), "--no-progress"};
+  expectFailure(arguments, HasSubstr("quorvel: update of 0000:03:00.0 failed: Exception, error 17: "
+                                     "Sector stuck\n  next: "));
+  const Json document = runJson(arguments, 1);
+  EXPECT_EQ(document["returnValue"], 4096);
+  EXPECT_EQ(document["job"]["JobState"], 10);
+  EXPECT_EQ(document["job"]["ErrorCode"], 17);
+  EXPECT_EQ(document["job"]["ErrorDescription"], "Sector stuck");
+  EXPECT_EQ(flash(), before);
+}
+
+TEST_F(UpdateCommandTest, PrintsProgressInLinesIntoAPipe) {
+  const ProgramResult result = run({"update", kPort, addSlowAdapter()});
+  EXPECT_EQ(result.exitStatus, 0);
+  EXPECT_THAT(result.output, ContainsRegex("updating 0000:03:00.0: [1-9][0-9] %, 00:0[0-9]\n"));
+  EXPECT_THAT(result.output, Not(HasSubstr("\r")));
+}
+
+TEST_F(UpdateCommandTest, PrintsNoProgressWhenNotWanted) {
+  const ProgramResult result = run({"update", kPort, addSlowAdapter(), "--no-progress"});
+  EXPECT_THAT(result.output, MatchesRegex("Completed: 0000:03:00.0 is updated \\(00:0[0-9]\\)\n"));
+}
+
+TEST_F(UpdateCommandTest, RewritesOneLineOnATerminal) {
+  RunningQuorvel quorvel({"update", kPort, addSlowAdapter()}, OutputTo::Terminal, environment());
+  const ProgramResult result = quorvel.finish();
+  EXPECT_EQ(result.exitStatus, 0) << result.errors;
+  // The terminal puts a carriage return in front of each line's end.
+  EXPECT_THAT(result.output,
+              MatchesRegex("(\rupdating 0000:03:00.0  \\[#*\\.*\\]  [ 0-9]{3} %  00:0[0-9])+\r\n"
+                           "Completed: 0000:03:00.0 is updated \\(00:0[0-9]\\)\r\n"));
+  EXPECT_THAT(result.output, ContainsRegex("\\[#+\\.+\\]   [1-9][0-9] %  00:0"));
+}
+
+TEST_F(UpdateCommandTest, WaitsForTheFlashWhenItIsInterrupted) {
+  const std::string rom = addSlowAdapter();
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    RunningQuorvel quorvel({"update", kPort, rom}, OutputTo::Pipe, environment());
+    ASSERT_TRUE(quorvel.awaitOutput("updating"));
+    quorvel.signal(signal);
+    ASSERT_TRUE(quorvel.awaitErrors(kInterrupted)) << signal;
+    const ProgramResult result = quorvel.finish();
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_EQ(result.errors, kInterrupted);
+    EXPECT_THAT(result.output, HasSubstr("Completed: "));
+    EXPECT_EQ(flash(), test::readBytes(rom));
+  }
+}
+
+TEST_F(UpdateCommandTest, PrintsTheOutcomeOfAnInterruptedFlashThatFails) {
+  const std::string rom = addSlowAdapter();
+  describe("0000-03-00",
+           {{"faults", {{"write", {{"atPercent", 90}, {"code", 17}, {"text", "Stuck"}}}}}});
+  RunningQuorvel quorvel({"update", kPort, rom}, OutputTo::Pipe, environment());
+  ASSERT_TRUE(quorvel.awaitOutput("updating"));
+  quorvel.signal(SIGINT);
+  const ProgramResult result = quorvel.finish();
+  EXPECT_EQ(result.exitStatus, 1);
+  EXPECT_THAT(result.errors,
+              AllOf(StartsWith(kInterrupted), HasSubstr("failed: Exception, error 17: Stuck")));
+}
+
+TEST_F(UpdateCommandTest, FinishesTheFlashWhenNobodyReadsItsOutput) {
+  const std::string rom = addSlowAdapter();
+  RunningQuorvel quorvel({"update", kPort, rom}, OutputTo::Pipe, environment());
+  ASSERT_TRUE(quorvel.awaitOutput("updating"));
+  quorvel.abandonOutput();
+  const ProgramResult result = quorvel.finish();
+  EXPECT_EQ(result.exitStatus, 1);
+  EXPECT_EQ(result.errors, "quorvel: the output could not be written completely\n");
+  EXPECT_EQ(flash(), test::readBytes(rom));
+}
+
+}  // namespace
