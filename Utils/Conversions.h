@@ -18,8 +18,9 @@ inline constexpr char kNoQuote = '\0';
 // Returns `text` without leading and trailing blanks and tabs.
 [[nodiscard]] ORVEX_CORE_API std::string trim(const std::string& text);
 
-// Returns `text` in double quotes, each double quote inside behind a backslash. A backslash stays
-// single, so unquote(quote(text)) is `text` unless that has a backslash before a double quote.
+// Returns `text` in double quotes, each double quote inside behind a backslash; unquote() gives it
+// back. A backslash stays single, so split() takes the closing quote behind one that ends the text
+// for an escaped quote.
 [[nodiscard]] ORVEX_CORE_API std::string quote(const std::string& text);
 
 // Takes the double quotes off a text that begins and ends with one (two characters at the least)

@@ -24,7 +24,8 @@ struct ORVEX_CORE_API Datetime {
   [[nodiscard]] static Datetime elapsedSince(const Datetime& dtStart);
 
   // Returns the form of a CIM datetime value (DMTF DSP0004, 5.2.4): "yyyymmddhhmmss.mmmmmmsutc" in
-  // local time with its UTC offset in minutes, or "ddddddddhhmmss.mmmmmm:000".
+  // local time with its UTC offset in minutes, or "ddddddddhhmmss.mmmmmm:000". Always 25
+  // characters: the epoch stands for a moment after the year 9999, 99999999 days for more of them.
   [[nodiscard]] std::string toCimText() const;
 
   std::uint64_t value;  // since the epoch (1970-01-01 UTC), or the length of the interval

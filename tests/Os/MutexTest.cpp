@@ -1,0 +1,147 @@
+#include <atomic>
+#include <cerrno>
+#include <cstddef>
+#include <gmock/gmock.h>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include "Utils/Exception.h"
+#include "Utils/Format.h"
+#include "Utils/Mutex.h"
+#include "tests/Os/Posix/PosixFaults.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/Throws.h"
+
+namespace {
+
+using test::FailingCall;
+using test::IsRecordOf;
+using test::LogCapture;
+using test::LogLevel;
+using test::SystemCall;
+using testing::ElementsAre;
+
+constexpr const char* kSource = "Os/Posix/PosixMutex";
+
+std::string textAbout(const char* what, const void* mutex, int error) {
+  return utils::format("%s mutex %p. Error %d", what, mutex, error);
+}
+
+TEST(Mutex, AdmitsOneThreadAtATime) {
+  constexpr int kThreads = 4;
+  constexpr int kRounds = 2000;
+  utils::Mutex mutex;
+  int count = 0;
+  std::vector<std::thread> threads;
+  for (int i = 0; i < kThreads; ++i) {
+    threads.emplace_back([&] {
+      for (int round = 0; round < kRounds; ++round) {
+        const utils::ScopedLock lock(mutex);
+        ++count;
+      }
+    });
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+
+  EXPECT_EQ(count, kThreads * kRounds);
+}
+
+TEST(Mutex, IsRecursiveForItsOwner) {
+  const LogCapture log;
+  utils::Mutex mutex;
+  bool isOwned = true;
+  std::thread other;
+  {
+    const utils::ScopedLock outer(mutex);
+    { const utils::ScopedLock inner(mutex); }
+    // Still held: the other thread gets in only when the outer lock is gone.
+    other = std::thread([&] {
+      const utils::ScopedLock lock(mutex);
+      EXPECT_FALSE(isOwned);
+    });
+    isOwned = false;
+  }
+  other.join();
+
+  EXPECT_TRUE(log.records().empty());
+}
+
+TEST(Mutex, ThrowsAndLogsWhenItCannotBeCreated) {
+  alignas(utils::Mutex) std::byte place[sizeof(utils::Mutex)];
+  const LogCapture log;
+  const auto create = [&place] {
+    const FailingCall failing(SystemCall::InitMutex, ENOMEM);
+    std::destroy_at(new (place) utils::Mutex);
+  };
+
+  const std::string text = textAbout("Could not create", place, ENOMEM);
+  EXPECT_THAT(create, test::ThrowsExactly<utils::Exception>(text));
+  EXPECT_THAT(
+      log.records(),
+      ElementsAre(IsRecordOf(kSource, LogLevel::Error, "utils::Mutex::Mutex", text),
+                  IsRecordOf("Exception", LogLevel::Error, "utils::Exception::Exception", text)));
+}
+
+TEST(Mutex, LogsThatItCannotBeClosed) {
+  const LogCapture log;
+  std::string text;
+  {
+    const FailingCall failing(SystemCall::DestroyMutex, EBUSY);
+    const utils::Mutex mutex;
+    text = textAbout("Could not close", &mutex, EBUSY);
+  }
+
+  EXPECT_THAT(log.records(),
+              ElementsAre(IsRecordOf(kSource, LogLevel::Error, "utils::Mutex::~Mutex", text)));
+}
+
+TEST(Mutex, LogsAFailedLockAndCarriesOn) {
+  const LogCapture log;
+  utils::Mutex mutex;
+  bool isEntered = false;
+  {
+    const FailingCall failingLock(SystemCall::LockMutex, EINVAL);
+    const utils::ScopedLock lock(mutex);
+    isEntered = true;
+    // What was never locked is not unlocked either.
+    mutex.lock();
+  }
+
+  EXPECT_TRUE(isEntered);
+  EXPECT_THAT(log.records(), ElementsAre(IsRecordOf(kSource, LogLevel::Error, "utils::Mutex::Lock",
+                                                    textAbout("Error locking", &mutex, EINVAL))));
+}
+
+TEST(Mutex, SaysLockingOfAFailedUnlock) {
+  const LogCapture log;
+  utils::Mutex mutex;
+  {
+    const utils::ScopedLock lock(mutex);
+    const FailingCall failing(SystemCall::UnlockMutex, EPERM);
+    mutex.unlock();
+  }
+
+  EXPECT_THAT(log.records(),
+              ElementsAre(IsRecordOf(kSource, LogLevel::Error, "utils::Mutex::Unlock",
+                                     textAbout("Error locking", &mutex, EPERM))));
+}
+
+TEST(Mutex, FailsToUnlockWhatWasNotLocked) {
+#ifdef __SANITIZE_THREAD__
+  GTEST_SKIP() << "ThreadSanitizer ends a program that does so";
+#endif
+  const LogCapture log;
+  utils::Mutex mutex;
+  mutex.unlock();
+
+  EXPECT_THAT(log.records(),
+              ElementsAre(IsRecordOf(kSource, LogLevel::Error, "utils::Mutex::Unlock",
+                                     textAbout("Error locking", &mutex, EPERM))));
+  { const utils::ScopedLock lock(mutex); }
+  EXPECT_EQ(log.records().size(), 1U);
+}
+
+}  // namespace

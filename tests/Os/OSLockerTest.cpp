@@ -1,0 +1,229 @@
+// The flash lock's own rules, over a semaphore that does as the test says.
+
+#include <gmock/gmock.h>
+#include <optional>
+
+#include "Os/OSLocker.h"
+#include "Os/QuorvelConfig.h"
+#include "Utils/Exception.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/TempDirectory.h"
+#include "tests/support/Throws.h"
+
+namespace {
+
+using os::OSLocker;
+using test::HasRecordOf;
+using test::IsRecordOf;
+using test::LogCapture;
+using test::LogLevel;
+using test::ThrowsExactly;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr const char* kLock = "os::OSLocker::Lock";
+constexpr const char* kUnLock = "os::OSLocker::UnLock";
+
+class FakeLocker : public OSLocker {
+ public:
+  using OSLocker::SystemError;
+  using OSLocker::WaitResult;
+
+  bool exists = true;
+  WaitResult answer = WaitResult::Signalled;
+  std::optional<SystemError> releaseError;
+
+  std::vector<std::uint32_t> waits;  // their limits in milliseconds
+  int releases = 0;
+
+ protected:
+  [[nodiscard]] bool hasSemaphore() const override { return exists; }
+  [[nodiscard]] WaitResult waitForSemaphore(std::uint32_t milliseconds) override {
+    waits.push_back(milliseconds);
+    return answer;
+  }
+  [[nodiscard]] std::optional<SystemError> releaseSemaphore() override {
+    ++releases;
+    return releaseError;
+  }
+};
+
+class OSLockerRules : public testing::Test {
+ protected:
+  void configure(const std::string& settings) { m_directory.write("agent.conf", settings); }
+
+  test::TempDirectory m_directory;
+  utils::QuorvelConfig m_config{m_directory.path() / "agent.conf"};
+  FakeLocker m_locker;
+};
+
+TEST_F(OSLockerRules, LogsItsCreation) {
+  const LogCapture log;
+  const FakeLocker locker;
+
+  EXPECT_THAT(log.records(),
+              ElementsAre(IsRecordOf("Utils/Singleton", LogLevel::Debug,
+                                     "utils::Singleton<class os::OSLocker>::Singleton",
+                                     "New singleton instance for OSLocker"),
+                          IsRecordOf("Os/OSLocker", LogLevel::Debug, "os::OSLocker::OSLocker",
+                                     "Create new OSLocker")));
+}
+
+TEST_F(OSLockerRules, LocksAndSaysSo) {
+  const LogCapture log;
+
+  EXPECT_EQ(m_locker.Lock(), 0);
+  EXPECT_THAT(log.messages(kLock), ElementsAre("result = 0", "Semaphore is locked"));
+  EXPECT_THAT(log.records(),
+              HasRecordOf("Os/OSLocker", LogLevel::Debug, kLock, "Semaphore is locked"));
+}
+
+TEST_F(OSLockerRules, WaitsForTheDefaultTimeoutUnlessConfigured) {
+  EXPECT_EQ(m_locker.Lock(), 0);
+  EXPECT_EQ(m_locker.UnLock(), 0);
+  configure("Timeout = 250\n");
+  EXPECT_EQ(m_locker.Lock(), 0);
+
+  EXPECT_THAT(m_locker.waits, ElementsAre(300'000U, 250U));
+}
+
+TEST_F(OSLockerRules, AnswersTwoWhileItIsHeldWithoutWaiting) {
+  ASSERT_EQ(m_locker.Lock(), 0);
+  const LogCapture log;
+
+  EXPECT_EQ(m_locker.Lock(), 2);
+  EXPECT_THAT(log.records(), ElementsAre(IsRecordOf("Os/OSLocker", LogLevel::Debug, kLock,
+                                                    "Locker is in use at this moment")));
+  EXPECT_EQ(m_locker.waits.size(), 1U);
+  EXPECT_EQ(m_locker.releases, 0);
+}
+
+TEST_F(OSLockerRules, AnswersThreeWhenTheWaitTimesOut) {
+  m_locker.answer = FakeLocker::WaitResult::TimedOut;
+  const LogCapture log;
+
+  EXPECT_EQ(m_locker.Lock(), 3);
+  EXPECT_THAT(log.messages(kLock),
+              ElementsAre("result = 258",
+                          "Timeout occured when the Semaphore was locked. Other application uses "
+                          "Fennelbrook SDK at this moment"));
+}
+
+TEST_F(OSLockerRules, AnswersOneWhenTheWaitFails) {
+  m_locker.answer = FakeLocker::WaitResult::Failed;
+  const LogCapture log;
+
+  EXPECT_EQ(m_locker.Lock(), 1);
+  EXPECT_THAT(log.messages(kLock),
+              ElementsAre("result = -1", "Some error occured when the Semaphore was locked"));
+}
+
+TEST_F(OSLockerRules, IsNotHeldAfterAFailedWait) {
+  m_locker.answer = FakeLocker::WaitResult::TimedOut;
+  ASSERT_EQ(m_locker.Lock(), 3);
+  EXPECT_EQ(m_locker.UnLock(), 0);
+  EXPECT_EQ(m_locker.releases, 0);
+
+  m_locker.answer = FakeLocker::WaitResult::Signalled;
+  EXPECT_EQ(m_locker.Lock(), 0);
+}
+
+TEST_F(OSLockerRules, AnswersOneWithoutASemaphore) {
+  m_locker.exists = false;
+  const LogCapture log;
+
+  EXPECT_EQ(m_locker.Lock(), 1);
+  EXPECT_EQ(m_locker.UnLock(), 1);
+  EXPECT_THAT(m_locker.waits, IsEmpty());
+  EXPECT_EQ(m_locker.releases, 0);
+  EXPECT_THAT(log.records(), IsEmpty());
+}
+
+TEST_F(OSLockerRules, UnlocksNothingThatIsNotHeld) {
+  EXPECT_EQ(m_locker.UnLock(), 0);
+  EXPECT_EQ(m_locker.releases, 0);
+}
+
+TEST_F(OSLockerRules, LocksAgainAfterUnlocking) {
+  EXPECT_EQ(m_locker.Lock(), 0);
+  EXPECT_EQ(m_locker.UnLock(), 0);
+  EXPECT_EQ(m_locker.Lock(), 0);
+  EXPECT_EQ(m_locker.releases, 1);
+}
+
+TEST_F(OSLockerRules, IsNotHeldAfterAReleaseThatFailed) {
+  ASSERT_EQ(m_locker.Lock(), 0);
+  m_locker.releaseError = FakeLocker::SystemError{22, "Invalid 100% argument"};
+  const LogCapture log;
+
+  EXPECT_EQ(m_locker.UnLock(), 1);
+  EXPECT_THAT(log.records(),
+              ElementsAre(IsRecordOf("Os/OSLocker", LogLevel::Debug, kUnLock,
+                                     "'ReleaseSemaphore' Error [22]: Invalid 100% argument")));
+  EXPECT_EQ(m_locker.UnLock(), 0);
+  EXPECT_EQ(m_locker.Lock(), 0);
+}
+
+TEST_F(OSLockerRules, LogsTheNumberAloneOfAnErrorWithoutAText) {
+  ASSERT_EQ(m_locker.Lock(), 0);
+  m_locker.releaseError = FakeLocker::SystemError{4711, ""};
+  const LogCapture log;
+
+  EXPECT_EQ(m_locker.UnLock(), 1);
+  EXPECT_THAT(log.messages(kUnLock), ElementsAre("'ReleaseSemaphore' Error [4711]"));
+}
+
+TEST_F(OSLockerRules, IsHeldForTheSpanOfABlock) {
+  const LogCapture log;
+  {
+    const OSLocker::AutoOSLocker lock;
+    EXPECT_EQ(m_locker.Lock(), 2);
+  }
+
+  EXPECT_EQ(m_locker.releases, 1);
+  EXPECT_EQ(m_locker.Lock(), 0);
+  EXPECT_THAT(
+      log.records(),
+      testing::IsSupersetOf(
+          {IsRecordOf("Os/OSLocker", LogLevel::Debug, "os::OSLocker::AutoOSLocker::AutoOSLocker",
+                      "autolocking semaphore"),
+           IsRecordOf("Os/OSLocker", LogLevel::Debug, "os::OSLocker::AutoOSLocker::~AutoOSLocker",
+                      "autoreleasing semaphore")}));
+}
+
+TEST_F(OSLockerRules, ThrowsTheResultOfABlockThatCannotHaveIt) {
+  const auto lock = [] { const OSLocker::AutoOSLocker locked; };
+  m_locker.answer = FakeLocker::WaitResult::TimedOut;
+  EXPECT_THAT(lock, ThrowsExactly<utils::Exception>("Locking access to the Fennelbrook returns 3"));
+  m_locker.answer = FakeLocker::WaitResult::Failed;
+  EXPECT_THAT(lock, ThrowsExactly<utils::Exception>("Locking access to the Fennelbrook returns 1"));
+}
+
+TEST_F(OSLockerRules, StaysHeldByTheOuterOfTwoBlocks) {
+  const OSLocker::AutoOSLocker outer;
+
+  EXPECT_THAT([] { const OSLocker::AutoOSLocker inner; },
+              ThrowsExactly<utils::Exception>("Locking access to the Fennelbrook returns 2"));
+  EXPECT_EQ(m_locker.releases, 0);
+  EXPECT_EQ(m_locker.Lock(), 2);
+}
+
+TEST(OSLockerSingleton, IsMissedWhenNoneIsRegistered) {
+  const auto throwsIt = ThrowsExactly<utils::Exception>("No singleton instance found for OSLocker");
+
+  EXPECT_THAT([] { static_cast<void>(OSLocker::getInstance()); }, throwsIt);
+  EXPECT_THAT([] { const OSLocker::AutoOSLocker lock; }, throwsIt);
+}
+
+TEST(OSLockerSingleton, IsTheRegisteredOne) {
+  FakeLocker locker;
+  const LogCapture log;
+
+  EXPECT_EQ(OSLocker::getInstance(), &locker);
+  EXPECT_THAT(log.records(),
+              ElementsAre(IsRecordOf("Utils/Singleton", LogLevel::Debug,
+                                     "utils::Singleton<class os::OSLocker>::getInstance",
+                                     testing::StartsWith("Instance of OSLocker (#0x"))));
+}
+
+}  // namespace

@@ -1,0 +1,97 @@
+#include "tests/Os/Posix/PosixFaults.h"
+
+#include <cerrno>
+#include <cstddef>
+#include <ctime>
+#include <dlfcn.h>
+#include <pthread.h>
+#include <sys/sem.h>
+#include <utility>
+
+namespace test {
+namespace {
+
+// By call; 0 for one that is to succeed.
+thread_local int s_errors[static_cast<std::size_t>(SystemCall::kCount)];
+
+int takeError(SystemCall call) {
+  return std::exchange(s_errors[static_cast<std::size_t>(call)], 0);
+}
+
+// Returns the system's own function of that name.
+template <class Function>
+Function* systemFunction(Function*, const char* name) {
+  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+}  // namespace
+
+FailingCall::FailingCall(SystemCall call, int error) : m_call(call) {
+  s_errors[static_cast<std::size_t>(call)] = error;
+}
+
+FailingCall::~FailingCall() {
+  takeError(m_call);
+}
+
+}  // namespace test
+
+#define SYSTEM_FUNCTION(name) static auto* const system = test::systemFunction(&name, #name)
+
+// The library looks for these in the program first.
+#pragma GCC visibility push(default)
+extern "C" {
+
+int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*body)(void*),
+                   void* argument) noexcept {
+  SYSTEM_FUNCTION(pthread_create);
+  const int error = test::takeError(test::SystemCall::CreateThread);
+  return error != 0 ? error : system(thread, attributes, body, argument);
+}
+
+int pthread_join(pthread_t thread, void** result) {
+  SYSTEM_FUNCTION(pthread_join);
+  const int error = test::takeError(test::SystemCall::JoinThread);
+  const int outcome = system(thread, result);
+  return error != 0 ? error : outcome;
+}
+
+int pthread_mutex_init(pthread_mutex_t* mutex, const pthread_mutexattr_t* attributes) noexcept {
+  SYSTEM_FUNCTION(pthread_mutex_init);
+  const int error = test::takeError(test::SystemCall::InitMutex);
+  return error != 0 ? error : system(mutex, attributes);
+}
+
+int pthread_mutex_destroy(pthread_mutex_t* mutex) noexcept {
+  SYSTEM_FUNCTION(pthread_mutex_destroy);
+  const int error = test::takeError(test::SystemCall::DestroyMutex);
+  const int outcome = system(mutex);
+  return error != 0 ? error : outcome;
+}
+
+int pthread_mutex_lock(pthread_mutex_t* mutex) noexcept {
+  SYSTEM_FUNCTION(pthread_mutex_lock);
+  const int error = test::takeError(test::SystemCall::LockMutex);
+  return error != 0 ? error : system(mutex);
+}
+
+int pthread_mutex_unlock(pthread_mutex_t* mutex) noexcept {
+  SYSTEM_FUNCTION(pthread_mutex_unlock);
+  const int error = test::takeError(test::SystemCall::UnlockMutex);
+  return error != 0 ? error : system(mutex);
+}
+
+int semget(key_t key, int count, int flags) noexcept {
+  SYSTEM_FUNCTION(semget);
+  errno = test::takeError(test::SystemCall::GetSemaphore);
+  return errno != 0 ? -1 : system(key, count, flags);
+}
+
+std::tm* localtime_r(const std::time_t* time, std::tm* fields) noexcept {
+  SYSTEM_FUNCTION(localtime_r);
+  errno = test::takeError(test::SystemCall::TellLocalTime);
+  return errno != 0 ? nullptr : system(time, fields);
+}
+
+}  // extern "C"
+#pragma GCC visibility pop

@@ -1,0 +1,60 @@
+#include <gmock/gmock.h>
+#include <string>
+
+#include "Utils/Assert.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/Throws.h"
+
+namespace {
+
+using test::LogLevel;
+using test::ThrowsExactly;
+
+constexpr utils::LogSource kLog{"SomeFile"};
+
+void require(bool condition) {
+  ORVEX_ASSERT(kLog, condition);
+}
+
+TEST(Assert, PassesWhatHolds) {
+  EXPECT_NO_THROW(require(true));
+}
+
+TEST(Assert, ThrowsSourceLineAndTextOfTheConditionWithoutPrefix) {
+  const int* listener = nullptr;
+  const int line = __LINE__ + 1;
+  const auto check = [&] { ORVEX_ASSERT(kLog, listener != NULL); };
+
+  EXPECT_THAT(check, ThrowsExactly<utils::Exception>("SomeFile:" + std::to_string(line) +
+                                                     ": Assertion failed: 'listener != NULL'"));
+}
+
+TEST(Assert, LogsWhatItThrowsAtErrorLevel) {
+  const test::LogCapture log;
+
+  EXPECT_THROW(require(false), utils::Exception);
+
+  EXPECT_THAT(log.records(), testing::ElementsAre(test::IsRecordOf(
+                                 "Exception", LogLevel::Error, "utils::Exception::Exception",
+                                 test::IsAssertion("SomeFile", "condition"))));
+}
+
+TEST(Assert, IsOneStatement) {
+  bool isElse = false;
+  if (kLog.name == nullptr)
+    ORVEX_ASSERT(kLog, kLog.name != nullptr);
+  else
+    isElse = true;
+
+  EXPECT_TRUE(isElse);
+}
+
+TEST(Assert, TakesAPercentSignInTheConditionAsItStands) {
+  const int number = 7;
+  const auto check = [&] { ORVEX_ASSERT(kLog, number % 7 != 0); };
+
+  EXPECT_THAT(check,
+              ThrowsExactly<utils::Exception>(test::IsAssertion("SomeFile", "number % 7 != 0")));
+}
+
+}  // namespace

@@ -1,0 +1,43 @@
+#include <chrono>
+#include <ctime>
+#include <gmock/gmock.h>
+
+#include "Utils/Clock.h"
+#include "Utils/Format.h"
+
+namespace {
+
+std::uint64_t millisecondsNow() {
+  const auto now = std::chrono::system_clock::now().time_since_epoch();
+  return static_cast<std::uint64_t>(
+      std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
+}
+
+std::string wallClockText() {
+  const std::time_t now = std::time(nullptr);
+  std::tm local{};
+  localtime_r(&now, &local);
+  return utils::format("%02d:%02d:%02d", local.tm_hour, local.tm_min, local.tm_sec);
+}
+
+TEST(Clock, CountsMicrosecondsSinceTheEpochInWholeMilliseconds) {
+  const std::uint64_t before = millisecondsNow();
+  const std::uint64_t now = utils::currentMicroseconds();
+  const std::uint64_t after = millisecondsNow();
+
+  EXPECT_EQ(now % 1000, 0U);
+  EXPECT_THAT(now / 1000, testing::AllOf(testing::Ge(before), testing::Le(after)));
+}
+
+TEST(Clock, TellsTheTimeOfDayInLocalTime) {
+  std::string text;
+  std::string before;
+  do {  // again, if a second ended in between
+    before = wallClockText();
+    text = utils::timeOfDay();
+  } while (before != wallClockText());
+
+  EXPECT_EQ(text, before);
+}
+
+}  // namespace

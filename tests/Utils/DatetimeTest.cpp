@@ -1,0 +1,161 @@
+#include <cstdlib>
+#include <ctime>
+#include <gmock/gmock.h>
+#include <limits>
+#include <optional>
+
+#include "Utils/Clock.h"
+#include "Utils/Datetime.h"
+#include "Utils/Exception.h"
+#include "tests/support/Throws.h"
+
+namespace {
+
+using testing::AllOf;
+using testing::Ge;
+using testing::Le;
+
+// 2023-11-14 22:13:20.123 UTC.
+constexpr std::uint64_t kMoment = 1'700'000'000'123'000;
+
+utils::Datetime timestamp(std::uint64_t microseconds) {
+  utils::Datetime moment;
+  moment.value = microseconds;
+  return moment;
+}
+
+// A test in a time zone of its choice.
+class DatetimeText : public testing::Test {
+ protected:
+  DatetimeText() {
+    if (const char* zone = std::getenv("TZ")) {
+      m_zoneBefore = zone;
+    }
+  }
+  ~DatetimeText() override {
+    if (m_zoneBefore) {
+      enterZone(*m_zoneBefore);
+    } else {
+      unsetenv("TZ");
+      tzset();
+    }
+  }
+
+  static void enterZone(const std::string& zone) {
+    setenv("TZ", zone.c_str(), 1);
+    tzset();
+  }
+
+ private:
+  std::optional<std::string> m_zoneBefore;
+};
+
+TEST(Datetime, StartsAsTheCurrentMoment) {
+  const std::uint64_t before = utils::currentMicroseconds();
+  const utils::Datetime datetime;
+
+  EXPECT_TRUE(datetime.isTimestamp);
+  EXPECT_THAT(datetime.value, AllOf(Ge(before), Le(utils::currentMicroseconds())));
+}
+
+TEST(Datetime, IsAnIntervalWhenMadeFromMicroseconds) {
+  const utils::Datetime interval(1500);
+
+  EXPECT_FALSE(interval.isTimestamp);
+  EXPECT_EQ(interval.value, 1500U);
+}
+
+TEST(Datetime, BecomesTheCurrentMoment) {
+  utils::Datetime datetime(5);
+  const std::uint64_t before = utils::currentMicroseconds();
+  datetime.setToNow();
+
+  EXPECT_TRUE(datetime.isTimestamp);
+  EXPECT_THAT(datetime.value, AllOf(Ge(before), Le(utils::currentMicroseconds())));
+}
+
+TEST(Datetime, CountsSecondsWithoutOverflow) {
+  const utils::Datetime longest =
+      utils::Datetime::fromSeconds(std::numeric_limits<std::uint32_t>::max());
+
+  EXPECT_FALSE(longest.isTimestamp);
+  EXPECT_EQ(longest.value, 4'294'967'295'000'000U);
+  EXPECT_EQ(utils::Datetime::fromSeconds(0).value, 0U);
+}
+
+TEST(Datetime, MeasuresTheTimeSinceAMoment) {
+  const utils::Datetime start = timestamp(utils::currentMicroseconds() - 5'000'000);
+  const utils::Datetime elapsed = utils::Datetime::elapsedSince(start);
+
+  EXPECT_FALSE(elapsed.isTimestamp);
+  EXPECT_THAT(elapsed.value, AllOf(Ge(5'000'000U), Le(35'000'000U)));
+}
+
+TEST(Datetime, RefusesToMeasureTheTimeSinceAnInterval) {
+  const utils::Datetime interval(5);
+
+  EXPECT_THAT([&] { static_cast<void>(utils::Datetime::elapsedSince(interval)); },
+              test::ThrowsExactly<utils::Exception>(
+                  test::IsAssertion("Datetime", "dtStart.isTimestamp == true")));
+}
+
+TEST_F(DatetimeText, OfAMomentIsItsLocalTimeWithTheUtcOffsetInMinutes) {
+  enterZone("UTC0");
+  EXPECT_EQ(timestamp(kMoment).toCimText(), "20231114221320.123000+000");
+  enterZone("EST5");
+  EXPECT_EQ(timestamp(kMoment).toCimText(), "20231114171320.123000-300");
+  enterZone("<+0530>-5:30");
+  EXPECT_EQ(timestamp(kMoment).toCimText(), "20231115034320.123000+330");
+  enterZone("<-0030>0:30");
+  EXPECT_EQ(timestamp(kMoment).toCimText(), "20231114214320.123000-030");
+}
+
+TEST_F(DatetimeText, OfTheEpoch) {
+  enterZone("UTC0");
+  EXPECT_EQ(timestamp(0).toCimText(), "19700101000000.000000+000");
+  EXPECT_EQ(timestamp(999'999).toCimText(), "19700101000000.999999+000");
+}
+
+TEST_F(DatetimeText, HasSummerTimeInItsOffset) {
+  constexpr std::uint64_t kSummer = 1'688'169'600'000'000;  // 2023-07-01 00:00 UTC
+  enterZone("CET-1CEST,M3.5.0,M10.5.0/3");
+
+  EXPECT_EQ(timestamp(kMoment).toCimText(), "20231114231320.123000+060");
+  EXPECT_EQ(timestamp(kSummer).toCimText(), "20230701020000.000000+120");
+}
+
+TEST_F(DatetimeText, OfAnIntervalIsDaysHoursMinutesAndSeconds) {
+  EXPECT_EQ(utils::Datetime(0).toCimText(), "00000000000000.000000:000");
+  EXPECT_EQ(utils::Datetime(1).toCimText(), "00000000000000.000001:000");
+  EXPECT_EQ(utils::Datetime::fromSeconds(59).toCimText(), "00000000000059.000000:000");
+  EXPECT_EQ(utils::Datetime::fromSeconds(60).toCimText(), "00000000000100.000000:000");
+  EXPECT_EQ(utils::Datetime::fromSeconds(3 * 86'400 + 4 * 3600 + 5 * 60 + 6).toCimText(),
+            "00000003040506.000000:000");
+  EXPECT_EQ(utils::Datetime::fromSeconds(std::numeric_limits<std::uint32_t>::max()).toCimText(),
+            "00049710062815.000000:000");
+}
+
+TEST_F(DatetimeText, HasTheEpochForAMomentThatItCannotWrite) {
+  constexpr std::uint64_t kLastMoment = 253'402'300'799'999'999;
+  enterZone("UTC0");
+
+  EXPECT_EQ(timestamp(kLastMoment).toCimText(), "99991231235959.999999+000");
+  EXPECT_EQ(timestamp(kLastMoment + 1).toCimText(), "19700101000000.000000+000");
+}
+
+TEST_F(DatetimeText, HasTheLargestNumberOfDaysForALongerInterval) {
+  constexpr std::uint64_t kDay = 86'400'000'000;
+
+  EXPECT_EQ(utils::Datetime(99'999'999 * kDay).toCimText(), "99999999000000.000000:000");
+  EXPECT_EQ(utils::Datetime(100'000'000 * kDay).toCimText(), "99999999000000.000000:000");
+}
+
+TEST_F(DatetimeText, HasTwentyFiveCharactersWhateverTheValue) {
+  for (const std::uint64_t value :
+       {std::uint64_t{0}, kMoment, kMoment * 1000, std::numeric_limits<std::uint64_t>::max()}) {
+    EXPECT_EQ(utils::Datetime(value).toCimText().size(), 25U) << value;
+    EXPECT_EQ(timestamp(value).toCimText().size(), 25U) << value;
+  }
+}
+
+}  // namespace

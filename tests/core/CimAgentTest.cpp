@@ -1,0 +1,151 @@
+#include <gmock/gmock.h>
+
+#include "core/CimAgent.h"
+#include "tests/core/TestInstance.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/Throws.h"
+
+namespace {
+
+using test::IsRecordOf;
+using test::LogLevel;
+using test::Provider;
+using test::ThrowsExactly;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr const char* kFunction = "core::CimAgent::getInstances";
+
+class Agent : public core::CimAgent {
+ public:
+  Agent() : CimAgent("Test agent") {}
+
+  Provider* serve(const std::string& className) {
+    auto* provider = new Provider(className, deaths());
+    getClasses().add(provider);
+    return provider;
+  }
+
+  static std::vector<std::string>& deaths() {
+    static std::vector<std::string> names;
+    return names;
+  }
+};
+
+class ThrowingProvider : public Provider {
+ public:
+  ThrowingProvider() : Provider("Test_Broken") {}
+
+  [[nodiscard]] core::InstanceList::Iterator getInstances() override {
+    throw utils::EForbidden("not today");
+  }
+};
+
+class BrokenAgent : public core::CimAgent {
+ public:
+  BrokenAgent() : CimAgent("Broken") { getClasses().add(new ThrowingProvider); }
+};
+
+class CimAgentTest : public testing::Test {
+ protected:
+  CimAgentTest() { Agent::deaths().clear(); }
+
+  auto enumerating(const std::string& className) {
+    return [this, className] { static_cast<void>(m_agent.getInstances(className)); };
+  }
+
+  Agent m_agent;
+};
+
+TEST_F(CimAgentTest, KnowsTheClassesThatItServes) {
+  m_agent.serve("Test_Fan");
+  m_agent.serve("Test_Disk");
+
+  EXPECT_TRUE(m_agent.hasClass("Test_Fan"));
+  EXPECT_FALSE(m_agent.hasClass("Test_Cpu"));
+  EXPECT_THAT(m_agent.getClassNames(), ElementsAre("Test_Disk", "Test_Fan"));
+  EXPECT_EQ(m_agent.getName(), "Test agent");
+}
+
+TEST_F(CimAgentTest, TellsClassNamesApartByCase) {
+  m_agent.serve("Test_Fan");
+
+  EXPECT_FALSE(m_agent.hasClass("test_fan"));
+  EXPECT_THAT(enumerating("test_fan"),
+              ThrowsExactly<utils::Exception>("class test_fan does not exists"));
+}
+
+TEST_F(CimAgentTest, DoesNotKnowTheEmptyName) {
+  m_agent.serve("Test_Fan");
+
+  EXPECT_FALSE(m_agent.hasClass(""));
+  EXPECT_THAT(enumerating(""), ThrowsExactly<utils::Exception>("class  does not exists"));
+}
+
+TEST_F(CimAgentTest, EntersNothingWhenAskedForAnUnknownClass) {
+  EXPECT_THROW(enumerating("Test_Fan")(), utils::Exception);
+
+  EXPECT_FALSE(m_agent.hasClass("Test_Fan"));
+}
+
+TEST_F(CimAgentTest, GivesTheProvidersCursor) {
+  Provider* provider = m_agent.serve("Test_Fan");
+  test::Instance* first = provider->serve("1");
+  provider->serve("2")->setDeleted(true);
+  test::Instance* third = provider->serve("3");
+
+  EXPECT_THAT(test::walk(m_agent.getInstances("Test_Fan")), ElementsAre(first, third));
+}
+
+TEST_F(CimAgentTest, GivesAnEmptyCursorForAClassWithoutInstances) {
+  m_agent.serve("Test_Fan");
+  core::InstanceList::Iterator cursor = m_agent.getInstances("Test_Fan");
+
+  EXPECT_EQ(cursor.first(), nullptr);
+  EXPECT_EQ(cursor.count(), 0U);
+}
+
+TEST_F(CimAgentTest, LogsTheSearchAndTheEnumeration) {
+  m_agent.serve("Test_Fan");
+  const test::LogCapture log;
+  static_cast<void>(m_agent.getInstances("Test_Fan"));
+
+  EXPECT_THAT(log.records(),
+              ElementsAre(IsRecordOf("CimAgent", LogLevel::Debug, kFunction,
+                                     "[Test agent] Finding class: Test_Fan"),
+                          IsRecordOf("CimAgent", LogLevel::Debug, kFunction,
+                                     "[Test agent] Get instance of Test_Fan class")));
+}
+
+TEST_F(CimAgentTest, AddsNoErrorRecordToThatOfTheExceptionForAnUnknownClass) {
+  const test::LogCapture log;
+  EXPECT_THROW(enumerating("Test_Fan")(), utils::Exception);
+
+  EXPECT_THAT(log.records(),
+              ElementsAre(IsRecordOf("CimAgent", LogLevel::Debug, kFunction,
+                                     "[Test agent] Finding class: Test_Fan"),
+                          IsRecordOf("Exception", LogLevel::Error, "utils::Exception::Exception",
+                                     "class Test_Fan does not exists")));
+}
+
+TEST_F(CimAgentTest, PassesOnWhatTheProviderThrows) {
+  BrokenAgent broken;
+
+  EXPECT_THAT([&] { static_cast<void>(broken.getInstances("Test_Broken")); },
+              ThrowsExactly<utils::EForbidden>("Quorvel: EForbidden:not today"));
+}
+
+TEST(CimAgentLife, EndsWithThatOfItsProvidersInTheOrderOfTheirNames) {
+  Agent::deaths().clear();
+  {
+    Agent agent;
+    agent.serve("Test_Fan");
+    agent.serve("Test_Cpu");
+    agent.serve("Test_Disk");
+    EXPECT_THAT(Agent::deaths(), IsEmpty());
+  }
+
+  EXPECT_THAT(Agent::deaths(), ElementsAre("Test_Cpu", "Test_Disk", "Test_Fan"));
+}
+
+}  // namespace

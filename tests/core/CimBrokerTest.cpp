@@ -1,0 +1,257 @@
+#include <atomic>
+#include <gmock/gmock.h>
+#include <thread>
+
+#include "core/CimBroker.h"
+#include "tests/core/TestInstance.h"
+#include "tests/support/Throws.h"
+
+namespace {
+
+using test::Instance;
+using test::Provider;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class Agent : public core::CimAgent {
+ public:
+  Agent() : CimAgent("Test agent") {}
+
+  Provider* serve(const std::string& className) {
+    auto* provider = new Provider(className);
+    getClasses().add(provider);
+    return provider;
+  }
+};
+
+// An instance with two keys of different types and a property that is no key.
+class Port : public core::CimInstance {
+ public:
+  Port(const std::string& name, std::uint16_t number) {
+    Name.setKey();
+    Name.setValue(name);
+    Number.setKey();
+    Number.setValue(number);
+    Caption.setValue("a port");
+  }
+  [[nodiscard]] std::string getClassName() const override { return "Test_Port"; }
+
+  core::CimPropertyString Name{"Name", this};
+  core::CimPropertyUint16 Number{"Number", this};
+  core::CimPropertyString Caption{"Caption", this};
+};
+
+class PortProvider : public core::CimClass {
+ public:
+  Port* add(const std::string& name, std::uint16_t number) {
+    auto* port = new Port(name, number);
+    m_instances.add(port);
+    return port;
+  }
+  [[nodiscard]] std::string getName() const override { return "Test_Port"; }
+  [[nodiscard]] core::InstanceList::Iterator getInstances() override {
+    return m_instances.iterator(false);
+  }
+
+ private:
+  core::InstanceList m_instances;
+};
+
+class PortAgent : public core::CimAgent {
+ public:
+  PortAgent() : CimAgent("Ports") { getClasses().add(m_ports); }
+
+  PortProvider* m_ports = new PortProvider;
+};
+
+class ThrowingProvider : public Provider {
+ public:
+  ThrowingProvider() : Provider("Test_Broken") {}
+
+  [[nodiscard]] core::InstanceList::Iterator getInstances() override {
+    throw utils::EUnspecifiedError("no adapters");
+  }
+};
+
+class BrokenAgent : public core::CimAgent {
+ public:
+  BrokenAgent() : CimAgent("Broken") { getClasses().add(new ThrowingProvider); }
+};
+
+class CimBroker : public testing::Test {
+ protected:
+  core::CimInstance* find(const std::string& path) {
+    return m_broker.getInstanceByPath(core::CimPath(path));
+  }
+
+  core::CimBroker m_broker;
+};
+
+TEST_F(CimBroker, KeepsAgentsInTheOrderInWhichTheyWereAdded) {
+  Agent second;
+  Agent first;
+  m_broker.addAgent(&first);
+  m_broker.addAgent(&second);
+
+  EXPECT_THAT(m_broker.getAgents(), ElementsAre(&first, &second));
+}
+
+TEST_F(CimBroker, RefusesANullAgent) {
+  EXPECT_THAT(
+      [&] { m_broker.addAgent(nullptr); },
+      test::ThrowsExactly<utils::Exception>(test::IsAssertion("CimBroker", "agent != NULL")));
+  EXPECT_THAT(m_broker.getAgents(), IsEmpty());
+}
+
+TEST_F(CimBroker, GivesTheInstancesOfAllAgentsThatServeAClassAgentByAgent) {
+  Agent first;
+  Agent other;
+  Agent second;
+  Instance* b1 = second.serve("Test_Fan")->serve("b1");
+  Provider* fans = first.serve("Test_Fan");
+  Instance* a1 = fans->serve("a1");
+  Instance* a2 = fans->serve("a2");
+  other.serve("Test_Disk")->serve("d");
+  m_broker.addAgent(&first);
+  m_broker.addAgent(&other);
+  m_broker.addAgent(&second);
+
+  EXPECT_THAT(m_broker.getInstances("Test_Fan"), ElementsAre(a1, a2, b1));
+}
+
+TEST_F(CimBroker, PassesOverDeletedInstances) {
+  Agent agent;
+  Provider* fans = agent.serve("Test_Fan");
+  fans->serve("1")->setDeleted(true);
+  Instance* second = fans->serve("2");
+  m_broker.addAgent(&agent);
+
+  EXPECT_THAT(m_broker.getInstances("Test_Fan"), ElementsAre(second));
+  EXPECT_EQ(find("Test_Fan.Name=\"1\""), nullptr);
+}
+
+TEST_F(CimBroker, GivesNothingForAClassThatNobodyServes) {
+  Agent agent;
+  agent.serve("Test_Fan")->serve("1");
+  m_broker.addAgent(&agent);
+
+  EXPECT_THAT(m_broker.getInstances("Test_Disk"), IsEmpty());
+  EXPECT_THAT(m_broker.getInstances("test_fan"), IsEmpty());
+  EXPECT_THAT(m_broker.getInstances(""), IsEmpty());
+  EXPECT_EQ(find("Test_Disk.Name=1"), nullptr);
+}
+
+TEST_F(CimBroker, GivesNothingWithoutAgents) {
+  EXPECT_THAT(m_broker.getInstances("Test_Fan"), IsEmpty());
+}
+
+TEST_F(CimBroker, PassesOnWhatAProviderThrows) {
+  BrokenAgent agent;
+  m_broker.addAgent(&agent);
+
+  const auto throwsIt =
+      test::ThrowsExactly<utils::EUnspecifiedError>("Quorvel: EUnspecifiedError:no adapters");
+  EXPECT_THAT([&] { static_cast<void>(m_broker.getInstances("Test_Broken")); }, throwsIt);
+  EXPECT_THAT([&] { static_cast<void>(find("Test_Broken.Name=1")); }, throwsIt);
+}
+
+TEST_F(CimBroker, FindsTheInstanceAllOfWhoseKeysMatch) {
+  PortAgent agent;
+  agent.m_ports->add("eth0", 1);
+  Port* wanted = agent.m_ports->add("eth0", 2);
+  agent.m_ports->add("eth1", 2);
+  m_broker.addAgent(&agent);
+
+  EXPECT_EQ(find("Test_Port.Name=\"eth0\",Number=2"), wanted);
+  EXPECT_EQ(find("Test_Port.Number=2,Name=\"eth0\""), wanted);
+  EXPECT_EQ(find("root/zolan:Test_Port.Name=eth0,Number=\"2\""), wanted);
+}
+
+TEST_F(CimBroker, FindsEveryInstanceByItsOwnPath) {
+  PortAgent agent;
+  m_broker.addAgent(&agent);
+  for (const char* name : {"eth0", "a.b", "a,b=c", "ns:x", "\"", "a\\\"b", " "}) {
+    Port* port = agent.m_ports->add(name, 7);
+    EXPECT_EQ(find(port->getPath()), port) << port->getPath();
+  }
+}
+
+TEST_F(CimBroker, FindsNothingUnlessAllKeysMatch) {
+  PortAgent agent;
+  agent.m_ports->add("eth0", 1);
+  m_broker.addAgent(&agent);
+
+  EXPECT_EQ(find("Test_Port.Name=\"eth0\""), nullptr);
+  EXPECT_EQ(find("Test_Port.Name=\"eth0\",Number=2"), nullptr);
+  EXPECT_EQ(find("Test_Port.Name=\"ETH0\",Number=1"), nullptr);
+  EXPECT_EQ(find("Test_Port.name=\"eth0\",Number=1"), nullptr);
+  EXPECT_EQ(find("Test_Port.Name=\"eth0\",Number=1,Extra=1"), nullptr);
+  EXPECT_EQ(find("Test_Port.Name=\"eth0\",Number=1,Caption=\"a port\""), nullptr);
+}
+
+TEST_F(CimBroker, FindsTheFirstOfEqualInstancesInTheOrderOfTheAgents) {
+  Agent first;
+  Agent second;
+  Instance* ofSecond = second.serve("Test_Fan")->serve("1");
+  Instance* ofFirst = first.serve("Test_Fan")->serve("1");
+  m_broker.addAgent(&second);
+  m_broker.addAgent(&first);
+
+  EXPECT_EQ(find("Test_Fan.Name=\"1\""), ofSecond);
+  EXPECT_NE(ofFirst, ofSecond);
+}
+
+TEST_F(CimBroker, HoldsARequestAgainOnTheSameThread) {
+  PortAgent agent;
+  Port* port = agent.m_ports->add("eth0", 1);
+  m_broker.addAgent(&agent);
+
+  const core::CimBroker::Request outer(m_broker);
+  const core::CimBroker::Request inner(m_broker);
+  EXPECT_THAT(m_broker.getInstances("Test_Port"), ElementsAre(port));
+}
+
+TEST_F(CimBroker, AdmitsOneThreadsRequestAtATime) {
+  constexpr int kThreads = 4;
+  constexpr int kRounds = 200;
+  Agent agent;
+  agent.serve("Test_Fan")->serve("1");
+  m_broker.addAgent(&agent);
+  int unguarded = 0;
+  std::atomic<int> inside{0};
+  std::atomic<int> overlaps{0};
+  std::vector<std::thread> threads;
+  for (int i = 0; i < kThreads; ++i) {
+    threads.emplace_back([&] {
+      for (int round = 0; round < kRounds; ++round) {
+        const core::CimBroker::Request request(m_broker);
+        overlaps += inside.fetch_add(1) != 0 ? 1 : 0;
+        { const core::CimBroker::Request again(m_broker); }
+        unguarded += static_cast<int>(m_broker.getInstances("Test_Fan").size());
+        inside.fetch_sub(1);
+      }
+    });
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+
+  EXPECT_EQ(overlaps.load(), 0);
+  EXPECT_EQ(unguarded, kThreads * kRounds);
+}
+
+TEST_F(CimBroker, TakesAgentsWhileARequestIsHeldElsewhere) {
+  Agent agent;
+  const core::CimBroker::Request request(m_broker);
+
+  std::thread([&] { m_broker.addAgent(&agent); }).join();
+
+  EXPECT_THAT(m_broker.getAgents(), ElementsAre(&agent));
+}
+
+TEST(GetCimBroker, GivesTheOneBrokerOfTheProcess) {
+  EXPECT_EQ(&core::GetCimBroker(), &core::GetCimBroker());
+  EXPECT_THAT(core::GetCimBroker().getAgents(), IsEmpty());
+}
+
+}  // namespace

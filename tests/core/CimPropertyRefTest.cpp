@@ -1,0 +1,89 @@
+#include <gmock/gmock.h>
+
+#include "core/CimPropertyRef.h"
+#include "tests/core/TestInstance.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/Throws.h"
+
+namespace {
+
+using core::CimPropertyRef;
+using test::IsRecordOf;
+using test::LogLevel;
+
+TEST(CimPropertyRef, IsNullAndEmptyAtFirst) {
+  const CimPropertyRef reference("Antecedent", nullptr);
+
+  EXPECT_TRUE(reference.isNull());
+  EXPECT_EQ(reference.getTarget(), nullptr);
+  EXPECT_EQ(reference.toString(), "");
+  EXPECT_EQ(reference.getType(), 26U);
+}
+
+TEST(CimPropertyRef, PrintsItsText) {
+  CimPropertyRef reference("Antecedent", nullptr);
+  reference.setText("CIM_Fan.Name=\"x\"");
+
+  EXPECT_FALSE(reference.isNull());
+  EXPECT_EQ(reference.toString(), "CIM_Fan.Name=\"x\"");
+}
+
+TEST(CimPropertyRef, PrintsThePathOfItsTargetWhateverItsText) {
+  test::Instance target("a\"b");
+  CimPropertyRef reference("Antecedent", nullptr);
+  reference.setTarget(&target);
+
+  EXPECT_FALSE(reference.isNull());
+  EXPECT_EQ(reference.getTarget(), &target);
+  EXPECT_EQ(reference.toString(), R"(Test_Thing.Name="a\"b")");
+  reference.setText("something else");
+  EXPECT_EQ(reference.toString(), R"(Test_Thing.Name="a\"b")");
+}
+
+TEST(CimPropertyRef, PrintsItsTextAgainWithoutATarget) {
+  test::Instance target("x");
+  CimPropertyRef reference("Antecedent", nullptr);
+  reference.setText("text");
+  reference.setTarget(&target);
+  reference.setTarget(nullptr);
+
+  EXPECT_EQ(reference.toString(), "text");
+}
+
+TEST(CimPropertyRef, EntersThePropertyListOfItsOwner) {
+  test::Instance owner;
+  CimPropertyRef reference("Antecedent", &owner);
+
+  EXPECT_EQ(reference.getOwner(), &owner);
+  EXPECT_EQ(owner.getProperty("Antecedent"), &reference);
+}
+
+TEST(CimPropertyRef, IsNeitherVerifiedNorModified) {
+  CimPropertyRef reference("Antecedent", nullptr);
+  reference.setModifyEnabled(true);
+  CimPropertyRef newValue("Antecedent", nullptr);
+  const auto refuses = test::ThrowsExactly<utils::ENotSupported>("ENotSupported:");
+  const test::LogCapture log;
+
+  EXPECT_THAT([&] { reference.verify(&newValue); }, refuses);
+  EXPECT_THAT([&] { reference.modify(&newValue); }, refuses);
+  EXPECT_THAT([&] { reference.verify(nullptr); }, refuses);
+  EXPECT_THAT(
+      log.records(),
+      testing::IsSupersetOf({IsRecordOf("CimProperty", LogLevel::Debug, "core::CimProperty::verify",
+                                        "Operation not supported by property Antecedent (26)"),
+                             IsRecordOf("CimProperty", LogLevel::Debug, "core::CimProperty::modify",
+                                        "Operation not supported by property Antecedent (26)")}));
+}
+
+TEST(CimPropertyRefT, IsAReference) {
+  test::Instance target("x");
+  core::CimPropertyRefT<test::Instance> reference("Dependent", nullptr);
+  reference.setTarget(&target);
+
+  EXPECT_EQ(reference.getType(), 26U);
+  EXPECT_EQ(reference.toString(), "Test_Thing.Name=\"x\"");
+  EXPECT_EQ(sizeof reference, sizeof(CimPropertyRef));
+}
+
+}  // namespace

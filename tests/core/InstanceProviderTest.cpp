@@ -1,0 +1,125 @@
+#include <gmock/gmock.h>
+
+#include "Utils/Exception.h"
+#include "core/InstanceProvider.h"
+#include "tests/core/TestInstance.h"
+#include "tests/support/LogCapture.h"
+
+namespace {
+
+using test::Instance;
+using test::IsRecordOf;
+using test::LogCapture;
+using test::LogLevel;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr utils::LogSource kSource{"Test_ThingClass"};
+constexpr const char* kFunction = "Test_ThingClass::getInstances";
+
+// A provider that builds as many instances as it is told, the last of them deleted.
+class ThingProvider : public core::InstanceProvider {
+ public:
+  ThingProvider(const core::EnumerationLog& log, int count)
+      : InstanceProvider("Test_Thing", log), m_count(count) {}
+
+ protected:
+  void refresh() override {
+    if (m_count < 0) {
+      throw utils::EUnspecifiedError("cannot");
+    }
+    instances().clear();
+    for (int i = 0; i < m_count; ++i) {
+      auto* instance = new Instance(std::to_string(i));
+      instance->setDeleted(i == m_count - 1);
+      instances().add(instance);
+    }
+  }
+
+ private:
+  int m_count;
+};
+
+class OnlyThing : public Instance {
+ public:
+  void setPropertyValues() { Size.setValue(static_cast<std::uint16_t>(Size.getValue() + 1)); }
+};
+
+TEST(InstanceProvider, ServesItsClassName) {
+  EXPECT_EQ(ThingProvider({kSource, kFunction}, 0).getName(), "Test_Thing");
+}
+
+TEST(InstanceProvider, GivesACursorPastDeletedInstances) {
+  ThingProvider provider({kSource, kFunction}, 3);
+  core::InstanceList::Iterator cursor = provider.getInstances();
+
+  EXPECT_EQ(cursor.count(), 2U);
+  EXPECT_EQ(cursor.first()->getPath(), "Test_Thing.Name=\"0\"");
+}
+
+TEST(InstanceProvider, GivesAnEmptyCursorWithoutInstances) {
+  ThingProvider provider({kSource, kFunction}, 0);
+  core::InstanceList::Iterator cursor = provider.getInstances();
+
+  EXPECT_EQ(cursor.first(), nullptr);
+  EXPECT_EQ(cursor.count(), 0U);
+}
+
+TEST(InstanceProvider, BuildsItsInstancesAnewInEachEnumeration) {
+  ThingProvider provider({kSource, kFunction}, 3);
+  static_cast<void>(provider.getInstances());
+
+  EXPECT_EQ(provider.getInstances().count(), 2U);
+}
+
+TEST(InstanceProvider, LogsHowManyInstancesItHas) {
+  ThingProvider provider({kSource, kFunction}, 3);
+  const LogCapture log;
+  static_cast<void>(provider.getInstances());
+
+  EXPECT_THAT(log.records(),
+              ElementsAre(IsRecordOf(kSource.name, LogLevel::Debug, kFunction, "return 3")));
+}
+
+TEST(InstanceProvider, LogsAFirstRecordAndTheTimedBlockWhenItHasThem) {
+  ThingProvider provider({kSource, kFunction, "100% things", "things"}, 1);
+  const LogCapture log;
+  static_cast<void>(provider.getInstances());
+
+  EXPECT_THAT(log.records(),
+              ElementsAre(IsRecordOf(kSource.name, LogLevel::Debug, kFunction, "100% things"),
+                          IsRecordOf("Debug", LogLevel::Debug, "utils::TimeStamp::Init",
+                                     HasSubstr(" Entering 'things'")),
+                          IsRecordOf(kSource.name, LogLevel::Debug, kFunction, "return 1"),
+                          IsRecordOf("Debug", LogLevel::Debug, "utils::TimeStamp::~TimeStamp",
+                                     HasSubstr(" Leaving  'things' after "))));
+}
+
+TEST(InstanceProvider, LeavesTheTimedBlockWhenItsEnumerationFails) {
+  ThingProvider provider({kSource, kFunction, nullptr, "things"}, -1);
+  const LogCapture log;
+  EXPECT_THROW(static_cast<void>(provider.getInstances()), utils::EUnspecifiedError);
+
+  EXPECT_THAT(log.messages("utils::TimeStamp::~TimeStamp"),
+              ElementsAre(HasSubstr(" Leaving  'things' after ")));
+}
+
+TEST(SingleInstanceProvider, MakesItsInstanceOnceAndKeepsIt) {
+  core::SingleInstanceProvider<OnlyThing> provider("Test_Thing", {kSource, kFunction});
+  const LogCapture log;
+  core::CimInstance* first = provider.getInstances().first();
+  core::CimInstance* second = provider.getInstances().first();
+
+  EXPECT_EQ(first, second);
+  EXPECT_EQ(static_cast<OnlyThing*>(first)->Size.getValue(), 1);
+  EXPECT_THAT(log.messages(kFunction), ElementsAre("create new instance", "return 1", "return 1"));
+}
+
+TEST(SingleInstanceProvider, KeepsADeletedInstanceOutOfSight) {
+  core::SingleInstanceProvider<OnlyThing> provider("Test_Thing", {kSource, kFunction});
+  provider.getInstances().first()->setDeleted(true);
+
+  EXPECT_EQ(provider.getInstances().count(), 0U);
+}
+
+}  // namespace
