@@ -104,9 +104,8 @@ bool Orvex_ConcreteJob::threadControl(std::int32_t command, std::int32_t timeout
   utils::logDebug(kLog, kFunction, "New threadControl %d", command);
   if (command == kStartThread) {
     ORVEX_ASSERT(kLog, m_myThread != NULL);
-    m_myThread->setStarted();
     try {
-      m_myThread->start();
+      m_myThread->launch();
     } catch (const std::exception&) {
       utils::logError(kLog, kFunction, "Thread start error");
       return false;
