@@ -1,12 +1,13 @@
 // The adapter flash library, as the agents call it.
 //
 // Adapters are named by the identifier of one of their ports, "dddd:bb:ss.f": PCI segment, bus,
-// device and function in lower-case hexadecimal ("0000:03:00.0"). The ports of one adapter share its
-// flash, so a write through one port changes what the others report.
+// device and function in lower-case hexadecimal ("0000:03:00.0"). The ports of one adapter share
+// its flash, so a write through one port changes what the others report.
 //
 // Every operation may be called from any thread, except that flash writes of one machine must not
-// overlap: the caller serialises them (os::OSLocker does). Every query reads the state of the adapter
-// afresh. No operation throws anything but std::bad_alloc; failures are answered as each one says.
+// overlap: the caller serialises them (os::OSLocker does). Every query reads the state of the
+// adapter afresh. No operation throws anything but std::bad_alloc; failures are answered as each
+// one says.
 
 #ifndef ORVEX_MIDAPI_MIDAPI_H_
 #define ORVEX_MIDAPI_MIDAPI_H_
@@ -37,8 +38,9 @@ enum class PrepareStatus : std::int32_t {
 // Returns the identifiers of all ports of all adapters, ordered by PCI address.
 [[nodiscard]] ORVEX_MIDAPI_API utils::StringArray enumerateAdapters();
 
-// Fills `versions` with the firmware components in the adapter's flash, in flash order; empties it
-// when the adapter is unknown or its flash holds no valid image chain.
+// Fills `versions` with the firmware components in the adapter's flash, in flash order: the images
+// that are for the adapter and of a known type. Empties it when the adapter is unknown or its flash
+// holds no valid image chain.
 ORVEX_MIDAPI_API void getAdapterFirmwareVersion(const std::string& adapter,
                                                 std::vector<utils::FirmwareVersionInfo>& versions);
 
@@ -53,32 +55,33 @@ ORVEX_MIDAPI_API bool setBootType(const std::string& adapter, BootType bootType)
 
 // Checks an image file against an adapter and prepares what is to be written.
 //
-// `file` and `fileSize` are the image file. `image` is a buffer of `imageSize` bytes (the file's size
-// is always enough); on return `imageSize` is the number of bytes filled, 0 where nothing was.
-// `types` are the image types to install, in any order; none means all that the file holds, and
-// FirmwareType::None among them selects nothing.
+// `file` and `fileSize` are the image file. `image` is a buffer of `imageSize` bytes (the file's
+// size is always enough) and does not overlap the file; on return `imageSize` is the number of
+// bytes filled, 0 where nothing was. `types` are the image types to install, in any order; none
+// means all that the file holds, and FirmwareType::None among them selects nothing.
 //
 // The checks, in order, each with the status that its failure gives:
 //   1 InvalidImage   the bytes are no valid chain of PCI Expansion ROM images
 //   2 NotForAdapter  no image is for the adapter's vendor and device
 //   5 NotUpdatable   the adapter's firmware cannot be replaced
 //   4 TypesDiffer    types were requested and the file lacks one of them or nothing is selected;
-//                    none were and the file's types are not those that the adapter holds
+//                    none were and the file's types are not those that the adapter holds; the
+//                    types of images for other devices do not count on either side
 //   3 Downgrade      an image that would be installed is older than the installed one of its type
-//   6 InternalFault  the adapter is unknown or unreadable, or the buffer is too small
-// The image is filled for Ok, Downgrade and TypesDiffer, since the caller may accept those. It holds
-// the selected images in file order with last-image bits and byte sums put right: exactly what the
-// flash will hold.
-[[nodiscard]] ORVEX_MIDAPI_API PrepareStatus
-prepareFlashImage(const std::string& adapter, const std::uint8_t* file, std::uint32_t fileSize,
-                  std::uint8_t* image, std::uint32_t& imageSize,
-                  const std::vector<utils::FirmwareType>& types);
+//   6 InternalFault  the adapter is unknown or unreadable, the buffer is too small, or an image
+//                    that becomes the last one has no byte that may take up the change of its sum
+// The image is filled for Ok, Downgrade and TypesDiffer, since the caller may accept those. It
+// holds the selected images in file order with last-image bits and byte sums put right: exactly
+// what the flash will hold.
+[[nodiscard]] ORVEX_MIDAPI_API PrepareStatus prepareFlashImage(
+    const std::string& adapter, const std::uint8_t* file, std::uint32_t fileSize,
+    std::uint8_t* image, std::uint32_t& imageSize, const std::vector<utils::FirmwareType>& types);
 
 // Replaces the adapter's flash by `image`, at the adapter's write rate; returns when it is done.
 //
-// Returns true on success; `errorCode` and `errorText` are filled in every case (0 and an empty text
-// on success). What was written is read back and compared before success is reported. The flash
-// holds the old content or the new one at every moment, also across a crash, never a mixture.
+// Returns true on success; `errorCode` and `errorText` are filled in every case (0 and an empty
+// text on success). What was written is read back and compared before success is reported. The
+// flash holds the old content or the new one at every moment, also across a crash, never a mixture.
 [[nodiscard]] ORVEX_MIDAPI_API bool writeFlashImage(const std::string& adapter,
                                                     const std::uint8_t* image,
                                                     std::uint32_t imageSize,
@@ -87,10 +90,11 @@ prepareFlashImage(const std::string& adapter, const std::uint8_t* file, std::uin
 
 // Returns the progress of the adapter's running or last write in this process, in percent; it never
 // falls during a write and reads 100 only after its success. 0 when there was no write.
-[[nodiscard]] ORVEX_MIDAPI_API std::uint32_t getFlashImageUpdateProgress(const std::string& adapter);
+[[nodiscard]] ORVEX_MIDAPI_API std::uint32_t getFlashImageUpdateProgress(
+    const std::string& adapter);
 
-// Records in the adapter which image types are now installed; without a type in the list, those that
-// its flash holds. Returns and fills as writeFlashImage.
+// Records in the adapter which image types are now installed: those of the list, or without a type
+// in it those that its flash holds. Returns and fills as writeFlashImage.
 [[nodiscard]] ORVEX_MIDAPI_API bool updateCapabilityWord(const std::string& adapter,
                                                          std::vector<utils::FirmwareType> types,
                                                          std::uint32_t& errorCode,

@@ -1,0 +1,95 @@
+// The description of a virtual adapter, and its text: the adapter.json in the adapter's folder.
+//
+//   {
+//     "name": "Lab adapter", "pci": "0000:03:00", "vendorId": "1af4", "deviceId": "1041",
+//     "ports": [{"function": 0, "mac": "02:00:00:03:00:00", "bootType": 1}],
+//     "writeRate": 131072,      bytes per second; 0, the default, is as fast as the disk
+//     "updatable": true,        the default
+//     "capabilityWord": 24,     bit n: image type number n is installed; 0 is the default
+//     "faults": {               none by default
+//       "write": {"atPercent": 40, "code": 17, "text": "..."},
+//       "hang": {"atPercent": 30},
+//       "capabilityWord": {"code": 18, "text": "..."}
+//     }
+//   }
+//
+// Fields that are not listed are ignored, and kept when a description is changed. Pure: no I/O.
+
+#ifndef ORVEX_MIDAPI_ADAPTERDESCRIPTION_H_
+#define ORVEX_MIDAPI_ADAPTERDESCRIPTION_H_
+
+#include <cstdint>
+#include <exception>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "midapi/AdapterId.h"
+#include "midapi/MidApi.h"
+
+namespace ma {
+
+struct PortDescription {
+  std::uint8_t function = 0;
+  std::string mac;
+  BootType bootType = BootType::None;
+};
+
+// A failure that the description asks for: its code and text are the answer of the operation.
+struct InjectedFault {
+  std::uint32_t code = 0;
+  std::string text;
+};
+
+struct InjectedWriteFault {
+  std::uint32_t atPercent = 0;
+  InjectedFault fault;
+};
+
+struct AdapterDescription {
+  std::string name;
+  AdapterAddress pci;
+  std::uint16_t vendor = 0;
+  std::uint16_t device = 0;
+  // Ordered by function, at least one.
+  std::vector<PortDescription> ports;
+  std::uint64_t writeRate = 0;
+  bool isUpdatable = true;
+  std::uint32_t capabilityWord = 0;
+
+  std::optional<InjectedWriteFault> writeFault;
+  std::optional<std::uint32_t> hangAtPercent;
+  std::optional<InjectedFault> capabilityWordFault;
+
+  // Returns the port of that function, or null.
+  [[nodiscard]] const PortDescription* findPort(std::uint8_t function) const;
+};
+
+// A text that is no description. what() names the field, as in
+// "field ports[1].mac: must be like \"02:00:00:03:00:00\"".
+class DescriptionFault final : public std::exception {
+ public:
+  explicit DescriptionFault(std::string text) : m_text(std::move(text)) {}
+  [[nodiscard]] const char* what() const noexcept override { return m_text.c_str(); }
+
+ private:
+  std::string m_text;
+};
+
+// Reads a description. Throws DescriptionFault.
+[[nodiscard]] AdapterDescription parseDescription(std::string_view text);
+
+// Returns the text of a description.
+[[nodiscard]] std::string formatDescription(const AdapterDescription& description);
+
+// Returns `text`, a valid description, with another boot type of a port that it has, or with
+// another capability word. Throws DescriptionFault.
+[[nodiscard]] std::string withBootType(std::string_view text, std::uint8_t function,
+                                       BootType bootType);
+[[nodiscard]] std::string withCapabilityWord(std::string_view text, std::uint32_t word);
+
+}  // namespace ma
+
+#endif  // ORVEX_MIDAPI_ADAPTERDESCRIPTION_H_

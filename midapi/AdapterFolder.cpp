@@ -1,0 +1,88 @@
+#include "midapi/AdapterFolder.h"
+
+#include <cstddef>
+
+namespace ma {
+namespace {
+
+constexpr std::size_t kMaxDescription = std::size_t{1} << 20;
+constexpr std::size_t kMaxFlash = std::size_t{256} << 20;
+
+}  // namespace
+
+AdapterFolder::AdapterFolder(FileSystem& files, const std::filesystem::path& adapters,
+                             const AdapterAddress& address)
+    : m_files(files), m_address(address), m_path(adapters / toFolderName(address)) {}
+
+AdapterDescription AdapterFolder::description() const {
+  return parse(descriptionText());
+}
+
+bool AdapterFolder::hasDescription() const {
+  try {
+    return m_files.exists(descriptionPath());
+  } catch (const FileFault& fault) {
+    throw FlashFault(FlashError::InputOutput, fault.what());
+  }
+}
+
+FileBytes AdapterFolder::flash() const {
+  try {
+    return m_files.read(flashPath(), kMaxFlash);
+  } catch (const FileFault& fault) {
+    if (fault.isMissingFile()) {
+      return {};
+    }
+    throw FlashFault(FlashError::InputOutput, fault.what());
+  }
+}
+
+void AdapterFolder::storeBootType(std::uint8_t function, BootType bootType) const {
+  changeDescription(
+      [&](const std::string& text) { return withBootType(text, function, bootType); });
+}
+
+void AdapterFolder::storeCapabilityWord(std::uint32_t word) const {
+  changeDescription([&](const std::string& text) { return withCapabilityWord(text, word); });
+}
+
+template <class Change>
+void AdapterFolder::changeDescription(Change change) const {
+  const std::string text = descriptionText();
+  static_cast<void>(parse(text));
+  const std::string changed = change(text);
+  try {
+    replaceContent(m_files, descriptionPath(),
+                   {reinterpret_cast<const std::uint8_t*>(changed.data()), changed.size()});
+  } catch (const FileFault& fault) {
+    throw FlashFault(FlashError::InputOutput, fault.what());
+  }
+}
+
+std::string AdapterFolder::descriptionText() const {
+  try {
+    const FileBytes content = m_files.read(descriptionPath(), kMaxDescription);
+    return std::string(content.view().begin(), content.view().end());
+  } catch (const FileFault& fault) {
+    if (fault.isMissingFile()) {
+      throw FlashFault(FlashError::UnknownAdapter, toString(m_address) + " (" + fault.what() + ")");
+    }
+    throw FlashFault(FlashError::InputOutput, fault.what());
+  }
+}
+
+AdapterDescription AdapterFolder::parse(const std::string& text) const {
+  try {
+    AdapterDescription description = parseDescription(text);
+    if (description.pci != m_address) {
+      throw DescriptionFault("field pci: is " + toString(description.pci) + ", but the folder is " +
+                             toString(m_address) + "'s");
+    }
+    return description;
+  } catch (const DescriptionFault& fault) {
+    throw FlashFault(FlashError::InvalidDescription,
+                     descriptionPath().string() + ": " + fault.what());
+  }
+}
+
+}  // namespace ma

@@ -1,0 +1,33 @@
+#include "midapi/FileSystem.h"
+
+#include <cstdlib>
+
+namespace ma {
+
+FileFault::FileFault(const std::string& operation, const std::filesystem::path& path,
+                     std::error_code code)
+    : m_code(code), m_text("cannot " + operation + " " + path.string() + ": " + code.message()) {}
+
+bool FileFault::isMissingFile() const {
+  return m_code == std::errc::no_such_file_or_directory;
+}
+
+std::filesystem::path adaptersDirectory() {
+  const char* configured = std::getenv("ORVEX_ADAPTERS");
+  return configured != nullptr && *configured != '\0' ? std::filesystem::path(configured)
+                                                      : defaultAdaptersDirectory();
+}
+
+void replaceContent(FileSystem& files, const std::filesystem::path& path, ConstBytes content) {
+  std::filesystem::path temporaryName = path;
+  temporaryName += ".new";
+  TemporaryPath temporary(files, temporaryName);
+  const auto file = files.create(temporary.path());
+  file->append(content);
+  file->sync();
+  file->close();
+  files.replace(temporary.path(), path);
+  temporary.keep();
+}
+
+}  // namespace ma

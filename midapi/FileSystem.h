@@ -1,0 +1,140 @@
+// The files that the virtual adapters live in, behind an interface so that tests can count and fail
+// its operations.
+//
+// A file system keeps no state: any thread may call it, and what two callers do to one path is up
+// to them. Failures are thrown as FileFault.
+
+#ifndef ORVEX_MIDAPI_FILESYSTEM_H_
+#define ORVEX_MIDAPI_FILESYSTEM_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <exception>
+#include <filesystem>
+#include <memory>
+#include <span>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+namespace ma {
+
+using ConstBytes = std::span<const std::uint8_t>;
+
+// A file operation that failed. what() is for example
+// "cannot read /var/lib/orvex/adapters/0000-03-00/flash.rom: Permission denied".
+class FileFault final : public std::exception {
+ public:
+  FileFault(const std::string& operation, const std::filesystem::path& path, std::error_code code);
+
+  [[nodiscard]] const char* what() const noexcept override { return m_text.c_str(); }
+  [[nodiscard]] bool isMissingFile() const;
+
+ private:
+  std::error_code m_code;
+  std::string m_text;
+};
+
+// The content of a file. Movable; not initialised before it is filled, for megabytes are read
+// often.
+class FileBytes {
+ public:
+  FileBytes() = default;
+  explicit FileBytes(std::size_t size)
+      : m_data(std::make_unique_for_overwrite<std::uint8_t[]>(size)), m_size(size) {}
+
+  [[nodiscard]] std::span<std::uint8_t> writable() { return {m_data.get(), m_size}; }
+  [[nodiscard]] ConstBytes view() const { return {m_data.get(), m_size}; }
+  // Drops what lies behind the first `size` bytes.
+  void shorten(std::size_t size) { m_size = size; }
+
+ private:
+  std::unique_ptr<std::uint8_t[]> m_data;
+  std::size_t m_size = 0;
+};
+
+// A file being written from its start; closed by close() or, without a report, by its destructor.
+class WritableFile {
+ public:
+  WritableFile() = default;
+  WritableFile(const WritableFile&) = delete;
+  WritableFile& operator=(const WritableFile&) = delete;
+  virtual ~WritableFile() = default;
+
+  virtual void append(ConstBytes bytes) = 0;
+  // Returns when what was appended has reached the disk.
+  virtual void sync() = 0;
+  virtual void close() = 0;
+};
+
+class FileSystem {
+ public:
+  FileSystem() = default;
+  FileSystem(const FileSystem&) = delete;
+  FileSystem& operator=(const FileSystem&) = delete;
+  virtual ~FileSystem() = default;
+
+  // Returns the whole content; refuses anything but a regular file, and files above `maxSize`.
+  [[nodiscard]] virtual FileBytes read(const std::filesystem::path& path, std::size_t maxSize) = 0;
+
+  // Returns the names of the folders in a folder, in no order.
+  [[nodiscard]] virtual std::vector<std::string> folders(const std::filesystem::path& path) = 0;
+
+  [[nodiscard]] virtual bool exists(const std::filesystem::path& path) = 0;
+
+  // Creates a file, or empties the one that is there.
+  [[nodiscard]] virtual std::unique_ptr<WritableFile> create(const std::filesystem::path& path) = 0;
+
+  // Puts `from` in the place of `to`, a file or folder in the same folder, in one step that a crash
+  // cannot divide; returns when the disk knows it. A folder replaces only nothing or an empty one.
+  virtual void replace(const std::filesystem::path& from, const std::filesystem::path& to) = 0;
+
+  // Creates one folder that must not exist, or a folder with all its parents where they are
+  // missing.
+  virtual void createFolder(const std::filesystem::path& path) = 0;
+  virtual void createFolders(const std::filesystem::path& path) = 0;
+
+  // Removes a file or a folder with its content as far as possible; for tidying up after a failure.
+  virtual void removeQuietly(const std::filesystem::path& path) noexcept = 0;
+};
+
+// Returns the file system of the machine. Defined per platform; lives as long as the process.
+[[nodiscard]] FileSystem& nativeFileSystem();
+
+// Returns the adapters directory: the environment's ORVEX_ADAPTERS, read at each call, or where the
+// platform keeps such data (/var/lib/orvex/adapters on POSIX).
+[[nodiscard]] std::filesystem::path adaptersDirectory();
+
+// Defined per platform.
+[[nodiscard]] std::filesystem::path defaultAdaptersDirectory();
+
+// Gives a file another content such that any reader, and the disk after a crash, sees the old one
+// or the new one. Goes through `path` with ".new" behind it.
+void replaceContent(FileSystem& files, const std::filesystem::path& path, ConstBytes content);
+
+// Removes a temporary file or folder at the end of its scope, unless it was kept.
+class TemporaryPath {
+ public:
+  TemporaryPath(FileSystem& files, std::filesystem::path path)
+      : m_files(files), m_path(std::move(path)) {}
+  TemporaryPath(const TemporaryPath&) = delete;
+  TemporaryPath& operator=(const TemporaryPath&) = delete;
+  ~TemporaryPath() {
+    if (!m_kept) {
+      m_files.removeQuietly(m_path);
+    }
+  }
+
+  [[nodiscard]] const std::filesystem::path& path() const { return m_path; }
+  void keep() { m_kept = true; }
+
+ private:
+  FileSystem& m_files;
+  std::filesystem::path m_path;
+  bool m_kept = false;
+};
+
+}  // namespace ma
+
+#endif  // ORVEX_MIDAPI_FILESYSTEM_H_

@@ -1,0 +1,132 @@
+#include "midapi/FlashWrite.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <thread>
+
+#include "midapi/Hex.h"
+
+namespace ma {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::uint64_t kMaxBlock = 64 * 1024;
+constexpr std::uint64_t kStepsPerSecond = 20;
+constexpr std::chrono::milliseconds kHangPoll{50};
+
+std::size_t blockSizeAt(std::uint64_t rate) {
+  return static_cast<std::size_t>(
+      rate == 0 ? kMaxBlock : std::clamp<std::uint64_t>(rate / kStepsPerSecond, 1, kMaxBlock));
+}
+
+}  // namespace
+
+FlashWrite::FlashWrite(FileSystem& files, const AdapterFolder& folder,
+                       const AdapterDescription& description, ConstBytes image,
+                       WriteProgress& progress)
+    : m_files(files),
+      m_folder(folder),
+      m_description(description),
+      m_image(image),
+      m_progress(progress) {}
+
+void FlashWrite::run() {
+  try {
+    std::filesystem::path name = m_folder.flashPath();
+    name += ".new";
+    TemporaryPath temporary(m_files, name);
+    const auto file = m_files.create(temporary.path());
+    writeTo(*file);
+    file->sync();
+    file->close();
+    compare(temporary.path());
+    m_files.replace(temporary.path(), m_folder.flashPath());
+    temporary.keep();
+  } catch (const FileFault& fault) {
+    throw FlashFault(FlashError::InputOutput, fault.what());
+  }
+  m_progress.complete();
+}
+
+std::vector<FlashWrite::Stop> FlashWrite::stops() const {
+  std::vector<Stop> stops;
+  if (m_description.hangAtPercent) {
+    stops.push_back({offsetAt(*m_description.hangAtPercent), true});
+  }
+  if (m_description.writeFault) {
+    stops.push_back({offsetAt(m_description.writeFault->atPercent), false});
+  }
+  std::stable_sort(stops.begin(), stops.end(),
+                   [](const Stop& a, const Stop& b) { return a.offset < b.offset; });
+  return stops;
+}
+
+// The first offset at which the progress shows the percentage.
+std::size_t FlashWrite::offsetAt(std::uint32_t percent) const {
+  const std::uint64_t parts = WriteProgress::kComplete;
+  return static_cast<std::size_t>((std::uint64_t{m_image.size()} * percent + parts - 1) / parts);
+}
+
+void FlashWrite::writeTo(WritableFile& file) {
+  m_start = Clock::now();
+  for (const Stop& stop : stops()) {
+    writeUpTo(file, stop.offset);
+    if (!stop.isHang) {
+      throw FlashFault(m_description.writeFault->fault.code, m_description.writeFault->fault.text);
+    }
+    hang();
+  }
+  writeUpTo(file, m_image.size());
+}
+
+void FlashWrite::writeUpTo(WritableFile& file, std::size_t end) {
+  const std::size_t blockSize = blockSizeAt(m_description.writeRate);
+  while (m_written < end) {
+    const std::size_t count = std::min(blockSize, end - m_written);
+    file.append(m_image.subspan(m_written, count));
+    m_written += count;
+    waitForTurn();
+    m_progress.advance(m_written, m_image.size());
+  }
+}
+
+// Waits until a device of the adapter's write rate would have taken what is written.
+void FlashWrite::waitForTurn() {
+  if (m_description.writeRate != 0) {
+    const std::chrono::duration<double> due(static_cast<double>(m_written) /
+                                            static_cast<double>(m_description.writeRate));
+    std::this_thread::sleep_until(m_start + std::chrono::duration_cast<Clock::duration>(due));
+  }
+}
+
+// Waits until the description asks for no hang any more. One that cannot be read is being edited.
+void FlashWrite::hang() {
+  const auto begin = Clock::now();
+  const auto isHeld = [this] {
+    try {
+      return m_folder.description().hangAtPercent.has_value();
+    } catch (const FlashFault&) {
+      return m_folder.hasDescription();
+    }
+  };
+  while (isHeld()) {
+    std::this_thread::sleep_for(kHangPoll);
+  }
+  m_start += Clock::now() - begin;
+}
+
+void FlashWrite::compare(const std::filesystem::path& written) {
+  const FileBytes content = m_files.read(written, m_image.size());
+  const ConstBytes found = content.view();
+  const auto [different, expected] =
+      std::mismatch(found.begin(), found.end(), m_image.begin(), m_image.end());
+  if (different != found.end() || expected != m_image.end()) {
+    throw FlashFault(FlashError::CompareMismatch,
+                     written.string() + " differs from the image at 0x" +
+                         hexText(static_cast<std::uint64_t>(different - found.begin()), 2));
+  }
+}
+
+}  // namespace ma

@@ -1,0 +1,61 @@
+// One write of a virtual adapter's flash: paced, watched, failing on demand, and all or nothing.
+
+#ifndef ORVEX_MIDAPI_FLASHWRITE_H_
+#define ORVEX_MIDAPI_FLASHWRITE_H_
+
+#include <chrono>
+#include <cstddef>
+#include <filesystem>
+#include <vector>
+
+#include "midapi/AdapterDescription.h"
+#include "midapi/AdapterFolder.h"
+#include "midapi/FileSystem.h"
+#include "midapi/WriteProgress.h"
+
+namespace ma {
+
+// Writes an image beside the adapter's flash, then puts it in its place. Used by one thread, once.
+//
+// The image goes to a temporary file in blocks that are small enough for twenty steps a second; the
+// file is read back and compared before it replaces the flash. The progress stands at 99 at the
+// most until that is done. A temporary file that a killed process left is overwritten.
+class FlashWrite {
+ public:
+  // Referents outlive the write. `image` is not empty.
+  FlashWrite(FileSystem& files, const AdapterFolder& folder, const AdapterDescription& description,
+             ConstBytes image, WriteProgress& progress);
+
+  // Throws FlashFault, and then the flash is as before; only when the disk cannot confirm the
+  // replacement it may already be the new one.
+  void run();
+
+ private:
+  // Where the write stops on its way, because the description asks for it.
+  struct Stop {
+    std::size_t offset;
+    bool isHang;
+  };
+
+  [[nodiscard]] std::vector<Stop> stops() const;
+  [[nodiscard]] std::size_t offsetAt(std::uint32_t percent) const;
+  void writeTo(WritableFile& file);
+  void writeUpTo(WritableFile& file, std::size_t end);
+  void waitForTurn();
+  void hang();
+  void compare(const std::filesystem::path& written);
+
+  FileSystem& m_files;
+  const AdapterFolder& m_folder;
+  const AdapterDescription& m_description;
+  ConstBytes m_image;
+  WriteProgress& m_progress;
+
+  std::size_t m_written = 0;
+  // When the first byte would have been due, had the write never hung.
+  std::chrono::steady_clock::time_point m_start;
+};
+
+}  // namespace ma
+
+#endif  // ORVEX_MIDAPI_FLASHWRITE_H_

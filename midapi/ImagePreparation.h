@@ -1,0 +1,53 @@
+// The checks of an image file against an adapter, and the image that is to be written.
+//
+// Pure: works on parsed chains and on what the back end knows of the adapter. Throws nothing but
+// std::bad_alloc.
+
+#ifndef ORVEX_MIDAPI_IMAGEPREPARATION_H_
+#define ORVEX_MIDAPI_IMAGEPREPARATION_H_
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "Utils/FirmwareTypes.h"
+#include "midapi/FlashBackend.h"
+#include "midapi/MidApi.h"
+#include "midapi/OptionRom.h"
+
+namespace ma {
+
+// Returns whether the library counts an image as firmware of the adapter: it is for its vendor and
+// device and of a known type.
+[[nodiscard]] bool isFirmwareOf(const AdapterFacts& adapter, const OptionRomImage& image);
+
+// Returns the status of the checks that need no look into the flash: NotForAdapter, NotUpdatable,
+// or Ok. `file` is a valid chain.
+[[nodiscard]] PrepareStatus checkAdapter(const RomChain& file, const AdapterFacts& adapter);
+
+// Which images of a file are to be written, in file order, and Ok, TypesDiffer or Downgrade.
+struct ImageSelection {
+  PrepareStatus status = PrepareStatus::Ok;
+  std::vector<const OptionRomImage*> images;
+};
+
+// Selects the images of the requested types that are for the adapter, or all images when no types
+// are requested, and compares types and versions with those in the flash. An installed chain with a
+// defect holds nothing. Where the flash or the file has several images of one type, the first is
+// compared with the first, and so on; surplus images with the last installed one.
+// The selection points into `file`.
+[[nodiscard]] ImageSelection selectImages(const RomChain& file, const RomChain& installed,
+                                          const AdapterFacts& adapter,
+                                          const std::vector<utils::FirmwareType>& types);
+
+// Copies the selected images to the start of `buffer`, with the last-image bit on the last of them.
+// Returns the number of bytes filled; nullopt when the buffer is too small or the byte sum of an
+// image cannot be put right.
+[[nodiscard]] std::optional<std::uint32_t> copyImages(
+    RomBytes file, const std::vector<const OptionRomImage*>& images,
+    std::span<std::uint8_t> buffer);
+
+}  // namespace ma
+
+#endif  // ORVEX_MIDAPI_IMAGEPREPARATION_H_

@@ -1,0 +1,193 @@
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+#include "midapi/FileSystem.h"
+
+namespace ma {
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void fail(const char* operation, const fs::path& path, int error) {
+  throw FileFault(operation, path, std::error_code(error, std::generic_category()));
+}
+
+// Repeats a system call for as long as signals interrupt it.
+template <class Call>
+auto retry(Call call) {
+  auto result = call();
+  while (result < 0 && errno == EINTR) {
+    result = call();
+  }
+  return result;
+}
+
+class Descriptor {
+ public:
+  Descriptor(const char* operation, const fs::path& path, int flags)
+      : m_number(retry([&] { return ::open(path.c_str(), flags | O_CLOEXEC, 0644); })) {
+    if (m_number < 0) {
+      fail(operation, path, errno);
+    }
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  ~Descriptor() {
+    if (m_number >= 0) {
+      ::close(m_number);
+    }
+  }
+
+  [[nodiscard]] int number() const { return m_number; }
+  // Gives the descriptor up; the number is free again even where the system reports a failure.
+  [[nodiscard]] int close() { return ::close(std::exchange(m_number, -1)); }
+
+ private:
+  int m_number;
+};
+
+class PosixWritableFile final : public WritableFile {
+ public:
+  explicit PosixWritableFile(const fs::path& path)
+      : m_path(path), m_descriptor("create", path, O_WRONLY | O_CREAT | O_TRUNC) {}
+
+  void append(ConstBytes bytes) override {
+    while (!bytes.empty()) {
+      const ssize_t written =
+          retry([&] { return ::write(m_descriptor.number(), bytes.data(), bytes.size()); });
+      if (written < 0) {
+        fail("write", m_path, errno);
+      }
+      bytes = bytes.subspan(static_cast<std::size_t>(written));
+    }
+  }
+
+  void sync() override {
+    if (retry([&] { return ::fsync(m_descriptor.number()); }) != 0) {
+      fail("write", m_path, errno);
+    }
+  }
+
+  void close() override {
+    if (m_descriptor.close() != 0 && errno != EINTR) {
+      fail("write", m_path, errno);
+    }
+  }
+
+ private:
+  fs::path m_path;
+  Descriptor m_descriptor;
+};
+
+void syncFolder(const fs::path& path) {
+  const Descriptor folder("open", path, O_RDONLY | O_DIRECTORY);
+  if (retry([&] { return ::fsync(folder.number()); }) != 0) {
+    fail("write", path, errno);
+  }
+}
+
+class PosixFileSystem final : public FileSystem {
+ public:
+  FileBytes read(const fs::path& path, std::size_t maxSize) override {
+    // Without O_NONBLOCK, opening a FIFO that was put in the place of a file would wait for ever.
+    const Descriptor file("read", path, O_RDONLY | O_NONBLOCK);
+    struct stat state {};
+    if (::fstat(file.number(), &state) != 0) {
+      fail("read", path, errno);
+    }
+    if (!S_ISREG(state.st_mode)) {
+      fail("read", path, S_ISDIR(state.st_mode) ? EISDIR : EINVAL);
+    }
+    if (static_cast<std::uintmax_t>(state.st_size) > maxSize) {
+      fail("read", path, EFBIG);
+    }
+    FileBytes content(static_cast<std::size_t>(state.st_size));
+    std::span<std::uint8_t> rest = content.writable();
+    while (!rest.empty()) {
+      const ssize_t count = retry([&] { return ::read(file.number(), rest.data(), rest.size()); });
+      if (count < 0) {
+        fail("read", path, errno);
+      }
+      if (count == 0) {
+        break;
+      }
+      rest = rest.subspan(static_cast<std::size_t>(count));
+    }
+    content.shorten(content.view().size() - rest.size());
+    return content;
+  }
+
+  std::vector<std::string> folders(const fs::path& path) override {
+    std::vector<std::string> names;
+    std::error_code error;
+    fs::directory_iterator entry(path, error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+      std::error_code gone;
+      if (entry->is_directory(gone)) {
+        names.push_back(entry->path().filename().string());
+      }
+    }
+    if (error) {
+      throw FileFault("read", path, error);
+    }
+    return names;
+  }
+
+  bool exists(const fs::path& path) override {
+    std::error_code error;
+    const fs::file_status status = fs::symlink_status(path, error);
+    if (status.type() == fs::file_type::none) {
+      throw FileFault("look up", path, error);
+    }
+    return fs::exists(status);
+  }
+
+  std::unique_ptr<WritableFile> create(const fs::path& path) override {
+    return std::make_unique<PosixWritableFile>(path);
+  }
+
+  void replace(const fs::path& from, const fs::path& to) override {
+    std::error_code error;
+    fs::rename(from, to, error);
+    if (error) {
+      throw FileFault("replace", to, error);
+    }
+    syncFolder(to.parent_path());
+  }
+
+  void createFolder(const fs::path& path) override {
+    if (::mkdir(path.c_str(), 0755) != 0) {
+      fail("create", path, errno);
+    }
+  }
+
+  void createFolders(const fs::path& path) override {
+    std::error_code error;
+    fs::create_directories(path, error);
+    if (error) {
+      throw FileFault("create", path, error);
+    }
+  }
+
+  void removeQuietly(const fs::path& path) noexcept override {
+    std::error_code ignored;
+    fs::remove_all(path, ignored);
+  }
+};
+
+}  // namespace
+
+FileSystem& nativeFileSystem() {
+  static PosixFileSystem files;
+  return files;
+}
+
+fs::path defaultAdaptersDirectory() {
+  return "/var/lib/orvex/adapters";
+}
+
+}  // namespace ma

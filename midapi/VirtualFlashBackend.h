@@ -1,0 +1,49 @@
+// The back end of virtual adapters: folders with a description and a flash file, see
+// AdapterDescription.h. An adapter is found by its folder's name, never by a search.
+
+#ifndef ORVEX_MIDAPI_VIRTUALFLASHBACKEND_H_
+#define ORVEX_MIDAPI_VIRTUALFLASHBACKEND_H_
+
+#include <filesystem>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "midapi/AdapterFolder.h"
+#include "midapi/FlashBackend.h"
+
+namespace ma {
+
+class VirtualFlashBackend final : public FlashBackend {
+ public:
+  // `directory` gives the adapters directory and is asked at each operation. A directory that does
+  // not exist holds no adapters.
+  VirtualFlashBackend(FileSystem& files, std::function<std::filesystem::path()> directory);
+
+  // FlashBackend
+  utils::StringArray enumerateAdapters() override;
+  AdapterFacts facts(const PortId& port) override;
+  FileBytes readFlash(const PortId& port) override;
+  void setBootType(const PortId& port, BootType bootType) override;
+  void writeFlash(const PortId& port, ConstBytes image, WriteProgress& progress) override;
+  void setCapabilityWord(const PortId& port, std::uint32_t word) override;
+
+ private:
+  [[nodiscard]] AdapterFolder folderOf(const PortId& port) const;
+
+  FileSystem& m_files;
+  const std::function<std::filesystem::path()> m_directory;
+  // Held while a description is changed, so that no change is lost to another one.
+  std::mutex m_descriptionMutex;
+};
+
+// Returns the addresses of all adapter folders in a directory, in ascending order; none when the
+// directory does not exist. Throws FlashFault. `strangers` takes the names of other folders.
+[[nodiscard]] std::vector<AdapterAddress> listAdapterFolders(
+    FileSystem& files, const std::filesystem::path& directory,
+    std::vector<std::string>* strangers = nullptr);
+
+}  // namespace ma
+
+#endif  // ORVEX_MIDAPI_VIRTUALFLASHBACKEND_H_

@@ -1,0 +1,144 @@
+#include <gmock/gmock.h>
+
+#include "midapi/FileSystem.h"
+#include "tests/midapi/WatchedFileSystem.h"
+#include "tests/support/TempDirectory.h"
+
+namespace ma {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+using test::TempDirectory;
+using test::WatchedFileSystem;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+constexpr std::size_t kNoLimit = ~std::size_t{0};
+
+std::string textOf(const FileBytes& bytes) {
+  return std::string(bytes.view().begin(), bytes.view().end());
+}
+
+template <class Operation>
+std::string faultOf(Operation operation) {
+  try {
+    operation();
+  } catch (const FileFault& fault) {
+    return fault.what();
+  }
+  return "no fault";
+}
+
+class FileSystemTest : public testing::Test {
+ protected:
+  FileSystem& files() { return nativeFileSystem(); }
+  std::string readFault(const std::filesystem::path& path, std::size_t limit = kNoLimit) {
+    return faultOf([&] { static_cast<void>(files().read(path, limit)); });
+  }
+
+  TempDirectory m_directory;
+};
+
+TEST_F(FileSystemTest, ReadsWholeFiles) {
+  const auto path = m_directory.write("file", std::string(200000, 'x') + "end");
+  EXPECT_EQ(textOf(files().read(path, kNoLimit)), std::string(200000, 'x') + "end");
+  EXPECT_THAT(textOf(files().read(m_directory.write("empty", std::string()), 0)), IsEmpty());
+}
+
+TEST_F(FileSystemTest, NamesTheFileAndTheReasonThatItCannotRead) {
+  const auto missing = m_directory.path() / "missing";
+  EXPECT_EQ(readFault(missing), "cannot read " + missing.string() + ": No such file or directory");
+  EXPECT_THAT(readFault(m_directory.path()), HasSubstr("Is a directory"));
+  EXPECT_THAT(readFault(m_directory.write("large", std::string(11, 'x')), 10),
+              HasSubstr("File too large"));
+}
+
+TEST_F(FileSystemTest, TellsMissingFilesFromOtherFaults) {
+  const auto isMissing = [&](const std::filesystem::path& path) {
+    try {
+      static_cast<void>(files().read(path, kNoLimit));
+    } catch (const FileFault& fault) {
+      return fault.isMissingFile();
+    }
+    return false;
+  };
+  EXPECT_TRUE(isMissing(m_directory.path() / "missing"));
+  EXPECT_FALSE(isMissing(m_directory.path()));
+}
+
+TEST_F(FileSystemTest, EmptiesTheFileThatItCreatesAnew) {
+  const auto path = m_directory.write("file", std::string("a longer old content"));
+  const auto file = files().create(path);
+  const std::string content = "new";
+  file->append({reinterpret_cast<const std::uint8_t*>(content.data()), content.size()});
+  file->sync();
+  file->close();
+  EXPECT_EQ(test::readText(path), "new");
+}
+
+TEST_F(FileSystemTest, ListsFoldersButNoFiles) {
+  m_directory.write("one/file", std::string());
+  m_directory.write("two/file", std::string());
+  m_directory.write("file", std::string());
+  EXPECT_THAT(files().folders(m_directory.path()), UnorderedElementsAre("one", "two"));
+  EXPECT_THAT(faultOf([&] { static_cast<void>(files().folders(m_directory.path() / "none")); }),
+              HasSubstr("cannot read"));
+}
+
+TEST_F(FileSystemTest, DoesNotPutAFolderInThePlaceOfAFilledOne) {
+  m_directory.write("filled/file", std::string());
+  m_directory.write("new/file", std::string());
+  EXPECT_THAT(
+      faultOf([&] { files().replace(m_directory.path() / "new", m_directory.path() / "filled"); }),
+      HasSubstr("cannot replace"));
+}
+
+TEST_F(FileSystemTest, CreatesFoldersOnceOrWithTheirParents) {
+  const auto nested = m_directory.path() / "a" / "b";
+  EXPECT_THAT(faultOf([&] { files().createFolder(nested); }), HasSubstr("cannot create"));
+  files().createFolders(nested);
+  files().createFolders(nested);
+  EXPECT_TRUE(files().exists(nested));
+  EXPECT_THAT(faultOf([&] { files().createFolder(nested); }), HasSubstr("File exists"));
+}
+
+TEST_F(FileSystemTest, RemovesFoldersWithTheirContentAndMindsNothing) {
+  m_directory.write("a/b/file", std::string());
+  files().removeQuietly(m_directory.path() / "a");
+  files().removeQuietly(m_directory.path() / "a");
+  EXPECT_FALSE(files().exists(m_directory.path() / "a"));
+}
+
+class ReplaceContent : public testing::Test {
+ protected:
+  std::string replaceFault() {
+    return faultOf([&] { replaceContent(m_files, m_path, Bytes(3, 'n')); });
+  }
+  bool hasTemporary() const { return std::filesystem::exists(m_path.string() + ".new"); }
+
+  TempDirectory m_directory;
+  WatchedFileSystem m_files;
+  std::filesystem::path m_path = m_directory.write("file", std::string("old"));
+};
+
+TEST_F(ReplaceContent, LeavesTheNewContentAndNoTemporary) {
+  EXPECT_EQ(replaceFault(), "no fault");
+  EXPECT_EQ(test::readText(m_path), "nnn");
+  EXPECT_FALSE(hasTemporary());
+}
+
+TEST_F(ReplaceContent, LeavesTheOldContentWhenItFails) {
+  m_files.beforeReplace = [&] { WatchedFileSystem::failAsFullDisk("replace", m_path); };
+  EXPECT_THAT(replaceFault(), HasSubstr("No space left"));
+  EXPECT_EQ(test::readText(m_path), "old");
+  EXPECT_FALSE(hasTemporary());
+}
+
+TEST_F(ReplaceContent, ShowsReadersTheOldContentUntilTheLastMoment) {
+  m_files.beforeReplace = [&] { EXPECT_EQ(test::readText(m_path), "old"); };
+  EXPECT_EQ(replaceFault(), "no fault");
+}
+
+}  // namespace
+}  // namespace ma

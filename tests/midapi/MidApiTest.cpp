@@ -1,0 +1,344 @@
+// The flash library as its callers see it: linked from the shared library, through ma:: alone.
+
+#include <chrono>
+#include <future>
+#include <gmock/gmock.h>
+#include <set>
+#include <thread>
+
+#include "midapi/MidApi.h"
+#include "tests/midapi/AdapterFixture.h"
+#include "tests/midapi/AdaptersVariable.h"
+#include "tests/midapi/RealRoms.h"
+#include "tests/support/RomBuilder.h"
+#include "tests/support/RomParser.h"
+
+namespace ma {
+namespace {
+
+using test::Bytes;
+using test::RomBuilder;
+using test::RomDamage;
+using test::RomImage;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using utils::FirmwareType;
+using utils::FirmwareVersionInfo;
+
+constexpr const char* kPci = "0000:03:00";
+constexpr const char* kPort = "0000:03:00.0";
+constexpr const char* kSibling = "0000:03:00.1";
+
+RomImage pxe(std::uint8_t version) {
+  return RomImage::legacy().version(version, 0).seed(version);
+}
+RomImage uefi(std::uint8_t version) {
+  return RomImage::efi().version(version, 0).seed(version);
+}
+RomImage iscsi(std::uint8_t version) {
+  return pxe(version).product("Maker iSCSI");
+}
+
+// Adapter 0000:03:00 holds PXE 2.0 and UEFI 2.0.
+class MidApi : public testing::Test {
+ protected:
+  MidApi() { m_adapters.makeAdapter(kPci, RomBuilder().add(pxe(2)).add(uefi(2)).build()); }
+
+  PrepareStatus prepare(const Bytes& file, const std::vector<FirmwareType>& types = {},
+                        const char* port = kPort) {
+    return prepareInto(file.size(), file, types, port);
+  }
+  PrepareStatus prepareInto(std::size_t bufferSize, const Bytes& file,
+                            const std::vector<FirmwareType>& types = {}, const char* port = kPort) {
+    m_image.assign(bufferSize, 0xEE);
+    auto size = static_cast<std::uint32_t>(bufferSize);
+    const PrepareStatus status = prepareFlashImage(
+        port, file.data(), static_cast<std::uint32_t>(file.size()), m_image.data(), size, types);
+    m_image.resize(size);
+    return status;
+  }
+  PrepareStatus prepare(const RomBuilder& file, const std::vector<FirmwareType>& types = {}) {
+    return prepare(file.build(), types);
+  }
+  bool write(const Bytes& image, const std::string& port = kPort) {
+    m_code = 12345;
+    m_text = "unset";
+    return writeFlashImage(port, image.data(), static_cast<std::uint32_t>(image.size()), m_code,
+                           m_text);
+  }
+  bool updateWord(const std::vector<FirmwareType>& types, const std::string& port = kPort) {
+    m_code = 12345;
+    m_text = "unset";
+    return updateCapabilityWord(port, types, m_code, m_text);
+  }
+  std::vector<FirmwareVersionInfo> installed(const std::string& port = kPort) {
+    std::vector<FirmwareVersionInfo> versions(7);
+    getAdapterFirmwareVersion(port, versions);
+    return versions;
+  }
+  unsigned long word() { return std::stoul(m_adapters.get(kPci, "/capabilityWord")); }
+
+  test::AdapterFixture m_adapters;
+  test::AdaptersVariable m_variable{m_adapters.directory()};
+  Bytes m_image;
+  std::uint32_t m_code = 0;
+  std::string m_text;
+};
+
+TEST_F(MidApi, FollowsTheEnvironmentAtEachCall) {
+  EXPECT_THAT(enumerateAdapters(), ElementsAre(kPort, kSibling));
+  {
+    const test::AdaptersVariable elsewhere(m_adapters.directory() / "none");
+    EXPECT_THAT(enumerateAdapters(), IsEmpty());
+    EXPECT_FALSE(getCanBeUpdated(kPort));
+  }
+  EXPECT_THAT(enumerateAdapters(), ElementsAre(kPort, kSibling));
+}
+
+TEST_F(MidApi, AnswersWithoutAdaptersWhereTheDirectoryIsAFile) {
+  const test::AdaptersVariable file(m_adapters.folder(kPci) / "flash.rom");
+  EXPECT_THAT(enumerateAdapters(), IsEmpty());
+  EXPECT_THAT(installed(), IsEmpty());
+}
+
+TEST_F(MidApi, TellsWhatIsInstalledInFlashOrder) {
+  EXPECT_THAT(installed(), ElementsAre(FirmwareVersionInfo{FirmwareType::Pxe, {2, 0}},
+                                       FirmwareVersionInfo{FirmwareType::Uefi, {2, 0}}));
+  EXPECT_EQ(installed(kSibling), installed());
+}
+
+TEST_F(MidApi, TellsNothingInstalledOnUnknownAdaptersAndInvalidFlash) {
+  EXPECT_THAT(installed("0000:09:00.0"), IsEmpty());
+  EXPECT_THAT(installed("0000:03:00.7"), IsEmpty());
+  EXPECT_THAT(installed("nonsense"), IsEmpty());
+  m_adapters.makeAdapter(kPci, RomBuilder().add(pxe(1)).damage(0, RomDamage::ByteSum).build());
+  EXPECT_THAT(installed(), IsEmpty());
+}
+
+TEST_F(MidApi, LeavesImagesOfOtherDevicesAndUnknownTypesOutOfTheInstalledOnes) {
+  m_adapters.makeAdapter(kPci, RomBuilder()
+                                   .add(uefi(1).device(0x10EC, 0x8139))
+                                   .add(RomImage::ofCodeType(1))
+                                   .add(iscsi(3))
+                                   .build());
+  EXPECT_THAT(installed(), ElementsAre(FirmwareVersionInfo{FirmwareType::Iscsi, {3, 0}}));
+}
+
+TEST_F(MidApi, TakesPciAddressesFromIdentifiers) {
+  EXPECT_EQ(getPCIAddress("0000:af:1f.7"), (utils::PCIAddr{0xAF, 0x1F, 7}));
+  EXPECT_EQ(getPCIAddress("0000:AF:1f.7"), utils::PCIAddr{});
+  EXPECT_EQ(getPCIAddress(""), utils::PCIAddr{});
+}
+
+TEST_F(MidApi, TellsWhetherAnAdapterCanBeUpdated) {
+  EXPECT_TRUE(getCanBeUpdated(kPort));
+  m_adapters.set(kPci, "/updatable", "false");
+  EXPECT_FALSE(getCanBeUpdated(kPort));
+  EXPECT_FALSE(getCanBeUpdated("0000:09:00.0"));
+}
+
+TEST_F(MidApi, SetsTheBootTypeOfOnePort) {
+  EXPECT_TRUE(setBootType(kSibling, BootType::Iscsi));
+  EXPECT_EQ(m_adapters.get(kPci, "/ports/1/bootType"), "2");
+  EXPECT_EQ(m_adapters.get(kPci, "/ports/0/bootType"), "1");
+  EXPECT_FALSE(setBootType("0000:03:00.5", BootType::Pxe));
+  EXPECT_FALSE(setBootType("0000:09:00.0", BootType::Pxe));
+  EXPECT_FALSE(setBootType(kPort, static_cast<BootType>(5)));
+}
+
+TEST_F(MidApi, ChecksInItsOrder) {
+  const Bytes foreign = RomBuilder().add(pxe(1).device(0x10EC, 0x8139)).build();
+  m_adapters.set(kPci, "/updatable", "false");
+  EXPECT_EQ(prepare(Bytes(100, 'x'), {}, "0000:09:00.0"), PrepareStatus::InvalidImage);
+  EXPECT_EQ(prepare(foreign, {}, "0000:09:00.0"), PrepareStatus::InternalFault);
+  EXPECT_EQ(prepare(foreign, {FirmwareType::Clp}), PrepareStatus::NotForAdapter);
+  EXPECT_EQ(prepare(RomBuilder().add(pxe(1)), {FirmwareType::Clp}), PrepareStatus::NotUpdatable);
+  EXPECT_THAT(m_image, IsEmpty());
+  m_adapters.set(kPci, "/updatable", "true");
+  EXPECT_EQ(prepare(RomBuilder().add(pxe(1)), {FirmwareType::Pxe, FirmwareType::Clp}),
+            PrepareStatus::TypesDiffer);
+  EXPECT_EQ(prepare(RomBuilder().add(pxe(1)), {FirmwareType::Pxe}), PrepareStatus::Downgrade);
+  EXPECT_EQ(prepare(RomBuilder().add(pxe(2)), {FirmwareType::Pxe}), PrepareStatus::Ok);
+}
+
+TEST_F(MidApi, RefusesEveryKindOfDamage) {
+  EXPECT_EQ(prepare(Bytes()), PrepareStatus::InvalidImage);
+  for (const RomDamage damage :
+       {RomDamage::Signature, RomDamage::PcirPointerOutside, RomDamage::PcirPointerInHeader,
+        RomDamage::PcirSignature, RomDamage::PcirTooShort, RomDamage::PcirEndsOutside,
+        RomDamage::LengthZero, RomDamage::LengthBeyondFile, RomDamage::HeaderLength,
+        RomDamage::DeviceListOutside, RomDamage::DeviceListUnended, RomDamage::PnpSum,
+        RomDamage::PnpTooShort, RomDamage::PnpOutside, RomDamage::ByteSum,
+        RomDamage::EarlyLastBit}) {
+    EXPECT_EQ(prepare(RomBuilder().add(pxe(2)).add(uefi(2)).damage(0, damage)),
+              PrepareStatus::InvalidImage)
+        << static_cast<int>(damage);
+    EXPECT_THAT(m_image, IsEmpty());
+  }
+}
+
+TEST_F(MidApi, FillsTheImageWhereTheCallerMayAcceptIt) {
+  const Bytes older = RomBuilder().add(pxe(1)).add(uefi(1)).build();
+  EXPECT_EQ(prepare(older), PrepareStatus::Downgrade);
+  EXPECT_EQ(m_image, older);
+  const Bytes other = RomBuilder().add(iscsi(1)).trailing(512, 0).build();
+  EXPECT_EQ(prepare(other), PrepareStatus::TypesDiffer);
+  EXPECT_EQ(m_image, Bytes(other.begin(), other.begin() + 1024));
+  EXPECT_EQ(prepare(other, {FirmwareType::None}), PrepareStatus::TypesDiffer);
+  EXPECT_THAT(m_image, IsEmpty());
+}
+
+TEST_F(MidApi, ReportsAFaultOfItsOwn) {
+  const Bytes file = RomBuilder().add(pxe(2)).add(uefi(2)).build();
+  EXPECT_EQ(prepareInto(file.size() - 1, file), PrepareStatus::InternalFault);
+  EXPECT_THAT(m_image, IsEmpty());
+  EXPECT_EQ(prepareInto(file.size(), file), PrepareStatus::Ok);
+  EXPECT_EQ(prepare(file, {}, "0000:03:00.5"), PrepareStatus::InternalFault);
+  EXPECT_EQ(prepare(file, {}, "0000:03:00"), PrepareStatus::InternalFault);
+  m_adapters.set(kPci, "/ports", "[]");
+  EXPECT_EQ(prepare(file), PrepareStatus::InternalFault);
+}
+
+TEST_F(MidApi, FlashesExactlyWhatItPrepared) {
+  const RomBuilder file = RomBuilder().add(pxe(3)).add(iscsi(3)).add(uefi(3));
+  ASSERT_EQ(prepare(file, {FirmwareType::Iscsi, FirmwareType::Pxe}), PrepareStatus::Ok);
+  ASSERT_TRUE(write(m_image)) << m_text;
+  EXPECT_EQ(m_code, 0U);
+  EXPECT_EQ(m_text, "");
+  EXPECT_EQ(m_adapters.flash(kPci), m_image);
+  const test::ParsedRom judged = test::parseRom(m_adapters.flash(kPci));
+  EXPECT_TRUE(judged.isValid()) << judged;
+  EXPECT_THAT(judged.types(), ElementsAre(FirmwareType::Pxe, FirmwareType::Iscsi));
+  EXPECT_THAT(installed(kSibling), ElementsAre(FirmwareVersionInfo{FirmwareType::Pxe, {3, 0}},
+                                               FirmwareVersionInfo{FirmwareType::Iscsi, {3, 0}}));
+}
+
+TEST_F(MidApi, RefusesWritesThatCannotSucceed) {
+  const Bytes before = m_adapters.flash(kPci);
+  const Bytes image(10, 1);
+  EXPECT_FALSE(write(Bytes()));
+  EXPECT_EQ(m_code, 204U);
+  EXPECT_THAT(m_text, HasSubstr("The flash image is empty"));
+  EXPECT_FALSE(write(image, "0000:09:00.0"));
+  EXPECT_EQ(m_code, 201U);
+  EXPECT_FALSE(write(image, "nonsense"));
+  EXPECT_EQ(m_code, 201U);
+  m_adapters.set(kPci, "/updatable", "false");
+  EXPECT_FALSE(write(image));
+  EXPECT_EQ(m_code, 203U);
+  EXPECT_THAT(m_text, HasSubstr(kPort));
+  EXPECT_EQ(m_adapters.flash(kPci), before);
+}
+
+TEST_F(MidApi, ReportsAnInjectedFault) {
+  m_adapters.set(kPci, "/faults", R"({"write": {"atPercent": 40, "code": 17, "text": "broken"}})");
+  const Bytes before = m_adapters.flash(kPci);
+  EXPECT_FALSE(write(Bytes(1000, 1)));
+  EXPECT_EQ(m_code, 17U);
+  EXPECT_EQ(m_text, "broken");
+  EXPECT_EQ(getFlashImageUpdateProgress(kPort), 40U);
+  EXPECT_EQ(m_adapters.flash(kPci), before);
+}
+
+TEST_F(MidApi, ShowsTheProgressOfAWriteOnAllPortsOfTheAdapter) {
+  m_adapters.makeAdapter("0000:07:00", {});
+  m_adapters.set("0000:07:00", "/writeRate", "500000");
+  const Bytes image(100000, 1);
+  auto writing = std::async(std::launch::async, [&] { return write(image, "0000:07:00.0"); });
+  std::vector<std::uint32_t> seen;
+  while (writing.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready) {
+    seen.push_back(getFlashImageUpdateProgress("0000:07:00.1"));
+  }
+  EXPECT_TRUE(writing.get()) << m_text;
+  EXPECT_EQ(getFlashImageUpdateProgress("0000:07:00.1"), 100U);
+  EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));
+  EXPECT_GE(std::set(seen.begin(), seen.end()).size(), 3U);
+  EXPECT_EQ(getFlashImageUpdateProgress("0000:08:00.0"), 0U);
+  EXPECT_EQ(getFlashImageUpdateProgress("nonsense"), 0U);
+}
+
+TEST_F(MidApi, AnswersQueriesWhileAnotherThreadWrites) {
+  m_adapters.set(kPci, "/writeRate", "200000");
+  const Bytes next = RomBuilder().add(pxe(9).units(30)).build();
+  auto writing = std::async(std::launch::async, [&] { return write(next); });
+  std::size_t looks = 0;
+  while (writing.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready) {
+    const auto versions = installed();
+    ASSERT_FALSE(versions.empty());
+    EXPECT_THAT(versions[0].version.majorRevision, testing::AnyOf(2, 9));
+    EXPECT_TRUE(getCanBeUpdated(kSibling));
+    ++looks;
+  }
+  EXPECT_TRUE(writing.get()) << m_text;
+  EXPECT_GT(looks, 3U);
+}
+
+TEST_F(MidApi, RecordsTheTypesThatItIsGiven) {
+  EXPECT_TRUE(updateWord({FirmwareType::Uefi, FirmwareType::None, FirmwareType::Clp}));
+  EXPECT_EQ(m_code, 0U);
+  EXPECT_EQ(m_text, "");
+  EXPECT_EQ(word(), 1U << 4 | 1U << 1);
+  EXPECT_TRUE(updateWord({FirmwareType::Fcoe, static_cast<FirmwareType>(77)}));
+  EXPECT_EQ(word(), 1U << 5);
+}
+
+TEST_F(MidApi, RecordsTheInstalledTypesWhenItIsGivenNone) {
+  EXPECT_TRUE(updateWord({}));
+  EXPECT_EQ(word(), 1U << 3 | 1U << 4);
+  m_adapters.makeAdapter(kPci, RomBuilder().add(iscsi(1)).build());
+  EXPECT_TRUE(updateWord({FirmwareType::None}));
+  EXPECT_EQ(word(), 1U << 2);
+  m_adapters.makeAdapter(kPci, Bytes(100, 0xFF));
+  EXPECT_TRUE(updateWord({}));
+  EXPECT_EQ(word(), 0U);
+}
+
+TEST_F(MidApi, ReportsACapabilityWordThatFails) {
+  EXPECT_TRUE(updateWord({FirmwareType::Pxe}));
+  m_adapters.set(kPci, "/faults", R"({"capabilityWord": {"code": 18, "text": "locked"}})");
+  EXPECT_FALSE(updateWord({FirmwareType::Uefi}));
+  EXPECT_EQ(m_code, 18U);
+  EXPECT_EQ(m_text, "locked");
+  EXPECT_EQ(word(), 1U << 3);
+  EXPECT_FALSE(updateWord({FirmwareType::Uefi}, "0000:09:00.0"));
+  EXPECT_EQ(m_code, 201U);
+}
+
+class MidApiRealRom : public MidApi {
+ protected:
+  void SetUp() override {
+    m_legacy = test::realRom("pxe-virtio.rom");
+    m_combined = test::realRom("efi-virtio.rom");
+    m_foreign = test::realRom("efi-rtl8139.rom");
+    if (!m_legacy || !m_combined || !m_foreign) {
+      GTEST_SKIP() << test::kNoRealRoms;
+    }
+    m_adapters.makeAdapter(kPci, *m_combined);
+  }
+
+  std::optional<Bytes> m_legacy;
+  std::optional<Bytes> m_combined;
+  std::optional<Bytes> m_foreign;
+};
+
+TEST_F(MidApiRealRom, SelectsTheLegacyImageAsItsOwnFileHasIt) {
+  ASSERT_EQ(prepare(*m_combined, {FirmwareType::Pxe}), PrepareStatus::Ok);
+  EXPECT_TRUE(m_image == *m_legacy);
+  ASSERT_TRUE(write(m_image)) << m_text;
+  EXPECT_TRUE(m_adapters.flash(kPci) == *m_legacy);
+  EXPECT_THAT(installed(), ElementsAre(FirmwareVersionInfo{FirmwareType::Pxe, {0, 1}}));
+}
+
+TEST_F(MidApiRealRom, TakesTheCombinedFileAsItIs) {
+  ASSERT_EQ(prepare(*m_combined), PrepareStatus::Ok);
+  EXPECT_TRUE(m_image == *m_combined);
+  EXPECT_TRUE(test::parseRom(m_image).isValid());
+}
+
+TEST_F(MidApiRealRom, RefusesTheRomOfAnotherDevice) {
+  EXPECT_EQ(prepare(*m_foreign), PrepareStatus::NotForAdapter);
+}
+
+}  // namespace
+}  // namespace ma

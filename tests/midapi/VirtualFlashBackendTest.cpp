@@ -1,0 +1,141 @@
+#include <atomic>
+#include <gmock/gmock.h>
+#include <thread>
+
+#include "midapi/Hex.h"
+#include "midapi/VirtualFlashBackend.h"
+#include "tests/midapi/AdapterFixture.h"
+#include "tests/midapi/WatchedFileSystem.h"
+
+namespace ma {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+const PortId kPort{{0, 3, 0}, 0};
+
+class VirtualFlashBackendTest : public testing::Test {
+ protected:
+  template <class Operation>
+  std::uint32_t codeOf(Operation operation) {
+    try {
+      operation();
+    } catch (const FlashFault& fault) {
+      return fault.code();
+    }
+    return 0;
+  }
+
+  test::AdapterFixture m_adapters;
+  test::WatchedFileSystem m_files;
+  VirtualFlashBackend m_backend{m_files, [this] { return m_adapters.directory(); }};
+};
+
+TEST_F(VirtualFlashBackendTest, OrdersPortsByPciAddress) {
+  for (const char* pci : {"0000:0a:00", "0001:00:00", "0000:03:01", "0000:03:00"}) {
+    m_adapters.makeAdapter(pci, {});
+  }
+  EXPECT_THAT(m_backend.enumerateAdapters(),
+              ElementsAre("0000:03:00.0", "0000:03:00.1", "0000:03:01.0", "0000:03:01.1",
+                          "0000:0a:00.0", "0000:0a:00.1", "0001:00:00.0", "0001:00:00.1"));
+}
+
+TEST_F(VirtualFlashBackendTest, PassesOverWhatIsNoAdapter) {
+  m_adapters.makeAdapter("0000:03:00", {});
+  m_adapters.makeAdapter("0000:04:00", {});
+  m_adapters.set("0000:04:00", "/ports", "[]");
+  std::filesystem::create_directories(m_adapters.directory() / "0000-05-00");
+  std::filesystem::create_directories(m_adapters.directory() / "notes");
+  EXPECT_THAT(m_backend.enumerateAdapters(), ElementsAre("0000:03:00.0", "0000:03:00.1"));
+}
+
+TEST_F(VirtualFlashBackendTest, TakesAMissingDirectoryForNoAdapters) {
+  VirtualFlashBackend backend(m_files, [this] { return m_adapters.directory() / "none"; });
+  EXPECT_THAT(backend.enumerateAdapters(), IsEmpty());
+  EXPECT_EQ(codeOf([&] { static_cast<void>(backend.facts(kPort)); }), 201U);
+}
+
+TEST_F(VirtualFlashBackendTest, AsksForTheDirectoryEachTime) {
+  std::filesystem::path directory = m_adapters.directory() / "none";
+  VirtualFlashBackend backend(m_files, [&] { return directory; });
+  m_adapters.makeAdapter("0000:03:00", {});
+  EXPECT_THAT(backend.enumerateAdapters(), IsEmpty());
+  directory = m_adapters.directory();
+  EXPECT_THAT(backend.enumerateAdapters(), SizeIs(2));
+}
+
+TEST_F(VirtualFlashBackendTest, ReadsEachOfAThousandAdaptersOnceToListThem) {
+  for (std::uint32_t number = 0; number < 1000; ++number) {
+    m_adapters.makeAdapter("0000:" + hexText(number / 32, 2) + ":" + hexText(number % 32, 2), {});
+  }
+  EXPECT_THAT(m_backend.enumerateAdapters(), SizeIs(2000));
+  EXPECT_EQ(m_files.listings, 1U);
+  EXPECT_EQ(m_files.reads, 1000U);
+}
+
+TEST_F(VirtualFlashBackendTest, FindsOneAdapterAmongManyWithoutASearch) {
+  for (const char* pci : {"0000:03:00", "0000:04:00", "0000:05:00", "0000:06:00"}) {
+    m_adapters.makeAdapter(pci, {1});
+  }
+  EXPECT_EQ(m_backend.facts(kPort).device, 0x1041);
+  EXPECT_THAT(m_backend.readFlash(kPort).view(), SizeIs(1));
+  EXPECT_EQ(m_files.listings, 0U);
+  EXPECT_EQ(m_files.reads, 2U);
+}
+
+TEST_F(VirtualFlashBackendTest, KnowsOnlyThePortsOfTheDescription) {
+  m_adapters.makeAdapter("0000:03:00", {});
+  WriteProgress progress;
+  const PortId port{{0, 3, 0}, 2};
+  EXPECT_EQ(codeOf([&] { static_cast<void>(m_backend.facts(port)); }), 201U);
+  EXPECT_EQ(codeOf([&] { m_backend.setBootType(port, BootType::Pxe); }), 201U);
+  EXPECT_EQ(codeOf([&] { m_backend.setCapabilityWord(port, 1); }), 201U);
+  EXPECT_EQ(codeOf([&] { m_backend.writeFlash(port, {}, progress); }), 201U);
+}
+
+TEST_F(VirtualFlashBackendTest, FailsTheCapabilityWordOnDemand) {
+  m_adapters.makeAdapter("0000:03:00", {});
+  m_adapters.set("0000:03:00", "/faults", R"({"capabilityWord": {"code": 18, "text": "no"}})");
+  EXPECT_EQ(codeOf([&] { m_backend.setCapabilityWord(kPort, 8); }), 18U);
+  EXPECT_EQ(m_adapters.get("0000:03:00", "/capabilityWord"), "");
+}
+
+TEST_F(VirtualFlashBackendTest, LosesNoChangeOfConcurrentCallers) {
+  m_adapters.makeAdapter("0000:03:00", {});
+  VirtualFlashBackend backend(nativeFileSystem(), [this] { return m_adapters.directory(); });
+  const auto store = [&](std::uint8_t function) {
+    for (int round = 0; round < 20; ++round) {
+      backend.setBootType({kPort.adapter, function},
+                          round % 2 == 0 ? BootType::None : BootType::Uefi);
+    }
+  };
+  std::thread other(store, 1);
+  store(0);
+  other.join();
+  EXPECT_EQ(m_adapters.get("0000:03:00", "/ports/0/bootType"), "4");
+  EXPECT_EQ(m_adapters.get("0000:03:00", "/ports/1/bootType"), "4");
+}
+
+TEST_F(VirtualFlashBackendTest, ShowsReadersAWholeDescriptionWhileItIsChanged) {
+  m_adapters.makeAdapter("0000:03:00", {});
+  VirtualFlashBackend backend(nativeFileSystem(), [this] { return m_adapters.directory(); });
+  std::atomic<bool> isDone{false};
+  std::thread writer([&] {
+    for (std::uint32_t word = 0; word < 50; ++word) {
+      backend.setCapabilityWord(kPort, word);
+    }
+    isDone = true;
+  });
+  std::size_t looks = 0;
+  while (!isDone) {
+    EXPECT_EQ(backend.facts(kPort).device, 0x1041);
+    ++looks;
+  }
+  writer.join();
+  EXPECT_GT(looks, 0U);
+}
+
+}  // namespace
+}  // namespace ma
