@@ -72,6 +72,16 @@ JobThread::~JobThread() {
   } else {
     utils::logError(kLog, kFunction, "JobThread %p, terminating timeout error", self);
   }
+  // The body uses the members, which must not go before it has ended.
+  while (m_launched.isSet() && !m_done.isSet()) {
+    waitForFlag(m_done, kTerminationBudget);
+  }
+}
+
+void JobThread::launch() {
+  m_started.set();
+  start();
+  m_launched.set();
 }
 
 void JobThread::requestStop() {

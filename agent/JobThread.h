@@ -1,7 +1,7 @@
 // The thread of one firmware update: takes the flash lock, writes the image and reports to its job.
 //
-// Owned by its job. Created, started once, runs, done; deleted when done, or earlier: then the
-// destructor waits, 3 seconds for its own flag and after that for the thread itself without limit.
+// Owned by its job. Created, launched once, runs, done; deleted when done, or earlier: then the
+// destructor waits, 3 seconds until it complains and after that without limit.
 // The flags may be asked from any thread.
 
 #ifndef ORVEX_AGENT_JOBTHREAD_H_
@@ -45,7 +45,8 @@ class JobThread : public utils::Thread {
   // Notes that the update should end. A flash that is being written is not given up.
   virtual void requestStop();
 
-  void setStarted() { m_started.set(); }
+  // Starts the thread, which counts as started from the attempt on. Throws as start().
+  void launch();
   [[nodiscard]] const LockedFlag& getDone() const { return m_done; }
 
  private:
@@ -56,6 +57,7 @@ class JobThread : public utils::Thread {
   LockedFlag m_done;
   LockedFlag m_stopRequested;
   LockedFlag m_started;
+  LockedFlag m_launched;  // set once the thread exists
 };
 
 #endif  // ORVEX_AGENT_JOBTHREAD_H_

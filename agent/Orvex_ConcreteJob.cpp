@@ -63,6 +63,8 @@ void Orvex_ConcreteJob::setPropertyValues() {
   DeleteOnCompletion.setValue(false);
   TimeBeforeRemoval.setValue(utils::Datetime(kTimeBeforeRemoval));
   StartTime.setValue(m_submitted);
+  // The state first: a job that ends meanwhile must not show its end with a progress of before.
+  JobState.setValue(static_cast<std::uint16_t>(getJobState()));
   PercentComplete.setValue(static_cast<std::uint16_t>(getPercentComplete()));
   for (core::CimProperty* property :
        std::initializer_list<core::CimProperty*>{&ElementName,
@@ -90,7 +92,6 @@ void Orvex_ConcreteJob::setPropertyValues() {
                                                  &OtherRecoveryAction}) {
     property->setNull();
   }
-  JobState.setValue(static_cast<std::uint16_t>(getJobState()));
   const utils::ScopedLock lock(m_reportMutex);
   ElapsedTime.setValue(m_elapsed);
   ErrorCode.setValue(m_errorCode);
@@ -104,9 +105,8 @@ bool Orvex_ConcreteJob::threadControl(std::int32_t command, std::int32_t timeout
   utils::logDebug(kLog, kFunction, "New threadControl %d", command);
   if (command == kStartThread) {
     ORVEX_ASSERT(kLog, m_myThread != NULL);
-    m_myThread->setStarted();
     try {
-      m_myThread->start();
+      m_myThread->launch();
     } catch (const std::exception&) {
       utils::logError(kLog, kFunction, "Thread start error");
       return false;
@@ -167,7 +167,8 @@ void Orvex_ConcreteJob::setJobState(ConcreteJobState newState) {
   }
   if (m_isFinished) {
     m_image.bytes = {};
-    m_image.reservation.release();
+    m_image.reservation.abandon();
+    TargetInProgress::clear();
   }
   // Published last: a client that sees the end may ask for the next update at once.
   m_state = newState;

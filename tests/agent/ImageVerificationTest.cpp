@@ -1,0 +1,362 @@
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "agent/ImageVerification.h"
+#include "agent/InstallOptions.h"
+#include "agent/JobErrors.h"
+#include "tests/agent/FakeMidApi.h"
+#include "tests/agent/FakeSystem.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/TempDirectory.h"
+#include "tests/support/Throws.h"
+
+namespace {
+
+using test::LogLevel;
+using test::ThrowsExactly;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using utils::FirmwareType;
+
+constexpr const char* kAdapter = "0000:03:00.0";
+constexpr const char* kOtherAdapter = "0000:04:00.0";
+constexpr const char* kSource = "Orvex_ConcreteJob";
+constexpr const char* kCheck = "Orvex_ConcreteJob::checkAndVerifyImage";
+constexpr const char* kOtherTypes =
+    "Quorvel: EDowngradeDetected:The selected flash image cannot be used because it does not "
+    "contain the same image types. Please select a flash file with matching image types.";
+
+using Options = std::vector<std::uint16_t>;
+using Values = std::vector<std::string>;
+
+// Records pass through; the one that says that a file will be read has it cut short.
+class FileCuttingSinks : public utils::LogSinks {
+ public:
+  explicit FileCuttingSinks(std::filesystem::path file) : m_file(std::move(file)) {
+    m_previous = utils::exchangeLogSinks(this);
+  }
+  ~FileCuttingSinks() override { utils::exchangeLogSinks(m_previous); }
+
+  void writeEventLog(const std::string&) noexcept override {}
+  void writeDebugChannel(const std::string& line) noexcept override {
+    if (line.find("os::readFile: debug: Reading") != std::string::npos) {
+      std::ofstream(m_file) << "cut";
+    }
+  }
+  void writeStandardError(const std::string&) noexcept override {}
+
+ private:
+  const std::filesystem::path m_file;
+  utils::LogSinks* m_previous = nullptr;
+};
+
+class ImageVerification : public testing::Test {
+ protected:
+  ~ImageVerification() override { TargetInProgress::clear(); }
+
+  VerifiedImage check(const Options& options = {kUpdate}, const Values& values = {}) {
+    return checkAndVerifyImage(kAdapter, m_uri, options, values);
+  }
+
+  // Returns a check for matchers of what it throws.
+  auto checking(const Options& options = {kUpdate}, const Values& values = {}) {
+    return [this, options, values] { static_cast<void>(check(options, values)); };
+  }
+
+  auto checkingUri(const std::string& uri) {
+    m_uri = uri;
+    return checking();
+  }
+
+  static std::string about(const std::string& text, const std::string& uri) {
+    return "Quorvel: " + text + uri;
+  }
+
+  test::LogCapture m_log;
+  test::FakeConfig m_config;
+  test::FakeMidApi m_midApi;
+  test::TempDirectory m_directory;
+  std::filesystem::path m_file = m_directory.write("image.rom", std::string("firmware"));
+  std::string m_uri = "file://" + m_file.string();
+};
+
+TEST_F(ImageVerification, HandsTheFileToTheLibraryAndReturnsWhatThatPrepared) {
+  m_midApi.prepared = test::bytesOf("smaller");
+
+  const VerifiedImage image = check({kUpdate, kTargetTypes}, {"", "IMG_PXE+IMG_UEFI"});
+
+  EXPECT_EQ(image.bytes, test::bytesOf("smaller"));
+  EXPECT_THAT(image.targetTypes, ElementsAre(FirmwareType::Pxe, FirmwareType::Uefi));
+  EXPECT_THAT(m_midApi.calls(),
+              ElementsAre("prepareFlashImage 0000:03:00.0 'firmware' into 8 [3 4]"));
+}
+
+TEST_F(ImageVerification, LogsItsSteps) {
+  static_cast<void>(check());
+
+  EXPECT_THAT(m_log.messages(kCheck), ElementsAre("Checking URI : '" + m_uri + "' ",
+                                                  "Start preparing the image", "Image prepared 0"));
+  EXPECT_THAT(m_log.records(),
+              test::HasRecordOf(kSource, LogLevel::Debug, kCheck, "Start preparing the image"));
+}
+
+TEST_F(ImageVerification, KeepsTheTargetInProgressForTheLifeOfItsResult) {
+  {
+    const VerifiedImage image = check();
+    EXPECT_EQ(TargetInProgress::get(), kAdapter);
+  }
+  EXPECT_EQ(TargetInProgress::get(), "");
+}
+
+TEST_F(ImageVerification, RefusesATargetThatIsBeingUpdated) {
+  TargetInProgress::set(kAdapter);
+
+  EXPECT_THAT(checking(), ThrowsExactly<ETargetInUse>(
+                              "Quorvel: ETargetInUse:Firmware update for 0000:03:00.0 is currently "
+                              "in progress"));
+  EXPECT_EQ(TargetInProgress::get(), kAdapter);
+  EXPECT_THAT(m_midApi.calls(), IsEmpty());
+}
+
+TEST_F(ImageVerification, RefusesATargetWhileAnotherIsBeingUpdated) {
+  TargetInProgress::set(kOtherAdapter);
+
+  EXPECT_THAT(checking(), ThrowsExactly<EJobIsRunning>(
+                              "Quorvel: EJobIsRunning:Other job for 0000:04:00.0 is running at "
+                              "this moment"));
+  EXPECT_EQ(TargetInProgress::get(), kOtherAdapter);
+}
+
+TEST_F(ImageVerification, RefusesUrisThatItCannotRead) {
+  for (const char* uri : {"", "image.rom", "http://host/image.rom", "gopher://x", "file:/x"}) {
+    EXPECT_THAT(checkingUri(uri), ThrowsExactly<EInvalidUri>(std::string("Quorvel: EInvalidUri:") +
+                                                             "URI: " + uri + " is invalid"));
+    EXPECT_EQ(TargetInProgress::get(), "") << uri;
+  }
+}
+
+TEST_F(ImageVerification, RefusesAUriThatNamesNoFile) {
+  const std::string missing = "file://" + (m_directory.path() / "missing").string();
+  const std::string directory = "file://" + m_directory.path().string();
+  for (const std::string& uri : {missing, directory}) {
+    EXPECT_THAT(checkingUri(uri), ThrowsExactly<EUriDoesNotExist>(
+                                      "Quorvel: EUriDoesNotExist:URI: " + uri + " is invalid"));
+    EXPECT_EQ(TargetInProgress::get(), "") << uri;
+  }
+}
+
+TEST_F(ImageVerification, RefusesAFileThatIsCutWhileItIsRead) {
+  const FileCuttingSinks sinks(m_file);
+
+  EXPECT_THAT(checking(),
+              ThrowsExactly<EImageReadError>("Quorvel: EImageReadError:Image read error: " + m_uri +
+                                             " (" + m_file.string() + ")"));
+  EXPECT_EQ(TargetInProgress::get(), "");
+  EXPECT_THAT(m_midApi.calls(), IsEmpty());
+}
+
+TEST_F(ImageVerification, RefusesWhatTheLibraryRefuses) {
+  const auto refusing = [this](ma::PrepareStatus status) {
+    m_midApi.prepareStatus = status;
+    return checking();
+  };
+  EXPECT_THAT(refusing(ma::PrepareStatus::InvalidImage),
+              ThrowsExactly<utils::EInvalidParameter>(
+                  about("EInvalidParameter:Invalid parameter detected for ", m_uri)));
+  EXPECT_THAT(
+      refusing(ma::PrepareStatus::NotForAdapter),
+      ThrowsExactly<EAdapterNotSupported>(about(
+          "EAdapterNotSupported:Image ", m_uri + " is not supported for adapter 0000:03:00.0")));
+  EXPECT_THAT(refusing(ma::PrepareStatus::NotUpdatable),
+              ThrowsExactly<ENotApplicableForTarget>(
+                  about("ENotApplicableForTarget:Not applicable for ", m_uri)));
+  EXPECT_THAT(refusing(ma::PrepareStatus::InternalFault),
+              ThrowsExactly<utils::EUnspecifiedError>(
+                  about("EUnspecifiedError:Unspecified error occurred for ", m_uri)));
+  EXPECT_EQ(TargetInProgress::get(), "");
+}
+
+TEST_F(ImageVerification, RefusalsOfTheLibraryStandWithForceAndConsent) {
+  m_config.isDowngradeEnabled = true;
+  for (const ma::PrepareStatus status :
+       {ma::PrepareStatus::InvalidImage, ma::PrepareStatus::NotForAdapter,
+        ma::PrepareStatus::NotUpdatable, ma::PrepareStatus::InternalFault}) {
+    m_midApi.prepareStatus = status;
+    EXPECT_THROW(checking({kUpdate, kForceInstallation})(), utils::Exception)
+        << static_cast<int>(status);
+  }
+}
+
+TEST_F(ImageVerification, AcceptsAStatusThatItDoesNotKnow) {
+  for (const int status : {0, 7, -1}) {
+    m_midApi.prepareStatus = static_cast<ma::PrepareStatus>(status);
+    EXPECT_EQ(check().bytes, test::bytesOf("firmware"));
+    EXPECT_THAT(m_log.messages(kCheck),
+                testing::Contains("Image prepared " + std::to_string(status)));
+  }
+}
+
+std::string downgradeOf(const std::string& uri) {
+  return "Quorvel: EDowngradeDetected:Downgrade was detected for " + uri +
+         ". Try to use FORCE_INSTALL option.";
+}
+
+TEST_F(ImageVerification, RefusesADowngradeUnlessForced) {
+  m_midApi.prepareStatus = ma::PrepareStatus::Downgrade;
+  m_config.isDowngradeEnabled = true;
+
+  EXPECT_THAT(checking(), ThrowsExactly<EDowngradeDetected>(downgradeOf(m_uri)));
+  EXPECT_EQ(TargetInProgress::get(), "");
+}
+
+TEST_F(ImageVerification, AcceptsAForcedDowngradeWithoutTheConfigurationsConsent) {
+  m_midApi.prepareStatus = ma::PrepareStatus::Downgrade;
+
+  EXPECT_EQ(check({kUpdate, kForceInstallation}).bytes, test::bytesOf("firmware"));
+}
+
+TEST_F(ImageVerification, RefusesOtherTypesWithoutTheConfigurationsConsent) {
+  m_midApi.prepareStatus = ma::PrepareStatus::TypesDiffer;
+
+  EXPECT_THAT(checking(), ThrowsExactly<EDowngradeDetected>(kOtherTypes));
+  EXPECT_THAT(checking({kForceInstallation, kUpdate}),
+              ThrowsExactly<EDowngradeDetected>(kOtherTypes));
+  EXPECT_EQ(TargetInProgress::get(), "");
+  EXPECT_THAT(m_log.messages(kCheck),
+              AllOf(testing::Contains("DowngradeEnable: 0, ForceInstall: 0"),
+                    testing::Contains("DowngradeEnable: 0, ForceInstall: 1")));
+}
+
+TEST_F(ImageVerification, RefusesOtherTypesThatAreNotForced) {
+  m_midApi.prepareStatus = ma::PrepareStatus::TypesDiffer;
+  m_config.isDowngradeEnabled = true;
+
+  EXPECT_THAT(checking(), ThrowsExactly<EDowngradeDetected>(downgradeOf(m_uri)));
+  EXPECT_THAT(m_log.messages(kCheck), testing::Contains("DowngradeEnable: 1, ForceInstall: 0"));
+}
+
+TEST_F(ImageVerification, AcceptsOtherTypesWithForceAndConsent) {
+  m_midApi.prepareStatus = ma::PrepareStatus::TypesDiffer;
+  m_config.isDowngradeEnabled = true;
+
+  EXPECT_EQ(check({kUpdate, kForceInstallation}).bytes, test::bytesOf("firmware"));
+  EXPECT_THAT(m_log.messages(kCheck), testing::Contains("DowngradeEnable: 1, ForceInstall: 1"));
+}
+
+TEST_F(ImageVerification, ClearsTheTargetWhenATypeIsUnknown) {
+  EXPECT_THAT(checking({kTargetTypes}, {"IMG_OTHER"}),
+              ThrowsExactly<utils::EInvalidParameter>(HasSubstr("IMG_OTHER is not recognized")));
+  EXPECT_EQ(TargetInProgress::get(), "");
+}
+
+class GetTargetTypes : public testing::Test {
+ protected:
+  // The records of the call.
+  std::vector<std::string> messages() const {
+    return m_log.messages("Orvex_ConcreteJob::getTargetTypes");
+  }
+
+  test::LogCapture m_log;
+};
+
+TEST_F(GetTargetTypes, KeepsTheOrderOfTheNames) {
+  EXPECT_THAT(getTargetTypes({kTargetTypes}, {"IMG_PXE+IMG_iSCSI"}),
+              ElementsAre(FirmwareType::Pxe, FirmwareType::Iscsi));
+}
+
+TEST_F(GetTargetTypes, KnowsEveryName) {
+  EXPECT_THAT(getTargetTypes({kTargetTypes}, {"IMG_FCoE+IMG_UEFI+IMG_PXE+IMG_iSCSI+IMG_CLP"}),
+              ElementsAre(FirmwareType::Fcoe, FirmwareType::Uefi, FirmwareType::Pxe,
+                          FirmwareType::Iscsi, FirmwareType::Clp));
+}
+
+TEST_F(GetTargetTypes, KeepsRepetitions) {
+  EXPECT_THAT(getTargetTypes({kTargetTypes}, {"IMG_PXE+IMG_PXE"}),
+              ElementsAre(FirmwareType::Pxe, FirmwareType::Pxe));
+}
+
+TEST_F(GetTargetTypes, TrimsBlanksAndTabs) {
+  EXPECT_THAT(getTargetTypes({kTargetTypes}, {" \tIMG_PXE\t + IMG_CLP "}),
+              ElementsAre(FirmwareType::Pxe, FirmwareType::Clp));
+}
+
+TEST_F(GetTargetTypes, TakesAnEmptyNameForTypeZero) {
+  EXPECT_THAT(getTargetTypes({kTargetTypes}, {"+IMG_PXE"}),
+              ElementsAre(FirmwareType::None, FirmwareType::Pxe));
+  EXPECT_THAT(getTargetTypes({kTargetTypes}, {"IMG_PXE+ "}),
+              ElementsAre(FirmwareType::Pxe, FirmwareType::None));
+  EXPECT_THAT(getTargetTypes({kTargetTypes}, {"+"}),
+              ElementsAre(FirmwareType::None, FirmwareType::None));
+}
+
+TEST_F(GetTargetTypes, QuotesNothing) {
+  const auto quoted = [] {
+    static_cast<void>(getTargetTypes({kTargetTypes}, {"\"IMG_PXE+IMG_CLP\""}));
+  };
+  EXPECT_THAT(quoted, ThrowsExactly<utils::EInvalidParameter>(HasSubstr(". \"IMG_PXE is not")));
+}
+
+TEST_F(GetTargetTypes, RefusesANameInOtherCase) {
+  const auto call = [] { static_cast<void>(getTargetTypes({kTargetTypes}, {"img_pxe"})); };
+
+  EXPECT_THAT(call, ThrowsExactly<utils::EInvalidParameter>(
+                        "Quorvel: EInvalidParameter:Invalid parameter detected for TargetTypes. "
+                        "img_pxe is not recognized"));
+}
+
+TEST_F(GetTargetTypes, GoesThroughEveryPositionOfTheOption) {
+  EXPECT_THAT(getTargetTypes({kTargetTypes, kUpdate, kTargetTypes}, {"IMG_UEFI", "x", "IMG_CLP"}),
+              ElementsAre(FirmwareType::Uefi, FirmwareType::Clp));
+}
+
+TEST_F(GetTargetTypes, DropsWhatItFoundWhenALaterPositionHasNoValue) {
+  EXPECT_THAT(getTargetTypes({kTargetTypes, kTargetTypes}, {"IMG_UEFI"}), IsEmpty());
+  EXPECT_THAT(messages(), testing::Contains("No TargetTypes detected in values"));
+}
+
+TEST_F(GetTargetTypes, LogsThatThereIsNoOption) {
+  EXPECT_THAT(getTargetTypes({kUpdate}, {"IMG_PXE"}), IsEmpty());
+
+  EXPECT_THAT(messages(), ElementsAre("InstallOptions Size: 1", "InstallOptionsValues Size: 1",
+                                      "No TargetTypes defined"));
+}
+
+TEST_F(GetTargetTypes, LogsThatThereIsNoValue) {
+  EXPECT_THAT(getTargetTypes({kUpdate, kTargetTypes}, {"IMG_PXE"}), IsEmpty());
+
+  EXPECT_THAT(messages(), ElementsAre("InstallOptions Size: 2", "InstallOptionsValues Size: 1",
+                                      "InstallOptions contains TargetTypes on 1 position",
+                                      "No TargetTypes detected in values"));
+}
+
+TEST_F(GetTargetTypes, LogsThatAValueIsEmpty) {
+  EXPECT_THAT(getTargetTypes({kTargetTypes, kTargetTypes}, {"", "IMG_PXE"}), IsEmpty());
+
+  EXPECT_THAT(messages(), ElementsAre("InstallOptions Size: 2", "InstallOptionsValues Size: 2",
+                                      "InstallOptions contains TargetTypes on 0 position",
+                                      "InstallOptionsValues contains 2 elements",
+                                      "Values does not contain any TargetTypes"));
+}
+
+TEST_F(GetTargetTypes, LogsHowEachNameIsFound) {
+  static_cast<void>(getTargetTypes({kTargetTypes}, {" IMG_iSCSI"}));
+
+  EXPECT_THAT(m_log.records(),
+              testing::Each(test::IsRecordOf(kSource, LogLevel::Debug,
+                                             "Orvex_ConcreteJob::getTargetTypes", testing::_)));
+  EXPECT_THAT(
+      messages(),
+      ElementsAre("InstallOptions Size: 1", "InstallOptionsValues Size: 1",
+                  "InstallOptions contains TargetTypes on 0 position",
+                  "InstallOptionsValues contains 1 elements", "TeargetType: IMG_iSCSI", "index: 0",
+                  "compare with ", "index: 1", "compare with IMG_CLP", "index: 2",
+                  "compare with IMG_iSCSI", "added new image type - #2", "Return result[0]=2"));
+}
+
+}  // namespace

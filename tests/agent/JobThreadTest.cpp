@@ -1,0 +1,373 @@
+#include <atomic>
+#include <gmock/gmock.h>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "agent/JobThread.h"
+#include "agent/Orvex_ConcreteJob.h"
+#include "tests/agent/FakeMidApi.h"
+#include "tests/agent/FakeSystem.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/Throws.h"
+#include "tests/support/WaitUntil.h"
+
+namespace {
+
+using test::IsRecordOf;
+using test::LogLevel;
+using test::LogRecord;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::MatchesRegex;
+using testing::Not;
+using testing::StartsWith;
+using utils::FirmwareType;
+
+constexpr const char* kAdapter = "0000:03:00.0";
+constexpr const char* kSource = "JobThread";
+constexpr const char* kExecute = "JobThread::execute";
+
+class JobThreadTest : public testing::Test {
+ protected:
+  using Types = std::vector<FirmwareType>;
+
+  // Starts a job that installs `types`.
+  void start(const Types& types) {
+    m_job = std::make_unique<Orvex_ConcreteJob>(
+        kAdapter, 1, VerifiedImage{test::bytesOf("image"), types, TargetReservation(kAdapter)});
+    ASSERT_EQ(m_job->requestStateChange(Orvex_ConcreteJob::kRequestStart, utils::Datetime(0)),
+              Orvex_ConcreteJob::kStateChanged);
+  }
+
+  // Waits for the end of the job's thread.
+  void finish() {
+    ASSERT_TRUE(test::waitUntil(
+        [this] { return m_job->threadControl(Orvex_ConcreteJob::kDeleteThread, 0); }));
+    m_job->setPropertyValues();
+  }
+
+  void run(const Types& types) {
+    start(types);
+    finish();
+  }
+
+  // Destroys the job in a thread of its own, which sets the flag at the end.
+  std::thread destroyAside(std::atomic<bool>& isDestroyed) {
+    return std::thread([this, &isDestroyed] {
+      m_job.reset();
+      isDestroyed = true;
+    });
+  }
+
+  std::vector<LogRecord> recordsOf(const std::string& source) const {
+    std::vector<LogRecord> records;
+    for (const LogRecord& record : m_log.records()) {
+      if (record.source == source) {
+        records.push_back(record);
+      }
+    }
+    return records;
+  }
+
+  // Returns where the first record with the message stands in the log, -1 for none.
+  int placeOf(const std::string& message) const {
+    const std::vector<LogRecord> records = m_log.records();
+    for (std::size_t at = 0; at < records.size(); ++at) {
+      if (records[at].message.find(message) != std::string::npos) {
+        return static_cast<int>(at);
+      }
+    }
+    return -1;
+  }
+
+  void expectEnd(ConcreteJobState state, std::uint16_t code, const std::string& text) {
+    EXPECT_EQ(m_job->getJobState(), state);
+    EXPECT_TRUE(m_job->isFinished());
+    EXPECT_EQ(m_job->ErrorCode.getValue(), code);
+    EXPECT_EQ(m_job->ErrorDescription.getValue(), text);
+    EXPECT_EQ(m_job->PercentComplete.getValue(), 100);
+    EXPECT_EQ(TargetInProgress::get(), "");
+    EXPECT_FALSE(m_locker->isHeld());
+  }
+
+  test::LogCapture m_log;
+  test::FakeConfig m_config;
+  std::optional<test::FakeLocker> m_locker{std::in_place};
+  test::FakeMidApi m_midApi;
+  std::unique_ptr<Orvex_ConcreteJob> m_job;
+};
+
+TEST_F(JobThreadTest, WantsAJob) {
+  EXPECT_THAT([] { const JobThread thread(nullptr); },
+              test::ThrowsExactly<utils::Exception>(test::IsAssertion(kSource, "NULL != myJob")));
+}
+
+TEST_F(JobThreadTest, WritesTheImageAndTheCapabilityWord) {
+  run({FirmwareType::Iscsi, FirmwareType::Pxe});
+
+  EXPECT_THAT(m_midApi.calls(), ElementsAre("writeFlashImage 0000:03:00.0 'image'",
+                                            "updateCapabilityWord 0000:03:00.0 [2 3]"));
+  expectEnd(ConcreteJobState::Completed, 0, "");
+}
+
+TEST_F(JobThreadTest, LogsItsLife) {
+  run({FirmwareType::Iscsi});
+
+  const auto debug = [](const std::string& function, const std::string& message) {
+    return IsRecordOf(kSource, LogLevel::Debug, function, MatchesRegex(message));
+  };
+  const std::string thread = "JobThread 0x[0-9a-f]+";
+  EXPECT_THAT(
+      recordsOf(kSource),
+      ElementsAre(
+          debug("JobThread::JobThread", "Creating " + thread),
+          debug(kExecute, "Thread 0x[0-9a-f]+ starting"), debug(kExecute, "Writing FLASH Image"),
+          debug(kExecute, "Updating CapabilityWord"),
+          debug(kExecute, "Thread 0x[0-9a-f]+ finishing"),
+          debug("JobThread::~JobThread", "Destroying " + thread),
+          debug("JobThread::~JobThread", "Destroying " + thread + ", waiting for terminate"),
+          debug("JobThread::~JobThread", thread + ", terminated")));
+}
+
+TEST_F(JobThreadTest, IsDestroyedWithoutWaitingWhenItWasNotStarted) {
+  m_job = std::make_unique<Orvex_ConcreteJob>(kAdapter, 1, VerifiedImage());
+  m_job.reset();
+
+  EXPECT_THAT(m_log.messages("JobThread::~JobThread"),
+              ElementsAre(MatchesRegex("Destroying JobThread 0x[0-9a-f]+")));
+}
+
+TEST_F(JobThreadTest, GoesThroughTheStatesInOrder) {
+  run({FirmwareType::Iscsi});
+
+  EXPECT_THAT(m_log.messages("Orvex_ConcreteJob::setJobState"),
+              ElementsAre("2 -> 3", "3 -> 4", "4 -> 7"));
+}
+
+TEST_F(JobThreadTest, HoldsTheFlashLockFromTheBootTypesToTheCapabilityWord) {
+  m_midApi.installed = {{FirmwareType::Iscsi, {1, 0}}};
+  bool isHeldInWrite = false;
+  m_midApi.onWrite = [&] { isHeldInWrite = m_locker->isHeld(); };
+
+  run({FirmwareType::Pxe});
+
+  EXPECT_TRUE(isHeldInWrite);
+  EXPECT_LT(placeOf("3 -> 4"), placeOf("autolocking semaphore"));
+  EXPECT_LT(placeOf("autolocking semaphore"), placeOf("MidApi returns 1 firmwares"));
+  EXPECT_LT(placeOf("MidApi returns 1 firmwares"), placeOf("Writing FLASH Image"));
+  EXPECT_LT(placeOf("Updating CapabilityWord"), placeOf("autoreleasing semaphore"));
+  EXPECT_LT(placeOf("autoreleasing semaphore"), placeOf("4 -> 7"));
+}
+
+TEST_F(JobThreadTest, FailedWriteSkipsTheCapabilityWord) {
+  m_midApi.writeAnswer = {false, 17, "no flash there"};
+
+  run({FirmwareType::Iscsi});
+
+  EXPECT_THAT(m_midApi.calls(), ElementsAre("writeFlashImage 0000:03:00.0 'image'"));
+  EXPECT_EQ(placeOf("Updating CapabilityWord"), -1);
+  expectEnd(ConcreteJobState::Exception, 17, "no flash there");
+}
+
+TEST_F(JobThreadTest, FailedCapabilityWordFailsTheJob) {
+  m_midApi.writeAnswer = {true, 3, "a warning of the write"};
+  m_midApi.capabilityWordAnswer = {false, 18, "no word"};
+
+  run({FirmwareType::Iscsi});
+
+  expectEnd(ConcreteJobState::Exception, 18, "no word");
+}
+
+TEST_F(JobThreadTest, ReportsTheCodeAndTextOfASuccess) {
+  m_midApi.writeAnswer = {true, 3, "a warning of the write"};
+  m_midApi.capabilityWordAnswer = {true, 5, "a warning of the word"};
+
+  run({FirmwareType::Iscsi});
+
+  expectEnd(ConcreteJobState::Completed, 5, "a warning of the word");
+}
+
+TEST_F(JobThreadTest, TimesOutWhenAnotherProgramHoldsTheFlashLock) {
+  m_locker->beHeldByAnother();
+  m_midApi.progress = 40;
+
+  run({FirmwareType::Iscsi});
+
+  EXPECT_THAT(m_midApi.calls(), testing::IsEmpty());
+  EXPECT_THAT(m_log.records(),
+              Contains(IsRecordOf("Exception", LogLevel::Error, "utils::Exception::Exception",
+                                  "Locking access to the Fennelbrook returns 3")));
+  EXPECT_GE(placeOf("Access to the FK is disabled at this moment."), 0);
+  expectEnd(ConcreteJobState::Exception, 4, "Timeout Error");
+}
+
+TEST_F(JobThreadTest, CallsEveryExceptionATimeout) {
+  m_midApi.onWrite = [] { throw std::runtime_error("something else"); };
+
+  run({FirmwareType::Iscsi});
+
+  EXPECT_GE(placeOf("Access to the FK is disabled at this moment."), 0);
+  expectEnd(ConcreteJobState::Exception, 4, "Timeout Error");
+}
+
+TEST_F(JobThreadTest, CallsWhatIsNoExceptionATimeoutToo) {
+  m_midApi.onWrite = [] { throw 1; };
+
+  run({FirmwareType::Iscsi});
+
+  expectEnd(ConcreteJobState::Exception, 4, "Timeout Error");
+}
+
+TEST_F(JobThreadTest, RunsWithoutALockerIntoATimeout) {
+  m_locker.reset();
+
+  start({FirmwareType::Iscsi});
+  finish();
+
+  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::Exception);
+  EXPECT_EQ(m_job->ErrorDescription.getValue(), "Timeout Error");
+  EXPECT_THAT(m_midApi.calls(), testing::IsEmpty());
+}
+
+// The ports of the adapter that is updated boot from iSCSI no more when its new image lacks that.
+class JobThreadBootTypes : public JobThreadTest {
+ protected:
+  JobThreadBootTypes() {
+    m_midApi.adapters = {"0000:02:00.0", "0000:03:00.0", "0000:03:01.0", "0000:03:00.1",
+                         "0000:13:00.0"};
+    m_midApi.installed = {{FirmwareType::Pxe, {1, 0}}, {FirmwareType::Iscsi, {1, 0}}};
+  }
+
+  // Returns the calls that set boot types.
+  std::vector<std::string> bootTypeCalls() const {
+    std::vector<std::string> calls;
+    for (const std::string& call : m_midApi.calls()) {
+      if (call.starts_with("setBootType")) {
+        calls.push_back(call);
+      }
+    }
+    return calls;
+  }
+};
+
+TEST_F(JobThreadBootTypes, AreClearedOnAllPortsOfTheAdapterAndNoOther) {
+  run({FirmwareType::Pxe});
+
+  EXPECT_THAT(
+      m_midApi.calls(),
+      ElementsAre("getAdapterFirmwareVersion 0000:03:00.0", "getPCIAddress 0000:03:00.0",
+                  "enumerateAdapters", "getPCIAddress 0000:02:00.0", "getPCIAddress 0000:03:00.0",
+                  "setBootType 0000:03:00.0 0", "getPCIAddress 0000:03:01.0",
+                  "getPCIAddress 0000:03:00.1", "setBootType 0000:03:00.1 0",
+                  "getPCIAddress 0000:13:00.0", "writeFlashImage 0000:03:00.0 'image'",
+                  "updateCapabilityWord 0000:03:00.0 [3]"));
+  EXPECT_GE(placeOf("MidApi returns 2 firmwares"), 0);
+  expectEnd(ConcreteJobState::Completed, 0, "");
+}
+
+TEST_F(JobThreadBootTypes, AreClearedForAJobWithoutTypes) {
+  run({});
+
+  EXPECT_THAT(bootTypeCalls(),
+              ElementsAre("setBootType 0000:03:00.0 0", "setBootType 0000:03:00.1 0"));
+}
+
+TEST_F(JobThreadBootTypes, MayFailToBeCleared) {
+  m_midApi.setBootTypeAnswer = false;
+
+  run({FirmwareType::Pxe});
+
+  EXPECT_EQ(bootTypeCalls().size(), 2u);
+  expectEnd(ConcreteJobState::Completed, 0, "");
+}
+
+TEST_F(JobThreadBootTypes, StayWhenTheAdapterHasNoIscsi) {
+  m_midApi.installed = {{FirmwareType::Pxe, {1, 0}}};
+
+  run({FirmwareType::Pxe});
+
+  EXPECT_THAT(m_midApi.calls(),
+              ElementsAre("getAdapterFirmwareVersion 0000:03:00.0", StartsWith("writeFlashImage"),
+                          StartsWith("updateCapabilityWord")));
+  EXPECT_GE(placeOf("MidApi returns 1 firmwares"), 0);
+}
+
+TEST_F(JobThreadBootTypes, StayWhenTheImageHasIscsi) {
+  for (const Types& types :
+       {Types{FirmwareType::Iscsi}, Types{FirmwareType::Clp, FirmwareType::Iscsi},
+        Types{FirmwareType::Clp, FirmwareType::Iscsi, FirmwareType::Pxe, FirmwareType::Uefi}}) {
+    run(types);
+  }
+  EXPECT_THAT(m_midApi.calls(), Not(Contains(StartsWith("getAdapterFirmwareVersion"))));
+  EXPECT_THAT(bootTypeCalls(), testing::IsEmpty());
+}
+
+TEST_F(JobThreadBootTypes, AreClearedWhenBisectionMissesTheIscsiOfAnUnorderedList) {
+  run({FirmwareType::Pxe, FirmwareType::Iscsi});
+
+  EXPECT_EQ(bootTypeCalls().size(), 2u);
+}
+
+TEST_F(JobThreadBootTypes, StayWhenBisectionFindsTheIscsiOfAnUnorderedList) {
+  run({FirmwareType::Clp, FirmwareType::Iscsi, FirmwareType::Clp});
+
+  EXPECT_THAT(bootTypeCalls(), testing::IsEmpty());
+}
+
+TEST_F(JobThreadTest, ThatHangsHoldsItsJobsDestructionUpAfterAnErrorRecord) {
+  m_midApi.holdWrites();
+  start({FirmwareType::Iscsi});
+  ASSERT_TRUE(m_midApi.awaitHeldWrite());
+
+  std::atomic<bool> isDestroyed{false};
+  std::thread destroyer = destroyAside(isDestroyed);
+  EXPECT_TRUE(test::waitUntil([this] { return placeOf("terminating timeout error") >= 0; }));
+  EXPECT_FALSE(isDestroyed);
+  m_midApi.releaseWrites();
+  destroyer.join();
+
+  EXPECT_THAT(m_log.records(),
+              Contains(IsRecordOf(kSource, LogLevel::Error, "JobThread::~JobThread",
+                                  MatchesRegex("JobThread 0x[0-9a-f]+, terminating timeout "
+                                               "error"))));
+  EXPECT_LT(placeOf("terminating timeout error"), placeOf("autoreleasing semaphore"));
+  EXPECT_EQ(placeOf(", terminated"), -1);
+}
+
+TEST_F(JobThreadTest, ThatEndsInTimeEndsItsJobsDestruction) {
+  m_midApi.holdWrites();
+  start({FirmwareType::Iscsi});
+  ASSERT_TRUE(m_midApi.awaitHeldWrite());
+
+  std::atomic<bool> isDestroyed{false};
+  std::thread destroyer = destroyAside(isDestroyed);
+  EXPECT_TRUE(test::waitUntil([this] { return placeOf("waiting for terminate") >= 0; }));
+  EXPECT_FALSE(isDestroyed);
+  m_midApi.releaseWrites();
+  destroyer.join();
+
+  EXPECT_GE(placeOf(", terminated"), 0);
+  EXPECT_EQ(placeOf("terminating timeout error"), -1);
+  EXPECT_THAT(m_midApi.calls(), Contains(StartsWith("updateCapabilityWord")));
+}
+
+TEST(WaitForFlag, ReturnsTheWholeBudgetForASetFlag) {
+  LockedFlag flag;
+  flag.set();
+  EXPECT_EQ(waitForFlag(flag, 100), 100);
+  EXPECT_EQ(waitForFlag(flag, 0), 0);
+}
+
+TEST(WaitForFlag, UsesTheBudgetUpInStepsOfFiftyMilliseconds) {
+  const LockedFlag flag;
+  EXPECT_EQ(waitForFlag(flag, 100), 0);
+  EXPECT_EQ(waitForFlag(flag, 30), -20);
+  EXPECT_EQ(waitForFlag(flag, 0), 0);
+  EXPECT_EQ(waitForFlag(flag, -5), -5);
+}
+
+}  // namespace

@@ -1,0 +1,264 @@
+#include <gmock/gmock.h>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "agent/InstallOptions.h"
+#include "agent/Orvex_ConcreteJob.h"
+#include "agent/Orvex_ConcreteJobClass.h"
+#include "tests/agent/FakeMidApi.h"
+#include "tests/agent/FakeSystem.h"
+#include "tests/agent/NoMoreThreads.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/TempDirectory.h"
+#include "tests/support/WaitUntil.h"
+
+namespace {
+
+using test::HasRecordOf;
+using test::IsRecordOf;
+using test::LogLevel;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr const char* kAdapter = "0000:03:00.0";
+constexpr const char* kOtherAdapter = "0000:04:00.0";
+constexpr const char* kSource = "Orvex_ConcreteJobClass";
+constexpr const char* kVerifyOrCreate = "Orvex_ConcreteJobClass::verifyOrCreateNewJob";
+
+class ConcreteJobClass : public testing::Test {
+ protected:
+  ConcreteJobClass() { m_provider = std::make_unique<Orvex_ConcreteJobClass>(); }
+  ~ConcreteJobClass() override {
+    m_midApi.releaseWrites();
+    m_provider.reset();
+    TargetInProgress::clear();
+  }
+
+  std::int32_t create(const std::string& target = kAdapter) { return call(target, true); }
+  std::int32_t verify(const std::string& target = kAdapter) { return call(target, false); }
+
+  std::vector<Orvex_ConcreteJob*> enumerate() {
+    std::vector<Orvex_ConcreteJob*> jobs;
+    core::InstanceList::Iterator cursor = m_provider->getInstances();
+    for (core::CimInstance* job = cursor.first(); job != nullptr; job = cursor.next()) {
+      jobs.push_back(dynamic_cast<Orvex_ConcreteJob*>(job));
+    }
+    return jobs;
+  }
+
+  std::vector<std::string> captions() {
+    std::vector<std::string> captions;
+    for (Orvex_ConcreteJob* job : enumerate()) {
+      captions.push_back(job->Caption.getValue());
+    }
+    return captions;
+  }
+
+  // Waits until the library is writing.
+  void holdTheJobOf(const std::string& target) {
+    m_midApi.holdWrites();
+    ASSERT_EQ(create(target), 0);
+    ASSERT_TRUE(m_midApi.awaitHeldWrite());
+  }
+
+  void createAndFinish() {
+    ASSERT_EQ(create(), 0);
+    ASSERT_TRUE(test::waitUntil([this] {
+      return dynamic_cast<Orvex_ConcreteJob*>(m_job)->isFinished() && TargetInProgress::get() == "";
+    }));
+  }
+
+  test::LogCapture m_log;
+  test::FakeConfig m_config;
+  test::FakeLocker m_locker;
+  test::FakeMidApi m_midApi;
+  test::TempDirectory m_directory;
+  std::unique_ptr<Orvex_ConcreteJobClass> m_provider;
+  std::string m_uri = "file://" + m_directory.write("image.rom", std::string("rom")).string();
+  std::vector<std::uint16_t> m_options{kUpdate};
+  core::CimInstance* m_job = nullptr;
+
+ private:
+  std::int32_t call(const std::string& target, bool isCreate) {
+    return m_provider->verifyOrCreateNewJob(target, m_uri, m_options, {}, m_job, isCreate);
+  }
+};
+
+TEST_F(ConcreteJobClass, IsTheJobFactoryForItsLifetime) {
+  EXPECT_EQ(m_provider->getName(), "Orvex_ConcreteJob");
+  EXPECT_EQ(ConcreteJobFactory::getInstance(), m_provider.get());
+  EXPECT_THAT(m_log.records(), HasRecordOf("Utils/Singleton", LogLevel::Debug,
+                                           "utils::Singleton<class ConcreteJobFactory>::Singleton",
+                                           "New singleton instance for ConcreteJobFactory"));
+  m_provider.reset();
+  EXPECT_FALSE(ConcreteJobFactory::hasInstance());
+}
+
+TEST_F(ConcreteJobClass, CreatesAndStartsAJob) {
+  holdTheJobOf(kAdapter);
+
+  auto* job = dynamic_cast<Orvex_ConcreteJob*>(m_job);
+  ASSERT_NE(job, nullptr);
+  EXPECT_THAT(enumerate(), ElementsAre(job));
+  EXPECT_EQ(job->InstanceID.getValue(), "Orvex:FirmwareUpdate@Job#1");
+  EXPECT_EQ(job->Caption.getValue(), "Firmware Update Job 1");
+  EXPECT_EQ(job->getJobState(), ConcreteJobState::Running);
+  EXPECT_EQ(job->getTarget(), kAdapter);
+  EXPECT_THAT(m_log.records(),
+              HasRecordOf(kSource, LogLevel::Debug, "Orvex_ConcreteJobClass::createNewJob",
+                          "Creating new job for 0000:03:00.0 with id #1"));
+}
+
+TEST_F(ConcreteJobClass, PublishesAJobBeforeItIsEnumerated) {
+  holdTheJobOf(kAdapter);
+  EXPECT_EQ(m_job->getPath(), "Orvex_ConcreteJob.InstanceID=\"Orvex:FirmwareUpdate@Job#1\"");
+}
+
+TEST_F(ConcreteJobClass, KeepsFinishedJobs) {
+  createAndFinish();
+  createAndFinish();
+  EXPECT_THAT(captions(), ElementsAre("Firmware Update Job 1", "Firmware Update Job 2"));
+}
+
+TEST_F(ConcreteJobClass, UsesANumberUpForAJobThatCameToExistOnly) {
+  m_midApi.prepareStatus = ma::PrepareStatus::InvalidImage;
+  EXPECT_EQ(create(), 1);
+  m_midApi.prepareStatus = ma::PrepareStatus::Ok;
+  createAndFinish();
+  EXPECT_THAT(captions(), ElementsAre("Firmware Update Job 1"));
+}
+
+TEST_F(ConcreteJobClass, TakesAJobThatCannotStartBack) {
+  {
+    const test::NoMoreThreads noMoreThreads;
+    EXPECT_EQ(create(), 106);
+  }
+  EXPECT_EQ(m_job, nullptr);
+  EXPECT_THAT(enumerate(), IsEmpty());
+  EXPECT_EQ(TargetInProgress::get(), "");
+
+  createAndFinish();
+  EXPECT_THAT(captions(), ElementsAre("Firmware Update Job 2"));
+}
+
+TEST_F(ConcreteJobClass, RefusesASecondUpdateWhileOneRuns) {
+  holdTheJobOf(kAdapter);
+
+  EXPECT_EQ(create(kAdapter), 105);
+  EXPECT_EQ(m_job, nullptr);
+  EXPECT_EQ(create(kOtherAdapter), 104);
+  EXPECT_EQ(verify(kAdapter), 105);
+  EXPECT_EQ(verify(kOtherAdapter), 104);
+  EXPECT_EQ(enumerate().size(), 1u);
+}
+
+TEST_F(ConcreteJobClass, VerifiesWithoutAJobAndLeavesTheTargetInProgress) {
+  EXPECT_EQ(verify(), 0);
+
+  EXPECT_EQ(m_job, nullptr);
+  EXPECT_THAT(enumerate(), IsEmpty());
+  EXPECT_EQ(TargetInProgress::get(), kAdapter);
+  EXPECT_EQ(create(kAdapter), 105);
+  EXPECT_EQ(create(kOtherAdapter), 104);
+  EXPECT_EQ(verify(kAdapter), 105);
+}
+
+TEST_F(ConcreteJobClass, LeavesNoTargetInProgressWhenVerificationFails) {
+  m_midApi.prepareStatus = ma::PrepareStatus::InvalidImage;
+  EXPECT_EQ(verify(), 1);
+  EXPECT_EQ(TargetInProgress::get(), "");
+}
+
+TEST_F(ConcreteJobClass, LogsARefusalByItsFullText) {
+  m_uri = "nonsense";
+  EXPECT_EQ(create(), 100);
+  EXPECT_THAT(m_log.records(),
+              HasRecordOf(kSource, LogLevel::Error, kVerifyOrCreate,
+                          "Exception: 'Quorvel: EInvalidUri:URI: nonsense is invalid'"));
+}
+
+TEST_F(ConcreteJobClass, AnswersEachRefusalByItsNumber) {
+  const auto refuse = [this](ma::PrepareStatus status) {
+    m_midApi.prepareStatus = status;
+    return create();
+  };
+  EXPECT_EQ(refuse(ma::PrepareStatus::InvalidImage), 1);
+  EXPECT_EQ(refuse(ma::PrepareStatus::NotForAdapter), 2);
+  EXPECT_EQ(refuse(ma::PrepareStatus::Downgrade), 3);
+  EXPECT_EQ(refuse(ma::PrepareStatus::TypesDiffer), 3);
+  EXPECT_EQ(refuse(ma::PrepareStatus::InternalFault), 4);
+  EXPECT_EQ(refuse(ma::PrepareStatus::NotUpdatable), 5);
+  m_uri = "file://" + (m_directory.path() / "missing").string();
+  EXPECT_EQ(create(), 101);
+  m_uri = "http://host/image.rom";
+  EXPECT_EQ(create(), 100);
+  EXPECT_EQ(TargetInProgress::get(), "");
+}
+
+TEST_F(ConcreteJobClass, AnswersAnUnknownTypeAsAnInvalidParameter) {
+  EXPECT_EQ(m_provider->verifyOrCreateNewJob(kAdapter, m_uri, {kUpdate, kTargetTypes},
+                                             {"", "img_pxe"}, m_job, true),
+            1);
+}
+
+TEST_F(ConcreteJobClass, AnswersAnyOtherErrorAsUnspecified) {
+  class FailingConfig : public test::FakeConfig {
+    bool getDowngradeEnable() override { throw std::runtime_error("no configuration"); }
+  } config;
+  m_midApi.prepareStatus = ma::PrepareStatus::TypesDiffer;
+
+  EXPECT_EQ(create(), 4);
+
+  EXPECT_THAT(m_log.records(), HasRecordOf(kSource, LogLevel::Error, kVerifyOrCreate,
+                                           "Exception: 'no configuration'"));
+  EXPECT_EQ(TargetInProgress::get(), "");
+}
+
+TEST_F(ConcreteJobClass, RefreshesItsJobsWhenItIsEnumerated) {
+  createAndFinish();
+  const std::string function = "ConcreteJob::getInstances";
+  enumerate();
+  m_log.clear();
+
+  const std::vector<Orvex_ConcreteJob*> jobs = enumerate();
+
+  ASSERT_EQ(jobs.size(), 1u);
+  EXPECT_EQ(jobs[0]->JobState.getValue(), 7);
+  EXPECT_EQ(jobs[0]->PercentComplete.getValue(), 100);
+  EXPECT_THAT(m_log.records(),
+              ElementsAre(IsRecordOf(kSource, LogLevel::Debug, function, "All jobs: 1"),
+                          IsRecordOf(kSource, LogLevel::Debug, function,
+                                     "Refreshing job: FirmwareUpdate@Job#1"),
+                          IsRecordOf("Orvex_ConcreteJob", LogLevel::Debug,
+                                     "Orvex_ConcreteJob::threadControl", "New threadControl 3"),
+                          IsRecordOf("Orvex_ConcreteJob", LogLevel::Debug,
+                                     "Orvex_ConcreteJob::threadControl", "threadControl 3 - DONE"),
+                          IsRecordOf(kSource, LogLevel::Debug, function, "return 1")));
+}
+
+TEST_F(ConcreteJobClass, DeletesTheThreadsOfFinishedJobsWhenItIsEnumerated) {
+  createAndFinish();
+  EXPECT_TRUE(test::waitUntil([this] {
+    enumerate();
+    return !m_log.messages("JobThread::~JobThread").empty();
+  }));
+}
+
+TEST_F(ConcreteJobClass, PublishesTheProgressOfARunningJob) {
+  holdTheJobOf(kAdapter);
+  m_midApi.progress = 37;
+  const std::vector<Orvex_ConcreteJob*> jobs = enumerate();
+
+  ASSERT_EQ(jobs.size(), 1u);
+  EXPECT_EQ(jobs[0]->JobState.getValue(), 4);
+  EXPECT_EQ(jobs[0]->PercentComplete.getValue(), 37);
+}
+
+TEST_F(ConcreteJobClass, WithoutJobsIsEmpty) {
+  EXPECT_THAT(enumerate(), IsEmpty());
+  EXPECT_THAT(m_log.messages("ConcreteJob::getInstances"), ElementsAre("All jobs: 0", "return 0"));
+}
+
+}  // namespace

@@ -1,0 +1,432 @@
+#include <gmock/gmock.h>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Utils/Clock.h"
+#include "agent/Orvex_ConcreteJob.h"
+#include "tests/agent/FakeMidApi.h"
+#include "tests/agent/FakeSystem.h"
+#include "tests/agent/NoMoreThreads.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/TempDirectory.h"
+#include "tests/support/Throws.h"
+#include "tests/support/WaitUntil.h"
+
+namespace {
+
+using test::HasRecordOf;
+using test::IsRecordOf;
+using test::LogLevel;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::MatchesRegex;
+using utils::FirmwareType;
+
+constexpr const char* kAdapter = "0000:03:00.0";
+constexpr const char* kSource = "Orvex_ConcreteJob";
+constexpr const char* kControl = "Orvex_ConcreteJob::threadControl";
+constexpr const char* kRequest = "Orvex_ConcreteJob::requestStateChange";
+
+class ConcreteJob : public testing::Test {
+ protected:
+  ~ConcreteJob() override {
+    m_midApi.releaseWrites();
+    m_job.reset();
+    TargetInProgress::clear();
+  }
+
+  std::unique_ptr<Orvex_ConcreteJob> makeJob() {
+    return std::make_unique<Orvex_ConcreteJob>(
+        kAdapter, 7,
+        VerifiedImage{test::bytesOf("image"),
+                      {FirmwareType::Pxe, FirmwareType::Iscsi},
+                      TargetReservation(kAdapter)});
+  }
+
+  std::uint32_t request(std::uint16_t state) {
+    return m_job->requestStateChange(state, utils::Datetime(0));
+  }
+
+  bool deleteThread() { return m_job->threadControl(Orvex_ConcreteJob::kDeleteThread, 0); }
+
+  // Starts the job and waits until its thread is in the flash library, where it stays.
+  void startAndHold() {
+    m_midApi.holdWrites();
+    ASSERT_EQ(request(2), 0u);
+    ASSERT_TRUE(m_midApi.awaitHeldWrite());
+  }
+
+  // Lets the job end and deletes its thread.
+  void finish() {
+    m_midApi.releaseWrites();
+    ASSERT_TRUE(test::waitUntil([this] { return deleteThread(); }));
+  }
+
+  void change(int state) { m_job->setJobState(static_cast<ConcreteJobState>(state)); }
+
+  test::LogCapture m_log;
+  test::FakeConfig m_config;
+  test::FakeLocker m_locker;
+  test::FakeMidApi m_midApi;
+  std::unique_ptr<Orvex_ConcreteJob> m_job = makeJob();
+};
+
+TEST_F(ConcreteJob, IsNewWhenItIsMade) {
+  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::New);
+  EXPECT_FALSE(m_job->isFinished());
+  EXPECT_EQ(m_job->getPercentComplete(), 0);
+  EXPECT_EQ(m_job->getInstanceId(), "FirmwareUpdate@Job#7");
+  EXPECT_EQ(m_job->getTarget(), kAdapter);
+  EXPECT_THAT(m_job->getTargetTypes(), ElementsAre(FirmwareType::Pxe, FirmwareType::Iscsi));
+  EXPECT_EQ(m_job->getClassName(), "Orvex_ConcreteJob");
+  EXPECT_EQ(TargetInProgress::get(), kAdapter);
+}
+
+TEST_F(ConcreteJob, ChecksItsImage) {
+  m_job.reset();
+  const test::TempDirectory directory;
+  const std::string uri = "file://" + directory.write("a.rom", std::string("rom")).string();
+
+  m_job =
+      std::make_unique<Orvex_ConcreteJob>(kAdapter, 1, uri, std::vector<std::uint16_t>{5, 32768},
+                                          std::vector<std::string>{"", "IMG_UEFI"});
+
+  EXPECT_EQ(m_job->getImage(), test::bytesOf("rom"));
+  EXPECT_THAT(m_job->getTargetTypes(), ElementsAre(FirmwareType::Uefi));
+}
+
+TEST_F(ConcreteJob, DoesNotComeToExistWithABadImage) {
+  m_job.reset();
+  const auto construct = [] { const Orvex_ConcreteJob job(kAdapter, 1, "nonsense", {5}, {}); };
+  EXPECT_THROW(construct(), utils::Exception);
+  EXPECT_EQ(TargetInProgress::get(), "");
+}
+
+// -- states --
+
+struct StateCase {
+  int state;
+  bool isEnd;
+};
+
+class ConcreteJobStateTable : public ConcreteJob, public testing::WithParamInterface<StateCase> {};
+
+TEST_P(ConcreteJobStateTable, SaysWhetherTheJobIsFinished) {
+  change(GetParam().state);
+
+  EXPECT_EQ(static_cast<int>(m_job->getJobState()), GetParam().state);
+  EXPECT_EQ(m_job->isFinished(), GetParam().isEnd);
+  EXPECT_EQ(m_job->getImage().empty(), GetParam().isEnd);
+  EXPECT_EQ(TargetInProgress::get(), GetParam().isEnd ? "" : kAdapter);
+  EXPECT_THAT(m_log.records(),
+              HasRecordOf(kSource, LogLevel::Debug, "Orvex_ConcreteJob::setJobState",
+                          "2 -> " + std::to_string(GetParam().state)));
+}
+
+TEST_P(ConcreteJobStateTable, SaysWhetherAFinishedJobStaysFinished) {
+  change(7);
+  change(GetParam().state);
+
+  EXPECT_EQ(m_job->isFinished(), GetParam().isEnd);
+}
+
+INSTANTIATE_TEST_SUITE_P(States, ConcreteJobStateTable,
+                         testing::Values(StateCase{2, false}, StateCase{3, false},
+                                         StateCase{4, false}, StateCase{5, false},
+                                         StateCase{6, true}, StateCase{7, true},
+                                         StateCase{8, false}, StateCase{9, false},
+                                         StateCase{10, true}, StateCase{11, false},
+                                         StateCase{12, false}),
+                         [](const testing::TestParamInfo<StateCase>& entry) {
+                           return "State" + std::to_string(entry.param.state);
+                         });
+
+TEST_F(ConcreteJob, StaysWhatItWasInAStateOutsideTheTable) {
+  for (const int state : {0, 1, 13, 65535}) {
+    change(state);
+    EXPECT_EQ(static_cast<int>(m_job->getJobState()), state);
+    EXPECT_FALSE(m_job->isFinished()) << state;
+  }
+  change(10);
+  for (const int state : {0, 1, 13, 65535}) {
+    change(state);
+    EXPECT_TRUE(m_job->isFinished()) << state;
+  }
+}
+
+TEST_F(ConcreteJob, ClearsTheTargetInProgressWheneverItReachesAnEnd) {
+  change(7);
+  TargetInProgress::set("0000:04:00.0");
+  change(10);
+  EXPECT_EQ(TargetInProgress::get(), "");
+}
+
+TEST_F(ConcreteJob, NotesTheTimeOfEveryChange) {
+  m_job->setPropertyValues();
+  EXPECT_FALSE(m_job->TimeOfLastStateChange.getValue().isTimestamp);
+  EXPECT_EQ(m_job->TimeOfLastStateChange.getValue().value, 0u);
+  const std::uint64_t before = utils::currentMicroseconds();
+
+  change(5);
+
+  m_job->setPropertyValues();
+  EXPECT_TRUE(m_job->TimeOfLastStateChange.getValue().isTimestamp);
+  EXPECT_GE(m_job->TimeOfLastStateChange.getValue().value, before);
+}
+
+TEST_F(ConcreteJob, MeasuresItsTimeWhenItIsCompletedOnly) {
+  const std::uint64_t made = m_job->StartTime.getValue().value;
+  ASSERT_TRUE(test::waitUntil([made] { return utils::currentMicroseconds() >= made + 20'000; }));
+  const auto elapsed = [this] {
+    m_job->setPropertyValues();
+    return m_job->ElapsedTime.getValue().value;
+  };
+  const std::uint64_t atConstruction = elapsed();
+  change(10);
+  EXPECT_EQ(elapsed(), atConstruction);
+  change(7);
+  EXPECT_GE(elapsed(), 10'000u);
+  EXPECT_FALSE(m_job->ElapsedTime.getValue().isTimestamp);
+}
+
+// -- requests --
+
+TEST_F(ConcreteJob, StartsWhenItIsAskedTo) {
+  startAndHold();
+
+  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::Running);
+  EXPECT_THAT(m_log.messages(kRequest), ElementsAre("New request 2", "starting job"));
+  finish();
+  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::Completed);
+}
+
+TEST_F(ConcreteJob, RefusesOtherRequests) {
+  for (const std::uint16_t state : std::vector<std::uint16_t>{0, 1, 3, 4, 5, 11, 32768, 65535}) {
+    m_log.clear();
+    EXPECT_EQ(request(state), 5u);
+    EXPECT_THAT(m_log.records(),
+                ElementsAre(IsRecordOf(kSource, LogLevel::Debug, kRequest,
+                                       "New request " + std::to_string(state)),
+                            IsRecordOf(kSource, LogLevel::Error, kRequest,
+                                       "Not supported new state " + std::to_string(state))));
+    EXPECT_EQ(m_job->getJobState(), ConcreteJobState::New);
+  }
+}
+
+TEST_F(ConcreteJob, StartsOnce) {
+  startAndHold();
+  EXPECT_EQ(request(2), 4097u);
+  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::Running);
+  finish();
+  EXPECT_EQ(request(2), 4097u);
+  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::Completed);
+  EXPECT_THAT(m_log.records(), HasRecordOf(kSource, LogLevel::Error, kRequest,
+                                           "Cannot start job that is not in 'NEW' state"));
+}
+
+TEST_F(ConcreteJob, DoesNotStartFromStarting) {
+  change(3);
+  EXPECT_EQ(request(2), 4097u);
+  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::Starting);
+}
+
+TEST_F(ConcreteJob, FailsWhenItsThreadDoesNotStart) {
+  m_job->setError(9, "as it was");
+  {
+    const test::NoMoreThreads noMoreThreads;
+    EXPECT_EQ(request(2), 4u);
+  }
+  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::Exception);
+  EXPECT_EQ(TargetInProgress::get(), "");
+  m_job->setPropertyValues();
+  EXPECT_EQ(m_job->ErrorCode.getValue(), 9);
+  EXPECT_EQ(m_job->ErrorDescription.getValue(), "as it was");
+  EXPECT_THAT(m_log.records(),
+              HasRecordOf(kSource, LogLevel::Error, kControl, "Thread start error"));
+  EXPECT_THAT(m_log.messages("Orvex_ConcreteJob::setJobState"), ElementsAre("2 -> 3", "3 -> 10"));
+}
+
+// -- the thread --
+
+TEST_F(ConcreteJob, WaitsForItsThread) {
+  startAndHold();
+  EXPECT_FALSE(m_job->threadControl(2, 30));
+  m_midApi.releaseWrites();
+  EXPECT_TRUE(m_job->threadControl(2, 30'000));
+  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::Completed);
+}
+
+TEST_F(ConcreteJob, CountsATimeoutThatIsUsedUpExactlyAsWaited) {
+  startAndHold();
+  EXPECT_TRUE(m_job->threadControl(2, 50));
+  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::Running);
+}
+
+TEST_F(ConcreteJob, DeletesItsThreadWhenThatIsDone) {
+  startAndHold();
+  EXPECT_FALSE(deleteThread());
+  EXPECT_THAT(m_log.messages(kControl), Contains("threadControl 3 - DONE"));
+  finish();
+  EXPECT_THAT(m_log.messages(kControl),
+              Contains(MatchesRegex("Deleting JobThread 0x[0-9a-f]+ for 0000:03:00.0")));
+  m_log.clear();
+
+  EXPECT_FALSE(deleteThread());
+  EXPECT_THAT(
+      m_log.records(),
+      ElementsAre(IsRecordOf(kSource, LogLevel::Debug, kControl, "New threadControl 3"),
+                  IsRecordOf(kSource, LogLevel::Debug, kControl, "threadControl 3 - DONE")));
+}
+
+TEST_F(ConcreteJob, LogsTheDeletionOfItsThread) {
+  ASSERT_EQ(request(2), 0u);
+  ASSERT_TRUE(m_job->threadControl(2, 30'000));
+  m_log.clear();
+
+  EXPECT_TRUE(deleteThread());
+
+  EXPECT_THAT(m_log.messages(kControl),
+              ElementsAre("New threadControl 3",
+                          MatchesRegex("Deleting JobThread 0x[0-9a-f]+ for 0000:03:00.0"),
+                          "threadControl 3 - DONE"));
+}
+
+TEST_F(ConcreteJob, KnowsNoOtherThreadCommands) {
+  for (const std::int32_t command : {0, 4, -1}) {
+    m_log.clear();
+    EXPECT_FALSE(m_job->threadControl(command, 0));
+    const std::string number = std::to_string(command);
+    EXPECT_THAT(m_log.messages(kControl),
+                ElementsAre("New threadControl " + number, "threadControl " + number + " - DONE"));
+  }
+}
+
+TEST_F(ConcreteJob, WantsAThreadToStartOrToWaitFor) {
+  startAndHold();
+  finish();
+  for (const std::int32_t command : {1, 2}) {
+    const auto call = [this, command] { m_job->threadControl(command, 0); };
+    EXPECT_THAT(call, test::ThrowsExactly<utils::Exception>(
+                          test::IsAssertion(kSource, "m_myThread != NULL")));
+  }
+}
+
+// -- progress --
+
+TEST_F(ConcreteJob, HasTheLibrarysProgressWhileItRuns) {
+  m_midApi.progress = 42;
+  EXPECT_EQ(m_job->getPercentComplete(), 0);
+  change(3);
+  EXPECT_EQ(m_job->getPercentComplete(), 0);
+  change(4);
+  EXPECT_EQ(m_job->getPercentComplete(), 42);
+  change(5);
+  m_midApi.progress = 80;
+  EXPECT_EQ(m_job->getPercentComplete(), 42);
+}
+
+TEST_F(ConcreteJob, HasAllOfItsProgressAtTheEnd) {
+  m_midApi.progress = 42;
+  for (const int state : {7, 10}) {
+    change(state);
+    EXPECT_EQ(m_job->getPercentComplete(), 100) << state;
+  }
+  change(9);
+  EXPECT_EQ(m_job->getPercentComplete(), 100);
+}
+
+TEST_F(ConcreteJob, NeverPublishesAnEndWithLessThanAllOfItsProgress) {
+  change(4);
+  m_midApi.progress = 99;
+  // The job ends while its progress is looked up.
+  m_midApi.onProgress = [this] { change(7); };
+
+  m_job->setPropertyValues();
+
+  EXPECT_EQ(m_job->JobState.getValue(), 4);
+  EXPECT_EQ(m_job->PercentComplete.getValue(), 99);
+  m_job->setPropertyValues();
+  EXPECT_EQ(m_job->JobState.getValue(), 7);
+  EXPECT_EQ(m_job->PercentComplete.getValue(), 100);
+}
+
+// -- published properties --
+
+std::map<std::string, bool> nullStates(core::CimInstance& instance) {
+  std::map<std::string, bool> states;
+  core::CimPropertyList::Iterator cursor = instance.getProperties().iterator();
+  for (core::CimProperty* property = cursor.first(); property != nullptr;
+       property = cursor.next()) {
+    states[property->getName()] = property->isNull();
+  }
+  return states;
+}
+
+TEST_F(ConcreteJob, PublishesItsProperties) {
+  const std::uint64_t now = utils::currentMicroseconds();
+  m_job->setError(5, "a text");
+  change(4);
+  m_midApi.progress = 42;
+  m_job->setPropertyValues();
+
+  EXPECT_EQ(m_job->Caption.getValue(), "Firmware Update Job 7");
+  EXPECT_EQ(m_job->Description.getValue(), "Firmware Update Job 7");
+  EXPECT_EQ(m_job->Name.getValue(), "Firmware Update Job 7");
+  EXPECT_EQ(m_job->InstanceID.getValue(), "Orvex:FirmwareUpdate@Job#7");
+  EXPECT_THAT(m_job->OperationalStatus.getValue(), ElementsAre(2));
+  EXPECT_TRUE(m_job->StartTime.getValue().isTimestamp);
+  EXPECT_LE(m_job->StartTime.getValue().value, now);
+  EXPECT_GT(m_job->StartTime.getValue().value, now - 60'000'000);
+  EXPECT_FALSE(m_job->ElapsedTime.getValue().isTimestamp);
+  EXPECT_EQ(m_job->JobRunTimes.getValue(), 1u);
+  EXPECT_EQ(m_job->Priority.getValue(), 0u);
+  EXPECT_EQ(m_job->PercentComplete.getValue(), 42);
+  EXPECT_EQ(m_job->DeleteOnCompletion.getValue(), 0);
+  EXPECT_EQ(m_job->ErrorCode.getValue(), 5);
+  EXPECT_EQ(m_job->ErrorDescription.getValue(), "a text");
+  EXPECT_EQ(m_job->JobState.getValue(), 4);
+  EXPECT_TRUE(m_job->TimeOfLastStateChange.getValue().isTimestamp);
+  EXPECT_FALSE(m_job->TimeBeforeRemoval.getValue().isTimestamp);
+  EXPECT_EQ(m_job->TimeBeforeRemoval.getValue().value, 300'000'000u);
+}
+
+TEST_F(ConcreteJob, LeavesTheOtherPropertiesNull) {
+  const std::set<std::string> published{
+      "Caption",          "Description",      "Name",
+      "InstanceID",       "StartTime",        "OperationalStatus",
+      "Priority",         "ElapsedTime",      "JobRunTimes",
+      "PercentComplete",  "ErrorCode",        "DeleteOnCompletion",
+      "JobState",         "ErrorDescription", "TimeOfLastStateChange",
+      "TimeBeforeRemoval"};
+  // A value that somebody set does not stay.
+  m_job->TimeSubmitted.setValue(utils::Datetime());
+  m_job->ElementName.setValue("x");
+
+  m_job->setPropertyValues();
+
+  std::set<std::string> filled;
+  for (const auto& [name, isNull] : nullStates(*m_job)) {
+    if (!isNull) {
+      filled.insert(name);
+    }
+  }
+  EXPECT_EQ(filled, published);
+  EXPECT_EQ(nullStates(*m_job).size(), 39u);
+}
+
+TEST_F(ConcreteJob, KeepsOneStatusHoweverOftenItPublishes) {
+  m_job->setPropertyValues();
+  m_job->setPropertyValues();
+  EXPECT_THAT(m_job->OperationalStatus.getValue(), ElementsAre(2));
+}
+
+TEST_F(ConcreteJob, HasItsInstanceIdAsKey) {
+  m_job->setPropertyValues();
+  EXPECT_EQ(m_job->getPath(), "Orvex_ConcreteJob.InstanceID=\"Orvex:FirmwareUpdate@Job#7\"");
+}
+
+}  // namespace

@@ -1,0 +1,34 @@
+#include <gmock/gmock.h>
+
+#include "Os/Environment.h"
+#include "inventory/DeviceValues.h"
+
+namespace {
+
+class Device : public CIM_LogicalDevice {
+ public:
+  [[nodiscard]] std::string getClassName() const override { return "Test_Device"; }
+};
+
+TEST(SetDeviceValues, FillsKeysAndNames) {
+  os::setEnvironment("COMPUTERNAME", "host7");
+  Device device;
+
+  inventory::setDeviceValues(device, "id 1", "A device");
+
+  EXPECT_EQ(device.getPath(),
+            "Test_Device.SystemCreationClassName=\"CIM_UnitaryComputerSystem\","
+            "SystemName=\"host7\",CreationClassName=\"Test_Device\",DeviceID=\"id 1\"");
+  EXPECT_EQ(device.Caption.getValue(), "A device");
+  EXPECT_EQ(device.Description.getValue(), "A device");
+  EXPECT_EQ(device.ElementName.getValue(), "A device");
+  EXPECT_EQ(device.Name.getValue(), "id 1");
+  EXPECT_THAT(device.OperationalStatus.getValue(), testing::ElementsAre(2));
+}
+
+TEST(GetAdapterIdentity, LeavesTheFunctionOut) {
+  EXPECT_EQ(inventory::getAdapterIdentity("0000:03:00.1"), "0000:03:00");
+  EXPECT_EQ(inventory::getAdapterIdentity("0000:03:00"), "0000:03:00");
+}
+
+}  // namespace

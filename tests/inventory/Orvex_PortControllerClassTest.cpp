@@ -1,0 +1,79 @@
+#include <gmock/gmock.h>
+#include <string>
+#include <vector>
+
+#include "inventory/Orvex_EthernetPortClass.h"
+#include "inventory/Orvex_PortController.h"
+#include "inventory/Orvex_PortControllerClass.h"
+#include "tests/agent/FakeMidApi.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+template <class Instance>
+std::vector<Instance*> enumerate(core::CimClass& provider) {
+  std::vector<Instance*> instances;
+  core::InstanceList::Iterator cursor = provider.getInstances();
+  for (core::CimInstance* instance = cursor.first(); instance != nullptr;
+       instance = cursor.next()) {
+    instances.push_back(dynamic_cast<Instance*>(instance));
+  }
+  return instances;
+}
+
+class PortControllerClass : public testing::Test {
+ protected:
+  std::vector<Orvex_PortController*> controllers() {
+    return enumerate<Orvex_PortController>(m_provider);
+  }
+
+  // Returns the identities of the ports that the controller calls its own.
+  std::vector<std::string> portsOf(const Orvex_PortController& controller) {
+    std::vector<std::string> identities;
+    for (const Orvex_EthernetPort* port : enumerate<Orvex_EthernetPort>(m_ports)) {
+      if (controller.ownsPort(*port)) {
+        identities.push_back(port->getIdentity());
+      }
+    }
+    return identities;
+  }
+
+  test::FakeMidApi m_midApi;
+  Orvex_EthernetPortClass m_ports;
+  Orvex_PortControllerClass m_provider;
+};
+
+TEST_F(PortControllerClass, ServesAControllerForEachAdapter) {
+  EXPECT_EQ(m_provider.getName(), "Orvex_PortController");
+  std::vector<std::string> identities;
+  for (Orvex_PortController* controller : controllers()) {
+    identities.push_back(controller->DeviceID.getValue());
+  }
+  EXPECT_THAT(identities, ElementsAre("0000:03:00", "0000:04:00"));
+}
+
+TEST_F(PortControllerClass, KnowsThePortsOfItsControllers) {
+  m_midApi.adapters = {"0000:03:00.0", "0000:03:00.1", "0000:03:01.0", "0001:03:00.0"};
+  const std::vector<Orvex_PortController*> all = controllers();
+
+  ASSERT_EQ(all.size(), 3u);
+  EXPECT_THAT(portsOf(*all[0]), ElementsAre("0000:03:00.0", "0000:03:00.1"));
+  EXPECT_THAT(portsOf(*all[1]), ElementsAre("0000:03:01.0"));
+  EXPECT_THAT(portsOf(*all[2]), ElementsAre("0001:03:00.0"));
+}
+
+TEST_F(PortControllerClass, DescribesAController) {
+  Orvex_PortController& controller = *controllers().at(0);
+  EXPECT_EQ(controller.getClassName(), "Orvex_PortController");
+  EXPECT_TRUE(controller.DeviceID.isKey());
+  EXPECT_EQ(controller.Caption.getValue(), "Ethernet Adapter 0000:03:00");
+  EXPECT_EQ(controller.ControllerType.getValue(), 2);
+}
+
+TEST_F(PortControllerClass, WithoutAdaptersIsEmpty) {
+  m_midApi.adapters.clear();
+  EXPECT_THAT(controllers(), testing::IsEmpty());
+}
+
+}  // namespace
