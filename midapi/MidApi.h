@@ -89,8 +89,8 @@ ORVEX_MIDAPI_API bool setBootType(const std::string& adapter, BootType bootType)
                                                     std::string& errorText);
 
 // Returns the progress of the adapter's running or last write in this process, in percent; it never
-// falls during a write and reads 100 only after its success. 0 when there was no write, and from the
-// preparation of the next one on.
+// falls during a write and reads 100 only after its success. 0 when there was no write, and from
+// the preparation of the next one on.
 [[nodiscard]] ORVEX_MIDAPI_API std::uint32_t getFlashImageUpdateProgress(
     const std::string& adapter);
 
