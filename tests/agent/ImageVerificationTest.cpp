@@ -1,5 +1,4 @@
 #include <filesystem>
-#include <fstream>
 #include <gmock/gmock.h>
 #include <optional>
 #include <string>
@@ -10,6 +9,7 @@
 #include "agent/JobErrors.h"
 #include "tests/agent/FakeMidApi.h"
 #include "tests/agent/FakeSystem.h"
+#include "tests/agent/FileCuttingSinks.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/Throws.h"
@@ -34,27 +34,6 @@ constexpr const char* kOtherTypes =
 
 using Options = std::vector<std::uint16_t>;
 using Values = std::vector<std::string>;
-
-// Records pass through; the one that says that a file will be read has it cut short.
-class FileCuttingSinks : public utils::LogSinks {
- public:
-  explicit FileCuttingSinks(std::filesystem::path file) : m_file(std::move(file)) {
-    m_previous = utils::exchangeLogSinks(this);
-  }
-  ~FileCuttingSinks() override { utils::exchangeLogSinks(m_previous); }
-
-  void writeEventLog(const std::string&) noexcept override {}
-  void writeDebugChannel(const std::string& line) noexcept override {
-    if (line.find("os::readFile: debug: Reading") != std::string::npos) {
-      std::ofstream(m_file) << "cut";
-    }
-  }
-  void writeStandardError(const std::string&) noexcept override {}
-
- private:
-  const std::filesystem::path m_file;
-  utils::LogSinks* m_previous = nullptr;
-};
 
 class ImageVerification : public testing::Test {
  protected:
@@ -152,7 +131,7 @@ TEST_F(ImageVerification, RefusesAUriThatNamesNoFile) {
 }
 
 TEST_F(ImageVerification, RefusesAFileThatIsCutWhileItIsRead) {
-  const FileCuttingSinks sinks(m_file);
+  const test::FileCuttingSinks sinks(m_file);
 
   EXPECT_THAT(checking(),
               ThrowsExactly<EImageReadError>("Quorvel: EImageReadError:Image read error: " + m_uri +

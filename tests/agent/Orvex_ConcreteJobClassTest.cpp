@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <memory>
 #include <stdexcept>
@@ -9,6 +10,7 @@
 #include "agent/Orvex_ConcreteJobClass.h"
 #include "tests/agent/FakeMidApi.h"
 #include "tests/agent/FakeSystem.h"
+#include "tests/agent/FileCuttingSinks.h"
 #include "tests/agent/NoMoreThreads.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TempDirectory.h"
@@ -194,6 +196,15 @@ TEST_F(ConcreteJobClass, AnswersEachRefusalByItsNumber) {
   EXPECT_EQ(create(), 101);
   m_uri = "http://host/image.rom";
   EXPECT_EQ(create(), 100);
+  EXPECT_EQ(TargetInProgress::get(), "");
+}
+
+TEST_F(ConcreteJobClass, AnswersAFileThatCannotBeReadWholeByItsNumber) {
+  const std::filesystem::path file = m_directory.write("long.rom", std::string("firmware"));
+  m_uri = "file://" + file.string();
+  const test::FileCuttingSinks sinks(file);
+
+  EXPECT_EQ(create(), 103);
   EXPECT_EQ(TargetInProgress::get(), "");
 }
 

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstdlib>
 #include <gmock/gmock.h>
 #include <optional>
 #include <string>
@@ -120,6 +121,11 @@ TEST_F(InstallationServiceClass, NamesTheServiceByItsKeys) {
 
 TEST_F(InstallationServiceClass, CallsAComputerWithoutANameLocalhost) {
   nameComputer("");
+  EXPECT_EQ(enumerate().SystemName.getValue(), "localhost");
+}
+
+TEST_F(InstallationServiceClass, CallsAComputerWhoseNameIsNotDefinedLocalhost) {
+  ASSERT_EQ(unsetenv("COMPUTERNAME"), 0);
   EXPECT_EQ(enumerate().SystemName.getValue(), "localhost");
 }
 

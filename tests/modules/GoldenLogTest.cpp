@@ -1,0 +1,154 @@
+// The log of one whole update at level 3, from the loading of the modules to the end of the job,
+// compared with golden-update.log.
+
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <map>
+#include <mutex>
+#include <regex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "Os/Environment.h"
+#include "Utils/Log.h"
+#include "tests/modules/Firmware.h"
+#include "tests/modules/ModuleHost.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/WaitUntil.h"
+
+namespace {
+
+using test::firmware;
+using test::kAdapter;
+using test::kFirstPort;
+
+// Keeps the records of each thread apart: their order between threads is not fixed.
+class ThreadedLog : private utils::LogSinks {
+ public:
+  ThreadedLog() : m_previous(utils::exchangeLogSinks(this)) {}
+  ~ThreadedLog() override { utils::exchangeLogSinks(m_previous); }
+
+  [[nodiscard]] bool hasLine(const std::string& part) const {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    for (const Thread& thread : m_threads) {
+      for (const std::string& line : thread.lines) {
+        if (line.find(part) != std::string::npos) {
+          return true;
+        }
+      }
+    }
+    return false;
+  }
+
+  // Returns the lines, thread by thread in the order in which they began to log.
+  [[nodiscard]] std::vector<std::vector<std::string>> threads() const {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    std::vector<std::vector<std::string>> threads;
+    for (const Thread& thread : m_threads) {
+      threads.push_back(thread.lines);
+    }
+    return threads;
+  }
+
+  // Returns whether each line went to the debug channel and to the standard error stream, and each
+  // error to the event log.
+  [[nodiscard]] bool wentEverywhere() const {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_debugLines == m_consoleLines && m_errorLines == m_eventLines;
+  }
+
+ private:
+  struct Thread {
+    std::thread::id id;
+    std::vector<std::string> lines;
+  };
+
+  void writeEventLog(const std::string& line) noexcept override {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    ++m_eventLines[line];
+  }
+  void writeDebugChannel(const std::string& line) noexcept override {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    ++m_debugLines[line];
+    if (test::parseLogLine(line).level == test::LogLevel::Error) {
+      ++m_errorLines[line];
+    }
+    for (Thread& thread : m_threads) {
+      if (thread.id == std::this_thread::get_id()) {
+        thread.lines.push_back(line);
+        return;
+      }
+    }
+    m_threads.push_back({std::this_thread::get_id(), {line}});
+  }
+  void writeStandardError(const std::string& text) noexcept override {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    ++m_consoleLines[text];
+  }
+
+  mutable std::mutex m_mutex;
+  std::vector<Thread> m_threads;
+  std::map<std::string, int> m_debugLines;
+  std::map<std::string, int> m_consoleLines;
+  std::map<std::string, int> m_errorLines;
+  std::map<std::string, int> m_eventLines;
+  utils::LogSinks* m_previous;
+};
+
+class GoldenLog : public testing::Test {
+ protected:
+  // Returns the record without what differs from run to run.
+  std::string mask(const std::string& line) const {
+    static const std::pair<std::regex, const char*> kMasks[] = {
+        {std::regex("0x[0-9a-f]+"), "POINTER"},
+        {std::regex("### [0-9]{2}:[0-9]{2}:[0-9]{2} "), "### HH:MM:SS "},
+        {std::regex("after [0-9]+ms"), "after Nms"},
+    };
+    const test::LogRecord record = test::parseLogLine(line);
+    std::string text = record.message;
+    for (const auto& [pattern, name] : kMasks) {
+      text = std::regex_replace(text, pattern, name);
+    }
+    const std::string directory = m_host.directory().string();
+    for (std::size_t at = text.find(directory); at != std::string::npos;
+         at = text.find(directory)) {
+      text.replace(at, directory.size(), "DIRECTORY");
+    }
+    return record.source + ":" + record.function + ": " +
+           (record.level == test::LogLevel::Error ? "error" : "debug") + ": " + text + "\n";
+  }
+
+  // Returns the log as the file has it.
+  std::string log() const {
+    std::string text;
+    for (const std::vector<std::string>& lines : m_log.threads()) {
+      text += text.empty() ? "--- the request\n" : "--- the job\n";
+      for (const std::string& line : lines) {
+        text += mask(line);
+      }
+    }
+    return text;
+  }
+
+  test::ModuleHost m_host;
+  ThreadedLog m_log;
+};
+
+TEST_F(GoldenLog, OfAnUpdateIsTheStoredOne) {
+  os::setEnvironment("COMPUTERNAME", "testhost");
+  m_host.makeAdapter(kAdapter, firmware(2));
+  const std::string image = m_host.makeImage(firmware(3));
+
+  m_host.load();
+  ASSERT_EQ(m_host.install(kFirstPort, image, {32768}, {"", "IMG_PXE+IMG_UEFI"}), 4096u);
+  ASSERT_TRUE(test::waitUntil([this] { return m_log.hasLine(" finishing"); }));
+  static_cast<void>(core::GetCimBroker().getInstances("Orvex_ConcreteJob"));
+
+  EXPECT_EQ(m_log.threads().size(), 2u);
+  EXPECT_TRUE(m_log.wentEverywhere());
+  const std::filesystem::path stored = QUORVEL_TEST_GOLDEN_LOG;
+  EXPECT_EQ(log(), test::readText(stored)) << "The log that was found:\n" << log();
+}
+
+}  // namespace

@@ -1,0 +1,113 @@
+// A host of the real modules, with virtual adapters and a configuration of the test's own.
+//
+// The modules are loaded once for a process and stay; everything else belongs to the object. Files
+// may be made before the modules are loaded, so that a child process can load its own.
+
+#ifndef ORVEX_TESTS_MODULES_MODULEHOST_H_
+#define ORVEX_TESTS_MODULES_MODULEHOST_H_
+
+#include <cstdint>
+#include <filesystem>
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Os/QuorvelConfig.h"
+#include "core/CimBroker.h"
+#include "core/CimPropertyRef.h"
+#include "core/CimPropertyTypes.h"
+#include "tests/support/RomBuilder.h"
+#include "tests/support/TempDirectory.h"
+
+namespace test {
+
+inline constexpr const char* kAdapter = "0000:03:00";
+inline constexpr const char* kFirstPort = "0000:03:00.0";
+inline constexpr const char* kSecondPort = "0000:03:00.1";
+inline constexpr const char* kOtherAdapter = "0000:04:00";
+inline constexpr const char* kOtherPort = "0000:04:00.0";
+
+// What a client sees of a job.
+struct JobReport {
+  int state = 0;
+  int percent = 0;
+  int errorCode = 0;
+  std::string errorText;
+
+  friend bool operator==(const JobReport&, const JobReport&) = default;
+};
+
+std::ostream& operator<<(std::ostream& stream, const JobReport& report);
+
+inline const JobReport kCompleted{7, 100, 0, ""};
+
+// The arguments of InstallFromURI.
+struct InstallArguments {
+  core::CimPropertyString uri{"URI", nullptr};
+  core::CimPropertyRef target{"Target", nullptr};
+  core::CimPropertyUint16_arr options{"InstallOptions", nullptr};
+  core::CimPropertyString_arr values{"InstallOptionsValues", nullptr};
+
+  [[nodiscard]] std::vector<core::CimProperty*> all() { return {&uri, &target, &options, &values}; }
+};
+
+class ModuleHost {
+ public:
+  // Sets up empty directories and an empty configuration.
+  ModuleHost();
+  ModuleHost(const ModuleHost&) = delete;
+  ModuleHost& operator=(const ModuleHost&) = delete;
+  ~ModuleHost();
+
+  void load();
+
+  // Replaces the configuration file.
+  void configure(const std::string& text) const;
+  // Makes an adapter of 1af4:1041 with two ports, which boot by PXE. `fields` are further JSON
+  // fields of its description ("\"writeRate\": 1000").
+  void makeAdapter(const std::string& pci, const Bytes& flash,
+                   const std::string& fields = "") const;
+  // Replaces the description of an adapter, in one step.
+  void describe(const std::string& pci, const std::string& fields) const;
+  [[nodiscard]] std::string description(const std::string& pci) const;
+  // Makes an image file. Returns its URI.
+  [[nodiscard]] std::string makeImage(const Bytes& content) const;
+
+  [[nodiscard]] std::filesystem::path flashPath(const std::string& pci) const;
+  [[nodiscard]] Bytes flash(const std::string& pci) const;
+  [[nodiscard]] const std::filesystem::path& directory() const { return m_directory.path(); }
+
+  // Returns the object path of the instance with that DeviceID.
+  [[nodiscard]] std::string pathOf(const std::string& className, const std::string& id) const;
+  [[nodiscard]] std::string portPath(const std::string& port) const {
+    return pathOf("Orvex_EthernetPort", port);
+  }
+  // Returns the object path of the one instance of a class.
+  [[nodiscard]] std::string onlyPathOf(const std::string& className) const;
+
+  // Calls InstallFromURI with these arguments.
+  std::uint32_t invoke(const std::vector<core::CimProperty*>& arguments);
+  // Calls it with a port or an object path, the option Update and the others.
+  std::uint32_t install(const std::string& target, const std::string& uri,
+                        const std::vector<std::uint16_t>& furtherOptions = {},
+                        const std::vector<std::string>& values = {});
+  // Returns whether the last call handed out a job.
+  [[nodiscard]] bool hasNewJob() const { return m_hasNewJob; }
+  // Returns what is to be seen of the job that was handed out last.
+  [[nodiscard]] JobReport job() const;
+  // Waits for that job's end. Returns what is to be seen of it then.
+  [[nodiscard]] JobReport awaitEnd() const;
+
+ private:
+  [[nodiscard]] std::filesystem::path folder(const std::string& pci) const;
+
+  TempDirectory m_directory;
+  std::optional<utils::QuorvelConfig> m_config;
+  std::string m_jobPath;
+  bool m_hasNewJob = false;
+};
+
+}  // namespace test
+
+#endif  // ORVEX_TESTS_MODULES_MODULEHOST_H_
