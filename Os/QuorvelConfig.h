@@ -2,13 +2,14 @@
 //
 // Every getter reads the store again, so a change takes effect at the next use; a value that is
 // missing or unusable is logged and the default, or the value read before, stands. Any thread may
-// call. The store is the configuration file on POSIX, the registry on Windows:
+// call. The store is the configuration file on POSIX, the registry on Windows
+// (which alone has keys):
 //
-//   name              store key (registry)  type    effect
-//   Timeout           Quorvel               number  flash lock timeout in milliseconds; 0 is
-//   ignored Namespace         Quorvel               text    taken when it begins with "root"
-//   OEMCustomizeable  RAVL                  number  bit 0x20 allows a forced change of image types
-//   FWFilePath        Quorvel               text    directories of firmware files, separated by ';'
+//   name              store key  type    effect
+//   Timeout           Quorvel    number  flash lock timeout in milliseconds; 0 is ignored
+//   Namespace         Quorvel    text    taken when it begins with "root"
+//   OEMCustomizeable  RAVL       number  bit 0x20 allows a forced change of image types
+//   FWFilePath        Quorvel    text    directories of firmware files, separated by ';'
 
 #ifndef ORVEX_OS_QUORVELCONFIG_H_
 #define ORVEX_OS_QUORVELCONFIG_H_

@@ -1,4 +1,5 @@
 #include <atomic>
+#include <cstdint>
 #include <pthread.h>
 
 #include "Utils/Exception.h"

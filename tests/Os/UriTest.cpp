@@ -58,7 +58,7 @@ struct UnknownCase {
 };
 
 void PrintTo(const UnknownCase& unknown, std::ostream* stream) {
-  *stream << unknown.text;
+  *stream << '\'' << unknown.text << '\'';
 }
 
 class UnknownUri : public testing::TestWithParam<UnknownCase> {};

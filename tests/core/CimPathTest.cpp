@@ -101,7 +101,7 @@ struct Malformed {
 };
 
 void PrintTo(const Malformed& malformed, std::ostream* stream) {
-  *stream << malformed.path;
+  *stream << '\'' << malformed.path << '\'';
 }
 
 class MalformedPath : public testing::TestWithParam<Malformed> {};
