@@ -9,7 +9,6 @@
 
 #include "Os/OSLocker.h"
 #include "Utils/Assert.h"
-#include "agent/Orvex_ConcreteJob.h"
 #include "midapi/MidApi.h"
 
 namespace {
@@ -52,7 +51,7 @@ int waitForFlag(const LockedFlag& flag, int milliseconds) {
   return milliseconds;
 }
 
-JobThread::JobThread(Orvex_ConcreteJob* myJob) : m_job(myJob) {
+JobThread::JobThread(FlashJob* myJob) : m_job(myJob) {
   utils::logDebug(kLog, "JobThread::JobThread", "Creating JobThread %p", static_cast<void*>(this));
   ORVEX_ASSERT(kLog, NULL != myJob);
 }

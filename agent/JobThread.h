@@ -9,8 +9,7 @@
 
 #include "Utils/Mutex.h"
 #include "Utils/Thread.h"
-
-class Orvex_ConcreteJob;
+#include "agent/FlashJob.h"
 
 // A boolean under a mutex of its own.
 class LockedFlag {
@@ -36,7 +35,7 @@ int waitForFlag(const LockedFlag& flag, int milliseconds);
 class JobThread : public utils::Thread {
  public:
   // `myJob` must outlive the thread. Throws utils::Exception for null.
-  explicit JobThread(Orvex_ConcreteJob* myJob);
+  explicit JobThread(FlashJob* myJob);
   ~JobThread() override;
 
   // Runs the update.
@@ -53,7 +52,7 @@ class JobThread : public utils::Thread {
   [[nodiscard]] bool flash();
   void disableIscsiBoot();
 
-  Orvex_ConcreteJob* const m_job;
+  FlashJob* const m_job;
   LockedFlag m_done;
   LockedFlag m_stopRequested;
   LockedFlag m_started;

@@ -19,26 +19,12 @@
 
 #include "Utils/Datetime.h"
 #include "Utils/Mutex.h"
+#include "agent/FlashJob.h"
 #include "agent/ImageVerification.h"
 #include "agent/JobThread.h"
 #include "cim/CIM_ConcreteJob.h"
 
-// DMTF CIM_ConcreteJob.JobState.
-enum class ConcreteJobState : std::uint16_t {
-  New = 2,
-  Starting = 3,
-  Running = 4,
-  Suspended = 5,
-  ShuttingDown = 6,
-  Completed = 7,
-  Terminated = 8,
-  Killed = 9,
-  Exception = 10,
-  Service = 11,
-  QueryPending = 12,
-};
-
-class Orvex_ConcreteJob : public CIM_ConcreteJob {
+class Orvex_ConcreteJob : public CIM_ConcreteJob, public FlashJob {
  public:
   static constexpr const char* kClassName = "Orvex_ConcreteJob";
 
@@ -73,22 +59,25 @@ class Orvex_ConcreteJob : public CIM_ConcreteJob {
   // Starts a new job. Returns a StateChangeReturn. `timeout` is not used.
   [[nodiscard]] std::uint32_t requestStateChange(std::uint16_t requestedState,
                                                  const utils::Datetime& timeout);
-  void setJobState(ConcreteJobState newState);
-  void setError(std::uint32_t code, const std::string& text);
 
-  [[nodiscard]] std::string getClassName() const override { return kClassName; }
   // Returns "FirmwareUpdate@Job#" and the number.
   [[nodiscard]] std::string getInstanceId() const;
-  [[nodiscard]] std::string getTarget() const { return m_target; }
-  [[nodiscard]] std::vector<utils::FirmwareType> getTargetTypes() const {
-    return m_image.targetTypes;
-  }
-  // Returns the image to write, empty after the end. For the job's thread.
-  [[nodiscard]] const std::vector<std::uint8_t>& getImage() const { return m_image.bytes; }
   [[nodiscard]] ConcreteJobState getJobState() const { return m_state.load(); }
   [[nodiscard]] bool isFinished() const { return m_isFinished.load(); }
   // Returns the progress in percent.
   [[nodiscard]] std::int32_t getPercentComplete();
+
+  // CimInstance
+  [[nodiscard]] std::string getClassName() const override { return kClassName; }
+
+  // FlashJob
+  [[nodiscard]] std::string getTarget() const override { return m_target; }
+  [[nodiscard]] std::vector<utils::FirmwareType> getTargetTypes() const override {
+    return m_image.targetTypes;
+  }
+  [[nodiscard]] const std::vector<std::uint8_t>& getImage() const override { return m_image.bytes; }
+  void setError(std::uint32_t code, const std::string& text) override;
+  void setJobState(ConcreteJobState newState) override;
 
  private:
   const std::string m_target;

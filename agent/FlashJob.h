@@ -1,0 +1,48 @@
+// What the thread of a firmware update needs of its job.
+
+#ifndef ORVEX_AGENT_FLASHJOB_H_
+#define ORVEX_AGENT_FLASHJOB_H_
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "Utils/FirmwareTypes.h"
+
+// DMTF CIM_ConcreteJob.JobState.
+enum class ConcreteJobState : std::uint16_t {
+  New = 2,
+  Starting = 3,
+  Running = 4,
+  Suspended = 5,
+  ShuttingDown = 6,
+  Completed = 7,
+  Terminated = 8,
+  Killed = 9,
+  Exception = 10,
+  Service = 11,
+  QueryPending = 12,
+};
+
+// Called from the job's thread, which does not own it.
+class FlashJob {
+ public:
+  FlashJob() = default;
+  FlashJob(const FlashJob&) = delete;
+  FlashJob& operator=(const FlashJob&) = delete;
+
+  // Returns the adapter to update.
+  [[nodiscard]] virtual std::string getTarget() const = 0;
+  // Returns the image types to install, as the request named them.
+  [[nodiscard]] virtual std::vector<utils::FirmwareType> getTargetTypes() const = 0;
+  // Returns the image to write; valid until the job has reached an end state.
+  [[nodiscard]] virtual const std::vector<std::uint8_t>& getImage() const = 0;
+
+  virtual void setError(std::uint32_t code, const std::string& text) = 0;
+  virtual void setJobState(ConcreteJobState newState) = 0;
+
+ protected:
+  ~FlashJob() = default;
+};
+
+#endif  // ORVEX_AGENT_FLASHJOB_H_
