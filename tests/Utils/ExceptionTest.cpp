@@ -37,8 +37,8 @@ TypeCase typeCase(const char* prefix) {
 
 class ExceptionType : public testing::TestWithParam<TypeCase> {
  protected:
-  [[nodiscard]] std::function<void()> raising(const std::string& text) const {
-    return [this, text] { GetParam().raise(text); };
+  [[nodiscard]] static std::function<void()> raising(const std::string& text) {
+    return [text] { GetParam().raise(text); };
   }
 };
 

@@ -11,7 +11,8 @@ TEST(Format, FormatsAsPrintfDoes) {
 }
 
 TEST(Format, KeepsTextsOfEveryLengthWhole) {
-  for (const std::size_t length : {0, 1, 254, 255, 256, 257, 511, 512, 4096, 1'000'000}) {
+  constexpr std::size_t kLengths[] = {0, 1, 254, 255, 256, 257, 511, 512, 4096, 1'000'000};
+  for (const std::size_t length : kLengths) {
     const std::string text(length, 'x');
     EXPECT_EQ(utils::format("%s", text.c_str()), text);
     EXPECT_EQ(utils::format("<%s %d>", text.c_str(), 42), "<" + text + " 42>");
