@@ -22,7 +22,7 @@ constexpr const char* kTypes = "Orvex_ConcreteJob::getTargetTypes";
 using Bytes = std::vector<std::uint8_t>;
 
 TargetReservation reserveTarget(const std::string& target) {
-  const std::string inProgress = TargetInProgress::get();
+  const std::string inProgress = target_in_progress::get();
   if (inProgress == target && !inProgress.empty()) {
     throw ETargetInUse(
         utils::format("Firmware update for %s is currently in progress", target.c_str()));

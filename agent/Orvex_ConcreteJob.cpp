@@ -168,7 +168,7 @@ void Orvex_ConcreteJob::setJobState(ConcreteJobState newState) {
   if (m_isFinished) {
     m_image.bytes = {};
     m_image.reservation.abandon();
-    TargetInProgress::clear();
+    target_in_progress::clear();
   }
   // Published last: a client that sees the end may ask for the next update at once.
   m_state = newState;

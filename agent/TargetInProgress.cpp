@@ -2,7 +2,7 @@
 
 #include "Utils/Mutex.h"
 
-namespace TargetInProgress {
+namespace target_in_progress {
 namespace {
 
 struct State {
@@ -32,4 +32,4 @@ void clear() {
   set({});
 }
 
-}  // namespace TargetInProgress
+}  // namespace target_in_progress

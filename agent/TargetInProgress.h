@@ -9,13 +9,13 @@
 // The name in progress, empty when there is none. Any thread may call; each operation locks.
 // Testing the name and setting it are two operations: two requests that arrive together can both
 // pass.
-namespace TargetInProgress {
+namespace target_in_progress {
 
 [[nodiscard]] std::string get();
 void set(const std::string& target);
 void clear();
 
-}  // namespace TargetInProgress
+}  // namespace target_in_progress
 
 // Holds the name in progress from image checking to the end of the job, or to the refusal.
 class TargetReservation {
@@ -23,7 +23,7 @@ class TargetReservation {
   TargetReservation() = default;
   // Sets the name.
   explicit TargetReservation(const std::string& target) : m_isHeld(true) {
-    TargetInProgress::set(target);
+    target_in_progress::set(target);
   }
   TargetReservation(const TargetReservation&) = delete;
   TargetReservation& operator=(const TargetReservation&) = delete;
@@ -38,7 +38,7 @@ class TargetReservation {
   // Clears the name, once.
   void release() {
     if (std::exchange(m_isHeld, false)) {
-      TargetInProgress::clear();
+      target_in_progress::clear();
     }
   }
   // Leaves the name set for good.

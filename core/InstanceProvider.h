@@ -15,8 +15,8 @@ namespace core {
 
 // The records of an enumeration. The texts must live as long as the provider.
 struct EnumerationLog {
-  utils::LogSource source;
-  const char* function;
+  utils::LogSource source{};
+  const char* function = nullptr;
   const char* firstRecord = nullptr;  // null: none
   const char* blockName = nullptr;    // the timed block round the enumeration; null: none
 };

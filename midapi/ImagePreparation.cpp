@@ -69,7 +69,7 @@ ImageSelection selectImages(const RomChain& file, const RomChain& installed,
 
   ImageSelection selection;
   for (const OptionRomImage& image : file.images) {
-    if (types.empty() || (isFirmwareOf(adapter, image) && wanted.count(image.type) != 0)) {
+    if (types.empty() || (isFirmwareOf(adapter, image) && wanted.contains(image.type))) {
       selection.images.push_back(&image);
     }
   }

@@ -37,7 +37,7 @@ using Values = std::vector<std::string>;
 
 class ImageVerification : public testing::Test {
  protected:
-  ~ImageVerification() override { TargetInProgress::clear(); }
+  ~ImageVerification() override { target_in_progress::clear(); }
 
   VerifiedImage check(const Options& options = {kUpdate}, const Values& values = {}) {
     return checkAndVerifyImage(kAdapter, m_uri, options, values);
@@ -88,35 +88,35 @@ TEST_F(ImageVerification, LogsItsSteps) {
 TEST_F(ImageVerification, KeepsTheTargetInProgressForTheLifeOfItsResult) {
   {
     const VerifiedImage image = check();
-    EXPECT_EQ(TargetInProgress::get(), kAdapter);
+    EXPECT_EQ(target_in_progress::get(), kAdapter);
   }
-  EXPECT_EQ(TargetInProgress::get(), "");
+  EXPECT_EQ(target_in_progress::get(), "");
 }
 
 TEST_F(ImageVerification, RefusesATargetThatIsBeingUpdated) {
-  TargetInProgress::set(kAdapter);
+  target_in_progress::set(kAdapter);
 
   EXPECT_THAT(checking(), ThrowsExactly<ETargetInUse>(
                               "Quorvel: ETargetInUse:Firmware update for 0000:03:00.0 is currently "
                               "in progress"));
-  EXPECT_EQ(TargetInProgress::get(), kAdapter);
+  EXPECT_EQ(target_in_progress::get(), kAdapter);
   EXPECT_THAT(m_midApi.calls(), IsEmpty());
 }
 
 TEST_F(ImageVerification, RefusesATargetWhileAnotherIsBeingUpdated) {
-  TargetInProgress::set(kOtherAdapter);
+  target_in_progress::set(kOtherAdapter);
 
   EXPECT_THAT(checking(), ThrowsExactly<EJobIsRunning>(
                               "Quorvel: EJobIsRunning:Other job for 0000:04:00.0 is running at "
                               "this moment"));
-  EXPECT_EQ(TargetInProgress::get(), kOtherAdapter);
+  EXPECT_EQ(target_in_progress::get(), kOtherAdapter);
 }
 
 TEST_F(ImageVerification, RefusesUrisThatItCannotRead) {
   for (const char* uri : {"", "image.rom", "http://host/image.rom", "gopher://x", "file:/x"}) {
     EXPECT_THAT(checkingUri(uri), ThrowsExactly<EInvalidUri>(std::string("Quorvel: EInvalidUri:") +
                                                              "URI: " + uri + " is invalid"));
-    EXPECT_EQ(TargetInProgress::get(), "") << uri;
+    EXPECT_EQ(target_in_progress::get(), "") << uri;
   }
 }
 
@@ -126,7 +126,7 @@ TEST_F(ImageVerification, RefusesAUriThatNamesNoFile) {
   for (const std::string& uri : {missing, directory}) {
     EXPECT_THAT(checkingUri(uri), ThrowsExactly<EUriDoesNotExist>(
                                       "Quorvel: EUriDoesNotExist:URI: " + uri + " is invalid"));
-    EXPECT_EQ(TargetInProgress::get(), "") << uri;
+    EXPECT_EQ(target_in_progress::get(), "") << uri;
   }
 }
 
@@ -136,7 +136,7 @@ TEST_F(ImageVerification, RefusesAFileThatIsCutWhileItIsRead) {
   EXPECT_THAT(checking(),
               ThrowsExactly<EImageReadError>("Quorvel: EImageReadError:Image read error: " + m_uri +
                                              " (" + m_file.string() + ")"));
-  EXPECT_EQ(TargetInProgress::get(), "");
+  EXPECT_EQ(target_in_progress::get(), "");
   EXPECT_THAT(m_midApi.calls(), IsEmpty());
 }
 
@@ -158,7 +158,7 @@ TEST_F(ImageVerification, RefusesWhatTheLibraryRefuses) {
   EXPECT_THAT(refusing(ma::PrepareStatus::InternalFault),
               ThrowsExactly<utils::EUnspecifiedError>(
                   about("EUnspecifiedError:Unspecified error occurred for ", m_uri)));
-  EXPECT_EQ(TargetInProgress::get(), "");
+  EXPECT_EQ(target_in_progress::get(), "");
 }
 
 TEST_F(ImageVerification, RefusalsOfTheLibraryStandWithForceAndConsent) {
@@ -191,7 +191,7 @@ TEST_F(ImageVerification, RefusesADowngradeUnlessForced) {
   m_config.isDowngradeEnabled = true;
 
   EXPECT_THAT(checking(), ThrowsExactly<EDowngradeDetected>(downgradeOf(m_uri)));
-  EXPECT_EQ(TargetInProgress::get(), "");
+  EXPECT_EQ(target_in_progress::get(), "");
 }
 
 TEST_F(ImageVerification, AcceptsAForcedDowngradeWithoutTheConfigurationsConsent) {
@@ -206,7 +206,7 @@ TEST_F(ImageVerification, RefusesOtherTypesWithoutTheConfigurationsConsent) {
   EXPECT_THAT(checking(), ThrowsExactly<EDowngradeDetected>(kOtherTypes));
   EXPECT_THAT(checking({kForceInstallation, kUpdate}),
               ThrowsExactly<EDowngradeDetected>(kOtherTypes));
-  EXPECT_EQ(TargetInProgress::get(), "");
+  EXPECT_EQ(target_in_progress::get(), "");
   EXPECT_THAT(m_log.messages(kCheck),
               AllOf(testing::Contains("DowngradeEnable: 0, ForceInstall: 0"),
                     testing::Contains("DowngradeEnable: 0, ForceInstall: 1")));
@@ -231,7 +231,7 @@ TEST_F(ImageVerification, AcceptsOtherTypesWithForceAndConsent) {
 TEST_F(ImageVerification, ClearsTheTargetWhenATypeIsUnknown) {
   EXPECT_THAT(checking({kTargetTypes}, {"IMG_OTHER"}),
               ThrowsExactly<utils::EInvalidParameter>(HasSubstr("IMG_OTHER is not recognized")));
-  EXPECT_EQ(TargetInProgress::get(), "");
+  EXPECT_EQ(target_in_progress::get(), "");
 }
 
 class GetTargetTypes : public testing::Test {

@@ -90,7 +90,7 @@ class JobThreadTest : public testing::Test {
     EXPECT_EQ(m_job->ErrorCode.getValue(), code);
     EXPECT_EQ(m_job->ErrorDescription.getValue(), text);
     EXPECT_EQ(m_job->PercentComplete.getValue(), 100);
-    EXPECT_EQ(TargetInProgress::get(), "");
+    EXPECT_EQ(target_in_progress::get(), "");
     EXPECT_FALSE(m_locker->isHeld());
   }
 

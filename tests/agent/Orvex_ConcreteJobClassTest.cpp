@@ -35,7 +35,7 @@ class ConcreteJobClass : public testing::Test {
   ~ConcreteJobClass() override {
     m_midApi.releaseWrites();
     m_provider.reset();
-    TargetInProgress::clear();
+    target_in_progress::clear();
   }
 
   std::int32_t create(const std::string& target = kAdapter) { return call(target, true); }
@@ -68,7 +68,8 @@ class ConcreteJobClass : public testing::Test {
   void createAndFinish() {
     ASSERT_EQ(create(), 0);
     ASSERT_TRUE(test::waitUntil([this] {
-      return dynamic_cast<Orvex_ConcreteJob*>(m_job)->isFinished() && TargetInProgress::get() == "";
+      return dynamic_cast<Orvex_ConcreteJob*>(m_job)->isFinished() &&
+             target_in_progress::get() == "";
     }));
   }
 
@@ -139,7 +140,7 @@ TEST_F(ConcreteJobClass, TakesAJobThatCannotStartBack) {
   }
   EXPECT_EQ(m_job, nullptr);
   EXPECT_THAT(enumerate(), IsEmpty());
-  EXPECT_EQ(TargetInProgress::get(), "");
+  EXPECT_EQ(target_in_progress::get(), "");
 
   createAndFinish();
   EXPECT_THAT(captions(), ElementsAre("Firmware Update Job 2"));
@@ -161,7 +162,7 @@ TEST_F(ConcreteJobClass, VerifiesWithoutAJobAndLeavesTheTargetInProgress) {
 
   EXPECT_EQ(m_job, nullptr);
   EXPECT_THAT(enumerate(), IsEmpty());
-  EXPECT_EQ(TargetInProgress::get(), kAdapter);
+  EXPECT_EQ(target_in_progress::get(), kAdapter);
   EXPECT_EQ(create(kAdapter), 105);
   EXPECT_EQ(create(kOtherAdapter), 104);
   EXPECT_EQ(verify(kAdapter), 105);
@@ -170,7 +171,7 @@ TEST_F(ConcreteJobClass, VerifiesWithoutAJobAndLeavesTheTargetInProgress) {
 TEST_F(ConcreteJobClass, LeavesNoTargetInProgressWhenVerificationFails) {
   m_midApi.prepareStatus = ma::PrepareStatus::InvalidImage;
   EXPECT_EQ(verify(), 1);
-  EXPECT_EQ(TargetInProgress::get(), "");
+  EXPECT_EQ(target_in_progress::get(), "");
 }
 
 TEST_F(ConcreteJobClass, LogsARefusalByItsFullText) {
@@ -196,7 +197,7 @@ TEST_F(ConcreteJobClass, AnswersEachRefusalByItsNumber) {
   EXPECT_EQ(create(), 101);
   m_uri = "http://host/image.rom";
   EXPECT_EQ(create(), 100);
-  EXPECT_EQ(TargetInProgress::get(), "");
+  EXPECT_EQ(target_in_progress::get(), "");
 }
 
 TEST_F(ConcreteJobClass, AnswersAFileThatCannotBeReadWholeByItsNumber) {
@@ -205,7 +206,7 @@ TEST_F(ConcreteJobClass, AnswersAFileThatCannotBeReadWholeByItsNumber) {
   const test::FileCuttingSinks sinks(file);
 
   EXPECT_EQ(create(), 103);
-  EXPECT_EQ(TargetInProgress::get(), "");
+  EXPECT_EQ(target_in_progress::get(), "");
 }
 
 TEST_F(ConcreteJobClass, AnswersAnUnknownTypeAsAnInvalidParameter) {
@@ -224,7 +225,7 @@ TEST_F(ConcreteJobClass, AnswersAnyOtherErrorAsUnspecified) {
 
   EXPECT_THAT(m_log.records(), HasRecordOf(kSource, LogLevel::Error, kVerifyOrCreate,
                                            "Exception: 'no configuration'"));
-  EXPECT_EQ(TargetInProgress::get(), "");
+  EXPECT_EQ(target_in_progress::get(), "");
 }
 
 TEST_F(ConcreteJobClass, RefreshesItsJobsWhenItIsEnumerated) {

@@ -7,55 +7,55 @@ namespace {
 
 class TargetInProgressTest : public testing::Test {
  protected:
-  ~TargetInProgressTest() override { TargetInProgress::clear(); }
+  ~TargetInProgressTest() override { target_in_progress::clear(); }
 };
 
 TEST_F(TargetInProgressTest, IsEmptyWhenThereIsNone) {
-  EXPECT_EQ(TargetInProgress::get(), "");
+  EXPECT_EQ(target_in_progress::get(), "");
 }
 
 TEST_F(TargetInProgressTest, IsWhatWasSetLast) {
-  TargetInProgress::set("a");
-  TargetInProgress::set("b");
-  EXPECT_EQ(TargetInProgress::get(), "b");
+  target_in_progress::set("a");
+  target_in_progress::set("b");
+  EXPECT_EQ(target_in_progress::get(), "b");
 }
 
 TEST_F(TargetInProgressTest, ReservationHoldsTheNameForItsLife) {
   {
     const TargetReservation reservation("a");
-    EXPECT_EQ(TargetInProgress::get(), "a");
+    EXPECT_EQ(target_in_progress::get(), "a");
   }
-  EXPECT_EQ(TargetInProgress::get(), "");
+  EXPECT_EQ(target_in_progress::get(), "");
 }
 
 TEST_F(TargetInProgressTest, EmptyReservationLeavesTheNameAlone) {
-  TargetInProgress::set("a");
+  target_in_progress::set("a");
   {
     TargetReservation reservation;
     reservation.release();
   }
-  EXPECT_EQ(TargetInProgress::get(), "a");
+  EXPECT_EQ(target_in_progress::get(), "a");
 }
 
 TEST_F(TargetInProgressTest, ReservationClearsTheNameOnce) {
   {
     TargetReservation reservation("a");
     reservation.release();
-    TargetInProgress::set("b");
+    target_in_progress::set("b");
   }
-  EXPECT_EQ(TargetInProgress::get(), "b");
+  EXPECT_EQ(target_in_progress::get(), "b");
 }
 
 TEST_F(TargetInProgressTest, MovedReservationIsHeldByTheOther) {
   TargetReservation first("a");
   {
     TargetReservation second(std::move(first));
-    EXPECT_EQ(TargetInProgress::get(), "a");
+    EXPECT_EQ(target_in_progress::get(), "a");
     TargetReservation third;
     third = std::move(second);
-    EXPECT_EQ(TargetInProgress::get(), "a");
+    EXPECT_EQ(target_in_progress::get(), "a");
   }
-  EXPECT_EQ(TargetInProgress::get(), "");
+  EXPECT_EQ(target_in_progress::get(), "");
 }
 
 TEST_F(TargetInProgressTest, AbandonedReservationLeavesTheNameSet) {
@@ -63,7 +63,7 @@ TEST_F(TargetInProgressTest, AbandonedReservationLeavesTheNameSet) {
     TargetReservation reservation("a");
     reservation.abandon();
   }
-  EXPECT_EQ(TargetInProgress::get(), "a");
+  EXPECT_EQ(target_in_progress::get(), "a");
 }
 
 }  // namespace
