@@ -19,6 +19,7 @@
 #include "Os/Posix/PosixOSLocker.h"
 #include "Os/QuorvelConfig.h"
 #include "Utils/Exception.h"
+#include "Utils/Format.h"
 #include "tests/Os/Posix/PosixFaults.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/LogCapture.h"
@@ -337,8 +338,8 @@ TEST_F(PosixOSLocker, AnswersOneWhenItsSemaphoreWasRemovedWhileHeld) {
 
   EXPECT_EQ(locker.UnLock(), 1);
   const auto textOf = [](int error) {
-    return "'ReleaseSemaphore' Error [" + std::to_string(error) +
-           "]: " + std::generic_category().message(error);
+    return utils::format("'ReleaseSemaphore' Error [%d]: %s", error,
+                         std::generic_category().message(error).c_str());
   };
   EXPECT_THAT(log.messages("os::OSLocker::UnLock"),
               ElementsAre(testing::AnyOf(textOf(EINVAL), textOf(EIDRM))));
