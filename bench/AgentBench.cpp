@@ -34,17 +34,19 @@ std::size_t heapBytes() {
   return mallinfo2().uordblks;
 }
 
+std::unique_ptr<Orvex_ConcreteJob> makeFilledJob() {
+  auto job = std::make_unique<Orvex_ConcreteJob>(bench::Adapters::firstPort(), 1, VerifiedImage{});
+  job->setPropertyValues();
+  return job;
+}
+
 void constructFillDestroyJob(benchmark::State& state) {
-  std::size_t bytes = 0;
+  const std::size_t before = heapBytes();
+  const std::unique_ptr<Orvex_ConcreteJob> measured = makeFilledJob();
+  state.counters["bytes"] = static_cast<double>(heapBytes() - before);
   for (auto _ : state) {
-    const std::size_t before = heapBytes();
-    auto job =
-        std::make_unique<Orvex_ConcreteJob>(bench::Adapters::firstPort(), 1, VerifiedImage{});
-    job->setPropertyValues();
-    bytes = heapBytes() - before;
-    job.reset();
+    benchmark::DoNotOptimize(makeFilledJob());
   }
-  state.counters["bytes"] = static_cast<double>(bytes);
 }
 BENCHMARK(constructFillDestroyJob);
 
