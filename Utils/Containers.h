@@ -12,6 +12,7 @@
 #include <list>
 #include <map>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -249,6 +250,16 @@ class SafeMap {
   void set(K key, V value) {
     const ScopedLock lock(m_lock);
     m_entries.insert_or_assign(std::move(key), std::move(value));
+  }
+
+  // Stores, and returns the value that was under the key; nothing when there was none.
+  std::optional<V> exchange(const K& key, V value) {
+    const ScopedLock lock(m_lock);
+    const auto [entry, isNew] = m_entries.try_emplace(key, value);
+    if (isNew) {
+      return std::nullopt;
+    }
+    return std::exchange(entry->second, std::move(value));
   }
 
   // Returns all values as they stand, in key order.

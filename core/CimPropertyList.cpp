@@ -19,13 +19,12 @@ CimPropertyList::Iterator CimPropertyList::iterator() {
 
 void CimPropertyList::add(CimProperty* newProperty) {
   ORVEX_ASSERT(kLog, newProperty != NULL);
-  const std::string& name = newProperty->getName();
-  if (m_index.contains(name)) {
-    CimProperty* overridenProperty = m_index.get(name);
+  const auto overriden = m_index.exchange(newProperty->getName(), newProperty);
+  if (overriden) {
+    CimProperty* overridenProperty = *overriden;
     ORVEX_ASSERT(kLog, overridenProperty != NULL);
     overridenProperty->setOverridden();
   }
-  m_index.set(name, newProperty);
   SafeList::add(newProperty);
 }
 

@@ -413,4 +413,11 @@ TEST(Map, IsAnOrderedMapWithAVirtualDestructor) {
   EXPECT_TRUE((std::has_virtual_destructor_v<utils::Map<std::string, std::string>>));
 }
 
+TEST(SafeMap, GivesTheReplacedValueBack) {
+  utils::SafeMap<std::string, int> map;
+  EXPECT_EQ(map.exchange("key", 1), std::nullopt);
+  EXPECT_EQ(map.exchange("key", 2), 1);
+  EXPECT_EQ(map.get("key"), 2);
+}
+
 }  // namespace
