@@ -1,14 +1,16 @@
 #include "agent/InstallSteps.h"
 
 #include <algorithm>
-#include <optional>
+#include <utility>
 
 #include "Utils/Assert.h"
 #include "agent/ConcreteJobFactory.h"
 #include "agent/InstallOptions.h"
-#include "core/CimBroker.h"
+#include "agent/Instances.h"
 #include "inventory/Orvex_EthernetPort.h"
 #include "inventory/Orvex_PortController.h"
+#include "inventory/Orvex_SoftwareIdentity.h"
+#include "inventory/Orvex_SoftwareIdentityResource.h"
 
 namespace install {
 namespace {
@@ -28,8 +30,7 @@ struct ResultReturn {
 
 // What each answer of the job class is translated into. An answer that is not here is a success.
 constexpr ResultReturn kResultReturns[] = {
-    {kJobInvalidParameter, "Job creation returned Invalid Parameter for '%s'",
-     cim::kInvalidParameter},
+    {kJobInvalidParameter, {}, cim::kInvalidParameter},  // the method has the record
     {kJobAdapterNotSupported, "Target is not supported by service for '%s'",
      cim::kUnsupportedTargetType},
     {kJobDowngradeDetected,
@@ -52,40 +53,27 @@ std::string fillIn(std::string_view text, std::string_view conversion, const std
   return place != std::string::npos ? filled.replace(place, conversion.size(), value) : filled;
 }
 
-// One call: the target that its records name, and how they are written.
-class Call {
- public:
-  Call(const Update& update, const Records& records) : m_update(update), m_records(records) {}
+void log(const Method& method, std::string_view text, const std::string& value) {
+  utils::logDebug(kLog, method.function, "%s", fillIn(text, "%s", value).c_str());
+}
 
-  std::uint32_t run(core::CimInstance** job) const;
+void logNotFound(const Method& method, const std::string& path) {
+  log(method, std::string(method.lookUp) + "Firmware Update cannot find instance '%s'", path);
+}
 
- private:
-  struct Target {
-    std::string identity;
-    std::optional<cim::InstallReturn> refusal;
-  };
-
-  void log(std::string_view text) const {
-    utils::logDebug(kLog, m_records.function, "%s",
-                    fillIn(text, "%s", m_update.targetPath).c_str());
-  }
-
-  Target resolveTarget() const;
-  std::uint32_t translate(std::int32_t result, core::CimInstance* created,
-                          core::CimInstance** job) const;
-
-  const Update& m_update;
-  const Records& m_records;
-};
+void logNullStates(const Method& method, const core::CimProperty& source,
+                   const core::CimProperty& target, const core::CimProperty& collection) {
+  utils::logDebug(kLog, method.function, "All arguments are defined");
+  utils::logDebug(kLog, method.function, "Target:%d, Source:%d, Collection:%d", target.isNull(),
+                  source.isNull(), collection.isNull());
+}
 
 // Returns the identity of the controller's first port, empty when it has none.
 std::string getFirstPort(core::CimInstance& instance) {
   const auto* controller = dynamic_cast<Orvex_PortController*>(&instance);
   if (controller != nullptr) {
-    for (core::CimInstance* candidate :
-         core::GetCimBroker().getInstances(Orvex_EthernetPort::kClassName)) {
-      const auto* port = dynamic_cast<Orvex_EthernetPort*>(candidate);
-      if (port != nullptr && controller->ownsPort(*port)) {
+    for (const Orvex_EthernetPort* port : findInstancesOf<Orvex_EthernetPort>()) {
+      if (controller->ownsPort(*port)) {
         return port->getIdentity();
       }
     }
@@ -108,78 +96,97 @@ constexpr TargetClass kTargetClasses[] = {
     {Orvex_EthernetPort::kClassName, getPort},
 };
 
-Call::Target Call::resolveTarget() const {
-  core::CimInstance* instance =
-      core::GetCimBroker().getInstanceByPath(core::CimPath(m_update.targetPath));
+struct Target {
+  std::string identity;  // empty when it is refused
+  cim::InstallReturn refusal = cim::kInvalidParameter;
+};
+
+Target resolveTarget(const Method& method, const std::string& path) {
+  core::CimInstance* instance = core::GetCimBroker().getInstanceByPath(core::CimPath(path));
   if (instance == nullptr) {
-    log(m_records.targetNotFound);
-    return {{}, cim::kInvalidParameter};
+    logNotFound(method, path);
+    return {};
   }
   const std::string className = instance->getClassName();
   const auto* targetClass =
       std::find_if(std::begin(kTargetClasses), std::end(kTargetClasses),
                    [&](const TargetClass& candidate) { return candidate.name == className; });
   if (targetClass == std::end(kTargetClasses)) {
-    log("Firmware Update does not support target '%s'");
+    log(method, "Firmware Update does not support target '%s'", path);
     return {{}, cim::kNotApplicableToTarget};
   }
-  std::string identity = targetClass->getIdentity(*instance);
-  if (identity.empty()) {
-    log("Firmware Update does not support instance '%s'");
-    return {{}, cim::kInvalidParameter};
+  Target target{targetClass->getIdentity(*instance)};
+  if (target.identity.empty()) {
+    log(method, "Firmware Update does not support instance '%s'", path);
   }
-  return {std::move(identity), std::nullopt};
+  return target;
 }
 
-std::uint32_t Call::translate(std::int32_t result, core::CimInstance* created,
-                              core::CimInstance** job) const {
+cim::InstallReturn translate(const Method& method, std::int32_t result,
+                             const std::string& targetPath) {
   for (const ResultReturn& entry : kResultReturns) {
     if (entry.result == result) {
-      log(entry.record);
+      log(method, entry.record.empty() ? method.invalidParameter : entry.record, targetPath);
       return entry.returnCode;
     }
   }
-  if (job != nullptr) {
-    *job = created;
-  }
-  return cim::kJobStarted;
+  return method.create ? cim::kJobStarted : cim::kCompletedWithNoError;
 }
 
-std::uint32_t Call::run(core::CimInstance** job) const {
-  const Target target = resolveTarget();
-  if (target.refusal) {
-    return *target.refusal;
+// Returns the URI of the resource of that file, empty when there is none; the last one counts.
+std::string findResourceUri(const std::string& identity) {
+  std::string uri;
+  for (const auto* resource : findInstancesOf<Orvex_SoftwareIdentityResource>()) {
+    if (resource->getFirmwareFileID() == identity) {
+      uri = resource->AccessInfo.getValue();
+    }
   }
-  ConcreteJobFactory* cimclass =
-      ConcreteJobFactory::hasInstance() ? ConcreteJobFactory::getInstance() : nullptr;
-  ORVEX_ASSERT(kLog, cimclass != NULL);
-  core::CimInstance* created = nullptr;
-  std::int32_t result = 0;
-  try {
-    result = cimclass->verifyOrCreateNewJob(target.identity, m_update.uri, m_update.installOptions,
-                                            m_update.installOptionsValues, created, true);
-    utils::logDebug(kLog, m_records.function, "%s",
-                    fillIn(m_records.jobResult, "%d", std::to_string(result)).c_str());
-  } catch (...) {
-    // The job class answers refusals by numbers; what it throws is a want of memory.
-    log("Allocation error occured for '%s'");
-    return cim::kNotEnoughMemory;
+  return uri;
+}
+
+std::string join(const std::vector<std::string>& texts, const char* separator) {
+  std::string joined;
+  for (const std::string& text : texts) {
+    joined += (joined.empty() ? "" : separator) + text;
   }
-  return translate(result, created, job);
+  return joined;
 }
 
 }  // namespace
 
-const Records kInstallFromUriRecords = {
+const Method kInstallFromUri = {
     "Orvex_SoftwareInstallationService::InstallFromURI",
-    "Firmware Update cannot find instance '%s'",
+    "",  // has no collection
+    "",
     "Creation of new job returns: %d",
+    "Job creation returned Invalid Parameter for '%s'",
+    true,
 };
 
-void expectValue(const core::CimProperty& argument) {
-  if (argument.isNull()) {
-    throw utils::EUnspecifiedError(
-        utils::format("%s argument is set to NULL. It is not allowed", argument.getName().c_str()));
+const Method kInstallFromSoftwareIdentity = {
+    "Orvex_SoftwareInstallationService::InstallFromSoftwareIdentity",
+    "Target and Collection are defined",
+    "",
+    "Creation of new job returns: %d",
+    "Job creation returned Invalid Parameter for '%s'",
+    true,
+};
+
+const Method kCheckSoftwareIdentity = {
+    "Orvex_SoftwareInstallationService::CheckSoftwareIdentity",
+    "Both Target and Collection are defined",
+    "Checking ",
+    "Verification of image returns: %d",
+    "Image verification returned Invalid Parameter for '%s'",
+    false,
+};
+
+void expectValues(std::initializer_list<const core::CimProperty*> arguments) {
+  for (const core::CimProperty* argument : arguments) {
+    if (argument->isNull()) {
+      throw utils::EUnspecifiedError(utils::format("%s argument is set to NULL. It is not allowed",
+                                                   argument->getName().c_str()));
+    }
   }
 }
 
@@ -189,8 +196,77 @@ bool areOptionsSupported(const std::vector<std::uint16_t>& options) {
                       [&options](InstallOption option) { return hasOption(options, option); });
 }
 
-std::uint32_t updateTarget(const Update& update, const Records& records, core::CimInstance** job) {
-  return Call(update, records).run(job);
+bool isForTarget(const Method& method, const core::CimProperty& source,
+                 const core::CimProperty& target, const core::CimProperty& collection) {
+  logNullStates(method, source, target, collection);
+  if (!target.isNull() && !collection.isNull()) {
+    throw utils::EUnspecifiedError(method.bothTargets);
+  }
+  if (target.isNull() && collection.isNull()) {
+    throw utils::EUnspecifiedError("Neither Target nor Collection are defined");
+  }
+  return !target.isNull();
+}
+
+std::optional<std::string> findUri(const Method& method, const std::string& sourcePath) {
+  core::CimInstance* instance = core::GetCimBroker().getInstanceByPath(core::CimPath(sourcePath));
+  if (instance == nullptr) {
+    logNotFound(method, sourcePath);
+    return std::nullopt;
+  }
+  const std::string notSupported =
+      std::string(method.lookUp) + "Firmware Update does not support source '%s'";
+  const auto* source = dynamic_cast<Orvex_SoftwareIdentity*>(instance);
+  if (source == nullptr || instance->getClassName() != Orvex_SoftwareIdentity::kClassName) {
+    log(method, notSupported, sourcePath);
+    return std::nullopt;
+  }
+  if (source->getImageKind() != Orvex_SoftwareIdentity::kFirmwareImage) {
+    log(method, notSupported + ". It is not a proper Firmware Image.", sourcePath);
+    return std::nullopt;
+  }
+  const std::string identity = source->getIdentity();
+  const std::string targetTypes = join(source->TargetTypes.getValue(), "+");
+  const bool hasTargetTypes = !source->TargetTypes.getValue().empty();
+  std::string uri = findResourceUri(identity);
+  if (uri.empty()) {
+    log(method, "Could not obtain URI from the SoftwareIdentityResource (%s)", identity);
+    return std::nullopt;
+  }
+  log(method, "URI is: %s", uri);
+  if (!hasTargetTypes) {
+    log(method, "Source '%s' does not contain any TargetTypes", sourcePath);
+    return std::nullopt;
+  }
+  log(method, "TargetTypes are: %s", targetTypes);
+  return uri;
+}
+
+std::uint32_t processUpdate(const Method& method, const Update& update, core::CimInstance** job) {
+  const Target target = resolveTarget(method, update.targetPath);
+  if (target.identity.empty()) {
+    return target.refusal;
+  }
+  ConcreteJobFactory* cimclass =
+      ConcreteJobFactory::hasInstance() ? ConcreteJobFactory::getInstance() : nullptr;
+  ORVEX_ASSERT(kLog, cimclass != NULL);
+  core::CimInstance* created = nullptr;
+  std::int32_t result = 0;
+  try {
+    result = cimclass->verifyOrCreateNewJob(target.identity, update.uri, update.installOptions,
+                                            update.installOptionsValues, created, method.create);
+    utils::logDebug(kLog, method.function, "%s",
+                    fillIn(method.jobResult, "%d", std::to_string(result)).c_str());
+  } catch (...) {
+    // The job class answers refusals by numbers; what it throws is a want of memory.
+    log(method, "Allocation error occured for '%s'", update.targetPath);
+    return cim::kNotEnoughMemory;
+  }
+  const cim::InstallReturn code = translate(method, result, update.targetPath);
+  if (code == cim::kJobStarted && job != nullptr) {
+    *job = created;
+  }
+  return code;
 }
 
 }  // namespace install

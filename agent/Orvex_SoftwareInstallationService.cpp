@@ -5,41 +5,106 @@
 #include "Os/Environment.h"
 #include "Utils/Format.h"
 #include "Utils/TimeStamp.h"
+#include "agent/InstallOptions.h"
 #include "agent/InstallSteps.h"
 
 namespace {
 
 constexpr utils::LogSource kLog{"Orvex_SoftwareInstallationService"};
 constexpr std::uint16_t kOperationalStatusOk = 2;
+constexpr std::uint16_t kNoRebootRequired = 7;  // DMTF InstallCharacteristics
 
 }  // namespace
 
 Orvex_SoftwareInstallationService::Orvex_SoftwareInstallationService() {
-  addMethod("InstallFromURI",
-            static_cast<Method>(&Orvex_SoftwareInstallationService::invokeInstallFromURI));
+  using Self = Orvex_SoftwareInstallationService;
+  using Base = core::CimInstance;
+  addMethod("InstallFromSoftwareIdentity",
+            static_cast<Method>(&Self::forward<&Base::InstallFromSoftwareIdentity>));
+  addMethod("InstallFromURI", static_cast<Method>(&Self::forward<&Base::InstallFromURI>));
+  addMethod("CheckSoftwareIdentity",
+            static_cast<Method>(&Self::forward<&Base::CheckSoftwareIdentity>));
 }
 
 Orvex_SoftwareInstallationService::~Orvex_SoftwareInstallationService() = default;
+
+std::uint32_t Orvex_SoftwareInstallationService::InstallFromSoftwareIdentity(
+    core::CimPropertyList* in, core::CimPropertyList* /*out*/, core::CimInstance** job) {
+  const install::Method& method = install::kInstallFromSoftwareIdentity;
+  const utils::TimeStamp timeStamp("InstallFromSoftwareIdentity");
+  const install::Arguments arguments(in);
+  const auto& options = arguments.expect<core::CimPropertyUint16_arr>("InstallOptions");
+  const auto& values = arguments.expect<core::CimPropertyString_arr>("InstallOptionsValues");
+  const auto& source = arguments.expect<core::CimPropertyRef>("Source");
+  const auto& target = arguments.expect<core::CimPropertyRef>("Target");
+  const auto& collection = arguments.expect<core::CimPropertyRef>("Collection");
+  if (!install::isForTarget(method, source, target, collection)) {
+    return cim::kCollectionNotSupported;
+  }
+  install::expectValues({&options, &source, &target});
+  utils::logDebug(kLog, method.function, "Starting arguments verification success");
+  if (!install::areOptionsSupported(options.getValue()) ||
+      hasOption(options.getValue(), kTargetTypes)) {
+    utils::logDebug(kLog, method.function, "One of value of InstallOptions value is not supported");
+    return cim::kInvalidParameter;
+  }
+  const std::optional<std::string> uri = install::findUri(method, source.toString());
+  if (!uri) {
+    return cim::kInvalidParameter;
+  }
+  return install::processUpdate(
+      method, {*uri, target.toString(), options.getValue(), values.getValue()}, job);
+}
 
 std::uint32_t Orvex_SoftwareInstallationService::InstallFromURI(core::CimPropertyList* in,
                                                                 core::CimPropertyList* /*out*/,
                                                                 core::CimInstance** job) {
   const utils::TimeStamp timeStamp("InstallFromURI");
-  install::Arguments arguments(in);
+  const install::Arguments arguments(in);
   const auto& uri = arguments.expect<core::CimPropertyString>("URI");
   const auto& target = arguments.expect<core::CimPropertyRef>("Target");
   const auto& options = arguments.expect<core::CimPropertyUint16_arr>("InstallOptions");
   const auto& values = arguments.expect<core::CimPropertyString_arr>("InstallOptionsValues");
-  for (const core::CimProperty* argument :
-       std::initializer_list<const core::CimProperty*>{&uri, &target, &options}) {
-    install::expectValue(*argument);
-  }
+  install::expectValues({&uri, &target, &options});
   if (!install::areOptionsSupported(options.getValue())) {
     return cim::kInvalidParameter;
   }
-  const install::Update update{uri.getValue(), target.toString(), options.getValue(),
-                               values.getValue()};
-  return install::updateTarget(update, install::kInstallFromUriRecords, job);
+  return install::processUpdate(
+      install::kInstallFromUri,
+      {uri.getValue(), target.toString(), options.getValue(), values.getValue()}, job);
+}
+
+std::uint32_t Orvex_SoftwareInstallationService::CheckSoftwareIdentity(core::CimPropertyList* in,
+                                                                       core::CimPropertyList* out,
+                                                                       core::CimInstance** job) {
+  const install::Method& method = install::kCheckSoftwareIdentity;
+  const utils::TimeStamp timeStamp("CheckSoftwareIdentity");
+  const install::Arguments inputs(in);
+  const auto& source = inputs.expect<core::CimPropertyRef>("Source");
+  const auto& target = inputs.expect<core::CimPropertyRef>("Target");
+  const auto& collection = inputs.expect<core::CimPropertyRef>("Collection");
+  auto& characteristics =
+      install::Arguments(out).expect<core::CimPropertyUint16_arr>("InstallCharacteristics");
+  if (!install::isForTarget(method, source, target, collection)) {
+    return cim::kCollectionNotSupported;
+  }
+  install::expectValues({&source, &target});
+  utils::logDebug(kLog, method.function, "Starting arguments verification success");
+  if (!characteristics.getValue().empty()) {
+    utils::logDebug(kLog, method.function,
+                    "InstallCharacterisitcs argument is an output method's argument. Any input "
+                    "value is not supported.");
+    return cim::kInvalidParameter;
+  }
+  const std::optional<std::string> uri = install::findUri(method, source.toString());
+  if (!uri) {
+    return cim::kInvalidParameter;
+  }
+  const std::uint32_t code = install::processUpdate(method, {*uri, target.toString(), {}, {}}, job);
+  if (code == cim::kCompletedWithNoError) {
+    characteristics.setValue({kNoRebootRequired});
+  }
+  return code;
 }
 
 void Orvex_SoftwareInstallationService::setPropertyValues() {
@@ -80,12 +145,6 @@ void Orvex_SoftwareInstallationService::setPropertyValues() {
                                                  &Started}) {
     property->setNull();
   }
-}
-
-std::uint32_t Orvex_SoftwareInstallationService::invokeInstallFromURI(core::CimPropertyList* in,
-                                                                      core::CimPropertyList* out,
-                                                                      core::CimInstance** job) {
-  return InstallFromURI(in, out, job);
 }
 
 Orvex_SoftwareInstallationServiceClass::Orvex_SoftwareInstallationServiceClass()

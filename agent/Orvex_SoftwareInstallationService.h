@@ -19,12 +19,21 @@ class Orvex_SoftwareInstallationService : public CIM_SoftwareInstallationService
   Orvex_SoftwareInstallationService();
   ~Orvex_SoftwareInstallationService() override;
 
-  // Updates the adapter `Target` with the image that `URI` names. Returns a cim::InstallReturn; the
-  // job comes back in `job` (which may be null) with kJobStarted only. Throws
-  // utils::EUnspecifiedError for an argument that is missing or null, and utils::ESyntaxError for a
-  // malformed target path.
+  // The methods return a cim::InstallReturn; a job comes back in `job` (which may be null) with
+  // kJobStarted only. They throw utils::EUnspecifiedError for an argument that is missing or null,
+  // and utils::ESyntaxError for a malformed path.
+
+  // Updates the adapter `Target` with the image that the software identity `Source` describes.
+  std::uint32_t InstallFromSoftwareIdentity(core::CimPropertyList* in, core::CimPropertyList* out,
+                                            core::CimInstance** job) override;
+  // Updates the adapter `Target` with the image that `URI` names.
   std::uint32_t InstallFromURI(core::CimPropertyList* in, core::CimPropertyList* out,
                                core::CimInstance** job) override;
+  // Answers whether `Source` could be installed on `Target`, and what that would take in the output
+  // argument InstallCharacteristics. A check that passes leaves the target in progress for the life
+  // of the process.
+  std::uint32_t CheckSoftwareIdentity(core::CimPropertyList* in, core::CimPropertyList* out,
+                                      core::CimInstance** job) override;
 
   [[nodiscard]] std::string getClassName() const override { return kClassName; }
 
@@ -32,8 +41,13 @@ class Orvex_SoftwareInstallationService : public CIM_SoftwareInstallationService
   virtual void setPropertyValues();
 
  private:
-  std::uint32_t invokeInstallFromURI(core::CimPropertyList* in, core::CimPropertyList* out,
-                                     core::CimInstance** job);
+  // What the method table calls: the virtual operation of that name.
+  template <std::uint32_t (core::CimInstance::*kMethod)(
+      core::CimPropertyList*, core::CimPropertyList*, core::CimInstance**)>
+  std::uint32_t forward(core::CimPropertyList* in, core::CimPropertyList* out,
+                        core::CimInstance** job) {
+    return (this->*kMethod)(in, out, job);
+  }
 };
 
 // Serves the service; the instance is made by the first enumeration and keeps its values.

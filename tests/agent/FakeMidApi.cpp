@@ -111,7 +111,7 @@ utils::PCIAddr getPCIAddress(const std::string& adapter) {
 
 bool getCanBeUpdated(const std::string& adapter) {
   FakeMidApi::current().note("getCanBeUpdated " + adapter);
-  return true;
+  return FakeMidApi::current().fixedAdapters.count(adapter) == 0;
 }
 
 bool setBootType(const std::string& adapter, BootType bootType) {

@@ -13,6 +13,7 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,8 @@ class FakeMidApi {
   [[nodiscard]] static FakeMidApi& current();
 
   utils::StringArray adapters{"0000:03:00.0", "0000:03:00.1", "0000:04:00.0"};
+  // Those that cannot be updated.
+  std::set<std::string> fixedAdapters;
   std::vector<utils::FirmwareVersionInfo> installed;
   ma::PrepareStatus prepareStatus = ma::PrepareStatus::Ok;
   // What preparation makes of a file; nothing: the file as it is.

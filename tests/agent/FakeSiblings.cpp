@@ -1,14 +1,18 @@
 #include "tests/agent/FakeSiblings.h"
 
 #include <algorithm>
-#include <memory>
+#include <map>
 #include <utility>
 
+#include "agent/Orvex_ConcreteJob.h"
+#include "agent/Orvex_SoftwareInstallationService.h"
+#include "cim/CIM_RegisteredProfile.h"
 #include "core/CimBroker.h"
 #include "core/InstanceProvider.h"
 #include "inventory/Orvex_EthernetPort.h"
 #include "inventory/Orvex_PortController.h"
 #include "inventory/Orvex_SoftwareIdentity.h"
+#include "inventory/Orvex_SoftwareIdentityResource.h"
 
 namespace test {
 namespace {
@@ -37,15 +41,45 @@ class FakeController final : public Orvex_PortController {
 
 class FakeSoftwareIdentity final : public Orvex_SoftwareIdentity {
  public:
-  [[nodiscard]] std::string getIdentity() const override { return "firmware"; }
-  [[nodiscard]] std::uint32_t getImageKind() const override { return kFirmwareImage; }
+  explicit FakeSoftwareIdentity(const Software& software)
+      : m_identity(software.identity), m_imageKind(software.imageKind) {
+    TargetTypes.setValue(software.targetTypes);
+  }
+  [[nodiscard]] std::string getIdentity() const override { return m_identity; }
+  [[nodiscard]] std::uint32_t getImageKind() const override { return m_imageKind; }
 
   core::CimPropertyString DeviceID{"DeviceID", this};
+
+ private:
+  const std::string m_identity;
+  const std::uint32_t m_imageKind;
+};
+
+class FakeResource final : public Orvex_SoftwareIdentityResource {
+ public:
+  FakeResource(std::string fileId, const std::string& uri) : m_fileId(std::move(fileId)) {
+    AccessInfo.setValue(uri);
+  }
+  [[nodiscard]] std::string getFirmwareFileID() const override { return m_fileId; }
+
+  core::CimPropertyString DeviceID{"DeviceID", this};
+
+ private:
+  const std::string m_fileId;
+};
+
+class FakeProfile final : public CIM_RegisteredProfile {
+ public:
+  explicit FakeProfile(const std::string& instanceId) {
+    InstanceID.setValue(instanceId);
+    InstanceID.setKey();
+  }
+  [[nodiscard]] std::string getClassName() const override { return "Orvex_RegisteredProfile"; }
 };
 
 class FakeProvider final : public core::InstanceProvider {
  public:
-  explicit FakeProvider(const char* className)
+  explicit FakeProvider(const std::string& className)
       : InstanceProvider(className, {kLog, "test::FakeProvider::getInstances"}) {}
 
   using InstanceProvider::instances;
@@ -56,23 +90,27 @@ class FakeProvider final : public core::InstanceProvider {
 
 class FakeAgent final : public core::CimAgent {
  public:
-  FakeAgent()
-      : CimAgent("Siblings"),
-        ports(addProvider(Orvex_EthernetPort::kClassName)),
-        controllers(addProvider(Orvex_PortController::kClassName)),
-        identities(addProvider(Orvex_SoftwareIdentity::kClassName)) {}
+  FakeAgent() : CimAgent("Siblings") {}
 
-  core::InstanceList& ports;
-  core::InstanceList& controllers;
-  core::InstanceList& identities;
+  // Returns the served instances of the class, which is served from now on.
+  core::InstanceList& instancesOf(const std::string& className) {
+    core::InstanceList*& instances = m_instances[className];
+    if (instances == nullptr) {
+      auto provider = std::make_unique<FakeProvider>(className);
+      instances = &provider->instances();
+      getClasses().add(provider.release());
+    }
+    return *instances;
+  }
+
+  void clear() {
+    for (const auto& [className, instances] : m_instances) {
+      instances->clear();
+    }
+  }
 
  private:
-  core::InstanceList& addProvider(const char* className) {
-    auto provider = std::make_unique<FakeProvider>(className);
-    core::InstanceList& instances = provider->instances();
-    getClasses().add(provider.release());
-    return instances;
-  }
+  std::map<std::string, core::InstanceList*> m_instances;
 };
 
 FakeAgent& agent() {
@@ -84,13 +122,13 @@ FakeAgent& agent() {
   return *added;
 }
 
+// Serves an instance whose key is its place.
 template <class Instance>
-std::string serve(core::InstanceList& list, std::unique_ptr<Instance> instance) {
-  instance->DeviceID.setValue(std::to_string(list.size()));
+std::string addNumbered(FakeSiblings& siblings, std::unique_ptr<Instance> instance) {
+  const std::size_t place = agent().instancesOf(Instance::kClassName).size();
+  instance->DeviceID.setValue(std::to_string(place));
   instance->DeviceID.setKey();
-  const std::string path = instance->getPath();
-  list.add(instance.release());
-  return path;
+  return siblings.add(std::move(instance));
 }
 
 }  // namespace
@@ -100,21 +138,53 @@ FakeSiblings::FakeSiblings() {
 }
 
 FakeSiblings::~FakeSiblings() {
-  for (core::InstanceList* list : {&agent().ports, &agent().controllers, &agent().identities}) {
-    list->clear();
-  }
+  agent().clear();
 }
 
 std::string FakeSiblings::addPort(const std::string& identity) {
-  return serve(agent().ports, std::make_unique<FakePort>(identity));
+  return addNumbered(*this, std::make_unique<FakePort>(identity));
 }
 
 std::string FakeSiblings::addController(const std::vector<std::string>& ports) {
-  return serve(agent().controllers, std::make_unique<FakeController>(ports));
+  return addNumbered(*this, std::make_unique<FakeController>(ports));
 }
 
-std::string FakeSiblings::addSoftwareIdentity() {
-  return serve(agent().identities, std::make_unique<FakeSoftwareIdentity>());
+std::string FakeSiblings::addSoftwareIdentity(const Software& software) {
+  return addNumbered(*this, std::make_unique<FakeSoftwareIdentity>(software));
+}
+
+std::string FakeSiblings::addResource(const std::string& fileId, const std::string& uri) {
+  return addNumbered(*this, std::make_unique<FakeResource>(fileId, uri));
+}
+
+std::string FakeSiblings::addRegisteredProfile(const std::string& instanceId) {
+  return add(std::make_unique<FakeProfile>(instanceId));
+}
+
+std::string FakeSiblings::addJob(const std::string& target) {
+  const auto number =
+      static_cast<std::uint32_t>(agent().instancesOf(Orvex_ConcreteJob::kClassName).size() + 1);
+  auto job = std::make_unique<Orvex_ConcreteJob>(target, number, VerifiedImage{});
+  job->InstanceID.setValue("Orvex:" + job->getInstanceId());
+  job->InstanceID.setKey();
+  return add(std::move(job));
+}
+
+std::string FakeSiblings::addService() {
+  auto service = std::make_unique<Orvex_SoftwareInstallationService>();
+  service->setPropertyValues();
+  return add(std::move(service));
+}
+
+std::string FakeSiblings::add(std::unique_ptr<core::CimInstance> instance) {
+  const std::string path = instance->getPath();
+  agent().instancesOf(instance->getClassName()).add(instance.get());
+  static_cast<void>(instance.release());
+  return path;
+}
+
+void FakeSiblings::clear(const std::string& className) {
+  agent().instancesOf(className).clear();
 }
 
 }  // namespace test

@@ -1,12 +1,24 @@
-// The inventory agent, played by a test: ports, controllers and something that is neither.
+// What other providers serve, played by a test: ports, controllers, software identities, and
+// whatever else an instance is made of.
 
 #ifndef ORVEX_TESTS_AGENT_FAKESIBLINGS_H_
 #define ORVEX_TESTS_AGENT_FAKESIBLINGS_H_
 
+#include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "core/CimInstance.h"
+
 namespace test {
+
+// What a software identity says of itself: an image that can be installed, unless it is changed.
+struct Software {
+  std::string identity = "firmware";
+  std::uint32_t imageKind = 4;
+  std::vector<std::string> targetTypes = {"IMG_PXE"};
+};
 
 // The agent stays with the broker for the life of the process; what it serves is the test's.
 class FakeSiblings {
@@ -23,8 +35,19 @@ class FakeSiblings {
   std::string addPort(const std::string& identity);
   // A controller that owns the ports with these identities.
   std::string addController(const std::vector<std::string>& ports);
-  // An instance of another class.
-  std::string addSoftwareIdentity();
+  std::string addSoftwareIdentity(const Software& software = {});
+  // The resource of a file.
+  std::string addResource(const std::string& fileId, const std::string& uri);
+  std::string addRegisteredProfile(const std::string& instanceId);
+  // A new job for the port with this identity.
+  std::string addJob(const std::string& target);
+  // The installation service.
+  std::string addService();
+  // Any instance, under its class name.
+  std::string add(std::unique_ptr<core::CimInstance> instance);
+
+  // Takes away what was added of the class.
+  void clear(const std::string& className);
 };
 
 }  // namespace test

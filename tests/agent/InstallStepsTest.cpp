@@ -30,7 +30,7 @@ class UpdateTarget : public testing::Test {
  protected:
   std::uint32_t update(const std::string& targetPath) {
     m_update.targetPath = targetPath;
-    return install::updateTarget(m_update, install::kInstallFromUriRecords, &m_job);
+    return install::processUpdate(install::kInstallFromUri, m_update, &m_job);
   }
 
   // Returns an update for matchers of what it throws.
@@ -82,7 +82,7 @@ TEST_F(UpdateTarget, NeedsNoPlaceForTheJob) {
   m_update.targetPath = m_siblings.addPort("0000:03:00.0");
   m_factory->created = &m_created;
 
-  EXPECT_EQ(install::updateTarget(m_update, install::kInstallFromUriRecords, nullptr), 4096u);
+  EXPECT_EQ(install::processUpdate(install::kInstallFromUri, m_update, nullptr), 4096u);
 }
 
 TEST_F(UpdateTarget, TakesTheFirstPortOfAController) {

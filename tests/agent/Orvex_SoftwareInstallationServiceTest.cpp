@@ -134,7 +134,11 @@ TEST(InstallationService, RegistersItsMethods) {
   const Orvex_SoftwareInstallationService service;
 
   EXPECT_THAT(log.messages("core::CimInstance::addMethod"),
-              ElementsAre("Adding new InstallFromURI method for "
+              ElementsAre("Adding new InstallFromSoftwareIdentity method for "
+                          "Orvex_SoftwareInstallationService class",
+                          "Adding new InstallFromURI method for "
+                          "Orvex_SoftwareInstallationService class",
+                          "Adding new CheckSoftwareIdentity method for "
                           "Orvex_SoftwareInstallationService class"));
 }
 

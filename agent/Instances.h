@@ -1,0 +1,47 @@
+// What providers ask of other classes' instances. Everything comes from the broker, so the pointers
+// are valid until the next enumeration of their class; the front end's request covers the whole.
+
+#ifndef ORVEX_AGENT_INSTANCES_H_
+#define ORVEX_AGENT_INSTANCES_H_
+
+#include <string>
+#include <vector>
+
+#include "core/CimBroker.h"
+#include "core/InstanceProvider.h"
+
+using Instances = std::vector<core::CimInstance*>;
+
+// Returns all instances of the class.
+[[nodiscard]] inline Instances findInstances(const char* className) {
+  return core::GetCimBroker().getInstances(className);
+}
+
+// The same, and logs "CLASS return %d instances".
+[[nodiscard]] inline Instances findLoggedInstances(const core::EnumerationLog& log,
+                                                   const char* className) {
+  Instances instances = findInstances(className);
+  utils::logDebug(log.source, log.function, "%s return %d instances", className,
+                  static_cast<int>(instances.size()));
+  return instances;
+}
+
+// Returns the instances of T::kClassName that are a T.
+template <class T>
+[[nodiscard]] std::vector<T*> findInstancesOf() {
+  std::vector<T*> found;
+  for (core::CimInstance* instance : findInstances(T::kClassName)) {
+    if (auto* typed = dynamic_cast<T*>(instance)) {
+      found.push_back(typed);
+    }
+  }
+  return found;
+}
+
+// Returns the text of the property in force, empty when the instance has none of that name.
+[[nodiscard]] inline std::string getPropertyText(core::CimInstance& instance, const char* name) {
+  const core::CimProperty* property = instance.getProperty(name);
+  return property != nullptr ? property->toString() : std::string();
+}
+
+#endif  // ORVEX_AGENT_INSTANCES_H_
