@@ -1,7 +1,15 @@
 #include "agent/SoftwareUpdateAgent.h"
 
+#include "agent/Orvex_AffectedJobElement.h"
 #include "agent/Orvex_ConcreteJobClass.h"
+#include "agent/Orvex_OwningJobElement.h"
+#include "agent/Orvex_ServiceAffectsElement.h"
 #include "agent/Orvex_SoftwareInstallationService.h"
+#include "agent/Orvex_SoftwareInstallationServiceCapabilities.h"
+#include "agent/Orvex_SoftwareUpdateElementCapabilities.h"
+#include "agent/Orvex_SoftwareUpdateElementConformsToProfile.h"
+#include "agent/Orvex_SoftwareUpdateReferencedProfile.h"
+#include "agent/Orvex_SoftwareUpdateRegisteredProfile.h"
 
 namespace core {
 namespace {
@@ -17,7 +25,15 @@ CimClass* make() {
 // The providers, in the order of their registration.
 constexpr CimClass* (*kProviders[])() = {
     make<Orvex_SoftwareInstallationServiceClass>,
+    make<Orvex_SoftwareInstallationServiceCapabilitiesClass>,
+    make<Orvex_SoftwareUpdateRegisteredProfileClass>,
+    make<Orvex_SoftwareUpdateElementCapabilitiesClass>,
+    make<Orvex_SoftwareUpdateElementConformsToProfileClass>,
+    make<Orvex_SoftwareUpdateReferencedProfileClass>,
+    make<Orvex_ServiceAffectsElementClass>,
     make<Orvex_ConcreteJobClass>,
+    make<Orvex_AffectedJobElementClass>,
+    make<Orvex_OwningJobElementClass>,
 };
 
 }  // namespace

@@ -1,0 +1,35 @@
+#include "agent/Orvex_OwningJobElement.h"
+
+#include "Utils/Assert.h"
+#include "agent/Instances.h"
+#include "agent/Orvex_ConcreteJob.h"
+#include "agent/Orvex_SoftwareInstallationService.h"
+
+namespace {
+
+constexpr utils::LogSource kLog{"Orvex_OwningJobElement"};
+constexpr const char* kGetInstances = "Orvex_OwningJobElementClass::getInstances";
+
+}  // namespace
+
+Orvex_OwningJobElement::Orvex_OwningJobElement(core::CimInstance* service, core::CimInstance* job) {
+  OwningElement.setTarget(service);
+  OwningElement.setKey();
+  OwnedElement.setTarget(job);
+  OwnedElement.setKey();
+}
+
+Orvex_OwningJobElementClass::Orvex_OwningJobElementClass()
+    : InstanceProvider(
+          Orvex_OwningJobElement::kClassName,
+          {kLog, kGetInstances, "getInstances", "Orvex_OwningJobElementClass::getInstances"}) {}
+
+void Orvex_OwningJobElementClass::refresh() {
+  instances().clear();
+  const Instances services = findInstances(Orvex_SoftwareInstallationService::kClassName);
+  const Instances jobs = findInstances(Orvex_ConcreteJob::kClassName);
+  ORVEX_ASSERT(kLog, (int)services.size() == 1);
+  for (core::CimInstance* job : jobs) {
+    instances().add(new Orvex_OwningJobElement(services.front(), job));
+  }
+}

@@ -1,0 +1,51 @@
+#include "agent/Orvex_SoftwareInstallationServiceCapabilities.h"
+
+#include <cstdint>
+
+#include "Utils/FirmwareTypes.h"
+#include "Utils/Format.h"
+#include "agent/InstallOptions.h"
+#include "agent/Orvex_SoftwareInstallationService.h"
+
+namespace {
+
+constexpr utils::LogSource kLog{"Orvex_SoftwareInstallationServiceCapabilities"};
+
+// The numbers of the DMTF class CIM_SoftwareInstallationServiceCapabilities.
+constexpr std::uint16_t kInstallFromSoftwareIdentity = 3;
+constexpr std::uint16_t kInstallFromUri = 5;
+constexpr std::uint16_t kNoneSupported = 2;
+constexpr std::uint16_t kNotApplicable = 2;
+constexpr std::uint16_t kSchemeFile = 3;
+
+}  // namespace
+
+std::string Orvex_SoftwareInstallationServiceCapabilities::getIdentity() const {
+  return utils::format("Capabilities@%s", Orvex_SoftwareInstallationService::kServiceName);
+}
+
+void Orvex_SoftwareInstallationServiceCapabilities::setPropertyValues() {
+  Caption.setValue("Capabilities for Ethernet Firmware Update");
+  Description.setValue("Capabilities for Firmware Update Service for Zolan(R) Ethernet Adapters");
+  ElementName.setValue(Caption.getValue());
+  InstanceID.setValue(utils::format("Orvex:%s", getIdentity().c_str()));
+  InstanceID.setKey();
+  SupportedAsynchronousActions.setValue({kInstallFromUri, kInstallFromSoftwareIdentity});
+  SupportedSynchronousActions.setValue({kNoneSupported});
+  for (const std::string_view name : utils::kFirmwareTypeNames) {
+    if (!name.empty()) {
+      SupportedTargetTypes.addValue(std::string(name));
+    }
+  }
+  SupportedExtendedResourceTypes.setValue({kNotApplicable});
+  CanAddToCollection.setValue(false);
+  SupportedInstallOptions.setValue({kForceInstallation, kUpdate, kTargetTypes});
+  SupportedURISchemes.setValue({kSchemeFile});
+}
+
+Orvex_SoftwareInstallationServiceCapabilitiesClass::
+    Orvex_SoftwareInstallationServiceCapabilitiesClass()
+    : SingleInstanceProvider(
+          Orvex_SoftwareInstallationServiceCapabilities::kClassName,
+          {kLog, "Orvex_SoftwareInstallationServiceCapabilitiesClass::getInstances", "getInstance",
+           "SoftwareInstallationService::getInstances"}) {}

@@ -1,0 +1,44 @@
+#include "agent/Orvex_SoftwareUpdateElementCapabilities.h"
+
+#include "Utils/Assert.h"
+#include "agent/Instances.h"
+#include "agent/Orvex_SoftwareInstallationService.h"
+#include "agent/Orvex_SoftwareInstallationServiceCapabilities.h"
+
+namespace {
+
+constexpr utils::LogSource kLog{"Orvex_SoftwareUpdateElementCapabilities"};
+constexpr const char* kGetInstances = "Orvex_SoftwareUpdateElementCapabilitiesClass::getInstances";
+
+// The numbers of the DMTF class CIM_ElementCapabilities.
+constexpr std::uint16_t kDefault = 2;
+constexpr std::uint16_t kCurrent = 3;
+
+}  // namespace
+
+Orvex_SoftwareUpdateElementCapabilities::Orvex_SoftwareUpdateElementCapabilities(
+    core::CimInstance* service, core::CimInstance* capabilities) {
+  ManagedElement.setTarget(service);
+  ManagedElement.setKey();
+  Capabilities.setTarget(capabilities);
+  Capabilities.setKey();
+  Characteristics.setValue({kDefault, kCurrent});
+}
+
+Orvex_SoftwareUpdateElementCapabilitiesClass::Orvex_SoftwareUpdateElementCapabilitiesClass()
+    : InstanceProvider(Orvex_SoftwareUpdateElementCapabilities::kClassName,
+                       {kLog, kGetInstances, "getInstances",
+                        "Orvex_SoftwareUpdateElementCapabilitiesClass::getInstances"}) {}
+
+void Orvex_SoftwareUpdateElementCapabilitiesClass::refresh() {
+  if (instances().size() != 0) {
+    return;
+  }
+  const Instances services = findInstances(Orvex_SoftwareInstallationService::kClassName);
+  const Instances capabilities =
+      findInstances(Orvex_SoftwareInstallationServiceCapabilities::kClassName);
+  ORVEX_ASSERT(kLog, (int)services.size() == 1);
+  ORVEX_ASSERT(kLog, (int)capabilities.size() == 1);
+  instances().add(
+      new Orvex_SoftwareUpdateElementCapabilities(services.front(), capabilities.front()));
+}

@@ -1,0 +1,46 @@
+#include "agent/Orvex_SoftwareUpdateElementConformsToProfile.h"
+
+#include "agent/Instances.h"
+#include "agent/Orvex_SoftwareInstallationService.h"
+#include "agent/Orvex_SoftwareUpdateRegisteredProfile.h"
+
+namespace {
+
+constexpr utils::LogSource kLog{"Orvex_SoftwareUpdateElementConformsToProfile"};
+constexpr const char* kGetInstances =
+    "Orvex_SoftwareUpdateElementConformsToProfileClass::getInstances";
+
+}  // namespace
+
+Orvex_SoftwareUpdateElementConformsToProfile::Orvex_SoftwareUpdateElementConformsToProfile(
+    core::CimInstance* profile, core::CimInstance* service) {
+  ConformantStandard.setTarget(profile);
+  ConformantStandard.setKey();
+  ManagedElement.setTarget(service);
+  ManagedElement.setKey();
+}
+
+Orvex_SoftwareUpdateElementConformsToProfileClass::
+    Orvex_SoftwareUpdateElementConformsToProfileClass()
+    : InstanceProvider(
+          Orvex_SoftwareUpdateElementConformsToProfile::kClassName,
+          {kLog, kGetInstances, "getInstances", "ElementConformsToProfile::getInstances"}) {}
+
+void Orvex_SoftwareUpdateElementConformsToProfileClass::refresh() {
+  instances().clear();
+  const Instances profiles =
+      findLoggedInstances(log(), Orvex_SoftwareUpdateRegisteredProfile::kClassName);
+  const Instances services =
+      findLoggedInstances(log(), Orvex_SoftwareInstallationService::kClassName);
+  for (core::CimInstance* profile : profiles) {
+    const std::string instanceId = getPropertyText(*profile, "InstanceID");
+    utils::logDebug(kLog, kGetInstances, "['%s']", instanceId.c_str());
+    if (instanceId != Orvex_SoftwareUpdateRegisteredProfile::kInstanceId) {
+      continue;
+    }
+    for (core::CimInstance* service : services) {
+      utils::logDebug(kLog, kGetInstances, "['%s']", getPropertyText(*service, "Name").c_str());
+      instances().add(new Orvex_SoftwareUpdateElementConformsToProfile(profile, service));
+    }
+  }
+}

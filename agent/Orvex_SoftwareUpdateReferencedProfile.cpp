@@ -1,0 +1,42 @@
+#include "agent/Orvex_SoftwareUpdateReferencedProfile.h"
+
+#include "agent/Instances.h"
+#include "agent/Orvex_SoftwareUpdateRegisteredProfile.h"
+
+namespace {
+
+constexpr utils::LogSource kLog{"Orvex_SoftwareUpdateReferencedProfile"};
+constexpr const char* kGetInstances = "Orvex_SoftwareUpdateReferencedProfileClass::getInstances";
+constexpr const char* kPortProfileId = "Orvex:EthernetPort_Profile";
+
+}  // namespace
+
+Orvex_SoftwareUpdateReferencedProfile::Orvex_SoftwareUpdateReferencedProfile(
+    core::CimInstance* antecedent, core::CimInstance* dependent) {
+  Antecedent.setTarget(antecedent);
+  Antecedent.setKey();
+  Dependent.setTarget(dependent);
+  Dependent.setKey();
+}
+
+Orvex_SoftwareUpdateReferencedProfileClass::Orvex_SoftwareUpdateReferencedProfileClass()
+    : InstanceProvider(Orvex_SoftwareUpdateReferencedProfile::kClassName,
+                       {kLog, kGetInstances, "getInstances", "ReferencedProfile::getInstances"}) {}
+
+void Orvex_SoftwareUpdateReferencedProfileClass::refresh() {
+  instances().clear();
+  core::CimInstance* portProfile = nullptr;
+  core::CimInstance* updateProfile = nullptr;
+  for (core::CimInstance* profile :
+       findLoggedInstances(log(), Orvex_SoftwareUpdateRegisteredProfile::kClassName)) {
+    const std::string instanceId = getPropertyText(*profile, "InstanceID");
+    if (instanceId == kPortProfileId) {
+      portProfile = profile;
+    } else if (instanceId == Orvex_SoftwareUpdateRegisteredProfile::kInstanceId) {
+      updateProfile = profile;
+    }
+  }
+  if (portProfile != nullptr && updateProfile != nullptr) {
+    instances().add(new Orvex_SoftwareUpdateReferencedProfile(portProfile, updateProfile));
+  }
+}
