@@ -1,9 +1,12 @@
 #include "midapi/MidApi.h"
 
+#include <algorithm>
 #include <span>
+#include <utility>
 
 #include "midapi/AdapterId.h"
 #include "midapi/FlashBackend.h"
+#include "midapi/Hex.h"
 #include "midapi/ImagePreparation.h"
 #include "midapi/OptionRom.h"
 #include "midapi/VirtualFlashBackend.h"
@@ -47,16 +50,60 @@ bool report(std::uint32_t& errorCode, std::string& errorText, Operation operatio
   return true;
 }
 
-std::vector<utils::FirmwareVersionInfo> installedFirmware(const PortId& port) {
-  const AdapterFacts facts = backend().facts(port);
-  const FileBytes flash = backend().readFlash(port);
+std::string toDeviceName(std::uint16_t vendor, std::uint16_t device) {
+  return hexText(vendor, 4) + ":" + hexText(device, 4);
+}
+
+std::vector<utils::FirmwareVersionInfo> firmwareOf(const AdapterFacts& facts, RomBytes rom) {
   std::vector<utils::FirmwareVersionInfo> versions;
-  for (const OptionRomImage& image : parseRomChain(flash.view()).images) {
+  for (const OptionRomImage& image : parseRomChain(rom).images) {
     if (isFirmwareOf(facts, image)) {
       versions.push_back({image.type, image.version});
     }
   }
   return versions;
+}
+
+std::vector<utils::FirmwareVersionInfo> installedFirmware(const PortId& port) {
+  return firmwareOf(backend().facts(port), backend().readFlash(port).view());
+}
+
+// Fills `buffer` as prepareFlashImage does; `filled` is the number of bytes.
+PrepareStatus prepare(const std::string& adapter, RomBytes file, std::span<std::uint8_t> buffer,
+                      std::uint32_t& filled, const std::vector<utils::FirmwareType>& types) {
+  const RomChain chain = parseRomChain(file);
+  if (!chain.isValid()) {
+    return PrepareStatus::InvalidImage;
+  }
+  try {
+    const PortId port = needPort(adapter);
+    const AdapterFacts facts = backend().facts(port);
+    if (const PrepareStatus status = checkAdapter(chain, facts); status != PrepareStatus::Ok) {
+      return status;
+    }
+    const FileBytes flash = backend().readFlash(port);
+    const ImageSelection selection = selectImages(chain, parseRomChain(flash.view()), facts, types);
+    const auto size = copyImages(file, selection.images, buffer);
+    if (!size) {
+      return PrepareStatus::InternalFault;
+    }
+    filled = *size;
+    return selection.status;
+  } catch (const FlashFault&) {
+    return PrepareStatus::InternalFault;
+  }
+}
+
+// Compares an image that may be installed with what the flash holds.
+ImageComparison compareWithFlash(const PortId& port, RomBytes image) {
+  const FileBytes flash = backend().readFlash(port);
+  const RomBytes installed = flash.view().first(parseRomChain(flash.view()).length);
+  if (std::ranges::equal(image, installed)) {
+    return ImageComparison::SameContent;
+  }
+  const AdapterFacts facts = backend().facts(port);
+  return firmwareOf(facts, image) == firmwareOf(facts, installed) ? ImageComparison::SameVersion
+                                                                  : ImageComparison::Newer;
 }
 
 // Returns the capability word of a list of types; numbers that stand for no type add nothing to it.
@@ -123,29 +170,55 @@ PrepareStatus prepareFlashImage(const std::string& adapter, const std::uint8_t* 
                                 const std::vector<utils::FirmwareType>& types) {
   const std::span<std::uint8_t> buffer(image, imageSize);
   imageSize = 0;
-  const RomBytes fileBytes(file, fileSize);
-  const RomChain chain = parseRomChain(fileBytes);
+  const PrepareStatus status = prepare(adapter, {file, fileSize}, buffer, imageSize, types);
+  if (status == PrepareStatus::Ok || status == PrepareStatus::Downgrade ||
+      status == PrepareStatus::TypesDiffer) {
+    // Whoever prepares goes on to write, and watches from now on.
+    static_cast<void>(progressTable().start(needPort(adapter).adapter));
+  }
+  return status;
+}
+
+std::string describeFlashImage(const std::uint8_t* file, std::uint32_t fileSize,
+                               std::vector<FlashImageInfo>& images) {
+  images.clear();
+  const RomChain chain = parseRomChain({file, fileSize});
   if (!chain.isValid()) {
-    return PrepareStatus::InvalidImage;
+    return chain.defect->toString();
+  }
+  for (const OptionRomImage& image : chain.images) {
+    FlashImageInfo info{{image.type, image.version}, {toDeviceName(image.vendor, image.device)}};
+    for (const std::uint16_t device : image.deviceList) {
+      info.devices.push_back(toDeviceName(image.vendor, device));
+    }
+    images.push_back(std::move(info));
+  }
+  return {};
+}
+
+ImageComparison compareFlashImage(const std::string& adapter, const std::uint8_t* file,
+                                  std::uint32_t fileSize) {
+  FileBytes image(fileSize);
+  std::uint32_t filled = 0;
+  switch (prepare(adapter, {file, fileSize}, image.writable(), filled, {})) {
+    case PrepareStatus::InvalidImage:
+    case PrepareStatus::NotForAdapter:
+      return ImageComparison::NotForAdapter;
+    case PrepareStatus::NotUpdatable:
+      return ImageComparison::NotUpdatable;
+    case PrepareStatus::TypesDiffer:
+      return ImageComparison::TypesDiffer;
+    case PrepareStatus::Downgrade:
+      return ImageComparison::Older;
+    case PrepareStatus::InternalFault:
+      return ImageComparison::Unknown;
+    case PrepareStatus::Ok:
+      break;
   }
   try {
-    const PortId port = needPort(adapter);
-    const AdapterFacts facts = backend().facts(port);
-    if (const PrepareStatus status = checkAdapter(chain, facts); status != PrepareStatus::Ok) {
-      return status;
-    }
-    const FileBytes flash = backend().readFlash(port);
-    const ImageSelection selection = selectImages(chain, parseRomChain(flash.view()), facts, types);
-    const auto filled = copyImages(fileBytes, selection.images, buffer);
-    if (!filled) {
-      return PrepareStatus::InternalFault;
-    }
-    imageSize = *filled;
-    // Whoever prepares goes on to write, and watches from now on.
-    static_cast<void>(progressTable().start(port.adapter));
-    return selection.status;
+    return compareWithFlash(needPort(adapter), image.view().first(filled));
   } catch (const FlashFault&) {
-    return PrepareStatus::InternalFault;
+    return ImageComparison::Unknown;
   }
 }
 

@@ -35,6 +35,25 @@ enum class PrepareStatus : std::int32_t {
   InternalFault = 6,
 };
 
+// One image of a firmware file.
+struct FlashImageInfo {
+  utils::FirmwareVersionInfo firmware;  // the type is None where it is none of the known ones
+  // The PCI devices that the image is for, "vvvv:dddd" in lower-case hexadecimal.
+  utils::StringArray devices;
+};
+
+// What an update from a firmware file would mean for an adapter.
+enum class ImageComparison {
+  NotForAdapter,  // the file is no valid chain of images, or none of them is for the adapter
+  NotUpdatable,   // the adapter's firmware cannot be replaced
+  TypesDiffer,    // the file's image types are not those that the adapter holds
+  Older,
+  SameVersion,  // the same versions in other bytes
+  SameContent,  // the very bytes that the flash holds
+  Newer,
+  Unknown,  // the adapter is unknown or unreadable, or the image cannot be prepared
+};
+
 // Returns the identifiers of all ports of all adapters, ordered by PCI address.
 [[nodiscard]] ORVEX_MIDAPI_API utils::StringArray enumerateAdapters();
 
@@ -76,6 +95,18 @@ ORVEX_MIDAPI_API bool setBootType(const std::string& adapter, BootType bootType)
 [[nodiscard]] ORVEX_MIDAPI_API PrepareStatus prepareFlashImage(
     const std::string& adapter, const std::uint8_t* file, std::uint32_t fileSize,
     std::uint8_t* image, std::uint32_t& imageSize, const std::vector<utils::FirmwareType>& types);
+
+// Fills `images` with what a firmware file holds, in file order. Returns why the bytes are no valid
+// chain of PCI Expansion ROM images, and no images then; an empty text when they are one.
+[[nodiscard]] ORVEX_MIDAPI_API std::string describeFlashImage(const std::uint8_t* file,
+                                                              std::uint32_t fileSize,
+                                                              std::vector<FlashImageInfo>& images);
+
+// Compares a firmware file as a whole with what the adapter holds, by the checks of
+// prepareFlashImage. Unlike that it prepares nothing, and leaves the adapter's progress alone.
+[[nodiscard]] ORVEX_MIDAPI_API ImageComparison compareFlashImage(const std::string& adapter,
+                                                                 const std::uint8_t* file,
+                                                                 std::uint32_t fileSize);
 
 // Replaces the adapter's flash by `image`, at the adapter's write rate; returns when it is done.
 //

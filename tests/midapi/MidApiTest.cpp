@@ -61,6 +61,14 @@ class MidApi : public testing::Test {
   PrepareStatus prepare(const RomBuilder& file, const std::vector<FirmwareType>& types = {}) {
     return prepare(file.build(), types);
   }
+  std::string describe(const Bytes& file) {
+    m_images.resize(5);
+    return describeFlashImage(file.data(), static_cast<std::uint32_t>(file.size()), m_images);
+  }
+  ImageComparison compare(const Bytes& file, const char* port = kPort) {
+    return compareFlashImage(port, file.data(), static_cast<std::uint32_t>(file.size()));
+  }
+  ImageComparison compare(const RomBuilder& file) { return compare(file.build()); }
   bool write(const Bytes& image, const std::string& port = kPort) {
     m_code = 12345;
     m_text = "unset";
@@ -82,6 +90,7 @@ class MidApi : public testing::Test {
   test::AdapterFixture m_adapters;
   test::AdaptersVariable m_variable{m_adapters.directory()};
   Bytes m_image;
+  std::vector<FlashImageInfo> m_images;
   std::uint32_t m_code = 0;
   std::string m_text;
 };
@@ -198,6 +207,59 @@ TEST_F(MidApi, ReportsAFaultOfItsOwn) {
   EXPECT_EQ(prepare(file, {}, "0000:03:00"), PrepareStatus::InternalFault);
   m_adapters.set(kPci, "/ports", "[]");
   EXPECT_EQ(prepare(file), PrepareStatus::InternalFault);
+}
+
+TEST_F(MidApi, DescribesTheImagesOfAFile) {
+  EXPECT_EQ(describe(RomBuilder()
+                         .add(pxe(3).device(0x10EC, 0x8139).deviceList({0x8136, 0x8168}))
+                         .add(RomImage::ofCodeType(1).version(2, 7))
+                         .build()),
+            "");
+  ASSERT_EQ(m_images.size(), 2u);
+  EXPECT_EQ(m_images[0].firmware, (FirmwareVersionInfo{FirmwareType::Pxe, {3, 0}}));
+  EXPECT_THAT(m_images[0].devices, ElementsAre("10ec:8139", "10ec:8136", "10ec:8168"));
+  EXPECT_EQ(m_images[1].firmware, (FirmwareVersionInfo{FirmwareType::None, {2, 7}}));
+  EXPECT_THAT(m_images[1].devices, ElementsAre("1af4:1041"));
+}
+
+TEST_F(MidApi, TellsWhyAFileHoldsNoImages) {
+  EXPECT_THAT(describe(RomBuilder().add(pxe(2)).damage(0, RomDamage::ByteSum).build()),
+              HasSubstr("byte sum"));
+  EXPECT_THAT(m_images, IsEmpty());
+  EXPECT_NE(describe(Bytes()), "");
+  EXPECT_THAT(m_images, IsEmpty());
+}
+
+TEST_F(MidApi, ComparesAFileWithTheFlash) {
+  const Bytes installed = m_adapters.flash(kPci);
+  Bytes padded = installed;
+  padded.resize(padded.size() + 512, 0xFF);
+
+  EXPECT_EQ(compare(installed), ImageComparison::SameContent);
+  EXPECT_EQ(compare(padded), ImageComparison::SameContent);
+  EXPECT_EQ(compare(RomBuilder().add(pxe(2).seed(9)).add(uefi(2))), ImageComparison::SameVersion);
+  EXPECT_EQ(compare(RomBuilder().add(pxe(2)).add(uefi(3))), ImageComparison::Newer);
+  EXPECT_EQ(compare(RomBuilder().add(pxe(3)).add(uefi(1))), ImageComparison::Older);
+  EXPECT_EQ(compare(RomBuilder().add(pxe(3))), ImageComparison::TypesDiffer);
+  EXPECT_EQ(compare(RomBuilder().add(pxe(3).device(0x10EC, 0x8139))),
+            ImageComparison::NotForAdapter);
+  EXPECT_EQ(compare(Bytes(100, 'x')), ImageComparison::NotForAdapter);
+  EXPECT_EQ(compare(installed, "0000:09:00.0"), ImageComparison::Unknown);
+
+  m_adapters.makeAdapter(kPci, padded);
+  EXPECT_EQ(compare(installed), ImageComparison::SameContent);
+  m_adapters.set(kPci, "/updatable", "false");
+  EXPECT_EQ(compare(installed), ImageComparison::NotUpdatable);
+}
+
+TEST_F(MidApi, ComparesWithoutATraceInTheProgress) {
+  const Bytes file = RomBuilder().add(pxe(3)).add(uefi(3)).build();
+  ASSERT_EQ(prepare(file), PrepareStatus::Ok);
+  ASSERT_TRUE(write(m_image)) << m_text;
+
+  EXPECT_EQ(compare(file), ImageComparison::SameContent);
+
+  EXPECT_EQ(getFlashImageUpdateProgress(kPort), 100U);
 }
 
 TEST_F(MidApi, FlashesExactlyWhatItPrepared) {
