@@ -29,8 +29,4 @@ void setDeviceValues(CIM_LogicalDevice& device, const std::string& deviceId,
   device.OperationalStatus.setValue({kOperationalStatusOk});
 }
 
-std::string getAdapterIdentity(const std::string& portIdentity) {
-  return portIdentity.substr(0, portIdentity.rfind('.'));
-}
-
 }  // namespace inventory

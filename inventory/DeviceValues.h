@@ -13,9 +13,6 @@ namespace inventory {
 void setDeviceValues(CIM_LogicalDevice& device, const std::string& deviceId,
                      const std::string& caption);
 
-// Returns the identifier of the adapter that a port belongs to: the port's without its function.
-[[nodiscard]] std::string getAdapterIdentity(const std::string& portIdentity);
-
 }  // namespace inventory
 
 #endif  // ORVEX_INVENTORY_DEVICEVALUES_H_

@@ -4,9 +4,9 @@
 #include <string>
 #include <utility>
 
+#include "inventory/Adapters.h"
 #include "inventory/DeviceValues.h"
 #include "inventory/Orvex_PortController.h"
-#include "midapi/MidApi.h"
 
 namespace {
 
@@ -37,12 +37,7 @@ Orvex_PortControllerClass::Orvex_PortControllerClass()
 
 void Orvex_PortControllerClass::refresh() {
   instances().clear();
-  std::string last;
-  for (const std::string& port : ma::enumerateAdapters()) {
-    std::string adapter = inventory::getAdapterIdentity(port);
-    if (adapter != last) {
-      last = adapter;
-      instances().add(new AdapterController(std::move(adapter)));
-    }
+  for (inventory::Adapter& adapter : inventory::findAdapters()) {
+    instances().add(new AdapterController(std::move(adapter.identity)));
   }
 }

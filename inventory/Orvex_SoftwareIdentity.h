@@ -12,7 +12,8 @@
 class Orvex_SoftwareIdentity : public CIM_LogicalElement {
  public:
   static constexpr const char* kClassName = "Orvex_SoftwareIdentity";
-  // The kind of a firmware image that can be installed.
+  // The kinds: a component in the flash of an adapter, and a firmware image that can be installed.
+  static constexpr std::uint32_t kInstalledComponent = 2;
   static constexpr std::uint32_t kFirmwareImage = 4;
 
   ~Orvex_SoftwareIdentity() override = default;
@@ -23,9 +24,18 @@ class Orvex_SoftwareIdentity : public CIM_LogicalElement {
   [[nodiscard]] virtual std::string getIdentity() const = 0;
   [[nodiscard]] virtual std::uint32_t getImageKind() const = 0;
 
+  // The version of its images, "major.minor"; where their types differ in it, one for each of
+  // TargetTypes, joined by '+'.
   core::CimPropertyString VersionString{"VersionString", this};
   // The names of the firmware image types that it holds (utils::kFirmwareTypeNames).
   core::CimPropertyString_arr TargetTypes{"TargetTypes", this};
+  core::CimPropertyUint16_arr Classifications{"Classifications", this};
+  // What the values of the same index in IdentityInfoValue are. "Orvex:PCIDevice": a PCI vendor and
+  // device that its images are for, "1af4:1041".
+  core::CimPropertyString_arr IdentityInfoType{"IdentityInfoType", this};
+  core::CimPropertyString_arr IdentityInfoValue{"IdentityInfoValue", this};
+  // What getImageKind() returns.
+  core::CimPropertyUint32 ImageKind{"ImageKind", this};
 };
 
 #endif  // ORVEX_INVENTORY_ORVEX_SOFTWAREIDENTITY_H_

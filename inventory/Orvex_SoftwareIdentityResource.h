@@ -20,6 +20,8 @@ class Orvex_SoftwareIdentityResource : public CIM_LogicalElement {
 
   // The URI of the file.
   core::CimPropertyString AccessInfo{"AccessInfo", this};
+  // What AccessInfo is (DMTF CIM_RemoteServiceAccessPoint).
+  core::CimPropertyUint16 InfoFormat{"InfoFormat", this};
 };
 
 #endif  // ORVEX_INVENTORY_ORVEX_SOFTWAREIDENTITYRESOURCE_H_

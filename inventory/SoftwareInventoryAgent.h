@@ -4,6 +4,7 @@
 #define ORVEX_INVENTORY_SOFTWAREINVENTORYAGENT_H_
 
 #include "core/CimAgent.h"
+#include "inventory/FirmwareFiles.h"
 
 namespace core {
 
@@ -11,6 +12,9 @@ class SoftwareInventoryAgent : public CimAgent {
  public:
   SoftwareInventoryAgent();
   ~SoftwareInventoryAgent() override;
+
+ private:
+  inventory::FirmwareFiles m_files;
 };
 
 // Adds the one agent of the process to the broker. For the module's load hook.

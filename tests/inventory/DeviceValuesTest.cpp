@@ -26,9 +26,4 @@ TEST(SetDeviceValues, FillsKeysAndNames) {
   EXPECT_THAT(device.OperationalStatus.getValue(), testing::ElementsAre(2));
 }
 
-TEST(GetAdapterIdentity, LeavesTheFunctionOut) {
-  EXPECT_EQ(inventory::getAdapterIdentity("0000:03:00.1"), "0000:03:00");
-  EXPECT_EQ(inventory::getAdapterIdentity("0000:03:00"), "0000:03:00");
-}
-
 }  // namespace

@@ -5,24 +5,13 @@
 #include "inventory/Orvex_EthernetPortClass.h"
 #include "inventory/Orvex_PortController.h"
 #include "inventory/Orvex_PortControllerClass.h"
-#include "tests/agent/FakeMidApi.h"
+#include "tests/inventory/InventoryTest.h"
 
 namespace {
 
 using testing::ElementsAre;
 
-template <class Instance>
-std::vector<Instance*> enumerate(core::CimClass& provider) {
-  std::vector<Instance*> instances;
-  core::InstanceList::Iterator cursor = provider.getInstances();
-  for (core::CimInstance* instance = cursor.first(); instance != nullptr;
-       instance = cursor.next()) {
-    instances.push_back(dynamic_cast<Instance*>(instance));
-  }
-  return instances;
-}
-
-class PortControllerClass : public testing::Test {
+class PortControllerClass : public test::InventoryTest {
  protected:
   std::vector<Orvex_PortController*> controllers() {
     return enumerate<Orvex_PortController>(m_provider);
@@ -39,13 +28,14 @@ class PortControllerClass : public testing::Test {
     return identities;
   }
 
-  test::FakeMidApi m_midApi;
   Orvex_EthernetPortClass m_ports;
   Orvex_PortControllerClass m_provider;
 };
 
 TEST_F(PortControllerClass, ServesAControllerForEachAdapter) {
   EXPECT_EQ(m_provider.getName(), "Orvex_PortController");
+  m_adapters.makeAdapter(test::kAdapter, {});
+  m_adapters.makeAdapter(test::kOtherAdapter, {});
   std::vector<std::string> identities;
   for (Orvex_PortController* controller : controllers()) {
     identities.push_back(controller->DeviceID.getValue());
@@ -54,16 +44,19 @@ TEST_F(PortControllerClass, ServesAControllerForEachAdapter) {
 }
 
 TEST_F(PortControllerClass, KnowsThePortsOfItsControllers) {
-  m_midApi.adapters = {"0000:03:00.0", "0000:03:00.1", "0000:03:01.0", "0001:03:00.0"};
+  for (const char* pci : {"0000:03:00", "0000:03:01", "0001:03:00"}) {
+    m_adapters.makeAdapter(pci, {});
+  }
   const std::vector<Orvex_PortController*> all = controllers();
 
   ASSERT_EQ(all.size(), 3u);
   EXPECT_THAT(portsOf(*all[0]), ElementsAre("0000:03:00.0", "0000:03:00.1"));
-  EXPECT_THAT(portsOf(*all[1]), ElementsAre("0000:03:01.0"));
-  EXPECT_THAT(portsOf(*all[2]), ElementsAre("0001:03:00.0"));
+  EXPECT_THAT(portsOf(*all[1]), ElementsAre("0000:03:01.0", "0000:03:01.1"));
+  EXPECT_THAT(portsOf(*all[2]), ElementsAre("0001:03:00.0", "0001:03:00.1"));
 }
 
 TEST_F(PortControllerClass, DescribesAController) {
+  m_adapters.makeAdapter(test::kAdapter, {});
   Orvex_PortController& controller = *controllers().at(0);
   EXPECT_EQ(controller.getClassName(), "Orvex_PortController");
   EXPECT_TRUE(controller.DeviceID.isKey());
@@ -72,7 +65,6 @@ TEST_F(PortControllerClass, DescribesAController) {
 }
 
 TEST_F(PortControllerClass, WithoutAdaptersIsEmpty) {
-  m_midApi.adapters.clear();
   EXPECT_THAT(controllers(), testing::IsEmpty());
 }
 

@@ -2,29 +2,35 @@
 
 #include "core/CimBroker.h"
 #include "inventory/SoftwareInventoryAgent.h"
-#include "tests/agent/FakeMidApi.h"
+#include "tests/inventory/InventoryTest.h"
 
 namespace {
 
-TEST(SoftwareInventoryAgent, ServesItsClasses) {
+using InventoryAgent = test::InventoryTest;
+
+TEST_F(InventoryAgent, ServesItsClasses) {
   const core::SoftwareInventoryAgent agent;
   EXPECT_EQ(agent.getName(), "Software Inventory");
   EXPECT_THAT(agent.getClassNames(),
               testing::UnorderedElementsAre("Orvex_EthernetPort", "Orvex_PortController",
-                                            "Orvex_RegisteredProfile"));
+                                            "Orvex_RegisteredProfile", "Orvex_SoftwareIdentity",
+                                            "Orvex_SoftwareIdentityResource",
+                                            "Orvex_ElementSoftwareIdentity"));
 }
 
-TEST(SoftwareInventoryAgent, IsReachedThroughTheBrokerOnceItWasAdded) {
-  const test::FakeMidApi midApi;
-  core::CimBroker& broker = core::GetCimBroker();
-  const std::size_t before = broker.getAgents().size();
+TEST_F(InventoryAgent, IsReachedThroughTheBrokerOnceItWasAdded) {
+  m_adapters.makeAdapter(test::kAdapter, firmware(2));
+  makeFile("first/a.rom", firmware(3));
 
-  core::addSoftwareInventoryAgent();
+  core::CimBroker& broker = test::brokerWithInventory();
 
-  EXPECT_EQ(broker.getAgents().size(), before + 1);
-  EXPECT_EQ(broker.getInstances("Orvex_EthernetPort").size(), 3u);
-  EXPECT_EQ(broker.getInstances("Orvex_PortController").size(), 2u);
+  EXPECT_EQ(broker.getAgents().size(), 1u);
+  EXPECT_EQ(broker.getInstances("Orvex_EthernetPort").size(), 2u);
+  EXPECT_EQ(broker.getInstances("Orvex_PortController").size(), 1u);
   EXPECT_EQ(broker.getInstances("Orvex_RegisteredProfile").size(), 1u);
+  EXPECT_EQ(broker.getInstances("Orvex_SoftwareIdentity").size(), 3u);
+  EXPECT_EQ(broker.getInstances("Orvex_SoftwareIdentityResource").size(), 1u);
+  EXPECT_EQ(broker.getInstances("Orvex_ElementSoftwareIdentity").size(), 3u);
 }
 
 }  // namespace

@@ -1,0 +1,43 @@
+// An adapter holds a piece of software, or a firmware image could be installed on it.
+
+#ifndef ORVEX_INVENTORY_ORVEX_ELEMENTSOFTWAREIDENTITY_H_
+#define ORVEX_INVENTORY_ORVEX_ELEMENTSOFTWAREIDENTITY_H_
+
+#include <string>
+
+#include "cim/CIM_Dependency.h"
+#include "core/CimPropertyTypes.h"
+#include "core/InstanceProvider.h"
+
+class Orvex_ElementSoftwareIdentity : public CIM_Dependency {
+ public:
+  static constexpr const char* kClassName = "Orvex_ElementSoftwareIdentity";
+
+  // From the software (Antecedent) to the controller that it is for (Dependent).
+  Orvex_ElementSoftwareIdentity(core::CimInstance* software, core::CimInstance* controller,
+                                const std::string& comparison);
+
+  [[nodiscard]] std::string getClassName() const override { return kClassName; }
+
+  // What the software is to the adapter:
+  //   installed      a component in its flash
+  //   newer, older   an image of a newer or of an older version than the adapter holds
+  //   same           an image whose bytes the flash holds
+  //   same version   an image of the installed versions in other bytes
+  //   other types    an image whose types are not those that the adapter holds
+  //   not updatable  an image for an adapter whose firmware cannot be replaced
+  //   unknown        an image, where the adapter's flash could not be read
+  core::CimPropertyString Comparison{"Comparison", this};
+};
+
+// Rebuilds the associations at every enumeration. There is none between an image and an adapter
+// that it is not for.
+class Orvex_ElementSoftwareIdentityClass : public core::InstanceProvider {
+ public:
+  Orvex_ElementSoftwareIdentityClass();
+
+ protected:
+  void refresh() override;
+};
+
+#endif  // ORVEX_INVENTORY_ORVEX_ELEMENTSOFTWAREIDENTITY_H_

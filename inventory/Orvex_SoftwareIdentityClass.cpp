@@ -1,0 +1,155 @@
+#include "inventory/Orvex_SoftwareIdentityClass.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <filesystem>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "midapi/MidApi.h"
+
+namespace {
+
+using inventory::Adapter;
+using inventory::AdapterSoftware;
+using inventory::FirmwareFile;
+
+constexpr utils::LogSource kLog{"Orvex_SoftwareIdentity"};
+constexpr std::uint16_t kFirmware = 10;  // DMTF CIM_SoftwareIdentity.Classifications
+constexpr const char* kPciDevice = "Orvex:PCIDevice";
+constexpr const char* kInstalled = "installed";
+
+// Indexed by ma::ImageComparison.
+constexpr std::array<std::string_view, 8> kComparisonTexts = {
+    "", "not updatable", "other types", "older", "same version", "same", "newer", "unknown"};
+
+void addOnce(std::vector<std::string>& texts, const std::string& text) {
+  if (std::find(texts.begin(), texts.end(), text) == texts.end()) {
+    texts.push_back(text);
+  }
+}
+
+void setSoftwareValues(Orvex_SoftwareIdentity& software, const std::string& instanceId,
+                       const std::string& caption) {
+  software.InstanceID.setValue(instanceId);
+  software.InstanceID.setKey();
+  software.Name.setValue(software.getIdentity());
+  software.Caption.setValue(caption);
+  software.Description.setValue(caption);
+  software.ElementName.setValue(caption);
+  software.Classifications.setValue({kFirmware});
+  software.ImageKind.setValue(software.getImageKind());
+}
+
+// Returns the version of the images; one for each type where the types differ in it.
+std::string joinVersions(const std::vector<utils::FirmwareVersionInfo>& firmware) {
+  const utils::FirmwareVersion first = firmware.front().version;
+  const bool isOneVersion = std::all_of(
+      firmware.begin(), firmware.end(),
+      [first](const utils::FirmwareVersionInfo& image) { return image.version == first; });
+  std::string joined = first.toString();
+  for (std::size_t index = 1; !isOneVersion && index < firmware.size(); ++index) {
+    joined += "+" + firmware[index].version.toString();
+  }
+  return joined;
+}
+
+// A firmware image that can be installed.
+class ImageFile final : public AdapterSoftware {
+ public:
+  explicit ImageFile(const FirmwareFile& file) : m_path(file.path) {
+    setSoftwareValues(*this, "Orvex:FirmwareFile:" + m_path,
+                      "Firmware image " + std::filesystem::path(m_path).filename().string());
+    describeImages(file.images);
+  }
+
+  [[nodiscard]] std::string getIdentity() const override { return m_path; }
+  [[nodiscard]] std::uint32_t getImageKind() const override { return kFirmwareImage; }
+
+  [[nodiscard]] std::string compareWith(const Adapter& adapter) const override {
+    const std::vector<std::uint8_t> content = inventory::readFirmwareFile(m_path);
+    const ma::ImageComparison comparison = ma::compareFlashImage(
+        adapter.firstPort, content.data(), static_cast<std::uint32_t>(content.size()));
+    return std::string(kComparisonTexts[static_cast<std::size_t>(comparison)]);
+  }
+
+ private:
+  void describeImages(const std::vector<ma::FlashImageInfo>& images);
+
+  const std::string m_path;
+};
+
+void ImageFile::describeImages(const std::vector<ma::FlashImageInfo>& images) {
+  std::vector<utils::FirmwareVersionInfo> firmware;  // the first image of each type
+  std::vector<std::string> devices;
+  for (const ma::FlashImageInfo& image : images) {
+    const auto isOfType = [&image](const utils::FirmwareVersionInfo& known) {
+      return known.type == image.firmware.type;
+    };
+    if (std::none_of(firmware.begin(), firmware.end(), isOfType)) {
+      firmware.push_back(image.firmware);
+    }
+    for (const std::string& device : image.devices) {
+      addOnce(devices, device);
+    }
+  }
+  std::vector<std::string> types;
+  for (const utils::FirmwareVersionInfo& image : firmware) {
+    if (image.type != utils::FirmwareType::None) {
+      types.emplace_back(utils::firmwareTypeName(image.type));
+    }
+  }
+  VersionString.setValue(joinVersions(firmware));
+  TargetTypes.setValue(types);
+  IdentityInfoType.setValue(std::vector<std::string>(devices.size(), kPciDevice));
+  IdentityInfoValue.setValue(devices);
+}
+
+// A component in the flash of an adapter. Its place there tells it from others of its type.
+class InstalledComponent final : public AdapterSoftware {
+ public:
+  InstalledComponent(std::string adapter, std::size_t place,
+                     const utils::FirmwareVersionInfo& firmware)
+      : m_adapter(std::move(adapter)), m_identity(m_adapter + "/" + std::to_string(place)) {
+    const std::string type(utils::firmwareTypeName(firmware.type));
+    setSoftwareValues(*this, "Orvex:InstalledFirmware:" + m_identity,
+                      "Installed " + type + " of adapter " + m_adapter);
+    VersionString.setValue(firmware.version.toString());
+    TargetTypes.setValue({type});
+  }
+
+  [[nodiscard]] std::string getIdentity() const override { return m_identity; }
+  [[nodiscard]] std::uint32_t getImageKind() const override { return kInstalledComponent; }
+
+  [[nodiscard]] std::string compareWith(const Adapter& adapter) const override {
+    return adapter.identity == m_adapter ? kInstalled : "";
+  }
+
+ private:
+  const std::string m_adapter;
+  const std::string m_identity;
+};
+
+}  // namespace
+
+Orvex_SoftwareIdentityClass::Orvex_SoftwareIdentityClass(inventory::FirmwareFiles& files)
+    : InstanceProvider(Orvex_SoftwareIdentity::kClassName,
+                       {kLog, "Orvex_SoftwareIdentityClass::getInstances", "getInstances",
+                        "SoftwareIdentity::getInstances"}),
+      m_files(files) {}
+
+void Orvex_SoftwareIdentityClass::refresh() {
+  instances().clear();
+  for (const FirmwareFile& file : m_files.find()) {
+    instances().add(new ImageFile(file));
+  }
+  std::vector<utils::FirmwareVersionInfo> components;
+  for (const Adapter& adapter : inventory::findAdapters()) {
+    ma::getAdapterFirmwareVersion(adapter.firstPort, components);
+    for (std::size_t place = 0; place < components.size(); ++place) {
+      instances().add(new InstalledComponent(adapter.identity, place, components[place]));
+    }
+  }
+}

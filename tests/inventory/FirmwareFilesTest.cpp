@@ -1,0 +1,167 @@
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <string>
+#include <sys/stat.h>
+#include <vector>
+
+#include "inventory/FirmwareFiles.h"
+#include "tests/inventory/InventoryTest.h"
+#include "tests/midapi/RealRoms.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using inventory::FirmwareFile;
+using test::Bytes;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr std::uintmax_t kLargest = std::uintmax_t{16} << 20;
+
+class FirmwareFiles : public test::InventoryTest {
+ protected:
+  std::vector<std::string> find() {
+    m_log.clear();
+    std::vector<std::string> paths;
+    for (const FirmwareFile& file : m_files.find()) {
+      paths.push_back(file.path);
+    }
+    return paths;
+  }
+
+  // Returns the errors that the last look logged.
+  std::vector<std::string> problems() const {
+    std::vector<std::string> messages;
+    for (const test::LogRecord& record : m_log.records(test::LogSink::EventLog)) {
+      EXPECT_EQ(record.source, "FirmwareFiles");
+      EXPECT_EQ(record.function, "inventory::FirmwareFiles::find");
+      messages.push_back(record.message);
+    }
+    return messages;
+  }
+
+  inventory::FirmwareFiles m_files;
+};
+
+TEST_F(FirmwareFiles, AreFoundInTheOrderOfDirectoriesAndNames) {
+  configure(secondDirectory().string() + ";" + firstDirectory().string());
+  const std::string last = makeFile("first/a.rom", firmware(1));
+  const std::string second = makeFile("second/c.bin", firmware(1));
+  const std::string first = makeFile("second/b.rom", firmware(1));
+
+  EXPECT_THAT(find(), ElementsAre(first, second, last));
+  EXPECT_THAT(problems(), IsEmpty());
+}
+
+TEST_F(FirmwareFiles, AreDescribedByTheirImages) {
+  makeFile("first/a.rom", firmware(3));
+
+  const std::vector<FirmwareFile> files = m_files.find();
+
+  ASSERT_EQ(files.size(), 1u);
+  ASSERT_EQ(files[0].images.size(), 2u);
+  EXPECT_EQ(files[0].images[0].firmware.type, utils::FirmwareType::Pxe);
+  EXPECT_EQ(files[0].images[1].firmware.type, utils::FirmwareType::Uefi);
+  EXPECT_THAT(files[0].images[0].devices, ElementsAre("1af4:1041"));
+}
+
+TEST_F(FirmwareFiles, OfRealNetworkCardsAreFound) {
+  const auto rom = test::realRom("efi-virtio.rom");
+  if (!rom) {
+    GTEST_SKIP() << test::kNoRealRoms;
+  }
+  const std::string path = makeFile("first/efi-virtio.rom", *rom);
+  EXPECT_THAT(find(), ElementsAre(path));
+}
+
+TEST_F(FirmwareFiles, ComeAndGoWithTheDirectories) {
+  EXPECT_THAT(find(), IsEmpty());
+  const std::string path = makeFile("first/a.rom", firmware(1));
+  EXPECT_THAT(find(), ElementsAre(path));
+  configure(secondDirectory().string());
+  EXPECT_THAT(find(), IsEmpty());
+  configure(firstDirectory().string());
+  fs::remove(path);
+  EXPECT_THAT(find(), IsEmpty());
+}
+
+TEST_F(FirmwareFiles, AreThereOnceHoweverOftenADirectoryIsNamed) {
+  const std::string path = makeFile("first/a.rom", firmware(1));
+  configure(firstDirectory().string() + ";" + firstDirectory().string() + "/;" +
+            (secondDirectory() / ".." / "first").string());
+  EXPECT_THAT(find(), ElementsAre(path));
+}
+
+TEST_F(FirmwareFiles, HaveAbsolutePathsInRelativeDirectories) {
+  const std::string path = makeFile("first/a.rom", firmware(1));
+  configure(fs::relative(firstDirectory()).string());
+  EXPECT_THAT(find(), ElementsAre(path));
+}
+
+TEST_F(FirmwareFiles, LeaveOutDirectoriesAndFollowLinks) {
+  makeFile("first/folder/a.rom", firmware(1));
+  const std::string path = makeFile("second/b.rom", firmware(1));
+  fs::create_symlink(path, firstDirectory() / "link.rom");
+
+  EXPECT_THAT(find(), ElementsAre((firstDirectory() / "link.rom").string(), path));
+  EXPECT_THAT(problems(), IsEmpty());
+}
+
+TEST_F(FirmwareFiles, ReportWhatIsNoFirmware) {
+  const std::string text = makeFile("first/README", Bytes(100, 'x'));
+  const std::string empty = makeFile("first/a-empty", Bytes());
+  const std::string damaged = makeFile(
+      "first/damaged.rom",
+      test::RomBuilder().add(test::RomImage::legacy()).damage(0, test::RomDamage::ByteSum).build());
+  const std::string link = (firstDirectory() / "link").string();
+  fs::create_symlink("nowhere", link);
+  const std::string pipe = (firstDirectory() / "pipe").string();
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  const std::string large = makeFile("second/large.rom", Bytes());
+  fs::resize_file(large, kLargest + 1);
+  const std::string good = makeFile("second/good.rom", firmware(1));
+
+  EXPECT_THAT(find(), ElementsAre(good));
+  const auto leftOut = [](const std::string& path, const std::string& reason) {
+    return "Firmware file '" + path + "' is left out: " + reason;
+  };
+  EXPECT_THAT(
+      problems(),
+      ElementsAre(leftOut(text, "image 0 at 0x00: no 55 AA signature"),
+                  leftOut(empty, "image 0 at 0x00: there are no bytes"),
+                  leftOut(damaged, "image 0 at 0x00: byte sum is 0x01, must be 0"),
+                  leftOut(link, "it cannot be found"), leftOut(pipe, "it is no regular file"),
+                  leftOut(large, "it is larger than 16 MiB")));
+}
+
+TEST_F(FirmwareFiles, ReportAProblemOnceUntilItHasGoneOrChanged) {
+  makeFile("first/a.rom", Bytes(100, 'x'));
+  find();
+  EXPECT_EQ(problems().size(), 1u);
+  find();
+  EXPECT_THAT(problems(), IsEmpty());
+
+  makeFile("first/a.rom", Bytes());
+  find();
+  EXPECT_EQ(problems().size(), 1u);
+
+  makeFile("first/a.rom", firmware(1));
+  find();
+  EXPECT_THAT(problems(), IsEmpty());
+  makeFile("first/a.rom", Bytes());
+  find();
+  EXPECT_EQ(problems().size(), 1u);
+}
+
+TEST_F(FirmwareFiles, AreReadWholeOrNotAtAll) {
+  const Bytes content = firmware(1);
+  const std::string path = makeFile("first/a.rom", content);
+  EXPECT_EQ(inventory::readFirmwareFile(path), content);
+  EXPECT_THAT(inventory::readFirmwareFile(path + ".gone"), IsEmpty());
+  EXPECT_THAT(inventory::readFirmwareFile(firstDirectory().string()), IsEmpty());
+  fs::resize_file(path, kLargest + 1);
+  EXPECT_THAT(inventory::readFirmwareFile(path), IsEmpty());
+}
+
+}  // namespace

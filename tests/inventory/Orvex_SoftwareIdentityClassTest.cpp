@@ -1,0 +1,152 @@
+#include <gmock/gmock.h>
+
+#include "inventory/Orvex_SoftwareIdentityClass.h"
+#include "tests/inventory/InventoryTest.h"
+
+namespace {
+
+using inventory::Adapter;
+using inventory::AdapterSoftware;
+using test::kAdapter;
+using test::kOtherAdapter;
+using test::RomBuilder;
+using test::RomImage;
+using testing::Each;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+const Adapter kFirst{kAdapter, "0000:03:00.0"};
+const Adapter kOther{kOtherAdapter, "0000:04:00.0"};
+
+class SoftwareIdentityClass : public test::InventoryTest {
+ protected:
+  std::vector<AdapterSoftware*> identities() { return enumerate<AdapterSoftware>(m_provider); }
+
+  // Returns the one identity, that of a file with this content.
+  AdapterSoftware& identityOf(const test::Bytes& content) {
+    makeFile("first/image.rom", content);
+    return *identities().at(0);
+  }
+
+  inventory::FirmwareFiles m_files;
+  Orvex_SoftwareIdentityClass m_provider{m_files};
+};
+
+TEST_F(SoftwareIdentityClass, ServesTheFilesThenTheInstalledComponents) {
+  EXPECT_EQ(m_provider.getName(), "Orvex_SoftwareIdentity");
+  m_adapters.makeAdapter(kOtherAdapter, RomBuilder().add(RomImage::efi()).build());
+  m_adapters.makeAdapter(kAdapter, firmware(2));
+  const std::string path = makeFile("first/image.rom", firmware(3));
+
+  std::vector<std::string> names;
+  for (const AdapterSoftware* software : identities()) {
+    names.push_back(software->InstanceID.getValue());
+  }
+  EXPECT_THAT(
+      names,
+      ElementsAre("Orvex:FirmwareFile:" + path, "Orvex:InstalledFirmware:0000:03:00/0",
+                  "Orvex:InstalledFirmware:0000:03:00/1", "Orvex:InstalledFirmware:0000:04:00/0"));
+  EXPECT_THAT(m_log.messages("Orvex_SoftwareIdentityClass::getInstances"),
+              ElementsAre("getInstances", "return 4"));
+}
+
+TEST_F(SoftwareIdentityClass, DescribesAFile) {
+  const std::string path = makeFile("first/image.rom", firmware(3));
+  AdapterSoftware& file = *identities().at(0);
+
+  EXPECT_EQ(file.getIdentity(), path);
+  EXPECT_EQ(file.getImageKind(), 4u);
+  EXPECT_EQ(file.ImageKind.getValue(), 4u);
+  EXPECT_EQ(file.getPath(),
+            "Orvex_SoftwareIdentity.InstanceID=\"Orvex:FirmwareFile:" + path + "\"");
+  EXPECT_EQ(file.Name.getValue(), path);
+  EXPECT_EQ(file.Caption.getValue(), "Firmware image image.rom");
+  EXPECT_EQ(file.VersionString.getValue(), "3.0");
+  EXPECT_THAT(file.TargetTypes.getValue(), ElementsAre("IMG_PXE", "IMG_UEFI"));
+  EXPECT_THAT(file.Classifications.getValue(), ElementsAre(10));
+  EXPECT_THAT(file.IdentityInfoType.getValue(), ElementsAre("Orvex:PCIDevice"));
+  EXPECT_THAT(file.IdentityInfoValue.getValue(), ElementsAre("1af4:1041"));
+}
+
+TEST_F(SoftwareIdentityClass, NamesEachTypeAndDeviceOfAFileOnce) {
+  const AdapterSoftware& file =
+      identityOf(RomBuilder()
+                     .add(RomImage::efi().version(1, 2))
+                     .add(RomImage::efi().version(1, 3).device(1, 2))
+                     .add(RomImage::legacy().version(1, 4).deviceList({5}))
+                     .build());
+  EXPECT_THAT(file.TargetTypes.getValue(), ElementsAre("IMG_UEFI", "IMG_PXE"));
+  EXPECT_EQ(file.VersionString.getValue(), "1.2+1.4");
+  EXPECT_THAT(file.IdentityInfoValue.getValue(),
+              ElementsAre("1af4:1041", "0001:0002", "1af4:0005"));
+  EXPECT_THAT(file.IdentityInfoType.getValue(), testing::AllOf(SizeIs(3), Each("Orvex:PCIDevice")));
+}
+
+TEST_F(SoftwareIdentityClass, HasNoTargetTypesForImagesOfUnknownTypes) {
+  const AdapterSoftware& file =
+      identityOf(RomBuilder().add(RomImage::ofCodeType(1).version(2, 7)).build());
+  EXPECT_THAT(file.TargetTypes.getValue(), IsEmpty());
+  EXPECT_EQ(file.VersionString.getValue(), "2.7");
+}
+
+TEST_F(SoftwareIdentityClass, DescribesAnInstalledComponent) {
+  m_adapters.makeAdapter(kAdapter, firmware(2));
+  AdapterSoftware& component = *identities().at(1);
+
+  EXPECT_EQ(component.getIdentity(), "0000:03:00/1");
+  EXPECT_EQ(component.getImageKind(), 2u);
+  EXPECT_EQ(component.ImageKind.getValue(), 2u);
+  EXPECT_EQ(component.Name.getValue(), "0000:03:00/1");
+  EXPECT_EQ(component.Caption.getValue(), "Installed IMG_UEFI of adapter 0000:03:00");
+  EXPECT_EQ(component.VersionString.getValue(), "2.0");
+  EXPECT_THAT(component.TargetTypes.getValue(), ElementsAre("IMG_UEFI"));
+  EXPECT_TRUE(component.IdentityInfoValue.isNull());
+}
+
+TEST_F(SoftwareIdentityClass, ComparesAFileWithAnAdapter) {
+  m_adapters.makeAdapter(kAdapter, firmware(2));
+  makeFile("first/1-older", firmware(1));
+  makeFile("first/2-same", firmware(2));
+  makeFile("first/3-newer", firmware(3));
+  makeFile("first/4-types", RomBuilder().add(RomImage::legacy().version(3, 0)).build());
+  makeFile("first/5-content", RomBuilder()
+                                  .add(RomImage::legacy().version(2, 0).seed(77))
+                                  .add(RomImage::efi().version(2, 0))
+                                  .build());
+  makeFile("first/6-foreign", RomBuilder().add(RomImage::legacy().device(1, 2)).build());
+
+  std::vector<std::string> comparisons;
+  for (const AdapterSoftware* software : identities()) {
+    comparisons.push_back(software->compareWith(kFirst));
+  }
+  EXPECT_THAT(comparisons, ElementsAre("older", "same", "newer", "other types", "same version", "",
+                                       "installed", "installed"));
+  m_adapters.set(kAdapter, "/updatable", "false");
+  EXPECT_EQ(identities().at(2)->compareWith(kFirst), "not updatable");
+  EXPECT_EQ(identities().at(2)->compareWith(kOther), "unknown");
+}
+
+TEST_F(SoftwareIdentityClass, RelatesAComponentToItsAdapterOnly) {
+  m_adapters.makeAdapter(kAdapter, firmware(2));
+  const AdapterSoftware& component = *identities().at(0);
+  EXPECT_EQ(component.compareWith(kFirst), "installed");
+  EXPECT_EQ(component.compareWith(kOther), "");
+}
+
+TEST_F(SoftwareIdentityClass, RelatesAFileThatIsGoneToNothing) {
+  m_adapters.makeAdapter(kAdapter, firmware(2));
+  const AdapterSoftware& file = identityOf(firmware(3));
+  std::filesystem::remove(file.getIdentity());
+  EXPECT_EQ(file.compareWith(kFirst), "");
+}
+
+TEST_F(SoftwareIdentityClass, IsRebuiltAtEachEnumeration) {
+  const std::string path = makeFile("first/image.rom", firmware(3));
+  EXPECT_EQ(identities().size(), 1u);
+  EXPECT_EQ(identities().size(), 1u);
+  std::filesystem::remove(path);
+  EXPECT_THAT(identities(), IsEmpty());
+}
+
+}  // namespace
