@@ -79,6 +79,16 @@ std::string ModuleHost::makeImage(const Bytes& content) const {
   return "file://" + m_directory.write("image.rom", content).string();
 }
 
+std::string ModuleHost::offer(const std::string& name, const Bytes& content) const {
+  const fs::path path = m_directory.write(firmwarePath(name), content);
+  configure("FWFilePath = " + path.parent_path().string() + "\n");
+  return "Orvex_SoftwareIdentity.InstanceID=\"Orvex:FirmwareFile:" + path.string() + "\"";
+}
+
+fs::path ModuleHost::firmwarePath(const std::string& name) const {
+  return m_directory.path() / "firmware" / name;
+}
+
 fs::path ModuleHost::flashPath(const std::string& pci) const {
   return folder(pci) / "flash.rom";
 }
@@ -102,17 +112,22 @@ std::string ModuleHost::onlyPathOf(const std::string& className) const {
   return broker().getInstances(className).at(0)->getPath();
 }
 
-std::uint32_t ModuleHost::invoke(const std::vector<core::CimProperty*>& arguments) {
+std::uint32_t ModuleHost::call(const std::string& method,
+                               const std::vector<core::CimProperty*>& inputs,
+                               const std::vector<core::CimProperty*>& outputs) {
   const core::CimBroker::Request request(broker());
   core::CimInstance* const service = broker().getInstances(kService).at(0);
   core::CimPropertyList in;
-  for (core::CimProperty* argument : arguments) {
+  for (core::CimProperty* argument : inputs) {
     in.add(argument);
   }
   core::CimPropertyList out;
+  for (core::CimProperty* argument : outputs) {
+    out.add(argument);
+  }
   core::CimInstance* job = nullptr;
   m_hasNewJob = false;
-  const std::uint32_t returned = service->invokeMethod("InstallFromURI", &in, &out, &job);
+  const std::uint32_t returned = service->invokeMethod(method, &in, &out, &job);
   m_hasNewJob = job != nullptr;
   if (m_hasNewJob) {
     m_jobPath = job->getPath();
@@ -131,6 +146,27 @@ std::uint32_t ModuleHost::install(const std::string& target, const std::string& 
   arguments.options.setValue(options);
   arguments.values.setValue(values);
   return invoke(arguments.all());
+}
+
+std::uint32_t ModuleHost::installIdentity(const std::string& target, const std::string& source) {
+  IdentityArguments arguments;
+  arguments.options.setValue({kUpdate});
+  arguments.source.setText(source);
+  arguments.target.setText(portPath(target));
+  return call("InstallFromSoftwareIdentity", arguments.all());
+}
+
+std::uint32_t ModuleHost::checkIdentity(const std::string& target, const std::string& source,
+                                        std::vector<std::uint16_t>& characteristics) {
+  IdentityArguments arguments;
+  arguments.source.setText(source);
+  arguments.target.setText(portPath(target));
+  core::CimPropertyUint16_arr answer{"InstallCharacteristics", nullptr};
+  const std::uint32_t returned =
+      call("CheckSoftwareIdentity", {&arguments.source, &arguments.target, &arguments.collection},
+           {&answer});
+  characteristics = answer.getValue();
+  return returned;
 }
 
 JobReport ModuleHost::job() const {

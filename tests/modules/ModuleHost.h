@@ -52,6 +52,19 @@ struct InstallArguments {
   [[nodiscard]] std::vector<core::CimProperty*> all() { return {&uri, &target, &options, &values}; }
 };
 
+// The arguments of InstallFromSoftwareIdentity and, but for the options, of CheckSoftwareIdentity.
+struct IdentityArguments {
+  core::CimPropertyUint16_arr options{"InstallOptions", nullptr};
+  core::CimPropertyString_arr values{"InstallOptionsValues", nullptr};
+  core::CimPropertyRef source{"Source", nullptr};
+  core::CimPropertyRef target{"Target", nullptr};
+  core::CimPropertyRef collection{"Collection", nullptr};
+
+  [[nodiscard]] std::vector<core::CimProperty*> all() {
+    return {&options, &values, &source, &target, &collection};
+  }
+};
+
 class ModuleHost {
  public:
   // Sets up empty directories and an empty configuration.
@@ -73,6 +86,10 @@ class ModuleHost {
   [[nodiscard]] std::string description(const std::string& pci) const;
   // Makes an image file. Returns its URI.
   [[nodiscard]] std::string makeImage(const Bytes& content) const;
+  // Makes a file in the firmware directory, which the configuration then names. Returns the object
+  // path of its identity.
+  [[nodiscard]] std::string offer(const std::string& name, const Bytes& content) const;
+  [[nodiscard]] std::filesystem::path firmwarePath(const std::string& name) const;
 
   [[nodiscard]] std::filesystem::path flashPath(const std::string& pci) const;
   [[nodiscard]] Bytes flash(const std::string& pci) const;
@@ -86,14 +103,26 @@ class ModuleHost {
   // Returns the object path of the one instance of a class.
   [[nodiscard]] std::string onlyPathOf(const std::string& className) const;
 
+  // Calls a method of the service.
+  std::uint32_t call(const std::string& method, const std::vector<core::CimProperty*>& in,
+                     const std::vector<core::CimProperty*>& out = {});
   // Calls InstallFromURI with these arguments.
-  std::uint32_t invoke(const std::vector<core::CimProperty*>& arguments);
+  std::uint32_t invoke(const std::vector<core::CimProperty*>& arguments) {
+    return call("InstallFromURI", arguments);
+  }
   // Calls it with a port or an object path, the option Update and the others.
   std::uint32_t install(const std::string& target, const std::string& uri,
                         const std::vector<std::uint16_t>& furtherOptions = {},
                         const std::vector<std::string>& values = {});
+  // Calls InstallFromSoftwareIdentity with the option Update.
+  std::uint32_t installIdentity(const std::string& target, const std::string& source);
+  // Returns what CheckSoftwareIdentity returns, and fills what it says of the installation.
+  std::uint32_t checkIdentity(const std::string& target, const std::string& source,
+                              std::vector<std::uint16_t>& characteristics);
   // Returns whether the last call handed out a job.
   [[nodiscard]] bool hasNewJob() const { return m_hasNewJob; }
+  // Returns the object path of the job that was handed out last.
+  [[nodiscard]] const std::string& jobPath() const { return m_jobPath; }
   // Returns what is to be seen of the job that was handed out last.
   [[nodiscard]] JobReport job() const;
   // Waits for that job's end. Returns what is to be seen of it then.
