@@ -1,0 +1,32 @@
+// The update agent without its sibling: a process that loads that module only.
+
+#include <gmock/gmock.h>
+#include <string>
+
+#include "host/ModuleLoader.h"
+#include "tests/modules/Client.h"
+#include "tests/modules/ModuleHost.h"
+
+namespace {
+
+using test::enumerate;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+TEST(AgentAlone, ServesWhatNeedsNoSibling) {
+  const test::ModuleHost configuration;
+  host::loadModule(std::string(QUORVEL_TEST_MODULE_DIR) + "/OrvexSoftwareUpdateAgent.so");
+
+  EXPECT_EQ(test::servedClasses().size(), 10u);
+  EXPECT_THAT(enumerate("Orvex_RegisteredProfile", "InstanceID"),
+              ElementsAre("Orvex:SoftwareUpdate_Profile"));
+  EXPECT_EQ(enumerate("Orvex_ElementConformsToProfile").size(), 1u);
+  EXPECT_EQ(enumerate("Orvex_ElementCapabilities").size(), 1u);
+  for (const char* empty :
+       {"Orvex_ReferencedProfile", "Orvex_ServiceAffectsElement", "Orvex_ConcreteJob",
+        "Orvex_AffectedJobElement", "Orvex_OwningJobElement"}) {
+    EXPECT_THAT(enumerate(empty), IsEmpty()) << empty;
+  }
+}
+
+}  // namespace
