@@ -1,0 +1,221 @@
+// Prints docs/classes.md: what the agents serve on an example machine. For
+// scripts/generate-class-pages, and for the test that the page is current.
+
+#include <algorithm>
+#include <cctype>
+#include <cstdint>
+#include <exception>
+#include <iostream>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "Os/Environment.h"
+#include "cim/MethodSignatures.h"
+#include "core/CimBroker.h"
+#include "tests/modules/Client.h"
+#include "tests/modules/Firmware.h"
+#include "tests/modules/ModuleHost.h"
+
+namespace {
+
+using test::firmware;
+using test::InstanceReport;
+using test::PropertyReport;
+
+constexpr const char* kIntroduction = R"(# The served classes
+
+What a management client finds, class by class: the properties in their order with type, key and the
+values of one instance. The page is printed by the running agents; `scripts/generate-class-pages`
+writes it anew, and a test fails when it is out of date.
+
+The example machine is `server1` with one two-port adapter and one firmware file, after an update from
+that file. Its name, directories and times stand for others. Properties without a value are `NULL`.
+)";
+
+constexpr std::pair<std::string_view, std::string_view> kPurposes[] = {
+    {"Orvex_EthernetPort", "A port of an Ethernet adapter. Can be the target of an update."},
+    {"Orvex_PortController",
+     "An Ethernet adapter. Can be the target of an update, which then goes through its first "
+     "port."},
+    {"Orvex_RegisteredProfile",
+     "A management profile that an agent implements: where a client begins. There is one for the "
+     "Ethernet ports and one for software update."},
+    {"Orvex_SoftwareIdentity",
+     "A firmware image that can be installed (`ImageKind` 4: a file in one of the directories of "
+     "`FWFilePath`), or a component that an adapter holds (`ImageKind` 2)."},
+    {"Orvex_SoftwareIdentityResource",
+     "The file of a firmware image. `AccessInfo` is its URI, which `InstallFromURI` takes."},
+    {"Orvex_ElementSoftwareIdentity",
+     "What a piece of software is to an adapter. `Comparison` is `installed`, `newer`, `same`, "
+     "`same "
+     "version` (in other bytes), `older`, `other types`, `not updatable` or `unknown`. An image "
+     "that "
+     "is not for an adapter has no association with it."},
+    {"Orvex_SoftwareInstallationService",
+     "The one service through which firmware is updated. Its methods return the codes of "
+     "[command-line.md](command-line.md); 4096 means that a job was started."},
+    {"Orvex_SoftwareInstallationServiceCapabilities", "What the service accepts."},
+    {"Orvex_ElementCapabilities", "The service has its capabilities."},
+    {"Orvex_ElementConformsToProfile", "The service conforms to the software update profile."},
+    {"Orvex_ReferencedProfile",
+     "The software update profile builds on the Ethernet port profile. There is none while nobody "
+     "serves the latter."},
+    {"Orvex_ServiceAffectsElement",
+     "What the service can update: each adapter with an updatable port, these ports, and the "
+     "firmware "
+     "images that can be installed."},
+    {"Orvex_ConcreteJob",
+     "An update that was started. It stays listed until the process ends. `JobState` is a number "
+     "of "
+     "the DMTF schema: 7 is completed, 10 is failed (Exception)."},
+    {"Orvex_AffectedJobElement", "A job changes an adapter and all of its ports."},
+    {"Orvex_OwningJobElement", "The service owns its jobs."},
+};
+
+constexpr std::string_view kMethods[] = {"InstallFromSoftwareIdentity", "InstallFromURI",
+                                         "CheckSoftwareIdentity"};
+
+constexpr const char* kTime = "20260102030405.000000+000";
+constexpr const char* kInterval = "00000000000012.000000:000";
+
+std::string_view purposeOf(const std::string& className) {
+  const auto found = std::find_if(std::begin(kPurposes), std::end(kPurposes),
+                                  [&](const auto& entry) { return entry.first == className; });
+  if (found == std::end(kPurposes)) {
+    throw std::runtime_error("tests/modules/ClassPages.cpp does not say what " + className + " is");
+  }
+  return found->second;
+}
+
+std::string_view typeName(std::uint32_t type) {
+  switch (static_cast<core::CimType>(type)) {
+    case core::kCimUint8:
+      return "uint8";
+    case core::kCimSint8:
+      return "sint8";
+    case core::kCimUint16:
+      return "uint16";
+    case core::kCimUint16Array:
+      return "uint16[]";
+    case core::kCimUint32:
+      return "uint32";
+    case core::kCimUint64:
+      return "uint64";
+    case core::kCimString:
+      return "string";
+    case core::kCimStringArray:
+      return "string[]";
+    case core::kCimBoolean:
+      return "boolean";
+    case core::kCimDatetime:
+      return "datetime";
+    case core::kCimReference:
+      return "reference";
+  }
+  throw std::runtime_error("a property has an unknown type");
+}
+
+class ClassPages {
+ public:
+  // Sets the example machine up.
+  ClassPages() {
+    os::setEnvironment("COMPUTERNAME", "server1");
+    m_host.makeAdapter(test::kAdapter, firmware(2));
+    static_cast<void>(m_host.offer("card.rom", firmware(3)));
+    m_host.load();
+    const std::string image = "file://" + m_host.firmwarePath("card.rom").string();
+    if (m_host.install(test::kFirstPort, image) != cim::kJobStarted ||
+        m_host.awaitEnd() != test::kCompleted) {
+      throw std::runtime_error("the update of the example failed");
+    }
+  }
+
+  void print() const {
+    std::cout << kIntroduction << "\n| class | agent |\n|---|---|\n";
+    for (const std::string& name : test::servedClasses()) {
+      std::cout << "| [" << name << "](#" << toAnchor(name) << ") | " << agentsOf(name) << " |\n";
+    }
+    for (const std::string& name : test::servedClasses()) {
+      printClass(name);
+    }
+  }
+
+ private:
+  static std::string toAnchor(std::string name) {
+    std::transform(name.begin(), name.end(), name.begin(),
+                   [](unsigned char sign) { return static_cast<char>(std::tolower(sign)); });
+    return name;
+  }
+
+  static std::string agentsOf(const std::string& className) {
+    std::string names;
+    for (core::CimAgent* agent : core::GetCimBroker().getAgents()) {
+      if (agent->hasClass(className)) {
+        names += (names.empty() ? "" : ", ") + agent->getName();
+      }
+    }
+    return names;
+  }
+
+  void printClass(const std::string& name) const {
+    std::cout << "\n## " << name << "\n\n" << purposeOf(name) << "\n";
+    const InstanceReport instance = test::enumerate(name).at(0);
+    std::cout << "\n```\n" << stable(instance.path) << "\n```\n";
+    std::cout << "\n| property | type | key | example |\n|---|---|---|---|\n";
+    for (const PropertyReport& property : instance.properties) {
+      std::cout << "| " << property.name << " | " << typeName(property.type) << " | "
+                << (property.isKey ? "key" : "") << " | `" << exampleOf(property) << "` |\n";
+    }
+    if (name == "Orvex_SoftwareInstallationService") {
+      printMethods();
+    }
+  }
+
+  static void printMethods() {
+    std::cout << "\n| method | parameter | type | |\n|---|---|---|---|\n";
+    for (const std::string_view name : kMethods) {
+      for (const cim::Parameter& parameter : cim::findMethod(name)->parameters) {
+        std::cout << "| " << name << " | " << parameter.name << " | " << typeName(parameter.type)
+                  << " | " << (parameter.direction == cim::Direction::In ? "in" : "out") << " |\n";
+      }
+    }
+  }
+
+  std::string exampleOf(const PropertyReport& property) const {
+    if (property.isNull) {
+      return "NULL";
+    }
+    if (property.type == core::kCimDatetime) {
+      // DSP0004: the 22nd character of an interval is a colon.
+      return property.value.at(21) == ':' ? kInterval : kTime;
+    }
+    const std::string value = stable(property.value);
+    return property.type == core::kCimString ? "\"" + value + "\"" : value;
+  }
+
+  // Returns the text without what differs from run to run.
+  std::string stable(std::string text) const {
+    const std::string directory = m_host.directory().string();
+    for (std::size_t at = text.find(directory); at != std::string::npos;
+         at = text.find(directory)) {
+      text.replace(at, directory.size(), "/srv");
+    }
+    return text;
+  }
+
+  test::ModuleHost m_host;
+};
+
+}  // namespace
+
+int main() {
+  try {
+    ClassPages().print();
+  } catch (const std::exception& error) {
+    std::cerr << "class_pages: " << error.what() << '\n';
+    return 1;
+  }
+  return 0;
+}
