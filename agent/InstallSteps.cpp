@@ -144,12 +144,12 @@ std::string findResourceUri(const std::string& identity) {
   return uri;
 }
 
-std::string join(const std::vector<std::string>& texts, const char* separator) {
+std::string join(const std::vector<std::string>& texts, char separator) {
   std::string joined;
   for (const std::string& text : texts) {
-    joined += (joined.empty() ? "" : separator) + text;
+    joined += separator + text;
   }
-  return joined;
+  return joined.empty() ? joined : joined.substr(1);
 }
 
 }  // namespace
@@ -226,7 +226,7 @@ std::optional<std::string> findUri(const Method& method, const std::string& sour
     return std::nullopt;
   }
   const std::string identity = source->getIdentity();
-  const std::string targetTypes = join(source->TargetTypes.getValue(), "+");
+  const std::string targetTypes = join(source->TargetTypes.getValue(), '+');
   const bool hasTargetTypes = !source->TargetTypes.getValue().empty();
   std::string uri = findResourceUri(identity);
   if (uri.empty()) {

@@ -1,5 +1,5 @@
 // The steps that the methods of the installation service share. What differs between the methods is
-// passed in as data (see Records).
+// passed in as data (see Method).
 
 #ifndef ORVEX_AGENT_INSTALLSTEPS_H_
 #define ORVEX_AGENT_INSTALLSTEPS_H_
