@@ -6,6 +6,7 @@
 
 #include "agent/Orvex_ConcreteJob.h"
 #include "agent/Orvex_SoftwareInstallationService.h"
+#include "agent/Orvex_SoftwareInstallationServiceCapabilities.h"
 #include "cim/CIM_RegisteredProfile.h"
 #include "core/CimBroker.h"
 #include "core/InstanceProvider.h"
@@ -42,9 +43,12 @@ class FakeController final : public Orvex_PortController {
 class FakeSoftwareIdentity final : public Orvex_SoftwareIdentity {
  public:
   explicit FakeSoftwareIdentity(const Software& software)
-      : m_identity(software.identity), m_imageKind(software.imageKind) {
+      : m_identity(software.identity),
+        m_imageKind(software.imageKind),
+        m_className(software.className) {
     TargetTypes.setValue(software.targetTypes);
   }
+  [[nodiscard]] std::string getClassName() const override { return m_className; }
   [[nodiscard]] std::string getIdentity() const override { return m_identity; }
   [[nodiscard]] std::uint32_t getImageKind() const override { return m_imageKind; }
 
@@ -53,6 +57,7 @@ class FakeSoftwareIdentity final : public Orvex_SoftwareIdentity {
  private:
   const std::string m_identity;
   const std::uint32_t m_imageKind;
+  const std::string m_className;
 };
 
 class FakeResource final : public Orvex_SoftwareIdentityResource {
@@ -92,6 +97,14 @@ class FakeAgent final : public core::CimAgent {
  public:
   FakeAgent() : CimAgent("Siblings") {}
 
+  // The broker asks this first, of every agent and for every class.
+  [[nodiscard]] bool hasClass(const std::string& className) override {
+    m_requests.push_back(className);
+    return CimAgent::hasClass(className);
+  }
+
+  std::vector<std::string> takeRequests() { return std::exchange(m_requests, {}); }
+
   // Returns the served instances of the class, which is served from now on.
   core::InstanceList& instancesOf(const std::string& className) {
     core::InstanceList*& instances = m_instances[className];
@@ -111,6 +124,7 @@ class FakeAgent final : public core::CimAgent {
 
  private:
   std::map<std::string, core::InstanceList*> m_instances;
+  std::vector<std::string> m_requests;
 };
 
 FakeAgent& agent() {
@@ -125,9 +139,17 @@ FakeAgent& agent() {
 // Serves an instance whose key is its place.
 template <class Instance>
 std::string addNumbered(FakeSiblings& siblings, std::unique_ptr<Instance> instance) {
-  const std::size_t place = agent().instancesOf(Instance::kClassName).size();
+  const std::size_t place = agent().instancesOf(instance->getClassName()).size();
   instance->DeviceID.setValue(std::to_string(place));
   instance->DeviceID.setKey();
+  return siblings.add(std::move(instance));
+}
+
+// Serves an instance that fills its properties itself.
+template <class Instance>
+std::string addFilled(FakeSiblings& siblings) {
+  auto instance = std::make_unique<Instance>();
+  instance->setPropertyValues();
   return siblings.add(std::move(instance));
 }
 
@@ -171,9 +193,11 @@ std::string FakeSiblings::addJob(const std::string& target) {
 }
 
 std::string FakeSiblings::addService() {
-  auto service = std::make_unique<Orvex_SoftwareInstallationService>();
-  service->setPropertyValues();
-  return add(std::move(service));
+  return addFilled<Orvex_SoftwareInstallationService>(*this);
+}
+
+std::string FakeSiblings::addCapabilities() {
+  return addFilled<Orvex_SoftwareInstallationServiceCapabilities>(*this);
 }
 
 std::string FakeSiblings::add(std::unique_ptr<core::CimInstance> instance) {
@@ -185,6 +209,10 @@ std::string FakeSiblings::add(std::unique_ptr<core::CimInstance> instance) {
 
 void FakeSiblings::clear(const std::string& className) {
   agent().instancesOf(className).clear();
+}
+
+std::vector<std::string> FakeSiblings::takeRequests() {
+  return agent().takeRequests();
 }
 
 }  // namespace test

@@ -18,6 +18,7 @@ struct Software {
   std::string identity = "firmware";
   std::uint32_t imageKind = 4;
   std::vector<std::string> targetTypes = {"IMG_PXE"};
+  std::string className = "Orvex_SoftwareIdentity";
 };
 
 // The agent stays with the broker for the life of the process; what it serves is the test's.
@@ -43,11 +44,17 @@ class FakeSiblings {
   std::string addJob(const std::string& target);
   // The installation service.
   std::string addService();
+  // The capabilities of the installation service.
+  std::string addCapabilities();
   // Any instance, under its class name.
   std::string add(std::unique_ptr<core::CimInstance> instance);
 
   // Takes away what was added of the class.
   void clear(const std::string& className);
+
+  // Returns the classes whose instances the broker was asked for since the last call, served or
+  // not, in order.
+  std::vector<std::string> takeRequests();
 };
 
 }  // namespace test

@@ -2,8 +2,6 @@
 
 #include "agent/Orvex_AffectedJobElement.h"
 #include "tests/agent/Enumeration.h"
-#include "tests/agent/FakeMidApi.h"
-#include "tests/agent/FakeSiblings.h"
 
 namespace {
 
@@ -11,26 +9,26 @@ using test::Ends;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const char* kName = "Orvex_AffectedJobElement";
-
-class AffectedJobElement : public testing::Test {
+class AffectedJobElement : public test::AssociationTest<Orvex_AffectedJobElementClass> {
  protected:
-  std::vector<Ends> enumerate() {
-    m_log.clear();
-    return test::enumerateEnds(m_provider, "AffectedElement", "AffectingElement");
-  }
-
-  test::LogCapture m_log;
-  test::FakeMidApi m_midApi;
-  test::FakeSiblings m_siblings;
-  Orvex_AffectedJobElementClass m_provider;
+  AffectedJobElement()
+      : AssociationTest({"Orvex_AffectedJobElement"}, "AffectedElement", "AffectingElement") {}
 };
+
+TEST_F(AffectedJobElement, IsServedUnderItsName) {
+  EXPECT_EQ(m_provider.getName(), "Orvex_AffectedJobElement");
+}
 
 TEST_F(AffectedJobElement, IsMissingWithoutAJob) {
   m_siblings.addPort("0000:03:00.0");
   m_siblings.addController({"0000:03:00.0"});
   EXPECT_THAT(enumerate(), IsEmpty());
-  test::expectEnumeration(m_log, kName, {"getInstances", "return 0"});
+  expectRecords({"getInstances", "return 0"});
+}
+
+TEST_F(AffectedJobElement, AsksForPortsOnceForTheJobsAndOnceForTheControllers) {
+  EXPECT_THAT(requests(), ElementsAre("Orvex_ConcreteJob", "Orvex_EthernetPort",
+                                      "Orvex_EthernetPort", "Orvex_PortController"));
 }
 
 TEST_F(AffectedJobElement, ConnectsAJobWithTheWholeAdapterAtEveryEnumeration) {
@@ -43,15 +41,74 @@ TEST_F(AffectedJobElement, ConnectsAJobWithTheWholeAdapterAtEveryEnumeration) {
   const auto all = ElementsAre(Ends(adapter, job), Ends(port1, job), Ends(port2, job));
   EXPECT_THAT(enumerate(), all);
   EXPECT_THAT(enumerate(), all);
-  test::expectEnumeration(m_log, kName, {"getInstances", "return 3"});
+  expectRecords({"getInstances", "return 3"});
 }
 
-TEST_F(AffectedJobElement, PassesOverAJobWhosePortIsGone) {
+TEST_F(AffectedJobElement, HoldsItsReferencesOnly) {
+  m_siblings.addPort("0000:03:00.0");
+  m_siblings.addController({"0000:03:00.0"});
+  m_siblings.addJob("0000:03:00.0");
+  expectReferencesOnly();
+}
+
+TEST_F(AffectedJobElement, ListsJobByJob) {
+  const std::string port = m_siblings.addPort("0000:03:00.0");
+  const std::string otherPort = m_siblings.addPort("0000:04:00.0");
+  const std::string adapter = m_siblings.addController({"0000:03:00.0"});
+  const std::string otherAdapter = m_siblings.addController({"0000:04:00.0"});
+  const std::string job1 = m_siblings.addJob("0000:04:00.0");
+  const std::string job2 = m_siblings.addJob("0000:03:00.0");
+  const std::string job3 = m_siblings.addJob("0000:04:00.0");
+  EXPECT_THAT(enumerate(),
+              ElementsAre(Ends(otherAdapter, job1), Ends(otherPort, job1), Ends(adapter, job2),
+                          Ends(port, job2), Ends(otherAdapter, job3), Ends(otherPort, job3)));
+}
+
+TEST_F(AffectedJobElement, TakesTheFirstOwnerOfThePort) {
+  const std::string port = m_siblings.addPort("0000:03:00.0");
+  m_siblings.addPort("0000:03:00.1");
+  m_siblings.addController({});
+  m_siblings.addController({"0000:03:00.1"});
+  const std::string adapter = m_siblings.addController({"0000:03:00.0"});
+  m_siblings.addController({"0000:03:00.0", "0000:03:00.1"});
+  const std::string job = m_siblings.addJob("0000:03:00.0");
+  EXPECT_THAT(enumerate(), ElementsAre(Ends(adapter, job), Ends(port, job)));
+}
+
+TEST_F(AffectedJobElement, WantsThePortsExactName) {
+  m_siblings.addPort("0000:0A:00.0");
+  m_siblings.addController({"0000:0A:00.0"});
+  m_siblings.addJob("0000:0a:00.0");
+  m_siblings.addJob("0000:0A:00");
+  m_siblings.addJob("");
+  EXPECT_THAT(enumerate(), IsEmpty());
+}
+
+TEST_F(AffectedJobElement, PassesOverAJobWhosePortIsUnknown) {
   const std::string port = m_siblings.addPort("0000:04:00.0");
   const std::string adapter = m_siblings.addController({"0000:03:00.0", "0000:04:00.0"});
   m_siblings.addJob("0000:03:00.0");
   const std::string job = m_siblings.addJob("0000:04:00.0");
   EXPECT_THAT(enumerate(), ElementsAre(Ends(adapter, job), Ends(port, job)));
+}
+
+TEST_F(AffectedJobElement, IsGoneWithThePort) {
+  m_siblings.addPort("0000:03:00.0");
+  m_siblings.addController({"0000:03:00.0"});
+  m_siblings.addJob("0000:03:00.0");
+  EXPECT_EQ(enumerate().size(), 2u);
+  m_siblings.clear("Orvex_EthernetPort");
+  EXPECT_THAT(enumerate(), IsEmpty());
+  expectRecords({"getInstances", "return 0"});
+}
+
+TEST_F(AffectedJobElement, IsGoneWithTheJob) {
+  m_siblings.addPort("0000:03:00.0");
+  m_siblings.addController({"0000:03:00.0"});
+  m_siblings.addJob("0000:03:00.0");
+  EXPECT_EQ(enumerate().size(), 2u);
+  m_siblings.clear("Orvex_ConcreteJob");
+  EXPECT_THAT(enumerate(), IsEmpty());
 }
 
 TEST_F(AffectedJobElement, PassesOverAJobWhosePortBelongsToNothing) {

@@ -2,9 +2,6 @@
 
 #include "agent/Orvex_OwningJobElement.h"
 #include "tests/agent/Enumeration.h"
-#include "tests/agent/FakeMidApi.h"
-#include "tests/agent/FakeSiblings.h"
-#include "tests/support/Throws.h"
 
 namespace {
 
@@ -12,32 +9,28 @@ using test::Ends;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const char* kName = "Orvex_OwningJobElement";
+constexpr const char* kServiceClass = "Orvex_SoftwareInstallationService";
+constexpr const char* kOneService = "(int)services.size() == 1";
 
-class OwningJobElement : public testing::Test {
+class OwningJobElement : public test::AssociationTest<Orvex_OwningJobElementClass> {
  protected:
-  std::vector<Ends> enumerate() {
-    m_log.clear();
-    return test::enumerateEnds(m_provider, "OwningElement", "OwnedElement");
-  }
+  OwningJobElement()
+      : AssociationTest({"Orvex_OwningJobElement"}, "OwningElement", "OwnedElement") {}
 
-  void expectRefusal() {
-    EXPECT_THAT([this] { static_cast<void>(enumerate()); },
-                test::ThrowsExactly<utils::Exception>(
-                    test::IsAssertion(kName, "(int)services.size() == 1")));
-    test::expectEnumeration(m_log, kName, {"getInstances"});
-  }
-
-  test::LogCapture m_log;
-  test::FakeMidApi m_midApi;
-  test::FakeSiblings m_siblings;
   std::string m_service = m_siblings.addService();
-  Orvex_OwningJobElementClass m_provider;
 };
+
+TEST_F(OwningJobElement, IsServedUnderItsName) {
+  EXPECT_EQ(m_provider.getName(), "Orvex_OwningJobElement");
+}
 
 TEST_F(OwningJobElement, IsMissingWithoutAJob) {
   EXPECT_THAT(enumerate(), IsEmpty());
-  test::expectEnumeration(m_log, kName, {"getInstances", "return 0"});
+  expectRecords({"getInstances", "return 0"});
+}
+
+TEST_F(OwningJobElement, AsksForTheServiceBeforeTheJobs) {
+  EXPECT_THAT(requests(), ElementsAre(kServiceClass, "Orvex_ConcreteJob"));
 }
 
 TEST_F(OwningJobElement, ConnectsTheServiceWithEachJobAtEveryEnumeration) {
@@ -45,17 +38,42 @@ TEST_F(OwningJobElement, ConnectsTheServiceWithEachJobAtEveryEnumeration) {
   const std::string job2 = m_siblings.addJob("0000:04:00.0");  // no port is served
   EXPECT_THAT(enumerate(), ElementsAre(Ends(m_service, job1), Ends(m_service, job2)));
   EXPECT_THAT(enumerate(), ElementsAre(Ends(m_service, job1), Ends(m_service, job2)));
-  test::expectEnumeration(m_log, kName, {"getInstances", "return 2"});
+  expectRecords({"getInstances", "return 2"});
   m_siblings.clear("Orvex_ConcreteJob");
   EXPECT_THAT(enumerate(), IsEmpty());
 }
 
-TEST_F(OwningJobElement, WantsOneService) {
+TEST_F(OwningJobElement, StaysWhenThePortOfTheJobIsGone) {
+  m_siblings.addPort("0000:03:00.0");
+  m_siblings.addController({"0000:03:00.0"});
+  const std::string job = m_siblings.addJob("0000:03:00.0");
+  m_siblings.clear("Orvex_EthernetPort");
+  EXPECT_THAT(enumerate(), ElementsAre(Ends(m_service, job)));
+}
+
+TEST_F(OwningJobElement, HoldsItsReferencesOnly) {
   m_siblings.addJob("0000:03:00.0");
+  expectReferencesOnly();
+}
+
+TEST_F(OwningJobElement, WantsOneService) {
+  const std::string job = m_siblings.addJob("0000:03:00.0");
   m_siblings.addService();
-  expectRefusal();
-  m_siblings.clear("Orvex_SoftwareInstallationService");
-  expectRefusal();
+  expectRefusal(kOneService);
+  m_siblings.clear(kServiceClass);
+  expectRefusal(kOneService);
+  m_siblings.addService();
+  EXPECT_THAT(enumerate(), ElementsAre(Ends(m_service, job)));
+}
+
+TEST_F(OwningJobElement, WantsOneServiceWithoutJobsToo) {
+  m_siblings.clear(kServiceClass);
+  expectRefusal(kOneService);
+}
+
+TEST_F(OwningJobElement, IsGoneAfterARefusal) {
+  m_siblings.addJob("0000:03:00.0");
+  expectRefusalEmptiesTheList(kOneService);
 }
 
 }  // namespace

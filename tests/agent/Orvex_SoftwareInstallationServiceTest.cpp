@@ -9,6 +9,7 @@
 #include "agent/Orvex_SoftwareInstallationService.h"
 #include "core/CimPath.h"
 #include "core/CimPropertyRef.h"
+#include "tests/agent/Enumeration.h"
 #include "tests/agent/FakeJobFactory.h"
 #include "tests/agent/FakeSiblings.h"
 #include "tests/support/LogCapture.h"
@@ -20,103 +21,61 @@ using test::LogLevel;
 using test::ThrowsExactly;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::MatchesRegex;
+using testing::Pair;
+using testing::UnorderedElementsAre;
 
 constexpr const char* kClass = "Orvex_SoftwareInstallationService";
 
-class InstallationServiceClass : public testing::Test {
+class InstallationServiceClass
+    : public test::SingleInstanceTest<Orvex_SoftwareInstallationServiceClass,
+                                      Orvex_SoftwareInstallationService> {
  protected:
-  // Returns the one service that an enumeration yields.
-  Orvex_SoftwareInstallationService& enumerate() {
-    core::InstanceList::Iterator cursor = m_provider.getInstances();
-    EXPECT_EQ(cursor.count(), 1u);
-    return dynamic_cast<Orvex_SoftwareInstallationService&>(*cursor.first());
-  }
+  InstallationServiceClass()
+      : SingleInstanceTest({kClass, "SoftwareInstallationService::getInstances"}) {}
 
   static void nameComputer(const std::string& name) { os::setEnvironment("COMPUTERNAME", name); }
-
-  test::LogCapture m_log;
-  Orvex_SoftwareInstallationServiceClass m_provider;
 };
 
 TEST_F(InstallationServiceClass, ServesTheServiceUnderItsName) {
-  EXPECT_EQ(m_provider.getName(), kClass);
-  EXPECT_EQ(enumerate().getClassName(), kClass);
+  expectServedUnder(kClass);
 }
 
 TEST_F(InstallationServiceClass, KeepsTheInstanceOfTheFirstEnumeration) {
-  nameComputer("first");
-  const Orvex_SoftwareInstallationService* const service = &enumerate();
-  nameComputer("second");
+  expectTheFirstInstanceIsKept();
+}
 
-  EXPECT_EQ(&enumerate(), service);
+TEST_F(InstallationServiceClass, KeepsTheComputersNameOfTheFirstEnumeration) {
+  nameComputer("first");
+  enumerate();
+  nameComputer("second");
   EXPECT_EQ(enumerate().SystemName.getValue(), "first");
 }
 
 TEST_F(InstallationServiceClass, LogsItsEnumerations) {
-  const std::string function = "Orvex_SoftwareInstallationServiceClass::getInstances";
-  enumerate();
-  EXPECT_THAT(m_log.messages(function),
-              ElementsAre("getInstance", "create new instance", "return 1"));
-  m_log.clear();
-
-  enumerate();
-
-  EXPECT_THAT(
-      m_log.records(),
-      ElementsAre(test::IsRecordOf(kClass, LogLevel::Debug, function, "getInstance"),
-                  test::IsRecordOf("Debug", LogLevel::Debug, "utils::TimeStamp::Init",
-                                   MatchesRegex("      ### ..:..:.. Entering "
-                                                "'SoftwareInstallationService::getInstances'")),
-                  test::IsRecordOf(kClass, LogLevel::Debug, function, "return 1"),
-                  test::IsRecordOf("Debug", LogLevel::Debug, "utils::TimeStamp::~TimeStamp",
-                                   MatchesRegex("### ..:..:.. Leaving  "
-                                                "'SoftwareInstallationService::getInstances' "
-                                                "after [0-9]+ms "))));
+  expectRecords();
 }
 
-TEST_F(InstallationServiceClass, FillsTheServicesProperties) {
+TEST_F(InstallationServiceClass, DescribesTheServiceAndNothingElse) {
   nameComputer("host7");
-  Orvex_SoftwareInstallationService& service = enumerate();
-
-  EXPECT_EQ(service.Caption.getValue(), "Ethernet Firmware Update");
-  EXPECT_EQ(service.Description.getValue(),
-            "Firmware Update Service for Zolan(R) Ethernet Adapters");
-  EXPECT_THAT(service.OperationalStatus.getValue(), ElementsAre(2));
-  EXPECT_EQ(service.SystemCreationClassName.getValue(), "CIM_UnitaryComputerSystem");
-  EXPECT_EQ(service.SystemName.getValue(), "host7");
-  EXPECT_EQ(service.CreationClassName.getValue(), kClass);
-  EXPECT_EQ(service.Name.getValue(), "Orvex:FirmwareUpdate");
-  EXPECT_EQ(service.PrimaryOwnerName.getValue(), "Zolan Corporation");
-  EXPECT_FALSE(service.PrimaryOwnerContact.getValue().empty());
-}
-
-TEST_F(InstallationServiceClass, LeavesTheOtherPropertiesNull) {
-  std::vector<std::string> filled;
-  core::CimPropertyList::Iterator cursor = enumerate().getProperties().iterator();
-  for (core::CimProperty* property = cursor.first(); property != nullptr;
-       property = cursor.next()) {
-    if (!property->isNull()) {
-      filled.push_back(property->getName());
-    }
-  }
-  EXPECT_THAT(filled, testing::UnorderedElementsAre("Caption", "Description", "OperationalStatus",
-                                                    "SystemCreationClassName", "SystemName",
-                                                    "CreationClassName", "Name", "PrimaryOwnerName",
-                                                    "PrimaryOwnerContact"));
+  EXPECT_THAT(
+      test::filledProperties(enumerate()),
+      UnorderedElementsAre(
+          Pair("Caption", "Ethernet Firmware Update"),
+          Pair("Description", "Firmware Update Service for Zolan(R) Ethernet Adapters"),
+          Pair("OperationalStatus", "{2}"),
+          Pair("SystemCreationClassName", "CIM_UnitaryComputerSystem"), Pair("SystemName", "host7"),
+          Pair("CreationClassName", kClass), Pair("Name", "Orvex:FirmwareUpdate"),
+          Pair("PrimaryOwnerName", "Zolan Corporation"),
+          Pair("PrimaryOwnerContact", "https://www.zolan.example")));
 }
 
 TEST_F(InstallationServiceClass, NamesTheServiceByItsKeys) {
   nameComputer("host7");
-  const std::string path = enumerate().getPath();
-
-  EXPECT_THAT(path, testing::StartsWith("Orvex_SoftwareInstallationService."));
-  const core::CimPath parsed(path);
-  EXPECT_THAT(parsed,
-              testing::UnorderedElementsAre(
-                  testing::Pair("SystemCreationClassName", "CIM_UnitaryComputerSystem"),
-                  testing::Pair("SystemName", "host7"), testing::Pair("CreationClassName", kClass),
-                  testing::Pair("Name", "Orvex:FirmwareUpdate")));
+  EXPECT_EQ(core::CimPath(enumerate().getPath()).getClassName(), kClass);
+  EXPECT_THAT(core::CimPath(enumerate().getPath()),
+              UnorderedElementsAre(Pair("SystemCreationClassName", "CIM_UnitaryComputerSystem"),
+                                   Pair("SystemName", "host7"), Pair("CreationClassName", kClass),
+                                   Pair("Name", "Orvex:FirmwareUpdate")));
 }
 
 TEST_F(InstallationServiceClass, CallsAComputerWithoutANameLocalhost) {
