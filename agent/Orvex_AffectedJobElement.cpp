@@ -30,8 +30,8 @@ Orvex_AffectedJobElementClass::Orvex_AffectedJobElementClass()
 void Orvex_AffectedJobElementClass::refresh() {
   instances().clear();
   const auto jobs = findInstancesOf<Orvex_ConcreteJob>();
-  // Asked for once to find the jobs' ports and once to list the controllers'. The second enumeration
-  // ends the instances of the first, so both are done with the second's.
+  // Asked for once to find the jobs' ports and once to list the controllers'. The second
+  // enumeration ends the instances of the first, so both are done with the second's.
   static_cast<void>(findInstances(Orvex_EthernetPort::kClassName));
   const auto ports = findInstancesOf<Orvex_EthernetPort>();
   const auto controllers = findInstancesOf<Orvex_PortController>();

@@ -1,12 +1,14 @@
-// What the tests of the two methods that take a software identity share: the arguments, the call,
-// and the method's records.
+// What the tests of the two methods that take a software identity share: what tells the methods
+// apart, the arguments, the call, and the method's records.
 
 #ifndef ORVEX_TESTS_AGENT_IDENTITYMETHOD_H_
 #define ORVEX_TESTS_AGENT_IDENTITYMETHOD_H_
 
 #include <algorithm>
+#include <cstdint>
 #include <gmock/gmock.h>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -19,20 +21,50 @@
 
 namespace test {
 
+struct IdentityMethodTraits {
+  std::string name;
+  bool takesOptions;             // as input, else it gives characteristics as output
+  std::string bothTargets;       // the fault of a target beside a collection
+  std::string lookUp;            // what its records of things that cannot be found begin with
+  std::string answer;            // what its record of the job class's answer begins with
+  std::string invalidParameter;  // what its record of the answer "invalid parameter" begins with
+  std::uint32_t success;
+};
+
+inline void PrintTo(const IdentityMethodTraits& method, std::ostream* stream) {
+  *stream << method.name;
+}
+
+inline const IdentityMethodTraits kInstallMethod = {"InstallFromSoftwareIdentity",
+                                                    true,
+                                                    "Target and Collection are defined",
+                                                    "",
+                                                    "Creation of new job returns: ",
+                                                    "Job creation",
+                                                    4096};
+
+inline const IdentityMethodTraits kCheckMethod = {"CheckSoftwareIdentity",
+                                                  false,
+                                                  "Both Target and Collection are defined",
+                                                  "Checking ",
+                                                  "Verification of image returns: ",
+                                                  "Image verification",
+                                                  0};
+
 class IdentityMethod : public testing::Test {
  protected:
-  // The method's name, and the arguments in the order in which it wants them.
-  IdentityMethod(std::string method, std::vector<core::CimProperty*> in,
-                 std::vector<core::CimProperty*> out)
-      : m_method(std::move(method)), m_in(std::move(in)), m_out(std::move(out)) {
+  explicit IdentityMethod(const IdentityMethodTraits& method) : m_method(method) {
+    m_options.setValue({3, 5});
+    m_values.setValue({"", "x"});
     m_siblings.addResource("firmware", "file:///image.rom");
     m_source.setText(m_siblings.addSoftwareIdentity());
     m_target.setText(m_siblings.addPort("0000:03:00.0"));
     m_factory->created = &m_created;
   }
 
-  // Invokes the method with the arguments but those of the names.
-  std::uint32_t invokeWithout(const std::vector<std::string>& names) {
+  // Invokes the method with the arguments but those of the names, and with a further input.
+  std::uint32_t invokeWithout(const std::vector<std::string>& names,
+                              core::CimProperty* further = nullptr) {
     core::CimPropertyList in;
     core::CimPropertyList out;
     const auto fill = [&names](core::CimPropertyList& list,
@@ -45,15 +77,24 @@ class IdentityMethod : public testing::Test {
     };
     fill(in, m_in);
     fill(out, m_out);
+    if (further != nullptr) {
+      in.add(further);
+    }
     m_log.clear();
     m_job = nullptr;
-    return m_service.invokeMethod(m_method, &in, &out, &m_job);
+    return m_service.invokeMethod(m_method.name, &in, &out, &m_job);
   }
 
   std::uint32_t invoke() { return invokeWithout({}); }
 
-  auto invokingWithout(const std::vector<std::string>& names) {
-    return [this, names] { static_cast<void>(invokeWithout(names)); };
+  auto invokingWithout(const std::vector<std::string>& names,
+                       core::CimProperty* further = nullptr) {
+    return [this, names, further] { static_cast<void>(invokeWithout(names, further)); };
+  }
+
+  // Invokes the method with an argument in the place of that of its name.
+  auto invokingWith(core::CimProperty& argument) {
+    return invokingWithout({argument.getName()}, &argument);
   }
 
   static auto throwsFault(const std::string& text) {
@@ -75,12 +116,32 @@ class IdentityMethod : public testing::Test {
     }
   }
 
-  // Invokes, and expects a return value without a job, and the records from the arguments' check
-  // on.
-  void expectReturn(std::uint32_t expected, const std::vector<std::string>& records) {
+  // Invokes, and expects a refusal with this return value and these records from the arguments'
+  // check on.
+  void expectRefusal(std::uint32_t expected, const std::vector<std::string>& records) {
     EXPECT_EQ(invoke(), expected);
     EXPECT_EQ(m_job, nullptr);
+    EXPECT_TRUE(m_characteristics.isNull());
     EXPECT_EQ(messages(), startedWith(records));
+  }
+
+  // The same, of one that comes before the job class is asked.
+  void expectEarlyRefusal(std::uint32_t expected, const std::vector<std::string>& records) {
+    expectRefusal(expected, records);
+    EXPECT_THAT(m_factory->requests, testing::IsEmpty());
+  }
+
+  // Invokes, and expects a fault that comes before the source is looked at.
+  void expectFault(const std::string& text, const std::string& nullStates) {
+    EXPECT_THAT(invokingWithout({}), throwsFault(text));
+    EXPECT_THAT(messages(), testing::ElementsAre("All arguments are defined", nullStates));
+  }
+
+  // Invokes, and returns what the job class was asked for, once.
+  FakeJobFactory::Request request() {
+    static_cast<void>(invoke());
+    EXPECT_EQ(m_factory->requests.size(), 1u);
+    return m_factory->requests.at(0);
   }
 
   // Returns the records of a call with a target and these further ones.
@@ -108,7 +169,7 @@ class IdentityMethod : public testing::Test {
     std::vector<std::string> messages;
     for (const LogRecord& record : m_log.records()) {
       if (record.source == "Orvex_SoftwareInstallationService") {
-        EXPECT_EQ(record.function, "Orvex_SoftwareInstallationService::" + m_method);
+        EXPECT_EQ(record.function, "Orvex_SoftwareInstallationService::" + m_method.name);
         EXPECT_EQ(record.level, LogLevel::Debug);
         messages.push_back(record.message);
       }
@@ -132,42 +193,17 @@ class IdentityMethod : public testing::Test {
   core::CimPropertyRef m_collection{"Collection", nullptr};
   core::CimPropertyUint16_arr m_characteristics{"InstallCharacteristics", nullptr};
 
+  const IdentityMethodTraits m_method;
+
  private:
-  const std::string m_method;
-  const std::vector<core::CimProperty*> m_in;
-  const std::vector<core::CimProperty*> m_out;
-};
-
-// An answer of the job class, and what a method makes of it.
-struct JobAnswer {
-  std::int32_t result;
-  std::uint32_t returnValue;
-  std::string before;  // the record's text round the target's path; empty: none
-  std::string after;
-};
-
-inline void PrintTo(const JobAnswer& answer, std::ostream* stream) {
-  *stream << answer.result;
-}
-
-// The answers that mean the same to both methods; an answer that is no refusal is a success, which
-// has the return value 0 here.
-inline const JobAnswer kJobAnswers[] = {
-    {2, 4097, "Target is not supported by service for '", "'"},
-    {3, 4099, "Downgrade is not supported by service for '", "'. Execute with FORCE INSTALL flag."},
-    {4, 2, "Unspecified Error for '", "'"},
-    {5, 4106, "Not applicable for target for '", "' "},
-    {100, 5, "Invalid URI for '", "'"},
-    {101, 5, "URI does not exists for '", "'"},
-    {103, 2, "Job cannot read the URI for '", "'"},
-    {104, 2, "Other job is in progress '", "'"},
-    {105, 6, "Target '", "' is in update state at this moment"},
-    {106, 4, "Failed to start job for '", "' "},
-    {0, 0, "", ""},
-    {6, 0, "", ""},
-    {102, 0, "", ""},
-    {107, 0, "", ""},
-    {-1, 0, "", ""},
+  // In the order in which the method wants them.
+  const std::vector<core::CimProperty*> m_in =
+      m_method.takesOptions ? std::vector<core::CimProperty*>{&m_options, &m_values, &m_source,
+                                                              &m_target, &m_collection}
+                            : std::vector<core::CimProperty*>{&m_source, &m_target, &m_collection};
+  const std::vector<core::CimProperty*> m_out =
+      m_method.takesOptions ? std::vector<core::CimProperty*>{}
+                            : std::vector<core::CimProperty*>{&m_characteristics};
 };
 
 }  // namespace test

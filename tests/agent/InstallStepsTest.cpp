@@ -10,6 +10,7 @@
 #include "agent/Orvex_SoftwareInstallationService.h"
 #include "tests/agent/FakeJobFactory.h"
 #include "tests/agent/FakeSiblings.h"
+#include "tests/agent/JobAnswers.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Throws.h"
 
@@ -170,55 +171,24 @@ TEST_F(UpdateTarget, AnswersWhatTheJobClassThrowsByAWantOfMemory) {
   }
 }
 
-struct ResultCase {
-  std::int32_t result;
-  std::uint32_t returnValue;
-  std::string before;  // the record's text round the target's path; empty: none
-  std::string after;
-};
-
-void PrintTo(const ResultCase& entry, std::ostream* stream) {
-  *stream << entry.result;
-}
-
-class UpdateTargetResult : public UpdateTarget, public testing::WithParamInterface<ResultCase> {};
+class UpdateTargetResult : public UpdateTarget,
+                           public testing::WithParamInterface<test::JobAnswer> {};
 
 TEST_P(UpdateTargetResult, IsTranslated) {
-  const ResultCase& expected = GetParam();
+  const test::JobAnswer& answer = GetParam();
   const std::string target = m_siblings.addPort("0000:03:00.0");
-  m_factory->result = expected.result;
+  m_factory->result = answer.result;
   m_factory->created = &m_created;
   m_log.clear();
 
-  EXPECT_EQ(update(target), expected.returnValue);
+  EXPECT_EQ(update(target), answer.isSuccess() ? 4096 : answer.returnValue);
 
-  std::vector<std::string> records{"Creation of new job returns: " +
-                                   std::to_string(expected.result)};
-  if (!expected.before.empty()) {
-    records.push_back(expected.before + target + expected.after);
-  }
-  EXPECT_EQ(messages(), records);
-  EXPECT_EQ(m_job, expected.returnValue == 4096 ? &m_created : nullptr);
+  EXPECT_EQ(messages(), answer.records("Creation of new job returns: ", target));
+  EXPECT_EQ(m_job, answer.isSuccess() ? &m_created : nullptr);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    JobResults, UpdateTargetResult,
-    testing::Values(ResultCase{0, 4096, "", ""},
-                    ResultCase{1, 5, "Job creation returned Invalid Parameter for '", "'"},
-                    ResultCase{2, 4097, "Target is not supported by service for '", "'"},
-                    ResultCase{3, 4099, "Downgrade is not supported by service for '",
-                               "'. Execute with FORCE INSTALL flag."},
-                    ResultCase{4, 2, "Unspecified Error for '", "'"},
-                    ResultCase{5, 4106, "Not applicable for target for '", "' "},
-                    ResultCase{6, 4096, "", ""}, ResultCase{99, 4096, "", ""},
-                    ResultCase{100, 5, "Invalid URI for '", "'"},
-                    ResultCase{101, 5, "URI does not exists for '", "'"},
-                    ResultCase{102, 4096, "", ""},
-                    ResultCase{103, 2, "Job cannot read the URI for '", "'"},
-                    ResultCase{104, 2, "Other job is in progress '", "'"},
-                    ResultCase{105, 6, "Target '", "' is in update state at this moment"},
-                    ResultCase{106, 4, "Failed to start job for '", "' "},
-                    ResultCase{107, 4096, "", ""}, ResultCase{-1, 4096, "", ""}));
+INSTANTIATE_TEST_SUITE_P(JobResults, UpdateTargetResult,
+                         testing::ValuesIn(test::allJobAnswers("Job creation")));
 
 TEST(AreOptionsSupported, NeedsTheUpdateOption) {
   EXPECT_TRUE(install::areOptionsSupported({5}));
