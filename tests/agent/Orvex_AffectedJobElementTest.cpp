@@ -13,6 +13,13 @@ class AffectedJobElement : public test::AssociationTest<Orvex_AffectedJobElement
  protected:
   AffectedJobElement()
       : AssociationTest({"Orvex_AffectedJobElement"}, "AffectedElement", "AffectingElement") {}
+
+  // Serves an adapter with one port and a job for that.
+  void serveJob() {
+    m_siblings.addPort("0000:03:00.0");
+    m_siblings.addController({"0000:03:00.0"});
+    m_siblings.addJob("0000:03:00.0");
+  }
 };
 
 TEST_F(AffectedJobElement, IsServedUnderItsName) {
@@ -45,9 +52,7 @@ TEST_F(AffectedJobElement, ConnectsAJobWithTheWholeAdapterAtEveryEnumeration) {
 }
 
 TEST_F(AffectedJobElement, HoldsItsReferencesOnly) {
-  m_siblings.addPort("0000:03:00.0");
-  m_siblings.addController({"0000:03:00.0"});
-  m_siblings.addJob("0000:03:00.0");
+  serveJob();
   expectReferencesOnly();
 }
 
@@ -92,30 +97,26 @@ TEST_F(AffectedJobElement, PassesOverAJobWhosePortIsUnknown) {
   EXPECT_THAT(enumerate(), ElementsAre(Ends(adapter, job), Ends(port, job)));
 }
 
-TEST_F(AffectedJobElement, IsGoneWithThePort) {
-  m_siblings.addPort("0000:03:00.0");
-  m_siblings.addController({"0000:03:00.0"});
-  m_siblings.addJob("0000:03:00.0");
-  EXPECT_EQ(enumerate().size(), 2u);
-  m_siblings.clear("Orvex_EthernetPort");
-  EXPECT_THAT(enumerate(), IsEmpty());
-  expectRecords({"getInstances", "return 0"});
-}
-
-TEST_F(AffectedJobElement, IsGoneWithTheJob) {
-  m_siblings.addPort("0000:03:00.0");
-  m_siblings.addController({"0000:03:00.0"});
-  m_siblings.addJob("0000:03:00.0");
-  EXPECT_EQ(enumerate().size(), 2u);
-  m_siblings.clear("Orvex_ConcreteJob");
-  EXPECT_THAT(enumerate(), IsEmpty());
-}
-
 TEST_F(AffectedJobElement, PassesOverAJobWhosePortBelongsToNothing) {
   m_siblings.addPort("0000:03:00.0");
   m_siblings.addController({"0000:04:00.0"});
   m_siblings.addJob("0000:03:00.0");
   EXPECT_THAT(enumerate(), IsEmpty());
 }
+
+class AffectedJobElementWithout : public AffectedJobElement,
+                                  public testing::WithParamInterface<std::string> {};
+
+TEST_P(AffectedJobElementWithout, IsGone) {
+  serveJob();
+  EXPECT_EQ(enumerate().size(), 2u);
+  m_siblings.clear(GetParam());
+  EXPECT_THAT(enumerate(), IsEmpty());
+  expectRecords({"getInstances", "return 0"});
+}
+
+INSTANTIATE_TEST_SUITE_P(Classes, AffectedJobElementWithout,
+                         testing::Values("Orvex_ConcreteJob", "Orvex_EthernetPort",
+                                         "Orvex_PortController"));
 
 }  // namespace
