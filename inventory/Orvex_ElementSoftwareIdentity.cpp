@@ -1,6 +1,7 @@
 #include "inventory/Orvex_ElementSoftwareIdentity.h"
 
-#include <algorithm>
+#include <map>
+#include <utility>
 #include <vector>
 
 #include "core/CimBroker.h"
@@ -15,14 +16,28 @@ constexpr utils::LogSource kLog{"Orvex_ElementSoftwareIdentity"};
 using inventory::Adapter;
 using inventory::AdapterSoftware;
 
-// Returns the adapter of a controller, null when it is gone by now.
-const Adapter* findAdapter(const std::vector<Adapter>& adapters, core::CimInstance& instance) {
-  const auto* controller = dynamic_cast<Orvex_PortController*>(&instance);
-  const auto found =
-      std::find_if(adapters.begin(), adapters.end(), [controller](const Adapter& adapter) {
-        return controller != nullptr && adapter.identity == controller->DeviceID.getValue();
-      });
-  return found != adapters.end() ? &*found : nullptr;
+struct Controller {
+  core::CimInstance* instance;
+  Adapter adapter;
+};
+
+// Returns the controllers that the broker serves, without one whose adapter is gone by now.
+std::vector<Controller> findControllers() {
+  std::map<std::string, Adapter> adapters;
+  for (Adapter& adapter : inventory::findAdapters()) {
+    adapters.emplace(adapter.identity, std::move(adapter));
+  }
+  std::vector<Controller> controllers;
+  for (core::CimInstance* instance :
+       core::GetCimBroker().getInstances(Orvex_PortController::kClassName)) {
+    const auto* controller = dynamic_cast<Orvex_PortController*>(instance);
+    const auto adapter =
+        controller != nullptr ? adapters.find(controller->DeviceID.getValue()) : adapters.end();
+    if (adapter != adapters.end()) {
+      controllers.push_back({instance, adapter->second});
+    }
+  }
+  return controllers;
 }
 
 }  // namespace
@@ -44,22 +59,19 @@ Orvex_ElementSoftwareIdentityClass::Orvex_ElementSoftwareIdentityClass()
 
 void Orvex_ElementSoftwareIdentityClass::refresh() {
   instances().clear();
-  core::CimBroker& broker = core::GetCimBroker();
   const std::vector<core::CimInstance*> identities =
-      broker.getInstances(Orvex_SoftwareIdentity::kClassName);
-  const std::vector<core::CimInstance*> controllers =
-      broker.getInstances(Orvex_PortController::kClassName);
-  const std::vector<Adapter> adapters = inventory::findAdapters();
+      core::GetCimBroker().getInstances(Orvex_SoftwareIdentity::kClassName);
+  const std::vector<Controller> controllers = findControllers();
   for (core::CimInstance* identity : identities) {
     const auto* software = dynamic_cast<AdapterSoftware*>(identity);
-    for (core::CimInstance* controller : controllers) {
-      const Adapter* adapter = findAdapter(adapters, *controller);
-      if (software == nullptr || adapter == nullptr) {
-        continue;
-      }
-      const std::string comparison = software->compareWith(*adapter);
+    if (software == nullptr) {
+      continue;
+    }
+    for (const Controller& controller : controllers) {
+      const std::string comparison = software->compareWith(controller.adapter);
       if (!comparison.empty()) {
-        instances().add(new Orvex_ElementSoftwareIdentity(identity, controller, comparison));
+        instances().add(
+            new Orvex_ElementSoftwareIdentity(identity, controller.instance, comparison));
       }
     }
   }
