@@ -6,6 +6,7 @@
 
 #include "Utils/Exception.h"
 #include "cli/AdaptersCommand.h"
+#include "cli/ClassesCommand.h"
 #include "cli/Context.h"
 #include "cli/InstancesCommand.h"
 #include "cli/InvokeCommand.h"
@@ -26,15 +27,13 @@ constexpr const char* kFooter =
     "Examples:\n"
     "  quorvel adapters\n"
     "  quorvel update 0000:03:00.0 firmware.rom\n"
+    "  quorvel classes\n"
     "  quorvel instances Orvex_EthernetPort --json\n"
     "  quorvel update --help\n";
 
 // Added one by one, so that a further command is one line here and one pair of files.
 constexpr void (*kCommands[])(CLI::App&, Context&) = {
-    addAdaptersCommand,
-    addInstancesCommand,
-    addInvokeCommand,
-    addUpdateCommand,
+    addAdaptersCommand, addClassesCommand, addInstancesCommand, addInvokeCommand, addUpdateCommand,
 };
 
 std::string describeParseFailure(const CLI::App* app, const CLI::Error& error) {

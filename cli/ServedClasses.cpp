@@ -1,29 +1,26 @@
 #include "cli/ServedClasses.h"
 
-#include <algorithm>
-
 #include "cli/Context.h"
 
 namespace cli {
 
-std::vector<std::string> getServedClasses(const core::CimBroker& broker) {
-  std::vector<std::string> result;
+ServingAgents getServingAgents(const core::CimBroker& broker) {
+  ServingAgents result;
   for (const core::CimAgent* agent : broker.getAgents()) {
-    const std::vector<std::string> names = agent->getClassNames();
-    result.insert(result.end(), names.begin(), names.end());
+    for (const std::string& name : agent->getClassNames()) {
+      result[name].push_back(agent->getName());
+    }
   }
-  std::sort(result.begin(), result.end());
-  result.erase(std::unique(result.begin(), result.end()), result.end());
   return result;
 }
 
 void demandServed(const core::CimBroker& broker, const std::string& className) {
-  const std::vector<std::string> served = getServedClasses(broker);
-  if (std::binary_search(served.begin(), served.end(), className)) {
+  const ServingAgents served = getServingAgents(broker);
+  if (served.count(className) != 0) {
     return;
   }
   std::string text = "no class '" + className + "' is served here; the classes are:";
-  for (const std::string& name : served) {
+  for (const auto& [name, agents] : served) {
     text += "\n  " + name;
   }
   throw Fault(text);

@@ -3,6 +3,7 @@
 #ifndef ORVEX_CLI_SERVEDCLASSES_H_
 #define ORVEX_CLI_SERVEDCLASSES_H_
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -11,8 +12,11 @@
 
 namespace cli {
 
-// Returns the names in alphabetical order, each once.
-[[nodiscard]] std::vector<std::string> getServedClasses(const core::CimBroker& broker);
+// The names of the agents that serve each class, in the order in which the broker asks them. The
+// classes are in alphabetical order.
+using ServingAgents = std::map<std::string, std::vector<std::string>>;
+
+[[nodiscard]] ServingAgents getServingAgents(const core::CimBroker& broker);
 
 // Throws Fault, which lists the classes that are served, when nobody serves this one.
 void demandServed(const core::CimBroker& broker, const std::string& className);

@@ -79,7 +79,7 @@ class FakeProvider : public core::InstanceProvider {
 
 class FakeAgent : public core::CimAgent {
  public:
-  FakeAgent() : CimAgent("Fake") {}
+  explicit FakeAgent(const std::string& name = "Fake") : CimAgent(name) {}
 
   // Returns the provider, which the agent owns.
   FakeProvider& serve(const std::string& className) {

@@ -7,6 +7,7 @@
 namespace {
 
 using testing::ElementsAre;
+using testing::Pair;
 
 class ServedClassesTest : public testing::Test {
  protected:
@@ -27,12 +28,14 @@ class ServedClassesTest : public testing::Test {
   }
 
   core::CimBroker m_broker;
-  test::FakeAgent m_first;
-  test::FakeAgent m_second;
+  test::FakeAgent m_first{"First"};
+  test::FakeAgent m_second{"Second"};
 };
 
-TEST_F(ServedClassesTest, AreNamedOnceAndInOrder) {
-  EXPECT_THAT(cli::getServedClasses(m_broker), ElementsAre("A", "B"));
+TEST_F(ServedClassesTest, AreNamedOnceAndInOrderWithTheirAgents) {
+  EXPECT_THAT(
+      cli::getServingAgents(m_broker),
+      ElementsAre(Pair("A", ElementsAre("Second")), Pair("B", ElementsAre("First", "Second"))));
 }
 
 TEST_F(ServedClassesTest, AreListedWhenAnotherIsAskedFor) {

@@ -1,0 +1,68 @@
+#include "cli/ClassesCommand.h"
+
+#include <string>
+#include <vector>
+
+#include "cli/Output.h"
+#include "cli/ServedClasses.h"
+#include "cli/Session.h"
+#include "cli/TextTable.h"
+
+namespace cli {
+namespace {
+
+constexpr const char* kFooter =
+    "A class that several agents serve has the instances of all of them, those of the agent that "
+    "is\n"
+    "named first in front. 'quorvel instances CLASS' shows them.\n"
+    "\n"
+    "With --json: [{\"class\", \"agents\": [NAME]}].\n"
+    "\n"
+    "Examples:\n"
+    "  quorvel classes\n"
+    "  quorvel classes --json\n";
+
+std::string join(const std::vector<std::string>& names) {
+  std::string text;
+  for (const std::string& name : names) {
+    text += (text.empty() ? "" : ", ") + name;
+  }
+  return text;
+}
+
+Json toJson(const ServingAgents& classes) {
+  Json document = Json::array();
+  for (const auto& [name, agents] : classes) {
+    document.push_back({{"class", name}, {"agents", agents}});
+  }
+  return document;
+}
+
+void printTable(std::ostream& out, const ServingAgents& classes) {
+  TextTable table({"CLASS", "SERVED BY"});
+  for (const auto& [name, agents] : classes) {
+    table.addRow({name, join(agents)});
+  }
+  table.print(out);
+}
+
+ExitStatus showClasses(const Context& context) {
+  const ServingAgents classes = getServingAgents(openBroker(context.options));
+  if (context.options.isJson) {
+    printJson(context.out, toJson(classes));
+  } else {
+    printTable(context.out, classes);
+  }
+  return ExitStatus::Done;
+}
+
+}  // namespace
+
+void addClassesCommand(CLI::App& program, Context& context) {
+  CLI::App* command =
+      program.add_subcommand("classes", "Show the CIM classes and the agents that serve them");
+  command->footer(kFooter);
+  command->callback([&context] { context.command = [&context] { return showClasses(context); }; });
+}
+
+}  // namespace cli
