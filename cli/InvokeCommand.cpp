@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "Utils/Exception.h"
 #include "cli/Arguments.h"
 #include "cli/ErrorRecords.h"
 #include "cli/JobWatch.h"
@@ -13,7 +12,6 @@
 #include "cli/Output.h"
 #include "cli/ServedClasses.h"
 #include "cli/Session.h"
-#include "core/CimPath.h"
 
 namespace cli {
 namespace {
@@ -38,16 +36,6 @@ struct Options {
   std::string method;
   std::vector<std::string> arguments;
 };
-
-core::CimPath parsePath(const std::string& text) {
-  try {
-    return core::CimPath(text);
-  } catch (const utils::ESyntaxError&) {
-    throw Fault("'" + text + "' is no object path; write CLASS.KEY=VALUE,... as " +
-                    "'quorvel instances' prints it",
-                ExitStatus::Usage);
-  }
-}
 
 Json toJson(const MethodAnswer& answer, core::CimPropertyList& outputs,
             const std::optional<JobReport>& job) {
@@ -87,7 +75,7 @@ std::optional<JobReport> followJob(const Context& context, core::CimBroker& brok
 ExitStatus invoke(const Context& context, const Options& options) {
   Arguments arguments(options.method, options.arguments);
   core::CimBroker& broker = openBroker(context.options);
-  const core::CimPath path = parsePath(options.path);
+  const core::CimPath path = parseObjectPath(options.path);
 
   InterruptGuard guard;
   MethodAnswer answer;

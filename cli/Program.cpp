@@ -6,6 +6,7 @@
 
 #include "Utils/Exception.h"
 #include "cli/AdaptersCommand.h"
+#include "cli/AssociationsCommand.h"
 #include "cli/ClassesCommand.h"
 #include "cli/Context.h"
 #include "cli/InstancesCommand.h"
@@ -33,7 +34,8 @@ constexpr const char* kFooter =
 
 // Added one by one, so that a further command is one line here and one pair of files.
 constexpr void (*kCommands[])(CLI::App&, Context&) = {
-    addAdaptersCommand, addClassesCommand, addInstancesCommand, addInvokeCommand, addUpdateCommand,
+    addAdaptersCommand,  addAssociationsCommand, addClassesCommand,
+    addInstancesCommand, addInvokeCommand,       addUpdateCommand,
 };
 
 std::string describeParseFailure(const CLI::App* app, const CLI::Error& error) {

@@ -1,5 +1,6 @@
 #include "cli/ServedClasses.h"
 
+#include "Utils/Exception.h"
 #include "cli/Context.h"
 
 namespace cli {
@@ -24,6 +25,16 @@ void demandServed(const core::CimBroker& broker, const std::string& className) {
     text += "\n  " + name;
   }
   throw Fault(text);
+}
+
+core::CimPath parseObjectPath(const std::string& text) {
+  try {
+    return core::CimPath(text);
+  } catch (const utils::ESyntaxError&) {
+    throw Fault("'" + text + "' is no object path; write CLASS.KEY=VALUE,... as " +
+                    "'quorvel instances' prints it",
+                ExitStatus::Usage);
+  }
 }
 
 core::CimInstance& demandInstance(core::CimBroker& broker, const core::CimPath& path) {

@@ -1,4 +1,4 @@
-// The CIM classes that the loaded modules serve.
+// The CIM classes that the loaded modules serve, and instances by their paths.
 
 #ifndef ORVEX_CLI_SERVEDCLASSES_H_
 #define ORVEX_CLI_SERVEDCLASSES_H_
@@ -20,6 +20,9 @@ using ServingAgents = std::map<std::string, std::vector<std::string>>;
 
 // Throws Fault, which lists the classes that are served, when nobody serves this one.
 void demandServed(const core::CimBroker& broker, const std::string& className);
+
+// Reads an object path that the user gave. Throws Fault (usage) for a malformed one.
+[[nodiscard]] core::CimPath parseObjectPath(const std::string& text);
 
 // Returns the instance at the path. The caller holds the broker's request. Throws Fault when there
 // is none, and as demandServed.

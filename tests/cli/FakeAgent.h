@@ -70,6 +70,8 @@ class FakeProvider : public core::InstanceProvider {
       : InstanceProvider(className, {{"FakeAgent"}, "test::FakeProvider::getInstances"}) {}
 
   void add(std::unique_ptr<core::CimInstance> instance) { instances().add(instance.release()); }
+  // Deletes all instances.
+  void clear() { instances().clear(); }
 
   std::function<void()> onEnumeration = [] {};
 

@@ -50,4 +50,17 @@ TEST_F(ServedClassesTest, HaveTheInstanceOfAPathOrSaySo) {
             "there is no instance A.InstanceID=\"2\"; 'quorvel instances A' shows what there is");
 }
 
+TEST(ObjectPathText, IsReadOrRefusedAsWrongUsage) {
+  EXPECT_EQ(cli::parseObjectPath("A.InstanceID=\"1\"").getClassName(), "A");
+  try {
+    static_cast<void>(cli::parseObjectPath("A"));
+    FAIL() << "read a path without keys";
+  } catch (const cli::Fault& fault) {
+    EXPECT_EQ(fault.status(), cli::ExitStatus::Usage);
+    EXPECT_STREQ(fault.what(),
+                 "'A' is no object path; write CLASS.KEY=VALUE,... as 'quorvel instances' prints "
+                 "it");
+  }
+}
+
 }  // namespace

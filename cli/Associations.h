@@ -1,0 +1,42 @@
+// What refers to an instance, and what an instance refers to.
+
+#ifndef ORVEX_CLI_ASSOCIATIONS_H_
+#define ORVEX_CLI_ASSOCIATIONS_H_
+
+#include <string>
+#include <vector>
+
+#include "core/CimBroker.h"
+#include "core/CimPath.h"
+
+namespace cli {
+
+// A reference property that has a value.
+struct Reference {
+  std::string role;  // name of the property
+  std::string path;  // where it leads
+};
+
+// One reference to the instance in question: an association whose two references lead there comes
+// twice.
+struct Association {
+  std::string className;
+  std::string path;
+  std::string role;               // of the reference that leads to the instance
+  std::vector<Reference> others;  // its other references
+};
+
+struct ObjectReferences {
+  std::string path;                       // of the instance in question
+  std::vector<Reference> own;             // those of the instance itself, which has them as an
+                                          // association
+  std::vector<Association> associations;  // by class in alphabetical order, then as served
+};
+
+// Looks at every instance of every served class. The caller holds the broker's request; what is
+// returned are copies, valid for good. Throws as demandInstance, and what a provider throws.
+[[nodiscard]] ObjectReferences findReferences(core::CimBroker& broker, const core::CimPath& path);
+
+}  // namespace cli
+
+#endif  // ORVEX_CLI_ASSOCIATIONS_H_

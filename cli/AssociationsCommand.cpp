@@ -1,0 +1,129 @@
+#include "cli/AssociationsCommand.h"
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cli/Associations.h"
+#include "cli/Output.h"
+#include "cli/ServedClasses.h"
+#include "cli/Session.h"
+#include "cli/TextTable.h"
+
+namespace cli {
+namespace {
+
+constexpr const char* kFooter =
+    "Shows each association that refers to the instance: its class, the name of the reference "
+    "that\n"
+    "leads here, and where its other references lead. Of an instance that is an association "
+    "itself,\n"
+    "it shows its own references, too.\n"
+    "\n"
+    "With --json: {\"path\", \"references\": [{\"role\", \"path\"}], \"associations\": "
+    "[{\"class\",\n"
+    "\"path\", \"role\", \"others\": [{\"role\", \"path\"}]}]}; references are those of the "
+    "instance itself.\n"
+    "\n"
+    "Examples ('quorvel instances Orvex_EthernetPort' prints object paths):\n"
+    "  quorvel associations \"$PORT\"\n"
+    "  quorvel associations 'Orvex_RegisteredProfile.InstanceID=\"Orvex:SoftwareUpdate_Profile\"'\n"
+    "  quorvel associations \"$PORT\" --json\n";
+
+Json toJson(const std::vector<Reference>& references) {
+  Json result = Json::array();
+  for (const Reference& reference : references) {
+    result.push_back({{"role", reference.role}, {"path", reference.path}});
+  }
+  return result;
+}
+
+Json toJson(const ObjectReferences& object) {
+  Json document;
+  document["path"] = object.path;
+  document["references"] = toJson(object.own);
+  document["associations"] = Json::array();
+  for (const Association& association : object.associations) {
+    document["associations"].push_back({{"class", association.className},
+                                        {"path", association.path},
+                                        {"role", association.role},
+                                        {"others", toJson(association.others)}});
+  }
+  return document;
+}
+
+// References under a heading, which says what they have in common.
+struct Group {
+  std::string heading;
+  std::vector<Reference> references;
+};
+
+std::vector<Group> groupReferences(const ObjectReferences& object) {
+  std::vector<Group> groups;
+  if (!object.own.empty()) {
+    groups.push_back({"refers to", object.own});
+  }
+  for (const Association& association : object.associations) {
+    const std::string heading = "is the " + association.role + " of " + association.className;
+    if (groups.empty() || groups.back().heading != heading) {
+      groups.push_back({heading, {}});
+    }
+    std::vector<Reference>& references = groups.back().references;
+    references.insert(references.end(), association.others.begin(), association.others.end());
+  }
+  return groups;
+}
+
+void printGroup(std::ostream& out, const Group& group) {
+  std::size_t width = 0;
+  for (const Reference& reference : group.references) {
+    width = std::max(width, reference.role.size());
+  }
+  out << group.heading << (group.references.empty() ? "\n" : ":\n");
+  for (const Reference& reference : group.references) {
+    out << "  " << reference.role << std::string(width - reference.role.size(), ' ') << " = "
+        << toPrintable(reference.path) << '\n';
+  }
+}
+
+void print(std::ostream& out, const ObjectReferences& object) {
+  out << toPrintable(object.path) << '\n';
+  for (const Group& group : groupReferences(object)) {
+    out << '\n';
+    printGroup(out, group);
+  }
+  if (object.associations.empty()) {
+    out << "\nNothing refers to this instance.\n";
+  }
+}
+
+ExitStatus showAssociations(const Context& context, const std::string& text) {
+  const core::CimPath path = parseObjectPath(text);
+  core::CimBroker& broker = openBroker(context.options);
+  const core::CimBroker::Request request(broker);
+  const ObjectReferences object = findReferences(broker, path);
+  if (context.options.isJson) {
+    printJson(context.out, toJson(object));
+  } else {
+    print(context.out, object);
+  }
+  return ExitStatus::Done;
+}
+
+}  // namespace
+
+void addAssociationsCommand(CLI::App& program, Context& context) {
+  CLI::App* command = program.add_subcommand(
+      "associations", "Show what refers to a CIM instance, and what that leads to");
+  const auto path = std::make_shared<std::string>();
+  command->add_option("OBJECTPATH", *path, "The instance, as 'quorvel instances' prints it")
+      ->type_name("")
+      ->required();
+  command->footer(kFooter);
+  command->callback([&context, path] {
+    context.command = [&context, path] { return showAssociations(context, *path); };
+  });
+}
+
+}  // namespace cli
