@@ -1,7 +1,6 @@
 #include "cli/ClassesCommand.h"
 
 #include <string>
-#include <vector>
 
 #include "cli/Output.h"
 #include "cli/ServedClasses.h"
@@ -22,14 +21,6 @@ constexpr const char* kFooter =
     "  quorvel classes\n"
     "  quorvel classes --json\n";
 
-std::string join(const std::vector<std::string>& names) {
-  std::string text;
-  for (const std::string& name : names) {
-    text += (text.empty() ? "" : ", ") + name;
-  }
-  return text;
-}
-
 Json toJson(const ServingAgents& classes) {
   Json document = Json::array();
   for (const auto& [name, agents] : classes) {
@@ -41,7 +32,7 @@ Json toJson(const ServingAgents& classes) {
 void printTable(std::ostream& out, const ServingAgents& classes) {
   TextTable table({"CLASS", "SERVED BY"});
   for (const auto& [name, agents] : classes) {
-    table.addRow({name, join(agents)});
+    table.addRow({name, join(agents, ", ")});
   }
   table.print(out);
 }

@@ -9,6 +9,7 @@
 #include "cli/AssociationsCommand.h"
 #include "cli/ClassesCommand.h"
 #include "cli/Context.h"
+#include "cli/IdentitiesCommand.h"
 #include "cli/InstancesCommand.h"
 #include "cli/InvokeCommand.h"
 #include "cli/UpdateCommand.h"
@@ -34,7 +35,7 @@ constexpr const char* kFooter =
 
 // Added one by one, so that a further command is one line here and one pair of files.
 constexpr void (*kCommands[])(CLI::App&, Context&) = {
-    addAdaptersCommand,  addAssociationsCommand, addClassesCommand,
+    addAdaptersCommand,  addAssociationsCommand, addClassesCommand, addIdentitiesCommand,
     addInstancesCommand, addInvokeCommand,       addUpdateCommand,
 };
 

@@ -45,6 +45,10 @@ void applyOptions(const GlobalOptions& options) {
   }
 }
 
+std::string getConfigurationFile(const GlobalOptions& options) {
+  return options.config.empty() ? utils::QuorvelConfig::kDefaultPath : options.config;
+}
+
 core::CimBroker& openBroker(const GlobalOptions& options) {
   applyOptions(options);
   host::loadModules(host::getModuleDirectory());

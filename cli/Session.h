@@ -3,6 +3,8 @@
 #ifndef ORVEX_CLI_SESSION_H_
 #define ORVEX_CLI_SESSION_H_
 
+#include <string>
+
 #include "cli/Context.h"
 #include "core/CimBroker.h"
 
@@ -12,6 +14,9 @@ namespace cli {
 // To be called before anything logs. Throws Fault (usage) for a configuration file that cannot be
 // read.
 void applyOptions(const GlobalOptions& options);
+
+// Returns the path of the configuration file that the options put into force.
+[[nodiscard]] std::string getConfigurationFile(const GlobalOptions& options);
 
 // Applies the options and loads the modules, whose agents then serve their classes in the broker
 // that is returned. Throws as applyOptions and host::loadModules.

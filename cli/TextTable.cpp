@@ -39,6 +39,14 @@ std::string toPrintable(std::string_view text) {
   return result;
 }
 
+std::string join(const std::vector<std::string>& texts, const char* separator) {
+  std::string joined;
+  for (const std::string& text : texts) {
+    joined += (joined.empty() ? "" : separator) + text;
+  }
+  return joined;
+}
+
 std::size_t countCharacters(std::string_view text) {
   return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char character) {
     return (static_cast<unsigned char>(character) & 0xC0U) != 0x80U;

@@ -14,6 +14,9 @@ namespace cli {
 // Returns UTF-8 text with its control characters as escapes: "\n", "\t", "\x1b".
 [[nodiscard]] std::string toPrintable(std::string_view text);
 
+// Returns the texts with the separator between them.
+[[nodiscard]] std::string join(const std::vector<std::string>& texts, const char* separator);
+
 // Returns the number of characters of UTF-8 text.
 [[nodiscard]] std::size_t countCharacters(std::string_view text);
 

@@ -11,6 +11,12 @@ std::string printed(const cli::TextTable& table) {
   return out.str();
 }
 
+TEST(JoinedTexts, HaveTheSeparatorBetweenThem) {
+  EXPECT_EQ(cli::join({"a", "", "b"}, ", "), "a, , b");
+  EXPECT_EQ(cli::join({"a"}, ", "), "a");
+  EXPECT_EQ(cli::join({}, ", "), "");
+}
+
 TEST(TextTable, GivesColumnsTheWidthOfTheirLongestCell) {
   cli::TextTable table({"PORT", "NAME"});
   table.addRow({"0000:03:00.0", "a"});

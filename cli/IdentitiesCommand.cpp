@@ -1,0 +1,128 @@
+#include "cli/IdentitiesCommand.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "cli/Identities.h"
+#include "cli/Output.h"
+#include "cli/Session.h"
+#include "cli/TextTable.h"
+
+namespace cli {
+namespace {
+
+constexpr const char* kFooter =
+    "Firmware files are looked for in the directories that the configuration names (FWFilePath =\n"
+    "DIR;DIR). A file that is passed over is named on standard error, with the reason\n"
+    "(where --log-level is not 0).\n"
+    "\n"
+    "STATE says what the file is to the adapter:\n"
+    "  newer, older   of a newer or an older version than what is installed\n"
+    "  same           the bytes that are installed\n"
+    "  same version   the installed version in other bytes\n"
+    "  other types    its image types are not those installed; 'quorvel update' with --types says\n"
+    "                 which to install\n"
+    "  not updatable  the firmware of the adapter cannot be replaced\n"
+    "  not for it     made for other devices\n"
+    "  unknown        the flash of the adapter could not be read\n"
+    "\n"
+    "With --json: [{\"file\", \"instanceId\", \"path\", \"version\", \"types\", \"devices\",\n"
+    "\"adapters\": [{\"adapter\", \"state\"}]}]; path is the object path, devices are PCI\n"
+    "vendor:device.\n"
+    "\n"
+    "Examples:\n"
+    "  quorvel identities\n"
+    "  quorvel identities --config ./quorvel.conf --json\n";
+
+Json toJson(const std::vector<ComparedIdentity>& files) {
+  Json document = Json::array();
+  for (const auto& [identity, adapters] : files) {
+    Json entry;
+    entry["file"] = identity.name;
+    entry["instanceId"] = identity.instanceId;
+    entry["path"] = identity.path;
+    entry["version"] = identity.version;
+    entry["types"] = identity.types;
+    entry["devices"] = identity.devices;
+    entry["adapters"] = Json::array();
+    for (const auto& [adapter, state] : adapters) {
+      entry["adapters"].push_back({{"adapter", adapter}, {"state", state}});
+    }
+    document.push_back(entry);
+  }
+  return document;
+}
+
+bool isForNoneOfSeveral(const ComparedIdentity& file) {
+  const std::vector<Comparison>& adapters = file.adapters;
+  return adapters.size() > 1 &&
+         std::all_of(adapters.begin(), adapters.end(), [](const Comparison& comparison) {
+           return comparison.state == kNotForAdapter;
+         });
+}
+
+// Directories hold files for many devices, of which a machine has a few: those that are for none of
+// its adapters have one line each. The others have a line for each adapter.
+void printComparisons(std::ostream& out, const std::vector<ComparedIdentity>& files) {
+  const std::vector<Comparison> forNone = {{"all", kNotForAdapter}};
+  TextTable table({"IDENTITY", "VERSION", "TYPES", "ADAPTER", "STATE"});
+  for (const ComparedIdentity& file : files) {
+    const Identity& identity = file.identity;
+    for (const auto& [adapter, state] : isForNoneOfSeveral(file) ? forNone : file.adapters) {
+      table.addRow({identity.name, identity.version, join(identity.types, "+"), adapter, state});
+    }
+  }
+  table.print(out);
+}
+
+void printFiles(std::ostream& out, const std::vector<ComparedIdentity>& files) {
+  TextTable table({"IDENTITY", "VERSION", "TYPES", "DEVICES"});
+  for (const auto& [identity, adapters] : files) {
+    table.addRow(
+        {identity.name, identity.version, join(identity.types, "+"), join(identity.devices, ", ")});
+  }
+  table.print(out);
+  out << "There are no adapters to compare them with.\n";
+}
+
+void print(const Context& context, const std::vector<ComparedIdentity>& files) {
+  if (files.empty()) {
+    context.out << "No firmware file was found. FWFilePath in "
+                << getConfigurationFile(context.options)
+                << " names the directories to look in, separated by ';' (FWFilePath = "
+                   "/srv/firmware); one that does not exist is passed over.\n";
+  } else if (files.front().adapters.empty()) {
+    printFiles(context.out, files);
+  } else {
+    printComparisons(context.out, files);
+  }
+}
+
+ExitStatus showIdentities(const Context& context) {
+  core::CimBroker& broker = openBroker(context.options);
+  const core::CimBroker::Request request(broker);
+  const IdentityList list = readIdentities(broker);
+  for (const std::string& message : list.skipped) {
+    context.err << "skipped: " << toPrintable(message) << '\n';
+  }
+  const std::vector<ComparedIdentity> files = compareFiles(broker, list.identities);
+  if (context.options.isJson) {
+    printJson(context.out, toJson(files));
+  } else {
+    print(context, files);
+  }
+  return ExitStatus::Done;
+}
+
+}  // namespace
+
+void addIdentitiesCommand(CLI::App& program, Context& context) {
+  CLI::App* command =
+      program.add_subcommand("identities", "Show the firmware files that can be installed");
+  command->footer(kFooter);
+  command->callback(
+      [&context] { context.command = [&context] { return showIdentities(context); }; });
+}
+
+}  // namespace cli
