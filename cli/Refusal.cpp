@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "cim/MethodSignatures.h"
+#include "cli/ErrorRecords.h"
 
 namespace cli {
 namespace {
@@ -69,6 +70,12 @@ std::string adviseOnFile(const std::string& path) {
   return "";
 }
 
+void explain(std::ostream& err, const char* heading, const std::string& text) {
+  if (!text.empty()) {
+    err << "  " << heading << ": " << text << '\n';
+  }
+}
+
 }  // namespace
 
 std::string adviseOnRefusal(std::uint32_t returnValue, const std::string& reason,
@@ -87,6 +94,17 @@ std::string adviseOnRefusal(std::uint32_t returnValue, const std::string& reason
   return returnValue == cim::kNotApplicableToTarget
              ? "name a port or an adapter; 'quorvel adapters' shows what there is"
              : "";
+}
+
+void reportRefusal(const Context& context, const std::string& what, const MethodAnswer& answer,
+                   const UpdateRequest& request) {
+  context.err << "quorvel: " << what << " refused: " << answer.returnValue << ", "
+              << answer.returnText << '\n';
+  const bool isLogOff = context.options.logLevel == "0";
+  explain(context.err, "reason",
+          answer.reason.empty() && isLogOff ? "not known, since --log-level 0 keeps no records"
+                                            : withoutType(answer.reason));
+  explain(context.err, "next", adviseOnRefusal(answer.returnValue, answer.reason, request));
 }
 
 std::string adviseOnFailure(const JobReport& job) {

@@ -1,4 +1,4 @@
-// What to do about an update that was refused or failed, in words.
+// An update that was refused or failed: what happened and what to do about it, in words.
 
 #ifndef ORVEX_CLI_REFUSAL_H_
 #define ORVEX_CLI_REFUSAL_H_
@@ -6,7 +6,9 @@
 #include <cstdint>
 #include <string>
 
+#include "cli/Context.h"
 #include "cli/JobWatch.h"
+#include "cli/MethodCall.h"
 
 namespace cli {
 
@@ -21,6 +23,11 @@ struct UpdateRequest {
 // MethodAnswer, with its type. Looks at the image file.
 [[nodiscard]] std::string adviseOnRefusal(std::uint32_t returnValue, const std::string& reason,
                                           const UpdateRequest& request);
+
+// Prints the refusal of something, "update of 0000:03:00" for example, with its reason and what to
+// do next, as far as they are known.
+void reportRefusal(const Context& context, const std::string& what, const MethodAnswer& answer,
+                   const UpdateRequest& request);
 
 // Returns what to do next about a job that ended without success.
 [[nodiscard]] std::string adviseOnFailure(const JobReport& job);

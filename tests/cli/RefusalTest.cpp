@@ -1,4 +1,5 @@
 #include <gmock/gmock.h>
+#include <sstream>
 
 #include "cli/Refusal.h"
 #include "tests/support/TempDirectory.h"
@@ -60,6 +61,37 @@ TEST(RefusalAdvice, IsSilentAboutWhatItDoesNotKnow) {
 
 TEST(RefusalAdvice, NamesTargetsWhenTheTargetIsNone) {
   EXPECT_THAT(adviseOnRefusal(4106, "", {}), HasSubstr("name a port or an adapter"));
+}
+
+class RefusalReportTest : public testing::Test {
+ protected:
+  std::string report(const std::string& reason, const std::string& logLevel = "") {
+    std::ostringstream out;
+    std::ostringstream err;
+    cli::Context context{out, err, {}, {}};
+    context.options.logLevel = logLevel;
+    cli::MethodAnswer answer;
+    answer.returnValue = 2;
+    answer.returnText = "Unspecified Error";
+    answer.reason = reason;
+    cli::reportRefusal(context, "update of it", answer, {});
+    EXPECT_EQ(out.str(), "");
+    return err.str();
+  }
+};
+
+TEST_F(RefusalReportTest, GivesReasonAndAdvice) {
+  EXPECT_EQ(report("EImageReadError:no luck"),
+            "quorvel: update of it refused: 2, Unspecified Error\n"
+            "  reason: no luck\n"
+            "  next: check the file and its permissions\n");
+}
+
+TEST_F(RefusalReportTest, LeavesOutWhatIsNotKnown) {
+  EXPECT_EQ(report(""), "quorvel: update of it refused: 2, Unspecified Error\n");
+  EXPECT_EQ(report("", "0"),
+            "quorvel: update of it refused: 2, Unspecified Error\n"
+            "  reason: not known, since --log-level 0 keeps no records\n");
 }
 
 TEST(FailureAdvice, TellsALockFromTheRest) {

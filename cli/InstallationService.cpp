@@ -1,0 +1,83 @@
+#include "cli/InstallationService.h"
+
+#include <memory>
+#include <utility>
+
+#include "cli/Context.h"
+#include "core/CimPropertyList.h"
+#include "core/CimPropertyRef.h"
+#include "core/CimPropertyTypes.h"
+
+namespace cli {
+namespace {
+
+constexpr const char* kServiceClass = "Orvex_SoftwareInstallationService";
+
+// The values of InstallOptions (DMTF CIM_SoftwareInstallationService).
+constexpr std::uint16_t kOptionForce = 3;
+constexpr std::uint16_t kOptionUpdate = 5;
+constexpr std::uint16_t kOptionTypes = 32768;
+
+// The arguments of one call, in one direction.
+class ArgumentList {
+ public:
+  // Adds an argument, which is NULL until it is given a value.
+  template <class Property>
+  Property& add(const char* name) {
+    auto argument = std::make_unique<Property>(name, nullptr);
+    Property& added = *argument;
+    m_list.add(&added);
+    m_arguments.push_back(std::move(argument));
+    return added;
+  }
+  void addReference(const char* name, const std::string& path) {
+    add<core::CimPropertyRef>(name).setText(path);
+  }
+  void addOptions(const UpdateOptions& options);
+
+  [[nodiscard]] core::CimPropertyList& list() { return m_list; }
+
+ private:
+  std::vector<std::unique_ptr<core::CimProperty>> m_arguments;
+  core::CimPropertyList m_list;
+};
+
+// The text of an option stands at the position of the option's number.
+void ArgumentList::addOptions(const UpdateOptions& options) {
+  std::vector<std::uint16_t> numbers{kOptionUpdate};
+  std::vector<std::string> texts{""};
+  if (options.isForced) {
+    numbers.push_back(kOptionForce);
+    texts.emplace_back();
+  }
+  if (!options.types.empty()) {
+    numbers.push_back(kOptionTypes);
+    texts.push_back(options.types);
+  }
+  add<core::CimPropertyUint16_arr>("InstallOptions").setValue(std::move(numbers));
+  add<core::CimPropertyString_arr>("InstallOptionsValues").setValue(std::move(texts));
+}
+
+MethodAnswer callService(core::CimBroker& broker, const char* method, ArgumentList& in,
+                         ArgumentList& out) {
+  const std::vector<core::CimInstance*> services = broker.getInstances(kServiceClass);
+  if (services.empty()) {
+    throw Fault(std::string("no ") + kServiceClass +
+                " is there; the log tells what became of the update agent (--log-level 3)");
+  }
+  return callMethod(*services.front(), method, in.list(), out.list());
+}
+
+}  // namespace
+
+MethodAnswer installFromUri(core::CimBroker& broker, const std::string& uri,
+                            const std::string& targetPath, const UpdateOptions& options) {
+  ArgumentList in;
+  in.add<core::CimPropertyString>("URI").setValue(uri);
+  in.addReference("Target", targetPath);
+  in.addOptions(options);
+  ArgumentList out;
+  return callService(broker, "InstallFromURI", in, out);
+}
+
+}  // namespace cli

@@ -1,0 +1,29 @@
+// The methods of the installation service, as a management client calls them. The caller holds the
+// broker's request. All of them throw Fault when there is no service, and what the method throws.
+
+#ifndef ORVEX_CLI_INSTALLATIONSERVICE_H_
+#define ORVEX_CLI_INSTALLATIONSERVICE_H_
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "cli/MethodCall.h"
+#include "core/CimBroker.h"
+
+namespace cli {
+
+// What an update may be told beside its image and its target.
+struct UpdateOptions {
+  bool isForced = false;
+  std::string types;  // image types, "IMG_PXE+IMG_UEFI"; empty for all that the image holds
+};
+
+// Returns the answer to InstallFromURI.
+[[nodiscard]] MethodAnswer installFromUri(core::CimBroker& broker, const std::string& uri,
+                                          const std::string& targetPath,
+                                          const UpdateOptions& options);
+
+}  // namespace cli
+
+#endif  // ORVEX_CLI_INSTALLATIONSERVICE_H_

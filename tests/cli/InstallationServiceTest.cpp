@@ -1,0 +1,60 @@
+#include <gmock/gmock.h>
+
+#include "cli/Context.h"
+#include "cli/InstallationService.h"
+#include "tests/cli/FakeService.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+constexpr const char* kTarget = "Port.DeviceID=\"1\"";
+
+class InstallationServiceTest : public testing::Test {
+ protected:
+  InstallationServiceTest() {
+    auto service = std::make_unique<test::FakeService>();
+    m_service = service.get();
+    m_agent.serve("Orvex_SoftwareInstallationService").add(std::move(service));
+    m_broker.addAgent(&m_agent);
+  }
+
+  // Returns the only call that the service got.
+  test::FakeService::Call call() {
+    EXPECT_THAT(m_service->calls, SizeIs(1));
+    return std::exchange(m_service->calls, {}).at(0);
+  }
+
+  core::CimBroker m_broker;
+  test::FakeAgent m_agent;
+  test::FakeService* m_service;
+  const core::CimBroker::Request m_request{m_broker};
+};
+
+TEST_F(InstallationServiceTest, InstallsFromAUri) {
+  m_service->answer = 4099;
+  EXPECT_EQ(cli::installFromUri(m_broker, "file:///a.rom", kTarget, {}).returnValue, 4099U);
+  const test::FakeService::Call request = call();
+  EXPECT_EQ(request.method, "InstallFromURI");
+  EXPECT_THAT(request.in, ElementsAre("URI=\"file:///a.rom\"", "Target=Port.DeviceID=\"1\"",
+                                      "InstallOptions={5}", "InstallOptionsValues={\"\"}"));
+  EXPECT_THAT(request.out, IsEmpty());
+}
+
+TEST_F(InstallationServiceTest, PutsTheTextOfAnOptionAtItsPlace) {
+  static_cast<void>(cli::installFromUri(m_broker, "", kTarget, {true, "IMG_PXE"}));
+  EXPECT_THAT(call().in, ElementsAre("URI=\"\"", testing::_, "InstallOptions={5, 3, 32768}",
+                                     "InstallOptionsValues={\"\", \"\", \"IMG_PXE\"}"));
+  static_cast<void>(cli::installFromUri(m_broker, "", kTarget, {false, "IMG_PXE"}));
+  EXPECT_THAT(call().in, ElementsAre(testing::_, testing::_, "InstallOptions={5, 32768}",
+                                     "InstallOptionsValues={\"\", \"IMG_PXE\"}"));
+}
+
+TEST_F(InstallationServiceTest, IsMissedWhenItIsNotThere) {
+  core::CimBroker broker;
+  EXPECT_THROW(static_cast<void>(cli::installFromUri(broker, "", kTarget, {})), cli::Fault);
+}
+
+}  // namespace
