@@ -18,6 +18,18 @@ constexpr std::uint16_t kOptionForce = 3;
 constexpr std::uint16_t kOptionUpdate = 5;
 constexpr std::uint16_t kOptionTypes = 32768;
 
+// The values of InstallCharacteristics (as above).
+constexpr std::pair<std::uint16_t, const char*> kCharacteristics[] = {
+    {2, "the target resets itself"},
+    {3, "the system resets itself"},
+    {4, "a reset of the target is required"},
+    {5, "a reset of the system is required"},
+    {6, "a manual reboot is required"},
+    {7, "no reboot required"},
+    {8, "attention of the user is recommended"},
+    {9, "it may be added to a collection"},
+};
+
 // The arguments of one call, in one direction.
 class ArgumentList {
  public:
@@ -34,6 +46,8 @@ class ArgumentList {
     add<core::CimPropertyRef>(name).setText(path);
   }
   void addOptions(const UpdateOptions& options);
+  // Adds what is installed and where; of target and collection the service takes exactly one.
+  void addSource(const std::string& identityPath, const std::string& targetPath);
 
   [[nodiscard]] core::CimPropertyList& list() { return m_list; }
 
@@ -58,6 +72,12 @@ void ArgumentList::addOptions(const UpdateOptions& options) {
   add<core::CimPropertyString_arr>("InstallOptionsValues").setValue(std::move(texts));
 }
 
+void ArgumentList::addSource(const std::string& identityPath, const std::string& targetPath) {
+  addReference("Source", identityPath);
+  addReference("Target", targetPath);
+  add<core::CimPropertyRef>("Collection");
+}
+
 MethodAnswer callService(core::CimBroker& broker, const char* method, ArgumentList& in,
                          ArgumentList& out) {
   const std::vector<core::CimInstance*> services = broker.getInstances(kServiceClass);
@@ -78,6 +98,25 @@ MethodAnswer installFromUri(core::CimBroker& broker, const std::string& uri,
   in.addOptions(options);
   ArgumentList out;
   return callService(broker, "InstallFromURI", in, out);
+}
+
+CheckAnswer checkIdentity(core::CimBroker& broker, const std::string& identityPath,
+                          const std::string& targetPath) {
+  ArgumentList in;
+  in.addSource(identityPath, targetPath);
+  ArgumentList out;
+  auto& characteristics = out.add<core::CimPropertyUint16_arr>("InstallCharacteristics");
+  MethodAnswer answer = callService(broker, "CheckSoftwareIdentity", in, out);
+  return {std::move(answer), characteristics.getValue()};
+}
+
+std::string describeCharacteristic(std::uint16_t number) {
+  for (const auto& [known, meaning] : kCharacteristics) {
+    if (known == number) {
+      return meaning;
+    }
+  }
+  return "characteristic " + std::to_string(number);
 }
 
 }  // namespace cli

@@ -24,6 +24,20 @@ struct UpdateOptions {
                                           const std::string& targetPath,
                                           const UpdateOptions& options);
 
+struct CheckAnswer {
+  MethodAnswer call;
+  // What the installation takes, as numbers of InstallCharacteristics; empty when it is refused.
+  std::vector<std::uint16_t> characteristics;
+};
+
+// Returns the answer to CheckSoftwareIdentity. A check that passes leaves its target reserved for
+// the life of this process.
+[[nodiscard]] CheckAnswer checkIdentity(core::CimBroker& broker, const std::string& identityPath,
+                                        const std::string& targetPath);
+
+// Returns the meaning of a number of InstallCharacteristics: "no reboot required" for 7.
+[[nodiscard]] std::string describeCharacteristic(std::uint16_t number);
+
 }  // namespace cli
 
 #endif  // ORVEX_CLI_INSTALLATIONSERVICE_H_

@@ -7,6 +7,7 @@
 #include "Utils/Exception.h"
 #include "cli/AdaptersCommand.h"
 #include "cli/AssociationsCommand.h"
+#include "cli/CheckCommand.h"
 #include "cli/ClassesCommand.h"
 #include "cli/Context.h"
 #include "cli/IdentitiesCommand.h"
@@ -35,8 +36,8 @@ constexpr const char* kFooter =
 
 // Added one by one, so that a further command is one line here and one pair of files.
 constexpr void (*kCommands[])(CLI::App&, Context&) = {
-    addAdaptersCommand,  addAssociationsCommand, addClassesCommand, addIdentitiesCommand,
-    addInstancesCommand, addInvokeCommand,       addUpdateCommand,
+    addAdaptersCommand,   addAssociationsCommand, addCheckCommand,  addClassesCommand,
+    addIdentitiesCommand, addInstancesCommand,    addInvokeCommand, addUpdateCommand,
 };
 
 std::string describeParseFailure(const CLI::App* app, const CLI::Error& error) {

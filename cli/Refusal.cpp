@@ -6,6 +6,7 @@
 
 #include "cim/MethodSignatures.h"
 #include "cli/ErrorRecords.h"
+#include "cli/TextTable.h"
 
 namespace cli {
 namespace {
@@ -15,7 +16,7 @@ struct Advice {
   const char* text;
 };
 
-constexpr const char* kForce = "to install the older firmware all the same, add --force";
+constexpr const char* kForce = "to install the older firmware all the same, update with --force";
 constexpr const char* kWait = "wait until the running update has ended, then try again";
 constexpr const char* kGetAgain =
     "the file is no firmware image or is damaged; get it again from where it came from";
@@ -41,14 +42,31 @@ constexpr Advice kAdvice[] = {
 
 constexpr std::string_view kTypesDiffer = "same image types";
 
-const char* adviseOnTypes(const UpdateRequest& request) {
+std::string adviseOnTypes(const UpdateRequest& request) {
   if (request.hasTypes) {
     return "the file lacks a type that --types names; name only types that it holds";
+  }
+  if (request.identity) {
+    return "update from the file itself and name the types to install: quorvel update TARGET " +
+           request.imagePath + " --types " + join(request.identity->types, "+");
   }
   return request.isForced
              ? "name the types to install with --types; --force alone changes the installed types "
                "only where the configuration allows it (OEMCustomizeable, bit 0x20)"
              : "name the types to install with --types, for example --types IMG_PXE";
+}
+
+// Returns why an identity is none that can be installed, empty when it can be. The service tells a
+// client no more than that its parameter is invalid.
+std::string findDefect(const std::optional<Identity>& identity) {
+  if (!identity) {
+    return "";
+  }
+  if (!identity->isFile) {
+    return identity->label() + " is a component that is installed on an adapter, no firmware file";
+  }
+  return identity->types.empty() ? identity->label() + " holds no image of a type that is known"
+                                 : "";
 }
 
 // Returns what is wrong with the file as such, empty when it is there.
@@ -76,12 +94,30 @@ void explain(std::ostream& err, const char* heading, const std::string& text) {
   }
 }
 
+std::string findReason(const Context& context, const MethodAnswer& answer,
+                       const UpdateRequest& request) {
+  if (!answer.reason.empty()) {
+    return withoutType(answer.reason);
+  }
+  if (std::string defect = findDefect(request.identity); !defect.empty()) {
+    return defect;
+  }
+  return context.options.logLevel == "0" ? "not known, since --log-level 0 keeps no records" : "";
+}
+
 }  // namespace
+
+UpdateRequest requestIdentity(const Identity& identity, bool isForced) {
+  return {identity.isFile ? identity.name : "", false, isForced, identity};
+}
 
 std::string adviseOnRefusal(std::uint32_t returnValue, const std::string& reason,
                             const UpdateRequest& request) {
   if (std::string advice = adviseOnFile(request.imagePath); !advice.empty()) {
     return advice;
+  }
+  if (!findDefect(request.identity).empty()) {
+    return "name another; 'quorvel identities' shows the firmware files that can be installed";
   }
   if (reason.find(kTypesDiffer) != std::string::npos) {
     return adviseOnTypes(request);
@@ -100,10 +136,7 @@ void reportRefusal(const Context& context, const std::string& what, const Method
                    const UpdateRequest& request) {
   context.err << "quorvel: " << what << " refused: " << answer.returnValue << ", "
               << answer.returnText << '\n';
-  const bool isLogOff = context.options.logLevel == "0";
-  explain(context.err, "reason",
-          answer.reason.empty() && isLogOff ? "not known, since --log-level 0 keeps no records"
-                                            : withoutType(answer.reason));
+  explain(context.err, "reason", findReason(context, answer, request));
   explain(context.err, "next", adviseOnRefusal(answer.returnValue, answer.reason, request));
 }
 

@@ -4,9 +4,11 @@
 #define ORVEX_CLI_REFUSAL_H_
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "cli/Context.h"
+#include "cli/Identities.h"
 #include "cli/JobWatch.h"
 #include "cli/MethodCall.h"
 
@@ -17,7 +19,11 @@ struct UpdateRequest {
   std::string imagePath;  // empty when the image was given as a URI
   bool hasTypes = false;
   bool isForced = false;
+  std::optional<Identity> identity{};  // the image, where it was given as such
 };
+
+// Returns a request for the image of an identity.
+[[nodiscard]] UpdateRequest requestIdentity(const Identity& identity, bool isForced);
 
 // Returns what to do next about a refusal, empty when nothing is known. `reason` is that of
 // MethodAnswer, with its type. Looks at the image file.

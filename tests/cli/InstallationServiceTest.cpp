@@ -52,6 +52,32 @@ TEST_F(InstallationServiceTest, PutsTheTextOfAnOptionAtItsPlace) {
                                      "InstallOptionsValues={\"\", \"IMG_PXE\"}"));
 }
 
+TEST_F(InstallationServiceTest, ChecksAnIdentity) {
+  m_service->characteristics = {7};
+  const cli::CheckAnswer answer = cli::checkIdentity(m_broker, "Identity.Id=\"a\"", kTarget);
+  EXPECT_TRUE(answer.call.isAccepted());
+  EXPECT_THAT(answer.characteristics, ElementsAre(7));
+  const test::FakeService::Call request = call();
+  EXPECT_EQ(request.method, "CheckSoftwareIdentity");
+  EXPECT_THAT(request.in, ElementsAre("Source=Identity.Id=\"a\"", "Target=Port.DeviceID=\"1\"",
+                                      "Collection=NULL"));
+  EXPECT_THAT(request.out, ElementsAre("InstallCharacteristics=NULL"));
+}
+
+TEST_F(InstallationServiceTest, TellsNoCharacteristicsOfWhatItRefuses) {
+  m_service->characteristics = {7};
+  m_service->answer = 5;
+  const cli::CheckAnswer answer = cli::checkIdentity(m_broker, "Identity.Id=\"a\"", kTarget);
+  EXPECT_EQ(answer.call.returnValue, 5U);
+  EXPECT_THAT(answer.characteristics, IsEmpty());
+}
+
+TEST(InstallCharacteristic, IsToldInWords) {
+  EXPECT_EQ(cli::describeCharacteristic(7), "no reboot required");
+  EXPECT_EQ(cli::describeCharacteristic(6), "a manual reboot is required");
+  EXPECT_EQ(cli::describeCharacteristic(32768), "characteristic 32768");
+}
+
 TEST_F(InstallationServiceTest, IsMissedWhenItIsNotThere) {
   core::CimBroker broker;
   EXPECT_THROW(static_cast<void>(cli::installFromUri(broker, "", kTarget, {})), cli::Fault);

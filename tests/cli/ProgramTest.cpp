@@ -24,9 +24,9 @@ TEST_F(ProgramTest, HelpsWithExamplesForItselfAndEachCommand) {
   for (const Arguments& arguments :
        {Arguments{"--help"}, Arguments{"adapters", "--help"},
         Arguments{"adapters", "add", "--help"}, Arguments{"associations", "--help"},
-        Arguments{"classes", "--help"}, Arguments{"identities", "--help"},
-        Arguments{"instances", "--help"}, Arguments{"invoke", "--help"},
-        Arguments{"update", "--help"}}) {
+        Arguments{"check", "--help"}, Arguments{"classes", "--help"},
+        Arguments{"identities", "--help"}, Arguments{"instances", "--help"},
+        Arguments{"invoke", "--help"}, Arguments{"update", "--help"}}) {
     const ProgramResult result = run(arguments);
     EXPECT_EQ(result.exitStatus, 0);
     EXPECT_THAT(result.output, AllOf(HasSubstr("Usage: "), HasSubstr("Example")));

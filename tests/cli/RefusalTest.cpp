@@ -2,6 +2,7 @@
 #include <sstream>
 
 #include "cli/Refusal.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/TempDirectory.h"
 
 namespace {
@@ -63,9 +64,23 @@ TEST(RefusalAdvice, NamesTargetsWhenTheTargetIsNone) {
   EXPECT_THAT(adviseOnRefusal(4106, "", {}), HasSubstr("name a port or an adapter"));
 }
 
+TEST(RefusalAdvice, OnAnIdentityNamesItsFile) {
+  cli::Identity identity;
+  identity.isFile = true;
+  identity.name = test::programBeside("quorvel_cli_test").string();
+  identity.types = {"IMG_PXE", "IMG_UEFI"};
+  EXPECT_EQ(adviseOnRefusal(4099, kTypesDiffer, cli::requestIdentity(identity, false)),
+            "update from the file itself and name the types to install: quorvel update TARGET " +
+                identity.name + " --types IMG_PXE+IMG_UEFI");
+  identity.name += ".gone";
+  EXPECT_EQ(adviseOnRefusal(5, "", cli::requestIdentity(identity, false)),
+            "there is no file '" + identity.name + "'; check the path");
+}
+
 class RefusalReportTest : public testing::Test {
  protected:
-  std::string report(const std::string& reason, const std::string& logLevel = "") {
+  std::string report(const std::string& reason, const std::string& logLevel = "",
+                     const cli::UpdateRequest& request = {}) {
     std::ostringstream out;
     std::ostringstream err;
     cli::Context context{out, err, {}, {}};
@@ -74,7 +89,7 @@ class RefusalReportTest : public testing::Test {
     answer.returnValue = 2;
     answer.returnText = "Unspecified Error";
     answer.reason = reason;
-    cli::reportRefusal(context, "update of it", answer, {});
+    cli::reportRefusal(context, "update of it", answer, request);
     EXPECT_EQ(out.str(), "");
     return err.str();
   }
@@ -92,6 +107,24 @@ TEST_F(RefusalReportTest, LeavesOutWhatIsNotKnown) {
   EXPECT_EQ(report("", "0"),
             "quorvel: update of it refused: 2, Unspecified Error\n"
             "  reason: not known, since --log-level 0 keeps no records\n");
+}
+
+TEST_F(RefusalReportTest, TellsWhyAnIdentityIsNoneToInstall) {
+  cli::Identity identity;
+  identity.instanceId = "Orvex:InstalledFirmware:0000:03:00/0";
+  identity.types = {"IMG_PXE"};
+  const std::string begin = "quorvel: update of it refused: 2, Unspecified Error\n  reason: ";
+  const std::string end =
+      "\n  next: name another; 'quorvel identities' shows the firmware files that can be "
+      "installed\n";
+  EXPECT_EQ(report("", "0", cli::requestIdentity(identity, true)),
+            begin + identity.instanceId +
+                " is a component that is installed on an adapter, no firmware file" + end);
+  identity.isFile = true;
+  identity.name = test::programBeside("quorvel_cli_test").string();
+  identity.types.clear();
+  EXPECT_EQ(report("", "", cli::requestIdentity(identity, true)),
+            begin + identity.name + " holds no image of a type that is known" + end);
 }
 
 TEST(FailureAdvice, TellsALockFromTheRest) {

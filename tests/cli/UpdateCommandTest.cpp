@@ -108,7 +108,7 @@ TEST_F(UpdateCommandTest, RefusesADowngradeUnlessItIsForced) {
   const std::string older = writeRom("older.rom", {pxe(1)});
   expectRefusal(
       {"update", kPort, older}, 4099, "Downgrade/reinstall not supported",
-      AllOf(HasSubstr("Downgrade was detected for file://" + older), HasSubstr("add --force")));
+      AllOf(HasSubstr("Downgrade was detected for file://" + older), HasSubstr("with --force")));
   EXPECT_EQ(run({"update", kPort, older, "--force"}).exitStatus, 0);
   EXPECT_EQ(flash(), test::readBytes(older));
 }
