@@ -100,6 +100,15 @@ MethodAnswer installFromUri(core::CimBroker& broker, const std::string& uri,
   return callService(broker, "InstallFromURI", in, out);
 }
 
+MethodAnswer installFromIdentity(core::CimBroker& broker, const std::string& identityPath,
+                                 const std::string& targetPath, const UpdateOptions& options) {
+  ArgumentList in;
+  in.addSource(identityPath, targetPath);
+  in.addOptions(options);
+  ArgumentList out;
+  return callService(broker, "InstallFromSoftwareIdentity", in, out);
+}
+
 CheckAnswer checkIdentity(core::CimBroker& broker, const std::string& identityPath,
                           const std::string& targetPath) {
   ArgumentList in;

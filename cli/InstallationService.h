@@ -24,6 +24,12 @@ struct UpdateOptions {
                                           const std::string& targetPath,
                                           const UpdateOptions& options);
 
+// Returns the answer to InstallFromSoftwareIdentity, which refuses options with types.
+[[nodiscard]] MethodAnswer installFromIdentity(core::CimBroker& broker,
+                                               const std::string& identityPath,
+                                               const std::string& targetPath,
+                                               const UpdateOptions& options);
+
 struct CheckAnswer {
   MethodAnswer call;
   // What the installation takes, as numbers of InstallCharacteristics; empty when it is refused.

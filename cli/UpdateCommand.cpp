@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "cli/Identities.h"
 #include "cli/InstallationService.h"
 #include "cli/JobWatch.h"
 #include "cli/Output.h"
@@ -17,37 +18,48 @@ namespace {
 
 constexpr const char* kFooter =
     "TARGET is a port (0000:03:00.0), an adapter (0000:03:00) or the object path of either; IMAGE\n"
-    "is a file or a file: URI. The flash then holds the images of the chosen types and no others.\n"
+    "is a file or a file: URI. With --identity, the image is one of the files that 'quorvel\n"
+    "identities' lists, by its path, its name where no other file has that, its InstanceID or its\n"
+    "object path. The flash then holds the images of the chosen types and no others.\n"
     "An interrupt (Ctrl-C) does not abandon a flash that is being written: the command waits for\n"
     "its end.\n"
     "\n"
-    "With --json: {\"returnValue\", \"returnText\", \"job\"}, where job holds the properties of "
-    "the\n"
-    "finished Orvex_ConcreteJob, and is null when the update was refused.\n"
+    "With --json: {\"returnValue\", \"returnText\", \"job\"}, where job holds the properties of\n"
+    "the finished Orvex_ConcreteJob, and is null when the update was refused.\n"
     "\n"
     "Examples:\n"
     "  quorvel update 0000:03:00.0 firmware.rom\n"
     "  quorvel update 0000:03:00 firmware.rom --types IMG_PXE+IMG_UEFI\n"
-    "  quorvel update 0000:03:00 file:///srv/older.rom --force --json\n";
+    "  quorvel update 0000:03:00 file:///srv/older.rom --force --json\n"
+    "  quorvel update 0000:03:00 --identity firmware.rom\n";
 
 struct Options {
   std::string target;
-  std::string image;
+  std::string image;  // this one or the next is empty
+  std::string identity;
   UpdateOptions update;
   bool isProgressHidden = false;
 };
 
-struct Image {
-  std::string uri;
-  std::string path;  // empty when a URI was given
+// What came of the call that starts an update.
+struct Start {
+  MethodAnswer answer;
+  UpdateRequest request;
 };
 
-Image nameImage(const std::string& text) {
-  if (text.starts_with("file:")) {
-    return {text, ""};
-  }
-  const std::string path = std::filesystem::absolute(text).string();
-  return {"file://" + path, path};
+Start startFromFile(core::CimBroker& broker, const Options& options, const Target& target) {
+  const bool isUri = options.image.starts_with("file:");
+  const std::string path = isUri ? "" : std::filesystem::absolute(options.image).string();
+  const std::string uri = isUri ? options.image : "file://" + path;
+  return {installFromUri(broker, uri, target.path, options.update),
+          {path, !options.update.types.empty(), options.update.isForced}};
+}
+
+Start startFromIdentity(core::CimBroker& broker, const Options& options, const Target& target) {
+  const IdentityList list = readIdentities(broker);
+  const Identity& identity = findIdentity(list, options.identity);
+  return {installFromIdentity(broker, identity.path, target.path, options.update),
+          requestIdentity(identity, options.update.isForced)};
 }
 
 void reportEnd(const Context& context, const Target& target, const JobReport& job) {
@@ -70,31 +82,45 @@ Json toJson(const MethodAnswer& answer, const std::optional<JobReport>& job) {
 
 ExitStatus update(const Context& context, const Options& options) {
   core::CimBroker& broker = openBroker(context.options);
-  const Image image = nameImage(options.image);
   Target target;
-  MethodAnswer answer;
+  Start start;
   InterruptGuard guard;
   {
     const core::CimBroker::Request request(broker);
     target = findTarget(broker, options.target);
-    answer = installFromUri(broker, image.uri, target.path, options.update);
+    start = options.identity.empty() ? startFromFile(broker, options, target)
+                                     : startFromIdentity(broker, options, target);
   }
 
   std::optional<JobReport> job;
-  if (answer.jobPath.empty()) {
+  if (start.answer.jobPath.empty()) {
     guard.yieldToInterrupt();
-    reportRefusal(context, "update of " + target.label, answer,
-                  {image.path, !options.update.types.empty(), options.update.isForced});
+    reportRefusal(context, "update of " + target.label, start.answer, start.request);
   } else {
     ProgressView view(context.out, chooseProgressStyle(context.options, !options.isProgressHidden),
                       "updating " + target.label);
-    job = waitForJob(broker, answer.jobPath, view, guard, context.err);
+    job = waitForJob(broker, start.answer.jobPath, view, guard, context.err);
     reportEnd(context, target, *job);
   }
   if (context.options.isJson) {
-    printJson(context.out, toJson(answer, job));
+    printJson(context.out, toJson(start.answer, job));
   }
   return job && job->isCompleted() ? ExitStatus::Done : ExitStatus::Failed;
+}
+
+void demandOneImage(const Options& options) {
+  const auto refuse = [](const char* text) {
+    throw CLI::ArgumentMismatch(text, CLI::ExitCodes::ArgumentMismatch);
+  };
+  if (options.image.empty() && options.identity.empty()) {
+    refuse("IMAGE or --identity is required: name the image to install");
+  }
+  if (!options.image.empty() && !options.identity.empty()) {
+    refuse("IMAGE and --identity exclude each other: name the image by one of them");
+  }
+  if (!options.identity.empty() && !options.update.types.empty()) {
+    refuse("--types goes with IMAGE, not with --identity: name the file as IMAGE");
+  }
 }
 
 }  // namespace
@@ -106,8 +132,11 @@ void addUpdateCommand(CLI::App& program, Context& context) {
       ->type_name("")
       ->required();
   command->add_option("IMAGE", options->image, "File or file: URI of the firmware image")
-      ->type_name("")
-      ->required();
+      ->type_name("");
+  command->add_option("--identity", options->identity, "Firmware file of 'quorvel identities'")
+      ->type_name("IDENTITY")
+      ->check(CLI::Validator(
+          [](const std::string& text) { return text.empty() ? "must not be empty" : ""; }, ""));
   command
       ->add_option("--types", options->update.types, "Install these image types of the file only")
       ->type_name("IMG_PXE+IMG_UEFI")
@@ -117,6 +146,7 @@ void addUpdateCommand(CLI::App& program, Context& context) {
   command->add_flag("--no-progress", options->isProgressHidden, "Print no progress");
   command->footer(kFooter);
   command->callback([&context, options] {
+    demandOneImage(*options);
     context.command = [&context, options] { return update(context, *options); };
   });
 }

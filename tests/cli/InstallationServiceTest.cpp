@@ -52,6 +52,21 @@ TEST_F(InstallationServiceTest, PutsTheTextOfAnOptionAtItsPlace) {
                                      "InstallOptionsValues={\"\", \"IMG_PXE\"}"));
 }
 
+TEST_F(InstallationServiceTest, InstallsAnIdentity) {
+  m_service->answer = 5;
+  const cli::MethodAnswer answer =
+      cli::installFromIdentity(m_broker, "Identity.Id=\"a\"", kTarget, {});
+  EXPECT_EQ(answer.returnText, "Invalid Parameter");
+  const test::FakeService::Call request = call();
+  EXPECT_EQ(request.method, "InstallFromSoftwareIdentity");
+  EXPECT_THAT(request.in,
+              ElementsAre("Source=Identity.Id=\"a\"", "Target=Port.DeviceID=\"1\"",
+                          "Collection=NULL", "InstallOptions={5}", "InstallOptionsValues={\"\"}"));
+  EXPECT_THAT(request.out, IsEmpty());
+  static_cast<void>(cli::installFromIdentity(m_broker, "Identity.Id=\"a\"", kTarget, {true, ""}));
+  EXPECT_THAT(call().in, testing::Contains("InstallOptions={5, 3}"));
+}
+
 TEST_F(InstallationServiceTest, ChecksAnIdentity) {
   m_service->characteristics = {7};
   const cli::CheckAnswer answer = cli::checkIdentity(m_broker, "Identity.Id=\"a\"", kTarget);

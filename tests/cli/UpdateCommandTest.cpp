@@ -150,6 +150,18 @@ TEST_F(UpdateCommandTest, RefusesAnAdapterThatCannotBeUpdated) {
                 "Unsupported target (not applicable for target)", HasSubstr("cannot be replaced"));
 }
 
+TEST_F(UpdateCommandTest, WantsOneImage) {
+  expectUsageFault({"update", kPort}, AllOf(HasSubstr("IMAGE or --identity is required"),
+                                            HasSubstr("Try 'quorvel update --help'.")));
+  expectUsageFault({"update", kPort, "a.rom", "--identity", "b.rom"},
+                   AllOf(HasSubstr("IMAGE and --identity exclude each other"),
+                         HasSubstr("Try 'quorvel update --help'.")));
+  expectUsageFault({"update", kPort, "a.rom", "b.rom"}, HasSubstr("b.rom"));
+  expectUsageFault({"update", kPort, "--identity", ""}, HasSubstr("must not be empty"));
+  expectUsageFault({"update", kPort, "--identity", "a.rom", "--types", "IMG_PXE"},
+                   HasSubstr("--types goes with IMAGE, not with --identity: name the file"));
+}
+
 TEST_F(UpdateCommandTest, SaysThatTheReasonIsUnknownWithoutALog) {
   addPxeAdapter(kAdapter);
   expectFailure({"update", kPort, writeRom("older.rom", {pxe(1)}), "--log-level", "0"},
