@@ -17,7 +17,7 @@ ServingAgents getServingAgents(const core::CimBroker& broker) {
 
 void demandServed(const core::CimBroker& broker, const std::string& className) {
   const ServingAgents served = getServingAgents(broker);
-  if (served.count(className) != 0) {
+  if (served.contains(className)) {
     return;
   }
   std::string text = "no class '" + className + "' is served here; the classes are:";

@@ -4,27 +4,19 @@
 #include "cli/Context.h"
 #include "cli/Target.h"
 #include "core/CimBroker.h"
-#include "tests/cli/FakeAgent.h"
+#include "tests/cli/FakeInventory.h"
 
 namespace {
 
 using cli::TargetKind;
-
-class Device : public test::FakeInstance {
- public:
-  using FakeInstance::FakeInstance;
-
-  core::CimPropertyString DeviceID{"DeviceID", this};
-};
 
 class TargetTest : public testing::Test {
  protected:
   TargetTest() { m_broker.addAgent(&m_agent); }
 
   void addDevice(const std::string& className, const std::string& identifier) {
-    auto device = std::make_unique<Device>(className, identifier);
-    device->DeviceID.setValue(identifier);
-    (className == "Orvex_EthernetPort" ? m_ports : m_adapters).add(std::move(device));
+    (className == "Orvex_EthernetPort" ? m_ports : m_adapters)
+        .add(std::make_unique<test::FakeDevice>(className, identifier));
   }
 
   void addAdapterOfTwoPorts() {

@@ -32,10 +32,7 @@ TEST_F(UpdateFromIdentityTest, InstallsTheFileAndSaysSo) {
   const std::string file = addFile("new.rom", {pxe(3)});
   const ProgramResult result = run(update("new.rom"));
   EXPECT_EQ(result.exitStatus, 0) << result.errors;
-  EXPECT_THAT(result.output, AllOf(StartsWith("updating 0000:03:00: "),
-                                   EndsWith("updating 0000:03:00: 100 %, 00:00\n"
-                                            "Completed: 0000:03:00 is updated (00:00)\n")));
-  EXPECT_EQ(result.errors, "");
+  EXPECT_THAT(result.output, EndsWith("\nCompleted: 0000:03:00 is updated (00:00)\n"));
   EXPECT_EQ(flash(), test::readBytes(file));
 }
 
