@@ -4,14 +4,13 @@
 
 namespace os {
 
-void runLoadHook(utils::LogSource log, void (*attach)()) noexcept {
+void runLoadHook(utils::LogSource log, const char* failure, void (*step)()) noexcept {
   try {
-    attach();
+    step();
   } catch (const std::exception& error) {
-    utils::logError(log, "os::runLoadHook", "The module could not register its agent: %s",
-                    error.what());
+    utils::logError(log, "os::runLoadHook", "%s: %s", failure, error.what());
   } catch (...) {
-    utils::logError(log, "os::runLoadHook", "The module could not register its agent");
+    utils::logError(log, "os::runLoadHook", "%s", failure);
   }
 }
 

@@ -8,9 +8,12 @@
 
 namespace os {
 
-// Calls `attach`. What that throws must not reach the loader: it is logged at error level under
-// `log`, and the module stays unregistered.
-ORVEX_CORE_API void runLoadHook(utils::LogSource log, void (*attach)()) noexcept;
+// What is logged of a module that has to do without its agent.
+inline constexpr const char* kNotRegistered = "The module could not register its agent";
+
+// Runs a step of the hook. What that throws must not reach the loader: it is logged at error level
+// under `log`, as the reason for `failure`.
+ORVEX_CORE_API void runLoadHook(utils::LogSource log, const char* failure, void (*step)()) noexcept;
 
 }  // namespace os
 

@@ -3,7 +3,10 @@
 // Life cycle: constructed (no thread), start() (at most once), run() on the new thread,
 // destruction. The destructor waits for a started body without limit, so a derived class whose body
 // uses its own members must have seen the body end before its own destructor returns. A body for
-// which a stop was requested before the thread reached it is never called. Defined per platform.
+// which a stop was requested before the thread reached it is never called.
+//
+// On Windows the module of the derived class stays loaded until its threads have ended, and the
+// object may be destroyed on its own thread, once the body has returned.
 
 #ifndef ORVEX_UTILS_THREAD_H_
 #define ORVEX_UTILS_THREAD_H_
@@ -30,6 +33,12 @@ class ORVEX_CORE_API Thread {
 
   // Keeps a body that has not begun from being called.
   void cancel();
+
+ protected:
+  // Returns whether the thread is no more although its body has not returned. A destructor that
+  // waits for what the body sets asks this, too: at the end of a process Windows ends its threads
+  // before it destroys its objects. Always false on POSIX.
+  [[nodiscard]] bool hasEnded() const;
 
  private:
   struct State;

@@ -65,14 +65,16 @@ JobThread::~JobThread() {
   }
   utils::logDebug(kLog, kFunction, "Destroying JobThread %p, waiting for terminate", self);
   JobThread::requestStop();
-  waitForFlag(m_done, kTerminationBudget);
+  if (!hasEnded()) {
+    waitForFlag(m_done, kTerminationBudget);
+  }
   if (m_done.isSet()) {
     utils::logDebug(kLog, kFunction, "JobThread %p, terminated", self);
   } else {
     utils::logError(kLog, kFunction, "JobThread %p, terminating timeout error", self);
   }
   // The body uses the members, which must not go before it has ended.
-  while (m_launched.isSet() && !m_done.isSet()) {
+  while (m_launched.isSet() && !m_done.isSet() && !hasEnded()) {
     waitForFlag(m_done, kTerminationBudget);
   }
 }

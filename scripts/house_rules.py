@@ -30,15 +30,12 @@ OS_CONDITIONALS_ALSO_IN = {
 
 # The boundaries that no exception may cross; a catch-all there reports what it caught.
 CATCH_ALL_BOUNDARIES = {
-    "Os/Posix/PosixThread.cpp": "top of a thread",
-    "Os/Windows/WindowsThread.cpp": "top of a thread",
+    "Os/Thread.cpp": "top of a thread",
     "Os/LoadHook.cpp": "loader hook",
     "Os/QuorvelConfig.cpp": "an unreadable configuration leaves the defaults in force",
     "agent/JobThread.cpp": "top of the job's thread",
     "agent/Orvex_ConcreteJobClass.cpp": "one job's failure must not end the refresh of the others",
     "agent/InstallSteps.cpp": "a method answers with a return code, whatever happened",
-    "agent/Posix/LoadHook.cpp": "loader hook",
-    "inventory/Posix/LoadHook.cpp": "loader hook",
     "cli/Main.cpp": "top of the program",
     "host/Main.cpp": "top of the program",
 }

@@ -1,92 +1,38 @@
-#include <atomic>
-#include <cstdint>
-#include <exception>
 #include <pthread.h>
 
-#include "Utils/Exception.h"
-#include "Utils/Log.h"
-#include "Utils/Mutex.h"
-#include "Utils/Thread.h"
+#include "Os/NativeThread.h"
 
-namespace utils {
-namespace {
+namespace os {
 
-constexpr LogSource kLog{"Os/Posix/PosixThread"};
+const utils::LogSource NativeThread::kLog{"Os/Posix/PosixThread"};
 
-// For a debugger: how many bodies run at the moment.
-std::atomic<std::int32_t> s_runningBodies{0};
-
-}  // namespace
-
-struct Thread::State {
-  Mutex stopMutex;
-  bool isStopRequested ORVEX_GUARDED_BY(stopMutex) = false;
-  Mutex startMutex;
-  bool isStarted ORVEX_GUARDED_BY(startMutex) = false;
+struct NativeThread::State {
+  Entry entry = nullptr;
+  void* argument = nullptr;
   pthread_t handle{};
 };
 
-Thread::Thread() : m_state(std::make_unique<State>()) {}
+NativeThread::NativeThread() : m_state(std::make_unique<State>()) {}
 
-Thread::~Thread() {
-  cancel();
-  bool isStarted = false;
-  {
-    const ScopedLock lock(m_state->startMutex);
-    isStarted = m_state->isStarted;
-  }
-  if (isStarted) {
-    const int error = pthread_join(m_state->handle, nullptr);
-    if (error != 0) {
-      logError(kLog, "utils::Thread::~Thread", "Could not close thread %p. Error %d",
-               static_cast<void*>(this), error);
-    }
-  }
-}
+NativeThread::~NativeThread() = default;
 
-void Thread::start() {
-  const ScopedLock lock(m_state->startMutex);
-  if (m_state->isStarted) {
-    // The record names the object by the low digits of its address.
-    logError(kLog, "utils::Thread::start", "Attempt to mutliple thread start %d",
-             static_cast<int>(reinterpret_cast<std::intptr_t>(this)));
-    return;
-  }
-  const auto entry = [](void* thread) -> void* {
-    enter(*static_cast<Thread*>(thread));
+int NativeThread::start(Entry entry, void* argument, const void* /*inModule*/) {
+  m_state->entry = entry;
+  m_state->argument = argument;
+  const auto run = [](void* thread) -> void* {
+    const auto& state = *static_cast<State*>(thread);
+    state.entry(state.argument);
     return nullptr;
   };
-  const int error = pthread_create(&m_state->handle, nullptr, entry, this);
-  if (error != 0) {
-    throw Exception("Could not start thread %p. Error %d", static_cast<void*>(this), error);
-  }
-  m_state->isStarted = true;
+  return pthread_create(&m_state->handle, nullptr, run, m_state.get());
 }
 
-void Thread::cancel() {
-  const ScopedLock lock(m_state->stopMutex);
-  m_state->isStopRequested = true;
+int NativeThread::join() {
+  return pthread_join(m_state->handle, nullptr);
 }
 
-void Thread::enter(Thread& thread) noexcept {
-  s_runningBodies.fetch_add(1, std::memory_order_relaxed);
-  bool isStopRequested = false;
-  {
-    const ScopedLock lock(thread.m_state->stopMutex);
-    isStopRequested = thread.m_state->isStopRequested;
-  }
-  if (!isStopRequested) {
-    try {
-      thread.run();
-    } catch (const std::exception& error) {
-      logError(kLog, "utils::Thread::enter", "Thread %p ended by an exception: %s",
-               static_cast<void*>(&thread), error.what());
-    } catch (...) {
-      logError(kLog, "utils::Thread::enter", "Thread %p ended by an unknown exception",
-               static_cast<void*>(&thread));
-    }
-  }
-  s_runningBodies.fetch_sub(1, std::memory_order_relaxed);
+bool NativeThread::hasEnded() const {
+  return false;
 }
 
-}  // namespace utils
+}  // namespace os

@@ -15,7 +15,7 @@ void attach() {
 }
 
 __attribute__((constructor)) void onLoad() {
-  os::runLoadHook(kLog, attach);
+  os::runLoadHook(kLog, os::kNotRegistered, attach);
 }
 
 }  // namespace

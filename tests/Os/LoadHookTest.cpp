@@ -32,25 +32,25 @@ void throwNumber() {
 TEST(LoadHook, AttachesOnceAndLogsNothing) {
   const LogCapture log;
   s_attachments = 0;
-  os::runLoadHook(kLog, attach);
+  os::runLoadHook(kLog, "The module has no seats", attach);
   EXPECT_EQ(s_attachments, 1);
   EXPECT_THAT(log.records(), IsEmpty());
 }
 
 TEST(LoadHook, LogsWhatAttachingThrows) {
   const LogCapture log;
-  os::runLoadHook(kLog, runOutOfMemory);
+  os::runLoadHook(kLog, "The module has no seats", runOutOfMemory);
   EXPECT_THAT(log.records(test::LogSink::EventLog),
               Contains(IsRecordOf("SomeModule", LogLevel::Error, kFunction,
-                                  "The module could not register its agent: no memory")));
+                                  "The module has no seats: no memory")));
 }
 
 TEST(LoadHook, LogsThatSomethingUnknownWasThrown) {
   const LogCapture log;
-  os::runLoadHook(kLog, throwNumber);
-  EXPECT_THAT(log.records(test::LogSink::EventLog),
-              Contains(IsRecordOf("SomeModule", LogLevel::Error, kFunction,
-                                  "The module could not register its agent")));
+  os::runLoadHook(kLog, "The module has no seats", throwNumber);
+  EXPECT_THAT(
+      log.records(test::LogSink::EventLog),
+      Contains(IsRecordOf("SomeModule", LogLevel::Error, kFunction, "The module has no seats")));
 }
 
 }  // namespace
