@@ -37,6 +37,10 @@ QuorvelConfig::QuorvelConfig(const std::string& path)
 
 QuorvelConfig::~QuorvelConfig() = default;
 
+std::string QuorvelConfig::placeOf(const std::string& path) {
+  return SettingsStore::placeOf(path, kQuorvelKey);
+}
+
 std::string QuorvelConfig::getNamespace() {
   initialize();
   const ScopedLock lock(m_lock);

@@ -37,6 +37,10 @@ class ORVEX_CORE_API QuorvelConfig : public AutoSingleton<QuorvelConfig> {
   explicit QuorvelConfig(const std::string& path = kDefaultPath);
   ~QuorvelConfig() override;
 
+  // Returns what a person calls the place of the settings when the configuration file is `path`:
+  // that file, or the registry key.
+  [[nodiscard]] static std::string placeOf(const std::string& path);
+
   virtual std::string getNamespace();
   virtual std::uint32_t getTimeout();  // milliseconds
   virtual bool getDowngradeEnable();

@@ -25,6 +25,9 @@ class ORVEX_CORE_API SettingsStore {
  public:
   explicit SettingsStore(const std::string& path);
 
+  // Returns what a person calls the place of a key's settings: `path`, or the registry key.
+  [[nodiscard]] static std::string placeOf(const std::string& path, const char* key);
+
   // Return false, and leave `value` alone, when the setting is missing or not of the type.
   [[nodiscard]] bool read(const SettingName& setting, std::uint32_t& value) const;
   [[nodiscard]] bool read(const SettingName& setting, std::string& value) const;

@@ -89,7 +89,7 @@ void printFiles(std::ostream& out, const std::vector<ComparedIdentity>& files) {
 void print(const Context& context, const std::vector<ComparedIdentity>& files) {
   if (files.empty()) {
     context.out << "No firmware file was found. FWFilePath in "
-                << getConfigurationFile(context.options)
+                << getConfigurationPlace(context.options)
                 << " names the directories to look in, separated by ';' (FWFilePath = "
                    "/srv/firmware); one that does not exist is passed over.\n";
   } else if (files.front().adapters.empty()) {

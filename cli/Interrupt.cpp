@@ -1,5 +1,6 @@
 #include "cli/Interrupt.h"
 
+#include <atomic>
 #include <csignal>
 
 namespace cli {
@@ -12,17 +13,22 @@ constexpr int kEndingSignals[] = {
 #ifdef SIGHUP
     SIGHUP,
 #endif
+#ifdef SIGBREAK
+    SIGBREAK,
+#endif
 };
 
-volatile std::sig_atomic_t s_lastSignal = 0;
-volatile std::sig_atomic_t s_isNew = 0;
+// Atomic, since a platform may deliver a signal on a thread of its own.
+std::atomic<int> s_lastSignal{0};
+std::atomic<bool> s_isNew{false};
+static_assert(std::atomic<int>::is_always_lock_free && std::atomic<bool>::is_always_lock_free);
 
 }  // namespace
 
 extern "C" {
 static void noteSignal(int signal) {
   s_lastSignal = signal;
-  s_isNew = 1;
+  s_isNew = true;
   // A platform may fall back to the default when it delivers a signal.
   std::signal(signal, noteSignal);
 }
@@ -30,7 +36,7 @@ static void noteSignal(int signal) {
 
 InterruptGuard::InterruptGuard() {
   s_lastSignal = 0;
-  s_isNew = 0;
+  s_isNew = false;
   for (const int signal : kEndingSignals) {
     hold(signal, noteSignal);
   }
@@ -44,11 +50,7 @@ InterruptGuard::~InterruptGuard() {
 }
 
 bool InterruptGuard::takeInterrupt() {
-  if (s_isNew == 0) {
-    return false;
-  }
-  s_isNew = 0;
-  return true;
+  return s_isNew.exchange(false);
 }
 
 void InterruptGuard::yieldToInterrupt() {

@@ -1,7 +1,8 @@
 // Holds interrupts off while something runs that must not be left half done.
 //
-// While a guard lives, the signals that ask a process to end (interrupt, terminate, hang-up) are
-// only noted, and a reader that goes away does not end the process. One guard at a time.
+// While a guard lives, the signals that ask a process to end (interrupt, terminate; hang-up and
+// break where the platform has them) are only noted, and a reader that goes away does not end the
+// process. One guard at a time.
 
 #ifndef ORVEX_CLI_INTERRUPT_H_
 #define ORVEX_CLI_INTERRUPT_H_

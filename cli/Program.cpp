@@ -54,7 +54,9 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
       ->type_name("DIR")
       ->check(CLI::Validator(
           [](const std::string& text) { return text.empty() ? "must not be empty" : ""; }, ""));
-  app.add_option("--config", options.config, "Configuration file (/etc/OrvexQuorvelProvider.conf)")
+  app.add_option(
+         "--config", options.config,
+         "Configuration file (/etc/OrvexQuorvelProvider.conf); Windows takes its registry instead")
       ->type_name("FILE");
   app.add_option("--log-level", options.logLevel,
                  "0 nothing, 1 errors to the system log, 2 everything there, 3 also to "

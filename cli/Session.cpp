@@ -45,8 +45,9 @@ void applyOptions(const GlobalOptions& options) {
   }
 }
 
-std::string getConfigurationFile(const GlobalOptions& options) {
-  return options.config.empty() ? utils::QuorvelConfig::kDefaultPath : options.config;
+std::string getConfigurationPlace(const GlobalOptions& options) {
+  return utils::QuorvelConfig::placeOf(options.config.empty() ? utils::QuorvelConfig::kDefaultPath
+                                                              : options.config);
 }
 
 core::CimBroker& openBroker(const GlobalOptions& options) {

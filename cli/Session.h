@@ -12,11 +12,12 @@ namespace cli {
 
 // Puts the options into force for this process: adapters directory, configuration file, log level.
 // To be called before anything logs. Throws Fault (usage) for a configuration file that cannot be
-// read.
+// opened. Windows opens it only, and takes the settings from the registry.
 void applyOptions(const GlobalOptions& options);
 
-// Returns the path of the configuration file that the options put into force.
-[[nodiscard]] std::string getConfigurationFile(const GlobalOptions& options);
+// Returns what a person calls the place of the settings that the options put into force: the path
+// of the configuration file, on Windows the registry key.
+[[nodiscard]] std::string getConfigurationPlace(const GlobalOptions& options);
 
 // Applies the options and loads the modules, whose agents then serve their classes in the broker
 // that is returned. Throws as applyOptions and host::loadModules.

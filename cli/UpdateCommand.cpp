@@ -49,10 +49,11 @@ struct Start {
 
 Start startFromFile(core::CimBroker& broker, const Options& options, const Target& target) {
   const bool isUri = options.image.starts_with("file:");
-  const std::string path = isUri ? "" : std::filesystem::absolute(options.image).string();
-  const std::string uri = isUri ? options.image : "file://" + path;
+  const std::filesystem::path path =
+      isUri ? std::filesystem::path() : std::filesystem::absolute(options.image);
+  const std::string uri = isUri ? options.image : "file://" + path.generic_string();
   return {installFromUri(broker, uri, target.path, options.update),
-          {path, !options.update.types.empty(), options.update.isForced}};
+          {path.string(), !options.update.types.empty(), options.update.isForced}};
 }
 
 Start startFromIdentity(core::CimBroker& broker, const Options& options, const Target& target) {

@@ -16,7 +16,7 @@ constexpr const char* kModules[] = {"OrvexSoftwareInventoryAgent", "OrvexSoftwar
 
 std::string getModuleDirectory() {
   const std::filesystem::path program(os::getProgramPath());
-  return (program.parent_path().parent_path() / "lib" / "quorvel").string();
+  return (program.parent_path() / os::modulesFromPrograms()).lexically_normal().string();
 }
 
 void loadModule(const std::string& path) {
@@ -31,7 +31,8 @@ void loadModule(const std::string& path) {
 
 void loadModules(const std::string& directory) {
   for (const char* name : kModules) {
-    loadModule(directory + "/" + name + os::sharedLibrarySuffix());
+    const std::string file = std::string(name) + os::sharedLibrarySuffix();
+    loadModule((std::filesystem::path(directory) / file).make_preferred().string());
   }
 }
 

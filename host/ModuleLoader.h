@@ -7,8 +7,8 @@
 
 namespace host {
 
-// Returns the directory of the modules that belong to the running program: ../lib/quorvel beside
-// the directory of its file.
+// Returns the directory of the modules that belong to the running program: beside its file on
+// Windows, ../lib/quorvel from there elsewhere.
 [[nodiscard]] std::string getModuleDirectory();
 
 // Loads one module for the life of the process; loading it registers its agent with the broker.

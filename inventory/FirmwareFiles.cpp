@@ -56,7 +56,7 @@ void Search::examine(const fs::path& path) {
   if (fs::is_directory(path, error) || !m_seen.insert(path).second) {
     return;
   }
-  FirmwareFile file{path.string(), {}};
+  FirmwareFile file{path.generic_string(), {}};
   std::string problem = checkFile(path);
   if (problem.empty()) {
     const std::vector<std::uint8_t> content = readFirmwareFile(file.path);

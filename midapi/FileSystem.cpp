@@ -3,10 +3,19 @@
 #include <cstdlib>
 
 namespace ma {
+namespace {
+
+// The words of the portable error, where there is one: the same on every platform and in one
+// language.
+std::string describe(std::error_code code) {
+  return code.default_error_condition().message();
+}
+
+}  // namespace
 
 FileFault::FileFault(const std::string& operation, const std::filesystem::path& path,
                      std::error_code code)
-    : m_code(code), m_text("cannot " + operation + " " + path.string() + ": " + code.message()) {}
+    : m_code(code), m_text("cannot " + operation + " " + path.string() + ": " + describe(code)) {}
 
 bool FileFault::isMissingFile() const {
   return m_code == std::errc::no_such_file_or_directory;

@@ -33,6 +33,10 @@ SettingsStore::SettingsStore(const std::string& path) {
   }
 }
 
+std::string SettingsStore::placeOf(const std::string& path, const char* /*key*/) {
+  return path;
+}
+
 bool SettingsStore::read(const SettingName& setting, std::uint32_t& value) const {
   std::string text;
   return read(setting, text) && toUint(text, value);

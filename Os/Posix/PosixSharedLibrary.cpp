@@ -9,6 +9,10 @@ const char* sharedLibrarySuffix() {
   return ".so";
 }
 
+const char* modulesFromPrograms() {
+  return "../lib/quorvel";
+}
+
 void loadSharedLibrary(const std::string& path) {
   if (dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL) == nullptr) {
     const char* reason = dlerror();
