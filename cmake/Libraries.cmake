@@ -1,0 +1,35 @@
+# The libraries of other people: the packages of the system that is built on. A build for another
+# system takes their headers, which need no compiled part, from a folder that holds nothing else (the
+# headers of this system must not be seen), and compiles GoogleTest from its sources.
+
+set(QUORVEL_HEADER_SOURCE /usr/include CACHE PATH "Where header-only libraries stand when cross-compiling")
+set(QUORVEL_GOOGLETEST_SOURCE /usr/src/googletest CACHE PATH
+    "The sources of GoogleTest when cross-compiling")
+
+# quorvel_header_library(TARGET FOLDER): makes TARGET of the headers in FOLDER.
+function(quorvel_header_library target folder)
+  set(source ${QUORVEL_HEADER_SOURCE}/${folder})
+  if(NOT IS_DIRECTORY ${source})
+    message(FATAL_ERROR "${source} is missing: run scripts/setup, or set QUORVEL_HEADER_SOURCE")
+  endif()
+  set(headers ${CMAKE_BINARY_DIR}/headers)
+  file(MAKE_DIRECTORY ${headers})
+  file(CREATE_LINK ${source} ${headers}/${folder} SYMBOLIC)
+  add_library(${target} INTERFACE IMPORTED GLOBAL)
+  target_include_directories(${target} SYSTEM INTERFACE ${headers})
+endfunction()
+
+if(CMAKE_CROSSCOMPILING)
+  quorvel_header_library(nlohmann_json::nlohmann_json nlohmann)
+  quorvel_header_library(CLI11::CLI11 CLI)
+else()
+  find_package(nlohmann_json REQUIRED)
+  find_package(CLI11 REQUIRED)
+endif()
+
+if(BUILD_TESTING AND CMAKE_CROSSCOMPILING)
+  set(INSTALL_GTEST OFF)
+  add_subdirectory(${QUORVEL_GOOGLETEST_SOURCE} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+elseif(BUILD_TESTING)
+  find_package(GTest REQUIRED)
+endif()
