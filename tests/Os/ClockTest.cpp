@@ -5,7 +5,8 @@
 
 #include "Utils/Clock.h"
 #include "Utils/Datetime.h"
-#include "tests/Os/Posix/PosixFaults.h"
+#include "tests/Os/SystemFaults.h"
+#include "tests/support/Regex.h"
 
 namespace {
 
@@ -18,7 +19,7 @@ TEST(TimeOfDay, IsUnknownWithoutLocalTime) {
 TEST(TimeOfDay, IsKnownAgainAfterwards) {
   { const test::FailingCall failing(test::SystemCall::TellLocalTime, EOVERFLOW); }
 
-  EXPECT_THAT(utils::timeOfDay(), testing::MatchesRegex("[0-2][0-9]:[0-5][0-9]:[0-6][0-9]"));
+  EXPECT_THAT(utils::timeOfDay(), test::MatchesRegex("[0-2][0-9]:[0-5][0-9]:[0-6][0-9]"));
 }
 
 TEST(DatetimeText, IsTheEpochWithoutLocalTime) {

@@ -9,7 +9,8 @@
 #include "Utils/Exception.h"
 #include "Utils/Format.h"
 #include "Utils/Mutex.h"
-#include "tests/Os/Posix/PosixFaults.h"
+#include "tests/Os/Platform.h"
+#include "tests/Os/SystemFaults.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Throws.h"
 
@@ -21,8 +22,6 @@ using test::LogCapture;
 using test::LogLevel;
 using test::SystemCall;
 using testing::ElementsAre;
-
-constexpr const char* kSource = "Os/Posix/PosixMutex";
 
 std::string textAbout(const char* what, const void* mutex, int error) {
   return utils::format("%s mutex %p. Error %d", what, mutex, error);
@@ -82,7 +81,7 @@ TEST(Mutex, ThrowsAndLogsWhenItCannotBeCreated) {
   alignas(utils::Mutex) std::byte place[sizeof(utils::Mutex)];
   const LogCapture log;
   const auto create = [&place] {
-    const FailingCall failing(SystemCall::InitMutex, ENOMEM);
+    const FailingCall failing(SystemCall::MakeMutex, ENOMEM);
     std::destroy_at(new (place) utils::Mutex);
   };
 
@@ -90,7 +89,7 @@ TEST(Mutex, ThrowsAndLogsWhenItCannotBeCreated) {
   EXPECT_THAT(create, test::ThrowsExactly<utils::Exception>(text));
   EXPECT_THAT(
       log.records(),
-      ElementsAre(IsRecordOf(kSource, LogLevel::Error, "utils::Mutex::Mutex", text),
+      ElementsAre(IsRecordOf(test::kMutexSource, LogLevel::Error, "utils::Mutex::Mutex", text),
                   IsRecordOf("Exception", LogLevel::Error, "utils::Exception::Exception", text)));
 }
 
@@ -98,13 +97,13 @@ TEST(Mutex, LogsThatItCannotBeClosed) {
   const LogCapture log;
   std::string text;
   {
-    const FailingCall failing(SystemCall::DestroyMutex, EBUSY);
+    const FailingCall failing(SystemCall::CloseMutex, EBUSY);
     const utils::Mutex mutex;
     text = textAbout("Could not close", &mutex, EBUSY);
   }
 
-  EXPECT_THAT(log.records(),
-              ElementsAre(IsRecordOf(kSource, LogLevel::Error, "utils::Mutex::~Mutex", text)));
+  EXPECT_THAT(log.records(), ElementsAre(IsRecordOf(test::kMutexSource, LogLevel::Error,
+                                                    "utils::Mutex::~Mutex", text)));
 }
 
 TEST(Mutex, LogsAFailedLockAndCarriesOn) {
@@ -120,8 +119,9 @@ TEST(Mutex, LogsAFailedLockAndCarriesOn) {
   }
 
   EXPECT_TRUE(isEntered);
-  EXPECT_THAT(log.records(), ElementsAre(IsRecordOf(kSource, LogLevel::Error, "utils::Mutex::Lock",
-                                                    textAbout("Error locking", &mutex, EINVAL))));
+  EXPECT_THAT(log.records(),
+              ElementsAre(IsRecordOf(test::kMutexSource, LogLevel::Error, "utils::Mutex::Lock",
+                                     textAbout("Error locking", &mutex, EINVAL))));
 }
 
 TEST(Mutex, SaysLockingOfAFailedUnlock) {
@@ -134,7 +134,7 @@ TEST(Mutex, SaysLockingOfAFailedUnlock) {
   }
 
   EXPECT_THAT(log.records(),
-              ElementsAre(IsRecordOf(kSource, LogLevel::Error, "utils::Mutex::Unlock",
+              ElementsAre(IsRecordOf(test::kMutexSource, LogLevel::Error, "utils::Mutex::Unlock",
                                      textAbout("Error locking", &mutex, EPERM))));
 }
 
@@ -147,8 +147,8 @@ TEST(Mutex, FailsToUnlockWhatWasNotLocked) {
   unlockAlone(mutex);
 
   EXPECT_THAT(log.records(),
-              ElementsAre(IsRecordOf(kSource, LogLevel::Error, "utils::Mutex::Unlock",
-                                     textAbout("Error locking", &mutex, EPERM))));
+              ElementsAre(IsRecordOf(test::kMutexSource, LogLevel::Error, "utils::Mutex::Unlock",
+                                     textAbout("Error locking", &mutex, test::kNotOwnerError))));
   { const utils::ScopedLock lock(mutex); }
   EXPECT_EQ(log.records().size(), 1U);
 }

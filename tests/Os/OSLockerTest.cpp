@@ -6,8 +6,9 @@
 #include "Os/OSLocker.h"
 #include "Os/QuorvelConfig.h"
 #include "Utils/Exception.h"
+#include "Utils/Format.h"
 #include "tests/support/LogCapture.h"
-#include "tests/support/TempDirectory.h"
+#include "tests/support/Settings.h"
 #include "tests/support/Throws.h"
 
 namespace {
@@ -50,10 +51,8 @@ class FakeLocker : public OSLocker {
 
 class OSLockerRules : public testing::Test {
  protected:
-  void configure(const std::string& settings) { m_directory.write("agent.conf", settings); }
-
-  test::TempDirectory m_directory;
-  utils::QuorvelConfig m_config{m_directory.path() / "agent.conf"};
+  test::Settings m_settings;
+  utils::QuorvelConfig m_config{m_settings.path()};
   FakeLocker m_locker;
 };
 
@@ -81,7 +80,7 @@ TEST_F(OSLockerRules, LocksAndSaysSo) {
 TEST_F(OSLockerRules, WaitsForTheDefaultTimeoutUnlessConfigured) {
   EXPECT_EQ(m_locker.Lock(), 0);
   EXPECT_EQ(m_locker.UnLock(), 0);
-  configure("Timeout = 250\n");
+  m_settings.write({{"Timeout", 250U}});
   EXPECT_EQ(m_locker.Lock(), 0);
 
   EXPECT_THAT(m_locker.waits, ElementsAre(300'000U, 250U));
@@ -220,10 +219,11 @@ TEST(OSLockerSingleton, IsTheRegisteredOne) {
   const LogCapture log;
 
   EXPECT_EQ(OSLocker::getInstance(), &locker);
-  EXPECT_THAT(log.records(),
-              ElementsAre(IsRecordOf("Utils/Singleton", LogLevel::Debug,
-                                     "utils::Singleton<class os::OSLocker>::getInstance",
-                                     testing::StartsWith("Instance of OSLocker (#0x"))));
+  EXPECT_THAT(
+      log.records(),
+      ElementsAre(IsRecordOf(
+          "Utils/Singleton", LogLevel::Debug, "utils::Singleton<class os::OSLocker>::getInstance",
+          utils::format("Instance of OSLocker (#%p)", static_cast<void*>(&locker)))));
 }
 
 }  // namespace

@@ -1,11 +1,13 @@
 #include <atomic>
 #include <filesystem>
 #include <gmock/gmock.h>
+#include <map>
 #include <memory>
 #include <thread>
 
 #include "Os/QuorvelConfig.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Settings.h"
 #include "tests/support/TempDirectory.h"
 
 namespace {
@@ -23,24 +25,23 @@ using testing::Not;
 constexpr const char* kSource = "Os/QuorvelConfig";
 constexpr const char* kFunction = "utils::QuorvelConfig::initialize";
 
-// A configuration over a file that the test writes.
+// A configuration over settings that the test writes.
 class QuorvelConfig : public testing::Test {
  protected:
-  void write(const std::string& content) {
-    // In one step, since others may read meanwhile.
-    std::filesystem::rename(m_directory.write("new.conf", content), m_path);
-  }
+  using Values = std::map<std::string, test::Settings::Value>;
+
+  void write(const Values& values) { m_settings.write(values); }
   std::string folder(const std::string& name) {
     std::filesystem::create_directory(m_directory.path() / name);
     return (m_directory.path() / name).string();
   }
 
   test::TempDirectory m_directory;
-  const std::string m_path = m_directory.path() / "agent.conf";
-  utils::QuorvelConfig m_config{m_path};
+  test::Settings m_settings;
+  utils::QuorvelConfig m_config{m_settings.path()};
 };
 
-TEST_F(QuorvelConfig, HasItsDefaultsWithoutAFile) {
+TEST_F(QuorvelConfig, HasItsDefaultsWithoutSettings) {
   EXPECT_EQ(m_config.getNamespace(), "root/DCIM/zolan");
   EXPECT_EQ(m_config.getTimeout(), 300'000U);
   EXPECT_FALSE(m_config.getDowngradeEnable());
@@ -48,7 +49,7 @@ TEST_F(QuorvelConfig, HasItsDefaultsWithoutAFile) {
 }
 
 TEST_F(QuorvelConfig, HasItsDefaultsWhenTheFileIsADirectory) {
-  utils::QuorvelConfig config(m_directory.path());
+  utils::QuorvelConfig config(m_directory.path().string());
 
   EXPECT_EQ(config.getNamespace(), "root/DCIM/zolan");
   EXPECT_EQ(config.getTimeout(), 300'000U);
@@ -63,11 +64,11 @@ TEST_F(QuorvelConfig, LogsEachSettingThatItCannotRead) {
                           "Getting Namespace from register - failed",
                           "Getting LogLevel from register - failed",
                           "Getting Firmware File Paths from register - failed"));
-  EXPECT_THAT(log.records(),
-              testing::Each(IsRecordOf(kSource, LogLevel::Debug, kFunction, testing::_)));
+  EXPECT_THAT(log.records(), HasRecordOf(kSource, LogLevel::Debug, kFunction,
+                                         "Getting TimeOut from register - failed"));
 }
 
-TEST_F(QuorvelConfig, ReadsItsFileInEveryGetter) {
+TEST_F(QuorvelConfig, ReadsItsSettingsInEveryGetter) {
   const LogCapture log;
   static_cast<void>(m_config.getNamespace());
   static_cast<void>(m_config.getTimeout());
@@ -80,8 +81,10 @@ TEST_F(QuorvelConfig, ReadsItsFileInEveryGetter) {
 
 TEST_F(QuorvelConfig, TakesEverySetting) {
   const std::string directory = folder("fw");
-  write("Timeout = 250\nNamespace = root/cimv2\nOEMCustomizeable = 0x20\nFWFilePath = " +
-        directory + "\n");
+  write({{"Timeout", 250U},
+         {"Namespace", "root/cimv2"},
+         {"OEMCustomizeable", 0x20U},
+         {"FWFilePath", directory}});
   const LogCapture log;
 
   EXPECT_EQ(m_config.getTimeout(), 250U);
@@ -92,7 +95,7 @@ TEST_F(QuorvelConfig, TakesEverySetting) {
 }
 
 TEST_F(QuorvelConfig, IgnoresATimeoutOfZero) {
-  write("Timeout = 0\n");
+  write({{"Timeout", 0U}});
   const LogCapture log;
 
   EXPECT_EQ(m_config.getTimeout(), 300'000U);
@@ -100,7 +103,7 @@ TEST_F(QuorvelConfig, IgnoresATimeoutOfZero) {
 }
 
 TEST_F(QuorvelConfig, IgnoresATimeoutThatIsNoNumber) {
-  write("Timeout = soon\n");
+  write({{"Timeout", "soon"}});
   const LogCapture log;
 
   EXPECT_EQ(m_config.getTimeout(), 300'000U);
@@ -110,17 +113,17 @@ TEST_F(QuorvelConfig, IgnoresATimeoutThatIsNoNumber) {
 
 TEST_F(QuorvelConfig, TakesANamespaceThatBeginsWithRootOnly) {
   for (const char* refused : {"interop", "Root/cimv2", "xroot", "roo", ""}) {
-    write(std::string("Namespace = ") + refused + "\n");
+    write({{"Namespace", refused}});
     EXPECT_EQ(m_config.getNamespace(), "root/DCIM/zolan") << refused;
   }
   for (const char* taken : {"root/cimv2", "root", "rootless"}) {
-    write(std::string("Namespace = ") + taken + "\n");
+    write({{"Namespace", taken}});
     EXPECT_EQ(m_config.getNamespace(), taken);
   }
 }
 
 TEST_F(QuorvelConfig, DoesNotLogANamespaceThatItRefuses) {
-  write("Namespace = interop\n");
+  write({{"Namespace", "interop"}});
   const LogCapture log;
   m_config.initialize();
 
@@ -129,20 +132,21 @@ TEST_F(QuorvelConfig, DoesNotLogANamespaceThatItRefuses) {
 
 TEST_F(QuorvelConfig, TakesTheDowngradeBitOfTheCustomisationWord) {
   struct Row {
-    const char* value;
+    std::uint32_t value;
     bool isEnabled;
   };
-  for (const Row& row : {Row{"0x20", true}, Row{"0x1F", false}, Row{"32", true}, Row{"0xFF", true},
-                         Row{"0xFFFFFFDF", false}, Row{"0", false}, Row{"0x40", false}}) {
-    write(std::string("OEMCustomizeable = ") + row.value + "\n");
+  for (const Row& row : {Row{0x20, true}, Row{0x1F, false}, Row{0xFF, true}, Row{0xFFFFFFDF, false},
+                         Row{0, false}, Row{0x40, false}}) {
+    write({{"OEMCustomizeable", row.value}});
     EXPECT_EQ(m_config.getDowngradeEnable(), row.isEnabled) << row.value;
   }
 }
 
 TEST_F(QuorvelConfig, KeepsUsableFirmwareFoldersOnly) {
   const std::string directory = folder("fw");
-  const std::string missing = m_directory.path() / "missing";
-  write("FWFilePath = " + directory + "\\;x;" + missing + "\n");
+  const std::string missing = (m_directory.path() / "missing").string();
+  const std::string paths = directory + "\\;x;" + missing;
+  write({{"FWFilePath", paths}});
   const LogCapture log;
 
   EXPECT_THAT(m_config.getFWFilePaths(), ElementsAre(directory));
@@ -150,7 +154,7 @@ TEST_F(QuorvelConfig, KeepsUsableFirmwareFoldersOnly) {
               ElementsAre("Trying to read register ...", "Getting TimeOut from register - failed",
                           "Getting Namespace from register - failed",
                           "Getting LogLevel from register - failed",
-                          "Getting Firmware File Paths from: " + directory + "\\;x;" + missing,
+                          "Getting Firmware File Paths from: " + paths,
                           "Candidate path : " + directory + "\\", "Removing last backslash",
                           "Read next FWFilePath : " + directory, "Candidate path : x",
                           "Path x is too short", "Candidate path : " + missing));
@@ -160,37 +164,40 @@ TEST_F(QuorvelConfig, KeepsFirmwareFoldersInTheirOrder) {
   const std::string second = folder("b");
   const std::string first = folder("a");
   const std::string file = m_directory.write("file", std::string("x")).string();
-  write("FWFilePath = " + second + ";;" + file + ";" + first + ";\n");
+  write({{"FWFilePath", second + ";;" + file + ";" + first + ";"}});
 
   EXPECT_THAT(m_config.getFWFilePaths(), ElementsAre(second, first));
 }
 
 TEST_F(QuorvelConfig, CountsAFirmwareFolderOfTwoCharactersAsLongEnough) {
-  write("FWFilePath = ..;/\n");
+  write({{"FWFilePath", "..;/"}});
 
   EXPECT_THAT(m_config.getFWFilePaths(), ElementsAre(".."));
 }
 
 TEST_F(QuorvelConfig, TakesOneBackslashOffOnly) {
   const std::string directory = folder("fw");
-  write("FWFilePath = " + directory + "\\\\\n");
+  write({{"FWFilePath", directory + "\\\\"}});
 
   EXPECT_THAT(m_config.getFWFilePaths(), IsEmpty());
 }
 
-TEST_F(QuorvelConfig, FollowsItsFile) {
-  write("Timeout = 250\nOEMCustomizeable = 0x20\nFWFilePath = ..\n");
+TEST_F(QuorvelConfig, FollowsItsSettings) {
+  write({{"Timeout", 250U}, {"OEMCustomizeable", 0x20U}, {"FWFilePath", ".."}});
   EXPECT_EQ(m_config.getTimeout(), 250U);
-  write("Timeout = 500\nOEMCustomizeable = 0\nFWFilePath = ..;..\n");
+  write({{"Timeout", 500U}, {"OEMCustomizeable", 0U}, {"FWFilePath", "..;.."}});
   EXPECT_EQ(m_config.getTimeout(), 500U);
   EXPECT_FALSE(m_config.getDowngradeEnable());
   EXPECT_THAT(m_config.getFWFilePaths(), ElementsAre("..", ".."));
 }
 
 TEST_F(QuorvelConfig, KeepsWhatItReadWhenASettingGoesAway) {
-  write("Timeout = 250\nNamespace = root/x\nOEMCustomizeable = 0x20\nFWFilePath = ..\n");
+  write({{"Timeout", 250U},
+         {"Namespace", "root/x"},
+         {"OEMCustomizeable", 0x20U},
+         {"FWFilePath", ".."}});
   m_config.initialize();
-  std::filesystem::remove(m_path);
+  m_settings.remove();
 
   EXPECT_EQ(m_config.getTimeout(), 250U);
   EXPECT_EQ(m_config.getNamespace(), "root/x");
@@ -199,7 +206,7 @@ TEST_F(QuorvelConfig, KeepsWhatItReadWhenASettingGoesAway) {
 }
 
 TEST_F(QuorvelConfig, IsTheCurrentOneOnceConstructed) {
-  write("Timeout = 250\n");
+  write({{"Timeout", 250U}});
 
   EXPECT_EQ(utils::QuorvelConfig::getInstance(), &m_config);
   EXPECT_EQ(utils::QuorvelConfig::getInstance()->getTimeout(), 250U);
@@ -220,10 +227,10 @@ TEST(QuorvelConfigSingleton, IsMadeOnFirstUse) {
                                    "New singleton instance for QuorvelConfig"))));
 }
 
-TEST_F(QuorvelConfig, IsReadByManyThreadsWhileItsFileChanges) {
+TEST_F(QuorvelConfig, IsReadByManyThreadsWhileItsSettingsChange) {
   constexpr int kThreads = 4;
   constexpr int kRounds = 50;
-  write("Timeout = 1\nFWFilePath = ..\n");
+  write({{"Timeout", 1U}, {"FWFilePath", ".."}});
   std::atomic<int> wrong{0};
   std::vector<std::thread> threads;
   for (int i = 0; i < kThreads; ++i) {
@@ -236,7 +243,7 @@ TEST_F(QuorvelConfig, IsReadByManyThreadsWhileItsFileChanges) {
     });
   }
   for (int round = 0; round < kRounds; ++round) {
-    write(round % 2 == 0 ? "Timeout = 2\nFWFilePath = ..\n" : "Timeout = 1\nFWFilePath = ..\n");
+    write({{"Timeout", round % 2 == 0 ? 2U : 1U}, {"FWFilePath", ".."}});
   }
   for (std::thread& thread : threads) {
     thread.join();

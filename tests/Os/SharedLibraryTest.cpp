@@ -1,11 +1,14 @@
 #include <cstdlib>
+#include <filesystem>
 #include <gmock/gmock.h>
 
+#include "Os/Environment.h"
 #include "Os/SharedLibrary.h"
 #include "Utils/Exception.h"
-#include "tests/support/ChildProcess.h"
+#include "tests/Os/Platform.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/Throws.h"
+#include "tests/support/Variables.h"
 
 namespace {
 
@@ -14,7 +17,9 @@ using testing::HasSubstr;
 using testing::StartsWith;
 
 std::string modulePath() {
-  return test::programBeside(std::string("os_test_module") + os::sharedLibrarySuffix());
+  std::filesystem::path program(os::getProgramPath());
+  return program.replace_filename(std::string("os_test_module") + os::sharedLibrarySuffix())
+      .string();
 }
 
 auto loading(const std::string& path) {
@@ -26,12 +31,12 @@ TEST(SharedLibrary, RunsItsStartUpCodeWhenLoaded) {
   os::loadSharedLibrary(modulePath());
 
   EXPECT_STREQ(std::getenv("QUORVEL_TEST_MODULE"), "loaded");
-  unsetenv("QUORVEL_TEST_MODULE");
+  test::unsetVariable("QUORVEL_TEST_MODULE");
 }
 
 TEST(SharedLibrary, IsNotStartedAgainWhenLoadedTwice) {
   os::loadSharedLibrary(modulePath());
-  unsetenv("QUORVEL_TEST_MODULE");
+  test::unsetVariable("QUORVEL_TEST_MODULE");
   os::loadSharedLibrary(modulePath());
 
   EXPECT_EQ(std::getenv("QUORVEL_TEST_MODULE"), nullptr);
@@ -39,16 +44,16 @@ TEST(SharedLibrary, IsNotStartedAgainWhenLoadedTwice) {
 
 TEST(SharedLibrary, ThatIsMissingIsNamedWithTheLoadersReason) {
   const test::TempDirectory directory;
-  const std::string path = directory.path() / "100%s.so";
+  const std::string path = (directory.path() / "100%s.so").string();
 
   EXPECT_THAT(loading(path), test::ThrowsExactly<utils::Exception>(
                                  AllOf(StartsWith("Could not load the library '" + path + "': "),
-                                       HasSubstr("No such file"))));
+                                       HasSubstr(test::kLibraryIsMissing))));
 }
 
 TEST(SharedLibrary, ThatIsNoneIsRefused) {
   const test::TempDirectory directory;
-  const std::string path = directory.write("text.so", std::string("no library"));
+  const std::string path = directory.write("text.so", std::string("no library")).string();
 
   EXPECT_THAT(loading(path), test::ThrowsExactly<utils::Exception>(
                                  StartsWith("Could not load the library '" + path + "': ")));

@@ -9,7 +9,8 @@
 #include "Utils/Exception.h"
 #include "Utils/Format.h"
 #include "Utils/Thread.h"
-#include "tests/Os/Posix/PosixFaults.h"
+#include "tests/Os/Platform.h"
+#include "tests/Os/SystemFaults.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Throws.h"
 #include "tests/support/WaitUntil.h"
@@ -22,8 +23,6 @@ using test::LogCapture;
 using test::LogLevel;
 using test::SystemCall;
 using testing::ElementsAre;
-
-constexpr const char* kSource = "Os/Posix/PosixThread";
 
 // A thread with a body of the test's choice. Its destructor waits until a started body is entered;
 // from there on only the base is left.
@@ -95,7 +94,7 @@ TEST(Thread, IsStartedOnce) {
   }
 
   EXPECT_EQ(runs.load(), 1);
-  const auto refused = IsRecordOf(kSource, LogLevel::Error, "utils::Thread::start",
+  const auto refused = IsRecordOf(test::kThreadSource, LogLevel::Error, "utils::Thread::start",
                                   "Attempt to mutliple thread start " + address);
   EXPECT_THAT(log.records(), ElementsAre(refused, refused));
 }
@@ -155,8 +154,8 @@ TEST(Thread, LogsWhatItsBodyThrows) {
     thread.startBody();
   }
 
-  EXPECT_THAT(log.records(),
-              ElementsAre(IsRecordOf(kSource, LogLevel::Error, "utils::Thread::enter", text)));
+  EXPECT_THAT(log.records(), ElementsAre(IsRecordOf(test::kThreadSource, LogLevel::Error,
+                                                    "utils::Thread::enter", text)));
 }
 
 TEST(Thread, LogsThatItsBodyThrowsSomethingUnknown) {
@@ -169,8 +168,8 @@ TEST(Thread, LogsThatItsBodyThrowsSomethingUnknown) {
     thread.startBody();
   }
 
-  EXPECT_THAT(log.records(),
-              ElementsAre(IsRecordOf(kSource, LogLevel::Error, "utils::Thread::enter", text)));
+  EXPECT_THAT(log.records(), ElementsAre(IsRecordOf(test::kThreadSource, LogLevel::Error,
+                                                    "utils::Thread::enter", text)));
 }
 
 TEST(Thread, ThrowsWhenItCannotBeStarted) {
@@ -178,7 +177,7 @@ TEST(Thread, ThrowsWhenItCannotBeStarted) {
   {
     BodyThread thread([&isRun] { isRun = true; });
     const auto start = [&thread] {
-      const FailingCall failing(SystemCall::CreateThread, EAGAIN);
+      const FailingCall failing(SystemCall::StartThread, EAGAIN);
       thread.start();
     };
     const std::string text =
@@ -196,7 +195,7 @@ TEST(Thread, ThrowsWhenItCannotBeStarted) {
 
 TEST(Thread, LogsThatItCannotBeClosed) {
   const LogCapture log;
-  const FailingCall failing(SystemCall::JoinThread, EINVAL);
+  const FailingCall failing(SystemCall::CloseThread, EINVAL);
   std::string text;
   {
     BodyThread thread([] {});
@@ -205,8 +204,8 @@ TEST(Thread, LogsThatItCannotBeClosed) {
     thread.startBody();
   }
 
-  EXPECT_THAT(log.records(),
-              ElementsAre(IsRecordOf(kSource, LogLevel::Error, "utils::Thread::~Thread", text)));
+  EXPECT_THAT(log.records(), ElementsAre(IsRecordOf(test::kThreadSource, LogLevel::Error,
+                                                    "utils::Thread::~Thread", text)));
 }
 
 }  // namespace

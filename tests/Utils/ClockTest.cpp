@@ -15,9 +15,8 @@ std::uint64_t millisecondsNow() {
 
 std::string wallClockText() {
   const std::time_t now = std::time(nullptr);
-  std::tm local{};
-  localtime_r(&now, &local);
-  return utils::format("%02d:%02d:%02d", local.tm_hour, local.tm_min, local.tm_sec);
+  const std::tm* const local = std::localtime(&now);
+  return utils::format("%02d:%02d:%02d", local->tm_hour, local->tm_min, local->tm_sec);
 }
 
 TEST(Clock, CountsMicrosecondsSinceTheEpochInWholeMilliseconds) {

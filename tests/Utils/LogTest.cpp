@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "Utils/Log.h"
-#include "tests/support/ChildProcess.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Programs.h"
 
 namespace {
 

@@ -3,6 +3,7 @@
 #include "Utils/Clock.h"
 #include "Utils/TimeStamp.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Regex.h"
 #include "tests/support/WaitUntil.h"
 
 namespace {
@@ -10,8 +11,8 @@ namespace {
 using test::IsRecordOf;
 using test::LogCapture;
 using test::LogLevel;
+using test::MatchesRegex;
 using testing::ElementsAre;
-using testing::MatchesRegex;
 
 constexpr const char* kEnter = "utils::TimeStamp::Init";
 constexpr const char* kLeave = "utils::TimeStamp::~TimeStamp";

@@ -3,6 +3,7 @@
 #include "core/CimBroker.h"
 #include "core/CimPropertyRef.h"
 #include "core/CimPropertyTypes.h"
+#include "tests/support/Regex.h"
 
 namespace test {
 namespace {
@@ -117,12 +118,12 @@ void expectEnumeration(const LogCapture& log, const EnumerationNames& names,
     expected.push_back(IsRecordOf(names.source, LogLevel::Debug, function, message));
     if (expected.size() == 1) {
       expected.push_back(IsRecordOf(blockSource, LogLevel::Debug, "utils::TimeStamp::Init",
-                                    testing::MatchesRegex("      ### ..:..:.. Entering " + block)));
+                                    test::MatchesRegex("      ### ..:..:.. Entering " + block)));
     }
   }
   expected.push_back(
       IsRecordOf(blockSource, LogLevel::Debug, "utils::TimeStamp::~TimeStamp",
-                 testing::MatchesRegex("### ..:..:.. Leaving  " + block + " after [0-9]+ms ")));
+                 test::MatchesRegex("### ..:..:.. Leaving  " + block + " after [0-9]+ms ")));
   std::vector<LogRecord> own;
   for (const LogRecord& record : log.records()) {
     if (record.source == names.source || record.source == blockSource) {

@@ -21,7 +21,7 @@
 
 namespace test {
 
-class FakeMidApi {
+class ORVEX_MIDAPI_API FakeMidApi {
  public:
   // What an operation with a code and a text answers.
   struct Answer {
@@ -76,7 +76,7 @@ class FakeMidApi {
 };
 
 // Returns the bytes of a text, for images whose content does not matter.
-[[nodiscard]] std::vector<std::uint8_t> bytesOf(const std::string& text);
+[[nodiscard]] ORVEX_MIDAPI_API std::vector<std::uint8_t> bytesOf(const std::string& text);
 
 }  // namespace test
 

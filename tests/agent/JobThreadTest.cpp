@@ -12,6 +12,8 @@
 #include "tests/agent/FakeMidApi.h"
 #include "tests/agent/FakeSystem.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/PointerPattern.h"
+#include "tests/support/Regex.h"
 #include "tests/support/Throws.h"
 #include "tests/support/WaitUntil.h"
 
@@ -20,9 +22,9 @@ namespace {
 using test::IsRecordOf;
 using test::LogLevel;
 using test::LogRecord;
+using test::MatchesRegex;
 using testing::Contains;
 using testing::ElementsAre;
-using testing::MatchesRegex;
 using testing::Not;
 using testing::StartsWith;
 using utils::FirmwareType;
@@ -120,14 +122,14 @@ TEST_F(JobThreadTest, LogsItsLife) {
   const auto debug = [](const std::string& function, const std::string& message) {
     return IsRecordOf(kSource, LogLevel::Debug, function, MatchesRegex(message));
   };
-  const std::string thread = "JobThread 0x[0-9a-f]+";
+  const std::string thread = "JobThread " + test::kPointerPattern;
   EXPECT_THAT(
       recordsOf(kSource),
       ElementsAre(
           debug("JobThread::JobThread", "Creating " + thread),
-          debug(kExecute, "Thread 0x[0-9a-f]+ starting"), debug(kExecute, "Writing FLASH Image"),
-          debug(kExecute, "Updating CapabilityWord"),
-          debug(kExecute, "Thread 0x[0-9a-f]+ finishing"),
+          debug(kExecute, "Thread " + test::kPointerPattern + " starting"),
+          debug(kExecute, "Writing FLASH Image"), debug(kExecute, "Updating CapabilityWord"),
+          debug(kExecute, "Thread " + test::kPointerPattern + " finishing"),
           debug("JobThread::~JobThread", "Destroying " + thread),
           debug("JobThread::~JobThread", "Destroying " + thread + ", waiting for terminate"),
           debug("JobThread::~JobThread", thread + ", terminated")));
@@ -138,7 +140,7 @@ TEST_F(JobThreadTest, IsDestroyedWithoutWaitingWhenItWasNotStarted) {
   m_job.reset();
 
   EXPECT_THAT(m_log.messages("JobThread::~JobThread"),
-              ElementsAre(MatchesRegex("Destroying JobThread 0x[0-9a-f]+")));
+              ElementsAre(MatchesRegex("Destroying JobThread " + test::kPointerPattern)));
 }
 
 TEST_F(JobThreadTest, GoesThroughTheStatesInOrder) {
@@ -332,8 +334,8 @@ TEST_F(JobThreadTest, ThatHangsHoldsItsJobsDestructionUpAfterAnErrorRecord) {
 
   EXPECT_THAT(m_log.records(),
               Contains(IsRecordOf(kSource, LogLevel::Error, "JobThread::~JobThread",
-                                  MatchesRegex("JobThread 0x[0-9a-f]+, terminating timeout "
-                                               "error"))));
+                                  MatchesRegex("JobThread " + test::kPointerPattern +
+                                               ", terminating timeout error"))));
   EXPECT_LT(placeOf("terminating timeout error"), placeOf("autoreleasing semaphore"));
   EXPECT_EQ(placeOf(", terminated"), -1);
 }

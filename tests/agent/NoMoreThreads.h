@@ -1,23 +1,24 @@
-// Makes the system unable to start threads.
+// Makes the system unable to start threads. Defined per platform.
 
 #ifndef ORVEX_TESTS_AGENT_NOMORETHREADS_H_
 #define ORVEX_TESTS_AGENT_NOMORETHREADS_H_
 
-#include <cstddef>
+#include <memory>
 
 namespace test {
 
 // While one lives, every attempt of the process to start a thread fails.
 class NoMoreThreads {
  public:
-  // Throws std::system_error when the system's defaults cannot be changed.
+  // Throws std::runtime_error when the system cannot be changed so.
   NoMoreThreads();
   NoMoreThreads(const NoMoreThreads&) = delete;
   NoMoreThreads& operator=(const NoMoreThreads&) = delete;
   ~NoMoreThreads();
 
  private:
-  std::size_t m_stackSize = 0;
+  struct Refusal;
+  std::unique_ptr<Refusal> m_refusal;
 };
 
 }  // namespace test

@@ -12,6 +12,8 @@
 #include "tests/agent/FakeSystem.h"
 #include "tests/agent/NoMoreThreads.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/PointerPattern.h"
+#include "tests/support/Regex.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/Throws.h"
 #include "tests/support/WaitUntil.h"
@@ -21,9 +23,9 @@ namespace {
 using test::HasRecordOf;
 using test::IsRecordOf;
 using test::LogLevel;
+using test::MatchesRegex;
 using testing::Contains;
 using testing::ElementsAre;
-using testing::MatchesRegex;
 using utils::FirmwareType;
 
 constexpr const char* kAdapter = "0000:03:00.0";
@@ -271,8 +273,9 @@ TEST_F(ConcreteJob, DeletesItsThreadWhenThatIsDone) {
   EXPECT_FALSE(deleteThread());
   EXPECT_THAT(m_log.messages(kControl), Contains("threadControl 3 - DONE"));
   finish();
-  EXPECT_THAT(m_log.messages(kControl),
-              Contains(MatchesRegex("Deleting JobThread 0x[0-9a-f]+ for 0000:03:00.0")));
+  EXPECT_THAT(
+      m_log.messages(kControl),
+      Contains(MatchesRegex("Deleting JobThread " + test::kPointerPattern + " for 0000:03:00.0")));
   m_log.clear();
 
   EXPECT_FALSE(deleteThread());
@@ -289,10 +292,11 @@ TEST_F(ConcreteJob, LogsTheDeletionOfItsThread) {
 
   EXPECT_TRUE(deleteThread());
 
-  EXPECT_THAT(m_log.messages(kControl),
-              ElementsAre("New threadControl 3",
-                          MatchesRegex("Deleting JobThread 0x[0-9a-f]+ for 0000:03:00.0"),
-                          "threadControl 3 - DONE"));
+  EXPECT_THAT(
+      m_log.messages(kControl),
+      ElementsAre("New threadControl 3",
+                  MatchesRegex("Deleting JobThread " + test::kPointerPattern + " for 0000:03:00.0"),
+                  "threadControl 3 - DONE"));
 }
 
 TEST_F(ConcreteJob, KnowsNoOtherThreadCommands) {

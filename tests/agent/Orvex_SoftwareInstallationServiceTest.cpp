@@ -14,6 +14,7 @@
 #include "tests/agent/FakeSiblings.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Throws.h"
+#include "tests/support/Variables.h"
 
 namespace {
 
@@ -84,7 +85,7 @@ TEST_F(InstallationServiceClass, CallsAComputerWithoutANameLocalhost) {
 }
 
 TEST_F(InstallationServiceClass, CallsAComputerWhoseNameIsNotDefinedLocalhost) {
-  ASSERT_EQ(unsetenv("COMPUTERNAME"), 0);
+  test::unsetVariable("COMPUTERNAME");
   EXPECT_EQ(enumerate().SystemName.getValue(), "localhost");
 }
 

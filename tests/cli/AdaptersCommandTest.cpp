@@ -1,14 +1,15 @@
 #include <fstream>
 
 #include "tests/cli/QuorvelTest.h"
+#include "tests/support/Regex.h"
 
 namespace {
 
+using test::MatchesRegex;
 using test::ProgramResult;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::MatchesRegex;
 using testing::SizeIs;
 
 class AdaptersCommandTest : public test::QuorvelTest {

@@ -1,4 +1,5 @@
 #include "tests/cli/FirmwareDirectoryTest.h"
+#include "tests/support/Regex.h"
 
 namespace {
 
@@ -12,9 +13,6 @@ class CheckCommandTest : public test::FirmwareDirectoryTest {
  protected:
   [[nodiscard]] Arguments check(const std::string& target, const std::string& identity) const {
     return configured({"check", target, identity});
-  }
-  [[nodiscard]] test::Bytes flash() const {
-    return test::readBytes(adapters() / "0000-03-00" / "flash.rom");
   }
 
   // Checks as text and as a document.
@@ -89,12 +87,12 @@ TEST_F(CheckCommandTest, RefusesAComponentThatIsInstalled) {
 TEST_F(CheckCommandTest, ListsTheFilesWhenTheIdentityIsUnknown) {
   addPxeAdapter(kAdapter);
   const std::string file = addFile("new.rom", {pxe(3)});
-  const std::string damaged = writeDamagedRom("firmware/damaged.rom");
+  const std::string damaged = named(writeDamagedRom("firmware/damaged.rom"));
   for (const std::string& name : {std::string("old.rom"), damaged, std::string()}) {
     expectFailure(check(kAdapter, name),
                   AllOf(HasSubstr("there is no software identity '" + name +
                                   "'; the firmware files are:\n  " + file + "\n"),
-                        testing::ContainsRegex("\n  skipped: [^\n]*" + damaged)));
+                        test::ContainsRegex("\n  skipped: [^\n]*" + test::quoteRegex(damaged))));
   }
   std::filesystem::remove(file);
   expectFailure(check(kAdapter, file), HasSubstr("no firmware file was found"));
@@ -103,7 +101,7 @@ TEST_F(CheckCommandTest, ListsTheFilesWhenTheIdentityIsUnknown) {
 TEST_F(CheckCommandTest, ListsTheFilesWhenTheIdentityIsAmbiguous) {
   addPxeAdapter(kAdapter);
   const std::string first = addFile("a.rom", {pxe(3)});
-  const std::string second = writeRom("older/a.rom", {pxe(2)});
+  const std::string second = named(writeRom("older/a.rom", {pxe(2)}));
   expectFailure(check(kAdapter, "a.rom"), HasSubstr("'a.rom' names several software identities; "
                                                     "name one of:\n  " +
                                                     first + "\n  " + second + "\n"));

@@ -1,4 +1,5 @@
 #include "tests/cli/QuorvelTest.h"
+#include "tests/support/Regex.h"
 
 namespace {
 
@@ -24,8 +25,8 @@ TEST_F(ClassesCommandTest, ListsEachClassWithItsAgents) {
   EXPECT_EQ(result.exitStatus, 0);
   EXPECT_EQ(result.errors, "");
   EXPECT_THAT(result.output, StartsWith("CLASS "));
-  EXPECT_THAT(result.output, testing::ContainsRegex("\nOrvex_ConcreteJob +Software Update\n"));
-  EXPECT_THAT(result.output, testing::ContainsRegex("\nOrvex_EthernetPort +Software Inventory\n"));
+  EXPECT_THAT(result.output, test::ContainsRegex("\nOrvex_ConcreteJob +Software Update\n"));
+  EXPECT_THAT(result.output, test::ContainsRegex("\nOrvex_EthernetPort +Software Inventory\n"));
 }
 
 TEST_F(ClassesCommandTest, NamesEveryAgentOfAClassInTheOrderOfTheBroker) {

@@ -24,21 +24,23 @@ class CountingSinks : public utils::LogSinks {
   int consoles = 0;
 };
 
-// The recorder stays for the life of the process, and so do the sinks behind it.
-class ErrorRecordsTest : public testing::Test {
- protected:
-  static CountingSinks& sinks() {
-    static auto* behind = [] {
-      auto* made = new CountingSinks;
-      utils::exchangeLogSinks(made);
-      static_cast<void>(ErrorRecords::instance());
-      return made;
-    }();
-    return *behind;
+// The recorder stays for the life of the process, and so do the sinks behind it. They come first,
+// before any test installs the recorder, which passes on to those that it finds.
+class Recording : public testing::Environment {
+ public:
+  void SetUp() override {
+    utils::exchangeLogSinks(s_behind);
+    static_cast<void>(ErrorRecords::instance());
   }
 
-  // The sinks come first: the recorder passes on to those that it finds.
-  CountingSinks& m_behind = sinks();
+  static inline CountingSinks* const s_behind = new CountingSinks;
+};
+
+const auto* const kRecording = testing::AddGlobalTestEnvironment(new Recording);
+
+class ErrorRecordsTest : public testing::Test {
+ protected:
+  CountingSinks& m_behind = *Recording::s_behind;
   ErrorRecords& m_records = ErrorRecords::instance();
 };
 

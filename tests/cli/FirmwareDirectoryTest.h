@@ -4,11 +4,12 @@
 #define ORVEX_TESTS_CLI_FIRMWAREDIRECTORYTEST_H_
 
 #include <filesystem>
-#include <fstream>
+#include <map>
 #include <string>
 #include <vector>
 
 #include "tests/cli/QuorvelTest.h"
+#include "tests/support/Settings.h"
 
 namespace test {
 
@@ -17,27 +18,40 @@ class FirmwareDirectoryTest : public QuorvelTest {
   FirmwareDirectoryTest() {
     std::filesystem::create_directory(path("firmware"));
     std::filesystem::create_directory(path("older"));
-    configure("FWFilePath = " + path("firmware").string() + ";" + path("older").string());
+    lookIn(path("firmware").string() + ";" + path("older").string());
   }
 
-  void configure(const std::string& line) const {
-    std::ofstream(configuration()) << "# of the test\n" << line << "\n";
+  // Names the directories of firmware files in the configuration, or none when it is empty.
+  void lookIn(const std::string& directories) {
+    std::map<std::string, Settings::Value> values;
+    if (!directories.empty()) {
+      values["FWFilePath"] = directories;
+    }
+    m_settings.write(values);
   }
 
-  [[nodiscard]] std::string configuration() const { return path("quorvel.conf").string(); }
+  [[nodiscard]] const Settings& settings() const { return m_settings; }
 
-  // Puts a file into the first directory and returns its path.
+  // Returns a path as the inventory writes it: with slashes on every platform.
+  [[nodiscard]] static std::string named(const std::filesystem::path& file) {
+    return file.generic_string();
+  }
+
+  // Puts a file into the first directory and returns its path as the inventory writes it.
   [[nodiscard]] std::string addFile(const std::string& name,
                                     const std::vector<RomImage>& images) const {
-    return writeRom("firmware/" + name, images);
+    return named(writeRom("firmware/" + name, images));
   }
 
-  // Returns the arguments behind the option for the configuration.
+  // Returns the arguments behind the options for the configuration.
   [[nodiscard]] Arguments configured(const Arguments& arguments) const {
-    Arguments result{"--config", configuration()};
+    Arguments result = m_settings.options();
     result.insert(result.end(), arguments.begin(), arguments.end());
     return result;
   }
+
+ private:
+  Settings m_settings{SettingsScope::Machine};
 };
 
 }  // namespace test

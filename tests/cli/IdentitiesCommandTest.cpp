@@ -1,12 +1,14 @@
 #include <fstream>
 
 #include "tests/cli/FirmwareDirectoryTest.h"
+#include "tests/support/Regex.h"
 
 namespace {
 
+using test::ContainsRegex;
 using test::ProgramResult;
+using test::quoteRegex;
 using testing::AllOf;
-using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -91,13 +93,13 @@ TEST_F(IdentitiesCommandTest, ListsTheFilesWhereThereIsNoAdapter) {
 
 TEST_F(IdentitiesCommandTest, SaysWhereItLooksWhenItFindsNone) {
   addPxeAdapter("0000:03:00");
-  for (const std::string& line : {"FWFilePath = " + path("firmware").string(),
-                                  "FWFilePath = " + path("missing").string(), std::string()}) {
-    configure(line);
+  for (const std::string& directories :
+       {path("firmware").string(), path("missing").string(), std::string()}) {
+    lookIn(directories);
     const ProgramResult result = show();
     EXPECT_EQ(result.exitStatus, 0);
     EXPECT_EQ(result.output,
-              "No firmware file was found. FWFilePath in " + configuration() +
+              "No firmware file was found. FWFilePath in " + settings().place() +
                   " names the directories to look in, separated by ';' (FWFilePath = "
                   "/srv/firmware); one that does not exist is passed over.\n");
     EXPECT_THAT(showJson(), IsEmpty());
@@ -107,15 +109,15 @@ TEST_F(IdentitiesCommandTest, SaysWhereItLooksWhenItFindsNone) {
 TEST_F(IdentitiesCommandTest, NamesTheFilesThatItPassesOver) {
   addPxeAdapter("0000:03:00");
   const std::string sound = addFile("sound.rom", {pxe(3)});
-  const std::string damaged = writeDamagedRom("firmware/damaged.rom");
-  const std::string empty = path("firmware/empty.rom").string();
+  const std::string damaged = named(writeDamagedRom("firmware/damaged.rom"));
+  const std::string empty = named(path("firmware/empty.rom"));
   std::ofstream{empty};
   const ProgramResult result = show();
   EXPECT_EQ(result.exitStatus, 0);
   EXPECT_THAT(result.output, AllOf(HasSubstr(sound), Not(HasSubstr(damaged))));
-  EXPECT_THAT(result.errors, testing::MatchesRegex("skipped: [^\n]*" + damaged +
-                                                   "[^\n]*: [^\n]+\nskipped: [^\n]*" + empty +
-                                                   "[^\n]*: [^\n]+\n"));
+  EXPECT_THAT(result.errors, test::MatchesRegex("skipped: [^\n]*" + quoteRegex(damaged) +
+                                                "[^\n]*: [^\n]+\nskipped: [^\n]*" +
+                                                quoteRegex(empty) + "[^\n]*: [^\n]+\n"));
   EXPECT_THAT(showJson(), SizeIs(1));
 }
 
@@ -124,7 +126,7 @@ TEST_F(IdentitiesCommandTest, ListsRealRoms) {
   if (!std::filesystem::exists(directory / "pxe-virtio.rom")) {
     GTEST_SKIP() << directory << " is not installed (package ipxe-qemu)";
   }
-  configure("FWFilePath = " + directory.string());
+  lookIn(directory.string());
   addAdapter("0000:03:00", (directory / "pxe-virtio.rom").string());
   EXPECT_THAT(show().output,
               AllOf(HasSubstr("pxe-virtio.rom    0.1      IMG_PXE           0000:03:00  same\n"),

@@ -5,6 +5,7 @@
 #include "cli/Context.h"
 #include "cli/Identities.h"
 #include "tests/cli/FakeInventory.h"
+#include "tests/support/CurrentDirectory.h"
 #include "tests/support/TempDirectory.h"
 
 namespace {
@@ -113,6 +114,7 @@ TEST_F(IdentitiesTest, AreFoundByPathInstanceIdAndName) {
 TEST_F(IdentitiesTest, AreFoundByAnotherPathToTheSameFile) {
   const test::TempDirectory directory;
   const std::filesystem::path file = directory.write("a.rom", std::string("x"));
+  const test::CurrentDirectory elsewhere(directory.write("b/b.rom", std::string()).parent_path());
   m_inventory.addFile(file.string());
   const std::string found = "Orvex:FirmwareFile:" + file.string();
   EXPECT_EQ(find(std::filesystem::relative(file).string()), found);

@@ -30,7 +30,7 @@ class InvokeCommandTest : public test::QuorvelTest {
     return result;
   }
   [[nodiscard]] Arguments install(const std::string& rom, const std::string& options) const {
-    return call({"URI=file://" + rom, "Target=" + port(), "InstallOptions=" + options,
+    return call({"URI=" + uriOf(rom), "Target=" + port(), "InstallOptions=" + options,
                  "InstallOptionsValues="});
   }
 };
@@ -73,8 +73,8 @@ TEST_F(InvokeCommandTest, GivesTheReasonOfARefusal) {
   const ProgramResult result = run(install(older, "5"));
   EXPECT_EQ(result.exitStatus, 1);
   EXPECT_EQ(result.output, "Return value: 4099 (Downgrade/reinstall not supported)\n");
-  EXPECT_EQ(result.errors, "quorvel: InstallFromURI refused: Downgrade was detected for file://" +
-                               older + ". Try to use FORCE_INSTALL option.\n");
+  EXPECT_EQ(result.errors, "quorvel: InstallFromURI refused: Downgrade was detected for " +
+                               uriOf(older) + ". Try to use FORCE_INSTALL option.\n");
 }
 
 TEST_F(InvokeCommandTest, FailsWhenTheJobFails) {

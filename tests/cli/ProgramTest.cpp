@@ -1,13 +1,12 @@
 #include "tests/cli/QuorvelTest.h"
+#include "tests/support/Regex.h"
 
 namespace {
 
-using test::OutputTo;
+using test::MatchesRegex;
 using test::ProgramResult;
-using test::RunningQuorvel;
 using testing::AllOf;
 using testing::HasSubstr;
-using testing::MatchesRegex;
 using testing::StartsWith;
 
 class ProgramTest : public test::QuorvelTest {};
@@ -53,15 +52,6 @@ TEST_F(ProgramTest, RefusesGlobalOptionsWithoutSense) {
   }
   expectUsageFault({"adapters", "--adapters", ""}, HasSubstr("must not be empty"));
   expectUsageFault({"adapters", "--config"}, HasSubstr("--config"));
-}
-
-TEST_F(ProgramTest, FailsWhenItsOutputCannotBeWritten) {
-  for (const OutputTo output : {OutputTo::Nowhere, OutputTo::Full}) {
-    RunningQuorvel quorvel({"adapters"}, output, environment());
-    const ProgramResult result = quorvel.finish();
-    EXPECT_EQ(result.exitStatus, 1);
-    EXPECT_EQ(result.errors, "quorvel: the output could not be written completely\n");
-  }
 }
 
 }  // namespace

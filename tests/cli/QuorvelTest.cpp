@@ -10,17 +10,22 @@ RomImage QuorvelTest::uefi(std::uint8_t majorRevision) {
   return RomImage::efi().version(majorRevision, 0);
 }
 
+std::string QuorvelTest::uriOf(const std::string& file) {
+  return "file://" + std::filesystem::path(file).generic_string();
+}
+
 std::string QuorvelTest::writeRom(const std::string& name,
                                   const std::vector<RomImage>& images) const {
   RomBuilder rom;
   for (const RomImage& image : images) {
     rom.add(image);
   }
-  return m_directory.write(name, rom.build()).string();
+  return m_directory.write(name, rom.build()).make_preferred().string();
 }
 
 std::string QuorvelTest::writeDamagedRom(const std::string& name) const {
   return m_directory.write(name, RomBuilder().add(pxe()).damage(0, RomDamage::ByteSum).build())
+      .make_preferred()
       .string();
 }
 
@@ -36,11 +41,21 @@ void QuorvelTest::addPxeAdapter(const std::string& pci, unsigned ports) const {
   addAdapter(pci, writeRom("installed.rom", {pxe(2)}), ports);
 }
 
+std::string QuorvelTest::addSlowAdapter(const std::string& pci) const {
+  constexpr unsigned kUnits = 64;
+  addAdapter(pci, writeRom("installed.rom", {pxe(2)}), 1, kUnits * 512);
+  return writeRom("new.rom", {pxe(3).units(kUnits)});
+}
+
 void QuorvelTest::describe(const std::string& folder, const Json& fields) const {
   const std::filesystem::path file = adapters() / folder / "adapter.json";
   Json description = Json::parse(readText(file));
   description.update(fields);
   m_directory.write(file, description.dump());
+}
+
+Bytes QuorvelTest::flash(const std::string& folder) const {
+  return readBytes(adapters() / folder / "flash.rom");
 }
 
 ProgramResult QuorvelTest::run(const Arguments& arguments) const {

@@ -9,8 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/cli/RunningQuorvel.h"
-#include "tests/support/ChildProcess.h"
+#include "tests/support/Programs.h"
 #include "tests/support/RomBuilder.h"
 #include "tests/support/TempDirectory.h"
 
@@ -25,13 +24,16 @@ class QuorvelTest : public testing::Test {
   static RomImage pxe(std::uint8_t majorRevision = 1);
   static RomImage uefi(std::uint8_t majorRevision = 1);
 
-  // Writes a file into the test's directory and returns its path.
+  // Returns the file: URI of a file, with slashes on every platform.
+  static std::string uriOf(const std::string& file);
+
+  // Writes a file into the test's directory and returns its path, with the platform's separators.
   std::string writeRom(const std::string& name, const std::vector<RomImage>& images) const;
   std::string writeDamagedRom(const std::string& name) const;
 
   [[nodiscard]] std::filesystem::path adapters() const { return m_directory.path() / "adapters"; }
   [[nodiscard]] std::filesystem::path path(const std::string& name) const {
-    return m_directory.path() / name;
+    return (m_directory.path() / name).make_preferred();
   }
 
   // Makes an adapter of 1af4:1041 with that flash. Rate 0 is no limit.
@@ -39,8 +41,13 @@ class QuorvelTest : public testing::Test {
                   unsigned bytesPerSecond = 0) const;
   // The same with a network boot image of version 2 in its flash.
   void addPxeAdapter(const std::string& pci, unsigned ports = 1) const;
+  // Makes an adapter that takes about a second for the image that is returned.
+  [[nodiscard]] std::string addSlowAdapter(const std::string& pci) const;
   // Adds fields to the description of an adapter.
   void describe(const std::string& folder, const Json& fields) const;
+
+  // Returns what the flash of an adapter holds.
+  [[nodiscard]] Bytes flash(const std::string& folder = "0000-03-00") const;
 
   [[nodiscard]] ProgramResult run(const Arguments& arguments) const;
   // Runs with --json and returns the document, which is all of the output.

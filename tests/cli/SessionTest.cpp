@@ -1,16 +1,20 @@
 #include "tests/cli/QuorvelTest.h"
+#include "tests/support/Regex.h"
+#include "tests/support/Settings.h"
 
 namespace {
 
+using test::ContainsRegex;
 using test::ProgramResult;
 using testing::AllOf;
-using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
 class SessionTest : public test::QuorvelTest {
  protected:
+  SessionTest() { m_settings.write({}); }
+
   // Runs an update that changes the installed image types, which only a configuration allows.
   ProgramResult forceOtherTypes(const Arguments& options) {
     addPxeAdapter("0000:03:00");
@@ -19,12 +23,10 @@ class SessionTest : public test::QuorvelTest {
     return run(arguments);
   }
 
-  std::string writeConfiguration(const std::string& content) {
-    return m_files.write("quorvel.conf", content).string();
-  }
+  // Runs it as the configuration of the test lets it.
+  ProgramResult forceOtherTypes() { return forceOtherTypes(m_settings.options()); }
 
- private:
-  test::TempDirectory m_files;
+  test::Settings m_settings{test::SettingsScope::Machine};
 };
 
 TEST_F(SessionTest, TakesTheAdaptersDirectoryFromItsOption) {
@@ -35,13 +37,13 @@ TEST_F(SessionTest, TakesTheAdaptersDirectoryFromItsOption) {
   EXPECT_THAT(runJson({"instances", "Orvex_EthernetPort"}), SizeIs(1));
 }
 
-TEST_F(SessionTest, ReadsTheConfigurationFileOfItsOption) {
-  const std::string path = writeConfiguration("OEMCustomizeable = 0x20\n");
-  EXPECT_EQ(forceOtherTypes({"--config", path}).exitStatus, 0);
+TEST_F(SessionTest, ReadsTheConfiguration) {
+  m_settings.write({{"OEMCustomizeable", 0x20U}});
+  EXPECT_EQ(forceOtherTypes().exitStatus, 0);
 }
 
-TEST_F(SessionTest, DoesWithoutAConfigurationFile) {
-  EXPECT_EQ(forceOtherTypes({"--config", writeConfiguration("")}).exitStatus, 1);
+TEST_F(SessionTest, DoesWithoutSettings) {
+  EXPECT_EQ(forceOtherTypes().exitStatus, 1);
 }
 
 TEST_F(SessionTest, RefusesAConfigurationThatCannotBeRead) {

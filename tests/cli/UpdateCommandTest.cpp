@@ -1,40 +1,24 @@
-#include <csignal>
-
 #include "tests/cli/QuorvelTest.h"
+#include "tests/support/CurrentDirectory.h"
+#include "tests/support/Regex.h"
 
 namespace {
 
-using test::OutputTo;
+using test::ContainsRegex;
+using test::MatchesRegex;
 using test::ProgramResult;
-using test::RunningQuorvel;
 using testing::AllOf;
-using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
-using testing::MatchesRegex;
 using testing::Not;
 using testing::StartsWith;
 
 constexpr const char* kAdapter = "0000:03:00";
 constexpr const char* kPort = "0000:03:00.0";
-constexpr const char* kInterrupted =
-    "quorvel: interrupted: the flash is being written and cannot be left half done; waiting for "
-    "its end\n";
 
 class UpdateCommandTest : public test::QuorvelTest {
  protected:
-  [[nodiscard]] test::Bytes flash() const {
-    return test::readBytes(adapters() / "0000-03-00" / "flash.rom");
-  }
-
-  // Makes an adapter that takes about a second for the image that is returned.
-  std::string addSlowAdapter() {
-    constexpr unsigned kUnits = 64;
-    addAdapter(kAdapter, writeRom("installed.rom", {pxe(2)}), 1, kUnits * 512);
-    return writeRom("new.rom", {pxe(3).units(kUnits)});
-  }
-
   // Runs an update that is refused, as text and as a document.
   void expectRefusal(const Arguments& arguments, unsigned returnValue, const std::string& text,
                      const testing::Matcher<std::string>& explanation) {
@@ -89,7 +73,8 @@ TEST_F(UpdateCommandTest, TakesAPortAnAdapterOrAnObjectPath) {
 TEST_F(UpdateCommandTest, TakesAFileBesideItAndAUri) {
   addPxeAdapter(kAdapter);
   const std::string rom = writeRom("a new.rom", {pxe(3)});
-  EXPECT_EQ(run({"update", kPort, "file://" + rom}).exitStatus, 0);
+  EXPECT_EQ(run({"update", kPort, uriOf(rom)}).exitStatus, 0);
+  const test::CurrentDirectory beside(adapters());
   const std::string relative = std::filesystem::relative(rom).string();
   EXPECT_EQ(run({"update", kPort, relative}).exitStatus, 0) << relative;
 }
@@ -108,7 +93,7 @@ TEST_F(UpdateCommandTest, RefusesADowngradeUnlessItIsForced) {
   const std::string older = writeRom("older.rom", {pxe(1)});
   expectRefusal(
       {"update", kPort, older}, 4099, "Downgrade/reinstall not supported",
-      AllOf(HasSubstr("Downgrade was detected for file://" + older), HasSubstr("with --force")));
+      AllOf(HasSubstr("Downgrade was detected for " + uriOf(older)), HasSubstr("with --force")));
   EXPECT_EQ(run({"update", kPort, older, "--force"}).exitStatus, 0);
   EXPECT_EQ(flash(), test::readBytes(older));
 }
@@ -203,65 +188,15 @@ TEST_F(UpdateCommandTest, ReportsAFailedJob) {
 }
 
 TEST_F(UpdateCommandTest, PrintsProgressInLinesIntoAPipe) {
-  const ProgramResult result = run({"update", kPort, addSlowAdapter()});
+  const ProgramResult result = run({"update", kPort, addSlowAdapter(kAdapter)});
   EXPECT_EQ(result.exitStatus, 0);
   EXPECT_THAT(result.output, ContainsRegex("updating 0000:03:00.0: [1-9][0-9] %, 00:0[0-9]\n"));
   EXPECT_THAT(result.output, Not(HasSubstr("\r")));
 }
 
 TEST_F(UpdateCommandTest, PrintsNoProgressWhenNotWanted) {
-  const ProgramResult result = run({"update", kPort, addSlowAdapter(), "--no-progress"});
+  const ProgramResult result = run({"update", kPort, addSlowAdapter(kAdapter), "--no-progress"});
   EXPECT_THAT(result.output, MatchesRegex("Completed: 0000:03:00.0 is updated \\(00:0[0-9]\\)\n"));
-}
-
-TEST_F(UpdateCommandTest, RewritesOneLineOnATerminal) {
-  RunningQuorvel quorvel({"update", kPort, addSlowAdapter()}, OutputTo::Terminal, environment());
-  const ProgramResult result = quorvel.finish();
-  EXPECT_EQ(result.exitStatus, 0) << result.errors;
-  // The terminal puts a carriage return in front of each line's end.
-  EXPECT_THAT(result.output,
-              MatchesRegex("(\rupdating 0000:03:00.0  \\[#*\\.*\\]  [ 0-9]{3} %  00:0[0-9])+\r\n"
-                           "Completed: 0000:03:00.0 is updated \\(00:0[0-9]\\)\r\n"));
-  EXPECT_THAT(result.output, ContainsRegex("\\[#+\\.+\\]   [1-9][0-9] %  00:0"));
-}
-
-TEST_F(UpdateCommandTest, WaitsForTheFlashWhenItIsInterrupted) {
-  const std::string rom = addSlowAdapter();
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    RunningQuorvel quorvel({"update", kPort, rom}, OutputTo::Pipe, environment());
-    ASSERT_TRUE(quorvel.awaitOutput("updating"));
-    quorvel.signal(signal);
-    ASSERT_TRUE(quorvel.awaitErrors(kInterrupted)) << signal;
-    const ProgramResult result = quorvel.finish();
-    EXPECT_EQ(result.exitStatus, 0);
-    EXPECT_EQ(result.errors, kInterrupted);
-    EXPECT_THAT(result.output, HasSubstr("Completed: "));
-    EXPECT_EQ(flash(), test::readBytes(rom));
-  }
-}
-
-TEST_F(UpdateCommandTest, PrintsTheOutcomeOfAnInterruptedFlashThatFails) {
-  const std::string rom = addSlowAdapter();
-  describe("0000-03-00",
-           {{"faults", {{"write", {{"atPercent", 90}, {"code", 17}, {"text", "Stuck"}}}}}});
-  RunningQuorvel quorvel({"update", kPort, rom}, OutputTo::Pipe, environment());
-  ASSERT_TRUE(quorvel.awaitOutput("updating"));
-  quorvel.signal(SIGINT);
-  const ProgramResult result = quorvel.finish();
-  EXPECT_EQ(result.exitStatus, 1);
-  EXPECT_THAT(result.errors,
-              AllOf(StartsWith(kInterrupted), HasSubstr("failed: Exception, error 17: Stuck")));
-}
-
-TEST_F(UpdateCommandTest, FinishesTheFlashWhenNobodyReadsItsOutput) {
-  const std::string rom = addSlowAdapter();
-  RunningQuorvel quorvel({"update", kPort, rom}, OutputTo::Pipe, environment());
-  ASSERT_TRUE(quorvel.awaitOutput("updating"));
-  quorvel.abandonOutput();
-  const ProgramResult result = quorvel.finish();
-  EXPECT_EQ(result.exitStatus, 1);
-  EXPECT_EQ(result.errors, "quorvel: the output could not be written completely\n");
-  EXPECT_EQ(flash(), test::readBytes(rom));
 }
 
 }  // namespace

@@ -22,9 +22,6 @@ class UpdateFromIdentityTest : public test::FirmwareDirectoryTest {
     arguments.emplace_back("--force");
     return arguments;
   }
-  [[nodiscard]] test::Bytes flash() const {
-    return test::readBytes(adapters() / "0000-03-00" / "flash.rom");
-  }
 };
 
 TEST_F(UpdateFromIdentityTest, InstallsTheFileAndSaysSo) {

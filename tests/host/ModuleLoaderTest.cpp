@@ -6,7 +6,6 @@
 #include "Utils/Exception.h"
 #include "core/CimBroker.h"
 #include "host/ModuleLoader.h"
-#include "tests/support/ChildProcess.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/Throws.h"
 
@@ -15,27 +14,17 @@ namespace {
 namespace fs = std::filesystem;
 
 using test::ThrowsExactly;
-using testing::AllOf;
 using testing::HasSubstr;
 using testing::StartsWith;
-
-const std::string kModuleDirectory = QUORVEL_TEST_MODULE_DIR;
 
 auto loading(const fs::path& path) {
   return [path] { host::loadModule(path.string()); };
 }
 
-TEST(LoadModule, NamesALibraryThatIsNotThere) {
-  const test::TempDirectory directory;
-  const fs::path path = directory.path() / "Missing.so";
-  EXPECT_THAT(loading(path), ThrowsExactly<utils::Exception>(AllOf(
-                                 StartsWith("Could not load the library '" + path.string() + "': "),
-                                 HasSubstr("No such file"))));
-}
-
 TEST(LoadModule, NamesAFileThatIsNoLibrary) {
   const test::TempDirectory directory;
-  const fs::path path = directory.write("Text.so", std::string("no library"));
+  const fs::path path =
+      directory.write(std::string("Text") + os::sharedLibrarySuffix(), std::string("no library"));
   EXPECT_THAT(loading(path), ThrowsExactly<utils::Exception>(StartsWith(
                                  "Could not load the library '" + path.string() + "': ")));
 }
@@ -55,39 +44,6 @@ TEST(LoadModules, SaysWhichModuleOfADirectoryIsMissing) {
   EXPECT_THAT([&directory] { host::loadModules(directory.path().string()); },
               ThrowsExactly<utils::Exception>(HasSubstr(std::string("OrvexSoftwareInventoryAgent") +
                                                         os::sharedLibrarySuffix())));
-}
-
-TEST(LoadModules, BringsOneAgentOfEachModule) {
-  // In a process of its own, since modules stay loaded.
-  test::ChildProcess child([](test::ChildProcess::Link&) {
-    host::loadModules(kModuleDirectory);
-    const std::vector<core::CimAgent*> agents = core::GetCimBroker().getAgents();
-    return agents.size() == 2 && agents[0]->getName() == "Software Inventory" &&
-                   agents[1]->getName() == "Software Update"
-               ? 0
-               : 1;
-  });
-  EXPECT_EQ(child.wait(), 0);
-}
-
-TEST(LoadModules, RefusesToLoadThemTwice) {
-  test::ChildProcess child([](test::ChildProcess::Link&) {
-    host::loadModules(kModuleDirectory);
-    try {
-      host::loadModules(kModuleDirectory);
-    } catch (const utils::Exception&) {
-      return core::GetCimBroker().getAgents().size() == 2 ? 0 : 2;
-    }
-    return 1;
-  });
-  EXPECT_EQ(child.wait(), 0);
-}
-
-TEST(GetModuleDirectory, StandsBesideTheProgramsDirectory) {
-  const fs::path program = test::programBeside("host_test");
-  EXPECT_EQ(fs::path(host::getModuleDirectory()),
-            program.parent_path().parent_path() / "lib" / "quorvel");
-  EXPECT_EQ(fs::path(host::getModuleDirectory()), fs::path(kModuleDirectory));
 }
 
 }  // namespace

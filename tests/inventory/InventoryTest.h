@@ -16,6 +16,7 @@
 #include "tests/midapi/AdaptersVariable.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/RomBuilder.h"
+#include "tests/support/Settings.h"
 #include "tests/support/TempDirectory.h"
 
 namespace test {
@@ -45,12 +46,13 @@ class InventoryTest : public testing::Test {
     return m_directory.path() / "second";
   }
   // Replaces the firmware directories of the configuration.
-  void configure(const std::string& directories) const {
-    m_directory.write("provider.conf", "FWFilePath = " + directories + "\n");
+  void configure(const std::string& directories) {
+    m_settings.write({{"FWFilePath", directories}});
   }
-  // Makes a file, "first/a.rom". Returns its path.
+  // Makes a file, "first/a.rom". Returns its path, as the inventory writes it: with slashes on
+  // every platform.
   std::string makeFile(const std::string& name, const Bytes& content) const {
-    return m_directory.write(name, content).string();
+    return m_directory.write(name, content).generic_string();
   }
 
   // A PXE and a UEFI image of the version, for the adapters of the fixture.
@@ -76,7 +78,8 @@ class InventoryTest : public testing::Test {
   AdapterFixture m_adapters;
   AdaptersVariable m_variable{m_adapters.directory()};
   TempDirectory m_directory;
-  utils::QuorvelConfig m_config{(m_directory.path() / "provider.conf").string()};
+  Settings m_settings;
+  utils::QuorvelConfig m_config{m_settings.path()};
   LogCapture m_log;
 };
 

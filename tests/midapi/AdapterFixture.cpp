@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <system_error>
+
+#include "tests/support/WaitUntil.h"
 
 namespace test {
 namespace {
@@ -33,7 +36,15 @@ void AdapterFixture::makeAdapter(const std::string& pci,
 
 void AdapterFixture::describe(const std::string& pci, const std::string& text) const {
   const auto draft = m_directory.write(folder(pci) / "adapter.json.draft", text);
-  std::filesystem::rename(draft, folder(pci) / "adapter.json");
+  // Some platforms refuse this for as long as a reader has the file open.
+  std::error_code error;
+  const auto rename = [&] {
+    std::filesystem::rename(draft, folder(pci) / "adapter.json", error);
+    return !error;
+  };
+  if (!waitUntil(rename)) {
+    throw std::system_error(error, "cannot replace the description of " + pci);
+  }
 }
 
 std::string AdapterFixture::description(const std::string& pci) const {

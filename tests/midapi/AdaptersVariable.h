@@ -8,6 +8,8 @@
 #include <optional>
 #include <string>
 
+#include "tests/support/Variables.h"
+
 namespace test {
 
 // Changes the environment of the whole process: no other thread may look at it meanwhile.
@@ -17,15 +19,15 @@ class AdaptersVariable {
     if (const char* before = std::getenv(kName)) {
       m_before = before;
     }
-    ::setenv(kName, directory.c_str(), 1);
+    setVariable(kName, directory.string());
   }
   AdaptersVariable(const AdaptersVariable&) = delete;
   AdaptersVariable& operator=(const AdaptersVariable&) = delete;
   ~AdaptersVariable() {
     if (m_before) {
-      ::setenv(kName, m_before->c_str(), 1);
+      setVariable(kName, *m_before);
     } else {
-      ::unsetenv(kName);
+      unsetVariable(kName);
     }
   }
 

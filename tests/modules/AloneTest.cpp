@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <string>
 
+#include "Os/SharedLibrary.h"
 #include "host/ModuleLoader.h"
 #include "tests/modules/Client.h"
 #include "tests/modules/ModuleHost.h"
@@ -15,7 +16,8 @@ using testing::IsEmpty;
 
 TEST(AgentAlone, ServesWhatNeedsNoSibling) {
   const test::ModuleHost configuration;
-  host::loadModule(std::string(QUORVEL_TEST_MODULE_DIR) + "/OrvexSoftwareUpdateAgent.so");
+  host::loadModule(std::string(QUORVEL_TEST_MODULE_DIR) + "/OrvexSoftwareUpdateAgent" +
+                   os::sharedLibrarySuffix());
 
   EXPECT_EQ(test::servedClasses().size(), 10u);
   EXPECT_THAT(enumerate("Orvex_RegisteredProfile", "InstanceID"),

@@ -125,7 +125,7 @@ class ClassPages {
     m_host.makeAdapter(test::kAdapter, firmware(2));
     static_cast<void>(m_host.offer("card.rom", firmware(3)));
     m_host.load();
-    const std::string image = "file://" + m_host.firmwarePath("card.rom").string();
+    const std::string image = "file://" + m_host.firmwarePath("card.rom").generic_string();
     if (m_host.install(test::kFirstPort, image) != cim::kJobStarted ||
         m_host.awaitEnd() != test::kCompleted) {
       throw std::runtime_error("the update of the example failed");
@@ -197,7 +197,7 @@ class ClassPages {
 
   // Returns the text without what differs from run to run.
   std::string stable(std::string text) const {
-    const std::string directory = m_host.directory().string();
+    const std::string directory = m_host.directory().generic_string();
     for (std::size_t at = text.find(directory); at != std::string::npos;
          at = text.find(directory)) {
       text.replace(at, directory.size(), "/srv");

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "tests/support/ChildProcess.h"
+#include "tests/support/Programs.h"
 #include "tests/support/TempDirectory.h"
 
 namespace {

@@ -128,6 +128,7 @@ TEST_F(EnumerationLoad, LeavesTheHeapAsItWas) {
     }
   };
 
+  static_cast<void>(test::heapBytes());
   enumerateAll(10);
   const std::size_t before = test::heapBytes();
   enumerateAll(test::kEnumerations);

@@ -51,7 +51,7 @@ TEST_F(Identity, IsInstalled) {
   EXPECT_EQ(m_host.flash(kAdapter), m_new);
   EXPECT_EQ(m_host.flash(kOtherAdapter), m_old);
   EXPECT_THAT(m_log.messages(kInstall),
-              Contains("URI is: file://" + m_host.firmwarePath("new.rom").string()));
+              Contains("URI is: file://" + m_host.firmwarePath("new.rom").generic_string()));
   EXPECT_THAT(m_log.messages(kInstall), Contains("TargetTypes are: IMG_PXE+IMG_UEFI"));
 }
 

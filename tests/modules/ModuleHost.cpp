@@ -37,8 +37,6 @@ ModuleHost::ModuleHost() {
   const fs::path adapters = m_directory.path() / "adapters";
   fs::create_directory(adapters);
   os::setEnvironment("ORVEX_ADAPTERS", adapters.string());
-  configure("");
-  m_config.emplace((m_directory.path() / "provider.conf").string());
 }
 
 ModuleHost::~ModuleHost() = default;
@@ -51,8 +49,8 @@ void ModuleHost::load() {
   }
 }
 
-void ModuleHost::configure(const std::string& text) const {
-  m_directory.write("provider.conf", text);
+void ModuleHost::configure(const std::map<std::string, Settings::Value>& values) {
+  m_settings.write(values);
 }
 
 void ModuleHost::makeAdapter(const std::string& pci, const Bytes& flash,
@@ -79,10 +77,10 @@ std::string ModuleHost::makeImage(const Bytes& content) const {
   return "file://" + m_directory.write("image.rom", content).string();
 }
 
-std::string ModuleHost::offer(const std::string& name, const Bytes& content) const {
+std::string ModuleHost::offer(const std::string& name, const Bytes& content) {
   const fs::path path = m_directory.write(firmwarePath(name), content);
-  configure("FWFilePath = " + path.parent_path().string() + "\n");
-  return "Orvex_SoftwareIdentity.InstanceID=\"Orvex:FirmwareFile:" + path.string() + "\"";
+  configure({{"FWFilePath", path.parent_path().string()}});
+  return "Orvex_SoftwareIdentity.InstanceID=\"Orvex:FirmwareFile:" + path.generic_string() + "\"";
 }
 
 fs::path ModuleHost::firmwarePath(const std::string& name) const {

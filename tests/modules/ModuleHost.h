@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <iosfwd>
-#include <optional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -18,6 +18,7 @@
 #include "core/CimPropertyRef.h"
 #include "core/CimPropertyTypes.h"
 #include "tests/support/RomBuilder.h"
+#include "tests/support/Settings.h"
 #include "tests/support/TempDirectory.h"
 
 namespace test {
@@ -75,8 +76,8 @@ class ModuleHost {
 
   void load();
 
-  // Replaces the configuration file.
-  void configure(const std::string& text) const;
+  // Replaces all settings of the agent.
+  void configure(const std::map<std::string, Settings::Value>& values);
   // Makes an adapter of 1af4:1041 with two ports, which boot by PXE. `fields` are further JSON
   // fields of its description ("\"writeRate\": 1000").
   void makeAdapter(const std::string& pci, const Bytes& flash,
@@ -88,7 +89,7 @@ class ModuleHost {
   [[nodiscard]] std::string makeImage(const Bytes& content) const;
   // Makes a file in the firmware directory, which the configuration then names. Returns the object
   // path of its identity.
-  [[nodiscard]] std::string offer(const std::string& name, const Bytes& content) const;
+  [[nodiscard]] std::string offer(const std::string& name, const Bytes& content);
   [[nodiscard]] std::filesystem::path firmwarePath(const std::string& name) const;
 
   [[nodiscard]] std::filesystem::path flashPath(const std::string& pci) const;
@@ -132,7 +133,8 @@ class ModuleHost {
   [[nodiscard]] std::filesystem::path folder(const std::string& pci) const;
 
   TempDirectory m_directory;
-  std::optional<utils::QuorvelConfig> m_config;
+  Settings m_settings;
+  utils::QuorvelConfig m_config{m_settings.path()};
   std::string m_jobPath;
   bool m_hasNewJob = false;
 };

@@ -151,13 +151,13 @@ TEST_F(Update, RefusesOtherTypesWithoutTheConfigurationsConsent) {
   const Bytes otherTypes = RomBuilder().add(pxeImage(3)).build();
   expectRefusal(4099, otherTypes);
   expectRefusal(4099, otherTypes, {kForce});
-  m_host.configure("OEMCustomizeable = 0xDF\n");
+  m_host.configure({{"OEMCustomizeable", 0xDFu}});
   expectRefusal(4099, otherTypes, {kForce});
 }
 
 TEST_F(Update, AcceptsOtherTypesWithForceAndTheConfigurationsConsent) {
   const Bytes otherTypes = RomBuilder().add(pxeImage(3)).build();
-  m_host.configure("OEMCustomizeable = 0x20\n");
+  m_host.configure({{"OEMCustomizeable", 0x20u}});
   expectRefusal(4099, otherTypes);
   expectUpdate(otherTypes, {kForce});
 }

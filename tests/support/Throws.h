@@ -9,6 +9,8 @@
 #include <typeindex>
 #include <typeinfo>
 
+#include "tests/support/Regex.h"
+
 namespace test {
 
 // Matches a call that throws exactly an Error (none derived from it) with the text, which is a
@@ -26,7 +28,7 @@ auto ThrowsExactly(const Text& text) {
 inline testing::Matcher<std::string> IsAssertion(const std::string& source,
                                                  const std::string& condition) {
   return testing::AllOf(testing::StartsWith(source + ":"),
-                        testing::ContainsRegex("^[^:]+:[0-9]+: Assertion failed: '"),
+                        test::ContainsRegex("^[^:]+:[0-9]+: Assertion failed: '"),
                         testing::EndsWith(": Assertion failed: '" + condition + "'"));
 }
 

@@ -20,9 +20,9 @@
 #include "Os/QuorvelConfig.h"
 #include "Utils/Exception.h"
 #include "Utils/Format.h"
-#include "tests/Os/Posix/PosixFaults.h"
-#include "tests/support/ChildProcess.h"
+#include "tests/Os/SystemFaults.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Posix/ChildProcess.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/Throws.h"
 #include "tests/support/WaitUntil.h"
@@ -366,7 +366,7 @@ TEST_F(PosixOSLocker, AnswersOneWhenTheSemaphoreMayNotBeUsed) {
 
 TEST_F(PosixOSLocker, ThrowsWhenTheSemaphoreCannotBeCreated) {
   const auto create = [this] {
-    const test::FailingCall failing(test::SystemCall::GetSemaphore, ENOSPC);
+    const test::FailingCall failing(test::SystemCall::MakeSemaphore, ENOSPC);
     const OSLockerPosix locker(m_key);
   };
 

@@ -1,36 +1,13 @@
-// Second processes, for what only a second process shows.
+// Copies of the test program, for what only a second process shows.
 
-#ifndef ORVEX_TESTS_SUPPORT_CHILDPROCESS_H_
-#define ORVEX_TESTS_SUPPORT_CHILDPROCESS_H_
+#ifndef ORVEX_TESTS_SUPPORT_POSIX_CHILDPROCESS_H_
+#define ORVEX_TESTS_SUPPORT_POSIX_CHILDPROCESS_H_
 
-#include <filesystem>
 #include <functional>
 #include <optional>
-#include <string>
 #include <sys/types.h>
-#include <vector>
 
 namespace test {
-
-struct ProgramResult {
-  int exitStatus = 0;  // 128 and the signal's number for a program that a signal ended
-  std::string output;
-  std::string errors;
-};
-
-// A variable that a program finds changed; without a value it is not set.
-struct EnvironmentChange {
-  std::string name;
-  std::optional<std::string> value;
-};
-
-// Returns the path of a program that stands beside the test program.
-[[nodiscard]] std::filesystem::path programBeside(const std::string& name);
-
-// Runs a program to its end. Throws std::system_error when it cannot be started.
-[[nodiscard]] ProgramResult runProgram(const std::filesystem::path& program,
-                                       const std::vector<std::string>& arguments,
-                                       const std::vector<EnvironmentChange>& environment = {});
 
 // A copy of the test program that runs a function of the test. Made while the test has one thread.
 // A child that still runs at destruction is killed.
@@ -65,7 +42,8 @@ class ChildProcess {
   [[nodiscard]] Link& link() { return *m_link; }
   // Ends the child in the hard way, and returns when it is gone.
   void kill();
-  // Waits for the child's end. Returns its exit status, as ProgramResult has it.
+  // Waits for the child's end. Returns its exit status: 128 and the signal's number when a signal
+  // ended it.
   int wait();
 
  private:
@@ -75,4 +53,4 @@ class ChildProcess {
 
 }  // namespace test
 
-#endif  // ORVEX_TESTS_SUPPORT_CHILDPROCESS_H_
+#endif  // ORVEX_TESTS_SUPPORT_POSIX_CHILDPROCESS_H_

@@ -1,6 +1,6 @@
 #include "tests/agent/NoMoreThreads.h"
 
-#include <cstdint>
+#include <cstddef>
 #include <pthread.h>
 #include <system_error>
 
@@ -30,10 +30,14 @@ std::size_t exchangeStackSize(std::size_t size) {
 
 }  // namespace
 
-NoMoreThreads::NoMoreThreads() : m_stackSize(exchangeStackSize(kImpossibleSize)) {}
+struct NoMoreThreads::Refusal {
+  std::size_t stackSize = exchangeStackSize(kImpossibleSize);
+};
+
+NoMoreThreads::NoMoreThreads() : m_refusal(std::make_unique<Refusal>()) {}
 
 NoMoreThreads::~NoMoreThreads() {
-  exchangeStackSize(m_stackSize);
+  exchangeStackSize(m_refusal->stackSize);
 }
 
 }  // namespace test

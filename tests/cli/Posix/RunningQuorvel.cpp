@@ -1,4 +1,4 @@
-#include "tests/cli/RunningQuorvel.h"
+#include "tests/cli/Posix/RunningQuorvel.h"
 
 #include <array>
 #include <cerrno>

@@ -8,7 +8,7 @@
 
 #include "tests/modules/Firmware.h"
 #include "tests/modules/ModuleHost.h"
-#include "tests/support/ChildProcess.h"
+#include "tests/support/Posix/ChildProcess.h"
 #include "tests/support/RomParser.h"
 #include "tests/support/WaitUntil.h"
 

@@ -1,4 +1,4 @@
-#include "tests/Os/Posix/PosixFaults.h"
+#include "tests/Os/SystemFaults.h"
 
 #include <cerrno>
 #include <cstddef>
@@ -26,6 +26,9 @@ Function* systemFunction(Function*, const char* name) {
 
 }  // namespace
 
+// The definitions below are always there.
+struct FailingCall::Seam {};
+
 FailingCall::FailingCall(SystemCall call, int error) : m_call(call) {
   s_errors[static_cast<std::size_t>(call)] = error;
 }
@@ -45,26 +48,26 @@ extern "C" {
 int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*body)(void*),
                    void* argument) noexcept {
   SYSTEM_FUNCTION(pthread_create);
-  const int error = test::takeError(test::SystemCall::CreateThread);
+  const int error = test::takeError(test::SystemCall::StartThread);
   return error != 0 ? error : system(thread, attributes, body, argument);
 }
 
 int pthread_join(pthread_t thread, void** result) {
   SYSTEM_FUNCTION(pthread_join);
-  const int error = test::takeError(test::SystemCall::JoinThread);
+  const int error = test::takeError(test::SystemCall::CloseThread);
   const int outcome = system(thread, result);
   return error != 0 ? error : outcome;
 }
 
 int pthread_mutex_init(pthread_mutex_t* mutex, const pthread_mutexattr_t* attributes) noexcept {
   SYSTEM_FUNCTION(pthread_mutex_init);
-  const int error = test::takeError(test::SystemCall::InitMutex);
+  const int error = test::takeError(test::SystemCall::MakeMutex);
   return error != 0 ? error : system(mutex, attributes);
 }
 
 int pthread_mutex_destroy(pthread_mutex_t* mutex) noexcept {
   SYSTEM_FUNCTION(pthread_mutex_destroy);
-  const int error = test::takeError(test::SystemCall::DestroyMutex);
+  const int error = test::takeError(test::SystemCall::CloseMutex);
   const int outcome = system(mutex);
   return error != 0 ? error : outcome;
 }
@@ -83,7 +86,7 @@ int pthread_mutex_unlock(pthread_mutex_t* mutex) noexcept {
 
 int semget(key_t key, int count, int flags) noexcept {
   SYSTEM_FUNCTION(semget);
-  errno = test::takeError(test::SystemCall::GetSemaphore);
+  errno = test::takeError(test::SystemCall::MakeSemaphore);
   return errno != 0 ? -1 : system(key, count, flags);
 }
 

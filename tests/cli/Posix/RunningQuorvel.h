@@ -1,13 +1,13 @@
 // The program `quorvel` as a child process that a test watches and disturbs while it runs.
 
-#ifndef ORVEX_TESTS_CLI_RUNNINGQUORVEL_H_
-#define ORVEX_TESTS_CLI_RUNNINGQUORVEL_H_
+#ifndef ORVEX_TESTS_CLI_POSIX_RUNNINGQUORVEL_H_
+#define ORVEX_TESTS_CLI_POSIX_RUNNINGQUORVEL_H_
 
 #include <string>
 #include <sys/types.h>
 #include <vector>
 
-#include "tests/support/ChildProcess.h"
+#include "tests/support/Programs.h"
 
 namespace test {
 
@@ -52,4 +52,4 @@ class RunningQuorvel {
 
 }  // namespace test
 
-#endif  // ORVEX_TESTS_CLI_RUNNINGQUORVEL_H_
+#endif  // ORVEX_TESTS_CLI_POSIX_RUNNINGQUORVEL_H_

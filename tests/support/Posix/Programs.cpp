@@ -1,56 +1,18 @@
-#include "tests/support/ChildProcess.h"
+#include "tests/support/Programs.h"
 
 #include <array>
 #include <cerrno>
-#include <csignal>
-#include <cstdio>
 #include <cstdlib>
-#include <fcntl.h>
 #include <poll.h>
-#include <sys/wait.h>
 #include <system_error>
 #include <unistd.h>
 
-#include "Os/Environment.h"
-#include "tests/support/WaitUntil.h"
+#include "tests/support/Posix/Processes.h"
 
 namespace test {
 namespace {
 
 constexpr int kCannotExecute = 127;
-constexpr int kBodyThrew = 125;
-
-struct Pipe {
-  Pipe() {
-    if (pipe2(ends.data(), O_CLOEXEC) != 0) {
-      throw std::system_error(errno, std::generic_category(), "pipe2");
-    }
-  }
-  [[nodiscard]] int out() const { return ends[0]; }
-  [[nodiscard]] int in() const { return ends[1]; }
-
-  std::array<int, 2> ends{};
-};
-
-pid_t forkProcess() {
-  // What is buffered now would be written twice.
-  std::fflush(nullptr);
-  const pid_t process = fork();
-  if (process < 0) {
-    throw std::system_error(errno, std::generic_category(), "fork");
-  }
-  return process;
-}
-
-int awaitEnd(pid_t process) {
-  int status = 0;
-  while (waitpid(process, &status, 0) < 0) {
-    if (errno != EINTR) {
-      throw std::system_error(errno, std::generic_category(), "waitpid");
-    }
-  }
-  return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
-}
 
 [[noreturn]] void execute(const std::filesystem::path& program,
                           const std::vector<std::string>& arguments,
@@ -99,10 +61,6 @@ void collect(int output, int errors, ProgramResult& result) {
 
 }  // namespace
 
-std::filesystem::path programBeside(const std::string& name) {
-  return std::filesystem::path(os::getProgramPath()).parent_path() / name;
-}
-
 ProgramResult runProgram(const std::filesystem::path& program,
                          const std::vector<std::string>& arguments,
                          const std::vector<EnvironmentChange>& environment) {
@@ -123,68 +81,6 @@ ProgramResult runProgram(const std::filesystem::path& program,
     throw std::system_error(ENOENT, std::generic_category(), program.string());
   }
   return result;
-}
-
-ChildProcess::Link::~Link() {
-  close(m_in);
-  close(m_out);
-}
-
-void ChildProcess::Link::tell(char mark) {
-  if (write(m_out, &mark, 1) != 1) {
-    throw std::system_error(errno, std::generic_category(), "write");
-  }
-}
-
-bool ChildProcess::Link::await(char mark) {
-  pollfd source{m_in, POLLIN, 0};
-  const auto milliseconds =
-      std::chrono::duration_cast<std::chrono::milliseconds>(kDeadline).count();
-  int ready = 0;
-  do {
-    ready = poll(&source, 1, static_cast<int>(milliseconds));
-  } while (ready < 0 && errno == EINTR);
-  char got = 0;
-  return ready == 1 && read(m_in, &got, 1) == 1 && got == mark;
-}
-
-ChildProcess::ChildProcess(const Body& body) {
-  const Pipe toChild;
-  const Pipe toParent;
-  m_process = forkProcess();
-  if (m_process != 0) {
-    close(toChild.out());
-    close(toParent.in());
-    m_link.emplace(toParent.out(), toChild.in());
-    return;
-  }
-  close(toChild.in());
-  close(toParent.out());
-  int status = kBodyThrew;
-  try {
-    Link parent(toChild.out(), toParent.in());
-    status = body(parent);
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "child process: %s\n", error.what());
-  }
-  _exit(status);
-}
-
-ChildProcess::~ChildProcess() {
-  if (m_process != 0) {
-    kill();
-  }
-}
-
-void ChildProcess::kill() {
-  ::kill(m_process, SIGKILL);
-  wait();
-}
-
-int ChildProcess::wait() {
-  const int status = awaitEnd(m_process);
-  m_process = 0;
-  return status;
 }
 
 }  // namespace test

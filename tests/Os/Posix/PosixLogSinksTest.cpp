@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <string>
 
-#include "tests/support/ChildProcess.h"
+#include "tests/support/Programs.h"
 
 namespace {
 

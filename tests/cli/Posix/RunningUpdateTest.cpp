@@ -1,0 +1,79 @@
+// `quorvel update` as it is watched, interrupted and abandoned while it runs.
+
+#include <csignal>
+
+#include "tests/cli/Posix/RunningQuorvel.h"
+#include "tests/cli/QuorvelTest.h"
+#include "tests/support/Regex.h"
+
+namespace {
+
+using test::ContainsRegex;
+using test::MatchesRegex;
+using test::OutputTo;
+using test::ProgramResult;
+using test::RunningQuorvel;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+constexpr const char* kAdapter = "0000:03:00";
+constexpr const char* kPort = "0000:03:00.0";
+constexpr const char* kInterrupted =
+    "quorvel: interrupted: the flash is being written and cannot be left half done; waiting for "
+    "its end\n";
+
+class RunningUpdateTest : public test::QuorvelTest {};
+
+TEST_F(RunningUpdateTest, RewritesOneLineOnATerminal) {
+  RunningQuorvel quorvel({"update", kPort, addSlowAdapter(kAdapter)}, OutputTo::Terminal,
+                         environment());
+  const ProgramResult result = quorvel.finish();
+  EXPECT_EQ(result.exitStatus, 0) << result.errors;
+  // The terminal puts a carriage return in front of each line's end.
+  EXPECT_THAT(result.output,
+              MatchesRegex("(\rupdating 0000:03:00.0  \\[#*\\.*\\]  [ 0-9]{3} %  00:0[0-9])+\r\n"
+                           "Completed: 0000:03:00.0 is updated \\(00:0[0-9]\\)\r\n"));
+  EXPECT_THAT(result.output, ContainsRegex("\\[#+\\.+\\]   [1-9][0-9] %  00:0"));
+}
+
+TEST_F(RunningUpdateTest, WaitsForTheFlashWhenItIsInterrupted) {
+  const std::string rom = addSlowAdapter(kAdapter);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    RunningQuorvel quorvel({"update", kPort, rom}, OutputTo::Pipe, environment());
+    ASSERT_TRUE(quorvel.awaitOutput("updating"));
+    quorvel.signal(signal);
+    ASSERT_TRUE(quorvel.awaitErrors(kInterrupted)) << signal;
+    const ProgramResult result = quorvel.finish();
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_EQ(result.errors, kInterrupted);
+    EXPECT_THAT(result.output, HasSubstr("Completed: "));
+    EXPECT_EQ(flash(), test::readBytes(rom));
+  }
+}
+
+TEST_F(RunningUpdateTest, PrintsTheOutcomeOfAnInterruptedFlashThatFails) {
+  const std::string rom = addSlowAdapter(kAdapter);
+  describe("0000-03-00",
+           {{"faults", {{"write", {{"atPercent", 90}, {"code", 17}, {"text", "Stuck"}}}}}});
+  RunningQuorvel quorvel({"update", kPort, rom}, OutputTo::Pipe, environment());
+  ASSERT_TRUE(quorvel.awaitOutput("updating"));
+  quorvel.signal(SIGINT);
+  const ProgramResult result = quorvel.finish();
+  EXPECT_EQ(result.exitStatus, 1);
+  EXPECT_THAT(result.errors,
+              AllOf(StartsWith(kInterrupted), HasSubstr("failed: Exception, error 17: Stuck")));
+}
+
+TEST_F(RunningUpdateTest, FinishesTheFlashWhenNobodyReadsItsOutput) {
+  const std::string rom = addSlowAdapter(kAdapter);
+  RunningQuorvel quorvel({"update", kPort, rom}, OutputTo::Pipe, environment());
+  ASSERT_TRUE(quorvel.awaitOutput("updating"));
+  quorvel.abandonOutput();
+  const ProgramResult result = quorvel.finish();
+  EXPECT_EQ(result.exitStatus, 1);
+  EXPECT_EQ(result.errors, "quorvel: the output could not be written completely\n");
+  EXPECT_EQ(flash(), test::readBytes(rom));
+}
+
+}  // namespace

@@ -1,0 +1,78 @@
+// The fixture of the tests that write an adapter's flash.
+
+#ifndef ORVEX_TESTS_MIDAPI_FLASHWRITETEST_H_
+#define ORVEX_TESTS_MIDAPI_FLASHWRITETEST_H_
+
+#include <chrono>
+#include <cstdint>
+#include <future>
+#include <gmock/gmock.h>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "midapi/FlashWrite.h"
+#include "tests/midapi/AdapterFixture.h"
+#include "tests/midapi/WatchedFileSystem.h"
+
+namespace ma {
+
+class FlashWriteTest : public testing::Test {
+ protected:
+  static constexpr const char* kPci = "0000:03:00";
+  static constexpr std::chrono::seconds kPatience{20};
+
+  FlashWriteTest() { m_adapters.makeAdapter(kPci, m_old); }
+
+  void setRate(std::uint64_t bytesPerSecond) {
+    m_adapters.set(kPci, "/writeRate", std::to_string(bytesPerSecond));
+  }
+  void setFaults(const std::string& faults) { m_adapters.set(kPci, "/faults", faults); }
+
+  // Writes the image as the description now asks for; keeps the code and text of a failure.
+  void write() {
+    const AdapterFolder folder(m_files, m_adapters.directory(), {0, 3, 0});
+    const AdapterDescription description = folder.description();
+    try {
+      FlashWrite(m_files, folder, description, m_new, m_progress).run();
+    } catch (const FlashFault& fault) {
+      m_code = fault.code();
+      m_text = fault.what();
+    }
+  }
+  std::future<void> writeOnAThread() {
+    return std::async(std::launch::async, [this] { write(); });
+  }
+  void waitForProgress(std::uint32_t percent) {
+    const auto deadline = std::chrono::steady_clock::now() + kPatience;
+    while (m_progress.percent() < percent && std::chrono::steady_clock::now() < deadline) {
+      std::this_thread::yield();
+    }
+    ASSERT_GE(m_progress.percent(), percent);
+  }
+  void expectFailure(std::uint32_t code, const std::string& text) {
+    EXPECT_EQ(m_code, code);
+    EXPECT_THAT(m_text, testing::HasSubstr(text));
+    EXPECT_EQ(m_adapters.flash(kPci), m_old);
+    EXPECT_THAT(m_adapters.filesOf(kPci), testing::ElementsAre("adapter.json", "flash.rom"));
+    EXPECT_LT(m_progress.percent(), 100U);
+  }
+  void expectSuccess() {
+    EXPECT_EQ(m_code, 0U) << m_text;
+    EXPECT_EQ(m_adapters.flash(kPci), m_new);
+    EXPECT_THAT(m_adapters.filesOf(kPci), testing::ElementsAre("adapter.json", "flash.rom"));
+    EXPECT_EQ(m_progress.percent(), 100U);
+  }
+
+  const std::vector<std::uint8_t> m_old = std::vector<std::uint8_t>(1000, 'o');
+  std::vector<std::uint8_t> m_new = std::vector<std::uint8_t>(200000, 'n');
+  test::AdapterFixture m_adapters;
+  test::WatchedFileSystem m_files;
+  WriteProgress m_progress;
+  std::uint32_t m_code = 0;
+  std::string m_text;
+};
+
+}  // namespace ma
+
+#endif  // ORVEX_TESTS_MIDAPI_FLASHWRITETEST_H_
