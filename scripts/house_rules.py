@@ -48,6 +48,7 @@ NO_OWN_TEST = [
     ("cli/Main.cpp", "the program's entry point: one call", None),
     ("host/Main.cpp", "the program's entry point: one call", None),
     ("*/Posix/LoadHook.cpp", "runs when a module is loaded; the tests over the real modules load it", None),
+    ("*/Windows/LoadHook.cpp", "as on POSIX", None),
 ]
 
 # The platforms, and the variable by which build files choose one.

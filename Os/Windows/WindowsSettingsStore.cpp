@@ -1,0 +1,39 @@
+#include <windows.h>
+
+#include "Os/SettingsStore.h"
+#include "Os/Windows/WindowsRegistry.h"
+
+namespace utils {
+namespace {
+
+constexpr const char* kRoot = "SOFTWARE\\ZOLAN\\Network_Services\\";
+
+template <class Value>
+bool readValue(const SettingName& setting, Value& value) {
+  const auto hive = reinterpret_cast<WindowsRegistry::Hive>(HKEY_LOCAL_MACHINE);
+  Value found{};
+  if (!WindowsRegistry::getInstance()->getRegistryData(hive, std::string(kRoot) + setting.key,
+                                                       setting.name, found)) {
+    return false;
+  }
+  value = found;
+  return true;
+}
+
+}  // namespace
+
+SettingsStore::SettingsStore(const std::string& /*path*/) {}
+
+std::string SettingsStore::placeOf(const std::string& /*path*/, const char* key) {
+  return std::string("HKEY_LOCAL_MACHINE\\") + kRoot + key;
+}
+
+bool SettingsStore::read(const SettingName& setting, std::uint32_t& value) const {
+  return readValue(setting, value);
+}
+
+bool SettingsStore::read(const SettingName& setting, std::string& value) const {
+  return readValue(setting, value);
+}
+
+}  // namespace utils

@@ -1,0 +1,18 @@
+#include "Os/LoadHook.h"
+
+#include <windows.h>
+
+#include "inventory/SoftwareInventoryAgent.h"
+
+namespace {
+
+constexpr utils::LogSource kLog{"SoftwareInventoryAgent"};
+
+}  // namespace
+
+extern "C" BOOL WINAPI DllMain(HANDLE /*module*/, DWORD reason, LPVOID /*reserved*/) {
+  if (reason == DLL_PROCESS_ATTACH) {
+    os::runLoadHook(kLog, os::kNotRegistered, core::addSoftwareInventoryAgent);
+  }
+  return TRUE;
+}

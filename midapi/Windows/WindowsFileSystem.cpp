@@ -1,0 +1,221 @@
+#include <algorithm>
+#include <chrono>
+#include <limits>
+#include <utility>
+#include <windows.h>
+
+#include "midapi/FileSystem.h"
+
+namespace ma {
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void fail(const char* operation, const fs::path& path, DWORD error) {
+  throw FileFault(operation, path,
+                  std::error_code(static_cast<int>(error), std::system_category()));
+}
+
+// For what is found out here and not by the system.
+[[noreturn]] void fail(const char* operation, const fs::path& path, std::errc error) {
+  throw FileFault(operation, path, std::make_error_code(error));
+}
+
+// Returns whether the error is that of a file that somebody has open.
+bool isInUse(DWORD error) {
+  return error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION;
+}
+
+bool isFolder(const fs::path& path) {
+  const DWORD attributes = GetFileAttributesW(path.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+// How long a file is waited for that others have open. They read a few megabytes at the most, and
+// what they hold longer they do not let go in the time that a caller waits.
+constexpr std::chrono::seconds kPatience{2};
+constexpr DWORD kPause = 1;  // milliseconds
+
+// Moves a file or folder. A file in its way is replaced, which the system refuses for as long as
+// anybody has that open. Returns the error, 0 for none.
+DWORD moveInto(const fs::path& from, const fs::path& to) {
+  const auto deadline = std::chrono::steady_clock::now() + kPatience;
+  for (;;) {
+    if (MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) !=
+        FALSE) {
+      return ERROR_SUCCESS;
+    }
+    const DWORD error = GetLastError();
+    if (!isInUse(error) || isFolder(to) || std::chrono::steady_clock::now() >= deadline) {
+      return error;
+    }
+    Sleep(kPause);
+  }
+}
+
+class Handle {
+ public:
+  Handle(const char* operation, const fs::path& path, DWORD access, DWORD creation)
+      : m_handle(CreateFileW(path.c_str(), access,
+                             FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                             creation, FILE_ATTRIBUTE_NORMAL, nullptr)) {
+    if (m_handle == INVALID_HANDLE_VALUE) {
+      fail(operation, path, GetLastError());
+    }
+  }
+  Handle(const Handle&) = delete;
+  Handle& operator=(const Handle&) = delete;
+  ~Handle() {
+    if (m_handle != INVALID_HANDLE_VALUE) {
+      CloseHandle(m_handle);
+    }
+  }
+
+  [[nodiscard]] HANDLE get() const { return m_handle; }
+  [[nodiscard]] bool close() {
+    return CloseHandle(std::exchange(m_handle, INVALID_HANDLE_VALUE)) != FALSE;
+  }
+
+ private:
+  HANDLE m_handle;
+};
+
+// Returns how many of the bytes one call may transfer.
+DWORD portionOf(std::size_t size) {
+  return static_cast<DWORD>(std::min<std::size_t>(size, std::numeric_limits<std::int32_t>::max()));
+}
+
+class WindowsWritableFile final : public WritableFile {
+ public:
+  explicit WindowsWritableFile(const fs::path& path)
+      : m_path(path), m_file("create", path, GENERIC_WRITE, CREATE_ALWAYS) {}
+
+  void append(ConstBytes bytes) override {
+    while (!bytes.empty()) {
+      DWORD written = 0;
+      if (WriteFile(m_file.get(), bytes.data(), portionOf(bytes.size()), &written, nullptr) ==
+          FALSE) {
+        fail("write", m_path, GetLastError());
+      }
+      bytes = bytes.subspan(written);
+    }
+  }
+
+  void sync() override {
+    if (FlushFileBuffers(m_file.get()) == FALSE) {
+      fail("write", m_path, GetLastError());
+    }
+  }
+
+  void close() override {
+    if (!m_file.close()) {
+      fail("write", m_path, GetLastError());
+    }
+  }
+
+ private:
+  fs::path m_path;
+  Handle m_file;
+};
+
+class WindowsFileSystem final : public FileSystem {
+ public:
+  FileBytes read(const fs::path& path, std::size_t maxSize) override {
+    if (isFolder(path)) {
+      fail("read", path, std::errc::is_a_directory);
+    }
+    const Handle file("read", path, GENERIC_READ, OPEN_EXISTING);
+    LARGE_INTEGER size{};
+    if (GetFileType(file.get()) != FILE_TYPE_DISK || GetFileSizeEx(file.get(), &size) == FALSE) {
+      fail("read", path, std::errc::invalid_argument);
+    }
+    if (static_cast<std::uintmax_t>(size.QuadPart) > maxSize) {
+      fail("read", path, std::errc::file_too_large);
+    }
+    FileBytes content(static_cast<std::size_t>(size.QuadPart));
+    std::span<std::uint8_t> rest = content.writable();
+    while (!rest.empty()) {
+      DWORD count = 0;
+      if (ReadFile(file.get(), rest.data(), portionOf(rest.size()), &count, nullptr) == FALSE) {
+        fail("read", path, GetLastError());
+      }
+      if (count == 0) {
+        break;
+      }
+      rest = rest.subspan(count);
+    }
+    content.shorten(content.view().size() - rest.size());
+    return content;
+  }
+
+  std::vector<std::string> folders(const fs::path& path) override {
+    std::vector<std::string> names;
+    std::error_code error;
+    fs::directory_iterator entry(path, error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+      std::error_code gone;
+      if (entry->is_directory(gone)) {
+        names.push_back(entry->path().filename().string());
+      }
+    }
+    if (error) {
+      throw FileFault("read", path, error);
+    }
+    return names;
+  }
+
+  bool exists(const fs::path& path) override {
+    if (GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES) {
+      return true;
+    }
+    const DWORD error = GetLastError();
+    if (error != ERROR_FILE_NOT_FOUND && error != ERROR_PATH_NOT_FOUND) {
+      fail("look up", path, error);
+    }
+    return false;
+  }
+
+  std::unique_ptr<WritableFile> create(const fs::path& path) override {
+    return std::make_unique<WindowsWritableFile>(path);
+  }
+
+  void replace(const fs::path& from, const fs::path& to) override {
+    if (const DWORD error = moveInto(from, to); error != ERROR_SUCCESS) {
+      fail("replace", to, error);
+    }
+  }
+
+  void createFolder(const fs::path& path) override {
+    if (CreateDirectoryW(path.c_str(), nullptr) == FALSE) {
+      fail("create", path, GetLastError());
+    }
+  }
+
+  void createFolders(const fs::path& path) override {
+    std::error_code error;
+    fs::create_directories(path, error);
+    if (error) {
+      throw FileFault("create", path, error);
+    }
+  }
+
+  void removeQuietly(const fs::path& path) noexcept override {
+    std::error_code ignored;
+    fs::remove_all(path, ignored);
+  }
+};
+
+}  // namespace
+
+FileSystem& nativeFileSystem() {
+  static WindowsFileSystem files;
+  return files;
+}
+
+// %ProgramData%, where the data of services stand.
+fs::path defaultAdaptersDirectory() {
+  const wchar_t* base = _wgetenv(L"ProgramData");
+  return fs::path(base != nullptr ? base : L"C:\\ProgramData") / "Orvex" / "adapters";
+}
+
+}  // namespace ma

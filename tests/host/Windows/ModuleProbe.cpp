@@ -1,0 +1,66 @@
+// Loads the modules of a directory: module_probe TASK DIRECTORY.
+//
+// load        prints the names of the agents
+// load-twice  loads again, and prints the refusal before the names
+// unload      enumerates, and unloads the modules, the last one first
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <windows.h>
+
+#include "Utils/Exception.h"
+#include "core/CimAgent.h"
+#include "core/CimBroker.h"
+#include "host/ModuleLoader.h"
+
+namespace {
+
+void printAgents() {
+  for (const core::CimAgent* agent : core::GetCimBroker().getAgents()) {
+    std::puts(agent->getName().c_str());
+  }
+}
+
+void loadAgain(const std::string& directory) {
+  try {
+    host::loadModules(directory);
+  } catch (const utils::Exception& error) {
+    std::puts(error.what());
+  }
+}
+
+void enumerate() {
+  core::CimBroker& broker = core::GetCimBroker();
+  const core::CimBroker::Request request(broker);
+  for (const char* name : {"Orvex_SoftwareInstallationService", "Orvex_RegisteredProfile"}) {
+    std::printf("%s: %d\n", name, static_cast<int>(broker.getInstances(name).size()));
+  }
+}
+
+void unload(const char* name) {
+  FreeLibrary(GetModuleHandleA(name));
+  std::printf("%s is %s\n", name, GetModuleHandleA(name) == nullptr ? "unloaded" : "still there");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 3) {
+    return EXIT_FAILURE;
+  }
+  const std::string task = argv[1];
+  const std::string directory = argv[2];
+  host::loadModules(directory);
+  if (task == "unload") {
+    enumerate();
+    unload("OrvexSoftwareUpdateAgent.dll");
+    unload("OrvexSoftwareInventoryAgent.dll");
+    return EXIT_SUCCESS;
+  }
+  if (task == "load-twice") {
+    loadAgain(directory);
+  }
+  printAgents();
+  return EXIT_SUCCESS;
+}

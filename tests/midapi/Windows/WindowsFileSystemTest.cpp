@@ -1,0 +1,120 @@
+#include <filesystem>
+#include <future>
+#include <gmock/gmock.h>
+#include <memory>
+#include <string>
+#include <windows.h>
+
+#include "midapi/FileSystem.h"
+#include "tests/support/TempDirectory.h"
+
+namespace ma {
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+
+template <class Operation>
+std::string faultOf(Operation operation) {
+  try {
+    operation();
+  } catch (const FileFault& fault) {
+    return fault.what();
+  }
+  return "no fault";
+}
+
+// A file that somebody has open, with others free to do what they like.
+class OpenFile {
+ public:
+  explicit OpenFile(const std::filesystem::path& path)
+      : m_file(CreateFileW(path.c_str(), GENERIC_READ,
+                           FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                           OPEN_EXISTING, 0, nullptr)) {
+    EXPECT_NE(m_file, INVALID_HANDLE_VALUE);
+  }
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+  ~OpenFile() { CloseHandle(m_file); }
+
+ private:
+  HANDLE m_file;
+};
+
+class WindowsFileSystemTest : public testing::Test {
+ protected:
+  FileSystem& files() { return nativeFileSystem(); }
+  std::string readFault(const std::filesystem::path& path) {
+    return faultOf([&] { static_cast<void>(files().read(path, 1000)); });
+  }
+  std::string replaceFault() {
+    return faultOf([&] { files().replace(m_new, m_old); });
+  }
+
+  test::TempDirectory m_directory;
+  const std::filesystem::path m_old = m_directory.write("file", std::string("old"));
+  const std::filesystem::path m_new = m_directory.write("file.new", std::string("new"));
+};
+
+TEST_F(WindowsFileSystemTest, RefusesADevice) {
+  EXPECT_THAT(readFault("NUL"), EndsWith(": Invalid argument"));
+}
+
+TEST_F(WindowsFileSystemTest, SaysThatADirectoryIsOne) {
+  EXPECT_EQ(readFault(m_directory.path()),
+            "cannot read " + m_directory.path().string() + ": Is a directory");
+}
+
+TEST_F(WindowsFileSystemTest, ReadsFilesUpToTheLimit) {
+  EXPECT_EQ(readFault(m_directory.write("limit", std::string(1000, 'x'))), "no fault");
+  EXPECT_THAT(readFault(m_directory.write("above", std::string(1001, 'x'))),
+              EndsWith(": File too large"));
+}
+
+TEST_F(WindowsFileSystemTest, TakesBothSeparators) {
+  m_directory.write("a/file", std::string("content"));
+  const std::string base = m_directory.path().string();
+  for (const std::string path : {"/a/file", "\\a\\file", "\\a/file"}) {
+    EXPECT_TRUE(files().exists(base + path)) << path;
+    EXPECT_EQ(readFault(base + path), "no fault");
+  }
+}
+
+TEST_F(WindowsFileSystemTest, MissesFilesInMissingFolders) {
+  const auto path = m_directory.path() / "none" / "file";
+  EXPECT_FALSE(files().exists(path));
+  EXPECT_EQ(readFault(path), "cannot read " + path.string() + ": No such file or directory");
+}
+
+TEST_F(WindowsFileSystemTest, WaitsToReplaceAFileUntilItsReaderIsDone) {
+  auto reader = std::make_unique<OpenFile>(m_old);
+  auto fault = std::async(std::launch::async, [this] { return replaceFault(); });
+  EXPECT_EQ(fault.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+  EXPECT_EQ(test::readText(m_old), "old");
+  reader.reset();
+  EXPECT_EQ(fault.get(), "no fault");
+  EXPECT_EQ(test::readText(m_old), "new");
+  EXPECT_FALSE(files().exists(m_new));
+}
+
+TEST_F(WindowsFileSystemTest, LeavesAFileThatAReaderKeepsOpen) {
+  const OpenFile reader(m_old);
+  EXPECT_EQ(replaceFault(), "cannot replace " + m_old.string() + ": Permission denied");
+  EXPECT_EQ(test::readText(m_old), "old");
+  EXPECT_EQ(test::readText(m_new), "new");
+}
+
+TEST_F(WindowsFileSystemTest, CreatesAFolderOnce) {
+  const auto folder = m_directory.path() / "folder";
+  files().createFolder(folder);
+  EXPECT_TRUE(files().exists(folder));
+  EXPECT_THAT(faultOf([&] { files().createFolder(folder); }), HasSubstr("File exists"));
+}
+
+TEST_F(WindowsFileSystemTest, ReadsWhatIsStillBeingWritten) {
+  const auto file = files().create(m_old);
+  EXPECT_EQ(readFault(m_old), "no fault");
+}
+
+}  // namespace
+}  // namespace ma

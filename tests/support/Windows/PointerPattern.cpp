@@ -1,0 +1,7 @@
+#include "tests/support/PointerPattern.h"
+
+namespace test {
+
+const std::string kPointerPattern = "[0-9a-fA-F]{16}";
+
+}  // namespace test
