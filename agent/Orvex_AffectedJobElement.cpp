@@ -17,9 +17,8 @@ constexpr const char* kGetInstances = "Orvex_AffectedJobElementClass::getInstanc
 Orvex_AffectedJobElement::Orvex_AffectedJobElement(core::CimInstance* element,
                                                    core::CimInstance* job) {
   AffectedElement.setTarget(element);
-  AffectedElement.setKey();
   AffectingElement.setTarget(job);
-  AffectingElement.setKey();
+  core::markKeys(*this);
 }
 
 Orvex_AffectedJobElementClass::Orvex_AffectedJobElementClass()

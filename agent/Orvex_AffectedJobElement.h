@@ -11,6 +11,7 @@
 class Orvex_AffectedJobElement : public CIM_AffectedJobElement {
  public:
   static constexpr const char* kClassName = "Orvex_AffectedJobElement";
+  using Superclass = CIM_AffectedJobElement;
 
   Orvex_AffectedJobElement(core::CimInstance* element, core::CimInstance* job);
 

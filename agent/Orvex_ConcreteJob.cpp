@@ -55,7 +55,7 @@ void Orvex_ConcreteJob::setPropertyValues() {
   Description.setValue(Caption.getValue());
   Name.setValue(Caption.getValue());
   InstanceID.setValue("Orvex:" + getInstanceId());
-  InstanceID.setKey();
+  core::markKeys(*this);
   OperationalStatus.clear();
   OperationalStatus.addValue(kOperationalStatusOk);
   JobRunTimes.setValue(1);

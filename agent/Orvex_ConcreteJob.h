@@ -27,6 +27,7 @@
 class Orvex_ConcreteJob : public CIM_ConcreteJob, public FlashJob {
  public:
   static constexpr const char* kClassName = "Orvex_ConcreteJob";
+  using Superclass = CIM_ConcreteJob;
 
   // What requestStateChange() understands and answers (DMTF CIM_ConcreteJob.RequestStateChange).
   static constexpr std::uint16_t kRequestStart = 2;

@@ -14,9 +14,8 @@ constexpr const char* kGetInstances = "Orvex_OwningJobElementClass::getInstances
 
 Orvex_OwningJobElement::Orvex_OwningJobElement(core::CimInstance* service, core::CimInstance* job) {
   OwningElement.setTarget(service);
-  OwningElement.setKey();
   OwnedElement.setTarget(job);
-  OwnedElement.setKey();
+  core::markKeys(*this);
 }
 
 Orvex_OwningJobElementClass::Orvex_OwningJobElementClass()

@@ -11,6 +11,7 @@
 class Orvex_OwningJobElement : public CIM_OwningJobElement {
  public:
   static constexpr const char* kClassName = "Orvex_OwningJobElement";
+  using Superclass = CIM_OwningJobElement;
 
   Orvex_OwningJobElement(core::CimInstance* service, core::CimInstance* job);
 

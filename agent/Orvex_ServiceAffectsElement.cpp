@@ -18,9 +18,8 @@ constexpr const char* kGetInstances = "Orvex_ServiceAffectsElementClass::getInst
 Orvex_ServiceAffectsElement::Orvex_ServiceAffectsElement(core::CimInstance* element,
                                                          core::CimInstance* service) {
   AffectedElement.setTarget(element);
-  AffectedElement.setKey();
   AffectingElement.setTarget(service);
-  AffectingElement.setKey();
+  core::markKeys(*this);
 }
 
 Orvex_ServiceAffectsElementClass::Orvex_ServiceAffectsElementClass()

@@ -11,6 +11,7 @@
 class Orvex_ServiceAffectsElement : public CIM_ServiceAffectsElement {
  public:
   static constexpr const char* kClassName = "Orvex_ServiceAffectsElement";
+  using Superclass = CIM_ServiceAffectsElement;
 
   Orvex_ServiceAffectsElement(core::CimInstance* element, core::CimInstance* service);
 

@@ -118,10 +118,7 @@ void Orvex_SoftwareInstallationService::setPropertyValues() {
   Name.setValue(utils::format("Orvex:%s", kServiceName));
   PrimaryOwnerName.setValue("Zolan Corporation");
   PrimaryOwnerContact.setValue("https://www.zolan.example");
-  for (core::CimProperty* key : std::initializer_list<core::CimProperty*>{
-           &SystemCreationClassName, &SystemName, &CreationClassName, &Name}) {
-    key->setKey();
-  }
+  core::markKeys(*this);
   for (core::CimProperty* property :
        std::initializer_list<core::CimProperty*>{&InstanceID,
                                                  &ElementName,

@@ -13,6 +13,7 @@
 class Orvex_SoftwareInstallationService : public CIM_SoftwareInstallationService {
  public:
   static constexpr const char* kClassName = "Orvex_SoftwareInstallationService";
+  using Superclass = CIM_SoftwareInstallationService;
   // What the names of the service and of its capabilities are made of.
   static constexpr const char* kServiceName = "FirmwareUpdate";
 

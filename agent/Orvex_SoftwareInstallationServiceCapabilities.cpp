@@ -29,7 +29,7 @@ void Orvex_SoftwareInstallationServiceCapabilities::setPropertyValues() {
   Description.setValue("Capabilities for Firmware Update Service for Zolan(R) Ethernet Adapters");
   ElementName.setValue(Caption.getValue());
   InstanceID.setValue(utils::format("Orvex:%s", getIdentity().c_str()));
-  InstanceID.setKey();
+  core::markKeys(*this);
   SupportedAsynchronousActions.setValue({kInstallFromUri, kInstallFromSoftwareIdentity});
   SupportedSynchronousActions.setValue({kNoneSupported});
   for (const std::string_view name : utils::kFirmwareTypeNames) {

@@ -12,6 +12,7 @@ class Orvex_SoftwareInstallationServiceCapabilities
     : public CIM_SoftwareInstallationServiceCapabilities {
  public:
   static constexpr const char* kClassName = "Orvex_SoftwareInstallationServiceCapabilities";
+  using Superclass = CIM_SoftwareInstallationServiceCapabilities;
 
   [[nodiscard]] std::string getClassName() const override { return kClassName; }
 

@@ -19,9 +19,8 @@ constexpr std::uint16_t kCurrent = 3;
 Orvex_SoftwareUpdateElementCapabilities::Orvex_SoftwareUpdateElementCapabilities(
     core::CimInstance* service, core::CimInstance* capabilities) {
   ManagedElement.setTarget(service);
-  ManagedElement.setKey();
   Capabilities.setTarget(capabilities);
-  Capabilities.setKey();
+  core::markKeys(*this);
   Characteristics.setValue({kDefault, kCurrent});
 }
 

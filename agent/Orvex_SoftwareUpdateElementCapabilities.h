@@ -11,6 +11,7 @@
 class Orvex_SoftwareUpdateElementCapabilities : public CIM_ElementCapabilities {
  public:
   static constexpr const char* kClassName = "Orvex_ElementCapabilities";
+  using Superclass = CIM_ElementCapabilities;
 
   Orvex_SoftwareUpdateElementCapabilities(core::CimInstance* service,
                                           core::CimInstance* capabilities);

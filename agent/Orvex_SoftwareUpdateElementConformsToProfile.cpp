@@ -15,9 +15,8 @@ constexpr const char* kGetInstances =
 Orvex_SoftwareUpdateElementConformsToProfile::Orvex_SoftwareUpdateElementConformsToProfile(
     core::CimInstance* profile, core::CimInstance* service) {
   ConformantStandard.setTarget(profile);
-  ConformantStandard.setKey();
   ManagedElement.setTarget(service);
-  ManagedElement.setKey();
+  core::markKeys(*this);
 }
 
 Orvex_SoftwareUpdateElementConformsToProfileClass::

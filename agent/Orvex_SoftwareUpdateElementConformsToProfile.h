@@ -11,6 +11,7 @@
 class Orvex_SoftwareUpdateElementConformsToProfile : public CIM_ElementConformsToProfile {
  public:
   static constexpr const char* kClassName = "Orvex_ElementConformsToProfile";
+  using Superclass = CIM_ElementConformsToProfile;
 
   Orvex_SoftwareUpdateElementConformsToProfile(core::CimInstance* profile,
                                                core::CimInstance* service);

@@ -14,9 +14,8 @@ constexpr const char* kPortProfileId = "Orvex:EthernetPort_Profile";
 Orvex_SoftwareUpdateReferencedProfile::Orvex_SoftwareUpdateReferencedProfile(
     core::CimInstance* antecedent, core::CimInstance* dependent) {
   Antecedent.setTarget(antecedent);
-  Antecedent.setKey();
   Dependent.setTarget(dependent);
-  Dependent.setKey();
+  core::markKeys(*this);
 }
 
 Orvex_SoftwareUpdateReferencedProfileClass::Orvex_SoftwareUpdateReferencedProfileClass()

@@ -11,6 +11,7 @@
 class Orvex_SoftwareUpdateReferencedProfile : public CIM_ReferencedProfile {
  public:
   static constexpr const char* kClassName = "Orvex_ReferencedProfile";
+  using Superclass = CIM_ReferencedProfile;
 
   Orvex_SoftwareUpdateReferencedProfile(core::CimInstance* antecedent,
                                         core::CimInstance* dependent);

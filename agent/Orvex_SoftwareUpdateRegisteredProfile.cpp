@@ -15,7 +15,7 @@ constexpr std::uint16_t kAdvertiseOther = 1;
 
 void Orvex_SoftwareUpdateRegisteredProfile::setPropertyValues() {
   InstanceID.setValue(kInstanceId);
-  InstanceID.setKey();
+  core::markKeys(*this);
   SpecificationType.setValue(kSpecificationTypeProfile);
   RegisteredOrganization.setValue(kOrganizationDmtf);
   RegisteredName.setValue("Software Update Profile");

@@ -11,6 +11,7 @@
 class Orvex_SoftwareUpdateRegisteredProfile : public CIM_RegisteredProfile {
  public:
   static constexpr const char* kClassName = "Orvex_RegisteredProfile";
+  using Superclass = CIM_RegisteredProfile;
   static constexpr const char* kInstanceId = "Orvex:SoftwareUpdate_Profile";
 
   [[nodiscard]] std::string getClassName() const override { return kClassName; }

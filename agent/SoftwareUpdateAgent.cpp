@@ -1,6 +1,7 @@
 #include "agent/SoftwareUpdateAgent.h"
 
 #include "agent/Orvex_AffectedJobElement.h"
+#include "agent/Orvex_ConcreteJob.h"
 #include "agent/Orvex_ConcreteJobClass.h"
 #include "agent/Orvex_OwningJobElement.h"
 #include "agent/Orvex_ServiceAffectsElement.h"
@@ -10,6 +11,7 @@
 #include "agent/Orvex_SoftwareUpdateElementConformsToProfile.h"
 #include "agent/Orvex_SoftwareUpdateReferencedProfile.h"
 #include "agent/Orvex_SoftwareUpdateRegisteredProfile.h"
+#include "core/DeclareClass.h"
 
 namespace core {
 namespace {
@@ -45,5 +47,14 @@ SoftwareUpdateAgent::SoftwareUpdateAgent() : CimAgent(kAgentName) {
 }
 
 SoftwareUpdateAgent::~SoftwareUpdateAgent() = default;
+
+void SoftwareUpdateAgent::declareClasses(CimSchema& schema) const {
+  declarePlainClasses<
+      Orvex_SoftwareInstallationService, Orvex_SoftwareInstallationServiceCapabilities,
+      Orvex_SoftwareUpdateRegisteredProfile, Orvex_SoftwareUpdateElementCapabilities,
+      Orvex_SoftwareUpdateElementConformsToProfile, Orvex_SoftwareUpdateReferencedProfile,
+      Orvex_ServiceAffectsElement, Orvex_ConcreteJob, Orvex_AffectedJobElement,
+      Orvex_OwningJobElement>(schema);
+}
 
 }  // namespace core

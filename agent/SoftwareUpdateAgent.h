@@ -11,6 +11,8 @@ class SoftwareUpdateAgent : public CimAgent {
  public:
   SoftwareUpdateAgent();
   ~SoftwareUpdateAgent() override;
+
+  void declareClasses(CimSchema& schema) const override;
 };
 
 }  // namespace core

@@ -4,15 +4,23 @@
 #define ORVEX_CIM_CIM_AFFECTEDJOBELEMENT_H_
 
 #include "Utils/Export.h"
+#include "cim/CIM_Job.h"
+#include "cim/CIM_ManagedElement.h"
 #include "core/CimInstance.h"
+#include "core/CimKeys.h"
 #include "core/CimPropertyRef.h"
 #include "core/CimPropertyTypes.h"
 
-class CIM_Job;
-class CIM_ManagedElement;
-
 class ORVEX_CORE_API CIM_AffectedJobElement : public core::CimInstance {
  public:
+  static constexpr const char* kClassName = "CIM_AffectedJobElement";
+  using Superclass = core::CimInstance;
+
+  template <class Self>
+  static auto getKeys(Self& self) {
+    return core::keys(self.AffectedElement, self.AffectingElement);
+  }
+
   CIM_AffectedJobElement();
   ~CIM_AffectedJobElement() override;
 

@@ -5,10 +5,19 @@
 
 #include "Utils/Export.h"
 #include "cim/CIM_ManagedElement.h"
+#include "core/CimKeys.h"
 #include "core/CimPropertyTypes.h"
 
 class ORVEX_CORE_API CIM_Capabilities : public CIM_ManagedElement {
  public:
+  static constexpr const char* kClassName = "CIM_Capabilities";
+  using Superclass = CIM_ManagedElement;
+
+  template <class Self>
+  static auto getKeys(Self& self) {
+    return core::keys(self.InstanceID);
+  }
+
   CIM_Capabilities();
   ~CIM_Capabilities() override;
 

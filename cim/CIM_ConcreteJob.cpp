@@ -1,5 +1,11 @@
 #include "cim/CIM_ConcreteJob.h"
 
+#include "cim/MethodSignatures.h"
+
 CIM_ConcreteJob::CIM_ConcreteJob() = default;
 
 CIM_ConcreteJob::~CIM_ConcreteJob() = default;
+
+std::vector<core::MethodDeclaration> CIM_ConcreteJob::getMethods() {
+  return cim::getMethods(kClassName);
+}

@@ -3,12 +3,26 @@
 #ifndef ORVEX_CIM_CIM_CONCRETEJOB_H_
 #define ORVEX_CIM_CIM_CONCRETEJOB_H_
 
+#include <vector>
+
 #include "Utils/Export.h"
 #include "cim/CIM_Job.h"
+#include "core/CimKeys.h"
 #include "core/CimPropertyTypes.h"
+#include "core/ClassDeclaration.h"
 
 class ORVEX_CORE_API CIM_ConcreteJob : public CIM_Job {
  public:
+  static constexpr const char* kClassName = "CIM_ConcreteJob";
+  using Superclass = CIM_Job;
+
+  template <class Self>
+  static auto getKeys(Self& self) {
+    return core::keys(self.InstanceID);
+  }
+
+  [[nodiscard]] static std::vector<core::MethodDeclaration> getMethods();
+
   CIM_ConcreteJob();
   ~CIM_ConcreteJob() override;
 

@@ -4,13 +4,21 @@
 #define ORVEX_CIM_CIM_DEPENDENCY_H_
 
 #include "Utils/Export.h"
+#include "cim/CIM_ManagedElement.h"
 #include "core/CimInstance.h"
+#include "core/CimKeys.h"
 #include "core/CimPropertyRef.h"
-
-class CIM_ManagedElement;
 
 class ORVEX_CORE_API CIM_Dependency : public core::CimInstance {
  public:
+  static constexpr const char* kClassName = "CIM_Dependency";
+  using Superclass = core::CimInstance;
+
+  template <class Self>
+  static auto getKeys(Self& self) {
+    return core::keys(self.Antecedent, self.Dependent);
+  }
+
   CIM_Dependency();
   ~CIM_Dependency() override;
 

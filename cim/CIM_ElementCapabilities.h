@@ -4,15 +4,23 @@
 #define ORVEX_CIM_CIM_ELEMENTCAPABILITIES_H_
 
 #include "Utils/Export.h"
+#include "cim/CIM_Capabilities.h"
+#include "cim/CIM_ManagedElement.h"
 #include "core/CimInstance.h"
+#include "core/CimKeys.h"
 #include "core/CimPropertyRef.h"
 #include "core/CimPropertyTypes.h"
 
-class CIM_Capabilities;
-class CIM_ManagedElement;
-
 class ORVEX_CORE_API CIM_ElementCapabilities : public core::CimInstance {
  public:
+  static constexpr const char* kClassName = "CIM_ElementCapabilities";
+  using Superclass = core::CimInstance;
+
+  template <class Self>
+  static auto getKeys(Self& self) {
+    return core::keys(self.ManagedElement, self.Capabilities);
+  }
+
   CIM_ElementCapabilities();
   ~CIM_ElementCapabilities() override;
 

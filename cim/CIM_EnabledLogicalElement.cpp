@@ -1,5 +1,11 @@
 #include "cim/CIM_EnabledLogicalElement.h"
 
+#include "cim/MethodSignatures.h"
+
 CIM_EnabledLogicalElement::CIM_EnabledLogicalElement() = default;
 
 CIM_EnabledLogicalElement::~CIM_EnabledLogicalElement() = default;
+
+std::vector<core::MethodDeclaration> CIM_EnabledLogicalElement::getMethods() {
+  return cim::getMethods(kClassName);
+}

@@ -3,12 +3,20 @@
 #ifndef ORVEX_CIM_CIM_ENABLEDLOGICALELEMENT_H_
 #define ORVEX_CIM_CIM_ENABLEDLOGICALELEMENT_H_
 
+#include <vector>
+
 #include "Utils/Export.h"
 #include "cim/CIM_LogicalElement.h"
 #include "core/CimPropertyTypes.h"
+#include "core/ClassDeclaration.h"
 
 class ORVEX_CORE_API CIM_EnabledLogicalElement : public CIM_LogicalElement {
  public:
+  static constexpr const char* kClassName = "CIM_EnabledLogicalElement";
+  using Superclass = CIM_LogicalElement;
+
+  [[nodiscard]] static std::vector<core::MethodDeclaration> getMethods();
+
   CIM_EnabledLogicalElement();
   ~CIM_EnabledLogicalElement() override;
 

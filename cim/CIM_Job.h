@@ -9,6 +9,9 @@
 
 class ORVEX_CORE_API CIM_Job : public CIM_LogicalElement {
  public:
+  static constexpr const char* kClassName = "CIM_Job";
+  using Superclass = CIM_LogicalElement;
+
   CIM_Job();
   ~CIM_Job() override;
 

@@ -9,6 +9,9 @@
 
 class ORVEX_CORE_API CIM_LogicalElement : public CIM_ManagedSystemElement {
  public:
+  static constexpr const char* kClassName = "CIM_LogicalElement";
+  using Superclass = CIM_ManagedSystemElement;
+
   CIM_LogicalElement();
   ~CIM_LogicalElement() override;
 

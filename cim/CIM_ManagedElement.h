@@ -9,6 +9,9 @@
 
 class ORVEX_CORE_API CIM_ManagedElement : public core::CimInstance {
  public:
+  static constexpr const char* kClassName = "CIM_ManagedElement";
+  using Superclass = core::CimInstance;
+
   CIM_ManagedElement();
   ~CIM_ManagedElement() override;
 

@@ -9,6 +9,9 @@
 
 class ORVEX_CORE_API CIM_ManagedSystemElement : public CIM_ManagedElement {
  public:
+  static constexpr const char* kClassName = "CIM_ManagedSystemElement";
+  using Superclass = CIM_ManagedElement;
+
   CIM_ManagedSystemElement();
   ~CIM_ManagedSystemElement() override;
 

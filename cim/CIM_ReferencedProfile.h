@@ -5,12 +5,14 @@
 
 #include "Utils/Export.h"
 #include "cim/CIM_ReferencedSpecification.h"
+#include "cim/CIM_RegisteredProfile.h"
 #include "core/CimPropertyRef.h"
-
-class CIM_RegisteredProfile;
 
 class ORVEX_CORE_API CIM_ReferencedProfile : public CIM_ReferencedSpecification {
  public:
+  static constexpr const char* kClassName = "CIM_ReferencedProfile";
+  using Superclass = CIM_ReferencedSpecification;
+
   CIM_ReferencedProfile();
   ~CIM_ReferencedProfile() override;
 

@@ -5,12 +5,14 @@
 
 #include "Utils/Export.h"
 #include "cim/CIM_Dependency.h"
+#include "cim/CIM_RegisteredSpecification.h"
 #include "core/CimPropertyRef.h"
-
-class CIM_RegisteredSpecification;
 
 class ORVEX_CORE_API CIM_ReferencedSpecification : public CIM_Dependency {
  public:
+  static constexpr const char* kClassName = "CIM_ReferencedSpecification";
+  using Superclass = CIM_Dependency;
+
   CIM_ReferencedSpecification();
   ~CIM_ReferencedSpecification() override;
 

@@ -9,6 +9,9 @@
 
 class ORVEX_CORE_API CIM_RegisteredProfile : public CIM_RegisteredSpecification {
  public:
+  static constexpr const char* kClassName = "CIM_RegisteredProfile";
+  using Superclass = CIM_RegisteredSpecification;
+
   CIM_RegisteredProfile();
   ~CIM_RegisteredProfile() override;
 

@@ -5,10 +5,20 @@
 
 #include "Utils/Export.h"
 #include "cim/CIM_EnabledLogicalElement.h"
+#include "core/CimKeys.h"
 #include "core/CimPropertyTypes.h"
 
 class ORVEX_CORE_API CIM_Service : public CIM_EnabledLogicalElement {
  public:
+  static constexpr const char* kClassName = "CIM_Service";
+  using Superclass = CIM_EnabledLogicalElement;
+
+  template <class Self>
+  static auto getKeys(Self& self) {
+    return core::keys(self.SystemCreationClassName, self.SystemName, self.CreationClassName,
+                      self.Name);
+  }
+
   CIM_Service();
   ~CIM_Service() override;
 

@@ -4,15 +4,23 @@
 #define ORVEX_CIM_CIM_SERVICEAFFECTSELEMENT_H_
 
 #include "Utils/Export.h"
+#include "cim/CIM_ManagedElement.h"
+#include "cim/CIM_Service.h"
 #include "core/CimInstance.h"
+#include "core/CimKeys.h"
 #include "core/CimPropertyRef.h"
 #include "core/CimPropertyTypes.h"
 
-class CIM_ManagedElement;
-class CIM_Service;
-
 class ORVEX_CORE_API CIM_ServiceAffectsElement : public core::CimInstance {
  public:
+  static constexpr const char* kClassName = "CIM_ServiceAffectsElement";
+  using Superclass = core::CimInstance;
+
+  template <class Self>
+  static auto getKeys(Self& self) {
+    return core::keys(self.AffectedElement, self.AffectingElement);
+  }
+
   CIM_ServiceAffectsElement();
   ~CIM_ServiceAffectsElement() override;
 

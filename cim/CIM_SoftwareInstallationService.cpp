@@ -1,5 +1,11 @@
 #include "cim/CIM_SoftwareInstallationService.h"
 
+#include "cim/MethodSignatures.h"
+
 CIM_SoftwareInstallationService::CIM_SoftwareInstallationService() = default;
 
 CIM_SoftwareInstallationService::~CIM_SoftwareInstallationService() = default;
+
+std::vector<core::MethodDeclaration> CIM_SoftwareInstallationService::getMethods() {
+  return cim::getMethods(kClassName);
+}

@@ -3,12 +3,20 @@
 #ifndef ORVEX_CIM_CIM_SOFTWAREINSTALLATIONSERVICE_H_
 #define ORVEX_CIM_CIM_SOFTWAREINSTALLATIONSERVICE_H_
 
+#include <vector>
+
 #include "Utils/Export.h"
 #include "cim/CIM_Service.h"
 #include "core/CimPropertyTypes.h"
+#include "core/ClassDeclaration.h"
 
 class ORVEX_CORE_API CIM_SoftwareInstallationService : public CIM_Service {
  public:
+  static constexpr const char* kClassName = "CIM_SoftwareInstallationService";
+  using Superclass = CIM_Service;
+
+  [[nodiscard]] static std::vector<core::MethodDeclaration> getMethods();
+
   CIM_SoftwareInstallationService();
   ~CIM_SoftwareInstallationService() override;
 

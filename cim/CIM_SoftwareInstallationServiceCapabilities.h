@@ -9,6 +9,9 @@
 
 class ORVEX_CORE_API CIM_SoftwareInstallationServiceCapabilities : public CIM_Capabilities {
  public:
+  static constexpr const char* kClassName = "CIM_SoftwareInstallationServiceCapabilities";
+  using Superclass = CIM_Capabilities;
+
   CIM_SoftwareInstallationServiceCapabilities();
   ~CIM_SoftwareInstallationServiceCapabilities() override;
 

@@ -1,34 +1,68 @@
 #include "cim/MethodSignatures.h"
 
 #include <algorithm>
+#include <iterator>
+#include <string>
 #include <utility>
 
 namespace cim {
 
-const MethodSignature* findMethod(std::string_view name) {
-  using enum Direction;
-  static const std::vector<MethodSignature> kMethods = {
+namespace {
+
+constexpr std::string_view kInstallationService = "CIM_SoftwareInstallationService";
+
+const std::vector<core::MethodDeclaration>& allMethods() {
+  using enum core::ParameterDirection;
+  using namespace core;
+  static const std::string kService(kInstallationService);
+  static const ParameterDeclaration kJob{"Job", kCimReference, Job, "CIM_ConcreteJob"};
+  static const ParameterDeclaration kInstallOptions{"InstallOptions", kCimUint16Array, In, ""};
+  static const ParameterDeclaration kInstallOptionsValues{"InstallOptionsValues", kCimStringArray,
+                                                          In, ""};
+  static const ParameterDeclaration kSource{"Source", kCimReference, In, "CIM_LogicalElement"};
+  static const ParameterDeclaration kTarget{"Target", kCimReference, In, "CIM_ManagedElement"};
+  static const ParameterDeclaration kCollection{"Collection", kCimReference, In,
+                                                "CIM_ManagedElement"};
+  static const ParameterDeclaration kRequestedState{"RequestedState", kCimUint16, In, ""};
+  static const ParameterDeclaration kTimeoutPeriod{"TimeoutPeriod", kCimDatetime, In, ""};
+  static const std::vector<MethodDeclaration> kMethods = {
       {"InstallFromSoftwareIdentity",
-       {{"InstallOptions", core::kCimUint16Array, In},
-        {"InstallOptionsValues", core::kCimStringArray, In},
-        {"Source", core::kCimReference, In},
-        {"Target", core::kCimReference, In},
-        {"Collection", core::kCimReference, In}}},
+       kCimUint32,
+       {kJob, kInstallOptions, kInstallOptionsValues, kSource, kTarget, kCollection},
+       kService},
       {"InstallFromURI",
-       {{"URI", core::kCimString, In},
-        {"Target", core::kCimReference, In},
-        {"InstallOptions", core::kCimUint16Array, In},
-        {"InstallOptionsValues", core::kCimStringArray, In}}},
+       kCimUint32,
+       {kJob, {"URI", kCimString, In, ""}, kTarget, kInstallOptions, kInstallOptionsValues},
+       kService},
       {"CheckSoftwareIdentity",
-       {{"Source", core::kCimReference, In},
-        {"Target", core::kCimReference, In},
-        {"Collection", core::kCimReference, In},
-        {"InstallCharacteristics", core::kCimUint16Array, Out}}},
+       kCimUint32,
+       {kSource, kTarget, kCollection, {"InstallCharacteristics", kCimUint16Array, Out, ""}},
+       kService},
+      {"RequestStateChange", kCimUint32, {kRequestedState, kTimeoutPeriod}, "CIM_ConcreteJob"},
+      {"RequestStateChange",
+       kCimUint32,
+       {kRequestedState, kJob, kTimeoutPeriod},
+       "CIM_EnabledLogicalElement"},
   };
-  const auto found =
-      std::find_if(kMethods.begin(), kMethods.end(),
-                   [name](const MethodSignature& method) { return method.name == name; });
-  return found != kMethods.end() ? &*found : nullptr;
+  return kMethods;
+}
+
+}  // namespace
+
+std::vector<core::MethodDeclaration> getMethods(std::string_view className) {
+  std::vector<core::MethodDeclaration> methods;
+  std::copy_if(
+      allMethods().begin(), allMethods().end(), std::back_inserter(methods),
+      [className](const core::MethodDeclaration& method) { return method.origin == className; });
+  return methods;
+}
+
+const core::MethodDeclaration* findMethod(std::string_view name) {
+  const auto found = std::find_if(
+      allMethods().begin(), allMethods().end(), [name](const core::MethodDeclaration& method) {
+        return method.name == name && method.origin == kInstallationService;
+      });
+  return found != allMethods().end() ? &*found : nullptr;
 }
 
 std::string_view describeInstallReturn(std::uint32_t code) {

@@ -1,6 +1,7 @@
-// What the extrinsic methods of the schema classes take and answer, for front ends that turn text
-// into arguments and return codes into words. The names and numbers are those of the DMTF CIM
-// schema (CIM_SoftwareInstallationService). Constant data; any thread may call.
+// What the extrinsic methods of the schema classes take and answer: for the declarations of these
+// classes, and for front ends that turn text into arguments and return codes into words. The names
+// and numbers are those of the DMTF CIM schema; a reference leads to the nearest superclass there
+// of which this system has a declaration. Constant data; any thread may call.
 
 #ifndef ORVEX_CIM_METHODSIGNATURES_H_
 #define ORVEX_CIM_METHODSIGNATURES_H_
@@ -10,22 +11,9 @@
 #include <vector>
 
 #include "Utils/Export.h"
-#include "core/CimProperty.h"
+#include "core/ClassDeclaration.h"
 
 namespace cim {
-
-enum class Direction { In, Out };
-
-struct Parameter {
-  std::string_view name;
-  core::CimType type;
-  Direction direction;
-};
-
-struct MethodSignature {
-  std::string_view name;
-  std::vector<Parameter> parameters;  // in the schema's order; the created job is none of them
-};
 
 // The return codes of the installation methods that have a meaning of their own here.
 enum InstallReturn : std::uint32_t {
@@ -42,8 +30,13 @@ enum InstallReturn : std::uint32_t {
   kCollectionNotSupported = 4108,
 };
 
-// Returns the signature of the method, null for an unknown one. Names are case-sensitive.
-[[nodiscard]] ORVEX_CORE_API const MethodSignature* findMethod(std::string_view name);
+// Returns the methods that the class declares itself; none for a class without.
+[[nodiscard]] ORVEX_CORE_API std::vector<core::MethodDeclaration> getMethods(
+    std::string_view className);
+
+// Returns the signature of an installation method (of CIM_SoftwareInstallationService), null for an
+// unknown one. Names are case-sensitive.
+[[nodiscard]] ORVEX_CORE_API const core::MethodDeclaration* findMethod(std::string_view name);
 
 // Returns the meaning of a return code of an installation method, for example "Method Parameters
 // Checked - Job Started"; "Unknown return code" for one that has none.

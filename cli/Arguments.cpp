@@ -87,19 +87,20 @@ std::unique_ptr<core::CimProperty> makeReference(const std::string& name, const 
   return argument;
 }
 
-std::string listParameters(const cim::MethodSignature& signature) {
+std::string listParameters(const core::MethodDeclaration& signature) {
   std::string names;
-  for (const cim::Parameter& parameter : signature.parameters) {
-    if (parameter.direction == cim::Direction::In) {
-      names += (names.empty() ? "" : ", ") + std::string(parameter.name);
+  for (const core::ParameterDeclaration& parameter : signature.parameters) {
+    if (parameter.direction == core::ParameterDirection::In) {
+      names += (names.empty() ? "" : ", ") + parameter.name;
     }
   }
   return names;
 }
 
-const cim::Parameter* findInput(const cim::MethodSignature& signature, const std::string& name) {
-  for (const cim::Parameter& parameter : signature.parameters) {
-    if (parameter.direction == cim::Direction::In && parameter.name == name) {
+const core::ParameterDeclaration* findInput(const core::MethodDeclaration& signature,
+                                            const std::string& name) {
+  for (const core::ParameterDeclaration& parameter : signature.parameters) {
+    if (parameter.direction == core::ParameterDirection::In && parameter.name == name) {
       return &parameter;
     }
   }
@@ -149,9 +150,9 @@ Arguments::Arguments(const std::string& method, const std::vector<std::string>& 
   if (m_signature == nullptr) {
     return;
   }
-  for (const cim::Parameter& parameter : m_signature->parameters) {
-    if (parameter.direction == cim::Direction::Out) {
-      add(m_out, makeArgument(std::string(parameter.name), parameter.type, ""));
+  for (const core::ParameterDeclaration& parameter : m_signature->parameters) {
+    if (parameter.direction == core::ParameterDirection::Out) {
+      add(m_out, makeArgument(parameter.name, parameter.type, ""));
     }
   }
 }
@@ -167,7 +168,7 @@ void Arguments::addInput(const std::string& method, const std::string& text) {
   }
   core::CimType type = core::kCimString;
   if (m_signature != nullptr) {
-    const cim::Parameter* parameter = findInput(*m_signature, name);
+    const core::ParameterDeclaration* parameter = findInput(*m_signature, name);
     if (parameter == nullptr) {
       throw Fault("method " + method + " takes no argument '" + name + "'; it takes " +
                       listParameters(*m_signature),

@@ -47,7 +47,7 @@ class Arguments {
   void addInput(const std::string& method, const std::string& text);
   void add(core::CimPropertyList& list, std::unique_ptr<core::CimProperty> argument);
 
-  const cim::MethodSignature* const m_signature;
+  const core::MethodDeclaration* const m_signature;
   std::vector<std::unique_ptr<core::CimProperty>> m_arguments;
   core::CimPropertyList m_in;
   core::CimPropertyList m_out;

@@ -14,6 +14,8 @@
 
 namespace core {
 
+class CimSchema;
+
 class ORVEX_CORE_API CimAgent {
  public:
   explicit CimAgent(std::string name);
@@ -27,6 +29,10 @@ class ORVEX_CORE_API CimAgent {
   [[nodiscard]] virtual InstanceList::Iterator getInstances(const std::string& className);
 
   virtual ~CimAgent();
+
+  // Adds the classes that the agent serves to the schema, with those that they derive from or refer
+  // to (see core/DeclareClass.h); here none. Asks the broker for nothing.
+  virtual void declareClasses(CimSchema& schema) const;
 
   [[nodiscard]] const std::string& getName() const { return m_name; }
   // Returns the names of the classes that the agent serves, in order.

@@ -38,11 +38,24 @@ void CimBroker::addAgent(CimAgent* agent) {
   ORVEX_ASSERT(kLog, agent != NULL);
   const utils::ScopedLock lock(m_agentsLock);
   m_agents.push_back(agent);
+  m_schema.reset();
 }
 
 std::vector<CimAgent*> CimBroker::getAgents() const {
   const utils::ScopedLock lock(m_agentsLock);
   return m_agents;
+}
+
+std::shared_ptr<const CimSchema> CimBroker::getSchema() {
+  const utils::ScopedLock lock(m_agentsLock);
+  if (m_schema == nullptr) {
+    const auto schema = std::make_shared<CimSchema>();
+    for (const CimAgent* agent : m_agents) {
+      agent->declareClasses(*schema);
+    }
+    m_schema = schema;
+  }
+  return m_schema;
 }
 
 std::vector<CimInstance*> CimBroker::getInstances(const std::string& className) {

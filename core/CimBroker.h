@@ -8,6 +8,7 @@
 #ifndef ORVEX_CORE_CIMBROKER_H_
 #define ORVEX_CORE_CIMBROKER_H_
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,7 @@
 #include "Utils/Mutex.h"
 #include "core/CimAgent.h"
 #include "core/CimPath.h"
+#include "core/CimSchema.h"
 
 namespace core {
 
@@ -43,6 +45,11 @@ class ORVEX_CORE_API CimBroker {
   // Returns the agents in the order in which they were added.
   [[nodiscard]] std::vector<CimAgent*> getAgents() const;
 
+  // Returns the declarations of the classes of all agents. The schema is complete and never
+  // changes: agents added later make the broker answer with another one. Throws what an agent's
+  // declareClasses throws.
+  [[nodiscard]] std::shared_ptr<const CimSchema> getSchema();
+
   // Returns the instances of the class from all agents that serve it, agent by agent; none for a
   // class that nobody serves. Throws what a provider throws.
   [[nodiscard]] std::vector<CimInstance*> getInstances(const std::string& className);
@@ -53,6 +60,8 @@ class ORVEX_CORE_API CimBroker {
  private:
   mutable utils::Mutex m_agentsLock;
   std::vector<CimAgent*> m_agents ORVEX_GUARDED_BY(m_agentsLock);
+  // Made when it is first asked for; null: not yet.
+  std::shared_ptr<const CimSchema> m_schema ORVEX_GUARDED_BY(m_agentsLock);
   utils::Mutex m_requestLock;
 };
 

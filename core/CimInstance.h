@@ -52,6 +52,9 @@ class ORVEX_CORE_API CimInstance {
 
   virtual ~CimInstance();
 
+  // Returns whether a method is registered under the name.
+  [[nodiscard]] bool hasMethod(const std::string& name) const { return m_methods.contains(name); }
+
   // Returns the object path: "Class.Key=Value,...", in property order, string and reference values
   // quoted; "Class." without keys. CimPath parses it.
   [[nodiscard]] std::string getPath();

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "Utils/Export.h"
@@ -34,16 +35,29 @@ class ORVEX_CORE_API CimPropertyRef : public CimProperty {
   [[nodiscard]] std::string toString() const override;
   [[nodiscard]] std::uint32_t getType() const override { return kCimReference; }
 
+  // Returns the name of the class to which the target belongs; empty where none is fixed.
+  [[nodiscard]] virtual std::string_view getReferenceClass() const { return {}; }
+
  private:
   CimInstance* m_target = nullptr;
   std::string m_text;
 };
 
-// A reference to an instance of T, a schema class.
+// A reference to an instance of T, a schema class, which must be complete where the reference is
+// constructed.
 template <class T>
 class CimPropertyRefT : public CimPropertyRef {
  public:
   using CimPropertyRef::CimPropertyRef;
+
+  [[nodiscard]] std::string_view getReferenceClass() const override {
+    static_assert(sizeof(T) > 0, "include the header of the class");
+    if constexpr (requires { T::kClassName; }) {
+      return T::kClassName;
+    } else {
+      return {};
+    }
+  }
 };
 
 }  // namespace core

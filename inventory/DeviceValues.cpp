@@ -18,10 +18,7 @@ void setDeviceValues(CIM_LogicalDevice& device, const std::string& deviceId,
   device.SystemName.setValue(os::getComputerName());
   device.CreationClassName.setValue(device.getClassName());
   device.DeviceID.setValue(deviceId);
-  for (core::CimPropertyString* key : {&device.SystemCreationClassName, &device.SystemName,
-                                       &device.CreationClassName, &device.DeviceID}) {
-    key->setKey();
-  }
+  core::markKeys(device);
   device.Caption.setValue(caption);
   device.Description.setValue(caption);
   device.ElementName.setValue(caption);

@@ -46,9 +46,8 @@ Orvex_ElementSoftwareIdentity::Orvex_ElementSoftwareIdentity(core::CimInstance* 
                                                              core::CimInstance* controller,
                                                              const std::string& comparison) {
   Antecedent.setTarget(software);
-  Antecedent.setKey();
   Dependent.setTarget(controller);
-  Dependent.setKey();
+  core::markKeys(*this);
   Comparison.setValue(comparison);
 }
 

@@ -12,6 +12,7 @@
 class Orvex_ElementSoftwareIdentity : public CIM_Dependency {
  public:
   static constexpr const char* kClassName = "Orvex_ElementSoftwareIdentity";
+  using Superclass = CIM_Dependency;
 
   // From the software (Antecedent) to the controller that it is for (Dependent).
   Orvex_ElementSoftwareIdentity(core::CimInstance* software, core::CimInstance* controller,

@@ -13,6 +13,7 @@
 class Orvex_EthernetPort : public CIM_LogicalDevice {
  public:
   static constexpr const char* kClassName = "Orvex_EthernetPort";
+  using Superclass = CIM_LogicalDevice;
 
   ~Orvex_EthernetPort() override = default;
 

@@ -15,7 +15,7 @@ constexpr std::uint16_t kAdvertiseOther = 1;
 
 void Orvex_EthernetPortRegisteredProfile::setPropertyValues() {
   InstanceID.setValue("Orvex:EthernetPort_Profile");
-  InstanceID.setKey();
+  core::markKeys(*this);
   SpecificationType.setValue(kSpecificationTypeProfile);
   RegisteredOrganization.setValue(kOrganizationDmtf);
   RegisteredName.setValue("Ethernet Port Profile");

@@ -11,6 +11,7 @@
 class Orvex_EthernetPortRegisteredProfile : public CIM_RegisteredProfile {
  public:
   static constexpr const char* kClassName = "Orvex_RegisteredProfile";
+  using Superclass = CIM_RegisteredProfile;
 
   [[nodiscard]] std::string getClassName() const override { return kClassName; }
   void setPropertyValues();

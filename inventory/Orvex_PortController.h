@@ -12,6 +12,7 @@
 class Orvex_PortController : public CIM_LogicalDevice {
  public:
   static constexpr const char* kClassName = "Orvex_PortController";
+  using Superclass = CIM_LogicalDevice;
 
   ~Orvex_PortController() override = default;
 

@@ -8,10 +8,17 @@
 #include <string>
 
 #include "cim/CIM_LogicalElement.h"
+#include "core/CimKeys.h"
 
 class Orvex_SoftwareIdentity : public CIM_LogicalElement {
  public:
   static constexpr const char* kClassName = "Orvex_SoftwareIdentity";
+  using Superclass = CIM_LogicalElement;
+
+  template <class Self>
+  static auto getKeys(Self& self) {
+    return core::keys(self.InstanceID);
+  }
   // The kinds: a component in the flash of an adapter, and a firmware image that can be installed.
   static constexpr std::uint32_t kInstalledComponent = 2;
   static constexpr std::uint32_t kFirmwareImage = 4;

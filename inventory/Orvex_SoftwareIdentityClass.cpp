@@ -34,7 +34,7 @@ void addOnce(std::vector<std::string>& texts, const std::string& text) {
 void setSoftwareValues(Orvex_SoftwareIdentity& software, const std::string& instanceId,
                        const std::string& caption) {
   software.InstanceID.setValue(instanceId);
-  software.InstanceID.setKey();
+  core::markKeys(software);
   software.Name.setValue(software.getIdentity());
   software.Caption.setValue(caption);
   software.Description.setValue(caption);

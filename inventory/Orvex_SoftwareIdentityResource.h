@@ -6,10 +6,17 @@
 #include <string>
 
 #include "cim/CIM_LogicalElement.h"
+#include "core/CimKeys.h"
 
 class Orvex_SoftwareIdentityResource : public CIM_LogicalElement {
  public:
   static constexpr const char* kClassName = "Orvex_SoftwareIdentityResource";
+  using Superclass = CIM_LogicalElement;
+
+  template <class Self>
+  static auto getKeys(Self& self) {
+    return core::keys(self.InstanceID);
+  }
 
   ~Orvex_SoftwareIdentityResource() override = default;
 

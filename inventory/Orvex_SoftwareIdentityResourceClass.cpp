@@ -15,7 +15,7 @@ class ImageFileResource final : public Orvex_SoftwareIdentityResource {
  public:
   explicit ImageFileResource(std::string path) : m_path(std::move(path)) {
     InstanceID.setValue("Orvex:FirmwareFileResource:" + m_path);
-    InstanceID.setKey();
+    core::markKeys(*this);
     Name.setValue(m_path);
     Caption.setValue("Firmware file " + m_path);
     Description.setValue(Caption.getValue());

@@ -13,6 +13,8 @@ class SoftwareInventoryAgent : public CimAgent {
   SoftwareInventoryAgent();
   ~SoftwareInventoryAgent() override;
 
+  void declareClasses(CimSchema& schema) const override;
+
  private:
   inventory::FirmwareFiles m_files;
 };

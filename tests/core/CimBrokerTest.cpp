@@ -1,6 +1,8 @@
 #include <atomic>
 #include <gmock/gmock.h>
+#include <string>
 #include <thread>
+#include <utility>
 
 #include "core/CimBroker.h"
 #include "tests/core/TestInstance.h"
@@ -76,6 +78,22 @@ class ThrowingProvider : public Provider {
 class BrokenAgent : public core::CimAgent {
  public:
   BrokenAgent() : CimAgent("Broken") { getClasses().add(new ThrowingProvider); }
+};
+
+// An agent that declares a class of the test's choice.
+class DeclaringAgent : public core::CimAgent {
+ public:
+  explicit DeclaringAgent(std::string className)
+      : CimAgent("Declaring"), m_className(std::move(className)) {}
+
+  void declareClasses(core::CimSchema& schema) const override {
+    core::ClassDeclaration declaration;
+    declaration.name = m_className;
+    schema.add(std::move(declaration));
+  }
+
+ private:
+  const std::string m_className;
 };
 
 class CimBroker : public testing::Test {
@@ -199,6 +217,27 @@ TEST_F(CimBroker, FindsTheFirstOfEqualInstancesInTheOrderOfTheAgents) {
 
   EXPECT_EQ(find("Test_Fan.Name=\"1\""), ofSecond);
   EXPECT_NE(ofFirst, ofSecond);
+}
+
+TEST_F(CimBroker, KnowsTheDeclarationsOfAllAgents) {
+  DeclaringAgent fans("Test_Fan");
+  DeclaringAgent disks("Test_Disk");
+  m_broker.addAgent(&fans);
+  m_broker.addAgent(&disks);
+
+  const auto schema = m_broker.getSchema();
+  EXPECT_NE(schema->find("Test_Fan"), nullptr);
+  EXPECT_NE(schema->find("Test_Disk"), nullptr);
+  EXPECT_EQ(m_broker.getSchema(), schema);
+}
+
+TEST_F(CimBroker, LeavesASchemaThatWasGivenOutAsItIs) {
+  const auto before = m_broker.getSchema();
+  DeclaringAgent fans("Test_Fan");
+  m_broker.addAgent(&fans);
+
+  EXPECT_NE(m_broker.getSchema()->find("Test_Fan"), nullptr);
+  EXPECT_EQ(before->find("Test_Fan"), nullptr);
 }
 
 TEST_F(CimBroker, HoldsARequestAgainOnTheSameThread) {

@@ -121,6 +121,13 @@ TEST(CimInstanceMethods, LogTheSearchForAMissingOne) {
                              "ENotSupported:Method Reset%s is not support by Test_Machine class")));
 }
 
+TEST(CimInstanceMethods, AreKnownByTheNamesUnderWhichTheyAreRegistered) {
+  const Machine machine;
+  EXPECT_TRUE(machine.hasMethod("Start"));
+  EXPECT_FALSE(machine.hasMethod("start"));
+  EXPECT_FALSE(machine.hasMethod("CheckSoftwareIdentity"));
+}
+
 TEST(CimInstanceMethods, AreReplacedByALaterOneOfTheSameName) {
   const LogCapture log;
   Machine machine;

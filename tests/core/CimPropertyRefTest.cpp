@@ -86,4 +86,21 @@ TEST(CimPropertyRefT, IsAReference) {
   EXPECT_EQ(sizeof reference, sizeof(CimPropertyRef));
 }
 
+class Fan : public test::Instance {
+ public:
+  static constexpr const char* kClassName = "Test_Fan";
+};
+
+TEST(CimPropertyRefT, KnowsTheClassOfItsTarget) {
+  const core::CimPropertyRefT<Fan> reference("Dependent", nullptr);
+  EXPECT_EQ(reference.getReferenceClass(), "Test_Fan");
+}
+
+TEST(CimPropertyRefT, FixesNoClassWhereItHasNoName) {
+  const CimPropertyRef untyped("Dependent", nullptr);
+  EXPECT_EQ(untyped.getReferenceClass(), "");
+  const core::CimPropertyRefT<test::Instance> unnamed("Dependent", nullptr);
+  EXPECT_EQ(unnamed.getReferenceClass(), "");
+}
+
 }  // namespace

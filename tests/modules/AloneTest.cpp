@@ -4,6 +4,7 @@
 #include <string>
 
 #include "Os/SharedLibrary.h"
+#include "core/CimBroker.h"
 #include "host/ModuleLoader.h"
 #include "tests/modules/Client.h"
 #include "tests/modules/ModuleHost.h"
@@ -28,6 +29,15 @@ TEST(AgentAlone, ServesWhatNeedsNoSibling) {
        {"Orvex_ReferencedProfile", "Orvex_ServiceAffectsElement", "Orvex_ConcreteJob",
         "Orvex_AffectedJobElement", "Orvex_OwningJobElement"}) {
     EXPECT_THAT(enumerate(empty), IsEmpty()) << empty;
+  }
+
+  const auto schema = core::GetCimBroker().getSchema();
+  for (const core::ClassDeclaration* declaration : schema->getDescendants("")) {
+    for (const core::PropertyDeclaration& property : declaration->properties) {
+      if (property.type == core::kCimReference) {
+        EXPECT_NE(schema->find(property.referenceClass), nullptr) << declaration->name;
+      }
+    }
   }
 }
 

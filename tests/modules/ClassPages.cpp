@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <exception>
 #include <iostream>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -74,9 +75,6 @@ constexpr std::pair<std::string_view, std::string_view> kPurposes[] = {
     {"Orvex_OwningJobElement", "The service owns its jobs."},
 };
 
-constexpr std::string_view kMethods[] = {"InstallFromSoftwareIdentity", "InstallFromURI",
-                                         "CheckSoftwareIdentity"};
-
 constexpr const char* kTime = "20260102030405.000000+000";
 constexpr const char* kInterval = "00000000000012.000000:000";
 
@@ -89,32 +87,9 @@ std::string_view purposeOf(const std::string& className) {
   return found->second;
 }
 
-std::string_view typeName(std::uint32_t type) {
-  switch (static_cast<core::CimType>(type)) {
-    case core::kCimUint8:
-      return "uint8";
-    case core::kCimSint8:
-      return "sint8";
-    case core::kCimUint16:
-      return "uint16";
-    case core::kCimUint16Array:
-      return "uint16[]";
-    case core::kCimUint32:
-      return "uint32";
-    case core::kCimUint64:
-      return "uint64";
-    case core::kCimString:
-      return "string";
-    case core::kCimStringArray:
-      return "string[]";
-    case core::kCimBoolean:
-      return "boolean";
-    case core::kCimDatetime:
-      return "datetime";
-    case core::kCimReference:
-      return "reference";
-  }
-  throw std::runtime_error("a property has an unknown type");
+std::string typeName(std::uint32_t code) {
+  const auto type = static_cast<core::CimType>(code);
+  return std::string(core::getTypeName(type)) + (core::isArray(type) ? "[]" : "");
 }
 
 class ClassPages {
@@ -125,6 +100,7 @@ class ClassPages {
     m_host.makeAdapter(test::kAdapter, firmware(2));
     static_cast<void>(m_host.offer("card.rom", firmware(3)));
     m_host.load();
+    m_schema = core::GetCimBroker().getSchema();
     const std::string image = "file://" + m_host.firmwarePath("card.rom").generic_string();
     if (m_host.install(test::kFirstPort, image) != cim::kJobStarted ||
         m_host.awaitEnd() != test::kCompleted) {
@@ -161,6 +137,7 @@ class ClassPages {
 
   void printClass(const std::string& name) const {
     std::cout << "\n## " << name << "\n\n" << purposeOf(name) << "\n";
+    printSuperclasses(name);
     const InstanceReport instance = test::enumerate(name).at(0);
     std::cout << "\n```\n" << stable(instance.path) << "\n```\n";
     std::cout << "\n| property | type | key | example |\n|---|---|---|---|\n";
@@ -168,19 +145,42 @@ class ClassPages {
       std::cout << "| " << property.name << " | " << typeName(property.type) << " | "
                 << (property.isKey ? "key" : "") << " | `" << exampleOf(property) << "` |\n";
     }
-    if (name == "Orvex_SoftwareInstallationService") {
-      printMethods();
+    printMethods(name);
+  }
+
+  void printSuperclasses(const std::string& name) const {
+    std::string line = "\nDerived from";
+    for (const core::ClassDeclaration* superclass : m_schema->getSuperclasses(name)) {
+      line += " `" + superclass->name + "`,";
+    }
+    line.back() = '.';
+    std::cout << line << "\n";
+  }
+
+  // Those that the instances offer.
+  void printMethods(const std::string& name) const {
+    core::CimBroker& broker = core::GetCimBroker();
+    const core::CimBroker::Request request(broker);
+    const core::CimInstance& instance = *broker.getInstances(name).at(0);
+    std::string rows;
+    for (const core::MethodDeclaration& method : m_schema->find(name)->methods) {
+      if (instance.hasMethod(method.name)) {
+        rows += rowsOf(method);
+      }
+    }
+    if (!rows.empty()) {
+      std::cout << "\n| method | parameter | type | |\n|---|---|---|---|\n" << rows;
     }
   }
 
-  static void printMethods() {
-    std::cout << "\n| method | parameter | type | |\n|---|---|---|---|\n";
-    for (const std::string_view name : kMethods) {
-      for (const cim::Parameter& parameter : cim::findMethod(name)->parameters) {
-        std::cout << "| " << name << " | " << parameter.name << " | " << typeName(parameter.type)
-                  << " | " << (parameter.direction == cim::Direction::In ? "in" : "out") << " |\n";
-      }
+  static std::string rowsOf(const core::MethodDeclaration& method) {
+    std::string rows;
+    for (const core::ParameterDeclaration& parameter : method.parameters) {
+      const bool isInput = parameter.direction == core::ParameterDirection::In;
+      rows += "| " + method.name + " | " + parameter.name + " | " + typeName(parameter.type) +
+              " | " + (isInput ? "in" : "out") + " |\n";
     }
+    return rows;
   }
 
   std::string exampleOf(const PropertyReport& property) const {
@@ -206,6 +206,7 @@ class ClassPages {
   }
 
   test::ModuleHost m_host;
+  std::shared_ptr<const core::CimSchema> m_schema;
 };
 
 }  // namespace
