@@ -12,7 +12,8 @@
 
 namespace utils {
 
-// Returns the microseconds since 1970-01-01 00:00 UTC, with millisecond resolution.
+// Returns the microseconds since 1970-01-01 00:00 UTC, with millisecond resolution. Windows:
+// _ftime64_s. Defined per platform.
 [[nodiscard]] ORVEX_CORE_API std::uint64_t currentMicroseconds();
 
 // A moment in the local time zone.

@@ -1,8 +1,15 @@
 #include <ctime>
+#include <sys/timeb.h>
 
 #include "Utils/Clock.h"
 
 namespace utils {
+
+std::uint64_t currentMicroseconds() {
+  struct __timeb64 now {};
+  _ftime64_s(&now);
+  return (static_cast<std::uint64_t>(now.time) * 1000 + now.millitm) * 1000;
+}
 
 std::optional<LocalTime> toLocalTime(std::int64_t secondsSinceEpoch) {
   const __time64_t seconds = secondsSinceEpoch;
