@@ -15,11 +15,6 @@ Singleton<os::OSLocker>*& Singleton<os::OSLocker>::slot() {
 }  // namespace utils
 
 namespace os {
-namespace {
-
-constexpr utils::LogSource kLog{"Os/OSLocker"};
-
-}  // namespace
 
 OSLocker::OSLocker() {
   utils::logDebug(kLog, "os::OSLocker::OSLocker", "Create new OSLocker");

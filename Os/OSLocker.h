@@ -16,6 +16,7 @@
 #include <string>
 
 #include "Utils/Export.h"
+#include "Utils/Log.h"
 #include "Utils/Mutex.h"
 #include "Utils/Singleton.h"
 
@@ -66,6 +67,9 @@ class ORVEX_CORE_API OSLocker : public utils::Singleton<OSLocker> {
   [[nodiscard]] virtual std::optional<SystemError> releaseSemaphore() = 0;
 
  private:
+  // The name that the lock of this platform logs under. Defined per platform.
+  static const utils::LogSource kLog;
+
   utils::Mutex m_lock;
   bool m_isLocked ORVEX_GUARDED_BY(m_lock) = false;
 };

@@ -8,7 +8,7 @@
 namespace utils {
 namespace {
 
-constexpr LogSource kLog{"Os/QuorvelConfig"};
+constexpr const LogSource& kLog = SettingsStore::kConfigLog;
 constexpr const char* kInitialize = "utils::QuorvelConfig::initialize";
 
 constexpr const char* kQuorvelKey = "Quorvel";

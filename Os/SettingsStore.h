@@ -13,6 +13,7 @@
 #include <string>
 
 #include "Utils/Export.h"
+#include "Utils/Log.h"
 
 namespace utils {
 
@@ -23,6 +24,9 @@ struct SettingName {
 
 class ORVEX_CORE_API SettingsStore {
  public:
+  // The name that a configuration over this platform's store logs under.
+  static const LogSource kConfigLog;
+
   explicit SettingsStore(const std::string& path);
 
   // Returns what a person calls the place of a key's settings: `path`, or the registry key.

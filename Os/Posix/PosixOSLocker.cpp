@@ -80,6 +80,8 @@ bool wasRemoved(int error) {
 
 }  // namespace
 
+const utils::LogSource OSLocker::kLog{"Os/Posix/PosixOSLocker"};
+
 OSLockerPosix::OSLockerPosix(std::int32_t key) : m_key(key), m_semaphore(openSemaphore(key)) {
   if (!OSLockerPosix::hasSemaphore()) {
     throw utils::Exception("Could not create synchronisation sempahore");

@@ -12,6 +12,8 @@ constexpr char kComment = '#';
 
 }  // namespace
 
+const LogSource SettingsStore::kConfigLog{"Os/Posix/PosixQuorvelConfig"};
+
 SettingsStore::SettingsStore(const std::string& path) {
   std::ifstream file(path);
   std::string line;

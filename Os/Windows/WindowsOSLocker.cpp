@@ -12,7 +12,7 @@ namespace {
 constexpr const char* kSemaphoreName = "Global\\RavlApplySemaphore";
 constexpr std::int32_t kCount = 1;
 
-utils::WindowsSemaphoreWrapper& system() {
+utils::WindowsSemaphoreWrapper& semaphores() {
   return *utils::WindowsSemaphoreWrapper::getInstance();
 }
 
@@ -22,10 +22,12 @@ HANDLE createSemaphore() {
   InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION);
   SetSecurityDescriptorDacl(&descriptor, TRUE, nullptr, FALSE);
   SECURITY_ATTRIBUTES attributes{sizeof(SECURITY_ATTRIBUTES), &descriptor, TRUE};
-  return system().create(&attributes, kCount, kCount, kSemaphoreName);
+  return semaphores().create(&attributes, kCount, kCount, kSemaphoreName);
 }
 
 }  // namespace
+
+const utils::LogSource OSLocker::kLog{"Os/Windows/WindowsOSLocker"};
 
 OSLockerWindows::OSLockerWindows() : m_semaphore(createSemaphore()) {
   if (!OSLockerWindows::hasSemaphore()) {
@@ -43,11 +45,11 @@ bool OSLockerWindows::hasSemaphore() const {
 }
 
 OSLocker::WaitResult OSLockerWindows::waitForSemaphore(std::uint32_t milliseconds) {
-  return static_cast<WaitResult>(system().wait(m_semaphore, milliseconds));
+  return static_cast<WaitResult>(semaphores().wait(m_semaphore, milliseconds));
 }
 
 std::optional<OSLocker::SystemError> OSLockerWindows::releaseSemaphore() {
-  if (system().release(m_semaphore, 1, nullptr)) {
+  if (semaphores().release(m_semaphore, 1, nullptr)) {
     return std::nullopt;
   }
   const DWORD error = GetLastError();

@@ -22,6 +22,8 @@ bool readValue(const SettingName& setting, Value& value) {
 
 }  // namespace
 
+const LogSource SettingsStore::kConfigLog{"Os/Windows/WindowsQuorvelConfig"};
+
 SettingsStore::SettingsStore(const std::string& /*path*/) {}
 
 std::string SettingsStore::placeOf(const std::string& /*path*/, const char* key) {

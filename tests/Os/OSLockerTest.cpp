@@ -7,6 +7,7 @@
 #include "Os/QuorvelConfig.h"
 #include "Utils/Exception.h"
 #include "Utils/Format.h"
+#include "tests/Os/Platform.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Settings.h"
 #include "tests/support/Throws.h"
@@ -64,7 +65,7 @@ TEST_F(OSLockerRules, LogsItsCreation) {
               ElementsAre(IsRecordOf("Utils/Singleton", LogLevel::Debug,
                                      "utils::Singleton<class os::OSLocker>::Singleton",
                                      "New singleton instance for OSLocker"),
-                          IsRecordOf("Os/OSLocker", LogLevel::Debug, "os::OSLocker::OSLocker",
+                          IsRecordOf(test::kLockerSource, LogLevel::Debug, "os::OSLocker::OSLocker",
                                      "Create new OSLocker")));
 }
 
@@ -74,7 +75,7 @@ TEST_F(OSLockerRules, LocksAndSaysSo) {
   EXPECT_EQ(m_locker.Lock(), 0);
   EXPECT_THAT(log.messages(kLock), ElementsAre("result = 0", "Semaphore is locked"));
   EXPECT_THAT(log.records(),
-              HasRecordOf("Os/OSLocker", LogLevel::Debug, kLock, "Semaphore is locked"));
+              HasRecordOf(test::kLockerSource, LogLevel::Debug, kLock, "Semaphore is locked"));
 }
 
 TEST_F(OSLockerRules, WaitsForTheDefaultTimeoutUnlessConfigured) {
@@ -91,7 +92,7 @@ TEST_F(OSLockerRules, AnswersTwoWhileItIsHeldWithoutWaiting) {
   const LogCapture log;
 
   EXPECT_EQ(m_locker.Lock(), 2);
-  EXPECT_THAT(log.records(), ElementsAre(IsRecordOf("Os/OSLocker", LogLevel::Debug, kLock,
+  EXPECT_THAT(log.records(), ElementsAre(IsRecordOf(test::kLockerSource, LogLevel::Debug, kLock,
                                                     "Locker is in use at this moment")));
   EXPECT_EQ(m_locker.waits.size(), 1U);
   EXPECT_EQ(m_locker.releases, 0);
@@ -157,7 +158,7 @@ TEST_F(OSLockerRules, IsNotHeldAfterAReleaseThatFailed) {
 
   EXPECT_EQ(m_locker.UnLock(), 1);
   EXPECT_THAT(log.records(),
-              ElementsAre(IsRecordOf("Os/OSLocker", LogLevel::Debug, kUnLock,
+              ElementsAre(IsRecordOf(test::kLockerSource, LogLevel::Debug, kUnLock,
                                      "'ReleaseSemaphore' Error [22]: Invalid 100% argument")));
   EXPECT_EQ(m_locker.UnLock(), 0);
   EXPECT_EQ(m_locker.Lock(), 0);
@@ -184,10 +185,10 @@ TEST_F(OSLockerRules, IsHeldForTheSpanOfABlock) {
   EXPECT_THAT(
       log.records(),
       testing::IsSupersetOf(
-          {IsRecordOf("Os/OSLocker", LogLevel::Debug, "os::OSLocker::AutoOSLocker::AutoOSLocker",
-                      "autolocking semaphore"),
-           IsRecordOf("Os/OSLocker", LogLevel::Debug, "os::OSLocker::AutoOSLocker::~AutoOSLocker",
-                      "autoreleasing semaphore")}));
+          {IsRecordOf(test::kLockerSource, LogLevel::Debug,
+                      "os::OSLocker::AutoOSLocker::AutoOSLocker", "autolocking semaphore"),
+           IsRecordOf(test::kLockerSource, LogLevel::Debug,
+                      "os::OSLocker::AutoOSLocker::~AutoOSLocker", "autoreleasing semaphore")}));
 }
 
 TEST_F(OSLockerRules, ThrowsTheResultOfABlockThatCannotHaveIt) {

@@ -6,7 +6,9 @@
 namespace test {
 
 // The names that they log under.
+extern const char* const kConfigSource;
 extern const char* const kFilesSource;
+extern const char* const kLockerSource;
 extern const char* const kMutexSource;
 extern const char* const kThreadSource;
 

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "Os/QuorvelConfig.h"
+#include "tests/Os/Platform.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Settings.h"
 #include "tests/support/TempDirectory.h"
@@ -22,7 +23,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
 
-constexpr const char* kSource = "Os/QuorvelConfig";
 constexpr const char* kFunction = "utils::QuorvelConfig::initialize";
 
 // A configuration over settings that the test writes.
@@ -64,7 +64,7 @@ TEST_F(QuorvelConfig, LogsEachSettingThatItCannotRead) {
                           "Getting Namespace from register - failed",
                           "Getting LogLevel from register - failed",
                           "Getting Firmware File Paths from register - failed"));
-  EXPECT_THAT(log.records(), HasRecordOf(kSource, LogLevel::Debug, kFunction,
+  EXPECT_THAT(log.records(), HasRecordOf(test::kConfigSource, LogLevel::Debug, kFunction,
                                          "Getting TimeOut from register - failed"));
 }
 
@@ -107,7 +107,7 @@ TEST_F(QuorvelConfig, IgnoresATimeoutThatIsNoNumber) {
   const LogCapture log;
 
   EXPECT_EQ(m_config.getTimeout(), 300'000U);
-  EXPECT_THAT(log.records(), HasRecordOf(kSource, LogLevel::Debug, kFunction,
+  EXPECT_THAT(log.records(), HasRecordOf(test::kConfigSource, LogLevel::Debug, kFunction,
                                          "Getting TimeOut from register - failed"));
 }
 

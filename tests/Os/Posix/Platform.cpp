@@ -4,7 +4,9 @@
 
 namespace test {
 
+const char* const kConfigSource = "Os/Posix/PosixQuorvelConfig";
 const char* const kFilesSource = "Os/Posix/PosixFiles";
+const char* const kLockerSource = "Os/Posix/PosixOSLocker";
 const char* const kMutexSource = "Os/Posix/PosixMutex";
 const char* const kThreadSource = "Os/Posix/PosixThread";
 

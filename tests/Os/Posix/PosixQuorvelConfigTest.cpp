@@ -18,7 +18,7 @@ TEST(PosixQuorvelConfig, LogsUnderItsOwnNameOnly) {
 
   EXPECT_EQ(log.records().size(), 5U);
   EXPECT_THAT(log.records(),
-              testing::Each(test::IsRecordOf("Os/QuorvelConfig", LogLevel::Debug,
+              testing::Each(test::IsRecordOf("Os/Posix/PosixQuorvelConfig", LogLevel::Debug,
                                              "utils::QuorvelConfig::initialize", testing::_)));
 }
 

@@ -4,7 +4,9 @@
 
 namespace test {
 
+const char* const kConfigSource = "Os/Windows/WindowsQuorvelConfig";
 const char* const kFilesSource = "Os/Windows/Windows";
+const char* const kLockerSource = "Os/Windows/WindowsOSLocker";
 const char* const kMutexSource = "Os/Windows/WindowsMutex";
 const char* const kThreadSource = "Os/Windows/WindowsThread";
 

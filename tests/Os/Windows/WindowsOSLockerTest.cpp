@@ -311,7 +311,7 @@ TEST_F(WindowsOSLockerCalls, LogAFailedReleaseInTheWordsOfTheSystem) {
   EXPECT_EQ(locker.UnLock(), 1);
   EXPECT_THAT(
       log.records(),
-      ElementsAre(IsRecordOf("Os/OSLocker", LogLevel::Debug, kUnLock,
+      ElementsAre(IsRecordOf("Os/Windows/WindowsOSLocker", LogLevel::Debug, kUnLock,
                              testing::AllOf(testing::StartsWith("'ReleaseSemaphore' Error [6]: "),
                                             testing::EndsWith("handle")))));
   EXPECT_EQ(locker.UnLock(), 0);

@@ -28,8 +28,8 @@ constexpr const char* kQuorvelKey = "SOFTWARE\\ZOLAN\\Network_Services\\Quorvel"
 constexpr const char* kRavlKey = "SOFTWARE\\ZOLAN\\Network_Services\\RAVL";
 
 auto fromConfig(const std::string& message) {
-  return IsRecordOf("Os/QuorvelConfig", LogLevel::Debug, "utils::QuorvelConfig::initialize",
-                    message);
+  return IsRecordOf("Os/Windows/WindowsQuorvelConfig", LogLevel::Debug,
+                    "utils::QuorvelConfig::initialize", message);
 }
 auto fromRegistry(const std::string& message) {
   return IsRecordOf("Os/Windows/Windows", LogLevel::Debug,
