@@ -19,33 +19,45 @@ namespace {
 constexpr LogSource kLog{"Os/Windows/Windows"};
 constexpr const char* kGetRegistryData = "utils::WindowsRegistry::getRegistryData";
 constexpr std::size_t kMaxData = 256;  // bytes of a value that is read
+constexpr std::size_t kBytesOfUnit = 4;
 
 HKEY toHkey(WindowsRegistry::Hive hive) {
   return reinterpret_cast<HKEY>(hive);
 }
 
-// An open key, closed at the end of its scope.
+// A key that the registry opened, if it did; closed at the end of its scope.
 class Key {
  public:
-  Key(WindowsRegistry& registry, WindowsRegistry::Hive hive, const std::string& path,
-      std::uint32_t access)
-      : m_registry(registry), m_isOpen(registry.openKey(hive, path, access, m_handle)) {}
+  Key(WindowsRegistry& registry, WindowsRegistry::Handle handle)
+      : m_registry(registry), m_handle(handle) {}
   Key(const Key&) = delete;
   Key& operator=(const Key&) = delete;
   ~Key() {
-    if (m_isOpen) {
+    if (isOpen()) {
       m_registry.closeKey(m_handle);
     }
   }
 
-  [[nodiscard]] bool isOpen() const { return m_isOpen; }
+  [[nodiscard]] bool isOpen() const { return m_handle != nullptr; }
   [[nodiscard]] HKEY handle() const { return static_cast<HKEY>(m_handle); }
 
  private:
   WindowsRegistry& m_registry;
-  WindowsRegistry::Handle m_handle = nullptr;
-  bool m_isOpen;
+  WindowsRegistry::Handle m_handle;
 };
+
+Key openToRead(WindowsRegistry& registry, WindowsRegistry::Hive hive, const std::string& path) {
+  WindowsRegistry::Handle key = nullptr;
+  return {registry, registry.openKey(hive, path, KEY_READ, key) ? key : nullptr};
+}
+
+Key createToWrite(WindowsRegistry& registry, WindowsRegistry::Hive hive, const std::string& path) {
+  HKEY key = nullptr;
+  const bool isCreated =
+      RegCreateKeyExA(toHkey(hive), path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_WRITE,
+                      nullptr, &key, nullptr) == ERROR_SUCCESS;
+  return {registry, isCreated ? key : nullptr};
+}
 
 struct RegistryData {
   DWORD type = REG_NONE;
@@ -53,11 +65,11 @@ struct RegistryData {
   DWORD size = kMaxData;
 };
 
-// Reads a value of any type.
+// Reads a value, and returns whether it is of the type.
 bool query(WindowsRegistry& registry, WindowsRegistry::Hive hive, const std::string& path,
-           const std::string& name, RegistryData& data) {
+           WindowsRegistry::ValueType type, const std::string& name, RegistryData& data) {
   logDebug(kLog, kGetRegistryData, "Opennig key %s (%s)", path.c_str(), name.c_str());
-  const Key key(registry, hive, path, KEY_READ);
+  const Key key = openToRead(registry, hive, path);
   if (!key.isOpen()) {
     return false;
   }
@@ -66,14 +78,15 @@ bool query(WindowsRegistry& registry, WindowsRegistry::Hive hive, const std::str
     logDebug(kLog, kGetRegistryData, "%s Registry Entry does not exist", name.c_str());
     return false;
   }
-  return true;
+  return data.type == type;
 }
 
-// The names that an enumeration function of the registry gives for 0, 1, 2, ...
+// The names that an enumeration function of the registry gives for 0, 1, 2, ... `longest` counts
+// UTF-16 units; in a code page of several bytes for a character, up to kBytesOfUnit stand for one.
 template <class Enumerate>
 std::vector<std::string> collect(DWORD count, DWORD longest, Enumerate enumerate) {
   std::vector<std::string> names;
-  std::string buffer(longest + 1, '\0');
+  std::string buffer(std::size_t{longest} * kBytesOfUnit + 1, '\0');
   for (DWORD index = 0; index < count; ++index) {
     auto length = static_cast<DWORD>(buffer.size());
     if (enumerate(index, buffer.data(), &length) == ERROR_SUCCESS) {
@@ -99,11 +112,11 @@ void WindowsRegistry::closeKey(Handle key) {
   RegCloseKey(static_cast<HKEY>(key));
 }
 
-bool WindowsRegistry::getRegistryData(Hive hive, const std::string& path, const std::string& name,
-                                      std::uint32_t& number) {
+bool WindowsRegistry::getRegistryData(Hive hive, const std::string& path, ValueType type,
+                                      const std::string& name, std::uint32_t& number) {
   number = 0;
   RegistryData data;
-  if (!query(*this, hive, path, name, data) || data.type != REG_DWORD ||
+  if (!query(*this, hive, path, type, name, data) || type != REG_DWORD ||
       data.size != sizeof number) {
     return false;
   }
@@ -111,11 +124,11 @@ bool WindowsRegistry::getRegistryData(Hive hive, const std::string& path, const 
   return true;
 }
 
-bool WindowsRegistry::getRegistryData(Hive hive, const std::string& path, const std::string& name,
-                                      std::string& text) {
+bool WindowsRegistry::getRegistryData(Hive hive, const std::string& path, ValueType type,
+                                      const std::string& name, std::string& text) {
   text.clear();
   RegistryData data;
-  if (!query(*this, hive, path, name, data) || data.type != REG_SZ) {
+  if (!query(*this, hive, path, type, name, data) || type != REG_SZ) {
     return false;
   }
   // The stored text need not be ended.
@@ -129,16 +142,10 @@ bool WindowsRegistry::createTextValue(Hive hive, const std::string& path, const 
   logDebug(kLog, "utils::WindowsRegistry::createTextValue",
            "Creating REG_SZ registry key '%X\\%s' with value '%s'", static_cast<unsigned>(hive),
            path.c_str(), text.c_str());
-  HKEY key = nullptr;
-  if (RegCreateKeyExA(toHkey(hive), path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_WRITE,
-                      nullptr, &key, nullptr) != ERROR_SUCCESS) {
-    return false;
-  }
+  const Key key = createToWrite(*this, hive, path);
   const auto* bytes = reinterpret_cast<const BYTE*>(text.c_str());
-  const LSTATUS status =
-      RegSetValueExA(key, name.c_str(), 0, REG_SZ, bytes, static_cast<DWORD>(text.size() + 1));
-  closeKey(key);
-  return status == ERROR_SUCCESS;
+  return key.isOpen() && RegSetValueExA(key.handle(), name.c_str(), 0, REG_SZ, bytes,
+                                        static_cast<DWORD>(text.size() + 1)) == ERROR_SUCCESS;
 }
 
 bool WindowsRegistry::deleteKey(Hive hive, const std::string& path) {
@@ -146,7 +153,7 @@ bool WindowsRegistry::deleteKey(Hive hive, const std::string& path) {
 }
 
 std::vector<std::string> WindowsRegistry::enumerateKeys(Hive hive, const std::string& path) {
-  const Key key(*this, hive, path, KEY_READ);
+  const Key key = openToRead(*this, hive, path);
   DWORD count = 0;
   DWORD longest = 0;
   if (!key.isOpen() ||
@@ -160,7 +167,7 @@ std::vector<std::string> WindowsRegistry::enumerateKeys(Hive hive, const std::st
 }
 
 std::vector<std::string> WindowsRegistry::enumerateValues(Hive hive, const std::string& path) {
-  const Key key(*this, hive, path, KEY_READ);
+  const Key key = openToRead(*this, hive, path);
   DWORD count = 0;
   DWORD longest = 0;
   if (!key.isOpen() ||

@@ -22,18 +22,19 @@ class ORVEX_CORE_API WindowsRegistry : public AutoSingleton<WindowsRegistry> {
 
   using Handle = void*;             // HKEY
   using Hive = std::uintptr_t;      // a predefined HKEY, for example HKEY_LOCAL_MACHINE
-  using ValueType = std::uint32_t;  // REG_DWORD, REG_SZ
+  using ValueType = std::uint32_t;  // for example REG_DWORD
 
   // Opens a key. Returns false when it cannot be opened with that access (for example KEY_READ).
   [[nodiscard]] bool openKey(Hive hive, const std::string& path, std::uint32_t access, Handle& key);
   void closeKey(Handle key);
 
-  // Read a value. Return false, and empty the output, when the key or the value is missing, the
-  // value is of another type or longer than 256 bytes.
-  [[nodiscard]] bool getRegistryData(Hive hive, const std::string& path, const std::string& name,
-                                     std::uint32_t& number);
-  [[nodiscard]] bool getRegistryData(Hive hive, const std::string& path, const std::string& name,
-                                     std::string& text);
+  // Read a value of the type: REG_DWORD for a number, REG_SZ for a text; there is none of any
+  // other. Return false, and empty the output, when the key or the value is missing, the value is
+  // of another type or longer than 256 bytes.
+  [[nodiscard]] bool getRegistryData(Hive hive, const std::string& path, ValueType type,
+                                     const std::string& name, std::uint32_t& number);
+  [[nodiscard]] bool getRegistryData(Hive hive, const std::string& path, ValueType type,
+                                     const std::string& name, std::string& text);
 
   // Creates a REG_SZ value, and its key where that is missing.
   [[nodiscard]] bool createTextValue(Hive hive, const std::string& path, const std::string& name,

@@ -9,10 +9,10 @@ namespace {
 constexpr const char* kRoot = "SOFTWARE\\ZOLAN\\Network_Services\\";
 
 template <class Value>
-bool readValue(const SettingName& setting, Value& value) {
+bool readValue(const SettingName& setting, WindowsRegistry::ValueType type, Value& value) {
   const auto hive = reinterpret_cast<WindowsRegistry::Hive>(HKEY_LOCAL_MACHINE);
   Value found{};
-  if (!WindowsRegistry::getInstance()->getRegistryData(hive, std::string(kRoot) + setting.key,
+  if (!WindowsRegistry::getInstance()->getRegistryData(hive, std::string(kRoot) + setting.key, type,
                                                        setting.name, found)) {
     return false;
   }
@@ -31,11 +31,11 @@ std::string SettingsStore::placeOf(const std::string& /*path*/, const char* key)
 }
 
 bool SettingsStore::read(const SettingName& setting, std::uint32_t& value) const {
-  return readValue(setting, value);
+  return readValue(setting, REG_DWORD, value);
 }
 
 bool SettingsStore::read(const SettingName& setting, std::string& value) const {
-  return readValue(setting, value);
+  return readValue(setting, REG_SZ, value);
 }
 
 }  // namespace utils

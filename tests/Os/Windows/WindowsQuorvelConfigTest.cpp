@@ -127,13 +127,42 @@ TEST_F(WindowsQuorvelConfig, LogsEveryEntryThatIsMissing) {
                           fromConfig("Getting Firmware File Paths from register - failed")));
 }
 
-TEST_F(WindowsQuorvelConfig, TakesNoValueOfAnotherType) {
-  m_machine.writeText(kQuorvelKey, "Timeout", "250");
-  m_machine.writeNumber(kQuorvelKey, "Namespace", 250);
-  m_machine.writeText(kRavlKey, "OEMCustomizeable", "32");
-  m_machine.write(kQuorvelKey, "FWFilePath", REG_EXPAND_SZ, m_directory.path().string());
+// What stands in the registry for a setting, and what is logged where it cannot be read.
+struct Row {
+  const char* key;
+  const char* name;
+  std::uint32_t type;
+  std::string bytes;  // a value that changes the setting, when it is of the type
+  const char* failure;
+};
 
-  expectDefaults();
+std::vector<Row> rows() {
+  return {{kQuorvelKey, "Timeout", REG_DWORD, {"\xFA\0\0\0", 4}, "Getting TimeOut from register"},
+          {kQuorvelKey, "Namespace", REG_SZ, "root/cimv2", "Getting Namespace from register"},
+          {kRavlKey,
+           "OEMCustomizeable",
+           REG_DWORD,
+           {"\x20\0\0\0", 4},
+           "Getting LogLevel from register"},
+          {kQuorvelKey, "FWFilePath", REG_SZ, "C:\\", "Getting Firmware File Paths from register"}};
+}
+
+TEST_F(WindowsQuorvelConfig, TakesNoValueOfAnotherTypeAndSaysThatReadingItFailed) {
+  for (const Row& row : rows()) {
+    for (std::uint32_t type = REG_NONE; type <= REG_QWORD; ++type) {
+      if (type == row.type) {
+        continue;
+      }
+      m_machine.write(row.key, row.name, type, row.bytes);
+      const LogCapture log;
+      expectDefaults();
+
+      const std::string failure = std::string(row.failure) + " - failed";
+      EXPECT_THAT(log.records(), Contains(fromConfig(failure))) << row.name << " " << type;
+      EXPECT_THAT(log.records(), Not(Contains(misses(row.name)))) << row.name << " " << type;
+    }
+    m_machine.removeValue(row.key, row.name);
+  }
 }
 
 TEST_F(WindowsQuorvelConfig, TakesNoTextOfMoreThan256Bytes) {

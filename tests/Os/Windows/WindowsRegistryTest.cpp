@@ -1,10 +1,12 @@
 #include <gmock/gmock.h>
 #include <optional>
 #include <string>
+#include <vector>
 #include <windows.h>
 
 #include "Os/Windows/WindowsRegistry.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Windows/ImportPatch.h"
 #include "tests/support/Windows/MachineRegistry.h"
 
 namespace {
@@ -18,6 +20,7 @@ using testing::Optional;
 using testing::UnorderedElementsAre;
 using utils::WindowsRegistry;
 
+constexpr const char* kLibrary = "OrvexCimCore.dll";
 constexpr const char* kSource = "Os/Windows/Windows";
 constexpr const char* kFunction = "utils::WindowsRegistry::getRegistryData";
 constexpr const char* kKey = "SOFTWARE\\Some\\Key";
@@ -28,15 +31,17 @@ class Registry : public testing::Test {
     return reinterpret_cast<WindowsRegistry::Hive>(HKEY_LOCAL_MACHINE);
   }
 
-  [[nodiscard]] std::optional<std::uint32_t> number(const std::string& name) {
+  [[nodiscard]] std::optional<std::uint32_t> number(const std::string& name,
+                                                    WindowsRegistry::ValueType type = REG_DWORD) {
     std::uint32_t value = 99;
-    const bool isRead = m_registry.getRegistryData(machine(), kKey, name, value);
+    const bool isRead = m_registry.getRegistryData(machine(), kKey, type, name, value);
     EXPECT_TRUE(isRead || value == 0) << "a failed read leaves the output empty";
     return isRead ? std::optional(value) : std::nullopt;
   }
-  [[nodiscard]] std::optional<std::string> text(const std::string& name) {
+  [[nodiscard]] std::optional<std::string> text(const std::string& name,
+                                                WindowsRegistry::ValueType type = REG_SZ) {
     std::string value = "before";
-    const bool isRead = m_registry.getRegistryData(machine(), kKey, name, value);
+    const bool isRead = m_registry.getRegistryData(machine(), kKey, type, name, value);
     EXPECT_TRUE(isRead || value.empty()) << "a failed read leaves the output empty";
     return isRead ? std::optional(value) : std::nullopt;
   }
@@ -86,15 +91,31 @@ TEST_F(Registry, HasNoValueOfAnotherTypeAndDoesNotLogIt) {
   m_machine.write(kKey, "Expand", REG_EXPAND_SZ, std::string("root\0", 5));
   m_machine.write(kKey, "Binary", REG_BINARY, std::string("\5\0\0\0", 4));
   m_machine.write(kKey, "Long", REG_QWORD, std::string("\5\0\0\0\0\0\0\0", 8));
+  m_machine.write(kKey, "BigEndian", REG_DWORD_BIG_ENDIAN, std::string("\0\0\0\5", 4));
+  m_machine.write(kKey, "Texts", REG_MULTI_SZ, std::string("5\0\0", 3));
+  m_machine.write(kKey, "None", REG_NONE, std::string("\5\0\0\0", 4));
   const LogCapture log;
 
-  for (const char* name : {"Text", "Expand", "Binary", "Long"}) {
+  for (const char* name : {"Text", "Expand", "Binary", "Long", "BigEndian", "Texts", "None"}) {
     EXPECT_EQ(number(name), std::nullopt) << name;
   }
-  for (const char* name : {"Number", "Expand", "Binary", "Long"}) {
+  for (const char* name : {"Number", "Expand", "Binary", "Long", "BigEndian", "Texts", "None"}) {
     EXPECT_EQ(text(name), std::nullopt) << name;
   }
   EXPECT_THAT(log.messages(kFunction), testing::Each(testing::StartsWith("Opennig key ")));
+}
+
+TEST_F(Registry, HasNumbersAndTextsWhereTheirOwnTypeIsExpectedOnly) {
+  m_machine.writeNumber(kKey, "Number", 5);
+  m_machine.writeText(kKey, "Text", "5");
+  m_machine.write(kKey, "Binary", REG_BINARY, std::string("\5\0\0\0", 4));
+
+  EXPECT_EQ(number("Number", REG_SZ), std::nullopt);
+  EXPECT_EQ(number("Text", REG_SZ), std::nullopt);
+  EXPECT_EQ(number("Binary", REG_BINARY), std::nullopt);
+  EXPECT_EQ(text("Text", REG_DWORD), std::nullopt);
+  EXPECT_EQ(text("Number", REG_DWORD), std::nullopt);
+  EXPECT_EQ(text("Binary", REG_BINARY), std::nullopt);
 }
 
 TEST_F(Registry, HasNoNumberOfAnotherSize) {
@@ -182,6 +203,31 @@ TEST_F(Registry, NamesTheKeysAndValuesUnderAKey) {
               UnorderedElementsAre("Number", "AVeryMuchLongerName"));
 }
 
+// Counts in units of which each is three bytes of a name.
+LSTATUS WINAPI queryInWiderUnits(HKEY key, char* className, DWORD* classLength, DWORD* reserved,
+                                 DWORD* keys, DWORD* longestKey, DWORD* longestClass, DWORD* values,
+                                 DWORD* longestValue, DWORD* longestData, DWORD* securitySize,
+                                 FILETIME* time) {
+  const LSTATUS status =
+      RegQueryInfoKeyA(key, className, classLength, reserved, keys, longestKey, longestClass,
+                       values, longestValue, longestData, securitySize, time);
+  for (DWORD* length : {longestKey, longestValue}) {
+    if (length != nullptr) {
+      *length /= 3;
+    }
+  }
+  return status;
+}
+
+TEST_F(Registry, NamesWhatTakesSeveralBytesForACharacter) {
+  m_machine.writeNumber(kKey, "ValueOfManyBytes", 5);
+  m_machine.writeNumber(std::string(kKey) + "\\KeyOfManyBytes", "x", 5);
+  const test::ImportPatch patch(kLibrary, "RegQueryInfoKeyA", &queryInWiderUnits);
+
+  EXPECT_THAT(m_registry.enumerateKeys(machine(), kKey), ElementsAre("KeyOfManyBytes"));
+  EXPECT_THAT(m_registry.enumerateValues(machine(), kKey), ElementsAre("ValueOfManyBytes"));
+}
+
 TEST_F(Registry, NamesNothingUnderAMissingOrAnEmptyKey) {
   EXPECT_THAT(m_registry.enumerateKeys(machine(), kKey), IsEmpty());
   EXPECT_THAT(m_registry.enumerateValues(machine(), kKey), IsEmpty());
@@ -190,6 +236,123 @@ TEST_F(Registry, NamesNothingUnderAMissingOrAnEmptyKey) {
   m_machine.removeValue(kKey, "Text");
   EXPECT_THAT(m_registry.enumerateKeys(machine(), kKey), IsEmpty());
   EXPECT_THAT(m_registry.enumerateValues(machine(), kKey), IsEmpty());
+}
+
+// What the registry's calls were, and which of them are to be refused.
+struct KeyCalls {
+  std::vector<HKEY> hives;
+  std::vector<REGSAM> accesses;
+  std::vector<HKEY> opened;
+  std::vector<HKEY> closed;
+  LSTATUS createStatus = ERROR_SUCCESS;
+  LSTATUS setStatus = ERROR_SUCCESS;
+};
+KeyCalls s_calls;
+
+LSTATUS WINAPI openKey(HKEY hive, const char* path, DWORD options, REGSAM access, HKEY* key) {
+  s_calls.hives.push_back(hive);
+  s_calls.accesses.push_back(access);
+  const LSTATUS status = RegOpenKeyExA(hive, path, options, access, key);
+  if (status == ERROR_SUCCESS) {
+    s_calls.opened.push_back(*key);
+  }
+  return status;
+}
+
+LSTATUS WINAPI closeKey(HKEY key) {
+  s_calls.closed.push_back(key);
+  return RegCloseKey(key);
+}
+
+LSTATUS WINAPI createKey(HKEY hive, const char* path, DWORD reserved, char* className,
+                         DWORD options, REGSAM access, SECURITY_ATTRIBUTES* attributes, HKEY* key,
+                         DWORD* disposition) {
+  if (s_calls.createStatus != ERROR_SUCCESS) {
+    return s_calls.createStatus;
+  }
+  const LSTATUS status = RegCreateKeyExA(hive, path, reserved, className, options, access,
+                                         attributes, key, disposition);
+  s_calls.opened.push_back(*key);
+  return status;
+}
+
+LSTATUS WINAPI setValue(HKEY key, const char* name, DWORD reserved, DWORD type, const BYTE* data,
+                        DWORD size) {
+  return s_calls.setStatus != ERROR_SUCCESS ? s_calls.setStatus
+                                            : RegSetValueExA(key, name, reserved, type, data, size);
+}
+
+// A registry whose calls for keys are remembered.
+class RegistryCalls : public Registry {
+ protected:
+  RegistryCalls() {
+    m_machine.writeNumber(kKey, "Number", 5);
+    m_machine.writeText(kKey, "TooLong", std::string(300, 'x'));
+    s_calls = {};
+  }
+
+  bool createText() { return m_registry.createTextValue(machine(), kKey, "Text", "some"); }
+
+ private:
+  test::ImportPatch m_open{kLibrary, "RegOpenKeyExA", &openKey};
+  test::ImportPatch m_close{kLibrary, "RegCloseKey", &closeKey};
+  test::ImportPatch m_create{kLibrary, "RegCreateKeyExA", &createKey};
+  test::ImportPatch m_set{kLibrary, "RegSetValueExA", &setValue};
+};
+
+TEST_F(RegistryCalls, OpenAKeyOfTheMachineToReadAndCloseItOnce) {
+  EXPECT_THAT(number("Number"), Optional(5U));
+
+  EXPECT_THAT(s_calls.hives, ElementsAre(HKEY_LOCAL_MACHINE));
+  EXPECT_THAT(s_calls.accesses, ElementsAre(REGSAM{KEY_READ}));
+  EXPECT_EQ(s_calls.opened.size(), 1U);
+  EXPECT_EQ(s_calls.closed, s_calls.opened);
+}
+
+TEST_F(RegistryCalls, CloseAKeyOnceWhoseValueIsNotToBeHad) {
+  EXPECT_EQ(number("Missing"), std::nullopt);
+  EXPECT_EQ(text("Number"), std::nullopt);
+  EXPECT_EQ(text("TooLong"), std::nullopt);
+
+  EXPECT_EQ(s_calls.opened.size(), 3U);
+  EXPECT_EQ(s_calls.closed, s_calls.opened);
+}
+
+TEST_F(RegistryCalls, CloseNoKeyThatCouldNotBeOpened) {
+  std::uint32_t value = 99;
+  EXPECT_FALSE(
+      m_registry.getRegistryData(machine(), "SOFTWARE\\Absent", REG_DWORD, "Number", value));
+
+  EXPECT_EQ(s_calls.hives.size(), 1U);
+  EXPECT_THAT(s_calls.closed, IsEmpty());
+}
+
+TEST_F(RegistryCalls, CloseAKeyOnceInWhichATextWasCreated) {
+  EXPECT_TRUE(createText());
+
+  EXPECT_EQ(s_calls.opened.size(), 1U);
+  EXPECT_EQ(s_calls.closed, s_calls.opened);
+}
+
+TEST_F(RegistryCalls, CloseAKeyOnceInWhichATextMayNotBeCreated) {
+  s_calls.setStatus = ERROR_ACCESS_DENIED;
+  const LogCapture log;
+
+  EXPECT_FALSE(createText());
+  EXPECT_EQ(s_calls.opened.size(), 1U);
+  EXPECT_EQ(s_calls.closed, s_calls.opened);
+  EXPECT_EQ(log.records().size(), 1U);
+}
+
+TEST_F(RegistryCalls, CloseNoKeyThatMayNotBeCreated) {
+  s_calls.createStatus = ERROR_ACCESS_DENIED;
+  const LogCapture log;
+
+  EXPECT_FALSE(createText());
+  EXPECT_THAT(s_calls.closed, IsEmpty());
+  EXPECT_THAT(log.messages("utils::WindowsRegistry::createTextValue"),
+              ElementsAre("Creating REG_SZ registry key '80000002\\SOFTWARE\\Some\\Key' "
+                          "with value 'some'"));
 }
 
 TEST(RegistrySingleton, IsMadeOnFirstUse) {
