@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <windows.h>
 
+#include "Os/Windows/Handle.h"
 #include "Utils/Exception.h"
 #include "Utils/Log.h"
 #include "Utils/Mutex.h"
@@ -22,12 +23,12 @@ int lastError() {
 }  // namespace
 
 struct Mutex::Native {
-  HANDLE handle = nullptr;
+  os::Handle handle;
 };
 
 Mutex::Mutex() : m_native(std::make_unique<Native>()) {
-  m_native->handle = CreateMutexA(nullptr, FALSE, nullptr);
-  if (m_native->handle == nullptr) {
+  m_native->handle = os::Handle(CreateMutexA(nullptr, FALSE, nullptr));
+  if (!m_native->handle.isOpen()) {
     const int error = lastError();
     logError(kLog, "utils::Mutex::Mutex", "Could not create mutex %p. Error %d",
              static_cast<void*>(this), error);
@@ -36,14 +37,14 @@ Mutex::Mutex() : m_native(std::make_unique<Native>()) {
 }
 
 Mutex::~Mutex() {
-  if (CloseHandle(m_native->handle) == FALSE) {
+  if (!m_native->handle.close()) {
     logError(kLog, "utils::Mutex::~Mutex", "Could not close mutex %p. Error %d",
              static_cast<void*>(this), lastError());
   }
 }
 
 void Mutex::lock() {
-  if (WaitForSingleObject(m_native->handle, INFINITE) != WAIT_OBJECT_0) {
+  if (WaitForSingleObject(m_native->handle.get(), INFINITE) != WAIT_OBJECT_0) {
     logError(kLog, "utils::Mutex::Lock", "Error locking mutex %p. Error %d",
              static_cast<void*>(this), lastError());
   }
@@ -51,7 +52,7 @@ void Mutex::lock() {
 }
 
 void Mutex::unlock() {
-  if (ReleaseMutex(m_native->handle) == FALSE) {
+  if (ReleaseMutex(m_native->handle.get()) == FALSE) {
     logError(kLog, "utils::Mutex::Unlock", "Error locking mutex %p. Error %d",
              static_cast<void*>(this), lastError());
   }

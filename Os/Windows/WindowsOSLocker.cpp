@@ -17,12 +17,12 @@ utils::WindowsSemaphoreWrapper& semaphores() {
 }
 
 // Opens or creates the semaphore with access for everyone: a DACL that is there and null.
-HANDLE createSemaphore() {
+Handle createSemaphore() {
   SECURITY_DESCRIPTOR descriptor{};
   InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION);
   SetSecurityDescriptorDacl(&descriptor, TRUE, nullptr, FALSE);
   SECURITY_ATTRIBUTES attributes{sizeof(SECURITY_ATTRIBUTES), &descriptor, TRUE};
-  return semaphores().create(&attributes, kCount, kCount, kSemaphoreName);
+  return Handle(semaphores().create(&attributes, kCount, kCount, kSemaphoreName));
 }
 
 }  // namespace
@@ -37,19 +37,18 @@ OSLockerWindows::OSLockerWindows() : m_semaphore(createSemaphore()) {
 
 OSLockerWindows::~OSLockerWindows() {
   OSLockerWindows::UnLock();
-  CloseHandle(m_semaphore);
 }
 
 bool OSLockerWindows::hasSemaphore() const {
-  return m_semaphore != nullptr;
+  return m_semaphore.isOpen();
 }
 
 OSLocker::WaitResult OSLockerWindows::waitForSemaphore(std::uint32_t milliseconds) {
-  return static_cast<WaitResult>(semaphores().wait(m_semaphore, milliseconds));
+  return static_cast<WaitResult>(semaphores().wait(m_semaphore.get(), milliseconds));
 }
 
 std::optional<OSLocker::SystemError> OSLockerWindows::releaseSemaphore() {
-  if (semaphores().release(m_semaphore, 1, nullptr)) {
+  if (semaphores().release(m_semaphore.get(), 1, nullptr)) {
     return std::nullopt;
   }
   const DWORD error = GetLastError();

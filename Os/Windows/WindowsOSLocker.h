@@ -4,6 +4,7 @@
 #define ORVEX_OS_WINDOWS_WINDOWSOSLOCKER_H_
 
 #include "Os/OSLocker.h"
+#include "Os/Windows/Handle.h"
 
 namespace os {
 
@@ -20,7 +21,7 @@ class ORVEX_CORE_API OSLockerWindows : public OSLocker {
   [[nodiscard]] std::optional<SystemError> releaseSemaphore() override;
 
  private:
-  void* m_semaphore;  // HANDLE
+  const Handle m_semaphore;
 };
 
 }  // namespace os

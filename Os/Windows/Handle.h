@@ -1,0 +1,43 @@
+// The owner of a kernel handle: closes it when it goes.
+
+#ifndef ORVEX_OS_WINDOWS_HANDLE_H_
+#define ORVEX_OS_WINDOWS_HANDLE_H_
+
+#include <utility>
+
+#include "Utils/Export.h"
+
+namespace os {
+
+class ORVEX_CORE_API Handle {
+ public:
+  Handle() = default;
+  // Takes the HANDLE over; null is none.
+  explicit Handle(void* handle) : m_handle(handle) {}
+  Handle(const Handle&) = delete;
+  Handle& operator=(const Handle&) = delete;
+  Handle(Handle&& other) noexcept : m_handle(std::exchange(other.m_handle, nullptr)) {}
+  Handle& operator=(Handle&& other) noexcept {
+    std::swap(m_handle, other.m_handle);
+    return *this;
+  }
+  ~Handle() {
+    if (isOpen()) {
+      static_cast<void>(close());
+    }
+  }
+
+  bool isOpen() const { return m_handle != nullptr; }
+  void* get() const { return m_handle; }
+
+  // Closes the handle now, for an owner that tells of a failure. Returns false, with the system's
+  // last error, when the system says that it could not.
+  [[nodiscard]] bool close();
+
+ private:
+  void* m_handle = nullptr;
+};
+
+}  // namespace os
+
+#endif  // ORVEX_OS_WINDOWS_HANDLE_H_

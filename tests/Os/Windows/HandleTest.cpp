@@ -1,0 +1,175 @@
+// Owners of handles, and that nothing of the layer leaves any behind.
+
+#include <functional>
+#include <gmock/gmock.h>
+#include <string>
+#include <utility>
+#include <windows.h>
+
+#include "Os/Files.h"
+#include "Os/Windows/Handle.h"
+#include "Os/Windows/WindowsOSLocker.h"
+#include "Os/Windows/WindowsRegistry.h"
+#include "Utils/Log.h"
+#include "Utils/Mutex.h"
+#include "Utils/Thread.h"
+#include "tests/support/TempDirectory.h"
+#include "tests/support/Windows/MachineRegistry.h"
+
+namespace {
+
+using os::Handle;
+using utils::WindowsRegistry;
+
+HANDLE makeEvent() {
+  return CreateEventA(nullptr, TRUE, FALSE, nullptr);
+}
+
+bool isOpen(HANDLE handle) {
+  DWORD flags = 0;
+  return GetHandleInformation(handle, &flags) != FALSE;
+}
+
+// Returns how many handles the process has open. The system's own count is 0 under an emulation.
+int countHandles() {
+  constexpr std::uintptr_t kStep = 4;  // from one handle to the next
+  constexpr std::uintptr_t kEnd = kStep * 4096;
+  int count = 0;
+  for (std::uintptr_t value = kStep; value < kEnd; value += kStep) {
+    count += isOpen(reinterpret_cast<HANDLE>(value)) ? 1 : 0;
+  }
+  return count;
+}
+
+TEST(Handle, ClosesWhatItOwns) {
+  const HANDLE event = makeEvent();
+  {
+    const Handle owner(event);
+    EXPECT_TRUE(owner.isOpen());
+    EXPECT_EQ(owner.get(), event);
+    EXPECT_TRUE(isOpen(event));
+  }
+
+  EXPECT_FALSE(isOpen(event));
+}
+
+TEST(Handle, HasOneOwnerAfterAMove) {
+  const HANDLE event = makeEvent();
+  Handle first(event);
+  {
+    Handle second(std::move(first));
+    EXPECT_FALSE(first.isOpen());
+    EXPECT_EQ(second.get(), event);
+    first = std::move(second);
+  }
+
+  EXPECT_TRUE(isOpen(event));
+  EXPECT_EQ(first.get(), event);
+}
+
+TEST(Handle, IsClosedOnce) {
+  const HANDLE event = makeEvent();
+  Handle owner(event);
+
+  EXPECT_TRUE(owner.close());
+  EXPECT_FALSE(isOpen(event));
+  EXPECT_FALSE(owner.isOpen());
+}
+
+TEST(Handle, TellsOfOneThatCannotBeClosed) {
+  const HANDLE event = makeEvent();
+  Handle owner(event);
+  CloseHandle(event);
+
+  EXPECT_FALSE(owner.close());
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
+}
+
+// What the layer does over and over, with a registry and files to do it with.
+class HandlesLeft : public testing::Test {
+ protected:
+  static void by(const std::function<void()>& act) {
+    act();  // what the system opens on the first use stays
+    const int before = countHandles();
+    for (int round = 0; round < 100; ++round) {
+      act();
+    }
+    EXPECT_EQ(countHandles(), before);
+  }
+
+  void readNumber(const std::string& key, WindowsRegistry::ValueType type, bool isThere) {
+    std::uint32_t number = 0;
+    const auto hive = reinterpret_cast<WindowsRegistry::Hive>(HKEY_LOCAL_MACHINE);
+    EXPECT_EQ(m_registry.getRegistryData(hive, key, type, "Number", number), isThere);
+  }
+  static void findFile(const std::string& path, bool isThere) {
+    bool isFound = true;
+    try {
+      static_cast<void>(os::getFileSize(path));
+    } catch (const std::exception&) {
+      isFound = false;
+    }
+    EXPECT_EQ(isFound, isThere);
+  }
+
+  test::TempDirectory m_directory;
+  test::OwnMachineRegistry m_machine;
+  WindowsRegistry m_registry;
+};
+
+TEST_F(HandlesLeft, AreCounted) {
+  const int before = countHandles();
+  const Handle first(makeEvent());
+  const Handle second(makeEvent());
+
+  EXPECT_EQ(countHandles(), before + 2);
+}
+
+TEST_F(HandlesLeft, AreNoneByMutexes) {
+  by([] {
+    utils::Mutex mutex;
+    const utils::ScopedLock lock(mutex);
+  });
+}
+
+TEST_F(HandlesLeft, AreNoneByThreads) {
+  class EmptyThread : public utils::Thread {
+   public:
+    void run() override {}
+  };
+  by([] {
+    EmptyThread thread;
+    thread.cancel();  // a derived thread may be gone before its body is reached
+    thread.start();
+  });
+}
+
+TEST_F(HandlesLeft, AreNoneByReadsOfTheRegistry) {
+  m_machine.writeNumber("SOFTWARE\\Some", "Number", 1);
+  m_machine.writeNumber("SOFTWARE\\Other", "Another", 1);
+  by([this] {
+    readNumber("SOFTWARE\\Some", REG_DWORD, true);
+    readNumber("SOFTWARE\\Some", REG_SZ, false);
+    readNumber("SOFTWARE\\Other", REG_DWORD, false);
+    readNumber("SOFTWARE\\Absent", REG_DWORD, false);
+  });
+}
+
+TEST_F(HandlesLeft, AreNoneBySearchesForFiles) {
+  const std::string file = m_directory.write("file", std::string("x")).string();
+  by([this, &file] {
+    findFile(file, true);
+    findFile(file + ".absent", false);
+    findFile(m_directory.path().string(), false);
+  });
+}
+
+TEST_F(HandlesLeft, AreNoneByFlashLocks) {
+  by([] { const os::OSLockerWindows locker; });
+}
+
+TEST_F(HandlesLeft, AreNoneByTheEventLog) {
+  by([] { utils::platformLogSinks().writeEventLog("A line of a test\n"); });
+}
+
+}  // namespace
