@@ -27,6 +27,6 @@ int main(int argc, char** argv) {
   }
   SetEvent(ready);
   const bool isTold = waitFor(go);
-  ReleaseSemaphore(semaphore, 1, nullptr);
-  return isTold ? 0 : 1;
+  const bool isGivenBack = ReleaseSemaphore(semaphore, 1, nullptr) != FALSE;
+  return isTold && isGivenBack ? 0 : 1;
 }

@@ -17,6 +17,7 @@
 #include "tests/support/Settings.h"
 #include "tests/support/Throws.h"
 #include "tests/support/WaitUntil.h"
+#include "tests/support/Windows/OtherProgram.h"
 
 namespace {
 
@@ -24,6 +25,7 @@ using os::OSLockerWindows;
 using test::IsRecordOf;
 using test::LogCapture;
 using test::LogLevel;
+using test::OtherProgram;
 using test::ThrowsExactly;
 using testing::ElementsAre;
 using Clock = std::chrono::steady_clock;
@@ -32,38 +34,8 @@ constexpr const char* kSemaphoreName = "Global\\RavlApplySemaphore";
 constexpr const char* kLock = "os::OSLocker::Lock";
 constexpr const char* kUnLock = "os::OSLocker::UnLock";
 
-// Another program that knows the semaphore: holds it, when it can, until it is destroyed.
-class OtherProgram {
- public:
-  OtherProgram() : m_semaphore(OpenSemaphoreA(SEMAPHORE_ALL_ACCESS, FALSE, kSemaphoreName)) {}
-  OtherProgram(const OtherProgram&) = delete;
-  OtherProgram& operator=(const OtherProgram&) = delete;
-  ~OtherProgram() {
-    unlock();
-    CloseHandle(m_semaphore);
-  }
-
-  [[nodiscard]] bool knowsSemaphore() const { return m_semaphore != nullptr; }
-  // Waits for its turn: tests that run at the same time use the same semaphore.
-  [[nodiscard]] bool lock() { return waitFor(std::chrono::milliseconds(test::kDeadline)); }
-  [[nodiscard]] bool tryLock() { return waitFor(std::chrono::milliseconds(0)); }
-  void unlock() {
-    if (m_isHolding) {
-      ReleaseSemaphore(m_semaphore, 1, nullptr);
-      m_isHolding = false;
-    }
-  }
-
- private:
-  bool waitFor(std::chrono::milliseconds limit) {
-    m_isHolding =
-        WaitForSingleObject(m_semaphore, static_cast<DWORD>(limit.count())) == WAIT_OBJECT_0;
-    return m_isHolding;
-  }
-
-  HANDLE m_semaphore;
-  bool m_isHolding = false;
-};
+// By how much the system may end a wait too early: one tick of its clock.
+constexpr std::chrono::milliseconds kTick{16};
 
 class WindowsOSLocker : public testing::Test {
  protected:
@@ -90,12 +62,11 @@ TEST_F(WindowsOSLocker, TakesTheSemaphoreOfTheMachineAndGivesItBack) {
 
 TEST_F(WindowsOSLocker, HasACountOfOneAtTheMost) {
   OSLockerWindows locker;
-  const HANDLE semaphore = OpenSemaphoreA(SEMAPHORE_ALL_ACCESS, FALSE, kSemaphoreName);
-  ASSERT_NE(semaphore, nullptr);
+  const os::Handle semaphore(OpenSemaphoreA(SEMAPHORE_ALL_ACCESS, FALSE, kSemaphoreName));
+  ASSERT_TRUE(semaphore.isOpen());
 
-  EXPECT_EQ(ReleaseSemaphore(semaphore, 2, nullptr), FALSE);
+  EXPECT_EQ(ReleaseSemaphore(semaphore.get(), 2, nullptr), FALSE);
   EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_TOO_MANY_POSTS));
-  CloseHandle(semaphore);
 }
 
 TEST_F(WindowsOSLocker, KeepsTheOuterOfTwoLocks) {
@@ -119,7 +90,7 @@ TEST_F(WindowsOSLocker, GivesUpAfterTheTimeoutWhileAnotherProgramHoldsIt) {
   const Clock::time_point start = Clock::now();
 
   EXPECT_EQ(locker.Lock(), 3);
-  EXPECT_GE(Clock::now() - start, std::chrono::milliseconds(kTimeout));
+  EXPECT_GE(Clock::now() - start, std::chrono::milliseconds(kTimeout) - kTick);
   EXPECT_THAT(log.messages(kLock),
               ElementsAre("result = 258",
                           "Timeout occured when the Semaphore was locked. Other application uses "
@@ -136,18 +107,16 @@ class NamedEvent {
         m_event(CreateEventA(nullptr, TRUE, FALSE, m_name.c_str())) {}
   NamedEvent(const NamedEvent&) = delete;
   NamedEvent& operator=(const NamedEvent&) = delete;
-  ~NamedEvent() { CloseHandle(m_event); }
-
   [[nodiscard]] const std::string& name() const { return m_name; }
-  void set() { SetEvent(m_event); }
+  void set() { SetEvent(m_event.get()); }
   [[nodiscard]] bool await() const {
     const std::chrono::milliseconds limit(test::kDeadline);
-    return WaitForSingleObject(m_event, static_cast<DWORD>(limit.count())) == WAIT_OBJECT_0;
+    return WaitForSingleObject(m_event.get(), static_cast<DWORD>(limit.count())) == WAIT_OBJECT_0;
   }
 
  private:
   const std::string m_name;
-  HANDLE m_event;
+  const os::Handle m_event;
 };
 
 TEST_F(WindowsOSLocker, IsHadOnceAnotherProcessHasGivenItBack) {
@@ -199,6 +168,57 @@ TEST_F(WindowsOSLocker, ThrowsWhenTheSystemCannotCreateTheSemaphore) {
               ThrowsExactly<utils::Exception>("Could not create synchronisation sempahore"));
   EXPECT_THAT([] { static_cast<void>(os::OSLocker::getInstance()); },
               ThrowsExactly<utils::Exception>("No singleton instance found for OSLocker"));
+}
+
+// Makes the semaphore under a name of the test's own, so that nobody has made it before.
+class FreshSemaphore : public utils::WindowsSemaphoreWrapper {
+ public:
+  Handle create(void* securityAttributes, std::int32_t initialCount, std::int32_t maximumCount,
+                const char* /*name*/) override {
+    const std::string name = "Global\\QuorvelTest-" + std::to_string(GetCurrentProcessId());
+    SetLastError(ERROR_SUCCESS);
+    handle = WindowsSemaphoreWrapper::create(securityAttributes, initialCount, maximumCount,
+                                             name.c_str());
+    isFresh = GetLastError() != ERROR_ALREADY_EXISTS;
+    return handle;
+  }
+
+  // Returns the rights that the system keeps for the semaphore, a SECURITY_DESCRIPTOR.
+  [[nodiscard]] std::vector<unsigned char> rights() const {
+    DWORD size = 0;
+    GetKernelObjectSecurity(handle, DACL_SECURITY_INFORMATION, nullptr, 0, &size);
+    std::vector<unsigned char> descriptor(size);
+    EXPECT_NE(
+        GetKernelObjectSecurity(handle, DACL_SECURITY_INFORMATION, descriptor.data(), size, &size),
+        FALSE);
+    return descriptor;
+  }
+  [[nodiscard]] bool isInheritable() const {
+    DWORD flags = 0;
+    EXPECT_NE(GetHandleInformation(handle, &flags), FALSE);
+    return (flags & HANDLE_FLAG_INHERIT) != 0;
+  }
+
+  Handle handle = nullptr;
+  bool isFresh = false;
+};
+
+TEST_F(WindowsOSLocker, IsOpenToEveryoneAndInheritedInTheSystemsEyes) {
+  const FreshSemaphore semaphore;
+  const OSLockerWindows locker;
+  ASSERT_TRUE(semaphore.isFresh);
+  std::vector<unsigned char> rights = semaphore.rights();
+  BOOL isDaclPresent = FALSE;
+  BOOL isDaclDefaulted = TRUE;
+  ACL no{};
+  ACL* dacl = &no;
+
+  EXPECT_NE(GetSecurityDescriptorDacl(rights.data(), &isDaclPresent, &dacl, &isDaclDefaulted),
+            FALSE);
+  EXPECT_NE(isDaclPresent, FALSE);
+  EXPECT_EQ(dacl, nullptr);
+  EXPECT_EQ(isDaclDefaulted, FALSE);
+  EXPECT_TRUE(semaphore.isInheritable());
 }
 
 // A semaphore that does as the test says, and remembers how it was used.
