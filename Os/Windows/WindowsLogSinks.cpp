@@ -1,4 +1,5 @@
 #include <cstdio>
+#include <new>
 #include <windows.h>
 
 #include "Utils/Format.h"
@@ -16,13 +17,11 @@ class WindowsLogSinks : public LogSinks {
   void writeEventLog(const std::string& line) noexcept override {
     const HANDLE source = RegisterEventSourceA(nullptr, kEventSource);
     if (source == nullptr) {
-      writeDebugChannel(
-          format("Problem %x with RegisterEventSource\n", static_cast<unsigned>(GetLastError())));
+      reportProblem("RegisterEventSource", "");
     }
     const char* text = line.c_str();
     if (ReportEventA(source, EVENTLOG_ERROR_TYPE, 0, 0, nullptr, 1, 0, &text, nullptr) == FALSE) {
-      writeDebugChannel(
-          format("Problem %x with ReportEvent %s\n", static_cast<unsigned>(GetLastError()), text));
+      reportProblem("ReportEvent ", text);
     }
     DeregisterEventSource(source);
   }
@@ -33,6 +32,19 @@ class WindowsLogSinks : public LogSinks {
 
   void writeStandardError(const std::string& text) noexcept override {
     std::fwrite(text.data(), 1, text.size(), stderr);
+  }
+
+ private:
+  // Tells the debugger of the system's last error; of its number alone where there is no memory.
+  void reportProblem(const char* operation, const char* line) noexcept {
+    const auto error = static_cast<unsigned>(GetLastError());
+    try {
+      writeDebugChannel(format("Problem %x with %s%s\n", error, operation, line));
+    } catch (const std::bad_alloc&) {
+      char text[32];
+      std::snprintf(text, sizeof text, "Problem %x\n", error);
+      OutputDebugStringA(text);
+    }
   }
 };
 

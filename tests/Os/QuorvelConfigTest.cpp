@@ -1,12 +1,15 @@
 #include <atomic>
+#include <cerrno>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <map>
 #include <memory>
+#include <optional>
 #include <thread>
 
 #include "Os/QuorvelConfig.h"
 #include "tests/Os/Platform.h"
+#include "tests/Os/SystemFaults.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Settings.h"
 #include "tests/support/TempDirectory.h"
@@ -203,6 +206,50 @@ TEST_F(QuorvelConfig, KeepsWhatItReadWhenASettingGoesAway) {
   EXPECT_EQ(m_config.getNamespace(), "root/x");
   EXPECT_TRUE(m_config.getDowngradeEnable());
   EXPECT_THAT(m_config.getFWFilePaths(), IsEmpty());
+}
+
+// Memory runs out for one moment after a record.
+class NoMemoryAfter : private utils::LogSinks {
+ public:
+  explicit NoMemoryAfter(const std::string& message)
+      : m_message(message), m_previous(utils::exchangeLogSinks(this)) {}
+  ~NoMemoryAfter() override { utils::exchangeLogSinks(m_previous); }
+
+ private:
+  void writeEventLog(const std::string& line) noexcept override { m_previous->writeEventLog(line); }
+  void writeDebugChannel(const std::string& line) noexcept override {
+    m_previous->writeDebugChannel(line);
+  }
+  // The last of the places that a record goes to.
+  void writeStandardError(const std::string& text) noexcept override {
+    m_previous->writeStandardError(text);
+    if (text.find(m_message) != std::string::npos) {
+      m_noMemory.emplace(test::SystemCall::Allocate, ENOMEM);
+    }
+  }
+
+  const std::string m_message;
+  std::optional<test::FailingCall> m_noMemory;
+  utils::LogSinks* m_previous;
+};
+
+TEST_F(QuorvelConfig, KeepsWhatItHadAndSaysSoWhenReadingFails) {
+  write({{"Namespace", "root/of/the/first/reading"}, {"OEMCustomizeable", 0x20U}});
+  m_config.initialize();
+  write({{"Namespace", "root/of/the/second/reading"}, {"OEMCustomizeable", 0U}});
+  const LogCapture log;
+  {
+    const NoMemoryAfter noMemory("Getting TimeOut from register - failed");
+    m_config.initialize();
+  }
+
+  EXPECT_THAT(log.messages(kFunction),
+              ElementsAre("Trying to read register ...", "Getting TimeOut from register - failed",
+                          "Reading config values from register - failed"));
+  write({});
+  EXPECT_EQ(m_config.getNamespace(), "root/of/the/first/reading");
+  EXPECT_EQ(m_config.getTimeout(), 300'000U);
+  EXPECT_TRUE(m_config.getDowngradeEnable());
 }
 
 TEST_F(QuorvelConfig, IsTheCurrentOneOnceConstructed) {

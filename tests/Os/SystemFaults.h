@@ -19,6 +19,7 @@ enum class SystemCall {
   UnlockMutex,    // pthread_mutex_unlock, ReleaseMutex
   MakeSemaphore,  // semget, CreateSemaphoreA
   TellLocalTime,  // localtime_r, _mkgmtime64
+  Allocate,       // operator new, malloc of the C++ runtime; throws std::bad_alloc
   kCount
 };
 

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <ctime>
 #include <dlfcn.h>
+#include <new>
 #include <pthread.h>
 #include <sys/sem.h>
 #include <utility>
@@ -97,4 +98,14 @@ std::tm* localtime_r(const std::time_t* time, std::tm* fields) noexcept {
 }
 
 }  // extern "C"
+
+void* operator new(std::size_t size) {
+  using Function = void*(std::size_t);
+  static auto* const system = reinterpret_cast<Function*>(dlsym(RTLD_NEXT, "_Znwm"));
+  if (test::takeError(test::SystemCall::Allocate) != 0) {
+    throw std::bad_alloc();
+  }
+  return system(size);
+}
+
 #pragma GCC visibility pop

@@ -1,6 +1,7 @@
 #include "tests/Os/SystemFaults.h"
 
 #include <cstddef>
+#include <cstdlib>
 #include <ctime>
 #include <utility>
 #include <windows.h>
@@ -11,6 +12,7 @@ namespace test {
 namespace {
 
 constexpr const char* kLibrary = "OrvexCimCore.dll";
+constexpr const char* kRuntime = "libstdc++-6.dll";
 
 // By call; 0 for one that is to succeed.
 thread_local int s_errors[static_cast<std::size_t>(SystemCall::kCount)];
@@ -66,6 +68,10 @@ __time64_t __cdecl tellTime(std::tm* fields) {
   return fails(SystemCall::TellLocalTime) ? -1 : _mkgmtime64(fields);
 }
 
+void* __cdecl allocate(std::size_t size) {
+  return fails(SystemCall::Allocate) ? nullptr : std::malloc(size);
+}
+
 ImportPatch patch(SystemCall call) {
   switch (call) {
     case SystemCall::StartThread:
@@ -83,10 +89,12 @@ ImportPatch patch(SystemCall call) {
     case SystemCall::MakeSemaphore:
       return {kLibrary, "CreateSemaphoreA", &createSemaphore};
     case SystemCall::TellLocalTime:
+      return {kLibrary, "_mkgmtime64", &tellTime};
+    case SystemCall::Allocate:
     case SystemCall::kCount:
       break;
   }
-  return {kLibrary, "_mkgmtime64", &tellTime};
+  return {kRuntime, "malloc", &allocate};
 }
 
 }  // namespace

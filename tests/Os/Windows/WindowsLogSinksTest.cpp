@@ -1,13 +1,16 @@
 // The calls that the sinks make of the event log and the debugger.
 
+#include <cerrno>
 #include <cstdio>
 #include <gmock/gmock.h>
+#include <optional>
 #include <string>
 #include <vector>
 #include <windows.h>
 
 #include "Utils/Format.h"
 #include "Utils/Log.h"
+#include "tests/Os/SystemFaults.h"
 #include "tests/support/Windows/ImportPatch.h"
 
 namespace {
@@ -24,6 +27,7 @@ constexpr const char* kErrorLine = "OrvexQuorvel: Some:2:act: error: e %n\n";
 std::vector<std::string> s_calls;
 DWORD s_registerError = 0;
 DWORD s_reportError = 0;
+std::optional<test::FailingCall> s_noMemory;
 
 HANDLE sourceHandle() {
   return &s_calls;
@@ -52,6 +56,12 @@ BOOL WINAPI report(HANDLE source, WORD type, WORD category, DWORD event, PSID us
       strings[0]);
   SetLastError(s_reportError);
   return s_reportError == 0 ? TRUE : FALSE;
+}
+
+BOOL WINAPI reportWithoutMemory(HANDLE, WORD, WORD, DWORD, PSID, WORD, DWORD, const char**, void*) {
+  s_noMemory.emplace(test::SystemCall::Allocate, ENOMEM);
+  SetLastError(ERROR_ACCESS_DENIED);
+  return FALSE;
 }
 
 BOOL WINAPI deregisterSource(HANDLE source) {
@@ -135,6 +145,16 @@ TEST_F(WindowsLogSinks, TellTheDebuggerOfAReportThatFailed) {
                           reportOf("the source", kErrorLine),
                           std::string("debugger: Problem 5 with ReportEvent ") + kErrorLine + "\n",
                           "deregister the source", std::string("debugger: ") + kErrorLine));
+}
+
+TEST_F(WindowsLogSinks, TellTheDebuggerOfTheNumberAloneWithoutMemory) {
+  const test::ImportPatch patch(kLibrary, "ReportEventA", &reportWithoutMemory);
+  utils::logError(kLog, {"act", 2}, "%s", "e %n");
+  s_noMemory.reset();
+
+  EXPECT_THAT(s_calls, ElementsAre("register Zolan Quorvel Provider on this machine",
+                                   "debugger: Problem 5\n", "deregister the source",
+                                   std::string("debugger: ") + kErrorLine));
 }
 
 TEST_F(WindowsLogSinks, TellTheDebuggerOfBothFailures) {
