@@ -2,6 +2,7 @@
 //
 // load        prints the names of the agents
 // load-twice  loads again, and prints the refusal before the names
+// thread      starts a thread and waits for its end before it prints the names
 // unload      enumerates, and unloads the modules, the last one first
 
 #include <cstdio>
@@ -9,6 +10,8 @@
 #include <string>
 #include <windows.h>
 
+#include "Os/OSLocker.h"
+#include "Os/Windows/Handle.h"
 #include "Utils/Exception.h"
 #include "core/CimAgent.h"
 #include "core/CimBroker.h"
@@ -38,8 +41,23 @@ void enumerate() {
   }
 }
 
+// Returns once the thread has ended.
+void runThread() {
+  const os::Handle thread(CreateThread(
+      nullptr, 0, [](void*) -> DWORD { return 0; }, nullptr, 0, nullptr));
+  if (!thread.isOpen() || WaitForSingleObject(thread.get(), INFINITE) != WAIT_OBJECT_0) {
+    std::printf("no thread, error %lu\n", GetLastError());
+  }
+}
+
+void printLocker() {
+  std::printf("%s\n", os::OSLocker::hasInstance() ? "a flash lock" : "no flash lock");
+}
+
 void unload(const char* name) {
-  FreeLibrary(GetModuleHandleA(name));
+  if (FreeLibrary(GetModuleHandleA(name)) == FALSE) {
+    std::printf("%s is not to be had, error %lu\n", name, GetLastError());
+  }
   std::printf("%s is %s\n", name, GetModuleHandleA(name) == nullptr ? "unloaded" : "still there");
 }
 
@@ -54,12 +72,17 @@ int main(int argc, char** argv) {
   host::loadModules(directory);
   if (task == "unload") {
     enumerate();
+    printLocker();
     unload("OrvexSoftwareUpdateAgent.dll");
+    printLocker();
     unload("OrvexSoftwareInventoryAgent.dll");
     return EXIT_SUCCESS;
   }
   if (task == "load-twice") {
     loadAgain(directory);
+  }
+  if (task == "thread") {
+    runThread();
   }
   printAgents();
   return EXIT_SUCCESS;
