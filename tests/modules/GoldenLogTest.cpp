@@ -120,17 +120,18 @@ std::string maskSource(const std::string& source) {
 }
 
 // Returns whether only one platform logs such a record: that its loader calls the module for a
-// thread, and where its settings and its semaphore are.
+// thread, that it makes its access to settings and to semaphores, and what it opens for a setting.
 bool isOfOnePlatform(const std::string& record) {
-  constexpr const char* kMarks[] = {
-      "DllMain(2)",
-      "DllMain(3)",
-      "WindowsRegistry",
-      "WindowsSemaphoreWrapper",
+  constexpr const char* kStarts[] = {
+      "MainDllEntry:DllMain: debug: SoftwareUpdate Agent DllMain(2)\n",
+      "MainDllEntry:DllMain: debug: SoftwareUpdate Agent DllMain(3)\n",
+      "Utils/Singleton:utils::Singleton<class utils::WindowsRegistry>::Singleton: debug: New ",
+      "Utils/Singleton:utils::Singleton<class utils::WindowsSemaphoreWrapper>::Singleton: debug: "
+      "New ",
+      "Os/PLATFORM:utils::WindowsRegistry::getRegistryData: debug: Opennig key ",
   };
-  return std::any_of(std::begin(kMarks), std::end(kMarks), [&record](const char* mark) {
-    return record.find(mark) != std::string::npos;
-  });
+  return std::any_of(std::begin(kStarts), std::end(kStarts),
+                     [&record](const char* start) { return record.starts_with(start); });
 }
 
 std::string apply(const Mask& mask, std::string text) {

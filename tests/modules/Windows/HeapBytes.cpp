@@ -34,8 +34,8 @@ const std::size_t kEnumerations = 100;
 // Counts what the one C++ runtime of the process takes and gives back, from the first call on;
 // relative to that, so that a block from before may be given back.
 std::size_t heapBytes() {
-  static const ImportPatch malloc("libstdc++-6.dll", "malloc", &countingMalloc);
-  static const ImportPatch free("libstdc++-6.dll", "free", &countingFree);
+  static const ImportPatch mallocPatch("libstdc++-6.dll", "malloc", &countingMalloc);
+  static const ImportPatch freePatch("libstdc++-6.dll", "free", &countingFree);
   constexpr std::size_t kBase = std::size_t{1} << 40;
   return kBase + s_bytes;
 }

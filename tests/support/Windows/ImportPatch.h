@@ -20,12 +20,6 @@ class ImportPatch {
   ImportPatch& operator=(const ImportPatch&) = delete;
   ~ImportPatch();
 
-  // Returns the system's own function.
-  template <class Function>
-  [[nodiscard]] Function* original() const {
-    return reinterpret_cast<Function*>(m_original);
-  }
-
  private:
   void** m_entry;
   void* m_original;
