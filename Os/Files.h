@@ -1,7 +1,8 @@
 // Files, as the system reads them. Any thread may call. Defined per platform.
 //
 // Only regular files count as files; a device, a socket or a pipe "could not be opened". So could a
-// file of 2 GiB or more, whose size does not fit the interface.
+// file of 2 GiB or more, whose size does not fit the interface. Paths are texts of the program (see
+// Os/Texts.h).
 
 #ifndef ORVEX_OS_FILES_H_
 #define ORVEX_OS_FILES_H_
@@ -13,8 +14,10 @@
 
 namespace os {
 
-// Returns the file's size in bytes. Throws utils::Exception "Could not open the file '%s'" or, for
-// a directory, "The specyfied URI '%s' points to a directory ".
+// Returns the file's size in bytes. (Windows: a directory with a further attribute, a hidden one,
+// counts as a file here, and has the size that the system finds for it.) Throws utils::Exception
+// "Could not open the file '%s'" or, for a directory, "The specyfied URI '%s' points to a directory
+// ".
 [[nodiscard]] ORVEX_CORE_API std::int32_t getFileSize(const std::string& path);
 
 // Reads up to `count` bytes from the start of the file. Returns how many were read: fewer when the

@@ -3,8 +3,10 @@
 #include <limits>
 #include <memory>
 #include <sys/stat.h>
+#include <windows.h>
 
 #include "Os/Files.h"
+#include "Os/Windows/NoErrorDialogs.h"
 #include "Utils/Exception.h"
 #include "Utils/Log.h"
 
@@ -13,13 +15,32 @@ namespace {
 
 constexpr utils::LogSource kLog{"Os/Windows/Windows"};
 
+// Binary, and not inherited by the processes that a host starts meanwhile.
+constexpr const char* kReading = "rbN";
+
 struct FileCloser {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-// Finds the one entry that the path names. A pattern names none: it is no path.
+// The signs of patterns: the last three are the wildcards of DOS.
+constexpr const char* kWildcards = "*?<>\"";
+
+std::string getFullPath(const std::string& path) {
+  std::string full(GetFullPathNameA(path.c_str(), 0, nullptr, nullptr), '\0');
+  full.resize(
+      GetFullPathNameA(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+  return full;
+}
+
+// Devices have names in every directory: "C:\\firmware\\NUL".
+bool isDevice(const std::string& path) {
+  return getFullPath(path).starts_with("\\\\.\\");
+}
+
+// Finds the one entry that the path names. A pattern names none: it is no path. Nor does a device,
+// though the system finds one.
 bool find(const std::string& path, _finddata64i32_t& entry) {
-  if (path.find_first_of("*?") != std::string::npos) {
+  if (path.find_first_of(kWildcards) != std::string::npos || isDevice(path)) {
     return false;
   }
   const intptr_t search = _findfirst64i32(path.c_str(), &entry);
@@ -30,10 +51,10 @@ bool find(const std::string& path, _finddata64i32_t& entry) {
   return true;
 }
 
-// The size of the entry is that of _findfirst64i32 cut to 32 bits.
-bool isRegularBelowLimit(const std::string& path) {
+// The entry's own size is cut to 32 bits.
+bool isBelowLimit(const std::string& path) {
   struct _stat64 status {};
-  return _stat64(path.c_str(), &status) == 0 && (status.st_mode & _S_IFMT) == _S_IFREG &&
+  return _stat64(path.c_str(), &status) == 0 &&
          status.st_size <= std::numeric_limits<std::int32_t>::max();
 }
 
@@ -44,6 +65,7 @@ bool isPlainDirectory(const _finddata64i32_t& entry) {
 }  // namespace
 
 std::int32_t getFileSize(const std::string& path) {
+  const NoErrorDialogs noDialogs;
   _finddata64i32_t entry{};
   if (!find(path, entry)) {
     throw utils::Exception("Could not open the file '%s'", path.c_str());
@@ -51,7 +73,7 @@ std::int32_t getFileSize(const std::string& path) {
   if (isPlainDirectory(entry)) {
     throw utils::Exception("The specyfied URI '%s' points to a directory ", path.c_str());
   }
-  if (!isRegularBelowLimit(path)) {
+  if (!isBelowLimit(path)) {
     throw utils::Exception("Could not open the file '%s'", path.c_str());
   }
   const auto size = static_cast<std::int32_t>(entry.size);
@@ -61,9 +83,11 @@ std::int32_t getFileSize(const std::string& path) {
 
 std::int32_t readFile(const std::string& path, std::uint8_t* buffer, std::int32_t count) {
   utils::logDebug(kLog, "os::readFile", "Reading %d bytes from file %s", count, path.c_str());
+  const NoErrorDialogs noDialogs;
   std::int32_t total = 0;
+  _finddata64i32_t entry{};
   const std::unique_ptr<std::FILE, FileCloser> file(
-      isRegularBelowLimit(path) ? std::fopen(path.c_str(), "rb") : nullptr);
+      find(path, entry) && isBelowLimit(path) ? std::fopen(path.c_str(), kReading) : nullptr);
   if (file != nullptr && count > 0) {
     total = static_cast<std::int32_t>(
         std::fread(buffer, 1, static_cast<std::size_t>(count), file.get()));
@@ -75,6 +99,7 @@ std::int32_t readFile(const std::string& path, std::uint8_t* buffer, std::int32_
 bool isThisADir(const std::string& path) {
   utils::logDebug(kLog, "os::isThisADir", "Checking if the declared path %s points to a directory",
                   path.c_str());
+  const NoErrorDialogs noDialogs;
   _finddata64i32_t entry{};
   if (!find(path, entry) || !isPlainDirectory(entry)) {
     return false;

@@ -1,0 +1,27 @@
+// Keeps the system from asking whoever sits at the screen about a damaged library or an empty drive
+// while this object lives: the call fails instead. For the calling thread only.
+
+#ifndef ORVEX_OS_WINDOWS_NOERRORDIALOGS_H_
+#define ORVEX_OS_WINDOWS_NOERRORDIALOGS_H_
+
+#include <windows.h>
+
+namespace os {
+
+class NoErrorDialogs {
+ public:
+  NoErrorDialogs() {
+    SetThreadErrorMode(GetThreadErrorMode() | SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX,
+                       &m_before);
+  }
+  NoErrorDialogs(const NoErrorDialogs&) = delete;
+  NoErrorDialogs& operator=(const NoErrorDialogs&) = delete;
+  ~NoErrorDialogs() { SetThreadErrorMode(m_before, nullptr); }
+
+ private:
+  DWORD m_before = 0;
+};
+
+}  // namespace os
+
+#endif  // ORVEX_OS_WINDOWS_NOERRORDIALOGS_H_
