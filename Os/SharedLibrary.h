@@ -3,7 +3,7 @@
 #ifndef ORVEX_OS_SHAREDLIBRARY_H_
 #define ORVEX_OS_SHAREDLIBRARY_H_
 
-#include <string>
+#include <filesystem>
 
 #include "Utils/Export.h"
 
@@ -18,8 +18,8 @@ namespace os {
 
 // Loads a library for the life of the process, and with it runs its start-up code: what that code
 // registers is used until the end, so there is no unloading. Throws utils::Exception with the
-// loader's own words.
-ORVEX_CORE_API void loadSharedLibrary(const std::string& path);
+// loader's own words, and for a relative path, which names one library here and another there.
+ORVEX_CORE_API void loadSharedLibrary(const std::filesystem::path& path);
 
 }  // namespace os
 

@@ -1,9 +1,10 @@
 #include "host/ModuleLoader.h"
 
-#include <filesystem>
+#include <string>
 
 #include "Os/Environment.h"
 #include "Os/SharedLibrary.h"
+#include "Os/Texts.h"
 #include "Utils/Exception.h"
 #include "core/CimBroker.h"
 
@@ -14,25 +15,24 @@ constexpr const char* kModules[] = {"OrvexSoftwareInventoryAgent", "OrvexSoftwar
 
 }  // namespace
 
-std::string getModuleDirectory() {
-  const std::filesystem::path program(os::getProgramPath());
-  return (program.parent_path() / os::modulesFromPrograms()).lexically_normal().string();
+std::filesystem::path getModuleDirectory() {
+  return (os::getProgramPath().parent_path() / os::modulesFromPrograms()).lexically_normal();
 }
 
-void loadModule(const std::string& path) {
+void loadModule(const std::filesystem::path& path) {
   const std::size_t agentsBefore = core::GetCimBroker().getAgents().size();
   os::loadSharedLibrary(path);
   if (core::GetCimBroker().getAgents().size() == agentsBefore) {
     throw utils::Exception(
         "The module '%s' was loaded but registered no agent. The system log tells why.",
-        path.c_str());
+        os::toShownText(path).c_str());
   }
 }
 
-void loadModules(const std::string& directory) {
+void loadModules(const std::filesystem::path& directory) {
   for (const char* name : kModules) {
     const std::string file = std::string(name) + os::sharedLibrarySuffix();
-    loadModule((std::filesystem::path(directory) / file).make_preferred().string());
+    loadModule((directory / file).make_preferred());
   }
 }
 

@@ -1,9 +1,10 @@
-#include <climits>
 #include <cstdlib>
 #include <fcntl.h>
+#include <system_error>
 #include <unistd.h>
 
 #include "Os/Environment.h"
+#include "Utils/Exception.h"
 
 namespace os {
 
@@ -11,10 +12,16 @@ void setEnvironment(const std::string& name, const std::string& value) {
   setenv(name.c_str(), value.c_str(), 1);
 }
 
-std::string getProgramPath() {
-  char path[PATH_MAX];
-  const ssize_t length = readlink("/proc/self/exe", path, sizeof path);
-  return length > 0 ? std::string(path, static_cast<std::size_t>(length)) : std::string();
+void demandExactArguments() {}
+
+std::filesystem::path getProgramPath() {
+  std::error_code error;
+  std::filesystem::path path = std::filesystem::read_symlink("/proc/self/exe", error);
+  if (error) {
+    throw utils::Exception("The path of the running program is not known: %s",
+                           error.message().c_str());
+  }
+  return path;
 }
 
 // A new descriptor is the lowest free one, so each missing stream gets its own, opened the wrong

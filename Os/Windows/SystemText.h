@@ -12,8 +12,9 @@ namespace os {
 // when the system has none.
 [[nodiscard]] std::string getSystemText(std::uint32_t error);
 
-// Returns the same, or "error CODE" where there is none.
-[[nodiscard]] std::string describeSystemError(std::uint32_t error);
+// Returns the same with the subject, a file for example, where the text leaves room for one ("%1 is
+// not a valid application"); "error CODE" where there is none.
+[[nodiscard]] std::string describeSystemError(std::uint32_t error, const std::string& subject);
 
 }  // namespace os
 

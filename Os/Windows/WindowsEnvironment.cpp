@@ -2,17 +2,40 @@
 #include <windows.h>
 
 #include "Os/Environment.h"
+#include "Os/Texts.h"
+#include "Os/Windows/SystemText.h"
+#include "Utils/Exception.h"
 
 namespace os {
+namespace {
+
+// The longest path that the system knows, with its end.
+constexpr std::size_t kMaxPath = 32768;
+
+}  // namespace
 
 void setEnvironment(const std::string& name, const std::string& value) {
   _putenv_s(name.c_str(), value.c_str());
 }
 
-std::string getProgramPath() {
-  char path[MAX_PATH];
-  const DWORD length = GetModuleFileNameA(nullptr, path, MAX_PATH);
-  return length < MAX_PATH ? std::string(path, length) : std::string();
+void demandExactArguments() {
+  if (!toText(GetCommandLineW())) {
+    throw utils::Exception(
+        "The command line has characters that the code page of this system (%u) lacks. Give the "
+        "files names without them, or use the short names that 'dir /x' shows",
+        GetACP());
+  }
+}
+
+std::filesystem::path getProgramPath() {
+  std::wstring path(kMaxPath, L'\0');
+  const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+  if (length == 0 || length == path.size()) {
+    throw utils::Exception("The path of the running program is not known: %s",
+                           describeSystemError(GetLastError(), "").c_str());
+  }
+  path.resize(length);
+  return path;
 }
 
 // A missing stream has no descriptor of the C runtime, and none is given to a file by accident:

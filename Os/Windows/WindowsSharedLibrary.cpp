@@ -1,6 +1,9 @@
+#include <filesystem>
 #include <windows.h>
 
 #include "Os/SharedLibrary.h"
+#include "Os/Texts.h"
+#include "Os/Windows/NoErrorDialogs.h"
 #include "Os/Windows/SystemText.h"
 #include "Utils/Exception.h"
 
@@ -14,12 +17,23 @@ const char* modulesFromPrograms() {
   return ".";
 }
 
-// The library's own directory is searched for what it needs, then the program's.
-void loadSharedLibrary(const std::string& path) {
-  if (LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH) == nullptr) {
+// What the library needs is looked for in its own directory, the program's and the system's:
+// neither in the current directory nor in those of PATH, where anybody may have put one.
+void loadSharedLibrary(const std::filesystem::path& path) {
+  const std::string shown = toShownText(path);
+  if (!path.is_absolute()) {
+    throw utils::Exception("Could not load the library '%s': its path is not absolute",
+                           shown.c_str());
+  }
+  const NoErrorDialogs noDialogs;
+  // Slashes are not defined here.
+  const std::filesystem::path native = std::filesystem::path(path).make_preferred();
+  if (LoadLibraryExW(native.c_str(), nullptr,
+                     LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS) ==
+      nullptr) {
     const auto error = static_cast<std::uint32_t>(GetLastError());
-    throw utils::Exception("Could not load the library '%s': %s", path.c_str(),
-                           describeSystemError(error).c_str());
+    throw utils::Exception("Could not load the library '%s': %s", shown.c_str(),
+                           describeSystemError(error, shown).c_str());
   }
 }
 

@@ -6,6 +6,7 @@
 #include "Os/SharedLibrary.h"
 #include "Utils/Exception.h"
 #include "tests/Os/Platform.h"
+#include "tests/support/CurrentDirectory.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/Throws.h"
 #include "tests/support/Variables.h"
@@ -57,6 +58,16 @@ TEST(SharedLibrary, ThatIsNoneIsRefused) {
 
   EXPECT_THAT(loading(path), test::ThrowsExactly<utils::Exception>(
                                  StartsWith("Could not load the library '" + path + "': ")));
+}
+
+TEST(SharedLibrary, WithARelativePathIsRefused) {
+  const std::string name = std::string("os_test_module") + os::sharedLibrarySuffix();
+  const test::CurrentDirectory beside(os::getProgramPath().parent_path());
+  for (const std::string& path : {name, "./" + name, std::string()}) {
+    EXPECT_THAT(loading(path),
+                test::ThrowsExactly<utils::Exception>("Could not load the library '" + path +
+                                                      "': its path is not absolute"));
+  }
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // The update agent without its sibling: a process that loads that module only.
 
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <string>
 
@@ -17,8 +18,9 @@ using testing::IsEmpty;
 
 TEST(AgentAlone, ServesWhatNeedsNoSibling) {
   const test::ModuleHost configuration;
-  host::loadModule(std::string(QUORVEL_TEST_MODULE_DIR) + "/OrvexSoftwareUpdateAgent" +
-                   os::sharedLibrarySuffix());
+  const std::filesystem::path directory = std::filesystem::absolute(QUORVEL_TEST_MODULE_DIR);
+  host::loadModule(directory /
+                   (std::string("OrvexSoftwareUpdateAgent") + os::sharedLibrarySuffix()));
 
   EXPECT_EQ(test::servedClasses().size(), 10u);
   EXPECT_THAT(enumerate("Orvex_RegisteredProfile", "InstanceID"),

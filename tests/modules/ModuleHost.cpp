@@ -44,7 +44,7 @@ ModuleHost::~ModuleHost() = default;
 void ModuleHost::load() {
   static bool isLoaded = false;
   if (!isLoaded) {
-    host::loadModules(QUORVEL_TEST_MODULE_DIR);
+    host::loadModules(fs::absolute(QUORVEL_TEST_MODULE_DIR));
     isLoaded = true;
   }
 }

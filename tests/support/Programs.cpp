@@ -5,7 +5,7 @@
 namespace test {
 
 std::filesystem::path programBeside(const std::string& name) {
-  const std::filesystem::path program(os::getProgramPath());
+  const std::filesystem::path program = os::getProgramPath();
   return program.parent_path() / (name + program.extension().string());
 }
 

@@ -333,7 +333,7 @@ TEST_F(WindowsOSLockerCalls, LogAFailedReleaseInTheWordsOfTheSystem) {
       log.records(),
       ElementsAre(IsRecordOf("Os/Windows/WindowsOSLocker", LogLevel::Debug, kUnLock,
                              testing::AllOf(testing::StartsWith("'ReleaseSemaphore' Error [6]: "),
-                                            testing::EndsWith("handle")))));
+                                            testing::EndsWith("handle.")))));
   EXPECT_EQ(locker.UnLock(), 0);
 }
 

@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <windows.h>
 
@@ -25,7 +26,7 @@ void printAgents() {
   }
 }
 
-void loadAgain(const std::string& directory) {
+void loadAgain(const std::filesystem::path& directory) {
   try {
     host::loadModules(directory);
   } catch (const utils::Exception& error) {
@@ -68,7 +69,7 @@ int main(int argc, char** argv) {
     return EXIT_FAILURE;
   }
   const std::string task = argv[1];
-  const std::string directory = argv[2];
+  const std::filesystem::path directory = std::filesystem::absolute(argv[2]);
   host::loadModules(directory);
   if (task == "unload") {
     enumerate();

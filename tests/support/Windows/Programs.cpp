@@ -6,6 +6,8 @@
 #include <thread>
 #include <windows.h>
 
+#include "Os/Texts.h"
+
 namespace test {
 namespace {
 
@@ -108,19 +110,20 @@ ProgramResult runProgram(const std::filesystem::path& program,
                          const std::vector<EnvironmentChange>& environment) {
   OutputPipe output;
   OutputPipe errors;
-  STARTUPINFOA startup{};
+  STARTUPINFOW startup{};
   startup.cb = sizeof startup;
   startup.dwFlags = STARTF_USESTDHANDLES;
   startup.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
   startup.hStdOutput = output.in();
   startup.hStdError = errors.in();
-  std::string command = quoteArgument(program.string());
+  std::string command = quoteArgument(os::toShownText(program));
   for (const std::string& argument : arguments) {
     command += " " + quoteArgument(argument);
   }
   std::string variables = makeEnvironment(environment);
   PROCESS_INFORMATION process{};
-  if (CreateProcessA(program.string().c_str(), command.data(), nullptr, nullptr, TRUE, 0,
+  std::wstring wideCommand = os::toPath(command).native();
+  if (CreateProcessW(program.c_str(), wideCommand.data(), nullptr, nullptr, TRUE, 0,
                      variables.data(), nullptr, &startup, &process) == FALSE) {
     fail("CreateProcess");
   }

@@ -1,0 +1,46 @@
+#include <utility>
+#include <windows.h>
+
+#include "Os/Texts.h"
+
+namespace os {
+namespace {
+
+std::wstring widen(const std::string& text) {
+  const auto size = static_cast<int>(text.size());
+  const int length = MultiByteToWideChar(CP_ACP, 0, text.data(), size, nullptr, 0);
+  std::wstring wide(static_cast<std::size_t>(length), L'\0');
+  MultiByteToWideChar(CP_ACP, 0, text.data(), size, wide.data(), length);
+  return wide;
+}
+
+std::string narrow(UINT codePage, const std::wstring& wide) {
+  const auto size = static_cast<int>(wide.size());
+  const int length =
+      WideCharToMultiByte(codePage, 0, wide.data(), size, nullptr, 0, nullptr, nullptr);
+  std::string text(static_cast<std::size_t>(length), '\0');
+  WideCharToMultiByte(codePage, 0, wide.data(), size, text.data(), length, nullptr, nullptr);
+  return text;
+}
+
+}  // namespace
+
+std::filesystem::path toPath(const std::string& text) {
+  return widen(text);
+}
+
+// What does not come back as it was has lost something.
+std::optional<std::string> toText(const std::filesystem::path& path) {
+  std::string text = narrow(CP_ACP, path.native());
+  return widen(text) == path.native() ? std::optional(std::move(text)) : std::nullopt;
+}
+
+std::string toShownText(const std::filesystem::path& path) {
+  return narrow(CP_ACP, path.native());
+}
+
+std::string toUtf8(const std::string& text) {
+  return narrow(CP_UTF8, widen(text));
+}
+
+}  // namespace os
