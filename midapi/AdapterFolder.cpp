@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+#include "midapi/Texts.h"
+
 namespace ma {
 namespace {
 
@@ -81,7 +83,7 @@ AdapterDescription AdapterFolder::parse(const std::string& text) const {
     return description;
   } catch (const DescriptionFault& fault) {
     throw FlashFault(FlashError::InvalidDescription,
-                     descriptionPath().string() + ": " + fault.what());
+                     toShownText(descriptionPath()) + ": " + fault.what());
   }
 }
 

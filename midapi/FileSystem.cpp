@@ -1,6 +1,6 @@
 #include "midapi/FileSystem.h"
 
-#include <cstdlib>
+#include "midapi/Texts.h"
 
 namespace ma {
 namespace {
@@ -15,16 +15,16 @@ std::string describe(std::error_code code) {
 
 FileFault::FileFault(const std::string& operation, const std::filesystem::path& path,
                      std::error_code code)
-    : m_code(code), m_text("cannot " + operation + " " + path.string() + ": " + describe(code)) {}
+    : m_code(code),
+      m_text("cannot " + operation + " " + toShownText(path) + ": " + describe(code)) {}
 
 bool FileFault::isMissingFile() const {
   return m_code == std::errc::no_such_file_or_directory;
 }
 
 std::filesystem::path adaptersDirectory() {
-  const char* configured = std::getenv("ORVEX_ADAPTERS");
-  return configured != nullptr && *configured != '\0' ? std::filesystem::path(configured)
-                                                      : defaultAdaptersDirectory();
+  const std::filesystem::path configured = environmentPath("ORVEX_ADAPTERS");
+  return configured.empty() ? defaultAdaptersDirectory() : configured;
 }
 
 void replaceContent(FileSystem& files, const std::filesystem::path& path, ConstBytes content) {

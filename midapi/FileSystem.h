@@ -79,7 +79,8 @@ class FileSystem {
   [[nodiscard]] virtual FileBytes read(const std::filesystem::path& path, std::size_t maxSize) = 0;
 
   // Returns the names of the folders in a folder, in no order.
-  [[nodiscard]] virtual std::vector<std::string> folders(const std::filesystem::path& path) = 0;
+  [[nodiscard]] virtual std::vector<std::filesystem::path> folders(
+      const std::filesystem::path& path) = 0;
 
   [[nodiscard]] virtual bool exists(const std::filesystem::path& path) = 0;
 
@@ -108,6 +109,10 @@ class FileSystem {
 
 // Defined per platform.
 [[nodiscard]] std::filesystem::path defaultAdaptersDirectory();
+
+// Returns the path in a variable of the environment; empty when it is not set. Defined per
+// platform: on Windows a path may have characters that no text holds.
+[[nodiscard]] std::filesystem::path environmentPath(const char* variable);
 
 // Gives a file another content such that any reader, and the disk after a crash, sees the old one
 // or the new one. Goes through `path` with ".new" behind it.

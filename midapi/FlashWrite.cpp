@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "midapi/Hex.h"
+#include "midapi/Texts.h"
 
 namespace ma {
 namespace {
@@ -124,7 +125,7 @@ void FlashWrite::compare(const std::filesystem::path& written) {
       std::mismatch(found.begin(), found.end(), m_image.begin(), m_image.end());
   if (different != found.end() || expected != m_image.end()) {
     throw FlashFault(FlashError::CompareMismatch,
-                     written.string() + " differs from the image at 0x" +
+                     toShownText(written) + " differs from the image at 0x" +
                          hexText(static_cast<std::uint64_t>(different - found.begin()), 2));
   }
 }

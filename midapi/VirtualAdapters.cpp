@@ -11,6 +11,7 @@
 #include "midapi/Hex.h"
 #include "midapi/ImagePreparation.h"
 #include "midapi/OptionRom.h"
+#include "midapi/Texts.h"
 #include "midapi/VirtualFlashBackend.h"
 
 namespace ma {
@@ -125,7 +126,7 @@ VirtualAdapters::VirtualAdapters(std::filesystem::path directory)
 
 AdapterList VirtualAdapters::list() const {
   AdapterList result;
-  std::vector<std::string> strangers;
+  std::vector<std::filesystem::path> strangers;
   std::vector<AdapterAddress> addresses;
   try {
     addresses = listAdapterFolders(nativeFileSystem(), m_directory, &strangers);
@@ -141,8 +142,8 @@ AdapterList VirtualAdapters::list() const {
     }
   }
   std::sort(strangers.begin(), strangers.end());
-  for (const std::string& name : strangers) {
-    if (name.front() != '.') {
+  for (const std::filesystem::path& name : strangers) {
+    if (name.native().front() != '.') {
       result.problems.push_back(
           {m_directory / name, "The folder's name is no adapter address like 0000-03-00"});
     }
@@ -160,13 +161,13 @@ void VirtualAdapters::add(const AdapterSpec& spec) const {
   const std::filesystem::path folder = m_directory / toFolderName(spec.pci);
   try {
     if (files.exists(folder)) {
-      throw AdapterFault("Adapter " + address + " exists already (" + folder.string() +
+      throw AdapterFault("Adapter " + address + " exists already (" + toShownText(folder) +
                          "). Choose another address, or remove that folder first.");
     }
     const FileBytes rom = files.read(spec.rom, kMaxRom);
     const RomChain chain = parseRomChain(rom.view());
     if (!chain.isValid()) {
-      throw AdapterFault("The file " + spec.rom.string() +
+      throw AdapterFault("The file " + toShownText(spec.rom) +
                          " is no valid chain of PCI Expansion ROM images: " +
                          chain.defect->toString() + ". Give a file with undamaged images.");
     }

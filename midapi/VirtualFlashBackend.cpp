@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "midapi/FlashWrite.h"
+#include "midapi/Texts.h"
 
 namespace ma {
 namespace {
@@ -14,7 +15,7 @@ AdapterDescription describePort(const AdapterFolder& folder, const PortId& port)
   if (description.findPort(port.function) == nullptr) {
     throw FlashFault(
         FlashError::UnknownAdapter,
-        toString(port) + " (" + folder.descriptionPath().string() + " lists no such function)");
+        toString(port) + " (" + toShownText(folder.descriptionPath()) + " lists no such function)");
   }
   return description;
 }
@@ -82,8 +83,8 @@ AdapterFolder VirtualFlashBackend::folderOf(const PortId& port) const {
 
 std::vector<AdapterAddress> listAdapterFolders(FileSystem& files,
                                                const std::filesystem::path& directory,
-                                               std::vector<std::string>* strangers) {
-  std::vector<std::string> names;
+                                               std::vector<std::filesystem::path>* strangers) {
+  std::vector<std::filesystem::path> names;
   try {
     names = files.folders(directory);
   } catch (const FileFault& fault) {
@@ -93,8 +94,10 @@ std::vector<AdapterAddress> listAdapterFolders(FileSystem& files,
     throw FlashFault(FlashError::InputOutput, fault.what());
   }
   std::vector<AdapterAddress> addresses;
-  for (std::string& name : names) {
-    if (const auto address = parseFolderName(name)) {
+  for (std::filesystem::path& name : names) {
+    const std::string shown = toShownText(name);
+    // The text of another name may look like an address.
+    if (const auto address = parseFolderName(shown); address && name == shown) {
       addresses.push_back(*address);
     } else if (strangers != nullptr) {
       strangers->push_back(std::move(name));

@@ -42,7 +42,7 @@ class VirtualFlashBackend final : public FlashBackend {
 // directory does not exist. Throws FlashFault. `strangers` takes the names of other folders.
 [[nodiscard]] std::vector<AdapterAddress> listAdapterFolders(
     FileSystem& files, const std::filesystem::path& directory,
-    std::vector<std::string>* strangers = nullptr);
+    std::vector<std::filesystem::path>* strangers = nullptr);
 
 }  // namespace ma
 

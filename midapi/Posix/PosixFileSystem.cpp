@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -121,14 +122,14 @@ class PosixFileSystem final : public FileSystem {
     return content;
   }
 
-  std::vector<std::string> folders(const fs::path& path) override {
-    std::vector<std::string> names;
+  std::vector<fs::path> folders(const fs::path& path) override {
+    std::vector<fs::path> names;
     std::error_code error;
     fs::directory_iterator entry(path, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
       std::error_code gone;
       if (entry->is_directory(gone)) {
-        names.push_back(entry->path().filename().string());
+        names.push_back(entry->path().filename());
       }
     }
     if (error) {
@@ -181,13 +182,19 @@ class PosixFileSystem final : public FileSystem {
 
 }  // namespace
 
+// Never destroyed: job threads may still ask it while the process exits.
 FileSystem& nativeFileSystem() {
-  static PosixFileSystem files;
+  static FileSystem& files = *new PosixFileSystem;
   return files;
 }
 
 fs::path defaultAdaptersDirectory() {
   return "/var/lib/orvex/adapters";
+}
+
+fs::path environmentPath(const char* variable) {
+  const char* value = std::getenv(variable);
+  return value != nullptr ? value : "";
 }
 
 }  // namespace ma

@@ -53,6 +53,22 @@ DWORD moveInto(const fs::path& from, const fs::path& to) {
   }
 }
 
+// Keeps the system from asking whoever sits at the screen about an empty drive while this object
+// lives: the call fails instead. For the calling thread only.
+class NoErrorDialogs {
+ public:
+  NoErrorDialogs() {
+    SetThreadErrorMode(GetThreadErrorMode() | SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX,
+                       &m_before);
+  }
+  NoErrorDialogs(const NoErrorDialogs&) = delete;
+  NoErrorDialogs& operator=(const NoErrorDialogs&) = delete;
+  ~NoErrorDialogs() { SetThreadErrorMode(m_before, nullptr); }
+
+ private:
+  DWORD m_before = 0;
+};
+
 class Handle {
  public:
   Handle(const char* operation, const fs::path& path, DWORD access, DWORD creation)
@@ -91,6 +107,7 @@ class WindowsWritableFile final : public WritableFile {
       : m_path(path), m_file("create", path, GENERIC_WRITE, CREATE_ALWAYS) {}
 
   void append(ConstBytes bytes) override {
+    const NoErrorDialogs noDialogs;
     while (!bytes.empty()) {
       DWORD written = 0;
       if (WriteFile(m_file.get(), bytes.data(), portionOf(bytes.size()), &written, nullptr) ==
@@ -102,6 +119,7 @@ class WindowsWritableFile final : public WritableFile {
   }
 
   void sync() override {
+    const NoErrorDialogs noDialogs;
     if (FlushFileBuffers(m_file.get()) == FALSE) {
       fail("write", m_path, GetLastError());
     }
@@ -121,6 +139,7 @@ class WindowsWritableFile final : public WritableFile {
 class WindowsFileSystem final : public FileSystem {
  public:
   FileBytes read(const fs::path& path, std::size_t maxSize) override {
+    const NoErrorDialogs noDialogs;
     if (isFolder(path)) {
       fail("read", path, std::errc::is_a_directory);
     }
@@ -148,14 +167,15 @@ class WindowsFileSystem final : public FileSystem {
     return content;
   }
 
-  std::vector<std::string> folders(const fs::path& path) override {
-    std::vector<std::string> names;
+  std::vector<fs::path> folders(const fs::path& path) override {
+    const NoErrorDialogs noDialogs;
+    std::vector<fs::path> names;
     std::error_code error;
     fs::directory_iterator entry(path, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
       std::error_code gone;
       if (entry->is_directory(gone)) {
-        names.push_back(entry->path().filename().string());
+        names.push_back(entry->path().filename());
       }
     }
     if (error) {
@@ -165,6 +185,7 @@ class WindowsFileSystem final : public FileSystem {
   }
 
   bool exists(const fs::path& path) override {
+    const NoErrorDialogs noDialogs;
     if (GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES) {
       return true;
     }
@@ -176,22 +197,26 @@ class WindowsFileSystem final : public FileSystem {
   }
 
   std::unique_ptr<WritableFile> create(const fs::path& path) override {
+    const NoErrorDialogs noDialogs;
     return std::make_unique<WindowsWritableFile>(path);
   }
 
   void replace(const fs::path& from, const fs::path& to) override {
+    const NoErrorDialogs noDialogs;
     if (const DWORD error = moveInto(from, to); error != ERROR_SUCCESS) {
       fail("replace", to, error);
     }
   }
 
   void createFolder(const fs::path& path) override {
+    const NoErrorDialogs noDialogs;
     if (CreateDirectoryW(path.c_str(), nullptr) == FALSE) {
       fail("create", path, GetLastError());
     }
   }
 
   void createFolders(const fs::path& path) override {
+    const NoErrorDialogs noDialogs;
     std::error_code error;
     fs::create_directories(path, error);
     if (error) {
@@ -200,6 +225,7 @@ class WindowsFileSystem final : public FileSystem {
   }
 
   void removeQuietly(const fs::path& path) noexcept override {
+    const NoErrorDialogs noDialogs;
     std::error_code ignored;
     fs::remove_all(path, ignored);
   }
@@ -207,15 +233,25 @@ class WindowsFileSystem final : public FileSystem {
 
 }  // namespace
 
+// Never destroyed: job threads may still ask it while the process exits.
 FileSystem& nativeFileSystem() {
-  static WindowsFileSystem files;
+  static FileSystem& files = *new WindowsFileSystem;
   return files;
 }
 
 // %ProgramData%, where the data of services stand.
 fs::path defaultAdaptersDirectory() {
-  const wchar_t* base = _wgetenv(L"ProgramData");
-  return fs::path(base != nullptr ? base : L"C:\\ProgramData") / "Orvex" / "adapters";
+  const fs::path base = environmentPath("ProgramData");
+  return (base.empty() ? fs::path("C:\\ProgramData") : base) / "Orvex" / "adapters";
+}
+
+// Not by the C runtime, whose wide environment may be made from its narrow one.
+fs::path environmentPath(const char* variable) {
+  const std::wstring name = fs::path(variable).native();
+  std::wstring value(GetEnvironmentVariableW(name.c_str(), nullptr, 0), L'\0');
+  value.resize(
+      GetEnvironmentVariableW(name.c_str(), value.data(), static_cast<DWORD>(value.size())));
+  return value;
 }
 
 }  // namespace ma

@@ -44,7 +44,7 @@ class WatchedFileSystem final : public ma::FileSystem {
     afterRead(path, content);
     return content;
   }
-  std::vector<std::string> folders(const std::filesystem::path& path) override {
+  std::vector<std::filesystem::path> folders(const std::filesystem::path& path) override {
     ++listings;
     return m_real.folders(path);
   }

@@ -6,7 +6,10 @@
 #include <windows.h>
 
 #include "midapi/FileSystem.h"
+#include "midapi/VirtualFlashBackend.h"
 #include "tests/support/TempDirectory.h"
+#include "tests/support/Windows/ImportPatch.h"
+#include "tests/support/Windows/Umlauts.h"
 
 namespace ma {
 namespace {
@@ -40,6 +43,18 @@ class OpenFile {
  private:
   HANDLE m_file;
 };
+
+DWORD s_errorMode = 0;
+
+HANDLE WINAPI openFile(const wchar_t* path, DWORD access, DWORD share,
+                       SECURITY_ATTRIBUTES* attributes, DWORD creation, DWORD flags,
+                       HANDLE pattern) {
+  s_errorMode = GetThreadErrorMode();
+  using Open = decltype(CreateFileW);
+  auto* const open = reinterpret_cast<Open*>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32.dll"), "CreateFileW")));
+  return open(path, access, share, attributes, creation, flags, pattern);
+}
 
 class WindowsFileSystemTest : public testing::Test {
  protected:
@@ -109,6 +124,42 @@ TEST_F(WindowsFileSystemTest, CreatesAFolderOnce) {
   files().createFolder(folder);
   EXPECT_TRUE(files().exists(folder));
   EXPECT_THAT(faultOf([&] { files().createFolder(folder); }), HasSubstr("File exists"));
+}
+
+TEST_F(WindowsFileSystemTest, NamesFilesInTheCodePage) {
+  test::demandWesternCodePage();
+  EXPECT_EQ(readFault(test::kUmlautPath),
+            "cannot read " + std::string(test::kUmlautText) + ": No such file or directory");
+}
+
+TEST_F(WindowsFileSystemTest, WorksInADirectoryThatTheCodePageHasNoNameFor) {
+  const auto folder = m_directory.path() / test::kMacronPath;
+  files().createFolders(folder / "flash.rom");
+  EXPECT_THAT(files().folders(m_directory.path()),
+              testing::ElementsAre(std::filesystem::path(test::kMacronPath)));
+  SetEnvironmentVariableW(L"ORVEX_ADAPTERS", folder.c_str());
+  EXPECT_EQ(adaptersDirectory(), folder);
+  SetEnvironmentVariableW(L"ORVEX_ADAPTERS", nullptr);
+}
+
+// The sign is a wide 0, whose likeness is a plain one.
+TEST_F(WindowsFileSystemTest, TakesNoLikenessOfAnAddressForAnAdapter) {
+  const std::filesystem::path stranger = L"\uFF10000-03-00";
+  files().createFolder(m_directory.path() / stranger);
+  std::vector<std::filesystem::path> strangers;
+
+  EXPECT_THAT(listAdapterFolders(files(), m_directory.path(), &strangers), testing::IsEmpty());
+  EXPECT_THAT(strangers, testing::ElementsAre(stranger));
+}
+
+TEST_F(WindowsFileSystemTest, AsksNobodyAboutADriveWithoutAMedium) {
+  s_errorMode = 0;
+  const DWORD before = GetThreadErrorMode();
+  const test::ImportPatch open("midapi_test.exe", "CreateFileW", &openFile);
+  EXPECT_EQ(readFault(m_old), "no fault");
+
+  EXPECT_EQ(s_errorMode, DWORD{SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX});
+  EXPECT_EQ(GetThreadErrorMode(), before);
 }
 
 TEST_F(WindowsFileSystemTest, ReadsWhatIsStillBeingWritten) {

@@ -1,0 +1,17 @@
+#include "midapi/Texts.h"
+
+namespace ma {
+
+std::string toShownText(const std::filesystem::path& path) {
+  return path.native();
+}
+
+std::string fromUtf8(const std::string& utf8) {
+  return utf8;
+}
+
+std::string toUtf8(const std::string& text) {
+  return text;
+}
+
+}  // namespace ma
