@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "Os/Texts.h"
 #include "Utils/FirmwareTypes.h"
 #include "Utils/Format.h"
 #include "cli/Output.h"
@@ -131,7 +132,8 @@ Json toJson(const ma::AdapterListing& adapter) {
 
 void warnAboutProblems(std::ostream& err, const ma::AdapterList& list) {
   for (const ma::AdapterProblem& problem : list.problems) {
-    err << "quorvel: warning: " << problem.folder.string() << " is passed over: " << problem.text
+    err << "quorvel: warning: " << os::toShownText(problem.folder)
+        << " is passed over: " << problem.text
         << "\n  next: repair the folder, or move it out of the adapters directory\n";
   }
   for (const ma::AdapterListing& adapter : list.adapters) {
@@ -155,7 +157,7 @@ ExitStatus listAdapters(const Context& context) {
     }
     printJson(context.out, document);
   } else if (list.adapters.empty()) {
-    context.out << "There are no adapters in " << adapters.directory().string()
+    context.out << "There are no adapters in " << os::toShownText(adapters.directory())
                 << ". Make one with 'quorvel adapters add', or name another directory with "
                    "--adapters.\n";
   } else {
@@ -201,7 +203,7 @@ ma::AdapterSpec toSpec(const AddOptions& options) {
   spec.vendor = parseId(options.vendor).value();
   spec.device = parseId(options.device).value();
   spec.ports = options.ports;
-  spec.rom = options.rom;
+  spec.rom = os::toPath(options.rom);
   spec.writeRate = options.rate;
   return spec;
 }
@@ -219,12 +221,12 @@ ExitStatus addAdapter(const Context& context, const AddOptions& options) {
   });
   if (made.adapters.empty()) {
     throw Fault("adapter " + ma::toString(spec.pci) + " was made, but is gone from " +
-                adapters.directory().string() + " already; look who else works there");
+                os::toShownText(adapters.directory()) + " already; look who else works there");
   }
   if (context.options.isJson) {
     printJson(context.out, toJson(made.adapters.front()));
   } else {
-    context.out << "Added to " << adapters.directory().string() << ":\n";
+    context.out << "Added to " << os::toShownText(adapters.directory()) << ":\n";
     printTable(context.out, made);
   }
   return ExitStatus::Done;

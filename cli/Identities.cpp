@@ -7,6 +7,7 @@
 #include <system_error>
 #include <utility>
 
+#include "Os/Texts.h"
 #include "Utils/Exception.h"
 #include "cli/Context.h"
 #include "cli/ErrorRecords.h"
@@ -79,11 +80,12 @@ bool isItsName(const Identity& identity, const std::string& text) {
 
 bool isItsFile(const Identity& identity, const std::string& text) {
   std::error_code error;
-  return identity.isFile && std::filesystem::equivalent(identity.name, text, error);
+  return identity.isFile &&
+         std::filesystem::equivalent(os::toPath(identity.name), os::toPath(text), error);
 }
 
 bool isItsFileName(const Identity& identity, const std::string& text) {
-  return identity.isFile && std::filesystem::path(identity.name).filename() == text;
+  return identity.isFile && os::toPath(identity.name).filename() == os::toPath(text);
 }
 
 // The first that holds for any identity decides.

@@ -7,6 +7,7 @@
 int main(int argc, char** argv) {
   os::reserveStandardStreams();
   try {
+    os::demandExactArguments();
     return cli::runProgram(argc, argv, std::cout, std::cerr);
   } catch (const std::exception& exception) {
     std::cerr << "quorvel: " << exception.what() << '\n';

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "Os/Texts.h"
 #include "Utils/Exception.h"
 #include "cli/TextTable.h"
 #include "core/CimPropertyRef.h"
@@ -54,6 +55,17 @@ std::vector<core::CimProperty*> select(core::CimPropertyList& properties, NullPr
     }
   }
   return result;
+}
+
+// Names of fields are no texts from outside.
+void makeUtf8(Json& value) {
+  if (value.is_string()) {
+    value = os::toUtf8(value.get_ref<const std::string&>());
+  } else if (value.is_structured()) {
+    for (Json& item : value) {
+      makeUtf8(item);
+    }
+  }
 }
 
 }  // namespace
@@ -131,7 +143,8 @@ void printProperties(std::ostream& out, core::CimPropertyList& properties, NullP
   }
 }
 
-void printJson(std::ostream& out, const Json& document) {
+void printJson(std::ostream& out, Json document) {
+  makeUtf8(document);
   out << document.dump(kIndent, ' ', false, Json::error_handler_t::replace) << '\n';
 }
 

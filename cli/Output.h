@@ -39,8 +39,9 @@ enum class NullProperties { Left, Shown };
 // Prints "  Name = value" lines whose signs line up.
 void printProperties(std::ostream& out, core::CimPropertyList& properties, NullProperties nulls);
 
-// Prints a document. Bytes that are no UTF-8 appear as replacement characters.
-void printJson(std::ostream& out, const Json& document);
+// Prints a document in UTF-8: its texts are made so (see Os/Texts.h), and bytes that are none after
+// all appear as replacement characters.
+void printJson(std::ostream& out, Json document);
 
 }  // namespace cli
 

@@ -4,6 +4,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "Os/Texts.h"
 #include "cim/MethodSignatures.h"
 #include "cli/ErrorRecords.h"
 #include "cli/TextTable.h"
@@ -75,7 +76,7 @@ std::string adviseOnFile(const std::string& path) {
     return "";
   }
   std::error_code error;
-  const std::filesystem::file_status status = std::filesystem::status(path, error);
+  const std::filesystem::file_status status = std::filesystem::status(os::toPath(path), error);
   if (!std::filesystem::exists(status)) {
     return "there is no file '" + path + "'; check the path";
   }

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "Os/Texts.h"
 #include "cli/Identities.h"
 #include "cli/InstallationService.h"
 #include "cli/JobWatch.h"
@@ -47,13 +48,25 @@ struct Start {
   UpdateRequest request;
 };
 
+// Returns the path as the agent takes it. The directory that the process stands in may have a name
+// that no text holds.
+std::string nameExactly(const std::filesystem::path& path) {
+  const std::optional<std::string> text = os::toGenericText(path);
+  if (!text) {
+    throw Fault("the path '" + os::toShownText(path) +
+                "' has characters that the code page of this system lacks; put the image into a "
+                "directory with another name");
+  }
+  return *text;
+}
+
 Start startFromFile(core::CimBroker& broker, const Options& options, const Target& target) {
   const bool isUri = options.image.starts_with("file:");
   const std::filesystem::path path =
-      isUri ? std::filesystem::path() : std::filesystem::absolute(options.image);
-  const std::string uri = isUri ? options.image : "file://" + path.generic_string();
+      isUri ? std::filesystem::path() : std::filesystem::absolute(os::toPath(options.image));
+  const std::string uri = isUri ? options.image : "file://" + nameExactly(path);
   return {installFromUri(broker, uri, target.path, options.update),
-          {path.string(), !options.update.types.empty(), options.update.isForced}};
+          {os::toShownText(path), !options.update.types.empty(), options.update.isForced}};
 }
 
 Start startFromIdentity(core::CimBroker& broker, const Options& options, const Target& target) {

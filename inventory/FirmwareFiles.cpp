@@ -8,6 +8,7 @@
 
 #include "Os/Files.h"
 #include "Os/QuorvelConfig.h"
+#include "Os/Texts.h"
 #include "Utils/Log.h"
 
 namespace inventory {
@@ -42,7 +43,7 @@ void Search::searchDirectory(const fs::path& directory) {
     paths.push_back(entry->path());
   }
   if (error) {
-    problems.insert("Firmware directory '" + directory.string() +
+    problems.insert("Firmware directory '" + os::toShownText(directory) +
                     "' cannot be read: " + error.message());
   }
   std::sort(paths.begin(), paths.end());
@@ -56,8 +57,10 @@ void Search::examine(const fs::path& path) {
   if (fs::is_directory(path, error) || !m_seen.insert(path).second) {
     return;
   }
-  FirmwareFile file{path.generic_string(), {}};
-  std::string problem = checkFile(path);
+  const std::optional<std::string> name = os::toGenericText(path);
+  FirmwareFile file{name.value_or(os::toShownText(path)), {}};
+  std::string problem =
+      name ? checkFile(path) : "its path has characters that the code page of this system lacks";
   if (problem.empty()) {
     const std::vector<std::uint8_t> content = readFirmwareFile(file.path);
     problem = ma::describeFlashImage(content.data(), static_cast<std::uint32_t>(content.size()),
@@ -86,7 +89,7 @@ std::string Search::checkFile(const fs::path& path) {
 
 std::vector<std::uint8_t> readFirmwareFile(const std::string& path) {
   std::error_code error;
-  const std::uintmax_t size = fs::file_size(path, error);
+  const std::uintmax_t size = fs::file_size(os::toPath(path), error);
   if (error || size > kMaxFirmwareFile) {
     return {};
   }
@@ -100,7 +103,7 @@ std::vector<std::uint8_t> readFirmwareFile(const std::string& path) {
 std::vector<FirmwareFile> FirmwareFiles::find() {
   Search search;
   for (const std::string& directory : utils::QuorvelConfig::getInstance()->getFWFilePaths()) {
-    search.searchDirectory(directory);
+    search.searchDirectory(os::toPath(directory));
   }
   report(std::move(search.problems));
   return std::move(search.files);

@@ -15,7 +15,7 @@ namespace inventory {
 
 // A file that holds a valid chain of PCI Expansion ROM images.
 struct FirmwareFile {
-  std::string path;  // absolute
+  std::string path;  // absolute, with slashes
   std::vector<ma::FlashImageInfo> images;
 };
 

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <filesystem>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "Os/Texts.h"
 #include "midapi/MidApi.h"
 
 namespace {
@@ -61,7 +61,7 @@ class ImageFile final : public AdapterSoftware {
  public:
   explicit ImageFile(const FirmwareFile& file) : m_path(file.path) {
     setSoftwareValues(*this, "Orvex:FirmwareFile:" + m_path,
-                      "Firmware image " + std::filesystem::path(m_path).filename().string());
+                      "Firmware image " + os::toShownText(os::toPath(m_path).filename()));
     describeImages(file.images);
   }
 

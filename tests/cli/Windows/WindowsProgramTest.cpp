@@ -1,9 +1,13 @@
 // What the program does with the paths, the settings and the line ends of Windows.
 
+#include <filesystem>
 #include <fstream>
 
+#include "Os/Texts.h"
 #include "tests/cli/QuorvelTest.h"
 #include "tests/support/CurrentDirectory.h"
+#include "tests/support/Settings.h"
+#include "tests/support/Windows/Umlauts.h"
 
 namespace {
 
@@ -21,13 +25,35 @@ class WindowsProgramTest : public test::QuorvelTest {
   WindowsProgramTest() { addPxeAdapter("0000:03:00"); }
 
   // Updates from the file `rom`, which is named by `image`.
-  void expectUpdate(const std::string& image, const std::string& rom) {
+  void expectUpdate(const std::string& image, const std::filesystem::path& rom) {
     const ProgramResult result = run({"update", kPort, image});
     EXPECT_EQ(result.exitStatus, 0) << result.errors;
     EXPECT_EQ(result.errors, "");
     EXPECT_THAT(result.output, EndsWith("\nCompleted: 0000:03:00.0 is updated (00:00)\n"));
     EXPECT_EQ(flash(), test::readBytes(rom));
   }
+
+  // Writes a file whose name may be any, and returns its path.
+  std::filesystem::path write(const std::filesystem::path& name) const {
+    return m_files.write(name, test::RomBuilder().add(pxe(3)).build()).make_preferred();
+  }
+  static std::string textOf(const std::filesystem::path& path) { return os::toText(path).value(); }
+
+  // Copies the program with its libraries into a folder and returns its path there.
+  [[nodiscard]] std::filesystem::path install(const std::filesystem::path& name) const {
+    const std::filesystem::path folder = m_files.path() / name;
+    std::filesystem::create_directory(folder);
+    const std::filesystem::path program = test::programBeside("quorvel");
+    for (const auto& entry : std::filesystem::directory_iterator(program.parent_path())) {
+      if (entry.path().extension() == ".dll") {
+        std::filesystem::copy(entry.path(), folder / entry.path().filename());
+      }
+    }
+    std::filesystem::copy(program, folder / program.filename());
+    return folder / program.filename();
+  }
+
+  test::TempDirectory m_files;
 };
 
 TEST_F(WindowsProgramTest, UpdatesFromAPathWithADriveLetter) {
@@ -57,6 +83,68 @@ TEST_F(WindowsProgramTest, UpdatesFromARelativePath) {
   const std::string rom = writeRom("new.rom", {pxe(3)});
   const test::CurrentDirectory beside(adapters());
   expectUpdate("..\\new.rom", rom);
+}
+
+TEST_F(WindowsProgramTest, UpdatesFromPathsAndUrisWithUmlauts) {
+  test::demandWesternCodePage();
+  const std::filesystem::path rom =
+      write(std::filesystem::path(L"gr\u00F6\u00DFe") / test::kUmlautPath);
+  expectUpdate(textOf(rom), rom);
+  expectUpdate("file://" + textOf(rom), rom);
+  const test::CurrentDirectory inside(rom.parent_path());
+  expectUpdate(test::kUmlautText, rom);
+}
+
+TEST_F(WindowsProgramTest, NamesAMissingFileWithAnUmlautAsItWasGiven) {
+  test::demandWesternCodePage();
+  const std::string missing = path("").string() + test::kUmlautText;
+  expectFailure({"update", kPort, missing},
+                HasSubstr("there is no file '" + missing + "'; check the path"));
+}
+
+TEST_F(WindowsProgramTest, RefusesAFileInADirectoryThatTheCodePageHasNoNameFor) {
+  test::demandWesternCodePage();
+  const std::filesystem::path rom = write(std::filesystem::path(L"\u0101") / "new.rom");
+  write("a/new.rom");
+  const test::CurrentDirectory inside(rom.parent_path());
+  expectFailure({"update", kPort, "new.rom"},
+                HasSubstr("has characters that the code page of this system lacks; put the image "
+                          "into a directory with another name"));
+}
+
+TEST_F(WindowsProgramTest, WorksOnAdaptersInADirectoryWithAnUmlaut) {
+  test::demandWesternCodePage();
+  const std::filesystem::path folder = m_files.path() / test::kUmlautPath;
+  const std::string text = textOf(folder);
+  const std::string rom = textOf(write(test::kUmlautPath / std::filesystem::path("new.rom")));
+  const Arguments add{"adapters", "add",  "--adapters", text,   "--pci",  "0000:05:00",
+                      "--vendor", "1af4", "--device",   "1041", "--name", test::kUmlautText,
+                      "--rom",    rom};
+  EXPECT_THAT(run(add).output, HasSubstr("Added to " + text + ":\n"));
+  EXPECT_TRUE(std::filesystem::exists(folder / "0000-05-00" / "flash.rom"));
+  EXPECT_THAT(run({"adapters", "--adapters", text}).output, HasSubstr(test::kUmlautText));
+  EXPECT_EQ(runJson({"adapters", "--adapters", text})[0]["name"], test::kUmlautUtf8);
+}
+
+TEST_F(WindowsProgramTest, ListsFirmwareFilesWithUmlautsInUtf8) {
+  test::demandWesternCodePage();
+  test::Settings settings(test::SettingsScope::Machine);
+  const std::filesystem::path rom = write(test::kUmlautPath);
+  settings.write({{"FWFilePath", m_files.path().string()}});
+
+  EXPECT_EQ(runJson({"identities"})[0]["file"],
+            rom.parent_path().generic_string() + "/" + test::kUmlautUtf8);
+  EXPECT_EQ(run({"update", kPort, "--identity", test::kUmlautText}).exitStatus, 0);
+  EXPECT_EQ(flash(), test::readBytes(rom));
+}
+
+TEST_F(WindowsProgramTest, RunsFromAFolderWithAnUmlaut) {
+  test::demandWesternCodePage();
+  const std::filesystem::path program = install(L"gr\u00F6\u00DFe");
+  const ProgramResult result = test::runProgram(program, {"classes"}, environment());
+  EXPECT_EQ(result.errors, "");
+  EXPECT_THAT(result.output, HasSubstr("Orvex_SoftwareInstallationService"));
+  EXPECT_EQ(result.exitStatus, 0);
 }
 
 TEST_F(WindowsProgramTest, GivesItsExitStatusToTheCaller) {
