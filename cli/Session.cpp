@@ -7,26 +7,29 @@
 
 #include "Os/Environment.h"
 #include "Os/QuorvelConfig.h"
+#include "Os/Texts.h"
 #include "host/ModuleLoader.h"
 
 namespace cli {
 namespace {
 
 void demandReadable(const std::string& path) {
+  const std::filesystem::path file = os::toPath(path);
   std::error_code error;
-  if (std::filesystem::is_directory(path, error)) {
+  if (std::filesystem::is_directory(file, error)) {
     throw Fault("--config: '" + path + "' is a directory; name the configuration file in it",
                 ExitStatus::Usage);
   }
-  if (!std::ifstream(path).is_open()) {
+  if (!std::ifstream(file).is_open()) {
     throw Fault("--config: '" + path + "' cannot be read; check the path and its permissions",
                 ExitStatus::Usage);
   }
 }
 
-// Made before the modules are loaded, so that it outlives their objects.
+// Never destroyed: jobs and the modules' objects may ask it until the process has ended, and in
+// which order programs and modules lose their objects differs by platform.
 void useConfiguration(const std::string& path) {
-  static std::unique_ptr<utils::QuorvelConfig> config;
+  static auto& config = *new std::unique_ptr<utils::QuorvelConfig>;
   config = std::make_unique<utils::QuorvelConfig>(path);
 }
 
