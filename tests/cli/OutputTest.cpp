@@ -120,10 +120,12 @@ TEST_F(OutputTest, GivesAnInstanceItsPath) {
             Json::parse(R"({"path": "Every_Type.Id=\"one\"", "properties": {"Id": "one"}})"));
 }
 
-TEST_F(OutputTest, PrintsBytesThatAreNoUtf8AsReplacements) {
+TEST_F(OutputTest, PrintsDocumentsWithEveryKindOfValue) {
   std::ostringstream out;
-  cli::printJson(out, {{"name", "a\xff"}});
-  EXPECT_EQ(out.str(), "{\n  \"name\": \"a\xEF\xBF\xBD\"\n}\n");
+  cli::printJson(out,
+                 {{"numbers", {1, -2, 0.5}}, {"nothing", nullptr}, {"deep", {{"truth", true}}}});
+  EXPECT_EQ(Json::parse(out.str()),
+            Json::parse(R"({"numbers": [1, -2, 0.5], "nothing": null, "deep": {"truth": true}})"));
 }
 
 }  // namespace
