@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <chrono>
 #include <limits>
+#include <mutex>
 #include <utility>
 #include <windows.h>
 
@@ -37,15 +38,21 @@ constexpr std::chrono::seconds kPatience{2};
 constexpr DWORD kPause = 1;  // milliseconds
 
 // Moves a file or folder. A file in its way is replaced, which the system refuses for as long as
-// anybody has that open. Returns the error, 0 for none.
-DWORD moveInto(const fs::path& from, const fs::path& to) {
+// anybody has that open; `readers` is locked for each attempt. Returns the error, 0 for none.
+DWORD moveInto(const fs::path& from, const fs::path& to, std::mutex& readers) {
   const auto deadline = std::chrono::steady_clock::now() + kPatience;
   for (;;) {
-    if (MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) !=
-        FALSE) {
-      return ERROR_SUCCESS;
+    DWORD error = ERROR_SUCCESS;
+    {
+      const std::lock_guard lock(readers);
+      if (MoveFileExW(from.c_str(), to.c_str(),
+                      MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) == FALSE) {
+        error = GetLastError();
+      }
     }
-    const DWORD error = GetLastError();
+    if (error == ERROR_SUCCESS) {
+      return error;
+    }
     if (!isInUse(error) || isFolder(to) || std::chrono::steady_clock::now() >= deadline) {
       return error;
     }
@@ -143,6 +150,7 @@ class WindowsFileSystem final : public FileSystem {
     if (isFolder(path)) {
       fail("read", path, std::errc::is_a_directory);
     }
+    const std::lock_guard lock(m_readers);
     const Handle file("read", path, GENERIC_READ, OPEN_EXISTING);
     LARGE_INTEGER size{};
     if (GetFileType(file.get()) != FILE_TYPE_DISK || GetFileSizeEx(file.get(), &size) == FALSE) {
@@ -203,7 +211,7 @@ class WindowsFileSystem final : public FileSystem {
 
   void replace(const fs::path& from, const fs::path& to) override {
     const NoErrorDialogs noDialogs;
-    if (const DWORD error = moveInto(from, to); error != ERROR_SUCCESS) {
+    if (const DWORD error = moveInto(from, to, m_readers); error != ERROR_SUCCESS) {
       fail("replace", to, error);
     }
   }
@@ -229,6 +237,11 @@ class WindowsFileSystem final : public FileSystem {
     std::error_code ignored;
     fs::remove_all(path, ignored);
   }
+
+ private:
+  // Held while a file is open for reading, so that a client of this process that reads over and over
+  // is never in the way of a replacement.
+  std::mutex m_readers;
 };
 
 }  // namespace
