@@ -239,8 +239,8 @@ class WindowsFileSystem final : public FileSystem {
   }
 
  private:
-  // Held while a file is open for reading, so that a client of this process that reads over and over
-  // is never in the way of a replacement.
+  // Held while a file is open for reading, so that a client of this process that reads over and
+  // over is never in the way of a replacement.
   std::mutex m_readers;
 };
 
