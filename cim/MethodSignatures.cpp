@@ -13,7 +13,15 @@ constexpr std::string_view kInstallationService = "CIM_SoftwareInstallationServi
 
 const std::vector<core::MethodDeclaration>& allMethods() {
   using enum core::ParameterDirection;
-  using namespace core;
+  using core::kCimDatetime;
+  using core::kCimReference;
+  using core::kCimString;
+  using core::kCimStringArray;
+  using core::kCimUint16;
+  using core::kCimUint16Array;
+  using core::kCimUint32;
+  using core::MethodDeclaration;
+  using core::ParameterDeclaration;
   static const std::string kService(kInstallationService);
   static const ParameterDeclaration kJob{"Job", kCimReference, Job, "CIM_ConcreteJob"};
   static const ParameterDeclaration kInstallOptions{"InstallOptions", kCimUint16Array, In, ""};

@@ -51,7 +51,8 @@ class CimPropertyRefT : public CimPropertyRef {
   using CimPropertyRef::CimPropertyRef;
 
   [[nodiscard]] std::string_view getReferenceClass() const override {
-    static_assert(sizeof(T) > 0, "include the header of the class");
+    static_assert(
+        requires { sizeof(T); }, "include the header of the class");
     if constexpr (requires { T::kClassName; }) {
       return T::kClassName;
     } else {
