@@ -181,6 +181,7 @@ TEST_F(ConcreteJob, NotesTheTimeOfEveryChange) {
 }
 
 TEST_F(ConcreteJob, MeasuresItsTimeWhenItIsCompletedOnly) {
+  m_job->setPropertyValues();
   const std::uint64_t made = m_job->StartTime.getValue().value;
   ASSERT_TRUE(test::waitUntil([made] { return utils::currentMicroseconds() >= made + 20'000; }));
   const auto elapsed = [this] {
@@ -191,7 +192,7 @@ TEST_F(ConcreteJob, MeasuresItsTimeWhenItIsCompletedOnly) {
   change(10);
   EXPECT_EQ(elapsed(), atConstruction);
   change(7);
-  EXPECT_GE(elapsed(), 10'000u);
+  EXPECT_GE(elapsed(), 20'000u);
   EXPECT_FALSE(m_job->ElapsedTime.getValue().isTimestamp);
 }
 

@@ -19,7 +19,7 @@ std::size_t heapBytes() {
 #ifdef NDEBUG
 const std::size_t kEnumerations = 10'000;
 #else
-const std::size_t kEnumerations = 1'000;
+const std::size_t kEnumerations = 300;
 #endif
 
 std::size_t heapBytes() {

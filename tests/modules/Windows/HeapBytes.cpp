@@ -29,7 +29,7 @@ void countingFree(void* block) {
 }  // namespace
 
 // An emulation of the system is slow.
-const std::size_t kEnumerations = 100;
+const std::size_t kEnumerations = 40;
 
 // Counts what the one C++ runtime of the process takes and gives back, from the first call on;
 // relative to that, so that a block from before may be given back.
