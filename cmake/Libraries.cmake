@@ -25,6 +25,10 @@ if(CMAKE_CROSSCOMPILING)
 else()
   find_package(nlohmann_json REQUIRED)
   find_package(CLI11 REQUIRED)
+  # Of the host with the CIM-XML server.
+  find_package(Boost 1.81 REQUIRED)
+  find_package(OpenSSL REQUIRED)
+  find_package(pugixml REQUIRED)
 endif()
 
 if(BUILD_TESTING AND CMAKE_CROSSCOMPILING)

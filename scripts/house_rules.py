@@ -10,8 +10,11 @@ MAY_INCLUDE = {
     "midapi": ["midapi", MIDAPI_VOCABULARY],
     "inventory": ["inventory", "cim", "core", "Os", "Utils", "midapi"],
     "agent": ["agent", "inventory", "cim", "core", "Os", "Utils", "midapi"],
-    "host": ["host", "cim", "core", "Os", "Utils"],
-    "cli": ["cli", "host", "midapi", "cim", "core", "Os", "Utils"],
+    "cimxml": ["cimxml", "core", "Utils"],
+    "http": ["http", "Utils"],
+    "wbem": ["wbem", "cimxml", "cim", "core", "Os", "Utils"],
+    "host": ["host", "http", "wbem", "cimxml", "cim", "core", "Os", "Utils"],
+    "cli": ["cli", "host", "http", "cimxml", "midapi", "cim", "core", "Os", "Utils"],
     "tests": None,  # anything
     "bench": None,
 }
@@ -19,7 +22,8 @@ MAY_INCLUDE = {
 # Folders that speak to one operating system.
 OS_FOLDERS = (
     "Os/Posix/", "Os/Windows/", "midapi/Posix/", "midapi/Windows/", "host/Posix/", "host/Windows/",
-    "agent/Posix/", "agent/Windows/", "inventory/Posix/", "inventory/Windows/",
+    "cli/Posix/", "cli/Windows/", "agent/Posix/", "agent/Windows/", "inventory/Posix/",
+    "inventory/Windows/",
 )
 # Tests may include an OS header anywhere; conditionals stay in folders named for a platform.
 OS_HEADERS_ALSO_IN = ("tests/",)
@@ -56,7 +60,9 @@ PLATFORMS = ("Posix", "Windows")
 PLATFORM_VARIABLE = "${QUORVEL_PLATFORM_DIR}"
 
 # Folders whose sources need tests.
-TESTED_FOLDERS = ("Utils", "Os", "core", "cim", "midapi", "inventory", "agent", "host", "cli")
+TESTED_FOLDERS = (
+    "Utils", "Os", "core", "cim", "midapi", "inventory", "agent", "cimxml", "http", "wbem", "host", "cli",
+)
 
 OS_HEADER_NAMES = {
     "aio.h", "arpa/inet.h", "dirent.h", "dlfcn.h", "execinfo.h", "fcntl.h", "ftw.h", "glob.h", "grp.h",

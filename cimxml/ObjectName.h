@@ -1,0 +1,47 @@
+// The name of a CIM object as a message carries it (DSP0201: CLASSNAME, INSTANCENAME and the paths
+// that hold them). Plain values.
+
+#ifndef ORVEX_CIMXML_OBJECTNAME_H_
+#define ORVEX_CIMXML_OBJECTNAME_H_
+
+#include <string>
+#include <vector>
+
+namespace cimxml {
+
+struct ObjectName;
+
+struct KeyBinding {
+  enum class Kind { String, Numeric, Boolean, Reference };
+
+  std::string name;  // empty for the one key of an instance name that gives a value alone
+  Kind kind = Kind::String;
+  std::string text;                   // of a reference: empty
+  std::vector<ObjectName> reference;  // of a reference: the one name that it holds
+
+  friend bool operator==(const KeyBinding&, const KeyBinding&) = default;
+};
+
+struct ObjectName {
+  std::string host;       // empty: none was given
+  std::string nameSpace;  // "root/interop"; empty: none was given
+  std::string className;
+  bool isInstance = false;       // else a class, without keys
+  std::vector<KeyBinding> keys;  // in the order of the message
+
+  friend bool operator==(const ObjectName&, const ObjectName&) = default;
+};
+
+// Returns the object path that core::CimPath parses and core::CimInstance::getPath prints:
+// "Class.Key=Value,...", strings and references quoted; host and namespace are left out.
+[[nodiscard]] std::string toObjectPath(const ObjectName& name);
+
+// Reads such a path, "[NAMESPACE:]CLASS.KEY=VALUE,...", or the name of a class. A value in quotes
+// is a string, or a reference where it reads as a path of an instance itself (a client that knows
+// the class corrects that by its declaration); TRUE and FALSE are booleans, the rest is numeric.
+// Throws utils::ESyntaxError.
+[[nodiscard]] ObjectName parseObjectPath(const std::string& path);
+
+}  // namespace cimxml
+
+#endif  // ORVEX_CIMXML_OBJECTNAME_H_

@@ -1,0 +1,114 @@
+// CIM in XML as DSP0201 has it, appended to a buffer in one pass: values, names, instances, classes
+// and the answers round them. Nothing is built in between, so a buffer that is kept needs no memory
+// after the first answers.
+//
+// Text is escaped, and bytes that no XML document may hold become U+FFFD. Callers hold the broker's
+// request while they pass instances.
+
+#ifndef ORVEX_CIMXML_WRITER_H_
+#define ORVEX_CIMXML_WRITER_H_
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/CimInstance.h"
+#include "core/CimProperty.h"
+#include "core/ClassDeclaration.h"
+
+namespace cimxml {
+
+using Buffer = std::string;
+
+void appendEscaped(Buffer& out, std::string_view text);
+
+// ---- answers ----
+
+// <?xml ...><CIM ...><MESSAGE ...><SIMPLERSP><IMETHODRESPONSE NAME="..."> and its end.
+void beginOperationAnswer(Buffer& out, std::string_view messageId, std::string_view operation);
+void endOperationAnswer(Buffer& out);
+// The same round a METHODRESPONSE.
+void beginMethodAnswer(Buffer& out, std::string_view messageId, std::string_view method);
+void endMethodAnswer(Buffer& out);
+// <ERROR CODE="..." DESCRIPTION="..."/>, in the place of a return value.
+void appendError(Buffer& out, unsigned code, std::string_view description);
+// <IRETURNVALUE> and its end.
+void beginReturnValue(Buffer& out);
+void endReturnValue(Buffer& out);
+// <RETURNVALUE PARAMTYPE="uint32"><VALUE>...</VALUE></RETURNVALUE>
+void appendMethodReturnValue(Buffer& out, std::uint32_t value);
+// An output parameter of a method: <PARAMVALUE NAME= PARAMTYPE=>...; NULL is written without value.
+// References get the namespace.
+void appendOutputParameter(Buffer& out, const core::CimProperty& value, std::string_view nameSpace);
+void appendReferenceParameter(Buffer& out, std::string_view name, core::CimInstance& target,
+                              std::string_view nameSpace);
+// An output parameter of an operation: <PARAMVALUE NAME= PARAMTYPE=><VALUE>...</VALUE></PARAMVALUE>
+void appendOperationParameter(Buffer& out, std::string_view name, std::string_view type,
+                              std::string_view text);
+
+// ---- names ----
+
+// <LOCALNAMESPACEPATH><NAMESPACE NAME="root"/>...
+void appendLocalNamespacePath(Buffer& out, std::string_view nameSpace);
+// <NAMESPACEPATH><HOST>...</HOST><LOCALNAMESPACEPATH>...
+void appendNamespacePath(Buffer& out, std::string_view host, std::string_view nameSpace);
+// <CLASSNAME NAME="..."/>
+void appendClassName(Buffer& out, std::string_view className);
+// <INSTANCENAME CLASSNAME="..."><KEYBINDING ...>; keys that are references get the namespace.
+void appendInstanceName(Buffer& out, core::CimInstance& instance, std::string_view nameSpace);
+// <INSTANCEPATH>: namespace path and instance name.
+void appendInstancePath(Buffer& out, core::CimInstance& instance, std::string_view host,
+                        std::string_view nameSpace);
+// The same for a class.
+void appendClassPath(Buffer& out, std::string_view className, std::string_view host,
+                     std::string_view nameSpace);
+
+// ---- instances ----
+
+// How the instances of one class are written for one request: the properties that are chosen, each
+// with its opening tag made once.
+class InstanceFormat {
+ public:
+  struct Options {
+    // Leaves out what the class inherits.
+    bool isLocalOnly = false;
+    bool hasClassOrigin = false;
+    // Null: all of them. Names without regard to case; unknown ones choose nothing.
+    const std::vector<std::string>* propertyList = nullptr;
+    // The properties of this class alone; null: all. For an enumeration that is not deep.
+    const core::ClassDeclaration* ancestor = nullptr;
+  };
+
+  InstanceFormat(const core::ClassDeclaration& declaration, const Options& options,
+                 std::string_view nameSpace);
+
+  // <INSTANCE CLASSNAME="..."><PROPERTY ...>...
+  void append(Buffer& out, core::CimInstance& instance) const;
+
+ private:
+  struct Field {
+    std::string
+        start;  // "<PROPERTY NAME=\"Caption\" TYPE=\"string\"" and the like; empty: left out
+  };
+
+  std::string m_className;
+  std::string m_nameSpace;
+  std::vector<Field> m_fields;  // by the position of the property among those in force
+};
+
+// ---- classes ----
+
+struct ClassFormat {
+  bool isLocalOnly = false;
+  bool hasQualifiers = true;
+  bool hasClassOrigin = false;
+  const std::vector<std::string>* propertyList = nullptr;  // null: all
+};
+
+// <CLASS NAME="..." SUPERCLASS="...">: qualifiers (Association, Key, In, Out), properties, methods.
+void appendClass(Buffer& out, const core::ClassDeclaration& declaration, const ClassFormat& format);
+
+}  // namespace cimxml
+
+#endif  // ORVEX_CIMXML_WRITER_H_

@@ -1,0 +1,63 @@
+// An HTTP/1.1 client for one server, with TLS and keep-alive. One thread at a time.
+
+#ifndef ORVEX_HTTP_CLIENT_H_
+#define ORVEX_HTTP_CLIENT_H_
+
+#include <chrono>
+#include <cstdint>
+#include <exception>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace http {
+
+struct ClientOptions {
+  std::string host;  // name or address
+  std::uint16_t port = 0;
+  bool isTls = false;
+  std::string caFile;                         // PEM; empty: what the system trusts
+  std::chrono::milliseconds timeout{60'000};  // for connecting, and for each answer
+};
+
+struct ClientResponse {
+  unsigned status = 0;
+  std::map<std::string, std::string> fields;  // names in lower case
+  std::string body;
+};
+
+// The server cannot be reached, is not who it should be, or does not speak HTTP: what() says what
+// happened, with whom, and what to do.
+class ClientFault final : public std::exception {
+ public:
+  explicit ClientFault(std::string text) : m_text(std::move(text)) {}
+  [[nodiscard]] const char* what() const noexcept override { return m_text.c_str(); }
+
+ private:
+  std::string m_text;
+};
+
+class Client {
+ public:
+  using Fields = std::vector<std::pair<std::string, std::string>>;
+
+  explicit Client(ClientOptions options);
+  Client(const Client&) = delete;
+  Client& operator=(const Client&) = delete;
+  ~Client();
+
+  // Sends a request and waits for its answer. A kept connection that the server has closed
+  // meanwhile is opened anew, once, where nothing of the answer has come. Throws ClientFault.
+  [[nodiscard]] ClientResponse send(const std::string& method, const std::string& target,
+                                    const Fields& fields, const std::string& body);
+
+ private:
+  struct Implementation;
+  std::unique_ptr<Implementation> m_implementation;
+};
+
+}  // namespace http
+
+#endif  // ORVEX_HTTP_CLIENT_H_

@@ -1,0 +1,45 @@
+// The CIM server: answers the requests of CIM clients from the broker (DSP0200 operations,
+// extrinsic methods).
+//
+// Any thread may call. Requests that use instances hold the broker's request, so they take turns.
+
+#ifndef ORVEX_WBEM_SERVER_H_
+#define ORVEX_WBEM_SERVER_H_
+
+#include <memory>
+#include <string>
+
+#include "cimxml/Request.h"
+#include "core/CimBroker.h"
+#include "wbem/Audit.h"
+#include "wbem/Caller.h"
+
+namespace wbem {
+
+class Server {
+ public:
+  struct Options {
+    std::string nameSpace = "root/DCIM/zolan";  // of the agents' classes; root/interop is beside it
+    std::string host = "localhost";             // in paths that name the host
+  };
+
+  // The broker and the audit are the caller's and outlive the server.
+  Server(core::CimBroker& broker, Audit& audit, Options options);
+  Server(const Server&) = delete;
+  Server& operator=(const Server&) = delete;
+  ~Server();
+
+  // Appends the whole answer, an error included, to `out`. Throws std::bad_alloc alone.
+  void answer(const cimxml::Request& request, const Caller& caller, std::string& out);
+
+  // Returns how many jobs (instances of CIM_ConcreteJob) have not come to their end.
+  [[nodiscard]] unsigned countRunningJobs();
+
+ private:
+  struct Implementation;
+  std::unique_ptr<Implementation> m_implementation;
+};
+
+}  // namespace wbem
+
+#endif  // ORVEX_WBEM_SERVER_H_
