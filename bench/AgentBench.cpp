@@ -73,6 +73,54 @@ void enumerate(benchmark::State& state, const char* className) {
       ports, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
+// Reads the value as a front end does that writes it: by its type, without a copy. Returns a number
+// that depends on it.
+std::size_t readValue(const core::CimProperty& property) {
+  switch (property.getType()) {
+    case core::kCimString:
+      return static_cast<const core::CimPropertyString&>(property).getValue().size();
+    case core::kCimStringArray:
+      return static_cast<const core::CimPropertyString_arr&>(property).getValue().size();
+    case core::kCimUint16:
+      return static_cast<const core::CimPropertyUint16&>(property).getValue();
+    case core::kCimUint16Array:
+      return static_cast<const core::CimPropertyUint16_arr&>(property).getValue().size();
+    case core::kCimUint64:
+      return static_cast<const core::CimPropertyUint64&>(property).getValue();
+    default:
+      return property.getType();
+  }
+}
+
+// One request: enumerates the class and reads every property. Not inlined, so that a profile can
+// count its instructions.
+[[gnu::noinline]] std::size_t readInstances(const std::string& className) {
+  const core::CimBroker::Request request(core::GetCimBroker());
+  std::size_t read = 0;
+  for (core::CimInstance* instance : core::GetCimBroker().getInstances(className)) {
+    core::CimPropertyList::Iterator cursor = instance->getProperties().iterator();
+    for (core::CimProperty* property = cursor.first(); property != nullptr;
+         property = cursor.next()) {
+      read += property->getName().size();
+      if (!property->isNull()) {
+        read += readValue(*property);
+      }
+    }
+  }
+  return read;
+}
+
+// Reads all ports; there are as many as the benchmark's argument says.
+void readPorts(benchmark::State& state) {
+  bench::registerAgents();
+  sharedAdapters(static_cast<std::size_t>(state.range(0)) / 2).select();
+  const std::string className = Orvex_EthernetPort::kClassName;
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(readInstances(className));
+  }
+}
+BENCHMARK(readPorts)->Arg(2)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);
+
 void registerEnumerations() {
   bench::registerAgents();
   for (core::CimAgent* agent : core::GetCimBroker().getAgents()) {
