@@ -1,6 +1,8 @@
 #include "midapi/AdapterFolder.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <utility>
 
 #include "midapi/Texts.h"
 
@@ -85,6 +87,31 @@ AdapterDescription AdapterFolder::parse(const std::string& text) const {
     throw FlashFault(FlashError::InvalidDescription,
                      toShownText(descriptionPath()) + ": " + fault.what());
   }
+}
+
+AdapterFolders listAdapterFolders(FileSystem& files, const std::filesystem::path& directory) {
+  Folders folders;
+  try {
+    folders = files.folders(directory);
+  } catch (const FileFault& fault) {
+    if (fault.isMissingFile()) {
+      return {};
+    }
+    throw FlashFault(FlashError::InputOutput, fault.what());
+  }
+  AdapterFolders found;
+  found.hasLinks = folders.hasLinks;
+  for (std::filesystem::path& name : folders.names) {
+    const std::string shown = toShownText(name);
+    // The text of another name may look like an address.
+    if (const auto address = parseFolderName(shown); address && name == shown) {
+      found.addresses.push_back(*address);
+    } else {
+      found.strangers.push_back(std::move(name));
+    }
+  }
+  std::sort(found.addresses.begin(), found.addresses.end());
+  return found;
 }
 
 }  // namespace ma

@@ -8,6 +8,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "midapi/AdapterDescription.h"
 #include "midapi/FileSystem.h"
@@ -48,6 +49,17 @@ class AdapterFolder {
   AdapterAddress m_address;
   std::filesystem::path m_path;
 };
+
+// The folders in an adapters directory.
+struct AdapterFolders {
+  std::vector<AdapterAddress> addresses;         // of all adapter folders, in ascending order
+  std::vector<std::filesystem::path> strangers;  // the names of other folders
+  bool hasLinks = false;                         // as of Folders
+};
+
+// Returns what is in a directory; nothing when it does not exist. Throws FlashFault.
+[[nodiscard]] AdapterFolders listAdapterFolders(FileSystem& files,
+                                                const std::filesystem::path& directory);
 
 }  // namespace ma
 

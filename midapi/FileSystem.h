@@ -12,6 +12,7 @@
 #include <exception>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <system_error>
@@ -68,6 +69,26 @@ class WritableFile {
   virtual void close() = 0;
 };
 
+// The folders in a folder.
+struct Folders {
+  std::vector<std::filesystem::path> names;  // in no order
+  // There are links beside them, or among them: what a link leads to becomes a folder, or ceases to
+  // be one, without a change of the folder that the link is in.
+  bool hasLinks = false;
+};
+
+// Tells the content of a file, or the entries of a folder, from what stands at the same path at any
+// other time. Only equality means anything.
+struct FileIdentity {
+  std::uint64_t device = 0;
+  std::uint64_t number = 0;
+  std::uint64_t size = 0;
+  std::int64_t modified = 0;
+  std::int64_t changed = 0;
+
+  friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
+};
+
 class FileSystem {
  public:
   FileSystem() = default;
@@ -78,9 +99,15 @@ class FileSystem {
   // Returns the whole content; refuses anything but a regular file, and files above `maxSize`.
   [[nodiscard]] virtual FileBytes read(const std::filesystem::path& path, std::size_t maxSize) = 0;
 
-  // Returns the names of the folders in a folder, in no order.
-  [[nodiscard]] virtual std::vector<std::filesystem::path> folders(
-      const std::filesystem::path& path) = 0;
+  [[nodiscard]] virtual Folders folders(const std::filesystem::path& path) = 0;
+
+  // Returns the identity of the file or folder that a path leads to; nothing where none can be
+  // given: nothing is there, it changed so recently that its next change may leave the same times,
+  // or the platform keeps no times that can be relied on. What is read between two calls that
+  // return the same identity is the content for as long as further calls return it. Does not see
+  // what a program writes through a mapping of the file. Throws nothing.
+  [[nodiscard]] virtual std::optional<FileIdentity> identity(
+      const std::filesystem::path& path) const noexcept = 0;
 
   [[nodiscard]] virtual bool exists(const std::filesystem::path& path) = 0;
 

@@ -126,23 +126,22 @@ VirtualAdapters::VirtualAdapters(std::filesystem::path directory)
 
 AdapterList VirtualAdapters::list() const {
   AdapterList result;
-  std::vector<std::filesystem::path> strangers;
-  std::vector<AdapterAddress> addresses;
+  AdapterFolders folders;
   try {
-    addresses = listAdapterFolders(nativeFileSystem(), m_directory, &strangers);
+    folders = listAdapterFolders(nativeFileSystem(), m_directory);
   } catch (const FlashFault& fault) {
     throw AdapterFault(std::string(fault.what()) +
                        ". Check the adapters directory (ORVEX_ADAPTERS).");
   }
-  for (const AdapterAddress& address : addresses) {
+  for (const AdapterAddress& address : folders.addresses) {
     try {
       result.adapters.push_back(describe({nativeFileSystem(), m_directory, address}));
     } catch (const FlashFault& fault) {
       result.problems.push_back({m_directory / toFolderName(address), fault.what()});
     }
   }
-  std::sort(strangers.begin(), strangers.end());
-  for (const std::filesystem::path& name : strangers) {
+  std::sort(folders.strangers.begin(), folders.strangers.end());
+  for (const std::filesystem::path& name : folders.strangers) {
     if (name.native().front() != '.') {
       result.problems.push_back(
           {m_directory / name, "The folder's name is no adapter address like 0000-03-00"});

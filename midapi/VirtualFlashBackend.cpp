@@ -1,6 +1,5 @@
 #include "midapi/VirtualFlashBackend.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "midapi/FlashWrite.h"
@@ -9,14 +8,20 @@
 namespace ma {
 namespace {
 
-// Returns the description of the port's adapter; a port that it does not list is unknown.
-AdapterDescription describePort(const AdapterFolder& folder, const PortId& port) {
-  AdapterDescription description = folder.description();
+// Refuses a port that the description of its adapter does not list.
+void demandPort(const AdapterDescription& description, const AdapterFolder& folder,
+                const PortId& port) {
   if (description.findPort(port.function) == nullptr) {
     throw FlashFault(
         FlashError::UnknownAdapter,
         toString(port) + " (" + toShownText(folder.descriptionPath()) + " lists no such function)");
   }
+}
+
+// Returns the description of the port's adapter, read for whoever is about to change something.
+AdapterDescription describePort(const AdapterFolder& folder, const PortId& port) {
+  AdapterDescription description = folder.description();
+  demandPort(description, folder, port);
   return description;
 }
 
@@ -24,29 +29,17 @@ AdapterDescription describePort(const AdapterFolder& folder, const PortId& port)
 
 VirtualFlashBackend::VirtualFlashBackend(FileSystem& files,
                                          std::function<std::filesystem::path()> directory)
-    : m_files(files), m_directory(std::move(directory)) {}
+    : m_files(files), m_directory(std::move(directory)), m_cache(files) {}
 
 utils::StringArray VirtualFlashBackend::enumerateAdapters() {
-  const std::filesystem::path directory = m_directory();
-  utils::StringArray identifiers;
-  for (const AdapterAddress& address : listAdapterFolders(m_files, directory)) {
-    try {
-      const AdapterDescription description =
-          AdapterFolder(m_files, directory, address).description();
-      for (const PortDescription& port : description.ports) {
-        identifiers.push_back(toString(PortId{address, port.function}));
-      }
-    } catch (const FlashFault&) {
-      // The command line's list of adapters tells what is wrong with this one.
-      continue;
-    }
-  }
-  return identifiers;
+  return m_cache.ports(m_directory());
 }
 
 AdapterFacts VirtualFlashBackend::facts(const PortId& port) {
-  const AdapterDescription description = describePort(folderOf(port), port);
-  return {description.vendor, description.device, description.isUpdatable};
+  const std::filesystem::path directory = m_directory();
+  const auto description = m_cache.description(directory, port.adapter);
+  demandPort(*description, {m_files, directory, port.adapter}, port);
+  return {description->vendor, description->device, description->isUpdatable};
 }
 
 FileBytes VirtualFlashBackend::readFlash(const PortId& port) {
@@ -79,32 +72,6 @@ void VirtualFlashBackend::setCapabilityWord(const PortId& port, std::uint32_t wo
 
 AdapterFolder VirtualFlashBackend::folderOf(const PortId& port) const {
   return {m_files, m_directory(), port.adapter};
-}
-
-std::vector<AdapterAddress> listAdapterFolders(FileSystem& files,
-                                               const std::filesystem::path& directory,
-                                               std::vector<std::filesystem::path>* strangers) {
-  std::vector<std::filesystem::path> names;
-  try {
-    names = files.folders(directory);
-  } catch (const FileFault& fault) {
-    if (fault.isMissingFile()) {
-      return {};
-    }
-    throw FlashFault(FlashError::InputOutput, fault.what());
-  }
-  std::vector<AdapterAddress> addresses;
-  for (std::filesystem::path& name : names) {
-    const std::string shown = toShownText(name);
-    // The text of another name may look like an address.
-    if (const auto address = parseFolderName(shown); address && name == shown) {
-      addresses.push_back(*address);
-    } else if (strangers != nullptr) {
-      strangers->push_back(std::move(name));
-    }
-  }
-  std::sort(addresses.begin(), addresses.end());
-  return addresses;
 }
 
 }  // namespace ma

@@ -8,8 +8,8 @@
 #include <functional>
 #include <mutex>
 #include <string>
-#include <vector>
 
+#include "midapi/AdapterCache.h"
 #include "midapi/AdapterFolder.h"
 #include "midapi/FlashBackend.h"
 
@@ -34,15 +34,10 @@ class VirtualFlashBackend final : public FlashBackend {
 
   FileSystem& m_files;
   const std::function<std::filesystem::path()> m_directory;
+  AdapterCache m_cache;
   // Held while a description is changed, so that no change is lost to another one.
   std::mutex m_descriptionMutex;
 };
-
-// Returns the addresses of all adapter folders in a directory, in ascending order; none when the
-// directory does not exist. Throws FlashFault. `strangers` takes the names of other folders.
-[[nodiscard]] std::vector<AdapterAddress> listAdapterFolders(
-    FileSystem& files, const std::filesystem::path& directory,
-    std::vector<std::filesystem::path>* strangers = nullptr);
 
 }  // namespace ma
 

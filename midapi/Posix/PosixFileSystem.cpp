@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstdlib>
+#include <ctime>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -91,6 +93,18 @@ void syncFolder(const fs::path& path) {
   }
 }
 
+constexpr std::int64_t kSecond = 1'000'000'000;
+
+// The system stamps files with the time of its last clock tick, and there are at least 100 ticks a
+// second. A file that has been left alone for some of them gets other times when it changes again.
+constexpr std::int64_t kSettlingTime = 40'000'000;
+// The same for a file system that seems to keep whole seconds, or every other one.
+constexpr std::int64_t kSettlingTimeOfSeconds = 3 * kSecond;
+
+std::int64_t nanoseconds(const timespec& time) {
+  return std::int64_t{time.tv_sec} * kSecond + time.tv_nsec;
+}
+
 class PosixFileSystem final : public FileSystem {
  public:
   FileBytes read(const fs::path& path, std::size_t maxSize) override {
@@ -122,20 +136,37 @@ class PosixFileSystem final : public FileSystem {
     return content;
   }
 
-  std::vector<fs::path> folders(const fs::path& path) override {
-    std::vector<fs::path> names;
+  Folders folders(const fs::path& path) override {
+    Folders found;
     std::error_code error;
     fs::directory_iterator entry(path, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
       std::error_code gone;
       if (entry->is_directory(gone)) {
-        names.push_back(entry->path().filename());
+        found.names.push_back(entry->path().filename());
       }
+      found.hasLinks = found.hasLinks || entry->is_symlink(gone);
     }
     if (error) {
       throw FileFault("read", path, error);
     }
-    return names;
+    return found;
+  }
+
+  std::optional<FileIdentity> identity(const fs::path& path) const noexcept override {
+    timespec now{};
+    struct stat state {};
+    if (::clock_gettime(CLOCK_REALTIME_COARSE, &now) != 0 || ::stat(path.c_str(), &state) != 0) {
+      return std::nullopt;
+    }
+    const std::int64_t modified = nanoseconds(state.st_mtim);
+    const std::int64_t changed = nanoseconds(state.st_ctim);
+    const std::int64_t age = nanoseconds(now) - std::max(modified, changed);
+    if (age < (modified % kSecond == 0 ? kSettlingTimeOfSeconds : kSettlingTime)) {
+      return std::nullopt;
+    }
+    return FileIdentity{state.st_dev, state.st_ino, static_cast<std::uint64_t>(state.st_size),
+                        modified, changed};
   }
 
   bool exists(const fs::path& path) override {

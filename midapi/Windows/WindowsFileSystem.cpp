@@ -175,21 +175,27 @@ class WindowsFileSystem final : public FileSystem {
     return content;
   }
 
-  std::vector<fs::path> folders(const fs::path& path) override {
+  Folders folders(const fs::path& path) override {
     const NoErrorDialogs noDialogs;
-    std::vector<fs::path> names;
+    Folders found;
     std::error_code error;
     fs::directory_iterator entry(path, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
       std::error_code gone;
       if (entry->is_directory(gone)) {
-        names.push_back(entry->path().filename());
+        found.names.push_back(entry->path().filename());
       }
+      found.hasLinks = found.hasLinks || entry->is_symlink(gone);
     }
     if (error) {
       throw FileFault("read", path, error);
     }
-    return names;
+    return found;
+  }
+
+  // The times of a file that is open for writing may be brought up to date only when it is closed.
+  std::optional<FileIdentity> identity(const fs::path& /*path*/) const noexcept override {
+    return std::nullopt;
   }
 
   bool exists(const fs::path& path) override {

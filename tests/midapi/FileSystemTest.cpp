@@ -81,7 +81,7 @@ TEST_F(FileSystemTest, ListsFoldersButNoFiles) {
   m_directory.write("one/file", std::string());
   m_directory.write("two/file", std::string());
   m_directory.write("file", std::string());
-  EXPECT_THAT(files().folders(m_directory.path()), UnorderedElementsAre("one", "two"));
+  EXPECT_THAT(files().folders(m_directory.path()).names, UnorderedElementsAre("one", "two"));
   EXPECT_THAT(faultOf([&] { static_cast<void>(files().folders(m_directory.path() / "none")); }),
               HasSubstr("cannot read"));
 }

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -44,9 +45,13 @@ class WatchedFileSystem final : public ma::FileSystem {
     afterRead(path, content);
     return content;
   }
-  std::vector<std::filesystem::path> folders(const std::filesystem::path& path) override {
+  ma::Folders folders(const std::filesystem::path& path) override {
     ++listings;
     return m_real.folders(path);
+  }
+  std::optional<ma::FileIdentity> identity(
+      const std::filesystem::path& path) const noexcept override {
+    return m_real.identity(path);
   }
   bool exists(const std::filesystem::path& path) override { return m_real.exists(path); }
   std::unique_ptr<ma::WritableFile> create(const std::filesystem::path& path) override {

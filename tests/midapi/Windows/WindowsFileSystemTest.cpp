@@ -5,8 +5,8 @@
 #include <string>
 #include <windows.h>
 
+#include "midapi/AdapterFolder.h"
 #include "midapi/FileSystem.h"
-#include "midapi/VirtualFlashBackend.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/Windows/ImportPatch.h"
 #include "tests/support/Windows/Umlauts.h"
@@ -135,7 +135,7 @@ TEST_F(WindowsFileSystemTest, NamesFilesInTheCodePage) {
 TEST_F(WindowsFileSystemTest, WorksInADirectoryThatTheCodePageHasNoNameFor) {
   const auto folder = m_directory.path() / test::kMacronPath;
   files().createFolders(folder / "flash.rom");
-  EXPECT_THAT(files().folders(m_directory.path()),
+  EXPECT_THAT(files().folders(m_directory.path()).names,
               testing::ElementsAre(std::filesystem::path(test::kMacronPath)));
   SetEnvironmentVariableW(L"ORVEX_ADAPTERS", folder.c_str());
   EXPECT_EQ(adaptersDirectory(), folder);
@@ -146,10 +146,14 @@ TEST_F(WindowsFileSystemTest, WorksInADirectoryThatTheCodePageHasNoNameFor) {
 TEST_F(WindowsFileSystemTest, TakesNoLikenessOfAnAddressForAnAdapter) {
   const std::filesystem::path stranger = L"\uFF10000-03-00";
   files().createFolder(m_directory.path() / stranger);
-  std::vector<std::filesystem::path> strangers;
 
-  EXPECT_THAT(listAdapterFolders(files(), m_directory.path(), &strangers), testing::IsEmpty());
-  EXPECT_THAT(strangers, testing::ElementsAre(stranger));
+  const AdapterFolders found = listAdapterFolders(files(), m_directory.path());
+  EXPECT_THAT(found.addresses, testing::IsEmpty());
+  EXPECT_THAT(found.strangers, testing::ElementsAre(stranger));
+}
+
+TEST_F(WindowsFileSystemTest, GivesNoIdentities) {
+  EXPECT_EQ(files().identity(m_directory.path()), std::nullopt);
 }
 
 TEST_F(WindowsFileSystemTest, AsksNobodyAboutADriveWithoutAMedium) {
