@@ -1,6 +1,7 @@
 #include "inventory/DeviceValues.h"
 
 #include <cstdint>
+#include <utility>
 
 #include "Os/Environment.h"
 
@@ -11,6 +12,10 @@ constexpr const char* kSystemClass = "CIM_UnitaryComputerSystem";
 constexpr std::uint16_t kOperationalStatusOk = 2;
 
 }  // namespace
+
+DeviceSet makeDeviceSet(std::vector<std::string> identities) {
+  return {os::getComputerName(), std::move(identities)};
+}
 
 void setDeviceValues(CIM_LogicalDevice& device, const std::string& deviceId,
                      const std::string& caption) {

@@ -4,10 +4,23 @@
 #define ORVEX_INVENTORY_DEVICEVALUES_H_
 
 #include <string>
+#include <vector>
 
 #include "cim/CIM_LogicalDevice.h"
 
 namespace inventory {
+
+// What the values of devices are made of, beside constants. Devices that were built of equal ones
+// are equal.
+struct DeviceSet {
+  std::string systemName;
+  std::vector<std::string> identities;
+
+  friend bool operator==(const DeviceSet&, const DeviceSet&) = default;
+};
+
+// Returns the set of the devices, on this system.
+[[nodiscard]] DeviceSet makeDeviceSet(std::vector<std::string> identities);
 
 // Fills the keys and names of a device and marks the keys.
 void setDeviceValues(CIM_LogicalDevice& device, const std::string& deviceId,

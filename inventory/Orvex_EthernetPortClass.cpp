@@ -33,8 +33,14 @@ Orvex_EthernetPortClass::Orvex_EthernetPortClass()
                         "EthernetPort::getInstances"}) {}
 
 void Orvex_EthernetPortClass::refresh() {
-  instances().clear();
-  for (std::string& identity : ma::enumerateAdapters()) {
-    instances().add(new AdapterPort(std::move(identity)));
+  inventory::DeviceSet ports = inventory::makeDeviceSet(ma::enumerateAdapters());
+  if (ports == m_ports) {
+    return;
   }
+  m_ports = {};  // until all are there
+  instances().clear();
+  for (const std::string& identity : ports.identities) {
+    instances().add(new AdapterPort(identity));
+  }
+  m_ports = std::move(ports);
 }

@@ -4,6 +4,7 @@
 #define ORVEX_INVENTORY_ORVEX_ETHERNETPORTCLASS_H_
 
 #include "core/InstanceProvider.h"
+#include "inventory/DeviceValues.h"
 
 class Orvex_EthernetPortClass : public core::InstanceProvider {
  public:
@@ -11,6 +12,10 @@ class Orvex_EthernetPortClass : public core::InstanceProvider {
 
  protected:
   void refresh() override;
+
+ private:
+  // What the instances were built of: for as long as that stays the same, so do they.
+  inventory::DeviceSet m_ports;
 };
 
 #endif  // ORVEX_INVENTORY_ORVEX_ETHERNETPORTCLASS_H_

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "inventory/Adapters.h"
 #include "inventory/DeviceValues.h"
@@ -36,8 +37,18 @@ Orvex_PortControllerClass::Orvex_PortControllerClass()
                         "PortController::getInstances"}) {}
 
 void Orvex_PortControllerClass::refresh() {
-  instances().clear();
+  std::vector<std::string> identities;
   for (inventory::Adapter& adapter : inventory::findAdapters()) {
-    instances().add(new AdapterController(std::move(adapter.identity)));
+    identities.push_back(std::move(adapter.identity));
   }
+  inventory::DeviceSet controllers = inventory::makeDeviceSet(std::move(identities));
+  if (controllers == m_controllers) {
+    return;
+  }
+  m_controllers = {};  // until all are there
+  instances().clear();
+  for (const std::string& identity : controllers.identities) {
+    instances().add(new AdapterController(identity));
+  }
+  m_controllers = std::move(controllers);
 }

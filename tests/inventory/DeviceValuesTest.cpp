@@ -26,4 +26,15 @@ TEST(SetDeviceValues, FillsKeysAndNames) {
   EXPECT_THAT(device.OperationalStatus.getValue(), testing::ElementsAre(2));
 }
 
+TEST(DeviceSet, DiffersByTheSystemAndByTheDevices) {
+  os::setEnvironment("COMPUTERNAME", "host7");
+  const inventory::DeviceSet devices = inventory::makeDeviceSet({"a", "b"});
+
+  EXPECT_EQ(devices.systemName, "host7");
+  EXPECT_EQ(inventory::makeDeviceSet({"a", "b"}), devices);
+  EXPECT_NE(inventory::makeDeviceSet({"b", "a"}), devices);
+  os::setEnvironment("COMPUTERNAME", "host8");
+  EXPECT_NE(inventory::makeDeviceSet({"a", "b"}), devices);
+}
+
 }  // namespace

@@ -2,6 +2,7 @@
 #include <string>
 #include <vector>
 
+#include "Os/Environment.h"
 #include "inventory/Orvex_EthernetPort.h"
 #include "inventory/Orvex_EthernetPortClass.h"
 #include "tests/inventory/InventoryTest.h"
@@ -39,6 +40,22 @@ TEST_F(EthernetPortClass, AsksTheLibraryAtEachEnumeration) {
               ElementsAre("0000:03:00.0", "0000:03:00.1", "0000:04:00.0", "0000:04:00.1"));
   std::filesystem::remove_all(m_adapters.directory());
   EXPECT_THAT(identities(), testing::IsEmpty());
+}
+
+TEST_F(EthernetPortClass, KeepsThePortsForAsLongAsNothingChanges) {
+  const std::vector<Orvex_EthernetPort*> first = ports();
+  EXPECT_EQ(ports(), first);
+
+  m_adapters.set(test::kAdapter, "/ports", R"([{"function": 3, "mac": "02:00:00:03:00:03"}])");
+  EXPECT_THAT(identities(), ElementsAre("0000:03:00.3"));
+  EXPECT_EQ(ports().front()->PortNumber.getValue(), 3);
+}
+
+TEST_F(EthernetPortClass, NamesTheSystemAsItIsCalledAtTheEnumeration) {
+  for (const char* name : {"lab-7", "lab-8", "lab-7"}) {
+    os::setEnvironment("COMPUTERNAME", name);
+    EXPECT_EQ(ports().front()->SystemName.getValue(), name);
+  }
 }
 
 TEST_F(EthernetPortClass, DescribesAPort) {

@@ -55,6 +55,20 @@ TEST_F(PortControllerClass, KnowsThePortsOfItsControllers) {
   EXPECT_THAT(portsOf(*all[2]), ElementsAre("0001:03:00.0", "0001:03:00.1"));
 }
 
+TEST_F(PortControllerClass, KeepsTheControllersForAsLongAsNothingChanges) {
+  m_adapters.makeAdapter(test::kAdapter, {});
+  const std::vector<Orvex_PortController*> first = controllers();
+  EXPECT_EQ(controllers(), first);
+
+  m_adapters.makeAdapter(test::kOtherAdapter, {});
+  const std::vector<Orvex_PortController*> both = controllers();
+  ASSERT_EQ(both.size(), 2u);
+  EXPECT_EQ(both[1]->DeviceID.getValue(), test::kOtherAdapter);
+  std::filesystem::remove_all(m_adapters.folder(test::kAdapter));
+  ASSERT_EQ(controllers().size(), 1u);
+  EXPECT_EQ(controllers().front()->DeviceID.getValue(), test::kOtherAdapter);
+}
+
 TEST_F(PortControllerClass, DescribesAController) {
   m_adapters.makeAdapter(test::kAdapter, {});
   Orvex_PortController& controller = *controllers().at(0);
