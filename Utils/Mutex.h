@@ -7,7 +7,7 @@
 #ifndef ORVEX_UTILS_MUTEX_H_
 #define ORVEX_UTILS_MUTEX_H_
 
-#include <memory>
+#include <cstddef>
 
 #include "Utils/Export.h"
 #include "Utils/ThreadAnnotations.h"
@@ -28,7 +28,12 @@ class ORVEX_CORE_API ORVEX_CAPABILITY("mutex") Mutex {
 
  private:
   struct Native;
-  std::unique_ptr<Native> m_native;
+  [[nodiscard]] Native& native();
+
+  // Room for the platform's mutex: a list of an object's properties has one of these, so that it
+  // must not cost an allocation.
+  static constexpr std::size_t kNativeSize = 48;
+  alignas(void*) std::byte m_native[kNativeSize];
 };
 
 // Holds a mutex for the span of a block.

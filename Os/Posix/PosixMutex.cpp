@@ -1,5 +1,7 @@
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
+#include <new>
 #include <pthread.h>
 
 #include "Utils/Exception.h"
@@ -15,18 +17,30 @@ constexpr LogSource kLog{"Os/Posix/PosixMutex"};
 std::atomic<std::uint32_t> s_lockCount{0};
 std::atomic<std::uint32_t> s_unlockCount{0};
 
+// The attributes of every mutex, which are made once.
+class Attributes {
+ public:
+  Attributes() : m_error(pthread_mutexattr_init(&m_attributes)) {
+    if (m_error == 0) {
+      m_error = pthread_mutexattr_settype(&m_attributes, PTHREAD_MUTEX_RECURSIVE);
+    }
+  }
+  Attributes(const Attributes&) = delete;
+  Attributes& operator=(const Attributes&) = delete;
+  ~Attributes() = default;
+
+  [[nodiscard]] int initialise(pthread_mutex_t& mutex) const {
+    return m_error != 0 ? m_error : pthread_mutex_init(&mutex, &m_attributes);
+  }
+
+ private:
+  pthread_mutexattr_t m_attributes{};
+  int m_error;
+};
+
 int initialise(pthread_mutex_t& mutex) {
-  pthread_mutexattr_t attributes;
-  int error = pthread_mutexattr_init(&attributes);
-  if (error != 0) {
-    return error;
-  }
-  error = pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
-  if (error == 0) {
-    error = pthread_mutex_init(&mutex, &attributes);
-  }
-  pthread_mutexattr_destroy(&attributes);
-  return error;
+  static const Attributes attributes;
+  return attributes.initialise(mutex);
 }
 
 }  // namespace
@@ -35,8 +49,14 @@ struct Mutex::Native {
   pthread_mutex_t mutex;
 };
 
-Mutex::Mutex() : m_native(std::make_unique<Native>()) {
-  const int error = initialise(m_native->mutex);
+Mutex::Native& Mutex::native() {
+  return *std::launder(reinterpret_cast<Native*>(m_native));
+}
+
+Mutex::Mutex() {
+  static_assert(sizeof(Native) <= kNativeSize && alignof(Native) <= alignof(void*));
+  auto* made = new (m_native) Native;
+  const int error = initialise(made->mutex);
   if (error != 0) {
     logError(kLog, "utils::Mutex::Mutex", "Could not create mutex %p. Error %d",
              static_cast<void*>(this), error);
@@ -45,7 +65,7 @@ Mutex::Mutex() : m_native(std::make_unique<Native>()) {
 }
 
 Mutex::~Mutex() {
-  const int error = pthread_mutex_destroy(&m_native->mutex);
+  const int error = pthread_mutex_destroy(&native().mutex);
   if (error != 0) {
     logError(kLog, "utils::Mutex::~Mutex", "Could not close mutex %p. Error %d",
              static_cast<void*>(this), error);
@@ -53,7 +73,7 @@ Mutex::~Mutex() {
 }
 
 void Mutex::lock() {
-  const int error = pthread_mutex_lock(&m_native->mutex);
+  const int error = pthread_mutex_lock(&native().mutex);
   if (error != 0) {
     logError(kLog, "utils::Mutex::Lock", "Error locking mutex %p. Error %d",
              static_cast<void*>(this), error);
@@ -62,7 +82,7 @@ void Mutex::lock() {
 }
 
 void Mutex::unlock() {
-  const int error = pthread_mutex_unlock(&m_native->mutex);
+  const int error = pthread_mutex_unlock(&native().mutex);
   if (error != 0) {
     logError(kLog, "utils::Mutex::Unlock", "Error locking mutex %p. Error %d",
              static_cast<void*>(this), error);

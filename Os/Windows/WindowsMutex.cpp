@@ -1,5 +1,9 @@
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <new>
+#include <utility>
 #include <windows.h>
 
 #include "Os/Windows/Handle.h"
@@ -26,25 +30,32 @@ struct Mutex::Native {
   os::Handle handle;
 };
 
-Mutex::Mutex() : m_native(std::make_unique<Native>()) {
-  m_native->handle = os::Handle(CreateMutexA(nullptr, FALSE, nullptr));
-  if (!m_native->handle.isOpen()) {
+Mutex::Native& Mutex::native() {
+  return *std::launder(reinterpret_cast<Native*>(m_native));
+}
+
+Mutex::Mutex() {
+  static_assert(sizeof(Native) <= kNativeSize && alignof(Native) <= alignof(void*));
+  os::Handle handle(CreateMutexA(nullptr, FALSE, nullptr));
+  if (!handle.isOpen()) {
     const int error = lastError();
     logError(kLog, "utils::Mutex::Mutex", "Could not create mutex %p. Error %d",
              static_cast<void*>(this), error);
     throw Exception("Could not create mutex %p. Error %d", static_cast<void*>(this), error);
   }
+  new (m_native) Native{std::move(handle)};
 }
 
 Mutex::~Mutex() {
-  if (!m_native->handle.close()) {
+  if (!native().handle.close()) {
     logError(kLog, "utils::Mutex::~Mutex", "Could not close mutex %p. Error %d",
              static_cast<void*>(this), lastError());
   }
+  std::destroy_at(&native());
 }
 
 void Mutex::lock() {
-  if (WaitForSingleObject(m_native->handle.get(), INFINITE) != WAIT_OBJECT_0) {
+  if (WaitForSingleObject(native().handle.get(), INFINITE) != WAIT_OBJECT_0) {
     logError(kLog, "utils::Mutex::Lock", "Error locking mutex %p. Error %d",
              static_cast<void*>(this), lastError());
   }
@@ -52,7 +63,7 @@ void Mutex::lock() {
 }
 
 void Mutex::unlock() {
-  if (ReleaseMutex(m_native->handle.get()) == FALSE) {
+  if (ReleaseMutex(native().handle.get()) == FALSE) {
     logError(kLog, "utils::Mutex::Unlock", "Error locking mutex %p. Error %d",
              static_cast<void*>(this), lastError());
   }
