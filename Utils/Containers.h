@@ -3,13 +3,14 @@
 // Every operation of a locked container, and every single step of a cursor, takes the container's
 // own mutex; a walk as a whole does not. Elements may be added between two steps; clear() during
 // someone else's walk is the caller's fault. No operation calls another locked one of the same
-// container while it holds the lock.
+// container while it holds the lock. Whoever reads many elements at once takes copies of the
+// pointers (copyTo), which locks once.
 
 #ifndef ORVEX_UTILS_CONTAINERS_H_
 #define ORVEX_UTILS_CONTAINERS_H_
 
+#include <algorithm>
 #include <cstddef>
-#include <list>
 #include <map>
 #include <memory>
 #include <optional>
@@ -44,10 +45,7 @@ class SafeList {
   // Appends. Throws std::length_error when the list can grow no more.
   void add(T element) {
     const ScopedLock lock(m_lock);
-    if (m_elements.size() == m_elements.max_size()) {
-      throw std::length_error("list<T> too long");
-    }
-    m_elements.push_back(element);
+    append(element);
   }
 
   // Empties the list.
@@ -64,7 +62,7 @@ class SafeList {
   // Takes `element` out of the list without deleting it. Returns whether it was there.
   bool remove(T element) {
     const ScopedLock lock(m_lock);
-    return m_elements.remove(element) != 0;
+    return std::erase(m_elements, element) != 0;
   }
 
   [[nodiscard]] std::size_t size() const {
@@ -72,10 +70,39 @@ class SafeList {
     return m_elements.size();
   }
 
+  // Makes `elements` the list's elements, null ones too. Keeps its capacity, so that a caller who
+  // reads one list after another allocates next to nothing.
+  void copyTo(std::vector<T>& elements) const {
+    const ScopedLock lock(m_lock);
+    elements.assign(m_elements.begin(), m_elements.end());
+  }
+
+ protected:
+  // Runs `body` with the elements, under the lock, and returns what it returns. It calls nothing of
+  // the list but append().
+  template <class Body>
+  auto withElements(Body body) const {
+    const ScopedLock lock(m_lock);
+    return body(std::as_const(m_elements));
+  }
+
+  // What add() does, for a caller that holds the lock.
+  void append(T element) ORVEX_NO_THREAD_SAFETY_ANALYSIS {
+    if (m_elements.size() == m_elements.max_size()) {
+      throw std::length_error("list<T> too long");
+    }
+    if (m_elements.size() == m_elements.capacity()) {
+      m_elements.reserve(std::max(kFirstCapacity, 2 * m_elements.size()));
+    }
+    m_elements.push_back(element);
+  }
+
  private:
+  static constexpr std::size_t kFirstCapacity = 8;
+
   const bool m_ownsElements;
   mutable Mutex m_lock;
-  std::list<T> m_elements ORVEX_GUARDED_BY(m_lock);
+  std::vector<T> m_elements ORVEX_GUARDED_BY(m_lock);
 };
 
 // What a cursor does. Null is the end, so a null element ends a walk.
@@ -98,7 +125,7 @@ class SafeList<T>::SimpleIteratorImplementation : public SafeList<T>::IteratorIm
   explicit SimpleIteratorImplementation(SafeList<T>* list) : m_list(list) {
     if (m_list != nullptr) {
       const ScopedLock lock(m_list->m_lock);
-      m_position = m_list->m_elements.begin();
+      moveTo(0);
     }
   }
 
@@ -115,7 +142,7 @@ class SafeList<T>::SimpleIteratorImplementation : public SafeList<T>::IteratorIm
       return nullptr;
     }
     const ScopedLock lock(m_list->m_lock);
-    m_position = m_list->m_elements.begin();
+    moveTo(0);
     return step();
   }
 
@@ -127,32 +154,56 @@ class SafeList<T>::SimpleIteratorImplementation : public SafeList<T>::IteratorIm
 
  protected:
   // One step, made by a caller that holds the list's lock.
-  virtual T step() ORVEX_NO_THREAD_SAFETY_ANALYSIS {
-    if (m_list == nullptr || m_position == m_list->m_elements.end()) {
+  virtual T step() {
+    if (m_list != nullptr && m_position != kEnd) {
+      followElement();
+    }
+    if (m_position == kEnd) {
       return nullptr;
     }
-    return *m_position++;
+    T element = m_element;
+    moveTo(m_position + 1);
+    return element;
   }
 
   SafeList<T>* list() const { return m_list; }
 
  private:
+  static constexpr std::size_t kEnd = static_cast<std::size_t>(-1);
+
+  // Makes the element of that number the one that the next step returns. A cursor that has come to
+  // the end stays there, whatever is added.
+  void moveTo(std::size_t position) ORVEX_NO_THREAD_SAFETY_ANALYSIS {
+    const std::vector<T>& elements = m_list->m_elements;
+    const bool isEnd = position >= elements.size();
+    m_position = isEnd ? kEnd : position;
+    m_element = isEnd ? nullptr : elements[position];
+  }
+
+  // Finds the element that is to be returned again, after others in front of it were taken out; the
+  // one in its place when it was taken out itself.
+  void followElement() ORVEX_NO_THREAD_SAFETY_ANALYSIS {
+    const std::vector<T>& elements = m_list->m_elements;
+    std::size_t position = std::min(m_position + 1, elements.size());
+    while (position > 0 && elements[position - 1] != m_element) {
+      --position;
+    }
+    moveTo(position > 0 ? position - 1 : m_position);
+  }
+
   SafeList<T>* m_list;
-  typename std::list<T>::iterator m_position{};
+  std::size_t m_position = kEnd;  // of the element that the next step returns
+  T m_element = nullptr;
 };
 
 // A cursor that passes over elements. Derived is the concrete cursor; its static isSkipped(element)
-// says which, and it is constructible from the list alone. Each step takes the lock once more.
+// says which, and it is constructible from the list alone. It is asked under the list's lock.
 template <class T, class Derived>
 class SkippingIteratorImplementation : public SafeList<T>::SimpleIteratorImplementation {
   using Base = typename SafeList<T>::SimpleIteratorImplementation;
 
  public:
   using Base::Base;
-
-  T next() override { return firstNotSkipped(Base::next()); }
-
-  T first() override { return firstNotSkipped(Base::first()); }
 
   // Walks the list.
   std::size_t count() override {
@@ -168,10 +219,11 @@ class SkippingIteratorImplementation : public SafeList<T>::SimpleIteratorImpleme
     return std::make_unique<Derived>(this->list());
   }
 
- private:
-  T firstNotSkipped(T element) {
+ protected:
+  T step() override {
+    T element = Base::step();
     while (element != nullptr && Derived::isSkipped(element)) {
-      element = Base::next();
+      element = Base::step();
     }
     return element;
   }

@@ -97,10 +97,10 @@ std::size_t readValue(const core::CimProperty& property) {
 [[gnu::noinline]] std::size_t readInstances(const std::string& className) {
   const core::CimBroker::Request request(core::GetCimBroker());
   std::size_t read = 0;
+  std::vector<core::CimProperty*> properties;
   for (core::CimInstance* instance : core::GetCimBroker().getInstances(className)) {
-    core::CimPropertyList::Iterator cursor = instance->getProperties().iterator();
-    for (core::CimProperty* property = cursor.first(); property != nullptr;
-         property = cursor.next()) {
+    instance->getProperties().copyTo(properties);
+    for (const core::CimProperty* property : properties) {
       read += property->getName().size();
       if (!property->isNull()) {
         read += readValue(*property);

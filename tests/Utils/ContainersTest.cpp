@@ -178,6 +178,66 @@ TEST_F(SafeList, TakesAnElementOutWithoutDeletingIt) {
   EXPECT_THAT(m_deaths, IsEmpty());
 }
 
+TEST_F(SafeList, StaysAtTheEndThatAWalkHasReached) {
+  List::Iterator ofNothing = m_list.iterator();
+  fill({1, 2});
+  List::Iterator cursor = m_list.iterator();
+  static_cast<void>(cursor.next());
+  EXPECT_EQ(cursor.next()->number(), 2);
+  fill({3});
+
+  EXPECT_EQ(cursor.next(), nullptr);
+  EXPECT_EQ(ofNothing.next(), nullptr);
+  EXPECT_THAT(walk(cursor), ElementsAre(1, 2, 3));
+}
+
+TEST_F(SafeList, GoesOnWithItsElementWhenOthersAreTakenOut) {
+  fill({1, 2, 3, 4, 5});
+  List::Iterator cursor = m_list.iterator();
+  EXPECT_EQ(cursor.next()->number(), 1);
+  EXPECT_EQ(cursor.next()->number(), 2);
+
+  m_list.remove(m_kept[0]);
+  m_list.remove(m_kept[1]);
+  m_list.remove(m_kept[3]);
+
+  EXPECT_EQ(cursor.next()->number(), 3);
+  EXPECT_EQ(cursor.next()->number(), 5);
+  EXPECT_EQ(cursor.next(), nullptr);
+}
+
+TEST_F(SafeList, PassesOverTheNextElementWhenThatIsTakenOut) {
+  fill({1, 2, 3});
+  List::Iterator cursor = m_list.iterator();
+  static_cast<void>(cursor.next());
+  m_list.remove(m_kept[1]);
+
+  EXPECT_EQ(cursor.next()->number(), 3);
+  EXPECT_EQ(cursor.next(), nullptr);
+}
+
+TEST_F(SafeList, CopiesItsElementsAtOnce) {
+  fill({3, 1, 2});
+  std::vector<Item*> copies{nullptr};
+  m_list.copyTo(copies);
+  EXPECT_EQ(copies, m_kept);
+
+  m_list.clear();
+  m_list.copyTo(copies);
+  EXPECT_THAT(copies, IsEmpty());
+}
+
+TEST_F(SafeList, IsWalkedAsAWholeWhenItHasGrown) {
+  constexpr int kItems = 1000;
+  for (int number = 0; number < kItems; ++number) {
+    fill({number});
+  }
+  const std::vector<int> numbers = walk(m_list);
+  ASSERT_EQ(numbers.size(), std::size_t{kItems});
+  EXPECT_EQ(numbers.front(), 0);
+  EXPECT_EQ(numbers.back(), kItems - 1);
+}
+
 TEST_F(SafeList, ClonesACursorToTheBeginning) {
   fill({1, 2});
   List::SimpleIteratorImplementation cursor(&m_list);

@@ -76,6 +76,29 @@ TEST_F(CimPropertyList, FlagsTwoOfThreePropertiesOfOneName) {
   EXPECT_THAT(test::walk(m_list.iterator()), ElementsAre(&third));
 }
 
+TEST_F(CimPropertyList, CopiesThePropertiesInForce) {
+  CimPropertyString later("Name", nullptr);
+  m_list.add(&m_name);
+  m_list.add(&m_size);
+  std::vector<core::CimProperty*> properties;
+  m_list.copyTo(properties);
+  EXPECT_THAT(properties, ElementsAre(&m_name, &m_size));
+
+  m_list.add(&later);
+  m_list.copyTo(properties);
+  EXPECT_THAT(properties, ElementsAre(&m_size, &later));
+}
+
+TEST_F(CimPropertyList, FindsNothingMoreWhenItIsCleared) {
+  m_list.add(&m_name);
+  m_list.clear();
+  EXPECT_EQ(m_list.get("Name"), nullptr);
+
+  m_list.add(&m_name);
+  EXPECT_FALSE(m_name.isOverridden());
+  EXPECT_EQ(m_list.get("Name"), &m_name);
+}
+
 TEST_F(CimPropertyList, RefusesNull) {
   EXPECT_THAT([&] { m_list.add(nullptr); }, test::ThrowsExactly<utils::Exception>(test::IsAssertion(
                                                 "CimPropertyList", "newProperty != NULL")));
