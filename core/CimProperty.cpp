@@ -82,7 +82,8 @@ void CimProperty::VerifyTypeListener::onVerify(CimProperty* property, CimPropert
   }
 }
 
-CimProperty::CimProperty(const char* name, CimInstance* owner) : m_name(name), m_owner(owner) {
+CimProperty::CimProperty(const char* name, CimInstance* owner)
+    : m_name(name, owner != nullptr ? NameSource::Class : NameSource::Outside), m_owner(owner) {
   ORVEX_ASSERT(kLog, m_name.length() != 0);
   if (m_owner != nullptr) {
     m_owner->getProperties().add(this);
@@ -105,19 +106,28 @@ void CimProperty::verify(CimProperty*) {
 
 void CimProperty::attachListener(Listener* listener) {
   ORVEX_ASSERT(kLog, listener != NULL);
-  m_furtherListeners.push_back(listener);
+  if (m_furtherListeners == nullptr) {
+    m_furtherListeners = std::make_unique<std::vector<Listener*>>();
+  }
+  m_furtherListeners->push_back(listener);
 }
 
 std::size_t CimProperty::getListenerCount() const {
-  return 2 + m_furtherListeners.size();
+  return 2 + (m_furtherListeners != nullptr ? m_furtherListeners->size() : 0);
 }
 
 template <class Notify>
 void CimProperty::forEachListener(Notify notify) {
-  notify(m_isModifyEnabledListener);
-  notify(m_verifyTypeListener);
-  for (Listener* listener : m_furtherListeners) {
-    notify(*listener);
+  // They have no state, so that all properties share them. Never destroyed: modules have properties
+  // that live longer than the objects of this library.
+  static auto& isModifyEnabled = *new IsModifyEnabledListener;
+  static auto& verifyType = *new VerifyTypeListener;
+  notify(isModifyEnabled);
+  notify(verifyType);
+  if (m_furtherListeners != nullptr) {
+    for (Listener* listener : *m_furtherListeners) {
+      notify(*listener);
+    }
   }
 }
 

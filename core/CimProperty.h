@@ -13,10 +13,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "Utils/Export.h"
+#include "core/PropertyName.h"
 
 namespace core {
 
@@ -61,7 +63,8 @@ class ORVEX_CORE_API CimProperty {
     void onVerify(CimProperty* property, CimProperty* newValue) override;
   };
 
-  // `name` is not empty (else utils::Exception); `owner` may be null.
+  // `name` is not empty (else utils::Exception); `owner` may be null. The name of a property with
+  // an owner is one that the owner's class gives (see NameSource).
   CimProperty(const char* name, CimInstance* owner);
   CimProperty(const CimProperty&) = delete;
   CimProperty& operator=(const CimProperty&) = delete;
@@ -79,7 +82,9 @@ class ORVEX_CORE_API CimProperty {
   // `newValue`; changes nothing.
   virtual void verify(CimProperty* newValue);
 
-  [[nodiscard]] const std::string& getName() const { return m_name; }
+  [[nodiscard]] const std::string& getName() const { return m_name.text(); }
+  // Returns whether the other property has the same name.
+  [[nodiscard]] bool isNamedAs(const CimProperty& other) const { return m_name == other.m_name; }
   [[nodiscard]] CimInstance* getOwner() const { return m_owner; }
   [[nodiscard]] bool isNull() const { return m_isNull; }
   // Takes the value away.
@@ -112,15 +117,14 @@ class ORVEX_CORE_API CimProperty {
   template <class Notify>
   void forEachListener(Notify notify);
 
-  const std::string m_name;
+  const PropertyName m_name;
   CimInstance* const m_owner;
   bool m_isNull = true;
   bool m_isOverridden = false;
   bool m_isModifyEnabled = false;
   bool m_isKey = false;
-  IsModifyEnabledListener m_isModifyEnabledListener;
-  VerifyTypeListener m_verifyTypeListener;
-  std::vector<Listener*> m_furtherListeners;  // behind the two above
+  // Behind the two that every property has; null: none.
+  std::unique_ptr<std::vector<Listener*>> m_furtherListeners;
 };
 
 // Checks that `property` may become `newValue`: what the typed classes' verify() does. Throws

@@ -9,11 +9,10 @@ namespace {
 
 constexpr utils::LogSource kLog{"CimPropertyList"};
 
-// A list is short, and most names differ in their lengths: a search costs less than an index.
-CimProperty* findLast(const std::vector<CimProperty*>& properties, const std::string& name) {
-  const auto found =
-      std::find_if(properties.rbegin(), properties.rend(),
-                   [&](const CimProperty* property) { return property->getName() == name; });
+// A list is short: a search from its end costs less than an index.
+template <class Predicate>
+CimProperty* findLast(const std::vector<CimProperty*>& properties, Predicate predicate) {
+  const auto found = std::find_if(properties.rbegin(), properties.rend(), predicate);
   return found != properties.rend() ? *found : nullptr;
 }
 
@@ -42,7 +41,8 @@ void CimPropertyList::copyTo(std::vector<CimProperty*>& properties) const {
 void CimPropertyList::add(CimProperty* newProperty) {
   ORVEX_ASSERT(kLog, newProperty != NULL);
   withElements([&](const std::vector<CimProperty*>& all) {
-    CimProperty* overridenProperty = findLast(all, newProperty->getName());
+    CimProperty* overridenProperty = findLast(
+        all, [&](const CimProperty* property) { return property->isNamedAs(*newProperty); });
     append(newProperty);
     if (overridenProperty != nullptr) {
       overridenProperty->setOverridden();
@@ -51,7 +51,9 @@ void CimPropertyList::add(CimProperty* newProperty) {
 }
 
 CimProperty* CimPropertyList::get(const std::string& name) {
-  return withElements([&](const std::vector<CimProperty*>& all) { return findLast(all, name); });
+  return withElements([&](const std::vector<CimProperty*>& all) {
+    return findLast(all, [&](const CimProperty* property) { return property->getName() == name; });
+  });
 }
 
 }  // namespace core

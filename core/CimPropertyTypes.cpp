@@ -100,7 +100,9 @@ CimPropertyString::~CimPropertyString() = default;
 void CimPropertyString::setMinLength(std::uint32_t length) {
   m_minLength = length;
   if (!m_isMinLengthChecked) {
-    attachListener(&m_checkMinLengthListener);
+    // As of the two that every property has.
+    static auto& checkMinLength = *new CheckMinLengthListener;
+    attachListener(&checkMinLength);
     m_isMinLengthChecked = true;
   }
 }
@@ -108,7 +110,8 @@ void CimPropertyString::setMinLength(std::uint32_t length) {
 void CimPropertyString::setMaxLength(std::uint32_t length) {
   m_maxLength = length;
   if (!m_isMaxLengthChecked) {
-    attachListener(&m_checkMaxLengthListener);
+    static auto& checkMaxLength = *new CheckMaxLengthListener;
+    attachListener(&checkMaxLength);
     m_isMaxLengthChecked = true;
   }
 }

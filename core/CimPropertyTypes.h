@@ -96,8 +96,6 @@ class ORVEX_CORE_API CimPropertyString : public CimProperty {
   std::string m_value;
   std::uint32_t m_minLength = 0;
   std::uint32_t m_maxLength = 0;
-  CheckMinLengthListener m_checkMinLengthListener;
-  CheckMaxLengthListener m_checkMaxLengthListener;
   bool m_isMinLengthChecked = false;
   bool m_isMaxLengthChecked = false;
 };
