@@ -37,7 +37,7 @@ class SafeList {
   explicit SafeList(bool ownsElements) : m_ownsElements(ownsElements) {}
   SafeList(const SafeList&) = delete;
   SafeList& operator=(const SafeList&) = delete;
-  virtual ~SafeList() { clear(); }
+  virtual ~SafeList() { SafeList::clear(); }
 
   // Returns a cursor over all elements.
   virtual Iterator iterator();
@@ -49,7 +49,7 @@ class SafeList {
   }
 
   // Empties the list.
-  void clear() {
+  virtual void clear() {
     const ScopedLock lock(m_lock);
     if (m_ownsElements) {
       for (T element : m_elements) {
@@ -60,7 +60,7 @@ class SafeList {
   }
 
   // Takes `element` out of the list without deleting it. Returns whether it was there.
-  bool remove(T element) {
+  virtual bool remove(T element) {
     const ScopedLock lock(m_lock);
     return std::erase(m_elements, element) != 0;
   }

@@ -1,6 +1,8 @@
 #include "core/CimPropertyList.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
 
 #include "Utils/Assert.h"
 
@@ -8,12 +10,12 @@ namespace core {
 namespace {
 
 constexpr utils::LogSource kLog{"CimPropertyList"};
+constexpr std::size_t kFirstListCapacity = 8;
 
-// A list is short: a search from its end costs less than an index.
-template <class Predicate>
-CimProperty* findLast(const std::vector<CimProperty*>& properties, Predicate predicate) {
-  const auto found = std::find_if(properties.rbegin(), properties.rend(), predicate);
-  return found != properties.rend() ? *found : nullptr;
+// A list is short: a search costs less than an index.
+auto findNamed(const std::vector<CimProperty*>& properties, const std::string& name) {
+  return std::find_if(properties.begin(), properties.end(),
+                      [&](const CimProperty* property) { return property->getName() == name; });
 }
 
 }  // namespace
@@ -27,33 +29,50 @@ CimPropertyList::Iterator CimPropertyList::iterator() {
 }
 
 void CimPropertyList::copyTo(std::vector<CimProperty*>& properties) const {
-  withElements([&](const std::vector<CimProperty*>& all) {
+  withElements([&](const std::vector<CimProperty*>&) {
     properties.clear();
-    properties.reserve(all.size());
-    for (CimProperty* property : all) {
-      if (!property->isOverridden()) {
-        properties.push_back(property);
-      }
-    }
+    properties.reserve(m_latest.size());
+    std::copy_if(m_latest.begin(), m_latest.end(), std::back_inserter(properties),
+                 [](const CimProperty* property) { return !property->isOverridden(); });
   });
 }
 
 void CimPropertyList::add(CimProperty* newProperty) {
   ORVEX_ASSERT(kLog, newProperty != NULL);
-  withElements([&](const std::vector<CimProperty*>& all) {
-    CimProperty* overridenProperty = findLast(
-        all, [&](const CimProperty* property) { return property->isNamedAs(*newProperty); });
-    append(newProperty);
-    if (overridenProperty != nullptr) {
-      overridenProperty->setOverridden();
+  withElements([&](const std::vector<CimProperty*>&) {
+    // All that may fail comes before the first change.
+    if (m_latest.size() == m_latest.capacity()) {
+      m_latest.reserve(std::max(kFirstListCapacity, 2 * m_latest.size()));
     }
+    const auto overriden = std::find_if(
+        m_latest.begin(), m_latest.end(),
+        [&](const CimProperty* property) { return property->isNamedAs(*newProperty); });
+    append(newProperty);
+    if (overriden == m_latest.end()) {
+      m_latest.push_back(newProperty);
+      return;
+    }
+    (*overriden)->setOverridden();
+    *overriden = newProperty;
+    std::rotate(overriden, overriden + 1, m_latest.end());
   });
 }
 
 CimProperty* CimPropertyList::get(const std::string& name) {
-  return withElements([&](const std::vector<CimProperty*>& all) {
-    return findLast(all, [&](const CimProperty* property) { return property->getName() == name; });
+  return withElements([&](const std::vector<CimProperty*>&) {
+    const auto found = findNamed(m_latest, name);
+    return found != m_latest.end() ? *found : nullptr;
   });
+}
+
+void CimPropertyList::clear() {
+  withElements([this](const std::vector<CimProperty*>&) { m_latest.clear(); });
+  SafeList::clear();
+}
+
+bool CimPropertyList::remove(CimProperty* property) {
+  withElements([&](const std::vector<CimProperty*>&) { std::erase(m_latest, property); });
+  return SafeList::remove(property);
 }
 
 }  // namespace core

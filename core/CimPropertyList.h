@@ -41,6 +41,15 @@ class ORVEX_CORE_API CimPropertyList : public utils::SafeList<CimProperty*> {
   void add(CimProperty* newProperty);
   // Returns the property in force under the name, null when there is none.
   [[nodiscard]] CimProperty* get(const std::string& name);
+
+  // utils::SafeList
+  void clear() override;
+  bool remove(CimProperty* property) override;
+
+ private:
+  // The last property of each name, in their order; under the list's lock. More than half of the
+  // properties of an instance are overridden: a writer need not look at them.
+  std::vector<CimProperty*> m_latest;
 };
 
 }  // namespace core

@@ -99,6 +99,28 @@ TEST_F(CimPropertyList, FindsNothingMoreWhenItIsCleared) {
   EXPECT_EQ(m_list.get("Name"), &m_name);
 }
 
+TEST_F(CimPropertyList, FindsNothingThatIsTakenOut) {
+  m_list.add(&m_name);
+  m_list.add(&m_size);
+  utils::SafeList<core::CimProperty*>& base = m_list;
+  EXPECT_TRUE(base.remove(&m_name));
+
+  EXPECT_EQ(m_list.get("Name"), nullptr);
+  std::vector<core::CimProperty*> properties;
+  m_list.copyTo(properties);
+  EXPECT_THAT(properties, ElementsAre(&m_size));
+}
+
+TEST_F(CimPropertyList, CopiesNoPropertyThatSomebodyMarkedOverridden) {
+  m_list.add(&m_name);
+  m_list.add(&m_size);
+  m_name.setOverridden();
+  std::vector<core::CimProperty*> properties;
+  m_list.copyTo(properties);
+
+  EXPECT_THAT(properties, ElementsAre(&m_size));
+}
+
 TEST_F(CimPropertyList, RefusesNull) {
   EXPECT_THAT([&] { m_list.add(nullptr); }, test::ThrowsExactly<utils::Exception>(test::IsAssertion(
                                                 "CimPropertyList", "newProperty != NULL")));
