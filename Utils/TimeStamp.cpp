@@ -10,9 +10,13 @@ constexpr LogSource kLog{"Debug"};
 
 }  // namespace
 
-TimeStamp::TimeStamp(const std::string& name, bool logEntry)
-    : m_name(name), m_start(currentMicroseconds()) {
-  if (logEntry && isDebugLogged()) {
+TimeStamp::TimeStamp(std::string_view name, bool logEntry) {
+  if (!isDebugLogged()) {
+    return;
+  }
+  m_name = name;
+  m_start = currentMicroseconds();
+  if (logEntry) {
     logDebug(kLog, "utils::TimeStamp::Init", "      ### %s Entering '%s'", timeOfDay().c_str(),
              m_name.c_str());
   }

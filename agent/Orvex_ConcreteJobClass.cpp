@@ -77,7 +77,9 @@ void Orvex_ConcreteJobClass::refresh() {
   for (core::CimInstance* instance = cursor.first(); instance != nullptr;
        instance = cursor.next()) {
     auto* job = static_cast<Orvex_ConcreteJob*>(instance);
-    utils::logDebug(kLog, kGetInstances, "Refreshing job: %s", job->getInstanceId().c_str());
+    if (utils::isDebugLogged()) {
+      utils::logDebug(kLog, kGetInstances, "Refreshing job: %s", job->getInstanceId().c_str());
+    }
     try {
       job->threadControl(Orvex_ConcreteJob::kDeleteThread, 0);
     } catch (const std::exception&) {

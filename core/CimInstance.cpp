@@ -81,8 +81,10 @@ std::string CimInstance::getPath() {
 }
 
 void CimInstance::addMethod(const std::string& name, Method method) {
-  utils::logDebug(kLog, "core::CimInstance::addMethod", "Adding new %s method for %s class",
-                  name.c_str(), getClassName().c_str());
+  if (utils::isDebugLogged()) {
+    utils::logDebug(kLog, "core::CimInstance::addMethod", "Adding new %s method for %s class",
+                    name.c_str(), getClassName().c_str());
+  }
   m_methods[name] = method;
 }
 
