@@ -9,13 +9,12 @@ namespace {
 
 constexpr utils::LogSource kLog{"CimBroker"};
 
-bool hasKeys(CimInstance& instance, const CimPath& path) {
+bool hasKeys(const std::vector<CimProperty*>& properties, const CimPath& path) {
   std::size_t keys = 0;
-  CimPropertyList::Iterator cursor = instance.getProperties().iterator();
-  for (CimProperty* property = cursor.first(); property != nullptr; property = cursor.next()) {
+  for (const CimProperty* property : properties) {
     if (property->isKey()) {
       const auto wanted = path.find(property->getName());
-      if (wanted == path.end() || wanted->second != property->toString()) {
+      if (wanted == path.end() || !property->hasText(wanted->second)) {
         return false;
       }
       ++keys;
@@ -46,6 +45,11 @@ std::vector<CimAgent*> CimBroker::getAgents() const {
   return m_agents;
 }
 
+CimAgent* CimBroker::findAgent(std::size_t index) const {
+  const utils::ScopedLock lock(m_agentsLock);
+  return index < m_agents.size() ? m_agents[index] : nullptr;
+}
+
 std::shared_ptr<const CimSchema> CimBroker::getSchema() {
   const utils::ScopedLock lock(m_agentsLock);
   if (m_schema == nullptr) {
@@ -61,7 +65,7 @@ std::shared_ptr<const CimSchema> CimBroker::getSchema() {
 std::vector<CimInstance*> CimBroker::getInstances(const std::string& className) {
   const Request request(*this);
   std::vector<CimInstance*> instances;
-  for (CimAgent* agent : getAgents()) {
+  for (std::size_t index = 0; CimAgent* agent = findAgent(index); ++index) {
     if (agent->hasClass(className)) {
       InstanceList::Iterator cursor = agent->getInstances(className);
       for (CimInstance* instance = cursor.first(); instance != nullptr; instance = cursor.next()) {
@@ -74,9 +78,11 @@ std::vector<CimInstance*> CimBroker::getInstances(const std::string& className) 
 
 CimInstance* CimBroker::getInstanceByPath(const CimPath& path) {
   const std::vector<CimInstance*> instances = getInstances(path.getClassName());
-  const auto found =
-      std::find_if(instances.begin(), instances.end(),
-                   [&path](CimInstance* instance) { return hasKeys(*instance, path); });
+  std::vector<CimProperty*> properties;
+  const auto found = std::find_if(instances.begin(), instances.end(), [&](CimInstance* instance) {
+    instance->getProperties().copyTo(properties);
+    return hasKeys(properties, path);
+  });
   return found != instances.end() ? *found : nullptr;
 }
 

@@ -8,6 +8,7 @@
 #ifndef ORVEX_CORE_CIMBROKER_H_
 #define ORVEX_CORE_CIMBROKER_H_
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -58,6 +59,9 @@ class ORVEX_CORE_API CimBroker {
   [[nodiscard]] CimInstance* getInstanceByPath(const CimPath& path);
 
  private:
+  // Returns null behind the last agent.
+  [[nodiscard]] CimAgent* findAgent(std::size_t index) const;
+
   mutable utils::Mutex m_agentsLock;
   std::vector<CimAgent*> m_agents ORVEX_GUARDED_BY(m_agentsLock);
   // Made when it is first asked for; null: not yet.

@@ -74,6 +74,8 @@ class ORVEX_CORE_API CimProperty {
 
   // Returns the value as text.
   [[nodiscard]] virtual std::string toString() const;
+  // Returns whether toString() is the text.
+  [[nodiscard]] virtual bool hasText(const std::string& text) const;
   // Returns a CimType.
   [[nodiscard]] virtual std::uint32_t getType() const = 0;
   // Takes the value and the null state of `newValue`, without a check.

@@ -359,4 +359,17 @@ TEST(CimPropertyDatetime, TakesAnInterval) {
   EXPECT_EQ(property.getValue().value, 3'000'000U);
 }
 
+TEST(CimPropertyText, IsComparedAsItIsPrinted) {
+  core::CimPropertyString text("Name", nullptr);
+  text.setValue("value");
+  EXPECT_TRUE(text.hasText("value"));
+  EXPECT_FALSE(text.hasText("Value"));
+  core::CimPropertyUint16 number("Number", nullptr);
+  number.setValue(12);
+  EXPECT_TRUE(number.hasText("12"));
+  EXPECT_FALSE(number.hasText("012"));
+  const core::CimPropertySint8 without("Short", nullptr);
+  EXPECT_THROW(static_cast<void>(without.hasText("0")), utils::ENotSupported);
+}
+
 }  // namespace
