@@ -4,14 +4,13 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <utility>
 
 namespace core {
 namespace {
 
-// A chained hash table that only grows. Look-ups take no lock: an entry is complete when it can be
-// seen, and never changes or goes.
+// A chained hash table that only grows, without a lock: an entry is complete when it can be seen,
+// and never changes or goes.
 class NameTable {
  public:
   constexpr NameTable() = default;
@@ -23,27 +22,29 @@ class NameTable {
 
   // Returns the name's entry, made where there is none; null when the table is full.
   [[nodiscard]] const std::string* enter(std::string_view name) {
-    if (const std::string* found = find(name)) {
-      return found;
-    }
-    const std::lock_guard lock(m_mutex);
     std::atomic<Entry*>& bucket = bucketOf(name);
-    Entry* const first = bucket.load(std::memory_order_relaxed);
+    Entry* const first = bucket.load(std::memory_order_acquire);
     if (const std::string* found = find(first, name)) {
       return found;
     }
-    if (m_size == kMaxNames) {
+    if (m_size.load(std::memory_order_relaxed) >= kMaxNames) {
       return nullptr;
     }
     auto entry = std::make_unique<Entry>(Entry{first, std::string(name)});
-    bucket.store(entry.get(), std::memory_order_release);
-    ++m_size;
+    // New entries come first: where there is none, nobody has entered the name meanwhile.
+    while (!bucket.compare_exchange_weak(entry->next, entry.get(), std::memory_order_acq_rel,
+                                         std::memory_order_acquire)) {
+      if (const std::string* found = find(entry->next, name)) {
+        return found;
+      }
+    }
+    m_size.fetch_add(1, std::memory_order_relaxed);
     return &entry.release()->name;
   }
 
  private:
   struct Entry {
-    Entry* const next;
+    Entry* next;
     const std::string name;
   };
 
@@ -82,8 +83,7 @@ class NameTable {
   }
 
   std::array<std::atomic<Entry*>, kBuckets> m_buckets{};
-  std::mutex m_mutex;      // for entering
-  std::size_t m_size = 0;  // guarded by the mutex
+  std::atomic<std::size_t> m_size{0};
 };
 
 // Of constant initialisation, since static objects have properties, and never destroyed.
