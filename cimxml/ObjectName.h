@@ -4,7 +4,9 @@
 #ifndef ORVEX_CIMXML_OBJECTNAME_H_
 #define ORVEX_CIMXML_OBJECTNAME_H_
 
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace cimxml {
@@ -33,7 +35,8 @@ struct ObjectName {
 };
 
 // Returns the object path that core::CimPath parses and core::CimInstance::getPath prints:
-// "Class.Key=Value,...", strings and references quoted; host and namespace are left out.
+// "Class.Key=Value,...", strings and references quoted, truth values 1 and 0; host and namespace
+// are left out. A number that could not stand bare is quoted too.
 [[nodiscard]] std::string toObjectPath(const ObjectName& name);
 
 // Reads such a path, "[NAMESPACE:]CLASS.KEY=VALUE,...", or the name of a class. A value in quotes
@@ -41,6 +44,8 @@ struct ObjectName {
 // the class corrects that by its declaration); TRUE and FALSE are booleans, the rest is numeric.
 // Throws utils::ESyntaxError.
 [[nodiscard]] ObjectName parseObjectPath(const std::string& path);
+// The same for a text that need not be a path: returns nothing where it is none.
+[[nodiscard]] std::optional<ObjectName> readObjectPath(std::string_view text);
 
 }  // namespace cimxml
 

@@ -8,11 +8,13 @@
 #ifndef ORVEX_CIMXML_WRITER_H_
 #define ORVEX_CIMXML_WRITER_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "cimxml/ObjectName.h"
 #include "core/CimInstance.h"
 #include "core/CimProperty.h"
 #include "core/ClassDeclaration.h"
@@ -57,6 +59,9 @@ void appendNamespacePath(Buffer& out, std::string_view host, std::string_view na
 void appendClassName(Buffer& out, std::string_view className);
 // <INSTANCENAME CLASSNAME="..."><KEYBINDING ...>; keys that are references get the namespace.
 void appendInstanceName(Buffer& out, core::CimInstance& instance, std::string_view nameSpace);
+// The same of a name. References in it keep the namespace and the host that they have; with an
+// empty `nameSpace`, one that has none is written as its name alone.
+void appendInstanceName(Buffer& out, const ObjectName& name, std::string_view nameSpace);
 // <INSTANCEPATH>: namespace path and instance name.
 void appendInstancePath(Buffer& out, core::CimInstance& instance, std::string_view host,
                         std::string_view nameSpace);
@@ -83,16 +88,22 @@ class InstanceFormat {
   InstanceFormat(const core::ClassDeclaration& declaration, const Options& options,
                  std::string_view nameSpace);
 
-  // <INSTANCE CLASSNAME="..."><PROPERTY ...>...
+  // <INSTANCE CLASSNAME="..."><PROPERTY ...>... The instance is one of the class; a property that
+  // the class does not declare is left out.
   void append(Buffer& out, core::CimInstance& instance) const;
 
  private:
   struct Field {
-    std::string
-        start;  // "<PROPERTY NAME=\"Caption\" TYPE=\"string\"" and the like; empty: left out
+    std::string name;
+    core::CimType type;
+    std::string start;  // <PROPERTY NAME="Caption" TYPE="string" and the like; empty: left out
   };
 
-  std::string m_className;
+  // Returns null for a property that the class does not declare.
+  [[nodiscard]] const Field* findField(const core::CimProperty& property,
+                                       std::size_t position) const;
+
+  std::string m_start;
   std::string m_nameSpace;
   std::vector<Field> m_fields;  // by the position of the property among those in force
 };

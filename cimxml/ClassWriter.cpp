@@ -1,0 +1,144 @@
+#include <algorithm>
+
+#include "cimxml/Values.h"
+#include "cimxml/Writer.h"
+
+namespace cimxml {
+namespace {
+
+// What the declaration of one class is written with.
+class ClassWriter {
+ public:
+  ClassWriter(Buffer& out, const core::ClassDeclaration& declaration, const ClassFormat& format)
+      : m_out(out), m_declaration(declaration), m_format(format) {}
+
+  void append() {
+    m_out += "<CLASS";
+    appendAttribute(m_out, "NAME", m_declaration.name);
+    if (!m_declaration.superclass.empty()) {
+      appendAttribute(m_out, "SUPERCLASS", m_declaration.superclass);
+    }
+    m_out += '>';
+    if (m_declaration.isAssociation) {
+      appendQualifier("Association", true);
+    }
+    for (const core::PropertyDeclaration& property : m_declaration.properties) {
+      if (isOffered(property.origin) && isListed(property.name)) {
+        appendProperty(property);
+      }
+    }
+    for (const core::MethodDeclaration& method : m_declaration.methods) {
+      if (isOffered(method.origin)) {
+        appendMethod(method);
+      }
+    }
+    m_out += "</CLASS>";
+  }
+
+ private:
+  [[nodiscard]] bool isLocal(const std::string& origin) const {
+    return core::isSameName(origin, m_declaration.name);
+  }
+
+  [[nodiscard]] bool isOffered(const std::string& origin) const {
+    return !m_format.isLocalOnly || isLocal(origin);
+  }
+
+  [[nodiscard]] bool isListed(const std::string& name) const {
+    const std::vector<std::string>* names = m_format.propertyList;
+    return names == nullptr ||
+           std::any_of(names->begin(), names->end(), [&name](const std::string& candidate) {
+             return core::isSameName(candidate, name);
+           });
+  }
+
+  // Their flavor in DSP0004 forbids that a subclass overrides them.
+  void appendQualifier(std::string_view name, bool value) {
+    if (!m_format.hasQualifiers) {
+      return;
+    }
+    m_out += "<QUALIFIER";
+    appendAttribute(m_out, "NAME", name);
+    m_out += " TYPE=\"boolean\" OVERRIDABLE=\"false\"><VALUE>";
+    m_out += value ? "TRUE" : "FALSE";
+    m_out += "</VALUE></QUALIFIER>";
+  }
+
+  void appendOrigin(const std::string& origin) {
+    if (m_format.hasClassOrigin) {
+      appendAttribute(m_out, "CLASSORIGIN", origin);
+    }
+    if (!isLocal(origin)) {
+      m_out += " PROPAGATED=\"true\"";
+    }
+  }
+
+  // Ends an element whose content begins at `content`.
+  void endElement(std::string_view element, std::size_t content) {
+    if (m_out.size() == content) {
+      m_out.back() = '/';
+      m_out += '>';
+      return;
+    }
+    m_out += "</";
+    m_out += element;
+    m_out += '>';
+  }
+
+  void appendProperty(const core::PropertyDeclaration& property) {
+    const std::string_view element = getPropertyElement(property.type);
+    m_out += '<';
+    m_out += element;
+    appendAttribute(m_out, "NAME", property.name);
+    appendTypeAttribute(m_out, property.type, property.referenceClass);
+    appendOrigin(property.origin);
+    m_out += '>';
+    const std::size_t content = m_out.size();
+    if (property.isKey) {
+      appendQualifier("Key", true);
+    }
+    endElement(element, content);
+  }
+
+  void appendMethod(const core::MethodDeclaration& method) {
+    m_out += "<METHOD";
+    appendAttribute(m_out, "NAME", method.name);
+    appendAttribute(m_out, "TYPE", core::getTypeName(method.returnType));
+    appendOrigin(method.origin);
+    m_out += '>';
+    const std::size_t content = m_out.size();
+    for (const core::ParameterDeclaration& parameter : method.parameters) {
+      appendParameter(parameter);
+    }
+    endElement("METHOD", content);
+  }
+
+  void appendParameter(const core::ParameterDeclaration& parameter) {
+    const std::string_view element = getParameterElement(parameter.type);
+    m_out += '<';
+    m_out += element;
+    appendAttribute(m_out, "NAME", parameter.name);
+    appendTypeAttribute(m_out, parameter.type, parameter.referenceClass);
+    m_out += '>';
+    const std::size_t content = m_out.size();
+    const bool isInput = parameter.direction == core::ParameterDirection::In;
+    appendQualifier("In", isInput);
+    if (!isInput) {
+      appendQualifier("Out", true);
+    }
+    endElement(element, content);
+  }
+
+  Buffer& m_out;
+  const core::ClassDeclaration& m_declaration;
+  const ClassFormat& m_format;
+};
+
+}  // namespace
+
+void appendClass(Buffer& out, const core::ClassDeclaration& declaration,
+                 const ClassFormat& format) {
+  ClassWriter(out, declaration, format).append();
+}
+
+}  // namespace cimxml
