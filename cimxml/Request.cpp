@@ -1,0 +1,528 @@
+#include "cimxml/Request.h"
+
+#include <algorithm>
+#include <array>
+#include <new>
+#include <pugixml.hpp>
+
+#include "cimxml/Characters.h"
+#include "cimxml/XmlCheck.h"
+#include "core/ClassDeclaration.h"
+
+namespace cimxml {
+namespace {
+
+constexpr unsigned kBadRequest = 400;
+constexpr unsigned kNotImplemented = 501;
+constexpr const char* kNotWellFormed = "request-not-well-formed";
+constexpr const char* kNotValid = "request-not-valid";
+
+[[noreturn]] void refuse(const std::string& problem) {
+  throw RequestFault(kBadRequest, kNotValid, problem);
+}
+
+std::string describe(const pugi::xml_node& element) {
+  return std::string("<") + element.name() + ">";
+}
+
+bool isText(const pugi::xml_node& node) {
+  return node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
+}
+
+bool isBlank(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), isXmlBlank);
+}
+
+// The elements in an element that holds no text of its own, one after the other.
+class Children {
+ public:
+  explicit Children(const pugi::xml_node& parent) : m_parent(parent), m_next(parent.first_child()) {
+    skipBlanks();
+  }
+
+  [[nodiscard]] bool isAtEnd() const { return !m_next; }
+  [[nodiscard]] bool isAt(std::string_view name) const { return m_next && m_next.name() == name; }
+
+  pugi::xml_node take() {
+    if (isAtEnd()) {
+      refuse(describe(m_parent) + " lacks an element");
+    }
+    const pugi::xml_node taken = m_next;
+    m_next = m_next.next_sibling();
+    skipBlanks();
+    return taken;
+  }
+
+  pugi::xml_node take(const char* name) {
+    if (!isAt(name)) {
+      refuse(describe(m_parent) + " lacks <" + name + ">" +
+             (isAtEnd() ? std::string() : " where " + describe(m_next) + " stands"));
+    }
+    return take();
+  }
+
+  void skipAll(std::string_view name) {
+    while (isAt(name)) {
+      take();
+    }
+  }
+
+  void end() const {
+    if (!isAtEnd()) {
+      refuse(describe(m_next) + " has no place in " + describe(m_parent));
+    }
+  }
+
+ private:
+  void skipBlanks() {
+    for (; m_next && m_next.type() != pugi::node_element; m_next = m_next.next_sibling()) {
+      if (isText(m_next) && !isBlank(m_next.value())) {
+        refuse(describe(m_parent) + " holds text");
+      }
+    }
+  }
+
+  pugi::xml_node m_parent;
+  pugi::xml_node m_next;
+};
+
+const char* getAttribute(const pugi::xml_node& element, const char* name) {
+  const pugi::xml_attribute attribute = element.attribute(name);
+  if (!attribute) {
+    refuse(describe(element) + " lacks the attribute " + name);
+  }
+  return attribute.value();
+}
+
+std::string readText(const pugi::xml_node& element) {
+  std::string text;
+  for (pugi::xml_node part = element.first_child(); part; part = part.next_sibling()) {
+    if (!isText(part)) {
+      refuse(describe(part) + " has no place in " + describe(element));
+    }
+    text += part.value();
+  }
+  return text;
+}
+
+// ---- names ----
+
+ObjectName readReference(const pugi::xml_node& element);
+
+std::string readLocalNamespacePath(const pugi::xml_node& element) {
+  std::string path;
+  Children children(element);
+  do {
+    const pugi::xml_node part = children.take("NAMESPACE");
+    if (!path.empty()) {
+      path += '/';
+    }
+    path += getAttribute(part, "NAME");
+  } while (!children.isAtEnd());
+  return path;
+}
+
+ObjectName readClassName(const pugi::xml_node& element) {
+  ObjectName name;
+  name.className = getAttribute(element, "NAME");
+  Children(element).end();
+  return name;
+}
+
+struct KeyKind {
+  std::string_view name;  // of a VALUETYPE, or the TYPE that stands for one
+  KeyBinding::Kind kind;
+};
+
+constexpr std::array kKeyKinds{
+    KeyKind{"string", KeyBinding::Kind::String},
+    KeyKind{"numeric", KeyBinding::Kind::Numeric},
+    KeyKind{"boolean", KeyBinding::Kind::Boolean},
+};
+
+// What a key without VALUETYPE is, by its TYPE; any other is a string.
+constexpr std::array kKeyTypes{
+    KeyKind{"boolean", KeyBinding::Kind::Boolean}, KeyKind{"uint8", KeyBinding::Kind::Numeric},
+    KeyKind{"sint8", KeyBinding::Kind::Numeric},   KeyKind{"uint16", KeyBinding::Kind::Numeric},
+    KeyKind{"sint16", KeyBinding::Kind::Numeric},  KeyKind{"uint32", KeyBinding::Kind::Numeric},
+    KeyKind{"sint32", KeyBinding::Kind::Numeric},  KeyKind{"uint64", KeyBinding::Kind::Numeric},
+    KeyKind{"sint64", KeyBinding::Kind::Numeric},  KeyKind{"real32", KeyBinding::Kind::Numeric},
+    KeyKind{"real64", KeyBinding::Kind::Numeric},
+};
+
+template <class Table>
+const KeyKind* findKind(const Table& table, std::string_view name) {
+  const auto* found = std::find_if(table.begin(), table.end(),
+                                   [name](const KeyKind& entry) { return entry.name == name; });
+  return found != table.end() ? found : nullptr;
+}
+
+KeyBinding::Kind readKeyKind(const pugi::xml_node& element) {
+  const pugi::xml_attribute valueType = element.attribute("VALUETYPE");
+  if (!valueType) {
+    const KeyKind* kind = findKind(kKeyTypes, element.attribute("TYPE").value());
+    return kind != nullptr ? kind->kind : KeyBinding::Kind::String;
+  }
+  const KeyKind* kind = findKind(kKeyKinds, valueType.value());
+  if (kind == nullptr) {
+    refuse(std::string("a key of the type ") + valueType.value());
+  }
+  return kind->kind;
+}
+
+KeyBinding readKey(std::string name, const pugi::xml_node& element) {
+  KeyBinding key;
+  key.name = std::move(name);
+  const std::string_view kind = element.name();
+  if (kind == "KEYVALUE") {
+    key.kind = readKeyKind(element);
+    key.text = readText(element);
+  } else if (kind == "VALUE.REFERENCE") {
+    key.kind = KeyBinding::Kind::Reference;
+    key.reference.push_back(readReference(element));
+  } else {
+    refuse(describe(element) + " is no key");
+  }
+  return key;
+}
+
+ObjectName readInstanceName(const pugi::xml_node& element) {
+  ObjectName name;
+  name.className = getAttribute(element, "CLASSNAME");
+  name.isInstance = true;
+  Children children(element);
+  if (!children.isAtEnd() && !children.isAt("KEYBINDING")) {
+    name.keys.push_back(readKey({}, children.take()));
+    children.end();
+  }
+  while (!children.isAtEnd()) {
+    const pugi::xml_node binding = children.take("KEYBINDING");
+    Children values(binding);
+    name.keys.push_back(readKey(getAttribute(binding, "NAME"), values.take()));
+    values.end();
+  }
+  return name;
+}
+
+enum class Locality { Bare, Local, Hosted };
+
+struct NameForm {
+  std::string_view element;
+  Locality locality;
+  const char* inner;  // the element of the name within a path
+  ObjectName (*read)(const pugi::xml_node& element);
+};
+
+constexpr std::array kNameForms{
+    NameForm{"CLASSNAME", Locality::Bare, nullptr, readClassName},
+    NameForm{"LOCALCLASSPATH", Locality::Local, "CLASSNAME", readClassName},
+    NameForm{"CLASSPATH", Locality::Hosted, "CLASSNAME", readClassName},
+    NameForm{"INSTANCENAME", Locality::Bare, nullptr, readInstanceName},
+    NameForm{"LOCALINSTANCEPATH", Locality::Local, "INSTANCENAME", readInstanceName},
+    NameForm{"INSTANCEPATH", Locality::Hosted, "INSTANCENAME", readInstanceName},
+};
+
+ObjectName readName(const pugi::xml_node& element) {
+  const auto* form =
+      std::find_if(kNameForms.begin(), kNameForms.end(),
+                   [&element](const NameForm& entry) { return entry.element == element.name(); });
+  if (form == kNameForms.end()) {
+    refuse(describe(element) + " names no object");
+  }
+  if (form->locality == Locality::Bare) {
+    return form->read(element);
+  }
+  Children children(element);
+  std::string host;
+  std::string nameSpace;
+  if (form->locality == Locality::Local) {
+    nameSpace = readLocalNamespacePath(children.take("LOCALNAMESPACEPATH"));
+  } else {
+    Children path(children.take("NAMESPACEPATH"));
+    host = readText(path.take("HOST"));
+    nameSpace = readLocalNamespacePath(path.take("LOCALNAMESPACEPATH"));
+    path.end();
+  }
+  ObjectName name = form->read(children.take(form->inner));
+  children.end();
+  name.host = std::move(host);
+  name.nameSpace = std::move(nameSpace);
+  return name;
+}
+
+ObjectName readReference(const pugi::xml_node& element) {
+  Children children(element);
+  ObjectName name = readName(children.take());
+  children.end();
+  return name;
+}
+
+// ---- values ----
+
+void readNull(const pugi::xml_node& element) {
+  Children(element).end();
+}
+
+StringArray readArray(const pugi::xml_node& element) {
+  StringArray values;
+  Children children(element);
+  while (!children.isAtEnd()) {
+    if (children.isAt("VALUE.NULL")) {
+      readNull(children.take());
+      values.emplace_back();
+    } else {
+      values.emplace_back(readText(children.take("VALUE")));
+    }
+  }
+  return values;
+}
+
+std::vector<ObjectName> readReferences(const pugi::xml_node& element) {
+  std::vector<ObjectName> names;
+  Children children(element);
+  while (!children.isAtEnd()) {
+    if (children.isAt("VALUE.NULL")) {
+      readNull(children.take());
+      names.emplace_back();
+    } else {
+      names.push_back(readReference(children.take("VALUE.REFERENCE")));
+    }
+  }
+  return names;
+}
+
+InstanceValue readInstance(const pugi::xml_node& element);
+InstanceValue readNamedInstance(const pugi::xml_node& element);
+
+struct ValueForm {
+  std::string_view element;
+  Value (*read)(const pugi::xml_node& element);
+};
+
+// Gives any of the readers the form that the table wants.
+template <auto read>
+Value as(const pugi::xml_node& element) {
+  return read(element);
+}
+
+Value asNull(const pugi::xml_node& element) {
+  readNull(element);
+  return {};
+}
+
+// Declarations of classes and qualifiers: no operation that is served takes one.
+Value asNothing(const pugi::xml_node&) {
+  return {};
+}
+
+constexpr std::array kValueForms{
+    ValueForm{"VALUE", as<readText>},
+    ValueForm{"VALUE.ARRAY", as<readArray>},
+    ValueForm{"VALUE.NULL", asNull},
+    ValueForm{"VALUE.REFERENCE", as<readReference>},
+    ValueForm{"VALUE.REFARRAY", as<readReferences>},
+    ValueForm{"CLASSNAME", as<readClassName>},
+    ValueForm{"INSTANCENAME", as<readInstanceName>},
+    ValueForm{"INSTANCE", as<readInstance>},
+    ValueForm{"VALUE.NAMEDINSTANCE", as<readNamedInstance>},
+    ValueForm{"CLASS", asNothing},
+    ValueForm{"QUALIFIER.DECLARATION", asNothing},
+};
+
+// The one value in an element, NULL where there is none.
+Value readValue(Children& children) {
+  if (children.isAtEnd()) {
+    return {};
+  }
+  const pugi::xml_node element = children.take();
+  const auto* form =
+      std::find_if(kValueForms.begin(), kValueForms.end(),
+                   [&element](const ValueForm& entry) { return entry.element == element.name(); });
+  if (form == kValueForms.end()) {
+    refuse(describe(element) + " is no value");
+  }
+  Value value = form->read(element);
+  children.end();
+  return value;
+}
+
+struct PropertyForm {
+  std::string_view element;
+  const char* value;  // the element of its value
+  bool isArray;
+  const char* type;  // null: the attribute TYPE says it
+};
+
+constexpr std::array kPropertyForms{
+    PropertyForm{"PROPERTY", "VALUE", false, nullptr},
+    PropertyForm{"PROPERTY.ARRAY", "VALUE.ARRAY", true, nullptr},
+    PropertyForm{"PROPERTY.REFERENCE", "VALUE.REFERENCE", false, "reference"},
+};
+
+PropertyValue readProperty(const pugi::xml_node& element) {
+  const auto* form = std::find_if(
+      kPropertyForms.begin(), kPropertyForms.end(),
+      [&element](const PropertyForm& entry) { return entry.element == element.name(); });
+  if (form == kPropertyForms.end()) {
+    refuse(describe(element) + " is no property");
+  }
+  PropertyValue property;
+  property.name = getAttribute(element, "NAME");
+  property.type = form->type != nullptr ? form->type : element.attribute("TYPE").value();
+  property.isArray = form->isArray;
+  Children children(element);
+  children.skipAll("QUALIFIER");
+  if (!children.isAtEnd() && !children.isAt(form->value) && !children.isAt("VALUE.NULL")) {
+    refuse(describe(element) + " holds no <" + form->value + ">");
+  }
+  property.value = readValue(children);
+  return property;
+}
+
+InstanceValue readInstance(const pugi::xml_node& element) {
+  InstanceValue instance;
+  instance.name.className = getAttribute(element, "CLASSNAME");
+  Children children(element);
+  children.skipAll("QUALIFIER");
+  while (!children.isAtEnd()) {
+    instance.properties.push_back(readProperty(children.take()));
+  }
+  return instance;
+}
+
+InstanceValue readNamedInstance(const pugi::xml_node& element) {
+  Children children(element);
+  ObjectName name = readInstanceName(children.take("INSTANCENAME"));
+  InstanceValue instance = readInstance(children.take("INSTANCE"));
+  children.end();
+  if (!core::isSameName(name.className, instance.name.className)) {
+    refuse("an instance of " + instance.name.className + " under the name of " + name.className);
+  }
+  instance.name = std::move(name);
+  return instance;
+}
+
+// ---- requests ----
+
+std::vector<Parameter> readParameters(Children& children, const char* element) {
+  std::vector<Parameter> parameters;
+  while (!children.isAtEnd()) {
+    const pugi::xml_node node = children.take(element);
+    Children values(node);
+    parameters.push_back(
+        {getAttribute(node, "NAME"), node.attribute("PARAMTYPE").value(), readValue(values)});
+  }
+  return parameters;
+}
+
+void readOperation(const pugi::xml_node& element, Request& request) {
+  request.name = getAttribute(element, "NAME");
+  Children children(element);
+  request.nameSpace = readLocalNamespacePath(children.take("LOCALNAMESPACEPATH"));
+  request.parameters = readParameters(children, "IPARAMVALUE");
+}
+
+void readMethod(const pugi::xml_node& element, Request& request) {
+  request.isExtrinsic = true;
+  request.name = getAttribute(element, "NAME");
+  Children children(element);
+  request.target = readName(children.isAt("LOCALCLASSPATH") ? children.take("LOCALCLASSPATH")
+                                                            : children.take("LOCALINSTANCEPATH"));
+  request.nameSpace = std::move(request.target.nameSpace);
+  request.target.nameSpace.clear();
+  request.parameters = readParameters(children, "PARAMVALUE");
+}
+
+void readSimpleRequest(const pugi::xml_node& element, Request& request) {
+  Children children(element);
+  children.skipAll("CORRELATOR");
+  if (children.isAt("METHODCALL")) {
+    readMethod(children.take(), request);
+  } else {
+    readOperation(children.take("IMETHODCALL"), request);
+  }
+  children.end();
+}
+
+struct RefusedMessage {
+  std::string_view element;
+  const char* cimError;
+};
+
+// The messages that a client may send to other servers. Answers are none, and not valid here.
+constexpr std::array kRefusedMessages{
+    RefusedMessage{"MULTIREQ", "multiple-requests-unsupported"},
+    RefusedMessage{"MULTIEXPREQ", "multiple-requests-unsupported"},
+    RefusedMessage{"SIMPLEEXPREQ", "unsupported-operation"},
+};
+
+// Throws unless the attribute is a version of the major number that `prefix` begins with.
+void checkVersion(const pugi::xml_node& element, const char* attribute, std::string_view prefix,
+                  const char* cimError) {
+  const std::string_view version = getAttribute(element, attribute);
+  if (!version.starts_with(prefix) || version.size() == prefix.size() ||
+      version.find_first_not_of("0123456789.", prefix.size()) != std::string_view::npos) {
+    throw RequestFault(kNotImplemented, cimError,
+                       std::string(attribute) + " is " + std::string(version));
+  }
+}
+
+Request readDocument(const pugi::xml_document& document) {
+  Children roots(document);
+  const pugi::xml_node root = roots.take("CIM");
+  checkVersion(root, "CIMVERSION", "2.", "unsupported-cim-version");
+  checkVersion(root, "DTDVERSION", "2.", "unsupported-dtd-version");
+  Children parts(root);
+  const pugi::xml_node message = parts.take("MESSAGE");
+  parts.end();
+  Request request;
+  request.messageId = getAttribute(message, "ID");
+  checkVersion(message, "PROTOCOLVERSION", "1.", "unsupported-protocol-version");
+  Children contents(message);
+  for (const RefusedMessage& refused : kRefusedMessages) {
+    if (contents.isAt(refused.element)) {
+      throw RequestFault(kNotImplemented, refused.cimError,
+                         std::string(refused.element) + " is not served");
+    }
+  }
+  readSimpleRequest(contents.take("SIMPLEREQ"), request);
+  contents.end();
+  return request;
+}
+
+// Returns where the root element begins.
+std::size_t checkWellFormed(std::string_view body) {
+  const XmlCheck check = checkXml(body);
+  if (check.fault != XmlFault::None) {
+    throw RequestFault(kBadRequest, check.fault == XmlFault::NotTaken ? kNotValid : kNotWellFormed,
+                       std::string(check.problem) + " at byte " + std::to_string(check.position));
+  }
+  return check.position;
+}
+
+}  // namespace
+
+const Parameter* Request::find(std::string_view parameterName) const {
+  const auto found = std::find_if(
+      parameters.begin(), parameters.end(),
+      [parameterName](const Parameter& one) { return core::isSameName(one.name, parameterName); });
+  return found != parameters.end() ? &*found : nullptr;
+}
+
+Request parseRequest(std::string& body) {
+  const std::size_t root = checkWellFormed(body);
+  constexpr unsigned kOptions = pugi::parse_cdata | pugi::parse_escapes | pugi::parse_eol |
+                                pugi::parse_wconv_attribute | pugi::parse_ws_pcdata;
+  pugi::xml_document document;
+  const pugi::xml_parse_result parsed = document.load_buffer_inplace(
+      body.data() + root, body.size() - root, kOptions, pugi::encoding_utf8);
+  if (parsed.status == pugi::status_out_of_memory) {
+    throw std::bad_alloc();
+  }
+  if (parsed.status != pugi::status_ok) {
+    throw RequestFault(kBadRequest, kNotWellFormed, parsed.description());
+  }
+  return readDocument(document);
+}
+
+}  // namespace cimxml
