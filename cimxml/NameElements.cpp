@@ -119,6 +119,9 @@ ObjectName readInstanceName(const pugi::xml_node& element) {
     const pugi::xml_node binding = children.take("KEYBINDING");
     Children values(binding);
     name.keys.push_back(readKey(getAttribute(binding, "NAME"), values.take()));
+    if (name.keys.back().name.empty()) {
+      refuse("a key of " + name.className + " has an empty name");
+    }
     values.end();
   }
   return name;
