@@ -1,6 +1,7 @@
 # Build options and the compiler flags that every target shares.
 
 option(QUORVEL_BENCHMARKS "Build the benchmark programs" OFF)
+option(QUORVEL_FUZZ "Build the programs that libFuzzer drives; needs clang" OFF)
 set(QUORVEL_SANITIZE "" CACHE STRING "Value for -fsanitize, for example address,undefined")
 
 # The folder of the platform's definitions, beside the portable files of a folder.
@@ -24,6 +25,14 @@ if(QUORVEL_SANITIZE)
   add_compile_options(-fsanitize=${QUORVEL_SANITIZE} -fno-sanitize-recover=all
                       -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${QUORVEL_SANITIZE})
+endif()
+
+if(QUORVEL_FUZZ)
+  if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    message(FATAL_ERROR "QUORVEL_FUZZ needs clang++, not ${CMAKE_CXX_COMPILER}")
+  endif()
+  # The programs alone link the fuzzer; it sees what it has run in the libraries too.
+  add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
 find_program(CCACHE_PROGRAM ccache)

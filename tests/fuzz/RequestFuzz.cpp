@@ -1,0 +1,119 @@
+// Any bytes are a request or are refused as one; the names in a request can be written and read
+// again.
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <variant>
+
+#include "cimxml/ObjectName.h"
+#include "cimxml/Request.h"
+#include "cimxml/Writer.h"
+#include "core/CimPath.h"
+#include "tests/fuzz/Fuzz.h"
+
+namespace {
+
+using cimxml::KeyBinding;
+using cimxml::ObjectName;
+using cimxml::Request;
+
+std::string write(const ObjectName& name) {
+  cimxml::Buffer message =
+      "<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE ID=\"1\" PROTOCOLVERSION=\"1.0\">"
+      "<SIMPLEREQ><IMETHODCALL NAME=\"GetInstance\"><LOCALNAMESPACEPATH><NAMESPACE NAME=\"x\"/>"
+      "</LOCALNAMESPACEPATH><IPARAMVALUE NAME=\"InstanceName\">";
+  cimxml::appendInstanceName(message, name, "");
+  message += "</IPARAMVALUE></IMETHODCALL></SIMPLEREQ></MESSAGE></CIM>";
+  return message;
+}
+
+ObjectName read(std::string message) {
+  const Request request = cimxml::parseRequest(message);
+  return std::get<ObjectName>(request.parameters.at(0).value);
+}
+
+bool isIdentifier(const std::string& text) {
+  return !text.empty() && (text[0] < '0' || text[0] > '9') &&
+         std::all_of(text.begin(), text.end(), [](char sign) {
+           return sign == '_' || (sign >= '0' && sign <= '9') || (sign >= 'A' && sign <= 'Z') ||
+                  (sign >= 'a' && sign <= 'z');
+         });
+}
+
+// Whether the broker can have an instance of that name.
+bool isProper(const ObjectName& name) {
+  return name.isInstance && !name.keys.empty() && isIdentifier(name.className) &&
+         std::all_of(name.keys.begin(), name.keys.end(), [&name](const KeyBinding& key) {
+           return isIdentifier(key.name) &&
+                  std::count_if(name.keys.begin(), name.keys.end(), [&key](const KeyBinding& one) {
+                    return one.name == key.name;
+                  }) == 1;
+         });
+}
+
+// A message within this one would be deeper than what is read.
+bool isShallow(const ObjectName& name, unsigned depth = 0) {
+  return depth < 8 &&
+         std::all_of(name.keys.begin(), name.keys.end(), [depth](const KeyBinding& key) {
+           return std::all_of(
+               key.reference.begin(), key.reference.end(),
+               [depth](const ObjectName& target) { return isShallow(target, depth + 1); });
+         });
+}
+
+void check(const ObjectName& name) {
+  const std::string path = cimxml::toObjectPath(name);
+  if (isProper(name) && !test::hasBackslash(name)) {
+    const core::CimPath read(path);
+    for (const KeyBinding& key : name.keys) {
+      const auto found = read.find(key.name);
+      test::require(found != read.end(), "the broker finds the key");
+      test::require(key.kind != KeyBinding::Kind::String || found->second == key.text,
+                    "the broker reads the key's text");
+    }
+  }
+  if (name.isInstance && isShallow(name)) {
+    const std::string message = write(name);
+    test::require(write(read(message)) == message, "a name is written as it was read");
+  }
+}
+
+struct CheckNames {
+  void operator()(const ObjectName& name) const { check(name); }
+  void operator()(const std::vector<ObjectName>& names) const {
+    std::for_each(names.begin(), names.end(), check);
+  }
+  void operator()(const cimxml::InstanceValue& instance) const {
+    check(instance.name);
+    for (const cimxml::PropertyValue& property : instance.properties) {
+      std::visit(*this, property.value);
+    }
+  }
+  template <class Other>
+  void operator()(const Other&) const {}
+};
+
+std::optional<Request> readOrRefuse(std::string body) {
+  try {
+    return cimxml::parseRequest(body);
+  } catch (const cimxml::RequestFault& fault) {
+    test::require(fault.httpStatus() == 400 || fault.httpStatus() == 501, "a status of DSP0200");
+    test::require(!fault.cimError().empty(), "a refusal has a CIMError");
+    return std::nullopt;
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::optional<Request> request =
+      readOrRefuse(std::string(reinterpret_cast<const char*>(data), size));
+  if (request) {
+    check(request->target);
+    for (const cimxml::Parameter& parameter : request->parameters) {
+      std::visit(CheckNames(), parameter.value);
+    }
+  }
+  return 0;
+}
