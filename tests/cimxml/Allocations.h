@@ -1,0 +1,14 @@
+// How often the test program has asked for memory by `new`.
+
+#ifndef ORVEX_TESTS_CIMXML_ALLOCATIONS_H_
+#define ORVEX_TESTS_CIMXML_ALLOCATIONS_H_
+
+#include <cstddef>
+
+namespace test {
+
+[[nodiscard]] std::size_t countAllocations();
+
+}  // namespace test
+
+#endif  // ORVEX_TESTS_CIMXML_ALLOCATIONS_H_

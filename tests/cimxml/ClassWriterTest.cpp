@@ -1,0 +1,94 @@
+#include <gmock/gmock.h>
+
+#include "cimxml/Writer.h"
+#include "tests/cimxml/TestInstances.h"
+
+namespace {
+
+using cimxml::ClassFormat;
+using core::ParameterDirection;
+
+core::ClassDeclaration declareService() {
+  core::ClassDeclaration declaration;
+  declaration.name = "Test_Service";
+  declaration.superclass = "CIM_Service";
+  declaration.properties = {
+      {"Name", core::kCimString, true, "", "CIM_Service"},
+      {"States", core::kCimUint16Array, false, "", "Test_Service"},
+      {"Host", core::kCimReference, false, "CIM_System", "Test_Service"},
+  };
+  declaration.methods = {
+      {"Start", core::kCimUint32, {}, "CIM_Service"},
+      {"Install",
+       core::kCimUint32,
+       {{"Job", core::kCimReference, ParameterDirection::Job, "CIM_ConcreteJob"},
+        {"URI", core::kCimString, ParameterDirection::In, ""},
+        {"Codes", core::kCimUint16Array, ParameterDirection::Out, ""}},
+       "Test_Service"},
+  };
+  return declaration;
+}
+
+std::string write(const core::ClassDeclaration& declaration, const ClassFormat& format = {}) {
+  cimxml::Buffer out;
+  cimxml::appendClass(out, declaration, format);
+  return out;
+}
+
+constexpr const char* kIn =
+    "<QUALIFIER NAME=\"In\" TYPE=\"boolean\" OVERRIDABLE=\"false\"><VALUE>TRUE</VALUE></QUALIFIER>";
+constexpr const char* kOut =
+    "<QUALIFIER NAME=\"In\" TYPE=\"boolean\" OVERRIDABLE=\"false\"><VALUE>FALSE</VALUE></QUALIFIER>"
+    "<QUALIFIER NAME=\"Out\" TYPE=\"boolean\" "
+    "OVERRIDABLE=\"false\"><VALUE>TRUE</VALUE></QUALIFIER>";
+
+TEST(ClassWriter, WritesAClassWithItsQualifiers) {
+  EXPECT_EQ(write(declareService()),
+            std::string("<CLASS NAME=\"Test_Service\" SUPERCLASS=\"CIM_Service\">"
+                        "<PROPERTY NAME=\"Name\" TYPE=\"string\" PROPAGATED=\"true\">"
+                        "<QUALIFIER NAME=\"Key\" TYPE=\"boolean\" OVERRIDABLE=\"false\">"
+                        "<VALUE>TRUE</VALUE></QUALIFIER></PROPERTY>"
+                        "<PROPERTY.ARRAY NAME=\"States\" TYPE=\"uint16\"/>"
+                        "<PROPERTY.REFERENCE NAME=\"Host\" REFERENCECLASS=\"CIM_System\"/>"
+                        "<METHOD NAME=\"Start\" TYPE=\"uint32\" PROPAGATED=\"true\"/>"
+                        "<METHOD NAME=\"Install\" TYPE=\"uint32\">"
+                        "<PARAMETER.REFERENCE NAME=\"Job\" REFERENCECLASS=\"CIM_ConcreteJob\">") +
+                kOut + "</PARAMETER.REFERENCE><PARAMETER NAME=\"URI\" TYPE=\"string\">" + kIn +
+                "</PARAMETER><PARAMETER.ARRAY NAME=\"Codes\" TYPE=\"uint16\">" + kOut +
+                "</PARAMETER.ARRAY></METHOD></CLASS>");
+}
+
+TEST(ClassWriter, LeavesQualifiersOut) {
+  const std::vector<std::string> names{"name"};
+  EXPECT_EQ(write(declareService(), {.hasQualifiers = false, .propertyList = &names}),
+            "<CLASS NAME=\"Test_Service\" SUPERCLASS=\"CIM_Service\">"
+            "<PROPERTY NAME=\"Name\" TYPE=\"string\" PROPAGATED=\"true\"/>"
+            "<METHOD NAME=\"Start\" TYPE=\"uint32\" PROPAGATED=\"true\"/>"
+            "<METHOD NAME=\"Install\" TYPE=\"uint32\">"
+            "<PARAMETER.REFERENCE NAME=\"Job\" REFERENCECLASS=\"CIM_ConcreteJob\"/>"
+            "<PARAMETER NAME=\"URI\" TYPE=\"string\"/>"
+            "<PARAMETER.ARRAY NAME=\"Codes\" TYPE=\"uint16\"/></METHOD></CLASS>");
+}
+
+TEST(ClassWriter, LeavesOutWhatIsInheritedAndTellsOrigins) {
+  core::ClassDeclaration declaration = declareService();
+  declaration.methods.back().parameters.clear();
+  EXPECT_EQ(
+      write(declaration, {.isLocalOnly = true, .hasQualifiers = false, .hasClassOrigin = true}),
+      "<CLASS NAME=\"Test_Service\" SUPERCLASS=\"CIM_Service\">"
+      "<PROPERTY.ARRAY NAME=\"States\" TYPE=\"uint16\" CLASSORIGIN=\"Test_Service\"/>"
+      "<PROPERTY.REFERENCE NAME=\"Host\" REFERENCECLASS=\"CIM_System\""
+      " CLASSORIGIN=\"Test_Service\"/>"
+      "<METHOD NAME=\"Install\" TYPE=\"uint32\" CLASSORIGIN=\"Test_Service\"/></CLASS>");
+}
+
+TEST(ClassWriter, WritesAnAssociationAtTheTop) {
+  core::ClassDeclaration declaration;
+  declaration.name = "CIM_Dependency";
+  declaration.isAssociation = true;
+  EXPECT_EQ(write(declaration),
+            "<CLASS NAME=\"CIM_Dependency\"><QUALIFIER NAME=\"Association\" TYPE=\"boolean\""
+            " OVERRIDABLE=\"false\"><VALUE>TRUE</VALUE></QUALIFIER></CLASS>");
+}
+
+}  // namespace
