@@ -26,8 +26,7 @@ bool isChosen(const core::PropertyDeclaration& property, const core::ClassDeclar
 
 InstanceFormat::InstanceFormat(const core::ClassDeclaration& declaration, const Options& options,
                                std::string_view nameSpace)
-    : m_nameSpace(nameSpace) {
-  m_start = "<INSTANCE";
+    : m_start("<INSTANCE"), m_nameSpace(nameSpace) {
   appendAttribute(m_start, "CLASSNAME", declaration.name);
   m_start += '>';
   m_fields.reserve(declaration.properties.size());

@@ -60,9 +60,9 @@ struct ValueForm {
 };
 
 // Gives any of the readers the form that the table wants.
-template <auto read>
+template <auto Read>
 Value as(const pugi::xml_node& element) {
-  return read(element);
+  return Read(element);
 }
 
 Value asNull(const pugi::xml_node& element) {

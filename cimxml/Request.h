@@ -27,13 +27,15 @@ struct InstanceValue {
 };
 
 // NULL, VALUE, VALUE.ARRAY, a name (CLASSNAME, INSTANCENAME, VALUE.REFERENCE), VALUE.REFARRAY, an
-// instance. Texts are as the client sent them, entities resolved.
+// instance. Texts are as the client sent them, entities resolved. In an array of names, one without
+// a class name stands for VALUE.NULL. A CLASS and a QUALIFIER.DECLARATION are read as NULL, since
+// no operation that is served takes one.
 using Value = std::variant<std::monostate, std::string, StringArray, ObjectName,
                            std::vector<ObjectName>, InstanceValue>;
 
 struct PropertyValue {
   std::string name;
-  std::string type;  // "uint16"; "reference" for PROPERTY.REFERENCE
+  std::string type;  // "uint16"; "reference" for PROPERTY.REFERENCE; empty where none is given
   bool isArray = false;
   Value value;
 };
@@ -76,7 +78,8 @@ class RequestFault final : public std::exception {
 };
 
 // Reads the body of a request. The buffer is used as scratch space: its content is gone afterwards.
-// No document type declaration with content and no entity beyond XML's own five is taken. Throws
+// Elements are taken in the order of DSP0201; attributes that mean nothing here are passed over. No
+// document type declaration with content and no entity beyond XML's own five is taken. Throws
 // RequestFault; std::bad_alloc.
 [[nodiscard]] Request parseRequest(std::string& body);
 
