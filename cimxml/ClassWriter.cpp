@@ -73,18 +73,6 @@ class ClassWriter {
     }
   }
 
-  // Ends an element whose content begins at `content`.
-  void endElement(std::string_view element, std::size_t content) {
-    if (m_out.size() == content) {
-      m_out.back() = '/';
-      m_out += '>';
-      return;
-    }
-    m_out += "</";
-    m_out += element;
-    m_out += '>';
-  }
-
   void appendProperty(const core::PropertyDeclaration& property) {
     const std::string_view element = getPropertyElement(property.type);
     m_out += '<';
@@ -93,11 +81,10 @@ class ClassWriter {
     appendTypeAttribute(m_out, property.type, property.referenceClass);
     appendOrigin(property.origin);
     m_out += '>';
-    const std::size_t content = m_out.size();
     if (property.isKey) {
       appendQualifier("Key", true);
     }
-    endElement(element, content);
+    appendEndTag(m_out, element);
   }
 
   void appendMethod(const core::MethodDeclaration& method) {
@@ -106,11 +93,10 @@ class ClassWriter {
     appendAttribute(m_out, "TYPE", core::getTypeName(method.returnType));
     appendOrigin(method.origin);
     m_out += '>';
-    const std::size_t content = m_out.size();
     for (const core::ParameterDeclaration& parameter : method.parameters) {
       appendParameter(parameter);
     }
-    endElement("METHOD", content);
+    appendEndTag(m_out, "METHOD");
   }
 
   void appendParameter(const core::ParameterDeclaration& parameter) {
@@ -120,13 +106,12 @@ class ClassWriter {
     appendAttribute(m_out, "NAME", parameter.name);
     appendTypeAttribute(m_out, parameter.type, parameter.referenceClass);
     m_out += '>';
-    const std::size_t content = m_out.size();
     const bool isInput = parameter.direction == core::ParameterDirection::In;
     appendQualifier("In", isInput);
     if (!isInput) {
       appendQualifier("Out", true);
     }
-    endElement(element, content);
+    appendEndTag(m_out, element);
   }
 
   Buffer& m_out;

@@ -69,6 +69,12 @@ void appendAttribute(Buffer& out, std::string_view name, std::string_view value)
   out += '"';
 }
 
+void appendEndTag(Buffer& out, std::string_view element) {
+  out += "</";
+  out += element;
+  out += '>';
+}
+
 void appendScalarText(Buffer& out, const core::CimProperty& property) {
   switch (static_cast<core::CimType>(property.getType())) {
     case core::kCimUint8:
@@ -128,14 +134,8 @@ bool appendValue(Buffer& out, const core::CimProperty& property, std::string_vie
 void finishElement(Buffer& out, std::string_view element, const core::CimProperty& property,
                    std::string_view nameSpace) {
   out += '>';
-  if (!appendValue(out, property, nameSpace)) {
-    out.back() = '/';
-    out += '>';
-    return;
-  }
-  out += "</";
-  out += element;
-  out += '>';
+  appendValue(out, property, nameSpace);
+  appendEndTag(out, element);
 }
 
 std::string_view getPropertyElement(core::CimType type) {

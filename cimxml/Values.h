@@ -1,4 +1,7 @@
 // How values stand in CIM-XML: what the writer's files share.
+//
+// Elements that may hold others have an end tag where they are empty, too: there are clients whose
+// parsers take "<PROPERTY/>" for the start of a property.
 
 #ifndef ORVEX_CIMXML_VALUES_H_
 #define ORVEX_CIMXML_VALUES_H_
@@ -23,6 +26,9 @@ void appendNumber(Buffer& out, Number number) {
 // NAME="VALUE" behind a blank.
 void appendAttribute(Buffer& out, std::string_view name, std::string_view value);
 
+// </ELEMENT>
+void appendEndTag(Buffer& out, std::string_view element);
+
 // Appends the text of a value that is neither an array nor a reference, escaped; whether the
 // property is NULL is not asked.
 void appendScalarText(Buffer& out, const core::CimProperty& property);
@@ -31,8 +37,8 @@ void appendScalarText(Buffer& out, const core::CimProperty& property);
 // reference to nothing that has a name is one too.
 bool appendValue(Buffer& out, const core::CimProperty& property, std::string_view nameSpace);
 
-// Ends an element whose start stands in the buffer without its '>': with the value, or empty for
-// NULL. `element` is the element's name.
+// Ends an element whose start stands in the buffer without its '>', with the value in it unless that
+// is NULL. `element` is the element's name.
 void finishElement(Buffer& out, std::string_view element, const core::CimProperty& property,
                    std::string_view nameSpace);
 

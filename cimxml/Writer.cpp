@@ -63,9 +63,8 @@ void beginAnswer(Buffer& out, std::string_view messageId, std::string_view eleme
 }
 
 void endAnswer(Buffer& out, std::string_view element) {
-  out += "</";
-  out += element;
-  out += "></SIMPLERSP></MESSAGE></CIM>\n";
+  appendEndTag(out, element);
+  out += "</SIMPLERSP></MESSAGE></CIM>\n";
 }
 
 void beginParameter(Buffer& out, std::string_view name, std::string_view type) {
@@ -77,16 +76,7 @@ void beginParameter(Buffer& out, std::string_view name, std::string_view type) {
 void beginInstanceName(Buffer& out, std::string_view className) {
   out += "<INSTANCENAME";
   appendAttribute(out, "CLASSNAME", className);
-}
-
-// Ends an instance name whose keys begin at `keys`: with them, or empty.
-void endInstanceName(Buffer& out, std::size_t keys) {
-  if (out.size() == keys) {
-    out.back() = '/';
-    out += '>';
-  } else {
-    out += "</INSTANCENAME>";
-  }
+  out += '>';
 }
 
 std::string_view getValueType(core::CimType type) {
@@ -302,8 +292,6 @@ void appendClassName(Buffer& out, std::string_view className) {
 
 void appendInstanceName(Buffer& out, core::CimInstance& instance, std::string_view nameSpace) {
   beginInstanceName(out, instance.getClassName());
-  out += '>';
-  const std::size_t keys = out.size();
   core::CimPropertyList::Iterator cursor = instance.getProperties().iterator();
   for (core::CimProperty* property = cursor.first(); property != nullptr;
        property = cursor.next()) {
@@ -311,17 +299,15 @@ void appendInstanceName(Buffer& out, core::CimInstance& instance, std::string_vi
       appendKey(out, *property, nameSpace);
     }
   }
-  endInstanceName(out, keys);
+  appendEndTag(out, "INSTANCENAME");
 }
 
 void appendInstanceName(Buffer& out, const ObjectName& name, std::string_view nameSpace) {
   beginInstanceName(out, name.className);
-  out += '>';
-  const std::size_t keys = out.size();
   for (const KeyBinding& key : name.keys) {
     appendKey(out, key, nameSpace);
   }
-  endInstanceName(out, keys);
+  appendEndTag(out, "INSTANCENAME");
 }
 
 void appendInstancePath(Buffer& out, core::CimInstance& instance, std::string_view host,

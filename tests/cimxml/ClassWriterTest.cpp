@@ -43,31 +43,34 @@ constexpr const char* kOut =
     "OVERRIDABLE=\"false\"><VALUE>TRUE</VALUE></QUALIFIER>";
 
 TEST(ClassWriter, WritesAClassWithItsQualifiers) {
-  EXPECT_EQ(write(declareService()),
-            std::string("<CLASS NAME=\"Test_Service\" SUPERCLASS=\"CIM_Service\">"
-                        "<PROPERTY NAME=\"Name\" TYPE=\"string\" PROPAGATED=\"true\">"
-                        "<QUALIFIER NAME=\"Key\" TYPE=\"boolean\" OVERRIDABLE=\"false\">"
-                        "<VALUE>TRUE</VALUE></QUALIFIER></PROPERTY>"
-                        "<PROPERTY.ARRAY NAME=\"States\" TYPE=\"uint16\"/>"
-                        "<PROPERTY.REFERENCE NAME=\"Host\" REFERENCECLASS=\"CIM_System\"/>"
-                        "<METHOD NAME=\"Start\" TYPE=\"uint32\" PROPAGATED=\"true\"/>"
-                        "<METHOD NAME=\"Install\" TYPE=\"uint32\">"
-                        "<PARAMETER.REFERENCE NAME=\"Job\" REFERENCECLASS=\"CIM_ConcreteJob\">") +
-                kOut + "</PARAMETER.REFERENCE><PARAMETER NAME=\"URI\" TYPE=\"string\">" + kIn +
-                "</PARAMETER><PARAMETER.ARRAY NAME=\"Codes\" TYPE=\"uint16\">" + kOut +
-                "</PARAMETER.ARRAY></METHOD></CLASS>");
+  EXPECT_EQ(
+      write(declareService()),
+      std::string(
+          "<CLASS NAME=\"Test_Service\" SUPERCLASS=\"CIM_Service\">"
+          "<PROPERTY NAME=\"Name\" TYPE=\"string\" PROPAGATED=\"true\">"
+          "<QUALIFIER NAME=\"Key\" TYPE=\"boolean\" OVERRIDABLE=\"false\">"
+          "<VALUE>TRUE</VALUE></QUALIFIER></PROPERTY>"
+          "<PROPERTY.ARRAY NAME=\"States\" TYPE=\"uint16\"></PROPERTY.ARRAY>"
+          "<PROPERTY.REFERENCE NAME=\"Host\" REFERENCECLASS=\"CIM_System\"></PROPERTY.REFERENCE>"
+          "<METHOD NAME=\"Start\" TYPE=\"uint32\" PROPAGATED=\"true\"></METHOD>"
+          "<METHOD NAME=\"Install\" TYPE=\"uint32\">"
+          "<PARAMETER.REFERENCE NAME=\"Job\" REFERENCECLASS=\"CIM_ConcreteJob\">") +
+          kOut + "</PARAMETER.REFERENCE><PARAMETER NAME=\"URI\" TYPE=\"string\">" + kIn +
+          "</PARAMETER><PARAMETER.ARRAY NAME=\"Codes\" TYPE=\"uint16\">" + kOut +
+          "</PARAMETER.ARRAY></METHOD></CLASS>");
 }
 
 TEST(ClassWriter, LeavesQualifiersOut) {
   const std::vector<std::string> names{"name"};
-  EXPECT_EQ(write(declareService(), {.hasQualifiers = false, .propertyList = &names}),
-            "<CLASS NAME=\"Test_Service\" SUPERCLASS=\"CIM_Service\">"
-            "<PROPERTY NAME=\"Name\" TYPE=\"string\" PROPAGATED=\"true\"/>"
-            "<METHOD NAME=\"Start\" TYPE=\"uint32\" PROPAGATED=\"true\"/>"
-            "<METHOD NAME=\"Install\" TYPE=\"uint32\">"
-            "<PARAMETER.REFERENCE NAME=\"Job\" REFERENCECLASS=\"CIM_ConcreteJob\"/>"
-            "<PARAMETER NAME=\"URI\" TYPE=\"string\"/>"
-            "<PARAMETER.ARRAY NAME=\"Codes\" TYPE=\"uint16\"/></METHOD></CLASS>");
+  EXPECT_EQ(
+      write(declareService(), {.hasQualifiers = false, .propertyList = &names}),
+      "<CLASS NAME=\"Test_Service\" SUPERCLASS=\"CIM_Service\">"
+      "<PROPERTY NAME=\"Name\" TYPE=\"string\" PROPAGATED=\"true\"></PROPERTY>"
+      "<METHOD NAME=\"Start\" TYPE=\"uint32\" PROPAGATED=\"true\"></METHOD>"
+      "<METHOD NAME=\"Install\" TYPE=\"uint32\">"
+      "<PARAMETER.REFERENCE NAME=\"Job\" REFERENCECLASS=\"CIM_ConcreteJob\"></PARAMETER.REFERENCE>"
+      "<PARAMETER NAME=\"URI\" TYPE=\"string\"></PARAMETER>"
+      "<PARAMETER.ARRAY NAME=\"Codes\" TYPE=\"uint16\"></PARAMETER.ARRAY></METHOD></CLASS>");
 }
 
 TEST(ClassWriter, LeavesOutWhatIsInheritedAndTellsOrigins) {
@@ -76,10 +79,11 @@ TEST(ClassWriter, LeavesOutWhatIsInheritedAndTellsOrigins) {
   EXPECT_EQ(
       write(declaration, {.isLocalOnly = true, .hasQualifiers = false, .hasClassOrigin = true}),
       "<CLASS NAME=\"Test_Service\" SUPERCLASS=\"CIM_Service\">"
-      "<PROPERTY.ARRAY NAME=\"States\" TYPE=\"uint16\" CLASSORIGIN=\"Test_Service\"/>"
+      "<PROPERTY.ARRAY NAME=\"States\" TYPE=\"uint16\" "
+      "CLASSORIGIN=\"Test_Service\"></PROPERTY.ARRAY>"
       "<PROPERTY.REFERENCE NAME=\"Host\" REFERENCECLASS=\"CIM_System\""
-      " CLASSORIGIN=\"Test_Service\"/>"
-      "<METHOD NAME=\"Install\" TYPE=\"uint32\" CLASSORIGIN=\"Test_Service\"/></CLASS>");
+      " CLASSORIGIN=\"Test_Service\"></PROPERTY.REFERENCE>"
+      "<METHOD NAME=\"Install\" TYPE=\"uint32\" CLASSORIGIN=\"Test_Service\"></METHOD></CLASS>");
 }
 
 TEST(ClassWriter, WritesAnAssociationAtTheTop) {

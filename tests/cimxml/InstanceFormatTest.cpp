@@ -10,17 +10,17 @@ using cimxml::InstanceFormat;
 
 constexpr const char* kEmptyInstance =
     "<INSTANCE CLASSNAME=\"Test_Everything\">"
-    "<PROPERTY NAME=\"Text\" TYPE=\"string\"/>"
-    "<PROPERTY NAME=\"Byte\" TYPE=\"uint8\"/>"
-    "<PROPERTY NAME=\"Signed\" TYPE=\"sint8\"/>"
-    "<PROPERTY NAME=\"Short\" TYPE=\"uint16\"/>"
-    "<PROPERTY NAME=\"Word\" TYPE=\"uint32\"/>"
-    "<PROPERTY NAME=\"Long\" TYPE=\"uint64\"/>"
-    "<PROPERTY NAME=\"Truth\" TYPE=\"boolean\"/>"
-    "<PROPERTY NAME=\"When\" TYPE=\"datetime\"/>"
-    "<PROPERTY.ARRAY NAME=\"Shorts\" TYPE=\"uint16\"/>"
-    "<PROPERTY.ARRAY NAME=\"Texts\" TYPE=\"string\"/>"
-    "<PROPERTY.REFERENCE NAME=\"Other\" REFERENCECLASS=\"CIM_Thing\"/>"
+    "<PROPERTY NAME=\"Text\" TYPE=\"string\"></PROPERTY>"
+    "<PROPERTY NAME=\"Byte\" TYPE=\"uint8\"></PROPERTY>"
+    "<PROPERTY NAME=\"Signed\" TYPE=\"sint8\"></PROPERTY>"
+    "<PROPERTY NAME=\"Short\" TYPE=\"uint16\"></PROPERTY>"
+    "<PROPERTY NAME=\"Word\" TYPE=\"uint32\"></PROPERTY>"
+    "<PROPERTY NAME=\"Long\" TYPE=\"uint64\"></PROPERTY>"
+    "<PROPERTY NAME=\"Truth\" TYPE=\"boolean\"></PROPERTY>"
+    "<PROPERTY NAME=\"When\" TYPE=\"datetime\"></PROPERTY>"
+    "<PROPERTY.ARRAY NAME=\"Shorts\" TYPE=\"uint16\"></PROPERTY.ARRAY>"
+    "<PROPERTY.ARRAY NAME=\"Texts\" TYPE=\"string\"></PROPERTY.ARRAY>"
+    "<PROPERTY.REFERENCE NAME=\"Other\" REFERENCECLASS=\"CIM_Thing\"></PROPERTY.REFERENCE>"
     "</INSTANCE>";
 
 std::string write(core::CimInstance& instance, const core::ClassDeclaration& declaration,
@@ -69,9 +69,10 @@ TEST(InstanceFormat, WritesNothingForAnEmptyList) {
 TEST(InstanceFormat, LeavesOutWhatTheClassInherits) {
   test::Everything instance;
   const std::vector<std::string> names{"Text", "Byte"};
-  EXPECT_EQ(write(instance, {.isLocalOnly = true, .propertyList = &names}),
-            "<INSTANCE CLASSNAME=\"Test_Everything\"><PROPERTY NAME=\"Byte\" TYPE=\"uint8\"/>"
-            "</INSTANCE>");
+  EXPECT_EQ(
+      write(instance, {.isLocalOnly = true, .propertyList = &names}),
+      "<INSTANCE CLASSNAME=\"Test_Everything\"><PROPERTY NAME=\"Byte\" TYPE=\"uint8\"></PROPERTY>"
+      "</INSTANCE>");
 }
 
 TEST(InstanceFormat, TellsTheOriginWhereItIsWanted) {
@@ -79,7 +80,7 @@ TEST(InstanceFormat, TellsTheOriginWhereItIsWanted) {
   const std::vector<std::string> names{"Text"};
   EXPECT_EQ(write(instance, {.hasClassOrigin = true, .propertyList = &names}),
             "<INSTANCE CLASSNAME=\"Test_Everything\"><PROPERTY NAME=\"Text\" TYPE=\"string\""
-            " CLASSORIGIN=\"Test_Thing\"/></INSTANCE>");
+            " CLASSORIGIN=\"Test_Thing\"></PROPERTY></INSTANCE>");
 }
 
 TEST(InstanceFormat, StaysWithinTheAncestorsProperties) {
@@ -87,9 +88,10 @@ TEST(InstanceFormat, StaysWithinTheAncestorsProperties) {
   core::ClassDeclaration ancestor;
   ancestor.name = "Test_Thing";
   ancestor.properties = {{"Text", core::kCimString, true, "", "Test_Thing"}};
-  EXPECT_EQ(write(instance, {.ancestor = &ancestor}),
-            "<INSTANCE CLASSNAME=\"Test_Everything\"><PROPERTY NAME=\"Text\" TYPE=\"string\"/>"
-            "</INSTANCE>");
+  EXPECT_EQ(
+      write(instance, {.ancestor = &ancestor}),
+      "<INSTANCE CLASSNAME=\"Test_Everything\"><PROPERTY NAME=\"Text\" TYPE=\"string\"></PROPERTY>"
+      "</INSTANCE>");
 }
 
 TEST(InstanceFormat, FindsPropertiesThatStandElsewhere) {
@@ -104,9 +106,10 @@ TEST(InstanceFormat, LeavesOutWhatTheClassDoesNotDeclare) {
   core::ClassDeclaration declaration = test::declareEverything();
   declaration.properties.resize(3);
   declaration.properties[1].type = core::kCimStringArray;  // no such property
-  EXPECT_EQ(write(instance, declaration, {}),
-            "<INSTANCE CLASSNAME=\"Test_Everything\"><PROPERTY NAME=\"Text\" TYPE=\"string\"/>"
-            "<PROPERTY NAME=\"Signed\" TYPE=\"sint8\"/></INSTANCE>");
+  EXPECT_EQ(
+      write(instance, declaration, {}),
+      "<INSTANCE CLASSNAME=\"Test_Everything\"><PROPERTY NAME=\"Text\" TYPE=\"string\"></PROPERTY>"
+      "<PROPERTY NAME=\"Signed\" TYPE=\"sint8\"></PROPERTY></INSTANCE>");
 }
 
 TEST(InstanceFormat, WritesAPropertyThatIsOverriddenOnce) {
@@ -114,7 +117,7 @@ TEST(InstanceFormat, WritesAPropertyThatIsOverriddenOnce) {
   core::CimPropertyString again("Text", &instance);
   again.setValue("later");
   EXPECT_THAT(write(instance),
-              testing::AllOf(testing::Not(testing::HasSubstr("\"Text\" TYPE=\"string\"/>")),
+              testing::AllOf(testing::Not(testing::HasSubstr("\"Text\" TYPE=\"string\"></")),
                              testing::HasSubstr("<VALUE>later</VALUE>")));
 }
 

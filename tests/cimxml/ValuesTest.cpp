@@ -101,11 +101,11 @@ TEST(Values, AReferenceToAnyOtherTextIsNull) {
   }
 }
 
-TEST(Values, AnElementEndsWithItsValueOrEmpty) {
+TEST(Values, AnElementHasAnEndTagWhetherItHasAValueOrNot) {
   core::CimPropertyUint8 number("Some", nullptr);
   Buffer out = "<PROPERTY";
   cimxml::finishElement(out, "PROPERTY", number, "");
-  EXPECT_EQ(out, "<PROPERTY/>");
+  EXPECT_EQ(out, "<PROPERTY></PROPERTY>");
   number.setValue(1);
   out = "<PROPERTY";
   cimxml::finishElement(out, "PROPERTY", number, "");

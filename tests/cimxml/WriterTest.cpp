@@ -93,7 +93,7 @@ TEST(Writer, WritesErrors) {
 TEST(Writer, WritesOutputParameters) {
   core::CimPropertyUint16_arr codes("Codes", nullptr);
   EXPECT_EQ(write(cimxml::appendOutputParameter, codes, "root/x"),
-            "<PARAMVALUE NAME=\"Codes\" PARAMTYPE=\"uint16\"/>");
+            "<PARAMVALUE NAME=\"Codes\" PARAMTYPE=\"uint16\"></PARAMVALUE>");
   codes.addValue(3);
   EXPECT_EQ(write(cimxml::appendOutputParameter, codes, "root/x"),
             "<PARAMVALUE NAME=\"Codes\" PARAMTYPE=\"uint16\"><VALUE.ARRAY><VALUE>3</VALUE>"
@@ -129,7 +129,7 @@ TEST(Writer, WritesClassNames) {
 
 TEST(Writer, WritesAnInstanceNameWithItsKeys) {
   test::Everything instance;
-  EXPECT_EQ(nameOf(instance), "<INSTANCENAME CLASSNAME=\"Test_Everything\"/>");
+  EXPECT_EQ(nameOf(instance), "<INSTANCENAME CLASSNAME=\"Test_Everything\"></INSTANCENAME>");
   instance.Text.setKey();
   instance.Text.setValue("a<b");
   instance.Signed.setKey();
@@ -197,7 +197,7 @@ std::string referenceTo(const ObjectName& target, std::string_view nameSpace) {
 }
 
 TEST(Writer, WritesReferencesInNamesAsFarAsTheyAreKnown) {
-  const std::string instance = "<INSTANCENAME CLASSNAME=\"D\"/>";
+  const std::string instance = "<INSTANCENAME CLASSNAME=\"D\"></INSTANCENAME>";
   EXPECT_EQ(referenceTo({"", "", "D", true, {}}, ""), instance);
   EXPECT_EQ(referenceTo({"", "", "D", true, {}}, "root/x"),
             "<LOCALINSTANCEPATH>" + (kRootX + instance) + "</LOCALINSTANCEPATH>");
