@@ -26,47 +26,58 @@ bool isChosen(const core::PropertyDeclaration& property, const core::ClassDeclar
 
 InstanceFormat::InstanceFormat(const core::ClassDeclaration& declaration, const Options& options,
                                std::string_view nameSpace)
-    : m_start("<INSTANCE"), m_nameSpace(nameSpace) {
-  appendAttribute(m_start, "CLASSNAME", declaration.name);
-  m_start += '>';
+    : m_nameSpace(nameSpace), m_tags("<INSTANCE") {
+  constexpr std::size_t kUsualTag = 64;
+  m_tags.reserve(kUsualTag * (declaration.properties.size() + 1));
+  appendAttribute(m_tags, "CLASSNAME", declaration.name);
+  m_tags += '>';
+  m_startLength = m_tags.size();
   m_fields.reserve(declaration.properties.size());
   for (const core::PropertyDeclaration& property : declaration.properties) {
-    Field& field = m_fields.emplace_back(Field{property.name, property.type, {}});
-    if (!isChosen(property, declaration, options)) {
-      continue;
-    }
-    field.start = "<";
-    field.start += getPropertyElement(property.type);
-    appendAttribute(field.start, "NAME", property.name);
-    appendTypeAttribute(field.start, property.type, property.referenceClass);
+    Field field{property.type,       isChosen(property, declaration, options), m_tags.size(), 0, 0,
+                property.name.size()};
+    m_tags += '<';
+    m_tags += getPropertyElement(property.type);
+    m_tags += " NAME=\"";
+    field.nameStart = m_tags.size();
+    m_tags += property.name;  // an identifier, with nothing in it to escape
+    m_tags += '"';
+    appendTypeAttribute(m_tags, property.type, property.referenceClass);
     if (options.hasClassOrigin) {
-      appendAttribute(field.start, "CLASSORIGIN", property.origin);
+      appendAttribute(m_tags, "CLASSORIGIN", property.origin);
     }
+    m_tags += '>';
+    field.tagLength = m_tags.size() - field.tagStart;
+    m_fields.push_back(field);
   }
+}
+
+bool InstanceFormat::isOf(const Field& field, const core::CimProperty& property) const {
+  return field.type == property.getType() &&
+         property.getName() == std::string_view(m_tags).substr(field.nameStart, field.nameLength);
 }
 
 const InstanceFormat::Field* InstanceFormat::findField(const core::CimProperty& property,
                                                        std::size_t position) const {
-  const auto isOf = [&property](const Field& field) {
-    return field.type == property.getType() && field.name == property.getName();
-  };
-  if (position < m_fields.size() && isOf(m_fields[position])) {
+  if (position < m_fields.size() && isOf(m_fields[position], property)) {
     return &m_fields[position];
   }
-  const auto found = std::find_if(m_fields.begin(), m_fields.end(), isOf);
+  const auto found = std::find_if(m_fields.begin(), m_fields.end(),
+                                  [&](const Field& field) { return isOf(field, property); });
   return found != m_fields.end() ? &*found : nullptr;
 }
 
 void InstanceFormat::append(Buffer& out, core::CimInstance& instance) const {
-  out += m_start;
+  out.append(m_tags, 0, m_startLength);
   std::size_t position = 0;
   core::CimPropertyList::Iterator cursor = instance.getProperties().iterator();
   for (core::CimProperty* property = cursor.first(); property != nullptr;
        property = cursor.next()) {
     const Field* field = findField(*property, position++);
-    if (field != nullptr && !field->start.empty()) {
-      out += field->start;
-      finishElement(out, getPropertyElement(field->type), *property, m_nameSpace);
+    if (field != nullptr && field->isChosen) {
+      out.append(m_tags, field->tagStart, field->tagLength);
+      appendValue(out, *property, m_nameSpace);
+      appendEndTag(out, getPropertyElement(field->type));
     }
   }
   out += "</INSTANCE>";

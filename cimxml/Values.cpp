@@ -131,13 +131,6 @@ bool appendValue(Buffer& out, const core::CimProperty& property, std::string_vie
   }
 }
 
-void finishElement(Buffer& out, std::string_view element, const core::CimProperty& property,
-                   std::string_view nameSpace) {
-  out += '>';
-  appendValue(out, property, nameSpace);
-  appendEndTag(out, element);
-}
-
 std::string_view getPropertyElement(core::CimType type) {
   return core::isArray(type)           ? "PROPERTY.ARRAY"
          : type == core::kCimReference ? "PROPERTY.REFERENCE"

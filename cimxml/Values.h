@@ -37,11 +37,6 @@ void appendScalarText(Buffer& out, const core::CimProperty& property);
 // reference to nothing that has a name is one too.
 bool appendValue(Buffer& out, const core::CimProperty& property, std::string_view nameSpace);
 
-// Ends an element whose start stands in the buffer without its '>', with the value in it unless
-// that is NULL. `element` is the element's name.
-void finishElement(Buffer& out, std::string_view element, const core::CimProperty& property,
-                   std::string_view nameSpace);
-
 // PROPERTY, PROPERTY.ARRAY, PROPERTY.REFERENCE; with the other stem PARAMETER, ...
 [[nodiscard]] std::string_view getPropertyElement(core::CimType type);
 [[nodiscard]] std::string_view getParameterElement(core::CimType type);

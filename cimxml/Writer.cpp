@@ -183,12 +183,14 @@ void appendKey(Buffer& out, const KeyBinding& key, std::string_view nameSpace) {
 
 void appendEscaped(Buffer& out, std::string_view text) {
   std::size_t pending = 0;  // where the part begins that is taken as it is
-  std::size_t at = 0;
-  while (at < text.size()) {
+  for (std::size_t at = 0; at < text.size();) {
     const Byte byte = kBytes[static_cast<unsigned char>(text[at])];
-    const std::size_t length = byte == Byte::Plain       ? 1
-                               : byte == Byte::Multibyte ? getCharacterLength(text.substr(at))
-                                                         : 0;
+    if (byte == Byte::Plain) {
+      ++at;
+      continue;
+    }
+    const std::size_t length =
+        byte == Byte::Multibyte ? getCharacterLength(text.substr(at)) : std::size_t{0};
     if (length != 0) {
       at += length;
       continue;
@@ -242,7 +244,9 @@ void appendOutputParameter(Buffer& out, const core::CimProperty& value,
                            std::string_view nameSpace) {
   beginParameter(out, value.getName(),
                  core::getTypeName(static_cast<core::CimType>(value.getType())));
-  finishElement(out, "PARAMVALUE", value, nameSpace);
+  out += '>';
+  appendValue(out, value, nameSpace);
+  appendEndTag(out, "PARAMVALUE");
 }
 
 void appendReferenceParameter(Buffer& out, std::string_view name, core::CimInstance& target,

@@ -94,17 +94,23 @@ class InstanceFormat {
 
  private:
   struct Field {
-    std::string name;
     core::CimType type;
-    std::string start;  // <PROPERTY NAME="Caption" TYPE="string" and the like; empty: left out
+    bool isChosen;
+    // Where they stand in m_tags: <PROPERTY NAME="Caption" TYPE="string"> and the name in it.
+    std::size_t tagStart;
+    std::size_t tagLength;
+    std::size_t nameStart;
+    std::size_t nameLength;
   };
 
+  [[nodiscard]] bool isOf(const Field& field, const core::CimProperty& property) const;
   // Returns null for a property that the class does not declare.
   [[nodiscard]] const Field* findField(const core::CimProperty& property,
                                        std::size_t position) const;
 
-  std::string m_start;
   std::string m_nameSpace;
+  std::string m_tags;           // that of the instance, then those of the fields
+  std::size_t m_startLength;    // of the first
   std::vector<Field> m_fields;  // by the position of the property among those in force
 };
 

@@ -29,13 +29,33 @@ struct Fault {
   throw Fault{XmlFault::NotTaken, problem};
 }
 
-bool isNameStart(char sign) {
-  return sign == '_' || sign == ':' || (sign >= 'A' && sign <= 'Z') ||
-         (sign >= 'a' && sign <= 'z') || static_cast<unsigned char>(sign) >= 0x80;
-}
+// What a byte can be, so that one look tells: the start of a name, a part of one, a character in a
+// text or a value that needs no further look.
+constexpr std::uint8_t kNameStart = 1;
+constexpr std::uint8_t kNamePart = 2;
+constexpr std::uint8_t kPlain = 4;
 
-bool isNamePart(char sign) {
-  return isNameStart(sign) || sign == '-' || sign == '.' || (sign >= '0' && sign <= '9');
+constexpr std::array<std::uint8_t, 256> kSigns = [] {
+  constexpr std::string_view kEvenInNames = "-.0123456789";
+  constexpr std::string_view kNeedALook = "<&]\"'";
+  std::array<std::uint8_t, 256> signs{};
+  for (std::uint32_t code = 0; code < signs.size(); ++code) {
+    const char sign = static_cast<char>(code);
+    const bool isLetter = (sign >= 'A' && sign <= 'Z') || (sign >= 'a' && sign <= 'z');
+    if (isLetter || sign == '_' || sign == ':' || code >= 0x80) {
+      signs[code] = kNameStart | kNamePart;
+    } else if (kEvenInNames.find(sign) != std::string_view::npos) {
+      signs[code] = kNamePart;
+    }
+    if (code < 0x80 && isXmlCharacter(code) && kNeedALook.find(sign) == std::string_view::npos) {
+      signs[code] |= kPlain;
+    }
+  }
+  return signs;
+}();
+
+bool isSign(char sign, std::uint8_t kind) {
+  return (kSigns[static_cast<unsigned char>(sign)] & kind) != 0;
 }
 
 class XmlScanner {
@@ -62,6 +82,9 @@ class XmlScanner {
   [[nodiscard]] std::string_view rest() const { return m_text.substr(m_at); }
   [[nodiscard]] bool isAt(std::string_view token) const { return rest().starts_with(token); }
 
+  // The next byte, 0 behind the last; a 0 in the document is no character.
+  [[nodiscard]] char peek() const { return m_at < m_text.size() ? m_text[m_at] : '\0'; }
+
   bool take(std::string_view token) {
     if (!isAt(token)) {
       return false;
@@ -85,12 +108,22 @@ class XmlScanner {
   }
 
   void skipCharacter() {
+    if (isSign(peek(), kPlain)) {
+      ++m_at;
+      return;
+    }
     const std::size_t length = getCharacterLength(rest());
     if (length == 0) {
       refuse(m_at == m_text.size() ? "the document ends too early"
                                    : "a character that XML does not allow");
     }
     m_at += length;
+  }
+
+  void skipPlain() {
+    while (m_at < m_text.size() && isSign(m_text[m_at], kPlain)) {
+      ++m_at;
+    }
   }
 
   // Skips up to the token, and the token.
@@ -102,11 +135,15 @@ class XmlScanner {
 
   std::string_view takeName() {
     const std::size_t start = m_at;
-    if (m_at == m_text.size() || !isNameStart(m_text[m_at])) {
+    if (m_at == m_text.size() || !isSign(m_text[m_at], kNameStart)) {
       refuse("a name is missing");
     }
-    while (m_at < m_text.size() && isNamePart(m_text[m_at])) {
-      skipCharacter();
+    while (m_at < m_text.size() && isSign(m_text[m_at], kNamePart)) {
+      if (static_cast<unsigned char>(m_text[m_at]) < 0x80) {
+        ++m_at;
+      } else {
+        skipCharacter();
+      }
     }
     return m_text.substr(start, m_at - start);
   }
@@ -216,30 +253,48 @@ class XmlScanner {
       refuse("there is no root element");
     }
     do {
-      if (isAt("<")) {
-        scanMarkup();
-      } else if (isAt("&")) {
-        scanReference();
-      } else if (isAt("]]>")) {
-        refuse("the end of a CDATA section that did not begin");
-      } else {
-        skipCharacter();
+      switch (peek()) {
+        case '<':
+          scanMarkup();
+          break;
+        case '&':
+          scanReference();
+          break;
+        case ']':
+          if (isAt("]]>")) {
+            refuse("the end of a CDATA section that did not begin");
+          }
+          [[fallthrough]];
+        default:
+          skipCharacter();
+          skipPlain();
       }
     } while (!m_open.empty());
   }
 
+  // An element begins or ends, or something stands in one that is neither.
   void scanMarkup() {
-    if (take("</")) {
+    const char kind = m_at + 1 < m_text.size() ? m_text[m_at + 1] : '\0';
+    if (kind == '/') {
+      m_at += 2;
       scanEndTag();
-    } else if (!m_open.empty() && take("<!--")) {
-      scanComment();
-    } else if (!m_open.empty() && take("<![CDATA[")) {
-      skipPast("]]>");
-    } else if (!m_open.empty() && take("<?")) {
+    } else if (!m_open.empty() && kind == '!') {
+      scanDeclared();
+    } else if (!m_open.empty() && kind == '?') {
+      m_at += 2;
       scanInstruction();
     } else {
       ++m_at;
       scanStartTag();
+    }
+  }
+
+  void scanDeclared() {
+    if (take("<!--")) {
+      scanComment();
+    } else {
+      expect("<![CDATA[", "a declaration within an element");
+      skipPast("]]>");
     }
   }
 
@@ -261,10 +316,12 @@ class XmlScanner {
     m_attributes.clear();
     for (;;) {
       const bool isApart = skipBlanks();
-      if (take(">")) {
+      if (peek() == '>') {
+        ++m_at;
         return;
       }
-      if (take("/>")) {
+      if (peek() == '/') {
+        expect("/>", "a tag that does not end");
         m_open.pop_back();
         return;
       }
@@ -288,16 +345,17 @@ class XmlScanner {
     expect("=", "an attribute without a value");
     skipBlanks();
     const char quote = takeQuote();
-    while (!take({&quote, 1})) {
-      if (isAt("<")) {
+    for (skipPlain(); peek() != quote; skipPlain()) {
+      if (peek() == '<') {
         refuse("a '<' in an attribute");
       }
-      if (isAt("&")) {
+      if (peek() == '&') {
         scanReference();
       } else {
         skipCharacter();
       }
     }
+    ++m_at;
   }
 
   void scanReference() {

@@ -101,17 +101,6 @@ TEST(Values, AReferenceToAnyOtherTextIsNull) {
   }
 }
 
-TEST(Values, AnElementHasAnEndTagWhetherItHasAValueOrNot) {
-  core::CimPropertyUint8 number("Some", nullptr);
-  Buffer out = "<PROPERTY";
-  cimxml::finishElement(out, "PROPERTY", number, "");
-  EXPECT_EQ(out, "<PROPERTY></PROPERTY>");
-  number.setValue(1);
-  out = "<PROPERTY";
-  cimxml::finishElement(out, "PROPERTY", number, "");
-  EXPECT_EQ(out, "<PROPERTY><VALUE>1</VALUE></PROPERTY>");
-}
-
 TEST(Values, ElementsAreNamedForTheType) {
   EXPECT_EQ(cimxml::getPropertyElement(core::kCimDatetime), "PROPERTY");
   EXPECT_EQ(cimxml::getPropertyElement(core::kCimStringArray), "PROPERTY.ARRAY");
