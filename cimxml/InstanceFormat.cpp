@@ -22,16 +22,20 @@ bool isChosen(const core::PropertyDeclaration& property, const core::ClassDeclar
          isListed(options.propertyList, property.name);
 }
 
+std::string makeStart(std::string_view className) {
+  std::string tag = "<INSTANCE";
+  appendAttribute(tag, "CLASSNAME", className);
+  tag += '>';
+  return tag;
+}
+
 }  // namespace
 
 InstanceFormat::InstanceFormat(const core::ClassDeclaration& declaration, const Options& options,
                                std::string_view nameSpace)
-    : m_nameSpace(nameSpace), m_tags("<INSTANCE") {
+    : m_nameSpace(nameSpace), m_start(makeStart(declaration.name)) {
   constexpr std::size_t kUsualTag = 64;
-  m_tags.reserve(kUsualTag * (declaration.properties.size() + 1));
-  appendAttribute(m_tags, "CLASSNAME", declaration.name);
-  m_tags += '>';
-  m_startLength = m_tags.size();
+  m_tags.reserve(kUsualTag * declaration.properties.size());
   m_fields.reserve(declaration.properties.size());
   for (const core::PropertyDeclaration& property : declaration.properties) {
     Field field{property.type,       isChosen(property, declaration, options), m_tags.size(), 0, 0,
@@ -68,7 +72,7 @@ const InstanceFormat::Field* InstanceFormat::findField(const core::CimProperty& 
 }
 
 void InstanceFormat::append(Buffer& out, core::CimInstance& instance) const {
-  out.append(m_tags, 0, m_startLength);
+  out += m_start;
   std::size_t position = 0;
   core::CimPropertyList::Iterator cursor = instance.getProperties().iterator();
   for (core::CimProperty* property = cursor.first(); property != nullptr;

@@ -109,8 +109,8 @@ class InstanceFormat {
                                        std::size_t position) const;
 
   std::string m_nameSpace;
-  std::string m_tags;           // that of the instance, then those of the fields
-  std::size_t m_startLength;    // of the first
+  std::string m_start;          // <INSTANCE CLASSNAME="...">
+  std::string m_tags;           // of all fields, one behind the other
   std::vector<Field> m_fields;  // by the position of the property among those in force
 };
 
