@@ -128,9 +128,9 @@ ObjectName readInstanceName(const pugi::xml_node& element) {
 }
 
 ObjectName readName(const pugi::xml_node& element) {
-  const auto* form =
-      std::find_if(kNameForms.begin(), kNameForms.end(),
-                   [&element](const NameForm& entry) { return entry.element == element.name(); });
+  const std::string_view kind = element.name();
+  const auto* form = std::find_if(kNameForms.begin(), kNameForms.end(),
+                                  [kind](const NameForm& entry) { return entry.element == kind; });
   if (form == kNameForms.end()) {
     refuse(describe(element) + " names no object");
   }

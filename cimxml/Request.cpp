@@ -95,9 +95,9 @@ Value readValue(Children& children) {
     return {};
   }
   const pugi::xml_node element = children.take();
-  const auto* form =
-      std::find_if(kValueForms.begin(), kValueForms.end(),
-                   [&element](const ValueForm& entry) { return entry.element == element.name(); });
+  const std::string_view kind = element.name();
+  const auto* form = std::find_if(kValueForms.begin(), kValueForms.end(),
+                                  [kind](const ValueForm& entry) { return entry.element == kind; });
   if (form == kValueForms.end()) {
     refuse(describe(element) + " is no value");
   }
@@ -120,9 +120,10 @@ constexpr std::array kPropertyForms{
 };
 
 PropertyValue readProperty(const pugi::xml_node& element) {
-  const auto* form = std::find_if(
-      kPropertyForms.begin(), kPropertyForms.end(),
-      [&element](const PropertyForm& entry) { return entry.element == element.name(); });
+  const std::string_view kind = element.name();
+  const auto* form =
+      std::find_if(kPropertyForms.begin(), kPropertyForms.end(),
+                   [kind](const PropertyForm& entry) { return entry.element == kind; });
   if (form == kPropertyForms.end()) {
     refuse(describe(element) + " is no property");
   }
