@@ -1,0 +1,112 @@
+#include "http/Acceptors.h"
+
+#include <boost/asio/error.hpp>
+#include <boost/asio/ip/v6_only.hpp>
+#include <boost/system/system_error.hpp>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "Utils/Log.h"
+
+namespace http {
+namespace {
+
+constexpr utils::LogSource kLog{"http::Acceptors"};
+
+struct Advice {
+  boost::system::errc::errc_t reason;
+  const char* text;
+};
+
+constexpr Advice kAdvice[] = {
+    {boost::system::errc::address_in_use,
+     "Another program listens there: stop it, or choose another port."},
+    {boost::system::errc::permission_denied,
+     "Ports below 1024 need a privilege: choose a higher port, or grant it."},
+    {boost::system::errc::address_not_available,
+     "This machine has no such address: choose one of its own, or 0.0.0.0 or :: for all."},
+    {boost::system::errc::address_family_not_supported,
+     "This machine does not speak that version of IP: choose an address of the other one."},
+    {boost::system::errc::too_many_files_open, "Raise the limit of open files."},
+};
+
+std::string describe(const Endpoint& endpoint, const error_code& fault) {
+  std::string text = "Cannot listen on " + endpoint.text() + ": " + fault.message() + ".";
+  for (const Advice& advice : kAdvice) {
+    if (fault == advice.reason) {
+      text.append(" ").append(advice.text);
+    }
+  }
+  return text;
+}
+
+bool isAddressMissing(const error_code& fault) {
+  return fault == boost::system::errc::address_not_available ||
+         fault == boost::system::errc::address_family_not_supported;
+}
+
+asio::ip::address readAddress(const Endpoint& endpoint) {
+  error_code fault;
+  asio::ip::address address = asio::ip::make_address(endpoint.address, fault);
+  if (fault) {
+    throw SetupFault("Cannot listen on " + endpoint.text() + ": '" + endpoint.address +
+                     "' is no IP address. Write one such as 127.0.0.1, ::1 or 0.0.0.0.");
+  }
+  return address;
+}
+
+error_code listen(Acceptor& acceptor, const tcp::endpoint& address) {
+  try {
+    acceptor.open(address.protocol());
+    // A restart need not wait until the system has forgotten the connections of the last run.
+    acceptor.set_option(asio::socket_base::reuse_address(true));
+    // One endpoint is one address: "::" leaves IPv4 to "0.0.0.0".
+    if (address.address().is_v6()) {
+      acceptor.set_option(asio::ip::v6_only(true));
+    }
+    acceptor.bind(address);
+    acceptor.listen();
+  } catch (const boost::system::system_error& fault) {
+    return fault.code();
+  }
+  return {};
+}
+
+}  // namespace
+
+std::string Endpoint::text() const {
+  const bool isIpv6 = address.find(':') != std::string::npos;
+  return (isIpv6 ? "[" + address + "]" : address) + ":" + std::to_string(port);
+}
+
+std::vector<Listener> openListeners(asio::io_context& context,
+                                    const std::vector<Endpoint>& endpoints) {
+  std::vector<Listener> listeners;
+  std::vector<std::string> missing;
+  for (const Endpoint& endpoint : endpoints) {
+    Listener listener{Acceptor(asio::make_strand(context)), endpoint};
+    const error_code fault =
+        listen(listener.acceptor, tcp::endpoint(readAddress(endpoint), endpoint.port));
+    if (isAddressMissing(fault)) {
+      missing.push_back(describe(endpoint, fault));
+      continue;
+    }
+    if (fault) {
+      throw SetupFault(describe(endpoint, fault));
+    }
+    listener.endpoint.port = listener.acceptor.local_endpoint().port();
+    listeners.push_back(std::move(listener));
+  }
+  if (listeners.empty()) {
+    throw SetupFault(missing.empty() ? "There is no address to listen on: configure one."
+                                     : missing.front());
+  }
+  for (const std::string& text : missing) {
+    utils::logError(kLog, "http::openListeners", "%s The other addresses are served.",
+                    text.c_str());
+  }
+  return listeners;
+}
+
+}  // namespace http

@@ -1,0 +1,418 @@
+#include "http/Connection.h"
+
+#include <algorithm>
+#include <boost/asio/co_spawn.hpp>
+#include <boost/asio/detached.hpp>
+#include <boost/asio/error.hpp>
+#include <boost/asio/post.hpp>
+#include <cstring>
+#include <exception>
+#include <utility>
+
+#include "Utils/Log.h"
+#include "http/ConnectionList.h"
+
+namespace http {
+namespace {
+
+constexpr utils::LogSource kLog{"http::Connection"};
+
+constexpr std::size_t kSmallBuffer = 4 * 1024;
+constexpr std::size_t kLargeBuffer = 64 * 1024;
+
+// How long, and for how many bytes, a client that is sending still is listened to, so that it gets
+// the answer: a socket closed with bytes unread in it takes the answer back.
+constexpr std::chrono::milliseconds kLingerTime{2000};
+constexpr std::chrono::milliseconds kLingerTimeAtStop{300};
+constexpr std::size_t kLingerBytes = 8 * 1024 * 1024;
+
+constexpr std::string_view kContinue = "HTTP/1.1 100 Continue\r\n\r\n";
+constexpr Clock::rep kNoDeadline = Clock::duration::max().count();
+
+}  // namespace
+
+asio::mutable_buffer ReadBuffer::space() {
+  if (isEmpty()) {
+    m_begin = 0;
+    m_end = 0;
+    if (m_memory.empty()) {
+      m_memory.resize(kSmallBuffer);
+    } else if (m_wasFull && m_memory.size() < kLargeBuffer) {
+      m_memory.resize(m_memory.size() * 2);
+    }
+  } else if (m_end == m_memory.size()) {
+    if (m_begin > 0) {
+      std::memmove(m_memory.data(), m_memory.data() + m_begin, m_end - m_begin);
+      m_end -= m_begin;
+      m_begin = 0;
+    } else {
+      m_memory.resize(m_memory.size() * 2);
+    }
+  }
+  m_wasFull = false;
+  return asio::buffer(m_memory.data() + m_end, m_memory.size() - m_end);
+}
+
+void ReadBuffer::add(std::size_t count) {
+  m_end += count;
+  m_wasFull = m_end == m_memory.size();
+}
+
+void ReadBuffer::shrink() {
+  if (isEmpty() && m_memory.size() > kSmallBuffer) {
+    m_memory = {};
+    m_begin = 0;
+    m_end = 0;
+    m_wasFull = false;
+  }
+}
+
+// What the handler sees.
+class Connection::HandledRequest final : public Request {
+ public:
+  explicit HandledRequest(Connection& connection) : m_connection(connection) {}
+
+  [[nodiscard]] std::string_view method() const override { return message().method(); }
+  [[nodiscard]] std::string_view target() const override { return message().target(); }
+  [[nodiscard]] std::string_view field(std::string_view name) const override {
+    return message().field(name);
+  }
+  [[nodiscard]] std::string& body() override { return message().body(); }
+  [[nodiscard]] const std::string& peerAddress() const override {
+    return m_connection.m_peer.address;
+  }
+  [[nodiscard]] bool isLoopback() const override { return m_connection.m_peer.isLoopback; }
+  [[nodiscard]] bool isEncrypted() const override { return m_connection.m_isEncrypted; }
+
+ private:
+  [[nodiscard]] RequestMessage& message() const { return m_connection.m_exchange->request; }
+
+  Connection& m_connection;
+};
+
+Connection::Connection(Service& service, Executor strand, Peer peer, bool isEncrypted)
+    : m_service(service),
+      m_peer(std::move(peer)),
+      m_isEncrypted(isEncrypted),
+      m_strand(std::move(strand)),
+      m_deadline(kNoDeadline) {}
+
+Connection::~Connection() {
+  m_service.connections.remove(*this);
+}
+
+void Connection::serve(const std::shared_ptr<Connection>& connection) {
+  connection->m_service.connections.addServed(*connection);
+  asio::co_spawn(connection->m_strand, runService(connection), asio::detached);
+}
+
+void Connection::refuse(const std::shared_ptr<Connection>& connection) {
+  connection->m_service.connections.addRefused(*connection);
+  asio::co_spawn(connection->m_strand, runRefusal(connection), asio::detached);
+}
+
+void Connection::checkDeadline(Clock::time_point now) {
+  if (m_deadline.load(std::memory_order_relaxed) > now.time_since_epoch().count()) {
+    return;
+  }
+  asio::post(m_strand, [self = shared_from_this()] { self->endLatePhase(); });
+}
+
+void Connection::stop() {
+  asio::post(m_strand, [self = shared_from_this()] { self->endPhaseForStop(); });
+}
+
+void Connection::cut() {
+  asio::post(m_strand, [self = shared_from_this()] { self->close(); });
+}
+
+void Connection::addWritten(std::size_t count) {
+  for (asio::const_buffer& part : m_output) {
+    const std::size_t ofPart = std::min(count, part.size());
+    part += ofPart;
+    count -= ofPart;
+  }
+}
+
+Awaitable<void> Connection::runService(std::shared_ptr<Connection> connection) {
+  try {
+    connection->enter(Phase::Handshake, connection->m_service.options.requestTimeout);
+    if (!connection->m_service.isStopping) {
+      co_await connection->handshake();
+    }
+    if (!connection->m_fault) {
+      co_await connection->serveRequests();
+    }
+    co_await connection->closeOrderly();
+  } catch (const std::exception& fault) {
+    utils::logError(kLog, "http::Connection::runService", "The connection from %s ended: %s",
+                    connection->m_peer.address.c_str(), fault.what());
+  }
+}
+
+Awaitable<void> Connection::runRefusal(std::shared_ptr<Connection> connection) {
+  try {
+    connection->m_exchange = connection->m_service.exchanges.take();
+    connection->m_refusal =
+        Refusal{503, "The server has as many connections as it takes: " +
+                         std::to_string(connection->m_service.options.maxConnections) +
+                         ". Try again later."};
+    co_await connection->answerRefusal();
+    co_await connection->closeOrderly();
+  } catch (const std::exception& fault) {
+    utils::logError(kLog, "http::Connection::runRefusal", "The connection from %s ended: %s",
+                    connection->m_peer.address.c_str(), fault.what());
+  }
+}
+
+Awaitable<void> Connection::serveRequests() {
+  while (m_isKept && !m_isClosed) {
+    const ReadEnd end = co_await readRequest();
+    switch (end) {
+      case ReadEnd::Complete:
+        co_await answer();
+        break;
+      case ReadEnd::Refused:
+        co_await answerRefusal();
+        break;
+      case ReadEnd::Closed:
+        m_isKept = false;
+        m_isListenedTo = false;
+        break;
+    }
+    if (m_exchange) {
+      m_parser.reset();
+      m_service.exchanges.give(std::move(m_exchange));
+    }
+    m_buffer.shrink();
+  }
+}
+
+Awaitable<Connection::ReadEnd> Connection::readRequest() {
+  bool isContinueSent = false;
+  while (true) {
+    if (m_service.isStopping && m_phase != Phase::Reading) {
+      co_return ReadEnd::Closed;
+    }
+    if (takeBytes()) {
+      co_return m_refusal ? ReadEnd::Refused : ReadEnd::Complete;
+    }
+    if (m_refusal) {
+      co_return ReadEnd::Refused;
+    }
+    if (m_parser && m_parser->expectsContinue() && !isContinueSent) {
+      isContinueSent = true;
+      co_await write(kContinue, {});
+    }
+    if (m_exchange && m_phase != Phase::Reading) {
+      enter(Phase::Reading, m_service.options.requestTimeout);
+    } else if (!m_exchange && m_phase != Phase::Idle) {
+      enter(Phase::Idle, m_service.options.idleTimeout);
+    }
+    co_await readSome();
+    if (m_fault == asio::error::eof && m_exchange && !m_refusal) {
+      m_refusal = Refusal{400, "The request is incomplete: the connection ended in its middle."};
+    }
+    if (m_isClosed || (m_fault && !m_refusal)) {
+      co_return ReadEnd::Closed;
+    }
+  }
+}
+
+Awaitable<void> Connection::answer() {
+  enter(Phase::Handling);
+  handle();
+  Response& response = m_exchange->response;
+  if (response.delay > std::chrono::milliseconds::zero()) {
+    co_await delay(response.delay);
+  }
+  m_isKept = m_parser->isKeptAlive() && !response.isLast && !m_service.isStopping;
+  const Ending ending = !m_isKept              ? Ending::Close
+                        : m_parser->isHttp11() ? Ending::KeepAlive
+                                               : Ending::SpokenKeepAlive;
+  writeHead(response, ending, m_exchange->head);
+  const bool isBodySent = hasBody(response.status) && m_exchange->request.method() != "HEAD";
+  co_await write(m_exchange->head, isBodySent ? std::string_view(response.body) : "");
+}
+
+Awaitable<void> Connection::answerRefusal() {
+  m_isKept = false;
+  Response& response = m_exchange->response;
+  setRefusal(*m_refusal, response);
+  writeHead(response, Ending::Close, m_exchange->head);
+  co_await write(m_exchange->head, response.body);
+}
+
+Awaitable<void> Connection::delay(std::chrono::milliseconds duration) {
+  if (m_service.isStopping) {
+    co_return;
+  }
+  if (!m_timer) {
+    m_timer.emplace(m_strand);
+  }
+  enter(Phase::Delaying);
+  m_timer->expires_after(duration);
+  co_await m_timer->async_wait(kAwait);
+}
+
+Awaitable<void> Connection::write(std::string_view head, std::string_view body) {
+  m_output = {asio::buffer(head), asio::buffer(body)};
+  m_fault = {};
+  writeAtOnce();
+  while (!m_fault && !m_isClosed && !isWritten()) {
+    enter(Phase::Writing, m_service.options.requestTimeout);
+    co_await writeSome();
+  }
+  if (m_fault) {
+    m_isKept = false;
+  }
+}
+
+Awaitable<void> Connection::closeOrderly() {
+  m_parser.reset();
+  if (m_exchange) {
+    m_service.exchanges.give(std::move(m_exchange));
+  }
+  enter(Phase::Closing, m_service.isStopping ? kLingerTimeAtStop : kLingerTime);
+  if (!m_isClosed) {
+    co_await farewell();
+  }
+  if (!m_isClosed) {
+    socket().shutdown(Socket::shutdown_send, m_fault);
+  }
+  std::size_t drained = 0;
+  while (m_isListenedTo && !m_isClosed && !m_fault && drained < kLingerBytes) {
+    m_buffer.clear();
+    const asio::mutable_buffer space = m_buffer.space();
+    const auto [fault, count] = co_await socket().async_read_some(space, kAwait);
+    m_fault = fault;
+    m_buffer.add(count);
+    drained += count;
+  }
+  close();
+}
+
+void Connection::enter(Phase phase) {
+  m_phase = phase;
+  m_deadline.store(kNoDeadline, std::memory_order_relaxed);
+}
+
+void Connection::enter(Phase phase, std::chrono::milliseconds limit) {
+  m_phase = phase;
+  m_deadline.store((Clock::now() + limit).time_since_epoch().count(), std::memory_order_relaxed);
+}
+
+// Returns whether the request is complete or refused.
+bool Connection::takeBytes() {
+  if (!m_exchange) {
+    // Some clients send an empty line behind a body.
+    while (!m_buffer.isEmpty() && (m_buffer.bytes()[0] == '\r' || m_buffer.bytes()[0] == '\n')) {
+      m_buffer.remove(1);
+    }
+    if (m_buffer.isEmpty()) {
+      return false;
+    }
+    m_exchange = m_service.exchanges.take();
+    m_parser.emplace(m_exchange->request, RequestLimits{m_service.options.maxHeaderBytes,
+                                                        m_service.options.maxBodyBytes});
+  }
+  m_buffer.remove(m_parser->take(m_buffer.bytes()));
+  if (m_parser->refusal()) {
+    m_refusal = m_parser->refusal();
+  }
+  return m_parser->isComplete() || m_parser->refusal();
+}
+
+void Connection::handle() {
+  HandledRequest request(*this);
+  Response& response = m_exchange->response;
+  clear(response);
+  try {
+    m_service.handler.handle(request, response);
+    return;
+  } catch (const std::exception& fault) {
+    utils::logError(kLog, "http::Connection::handle", "A request from %s failed: %s",
+                    m_peer.address.c_str(), fault.what());
+  } catch (...) {
+    utils::logError(kLog, "http::Connection::handle",
+                    "A request from %s failed: exception of no standard type",
+                    m_peer.address.c_str());
+  }
+  clear(response);
+  response.status = 500;
+  response.contentType = "text/plain; charset=utf-8";
+  response.body = "The server failed at this request. Its log tells why.\n";
+}
+
+void Connection::endLatePhase() {
+  if (m_deadline.load(std::memory_order_relaxed) > Clock::now().time_since_epoch().count()) {
+    return;  // the next phase has begun
+  }
+  switch (m_phase) {
+    case Phase::Idle:
+      m_isKept = false;
+      cancel();
+      break;
+    case Phase::Reading:
+      interrupt(408, "The request took longer than this server waits: " +
+                         std::to_string(m_service.options.requestTimeout.count()) + " ms.");
+      break;
+    case Phase::Handshake:
+    case Phase::Writing:
+    case Phase::Closing:
+      close();
+      break;
+    case Phase::Handling:
+    case Phase::Delaying:
+      break;
+  }
+}
+
+void Connection::endPhaseForStop() {
+  switch (m_phase) {
+    case Phase::Idle:
+      cancel();
+      break;
+    case Phase::Reading:
+      interrupt(503, "The server is being stopped.");
+      break;
+    case Phase::Handshake:
+      close();
+      break;
+    case Phase::Delaying:
+      m_timer->cancel();
+      break;
+    case Phase::Closing:
+      enter(Phase::Closing, kLingerTimeAtStop);
+      break;
+    case Phase::Handling:
+    case Phase::Writing:
+      break;
+  }
+}
+
+// Makes an answer of the request that is being read.
+void Connection::interrupt(unsigned status, std::string text) {
+  if (!m_refusal) {
+    m_refusal = Refusal{status, std::move(text)};
+  }
+  cancel();
+  m_deadline.store(kNoDeadline, std::memory_order_relaxed);
+}
+
+void Connection::cancel() {
+  error_code ignored;
+  socket().cancel(ignored);
+}
+
+void Connection::close() {
+  m_isClosed = true;
+  m_deadline.store(kNoDeadline, std::memory_order_relaxed);
+  error_code ignored;
+  socket().close(ignored);
+  if (m_timer) {
+    m_timer->cancel();
+  }
+}
+
+}  // namespace http

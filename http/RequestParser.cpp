@@ -1,0 +1,246 @@
+#include "http/RequestParser.h"
+
+#include <algorithm>
+#include <boost/asio/buffer.hpp>
+#include <boost/beast/core/string.hpp>
+#include <boost/beast/http/error.hpp>
+#include <limits>
+#include <utility>
+
+namespace http {
+namespace {
+
+namespace beast = boost::beast;
+
+// The shortest thing that may stand where a chunk begins: the last chunk, "0\r\n\r\n".
+constexpr std::size_t kShortestChunk = 5;
+
+// Parse faults that have another answer than 400.
+struct FaultAnswer {
+  beast::http::error fault;
+  unsigned status;
+  const char* text;
+};
+
+constexpr FaultAnswer kFaultAnswers[] = {
+    {beast::http::error::bad_version, 505,
+     "The request is not in a version of HTTP that this server speaks: HTTP/1.1 and HTTP/1.0."},
+    {beast::http::error::bad_method, 400, "The request does not begin with a method."},
+    {beast::http::error::bad_target, 400, "The request's target is malformed."},
+    {beast::http::error::bad_field, 400, "The name of a header field is malformed."},
+    {beast::http::error::bad_value, 400, "The value of a header field is malformed."},
+    {beast::http::error::bad_content_length, 400, "The Content-Length is malformed."},
+    {beast::http::error::multiple_content_length, 400, "There are several Content-Lengths."},
+    {beast::http::error::bad_transfer_encoding, 400,
+     "The Transfer-Encoding contradicts other header fields."},
+    {beast::http::error::bad_chunk, 400, "A chunk of the body is malformed."},
+    {beast::http::error::bad_chunk_extension, 400, "The extension of a chunk is malformed."},
+    {beast::http::error::bad_obs_fold, 400, "A header field is folded over too many lines."},
+};
+
+beast::string_view toBeast(std::string_view text) {
+  return {text.data(), text.size()};
+}
+std::string_view toStandard(beast::string_view text) {
+  return {text.data(), text.size()};
+}
+
+bool isSameName(std::string_view left, std::string_view right) {
+  return beast::iequals(toBeast(left), toBeast(right));
+}
+
+// A request may name its target with the server in front of it.
+std::string_view withoutServer(std::string_view target) {
+  for (const std::string_view scheme : {"http://", "https://"}) {
+    if (isSameName(target.substr(0, scheme.size()), scheme)) {
+      const std::size_t path = target.find('/', scheme.size());
+      return path == std::string_view::npos ? std::string_view("/") : target.substr(path);
+    }
+  }
+  return target;
+}
+
+}  // namespace
+
+std::string_view RequestMessage::field(std::string_view name) const {
+  const Field* found = find(name);
+  return found != nullptr ? view(found->value) : std::string_view();
+}
+
+void RequestMessage::clear() {
+  m_text.clear();
+  m_method = {};
+  m_target = {};
+  m_fields.clear();
+  m_body.clear();
+}
+
+void RequestMessage::setRequestLine(std::string_view method, std::string_view target) {
+  m_method = append(method);
+  m_target = append(withoutServer(target));
+}
+
+void RequestMessage::addField(std::string_view name, std::string_view value) {
+  Field& field = m_fields.emplace_back();
+  field.name = append(name);
+  field.value = append(value);
+}
+
+const RequestMessage::Field* RequestMessage::find(std::string_view name) const {
+  const auto found = std::find_if(m_fields.begin(), m_fields.end(), [&](const Field& field) {
+    return isSameName(view(field.name), name);
+  });
+  return found != m_fields.end() ? &*found : nullptr;
+}
+
+RequestMessage::Span RequestMessage::append(std::string_view text) {
+  const Span span{m_text.size(), text.size()};
+  m_text.append(text);
+  return span;
+}
+
+RequestParser::RequestParser(RequestMessage& message, RequestLimits limits)
+    : m_message(message), m_limits(limits) {
+  m_message.clear();
+  header_limit(static_cast<std::uint32_t>(
+      std::min<std::size_t>(limits.headerBytes, std::numeric_limits<std::uint32_t>::max())));
+  body_limit(limits.bodyBytes);
+}
+
+std::size_t RequestParser::take(std::string_view bytes) {
+  std::size_t taken = 0;
+  while (!is_done() && !m_refusal && taken < bytes.size()) {
+    const std::string_view rest = bytes.substr(taken);
+    if (awaitsShortChunk(rest.size())) {
+      break;
+    }
+    const bool isInHeader = !is_header_done();
+    error_code fault;
+    const std::size_t count = put(boost::asio::const_buffer(rest.data(), rest.size()), fault);
+    taken += count;
+    const std::size_t left = rest.size() - count;
+    const bool needsMore = fault == beast::http::error::need_more;
+    if (isInHeader) {
+      m_headerBytes += count;
+      if (m_headerBytes > m_limits.headerBytes ||
+          (needsMore && m_headerBytes + left >= m_limits.headerBytes)) {
+        refuseLongHeader();
+        break;
+      }
+    } else if (needsMore && left > m_limits.headerBytes) {
+      refuseLongHeader();  // the line before a chunk, or the fields behind the last one
+      break;
+    }
+    if (needsMore) {
+      break;
+    }
+    if (fault) {
+      refuse(fault);
+    }
+  }
+  return taken;
+}
+
+bool RequestParser::expectsContinue() const {
+  return m_isHeaderRead && !is_done() && m_isHttp11 && m_message.hasField("Expect");
+}
+
+// The parser wants no call with less where a chunk begins.
+bool RequestParser::awaitsShortChunk(std::size_t available) const {
+  return is_header_done() && chunked() && m_chunkLeft == 0 && available < kShortestChunk;
+}
+
+void RequestParser::refuse(unsigned status, std::string text) {
+  if (!m_refusal) {
+    m_refusal = Refusal{status, std::move(text)};
+  }
+}
+
+void RequestParser::refuse(error_code fault) {
+  if (fault == beast::http::error::header_limit) {
+    refuseLongHeader();
+    return;
+  }
+  if (fault == beast::http::error::body_limit) {
+    refuse(413, "The request's body is larger than this server takes: " +
+                    std::to_string(m_limits.bodyBytes) + " bytes.");
+    return;
+  }
+  for (const FaultAnswer& answer : kFaultAnswers) {
+    if (fault == answer.fault) {
+      refuse(answer.status, answer.text);
+      return;
+    }
+  }
+  refuse(400, "The request is malformed: " + fault.message() + ".");
+}
+
+void RequestParser::refuseLongHeader() {
+  refuse(431, "The request's header is larger than this server takes: " +
+                  std::to_string(m_limits.headerBytes) + " bytes.");
+}
+
+void RequestParser::checkHeader() {
+  if (m_isHttp11 && m_hostFields != 1) {
+    refuse(400, "A request in HTTP/1.1 has exactly one header field Host; this one has " +
+                    std::to_string(m_hostFields) + ".");
+  }
+  if (m_message.hasField("Transfer-Encoding") &&
+      !isSameName(m_message.field("Transfer-Encoding"), "chunked")) {
+    refuse(501, "The only Transfer-Encoding that this server knows is chunked.");
+  }
+  if (m_isHttp11 && m_message.hasField("Expect") &&
+      !isSameName(m_message.field("Expect"), "100-continue")) {
+    refuse(417, "The only expectation that this server knows is 100-continue.");
+  }
+}
+
+void RequestParser::on_request_impl(beast::http::verb /*verb*/, string_view method,
+                                    string_view target, int version, error_code& /*fault*/) {
+  m_isHttp11 = version == 11;
+  m_message.setRequestLine(toStandard(method), toStandard(target));
+}
+
+void RequestParser::on_response_impl(int /*status*/, string_view /*reason*/, int /*version*/,
+                                     error_code& /*fault*/) {}
+
+void RequestParser::on_field_impl(beast::http::field field, string_view name, string_view value,
+                                  error_code& /*fault*/) {
+  // What stands behind a chunked body cannot change what the request is.
+  if (m_isHeaderRead) {
+    return;
+  }
+  if (field == beast::http::field::host) {
+    ++m_hostFields;
+  }
+  m_message.addField(toStandard(name), toStandard(value));
+}
+
+void RequestParser::on_header_impl(error_code& /*fault*/) {
+  m_isHeaderRead = true;
+  checkHeader();
+}
+
+void RequestParser::on_body_init_impl(const boost::optional<std::uint64_t>& /*length*/,
+                                      error_code& /*fault*/) {}
+
+std::size_t RequestParser::on_body_impl(string_view bytes, error_code& /*fault*/) {
+  m_message.body().append(bytes.data(), bytes.size());
+  return bytes.size();
+}
+
+void RequestParser::on_chunk_header_impl(std::uint64_t size, string_view /*extension*/,
+                                         error_code& /*fault*/) {
+  m_chunkLeft = size;
+}
+
+std::size_t RequestParser::on_chunk_body_impl(std::uint64_t left, string_view bytes,
+                                              error_code& /*fault*/) {
+  m_message.body().append(bytes.data(), bytes.size());
+  m_chunkLeft = left - bytes.size();
+  return bytes.size();
+}
+
+void RequestParser::on_finish_impl(error_code& /*fault*/) {}
+
+}  // namespace http

@@ -1,0 +1,228 @@
+#include "http/Server.h"
+
+#include <algorithm>
+#include <atomic>
+#include <boost/asio/co_spawn.hpp>
+#include <boost/asio/detached.hpp>
+#include <boost/asio/error.hpp>
+#include <boost/asio/post.hpp>
+#include <exception>
+#include <optional>
+#include <system_error>
+#include <thread>
+
+#include "Utils/Log.h"
+#include "http/Acceptors.h"
+#include "http/Connection.h"
+#include "http/ConnectionList.h"
+#include "http/ServerTls.h"
+
+namespace http {
+namespace {
+
+constexpr utils::LogSource kLog{"http::Server"};
+
+// How many that come too many are told so at the same time; others are just closed.
+constexpr std::size_t kMostRefused = 32;
+// The wait after a connection could not be taken, for want of descriptors or memory.
+constexpr std::chrono::milliseconds kAcceptPause{100};
+constexpr std::chrono::minutes kAcceptFaultLogInterval{10};
+
+constexpr std::chrono::milliseconds kShortestSweep{5};
+constexpr std::chrono::milliseconds kLongestSweep{1000};
+constexpr std::chrono::milliseconds kStoppingSweep{20};
+
+// Deadlines are kept to an eighth of them.
+std::chrono::milliseconds sweepInterval(const ServerOptions& options) {
+  return std::clamp(std::min(options.requestTimeout, options.idleTimeout) / 8, kShortestSweep,
+                    kLongestSweep);
+}
+
+bool hasTls(const ServerOptions& options) {
+  return std::any_of(options.endpoints.begin(), options.endpoints.end(),
+                     [](const Endpoint& endpoint) { return endpoint.isTls; });
+}
+
+}  // namespace
+
+struct Server::Implementation {
+  Implementation(ServerOptions serverOptions, Handler& handler);
+  Implementation(const Implementation&) = delete;
+  Implementation& operator=(const Implementation&) = delete;
+  ~Implementation();
+
+  void runThread();
+  Awaitable<void> accept(Listener& listener);
+  void take(const Listener& listener, Socket socket);
+  void noteAcceptFault(const Listener& listener, const error_code& fault);
+  Awaitable<void> sweep();
+  void beginStop();
+
+  const ServerOptions options;
+  std::optional<asio::ssl::context> tls;
+  // These outlive the connections, which the context's end destroys.
+  ConnectionList connections;
+  Service service;
+  asio::io_context context;
+  std::vector<Listener> listeners;
+
+  // On the strand of the sweep.
+  Executor strand;
+  Timer sweepTimer;
+  Clock::time_point stopDeadline = Clock::time_point::max();
+
+  std::atomic<Clock::rep> lastFaultLogged{0};
+};
+
+Server::Implementation::Implementation(ServerOptions serverOptions, Handler& handler)
+    : options(std::move(serverOptions)),
+      service{options, handler, connections, {}, {}},
+      context(static_cast<int>(std::max(options.threads, 1U))),
+      strand(asio::make_strand(context)),
+      sweepTimer(strand) {
+  if (hasTls(options)) {
+    tls.emplace(makeServerTls(options.certificateFile, options.keyFile));
+  }
+  listeners = openListeners(context, options.endpoints);
+  for (Listener& listener : listeners) {
+    const Executor executor = listener.acceptor.get_executor();
+    asio::co_spawn(executor, accept(listener), asio::detached);
+  }
+  asio::co_spawn(strand, sweep(), asio::detached);
+  connections.setWhenEmpty([this] {
+    if (service.isStopping) {
+      asio::post(strand, [this] { sweepTimer.cancel(); });
+    }
+  });
+}
+
+Server::Implementation::~Implementation() {
+  connections.setWhenEmpty({});
+}
+
+void Server::Implementation::runThread() {
+  while (true) {
+    try {
+      context.run();
+      return;
+    } catch (const std::exception& fault) {
+      utils::logError(kLog, "http::Server::run", "The server goes on after a fault: %s",
+                      fault.what());
+    }
+  }
+}
+
+Awaitable<void> Server::Implementation::accept(Listener& listener) {
+  Timer pause(listener.acceptor.get_executor());
+  while (!service.isStopping) {
+    const Executor connectionStrand = asio::make_strand(context);
+    auto [fault, socket] = co_await listener.acceptor.async_accept(connectionStrand, kAwait);
+    if (!fault) {
+      take(listener, std::move(socket));
+      continue;
+    }
+    if (!service.isStopping) {
+      noteAcceptFault(listener, fault);
+      pause.expires_after(kAcceptPause);
+      co_await pause.async_wait(kAwait);
+    }
+  }
+}
+
+void Server::Implementation::take(const Listener& listener, Socket socket) {
+  error_code fault;
+  const tcp::endpoint peer = socket.remote_endpoint(fault);
+  if (fault || service.isStopping) {
+    return;
+  }
+  error_code ignored;
+  socket.set_option(tcp::no_delay(true), ignored);
+  Peer description = describePeer(peer.address());
+  const bool isTooMany = connections.countServed() >= options.maxConnections;
+  if (isTooMany && (listener.endpoint.isTls || connections.countRefused() >= kMostRefused)) {
+    return;
+  }
+  const std::shared_ptr<Connection> connection =
+      listener.endpoint.isTls
+          ? makeConnection(service, std::move(socket), std::move(description), *tls)
+          : makeConnection(service, std::move(socket), std::move(description));
+  if (isTooMany) {
+    Connection::refuse(connection);
+  } else {
+    Connection::serve(connection);
+  }
+}
+
+void Server::Implementation::noteAcceptFault(const Listener& listener, const error_code& fault) {
+  const Clock::rep now = Clock::now().time_since_epoch().count();
+  const Clock::rep last = lastFaultLogged.load();
+  if (last != 0 && now - last < Clock::duration(kAcceptFaultLogInterval).count()) {
+    return;
+  }
+  lastFaultLogged = now;
+  utils::logError(kLog, "http::Server::accept",
+                  "%s takes no new connections for now: %s. It tries on.",
+                  listener.endpoint.text().c_str(), fault.message().c_str());
+}
+
+Awaitable<void> Server::Implementation::sweep() {
+  const std::chrono::milliseconds interval = sweepInterval(options);
+  while (!service.isStopping || !connections.isEmpty()) {
+    sweepTimer.expires_after(service.isStopping ? std::min(interval, kStoppingSweep) : interval);
+    co_await sweepTimer.async_wait(kAwait);
+    connections.checkDeadlines();
+    service.exchanges.trim();
+    if (Clock::now() >= stopDeadline) {
+      connections.cutAll();
+    }
+  }
+}
+
+void Server::Implementation::beginStop() {
+  stopDeadline = Clock::now() + options.closingTime;
+  for (Listener& listener : listeners) {
+    asio::post(listener.acceptor.get_executor(), [&listener] {
+      error_code ignored;
+      listener.acceptor.close(ignored);
+    });
+  }
+  connections.stopAll();
+  sweepTimer.cancel();
+}
+
+Server::Server(ServerOptions options, Handler& handler)
+    : m_implementation(std::make_unique<Implementation>(std::move(options), handler)) {}
+
+Server::~Server() = default;
+
+std::vector<Endpoint> Server::endpoints() const {
+  std::vector<Endpoint> endpoints;
+  for (const Listener& listener : m_implementation->listeners) {
+    endpoints.push_back(listener.endpoint);
+  }
+  return endpoints;
+}
+
+void Server::run() {
+  std::vector<std::thread> threads;
+  try {
+    while (threads.size() + 1 < m_implementation->options.threads) {
+      threads.emplace_back([this] { m_implementation->runThread(); });
+    }
+  } catch (const std::system_error& fault) {
+    utils::logError(kLog, "http::Server::run", "The server runs with fewer threads: %s",
+                    fault.what());
+  }
+  m_implementation->runThread();
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+}
+
+void Server::stop() {
+  if (!m_implementation->service.isStopping.exchange(true)) {
+    asio::post(m_implementation->strand, [this] { m_implementation->beginStop(); });
+  }
+}
+
+}  // namespace http
