@@ -32,11 +32,19 @@ struct ClientResponse {
 // happened, with whom, and what to do.
 class ClientFault final : public std::exception {
  public:
-  explicit ClientFault(std::string text) : m_text(std::move(text)) {}
+  enum class Kind {
+    Connection,  // it may go well another time, or when the server runs
+    Usage,       // it will not, before an address, a name, a port or a certificate is changed
+  };
+
+  explicit ClientFault(std::string text, Kind kind = Kind::Connection)
+      : m_text(std::move(text)), m_kind(kind) {}
   [[nodiscard]] const char* what() const noexcept override { return m_text.c_str(); }
+  [[nodiscard]] Kind kind() const { return m_kind; }
 
  private:
   std::string m_text;
+  Kind m_kind;
 };
 
 class Client {
@@ -48,8 +56,10 @@ class Client {
   Client& operator=(const Client&) = delete;
   ~Client();
 
-  // Sends a request and waits for its answer. A kept connection that the server has closed
-  // meanwhile is opened anew, once, where nothing of the answer has come. Throws ClientFault.
+  // Sends a request and waits for its answer: at most 64 MiB. A kept connection that the server has
+  // closed meanwhile is opened anew, once, where nothing of the answer has come. The system's
+  // search for the address of a name cannot be cut short: it may take longer than the timeout.
+  // Throws ClientFault.
   [[nodiscard]] ClientResponse send(const std::string& method, const std::string& target,
                                     const Fields& fields, const std::string& body);
 
