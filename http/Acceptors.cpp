@@ -12,7 +12,7 @@
 namespace http {
 namespace {
 
-constexpr utils::LogSource kLog{"http::Acceptors"};
+constexpr utils::LogSource kLog{"HttpAcceptors"};
 
 struct Advice {
   boost::system::errc::errc_t reason;

@@ -15,7 +15,7 @@
 namespace http {
 namespace {
 
-constexpr utils::LogSource kLog{"http::Connection"};
+constexpr utils::LogSource kLog{"HttpConnection"};
 
 constexpr std::size_t kSmallBuffer = 4 * 1024;
 constexpr std::size_t kLargeBuffer = 64 * 1024;
@@ -26,6 +26,7 @@ constexpr std::chrono::milliseconds kLingerTime{2000};
 constexpr std::chrono::milliseconds kLingerTimeAtStop{300};
 constexpr std::size_t kLingerBytes = 8 * 1024 * 1024;
 
+constexpr const char* kRetryAfter = "Retry-After: 5\r\n";  // seconds
 constexpr std::string_view kContinue = "HTTP/1.1 100 Continue\r\n\r\n";
 constexpr Clock::rep kNoDeadline = Clock::duration::max().count();
 
@@ -239,6 +240,9 @@ Awaitable<void> Connection::answerRefusal() {
   m_isKept = false;
   Response& response = m_exchange->response;
   setRefusal(*m_refusal, response);
+  if (m_refusal->status == 503) {
+    response.fields = kRetryAfter;
+  }
   writeHead(response, Ending::Close, m_exchange->head);
   co_await write(m_exchange->head, response.body);
 }

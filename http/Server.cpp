@@ -20,7 +20,7 @@
 namespace http {
 namespace {
 
-constexpr utils::LogSource kLog{"http::Server"};
+constexpr utils::LogSource kLog{"HttpServer"};
 
 // How many that come too many are told so at the same time; others are just closed.
 constexpr std::size_t kMostRefused = 32;
