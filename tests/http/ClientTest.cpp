@@ -1,0 +1,338 @@
+#include <arpa/inet.h>
+#include <functional>
+#include <gmock/gmock.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <thread>
+#include <unistd.h>
+
+#include "http/Client.h"
+#include "tests/http/TestServer.h"
+#include "tests/support/WaitUntil.h"
+
+namespace http {
+namespace {
+
+using namespace std::chrono_literals;
+using test::TestServer;
+using testing::AllOf;
+using testing::HasSubstr;
+
+using Kind = ClientFault::Kind;
+
+ClientOptions toPort(std::uint16_t port, bool isTls = false) {
+  ClientOptions options;
+  options.host = "127.0.0.1";
+  options.port = port;
+  options.isTls = isTls;
+  options.caFile = isTls ? test::sharedCertificates().authorityFile() : "";
+  return options;
+}
+
+void expectFault(Client& client, Kind kind, const testing::Matcher<std::string>& text) {
+  try {
+    static_cast<void>(client.send("GET", "/", {}, ""));
+    ADD_FAILURE() << "answered";
+  } catch (const ClientFault& fault) {
+    EXPECT_THAT(fault.what(), text);
+    EXPECT_EQ(fault.kind(), kind);
+  }
+}
+
+// A server that does to each connection, one after the other, what the test says.
+class ScriptedServer {
+ public:
+  using Script = std::function<void(int connection, int number)>;
+
+  explicit ScriptedServer(Script script) : m_listener(socket(AF_INET, SOCK_STREAM, 0)) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    EXPECT_EQ(bind(m_listener, reinterpret_cast<sockaddr*>(&address), size), 0);
+    EXPECT_EQ(listen(m_listener, 8), 0);
+    getsockname(m_listener, reinterpret_cast<sockaddr*>(&address), &size);
+    m_port = ntohs(address.sin_port);
+    m_thread = std::thread([this, script = std::move(script)] {
+      for (int number = 0;; ++number) {
+        const int connection = accept(m_listener, nullptr, nullptr);
+        if (connection < 0) {
+          return;
+        }
+        ++m_connections;
+        script(connection, number);
+        close(connection);
+      }
+    });
+  }
+  ScriptedServer(const ScriptedServer&) = delete;
+  ScriptedServer& operator=(const ScriptedServer&) = delete;
+  ~ScriptedServer() {
+    shutdown(m_listener, SHUT_RDWR);
+    m_thread.join();
+    close(m_listener);
+  }
+
+  [[nodiscard]] std::uint16_t port() const { return m_port; }
+  [[nodiscard]] int countConnections() const { return m_connections; }
+
+  // Reads a request without a body; false where the client is gone.
+  static bool readRequest(int connection) {
+    std::string request;
+    char byte = 0;
+    while (request.find("\r\n\r\n") == std::string::npos) {
+      if (recv(connection, &byte, 1, 0) != 1) {
+        return false;
+      }
+      request.push_back(byte);
+    }
+    return true;
+  }
+  static void write(int connection, const std::string& bytes) {
+    static_cast<void>(::send(connection, bytes.data(), bytes.size(), MSG_NOSIGNAL));
+  }
+
+ private:
+  int m_listener;
+  std::uint16_t m_port = 0;
+  std::atomic<int> m_connections{0};
+  std::thread m_thread;
+};
+
+constexpr const char* kAnswer = "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok";
+
+class ClientTest : public testing::TestWithParam<bool> {};
+
+INSTANTIATE_TEST_SUITE_P(, ClientTest, testing::Bool(),
+                         [](const auto& tested) { return tested.param ? "Tls" : "Plain"; });
+
+TEST_P(ClientTest, SendsARequestAndReturnsTheAnswer) {
+  const TestServer server(test::onFreePort(GetParam()), [](Request& request, Response& response) {
+    response.status = 404;
+    response.contentType = "text/x";
+    response.fields = "CIMError: unsupported-operation\r\n";
+    response.body.append(request.method())
+        .append(request.target())
+        .append(request.field("X-A"))
+        .append(request.field("Host"))
+        .append(request.body());
+  });
+  Client client(toPort(server.port(), GetParam()));
+
+  const ClientResponse response = client.send("POST", "/cimom", {{"X-A", "b"}}, "body");
+
+  EXPECT_EQ(response.status, 404U);
+  EXPECT_EQ(response.body, "POST/cimomb127.0.0.1:" + std::to_string(server.port()) + "body");
+  EXPECT_EQ(response.fields.at("cimerror"), "unsupported-operation");
+  EXPECT_EQ(response.fields.at("content-type"), "text/x");
+}
+
+TEST_P(ClientTest, KeepsTheConnection) {
+  ServerOptions options = test::onFreePort(GetParam());
+  options.maxConnections = 1;
+  const TestServer server(options);
+  Client client(toPort(server.port(), GetParam()));
+
+  for (int i = 0; i < 50; ++i) {
+    ASSERT_EQ(client.send("POST", "/", {}, std::to_string(i)).body, std::to_string(i));
+  }
+}
+
+TEST_P(ClientTest, ConnectsAnewWhereTheServerHasClosedTheConnection) {
+  ServerOptions options = test::onFreePort(GetParam());
+  options.maxConnections = 1;
+  const TestServer server(options,
+                          [](Request& /*request*/, Response& response) { response.isLast = true; });
+  Client client(toPort(server.port(), GetParam()));
+
+  EXPECT_EQ(client.send("GET", "/", {}, "").status, 200U);
+  EXPECT_TRUE(test::waitUntil([&] {
+    try {
+      return client.send("GET", "/", {}, "").status == 200;
+    } catch (const ClientFault&) {
+      return false;  // the server has not seen the end of the first one yet
+    }
+  }));
+}
+
+TEST_P(ClientTest, ConnectsAnewToAServerThatHasRestarted) {
+  ServerOptions options = test::onFreePort(GetParam());
+  std::optional<TestServer> server(std::in_place, options);
+  options.endpoints[0].port = server->port();
+  Client client(toPort(server->port(), GetParam()));
+  EXPECT_EQ(client.send("GET", "/1", {}, "").body, "GET /1");
+  server.reset();
+  server.emplace(options);
+
+  EXPECT_EQ(client.send("GET", "/2", {}, "").body, "GET /2");
+}
+
+TEST_P(ClientTest, CarriesLargeBodiesBothWays) {
+  ServerOptions options = test::onFreePort(GetParam());
+  options.maxBodyBytes = 16 * 1024 * 1024;
+  const TestServer server(options);
+  Client client(toPort(server.port(), GetParam()));
+  const std::string body(8 * 1024 * 1024, 'x');
+
+  EXPECT_TRUE(client.send("POST", "/", {}, body).body == body);
+}
+
+TEST_P(ClientTest, ReturnsARefusalThatComesWhileItSends) {
+  const TestServer server(test::onFreePort(GetParam()));
+  Client client(toPort(server.port(), GetParam()));
+
+  EXPECT_EQ(client.send("POST", "/", {}, std::string(6 * 1024 * 1024, 'x')).status, 413U);
+}
+
+TEST_P(ClientTest, ReadsNoBodyInTheAnswerToAHead) {
+  const TestServer server(test::onFreePort(GetParam()));
+  Client client(toPort(server.port(), GetParam()));
+
+  EXPECT_EQ(client.send("HEAD", "/", {}, "").body, "");
+  EXPECT_EQ(client.send("GET", "/", {}, "").body, "GET /");
+}
+
+TEST_P(ClientTest, WaitsForAnAnswerAsLongAsItIsTold) {
+  const TestServer server(test::onFreePort(GetParam()), [](Request& request, Response& response) {
+    response.delay = request.target() == "/" ? 60s : 0s;
+  });
+  ClientOptions options = toPort(server.port(), GetParam());
+  options.timeout = 300ms;
+  Client client(options);
+
+  expectFault(client, Kind::Connection,
+              AllOf(HasSubstr("127.0.0.1:" + std::to_string(server.port())),
+                    HasSubstr("did not answer within 300 ms")));
+  EXPECT_EQ(client.send("GET", "/other", {}, "").status, 200U);
+}
+
+TEST(Client, FindsAServerByName) {
+  const TestServer server;
+  ClientOptions options = toPort(server.port());
+  options.host = "localhost";
+
+  EXPECT_EQ(Client(options).send("GET", "/", {}, "").body, "GET /");
+}
+
+TEST(Client, FindsAServerByItsIpv6Address) {
+  const TestServer server(test::onFreePort(false, "::1"), [](Request& request, Response& response) {
+    response.body = request.field("Host");
+  });
+  ClientOptions options = toPort(server.port());
+  options.host = "::1";
+
+  EXPECT_EQ(Client(options).send("GET", "/", {}, "").body,
+            "[::1]:" + std::to_string(server.port()));
+}
+
+TEST(Client, SaysThatANameIsUnknown) {
+  ClientOptions options = toPort(1);
+  options.host = "no-such-host.invalid";
+  options.timeout = 30s;
+  Client client(options);
+
+  try {
+    static_cast<void>(client.send("GET", "/", {}, ""));
+    ADD_FAILURE() << "answered";
+  } catch (const ClientFault& fault) {
+    EXPECT_THAT(fault.what(), HasSubstr("'no-such-host.invalid' cannot be resolved"));
+  }
+}
+
+TEST(Client, SaysThatNobodyListens) {
+  std::uint16_t port = 0;
+  {
+    const TestServer server;
+    port = server.port();
+  }
+  Client client(toPort(port));
+
+  expectFault(client, Kind::Connection,
+              AllOf(HasSubstr("127.0.0.1:" + std::to_string(port)), HasSubstr("refused")));
+}
+
+TEST(Client, SaysThatTheServerClosedTheConnection) {
+  const ScriptedServer server(
+      [](int connection, int /*number*/) { ScriptedServer::readRequest(connection); });
+  Client client(toPort(server.port()));
+
+  expectFault(client, Kind::Connection, HasSubstr("closed the connection without an answer"));
+  EXPECT_EQ(server.countConnections(), 1);
+}
+
+TEST(Client, SaysThatTheAnswerIsCutOff) {
+  const ScriptedServer server([](int connection, int /*number*/) {
+    ScriptedServer::readRequest(connection);
+    ScriptedServer::write(connection, "HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\nha");
+  });
+  Client client(toPort(server.port()));
+
+  expectFault(client, Kind::Connection, HasSubstr("in the middle of its answer"));
+}
+
+TEST(Client, SaysThatTheServerDoesNotSpeakHttp) {
+  const ScriptedServer server([](int connection, int /*number*/) {
+    ScriptedServer::readRequest(connection);
+    ScriptedServer::write(connection, "220 mail ready\r\n");
+  });
+  Client client(toPort(server.port()));
+
+  expectFault(client, Kind::Usage, HasSubstr("does not answer in HTTP"));
+}
+
+TEST(Client, SaysThatAnAnswerIsTooLarge) {
+  const ScriptedServer server([](int connection, int /*number*/) {
+    ScriptedServer::readRequest(connection);
+    ScriptedServer::write(connection, "HTTP/1.1 200 OK\r\nContent-Length: 67108865\r\n\r\n");
+  });
+  Client client(toPort(server.port()));
+
+  expectFault(client, Kind::Usage, HasSubstr("more than 67108864 bytes"));
+}
+
+TEST(Client, SaysThatAHandshakeWasCutOff) {
+  const ScriptedServer server([](int /*connection*/, int /*number*/) {});
+  Client client(toPort(server.port(), true));
+
+  expectFault(client, Kind::Connection, HasSubstr("closed the connection"));
+}
+
+TEST(Client, GetsTheWordOfAServerThatWantsHttps) {
+  const TestServer server(test::onFreePort(true));
+  Client client(toPort(server.port()));
+
+  const ClientResponse response = client.send("GET", "/", {}, "");
+  EXPECT_EQ(response.status, 400U);
+  EXPECT_THAT(response.body, HasSubstr("use https"));
+}
+
+// The server reads a second request on the kept connection and closes it instead of answering.
+TEST(Client, RepeatsARequestOnceThatAKeptConnectionLost) {
+  const ScriptedServer server([](int connection, int /*number*/) {
+    ScriptedServer::readRequest(connection);
+    ScriptedServer::write(connection, kAnswer);
+    ScriptedServer::readRequest(connection);
+  });
+  Client client(toPort(server.port()));
+
+  EXPECT_EQ(client.send("GET", "/1", {}, "").body, "ok");
+  EXPECT_EQ(client.send("GET", "/2", {}, "").body, "ok");
+  EXPECT_EQ(server.countConnections(), 2);
+}
+
+TEST(Client, DoesNotRepeatARequestWhoseAnswerHadBegun) {
+  const ScriptedServer server([](int connection, int /*number*/) {
+    ScriptedServer::readRequest(connection);
+    ScriptedServer::write(connection, kAnswer);
+    ScriptedServer::readRequest(connection);
+    ScriptedServer::write(connection, "HTTP/1.1 2");
+  });
+  Client client(toPort(server.port()));
+  EXPECT_EQ(client.send("GET", "/1", {}, "").body, "ok");
+
+  expectFault(client, Kind::Connection, HasSubstr("in the middle of its answer"));
+  EXPECT_EQ(server.countConnections(), 1);
+}
+
+}  // namespace
+}  // namespace http
