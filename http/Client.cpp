@@ -1,12 +1,10 @@
 #include "http/Client.h"
 
 #include <array>
-#include <boost/asio/co_spawn.hpp>
 #include <boost/asio/connect.hpp>
 #include <boost/asio/error.hpp>
 #include <boost/asio/ssl/stream.hpp>
 #include <boost/asio/write.hpp>
-#include <exception>
 #include <optional>
 
 #include "http/Asio.h"
@@ -40,34 +38,42 @@ struct Client::Implementation {
       : options(std::move(clientOptions)), strand(asio::make_strand(context)) {}
 
   ClientResponse send(const std::string& head, const std::string& body, bool isHead);
-  void connect();
   [[nodiscard]] bool isStillOpen();
+  void connect();
+  [[nodiscard]] Results resolve();
+  void handshake();
+  template <class Stream>
+  void exchange(Stream& stream, const std::array<asio::const_buffer, 2>& request,
+                ResponseReader& reader);
   void close();
-  // Runs a task; returns false, with the connection closed, if its time was over before.
-  [[nodiscard]] bool runInTime(Awaitable<void> task);
 
-  Awaitable<void> open();
-  Awaitable<void> exchange(std::array<asio::const_buffer, 2> request, ResponseReader& reader);
-  Awaitable<void> write(std::array<asio::const_buffer, 2> request);
-  Awaitable<void> readSome();
+  // Waits until the operation that was started last has called finish().
+  void await(const char* what);
+  void finish(const error_code& reason);
 
-  [[nodiscard]] ClientFault lateFault(const std::string& what) const;
+  [[nodiscard]] ClientFault lateFault(const char* what) const;
   [[nodiscard]] ClientFault connectFault() const;
   [[nodiscard]] ClientFault answerFault(const ResponseReader& reader) const;
+
+  [[nodiscard]] Socket& socket() { return plain ? *plain : encrypted->next_layer(); }
 
   const ClientOptions options;
   const std::string server = hostAndPort(options);
   asio::io_context context{1};
   Executor strand;
   std::optional<asio::ssl::context> tls;
-  // One of them, where there is a connection.
+  // One of them, where there is a connection or one is being made.
   std::optional<Socket> plain;
   std::optional<TlsStream> encrypted;
+  bool isConnected = false;
 
   std::string received;  // not taken yet
   std::array<char, kReadBytes> readBuffer{};
-  error_code fault;  // of the last operation
-  bool isResolved = false;
+
+  // The operation that was started last.
+  Clock::time_point deadline;
+  bool isFinished = false;
+  error_code fault;
 };
 
 ClientResponse Client::Implementation::send(const std::string& head, const std::string& body,
@@ -76,10 +82,14 @@ ClientResponse Client::Implementation::send(const std::string& head, const std::
   if (isNew) {
     connect();
   }
+  const std::array<asio::const_buffer, 2> request{asio::buffer(head), asio::buffer(body)};
   while (true) {
     ResponseReader reader(isHead, kAnswerLimit);
-    if (!runInTime(exchange({asio::buffer(head), asio::buffer(body)}, reader))) {
-      throw lateFault("did not answer");
+    deadline = Clock::now() + options.timeout;
+    if (plain) {
+      exchange(*plain, request, reader);
+    } else {
+      exchange(*encrypted, request, reader);
     }
     if (reader.isComplete()) {
       if (!reader.isKeptAlive()) {
@@ -96,167 +106,137 @@ ClientResponse Client::Implementation::send(const std::string& head, const std::
   }
 }
 
-void Client::Implementation::connect() {
-  if (options.isTls && !tls) {
-    tls.emplace(makeClientTls(options.caFile));
-  }
-  close();
-  if (!runInTime(open())) {
-    throw lateFault("could not be reached");
-  }
-  if (fault) {
-    const ClientFault reason =
-        isResolved && encrypted && encrypted->next_layer().is_open()
-            ? describeHandshakeFault(encrypted->native_handle(), fault, server)
-            : connectFault();
-    close();
-    throw reason;
-  }
-}
-
 // A server closes a connection that it has kept long enough: then there is its end to be read. What
 // else it may have sent there is no answer to anything.
 bool Client::Implementation::isStillOpen() {
-  if (!plain && !encrypted) {
+  if (!isConnected) {
     return false;
   }
-  Socket& socket = plain ? *plain : encrypted->next_layer();
   error_code reason;
-  socket.non_blocking(true, reason);
+  socket().non_blocking(true, reason);
   char byte = 0;
-  socket.receive(asio::buffer(&byte, 1), Socket::message_peek, reason);
+  socket().receive(asio::buffer(&byte, 1), Socket::message_peek, reason);
   // Over TLS, tickets for later sessions may stand there.
-  const bool isOpen = reason == asio::error::would_block || (encrypted && !reason);
-  if (!isOpen) {
-    close();
-  }
-  return isOpen;
+  return reason == asio::error::would_block || (encrypted && !reason);
 }
 
-void Client::Implementation::close() {
-  plain.reset();
-  encrypted.reset();
-  received.clear();
-}
-
-bool Client::Implementation::runInTime(Awaitable<void> task) {
-  bool isDone = false;
-  std::exception_ptr thrown;
-  asio::co_spawn(strand, std::move(task), [&](const std::exception_ptr& exception) {
-    isDone = true;
-    thrown = exception;
-  });
-  context.restart();
-  context.run_for(options.timeout);
-  const bool isInTime = isDone;
-  if (!isDone) {
-    error_code ignored;
-    if (plain) {
-      plain->close(ignored);
-    }
-    if (encrypted) {
-      encrypted->next_layer().close(ignored);
-    }
-    context.restart();
-    context.run();
-    close();
+void Client::Implementation::connect() {
+  close();
+  if (options.isTls && !tls) {
+    tls.emplace(makeClientTls(options.caFile));
   }
-  if (thrown) {
-    std::rethrow_exception(thrown);
-  }
-  return isInTime;
-}
-
-Awaitable<void> Client::Implementation::open() {
-  isResolved = false;
-  Resolver resolver(strand);
-  const std::string service = std::to_string(options.port);
-  auto [resolveFault, results] = co_await resolver.async_resolve(options.host, service, kAwait);
-  fault = resolveFault;
-  if (fault) {
-    co_return;
-  }
-  isResolved = true;
+  deadline = Clock::now() + options.timeout;
+  const Results results = resolve();
   if (options.isTls) {
     encrypted.emplace(Socket(strand), *tls);
-    setExpectedHost(encrypted->native_handle(), options.host);
   } else {
     plain.emplace(strand);
   }
-  Socket& socket = plain ? *plain : encrypted->next_layer();
-  const auto [connectFault, endpoint] = co_await asio::async_connect(socket, results, kAwait);
-  static_cast<void>(endpoint);
-  fault = connectFault;
+  asio::async_connect(
+      socket(), results,
+      [this](const error_code& reason, const tcp::endpoint& /*endpoint*/) { finish(reason); });
+  await("could not be reached");
   if (fault) {
-    error_code ignored;
-    socket.close(ignored);
-    co_return;
+    throw connectFault();
   }
   error_code ignored;
-  socket.set_option(tcp::no_delay(true), ignored);
+  socket().set_option(tcp::no_delay(true), ignored);
   if (encrypted) {
-    const auto [handshakeFault] =
-        co_await encrypted->async_handshake(asio::ssl::stream_base::client, kAwait);
-    fault = handshakeFault;
+    handshake();
+  }
+  isConnected = true;
+}
+
+Results Client::Implementation::resolve() {
+  Resolver resolver(strand);
+  Results results;
+  resolver.async_resolve(options.host, std::to_string(options.port),
+                         [&](const error_code& reason, const Results& found) {
+                           results = found;
+                           finish(reason);
+                         });
+  await("could not be found");
+  if (fault) {
+    throw ClientFault("The name '" + options.host + "' cannot be resolved: " + fault.message() +
+                          ". Check its spelling, or use an address.",
+                      fault == asio::error::host_not_found_try_again ? ClientFault::Kind::Connection
+                                                                     : ClientFault::Kind::Usage);
+  }
+  return results;
+}
+
+void Client::Implementation::handshake() {
+  setExpectedHost(encrypted->native_handle(), options.host);
+  encrypted->async_handshake(asio::ssl::stream_base::client,
+                             [this](const error_code& reason) { finish(reason); });
+  await("did not answer");
+  if (fault) {
+    throw describeHandshakeFault(encrypted->native_handle(), fault, server);
   }
 }
 
-Awaitable<void> Client::Implementation::exchange(std::array<asio::const_buffer, 2> request,
-                                                 ResponseReader& reader) {
+template <class Stream>
+void Client::Implementation::exchange(Stream& stream,
+                                      const std::array<asio::const_buffer, 2>& request,
+                                      ResponseReader& reader) {
   // A server that refuses a request may do so before it has read it all: its answer counts, not
   // that the rest could not be written.
-  co_await write(request);
+  asio::async_write(stream, request,
+                    [this](const error_code& reason, std::size_t /*count*/) { finish(reason); });
+  await("did not answer");
   while (!reader.isComplete() && !reader.fault()) {
-    co_await readSome();
+    stream.async_read_some(asio::buffer(readBuffer),
+                           [this](const error_code& reason, std::size_t count) {
+                             received.append(readBuffer.data(), count);
+                             finish(reason);
+                           });
+    await("did not answer");
+    if (fault == asio::error::eof) {
+      reader.takeEnd();
+    }
     if (fault) {
-      if (fault == asio::error::eof) {
-        reader.takeEnd();
-      }
-      co_return;
+      return;
     }
     received.erase(0, reader.take(received));
   }
 }
 
-Awaitable<void> Client::Implementation::write(std::array<asio::const_buffer, 2> request) {
-  if (plain) {
-    const auto [reason, count] = co_await asio::async_write(*plain, request, kAwait);
-    static_cast<void>(count);
-    fault = reason;
-  } else {
-    const auto [reason, count] = co_await asio::async_write(*encrypted, request, kAwait);
-    static_cast<void>(count);
-    fault = reason;
-  }
+void Client::Implementation::close() {
+  isConnected = false;
+  plain.reset();
+  encrypted.reset();
+  received.clear();
 }
 
-Awaitable<void> Client::Implementation::readSome() {
-  const asio::mutable_buffer space = asio::buffer(readBuffer);
-  if (plain) {
-    const auto [reason, count] = co_await plain->async_read_some(space, kAwait);
-    fault = reason;
-    received.append(readBuffer.data(), count);
-  } else {
-    const auto [reason, count] = co_await encrypted->async_read_some(space, kAwait);
-    fault = reason;
-    received.append(readBuffer.data(), count);
+void Client::Implementation::await(const char* what) {
+  context.restart();
+  context.run_until(deadline);
+  if (!isFinished) {
+    error_code ignored;
+    if (plain || encrypted) {
+      socket().close(ignored);
+    }
+    context.restart();
+    context.run();  // the operation ends, too
+    isFinished = false;
+    close();
+    throw lateFault(what);
   }
+  isFinished = false;
 }
 
-ClientFault Client::Implementation::lateFault(const std::string& what) const {
+void Client::Implementation::finish(const error_code& reason) {
+  fault = reason;
+  isFinished = true;
+}
+
+ClientFault Client::Implementation::lateFault(const char* what) const {
   return ClientFault("The server " + server + " " + what + " within " +
                      std::to_string(options.timeout.count()) +
                      " ms. Check that it runs and that no firewall is in between, or wait longer.");
 }
 
 ClientFault Client::Implementation::connectFault() const {
-  if (!isResolved) {
-    return ClientFault("The name '" + options.host + "' cannot be resolved: " + fault.message() +
-                           ". Check its spelling, or use an address.",
-                       fault == asio::error::host_not_found_try_again
-                           ? ClientFault::Kind::Connection
-                           : ClientFault::Kind::Usage);
-  }
   if (fault == asio::error::connection_refused) {
     return ClientFault("The server " + server +
                        " refused the connection. Check that it runs and listens on this port.");
