@@ -102,7 +102,8 @@ class Server {
   [[nodiscard]] std::vector<Endpoint> endpoints() const;
 
   // Serves, on this thread and further ones, until stop() was called and the answers under way are
-  // sent, or the closing time is over. A handler that does not return holds it up beyond that. Once.
+  // sent, or the closing time is over. A handler that does not return holds it up beyond that.
+  // Once.
   void run();
 
   // Takes no new connection and no new request from now on; answers that wait are sent at once. Any

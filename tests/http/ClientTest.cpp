@@ -197,12 +197,12 @@ TEST_P(ClientTest, WaitsForAnAnswerAsLongAsItIsTold) {
     response.delay = request.target() == "/" ? 60s : 0s;
   });
   ClientOptions options = toPort(server.port(), GetParam());
-  options.timeout = 300ms;
+  options.timeout = 500ms;
   Client client(options);
 
   expectFault(client, Kind::Connection,
               AllOf(HasSubstr("127.0.0.1:" + std::to_string(server.port())),
-                    HasSubstr("did not answer within 300 ms")));
+                    HasSubstr("did not answer within 500 ms")));
   EXPECT_EQ(client.send("GET", "/other", {}, "").status, 200U);
 }
 

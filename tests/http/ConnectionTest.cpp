@@ -315,7 +315,7 @@ TEST_P(ConnectionTest, SendsLargeAnswersToWhoReadsSlowly) {
 }
 
 TEST_P(ConnectionTest, DropsWhoDoesNotReadTheAnswer) {
-  m_options.requestTimeout = 200ms;
+  m_options.requestTimeout = 500ms;
   m_options.maxConnections = 1;
   std::atomic<int> handled{0};
   start([&](Request& /*request*/, Response& response) {
@@ -340,25 +340,25 @@ TEST_P(ConnectionTest, DropsWhoDoesNotReadTheAnswer) {
 }
 
 TEST_P(ConnectionTest, EndsARequestWhoseHeaderComesTooSlowly) {
-  m_options.requestTimeout = 200ms;
+  m_options.requestTimeout = 500ms;
   const auto begin = Clock::now();
 
   const std::string answer = exchange("POST / HTTP/1.1\r\nHo");
 
-  EXPECT_GE(Clock::now() - begin, 200ms);
+  EXPECT_GE(Clock::now() - begin, 500ms);
   EXPECT_EQ(statusOf(answer), "408");
-  EXPECT_THAT(answer, HasSubstr("200 ms"));
+  EXPECT_THAT(answer, HasSubstr("500 ms"));
 }
 
 TEST_P(ConnectionTest, EndsARequestWhoseBodyComesTooSlowly) {
-  m_options.requestTimeout = 300ms;
+  m_options.requestTimeout = 500ms;
   RawClient client = connect();
   client.send(post(std::string(1000, 'x')).substr(0, 100));
   // Each byte is in time; the whole is not.
   const auto begin = Clock::now();
   std::ignore = test::waitUntil([&] {
     client.send("x");
-    return Clock::now() - begin > 350ms;
+    return Clock::now() - begin > 600ms;
   });
 
   EXPECT_EQ(statusOf(client.readToEnd()), "408");
@@ -368,12 +368,12 @@ TEST_P(ConnectionTest, EndsARequestWhoseBodyComesTooSlowly) {
 TEST_P(ConnectionTest, ClosesAConnectionThatIsIdleForTooLong) {
   m_options.idleTimeout = 200ms;
   RawClient client = connect();
+  const auto begin = Clock::now();
   client.send(get("/"));
   static_cast<void>(client.readAnswer());
-  const auto begin = Clock::now();
 
   EXPECT_TRUE(client.isAtEnd());
-  EXPECT_GE(Clock::now() - begin, 190ms);
+  EXPECT_GE(Clock::now() - begin, 200ms);
   EXPECT_FALSE(client.wasReset());
 }
 

@@ -2,14 +2,12 @@
 #include <gmock/gmock.h>
 #include <latch>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <sys/resource.h>
-#include <tuple>
+#include <sys/socket.h>
 #include <unistd.h>
 #include <vector>
 
-#include "http/Client.h"
 #include "http/Server.h"
 #include "tests/http/TestServer.h"
 #include "tests/support/LogCapture.h"
@@ -446,7 +444,7 @@ TEST(Server, TriesOnWhereDescriptorsHaveRunOut) {
   second.send(kGet);
   ASSERT_EQ(statusOf(second.readAnswer()), "200");
   // Takes a descriptor and leaves none: limit is the lowest free number once the client has one.
-  const int free = dup(0);
+  const int free = socket(AF_INET, SOCK_STREAM, 0);
   ASSERT_GE(free, 0);
   close(free);
   limit.set(static_cast<rlim_t>(free) + 1);
