@@ -1,0 +1,143 @@
+#include "wbem/InstanceOperations.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "wbem/PropertyValues.h"
+#include "wbem/Status.h"
+
+namespace wbem {
+namespace {
+
+void answer(const OperationCall& call, Form form) {
+  InstanceResults results(call, form, readPropertyChoice(call.parameters), call.out);
+  cimxml::beginReturnValue(call.out);
+  collectInstances(call, results);
+  cimxml::endReturnValue(call.out);
+}
+
+[[noreturn]] void refuseMissing(const cimxml::ObjectName& name) {
+  throw StatusFault(Status::NotFound, "there is no instance " + cimxml::toObjectPath(name));
+}
+
+bool isListed(const std::vector<std::string>& names, const std::string& name) {
+  return std::any_of(names.begin(), names.end(), [&name](const std::string& candidate) {
+    return core::isSameName(candidate, name);
+  });
+}
+
+const core::PropertyDeclaration& demandProperty(const core::ClassDeclaration& declaration,
+                                                const std::string& name) {
+  const core::PropertyDeclaration* property = declaration.findProperty(name);
+  if (property == nullptr) {
+    throw StatusFault(Status::NoSuchProperty,
+                      "class " + declaration.name + " has no property '" + name + "'");
+  }
+  return *property;
+}
+
+// New values of properties, in a list that has them as an instance has its own.
+class NewValues {
+ public:
+  void add(std::unique_ptr<core::CimProperty> value) {
+    if (m_list.get(value->getName()) != nullptr) {
+      throw StatusFault(Status::InvalidParameter,
+                        "property " + value->getName() + " is given twice");
+    }
+    m_list.add(value.get());
+    m_values.push_back(std::move(value));
+  }
+  [[nodiscard]] core::CimPropertyList& list() { return m_list; }
+
+ private:
+  std::vector<std::unique_ptr<core::CimProperty>> m_values;
+  core::CimPropertyList m_list;
+};
+
+// Fills the list with what a request gives: the properties of the instance that it sends, or those
+// of them that it lists. A listed one that it does not send becomes NULL.
+void readNewValues(const OperationCall& call, const core::ClassDeclaration& declaration,
+                   NewValues& values) {
+  const cimxml::InstanceValue& instance = call.parameters.demandInstance("ModifiedInstance");
+  const auto listed = call.parameters.getStrings("PropertyList");
+  const ValueContext context{declaration.name, Status::TypeMismatch, call.namespaces};
+  for (const cimxml::PropertyValue& given : instance.properties) {
+    const core::PropertyDeclaration& property = demandProperty(declaration, given.name);
+    if (listed && !isListed(*listed, given.name)) {
+      continue;
+    }
+    demandType(context, property.name, property.type, given.type);
+    values.add(makeProperty(context, property.name, property.type, given.value));
+  }
+  if (!listed) {
+    return;
+  }
+  for (const std::string& name : *listed) {
+    const core::PropertyDeclaration& property = demandProperty(declaration, name);
+    if (values.list().get(property.name) == nullptr) {
+      values.add(makeProperty(context, property.name, property.type, cimxml::Value()));
+    }
+  }
+}
+
+}  // namespace
+
+void collectInstances(const OperationCall& call, InstanceResults& results) {
+  const std::string className = call.parameters.demandClassName("ClassName");
+  const std::vector<const ServedClass*> classes = call.nameSpace.demandServedBelow(className);
+  if (!call.parameters.getBoolean("DeepInheritance", true)) {
+    results.setAncestor(call.nameSpace.demandClass(className));
+  }
+  const core::CimBroker::Request request(call.broker);
+  for (const ServedClass* served : classes) {
+    served->visitInstances([&](core::CimInstance& instance) {
+      results.add(call.nameSpace, *served, instance);
+      return true;
+    });
+  }
+}
+
+void enumerateInstances(const OperationCall& call) {
+  answer(call, Form::NamedInstance);
+}
+
+void enumerateInstanceNames(const OperationCall& call) {
+  answer(call, Form::InstanceName);
+}
+
+void getInstance(const OperationCall& call) {
+  const cimxml::ObjectName& name = call.parameters.demandInstanceName("InstanceName");
+  InstanceResults results(call, Form::Instance, readPropertyChoice(call.parameters), call.out);
+  cimxml::beginReturnValue(call.out);
+  {
+    const core::CimBroker::Request request(call.broker);
+    const bool isFound = call.nameSpace.withInstance(
+        name, [&](const ServedClass& served, core::CimInstance& instance) {
+          results.add(call.nameSpace, served, instance);
+        });
+    if (!isFound) {
+      refuseMissing(name);
+    }
+  }
+  cimxml::endReturnValue(call.out);
+}
+
+void modifyInstance(const OperationCall& call) {
+  const cimxml::ObjectName& name = call.parameters.demandInstance("ModifiedInstance").name;
+  static_cast<void>(call.parameters.getBoolean("IncludeQualifiers", true));
+  const core::ClassDeclaration& declaration = call.nameSpace.demandClass(name.className);
+  NewValues values;
+  readNewValues(call, declaration, values);
+  const core::CimBroker::Request request(call.broker);
+  const bool isFound = call.nameSpace.withInstance(
+      name, [&values](const ServedClass& /*served*/, core::CimInstance& instance) {
+        instance.modify(values.list());
+      });
+  if (!isFound) {
+    refuseMissing(name);
+  }
+}
+
+}  // namespace wbem
