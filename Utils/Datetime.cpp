@@ -1,6 +1,8 @@
 #include "Utils/Datetime.h"
 
 #include <algorithm>
+#include <charconv>
+#include <chrono>
 #include <cstdlib>
 
 #include "Utils/Assert.h"
@@ -46,6 +48,53 @@ std::string toTimestampText(std::uint64_t seconds, unsigned microseconds) {
                 std::abs(local.utcOffsetMinutes));
 }
 
+// The form "yyyymmddhhmmss.mmmmmmsutc", or "ddddddddhhmmss.mmmmmm:000".
+constexpr std::size_t kTextLength = 25;
+constexpr std::size_t kPointPlace = 14;
+constexpr std::size_t kSignPlace = 21;
+
+// Reads digits, one number behind the other; remembers when something else was there.
+class DigitReader {
+ public:
+  explicit DigitReader(std::string_view text) : m_text(text) {}
+
+  std::uint64_t read(std::size_t place, std::size_t count, std::uint64_t most) {
+    const std::string_view digits = m_text.substr(place, count);
+    std::uint64_t number = 0;
+    const char* const end = digits.data() + digits.size();
+    const auto [stop, error] = std::from_chars(digits.data(), end, number);
+    m_isGood = m_isGood && error == std::errc() && stop == end && number <= most;
+    return number;
+  }
+  [[nodiscard]] bool isGood() const { return m_isGood; }
+
+ private:
+  const std::string_view m_text;
+  bool m_isGood = true;
+};
+
+// Returns the microseconds of the time of day in the text.
+std::uint64_t readTimeOfDay(DigitReader& reader) {
+  const std::uint64_t hours = reader.read(8, 2, 23);
+  const std::uint64_t minutes = reader.read(10, 2, 59);
+  const std::uint64_t seconds = reader.read(12, 2, 59);
+  const std::uint64_t microseconds = reader.read(kPointPlace + 1, 6, kMicrosecondsPerSecond - 1);
+  return ((hours * 60 + minutes) * 60 + seconds) * kMicrosecondsPerSecond + microseconds;
+}
+
+// Returns nothing for a day that the calendar lacks.
+std::optional<std::int64_t> readDay(DigitReader& reader) {
+  const auto year = static_cast<int>(reader.read(0, 4, kLastYear));
+  const auto month = static_cast<unsigned>(reader.read(4, 2, 12));
+  const auto day = static_cast<unsigned>(reader.read(6, 2, 31));
+  const std::chrono::year_month_day date{std::chrono::year(year), std::chrono::month(month),
+                                         std::chrono::day(day)};
+  if (!reader.isGood() || !date.ok()) {
+    return std::nullopt;
+  }
+  return std::chrono::sys_days(date).time_since_epoch().count();
+}
+
 }  // namespace
 
 Datetime::Datetime() : value(currentMicroseconds()), isTimestamp(true) {}
@@ -63,6 +112,36 @@ Datetime Datetime::fromSeconds(std::uint32_t seconds) {
 Datetime Datetime::elapsedSince(const Datetime& dtStart) {
   ORVEX_ASSERT(kLog, dtStart.isTimestamp == true);
   return Datetime(currentMicroseconds() - dtStart.value);
+}
+
+std::optional<Datetime> Datetime::fromCimText(std::string_view text) {
+  if (text.size() != kTextLength || text[kPointPlace] != '.') {
+    return std::nullopt;
+  }
+  DigitReader reader(text);
+  const char sign = text[kSignPlace];
+  const std::uint64_t offset = reader.read(kSignPlace + 1, 3, sign == ':' ? 0 : 999);
+  const std::uint64_t timeOfDay = readTimeOfDay(reader);
+  if (sign == ':') {
+    const std::uint64_t days = reader.read(0, 8, kLastDay);
+    return reader.isGood()
+               ? std::optional(Datetime(days * kSecondsPerDay * kMicrosecondsPerSecond + timeOfDay))
+               : std::nullopt;
+  }
+  const std::optional<std::int64_t> day = readDay(reader);
+  if ((sign != '+' && sign != '-') || !day || !reader.isGood()) {
+    return std::nullopt;
+  }
+  const auto ahead = static_cast<std::int64_t>(offset * 60) * (sign == '-' ? -1 : 1);
+  const std::int64_t seconds = *day * static_cast<std::int64_t>(kSecondsPerDay) - ahead;
+  const std::int64_t moment = seconds * static_cast<std::int64_t>(kMicrosecondsPerSecond) +
+                              static_cast<std::int64_t>(timeOfDay);
+  if (moment < 0) {
+    return std::nullopt;
+  }
+  Datetime value(static_cast<std::uint64_t>(moment));
+  value.isTimestamp = true;
+  return value;
 }
 
 std::string Datetime::toCimText() const {

@@ -4,7 +4,9 @@
 #define ORVEX_UTILS_DATETIME_H_
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "Utils/Export.h"
 
@@ -22,6 +24,10 @@ struct ORVEX_CORE_API Datetime {
   // Returns the interval from `dtStart`, which must be a point in time (else utils::Exception), to
   // now.
   [[nodiscard]] static Datetime elapsedSince(const Datetime& dtStart);
+
+  // Reads what toCimText() writes, with any UTC offset. Returns nothing for any other text, for one
+  // with asterisks in the place of digits, and for a point in time before the epoch.
+  [[nodiscard]] static std::optional<Datetime> fromCimText(std::string_view text);
 
   // Returns the form of a CIM datetime value (DMTF DSP0004, 5.2.4): "yyyymmddhhmmss.mmmmmmsutc" in
   // local time with its UTC offset in minutes, or "ddddddddhhmmss.mmmmmm:000". Always 25

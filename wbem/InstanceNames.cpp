@@ -4,7 +4,6 @@
 #include <optional>
 #include <utility>
 
-#include "Utils/Exception.h"
 #include "core/CimPropertyTypes.h"
 #include "wbem/Scalars.h"
 
@@ -14,22 +13,15 @@ namespace {
 using cimxml::KeyBinding;
 using cimxml::ObjectName;
 
-std::optional<ObjectName> parseInstanceName(const std::string& path) {
-  try {
-    ObjectName name = cimxml::parseObjectPath(path);
-    if (name.isInstance) {
-      return name;
-    }
-  } catch (const utils::ESyntaxError&) {
-    // A text that names nothing.
-  }
-  return std::nullopt;
+std::optional<ObjectName> readInstanceName(const std::string& path) {
+  std::optional<ObjectName> name = cimxml::readObjectPath(path);
+  return name && name->isInstance ? name : std::nullopt;
 }
 
 // Returns where the key leads. A client that does not know the class writes a reference as a text.
 std::optional<ObjectName> toReference(const KeyBinding& key) {
   if (key.kind != KeyBinding::Kind::Reference) {
-    return parseInstanceName(key.text);
+    return readInstanceName(key.text);
   }
   return key.reference.empty() ? std::nullopt : std::optional(key.reference.front());
 }
@@ -161,7 +153,7 @@ bool leadsTo(const core::CimPropertyRef& reference, const ObjectName& name) {
   if (core::CimInstance* target = reference.getTarget(); target != nullptr) {
     return isNamed(*target, name);
   }
-  const std::optional<ObjectName> held = parseInstanceName(reference.toString());
+  const std::optional<ObjectName> held = readInstanceName(reference.toString());
   return held && isSameObject(*held, name);
 }
 

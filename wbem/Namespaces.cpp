@@ -1,9 +1,9 @@
 #include "wbem/Namespaces.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
-#include "Utils/Exception.h"
 #include "cim/CIM_RegisteredProfile.h"
 #include "core/CimPropertyRef.h"
 #include "core/DeclareClass.h"
@@ -89,12 +89,8 @@ ServedClass serveOwn(const core::CimSchema& schema, const char* className,
 // Returns the object path with the namespace in which its object is at home; a text that names
 // nothing as it is.
 std::string toQualifiedPath(const Namespaces& namespaces, const std::string& path) {
-  try {
-    const cimxml::ObjectName name = cimxml::parseObjectPath(path);
-    return namespaces.homeOf(name.className).name() + ":" + cimxml::toObjectPath(name);
-  } catch (const utils::ESyntaxError&) {
-    return path;
-  }
+  const std::optional<cimxml::ObjectName> name = cimxml::readObjectPath(path);
+  return name ? namespaces.homeOf(name->className).name() + ":" + cimxml::toObjectPath(*name) : path;
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "Utils/Datetime.h"
-#include "Utils/Exception.h"
 #include "core/CimPropertyRef.h"
 #include "core/CimPropertyTypes.h"
 #include "wbem/InstanceNames.h"
@@ -86,11 +85,11 @@ cimxml::ObjectName readObjectName(const Source& source) {
     return *name;
   }
   const std::string& path = source.text();
-  try {
-    return cimxml::parseObjectPath(path);
-  } catch (const utils::ESyntaxError&) {
+  std::optional<cimxml::ObjectName> name = cimxml::readObjectPath(path);
+  if (!name) {
     source.refuse("'" + path + "' is no object path");
   }
+  return std::move(*name);
 }
 
 std::string readReference(const Source& source) {

@@ -1,11 +1,16 @@
 // The CIM server: answers the requests of CIM clients from the broker (DSP0200 operations,
 // extrinsic methods).
 //
+// The agents' classes are in the configured namespace; in root/interop are the server's own
+// instances and the registered profiles (see wbem/Namespaces.h).
+//
 // Any thread may call. Requests that use instances hold the broker's request, so they take turns.
 
 #ifndef ORVEX_WBEM_SERVER_H_
 #define ORVEX_WBEM_SERVER_H_
 
+#include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -21,6 +26,8 @@ class Server {
   struct Options {
     std::string nameSpace = "root/DCIM/zolan";  // of the agents' classes; root/interop is beside it
     std::string host = "localhost";             // in paths that name the host
+    // Tells how long an enumeration has not been pulled.
+    std::function<std::chrono::steady_clock::time_point()> clock = std::chrono::steady_clock::now;
   };
 
   // The broker and the audit are the caller's and outlive the server.
@@ -32,7 +39,8 @@ class Server {
   // Appends the whole answer, an error included, to `out`. Throws std::bad_alloc alone.
   void answer(const cimxml::Request& request, const Caller& caller, std::string& out);
 
-  // Returns how many jobs (instances of CIM_ConcreteJob) have not come to their end.
+  // Returns how many jobs (instances of CIM_ConcreteJob) have not come to their end. Throws what a
+  // provider throws.
   [[nodiscard]] unsigned countRunningJobs();
 
  private:

@@ -1,0 +1,124 @@
+#include "wbem/MethodOperations.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+#include <variant>
+
+#include "cimxml/Writer.h"
+#include "wbem/PropertyValues.h"
+#include "wbem/Status.h"
+
+namespace wbem {
+namespace {
+
+const core::ParameterDeclaration* findParameter(const core::MethodDeclaration& method,
+                                                const std::string& name) {
+  const auto found = std::find_if(method.parameters.begin(), method.parameters.end(),
+                                  [&name](const core::ParameterDeclaration& parameter) {
+                                    return core::isSameName(parameter.name, name);
+                                  });
+  return found != method.parameters.end() ? &*found : nullptr;
+}
+
+[[noreturn]] void refuse(const core::MethodDeclaration& method, const std::string& name,
+                         const std::string& reason) {
+  throw StatusFault(Status::InvalidParameter, name + " of " + method.name + ": " + reason);
+}
+
+const core::MethodDeclaration& demandMethod(const core::ClassDeclaration& declaration,
+                                            const cimxml::Request& request) {
+  const core::MethodDeclaration* method = declaration.findMethod(request.name);
+  if (method == nullptr) {
+    throw StatusFault(Status::MethodNotFound,
+                      "class " + declaration.name + " has no method '" + request.name + "'");
+  }
+  if (!request.target.isInstance) {
+    throw StatusFault(Status::InvalidParameter,
+                      method->name + " is a method of instances of " + declaration.name +
+                          ", not of the class");
+  }
+  return *method;
+}
+
+void appendOutputs(const core::MethodDeclaration& method, core::CimPropertyList& outputs,
+                   core::CimInstance* job, const Namespace& nameSpace, std::string& out) {
+  for (const core::ParameterDeclaration& parameter : method.parameters) {
+    if (parameter.direction == core::ParameterDirection::Job) {
+      if (job != nullptr) {
+        cimxml::appendReferenceParameter(out, parameter.name, *job, nameSpace.name());
+      }
+    } else if (parameter.direction == core::ParameterDirection::Out) {
+      const core::CimProperty* value = outputs.get(parameter.name);
+      if (value != nullptr && !value->isNull()) {
+        cimxml::appendOutputParameter(out, *value, nameSpace.name());
+      }
+    }
+  }
+}
+
+}  // namespace
+
+MethodArguments::MethodArguments(const core::MethodDeclaration& method,
+                                 const std::vector<cimxml::Parameter>& given,
+                                 const Namespaces& namespaces) {
+  const ValueContext context{method.name, Status::InvalidParameter, namespaces};
+  for (const cimxml::Parameter& argument : given) {
+    const core::ParameterDeclaration* parameter = findParameter(method, argument.name);
+    if (parameter == nullptr) {
+      refuse(method, argument.name, "there is no such argument");
+    }
+    if (parameter->direction != core::ParameterDirection::In) {
+      // Some clients name the outputs too, without a value.
+      if (!std::holds_alternative<std::monostate>(argument.value)) {
+        refuse(method, parameter->name, "is an output argument");
+      }
+      continue;
+    }
+    if (m_in.get(parameter->name) != nullptr) {
+      refuse(method, parameter->name, "is given twice");
+    }
+    demandType(context, parameter->name, parameter->type, argument.type);
+    add(m_in, makeProperty(context, parameter->name, parameter->type, argument.value));
+  }
+  for (const core::ParameterDeclaration& parameter : method.parameters) {
+    if (parameter.direction == core::ParameterDirection::Out) {
+      add(m_out, makeProperty(context, parameter.name, parameter.type, cimxml::Value()));
+    }
+  }
+}
+
+MethodArguments::~MethodArguments() = default;
+
+void MethodArguments::add(core::CimPropertyList& list,
+                          std::unique_ptr<core::CimProperty> argument) {
+  list.add(argument.get());
+  m_arguments.push_back(std::move(argument));
+}
+
+std::uint32_t invokeMethod(const cimxml::Request& request, core::CimBroker& broker,
+                           const Namespaces& namespaces, std::string& out) {
+  const Namespace& nameSpace = namespaces.demand(request.nameSpace);
+  const core::ClassDeclaration& declaration = nameSpace.demandClass(request.target.className);
+  const core::MethodDeclaration& method = demandMethod(declaration, request);
+  MethodArguments arguments(method, request.parameters, namespaces);
+  std::optional<std::uint32_t> returnValue;
+  const core::CimBroker::Request brokerRequest(broker);
+  const auto invoke = [&](const ServedClass& /*served*/, core::CimInstance& instance) {
+    if (!instance.hasMethod(method.name)) {
+      throw StatusFault(Status::MethodNotAvailable,
+                        "instances of " + declaration.name + " do not offer " + method.name);
+    }
+    core::CimInstance* job = nullptr;
+    returnValue = instance.invokeMethod(method.name, &arguments.in(), &arguments.out(), &job);
+    cimxml::appendMethodReturnValue(out, *returnValue);
+    appendOutputs(method, arguments.out(), job, nameSpace, out);
+  };
+  if (!nameSpace.withInstance(request.target, invoke)) {
+    throw StatusFault(Status::NotFound,
+                      "there is no instance " + cimxml::toObjectPath(request.target));
+  }
+  return *returnValue;
+}
+
+}  // namespace wbem

@@ -1,0 +1,168 @@
+#include "wbem/Server.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <exception>
+#include <iterator>
+#include <string_view>
+#include <utility>
+#include <variant>
+
+#include "Utils/Mutex.h"
+#include "cimxml/Writer.h"
+#include "core/CimPropertyTypes.h"
+#include "wbem/MethodOperations.h"
+#include "wbem/Namespaces.h"
+#include "wbem/Operations.h"
+#include "wbem/PullEnumerations.h"
+#include "wbem/Status.h"
+
+namespace wbem {
+namespace {
+
+constexpr const char* kJobClass = "CIM_ConcreteJob";
+constexpr const char* kSuccess = "CIM_ERR_SUCCESS";
+
+// The end states of CIM_ConcreteJob.JobState: Completed, Terminated, Killed, Exception.
+constexpr std::uint16_t kEndStates[] = {7, 8, 9, 10};
+
+bool isRunning(core::CimInstance& job) {
+  const core::CimProperty* property = job.getProperty("JobState");
+  if (property == nullptr || property->isNull() || property->getType() != core::kCimUint16) {
+    return false;
+  }
+  const std::uint16_t state = static_cast<const core::CimPropertyUint16*>(property)->getValue();
+  return std::find(std::begin(kEndStates), std::end(kEndStates), state) == std::end(kEndStates);
+}
+
+void demandOperator(const Caller& caller, const std::string& action) {
+  if (caller.role != Role::Operator) {
+    throw StatusFault(Status::AccessDenied,
+                      "user '" + caller.user + "' may read only; " + action + " needs an operator");
+  }
+}
+
+std::string describe(Status status, const std::exception& error) {
+  return std::string(getStatusName(status)) + ": " + error.what();
+}
+
+// Returns the object path of the instance that is to be modified; empty where none is named.
+std::string findModifiedPath(const cimxml::Request& request) {
+  const cimxml::Parameter* parameter = request.find("ModifiedInstance");
+  const auto* instance = parameter != nullptr
+                             ? std::get_if<cimxml::InstanceValue>(&parameter->value)
+                             : nullptr;
+  return instance != nullptr ? cimxml::toObjectPath(instance->name) : std::string();
+}
+
+}  // namespace
+
+struct Server::Implementation {
+  Implementation(core::CimBroker& theBroker, Audit& theAudit, Options theOptions)
+      : broker(theBroker),
+        audit(theAudit),
+        options(std::move(theOptions)),
+        enumerations(options.clock) {}
+
+  // Returns the namespaces with the classes of all agents.
+  std::shared_ptr<const Namespaces> getNamespaces() {
+    const std::shared_ptr<const core::CimSchema> schema = broker.getSchema();
+    const utils::ScopedLock lock(namespacesMutex);
+    if (namespaces == nullptr || namespaces->schema() != schema.get()) {
+      namespaces = std::make_shared<const Namespaces>(broker, options.nameSpace);
+    }
+    return namespaces;
+  }
+
+  // Runs `run`; a failure becomes an error in the place of what was appended. Returns what the
+  // audit is told.
+  template <class Run>
+  std::string attempt(std::string& out, Run run) {
+    const std::size_t start = out.size();
+    try {
+      return run();
+    } catch (const std::exception& error) {
+      const Status status = toStatus(error);
+      out.resize(start);
+      cimxml::appendError(out, static_cast<unsigned>(status), error.what());
+      return describe(status, error);
+    }
+  }
+
+  std::string runOperation(const Operation* operation, const cimxml::Request& request,
+                           const Caller& caller, std::string& out) {
+    if (operation == nullptr) {
+      throw StatusFault(Status::NotSupported, "operation " + request.name + " is not offered");
+    }
+    if (operation->isChange) {
+      demandOperator(caller, request.name);
+    }
+    const std::shared_ptr<const Namespaces> all = getNamespaces();
+    const Namespace& nameSpace = all->demand(request.nameSpace);
+    const OperationParameters parameters(request, operation->parameters);
+    operation->run({request, caller, parameters, broker, *all, nameSpace, options.host,
+                    enumerations, out});
+    return kSuccess;
+  }
+
+  void answerOperation(const cimxml::Request& request, const Caller& caller, std::string& out) {
+    const Operation* operation = findOperation(request.name);
+    cimxml::beginOperationAnswer(out, request.messageId, request.name);
+    const std::string result =
+        attempt(out, [&] { return runOperation(operation, request, caller, out); });
+    cimxml::endOperationAnswer(out);
+    if (operation != nullptr && operation->isChange) {
+      audit.write({caller, std::string(operation->name), result, findModifiedPath(request)});
+    }
+  }
+
+  void answerMethod(const cimxml::Request& request, const Caller& caller, std::string& out) {
+    cimxml::beginMethodAnswer(out, request.messageId, request.name);
+    const std::string result = attempt(out, [&] {
+      demandOperator(caller, request.name);
+      return std::to_string(invokeMethod(request, broker, *getNamespaces(), out));
+    });
+    cimxml::endMethodAnswer(out);
+    audit.write({caller, request.name, result, cimxml::toObjectPath(request.target)});
+  }
+
+  core::CimBroker& broker;
+  Audit& audit;
+  const Options options;
+  PullEnumerations enumerations;
+
+  utils::Mutex namespacesMutex;
+  std::shared_ptr<const Namespaces> namespaces ORVEX_GUARDED_BY(namespacesMutex);
+};
+
+Server::Server(core::CimBroker& broker, Audit& audit, Options options)
+    : m_implementation(std::make_unique<Implementation>(broker, audit, std::move(options))) {}
+
+Server::~Server() = default;
+
+void Server::answer(const cimxml::Request& request, const Caller& caller, std::string& out) {
+  if (request.isExtrinsic) {
+    m_implementation->answerMethod(request, caller, out);
+  } else {
+    m_implementation->answerOperation(request, caller, out);
+  }
+}
+
+unsigned Server::countRunningJobs() {
+  const std::shared_ptr<const Namespaces> namespaces = m_implementation->getNamespaces();
+  const Namespace& agents = namespaces->agents();
+  unsigned count = 0;
+  if (agents.schema().find(kJobClass) == nullptr) {
+    return count;
+  }
+  const core::CimBroker::Request request(m_implementation->broker);
+  for (const ServedClass* served : agents.demandServedBelow(kJobClass)) {
+    served->visitInstances([&count](core::CimInstance& job) {
+      count += isRunning(job) ? 1 : 0;
+      return true;
+    });
+  }
+  return count;
+}
+
+}  // namespace wbem
