@@ -27,6 +27,13 @@ constexpr StateEnd kStateEnds[] = {
     {ConcreteJobState::QueryPending, false},
 };
 
+// Returns the argument, null when it is missing, NULL or of another type.
+template <class Property>
+const Property* findArgument(core::CimPropertyList* in, const char* name) {
+  const auto* argument = in != nullptr ? dynamic_cast<const Property*>(in->get(name)) : nullptr;
+  return argument != nullptr && !argument->isNull() ? argument : nullptr;
+}
+
 }  // namespace
 
 Orvex_ConcreteJob::Orvex_ConcreteJob(const std::string& target, std::uint32_t number,
@@ -43,6 +50,8 @@ Orvex_ConcreteJob::Orvex_ConcreteJob(const std::string& target, std::uint32_t nu
       m_image(std::move(image)),
       m_myThread(std::make_unique<JobThread>(this)) {
   m_elapsed = utils::Datetime::elapsedSince(m_submitted);
+  addMethod("RequestStateChange",
+            static_cast<Method>(&Orvex_ConcreteJob::invokeRequestStateChange));
 }
 
 Orvex_ConcreteJob::~Orvex_ConcreteJob() {
@@ -127,6 +136,20 @@ bool Orvex_ConcreteJob::threadControl(std::int32_t command, std::int32_t timeout
   }
   utils::logDebug(kLog, kFunction, "threadControl %d - DONE", command);
   return isDeleted;
+}
+
+std::uint32_t Orvex_ConcreteJob::invokeRequestStateChange(core::CimPropertyList* in,
+                                                          core::CimPropertyList* /*out*/,
+                                                          core::CimInstance** /*job*/) {
+  const auto* requestedState = findArgument<core::CimPropertyUint16>(in, "RequestedState");
+  const auto* timeout = findArgument<core::CimPropertyDatetime>(in, "TimeoutPeriod");
+  if (requestedState == nullptr) {
+    utils::logError(kLog, "Orvex_ConcreteJob::invokeRequestStateChange",
+                    "RequestedState is missing");
+    return kStateChangeInvalid;
+  }
+  return requestStateChange(requestedState->getValue(),
+                            timeout != nullptr ? timeout->getValue() : utils::Datetime(0));
 }
 
 std::uint32_t Orvex_ConcreteJob::requestStateChange(std::uint16_t requestedState,

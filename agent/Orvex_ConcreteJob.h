@@ -57,6 +57,12 @@ class Orvex_ConcreteJob : public CIM_ConcreteJob, public FlashJob {
   // is no thread to start or to wait for. Holds the job's mutex throughout.
   virtual bool threadControl(std::int32_t command, std::int32_t timeout);
 
+  // The method RequestStateChange as clients invoke it, with the arguments RequestedState and
+  // TimeoutPeriod. Returns a StateChangeReturn, kStateChangeInvalid without a RequestedState. An
+  // argument of another type counts as missing.
+  std::uint32_t invokeRequestStateChange(core::CimPropertyList* in, core::CimPropertyList* out,
+                                         core::CimInstance** job);
+
   // Starts a new job. Returns a StateChangeReturn. `timeout` is not used.
   [[nodiscard]] std::uint32_t requestStateChange(std::uint16_t requestedState,
                                                  const utils::Datetime& timeout);

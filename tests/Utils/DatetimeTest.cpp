@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 #include <limits>
+#include <optional>
+#include <string>
 
 #include "Utils/Clock.h"
 #include "Utils/Datetime.h"
@@ -108,5 +110,56 @@ TEST_F(DatetimeText, HasTwentyFiveCharactersWhateverTheValue) {
     EXPECT_EQ(timestamp(value).toCimText().size(), 25U) << value;
   }
 }
+
+std::optional<std::uint64_t> readMoment(const std::string& text) {
+  const std::optional<utils::Datetime> read = utils::Datetime::fromCimText(text);
+  return read && read->isTimestamp ? std::optional(read->value) : std::nullopt;
+}
+
+std::optional<std::uint64_t> readInterval(const std::string& text) {
+  const std::optional<utils::Datetime> read = utils::Datetime::fromCimText(text);
+  return read && !read->isTimestamp ? std::optional(read->value) : std::nullopt;
+}
+
+TEST(DatetimeFromText, IsTheMomentWhateverTheUtcOffset) {
+  EXPECT_EQ(readMoment("20231114221320.123000+000"), kMoment);
+  EXPECT_EQ(readMoment("20231114171320.123000-300"), kMoment);
+  EXPECT_EQ(readMoment("20231115034320.123000+330"), kMoment);
+  EXPECT_EQ(readMoment("19700101000000.000001+000"), 1U);
+  EXPECT_EQ(readMoment("20240229000000.000000+000"), 1'709'164'800'000'000U);
+}
+
+TEST(DatetimeFromText, IsTheInterval) {
+  EXPECT_EQ(readInterval("00000000000000.000000:000"), 0U);
+  EXPECT_EQ(readInterval("00000003040506.000007:000"),
+            ((3U * 86'400U + 4 * 3600 + 5 * 60 + 6) * std::uint64_t{1'000'000}) + 7);
+  EXPECT_EQ(readInterval("99999999235959.999999:000"), 8'640'000'000'000'000'000U - 1);
+}
+
+TEST_F(DatetimeText, IsReadAgain) {
+  enterZone("IST-5:30");
+  EXPECT_EQ(readMoment(timestamp(kMoment).toCimText()), kMoment);
+  EXPECT_EQ(readInterval(utils::Datetime(kMoment).toCimText()), kMoment);
+}
+
+class NoDatetimeText : public testing::TestWithParam<const char*> {};
+
+TEST_P(NoDatetimeText, IsRefused) {
+  EXPECT_FALSE(utils::Datetime::fromCimText(GetParam())) << GetParam();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Texts, NoDatetimeText,
+    testing::Values("", "now", "20231114221320.123000+00", "20231114221320.123000+0000",
+                    "20231114221320,123000+000", "20231114221320.123000*000",
+                    "20231114221320.123***+000", "2023**14221320.123000+000",
+                    "20231314221320.123000+000", "20230014221320.123000+000",
+                    "20230229221320.123000+000", "20231100221320.123000+000",
+                    "20231114241320.123000+000", "20231114226020.123000+000",
+                    "20231114221360.123000+000", "20231114221320.-23000+000",
+                    "20231114221320.123000+ 00", "19691231235959.999999+000",
+                    "19700101000000.000000+001", "00000003240506.000007:000",
+                    "00000003040506.000007:001", "0000000*040506.000007:000",
+                    "-0000003040506.000007:000"));
 
 }  // namespace
