@@ -1,0 +1,237 @@
+#include <atomic>
+#include <gmock/gmock.h>
+#include <new>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/wbem/ServerFixture.h"
+
+namespace {
+
+using test::className;
+using test::given;
+using test::IsError;
+using test::objectName;
+using test::texts;
+using testing::_;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::Field;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+using wbem::AuditRecord;
+
+constexpr const char* kFirst = "Test_Device.InstanceID=\"a\",Slot=1";
+
+class Server : public test::ServerFixture {
+ protected:
+  std::string modifyName(const std::string& name) {
+    return ask("ModifyInstance",
+               {given("ModifiedInstance", cimxml::InstanceValue{objectName(kFirst),
+                                                                {{"Name", "string", false, name}}})});
+  }
+};
+
+auto IsRecord(const std::string& action, const std::string& target,
+              const testing::Matcher<std::string>& result) {
+  return AllOf(Field("action", &AuditRecord::action, action),
+               Field("target", &AuditRecord::target, target),
+               Field("result", &AuditRecord::result, result),
+               Field("caller", &AuditRecord::caller,
+                     AllOf(Field(&wbem::Caller::user, "ann"),
+                           Field(&wbem::Caller::address, "192.0.2.7"))));
+}
+
+TEST_F(Server, AnswersBehindWhatIsInTheBuffer) {
+  cimxml::Request request;
+  request.messageId = "<7>";
+  request.name = "GetInstance";
+  request.nameSpace = "root/no";
+  std::string out = "kept ";
+  m_server.answer(request, m_caller, out);
+  EXPECT_THAT(out, AllOf(StartsWith("kept <?xml"), HasSubstr("MESSAGE ID=\"&lt;7&gt;\""),
+                         HasSubstr("<IMETHODRESPONSE NAME=\"GetInstance\"><ERROR CODE=\"3\"")));
+}
+
+TEST_F(Server, DoesNotSupportOtherOperations) {
+  for (const char* operation :
+       {"CreateInstance", "DeleteInstance", "ExecQuery", "GetQualifier", "EnumerationCount",
+        "OpenQueryInstances", "SetProperty", "Sing"}) {
+    EXPECT_THAT(ask(operation), IsError(7, "operation " + std::string(operation) +
+                                               " is not offered"));
+  }
+}
+
+TEST_F(Server, TakesOperationsAndNamespacesInAnyCase) {
+  EXPECT_THAT(ask("enumerateINSTANCENAMES", {given("ClassName", className("Test_Port"))},
+                  "Root/TEST"),
+              HasSubstr("<INSTANCENAME CLASSNAME=\"Test_Port\">"));
+}
+
+TEST_F(Server, AnswersWhatAProviderThrows) {
+  m_agent.ports.onEnumeration = [] { throw utils::EUnspecifiedError("no adapters"); };
+  EXPECT_THAT(ask("EnumerateInstances", {given("ClassName", className("Test_Device"))}),
+              IsError(1, "Quorvel: EUnspecifiedError:no adapters"));
+  m_agent.ports.onEnumeration = [] { throw std::bad_alloc(); };
+  EXPECT_THAT(ask("EnumerateInstances", {given("ClassName", className("Test_Device"))}),
+              IsError(1, _));
+}
+
+TEST_F(Server, ServesAgentsThatAreAddedLater) {
+  const auto askForPorts = [this] {
+    return ask("EnumerateInstances", {given("ClassName", className("Test_Port")),
+                                      given("PropertyList", texts({"Speed"}))});
+  };
+  const std::string before = askForPorts();
+  test::ModelAgent second;
+  m_broker.addAgent(&second);
+  EXPECT_EQ(askForPorts().size(), 2 * before.size() - std::string("<IRETURNVALUE></IRETURNVALUE>").size());
+}
+
+// -- roles --
+
+TEST_F(Server, LetsAReaderRead) {
+  m_caller.role = wbem::Role::Reader;
+  EXPECT_THAT(ask("GetInstance", {given("InstanceName", objectName(kFirst))}),
+              HasSubstr("<INSTANCE CLASSNAME=\"Test_Device\">"));
+  EXPECT_THAT(ask("GetClass", {given("ClassName", className("Test_Device"))}),
+              HasSubstr("<CLASS NAME=\"Test_Device\""));
+  EXPECT_THAT(m_audit.records, IsEmpty());
+}
+
+TEST_F(Server, LetsAReaderChangeNothing) {
+  m_caller.role = wbem::Role::Reader;
+  m_agent.invocation = [](core::CimPropertyList&, core::CimPropertyList&, core::CimInstance**) {
+    ADD_FAILURE() << "was invoked";
+    return 0U;
+  };
+  EXPECT_THAT(modifyName("new"), IsError(2, "user &apos;ann&apos; may read only; ModifyInstance "
+                                            "needs an operator"));
+  EXPECT_THAT(invoke(objectName(kFirst), "Try"),
+              IsError(2, "user &apos;ann&apos; may read only; Try needs an operator"));
+  EXPECT_THAT(ask("GetInstance", {given("InstanceName", objectName(kFirst))}),
+              HasSubstr("first &amp; best"));
+}
+
+// -- audit --
+
+TEST_F(Server, RecordsEveryAttemptToChange) {
+  modifyName("new");
+  invoke(objectName(kFirst), "Try");
+  EXPECT_THAT(m_audit.records, ElementsAre(IsRecord("ModifyInstance", kFirst, "CIM_ERR_SUCCESS"),
+                                           IsRecord("Try", kFirst, "0")));
+}
+
+TEST_F(Server, RecordsFailuresAndRefusals) {
+  modifyName(std::string(30, 'x'));
+  ask("ModifyInstance");
+  ask("modifyinstance", {given("Surprise", "1")}, "root/no");
+  invoke(objectName(kFirst), "Sing");
+  invoke(className("Test_Device"), "Try");
+  m_caller.role = wbem::Role::Reader;
+  modifyName("new");
+  invoke(objectName(kFirst), "Try");
+  EXPECT_THAT(
+      m_audit.records,
+      ElementsAre(
+          IsRecord("ModifyInstance", kFirst, StartsWith("CIM_ERR_INVALID_PARAMETER: Quorvel: ")),
+          IsRecord("ModifyInstance", "",
+                   "CIM_ERR_INVALID_PARAMETER: parameter ModifiedInstance: is required"),
+          IsRecord("ModifyInstance", "", StartsWith("CIM_ERR_INVALID_NAMESPACE: ")),
+          IsRecord("Sing", kFirst, StartsWith("CIM_ERR_METHOD_NOT_FOUND: ")),
+          IsRecord("Try", "Test_Device", StartsWith("CIM_ERR_INVALID_PARAMETER: ")),
+          IsRecord("ModifyInstance", kFirst, StartsWith("CIM_ERR_ACCESS_DENIED: ")),
+          IsRecord("Try", kFirst, StartsWith("CIM_ERR_ACCESS_DENIED: "))));
+}
+
+// -- jobs --
+
+TEST_F(Server, CountsTheJobsThatHaveNotEnded) {
+  // Of the states from 2 to 12 four are ends.
+  EXPECT_EQ(m_server.countRunningJobs(), 7U);
+  m_agent.jobs.clear();
+  EXPECT_EQ(m_server.countRunningJobs(), 0U);
+}
+
+TEST_F(Server, CountsNoJobsWhereThereIsNoSuchClass) {
+  core::CimBroker broker;
+  wbem::Server server(broker, m_audit, {});
+  EXPECT_EQ(server.countRunningJobs(), 0U);
+}
+
+// -- many at a time --
+
+class CountingAudit final : public wbem::Audit {
+ public:
+  void write(const AuditRecord&) noexcept override { ++count; }
+  std::atomic<int> count{0};
+};
+
+TEST_F(Server, AnswersManyThreadsAtATime) {
+  constexpr int kThreads = 4;
+  constexpr int kRounds = 25;
+  CountingAudit audit;
+  wbem::Server server(m_broker, audit, {test::kAgentsNamespace, "server1"});
+  // Ports that every enumeration makes anew.
+  m_agent.links.clear();
+  m_agent.ports.onEnumeration = [this] {
+    m_agent.ports.clear();
+    test::ModelAgent::add(m_agent.ports, std::make_unique<test::Port>("p", 1));
+  };
+  const auto requestOf = [](const std::string& name, cimxml::Parameter parameter) {
+    cimxml::Request request;
+    request.name = name;
+    request.nameSpace = test::kAgentsNamespace;
+    request.parameters = {std::move(parameter)};
+    return request;
+  };
+  const std::vector<cimxml::Request> reads = {
+      requestOf("EnumerateInstances", given("ClassName", className("CIM_ManagedElement"))),
+      requestOf("GetInstance", given("InstanceName", objectName(kFirst))),
+      requestOf("Associators", given("ObjectName", objectName(kFirst))),
+      requestOf("GetClass", given("ClassName", className("Test_Device"))),
+      requestOf("OpenEnumerateInstancePaths", given("ClassName", className("Test_Device")))};
+  std::atomic<int> errors{0};
+  const auto work = [&](int number) {
+    const wbem::Caller caller{"user " + std::to_string(number), "", wbem::Role::Operator};
+    const auto send = [&](const cimxml::Request& request) {
+      std::string out;
+      server.answer(request, caller, out);
+      errors += out.find("<ERROR") != std::string::npos ? 1 : 0;
+      return out;
+    };
+    for (int round = 0; round < kRounds; ++round) {
+      std::string last;
+      for (const cimxml::Request& request : reads) {
+        last = send(request);
+      }
+      const std::string begin = "PARAMTYPE=\"string\"><VALUE>";
+      const std::string context = last.substr(last.find(begin) + begin.size(), 32);
+      send(requestOf("CloseEnumeration", given("EnumerationContext", context)));
+      send(requestOf("ModifyInstance",
+                     given("ModifiedInstance",
+                           cimxml::InstanceValue{objectName(kFirst),
+                                                 {{"Name", "string", false, caller.user}}})));
+      cimxml::Request method;
+      method.isExtrinsic = true;
+      method.name = "Try";
+      method.nameSpace = test::kAgentsNamespace;
+      method.target = objectName(kFirst);
+      send(method);
+      static_cast<void>(server.countRunningJobs());
+    }
+  };
+  std::vector<std::thread> threads;
+  for (int number = 0; number < kThreads; ++number) {
+    threads.emplace_back(work, number);
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+  EXPECT_EQ(errors, 0);
+  EXPECT_EQ(audit.count, 2 * kThreads * kRounds);
+}
+
+}  // namespace
