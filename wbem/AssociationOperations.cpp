@@ -30,8 +30,7 @@ void demandInstance(const OperationCall& call, const cimxml::ObjectName& object)
   const bool isFound =
       call.nameSpace.withInstance(object, [](const ServedClass&, core::CimInstance&) {});
   if (!isFound) {
-    throw StatusFault(Status::NotFound,
-                      "there is no instance " + cimxml::toObjectPath(object));
+    throw StatusFault(Status::NotFound, "there is no instance " + cimxml::toObjectPath(object));
   }
 }
 
@@ -56,11 +55,10 @@ class ClassSet {
 void collectReferencingClasses(const OperationCall& call, const core::ClassDeclaration& source,
                                const AssociationFilter& filter, InstanceResults& results) {
   ClassSet classes;
-  visitClassReferences(call.nameSpace.schema(), source, filter,
-                       [&classes](const core::ClassDeclaration& association,
-                                  const core::PropertyDeclaration& /*role*/) {
-                         classes.add(&association);
-                       });
+  visitClassReferences(
+      call.nameSpace.schema(), source, filter,
+      [&classes](const core::ClassDeclaration& association,
+                 const core::PropertyDeclaration& /*role*/) { classes.add(&association); });
   classes.addTo(results);
 }
 

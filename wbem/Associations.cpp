@@ -120,11 +120,10 @@ bool isResult(const Namespaces& namespaces, const AssociationFilter& filter,
          namespaces.homeOf(className).schema().isA(className, filter.result->name);
 }
 
-void visitClassReferences(
-    const core::CimSchema& schema, const core::ClassDeclaration& source,
-    const AssociationFilter& filter,
-    const std::function<void(const core::ClassDeclaration&, const core::PropertyDeclaration&)>&
-        visit) {
+void visitClassReferences(const core::CimSchema& schema, const core::ClassDeclaration& source,
+                          const AssociationFilter& filter,
+                          const std::function<void(const core::ClassDeclaration&,
+                                                   const core::PropertyDeclaration&)>& visit) {
   for (const core::ClassDeclaration* association : schema.getDescendants("")) {
     if (!isWanted(schema, filter, *association)) {
       continue;

@@ -53,11 +53,10 @@ void visitOtherEnds(const ReferenceHit& hit, const AssociationFilter& filter,
 
 // The same among declarations: visit(association, role) for each reference of an association's
 // class that an instance of the class may be at.
-void visitClassReferences(
-    const core::CimSchema& schema, const core::ClassDeclaration& source,
-    const AssociationFilter& filter,
-    const std::function<void(const core::ClassDeclaration&, const core::PropertyDeclaration&)>&
-        visit);
+void visitClassReferences(const core::CimSchema& schema, const core::ClassDeclaration& source,
+                          const AssociationFilter& filter,
+                          const std::function<void(const core::ClassDeclaration&,
+                                                   const core::PropertyDeclaration&)>& visit);
 
 }  // namespace wbem
 

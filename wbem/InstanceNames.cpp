@@ -197,11 +197,11 @@ ObjectName toDeclaredName(const core::CimSchema& schema, const ObjectName& name)
 
 const ObjectName* findForeignName(const ObjectName& name,
                                   const std::vector<std::string>& nameSpaces) {
-  const bool isOwn = name.nameSpace.empty() ||
-                     std::any_of(nameSpaces.begin(), nameSpaces.end(),
-                                 [&name](const std::string& candidate) {
-                                   return core::isSameName(candidate, name.nameSpace);
-                                 });
+  const bool isOwn =
+      name.nameSpace.empty() ||
+      std::any_of(nameSpaces.begin(), nameSpaces.end(), [&name](const std::string& candidate) {
+        return core::isSameName(candidate, name.nameSpace);
+      });
   if (!isOwn) {
     return &name;
   }

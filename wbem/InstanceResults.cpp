@@ -125,13 +125,14 @@ const cimxml::InstanceFormat& InstanceResults::formatOf(const Namespace& nameSpa
                                                         const ServedClass& served) {
   if (m_formatted != &served) {
     const Namespace::FormatOptions& options = m_choice.options;
-    m_format = m_choice.propertyList
-                   ? std::make_shared<const cimxml::InstanceFormat>(
-                         *served.declaration,
-                         cimxml::InstanceFormat::Options{options.isLocalOnly, options.hasClassOrigin,
-                                                         &*m_choice.propertyList, options.ancestor},
-                         nameSpace.name())
-                   : nameSpace.format(*served.declaration, options);
+    m_format =
+        m_choice.propertyList
+            ? std::make_shared<const cimxml::InstanceFormat>(
+                  *served.declaration,
+                  cimxml::InstanceFormat::Options{options.isLocalOnly, options.hasClassOrigin,
+                                                  &*m_choice.propertyList, options.ancestor},
+                  nameSpace.name())
+            : nameSpace.format(*served.declaration, options);
     m_formatted = &served;
   }
   return *m_format;

@@ -46,7 +46,9 @@ class InstanceResults {
 
   [[nodiscard]] Form form() const { return m_form; }
   // Chooses the properties of the class alone.
-  void setAncestor(const core::ClassDeclaration& ancestor) { m_choice.options.ancestor = &ancestor; }
+  void setAncestor(const core::ClassDeclaration& ancestor) {
+    m_choice.options.ancestor = &ancestor;
+  }
   // From now on an object is written once, however often it is added. For forms with paths.
   void passOverRepeated() { m_passesOverRepeated = true; }
 

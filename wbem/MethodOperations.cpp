@@ -34,9 +34,8 @@ const core::MethodDeclaration& demandMethod(const core::ClassDeclaration& declar
                       "class " + declaration.name + " has no method '" + request.name + "'");
   }
   if (!request.target.isInstance) {
-    throw StatusFault(Status::InvalidParameter,
-                      method->name + " is a method of instances of " + declaration.name +
-                          ", not of the class");
+    throw StatusFault(Status::InvalidParameter, method->name + " is a method of instances of " +
+                                                    declaration.name + ", not of the class");
   }
   return *method;
 }

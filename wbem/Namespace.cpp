@@ -24,8 +24,8 @@ Namespace::Namespace(std::string name, std::shared_ptr<const core::CimSchema> sc
 const core::ClassDeclaration& Namespace::demandClass(std::string_view className) const {
   const core::ClassDeclaration* declaration = m_schema->find(className);
   if (declaration == nullptr) {
-    throw StatusFault(Status::InvalidClass, "there is no class '" + std::string(className) +
-                                                "' in namespace " + m_name);
+    throw StatusFault(Status::InvalidClass,
+                      "there is no class '" + std::string(className) + "' in namespace " + m_name);
   }
   return *declaration;
 }

@@ -110,7 +110,6 @@ class Namespace {
   mutable std::map<Key, Format> m_formats ORVEX_GUARDED_BY(m_formatsMutex);
 };
 
-
 template <class Use>
 bool Namespace::withInstance(const cimxml::ObjectName& instanceName, Use use) const {
   const core::ClassDeclaration& declaration = demandClass(instanceName.className);

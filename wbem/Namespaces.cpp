@@ -49,8 +49,8 @@ std::vector<ServedClass> findServed(core::CimBroker& broker, const core::CimSche
             return candidate.declaration == declaration;
           });
       if (entry == served.end()) {
-        entry = served.insert(
-            served.end(), ServedClass{declaration, {}, {}, isCrossing(schema, *declaration)});
+        entry = served.insert(served.end(),
+                              ServedClass{declaration, {}, {}, isCrossing(schema, *declaration)});
       }
       entry->agents.push_back(agent);
     }
@@ -90,7 +90,8 @@ ServedClass serveOwn(const core::CimSchema& schema, const char* className,
 // nothing as it is.
 std::string toQualifiedPath(const Namespaces& namespaces, const std::string& path) {
   const std::optional<cimxml::ObjectName> name = cimxml::readObjectPath(path);
-  return name ? namespaces.homeOf(name->className).name() + ":" + cimxml::toObjectPath(*name) : path;
+  return name ? namespaces.homeOf(name->className).name() + ":" + cimxml::toObjectPath(*name)
+              : path;
 }
 
 }  // namespace
@@ -122,8 +123,7 @@ Namespaces::Namespaces(core::CimBroker& broker, const std::string& agentsName)
   manager->setPropertyValues();
   interopServed.push_back(
       serveOwn(*interopSchema, CIM_Namespace::kClassName, std::move(namespaceInstances)));
-  interopServed.push_back(
-      serveOwn(*interopSchema, CIM_ObjectManager::kClassName, {manager.get()}));
+  interopServed.push_back(serveOwn(*interopSchema, CIM_ObjectManager::kClassName, {manager.get()}));
   m_ownInstances.push_back(std::move(manager));
   m_interop = std::make_unique<Namespace>(kInteropName, interopSchema, std::move(interopServed));
 }

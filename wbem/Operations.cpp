@@ -28,29 +28,32 @@ constexpr Names kModifyInstance = {"ModifiedInstance", "IncludeQualifiers", "Pro
 constexpr Names kReferences = {"ObjectName",        "ResultClass",        "Role",
                                "IncludeQualifiers", "IncludeClassOrigin", "PropertyList"};
 constexpr Names kReferenceNames = {"ObjectName", "ResultClass", "Role"};
-constexpr Names kAssociators = {"ObjectName", "AssocClass",        "ResultClass",        "Role",
-                                "ResultRole", "IncludeQualifiers", "IncludeClassOrigin", "PropertyList"};
-constexpr Names kAssociatorNames = {"ObjectName", "AssocClass", "ResultClass", "Role", "ResultRole"};
+constexpr Names kAssociators = {
+    "ObjectName", "AssocClass",        "ResultClass",        "Role",
+    "ResultRole", "IncludeQualifiers", "IncludeClassOrigin", "PropertyList"};
+constexpr Names kAssociatorNames = {"ObjectName", "AssocClass", "ResultClass", "Role",
+                                    "ResultRole"};
 constexpr Names kOpenEnumerateInstances = {
-    "ClassName",           "DeepInheritance", "IncludeClassOrigin", "PropertyList",
-    "FilterQueryLanguage", "FilterQuery",     "OperationTimeout",   "ContinueOnError",
-    "MaxObjectCount"};
-constexpr Names kOpenEnumerateInstancePaths = {"ClassName",        "FilterQueryLanguage",
-                                               "FilterQuery",      "OperationTimeout",
-                                               "ContinueOnError",  "MaxObjectCount"};
+    "ClassName",   "DeepInheritance",  "IncludeClassOrigin", "PropertyList",  "FilterQueryLanguage",
+    "FilterQuery", "OperationTimeout", "ContinueOnError",    "MaxObjectCount"};
+constexpr Names kOpenEnumerateInstancePaths = {"ClassName",       "FilterQueryLanguage",
+                                               "FilterQuery",     "OperationTimeout",
+                                               "ContinueOnError", "MaxObjectCount"};
 constexpr Names kOpenReferenceInstances = {
-    "InstanceName",        "ResultClass", "Role",             "IncludeClassOrigin", "PropertyList",
-    "FilterQueryLanguage", "FilterQuery", "OperationTimeout", "ContinueOnError",    "MaxObjectCount"};
+    "InstanceName",    "ResultClass",         "Role",        "IncludeClassOrigin",
+    "PropertyList",    "FilterQueryLanguage", "FilterQuery", "OperationTimeout",
+    "ContinueOnError", "MaxObjectCount"};
 constexpr Names kOpenReferenceInstancePaths = {
-    "InstanceName", "ResultClass",      "Role",            "FilterQueryLanguage",
-    "FilterQuery",  "OperationTimeout", "ContinueOnError", "MaxObjectCount"};
+    "InstanceName",     "ResultClass",     "Role",          "FilterQueryLanguage", "FilterQuery",
+    "OperationTimeout", "ContinueOnError", "MaxObjectCount"};
 constexpr Names kOpenAssociatorInstances = {
-    "InstanceName", "AssocClass",   "ResultClass",         "Role",
-    "ResultRole",   "IncludeClassOrigin", "PropertyList",  "FilterQueryLanguage",
-    "FilterQuery",  "OperationTimeout", "ContinueOnError", "MaxObjectCount"};
+    "InstanceName", "AssocClass",         "ResultClass",     "Role",
+    "ResultRole",   "IncludeClassOrigin", "PropertyList",    "FilterQueryLanguage",
+    "FilterQuery",  "OperationTimeout",   "ContinueOnError", "MaxObjectCount"};
 constexpr Names kOpenAssociatorInstancePaths = {
-    "InstanceName",        "AssocClass",  "ResultClass",      "Role",            "ResultRole",
-    "FilterQueryLanguage", "FilterQuery", "OperationTimeout", "ContinueOnError", "MaxObjectCount"};
+    "InstanceName",    "AssocClass",          "ResultClass", "Role",
+    "ResultRole",      "FilterQueryLanguage", "FilterQuery", "OperationTimeout",
+    "ContinueOnError", "MaxObjectCount"};
 constexpr Names kPull = {"EnumerationContext", "MaxObjectCount"};
 constexpr Names kClose = {"EnumerationContext"};
 

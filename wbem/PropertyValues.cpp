@@ -113,7 +113,8 @@ std::unique_ptr<core::CimProperty> make(const Source& source, Read read) {
 
 template <class Property, class Number>
 std::unique_ptr<core::CimProperty> makeNumber(const Source& source) {
-  return make<Property>(source, [](const Source& one) { return toNumber<Number>(one, one.text()); });
+  return make<Property>(source,
+                        [](const Source& one) { return toNumber<Number>(one, one.text()); });
 }
 
 std::unique_ptr<core::CimProperty> makeReference(const Source& source) {
@@ -130,7 +131,8 @@ void demandType(const ValueContext& context, const std::string& name, core::CimT
                 const std::string& given) {
   if (!given.empty() && !core::isSameName(given, core::getTypeName(type))) {
     throw StatusFault(context.whenWrong, name + " of " + context.owner + ": is a " +
-                                             std::string(core::getTypeName(type)) + ", no " + given);
+                                             std::string(core::getTypeName(type)) + ", no " +
+                                             given);
   }
 }
 
@@ -147,9 +149,8 @@ std::unique_ptr<core::CimProperty> makeProperty(const ValueContext& context,
       return makeNumber<core::CimPropertyUint16, std::uint16_t>(source);
     case core::kCimUint16Array:
       return make<core::CimPropertyUint16_arr>(source, [](const Source& all) {
-        return readArray<std::uint16_t>(all, [&all](const std::string& text) {
-          return toNumber<std::uint16_t>(all, text);
-        });
+        return readArray<std::uint16_t>(
+            all, [&all](const std::string& text) { return toNumber<std::uint16_t>(all, text); });
       });
     case core::kCimUint32:
       return makeNumber<core::CimPropertyUint32, std::uint32_t>(source);

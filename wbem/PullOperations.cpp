@@ -32,8 +32,7 @@ PullEnumerations::Owner ownerOf(const OperationCall& call, PullEnumerations::Kin
 }
 
 void appendPosition(std::string& out, const PullEnumerations::Part& part) {
-  cimxml::appendOperationParameter(out, "EndOfSequence", "boolean",
-                                   part.isLast ? "TRUE" : "FALSE");
+  cimxml::appendOperationParameter(out, "EndOfSequence", "boolean", part.isLast ? "TRUE" : "FALSE");
   cimxml::appendOperationParameter(out, "EnumerationContext", "string", part.context);
 }
 

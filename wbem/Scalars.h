@@ -33,8 +33,7 @@ template <class Number>
   }
   unsigned long long magnitude = 0;
   const char* const end = text.data() + text.size();
-  const auto [stop, error] =
-      std::from_chars(text.data(), end, magnitude, isHexadecimal ? 16 : 10);
+  const auto [stop, error] = std::from_chars(text.data(), end, magnitude, isHexadecimal ? 16 : 10);
   if (error != std::errc() || stop != end) {
     return std::nullopt;
   }

@@ -49,9 +49,8 @@ std::string describe(Status status, const std::exception& error) {
 // Returns the object path of the instance that is to be modified; empty where none is named.
 std::string findModifiedPath(const cimxml::Request& request) {
   const cimxml::Parameter* parameter = request.find("ModifiedInstance");
-  const auto* instance = parameter != nullptr
-                             ? std::get_if<cimxml::InstanceValue>(&parameter->value)
-                             : nullptr;
+  const auto* instance =
+      parameter != nullptr ? std::get_if<cimxml::InstanceValue>(&parameter->value) : nullptr;
   return instance != nullptr ? cimxml::toObjectPath(instance->name) : std::string();
 }
 
@@ -100,8 +99,8 @@ struct Server::Implementation {
     const std::shared_ptr<const Namespaces> all = getNamespaces();
     const Namespace& nameSpace = all->demand(request.nameSpace);
     const OperationParameters parameters(request, operation->parameters);
-    operation->run({request, caller, parameters, broker, *all, nameSpace, options.host,
-                    enumerations, out});
+    operation->run(
+        {request, caller, parameters, broker, *all, nameSpace, options.host, enumerations, out});
     return kSuccess;
   }
 

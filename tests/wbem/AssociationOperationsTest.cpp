@@ -39,10 +39,21 @@ std::string linkName(const std::string& dependent) {
          key("Dependent", "test", dependent) + "</INSTANCENAME>";
 }
 
+// Returns the name as it stands in a reference that crosses the namespaces, which holds a path: the
+// types of the keys are not said.
+std::string withoutTypes(std::string name) {
+  for (const std::string type : {" TYPE=\"string\"", " TYPE=\"uint16\""}) {
+    for (std::size_t place = name.find(type); place != std::string::npos; place = name.find(type)) {
+      name.erase(place, type.size());
+    }
+  }
+  return name;
+}
+
 std::string conformanceName() {
   return "<INSTANCENAME CLASSNAME=\"Test_ElementConformsToProfile\">" +
-         key("ConformantStandard", "interop", profileName()) +
-         key("ManagedElement", "test", deviceName("a", 1)) + "</INSTANCENAME>";
+         key("ConformantStandard", "interop", withoutTypes(profileName())) +
+         key("ManagedElement", "test", withoutTypes(deviceName("a", 1))) + "</INSTANCENAME>";
 }
 
 std::string classPath(const std::string& name, const std::string& nameSpace = "test") {
@@ -101,10 +112,9 @@ TEST_F(AssociationOperations, FilterAssociators) {
   EXPECT_EQ(associatorNames(kFirst, {given("ResultRole", "CONFORMANTSTANDARD")}),
             returned(m_toProfile));
   EXPECT_EQ(associatorNames(kFirst, {given("Role", "Nothing")}), returned(""));
-  EXPECT_EQ(associatorNames(kFirst, {given("AssocClass", className("Test_Device"))}),
-            returned(""));
-  EXPECT_EQ(associatorNames(kFirst, {given("AssocClass", cimxml::Value()),
-                                     given("Role", cimxml::Value())}),
+  EXPECT_EQ(associatorNames(kFirst, {given("AssocClass", className("Test_Device"))}), returned(""));
+  EXPECT_EQ(associatorNames(kFirst,
+                            {given("AssocClass", cimxml::Value()), given("Role", cimxml::Value())}),
             returned(m_toProfile + m_toPort + m_toSecond));
 }
 
@@ -119,12 +129,11 @@ TEST_F(AssociationOperations, GiveTheObjectsWithTheirPaths) {
   EXPECT_EQ(ask("Associators", {given("ObjectName", objectName(kFirst)),
                                 given("ResultClass", className("Test_Port")),
                                 given("PropertyList", texts({"Speed"}))}),
-            returned("<VALUE.OBJECTWITHPATH>" +
-                     fullPath("test", deviceName("p", 1, "Test_Port")) +
+            returned("<VALUE.OBJECTWITHPATH>" + fullPath("test", deviceName("p", 1, "Test_Port")) +
                      "<INSTANCE CLASSNAME=\"Test_Port\"><PROPERTY NAME=\"Speed\" TYPE=\"uint64\">"
                      "<VALUE>25000000000</VALUE></PROPERTY></INSTANCE></VALUE.OBJECTWITHPATH>"));
-  EXPECT_EQ(ask("References", {given("ObjectName", objectName(kPort)),
-                               given("PropertyList", texts({"Kind"}))}),
+  EXPECT_EQ(ask("References",
+                {given("ObjectName", objectName(kPort)), given("PropertyList", texts({"Kind"}))}),
             returned("<VALUE.OBJECTWITHPATH>" +
                      fullPath("test", linkName(deviceName("p", 1, "Test_Port"))) +
                      "<INSTANCE CLASSNAME=\"Test_Link\"><PROPERTY NAME=\"Kind\" TYPE=\"string\">"
@@ -157,10 +166,8 @@ TEST_F(AssociationOperations, UseNoInstanceOfAnEarlierEnumeration) {
   m_agent.links.onEnumeration = [this] {
     m_agent.links.clear();
     m_agent.devices.clear();
-    auto& first =
-        test::ModelAgent::add(m_agent.devices, std::make_unique<test::Device>("a", 1));
-    auto& second =
-        test::ModelAgent::add(m_agent.devices, std::make_unique<test::Device>("b", 2));
+    auto& first = test::ModelAgent::add(m_agent.devices, std::make_unique<test::Device>("a", 1));
+    auto& second = test::ModelAgent::add(m_agent.devices, std::make_unique<test::Device>("b", 2));
     test::ModelAgent::add(m_agent.links, std::make_unique<test::Link>(&first, &second));
     // What still refers to the devices of before is made anew as well.
     m_agent.conformances.clear();
@@ -180,23 +187,23 @@ TEST_F(AssociationOperations, AskOnlyForAssociationsThatMayLeadThere) {
 TEST_F(AssociationOperations, LeadFromTheProfileToWhatConforms) {
   EXPECT_EQ(associatorNames(kProfile, {}, test::kInterop),
             returned(pathOf("test", deviceName("a", 1))));
-  EXPECT_EQ(associatorNames(kProfile, {given("ResultClass", className("Test_Device"))},
-                            test::kInterop),
-            returned(pathOf("test", deviceName("a", 1))));
+  EXPECT_EQ(
+      associatorNames(kProfile, {given("ResultClass", className("Test_Device"))}, test::kInterop),
+      returned(pathOf("test", deviceName("a", 1))));
   EXPECT_EQ(referenceNames(kProfile, {}, test::kInterop),
             returned(pathOf("interop", conformanceName())));
 }
 
 TEST_F(AssociationOperations, NameTheHomesInTheReferences) {
-  const std::string answer = ask("EnumerateInstances",
-                                 {given("ClassName", className("CIM_ElementConformsToProfile"))});
+  const std::string answer =
+      ask("EnumerateInstances", {given("ClassName", className("CIM_ElementConformsToProfile"))});
   EXPECT_THAT(answer,
               AllOf(HasSubstr("<PROPERTY.REFERENCE NAME=\"ConformantStandard\" REFERENCECLASS=\""
                               "CIM_RegisteredProfile\"><VALUE.REFERENCE><LOCALINSTANCEPATH>" +
-                              localPath("interop", profileName())),
+                              localPath("interop", withoutTypes(profileName()))),
                     HasSubstr("<PROPERTY.REFERENCE NAME=\"ManagedElement\" REFERENCECLASS=\""
                               "CIM_ManagedElement\"><VALUE.REFERENCE><LOCALINSTANCEPATH>" +
-                              localPath("test", deviceName("a", 1)))));
+                              localPath("test", withoutTypes(deviceName("a", 1))))));
   EXPECT_EQ(ask("EnumerateInstances",
                 {given("ClassName", className("CIM_ElementConformsToProfile"))}, test::kInterop),
             answer);
@@ -237,8 +244,9 @@ TEST_F(AssociationOperations, RefuseWrongRequests) {
   for (const char* operation : {"Associators", "AssociatorNames", "References", "ReferenceNames"}) {
     EXPECT_THAT(ask(operation), IsError(4, "parameter ObjectName: is required")) << operation;
     EXPECT_THAT(ask(operation, {given("ObjectName", "x")}), IsError(4, _)) << operation;
-    EXPECT_THAT(ask(operation, {given("ObjectName", objectName(kFirst)), given("LocalOnly", "TRUE")}),
-                IsError(4, _))
+    EXPECT_THAT(
+        ask(operation, {given("ObjectName", objectName(kFirst)), given("LocalOnly", "TRUE")}),
+        IsError(4, _))
         << operation;
     EXPECT_THAT(ask(operation, {given("ObjectName", objectName(kFirst)),
                                 given("ResultClass", className("Test_No"))}),

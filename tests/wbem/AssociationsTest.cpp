@@ -20,8 +20,7 @@ class Associations : public testing::Test {
     std::vector<std::string> found;
     wbem::visitClassReferences(
         m_schema, *m_schema.find(className), filter,
-        [&found](const core::ClassDeclaration& association,
-                 const core::PropertyDeclaration& role) {
+        [&found](const core::ClassDeclaration& association, const core::PropertyDeclaration& role) {
           found.push_back(association.name + "." + role.name);
         });
     return found;
@@ -32,11 +31,11 @@ class Associations : public testing::Test {
 };
 
 TEST_F(Associations, AreFoundByTheClassesThatTheirReferencesDeclare) {
-  EXPECT_THAT(find("Test_Device"),
-              ElementsAre("CIM_Dependency.Antecedent", "CIM_Dependency.Dependent",
-                          "Test_Link.Antecedent", "Test_Link.Dependent",
-                          "CIM_ElementConformsToProfile.ManagedElement",
-                          "Test_ElementConformsToProfile.ManagedElement"));
+  EXPECT_THAT(
+      find("Test_Device"),
+      ElementsAre("CIM_Dependency.Antecedent", "CIM_Dependency.Dependent", "Test_Link.Antecedent",
+                  "Test_Link.Dependent", "CIM_ElementConformsToProfile.ManagedElement",
+                  "Test_ElementConformsToProfile.ManagedElement"));
   EXPECT_THAT(find("Test_RegisteredProfile", {m_schema.find("Test_ElementConformsToProfile"),
                                               nullptr, "ConformantStandard", ""}),
               ElementsAre("Test_ElementConformsToProfile.ConformantStandard"));

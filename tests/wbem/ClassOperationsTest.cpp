@@ -19,22 +19,22 @@ class ClassOperations : public test::ServerFixture {};
 constexpr const char* kSpeed = "<PROPERTY NAME=\"Speed\" TYPE=\"uint64\"";
 
 TEST_F(ClassOperations, GetWhatAClassDeclaresItself) {
-  EXPECT_EQ(ask("GetClass", {given("ClassName", className("test_PORT")),
-                             given("IncludeQualifiers", "FALSE")}),
-            returned("<CLASS NAME=\"Test_Port\" SUPERCLASS=\"Test_Device\">" +
-                     std::string(kSpeed) + "/></CLASS>"));
+  EXPECT_EQ(ask("GetClass",
+                {given("ClassName", className("test_PORT")), given("IncludeQualifiers", "FALSE")}),
+            returned("<CLASS NAME=\"Test_Port\" SUPERCLASS=\"Test_Device\">" + std::string(kSpeed) +
+                     "></PROPERTY></CLASS>"));
 }
 
 TEST_F(ClassOperations, GetInheritedPartsOnRequest) {
-  const std::string all = ask("GetClass", {given("ClassName", className("Test_Port")),
-                                           given("LocalOnly", "false"),
-                                           given("IncludeClassOrigin", "true")});
-  EXPECT_THAT(all,
-              AllOf(HasSubstr("<PROPERTY NAME=\"Slot\" TYPE=\"uint16\" CLASSORIGIN=\"Test_Device\""),
-                    HasSubstr("<QUALIFIER NAME=\"Key\""), HasSubstr("<METHOD NAME=\"Try\"")));
-  EXPECT_THAT(ask("GetClass", {given("ClassName", className("Test_Port")),
-                               given("LocalOnly", "false"), given("IncludeQualifiers", "false"),
-                               given("PropertyList", texts({"caption"}))}),
+  const std::string all =
+      ask("GetClass", {given("ClassName", className("Test_Port")), given("LocalOnly", "false"),
+                       given("IncludeClassOrigin", "true")});
+  EXPECT_THAT(
+      all, AllOf(HasSubstr("<PROPERTY NAME=\"Slot\" TYPE=\"uint16\" CLASSORIGIN=\"Test_Device\""),
+                 HasSubstr("<QUALIFIER NAME=\"Key\""), HasSubstr("<METHOD NAME=\"Try\"")));
+  EXPECT_THAT(ask("GetClass",
+                  {given("ClassName", className("Test_Port")), given("LocalOnly", "false"),
+                   given("IncludeQualifiers", "false"), given("PropertyList", texts({"caption"}))}),
               AllOf(HasSubstr("NAME=\"Caption\""), Not(HasSubstr("NAME=\"Slot\"")),
                     Not(HasSubstr("QUALIFIER"))));
 }
@@ -53,9 +53,9 @@ TEST_F(ClassOperations, TellOfAClassThatThereIsNot) {
 TEST_F(ClassOperations, RefuseWrongParameters) {
   EXPECT_THAT(ask("GetClass"), IsError(4, "parameter ClassName: is required"));
   EXPECT_THAT(ask("GetClass", {given("ClassName", "Test_Port")}), IsError(4, _));
-  EXPECT_THAT(ask("GetClass", {given("ClassName", className("Test_Port")),
-                               given("LocalOnly", "perhaps")}),
-              IsError(4, _));
+  EXPECT_THAT(
+      ask("GetClass", {given("ClassName", className("Test_Port")), given("LocalOnly", "perhaps")}),
+      IsError(4, _));
   EXPECT_THAT(ask("EnumerateClasses", {given("PropertyList", texts({}))}),
               IsError(4, "parameter PropertyList: EnumerateClasses has none of that name"));
 }
@@ -71,14 +71,15 @@ TEST_F(ClassOperations, EnumerateTheClassesBelow) {
             returned("<CLASSNAME NAME=\"Test_Job\"/>"));
   EXPECT_EQ(ask("EnumerateClassNames", {given("ClassName", className("Test_Device"))}),
             returned("<CLASSNAME NAME=\"Test_Port\"/>"));
-  EXPECT_EQ(ask("EnumerateClassNames", {given("ClassName", className("CIM_RegisteredSpecification")),
-                                        given("DeepInheritance", "TRUE")}),
-            returned("<CLASSNAME NAME=\"CIM_RegisteredProfile\"/>"
-                     "<CLASSNAME NAME=\"Test_RegisteredProfile\"/>"));
+  EXPECT_EQ(
+      ask("EnumerateClassNames", {given("ClassName", className("CIM_RegisteredSpecification")),
+                                  given("DeepInheritance", "TRUE")}),
+      returned("<CLASSNAME NAME=\"CIM_RegisteredProfile\"/>"
+               "<CLASSNAME NAME=\"Test_RegisteredProfile\"/>"));
   EXPECT_EQ(ask("EnumerateClasses", {given("ClassName", className("Test_Device")),
                                      given("IncludeQualifiers", "FALSE")}),
             returned("<CLASS NAME=\"Test_Port\" SUPERCLASS=\"Test_Device\">" + std::string(kSpeed) +
-                     "/></CLASS>"));
+                     "></PROPERTY></CLASS>"));
   EXPECT_EQ(ask("EnumerateClasses", {given("ClassName", className("Test_Port"))}), returned(""));
 }
 

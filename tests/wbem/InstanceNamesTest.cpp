@@ -114,7 +114,8 @@ TEST_F(InstanceNames, AreSpelledAndOrderedAsDeclared) {
 }
 
 TEST_F(InstanceNames, OfUnknownClassesAndKeysStayAsTheyAre) {
-  for (const char* path : {"Other.Slot=1,InstanceID=\"a\"", "Test_Device.Place=1,InstanceID=\"a\""}) {
+  for (const char* path :
+       {"Other.Slot=1,InstanceID=\"a\"", "Test_Device.Place=1,InstanceID=\"a\""}) {
     EXPECT_EQ(cimxml::toObjectPath(wbem::toDeclaredName(m_schema, objectName(path))), path);
   }
 }

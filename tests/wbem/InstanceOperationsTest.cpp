@@ -22,7 +22,7 @@ constexpr const char* kFirst = "Test_Device.InstanceID=\"a\",Slot=1";
 constexpr const char* kPort = "Test_Port.InstanceID=\"p\",Slot=1";
 constexpr const char* kName =
     "<PROPERTY NAME=\"Name\" TYPE=\"string\"><VALUE>first &amp; best</VALUE></PROPERTY>";
-constexpr const char* kNullName = "<PROPERTY NAME=\"Name\" TYPE=\"string\"/>";
+constexpr const char* kNullName = "<PROPERTY NAME=\"Name\" TYPE=\"string\"></PROPERTY>";
 
 std::string named(const std::string& name, const std::string& className,
                   const std::string& properties) {
@@ -67,10 +67,13 @@ TEST_F(InstanceOperations, EnumerateInFull) {
       returned(named(
           deviceName("p", 1, "Test_Port"), "Test_Port",
           "<PROPERTY NAME=\"InstanceID\" TYPE=\"string\"><VALUE>p</VALUE></PROPERTY>"
-          "<PROPERTY NAME=\"Caption\" TYPE=\"string\"/><PROPERTY NAME=\"Description\" "
-          "TYPE=\"string\"/><PROPERTY NAME=\"ElementName\" TYPE=\"string\"/><PROPERTY "
-          "NAME=\"Generation\" TYPE=\"uint64\"/><PROPERTY NAME=\"Slot\" TYPE=\"uint16\"><VALUE>1"
-          "</VALUE></PROPERTY><PROPERTY NAME=\"Name\" TYPE=\"string\"/><PROPERTY NAME=\"Speed\" "
+          "<PROPERTY NAME=\"Caption\" TYPE=\"string\"></PROPERTY><PROPERTY NAME=\"Description\" "
+          "TYPE=\"string\"></PROPERTY><PROPERTY NAME=\"ElementName\" "
+          "TYPE=\"string\"></PROPERTY><PROPERTY "
+          "NAME=\"Generation\" TYPE=\"uint64\"></PROPERTY><PROPERTY NAME=\"Slot\" "
+          "TYPE=\"uint16\"><VALUE>1"
+          "</VALUE></PROPERTY><PROPERTY NAME=\"Name\" TYPE=\"string\"></PROPERTY><PROPERTY "
+          "NAME=\"Speed\" "
           "TYPE=\"uint64\"><VALUE>25000000000</VALUE></PROPERTY>")));
 }
 
@@ -104,8 +107,7 @@ TEST_F(InstanceOperations, EnumerateNames) {
             returned([] {
               const auto link = [](const std::string& dependent) {
                 const auto reference = [](const std::string& name, const std::string& target) {
-                  return "<KEYBINDING NAME=\"" + name +
-                         "\"><VALUE.REFERENCE><LOCALINSTANCEPATH>" +
+                  return "<KEYBINDING NAME=\"" + name + "\"><VALUE.REFERENCE><LOCALINSTANCEPATH>" +
                          test::localPath("test", target) +
                          "</LOCALINSTANCEPATH></VALUE.REFERENCE></KEYBINDING>";
                 };
@@ -136,8 +138,8 @@ TEST_F(InstanceOperations, RefuseWrongEnumerations) {
     EXPECT_THAT(ask(operation, {given("ClassName", className("Test_Device"))}, test::kInterop),
                 IsError(5, _));
   }
-  EXPECT_THAT(ask("EnumerateInstances", {given("ClassName", className("Test_Device")),
-                                         given("DeepInheritance", "7")}),
+  EXPECT_THAT(ask("EnumerateInstances",
+                  {given("ClassName", className("Test_Device")), given("DeepInheritance", "7")}),
               IsError(4, _));
 }
 
@@ -154,19 +156,17 @@ TEST_F(InstanceOperations, GetOne) {
 TEST_F(InstanceOperations, GetAnAssociation) {
   const std::string path = m_agent.links.getInstances().first()->getPath();
   const std::string answer = ask("GetInstance", {given("InstanceName", objectName(path))});
-  EXPECT_THAT(answer,
-              HasSubstr("<PROPERTY.REFERENCE NAME=\"Dependent\" REFERENCECLASS=\""
-                        "CIM_ManagedElement\"><VALUE.REFERENCE><LOCALINSTANCEPATH>" +
-                        test::localPath("test", deviceName("p", 1, "Test_Port")) +
-                        "</LOCALINSTANCEPATH></VALUE.REFERENCE></PROPERTY.REFERENCE>"));
+  EXPECT_THAT(answer, HasSubstr("<PROPERTY.REFERENCE NAME=\"Dependent\" REFERENCECLASS=\""
+                                "CIM_ManagedElement\"><VALUE.REFERENCE><LOCALINSTANCEPATH>" +
+                                test::localPath("test", deviceName("p", 1, "Test_Port")) +
+                                "</LOCALINSTANCEPATH></VALUE.REFERENCE></PROPERTY.REFERENCE>"));
   EXPECT_THAT(answer, HasSubstr("<VALUE>owns</VALUE>"));
 }
 
 TEST_F(InstanceOperations, TellOfAnInstanceThatThereIsNot) {
-  EXPECT_THAT(
-      ask("GetInstance",
-          {given("InstanceName", objectName("Test_Device.InstanceID=\"z\",Slot=1"))}),
-      IsError(6, "there is no instance Test_Device.InstanceID=&quot;z&quot;,Slot=1"));
+  EXPECT_THAT(ask("GetInstance",
+                  {given("InstanceName", objectName("Test_Device.InstanceID=\"z\",Slot=1"))}),
+              IsError(6, "there is no instance Test_Device.InstanceID=&quot;z&quot;,Slot=1"));
   EXPECT_THAT(ask("GetInstance", {given("InstanceName", objectName("Test_Device.Slot=1"))}),
               IsError(6, _));
   EXPECT_THAT(ask("GetInstance", {given("InstanceName", objectName("Test_No.Slot=1"))}),

@@ -45,11 +45,9 @@ class InstanceResults : public testing::Test {
   std::string m_host = "server1";
   wbem::PullEnumerations m_enumerations{std::chrono::steady_clock::now};
   std::string m_answer;
-  wbem::OperationCall m_call{m_request,    m_caller,
-                             m_parameters, m_broker,
-                             m_namespaces, m_namespaces.agents(),
-                             m_host,       m_enumerations,
-                             m_answer};
+  wbem::OperationCall m_call{m_request, m_caller,       m_parameters,
+                             m_broker,  m_namespaces,   m_namespaces.agents(),
+                             m_host,    m_enumerations, m_answer};
   wbem::PropertyChoice m_choice{{}, std::vector<std::string>{"Name"}};
   test::Device m_device{"a", 1};
   std::vector<std::size_t> m_ends;

@@ -75,15 +75,13 @@ TEST_F(MethodOperations, HandOverArgumentsOfAllTypes) {
   cimxml::ObjectName peer = objectName("test_port.slot=1,instanceid=\"p\"");
   peer.host = "anywhere";
   peer.nameSpace = "root/test";
-  EXPECT_EQ(invokeTry({given("NUMBER", "7", "uint16"),
-                       given("wide", "18446744073709551615", "uint64"),
-                       given("Small", "-3", "sint8"), given("Flag", "true", "boolean"),
-                       given("When", "00000000000002.000000:000", "datetime"),
-                       given("Text", "a\nb", "string"),
-                       given("Numbers", texts({"3", "5"}), "uint16"),
-                       given("Texts", texts({"x", ""}), "string"),
-                       given("Peer", peer, "reference")}),
-            returnValue(0));
+  EXPECT_EQ(
+      invokeTry({given("NUMBER", "7", "uint16"), given("wide", "18446744073709551615", "uint64"),
+                 given("Small", "-3", "sint8"), given("Flag", "true", "boolean"),
+                 given("When", "00000000000002.000000:000", "datetime"),
+                 given("Text", "a\nb", "string"), given("Numbers", texts({"3", "5"}), "uint16"),
+                 given("Texts", texts({"x", ""}), "string"), given("Peer", peer, "reference")}),
+      returnValue(0));
   EXPECT_TRUE(m_isInvoked);
 }
 
@@ -117,17 +115,18 @@ TEST_F(MethodOperations, AnswerTheJob) {
     dynamic_cast<core::CimPropertyString&>(*out.get("Answer")).setValue("<started>");
     return 4096U;
   };
-  EXPECT_EQ(invokeTry({given("Job", cimxml::Value())}),
-            returnValue(4096) +
-                "<PARAMVALUE NAME=\"Job\" PARAMTYPE=\"reference\"><VALUE.REFERENCE>"
-                "<LOCALINSTANCEPATH>" +
-                test::localPath("test",
-                                "<INSTANCENAME CLASSNAME=\"Test_Job\"><KEYBINDING "
-                                "NAME=\"InstanceID\"><KEYVALUE VALUETYPE=\"string\" TYPE=\"string\">job 2"
-                                "</KEYVALUE></KEYBINDING></INSTANCENAME>") +
-                "</LOCALINSTANCEPATH></VALUE.REFERENCE></PARAMVALUE>"
-                "<PARAMVALUE NAME=\"Answer\" PARAMTYPE=\"string\"><VALUE>&lt;started&gt;</VALUE>"
-                "</PARAMVALUE>");
+  EXPECT_EQ(
+      invokeTry({given("Job", cimxml::Value())}),
+      returnValue(4096) +
+          "<PARAMVALUE NAME=\"Job\" PARAMTYPE=\"reference\"><VALUE.REFERENCE>"
+          "<LOCALINSTANCEPATH>" +
+          test::localPath("test",
+                          "<INSTANCENAME CLASSNAME=\"Test_Job\"><KEYBINDING "
+                          "NAME=\"InstanceID\"><KEYVALUE VALUETYPE=\"string\" TYPE=\"string\">job 2"
+                          "</KEYVALUE></KEYBINDING></INSTANCENAME>") +
+          "</LOCALINSTANCEPATH></VALUE.REFERENCE></PARAMVALUE>"
+          "<PARAMVALUE NAME=\"Answer\" PARAMTYPE=\"string\"><VALUE>&lt;started&gt;</VALUE>"
+          "</PARAMVALUE>");
 }
 
 struct WrongArgument {
@@ -184,11 +183,11 @@ TEST_F(MethodOperations, TakeTheNameInAnyCase) {
 
 template <class Error>
 test::Invocation throwing() {
-  return [](core::CimPropertyList&, core::CimPropertyList& out,
-            core::CimInstance**) -> std::uint32_t {
-    dynamic_cast<core::CimPropertyString&>(*out.get("Answer")).setValue("half done");
-    throw Error("it <broke>");
-  };
+  return
+      [](core::CimPropertyList&, core::CimPropertyList& out, core::CimInstance**) -> std::uint32_t {
+        dynamic_cast<core::CimPropertyString&>(*out.get("Answer")).setValue("half done");
+        throw Error("it <broke>");
+      };
 }
 
 TEST_F(MethodOperations, AnswerWhatTheMethodThrows) {

@@ -24,8 +24,8 @@
 namespace test {
 
 // What the tests make a method do.
-using Invocation = std::function<std::uint32_t(core::CimPropertyList& in, core::CimPropertyList& out,
-                                               core::CimInstance** job)>;
+using Invocation = std::function<std::uint32_t(
+    core::CimPropertyList& in, core::CimPropertyList& out, core::CimInstance** job)>;
 
 class Device : public CIM_ManagedElement {
  public:

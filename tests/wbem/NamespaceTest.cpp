@@ -72,15 +72,13 @@ TEST_F(NamespaceTest, FindsAnInstanceByItsName) {
   const auto use = [&found](const wbem::ServedClass& served, core::CimInstance& instance) {
     found = served.declaration->name + " " + instance.getPath();
   };
-  EXPECT_TRUE(
-      agents().withInstance(test::objectName("test_device.InstanceID=\"b\",Slot=2"), use));
+  EXPECT_TRUE(agents().withInstance(test::objectName("test_device.InstanceID=\"b\",Slot=2"), use));
   EXPECT_EQ(found, "Test_Device Test_Device.InstanceID=\"b\",Slot=2");
   // The class is that of the instance, not one above.
   EXPECT_FALSE(agents().withInstance(test::objectName("Test_Device.InstanceID=\"p\",Slot=1"), use));
   EXPECT_FALSE(agents().withInstance(test::objectName("CIM_ManagedElement.InstanceID=\"b\""), use));
-  EXPECT_THAT(
-      [&] { static_cast<void>(agents().withInstance(test::objectName("No.A=1"), use)); },
-      Throws<StatusFault>(Property(&StatusFault::status, Status::InvalidClass)));
+  EXPECT_THAT([&] { static_cast<void>(agents().withInstance(test::objectName("No.A=1"), use)); },
+              Throws<StatusFault>(Property(&StatusFault::status, Status::InvalidClass)));
 }
 
 TEST_F(NamespaceTest, KeepsTheFormatOfAClassForEachWayToAsk) {

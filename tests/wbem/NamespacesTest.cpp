@@ -58,14 +58,13 @@ TEST_F(NamespacesTest, HaveTheProfilesAndTheServerInInterop) {
   EXPECT_THAT(servedOf(namespaces.interop()),
               UnorderedElementsAre("CIM_Namespace", "CIM_ObjectManager", "Test_RegisteredProfile",
                                    "Test_ElementConformsToProfile"));
-  EXPECT_THAT(
-      classesOf(namespaces.interop()),
-      UnorderedElementsAre("CIM_ManagedElement", "CIM_RegisteredSpecification",
-                           "CIM_RegisteredProfile", "Test_RegisteredProfile",
-                           "CIM_ElementConformsToProfile", "Test_ElementConformsToProfile",
-                           "CIM_Namespace", "CIM_ManagedSystemElement", "CIM_LogicalElement",
-                           "CIM_EnabledLogicalElement", "CIM_Service", "CIM_WBEMService",
-                           "CIM_ObjectManager"));
+  EXPECT_THAT(classesOf(namespaces.interop()),
+              UnorderedElementsAre("CIM_ManagedElement", "CIM_RegisteredSpecification",
+                                   "CIM_RegisteredProfile", "Test_RegisteredProfile",
+                                   "CIM_ElementConformsToProfile", "Test_ElementConformsToProfile",
+                                   "CIM_Namespace", "CIM_ManagedSystemElement",
+                                   "CIM_LogicalElement", "CIM_EnabledLogicalElement", "CIM_Service",
+                                   "CIM_WBEMService", "CIM_ObjectManager"));
   EXPECT_EQ(namespaces.agents().schema().find("CIM_Namespace"), nullptr);
 }
 

@@ -66,8 +66,8 @@ TEST_F(PropertyValues, AreOfTheirTypes) {
   EXPECT_THAT(valueOf<core::CimPropertyUint16_arr>(core::kCimUint16Array, texts({})), IsEmpty());
   EXPECT_THAT(valueOf<core::CimPropertyString_arr>(core::kCimStringArray, texts({"", "b"})),
               ElementsAre("", "b"));
-  const utils::Datetime interval = valueOf<core::CimPropertyDatetime>(
-      core::kCimDatetime, "00000000000001.000000:000");
+  const utils::Datetime interval =
+      valueOf<core::CimPropertyDatetime>(core::kCimDatetime, "00000000000001.000000:000");
   EXPECT_EQ(interval.value, 1'000'000U);
   EXPECT_FALSE(interval.isTimestamp);
 }
@@ -96,7 +96,8 @@ TEST_F(PropertyValues, OfAnotherFormAreRefused) {
   expectRefusal(core::kCimString, objectName("A.B=1"), "is to be one value");
   expectRefusal(core::kCimUint16Array, "1", "is to be an array");
   expectRefusal(core::kCimUint16Array, texts({"1", "x"}), "'x' is no whole number");
-  expectRefusal(core::kCimStringArray, cimxml::StringArray{"a", std::nullopt}, "an element is NULL");
+  expectRefusal(core::kCimStringArray, cimxml::StringArray{"a", std::nullopt},
+                "an element is NULL");
   expectRefusal(core::kCimReference, texts({"A.B=1"}), "is to be one value");
   expectRefusal(core::kCimReference, "a b", "'a b' is no object path");
 }
@@ -116,11 +117,11 @@ TEST_F(PropertyValues, OfReferencesAreObjectPathsAsAgentsWriteThem) {
   EXPECT_EQ(reference(test::className("test_device")), "Test_Device");
 
   name.nameSpace = "root/other";
-  EXPECT_THAT([&] { make(core::kCimReference, name); },
-              Throws<StatusFault>(AllOf(
-                  Property(&StatusFault::status, Status::InvalidParameter),
-                  Property(&StatusFault::what,
-                           HasSubstr("there is no namespace 'root/other' here")))));
+  EXPECT_THAT(
+      [&] { make(core::kCimReference, name); },
+      Throws<StatusFault>(AllOf(
+          Property(&StatusFault::status, Status::InvalidParameter),
+          Property(&StatusFault::what, HasSubstr("there is no namespace 'root/other' here")))));
 }
 
 TEST_F(PropertyValues, AreRefusedWhenTheMessageSaysAnotherType) {

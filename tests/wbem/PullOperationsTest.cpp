@@ -88,8 +88,8 @@ class PullOperations : public test::ServerFixture {
 };
 
 TEST_F(PullOperations, GiveAllAtOnceWhenThereIsRoom) {
-  EXPECT_EQ(ask("OpenEnumerateInstancePaths", {given("ClassName", className("test_device")),
-                                               given("MaxObjectCount", "3")}),
+  EXPECT_EQ(ask("OpenEnumerateInstancePaths",
+                {given("ClassName", className("test_device")), given("MaxObjectCount", "3")}),
             returned(m_paths[0] + m_paths[1] + m_paths[2]) + kLast);
   EXPECT_EQ(ask("OpenEnumerateInstances",
                 {given("ClassName", className("Test_Port")), given("MaxObjectCount", "9"),
@@ -101,8 +101,8 @@ TEST_F(PullOperations, GiveAllAtOnceWhenThereIsRoom) {
 }
 
 TEST_F(PullOperations, GiveOneAfterTheOther) {
-  const std::string opened = ask("OpenEnumerateInstancePaths",
-                                 {given("ClassName", className("Test_Device"))});
+  const std::string opened =
+      ask("OpenEnumerateInstancePaths", {given("ClassName", className("Test_Device"))});
   const std::string context = contextOf(opened);
   EXPECT_EQ(opened, returned("") + more(context));
   EXPECT_EQ(pull(context, "1"), returned(m_paths[0]) + more(context));
@@ -136,18 +136,18 @@ TEST_F(PullOperations, FollowAssociations) {
                   {given("InstanceName", objectName(kFirst)), given("MaxObjectCount", "5"),
                    given("ResultClass", className("Test_Link"))}),
               StartsWith("<IRETURNVALUE><INSTANCEPATH>"));
-  EXPECT_THAT(ask("OpenReferenceInstances",
-                  {given("InstanceName", objectName(kFirst)), given("MaxObjectCount", "5"),
-                   given("Role", "ManagedElement")}),
-              AllOf(HasSubstr("<INSTANCE CLASSNAME=\"Test_ElementConformsToProfile\">"),
-                    HasSubstr(kLast)));
+  EXPECT_THAT(
+      ask("OpenReferenceInstances",
+          {given("InstanceName", objectName(kFirst)), given("MaxObjectCount", "5"),
+           given("Role", "ManagedElement")}),
+      AllOf(HasSubstr("<INSTANCE CLASSNAME=\"Test_ElementConformsToProfile\">"), HasSubstr(kLast)));
 }
 
 TEST_F(PullOperations, PullInstancesOfEachOpening) {
   for (const OpenCase& one : openCases()) {
     const std::string context = contextOf(open(one));
-    const std::string answer = ask(one.pull, {given("EnumerationContext", context),
-                                              given("MaxObjectCount", "99")});
+    const std::string answer =
+        ask(one.pull, {given("EnumerationContext", context), given("MaxObjectCount", "99")});
     EXPECT_THAT(answer, HasSubstr(kLast)) << one.operation;
     EXPECT_THAT(answer, StartsWith("<IRETURNVALUE><")) << one.operation;
   }

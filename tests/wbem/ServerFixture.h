@@ -53,7 +53,8 @@ inline std::string deviceName(const std::string& id, int slot,
                               const std::string& className = "Test_Device") {
   return "<INSTANCENAME CLASSNAME=\"" + className +
          "\"><KEYBINDING NAME=\"InstanceID\"><KEYVALUE VALUETYPE=\"string\" TYPE=\"string\">" + id +
-         "</KEYVALUE></KEYBINDING><KEYBINDING NAME=\"Slot\"><KEYVALUE VALUETYPE=\"numeric\" TYPE=\"uint16\">" +
+         "</KEYVALUE></KEYBINDING><KEYBINDING NAME=\"Slot\"><KEYVALUE VALUETYPE=\"numeric\" "
+         "TYPE=\"uint16\">" +
          std::to_string(slot) + "</KEYVALUE></KEYBINDING></INSTANCENAME>";
 }
 
@@ -112,10 +113,11 @@ class ServerFixture : public testing::Test {
   std::string send(const cimxml::Request& request, const std::string& element) {
     std::string answer;
     m_server.answer(request, m_caller, answer);
-    const std::string begin = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
-                              "<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE ID=\"77\" "
-                              "PROTOCOLVERSION=\"1.0\"><SIMPLERSP><" +
-                              element + " NAME=\"" + request.name + "\">";
+    const std::string begin =
+        "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
+        "<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE ID=\"77\" "
+        "PROTOCOLVERSION=\"1.0\"><SIMPLERSP><" +
+        element + " NAME=\"" + request.name + "\">";
     const std::string end = "</" + element + "></SIMPLERSP></MESSAGE></CIM>";
     if (!answer.starts_with(begin) || answer.find(end) == std::string::npos) {
       return "no answer: " + answer;

@@ -28,20 +28,20 @@ constexpr const char* kFirst = "Test_Device.InstanceID=\"a\",Slot=1";
 class Server : public test::ServerFixture {
  protected:
   std::string modifyName(const std::string& name) {
-    return ask("ModifyInstance",
-               {given("ModifiedInstance", cimxml::InstanceValue{objectName(kFirst),
-                                                                {{"Name", "string", false, name}}})});
+    return ask(
+        "ModifyInstance",
+        {given("ModifiedInstance",
+               cimxml::InstanceValue{objectName(kFirst), {{"Name", "string", false, name}}})});
   }
 };
 
 auto IsRecord(const std::string& action, const std::string& target,
               const testing::Matcher<std::string>& result) {
-  return AllOf(Field("action", &AuditRecord::action, action),
-               Field("target", &AuditRecord::target, target),
-               Field("result", &AuditRecord::result, result),
-               Field("caller", &AuditRecord::caller,
-                     AllOf(Field(&wbem::Caller::user, "ann"),
-                           Field(&wbem::Caller::address, "192.0.2.7"))));
+  return AllOf(
+      Field("action", &AuditRecord::action, action), Field("target", &AuditRecord::target, target),
+      Field("result", &AuditRecord::result, result),
+      Field("caller", &AuditRecord::caller,
+            AllOf(Field(&wbem::Caller::user, "ann"), Field(&wbem::Caller::address, "192.0.2.7"))));
 }
 
 TEST_F(Server, AnswersBehindWhatIsInTheBuffer) {
@@ -56,18 +56,17 @@ TEST_F(Server, AnswersBehindWhatIsInTheBuffer) {
 }
 
 TEST_F(Server, DoesNotSupportOtherOperations) {
-  for (const char* operation :
-       {"CreateInstance", "DeleteInstance", "ExecQuery", "GetQualifier", "EnumerationCount",
-        "OpenQueryInstances", "SetProperty", "Sing"}) {
-    EXPECT_THAT(ask(operation), IsError(7, "operation " + std::string(operation) +
-                                               " is not offered"));
+  for (const char* operation : {"CreateInstance", "DeleteInstance", "ExecQuery", "GetQualifier",
+                                "EnumerationCount", "OpenQueryInstances", "SetProperty", "Sing"}) {
+    EXPECT_THAT(ask(operation),
+                IsError(7, "operation " + std::string(operation) + " is not offered"));
   }
 }
 
 TEST_F(Server, TakesOperationsAndNamespacesInAnyCase) {
-  EXPECT_THAT(ask("enumerateINSTANCENAMES", {given("ClassName", className("Test_Port"))},
-                  "Root/TEST"),
-              HasSubstr("<INSTANCENAME CLASSNAME=\"Test_Port\">"));
+  EXPECT_THAT(
+      ask("enumerateINSTANCENAMES", {given("ClassName", className("Test_Port"))}, "Root/TEST"),
+      HasSubstr("<INSTANCENAME CLASSNAME=\"Test_Port\">"));
 }
 
 TEST_F(Server, AnswersWhatAProviderThrows) {
@@ -87,7 +86,8 @@ TEST_F(Server, ServesAgentsThatAreAddedLater) {
   const std::string before = askForPorts();
   test::ModelAgent second;
   m_broker.addAgent(&second);
-  EXPECT_EQ(askForPorts().size(), 2 * before.size() - std::string("<IRETURNVALUE></IRETURNVALUE>").size());
+  EXPECT_EQ(askForPorts().size(),
+            2 * before.size() - std::string("<IRETURNVALUE></IRETURNVALUE>").size());
 }
 
 // -- roles --
@@ -107,8 +107,9 @@ TEST_F(Server, LetsAReaderChangeNothing) {
     ADD_FAILURE() << "was invoked";
     return 0U;
   };
-  EXPECT_THAT(modifyName("new"), IsError(2, "user &apos;ann&apos; may read only; ModifyInstance "
-                                            "needs an operator"));
+  EXPECT_THAT(modifyName("new"), IsError(2,
+                                         "user &apos;ann&apos; may read only; ModifyInstance "
+                                         "needs an operator"));
   EXPECT_THAT(invoke(objectName(kFirst), "Try"),
               IsError(2, "user &apos;ann&apos; may read only; Try needs an operator"));
   EXPECT_THAT(ask("GetInstance", {given("InstanceName", objectName(kFirst))}),
