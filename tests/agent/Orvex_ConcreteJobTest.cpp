@@ -7,75 +7,28 @@
 #include <vector>
 
 #include "Utils/Clock.h"
-#include "agent/Orvex_ConcreteJob.h"
-#include "tests/agent/FakeMidApi.h"
-#include "tests/agent/FakeSystem.h"
+#include "tests/agent/ConcreteJobFixture.h"
 #include "tests/agent/NoMoreThreads.h"
-#include "tests/support/LogCapture.h"
 #include "tests/support/PointerPattern.h"
 #include "tests/support/Regex.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/Throws.h"
-#include "tests/support/WaitUntil.h"
 
 namespace {
 
+using ConcreteJob = test::ConcreteJobFixture;
 using test::HasRecordOf;
 using test::IsRecordOf;
+using test::kAdapter;
 using test::LogLevel;
 using test::MatchesRegex;
 using testing::Contains;
 using testing::ElementsAre;
 using utils::FirmwareType;
 
-constexpr const char* kAdapter = "0000:03:00.0";
 constexpr const char* kSource = "Orvex_ConcreteJob";
 constexpr const char* kControl = "Orvex_ConcreteJob::threadControl";
 constexpr const char* kRequest = "Orvex_ConcreteJob::requestStateChange";
-
-class ConcreteJob : public testing::Test {
- protected:
-  ~ConcreteJob() override {
-    m_midApi.releaseWrites();
-    m_job.reset();
-    target_in_progress::clear();
-  }
-
-  std::unique_ptr<Orvex_ConcreteJob> makeJob() {
-    return std::make_unique<Orvex_ConcreteJob>(
-        kAdapter, 7,
-        VerifiedImage{test::bytesOf("image"),
-                      {FirmwareType::Pxe, FirmwareType::Iscsi},
-                      TargetReservation(kAdapter)});
-  }
-
-  std::uint32_t request(std::uint16_t state) {
-    return m_job->requestStateChange(state, utils::Datetime(0));
-  }
-
-  bool deleteThread() { return m_job->threadControl(Orvex_ConcreteJob::kDeleteThread, 0); }
-
-  // Starts the job and waits until its thread is in the flash library, where it stays.
-  void startAndHold() {
-    m_midApi.holdWrites();
-    ASSERT_EQ(request(2), 0u);
-    ASSERT_TRUE(m_midApi.awaitHeldWrite());
-  }
-
-  // Lets the job end and deletes its thread.
-  void finish() {
-    m_midApi.releaseWrites();
-    ASSERT_TRUE(test::waitUntil([this] { return deleteThread(); }));
-  }
-
-  void change(int state) { m_job->setJobState(static_cast<ConcreteJobState>(state)); }
-
-  test::LogCapture m_log;
-  test::FakeConfig m_config;
-  test::FakeLocker m_locker;
-  test::FakeMidApi m_midApi;
-  std::unique_ptr<Orvex_ConcreteJob> m_job = makeJob();
-};
 
 TEST_F(ConcreteJob, IsNewWhenItIsMade) {
   EXPECT_EQ(m_job->getJobState(), ConcreteJobState::New);
@@ -432,94 +385,6 @@ TEST_F(ConcreteJob, KeepsOneStatusHoweverOftenItPublishes) {
 TEST_F(ConcreteJob, HasItsInstanceIdAsKey) {
   m_job->setPropertyValues();
   EXPECT_EQ(m_job->getPath(), "Orvex_ConcreteJob.InstanceID=\"Orvex:FirmwareUpdate@Job#7\"");
-}
-
-// -- the method that clients invoke --
-
-class RequestStateChange : public ConcreteJob {
- protected:
-  std::uint32_t invoke() {
-    return m_job->invokeMethod("RequestStateChange", &m_in, nullptr, nullptr);
-  }
-
-  core::CimPropertyUint16 m_requestedState{"RequestedState", nullptr};
-  core::CimPropertyDatetime m_timeoutPeriod{"TimeoutPeriod", nullptr};
-  core::CimPropertyList m_in;
-};
-
-TEST_F(RequestStateChange, StartsANewJob) {
-  m_requestedState.setValue(2);
-  m_timeoutPeriod.setValue(utils::Datetime(1'000'000));
-  m_in.add(&m_requestedState);
-  m_in.add(&m_timeoutPeriod);
-  m_midApi.holdWrites();
-
-  EXPECT_EQ(invoke(), Orvex_ConcreteJob::kStateChanged);
-  EXPECT_TRUE(m_midApi.awaitHeldWrite());
-  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::Running);
-  finish();
-}
-
-TEST_F(RequestStateChange, NeedsNoTimeout) {
-  m_requestedState.setValue(2);
-  m_in.add(&m_requestedState);
-
-  EXPECT_EQ(invoke(), Orvex_ConcreteJob::kStateChanged);
-  finish();
-}
-
-TEST_F(RequestStateChange, RefusesAStartedJob) {
-  startAndHold();
-  m_requestedState.setValue(2);
-  m_in.add(&m_requestedState);
-
-  EXPECT_EQ(invoke(), Orvex_ConcreteJob::kInvalidStateTransition);
-  finish();
-}
-
-TEST_F(RequestStateChange, RefusesOtherStates) {
-  m_requestedState.setValue(4);
-  m_in.add(&m_requestedState);
-
-  EXPECT_EQ(invoke(), Orvex_ConcreteJob::kStateChangeInvalid);
-  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::New);
-}
-
-TEST_F(RequestStateChange, ReportsAThreadThatDoesNotStart) {
-  m_requestedState.setValue(2);
-  m_in.add(&m_requestedState);
-  const test::NoMoreThreads noMoreThreads;
-
-  EXPECT_EQ(invoke(), Orvex_ConcreteJob::kStateChangeFailed);
-}
-
-TEST_F(RequestStateChange, NeedsTheState) {
-  EXPECT_EQ(invoke(), Orvex_ConcreteJob::kStateChangeInvalid);
-  m_in.add(&m_requestedState);  // NULL
-  EXPECT_EQ(invoke(), Orvex_ConcreteJob::kStateChangeInvalid);
-  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::New);
-}
-
-TEST_F(RequestStateChange, TakesAnArgumentOfAnotherTypeForMissing) {
-  core::CimPropertyUint32 requestedState("RequestedState", nullptr);
-  requestedState.setValue(2);
-  m_in.add(&requestedState);
-  EXPECT_EQ(invoke(), Orvex_ConcreteJob::kStateChangeInvalid);
-
-  core::CimPropertyString timeoutPeriod("TimeoutPeriod", nullptr);
-  timeoutPeriod.setValue("soon");
-  m_requestedState.setValue(2);
-  m_in.add(&m_requestedState);
-  m_in.add(&timeoutPeriod);
-  EXPECT_EQ(invoke(), Orvex_ConcreteJob::kStateChanged);
-  finish();
-}
-
-TEST_F(RequestStateChange, IsTheMethodThatAJobRegisters) {
-  EXPECT_TRUE(m_job->hasMethod("RequestStateChange"));
-  EXPECT_THAT(m_log.records(),
-              HasRecordOf("CimInstance", LogLevel::Debug, "core::CimInstance::addMethod",
-                          "Adding new RequestStateChange method for Orvex_ConcreteJob class"));
 }
 
 }  // namespace
