@@ -89,42 +89,45 @@ bool isSameKey(const KeyBinding& left, const KeyBinding& right) {
 
 }  // namespace
 
-KeyMatcher::KeyMatcher(const core::ClassDeclaration& declaration, const ObjectName& name) {
+KeyMatcher::KeyMatcher(const core::ClassDeclaration& declaration, const ObjectName& name)
+    : m_keys(resolve(declaration, name)) {}
+
+bool KeyMatcher::matches(core::CimInstance& instance) const {
+  const auto matchesKey = [&instance](const Key& key) {
+    const core::CimProperty* property = instance.getProperty(*key.propertyName);
+    if (property == nullptr || property->isNull()) {
+      return false;
+    }
+    if (key.reference.empty()) {
+      return hasKey(*property, *key.binding);
+    }
+    return property->getType() == core::kCimReference &&
+           leadsTo(static_cast<const core::CimPropertyRef&>(*property), key.reference.front());
+  };
+  return m_keys && std::all_of(m_keys->begin(), m_keys->end(), matchesKey);
+}
+
+std::optional<std::vector<KeyMatcher::Key>> KeyMatcher::resolve(
+    const core::ClassDeclaration& declaration, const ObjectName& name) {
+  std::vector<Key> keys;
   for (const core::PropertyDeclaration& property : declaration.properties) {
     if (!property.isKey) {
       continue;
     }
     Key key{&property.name, findKey(name.keys, property.name), {}};
     if (key.binding == nullptr) {
-      m_fits = false;
-      return;
+      return std::nullopt;
     }
     if (property.type == core::kCimReference) {
       std::optional<ObjectName> reference = toReference(*key.binding);
       if (!reference) {
-        m_fits = false;
-        return;
+        return std::nullopt;
       }
       key.reference.push_back(std::move(*reference));
     }
-    m_keys.push_back(std::move(key));
+    keys.push_back(std::move(key));
   }
-  m_fits = m_keys.size() == name.keys.size();
-}
-
-bool KeyMatcher::matches(core::CimInstance& instance) const {
-  return m_fits && std::all_of(m_keys.begin(), m_keys.end(), [&instance](const Key& key) {
-           const core::CimProperty* property = instance.getProperty(*key.propertyName);
-           if (property == nullptr || property->isNull()) {
-             return false;
-           }
-           if (key.reference.empty()) {
-             return hasKey(*property, *key.binding);
-           }
-           return property->getType() == core::kCimReference &&
-                  leadsTo(static_cast<const core::CimPropertyRef&>(*property),
-                          key.reference.front());
-         });
+  return keys.size() == name.keys.size() ? std::optional(std::move(keys)) : std::nullopt;
 }
 
 bool isNamed(core::CimInstance& instance, const ObjectName& name) {

@@ -4,6 +4,7 @@
 #ifndef ORVEX_WBEM_INSTANCENAMES_H_
 #define ORVEX_WBEM_INSTANCENAMES_H_
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -31,8 +32,11 @@ class KeyMatcher {
     std::vector<cimxml::ObjectName> reference;  // of a reference: where it leads, else empty
   };
 
-  std::vector<Key> m_keys;
-  bool m_fits = true;  // the name has the keys of the class and no others
+  // Returns nothing unless the name has the keys of the class and no others.
+  static std::optional<std::vector<Key>> resolve(const core::ClassDeclaration& declaration,
+                                                 const cimxml::ObjectName& name);
+
+  const std::optional<std::vector<Key>> m_keys;
 };
 
 // Returns whether the name is that of the instance. Namespaces and hosts are left aside.
