@@ -1,0 +1,20 @@
+// The program `quorveld`, but for its entry point.
+
+#ifndef ORVEX_HOST_DAEMON_H_
+#define ORVEX_HOST_DAEMON_H_
+
+#include <ostream>
+
+#include "host/CommandLine.h"
+
+namespace host {
+
+// Serves until a signal asks to stop and no job runs any more. To be called once in a process,
+// before there are other threads. `out` gets a line for each address that is listened on, `err`
+// what went wrong. Throws utils::Exception and std::system_error.
+[[nodiscard]] ExitStatus runDaemon(int argc, const char* const* argv, std::ostream& out,
+                                   std::ostream& err);
+
+}  // namespace host
+
+#endif  // ORVEX_HOST_DAEMON_H_

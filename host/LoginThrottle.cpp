@@ -1,0 +1,38 @@
+#include "host/LoginThrottle.h"
+
+#include <algorithm>
+
+#include "host/Addresses.h"
+
+namespace host {
+
+std::optional<std::chrono::milliseconds> LoginThrottle::findRefusal(const std::string& address) {
+  const auto found = m_failures.find(toClientNetwork(address));
+  if (found == m_failures.end() || m_now() >= found->second.last + found->second.delay) {
+    return std::nullopt;
+  }
+  return found->second.delay;
+}
+
+std::chrono::milliseconds LoginThrottle::addFailure(const std::string& address) {
+  const Clock::time_point now = m_now();
+  forget(now);
+  Failures& failures = m_failures[toClientNetwork(address)];
+  failures.delay =
+      failures.delay.count() == 0 ? kFirstDelay : std::min(failures.delay * 2, kLongestDelay);
+  failures.last = now;
+  return failures.delay;
+}
+
+void LoginThrottle::forget(Clock::time_point now) {
+  std::erase_if(m_failures,
+                [now](const auto& entry) { return now >= entry.second.last + kMemory; });
+  // Where there are too many, the one that has been quiet for longest goes.
+  while (m_failures.size() >= kMostNetworks) {
+    m_failures.erase(std::min_element(
+        m_failures.begin(), m_failures.end(),
+        [](const auto& one, const auto& other) { return one.second.last < other.second.last; }));
+  }
+}
+
+}  // namespace host
