@@ -270,7 +270,7 @@ DaemonConfig readDaemonConfig(const std::string& path) {
   std::set<std::string> seen;
   std::string text;
   for (unsigned number = 1; std::getline(file, text); ++number) {
-    const std::string line = utils::trim(text);
+    const std::string line = utils::trim(text.substr(0, text.find('\r')));
     if (!line.empty() && !line.starts_with('#')) {
       applyLine(config, path + ":" + std::to_string(number) + ": ", line, seen);
     }

@@ -101,7 +101,7 @@ PasswordFileAuthenticator::Users PasswordFileAuthenticator::read(const std::stri
   Users users;
   std::string text;
   for (unsigned number = 1; std::getline(file, text); ++number) {
-    const std::string line = utils::trim(text);
+    const std::string line = utils::trim(text.substr(0, text.find('\r')));
     if (line.empty() || line.starts_with('#')) {
       continue;
     }

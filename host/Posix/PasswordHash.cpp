@@ -26,8 +26,9 @@ bool isPasswordHash(const std::string& hash) {
   for (const Method& method : kMethods) {
     if (hash.starts_with(method.prefix)) {
       const std::size_t dollar = hash.rfind('$');
+      const int salt = crypt_checksalt(hash.c_str());
       return hash.size() - dollar - 1 == method.length && dollar >= method.prefix.size() &&
-             crypt_checksalt(hash.c_str()) == CRYPT_SALT_OK;
+             salt != CRYPT_SALT_INVALID && salt != CRYPT_SALT_METHOD_DISABLED;
     }
   }
   return false;
