@@ -113,9 +113,10 @@ std::string announce(const http::Server& server, std::ostream& out) {
   std::string list;
   for (const http::Endpoint& endpoint : server.endpoints()) {
     const std::string place = (endpoint.isTls ? "https://" : "http://") + endpoint.text();
-    out << "quorveld: listening on " << place << std::endl;
+    out << "quorveld: listening on " << place << '\n';
     list += (list.empty() ? "" : ", ") + place;
   }
+  out << "quorveld: serving" << std::endl;
   return list;
 }
 
