@@ -50,10 +50,11 @@ static void passNoTime(int /*result*/, unsigned /*microseconds*/, void* /*data*/
 // One conversation with PAM, ended with the object.
 class Conversation {
  public:
-  Conversation(const char* service, const std::string& user, const std::string& password)
+  Conversation(const char* service, const std::string& user, const std::string& password,
+               const char* directory)
       : m_password(password) {
     const pam_conv functions{answerPam, &m_password};
-    m_result = pam_start(service, user.c_str(), &functions, &m_handle);
+    m_result = pam_start_confdir(service, user.c_str(), &functions, directory, &m_handle);
     if (m_result == PAM_SUCCESS) {
       m_result = pam_set_item(m_handle, PAM_FAIL_DELAY, reinterpret_cast<const void*>(passNoTime));
     }
@@ -135,8 +136,9 @@ bool isListed(const std::vector<std::string>& list, const std::string& user) {
   });
 }
 
-bool verifyByPam(const char* service, const std::string& user, const std::string& password) {
-  Conversation conversation(service, user, password);
+bool verifyByPam(const char* service, const std::string& user, const std::string& password,
+                 const char* directory) {
+  Conversation conversation(service, user, password, directory);
   if (conversation.passes(pam_authenticate) && conversation.passes(pam_acct_mgmt)) {
     return true;
   }

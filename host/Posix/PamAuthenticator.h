@@ -40,9 +40,10 @@ class PamAuthenticator final : public Authenticator {
 };
 
 // Asks PAM: the password is given once, every other question is left unanswered, and no time is let
-// pass after a failure, which is the caller's to do.
+// pass after a failure, which is the caller's to do. `directory` holds the service's file; null:
+// the system's.
 [[nodiscard]] bool verifyByPam(const char* service, const std::string& user,
-                               const std::string& password);
+                               const std::string& password, const char* directory = nullptr);
 
 // Returns whether the user is in the list: by his name, or as a member of a group of it.
 [[nodiscard]] bool isListed(const std::vector<std::string>& list, const std::string& user);

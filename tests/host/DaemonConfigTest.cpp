@@ -1,5 +1,6 @@
 #include <filesystem>
 #include <gmock/gmock.h>
+#include <regex>
 #include <string>
 
 #include "host/DaemonConfig.h"
@@ -96,6 +97,25 @@ TEST_F(DaemonConfigTest, ReadsEverySetting) {
   EXPECT_EQ(config.maxBodyBytes, 65536u);
   EXPECT_EQ(config.requestTimeout, std::chrono::seconds(5));
   EXPECT_EQ(config.idleTimeout, std::chrono::seconds(6));
+}
+
+TEST_F(DaemonConfigTest, ReadsTheSampleFileWhoseNumbersAreTheDefaults) {
+  const std::string sample = test::readText(QUORVEL_TEST_SAMPLE_SETTINGS);
+  // As it stands, it sets nothing; with its settings in force, it is sound line by line.
+  EXPECT_THAT(host::readDaemonConfig(write(sample)).listen, IsEmpty());
+  const DaemonConfig config = host::readDaemonConfig(
+      write(std::regex_replace(sample, std::regex("\n#([a-z-]+ = )"), "\n$1")));
+  EXPECT_THAT(listenOf(config),
+              ElementsAre("127.0.0.1:5988", "https:0.0.0.0:5989", "https:[::]:5989"));
+  EXPECT_EQ(config.authentication, host::AuthenticationKind::None);
+  EXPECT_THAT(config.operators, ElementsAre("root", "@wheel"));
+  EXPECT_EQ(config.adapters, "/var/lib/orvex/adapters");
+  EXPECT_EQ(config.logLevel, "1");
+  const DaemonConfig defaults;
+  EXPECT_EQ(config.maxConnections, defaults.maxConnections);
+  EXPECT_EQ(config.maxBodyBytes, defaults.maxBodyBytes);
+  EXPECT_EQ(config.requestTimeout, defaults.requestTimeout);
+  EXPECT_EQ(config.idleTimeout, defaults.idleTimeout);
 }
 
 TEST_F(DaemonConfigTest, RefusesWhatCannotBeUsedAndSaysWhereAndWhatToDo) {

@@ -1,3 +1,5 @@
+#include <chrono>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <grp.h>
 #include <pwd.h>
@@ -5,6 +7,8 @@
 #include <unistd.h>
 
 #include "host/Posix/PamAuthenticator.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/TempDirectory.h"
 
 namespace {
 
@@ -57,7 +61,53 @@ TEST(PamAuthenticator, AsksForUsersWithoutARoleToo) {
   EXPECT_EQ(asked, "carl");
 }
 
-TEST(VerifyByPam, RefusesAUserThatTheSystemDoesNotKnow) {
+// A service whose users are anna with the password "secret", and bert, whose account has ended.
+class VerifyByPam : public testing::Test {
+ protected:
+  VerifyByPam() {
+    const std::string secret = script("secret", "[ \"$(/usr/bin/tr -d '\\0')\" = secret ]");
+    const std::string account = script("account", "[ \"$PAM_USER\" = anna ]");
+    m_directory.write("quorveld",
+                      "auth optional pam_faildelay.so delay=3000000\nauth required pam_exec.so "
+                      "quiet expose_authtok " +
+                          secret + "\naccount required pam_exec.so quiet " + account + "\n");
+  }
+
+  [[nodiscard]] bool verify(const std::string& user, const std::string& password,
+                            const char* service = "quorveld") const {
+    return host::verifyByPam(service, user, password, m_directory.path().c_str());
+  }
+
+ private:
+  [[nodiscard]] std::string script(const std::string& name, const std::string& condition) const {
+    const std::filesystem::path file = m_directory.write(name, "#!/bin/sh\n" + condition + "\n");
+    std::filesystem::permissions(file, std::filesystem::perms::owner_all);
+    return file.string();
+  }
+
+  test::TempDirectory m_directory;
+};
+
+TEST_F(VerifyByPam, PassesTheRightPasswordOfASoundAccount) {
+  EXPECT_TRUE(verify("anna", "secret"));
+  EXPECT_FALSE(verify("anna", "wrong"));
+  EXPECT_FALSE(verify("anna", ""));
+  EXPECT_FALSE(verify("bert", "secret"));
+}
+
+TEST_F(VerifyByPam, LosesNoTimeOverAFailure) {
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_FALSE(verify("anna", "wrong"));
+  // The service asks for three seconds.
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1500));
+}
+
+TEST_F(VerifyByPam, RefusesWithoutAService) {
+  const test::LogCapture log;
+  EXPECT_FALSE(verify("anna", "secret", "missing"));
+}
+
+TEST(VerifyBySystem, RefusesAUserThatTheSystemDoesNotKnow) {
   EXPECT_FALSE(host::verifyByPam("quorveld", "no-such-user", "secret"));
 }
 
