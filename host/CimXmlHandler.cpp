@@ -1,5 +1,7 @@
 #include "host/CimXmlHandler.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "host/Addresses.h"
@@ -31,12 +33,7 @@ void refuse(http::Response& response, unsigned status, std::string_view text) {
 }
 
 bool isKnownMethod(std::string_view method) {
-  for (const std::string_view known : kOtherMethods) {
-    if (method == known) {
-      return true;
-    }
-  }
-  return false;
+  return std::ranges::find(kOtherMethods, method) != std::end(kOtherMethods);
 }
 
 std::string_view pathOf(std::string_view target) {

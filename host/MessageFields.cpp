@@ -30,8 +30,8 @@ bool isSame(std::string_view one, std::string_view other) {
                     [](char left, char right) { return toLower(left) == toLower(right); });
 }
 
-template <std::size_t count>
-bool isOneOf(std::string_view text, const std::string_view (&list)[count]) {
+template <std::size_t Count>
+bool isOneOf(std::string_view text, const std::string_view (&list)[Count]) {
   return std::any_of(std::begin(list), std::end(list),
                      [text](std::string_view entry) { return isSame(text, entry); });
 }

@@ -113,10 +113,13 @@ PasswordFileAuthenticator::Users PasswordFileAuthenticator::read(const std::stri
     }
     const std::string user = line.substr(0, first);
     const std::string hash = line.substr(first + 1, last - first - 1);
+    std::string named = place;
+    named.append("user '").append(user).append("' ");
     if (!isPasswordHash(hash)) {
-      throw ConfigurationFault(place + "the hash of user '" + user +
-                               "' is damaged or of a weak method; make one with: openssl passwd "
-                               "-6");
+      throw ConfigurationFault(
+          named +
+          "has a hash that is damaged or of a weak method; make one with: openssl passwd "
+          "-6");
     }
     const std::optional<wbem::Role> role = findRole(std::string_view(line).substr(last + 1));
     if (!role) {
@@ -124,8 +127,7 @@ PasswordFileAuthenticator::Users PasswordFileAuthenticator::read(const std::stri
                                "' is no role; write reader or operator");
     }
     if (!users.emplace(user, User{hash, *role}).second) {
-      throw ConfigurationFault(place + "user '" + user +
-                               "' is there a second time; leave one of the lines out");
+      throw ConfigurationFault(named + "is there a second time; leave one of the lines out");
     }
   }
   if (file.bad()) {

@@ -38,7 +38,7 @@ class VerifiedLogins {
   static constexpr std::size_t kDigestBytes = 32;
   using Digest = std::array<std::uint8_t, kDigestBytes>;
   struct Login {
-    wbem::Role role;
+    wbem::Role role = wbem::Role::Reader;
     Clock::time_point until;
   };
 

@@ -30,8 +30,9 @@ static int answerPam(int count, const pam_message** messages, pam_response** res
   if (count <= 0 || count > PAM_MAX_NUM_MSG) {
     return PAM_CONV_ERR;
   }
-  auto* const answers = static_cast<pam_response*>(
-      std::calloc(static_cast<std::size_t>(count), sizeof(pam_response)));
+  void* const memory =
+      std::calloc(static_cast<std::size_t>(count), sizeof(pam_response));  // NOLINT(*-no-malloc)
+  auto* const answers = static_cast<pam_response*>(memory);
   if (answers == nullptr) {
     return PAM_BUF_ERR;
   }

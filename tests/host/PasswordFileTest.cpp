@@ -75,7 +75,8 @@ TEST_F(PasswordFileTest, NamesADamagedLine) {
   expectRefused("\nanna\n", path() + ":2: is not USER:HASH:ROLE");
   expectRefused("anna:operator\n", ":1: is not USER:HASH:ROLE");
   expectRefused(":" + kSecret + ":operator\n", ":1: is not USER:HASH:ROLE");
-  expectRefused("anna:secret:operator\n", ":1: the hash of user 'anna' is damaged or of a weak");
+  expectRefused("anna:secret:operator\n",
+                ":1: user 'anna' has a hash that is damaged or of a weak");
   expectRefused("anna:" + kSecret + ":admin\n", ":1: 'admin' is no role");
   expectRefused("anna:" + kSecret + ":reader\nanna:" + kSecret + ":operator\n",
                 ":2: user 'anna' is there a second time");
@@ -123,7 +124,7 @@ TEST_F(PasswordFileTest, KeepsWhatItHasWhereTheNewContentIsDamagedAndLogsItOnce)
   EXPECT_EQ(users.check("anna", "secret"), wbem::Role::Operator);
   EXPECT_EQ(users.revision(), before);
   EXPECT_THAT(log.messages("host::PasswordFileAuthenticator::readIfChanged"),
-              ElementsAre(AllOf(HasSubstr(path() + ":1: the hash of user 'anna' is damaged"),
+              ElementsAre(AllOf(HasSubstr(path() + ":1: user 'anna' has a hash that is damaged"),
                                 HasSubstr("stay in force"))));
 }
 
