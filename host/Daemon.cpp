@@ -73,7 +73,8 @@ void loadAgents(const DaemonConfig& config) {
     loadModules(getModuleDirectory());
   }
   for (const std::string& module : config.modules) {
-    loadModule(module);
+    // A name without a folder would be looked for among the system's libraries.
+    loadModule(std::filesystem::absolute(module));
   }
 }
 

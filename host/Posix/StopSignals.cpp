@@ -27,13 +27,22 @@ os::Descriptor demand(int descriptor, const char* call) {
   return os::Descriptor(descriptor);
 }
 
+bool isIgnored(int signal) {
+  struct sigaction action {};
+  return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
 }  // namespace
 
 StopSignals::StopSignals() {
+  std::signal(SIGPIPE, SIG_IGN);
   sigset_t signals;
   sigemptyset(&signals);
   for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
-    sigaddset(&signals, signal);
+    // The kernel keeps a signal that is held off even where it is to be ignored.
+    if (!isIgnored(signal)) {
+      sigaddset(&signals, signal);
+    }
   }
   if (const int error = pthread_sigmask(SIG_BLOCK, &signals, nullptr)) {
     throw std::system_error(error, std::generic_category(), "pthread_sigmask");

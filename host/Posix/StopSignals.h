@@ -34,8 +34,9 @@ class StopSignals {
     std::thread m_thread;
   };
 
-  // Holds the signals off from this thread, and so from the threads that it starts later: to be
-  // made before there are others. Throws std::system_error.
+  // Has the process ignore SIGPIPE, so that a reader of its output may go away, and holds the other
+  // signals off from this thread, and so from the threads that it starts later: to be made before
+  // there are others. Throws std::system_error.
   StopSignals();
   StopSignals(const StopSignals&) = delete;
   StopSignals& operator=(const StopSignals&) = delete;

@@ -1,4 +1,5 @@
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <gmock/gmock.h>
 #include <unistd.h>
@@ -6,6 +7,7 @@
 #include "host/Posix/StopSignals.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Posix/ChildProcess.h"
+#include "tests/support/Posix/Processes.h"
 #include "tests/support/WaitUntil.h"
 
 namespace {
@@ -51,6 +53,32 @@ TEST(StopSignals, DeliversASignalThatCameBefore) {
     std::atomic<bool> isStopped{false};
     const host::StopSignals::Delivery delivery(signals, [&isStopped] { isStopped = true; });
     return test::waitUntil([&isStopped] { return isStopped.load(); }) ? 0 : 1;
+  });
+  EXPECT_EQ(child.wait(), 0);
+}
+
+TEST(StopSignals, LeavesASignalThatIsIgnoredIgnored) {
+  test::ChildProcess child([](test::ChildProcess::Link&) {
+    std::signal(SIGINT, SIG_IGN);
+    const host::StopSignals signals;
+    const test::LogCapture log;
+    std::atomic<unsigned> stops{0};
+    const host::StopSignals::Delivery delivery(signals, [&stops] { ++stops; });
+    kill(getpid(), SIGINT);
+    kill(getpid(), SIGTERM);
+    const bool isStopped = test::waitUntil([&stops] { return stops == 1; });
+    const std::vector<std::string> messages = log.messages("host::StopSignals::Delivery::serve");
+    return isStopped && messages == std::vector<std::string>{"SIGTERM: stopping"} ? 0 : 1;
+  });
+  EXPECT_EQ(child.wait(), 0);
+}
+
+TEST(StopSignals, BearsAReaderThatGoesAway) {
+  test::ChildProcess child([](test::ChildProcess::Link&) {
+    const host::StopSignals signals;
+    const test::Pipe pipe;
+    close(pipe.out());
+    return write(pipe.in(), "x", 1) < 0 && errno == EPIPE ? 0 : 1;
   });
   EXPECT_EQ(child.wait(), 0);
 }
