@@ -1,46 +1,44 @@
 #include "cli/Associations.h"
 
+#include <utility>
+
 #include "cli/ServedClasses.h"
 
 namespace cli {
 namespace {
 
-std::vector<Reference> getReferences(core::CimInstance& instance) {
+std::vector<Reference> getReferences(const InstanceSnapshot& instance) {
   std::vector<Reference> references;
-  core::CimPropertyList::Iterator cursor = instance.getProperties().iterator();
-  for (core::CimProperty* property = cursor.first(); property != nullptr;
-       property = cursor.next()) {
-    if (property->getType() == core::kCimReference && !property->isNull()) {
-      references.push_back({property->getName(), property->toString()});
+  for (const PropertySnapshot& property : instance.properties) {
+    if (property.kind == PropertySnapshot::Kind::Reference && !property.value.is_null()) {
+      references.push_back({property.name, property.value.get<std::string>()});
     }
   }
   return references;
 }
 
 void appendReferencesTo(std::vector<Association>& associations, const std::string& path,
-                        core::CimInstance& instance) {
+                        const InstanceSnapshot& instance) {
   const std::vector<Reference> references = getReferences(instance);
   for (std::size_t i = 0; i < references.size(); ++i) {
     if (references[i].path == path) {
       std::vector<Reference> others = references;
       others.erase(others.begin() + static_cast<std::ptrdiff_t>(i));
       associations.push_back(
-          {instance.getClassName(), instance.getPath(), references[i].role, std::move(others)});
+          {instance.className, instance.path, references[i].role, std::move(others)});
     }
   }
 }
 
 }  // namespace
 
-ObjectReferences findReferences(core::CimBroker& broker, const core::CimPath& path) {
+ObjectReferences findReferences(Connection& connection, const core::CimPath& path) {
   ObjectReferences result;
-  core::CimInstance& instance = demandInstance(broker, path);
-  result.path = instance.getPath();
+  const InstanceSnapshot instance = demandInstance(connection, path);
+  result.path = instance.path;
   result.own = getReferences(instance);
-  for (const auto& [className, agents] : getServingAgents(broker)) {
-    for (core::CimInstance* candidate : broker.getInstances(className)) {
-      appendReferencesTo(result.associations, result.path, *candidate);
-    }
+  for (const InstanceSnapshot& candidate : connection.findReferencing(result.path)) {
+    appendReferencesTo(result.associations, result.path, candidate);
   }
   return result;
 }

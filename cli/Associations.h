@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "core/CimBroker.h"
+#include "cli/Connection.h"
 #include "core/CimPath.h"
 
 namespace cli {
@@ -33,9 +33,8 @@ struct ObjectReferences {
   std::vector<Association> associations;  // by class in alphabetical order, then as served
 };
 
-// Looks at every instance of every served class. The caller holds the broker's request; what is
-// returned are copies, valid for good. Throws as demandInstance, and what a provider throws.
-[[nodiscard]] ObjectReferences findReferences(core::CimBroker& broker, const core::CimPath& path);
+// Throws as demandInstance and Connection::findReferencing.
+[[nodiscard]] ObjectReferences findReferences(Connection& connection, const core::CimPath& path);
 
 }  // namespace cli
 

@@ -100,9 +100,8 @@ void print(std::ostream& out, const ObjectReferences& object) {
 
 ExitStatus showAssociations(const Context& context, const std::string& text) {
   const core::CimPath path = parseObjectPath(text);
-  core::CimBroker& broker = openBroker(context.options);
-  const core::CimBroker::Request request(broker);
-  const ObjectReferences object = findReferences(broker, path);
+  const std::unique_ptr<Connection> connection = openConnection(context.options);
+  const ObjectReferences object = findReferences(*connection, path);
   if (context.options.isJson) {
     printJson(context.out, toJson(object));
   } else {

@@ -53,17 +53,16 @@ void reportSuccess(const Context& context, const Target& target, const Identity&
 }
 
 ExitStatus check(const Context& context, const Options& options) {
-  core::CimBroker& broker = openBroker(context.options);
-  const core::CimBroker::Request request(broker);
-  const Target target = findTarget(broker, options.target);
-  const IdentityList list = readIdentities(broker);
+  const std::unique_ptr<Connection> connection = openConnection(context.options);
+  const Target target = findTarget(*connection, options.target);
+  const IdentityList list = readIdentities(*connection);
   const Identity& identity = findIdentity(list, options.identity);
-  const CheckAnswer answer = checkIdentity(broker, identity.path, target.path);
+  const CheckAnswer answer = checkIdentity(*connection, identity.path, target.path);
 
   const bool isPassed = answer.call.isAccepted();
   if (!isPassed) {
     reportRefusal(context, "check of " + identity.label() + " for " + target.label, answer.call,
-                  requestIdentity(identity, false));
+                  requestIdentity(identity, false, connection->isRemote()));
   } else if (!context.options.isJson) {
     reportSuccess(context, target, identity, answer);
   }

@@ -1,9 +1,9 @@
 #include "cli/ClassesCommand.h"
 
+#include <memory>
 #include <string>
 
 #include "cli/Output.h"
-#include "cli/ServedClasses.h"
 #include "cli/Session.h"
 #include "cli/TextTable.h"
 
@@ -38,7 +38,8 @@ void printTable(std::ostream& out, const ServingAgents& classes) {
 }
 
 ExitStatus showClasses(const Context& context) {
-  const ServingAgents classes = getServingAgents(openBroker(context.options));
+  const std::unique_ptr<Connection> connection = openConnection(context.options);
+  const ServingAgents classes = connection->getClasses();
   if (context.options.isJson) {
     printJson(context.out, toJson(classes));
   } else {

@@ -11,7 +11,6 @@
 #include "Utils/Exception.h"
 #include "cli/Context.h"
 #include "cli/ErrorRecords.h"
-#include "cli/Output.h"
 #include "cli/ServedClasses.h"
 #include "core/CimPath.h"
 
@@ -28,13 +27,9 @@ constexpr unsigned kFirmwareFile = 4;
 
 using Texts = std::vector<std::string>;
 
-Json propertiesOf(core::CimInstance& instance) {
-  return propertiesToJson(instance.getProperties(), NullProperties::Left);
-}
-
-Texts findDevices(const Json& properties) {
-  const Texts kinds = properties.value("IdentityInfoType", Texts());
-  const Texts values = properties.value("IdentityInfoValue", Texts());
+Texts findDevices(const InstanceSnapshot& instance) {
+  const auto kinds = instance.value<Texts>("IdentityInfoType");
+  const auto values = instance.value<Texts>("IdentityInfoValue");
   Texts devices;
   for (std::size_t i = 0; i < std::min(kinds.size(), values.size()); ++i) {
     if (kinds[i] == kDeviceInfo) {
@@ -44,16 +39,15 @@ Texts findDevices(const Json& properties) {
   return devices;
 }
 
-Identity readIdentity(core::CimInstance& instance) {
-  const Json properties = propertiesOf(instance);
+Identity readIdentity(const InstanceSnapshot& instance) {
   Identity identity;
-  identity.path = instance.getPath();
-  identity.instanceId = properties.value("InstanceID", std::string());
-  identity.name = properties.value("Name", std::string());
-  identity.version = properties.value("VersionString", std::string());
-  identity.types = properties.value("TargetTypes", Texts());
-  identity.devices = findDevices(properties);
-  identity.isFile = properties.value("ImageKind", 0U) == kFirmwareFile;
+  identity.path = instance.path;
+  identity.instanceId = instance.value<std::string>("InstanceID");
+  identity.name = instance.value<std::string>("Name");
+  identity.version = instance.value<std::string>("VersionString");
+  identity.types = instance.value<Texts>("TargetTypes");
+  identity.devices = findDevices(instance);
+  identity.isFile = instance.value<unsigned>("ImageKind") == kFirmwareFile;
   return identity;
 }
 
@@ -88,12 +82,17 @@ bool isItsFileName(const Identity& identity, const std::string& text) {
   return identity.isFile && os::toPath(identity.name).filename() == os::toPath(text);
 }
 
+struct Meaning {
+  bool (*isMeant)(const Identity&, const std::string&);
+  bool looksAtFiles;
+};
+
 // The first that holds for any identity decides.
-constexpr bool (*kMeanings[])(const Identity&, const std::string&) = {
-    isItsObjectPath,
-    isItsName,
-    isItsFile,
-    isItsFileName,
+constexpr Meaning kMeanings[] = {
+    {isItsObjectPath, false},
+    {isItsName, false},
+    {isItsFile, true},
+    {isItsFileName, false},
 };
 
 void appendLines(std::string& text, const char* heading, const Texts& lines) {
@@ -133,11 +132,10 @@ struct Adapter {
   std::string identifier;
 };
 
-std::vector<Adapter> readAdapters(core::CimBroker& broker) {
+std::vector<Adapter> readAdapters(Connection& connection) {
   std::vector<Adapter> adapters;
-  for (core::CimInstance* instance : broker.getInstances(kAdapterClass)) {
-    adapters.push_back(
-        {instance->getPath(), propertiesOf(*instance).value("DeviceID", std::string())});
+  for (const InstanceSnapshot& instance : getInstances(connection, kAdapterClass)) {
+    adapters.push_back({instance.path, instance.value<std::string>("DeviceID")});
   }
   return adapters;
 }
@@ -145,26 +143,24 @@ std::vector<Adapter> readAdapters(core::CimBroker& broker) {
 // States by the object paths of identity and adapter.
 using States = std::map<std::pair<std::string, std::string>, std::string>;
 
-States readStates(core::CimBroker& broker) {
+States readStates(Connection& connection) {
   States states;
-  for (core::CimInstance* instance : broker.getInstances(kComparisonClass)) {
-    const Json properties = propertiesOf(*instance);
-    states[{properties.value("Antecedent", std::string()),
-            properties.value("Dependent", std::string())}] =
-        properties.value("Comparison", std::string());
+  for (const InstanceSnapshot& instance : getInstances(connection, kComparisonClass)) {
+    states[{instance.value<std::string>("Antecedent"), instance.value<std::string>("Dependent")}] =
+        instance.value<std::string>("Comparison");
   }
   return states;
 }
 
 }  // namespace
 
-IdentityList readIdentities(core::CimBroker& broker) {
-  demandServed(broker, kIdentityClass);
+IdentityList readIdentities(Connection& connection) {
   IdentityList list;
+  list.isRemote = connection.isRemote();
   ErrorRecords& records = ErrorRecords::instance();
   records.start();
-  for (core::CimInstance* instance : broker.getInstances(kIdentityClass)) {
-    list.identities.push_back(readIdentity(*instance));
+  for (const InstanceSnapshot& instance : demandInstances(connection, kIdentityClass)) {
+    list.identities.push_back(readIdentity(instance));
   }
   for (const std::string& message : records.take()) {
     if (std::find(list.skipped.begin(), list.skipped.end(), message) == list.skipped.end()) {
@@ -175,7 +171,10 @@ IdentityList readIdentities(core::CimBroker& broker) {
 }
 
 const Identity& findIdentity(const IdentityList& list, const std::string& text) {
-  for (const auto isMeant : kMeanings) {
+  for (const auto& [isMeant, looksAtFiles] : kMeanings) {
+    if (looksAtFiles && list.isRemote) {
+      continue;
+    }
     std::vector<const Identity*> found;
     for (const Identity& identity : list.identities) {
       if (isMeant(identity, text)) {
@@ -192,10 +191,10 @@ const Identity& findIdentity(const IdentityList& list, const std::string& text) 
   refuseUnknown(list, text);
 }
 
-std::vector<ComparedIdentity> compareFiles(core::CimBroker& broker,
+std::vector<ComparedIdentity> compareFiles(Connection& connection,
                                            const std::vector<Identity>& identities) {
-  const std::vector<Adapter> adapters = readAdapters(broker);
-  const States states = readStates(broker);
+  const std::vector<Adapter> adapters = readAdapters(connection);
+  const States states = readStates(connection);
   std::vector<ComparedIdentity> compared;
   for (const Identity& identity : identities) {
     if (!identity.isFile) {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "core/CimBroker.h"
+#include "cli/Connection.h"
 
 namespace cli {
 
@@ -26,16 +26,19 @@ struct Identity {
 
 struct IdentityList {
   std::vector<Identity> identities;
-  std::vector<std::string> skipped;  // what was said about files that are no firmware, each once
+  // What was said about files that are no firmware, each once; nothing where a host says it in its
+  // own log.
+  std::vector<std::string> skipped;
+  bool isRemote = false;  // the files are not those of this process
 };
 
-// Returns the identities in the order in which they are served. The caller holds the broker's
-// request. Throws Fault when nobody serves their class, and what a provider throws.
-[[nodiscard]] IdentityList readIdentities(core::CimBroker& broker);
+// Returns the identities in the order in which they are served. Throws Fault when nobody serves
+// their class.
+[[nodiscard]] IdentityList readIdentities(Connection& connection);
 
 // Returns the one that a text names: by its object path or its InstanceID; a firmware file also by
-// a path to it, or by its file name where no other has that. Looks at the file system. Throws
-// Fault, which lists what there is, for a text that names none or several.
+// a path to it, or by its file name where no other has that. Looks at the file system unless the
+// files are remote. Throws Fault, which lists what there is, for a text that names none or several.
 [[nodiscard]] const Identity& findIdentity(const IdentityList& list, const std::string& text);
 
 struct Comparison {
@@ -51,8 +54,8 @@ struct ComparedIdentity {
   std::vector<Comparison> adapters;  // all adapters, in the order in which they are served
 };
 
-// Returns the firmware files, each with every adapter. The caller holds the broker's request.
-[[nodiscard]] std::vector<ComparedIdentity> compareFiles(core::CimBroker& broker,
+// Returns the firmware files, each with every adapter.
+[[nodiscard]] std::vector<ComparedIdentity> compareFiles(Connection& connection,
                                                          const std::vector<Identity>& identities);
 
 }  // namespace cli

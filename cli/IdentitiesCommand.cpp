@@ -1,6 +1,7 @@
 #include "cli/IdentitiesCommand.h"
 
 #include <algorithm>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -86,10 +87,10 @@ void printFiles(std::ostream& out, const std::vector<ComparedIdentity>& files) {
   out << "There are no adapters to compare them with.\n";
 }
 
-void print(const Context& context, const std::vector<ComparedIdentity>& files) {
+void print(const Context& context, const std::vector<ComparedIdentity>& files,
+           const std::string& configurationPlace) {
   if (files.empty()) {
-    context.out << "No firmware file was found. FWFilePath in "
-                << getConfigurationPlace(context.options)
+    context.out << "No firmware file was found. FWFilePath in " << configurationPlace
                 << " names the directories to look in, separated by ';' (FWFilePath = "
                    "/srv/firmware); one that does not exist is passed over.\n";
   } else if (files.front().adapters.empty()) {
@@ -100,17 +101,18 @@ void print(const Context& context, const std::vector<ComparedIdentity>& files) {
 }
 
 ExitStatus showIdentities(const Context& context) {
-  core::CimBroker& broker = openBroker(context.options);
-  const core::CimBroker::Request request(broker);
-  const IdentityList list = readIdentities(broker);
+  const std::unique_ptr<Connection> connection = openConnection(context.options);
+  const IdentityList list = readIdentities(*connection);
   for (const std::string& message : list.skipped) {
     context.err << "skipped: " << toPrintable(message) << '\n';
   }
-  const std::vector<ComparedIdentity> files = compareFiles(broker, list.identities);
+  const std::vector<ComparedIdentity> files = compareFiles(*connection, list.identities);
   if (context.options.isJson) {
     printJson(context.out, toJson(files));
   } else {
-    print(context, files);
+    print(context, files,
+          connection->isRemote() ? "the configuration of the host"
+                                 : getConfigurationPlace(context.options));
   }
   return ExitStatus::Done;
 }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "cli/Context.h"
+#include "cli/ServedClasses.h"
 #include "core/CimPropertyList.h"
 #include "core/CimPropertyRef.h"
 #include "core/CimPropertyTypes.h"
@@ -11,6 +12,7 @@
 namespace cli {
 namespace {
 
+constexpr const char* kCharacteristicsOutput = "InstallCharacteristics";
 constexpr const char* kServiceClass = "Orvex_SoftwareInstallationService";
 
 // The values of InstallOptions (DMTF CIM_SoftwareInstallationService).
@@ -78,45 +80,47 @@ void ArgumentList::addSource(const std::string& identityPath, const std::string&
   add<core::CimPropertyRef>("Collection");
 }
 
-MethodAnswer callService(core::CimBroker& broker, const char* method, ArgumentList& in,
+MethodAnswer callService(Connection& connection, const char* method, ArgumentList& in,
                          ArgumentList& out) {
-  const std::vector<core::CimInstance*> services = broker.getInstances(kServiceClass);
+  const Instances services = getInstances(connection, kServiceClass);
   if (services.empty()) {
     throw Fault(std::string("no ") + kServiceClass +
                 " is there; the log tells what became of the update agent (--log-level 3)");
   }
-  return callMethod(*services.front(), method, in.list(), out.list());
+  return connection.invoke(services.front().path, method, in.list(), out.list());
 }
 
 }  // namespace
 
-MethodAnswer installFromUri(core::CimBroker& broker, const std::string& uri,
+MethodAnswer installFromUri(Connection& connection, const std::string& uri,
                             const std::string& targetPath, const UpdateOptions& options) {
   ArgumentList in;
   in.add<core::CimPropertyString>("URI").setValue(uri);
   in.addReference("Target", targetPath);
   in.addOptions(options);
   ArgumentList out;
-  return callService(broker, "InstallFromURI", in, out);
+  return callService(connection, "InstallFromURI", in, out);
 }
 
-MethodAnswer installFromIdentity(core::CimBroker& broker, const std::string& identityPath,
+MethodAnswer installFromIdentity(Connection& connection, const std::string& identityPath,
                                  const std::string& targetPath, const UpdateOptions& options) {
   ArgumentList in;
   in.addSource(identityPath, targetPath);
   in.addOptions(options);
   ArgumentList out;
-  return callService(broker, "InstallFromSoftwareIdentity", in, out);
+  return callService(connection, "InstallFromSoftwareIdentity", in, out);
 }
 
-CheckAnswer checkIdentity(core::CimBroker& broker, const std::string& identityPath,
+CheckAnswer checkIdentity(Connection& connection, const std::string& identityPath,
                           const std::string& targetPath) {
   ArgumentList in;
   in.addSource(identityPath, targetPath);
   ArgumentList out;
-  auto& characteristics = out.add<core::CimPropertyUint16_arr>("InstallCharacteristics");
-  MethodAnswer answer = callService(broker, "CheckSoftwareIdentity", in, out);
-  return {std::move(answer), characteristics.getValue()};
+  out.add<core::CimPropertyUint16_arr>(kCharacteristicsOutput);
+  MethodAnswer answer = callService(connection, "CheckSoftwareIdentity", in, out);
+  const InstanceSnapshot outputs{"", "", answer.outputs};
+  auto characteristics = outputs.value<std::vector<std::uint16_t>>(kCharacteristicsOutput);
+  return {std::move(answer), std::move(characteristics)};
 }
 
 std::string describeCharacteristic(std::uint16_t number) {

@@ -1,5 +1,5 @@
-// The methods of the installation service, as a management client calls them. The caller holds the
-// broker's request. All of them throw Fault when there is no service, and what the method throws.
+// The methods of the installation service, as a management client calls them. All of them throw
+// Fault when there is no service, and as Connection::invoke.
 
 #ifndef ORVEX_CLI_INSTALLATIONSERVICE_H_
 #define ORVEX_CLI_INSTALLATIONSERVICE_H_
@@ -8,8 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/MethodCall.h"
-#include "core/CimBroker.h"
+#include "cli/Connection.h"
 
 namespace cli {
 
@@ -20,12 +19,12 @@ struct UpdateOptions {
 };
 
 // Returns the answer to InstallFromURI.
-[[nodiscard]] MethodAnswer installFromUri(core::CimBroker& broker, const std::string& uri,
+[[nodiscard]] MethodAnswer installFromUri(Connection& connection, const std::string& uri,
                                           const std::string& targetPath,
                                           const UpdateOptions& options);
 
 // Returns the answer to InstallFromSoftwareIdentity, which refuses options with types.
-[[nodiscard]] MethodAnswer installFromIdentity(core::CimBroker& broker,
+[[nodiscard]] MethodAnswer installFromIdentity(Connection& connection,
                                                const std::string& identityPath,
                                                const std::string& targetPath,
                                                const UpdateOptions& options);
@@ -37,8 +36,8 @@ struct CheckAnswer {
 };
 
 // Returns the answer to CheckSoftwareIdentity. A check that passes leaves its target reserved for
-// the life of this process.
-[[nodiscard]] CheckAnswer checkIdentity(core::CimBroker& broker, const std::string& identityPath,
+// the life of the process that serves it.
+[[nodiscard]] CheckAnswer checkIdentity(Connection& connection, const std::string& identityPath,
                                         const std::string& targetPath);
 
 // Returns the meaning of a number of InstallCharacteristics: "no reboot required" for 7.

@@ -22,27 +22,23 @@ struct Options {
   bool isAllShown = false;
 };
 
-void printInstances(std::ostream& out, const std::vector<core::CimInstance*>& instances,
-                    NullProperties nulls) {
+void printInstances(std::ostream& out, const Instances& instances, NullProperties nulls) {
   bool isFirst = true;
-  for (core::CimInstance* instance : instances) {
-    out << (isFirst ? "" : "\n") << instance->getPath() << '\n';
-    printProperties(out, instance->getProperties(), nulls);
+  for (const InstanceSnapshot& instance : instances) {
+    out << (isFirst ? "" : "\n") << instance.path << '\n';
+    printProperties(out, instance.properties, nulls);
     isFirst = false;
   }
 }
 
 ExitStatus showInstances(const Context& context, const Options& options) {
-  core::CimBroker& broker = openBroker(context.options);
-  demandServed(broker, options.className);
+  const std::unique_ptr<Connection> connection = openConnection(context.options);
   const auto nulls = options.isAllShown ? NullProperties::Shown : NullProperties::Left;
-
-  const core::CimBroker::Request request(broker);
-  const std::vector<core::CimInstance*> instances = broker.getInstances(options.className);
+  const Instances instances = demandInstances(*connection, options.className);
   if (context.options.isJson) {
     Json document = Json::array();
-    for (core::CimInstance* instance : instances) {
-      document.push_back(instanceToJson(*instance, nulls));
+    for (const InstanceSnapshot& instance : instances) {
+      document.push_back(instanceToJson(instance, nulls));
     }
     printJson(context.out, document);
   } else if (instances.empty()) {

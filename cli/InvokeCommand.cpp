@@ -8,7 +8,6 @@
 #include "cli/Arguments.h"
 #include "cli/ErrorRecords.h"
 #include "cli/JobWatch.h"
-#include "cli/MethodCall.h"
 #include "cli/Output.h"
 #include "cli/ServedClasses.h"
 #include "cli/Session.h"
@@ -37,12 +36,11 @@ struct Options {
   std::vector<std::string> arguments;
 };
 
-Json toJson(const MethodAnswer& answer, core::CimPropertyList& outputs,
-            const std::optional<JobReport>& job) {
+Json toJson(const MethodAnswer& answer, const std::optional<JobReport>& job) {
   Json document;
   document["returnValue"] = answer.returnValue;
   document["returnText"] = answer.returnText;
-  document["outputs"] = propertiesToJson(outputs, NullProperties::Shown);
+  document["outputs"] = propertiesToJson(answer.outputs, NullProperties::Shown);
   document["job"] = nullptr;
   if (job) {
     document["job"] = {{"path", job->path}, {"properties", job->properties}};
@@ -50,11 +48,11 @@ Json toJson(const MethodAnswer& answer, core::CimPropertyList& outputs,
   return document;
 }
 
-void printAnswer(std::ostream& out, const MethodAnswer& answer, core::CimPropertyList& outputs) {
+void printAnswer(std::ostream& out, const MethodAnswer& answer) {
   out << "Return value: " << answer.returnValue << " (" << answer.returnText << ")\n";
-  if (outputs.iterator().first() != nullptr) {
+  if (!answer.outputs.empty()) {
     out << "Outputs:\n";
-    printProperties(out, outputs, NullProperties::Shown);
+    printProperties(out, answer.outputs, NullProperties::Shown);
   }
   if (!answer.jobPath.empty()) {
     out << "Job: " << answer.jobPath << '\n';
@@ -62,34 +60,30 @@ void printAnswer(std::ostream& out, const MethodAnswer& answer, core::CimPropert
   out.flush();
 }
 
-std::optional<JobReport> followJob(const Context& context, core::CimBroker& broker,
+std::optional<JobReport> followJob(const Context& context, Connection& connection,
                                    const MethodAnswer& answer, InterruptGuard& guard) {
   if (answer.jobPath.empty()) {
     guard.yieldToInterrupt();
     return std::nullopt;
   }
   ProgressView view(context.out, chooseProgressStyle(context.options, true), "waiting for the job");
-  return waitForJob(broker, answer.jobPath, view, guard, context.err);
+  return waitForJob(connection, answer.jobPath, view, guard, context.err);
 }
 
 ExitStatus invoke(const Context& context, const Options& options) {
   Arguments arguments(options.method, options.arguments);
-  core::CimBroker& broker = openBroker(context.options);
+  const std::unique_ptr<Connection> connection = openConnection(context.options);
   const core::CimPath path = parseObjectPath(options.path);
 
   InterruptGuard guard;
-  MethodAnswer answer;
-  {
-    const core::CimBroker::Request request(broker);
-    core::CimInstance& instance = demandInstance(broker, path);
-    answer = callMethod(instance, options.method, arguments.in(), arguments.out());
-  }
+  const MethodAnswer answer =
+      connection->invoke(path.getModelPath(), options.method, arguments.in(), arguments.out());
   if (!context.options.isJson) {
-    printAnswer(context.out, answer, arguments.out());
+    printAnswer(context.out, answer);
   }
-  const std::optional<JobReport> job = followJob(context, broker, answer, guard);
+  const std::optional<JobReport> job = followJob(context, *connection, answer, guard);
   if (context.options.isJson) {
-    printJson(context.out, toJson(answer, arguments.out(), job));
+    printJson(context.out, toJson(answer, job));
   } else if (job) {
     context.out << "Job ended: " << job->outcome() << '\n';
   }

@@ -1,17 +1,15 @@
 #include "cli/JobWatch.h"
 
+#include <optional>
 #include <thread>
 #include <utility>
 
 #include "Os/Environment.h"
-#include "core/CimPath.h"
 
 namespace cli {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-constexpr std::chrono::milliseconds kPollInterval{100};
 
 constexpr std::pair<unsigned, const char*> kStateNames[] = {
     {kJobNew, "New"},
@@ -26,6 +24,14 @@ constexpr std::pair<unsigned, const char*> kStateNames[] = {
     {kJobService, "Service"},
     {kJobQueryPending, "Query Pending"},
 };
+
+void yieldToHost(const Connection& connection, const JobReport& job) {
+  const std::string command =
+      connection.watchCommand(job.properties.value("InstanceID", std::string()));
+  if (!command.empty()) {
+    throw Fault("interrupted: the job goes on in the host; to follow it again:\n  " + command);
+  }
+}
 
 }  // namespace
 
@@ -54,15 +60,10 @@ std::string JobReport::outcome() const {
   return text;
 }
 
-JobReport readJob(core::CimBroker& broker, const std::string& path) {
-  const core::CimBroker::Request request(broker);
-  core::CimInstance* job = broker.getInstanceByPath(core::CimPath(path));
-  if (job == nullptr) {
-    throw Fault("the job " + path + " is gone; 'quorvel adapters' shows what the adapter holds");
-  }
+JobReport reportOf(const InstanceSnapshot& job) {
   JobReport report;
-  report.path = path;
-  report.properties = propertiesToJson(job->getProperties(), NullProperties::Left);
+  report.path = job.path;
+  report.properties = propertiesToJson(job.properties, NullProperties::Left);
   report.state = report.properties.value("JobState", 0U);
   report.percent = report.properties.value("PercentComplete", 0U);
   report.errorCode = report.properties.value("ErrorCode", 0U);
@@ -70,14 +71,23 @@ JobReport readJob(core::CimBroker& broker, const std::string& path) {
   return report;
 }
 
-JobReport waitForJob(core::CimBroker& broker, const std::string& path, ProgressView& view,
+JobReport readJob(Connection& connection, const std::string& path) {
+  const std::optional<InstanceSnapshot> job = connection.findInstance(path);
+  if (!job) {
+    throw Fault("the job " + path + " is gone; 'quorvel adapters' shows what the adapter holds");
+  }
+  return reportOf(*job);
+}
+
+JobReport waitForJob(Connection& connection, const std::string& path, ProgressView& view,
                      InterruptGuard& guard, std::ostream& err) {
   const Clock::time_point start = Clock::now();
   for (;;) {
-    JobReport report = readJob(broker, path);
+    JobReport report = readJob(connection, path);
     report.elapsed = std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - start);
     if (guard.takeInterrupt() && !report.hasEnded()) {
       view.endLine();
+      yieldToHost(connection, report);
       err << "quorvel: interrupted: the flash is being written and cannot be left half done; "
              "waiting for its end"
           << std::endl;
@@ -87,7 +97,7 @@ JobReport waitForJob(core::CimBroker& broker, const std::string& path, ProgressV
       view.endLine();
       return report;
     }
-    std::this_thread::sleep_for(kPollInterval);
+    std::this_thread::sleep_for(connection.pollInterval());
   }
 }
 

@@ -1,4 +1,4 @@
-// Follows a job of this process to its end.
+// Follows a job to its end.
 
 #ifndef ORVEX_CLI_JOBWATCH_H_
 #define ORVEX_CLI_JOBWATCH_H_
@@ -8,11 +8,11 @@
 #include <string>
 #include <string_view>
 
+#include "cli/Connection.h"
 #include "cli/Context.h"
 #include "cli/Interrupt.h"
 #include "cli/Output.h"
 #include "cli/ProgressView.h"
-#include "core/CimBroker.h"
 
 namespace cli {
 
@@ -51,13 +51,17 @@ struct JobReport {
   [[nodiscard]] std::string outcome() const;
 };
 
-// Returns the job as it is. Takes the broker's request. Throws Fault when there is no such job.
-[[nodiscard]] JobReport readJob(core::CimBroker& broker, const std::string& path);
+// Returns what an instance of a job tells.
+[[nodiscard]] JobReport reportOf(const InstanceSnapshot& job);
 
-// Waits for the end of the job and shows its progress meanwhile. The broker's request is held for
-// single looks only. An interrupt that the guard notes is answered on `err`; the wait goes on,
-// since a flash that is being written cannot be left. Throws as readJob.
-[[nodiscard]] JobReport waitForJob(core::CimBroker& broker, const std::string& path,
+// Returns the job as it is. Throws Fault when there is no such job.
+[[nodiscard]] JobReport readJob(Connection& connection, const std::string& path);
+
+// Waits for the end of the job and shows its progress meanwhile. An interrupt that the guard notes
+// is answered on `err`, and the wait goes on, where the job would end with this process: a flash
+// that is being written cannot be left. Of a job that goes on without this process it is a Fault,
+// which says how to follow the job again. Throws as readJob.
+[[nodiscard]] JobReport waitForJob(Connection& connection, const std::string& path,
                                    ProgressView& view, InterruptGuard& guard, std::ostream& err);
 
 // Returns how progress is to be shown on standard output.

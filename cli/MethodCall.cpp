@@ -2,6 +2,7 @@
 
 #include "cim/MethodSignatures.h"
 #include "cli/ErrorRecords.h"
+#include "cli/Output.h"
 
 namespace cli {
 
@@ -24,6 +25,7 @@ MethodAnswer callMethod(core::CimInstance& instance, const std::string& method,
   if (!answer.isAccepted()) {
     answer.reason = reason;
   }
+  answer.outputs = snapshotOf(out);
   return answer;
 }
 

@@ -1,4 +1,5 @@
-// One call of a CIM method, with the reason that the log gives where the method refuses.
+// One call of a CIM method, and its answer with the reason that the log gives where the method
+// refuses.
 
 #ifndef ORVEX_CLI_METHODCALL_H_
 #define ORVEX_CLI_METHODCALL_H_
@@ -6,6 +7,7 @@
 #include <cstdint>
 #include <string>
 
+#include "cli/Snapshot.h"
 #include "core/CimInstance.h"
 
 namespace cli {
@@ -17,6 +19,7 @@ struct MethodAnswer {
   // Why the method refused, beginning with the type of the failure ("EInvalidUri:..."); empty for a
   // success and where nothing was logged.
   std::string reason;
+  Properties outputs;  // the output arguments
 
   // Done, or going on as a job.
   [[nodiscard]] bool isAccepted() const;

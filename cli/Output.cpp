@@ -45,16 +45,19 @@ std::string arrayToText(const Json& items) {
   return "{" + result + "}";
 }
 
-std::vector<core::CimProperty*> select(core::CimPropertyList& properties, NullProperties nulls) {
-  std::vector<core::CimProperty*> result;
-  core::CimPropertyList::Iterator cursor = properties.iterator();
-  for (core::CimProperty* property = cursor.first(); property != nullptr;
-       property = cursor.next()) {
-    if (nulls == NullProperties::Shown || !property->isNull()) {
-      result.push_back(property);
-    }
+bool isShown(const PropertySnapshot& property, NullProperties nulls) {
+  return nulls == NullProperties::Shown || !property.value.is_null();
+}
+
+PropertySnapshot::Kind kindOf(const core::CimProperty& property) {
+  switch (property.getType()) {
+    case core::kCimDatetime:
+      return PropertySnapshot::Kind::Datetime;
+    case core::kCimReference:
+      return PropertySnapshot::Kind::Reference;
+    default:
+      return PropertySnapshot::Kind::Value;
   }
-  return result;
 }
 
 // Names of fields are no texts from outside.
@@ -102,44 +105,67 @@ Json toJson(const core::CimProperty& property) {
 }
 
 std::string toText(const core::CimProperty& property) {
-  if (property.isNull()) {
+  return toText(snapshotOf(property));
+}
+
+std::string toText(const PropertySnapshot& property) {
+  const Json& value = property.value;
+  if (value.is_null()) {
     return "NULL";
   }
-  const Json value = toJson(property);
-  switch (property.getType()) {
-    case core::kCimDatetime:
-    case core::kCimReference:
-      return toPrintable(value.get_ref<const std::string&>());
-    default:
-      return value.is_array() ? arrayToText(value) : itemToText(value);
+  if (property.kind != PropertySnapshot::Kind::Value) {
+    return toPrintable(value.get_ref<const std::string&>());
   }
+  return value.is_array() ? arrayToText(value) : itemToText(value);
 }
 
-Json propertiesToJson(core::CimPropertyList& properties, NullProperties nulls) {
+PropertySnapshot snapshotOf(const core::CimProperty& property) {
+  return {property.getName(), kindOf(property), toJson(property)};
+}
+
+Properties snapshotOf(core::CimPropertyList& properties) {
+  Properties result;
+  core::CimPropertyList::Iterator cursor = properties.iterator();
+  for (const core::CimProperty* property = cursor.first(); property != nullptr;
+       property = cursor.next()) {
+    result.push_back(snapshotOf(*property));
+  }
+  return result;
+}
+
+InstanceSnapshot snapshotOf(core::CimInstance& instance) {
+  return {instance.getClassName(), instance.getPath(), snapshotOf(instance.getProperties())};
+}
+
+Json propertiesToJson(const Properties& properties, NullProperties nulls) {
   Json result = Json::object();
-  for (const core::CimProperty* property : select(properties, nulls)) {
-    result[property->getName()] = toJson(*property);
+  for (const PropertySnapshot& property : properties) {
+    if (isShown(property, nulls)) {
+      result[property.name] = property.value;
+    }
   }
   return result;
 }
 
-Json instanceToJson(core::CimInstance& instance, NullProperties nulls) {
+Json instanceToJson(const InstanceSnapshot& instance, NullProperties nulls) {
   Json result;
-  result["path"] = instance.getPath();
-  result["properties"] = propertiesToJson(instance.getProperties(), nulls);
+  result["path"] = instance.path;
+  result["properties"] = propertiesToJson(instance.properties, nulls);
   return result;
 }
 
-void printProperties(std::ostream& out, core::CimPropertyList& properties, NullProperties nulls) {
-  const std::vector<core::CimProperty*> selected = select(properties, nulls);
+void printProperties(std::ostream& out, const Properties& properties, NullProperties nulls) {
   std::size_t width = 0;
-  for (const core::CimProperty* property : selected) {
-    width = std::max(width, property->getName().size());
+  for (const PropertySnapshot& property : properties) {
+    if (isShown(property, nulls)) {
+      width = std::max(width, property.name.size());
+    }
   }
-  for (const core::CimProperty* property : selected) {
-    const std::string& name = property->getName();
-    out << std::string(kIndent, ' ') << name << std::string(width - name.size(), ' ') << " = "
-        << toText(*property) << '\n';
+  for (const PropertySnapshot& property : properties) {
+    if (isShown(property, nulls)) {
+      out << std::string(kIndent, ' ') << property.name
+          << std::string(width - property.name.size(), ' ') << " = " << toText(property) << '\n';
+    }
   }
 }
 

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "Os/Texts.h"
 #include "cim/MethodSignatures.h"
@@ -41,6 +42,34 @@ constexpr Advice kAdvice[] = {
      "the firmware of this adapter cannot be replaced; 'quorvel adapters' shows which can"},
 };
 
+// Where nothing but the return code is known.
+constexpr std::pair<std::uint32_t, const char*> kAdviceOnCodes[] = {
+    {cim::kUnspecifiedError,
+     "another update may be running in the host ('quorvel jobs'): wait for its end; else check "
+     "that the image is on the machine of the host and can be read there"},
+    {cim::kFailed, "the log of the host tells why the job could not be started"},
+    {cim::kInvalidParameter,
+     "check that the image is a whole firmware file on the machine of the host; its log tells "
+     "more"},
+    {cim::kTargetInUse, kWait},
+    {cim::kUnsupportedTargetType,
+     "the image is for another device; get the file that is made for this adapter"},
+    {cim::kDowngradeNotSupported,
+     "name the types to install with --types, or, for an older image, update with --force"},
+    {cim::kNotApplicableToTarget,
+     "the firmware of this adapter cannot be replaced, or the target is none: name a port or an "
+     "adapter"},
+};
+
+std::string adviseOnCode(std::uint32_t returnValue) {
+  for (const auto& [code, advice] : kAdviceOnCodes) {
+    if (code == returnValue) {
+      return advice;
+    }
+  }
+  return "the log of the host tells more";
+}
+
 constexpr std::string_view kTypesDiffer = "same image types";
 
 std::string adviseOnTypes(const UpdateRequest& request) {
@@ -71,8 +100,9 @@ std::string findDefect(const std::optional<Identity>& identity) {
 }
 
 // Returns what is wrong with the file as such, empty when it is there.
-std::string adviseOnFile(const std::string& path) {
-  if (path.empty()) {
+std::string adviseOnFile(const UpdateRequest& request) {
+  const std::string& path = request.imagePath;
+  if (path.empty() || request.isRemote) {
     return "";
   }
   std::error_code error;
@@ -103,18 +133,20 @@ std::string findReason(const Context& context, const MethodAnswer& answer,
   if (std::string defect = findDefect(request.identity); !defect.empty()) {
     return defect;
   }
-  return context.options.logLevel == "0" ? "not known, since --log-level 0 keeps no records" : "";
+  return context.options.logLevel == "0" && !request.isRemote
+             ? "not known, since --log-level 0 keeps no records"
+             : "";
 }
 
 }  // namespace
 
-UpdateRequest requestIdentity(const Identity& identity, bool isForced) {
-  return {identity.isFile ? identity.name : "", false, isForced, identity};
+UpdateRequest requestIdentity(const Identity& identity, bool isForced, bool isRemote) {
+  return {identity.isFile ? identity.name : "", false, isForced, isRemote, identity};
 }
 
 std::string adviseOnRefusal(std::uint32_t returnValue, const std::string& reason,
                             const UpdateRequest& request) {
-  if (std::string advice = adviseOnFile(request.imagePath); !advice.empty()) {
+  if (std::string advice = adviseOnFile(request); !advice.empty()) {
     return advice;
   }
   if (!findDefect(request.identity).empty()) {
@@ -127,6 +159,9 @@ std::string adviseOnRefusal(std::uint32_t returnValue, const std::string& reason
     if (reason.find(advice.reason) != std::string::npos) {
       return advice.text;
     }
+  }
+  if (request.isRemote && reason.empty()) {
+    return adviseOnCode(returnValue);
   }
   return returnValue == cim::kNotApplicableToTarget
              ? "name a port or an adapter; 'quorvel adapters' shows what there is"

@@ -19,14 +19,17 @@ struct UpdateRequest {
   std::string imagePath;  // empty when the image was given as a URI
   bool hasTypes = false;
   bool isForced = false;
+  bool isRemote = false;  // made to a host: the image is on its machine, its log tells the reason
   std::optional<Identity> identity{};  // the image, where it was given as such
 };
 
 // Returns a request for the image of an identity.
-[[nodiscard]] UpdateRequest requestIdentity(const Identity& identity, bool isForced);
+[[nodiscard]] UpdateRequest requestIdentity(const Identity& identity, bool isForced,
+                                            bool isRemote = false);
 
 // Returns what to do next about a refusal, empty when nothing is known. `reason` is that of
-// MethodAnswer, with its type. Looks at the image file.
+// MethodAnswer, with its type. Looks at the image file
+// unless the request is remote.
 [[nodiscard]] std::string adviseOnRefusal(std::uint32_t returnValue, const std::string& reason,
                                           const UpdateRequest& request);
 

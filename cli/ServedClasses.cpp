@@ -1,30 +1,34 @@
 #include "cli/ServedClasses.h"
 
+#include <optional>
+#include <utility>
+
 #include "Utils/Exception.h"
 #include "cli/Context.h"
 
 namespace cli {
+namespace {
 
-ServingAgents getServingAgents(const core::CimBroker& broker) {
-  ServingAgents result;
-  for (const core::CimAgent* agent : broker.getAgents()) {
-    for (const std::string& name : agent->getClassNames()) {
-      result[name].push_back(agent->getName());
-    }
-  }
-  return result;
-}
-
-void demandServed(const core::CimBroker& broker, const std::string& className) {
-  const ServingAgents served = getServingAgents(broker);
-  if (served.contains(className)) {
-    return;
-  }
+[[noreturn]] void refuseClass(const ServingAgents& served, const std::string& className) {
   std::string text = "no class '" + className + "' is served here; the classes are:";
   for (const auto& [name, agents] : served) {
     text += "\n  " + name;
   }
   throw Fault(text);
+}
+
+}  // namespace
+
+Instances getInstances(Connection& connection, const std::string& className) {
+  return connection.findInstances(className).value_or(Instances());
+}
+
+Instances demandInstances(Connection& connection, const std::string& className) {
+  std::optional<Instances> instances = connection.findInstances(className);
+  if (!instances) {
+    refuseClass(connection.getClasses(), className);
+  }
+  return std::move(*instances);
 }
 
 core::CimPath parseObjectPath(const std::string& text) {
@@ -37,14 +41,22 @@ core::CimPath parseObjectPath(const std::string& text) {
   }
 }
 
-core::CimInstance& demandInstance(core::CimBroker& broker, const core::CimPath& path) {
-  core::CimInstance* instance = broker.getInstanceByPath(path);
-  if (instance == nullptr) {
-    demandServed(broker, path.getClassName());
-    throw Fault("there is no instance " + path.getModelPath() + "; 'quorvel instances " +
-                path.getClassName() + "' shows what there is");
+InstanceSnapshot demandInstance(Connection& connection, const core::CimPath& path) {
+  std::optional<InstanceSnapshot> instance = connection.findInstance(path.getModelPath());
+  if (!instance) {
+    refuseMissing(connection, path.getModelPath());
   }
-  return *instance;
+  return std::move(*instance);
+}
+
+void refuseMissing(Connection& connection, const std::string& path) {
+  const std::string className = core::CimPath(path).getClassName();
+  const ServingAgents served = connection.getClasses();
+  if (!served.contains(className)) {
+    refuseClass(served, className);
+  }
+  throw Fault("there is no instance " + path + "; 'quorvel instances " + className +
+              "' shows what there is");
 }
 
 }  // namespace cli

@@ -1,32 +1,31 @@
-// The CIM classes that the loaded modules serve, and instances by their paths.
+// Classes and instances that a user names: found, or missed with words that say what there is.
 
 #ifndef ORVEX_CLI_SERVEDCLASSES_H_
 #define ORVEX_CLI_SERVEDCLASSES_H_
 
-#include <map>
 #include <string>
-#include <vector>
 
-#include "core/CimBroker.h"
+#include "cli/Connection.h"
 #include "core/CimPath.h"
 
 namespace cli {
 
-// The names of the agents that serve each class, in the order in which the broker asks them. The
-// classes are in alphabetical order.
-using ServingAgents = std::map<std::string, std::vector<std::string>>;
+// Returns the instances of a class, none for a class that nobody serves.
+[[nodiscard]] Instances getInstances(Connection& connection, const std::string& className);
 
-[[nodiscard]] ServingAgents getServingAgents(const core::CimBroker& broker);
-
-// Throws Fault, which lists the classes that are served, when nobody serves this one.
-void demandServed(const core::CimBroker& broker, const std::string& className);
+// Returns the instances of a class. Throws Fault, which lists the classes that are served, when
+// nobody serves this one.
+[[nodiscard]] Instances demandInstances(Connection& connection, const std::string& className);
 
 // Reads an object path that the user gave. Throws Fault (usage) for a malformed one.
 [[nodiscard]] core::CimPath parseObjectPath(const std::string& text);
 
-// Returns the instance at the path. The caller holds the broker's request. Throws Fault when there
-// is none, and as demandServed.
-[[nodiscard]] core::CimInstance& demandInstance(core::CimBroker& broker, const core::CimPath& path);
+// Returns the instance at the path. Throws as refuseMissing when there is none.
+[[nodiscard]] InstanceSnapshot demandInstance(Connection& connection, const core::CimPath& path);
+
+// Throws Fault, which says where to look for what there is instead of the instance at the path: the
+// classes that are served when nobody serves its class.
+[[noreturn]] void refuseMissing(Connection& connection, const std::string& path);
 
 }  // namespace cli
 

@@ -8,6 +8,8 @@
 #include "Os/Environment.h"
 #include "Os/QuorvelConfig.h"
 #include "Os/Texts.h"
+#include "cli/BrokerConnection.h"
+#include "core/CimBroker.h"
 #include "host/ModuleLoader.h"
 
 namespace cli {
@@ -53,10 +55,10 @@ std::string getConfigurationPlace(const GlobalOptions& options) {
                                                               : options.config);
 }
 
-core::CimBroker& openBroker(const GlobalOptions& options) {
+std::unique_ptr<Connection> openConnection(const GlobalOptions& options) {
   applyOptions(options);
   host::loadModules(host::getModuleDirectory());
-  return core::GetCimBroker();
+  return std::make_unique<BrokerConnection>(core::GetCimBroker());
 }
 
 }  // namespace cli

@@ -1,12 +1,13 @@
-// The process as a host of the agents: its settings, then its modules.
+// How a command comes to its instances: in this process, which then hosts the agents, or in a host.
 
 #ifndef ORVEX_CLI_SESSION_H_
 #define ORVEX_CLI_SESSION_H_
 
+#include <memory>
 #include <string>
 
+#include "cli/Connection.h"
 #include "cli/Context.h"
-#include "core/CimBroker.h"
 
 namespace cli {
 
@@ -19,9 +20,10 @@ void applyOptions(const GlobalOptions& options);
 // of the configuration file, on Windows the registry key.
 [[nodiscard]] std::string getConfigurationPlace(const GlobalOptions& options);
 
-// Applies the options and loads the modules, whose agents then serve their classes in the broker
-// that is returned. Throws as applyOptions and host::loadModules.
-[[nodiscard]] core::CimBroker& openBroker(const GlobalOptions& options);
+// Applies the options and connects to the host that they name (see openHost). Without one, loads
+// the modules, whose agents then serve their classes in the broker of this process. Throws as
+// applyOptions, openHost and host::loadModules.
+[[nodiscard]] std::unique_ptr<Connection> openConnection(const GlobalOptions& options);
 
 }  // namespace cli
 

@@ -1,7 +1,11 @@
 #include "cli/Target.h"
 
+#include <optional>
+#include <utility>
+
 #include "Utils/Exception.h"
 #include "cli/Context.h"
+#include "cli/ServedClasses.h"
 #include "core/CimPath.h"
 #include "midapi/AdapterId.h"
 
@@ -13,52 +17,55 @@ constexpr const char* kAdapterClass = "Orvex_PortController";
 constexpr const char* kIdentifier = "DeviceID";
 
 // Returns the instance's identifier, empty when it has none.
-std::string identifierOf(core::CimInstance& instance) {
-  const core::CimProperty* property = instance.getProperty(kIdentifier);
-  return property != nullptr && !property->isNull() ? property->toString() : "";
+std::string identifierOf(const InstanceSnapshot& instance) {
+  return instance.value<std::string>(kIdentifier);
 }
 
-core::CimInstance* findByIdentifier(core::CimBroker& broker, const char* className,
-                                    const std::string& identifier) {
-  for (core::CimInstance* instance : broker.getInstances(className)) {
-    if (identifierOf(*instance) == identifier) {
-      return instance;
+std::optional<InstanceSnapshot> findByIdentifier(Connection& connection, const char* className,
+                                                 const std::string& identifier) {
+  for (InstanceSnapshot& instance : getInstances(connection, className)) {
+    if (identifierOf(instance) == identifier) {
+      return std::move(instance);
     }
   }
-  return nullptr;
+  return std::nullopt;
 }
 
-core::CimInstance* findInstance(core::CimBroker& broker, const TargetName& name) {
+std::optional<InstanceSnapshot> findInstance(Connection& connection, const TargetName& name) {
   switch (name.kind) {
     case TargetKind::Port:
-      return findByIdentifier(broker, kPortClass, name.text);
+      return findByIdentifier(connection, kPortClass, name.text);
     case TargetKind::Adapter:
-      return findByIdentifier(broker, kAdapterClass, name.text);
+      return findByIdentifier(connection, kAdapterClass, name.text);
     case TargetKind::ObjectPath:
-      return broker.getInstanceByPath(core::CimPath(name.text));
+      return connection.findInstance(core::CimPath(name.text).getModelPath());
     case TargetKind::Unknown:
       break;
   }
-  return nullptr;
+  return std::nullopt;
 }
 
-void appendIdentifiers(std::string& text, core::CimBroker& broker, const char* className,
+void appendIdentifiers(std::string& text, Connection& connection, const char* className,
                        const char* heading) {
   std::string identifiers;
-  for (core::CimInstance* instance : broker.getInstances(className)) {
-    identifiers += " " + identifierOf(*instance);
+  for (const InstanceSnapshot& instance : getInstances(connection, className)) {
+    identifiers += " " + identifierOf(instance);
   }
   if (!identifiers.empty()) {
     text += std::string("\n  ") + heading + identifiers;
   }
 }
 
-std::string describeTargets(core::CimBroker& broker) {
+std::string describeTargets(Connection& connection) {
   std::string text;
-  appendIdentifiers(text, broker, kAdapterClass, "adapters:");
-  appendIdentifiers(text, broker, kPortClass, "ports:   ");
-  return text.empty() ? "; there are no adapters here (see --adapters and 'quorvel adapters')"
-                      : "; there are" + text;
+  appendIdentifiers(text, connection, kAdapterClass, "adapters:");
+  appendIdentifiers(text, connection, kPortClass, "ports:   ");
+  if (!text.empty()) {
+    return "; there are" + text;
+  }
+  return connection.isRemote()
+             ? "; the host has no adapters"
+             : "; there are no adapters here (see --adapters and 'quorvel adapters')";
 }
 
 bool isObjectPath(const std::string& text) {
@@ -81,12 +88,12 @@ TargetName parseTarget(const std::string& text) {
   return {isObjectPath(text) ? TargetKind::ObjectPath : TargetKind::Unknown, text};
 }
 
-Target findTarget(core::CimBroker& broker, const std::string& text) {
-  core::CimInstance* instance = findInstance(broker, parseTarget(text));
-  if (instance == nullptr) {
-    throw Fault("there is no adapter or port '" + text + "'" + describeTargets(broker));
+Target findTarget(Connection& connection, const std::string& text) {
+  const std::optional<InstanceSnapshot> instance = findInstance(connection, parseTarget(text));
+  if (!instance) {
+    throw Fault("there is no adapter or port '" + text + "'" + describeTargets(connection));
   }
-  Target target{instance->getPath(), identifierOf(*instance)};
+  Target target{instance->path, identifierOf(*instance)};
   if (target.label.empty()) {
     target.label = target.path;
   }

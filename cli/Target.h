@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "core/CimBroker.h"
+#include "cli/Connection.h"
 
 namespace cli {
 
@@ -25,9 +25,9 @@ struct Target {
   std::string label;  // how messages call it: its identifier where it has one, else the path
 };
 
-// Finds the instance that a text names. The caller holds the broker's request. Throws Fault, which
-// lists the adapters and ports that are there.
-[[nodiscard]] Target findTarget(core::CimBroker& broker, const std::string& text);
+// Finds the instance that a text names. Throws Fault, which lists the adapters and ports that are
+// there.
+[[nodiscard]] Target findTarget(Connection& connection, const std::string& text);
 
 }  // namespace cli
 

@@ -60,20 +60,21 @@ std::string nameExactly(const std::filesystem::path& path) {
   return *text;
 }
 
-Start startFromFile(core::CimBroker& broker, const Options& options, const Target& target) {
+Start startFromFile(Connection& connection, const Options& options, const Target& target) {
   const bool isUri = options.image.starts_with("file:");
   const std::filesystem::path path =
       isUri ? std::filesystem::path() : std::filesystem::absolute(os::toPath(options.image));
   const std::string uri = isUri ? options.image : "file://" + nameExactly(path);
-  return {installFromUri(broker, uri, target.path, options.update),
-          {os::toShownText(path), !options.update.types.empty(), options.update.isForced}};
+  return {installFromUri(connection, uri, target.path, options.update),
+          {os::toShownText(path), !options.update.types.empty(), options.update.isForced,
+           connection.isRemote()}};
 }
 
-Start startFromIdentity(core::CimBroker& broker, const Options& options, const Target& target) {
-  const IdentityList list = readIdentities(broker);
+Start startFromIdentity(Connection& connection, const Options& options, const Target& target) {
+  const IdentityList list = readIdentities(connection);
   const Identity& identity = findIdentity(list, options.identity);
-  return {installFromIdentity(broker, identity.path, target.path, options.update),
-          requestIdentity(identity, options.update.isForced)};
+  return {installFromIdentity(connection, identity.path, target.path, options.update),
+          requestIdentity(identity, options.update.isForced, connection.isRemote())};
 }
 
 void reportEnd(const Context& context, const Target& target, const JobReport& job) {
@@ -95,16 +96,11 @@ Json toJson(const MethodAnswer& answer, const std::optional<JobReport>& job) {
 }
 
 ExitStatus update(const Context& context, const Options& options) {
-  core::CimBroker& broker = openBroker(context.options);
-  Target target;
-  Start start;
+  const std::unique_ptr<Connection> connection = openConnection(context.options);
   InterruptGuard guard;
-  {
-    const core::CimBroker::Request request(broker);
-    target = findTarget(broker, options.target);
-    start = options.identity.empty() ? startFromFile(broker, options, target)
-                                     : startFromIdentity(broker, options, target);
-  }
+  const Target target = findTarget(*connection, options.target);
+  const Start start = options.identity.empty() ? startFromFile(*connection, options, target)
+                                               : startFromIdentity(*connection, options, target);
 
   std::optional<JobReport> job;
   if (start.answer.jobPath.empty()) {
@@ -113,7 +109,7 @@ ExitStatus update(const Context& context, const Options& options) {
   } else {
     ProgressView view(context.out, chooseProgressStyle(context.options, !options.isProgressHidden),
                       "updating " + target.label);
-    job = waitForJob(broker, start.answer.jobPath, view, guard, context.err);
+    job = waitForJob(*connection, start.answer.jobPath, view, guard, context.err);
     reportEnd(context, target, *job);
   }
   if (context.options.isJson) {

@@ -2,6 +2,7 @@
 #include <ostream>
 
 #include "cli/Associations.h"
+#include "cli/BrokerConnection.h"
 #include "cli/Context.h"
 #include "core/CimPropertyRef.h"
 #include "tests/cli/FakeAgent.h"
@@ -69,11 +70,11 @@ class AssociationsTest : public testing::Test {
   }
 
   cli::ObjectReferences find(const std::string& path) {
-    const core::CimBroker::Request request(m_broker);
-    return cli::findReferences(m_broker, core::CimPath(path));
+    return cli::findReferences(m_connection, core::CimPath(path));
   }
 
   core::CimBroker m_broker;
+  cli::BrokerConnection m_connection{m_broker};
   test::FakeAgent m_agent;
   test::FakeProvider& m_links = m_agent.serve("Link");
   test::FakeProvider& m_bonds = m_agent.serve("Bond");

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include "Utils/Log.h"
+#include "cli/BrokerConnection.h"
 #include "cli/Context.h"
 #include "cli/Identities.h"
 #include "tests/cli/FakeInventory.h"
@@ -22,10 +23,7 @@ class IdentitiesTest : public testing::Test {
  protected:
   IdentitiesTest() { m_broker.addAgent(&m_inventory); }
 
-  cli::IdentityList read() {
-    const core::CimBroker::Request request(m_broker);
-    return cli::readIdentities(m_broker);
-  }
+  cli::IdentityList read() { return cli::readIdentities(m_connection); }
 
   // Returns the InstanceID of the identity that a text names, or the message of the fault.
   std::string find(const std::string& text) {
@@ -40,9 +38,8 @@ class IdentitiesTest : public testing::Test {
 
   // Returns the states of the files, each "FILE ADAPTER STATE".
   std::vector<std::string> compare() {
-    const core::CimBroker::Request request(m_broker);
     std::vector<std::string> states;
-    for (const auto& [identity, adapters] : cli::compareFiles(m_broker, read().identities)) {
+    for (const auto& [identity, adapters] : cli::compareFiles(m_connection, read().identities)) {
       for (const auto& [adapter, state] : adapters) {
         states.push_back(identity.name + " " + adapter + " " + state);
       }
@@ -59,6 +56,7 @@ class IdentitiesTest : public testing::Test {
   }
 
   core::CimBroker m_broker;
+  cli::BrokerConnection m_connection{m_broker};
   test::FakeInventory m_inventory;
 };
 
@@ -97,7 +95,8 @@ TEST_F(IdentitiesTest, ComeWithWhatWasSaidAboutOtherFilesEachOnce) {
 
 TEST_F(IdentitiesTest, AreRefusedWhenNobodyServesThem) {
   core::CimBroker broker;
-  EXPECT_THROW(static_cast<void>(cli::readIdentities(broker)), cli::Fault);
+  cli::BrokerConnection connection(broker);
+  EXPECT_THROW(static_cast<void>(cli::readIdentities(connection)), cli::Fault);
 }
 
 TEST_F(IdentitiesTest, AreFoundByPathInstanceIdAndName) {
@@ -168,8 +167,7 @@ TEST_F(IdentitiesTest, AreComparedWithEveryAdapter) {
 
 TEST_F(IdentitiesTest, AreListedWithoutAdapters) {
   m_inventory.addFile("/fw/a.rom");
-  const core::CimBroker::Request request(m_broker);
-  const auto files = cli::compareFiles(m_broker, read().identities);
+  const auto files = cli::compareFiles(m_connection, read().identities);
   ASSERT_THAT(files, SizeIs(1));
   EXPECT_THAT(files[0].adapters, IsEmpty());
 }

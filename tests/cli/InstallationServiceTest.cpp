@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "cli/BrokerConnection.h"
 #include "cli/Context.h"
 #include "cli/InstallationService.h"
 #include "tests/cli/FakeService.h"
@@ -30,12 +31,12 @@ class InstallationServiceTest : public testing::Test {
   core::CimBroker m_broker;
   test::FakeAgent m_agent;
   test::FakeService* m_service;
-  const core::CimBroker::Request m_request{m_broker};
+  cli::BrokerConnection m_connection{m_broker};
 };
 
 TEST_F(InstallationServiceTest, InstallsFromAUri) {
   m_service->answer = 4099;
-  EXPECT_EQ(cli::installFromUri(m_broker, "file:///a.rom", kTarget, {}).returnValue, 4099U);
+  EXPECT_EQ(cli::installFromUri(m_connection, "file:///a.rom", kTarget, {}).returnValue, 4099U);
   const test::FakeService::Call request = call();
   EXPECT_EQ(request.method, "InstallFromURI");
   EXPECT_THAT(request.in, ElementsAre("URI=\"file:///a.rom\"", "Target=Port.DeviceID=\"1\"",
@@ -44,10 +45,10 @@ TEST_F(InstallationServiceTest, InstallsFromAUri) {
 }
 
 TEST_F(InstallationServiceTest, PutsTheTextOfAnOptionAtItsPlace) {
-  static_cast<void>(cli::installFromUri(m_broker, "", kTarget, {true, "IMG_PXE"}));
+  static_cast<void>(cli::installFromUri(m_connection, "", kTarget, {true, "IMG_PXE"}));
   EXPECT_THAT(call().in, ElementsAre("URI=\"\"", testing::_, "InstallOptions={5, 3, 32768}",
                                      "InstallOptionsValues={\"\", \"\", \"IMG_PXE\"}"));
-  static_cast<void>(cli::installFromUri(m_broker, "", kTarget, {false, "IMG_PXE"}));
+  static_cast<void>(cli::installFromUri(m_connection, "", kTarget, {false, "IMG_PXE"}));
   EXPECT_THAT(call().in, ElementsAre(testing::_, testing::_, "InstallOptions={5, 32768}",
                                      "InstallOptionsValues={\"\", \"IMG_PXE\"}"));
 }
@@ -55,7 +56,7 @@ TEST_F(InstallationServiceTest, PutsTheTextOfAnOptionAtItsPlace) {
 TEST_F(InstallationServiceTest, InstallsAnIdentity) {
   m_service->answer = 5;
   const cli::MethodAnswer answer =
-      cli::installFromIdentity(m_broker, "Identity.Id=\"a\"", kTarget, {});
+      cli::installFromIdentity(m_connection, "Identity.Id=\"a\"", kTarget, {});
   EXPECT_EQ(answer.returnText, "Invalid Parameter");
   const test::FakeService::Call request = call();
   EXPECT_EQ(request.method, "InstallFromSoftwareIdentity");
@@ -63,13 +64,14 @@ TEST_F(InstallationServiceTest, InstallsAnIdentity) {
               ElementsAre("Source=Identity.Id=\"a\"", "Target=Port.DeviceID=\"1\"",
                           "Collection=NULL", "InstallOptions={5}", "InstallOptionsValues={\"\"}"));
   EXPECT_THAT(request.out, IsEmpty());
-  static_cast<void>(cli::installFromIdentity(m_broker, "Identity.Id=\"a\"", kTarget, {true, ""}));
+  static_cast<void>(
+      cli::installFromIdentity(m_connection, "Identity.Id=\"a\"", kTarget, {true, ""}));
   EXPECT_THAT(call().in, testing::Contains("InstallOptions={5, 3}"));
 }
 
 TEST_F(InstallationServiceTest, ChecksAnIdentity) {
   m_service->characteristics = {7};
-  const cli::CheckAnswer answer = cli::checkIdentity(m_broker, "Identity.Id=\"a\"", kTarget);
+  const cli::CheckAnswer answer = cli::checkIdentity(m_connection, "Identity.Id=\"a\"", kTarget);
   EXPECT_TRUE(answer.call.isAccepted());
   EXPECT_THAT(answer.characteristics, ElementsAre(7));
   const test::FakeService::Call request = call();
@@ -82,7 +84,7 @@ TEST_F(InstallationServiceTest, ChecksAnIdentity) {
 TEST_F(InstallationServiceTest, TellsNoCharacteristicsOfWhatItRefuses) {
   m_service->characteristics = {7};
   m_service->answer = 5;
-  const cli::CheckAnswer answer = cli::checkIdentity(m_broker, "Identity.Id=\"a\"", kTarget);
+  const cli::CheckAnswer answer = cli::checkIdentity(m_connection, "Identity.Id=\"a\"", kTarget);
   EXPECT_EQ(answer.call.returnValue, 5U);
   EXPECT_THAT(answer.characteristics, IsEmpty());
 }
@@ -95,7 +97,8 @@ TEST(InstallCharacteristic, IsToldInWords) {
 
 TEST_F(InstallationServiceTest, IsMissedWhenItIsNotThere) {
   core::CimBroker broker;
-  EXPECT_THROW(static_cast<void>(cli::installFromUri(broker, "", kTarget, {})), cli::Fault);
+  cli::BrokerConnection connection(broker);
+  EXPECT_THROW(static_cast<void>(cli::installFromUri(connection, "", kTarget, {})), cli::Fault);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <sstream>
 
+#include "cli/BrokerConnection.h"
 #include "cli/JobWatch.h"
 #include "tests/cli/FakeAgent.h"
 
@@ -28,10 +29,11 @@ class JobWatchTest : public testing::Test {
   JobReport wait() {
     cli::ProgressView view(m_out, cli::ProgressStyle::Lines, "job");
     cli::InterruptGuard guard;
-    return cli::waitForJob(m_broker, kJobPath, view, guard, m_err);
+    return cli::waitForJob(m_connection, kJobPath, view, guard, m_err);
   }
 
   core::CimBroker m_broker;
+  cli::BrokerConnection m_connection{m_broker};
   test::FakeAgent m_agent;
   test::FakeProvider& m_jobs = m_agent.serve("Orvex_ConcreteJob");
   std::ostringstream m_out;

@@ -49,7 +49,7 @@ class OutputTest : public testing::Test {
 
   std::string printed(NullProperties nulls) {
     std::ostringstream out;
-    cli::printProperties(out, m_instance.getProperties(), nulls);
+    cli::printProperties(out, cli::snapshotOf(m_instance.getProperties()), nulls);
     return out.str();
   }
 
@@ -77,13 +77,17 @@ TEST_F(OutputTest, PrintsEveryTypeAsJson) {
     "Id": "one", "Small": 255, "Signed": -128, "Number": 65535, "Numbers": [2, 32768],
     "Long": 4294967295, "Longest": 18446744073709551615, "Texts": ["a", "b \"c\""],
     "Truth": true, "Time": "00000000000500.000000:000", "Reference": "C.K=\"v\""})");
-  EXPECT_EQ(cli::propertiesToJson(m_instance.getProperties(), NullProperties::Left), expected);
+  EXPECT_EQ(
+      cli::propertiesToJson(cli::snapshotOf(m_instance.getProperties()), NullProperties::Left),
+      expected);
 }
 
 TEST_F(OutputTest, PrintsNullOfEveryTypeOnlyWhenAsked) {
-  EXPECT_EQ(cli::propertiesToJson(m_instance.getProperties(), NullProperties::Left),
-            Json::object());
-  const Json all = cli::propertiesToJson(m_instance.getProperties(), NullProperties::Shown);
+  EXPECT_EQ(
+      cli::propertiesToJson(cli::snapshotOf(m_instance.getProperties()), NullProperties::Left),
+      Json::object());
+  const Json all =
+      cli::propertiesToJson(cli::snapshotOf(m_instance.getProperties()), NullProperties::Shown);
   EXPECT_EQ(all.size(), 11U);
   for (const auto& [name, value] : all.items()) {
     EXPECT_TRUE(value.is_null()) << name;
@@ -116,7 +120,7 @@ TEST_F(OutputTest, KeepsControlCharactersFromTheTerminal) {
 TEST_F(OutputTest, GivesAnInstanceItsPath) {
   m_instance.Id.setKey();
   m_instance.Id.setValue("one");
-  EXPECT_EQ(cli::instanceToJson(m_instance, NullProperties::Left),
+  EXPECT_EQ(cli::instanceToJson(cli::snapshotOf(m_instance), NullProperties::Left),
             Json::parse(R"({"path": "Every_Type.Id=\"one\"", "properties": {"Id": "one"}})"));
 }
 

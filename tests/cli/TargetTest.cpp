@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <ostream>
 
+#include "cli/BrokerConnection.h"
 #include "cli/Context.h"
 #include "cli/Target.h"
 #include "core/CimBroker.h"
@@ -27,7 +28,7 @@ class TargetTest : public testing::Test {
 
   std::string faultOf(const std::string& text) {
     try {
-      return "found " + cli::findTarget(m_broker, text).path;
+      return "found " + cli::findTarget(m_connection, text).path;
     } catch (const cli::Fault& fault) {
       EXPECT_EQ(fault.status(), cli::ExitStatus::Failed);
       return fault.what();
@@ -35,6 +36,7 @@ class TargetTest : public testing::Test {
   }
 
   core::CimBroker m_broker;
+  cli::BrokerConnection m_connection{m_broker};
   test::FakeAgent m_agent;
   test::FakeProvider& m_ports = m_agent.serve("Orvex_EthernetPort");
   test::FakeProvider& m_adapters = m_agent.serve("Orvex_PortController");
@@ -58,21 +60,21 @@ TEST_F(TargetTest, ReadsIdentifiersAndPaths) {
 
 TEST_F(TargetTest, FindsAPort) {
   addAdapterOfTwoPorts();
-  const cli::Target target = cli::findTarget(m_broker, "0000:0A:00.1");
+  const cli::Target target = cli::findTarget(m_connection, "0000:0A:00.1");
   EXPECT_EQ(target.path, "Orvex_EthernetPort.InstanceID=\"0000:0a:00.1\"");
   EXPECT_EQ(target.label, "0000:0a:00.1");
 }
 
 TEST_F(TargetTest, FindsAnAdapter) {
   addAdapterOfTwoPorts();
-  EXPECT_EQ(cli::findTarget(m_broker, "0000:0a:00").path,
+  EXPECT_EQ(cli::findTarget(m_connection, "0000:0a:00").path,
             "Orvex_PortController.InstanceID=\"0000:0a:00\"");
 }
 
 TEST_F(TargetTest, FindsAnInstanceByItsPathAndCallsItByItsIdentifier) {
   addAdapterOfTwoPorts();
   const std::string path = "Orvex_EthernetPort.InstanceID=\"0000:0a:00.0\"";
-  const cli::Target target = cli::findTarget(m_broker, path);
+  const cli::Target target = cli::findTarget(m_connection, path);
   EXPECT_EQ(target.path, path);
   EXPECT_EQ(target.label, "0000:0a:00.0");
 }
@@ -80,7 +82,7 @@ TEST_F(TargetTest, FindsAnInstanceByItsPathAndCallsItByItsIdentifier) {
 TEST_F(TargetTest, CallsAnInstanceWithoutIdentifierByItsPath) {
   const std::string path = "Orvex_PortController.InstanceID=\"x\"";
   m_adapters.add(std::make_unique<test::FakeInstance>("Orvex_PortController", "x"));
-  EXPECT_EQ(cli::findTarget(m_broker, path).label, path);
+  EXPECT_EQ(cli::findTarget(m_connection, path).label, path);
 }
 
 TEST_F(TargetTest, ListsWhatIsThereWhenItFindsNothing) {

@@ -1,0 +1,36 @@
+// The broker of this process as a connection. Takes the broker's request for each operation.
+
+#ifndef ORVEX_CLI_BROKERCONNECTION_H_
+#define ORVEX_CLI_BROKERCONNECTION_H_
+
+#include <string>
+
+#include "cli/Connection.h"
+#include "core/CimBroker.h"
+
+namespace cli {
+
+class BrokerConnection final : public Connection {
+ public:
+  // The broker outlives the connection.
+  explicit BrokerConnection(core::CimBroker& broker) : m_broker(broker) {}
+
+  // Connection
+  [[nodiscard]] ServingAgents getClasses() override;
+  [[nodiscard]] std::optional<Instances> findInstances(const std::string& className) override;
+  [[nodiscard]] std::optional<InstanceSnapshot> findInstance(const std::string& path) override;
+  // Looks at every instance of every served class.
+  [[nodiscard]] Instances findReferencing(const std::string& path) override;
+  [[nodiscard]] MethodAnswer invoke(const std::string& path, const std::string& method,
+                                    core::CimPropertyList& in, core::CimPropertyList& out) override;
+  [[nodiscard]] bool isRemote() const override { return false; }
+  [[nodiscard]] std::string watchCommand(const std::string& jobId) const override;
+  [[nodiscard]] std::chrono::milliseconds pollInterval() const override;
+
+ private:
+  core::CimBroker& m_broker;
+};
+
+}  // namespace cli
+
+#endif  // ORVEX_CLI_BROKERCONNECTION_H_
