@@ -7,6 +7,8 @@
 #include <pugixml.hpp>
 #include <string_view>
 
+#include "cimxml/Elements.h"
+#include "cimxml/NameElements.h"
 #include "cimxml/XmlCheck.h"
 
 namespace cimxml {
@@ -15,10 +17,7 @@ namespace {
 using Node = pugi::xml_node;
 
 // Text is kept as it is, also where it is blanks alone.
-constexpr unsigned kParseOptions = pugi::parse_default | pugi::parse_ws_pcdata_single;
-
-// References among keys may hold references among keys, but not without end.
-constexpr unsigned kMaxNesting = 16;
+constexpr unsigned kParseOptions = pugi::parse_default | pugi::parse_ws_pcdata;
 
 bool is(const Node& node, std::string_view name) {
   return name == node.name();
@@ -28,92 +27,12 @@ std::string attribute(const Node& node, const char* name) {
   return node.attribute(name).value();
 }
 
-std::string textOf(const Node& node) {
-  std::string text;
-  for (const Node& child : node.children()) {
-    if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata) {
-      text += child.value();
-    }
-  }
-  return text;
-}
-
 Node demandChild(const Node& node, const char* name) {
   const Node child = node.child(name);
   if (!child) {
-    throw ResponseFault("the element " + std::string(node.name()) + " holds no " + name);
+    refuse(describe(node) + " lacks <" + name + ">");
   }
   return child;
-}
-
-// ---- names
-
-ObjectName readName(const Node& node, unsigned depth);
-
-KeyBinding readKey(const Node& node, std::string name, unsigned depth) {
-  KeyBinding key;
-  key.name = std::move(name);
-  if (is(node, "VALUE.REFERENCE")) {
-    key.kind = KeyBinding::Kind::Reference;
-    key.reference.push_back(readName(node.first_child(), depth + 1));
-    return key;
-  }
-  const std::string type = attribute(node, "VALUETYPE");
-  key.kind = type == "numeric"   ? KeyBinding::Kind::Numeric
-             : type == "boolean" ? KeyBinding::Kind::Boolean
-                                 : KeyBinding::Kind::String;
-  key.text = textOf(node);
-  return key;
-}
-
-void readKeys(ObjectName& name, const Node& node, unsigned depth) {
-  name.className = attribute(node, "CLASSNAME");
-  name.isInstance = true;
-  for (const Node& child : node.children()) {
-    if (is(child, "KEYBINDING")) {
-      const Node value = child.find_child(
-          [](const Node& part) { return is(part, "KEYVALUE") || is(part, "VALUE.REFERENCE"); });
-      if (!value) {
-        throw ResponseFault("a KEYBINDING holds no value");
-      }
-      name.keys.push_back(readKey(value, attribute(child, "NAME"), depth));
-    } else if (is(child, "KEYVALUE") || is(child, "VALUE.REFERENCE")) {
-      name.keys.push_back(readKey(child, "", depth));
-    }
-  }
-}
-
-std::string readNamespace(const Node& localPath) {
-  std::string path;
-  for (const Node& part : localPath.children("NAMESPACE")) {
-    path += (path.empty() ? "" : "/") + attribute(part, "NAME");
-  }
-  return path;
-}
-
-// Reads a CLASSNAME, an INSTANCENAME, or any of the paths that hold one.
-ObjectName readName(const Node& node, unsigned depth = 0) {
-  if (depth > kMaxNesting) {
-    throw ResponseFault("a name holds names without end");
-  }
-  ObjectName name;
-  const Node place = node.child("NAMESPACEPATH");
-  name.host = textOf(place.child("HOST"));
-  name.nameSpace = readNamespace((place ? place : node).child("LOCALNAMESPACEPATH"));
-  const Node plain = is(node, "INSTANCENAME") || is(node, "CLASSNAME")
-                         ? node
-                         : node.find_child([](const Node& part) {
-                             return is(part, "INSTANCENAME") || is(part, "CLASSNAME");
-                           });
-  if (!plain) {
-    throw ResponseFault("the element '" + std::string(node.name()) + "' names no object");
-  }
-  if (is(plain, "INSTANCENAME")) {
-    readKeys(name, plain, depth);
-  } else {
-    name.className = attribute(plain, "NAME");
-  }
-  return name;
 }
 
 bool isName(const Node& node) {
@@ -128,7 +47,7 @@ StringArray readArray(const Node& node) {
   StringArray values;
   for (const Node& child : node.children()) {
     if (is(child, "VALUE")) {
-      values.emplace_back(textOf(child));
+      values.emplace_back(readText(child));
     } else if (is(child, "VALUE.NULL")) {
       values.emplace_back(std::nullopt);
     }
@@ -139,7 +58,7 @@ StringArray readArray(const Node& node) {
 std::vector<ObjectName> readReferences(const Node& node) {
   std::vector<ObjectName> names;
   for (const Node& child : node.children("VALUE.REFERENCE")) {
-    names.push_back(readName(child.first_child()));
+    names.push_back(readReference(child));
   }
   return names;
 }
@@ -148,13 +67,13 @@ std::vector<ObjectName> readReferences(const Node& node) {
 Value readValue(const Node& node) {
   for (const Node& child : node.children()) {
     if (is(child, "VALUE")) {
-      return textOf(child);
+      return readText(child);
     }
     if (is(child, "VALUE.ARRAY")) {
       return readArray(child);
     }
     if (is(child, "VALUE.REFERENCE")) {
-      return readName(child.first_child());
+      return readReference(child);
     }
     if (is(child, "VALUE.REFARRAY")) {
       return readReferences(child);
@@ -223,7 +142,7 @@ ErrorValue readError(const Node& node) {
   ErrorValue error;
   const auto [stop, failure] = std::from_chars(code.data(), code.data() + code.size(), error.code);
   if (failure != std::errc() || stop != code.data() + code.size()) {
-    throw ResponseFault("the ERROR has no code");
+    refuse("the error has no code");
   }
   error.description = attribute(node, "DESCRIPTION");
   return error;
@@ -253,7 +172,7 @@ void readObjects(Response& response, const Node& returned) {
     } else if (is(child, "CLASS")) {
       response.classes.push_back(readClass(child));
     } else if (is(child, "OBJECTPATH")) {
-      response.names.push_back(readName(child.first_child()));
+      response.names.push_back(readReference(child));
     } else if (isName(child)) {
       response.names.push_back(readName(child));
     }
@@ -272,32 +191,17 @@ void readParts(Response& response, const Node& answer) {
     } else if (is(child, "IRETURNVALUE")) {
       readObjects(response, child);
     } else if (is(child, "RETURNVALUE")) {
-      response.returnValue = textOf(child.child("VALUE"));
+      response.returnValue = readText(demandChild(child, "VALUE"));
     } else if (is(child, "PARAMVALUE")) {
       readOutput(response, child);
     }
   }
 }
 
-}  // namespace
-
-Response parseResponse(std::string& body) {
-  const XmlCheck check = checkXml(body);
-  if (check.fault != XmlFault::None) {
-    throw ResponseFault("it is no XML that can be read: " + std::string(check.problem));
-  }
-  pugi::xml_document document;
-  const pugi::xml_parse_result parsed =
-      document.load_buffer_inplace(body.data(), body.size(), kParseOptions);
-  if (parsed.status == pugi::status_out_of_memory) {
-    throw std::bad_alloc();
-  }
-  if (!parsed) {
-    throw ResponseFault(std::string("it is no XML that can be read: ") + parsed.description());
-  }
+Response readMessage(const pugi::xml_document& document) {
   const Node root = document.document_element();
   if (!is(root, "CIM")) {
-    throw ResponseFault("its outermost element is " + std::string(root.name()) + ", not CIM");
+    refuse(describe(root) + " is no CIM");
   }
   const Node message = demandChild(root, "MESSAGE");
   const Node simple = demandChild(message, "SIMPLERSP");
@@ -311,6 +215,29 @@ Response parseResponse(std::string& body) {
   response.name = attribute(answer, "NAME");
   readParts(response, answer);
   return response;
+}
+
+}  // namespace
+
+Response parseResponse(std::string& body) {
+  const XmlCheck check = checkXml(body);
+  if (check.fault != XmlFault::None) {
+    throw ResponseFault(std::string("it cannot be read as XML: ") + check.problem);
+  }
+  pugi::xml_document document;
+  const pugi::xml_parse_result parsed =
+      document.load_buffer_inplace(body.data(), body.size(), kParseOptions, pugi::encoding_utf8);
+  if (parsed.status == pugi::status_out_of_memory) {
+    throw std::bad_alloc();
+  }
+  if (!parsed) {
+    throw ResponseFault(std::string("it cannot be read as XML: ") + parsed.description());
+  }
+  try {
+    return readMessage(document);
+  } catch (const RequestFault& fault) {  // what the readers throw that requests have, too
+    throw ResponseFault(fault.what());
+  }
 }
 
 }  // namespace cimxml
