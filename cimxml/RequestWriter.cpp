@@ -120,8 +120,7 @@ void endMethodRequest(Buffer& out) {
 
 void appendArgument(Buffer& out, const core::CimProperty& value) {
   beginParameter(out, "PARAMVALUE", value.getName());
-  appendAttribute(out, "PARAMTYPE",
-                  core::getTypeName(static_cast<core::CimType>(value.getType())));
+  appendAttribute(out, "PARAMTYPE", core::getTypeName(static_cast<core::CimType>(value.getType())));
   finishElement(out, "PARAMVALUE", value, "");
 }
 

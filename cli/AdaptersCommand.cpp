@@ -10,6 +10,7 @@
 #include "Os/Texts.h"
 #include "Utils/FirmwareTypes.h"
 #include "Utils/Format.h"
+#include "cli/HostAdapters.h"
 #include "cli/Output.h"
 #include "cli/Session.h"
 #include "cli/TextTable.h"
@@ -21,11 +22,13 @@ namespace {
 
 constexpr const char* kFooter =
     "One line for each port. FIRMWARE names the type and version of each image in the flash, with\n"
-    "a digest that tells images of one version apart.\n"
+    "a digest that tells images of one version apart. A host (--host) tells port, adapter and\n"
+    "the type and version of each image, and nothing else.\n"
     "\n"
     "Examples:\n"
     "  quorvel adapters\n"
     "  quorvel adapters list --json --adapters /tmp/adapters\n"
+    "  quorvel adapters --host https://admin@server1:5989\n"
     "  quorvel adapters add --help\n";
 
 constexpr const char* kAddFooter =
@@ -146,6 +149,10 @@ void warnAboutProblems(std::ostream& err, const ma::AdapterList& list) {
 }
 
 ExitStatus listAdapters(const Context& context) {
+  if (!context.options.host.empty()) {
+    return listHostAdapters(context);
+  }
+  demandConsistent(context.options);
   applyOptions(context.options);
   const ma::VirtualAdapters adapters;
   const ma::AdapterList list = adapters.list();
@@ -209,6 +216,11 @@ ma::AdapterSpec toSpec(const AddOptions& options) {
 }
 
 ExitStatus addAdapter(const Context& context, const AddOptions& options) {
+  if (!context.options.host.empty()) {
+    throw Fault("'adapters add' does not go with --host: it makes an adapter on this machine",
+                ExitStatus::Usage);
+  }
+  demandConsistent(context.options);
   applyOptions(context.options);
   const ma::VirtualAdapters adapters;
   const ma::AdapterSpec spec = toSpec(options);

@@ -97,6 +97,21 @@ std::string listParameters(const core::MethodDeclaration& signature) {
   return names;
 }
 
+// Returns the signature of a method of the installation service or of a job, null for another one.
+const core::MethodDeclaration* findSignature(const std::string& method) {
+  if (const core::MethodDeclaration* signature = cim::findMethod(method)) {
+    return signature;
+  }
+  static const std::vector<core::MethodDeclaration> kJobMethods =
+      cim::getMethods("CIM_ConcreteJob");
+  for (const core::MethodDeclaration& signature : kJobMethods) {
+    if (signature.name == method) {
+      return &signature;
+    }
+  }
+  return nullptr;
+}
+
 const core::ParameterDeclaration* findInput(const core::MethodDeclaration& signature,
                                             const std::string& name) {
   for (const core::ParameterDeclaration& parameter : signature.parameters) {
@@ -139,11 +154,14 @@ std::unique_ptr<core::CimProperty> makeArgument(const std::string& name, core::C
     case core::kCimDatetime:
       break;
   }
+  if (text.empty()) {
+    return std::make_unique<core::CimPropertyDatetime>(name.c_str(), nullptr);
+  }
   refuse(name, "a date-time cannot be given on the command line");
 }
 
 Arguments::Arguments(const std::string& method, const std::vector<std::string>& texts)
-    : m_signature(cim::findMethod(method)) {
+    : m_signature(findSignature(method)) {
   for (const std::string& text : texts) {
     addInput(method, text);
   }

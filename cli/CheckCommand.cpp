@@ -18,8 +18,7 @@ namespace {
 constexpr const char* kFooter =
     "TARGET is a port (0000:03:00.0), an adapter (0000:03:00) or the object path of either.\n"
     "IDENTITY is one of the files that 'quorvel identities' lists: its path, its name where no\n"
-    "other file has that, its InstanceID or its object path. Nothing is installed, and nothing\n"
-    "stays reserved.\n"
+    "other file has that, its InstanceID or its object path. Nothing is installed.\n"
     "\n"
     "With --json: {\"returnValue\", \"returnText\", \"installCharacteristics\": [NUMBER]}, where 7 "
     "is\n"
@@ -27,7 +26,8 @@ constexpr const char* kFooter =
     "\n"
     "Examples:\n"
     "  quorvel check 0000:03:00 firmware.rom\n"
-    "  quorvel check 0000:03:00.0 /srv/firmware/firmware.rom --json\n";
+    "  quorvel check 0000:03:00.0 /srv/firmware/firmware.rom --json\n"
+    "  quorvel check 0000:03:00 firmware.rom --host https://admin@server1:5989\n";
 
 struct Options {
   std::string target;

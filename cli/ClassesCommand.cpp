@@ -1,7 +1,9 @@
 #include "cli/ClassesCommand.h"
 
+#include <algorithm>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "cli/Output.h"
 #include "cli/Session.h"
@@ -13,13 +15,16 @@ namespace {
 constexpr const char* kFooter =
     "A class that several agents serve has the instances of all of them, those of the agent that "
     "is\n"
-    "named first in front. 'quorvel instances CLASS' shows them.\n"
+    "named first in front. 'quorvel instances CLASS' shows them. A host (--host) does not tell "
+    "its\n"
+    "agents.\n"
     "\n"
     "With --json: [{\"class\", \"agents\": [NAME]}].\n"
     "\n"
     "Examples:\n"
     "  quorvel classes\n"
-    "  quorvel classes --json\n";
+    "  quorvel classes --json\n"
+    "  quorvel classes --host http://127.0.0.1:5988\n";
 
 Json toJson(const ServingAgents& classes) {
   Json document = Json::array();
@@ -30,7 +35,11 @@ Json toJson(const ServingAgents& classes) {
 }
 
 void printTable(std::ostream& out, const ServingAgents& classes) {
-  TextTable table({"CLASS", "SERVED BY"});
+  const bool areAgentsKnown =
+      std::any_of(classes.begin(), classes.end(),
+                  [](const auto& servedClass) { return !servedClass.second.empty(); });
+  TextTable table(areAgentsKnown ? std::vector<std::string>{"CLASS", "SERVED BY"}
+                                 : std::vector<std::string>{"CLASS"});
   for (const auto& [name, agents] : classes) {
     table.addRow({name, join(agents, ", ")});
   }

@@ -37,6 +37,11 @@ struct GlobalOptions {
   std::string config;
   std::string logLevel;
   bool isJson = false;
+  std::string host;  // where to find the instances; empty: in this process
+  // With a host only.
+  std::string passwordFile;
+  std::string caFile;
+  std::string nameSpace;
 };
 
 struct Context {

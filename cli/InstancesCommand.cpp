@@ -7,6 +7,7 @@
 #include "cli/Output.h"
 #include "cli/ServedClasses.h"
 #include "cli/Session.h"
+#include "cli/TextTable.h"
 
 namespace cli {
 namespace {
@@ -15,7 +16,8 @@ constexpr const char* kFooter =
     "Examples:\n"
     "  quorvel instances Orvex_EthernetPort\n"
     "  quorvel instances Orvex_SoftwareInstallationService --all\n"
-    "  quorvel instances Orvex_PortController --json\n";
+    "  quorvel instances Orvex_PortController --json\n"
+    "  quorvel instances CIM_ConcreteJob --host http://127.0.0.1:5988\n";
 
 struct Options {
   std::string className;
@@ -25,7 +27,7 @@ struct Options {
 void printInstances(std::ostream& out, const Instances& instances, NullProperties nulls) {
   bool isFirst = true;
   for (const InstanceSnapshot& instance : instances) {
-    out << (isFirst ? "" : "\n") << instance.path << '\n';
+    out << (isFirst ? "" : "\n") << toPrintable(instance.path) << '\n';
     printProperties(out, instance.properties, nulls);
     isFirst = false;
   }

@@ -11,6 +11,7 @@
 #include "cli/Output.h"
 #include "cli/ServedClasses.h"
 #include "cli/Session.h"
+#include "cli/TextTable.h"
 
 namespace cli {
 namespace {
@@ -19,7 +20,8 @@ constexpr const char* kFooter =
     "VALUE has the type that the method's signature gives it: numbers decimal or behind 0x, true\n"
     "or false, a text, an object path; the elements of an array stand between commas. NAME= with\n"
     "nothing behind it is NULL, a name left out is an argument that is missing. A job that the\n"
-    "method creates runs in this process, which waits for its end.\n"
+    "method creates is followed to its end. It runs in this process, which cannot end before it;\n"
+    "with --host it runs in the host, and goes on when this command is interrupted.\n"
     "\n"
     "With --json: {\"returnValue\", \"returnText\", \"outputs\": {NAME: VALUE}, \"job\": "
     "{\"path\",\n"
@@ -55,7 +57,7 @@ void printAnswer(std::ostream& out, const MethodAnswer& answer) {
     printProperties(out, answer.outputs, NullProperties::Shown);
   }
   if (!answer.jobPath.empty()) {
-    out << "Job: " << answer.jobPath << '\n';
+    out << "Job: " << toPrintable(answer.jobPath) << '\n';
   }
   out.flush();
 }

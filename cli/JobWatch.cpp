@@ -80,8 +80,8 @@ JobReport readJob(Connection& connection, const std::string& path) {
 }
 
 JobReport waitForJob(Connection& connection, const std::string& path, ProgressView& view,
-                     InterruptGuard& guard, std::ostream& err) {
-  const Clock::time_point start = Clock::now();
+                     InterruptGuard& guard, std::ostream& err, std::chrono::seconds age) {
+  const Clock::time_point start = Clock::now() - age;
   for (;;) {
     JobReport report = readJob(connection, path);
     report.elapsed = std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - start);

@@ -42,7 +42,7 @@ struct JobReport {
   unsigned errorCode = 0;
   std::string errorText;
   Json properties;                  // those that are not NULL
-  std::chrono::seconds elapsed{0};  // since the watch began
+  std::chrono::seconds elapsed{0};  // since the job began, as far as the watch knows
 
   [[nodiscard]] bool isCompleted() const { return state == kJobCompleted; }
   // Nothing will change any more.
@@ -60,9 +60,11 @@ struct JobReport {
 // Waits for the end of the job and shows its progress meanwhile. An interrupt that the guard notes
 // is answered on `err`, and the wait goes on, where the job would end with this process: a flash
 // that is being written cannot be left. Of a job that goes on without this process it is a Fault,
-// which says how to follow the job again. Throws as readJob.
+// which says how to follow the job again. `age` is how long the job has run
+// already. Throws as readJob.
 [[nodiscard]] JobReport waitForJob(Connection& connection, const std::string& path,
-                                   ProgressView& view, InterruptGuard& guard, std::ostream& err);
+                                   ProgressView& view, InterruptGuard& guard, std::ostream& err,
+                                   std::chrono::seconds age = std::chrono::seconds(0));
 
 // Returns how progress is to be shown on standard output.
 [[nodiscard]] ProgressStyle chooseProgressStyle(const GlobalOptions& options, bool isWanted);

@@ -13,14 +13,16 @@
 #include "cli/IdentitiesCommand.h"
 #include "cli/InstancesCommand.h"
 #include "cli/InvokeCommand.h"
+#include "cli/JobsCommand.h"
 #include "cli/UpdateCommand.h"
+#include "cli/WatchCommand.h"
 #include "midapi/VirtualAdapters.h"
 
 namespace cli {
 namespace {
 
 constexpr const char* kDescription =
-    "Manages the firmware of the Ethernet adapters of this machine.";
+    "Manages the firmware of the Ethernet adapters of this machine, or of a host's.";
 
 constexpr const char* kFooter =
     "The options above may stand before or behind the command.\n"
@@ -32,12 +34,18 @@ constexpr const char* kFooter =
     "  quorvel update 0000:03:00.0 firmware.rom\n"
     "  quorvel classes\n"
     "  quorvel instances Orvex_EthernetPort --json\n"
-    "  quorvel update --help\n";
+    "  quorvel update --help\n"
+    "  quorvel --host https://admin@server1:5989 jobs\n"
+    "\n"
+    "With --host a command works in a host that runs elsewhere, or on this machine as a service.\n"
+    "The password of the USER comes from --password-file, from the environment variable\n"
+    "QUORVEL_PASSWORD, or from a prompt on the terminal.\n";
 
 // Added one by one, so that a further command is one line here and one pair of files.
 constexpr void (*kCommands[])(CLI::App&, Context&) = {
     addAdaptersCommand,   addAssociationsCommand, addCheckCommand,  addClassesCommand,
-    addIdentitiesCommand, addInstancesCommand,    addInvokeCommand, addUpdateCommand,
+    addIdentitiesCommand, addInstancesCommand,    addInvokeCommand, addJobsCommand,
+    addUpdateCommand,     addWatchCommand,
 };
 
 std::string describeParseFailure(const CLI::App* app, const CLI::Error& error) {
@@ -68,6 +76,22 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
                                                                         : "must be 0, 1, 2 or 3";
           },
           ""));
+  const CLI::Validator isGiven(
+      [](const std::string& text) { return text.empty() ? "must not be empty" : ""; }, "");
+  app.add_option("--host", options.host, "Work in the host at this address, not in this process")
+      ->type_name("http(s)://[USER@]HOST:PORT")
+      ->check(isGiven);
+  app.add_option("--password-file", options.passwordFile,
+                 "File whose first line is the password for the host")
+      ->type_name("FILE")
+      ->check(isGiven);
+  app.add_option("--cacert", options.caFile,
+                 "Certificates (PEM) that vouch for an https host, in place of the system's")
+      ->type_name("FILE")
+      ->check(isGiven);
+  app.add_option("--namespace", options.nameSpace, "Namespace of the host (root/DCIM/zolan)")
+      ->type_name("NAME")
+      ->check(isGiven);
   app.add_flag("--json", options.isJson, "Print the result as one JSON document");
 }
 

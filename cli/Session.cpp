@@ -9,11 +9,30 @@
 #include "Os/QuorvelConfig.h"
 #include "Os/Texts.h"
 #include "cli/BrokerConnection.h"
+#include "cli/OpenHost.h"
 #include "core/CimBroker.h"
 #include "host/ModuleLoader.h"
 
 namespace cli {
 namespace {
+
+// Where an option has a meaning.
+struct OptionPlace {
+  std::string GlobalOptions::*value;
+  const char* option;
+  bool isForHost;
+  const char* reason;
+};
+
+constexpr OptionPlace kOptionPlaces[] = {
+    {&GlobalOptions::adapters, "--adapters", false,
+     " does not go with --host: the host has adapters of its own"},
+    {&GlobalOptions::config, "--config", false,
+     " does not go with --host: the host has a configuration of its own"},
+    {&GlobalOptions::passwordFile, "--password-file", true, " goes with --host alone"},
+    {&GlobalOptions::caFile, "--cacert", true, " goes with --host alone"},
+    {&GlobalOptions::nameSpace, "--namespace", true, " goes with --host alone"},
+};
 
 void demandReadable(const std::string& path) {
   const std::filesystem::path file = os::toPath(path);
@@ -37,6 +56,15 @@ void useConfiguration(const std::string& path) {
 
 }  // namespace
 
+void demandConsistent(const GlobalOptions& options) {
+  const bool hasHost = !options.host.empty();
+  for (const OptionPlace& place : kOptionPlaces) {
+    if (!(options.*place.value).empty() && place.isForHost != hasHost) {
+      throw Fault(std::string(place.option) + place.reason, ExitStatus::Usage);
+    }
+  }
+}
+
 void applyOptions(const GlobalOptions& options) {
   if (!options.logLevel.empty()) {
     os::setEnvironment("ZOLAN_Quorvel_LOG_LEVEL", options.logLevel);
@@ -56,7 +84,11 @@ std::string getConfigurationPlace(const GlobalOptions& options) {
 }
 
 std::unique_ptr<Connection> openConnection(const GlobalOptions& options) {
+  demandConsistent(options);
   applyOptions(options);
+  if (!options.host.empty()) {
+    return openHost(options);
+  }
   host::loadModules(host::getModuleDirectory());
   return std::make_unique<BrokerConnection>(core::GetCimBroker());
 }

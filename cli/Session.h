@@ -11,6 +11,10 @@
 
 namespace cli {
 
+// Throws Fault (usage) for options that have a meaning with a host alone and come without one, or
+// the other way round.
+void demandConsistent(const GlobalOptions& options);
+
 // Puts the options into force for this process: adapters directory, configuration file, log level.
 // To be called before anything logs. Throws Fault (usage) for a configuration file that cannot be
 // opened. Windows opens it only, and takes the settings from the registry.

@@ -17,6 +17,9 @@ namespace cli {
 // Returns the texts with the separator between them.
 [[nodiscard]] std::string join(const std::vector<std::string>& texts, const char* separator);
 
+// Returns the text as one word of a POSIX shell, in quotes where it needs them.
+[[nodiscard]] std::string quoteForShell(const std::string& text);
+
 // Returns the number of characters of UTF-8 text.
 [[nodiscard]] std::size_t countCharacters(std::string_view text);
 

@@ -23,7 +23,9 @@ constexpr const char* kFooter =
     "identities' lists, by its path, its name where no other file has that, its InstanceID or its\n"
     "object path. The flash then holds the images of the chosen types and no others.\n"
     "An interrupt (Ctrl-C) does not abandon a flash that is being written: the command waits for\n"
-    "its end.\n"
+    "its end. With --host the update goes on in the host, and the command says how to follow it.\n"
+    "IMAGE is a file on the machine of the host then; a relative path is taken from the directory\n"
+    "where this command runs.\n"
     "\n"
     "With --json: {\"returnValue\", \"returnText\", \"job\"}, where job holds the properties of\n"
     "the finished Orvex_ConcreteJob, and is null when the update was refused.\n"
@@ -32,7 +34,8 @@ constexpr const char* kFooter =
     "  quorvel update 0000:03:00.0 firmware.rom\n"
     "  quorvel update 0000:03:00 firmware.rom --types IMG_PXE+IMG_UEFI\n"
     "  quorvel update 0000:03:00 file:///srv/older.rom --force --json\n"
-    "  quorvel update 0000:03:00 --identity firmware.rom\n";
+    "  quorvel update 0000:03:00 --identity firmware.rom\n"
+    "  quorvel update 0000:03:00 /srv/firmware.rom --host https://admin@server1:5989\n";
 
 struct Options {
   std::string target;

@@ -143,9 +143,10 @@ TEST(Response, HoldsClassesWithTheTypesOfTheirProperties) {
 
 TEST(Response, OfAMethodHoldsReturnValueAndOutputs) {
   const Response response = parse(message(
-      std::string("<METHODRESPONSE NAME=\"InstallFromURI\"><RETURNVALUE PARAMTYPE=\"uint32\"><VALUE>"
-                  "4096</VALUE></RETURNVALUE><PARAMVALUE NAME=\"Job\" PARAMTYPE=\"reference\">"
-                  "<VALUE.REFERENCE>") +
+      std::string(
+          "<METHODRESPONSE NAME=\"InstallFromURI\"><RETURNVALUE PARAMTYPE=\"uint32\"><VALUE>"
+          "4096</VALUE></RETURNVALUE><PARAMVALUE NAME=\"Job\" PARAMTYPE=\"reference\">"
+          "<VALUE.REFERENCE>") +
       kName +
       "</VALUE.REFERENCE></PARAMVALUE><PARAMVALUE NAME=\"None\" PARAMTYPE=\"uint16\"/>"
       "</METHODRESPONSE>"));
@@ -170,9 +171,10 @@ TEST(Response, KeepsTextThatIsBlank) {
 
 TEST(Response, IsRefusedWhereItIsNone) {
   for (const char* body :
-       {"", "plain text", "<html><body>hello</body></html>", "<CIM/>", "<CIM><MESSAGE ID=\"1\"/></CIM>",
-        "<CIM><MESSAGE ID=\"1\"><SIMPLERSP/></MESSAGE></CIM>", "<CIM><MESSAGE ID=\"1\"><SIMPLERSP>",
-        "<!DOCTYPE CIM [<!ENTITY a \"b\">]><CIM/>", "\xff\xfe\xfd"}) {
+       {"", "plain text", "<html><body>hello</body></html>", "<CIM/>",
+        "<CIM><MESSAGE ID=\"1\"/></CIM>", "<CIM><MESSAGE ID=\"1\"><SIMPLERSP/></MESSAGE></CIM>",
+        "<CIM><MESSAGE ID=\"1\"><SIMPLERSP>", "<!DOCTYPE CIM [<!ENTITY a \"b\">]><CIM/>",
+        "\xff\xfe\xfd"}) {
     EXPECT_NE(faultOf(body), "") << body;
   }
 }

@@ -1,0 +1,35 @@
+// The adapters of a host, as far as its instances tell: ports, adapters and the types and versions
+// of the images that are installed.
+
+#ifndef ORVEX_CLI_HOSTADAPTERS_H_
+#define ORVEX_CLI_HOSTADAPTERS_H_
+
+#include <string>
+#include <vector>
+
+#include "cli/Connection.h"
+#include "cli/Context.h"
+
+namespace cli {
+
+struct HostAdapter {
+  struct Component {
+    std::string type;  // "IMG_PXE"; several with '+' between them
+    std::string version;
+  };
+
+  std::string pci;                 // "0000:03:00"
+  std::vector<std::string> ports;  // "0000:03:00.0"
+  std::vector<Component> components;
+};
+
+// Returns the adapters in the order in which they are served. A port belongs to the adapter with
+// which its identifier begins; an installed image to the one with which it is associated.
+[[nodiscard]] std::vector<HostAdapter> readHostAdapters(Connection& connection);
+
+// The command `adapters` for the host that the options name: prints the adapters.
+[[nodiscard]] ExitStatus listHostAdapters(const Context& context);
+
+}  // namespace cli
+
+#endif  // ORVEX_CLI_HOSTADAPTERS_H_

@@ -1,0 +1,138 @@
+#include "cli/Posix/PasswordPrompt.h"
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <fcntl.h>
+#include <iterator>
+#include <termios.h>
+#include <unistd.h>
+
+#include "cli/Context.h"
+
+namespace cli {
+namespace {
+
+constexpr int kHeldSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP, SIGTTIN, SIGTTOU};
+
+std::atomic<int> s_signal{0};
+
+// While it lives, a signal only interrupts the read and is noted.
+class HeldSignals {
+ public:
+  HeldSignals() {
+    s_signal = 0;
+    struct sigaction action {};
+    action.sa_handler = [](int signal) { s_signal = signal; };
+    sigemptyset(&action.sa_mask);
+    for (std::size_t i = 0; i < std::size(kHeldSignals); ++i) {
+      sigaction(kHeldSignals[i], &action, &m_previous[i]);
+    }
+  }
+  HeldSignals(const HeldSignals&) = delete;
+  HeldSignals& operator=(const HeldSignals&) = delete;
+  ~HeldSignals() {
+    for (std::size_t i = 0; i < std::size(kHeldSignals); ++i) {
+      sigaction(kHeldSignals[i], &m_previous[i], nullptr);
+    }
+  }
+
+ private:
+  struct sigaction m_previous[std::size(kHeldSignals)]{};
+};
+
+class Terminal {
+ public:
+  Terminal() : m_descriptor(open("/dev/tty", O_RDWR | O_CLOEXEC)) {}
+  Terminal(const Terminal&) = delete;
+  Terminal& operator=(const Terminal&) = delete;
+  ~Terminal() {
+    if (m_descriptor >= 0) {
+      close(m_descriptor);
+    }
+  }
+
+  [[nodiscard]] bool isOpen() const { return m_descriptor >= 0; }
+  [[nodiscard]] int descriptor() const { return m_descriptor; }
+
+  // A terminal that takes no output shows no prompt; the answer counts all the same.
+  void print(const std::string& text) const {
+    static_cast<void>(!write(m_descriptor, text.data(), text.size()));
+  }
+
+ private:
+  const int m_descriptor;
+};
+
+// While it lives, the terminal does not show what is typed.
+class HiddenInput {
+ public:
+  explicit HiddenInput(const Terminal& terminal) : m_descriptor(terminal.descriptor()) {
+    if (tcgetattr(m_descriptor, &m_previous) != 0) {
+      throw Fault(std::string("the terminal cannot be used for the password: ") +
+                  std::strerror(errno));
+    }
+    termios hidden = m_previous;
+    hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO | ECHOE | ECHOK);
+    hidden.c_lflag |= static_cast<tcflag_t>(ECHONL | ICANON | ISIG);
+    tcsetattr(m_descriptor, TCSAFLUSH, &hidden);
+  }
+  HiddenInput(const HiddenInput&) = delete;
+  HiddenInput& operator=(const HiddenInput&) = delete;
+  ~HiddenInput() { tcsetattr(m_descriptor, TCSAFLUSH, &m_previous); }
+
+ private:
+  const int m_descriptor;
+  termios m_previous{};
+};
+
+// What one attempt to read a line came to: the line, or the signal that it gave way to.
+struct Attempt {
+  std::string line;
+  int signal = 0;
+};
+
+Attempt readLine(const Terminal& terminal) {
+  Attempt attempt;
+  char character = 0;
+  for (;;) {
+    const ssize_t count = read(terminal.descriptor(), &character, 1);
+    attempt.signal = s_signal;
+    if (attempt.signal != 0 || (count == 1 && character == '\n')) {
+      return attempt;
+    }
+    if (count == 1) {
+      attempt.line += character;
+    } else if (count == 0 || errno != EINTR) {
+      throw Fault("no password was typed");
+    }
+  }
+}
+
+Attempt ask(const Terminal& terminal, const std::string& prompt) {
+  const HeldSignals signals;
+  const HiddenInput hidden(terminal);
+  terminal.print(prompt);
+  return readLine(terminal);
+}
+
+}  // namespace
+
+std::optional<std::string> askPassword(const std::string& prompt) {
+  const Terminal terminal;
+  if (!terminal.isOpen()) {
+    return std::nullopt;
+  }
+  for (;;) {
+    Attempt attempt = ask(terminal, prompt);
+    if (attempt.signal == 0) {
+      return std::move(attempt.line);
+    }
+    terminal.print("\n");
+    // Comes back after a stop, and from a signal that the process ignores.
+    raise(attempt.signal);
+  }
+}
+
+}  // namespace cli

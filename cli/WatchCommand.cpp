@@ -1,0 +1,73 @@
+#include "cli/WatchCommand.h"
+
+#include <memory>
+#include <string>
+
+#include "cli/Jobs.h"
+#include "cli/Output.h"
+#include "cli/Refusal.h"
+#include "cli/Session.h"
+
+namespace cli {
+namespace {
+
+constexpr const char* kFooter =
+    "JOB is its InstanceID, its number or its object path; 'quorvel jobs' lists them. An "
+    "interrupt\n"
+    "(Ctrl-C) ends this command and not the job. The exit status is that of the job: 0 when it "
+    "was\n"
+    "completed, else 1.\n"
+    "\n"
+    "With --json: {\"job\"}, which holds the properties of the finished Orvex_ConcreteJob.\n"
+    "\n"
+    "Examples:\n"
+    "  quorvel watch 1 --host https://admin@server1:5989\n"
+    "  quorvel watch 'Orvex:FirmwareUpdate@Job#1' --host http://127.0.0.1:5988\n";
+
+struct Options {
+  std::string job;
+  bool isProgressHidden = false;
+};
+
+void reportEnd(const Context& context, const Job& job, const JobReport& report) {
+  if (!report.isCompleted()) {
+    context.err << "quorvel: the job " << job.id << " failed: " << report.outcome() << '\n';
+    context.err << "  next: " << adviseOnFailure(report) << '\n';
+  } else if (!context.options.isJson) {
+    context.out << "Completed: the job " << job.id << " has ended\n";
+  }
+}
+
+ExitStatus watch(const Context& context, const Options& options) {
+  const std::unique_ptr<Connection> connection = openConnection(context.options);
+  const Job job = findJob(*connection, options.job);
+  InterruptGuard guard;
+  ProgressView view(context.out, chooseProgressStyle(context.options, !options.isProgressHidden),
+                    job.id);
+  const JobReport report = waitForJob(*connection, job.report.path, view, guard, context.err,
+                                      job.age.value_or(std::chrono::seconds(0)));
+  reportEnd(context, job, report);
+  if (context.options.isJson) {
+    Json document;
+    document["job"] = report.properties;
+    printJson(context.out, document);
+  }
+  return report.isCompleted() ? ExitStatus::Done : ExitStatus::Failed;
+}
+
+}  // namespace
+
+void addWatchCommand(CLI::App& program, Context& context) {
+  CLI::App* command = program.add_subcommand("watch", "Follow a job of a host to its end");
+  const auto options = std::make_shared<Options>();
+  command->add_option("JOB", options->job, "The job, as 'quorvel jobs' prints it")
+      ->type_name("")
+      ->required();
+  command->add_flag("--no-progress", options->isProgressHidden, "Print no progress");
+  command->footer(kFooter);
+  command->callback([&context, options] {
+    context.command = [&context, options] { return watch(context, *options); };
+  });
+}
+
+}  // namespace cli
