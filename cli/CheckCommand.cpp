@@ -19,6 +19,9 @@ constexpr const char* kFooter =
     "TARGET is a port (0000:03:00.0), an adapter (0000:03:00) or the object path of either.\n"
     "IDENTITY is one of the files that 'quorvel identities' lists: its path, its name where no\n"
     "other file has that, its InstanceID or its object path. Nothing is installed.\n"
+    "A host (--host) keeps the target of a check that passes reserved, and refuses every update, "
+    "until\n"
+    "it is restarted; without --host nothing stays reserved.\n"
     "\n"
     "With --json: {\"returnValue\", \"returnText\", \"installCharacteristics\": [NUMBER]}, where 7 "
     "is\n"
@@ -65,6 +68,11 @@ ExitStatus check(const Context& context, const Options& options) {
                   requestIdentity(identity, false, connection->isRemote()));
   } else if (!context.options.isJson) {
     reportSuccess(context, target, identity, answer);
+  }
+  if (isPassed && connection->isRemote()) {
+    context.err
+        << "quorvel: note: the host keeps " << target.label
+        << " reserved for this installation and refuses every update until it is restarted\n";
   }
   if (context.options.isJson) {
     printJson(context.out, toJson(answer));

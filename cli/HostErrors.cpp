@@ -102,7 +102,7 @@ void refuseError(const cimxml::ErrorValue& error, const std::string& nameSpace) 
     text += ": " + toPrintable(error.description);
   }
   if (error.code == static_cast<unsigned>(CimStatus::InvalidNamespace)) {
-    text += "; '" + nameSpace + "' was asked for, --namespace names another";
+    text += "; --namespace names another than " + nameSpace;
   }
   throw Fault(text);
 }

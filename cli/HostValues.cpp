@@ -156,13 +156,15 @@ InstanceSnapshot snapshotOf(const cimxml::InstanceValue& instance, cimxml::Objec
 Properties outputsOf(const std::vector<cimxml::Parameter>& outputs,
                      core::CimPropertyList& declared) {
   Properties result = snapshotOf(declared);
+  std::vector<const cimxml::Parameter*> taken = {findOutput(outputs, kJob)};
   for (PropertySnapshot& output : result) {
     if (const cimxml::Parameter* given = findOutput(outputs, output.name)) {
       output = snapshotOf(output.name, given->type, given->value);
+      taken.push_back(given);
     }
   }
   for (const cimxml::Parameter& output : outputs) {
-    if (!core::isSameName(output.name, kJob) && declared.get(output.name) == nullptr) {
+    if (std::find(taken.begin(), taken.end(), &output) == taken.end()) {
       result.push_back(snapshotOf(output.name, output.type, output.value));
     }
   }

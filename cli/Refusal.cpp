@@ -42,18 +42,23 @@ constexpr Advice kAdvice[] = {
      "the firmware of this adapter cannot be replaced; 'quorvel adapters' shows which can"},
 };
 
-// Where nothing but the return code is known.
+// Where nothing but the return code is known. IMAGE stands for what the request named.
 constexpr std::pair<std::uint32_t, const char*> kAdviceOnCodes[] = {
     {cim::kUnspecifiedError,
-     "another update may be running in the host ('quorvel jobs'): wait for its end; else check "
-     "that the image is on the machine of the host and can be read there"},
+     "wait for the end of an update that runs in the host ('quorvel jobs'); where none does, a "
+     "check "
+     "may have reserved a target, which ends with a restart of the host, or the image cannot be "
+     "read "
+     "on its machine"},
     {cim::kFailed, "the log of the host tells why the job could not be started"},
     {cim::kInvalidParameter,
-     "check that the image is a whole firmware file on the machine of the host; its log tells "
-     "more"},
-    {cim::kTargetInUse, kWait},
+     "check that IMAGE is there on the machine of the host, and a whole firmware file; its log "
+     "tells more"},
+    {cim::kTargetInUse,
+     "wait for the end of the update that runs in the host ('quorvel jobs'); where none does, a "
+     "check has reserved the target, which ends with a restart of the host"},
     {cim::kUnsupportedTargetType,
-     "the image is for another device; get the file that is made for this adapter"},
+     "IMAGE is for another device; get the file that is made for this adapter"},
     {cim::kDowngradeNotSupported,
      "name the types to install with --types, or, for an older image, update with --force"},
     {cim::kNotApplicableToTarget,
@@ -61,9 +66,15 @@ constexpr std::pair<std::uint32_t, const char*> kAdviceOnCodes[] = {
      "adapter"},
 };
 
-std::string adviseOnCode(std::uint32_t returnValue) {
-  for (const auto& [code, advice] : kAdviceOnCodes) {
+std::string adviseOnCode(std::uint32_t returnValue, const UpdateRequest& request) {
+  constexpr std::string_view kImage = "IMAGE";
+  for (const auto& [code, text] : kAdviceOnCodes) {
     if (code == returnValue) {
+      std::string advice = text;
+      if (const std::size_t place = advice.find(kImage); place != std::string::npos) {
+        advice.replace(place, kImage.size(),
+                       request.imagePath.empty() ? "the image" : "'" + request.imagePath + "'");
+      }
       return advice;
     }
   }
@@ -161,7 +172,7 @@ std::string adviseOnRefusal(std::uint32_t returnValue, const std::string& reason
     }
   }
   if (request.isRemote && reason.empty()) {
-    return adviseOnCode(returnValue);
+    return adviseOnCode(returnValue, request);
   }
   return returnValue == cim::kNotApplicableToTarget
              ? "name a port or an adapter; 'quorvel adapters' shows what there is"

@@ -46,4 +46,11 @@ TEST(TextTable, EscapesControlCharactersInCells) {
   EXPECT_EQ(printed(table), "NAME\na\\tb\\x1b\\x7f\\r\\n\n");
 }
 
+TEST(ShellWord, IsQuotedWhereItNeedsThat) {
+  EXPECT_EQ(cli::quoteForShell("http://a%20b@lab:5988"), "http://a%20b@lab:5988");
+  EXPECT_EQ(cli::quoteForShell(""), "''");
+  EXPECT_EQ(cli::quoteForShell("Job#1"), "'Job#1'");
+  EXPECT_EQ(cli::quoteForShell("a'b $c"), "'a'\\''b $c'");
+}
+
 }  // namespace

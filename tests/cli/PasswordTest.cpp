@@ -1,0 +1,55 @@
+#include <gmock/gmock.h>
+
+#include "cli/Context.h"
+#include "cli/Password.h"
+#include "tests/support/TempDirectory.h"
+#include "tests/support/Variables.h"
+
+namespace {
+
+class PasswordTest : public testing::Test {
+ protected:
+  ~PasswordTest() override { test::unsetVariable("QUORVEL_PASSWORD"); }
+
+  [[nodiscard]] std::string fileOf(const std::string& content) const {
+    return m_directory.write("password", content).string();
+  }
+
+  static std::string refusalOf(const std::string& file) {
+    try {
+      return "found " + cli::findPassword(file).value_or("none");
+    } catch (const cli::Fault& fault) {
+      EXPECT_EQ(fault.status(), cli::ExitStatus::Usage);
+      return fault.what();
+    }
+  }
+
+ private:
+  test::TempDirectory m_directory;
+};
+
+TEST_F(PasswordTest, IsTheFirstLineOfTheFile) {
+  EXPECT_EQ(cli::findPassword(fileOf(" se cret \nsecond\n")), " se cret ");
+  EXPECT_EQ(cli::findPassword(fileOf("secret\r\n")), "secret");
+  EXPECT_EQ(cli::findPassword(fileOf("secret")), "secret");
+}
+
+TEST_F(PasswordTest, IsThatOfTheEnvironmentWithoutAFile) {
+  test::setVariable("QUORVEL_PASSWORD", "from there");
+  EXPECT_EQ(cli::findPassword(""), "from there");
+  EXPECT_EQ(cli::findPassword(fileOf("from the file\n")), "from the file");
+}
+
+TEST_F(PasswordTest, IsNowhereWhereNeitherIsGiven) {
+  EXPECT_EQ(cli::findPassword(""), std::nullopt);
+}
+
+TEST_F(PasswordTest, IsNotFoundInAFileThatLacksIt) {
+  EXPECT_EQ(refusalOf("/nowhere/password"),
+            "--password-file: '/nowhere/password' cannot be read; check the path and its "
+            "permissions");
+  EXPECT_THAT(refusalOf(fileOf("\nsecret\n")), testing::HasSubstr("is empty"));
+  EXPECT_THAT(refusalOf(fileOf("")), testing::HasSubstr("is empty"));
+}
+
+}  // namespace
