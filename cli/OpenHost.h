@@ -13,7 +13,7 @@ namespace cli {
 // Returns a connection to the host that the options name; nothing is sent yet. The password of a
 // user comes from where findPassword finds it, else from a prompt on the terminal. Throws Fault
 // (usage) for an address that is none, a login that would go over the network readable, a password
-// that is nowhere, and a certificate file that cannot be used. Windows throws it always.
+// that is nowhere, and a certificate file that cannot be read. Windows throws it always.
 [[nodiscard]] std::unique_ptr<Connection> openHost(const GlobalOptions& options);
 
 }  // namespace cli

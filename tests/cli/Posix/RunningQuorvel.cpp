@@ -67,8 +67,9 @@ void closeEnd(int& end) {
 }  // namespace
 
 RunningQuorvel::RunningQuorvel(const std::vector<std::string>& arguments, OutputTo output,
-                               const std::vector<EnvironmentChange>& environment) {
-  std::vector<std::string> texts{programBeside("quorvel").string()};
+                               const std::vector<EnvironmentChange>& environment,
+                               const std::string& program) {
+  std::vector<std::string> texts{programBeside(program).string()};
   texts.insert(texts.end(), arguments.begin(), arguments.end());
   std::vector<char*> pointers;
   for (std::string& text : texts) {

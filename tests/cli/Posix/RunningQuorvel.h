@@ -1,4 +1,5 @@
-// The program `quorvel` as a child process that a test watches and disturbs while it runs.
+// The program `quorvel`, or its host `quorveld`, as a child process that a test watches and
+// disturbs while it runs.
 
 #ifndef ORVEX_TESTS_CLI_POSIX_RUNNINGQUORVEL_H_
 #define ORVEX_TESTS_CLI_POSIX_RUNNINGQUORVEL_H_
@@ -23,7 +24,8 @@ enum class OutputTo {
 class RunningQuorvel {
  public:
   RunningQuorvel(const std::vector<std::string>& arguments, OutputTo output,
-                 const std::vector<EnvironmentChange>& environment);
+                 const std::vector<EnvironmentChange>& environment,
+                 const std::string& program = "quorvel");
   RunningQuorvel(const RunningQuorvel&) = delete;
   RunningQuorvel& operator=(const RunningQuorvel&) = delete;
   ~RunningQuorvel();
@@ -31,6 +33,9 @@ class RunningQuorvel {
   // Return whether the text came on the stream, within a deadline.
   [[nodiscard]] bool awaitOutput(const std::string& text);
   [[nodiscard]] bool awaitErrors(const std::string& text);
+
+  // What has come on standard output until now.
+  [[nodiscard]] const std::string& output() const { return m_result.output; }
 
   void signal(int number) const;
   // Stops reading its output, as a pager that is left does.

@@ -1,0 +1,17 @@
+#include "tests/cli/QuorvelTest.h"
+
+namespace {
+
+using testing::HasSubstr;
+
+class WatchCommandTest : public test::QuorvelTest {};
+
+TEST_F(WatchCommandTest, MissesTheJobsThatEndedWithTheirProcess) {
+  expectFailure({"watch", "1"}, HasSubstr("there is no job '1'; jobs of this program end with it"));
+}
+
+TEST_F(WatchCommandTest, NeedsAJob) {
+  expectUsageFault({"watch"}, HasSubstr("JOB is required"));
+}
+
+}  // namespace
