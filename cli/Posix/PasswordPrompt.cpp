@@ -6,6 +6,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <iterator>
+#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -18,7 +19,7 @@ constexpr int kHeldSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP, SIGTT
 
 std::atomic<int> s_signal{0};
 
-// While it lives, a signal only interrupts the read and is noted.
+// While it lives, a signal is only noted, and only while wait() runs, so that none is missed.
 class HeldSignals {
  public:
   HeldSignals() {
@@ -26,6 +27,12 @@ class HeldSignals {
     struct sigaction action {};
     action.sa_handler = [](int signal) { s_signal = signal; };
     sigemptyset(&action.sa_mask);
+    sigset_t held;
+    sigemptyset(&held);
+    for (const int signal : kHeldSignals) {
+      sigaddset(&held, signal);
+    }
+    pthread_sigmask(SIG_BLOCK, &held, &m_previousMask);
     for (std::size_t i = 0; i < std::size(kHeldSignals); ++i) {
       sigaction(kHeldSignals[i], &action, &m_previous[i]);
     }
@@ -36,9 +43,19 @@ class HeldSignals {
     for (std::size_t i = 0; i < std::size(kHeldSignals); ++i) {
       sigaction(kHeldSignals[i], &m_previous[i], nullptr);
     }
+    pthread_sigmask(SIG_SETMASK, &m_previousMask, nullptr);
+  }
+
+  // Waits until there is something to read. Returns the signal that came instead, 0 for none.
+  int wait(int descriptor) const {
+    pollfd source{descriptor, POLLIN, 0};
+    while (s_signal == 0 && ppoll(&source, 1, nullptr, &m_previousMask) < 0 && errno == EINTR) {
+    }
+    return s_signal;
   }
 
  private:
+  sigset_t m_previousMask{};
   struct sigaction m_previous[std::size(kHeldSignals)]{};
 };
 
@@ -93,20 +110,21 @@ struct Attempt {
   int signal = 0;
 };
 
-Attempt readLine(const Terminal& terminal) {
+Attempt readLine(const Terminal& terminal, const HeldSignals& signals) {
   Attempt attempt;
-  char character = 0;
   for (;;) {
-    const ssize_t count = read(terminal.descriptor(), &character, 1);
-    attempt.signal = s_signal;
-    if (attempt.signal != 0 || (count == 1 && character == '\n')) {
+    attempt.signal = signals.wait(terminal.descriptor());
+    if (attempt.signal != 0) {
       return attempt;
     }
-    if (count == 1) {
-      attempt.line += character;
-    } else if (count == 0 || errno != EINTR) {
+    char character = 0;
+    if (read(terminal.descriptor(), &character, 1) != 1) {
       throw Fault("no password was typed");
     }
+    if (character == '\n') {
+      return attempt;
+    }
+    attempt.line += character;
   }
 }
 
@@ -114,7 +132,7 @@ Attempt ask(const Terminal& terminal, const std::string& prompt) {
   const HeldSignals signals;
   const HiddenInput hidden(terminal);
   terminal.print(prompt);
-  return readLine(terminal);
+  return readLine(terminal, signals);
 }
 
 }  // namespace
@@ -131,7 +149,7 @@ std::optional<std::string> askPassword(const std::string& prompt) {
     }
     terminal.print("\n");
     // Comes back after a stop, and from a signal that the process ignores.
-    raise(attempt.signal);
+    static_cast<void>(raise(attempt.signal));
   }
 }
 

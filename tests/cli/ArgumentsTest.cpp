@@ -157,4 +157,13 @@ TEST(Arguments, RefuseANameThatComesTwice) {
   EXPECT_EQ(refusalOf("InstallFromURI", {"URI=a", "URI=b"}), "argument URI: is given twice");
 }
 
+TEST(Arguments, HaveTheTypesOfAJobsMethod) {
+  Arguments arguments("RequestStateChange", {"RequestedState=4", "TimeoutPeriod="});
+  EXPECT_EQ(arguments.in().get("RequestedState")->getType(), core::kCimUint16);
+  EXPECT_EQ(arguments.in().get("TimeoutPeriod")->getType(), core::kCimDatetime);
+  EXPECT_TRUE(arguments.in().get("TimeoutPeriod")->isNull());
+  EXPECT_THAT(refusalOf("RequestStateChange", {"State=4"}),
+              HasSubstr("it takes RequestedState, TimeoutPeriod"));
+}
+
 }  // namespace

@@ -58,6 +58,20 @@ TEST(RefusalAdvice, IsSilentAboutWhatItDoesNotKnow) {
   EXPECT_EQ(adviceFor(""), "");
 }
 
+TEST(RefusalAdvice, FollowsTheReturnValueOfAHost) {
+  cli::UpdateRequest request{"/on/the/host.rom"};
+  request.isRemote = true;
+  EXPECT_EQ(adviseOnRefusal(5, "", request),
+            "check that '/on/the/host.rom' is there on the machine of the host, and a whole "
+            "firmware file; its log tells more");
+  EXPECT_THAT(adviseOnRefusal(6, "", request), HasSubstr("'quorvel jobs'"));
+  EXPECT_THAT(adviseOnRefusal(4099, "", request),
+              AllOf(HasSubstr("--types"), HasSubstr("--force")));
+  EXPECT_THAT(adviseOnRefusal(4108, "", request), HasSubstr("log of the host"));
+  request.imagePath.clear();
+  EXPECT_THAT(adviseOnRefusal(4097, "", request), HasSubstr("the image is for another device"));
+}
+
 TEST(RefusalAdvice, NamesTargetsWhenTheTargetIsNone) {
   EXPECT_THAT(adviseOnRefusal(4106, "", {}), HasSubstr("name a port or an adapter"));
 }
