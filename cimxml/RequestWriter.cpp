@@ -121,7 +121,9 @@ void endMethodRequest(Buffer& out) {
 void appendArgument(Buffer& out, const core::CimProperty& value) {
   beginParameter(out, "PARAMVALUE", value.getName());
   appendAttribute(out, "PARAMTYPE", core::getTypeName(static_cast<core::CimType>(value.getType())));
-  finishElement(out, "PARAMVALUE", value, "");
+  out += '>';
+  appendValue(out, value, "");
+  out += "</PARAMVALUE>";
 }
 
 void appendReferenceArgument(Buffer& out, std::string_view name, const ObjectName* target,
