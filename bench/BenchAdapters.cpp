@@ -16,6 +16,8 @@ constexpr std::uint16_t kDevice = 0x1041;
 constexpr unsigned kPorts = 2;
 constexpr std::size_t kDevicesPerBus = 32;
 constexpr const char* kRomName = "image.rom";
+constexpr const char* kSlowRomName = "slow.rom";
+constexpr std::uint8_t kSlowBus = 0xFF;
 constexpr const char* kAdaptersName = "adapters";
 
 }  // namespace
@@ -60,6 +62,22 @@ Adapters::~Adapters() = default;
 
 void Adapters::select() const {
   os::setEnvironment("ORVEX_ADAPTERS", (m_directory.path() / kAdaptersName).string());
+}
+
+std::string Adapters::addSlow(std::size_t romBytes, std::uint64_t rate) const {
+  ma::AdapterSpec spec;
+  spec.pci.bus = kSlowBus;
+  spec.name = "Slow benchmark adapter";
+  spec.vendor = kVendor;
+  spec.device = kDevice;
+  spec.rom = m_directory.write(kSlowRomName, makeRom(romBytes));
+  spec.writeRate = rate;
+  ma::VirtualAdapters(m_directory.path() / kAdaptersName).add(spec);
+  return "0000:ff:00.0";
+}
+
+std::string Adapters::slowRomUri() const {
+  return "file://" + (m_directory.path() / kSlowRomName).string();
 }
 
 std::string Adapters::romUri() const {

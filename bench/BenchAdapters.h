@@ -30,10 +30,15 @@ class Adapters {
 
   void select() const;
 
+  // Adds an adapter of one port behind all others, whose flash holds `romBytes` and is written at
+  // `rate` bytes a second. Returns its port.
+  std::string addSlow(std::size_t romBytes, std::uint64_t rate) const;
+
   // The first port of the first adapter.
   [[nodiscard]] static std::string firstPort() { return "0000:00:00.0"; }
-  // The URI of the file that every adapter's flash was made from.
+  // The URI of the file that every adapter's flash was made from, and of that of the slow one.
   [[nodiscard]] std::string romUri() const;
+  [[nodiscard]] std::string slowRomUri() const;
 
  private:
   test::TempDirectory m_directory;

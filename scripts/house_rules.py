@@ -23,7 +23,7 @@ MAY_INCLUDE = {
 OS_FOLDERS = (
     "Os/Posix/", "Os/Windows/", "midapi/Posix/", "midapi/Windows/", "host/Posix/", "host/Windows/",
     "cli/Posix/", "cli/Windows/", "agent/Posix/", "agent/Windows/", "inventory/Posix/",
-    "inventory/Windows/",
+    "inventory/Windows/", "bench/Posix/",
 )
 # Tests may include an OS header anywhere; conditionals stay in folders named for a platform.
 OS_HEADERS_ALSO_IN = ("tests/",)
