@@ -1,6 +1,9 @@
 #include "bench/Questions.h"
 
+#include <cctype>
+
 #include "Os/Environment.h"
+#include "Utils/Format.h"
 
 namespace bench {
 namespace {
@@ -20,6 +23,25 @@ std::string makeName(const std::string& className, const std::string& nameKey,
          makeKey("SystemCreationClassName", "CIM_UnitaryComputerSystem") +
          makeKey("SystemName", os::getComputerName()) + makeKey("CreationClassName", className) +
          makeKey(nameKey, name) + "</INSTANCENAME>";
+}
+
+// Returns the path of the service as a header field has it: all but its letters, digits and
+// underscores behind per cent signs (DSP0200, CIMObject).
+std::string serviceObject() {
+  const std::string path =
+      "root/DCIM/zolan:Orvex_SoftwareInstallationService.SystemCreationClassName="
+      "\"CIM_UnitaryComputerSystem\",SystemName=\"" +
+      os::getComputerName() +
+      "\",CreationClassName=\"Orvex_SoftwareInstallationService\",Name=\"Orvex:FirmwareUpdate\"";
+  std::string encoded;
+  for (const char sign : path) {
+    if (std::isalnum(static_cast<unsigned char>(sign)) != 0 || sign == '_') {
+      encoded += sign;
+    } else {
+      encoded += utils::format("%%%02X", static_cast<unsigned char>(sign));
+    }
+  }
+  return encoded;
 }
 
 std::string makeHttpRequest(const std::string& method, const std::string& object,
@@ -63,7 +85,7 @@ std::string portName(const std::string& identity) {
 
 std::string askInstallation(const std::string& uri, const std::string& identity) {
   return makeHttpRequest(
-      "InstallFromURI", "root%2FDCIM%2Fzolan%3AOrvex_SoftwareInstallationService",
+      "InstallFromURI", serviceObject(),
       "<METHODCALL NAME=\"InstallFromURI\"><LOCALINSTANCEPATH>" + std::string(kNameSpacePath) +
           serviceName() + "</LOCALINSTANCEPATH><PARAMVALUE NAME=\"URI\" PARAMTYPE=\"string\">" +
           text(uri) +
