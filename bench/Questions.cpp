@@ -90,7 +90,10 @@ std::string askInstallation(const std::string& uri, const std::string& identity)
           serviceName() + "</LOCALINSTANCEPATH><PARAMVALUE NAME=\"URI\" PARAMTYPE=\"string\">" +
           text(uri) +
           "</PARAMVALUE><PARAMVALUE NAME=\"Target\" PARAMTYPE=\"reference\"><VALUE.REFERENCE>" +
-          portName(identity) + "</VALUE.REFERENCE></PARAMVALUE></METHODCALL>");
+          portName(identity) +
+          "</VALUE.REFERENCE></PARAMVALUE><PARAMVALUE NAME=\"InstallOptions\" "
+          "PARAMTYPE=\"uint16\"><VALUE.ARRAY><VALUE>5</VALUE></VALUE.ARRAY></PARAMVALUE>"
+          "<PARAMVALUE NAME=\"InstallOptionsValues\" PARAMTYPE=\"string\"/></METHODCALL>");
 }
 
 }  // namespace bench
