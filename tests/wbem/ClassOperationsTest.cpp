@@ -22,7 +22,7 @@ TEST_F(ClassOperations, GetWhatAClassDeclaresItself) {
   EXPECT_EQ(ask("GetClass",
                 {given("ClassName", className("test_PORT")), given("IncludeQualifiers", "FALSE")}),
             returned("<CLASS NAME=\"Test_Port\" SUPERCLASS=\"Test_Device\">" + std::string(kSpeed) +
-                     "/></CLASS>"));
+                     "></PROPERTY></CLASS>"));
 }
 
 TEST_F(ClassOperations, GetInheritedPartsOnRequest) {
