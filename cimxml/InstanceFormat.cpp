@@ -72,11 +72,15 @@ const InstanceFormat::Field* InstanceFormat::findField(const core::CimProperty& 
 }
 
 void InstanceFormat::append(Buffer& out, core::CimInstance& instance) const {
+  Properties properties;
+  instance.getProperties().copyTo(properties);
+  append(out, properties);
+}
+
+void InstanceFormat::append(Buffer& out, const Properties& properties) const {
   out += m_start;
   std::size_t position = 0;
-  core::CimPropertyList::Iterator cursor = instance.getProperties().iterator();
-  for (core::CimProperty* property = cursor.first(); property != nullptr;
-       property = cursor.next()) {
+  for (const core::CimProperty* property : properties) {
     const Field* field = findField(*property, position++);
     if (field != nullptr && field->isChosen) {
       out.append(m_tags, field->tagStart, field->tagLength);

@@ -295,10 +295,15 @@ void appendClassName(Buffer& out, std::string_view className) {
 }
 
 void appendInstanceName(Buffer& out, core::CimInstance& instance, std::string_view nameSpace) {
-  beginInstanceName(out, instance.getClassName());
-  core::CimPropertyList::Iterator cursor = instance.getProperties().iterator();
-  for (core::CimProperty* property = cursor.first(); property != nullptr;
-       property = cursor.next()) {
+  Properties properties;
+  instance.getProperties().copyTo(properties);
+  appendInstanceName(out, instance.getClassName(), properties, nameSpace);
+}
+
+void appendInstanceName(Buffer& out, std::string_view className, const Properties& properties,
+                        std::string_view nameSpace) {
+  beginInstanceName(out, className);
+  for (const core::CimProperty* property : properties) {
     if (property->isKey()) {
       appendKey(out, *property, nameSpace);
     }
@@ -316,9 +321,16 @@ void appendInstanceName(Buffer& out, const ObjectName& name, std::string_view na
 
 void appendInstancePath(Buffer& out, core::CimInstance& instance, std::string_view host,
                         std::string_view nameSpace) {
+  Properties properties;
+  instance.getProperties().copyTo(properties);
+  appendInstancePath(out, instance.getClassName(), properties, host, nameSpace);
+}
+
+void appendInstancePath(Buffer& out, std::string_view className, const Properties& properties,
+                        std::string_view host, std::string_view nameSpace) {
   out += "<INSTANCEPATH>";
   appendNamespacePath(out, host, nameSpace);
-  appendInstanceName(out, instance, nameSpace);
+  appendInstanceName(out, className, properties, nameSpace);
   out += "</INSTANCEPATH>";
 }
 

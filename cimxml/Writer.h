@@ -23,6 +23,10 @@ namespace cimxml {
 
 using Buffer = std::string;
 
+// The properties in force of an instance, as core::CimPropertyList::copyTo gives them: who writes
+// an instance and its name asks for them once.
+using Properties = std::vector<core::CimProperty*>;
+
 void appendEscaped(Buffer& out, std::string_view text);
 
 // ---- answers ----
@@ -62,9 +66,13 @@ void appendInstanceName(Buffer& out, core::CimInstance& instance, std::string_vi
 // The same of a name. References in it keep the namespace and the host that they have; with an
 // empty `nameSpace`, one that has none is written as its name alone.
 void appendInstanceName(Buffer& out, const ObjectName& name, std::string_view nameSpace);
+void appendInstanceName(Buffer& out, std::string_view className, const Properties& properties,
+                        std::string_view nameSpace);
 // <INSTANCEPATH>: namespace path and instance name.
 void appendInstancePath(Buffer& out, core::CimInstance& instance, std::string_view host,
                         std::string_view nameSpace);
+void appendInstancePath(Buffer& out, std::string_view className, const Properties& properties,
+                        std::string_view host, std::string_view nameSpace);
 // The same for a class.
 void appendClassPath(Buffer& out, std::string_view className, std::string_view host,
                      std::string_view nameSpace);
@@ -91,6 +99,7 @@ class InstanceFormat {
   // <INSTANCE CLASSNAME="..."><PROPERTY ...>... The instance is one of the class; a property that
   // the class does not declare is left out.
   void append(Buffer& out, core::CimInstance& instance) const;
+  void append(Buffer& out, const Properties& properties) const;
 
  private:
   struct Field {

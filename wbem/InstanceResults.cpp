@@ -101,21 +101,23 @@ void InstanceResults::addClass(const core::ClassDeclaration& declaration) {
 void InstanceResults::append(const Namespace& nameSpace, const ServedClass& served,
                              core::CimInstance& instance) {
   const FormParts& parts = partsOf(m_form);
+  const std::string& className = served.declaration->name;
+  instance.getProperties().copyTo(m_properties);
   const std::size_t start = m_out.size();
   appendStart(m_out, parts.element);
   if (parts.hasName) {
-    cimxml::appendInstanceName(m_out, instance, nameSpace.name());
+    cimxml::appendInstanceName(m_out, className, m_properties, nameSpace.name());
   }
   if (parts.hasPath) {
     const std::size_t path = m_out.size();
-    cimxml::appendInstancePath(m_out, instance, m_call.host, nameSpace.name());
+    cimxml::appendInstancePath(m_out, className, m_properties, m_call.host, nameSpace.name());
     if (m_passesOverRepeated && !m_written.emplace(m_out.substr(path)).second) {
       m_out.resize(start);
       return;
     }
   }
   if (parts.hasInstance) {
-    formatOf(nameSpace, served).append(m_out, instance);
+    formatOf(nameSpace, served).append(m_out, m_properties);
   }
   appendEnd(m_out, parts.element);
   m_ends.push_back(m_out.size());

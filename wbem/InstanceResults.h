@@ -73,6 +73,7 @@ class InstanceResults {
   bool m_passesOverRepeated = false;
   std::set<std::string, std::less<>> m_written;  // paths
   // That of the class of the last instance.
+  cimxml::Properties m_properties;  // of the instance that is being written
   const ServedClass* m_formatted = nullptr;
   Namespace::Format m_format;
 };
