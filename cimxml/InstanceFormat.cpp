@@ -34,12 +34,17 @@ std::string makeStart(std::string_view className) {
 InstanceFormat::InstanceFormat(const core::ClassDeclaration& declaration, const Options& options,
                                std::string_view nameSpace)
     : m_nameSpace(nameSpace), m_start(makeStart(declaration.name)) {
-  constexpr std::size_t kUsualTag = 64;
+  constexpr std::size_t kUsualTag = 80;
   m_tags.reserve(kUsualTag * declaration.properties.size());
   m_fields.reserve(declaration.properties.size());
   for (const core::PropertyDeclaration& property : declaration.properties) {
-    Field field{property.type,       isChosen(property, declaration, options), m_tags.size(), 0, 0,
-                property.name.size()};
+    Field field{property.type,
+                isChosen(property, declaration, options),
+                m_tags.size(),
+                0,
+                0,
+                property.name.size(),
+                0};
     m_tags += '<';
     m_tags += getPropertyElement(property.type);
     m_tags += " NAME=\"";
@@ -51,7 +56,10 @@ InstanceFormat::InstanceFormat(const core::ClassDeclaration& declaration, const 
       appendAttribute(m_tags, "CLASSORIGIN", property.origin);
     }
     m_tags += '>';
-    field.tagLength = m_tags.size() - field.tagStart;
+    const std::size_t end = m_tags.size();
+    field.tagLength = end - field.tagStart;
+    appendEndTag(m_tags, getPropertyElement(property.type));
+    field.endTagLength = m_tags.size() - end;
     m_fields.push_back(field);
   }
 }
@@ -85,7 +93,7 @@ void InstanceFormat::append(Buffer& out, const Properties& properties) const {
     if (field != nullptr && field->isChosen) {
       out.append(m_tags, field->tagStart, field->tagLength);
       appendValue(out, *property, m_nameSpace);
-      appendEndTag(out, getPropertyElement(field->type));
+      out.append(m_tags, field->tagStart + field->tagLength, field->endTagLength);
     }
   }
   out += "</INSTANCE>";

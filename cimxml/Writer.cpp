@@ -2,6 +2,8 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 
 #include "cimxml/Characters.h"
 #include "cimxml/Values.h"
@@ -26,6 +28,22 @@ constexpr std::array<Byte, 256> kBytes = [] {
   }
   return bytes;
 }();
+
+// Returns whether the eight bytes there are all plain: no ASCII character but those that stand for
+// themselves. Each test marks the top bit of the bytes that it finds.
+bool areAllPlain(const char* bytes) {
+  constexpr std::uint64_t kOnes = 0x0101010101010101;
+  constexpr std::uint64_t kTops = kOnes * 0x80;
+  std::uint64_t word = 0;
+  std::memcpy(&word, bytes, sizeof(word));
+  const auto findZeros = [](std::uint64_t value) { return (value - kOnes) & ~value & kTops; };
+  const std::uint64_t controls = (word - kOnes * 0x20) & ~word & kTops;
+  // Two signs that differ in one bit are found as one.
+  const std::uint64_t quotes = findZeros(word ^ (kOnes * '"'));
+  const std::uint64_t apostrophes = findZeros((word | kOnes) ^ (kOnes * '\''));    // and '&'
+  const std::uint64_t brackets = findZeros((word | (kOnes * 2)) ^ (kOnes * '>'));  // and '<'
+  return ((word & kTops) | controls | quotes | apostrophes | brackets) == 0;
+}
 
 constexpr std::string_view getReplacement(char sign) {
   switch (sign) {
@@ -114,9 +132,15 @@ std::string_view getValueType(KeyBinding::Kind kind) {
 
 void appendKey(Buffer& out, const core::CimProperty& key, std::string_view nameSpace) {
   const auto type = static_cast<core::CimType>(key.getType());
-  out += "<KEYBINDING";
-  appendAttribute(out, "NAME", key.getName());
-  out += '>';
+  out += "<KEYBINDING NAME=\"";
+  out += key.getName();  // an identifier, with nothing in it to escape
+  if (type == core::kCimString) {
+    out += "\"><KEYVALUE VALUETYPE=\"string\" TYPE=\"string\">";
+    appendScalarText(out, key);
+    out += "</KEYVALUE></KEYBINDING>";
+    return;
+  }
+  out += "\">";
   if (type != core::kCimReference) {
     out += "<KEYVALUE";
     appendAttribute(out, "VALUETYPE", getValueType(type));
@@ -184,6 +208,10 @@ void appendKey(Buffer& out, const KeyBinding& key, std::string_view nameSpace) {
 void appendEscaped(Buffer& out, std::string_view text) {
   std::size_t pending = 0;  // where the part begins that is taken as it is
   for (std::size_t at = 0; at < text.size();) {
+    if (at + sizeof(std::uint64_t) <= text.size() && areAllPlain(text.data() + at)) {
+      at += sizeof(std::uint64_t);
+      continue;
+    }
     const Byte byte = kBytes[static_cast<unsigned char>(text[at])];
     if (byte == Byte::Plain) {
       ++at;

@@ -105,11 +105,13 @@ class InstanceFormat {
   struct Field {
     core::CimType type;
     bool isChosen;
-    // Where they stand in m_tags: <PROPERTY NAME="Caption" TYPE="string"> and the name in it.
+    // Where they stand in m_tags: <PROPERTY NAME="Caption" TYPE="string">, the name in it, and
+    // behind it </PROPERTY>.
     std::size_t tagStart;
     std::size_t tagLength;
     std::size_t nameStart;
     std::size_t nameLength;
+    std::size_t endTagLength;
   };
 
   [[nodiscard]] bool isOf(const Field& field, const core::CimProperty& property) const;

@@ -49,6 +49,19 @@ TEST(Writer, EscapesWhatXmlGivesAMeaning) {
   EXPECT_EQ(escape("\ta\r\n"), "&#9;a&#13;&#10;");
 }
 
+TEST(Writer, EscapesAByteWhereverItStands) {
+  constexpr std::size_t kLength = 20;
+  for (unsigned byte = 0; byte < 256; ++byte) {
+    const std::string sign(1, static_cast<char>(byte));
+    for (std::size_t at = 0; at < kLength; ++at) {
+      const std::string before(at, 'a');
+      const std::string after(kLength - 1 - at, '~');
+      ASSERT_EQ(escape(before + sign + after), before + escape(sign) + after)
+          << byte << " at " << at;
+    }
+  }
+}
+
 TEST(Writer, PutsTheReplacementCharacterForEachByteThatXmlForbids) {
   EXPECT_EQ(escape(std::string_view("a\0b\x1F", 4)),
             "a\xEF\xBF\xBD"
@@ -160,9 +173,10 @@ TEST(Writer, WritesKeysThatAreReferencesWithTheNamespace) {
 
 TEST(Writer, WritesTheFullPathOfAnInstance) {
   test::Named instance("a");
-  EXPECT_EQ(write(cimxml::appendInstancePath, instance, "h", "root/x"),
-            std::string("<INSTANCEPATH><NAMESPACEPATH><HOST>h</HOST>") + kRootX +
-                "</NAMESPACEPATH>" + nameOf(instance) + "</INSTANCEPATH>");
+  Buffer path;
+  cimxml::appendInstancePath(path, instance, "h", "root/x");
+  EXPECT_EQ(path, std::string("<INSTANCEPATH><NAMESPACEPATH><HOST>h</HOST>") + kRootX +
+                      "</NAMESPACEPATH>" + nameOf(instance) + "</INSTANCEPATH>");
 }
 
 TEST(Writer, WritesNamesThatWereRead) {
