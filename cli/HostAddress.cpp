@@ -82,7 +82,8 @@ std::optional<std::uint16_t> parsePort(std::string_view text) {
 bool isHostCharacter(char character) {
   constexpr std::string_view kOthers = ".-_:%";
   return (character >= '0' && character <= '9') || (character >= 'a' && character <= 'z') ||
-         (character >= 'A' && character <= 'Z') || kOthers.find(character) != kOthers.npos;
+         (character >= 'A' && character <= 'Z') ||
+         kOthers.find(character) != std::string_view::npos;
 }
 
 // Takes the host off the front: "[::1]" or what stands before a colon.
