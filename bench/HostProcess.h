@@ -17,7 +17,8 @@ namespace bench {
 
 class HostProcess {
  public:
-  // Starts the program; it need not serve yet. Throws std::system_error.
+  // Starts the program, without its standard output; it need not serve yet. Throws
+  // std::system_error.
   HostProcess(const std::filesystem::path& program, const std::vector<std::string>& arguments);
   HostProcess(const HostProcess&) = delete;
   HostProcess& operator=(const HostProcess&) = delete;

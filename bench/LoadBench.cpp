@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "Os/Environment.h"
@@ -28,20 +29,22 @@ constexpr std::size_t kSlowRomBytes = 512 * 1024;
 constexpr unsigned kStarts = 15;
 constexpr milliseconds kStartPatience{10'000};
 constexpr milliseconds kSettlingTime{5'000};
+constexpr std::size_t kProfiledRequests = 100;
 
 struct Options {
   std::string part = "all";
   std::size_t requests = 100'000;  // of the part about memory
   double seconds = 3;              // for each measurement
   std::string host;
+  std::string profile = "callgrind.out.quorveld";
 };
 
 class Host {
  public:
-  explicit Host(const std::string& program)
+  explicit Host(const std::string& program, std::vector<std::string> arguments = {})
       : m_port(bench::findFreePort()),
         m_start(Clock::now()),
-        m_process(program, {"--listen", "127.0.0.1:" + std::to_string(m_port)}) {}
+        m_process(program, listenAlso(std::move(arguments), m_port)) {}
 
   [[nodiscard]] std::uint16_t port() const { return m_port; }
   [[nodiscard]] std::size_t residentKib() const { return m_process.residentKib(); }
@@ -68,6 +71,12 @@ class Host {
   }
 
  private:
+  static std::vector<std::string> listenAlso(std::vector<std::string> arguments,
+                                             std::uint16_t port) {
+    arguments.insert(arguments.end(), {"--listen", "127.0.0.1:" + std::to_string(port)});
+    return arguments;
+  }
+
   std::uint16_t m_port;
   Clock::time_point m_start;
   bench::HostProcess m_process;
@@ -239,18 +248,34 @@ void measureMemory(const Options& options) {
   host.end();
 }
 
+// Has callgrind count the host's instructions, its start and end among them.
+void profile(const Options& options) {
+  const bench::Adapters adapters(50);
+  Host host("/usr/bin/valgrind", {"--quiet", "--tool=callgrind",
+                                  "--callgrind-out-file=" + options.profile, options.host});
+  bench::Question ports = enumerate("Orvex_EthernetPort");
+  host.awaitFirstAnswer(ports.request);
+  fixAnswer(host, ports, 50 * kPortsPerAdapter);
+  static_cast<void>(bench::load(host.port(), {ports}, {1, kProfiledRequests, {}}));
+  host.end();
+  std::printf("%zu times 100 ports: callgrind_annotate %s\n", kProfiledRequests,
+              options.profile.c_str());
+}
+
 int run(int argc, const char* const* argv) {
   CLI::App program("Loads a quorveld of its own and prints how fast it is and what it needs.");
   Options options;
   options.host = (os::getProgramPath().parent_path() / "quorveld").string();
-  program.add_option("--part", options.part, "What to measure")
-      ->check(CLI::IsMember({"all", "rates", "updating", "start", "memory"}))
+  program.add_option("--part", options.part, "What to measure; all but the profile, or one")
+      ->check(CLI::IsMember({"all", "rates", "updating", "start", "memory", "profile"}))
       ->capture_default_str();
   program.add_option("--requests", options.requests, "Requests of the part about memory")
       ->check(CLI::Range(1, 1'000'000'000))
       ->capture_default_str();
   program.add_option("--seconds", options.seconds, "Time for each measurement")
       ->check(CLI::Range(0.1, 600.0))
+      ->capture_default_str();
+  program.add_option("--profile", options.profile, "File for the part with callgrind's counts")
       ->capture_default_str();
   program.add_option("--quorveld", options.host, "The program to load")->check(CLI::ExistingFile);
   CLI11_PARSE(program, argc, argv);
@@ -268,6 +293,9 @@ int run(int argc, const char* const* argv) {
   }
   if (isWanted("memory")) {
     measureMemory(options);
+  }
+  if (options.part == "profile") {
+    profile(options);
   }
   return 0;
 }

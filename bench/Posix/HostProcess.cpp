@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 #include <cerrno>
 #include <csignal>
+#include <fcntl.h>
 #include <fstream>
 #include <netinet/in.h>
 #include <spawn.h>
@@ -56,8 +57,12 @@ HostProcess::HostProcess(const std::filesystem::path& program,
     pointers.push_back(text.data());
   }
   pointers.push_back(nullptr);
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
   const int error =
-      posix_spawn(&m_process, program.c_str(), nullptr, nullptr, pointers.data(), environ);
+      posix_spawn(&m_process, program.c_str(), &actions, nullptr, pointers.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
   if (error != 0) {
     throw std::system_error(error, std::generic_category(), program.string());
   }
