@@ -13,7 +13,6 @@ namespace {
 constexpr LogSource kLog{"Conversions"};
 
 constexpr const char* kBlanks = " \t";
-constexpr const char* kEscapedQuote = "\\\"";
 
 bool isHexadecimal(const std::string& text) {
   return text.size() >= 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
@@ -45,10 +44,14 @@ std::string unquote(std::string_view text) {
   if (text.size() < 2 || text.front() != '"' || text.back() != '"') {
     return std::string(text);
   }
-  std::string plain(text.substr(1, text.size() - 2));
-  for (std::size_t escape = plain.find(kEscapedQuote); escape != std::string::npos;
-       escape = plain.find(kEscapedQuote, escape)) {
-    plain.erase(escape, 1);
+  const std::string_view quoted = text.substr(1, text.size() - 2);
+  std::string plain;
+  plain.reserve(quoted.size());
+  for (std::size_t i = 0; i < quoted.size(); ++i) {
+    const bool isEscape = quoted[i] == '\\' && i + 1 < quoted.size() && quoted[i + 1] == '"';
+    if (!isEscape) {
+      plain.push_back(quoted[i]);
+    }
   }
   return plain;
 }

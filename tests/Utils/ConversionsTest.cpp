@@ -73,6 +73,12 @@ TEST(Unquote, KeepsALastBackslash) {
   EXPECT_EQ(utils::unquote(R"("C:\")"), R"(C:\)");
 }
 
+// A client chooses how long a text is: the work may grow with its length alone.
+TEST(Unquote, TakesALongTextOfEscapedQuotes) {
+  const std::string text(512U * 1024U, '"');
+  EXPECT_TRUE(utils::unquote(utils::quote(text)) == text);
+}
+
 TEST(Unquote, GivesEveryQuotedTextBack) {
   for (const std::string& text : nastyTexts()) {
     EXPECT_EQ(utils::unquote(utils::quote(text)), text);
