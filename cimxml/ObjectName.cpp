@@ -1,6 +1,7 @@
 #include "cimxml/ObjectName.h"
 
 #include <algorithm>
+#include <set>
 #include <string_view>
 
 #include "Utils/Conversions.h"
@@ -76,13 +77,13 @@ class PathReader {
       refuse("no properties", text);
       return false;
     }
+    std::set<std::string_view> names;
     for (const std::string_view pair : pairs) {
       std::optional<KeyBinding> key = readKey(pair);
       if (!key) {
         return false;
       }
-      if (std::any_of(keys.begin(), keys.end(),
-                      [&key](const KeyBinding& earlier) { return earlier.name == key->name; })) {
+      if (!names.insert(pair.substr(0, key->name.size())).second) {
         refuse("property already exists", pair);
         return false;
       }

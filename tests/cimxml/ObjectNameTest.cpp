@@ -77,6 +77,30 @@ TEST(ObjectName, TakesWhatTheBrokerTakes) {
   }
 }
 
+// A message may hold a path of its own size: the work grows with its length, not with its square.
+constexpr std::size_t kLongPath = 1024U * 1024U;
+
+TEST(ObjectName, ReadsAPathOfVeryManyKeys) {
+  std::string path = "C.K0=0";
+  std::size_t count = 1;
+  for (; path.size() < kLongPath; ++count) {
+    path += ",K" + std::to_string(count) + "=" + std::to_string(count);
+  }
+  const ObjectName name = parseObjectPath(path);
+  ASSERT_EQ(name.keys.size(), count);
+  EXPECT_EQ(name.keys.back().name, "K" + std::to_string(count - 1));
+  EXPECT_EQ(core::CimPath(path).size(), count);
+  EXPECT_FALSE(readObjectPath(path + ",K0=1"));
+}
+
+TEST(ObjectName, ReadsAKeyOfVeryManyQuotes) {
+  const std::string text(kLongPath / 2, '"');
+  const ObjectName name = instance({{"K", Kind::String, text, {}}});
+  const std::string path = toObjectPath(name);
+  EXPECT_TRUE(parseObjectPath(path) == name);
+  EXPECT_TRUE(core::CimPath(path).at("K") == text);
+}
+
 TEST(ObjectName, WritesThePathOfAnInstance) {
   test::Everything everything;
   everything.Text.setKey();
