@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "wbem/Associations.h"
+#include "wbem/InstanceFinder.h"
 #include "wbem/Status.h"
 
 namespace wbem {
@@ -26,10 +27,8 @@ const cimxml::ObjectName& demandObject(const OperationCall& call, Form form) {
 }
 
 // Looked for before the associations are: their enumeration may end its instance.
-void demandInstance(const OperationCall& call, const cimxml::ObjectName& object) {
-  const bool isFound =
-      call.nameSpace.withInstance(object, [](const ServedClass&, core::CimInstance&) {});
-  if (!isFound) {
+void demandInstance(const InstanceFinder& finder, const cimxml::ObjectName& object) {
+  if (!finder.find([](const ServedClass&, core::CimInstance&) {})) {
     throw StatusFault(Status::NotFound, "there is no instance " + cimxml::toObjectPath(object));
   }
 }
@@ -119,8 +118,9 @@ void collectReferences(const OperationCall& call, InstanceResults& results) {
     return;
   }
   results.passOverRepeated();
+  const InstanceFinder finder(call.nameSpace, object);
   const core::CimBroker::Request request(call.broker);
-  demandInstance(call, object);
+  demandInstance(finder, object);
   visitReferences(call, object, source, filter, [&](const ReferenceHit& hit) {
     results.add(call.nameSpace, hit.served, hit.association);
   });
@@ -135,8 +135,9 @@ void collectAssociators(const OperationCall& call, InstanceResults& results) {
     return;
   }
   results.passOverRepeated();
+  const InstanceFinder finder(call.nameSpace, object);
   const core::CimBroker::Request request(call.broker);
-  demandInstance(call, object);
+  demandInstance(finder, object);
   // Looked up when all associations are done with: an enumeration of their class may end targets.
   std::vector<cimxml::ObjectName> named;
   visitReferences(call, object, source, filter, [&](const ReferenceHit& hit) {

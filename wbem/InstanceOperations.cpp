@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "wbem/InstanceFinder.h"
 #include "wbem/PropertyValues.h"
 #include "wbem/Status.h"
 
@@ -110,13 +111,13 @@ void enumerateInstanceNames(const OperationCall& call) {
 void getInstance(const OperationCall& call) {
   const cimxml::ObjectName& name = call.parameters.demandInstanceName("InstanceName");
   InstanceResults results(call, Form::Instance, readPropertyChoice(call.parameters), call.out);
+  const InstanceFinder finder(call.nameSpace, name);
   cimxml::beginReturnValue(call.out);
   {
     const core::CimBroker::Request request(call.broker);
-    const bool isFound = call.nameSpace.withInstance(
-        name, [&](const ServedClass& served, core::CimInstance& instance) {
-          results.add(call.nameSpace, served, instance);
-        });
+    const bool isFound = finder.find([&](const ServedClass& served, core::CimInstance& instance) {
+      results.add(call.nameSpace, served, instance);
+    });
     if (!isFound) {
       refuseMissing(name);
     }
@@ -130,9 +131,10 @@ void modifyInstance(const OperationCall& call) {
   const core::ClassDeclaration& declaration = call.nameSpace.demandClass(name.className);
   NewValues values;
   readNewValues(call, declaration, values);
+  const InstanceFinder finder(call.nameSpace, name);
   const core::CimBroker::Request request(call.broker);
-  const bool isFound = call.nameSpace.withInstance(
-      name, [&values](const ServedClass& /*served*/, core::CimInstance& instance) {
+  const bool isFound =
+      finder.find([&values](const ServedClass& /*served*/, core::CimInstance& instance) {
         instance.modify(values.list());
       });
   if (!isFound) {

@@ -6,6 +6,7 @@
 #include <variant>
 
 #include "cimxml/Writer.h"
+#include "wbem/InstanceFinder.h"
 #include "wbem/PropertyValues.h"
 #include "wbem/Status.h"
 
@@ -101,6 +102,7 @@ std::uint32_t invokeMethod(const cimxml::Request& request, core::CimBroker& brok
   const core::ClassDeclaration& declaration = nameSpace.demandClass(request.target.className);
   const core::MethodDeclaration& method = demandMethod(declaration, request);
   MethodArguments arguments(method, request.parameters, namespaces);
+  const InstanceFinder finder(nameSpace, request.target);
   std::optional<std::uint32_t> returnValue;
   const core::CimBroker::Request brokerRequest(broker);
   const auto invoke = [&](const ServedClass& /*served*/, core::CimInstance& instance) {
@@ -113,7 +115,7 @@ std::uint32_t invokeMethod(const cimxml::Request& request, core::CimBroker& brok
     cimxml::appendMethodReturnValue(out, *returnValue);
     appendOutputs(method, arguments.out(), job, nameSpace, out);
   };
-  if (!nameSpace.withInstance(request.target, invoke)) {
+  if (!finder.find(invoke)) {
     throw StatusFault(Status::NotFound,
                       "there is no instance " + cimxml::toObjectPath(request.target));
   }

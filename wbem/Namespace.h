@@ -49,6 +49,21 @@ struct ServedClass {
       }
     }
   }
+
+  // Calls use(served, instance) for the first instance that matches, when there is one, and returns
+  // whether there is. Throws as visitInstances.
+  template <class Use>
+  [[nodiscard]] bool withInstance(const KeyMatcher& matcher, Use use) const {
+    bool isFound = false;
+    visitInstances([&](core::CimInstance& instance) {
+      isFound = matcher.matches(instance);
+      if (isFound) {
+        use(*this, instance);
+      }
+      return !isFound;
+    });
+    return isFound;
+  }
 };
 
 class Namespace {
@@ -114,19 +129,7 @@ template <class Use>
 bool Namespace::withInstance(const cimxml::ObjectName& instanceName, Use use) const {
   const core::ClassDeclaration& declaration = demandClass(instanceName.className);
   const ServedClass* served = findServed(declaration.name);
-  if (served == nullptr) {
-    return false;
-  }
-  const KeyMatcher matcher(declaration, instanceName);
-  bool isFound = false;
-  served->visitInstances([&](core::CimInstance& instance) {
-    isFound = matcher.matches(instance);
-    if (isFound) {
-      use(*served, instance);
-    }
-    return !isFound;
-  });
-  return isFound;
+  return served != nullptr && served->withInstance(KeyMatcher(declaration, instanceName), use);
 }
 
 }  // namespace wbem

@@ -1,0 +1,12 @@
+#include "wbem/InstanceFinder.h"
+
+namespace wbem {
+
+InstanceFinder::InstanceFinder(const Namespace& nameSpace, const cimxml::ObjectName& name)
+    : m_served(nameSpace.findServed(nameSpace.demandClass(name.className).name)) {
+  if (m_served != nullptr) {
+    m_matcher.emplace(*m_served->declaration, name);
+  }
+}
+
+}  // namespace wbem

@@ -1,0 +1,34 @@
+// Finding the instance that a client names.
+//
+// A name is the client's: it may be long, and taking it apart takes its time. So a finder is made
+// before the broker's request is taken, and asked under it.
+
+#ifndef ORVEX_WBEM_INSTANCEFINDER_H_
+#define ORVEX_WBEM_INSTANCEFINDER_H_
+
+#include <optional>
+
+#include "wbem/Namespace.h"
+
+namespace wbem {
+
+class InstanceFinder {
+ public:
+  // The namespace and the name are the caller's and outlive this. Throws as Namespace::demandClass.
+  InstanceFinder(const Namespace& nameSpace, const cimxml::ObjectName& name);
+
+  // Calls use(served, instance) for the instance of the name, when there is one, and returns
+  // whether there is. The caller holds the broker's request. Throws what a provider throws.
+  template <class Use>
+  [[nodiscard]] bool find(Use use) const {
+    return m_served != nullptr && m_served->withInstance(*m_matcher, use);
+  }
+
+ private:
+  const ServedClass* m_served;
+  std::optional<KeyMatcher> m_matcher;  // of a class that is served
+};
+
+}  // namespace wbem
+
+#endif  // ORVEX_WBEM_INSTANCEFINDER_H_
