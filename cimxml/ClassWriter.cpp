@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "cimxml/Values.h"
 #include "cimxml/Writer.h"
 
@@ -45,11 +43,7 @@ class ClassWriter {
   }
 
   [[nodiscard]] bool isListed(const std::string& name) const {
-    const std::vector<std::string>* names = m_format.propertyList;
-    return names == nullptr ||
-           std::any_of(names->begin(), names->end(), [&name](const std::string& candidate) {
-             return core::isSameName(candidate, name);
-           });
+    return m_format.propertyList == nullptr || m_format.propertyList->has(name);
   }
 
   // Their flavor in DSP0004 forbids that a subclass overrides them.

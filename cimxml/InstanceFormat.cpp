@@ -7,19 +7,12 @@
 namespace cimxml {
 namespace {
 
-bool isListed(const std::vector<std::string>* names, std::string_view name) {
-  return names == nullptr ||
-         std::any_of(names->begin(), names->end(), [name](const std::string& candidate) {
-           return core::isSameName(candidate, name);
-         });
-}
-
 bool isChosen(const core::PropertyDeclaration& property, const core::ClassDeclaration& declaration,
               const InstanceFormat::Options& options) {
   return (!options.isLocalOnly || core::isSameName(property.origin, declaration.name)) &&
          (options.ancestor == nullptr ||
           options.ancestor->findProperty(property.name) != nullptr) &&
-         isListed(options.propertyList, property.name);
+         (options.propertyList == nullptr || options.propertyList->has(property.name));
 }
 
 std::string makeStart(std::string_view className) {

@@ -14,6 +14,7 @@
 #include <string_view>
 #include <vector>
 
+#include "cimxml/NameSet.h"
 #include "cimxml/ObjectName.h"
 #include "core/CimInstance.h"
 #include "core/CimProperty.h"
@@ -87,8 +88,8 @@ class InstanceFormat {
     // Leaves out what the class inherits.
     bool isLocalOnly = false;
     bool hasClassOrigin = false;
-    // Null: all of them. Names without regard to case; unknown ones choose nothing.
-    const std::vector<std::string>* propertyList = nullptr;
+    // Null: all of them. Unknown names choose nothing.
+    const NameSet* propertyList = nullptr;
     // The properties of this class alone; null: all. For an enumeration that is not deep.
     const core::ClassDeclaration* ancestor = nullptr;
   };
@@ -131,7 +132,7 @@ struct ClassFormat {
   bool isLocalOnly = false;
   bool hasQualifiers = true;
   bool hasClassOrigin = false;
-  const std::vector<std::string>* propertyList = nullptr;  // null: all
+  const NameSet* propertyList = nullptr;  // null: all
 };
 
 // <CLASS NAME="..." SUPERCLASS="...">: qualifiers (Association, Key, In, Out), properties, methods.

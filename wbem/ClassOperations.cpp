@@ -2,7 +2,6 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "cimxml/Writer.h"
 #include "wbem/Status.h"
@@ -12,7 +11,7 @@ namespace {
 
 // The property list is the caller's and outlives what is returned.
 cimxml::ClassFormat readFormat(const OperationParameters& parameters,
-                               const std::optional<std::vector<std::string>>& propertyList) {
+                               const std::optional<cimxml::NameSet>& propertyList) {
   cimxml::ClassFormat format;
   format.isLocalOnly = parameters.getBoolean("LocalOnly", true);
   format.hasQualifiers = parameters.getBoolean("IncludeQualifiers", true);
@@ -37,7 +36,7 @@ const core::CimSchema::Classes& findSubclasses(const OperationCall& call) {
 
 void getClass(const OperationCall& call) {
   const std::string className = call.parameters.demandClassName("ClassName");
-  const auto propertyList = call.parameters.getStrings("PropertyList");
+  const auto propertyList = call.parameters.getNames("PropertyList");
   const cimxml::ClassFormat format = readFormat(call.parameters, propertyList);
   const core::ClassDeclaration* declaration = call.nameSpace.schema().find(className);
   if (declaration == nullptr) {

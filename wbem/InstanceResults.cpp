@@ -61,7 +61,7 @@ PropertyChoice readPropertyChoice(const OperationParameters& parameters) {
   PropertyChoice choice;
   choice.options.isLocalOnly = parameters.getBoolean("LocalOnly", false);
   choice.options.hasClassOrigin = parameters.getBoolean("IncludeClassOrigin", false);
-  choice.propertyList = parameters.getStrings("PropertyList");
+  choice.propertyList = parameters.getNames("PropertyList");
   // Instances have no qualifiers of their own.
   static_cast<void>(parameters.getBoolean("IncludeQualifiers", false));
   return choice;
@@ -125,19 +125,18 @@ void InstanceResults::append(const Namespace& nameSpace, const ServedClass& serv
 
 const cimxml::InstanceFormat& InstanceResults::formatOf(const Namespace& nameSpace,
                                                         const ServedClass& served) {
-  if (m_formatted != &served) {
+  Namespace::Format& format = m_formats[&served];
+  if (format == nullptr) {
     const Namespace::FormatOptions& options = m_choice.options;
-    m_format =
-        m_choice.propertyList
-            ? std::make_shared<const cimxml::InstanceFormat>(
-                  *served.declaration,
-                  cimxml::InstanceFormat::Options{options.isLocalOnly, options.hasClassOrigin,
-                                                  &*m_choice.propertyList, options.ancestor},
-                  nameSpace.name())
-            : nameSpace.format(*served.declaration, options);
-    m_formatted = &served;
+    format = m_choice.propertyList
+                 ? std::make_shared<const cimxml::InstanceFormat>(
+                       *served.declaration,
+                       cimxml::InstanceFormat::Options{options.isLocalOnly, options.hasClassOrigin,
+                                                       &*m_choice.propertyList, options.ancestor},
+                       nameSpace.name())
+                 : nameSpace.format(*served.declaration, options);
   }
-  return *m_format;
+  return *format;
 }
 
 }  // namespace wbem

@@ -5,6 +5,7 @@
 #define ORVEX_WBEM_INSTANCERESULTS_H_
 
 #include <cstddef>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -28,7 +29,7 @@ enum class Form {
 // Which properties are written.
 struct PropertyChoice {
   Namespace::FormatOptions options;
-  std::optional<std::vector<std::string>> propertyList;  // none: all
+  std::optional<cimxml::NameSet> propertyList;  // none: all
 };
 
 // Reads LocalOnly, IncludeClassOrigin and PropertyList, as far as the operation has them. LocalOnly
@@ -72,10 +73,9 @@ class InstanceResults {
   std::vector<std::size_t> m_ends;
   bool m_passesOverRepeated = false;
   std::set<std::string, std::less<>> m_written;  // paths
-  // That of the class of the last instance.
-  cimxml::Properties m_properties;  // of the instance that is being written
-  const ServedClass* m_formatted = nullptr;
-  Namespace::Format m_format;
+  cimxml::Properties m_properties;               // of the instance that is being written
+  // Of each class that has come: associators alternate between classes.
+  std::map<const ServedClass*, Namespace::Format> m_formats;
 };
 
 }  // namespace wbem

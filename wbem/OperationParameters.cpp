@@ -1,6 +1,7 @@
 #include "wbem/OperationParameters.h"
 
 #include <algorithm>
+#include <utility>
 #include <variant>
 
 #include "core/ClassDeclaration.h"
@@ -111,6 +112,11 @@ std::optional<std::vector<std::string>> OperationParameters::getStrings(
     texts.push_back(*element);
   }
   return texts;
+}
+
+std::optional<cimxml::NameSet> OperationParameters::getNames(std::string_view name) const {
+  std::optional<std::vector<std::string>> names = getStrings(name);
+  return names ? std::optional<cimxml::NameSet>(std::move(*names)) : std::nullopt;
 }
 
 std::optional<std::string> OperationParameters::getClassName(std::string_view name) const {

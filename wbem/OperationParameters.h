@@ -13,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "cimxml/NameSet.h"
 #include "cimxml/Request.h"
 
 namespace wbem {
@@ -29,6 +30,8 @@ class OperationParameters {
   [[nodiscard]] std::optional<std::uint32_t> getUint32(std::string_view name) const;
   [[nodiscard]] std::optional<std::string> getString(std::string_view name) const;
   [[nodiscard]] std::optional<std::vector<std::string>> getStrings(std::string_view name) const;
+  // Returns the names of an array of texts.
+  [[nodiscard]] std::optional<cimxml::NameSet> getNames(std::string_view name) const;
   [[nodiscard]] std::optional<std::string> getClassName(std::string_view name) const;
 
   [[nodiscard]] std::string demandString(std::string_view name) const;

@@ -61,7 +61,7 @@ TEST(ClassWriter, WritesAClassWithItsQualifiers) {
 }
 
 TEST(ClassWriter, LeavesQualifiersOut) {
-  const std::vector<std::string> names{"name"};
+  const cimxml::NameSet names({"name"});
   EXPECT_EQ(
       write(declareService(), {.hasQualifiers = false, .propertyList = &names}),
       "<CLASS NAME=\"Test_Service\" SUPERCLASS=\"CIM_Service\">"

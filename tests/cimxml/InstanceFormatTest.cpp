@@ -45,7 +45,7 @@ TEST(InstanceFormat, WritesValues) {
   instance.Text.setValue("t");
   instance.Shorts.setValue({1, 2});
   instance.Other.setTarget(&other);
-  const std::vector<std::string> names{"other", "TEXT", "Shorts", "Unknown"};
+  const cimxml::NameSet names({"other", "TEXT", "Shorts", "Unknown"});
   EXPECT_EQ(write(instance, {.propertyList = &names}),
             "<INSTANCE CLASSNAME=\"Test_Everything\">"
             "<PROPERTY NAME=\"Text\" TYPE=\"string\"><VALUE>t</VALUE></PROPERTY>"
@@ -61,14 +61,14 @@ TEST(InstanceFormat, WritesValues) {
 
 TEST(InstanceFormat, WritesNothingForAnEmptyList) {
   test::Everything instance;
-  const std::vector<std::string> none;
+  const cimxml::NameSet none({});
   EXPECT_EQ(write(instance, {.propertyList = &none}),
             "<INSTANCE CLASSNAME=\"Test_Everything\"></INSTANCE>");
 }
 
 TEST(InstanceFormat, LeavesOutWhatTheClassInherits) {
   test::Everything instance;
-  const std::vector<std::string> names{"Text", "Byte"};
+  const cimxml::NameSet names({"Text", "Byte"});
   EXPECT_EQ(
       write(instance, {.isLocalOnly = true, .propertyList = &names}),
       "<INSTANCE CLASSNAME=\"Test_Everything\"><PROPERTY NAME=\"Byte\" TYPE=\"uint8\"></PROPERTY>"
@@ -77,7 +77,7 @@ TEST(InstanceFormat, LeavesOutWhatTheClassInherits) {
 
 TEST(InstanceFormat, TellsTheOriginWhereItIsWanted) {
   test::Everything instance;
-  const std::vector<std::string> names{"Text"};
+  const cimxml::NameSet names({"Text"});
   EXPECT_EQ(write(instance, {.hasClassOrigin = true, .propertyList = &names}),
             "<INSTANCE CLASSNAME=\"Test_Everything\"><PROPERTY NAME=\"Text\" TYPE=\"string\""
             " CLASSORIGIN=\"Test_Thing\"></PROPERTY></INSTANCE>");

@@ -48,7 +48,7 @@ class InstanceResults : public testing::Test {
   wbem::OperationCall m_call{m_request, m_caller,       m_parameters,
                              m_broker,  m_namespaces,   m_namespaces.agents(),
                              m_host,    m_enumerations, m_answer};
-  wbem::PropertyChoice m_choice{{}, std::vector<std::string>{"Name"}};
+  wbem::PropertyChoice m_choice{{}, cimxml::NameSet({"Name"})};
   test::Device m_device{"a", 1};
   std::vector<std::size_t> m_ends;
 };
@@ -83,6 +83,22 @@ TEST_F(InstanceResults, AreWrittenOnceWhereThatIsWanted) {
   EXPECT_EQ(write(Form::ObjectPath, 3, true), write(Form::ObjectPath));
   EXPECT_EQ(m_ends.size(), 1U);
   EXPECT_EQ(write(Form::ObjectWithPath, 2, true), write(Form::ObjectWithPath));
+}
+
+TEST_F(InstanceResults, OfClassesThatTakeTurnsHaveTheFormatOfTheirClass) {
+  const wbem::Namespace& agents = m_namespaces.agents();
+  test::Port port("p", 1);
+  std::string out;
+  wbem::InstanceResults results(m_call, Form::Instance, m_choice, out);
+  for (int i = 0; i < 2; ++i) {
+    results.add(agents, *agents.findServed("Test_Device"), m_device);
+    results.add(agents, *agents.findServed("Test_Port"), port);
+  }
+  const std::string both = kInstance + std::string(
+                                           "<INSTANCE CLASSNAME=\"Test_Port\"><PROPERTY "
+                                           "NAME=\"Name\" TYPE=\"string\"></PROPERTY>"
+                                           "</INSTANCE>");
+  EXPECT_EQ(out, both + both);
 }
 
 TEST_F(InstanceResults, OfClassesHaveTheirPath) {
