@@ -29,4 +29,15 @@ std::size_t getCharacterLength(std::string_view text) {
   return code >= kLeast[length] && isXmlCharacter(code) ? length : 0;
 }
 
+std::string shorten(std::string_view text, std::size_t most) {
+  if (text.size() <= most) {
+    return std::string(text);
+  }
+  std::size_t end = most;
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80) {
+    --end;
+  }
+  return std::string(text.substr(0, end)) + "...";
+}
+
 }  // namespace cimxml

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace cimxml {
@@ -21,6 +22,10 @@ namespace cimxml {
 // Returns how many bytes the character takes with which the text begins; 0 where the text is empty
 // or begins with none that XML allows.
 [[nodiscard]] std::size_t getCharacterLength(std::string_view text);
+
+// Returns a text of more bytes than `most` cut behind a whole character, with "..." in the place of
+// the rest; any other text as it is.
+[[nodiscard]] std::string shorten(std::string_view text, std::size_t most);
 
 }  // namespace cimxml
 

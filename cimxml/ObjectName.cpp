@@ -1,11 +1,14 @@
 #include "cimxml/ObjectName.h"
 
 #include <algorithm>
+#include <limits>
 #include <set>
 #include <string_view>
+#include <utility>
 
 #include "Utils/Conversions.h"
 #include "Utils/Exception.h"
+#include "cimxml/Characters.h"
 #include "core/ClassDeclaration.h"
 
 namespace cimxml {
@@ -14,6 +17,7 @@ namespace {
 constexpr char kQuote = '"';
 // How deep references are read within references; a text below is a string.
 constexpr unsigned kDeepestReference = 16;
+constexpr std::size_t kLongestDescription = 1024;
 
 bool isNameStart(char sign) {
   return sign == '_' || (sign >= 'A' && sign <= 'Z') || (sign >= 'a' && sign <= 'z');
@@ -132,40 +136,86 @@ bool isPlain(std::string_view text) {
   return !text.empty() && text.find_first_of("\",=.:") == std::string_view::npos;
 }
 
-std::string toPathValue(const KeyBinding& key) {
-  if (key.kind == KeyBinding::Kind::Reference) {
-    return utils::quote(key.reference.empty() ? std::string() : toObjectPath(key.reference[0]));
-  }
-  if (key.kind == KeyBinding::Kind::Boolean) {
-    if (core::isSameName(key.text, "TRUE")) {
-      return "1";
+// Writes a path from its begin to its end, the quotes within quotes escaped as they come, and no
+// further than it is wanted.
+class PathWriter {
+ public:
+  explicit PathWriter(std::size_t most) : m_most(most) {}
+
+  // `depth` is in how many references the name stands.
+  void write(const ObjectName& name, unsigned depth = 0) {
+    append(name.className, depth);
+    if (!name.isInstance) {
+      return;
     }
-    if (core::isSameName(key.text, "FALSE")) {
-      return "0";
+    append(".", depth);
+    for (const KeyBinding& key : name.keys) {
+      if (isFull()) {
+        return;
+      }
+      if (&key != name.keys.data()) {
+        append(",", depth);
+      }
+      append(key.name, depth);
+      append("=", depth);
+      writeValue(key, depth);
     }
   }
-  return key.kind != KeyBinding::Kind::String && isPlain(key.text) ? key.text
-                                                                   : utils::quote(key.text);
-}
+
+  // Returns what is written: all of it, or more than was wanted.
+  [[nodiscard]] std::string take() { return std::move(m_path); }
+
+ private:
+  [[nodiscard]] bool isFull() const { return m_path.size() > m_most; }
+
+  void append(std::string_view text, unsigned depth) {
+    for (const char sign : text) {
+      if (isFull()) {
+        return;
+      }
+      if (sign == kQuote) {
+        m_path.append(depth, '\\');
+      }
+      m_path += sign;
+    }
+  }
+
+  void writeValue(const KeyBinding& key, unsigned depth) {
+    if (key.kind == KeyBinding::Kind::Reference) {
+      append("\"", depth);
+      if (!key.reference.empty()) {
+        write(key.reference.front(), depth + 1);
+      }
+      append("\"", depth);
+    } else if (key.kind == KeyBinding::Kind::Boolean && core::isSameName(key.text, "TRUE")) {
+      append("1", depth);
+    } else if (key.kind == KeyBinding::Kind::Boolean && core::isSameName(key.text, "FALSE")) {
+      append("0", depth);
+    } else if (key.kind != KeyBinding::Kind::String && isPlain(key.text)) {
+      append(key.text, depth);
+    } else {
+      append("\"", depth);
+      append(key.text, depth + 1);
+      append("\"", depth);
+    }
+  }
+
+  const std::size_t m_most;
+  std::string m_path;
+};
 
 }  // namespace
 
 std::string toObjectPath(const ObjectName& name) {
-  std::string path = name.className;
-  if (!name.isInstance) {
-    return path;
-  }
-  path += '.';
-  for (const KeyBinding& key : name.keys) {
-    path += key.name;
-    path += '=';
-    path += toPathValue(key);
-    path += ',';
-  }
-  if (path.ends_with(',')) {
-    path.pop_back();
-  }
-  return path;
+  PathWriter writer(std::numeric_limits<std::size_t>::max());
+  writer.write(name);
+  return writer.take();
+}
+
+std::string describeObject(const ObjectName& name) {
+  PathWriter writer(kLongestDescription);
+  writer.write(name);
+  return shorten(writer.take(), kLongestDescription);
 }
 
 ObjectName parseObjectPath(const std::string& path) {

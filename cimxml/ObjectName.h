@@ -39,6 +39,11 @@ struct ObjectName {
 // are left out. A number that could not stand bare is quoted too.
 [[nodiscard]] std::string toObjectPath(const ObjectName& name);
 
+// Returns the path as people are told it, in an error or in a record: no more than its first
+// kibibyte, since a name in a message may be as long as the message, and its path longer by the
+// escapes of its quotes.
+[[nodiscard]] std::string describeObject(const ObjectName& name);
+
 // Reads such a path, "[NAMESPACE:]CLASS.KEY=VALUE,...", or the name of a class. A value in quotes
 // is a string, or a reference where it reads as a path of an instance itself (a client that knows
 // the class corrects that by its declaration); TRUE and FALSE are booleans, the rest is numeric.

@@ -29,7 +29,7 @@ const cimxml::ObjectName& demandObject(const OperationCall& call, Form form) {
 // Looked for before the associations are: their enumeration may end its instance.
 void demandInstance(const InstanceFinder& finder, const cimxml::ObjectName& object) {
   if (!finder.find([](const ServedClass&, core::CimInstance&) {})) {
-    throw StatusFault(Status::NotFound, "there is no instance " + cimxml::toObjectPath(object));
+    throw StatusFault(Status::NotFound, "there is no instance " + cimxml::describeObject(object));
   }
 }
 

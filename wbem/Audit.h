@@ -15,6 +15,7 @@ struct AuditRecord {
   std::string action;  // "ModifyInstance", or the name of a method
   std::string result;  // "4096", "CIM_ERR_ACCESS_DENIED: ..."
   std::string target;  // object path
+  // Of a long text of the client, the begin alone.
 };
 
 // Any thread calls; implementations do not throw.

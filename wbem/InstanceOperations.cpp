@@ -20,7 +20,7 @@ void answer(const OperationCall& call, Form form) {
 }
 
 [[noreturn]] void refuseMissing(const cimxml::ObjectName& name) {
-  throw StatusFault(Status::NotFound, "there is no instance " + cimxml::toObjectPath(name));
+  throw StatusFault(Status::NotFound, "there is no instance " + cimxml::describeObject(name));
 }
 
 bool isListed(const std::vector<std::string>& names, const std::string& name) {

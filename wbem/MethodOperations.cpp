@@ -117,7 +117,7 @@ std::uint32_t invokeMethod(const cimxml::Request& request, core::CimBroker& brok
   };
   if (!finder.find(invoke)) {
     throw StatusFault(Status::NotFound,
-                      "there is no instance " + cimxml::toObjectPath(request.target));
+                      "there is no instance " + cimxml::describeObject(request.target));
   }
   return *returnValue;
 }

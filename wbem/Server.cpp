@@ -9,6 +9,7 @@
 #include <variant>
 
 #include "Utils/Mutex.h"
+#include "cimxml/Characters.h"
 #include "cimxml/Writer.h"
 #include "core/CimPropertyTypes.h"
 #include "wbem/MethodOperations.h"
@@ -22,6 +23,9 @@ namespace {
 
 constexpr const char* kJobClass = "CIM_ConcreteJob";
 constexpr const char* kSuccess = "CIM_ERR_SUCCESS";
+
+// Of what a client sent, in the text of an error and in a record: there may be a whole message.
+constexpr std::size_t kMostBytesTold = 2048;
 
 // The end states of CIM_ConcreteJob.JobState: Completed, Terminated, Killed, Exception.
 constexpr std::uint16_t kEndStates[] = {7, 8, 9, 10};
@@ -42,16 +46,16 @@ void demandOperator(const Caller& caller, const std::string& action) {
   }
 }
 
-std::string describe(Status status, const std::exception& error) {
-  return std::string(getStatusName(status)) + ": " + error.what();
+std::string tell(std::string_view text) {
+  return cimxml::shorten(text, kMostBytesTold);
 }
 
-// Returns the object path of the instance that is to be modified; empty where none is named.
-std::string findModifiedPath(const cimxml::Request& request) {
+// Returns the instance that is to be modified, as a record names it; empty where none is named.
+std::string describeModified(const cimxml::Request& request) {
   const cimxml::Parameter* parameter = request.find("ModifiedInstance");
   const auto* instance =
       parameter != nullptr ? std::get_if<cimxml::InstanceValue>(&parameter->value) : nullptr;
-  return instance != nullptr ? cimxml::toObjectPath(instance->name) : std::string();
+  return instance != nullptr ? cimxml::describeObject(instance->name) : std::string();
 }
 
 }  // namespace
@@ -82,9 +86,10 @@ struct Server::Implementation {
       return run();
     } catch (const std::exception& error) {
       const Status status = toStatus(error);
+      const std::string description = tell(error.what());
       out.resize(start);
-      cimxml::appendError(out, static_cast<unsigned>(status), error.what());
-      return describe(status, error);
+      cimxml::appendError(out, static_cast<unsigned>(status), description);
+      return std::string(getStatusName(status)) + ": " + description;
     }
   }
 
@@ -111,7 +116,7 @@ struct Server::Implementation {
         attempt(out, [&] { return runOperation(operation, request, caller, out); });
     cimxml::endOperationAnswer(out);
     if (operation != nullptr && operation->isChange) {
-      audit.write({caller, std::string(operation->name), result, findModifiedPath(request)});
+      audit.write({caller, std::string(operation->name), result, describeModified(request)});
     }
   }
 
@@ -122,7 +127,7 @@ struct Server::Implementation {
       return std::to_string(invokeMethod(request, broker, *getNamespaces(), out));
     });
     cimxml::endMethodAnswer(out);
-    audit.write({caller, request.name, result, cimxml::toObjectPath(request.target)});
+    audit.write({caller, tell(request.name), result, cimxml::describeObject(request.target)});
   }
 
   core::CimBroker& broker;

@@ -36,7 +36,8 @@ class Server {
   Server& operator=(const Server&) = delete;
   ~Server();
 
-  // Appends the whole answer, an error included, to `out`. Throws std::bad_alloc alone.
+  // Appends the whole answer, an error included, to `out`. A long text of an error is cut. Throws
+  // std::bad_alloc alone.
   void answer(const cimxml::Request& request, const Caller& caller, std::string& out);
 
   // Returns how many jobs (instances of CIM_ConcreteJob) have not come to their end. Throws what a

@@ -61,4 +61,13 @@ TEST(Characters, EndBeforeTheSurrogatesAndGoOnBehindThem) {
   EXPECT_FALSE(isXmlCharacter(0x110000));
 }
 
+TEST(Characters, AreShortenedBehindAWholeOne) {
+  EXPECT_EQ(cimxml::shorten("", 0), "");
+  EXPECT_EQ(cimxml::shorten("abc", 3), "abc");
+  EXPECT_EQ(cimxml::shorten("abcd", 3), "abc...");
+  EXPECT_EQ(cimxml::shorten("a\xC3\xA4z", 3), "a\xC3\xA4...");
+  EXPECT_EQ(cimxml::shorten("a\xC3\xA4z", 2), "a...");
+  EXPECT_EQ(cimxml::shorten("\xA4\xA4", 1), "...");
+}
+
 }  // namespace

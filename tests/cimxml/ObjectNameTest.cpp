@@ -14,6 +14,9 @@ using cimxml::readObjectPath;
 using cimxml::toObjectPath;
 using Kind = cimxml::KeyBinding::Kind;
 
+// A message may hold a path of its own size: the work grows with its length, not with its square.
+constexpr std::size_t kLongPath = 1024U * 1024U;
+
 ObjectName instance(std::vector<KeyBinding> keys) {
   return {"", "", "C", true, std::move(keys)};
 }
@@ -31,6 +34,23 @@ TEST(ObjectName, ReadsAPath) {
 TEST(ObjectName, ReadsTheNameOfAClass) {
   EXPECT_EQ(parseObjectPath("CIM_Job"), (ObjectName{"", "", "CIM_Job", false, {}}));
   EXPECT_EQ(parseObjectPath("root/x:CIM_Job"), (ObjectName{"", "root/x", "CIM_Job", false, {}}));
+}
+
+TEST(ObjectName, IsDescribedByItsPath) {
+  const std::string path = R"(C.K="D.L=\"a\\"b\",M=1",N=2)";
+  EXPECT_EQ(cimxml::describeObject(parseObjectPath(path)), toObjectPath(parseObjectPath(path)));
+  EXPECT_EQ(cimxml::describeObject({"", "", "C", false, {}}), "C");
+}
+
+TEST(ObjectName, IsDescribedInShortWhenItsPathIsLong) {
+  ObjectName name = instance({{"K", Kind::String, std::string(kLongPath, '"'), {}}});
+  const std::string path = toObjectPath(name);
+  EXPECT_EQ(cimxml::describeObject(name), path.substr(0, 1024) + "...");
+  for (int i = 0; i < 50; ++i) {
+    name = instance({{"K", Kind::Reference, "", {name}}});
+  }
+  EXPECT_EQ(cimxml::describeObject(name).size(), 1027U);
+  EXPECT_THAT(cimxml::describeObject(name), testing::StartsWith(R"(C.K="C.K=\"C.K=\\"C.K=)"));
 }
 
 TEST(ObjectName, ReadsAQuotedPathAsAReference) {
@@ -76,9 +96,6 @@ TEST(ObjectName, TakesWhatTheBrokerTakes) {
     EXPECT_EQ(name.keys[0].text, broker.at("K")) << path;
   }
 }
-
-// A message may hold a path of its own size: the work grows with its length, not with its square.
-constexpr std::size_t kLongPath = 1024U * 1024U;
 
 TEST(ObjectName, ReadsAPathOfVeryManyKeys) {
   std::string path = "C.K0=0";

@@ -147,6 +147,41 @@ TEST_F(Server, RecordsFailuresAndRefusals) {
           IsRecord("Try", kFirst, StartsWith("CIM_ERR_ACCESS_DENIED: "))));
 }
 
+TEST_F(Server, TellsAndRecordsLongTextsInShort) {
+  const std::string text(256U * 1024U, '"');
+  cimxml::ObjectName name = objectName("Test_Device.InstanceID=\"a\",Slot=1");
+  for (int depth = 0; depth < 50; ++depth) {
+    name = {"", "", "Test_Device", true, {{"K", cimxml::KeyBinding::Kind::Reference, "", {name}}}};
+    name.keys.push_back({"L", cimxml::KeyBinding::Kind::String, text.substr(0, 5000), {}});
+  }
+  constexpr std::size_t kShort = 20'000;  // with the escapes of XML
+  EXPECT_LT(ask("GetInstance", {given("InstanceName", name)}).size(), kShort);
+  EXPECT_LT(ask("Associators", {given("ObjectName", name)}).size(), kShort);
+  EXPECT_LT(ask("GetClass", {given("ClassName", className(text))}).size(), kShort);
+  EXPECT_LT(
+      ask("ModifyInstance", {given("ModifiedInstance", cimxml::InstanceValue{name, {}})}).size(),
+      kShort);
+  EXPECT_LT(invoke(name, "Try").size(), kShort);
+  EXPECT_LT(invoke(className(text), "Try").size(), kShort);
+  ASSERT_EQ(m_audit.records.size(), 3U);
+  for (const AuditRecord& record : m_audit.records) {
+    EXPECT_LT(record.target.size() + record.result.size(), 4000U) << record.action;
+    EXPECT_THAT(record.target, testing::EndsWith("..."));
+  }
+}
+
+TEST_F(Server, RecordsALongNameOfAMethodInShort) {
+  cimxml::Request request;
+  request.isExtrinsic = true;
+  request.name = std::string(100'000, 'x');
+  request.nameSpace = test::kAgentsNamespace;
+  request.target = objectName(kFirst);
+  std::string out;
+  m_server.answer(request, m_caller, out);
+  ASSERT_EQ(m_audit.records.size(), 1U);
+  EXPECT_LT(m_audit.records.front().action.size(), 4000U);
+}
+
 // -- jobs --
 
 TEST_F(Server, CountsTheJobsThatHaveNotEnded) {
