@@ -21,6 +21,13 @@ std::string makeContext() {
   return context;
 }
 
+// Gives back the memory that the results do not need, and returns how many bytes they take.
+std::size_t compact(PullEnumerations::Results& results) {
+  results.text.shrink_to_fit();
+  results.ends.shrink_to_fit();
+  return results.text.capacity() + results.ends.capacity() * sizeof(std::size_t);
+}
+
 [[noreturn]] void refuseContext() {
   throw StatusFault(Status::InvalidEnumerationContext,
                     "there is no such enumeration: it is closed, was not used in its time, or is "
@@ -50,22 +57,22 @@ std::chrono::seconds PullEnumerations::demandTime(std::optional<std::uint32_t> s
 PullEnumerations::Part PullEnumerations::open(const Owner& owner, Results results,
                                               std::chrono::seconds time, std::uint32_t count,
                                               std::string& out) {
-  Enumeration enumeration{owner, std::move(results), time, m_clock() + time, 0};
+  Enumeration enumeration{owner, std::move(results), time, m_clock() + time};
   if (enumeration.results.ends.size() <= count) {
     take(enumeration, count, out);
     return {};
   }
+  enumeration.bytes = compact(enumeration.results);
   const utils::ScopedLock lock(m_mutex);
-  dropExpired();
-  const std::size_t bytes = enumeration.results.text.size();
-  if (m_enumerations.size() >= m_limits.enumerations || m_bytes + bytes > m_limits.bytes) {
+  removeExpired();
+  if (!hasRoom(enumeration)) {
     throw StatusFault(Status::ServerLimitsExceeded,
                       "too many enumerations are open: close some, or ask for all results at once");
   }
   take(enumeration, count, out);
   std::string context = makeContext();
+  m_bytes += enumeration.bytes;
   m_enumerations.emplace(context, std::move(enumeration));
-  m_bytes += bytes;
   return {false, std::move(context)};
 }
 
@@ -97,6 +104,19 @@ void PullEnumerations::close(const std::string& user, const std::string& nameSpa
 }
 
 void PullEnumerations::dropExpired() {
+  const utils::ScopedLock lock(m_mutex);
+  removeExpired();
+}
+
+std::size_t PullEnumerations::count() {
+  const utils::ScopedLock lock(m_mutex);
+  return m_enumerations.size();
+}
+
+void PullEnumerations::removeExpired() {
+  if (m_enumerations.empty()) {
+    return;
+  }
   const auto now = m_clock();
   for (auto next = m_enumerations.begin(); next != m_enumerations.end();) {
     const auto candidate = next++;
@@ -106,13 +126,23 @@ void PullEnumerations::dropExpired() {
   }
 }
 
+bool PullEnumerations::hasRoom(const Enumeration& enumeration) const {
+  const auto ofUser = std::count_if(m_enumerations.begin(), m_enumerations.end(),
+                                    [&enumeration](const auto& entry) {
+                                      return entry.second.owner.user == enumeration.owner.user;
+                                    });
+  return m_enumerations.size() < m_limits.enumerations &&
+         static_cast<std::size_t>(ofUser) < m_limits.enumerationsOfUser &&
+         m_bytes + enumeration.bytes <= m_limits.bytes;
+}
+
 void PullEnumerations::drop(Enumerations::iterator enumeration) {
-  m_bytes -= enumeration->second.results.text.size();
+  m_bytes -= enumeration->second.bytes;
   m_enumerations.erase(enumeration);
 }
 
 PullEnumerations::Enumerations::iterator PullEnumerations::demand(std::string_view context) {
-  dropExpired();
+  removeExpired();
   const auto found = m_enumerations.find(context);
   if (found == m_enumerations.end()) {
     refuseContext();

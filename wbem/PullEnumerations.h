@@ -28,7 +28,8 @@ class PullEnumerations {
  public:
   struct Limits {
     std::size_t enumerations = 64;
-    std::size_t bytes = 32U * 1024U * 1024U;  // of all results that wait
+    std::size_t enumerationsOfUser = 16;     // so that nobody takes all places
+    std::size_t bytes = 8U * 1024U * 1024U;  // of memory that all results take which wait
     std::chrono::seconds defaultTime{30};
     std::chrono::seconds longestTime{300};
   };
@@ -75,17 +76,25 @@ class PullEnumerations {
   // Drops the rest, of either kind. Throws as pull().
   void close(const std::string& user, const std::string& nameSpace, const std::string& context);
 
+  // Drops those that were not used for their time. The other functions do so first; whoever calls
+  // this now and then frees their memory when nobody enumerates any more.
+  void dropExpired();
+  // Returns how many are open.
+  [[nodiscard]] std::size_t count();
+
  private:
   struct Enumeration {
     Owner owner;
     Results results;
     std::chrono::seconds time{};
     std::chrono::steady_clock::time_point end;
-    std::size_t next = 0;  // index of the result that comes next
+    std::size_t bytes = 0;  // of memory
+    std::size_t next = 0;   // index of the result that comes next
   };
   using Enumerations = std::map<std::string, Enumeration, std::less<>>;
 
-  void dropExpired() ORVEX_REQUIRES(m_mutex);
+  void removeExpired() ORVEX_REQUIRES(m_mutex);
+  [[nodiscard]] bool hasRoom(const Enumeration& enumeration) const ORVEX_REQUIRES(m_mutex);
   void drop(Enumerations::iterator enumeration) ORVEX_REQUIRES(m_mutex);
   [[nodiscard]] Enumerations::iterator demand(std::string_view context) ORVEX_REQUIRES(m_mutex);
   static void take(Enumeration& enumeration, std::uint32_t count, std::string& out);

@@ -145,6 +145,7 @@ Server::Server(core::CimBroker& broker, Audit& audit, Options options)
 Server::~Server() = default;
 
 void Server::answer(const cimxml::Request& request, const Caller& caller, std::string& out) {
+  m_implementation->enumerations.dropExpired();
   if (request.isExtrinsic) {
     m_implementation->answerMethod(request, caller, out);
   } else {

@@ -38,7 +38,8 @@ class PullTest : public testing::Test {
   }
 
   std::chrono::steady_clock::time_point m_now = std::chrono::steady_clock::now();
-  PullEnumerations m_enumerations{[this] { return m_now; }, {3, 1000, seconds(30), seconds(300)}};
+  PullEnumerations m_enumerations{[this] { return m_now; },
+                                  {3, 2, 1060, seconds(30), seconds(300)}};
   PullEnumerations::Owner m_owner{"ann", "root/test", PullEnumerations::Kind::Instances};
   PullEnumerations::Part m_part;
   std::string m_out;
@@ -112,7 +113,8 @@ TEST_F(PullTest, EndsWhenItIsNotUsedForItsTime) {
 }
 
 TEST_F(PullTest, RefusesTooManyAtATime) {
-  for (int i = 0; i < 3; ++i) {
+  for (const char* user : {"bob", "eve", "ann"}) {
+    m_owner.user = user;
     open(0);
   }
   const std::string context = m_part.context;
@@ -122,8 +124,39 @@ TEST_F(PullTest, RefusesTooManyAtATime) {
   EXPECT_EQ(open(1), "one");
 }
 
+TEST_F(PullTest, LeavesPlacesToOtherUsers) {
+  open(0);
+  open(0);
+  EXPECT_THAT([this] { open(0); }, Refuses(Status::ServerLimitsExceeded));
+  m_owner.user = "bob";
+  EXPECT_EQ(open(1), "one");
+}
+
+TEST_F(PullTest, DropsWhatNobodyUsedForItsTime) {
+  open(0, threeResults(), seconds(10));
+  open(0, threeResults(), seconds(20));
+  m_now += seconds(10);
+  EXPECT_EQ(m_enumerations.count(), 2U);
+  m_enumerations.dropExpired();
+  EXPECT_EQ(m_enumerations.count(), 1U);
+  m_now += seconds(10);
+  m_enumerations.dropExpired();
+  EXPECT_EQ(m_enumerations.count(), 0U);
+}
+
+TEST_F(PullTest, CountsTheMemoryThatResultsKeep) {
+  // Reserved, as a text that grows is, and given back before it is counted.
+  PullEnumerations::Results roomy{std::string(400, 'x'), {200, 400}};
+  roomy.text.reserve(100'000);
+  open(0, std::move(roomy));
+  // The ends of results without text take memory too.
+  const PullEnumerations::Results many{"", std::vector<std::size_t>(1100 / sizeof(std::size_t))};
+  const auto openMany = [&] { open(0, many); };
+  EXPECT_THAT(openMany, Refuses(Status::ServerLimitsExceeded));
+}
+
 TEST_F(PullTest, MakesRoomWhenTimeIsOver) {
-  for (int i = 0; i < 3; ++i) {
+  for (int i = 0; i < 2; ++i) {
     open(0);
   }
   m_now += seconds(30);
@@ -133,8 +166,11 @@ TEST_F(PullTest, MakesRoomWhenTimeIsOver) {
 TEST_F(PullTest, RefusesTooManyBytes) {
   const PullEnumerations::Results half{std::string(500, 'x'), {250, 500}};
   open(0, half);
+  m_owner.user = "bob";
   open(0, half);
+  m_owner.user = "eve";
   EXPECT_THAT([this] { open(0); }, Refuses(Status::ServerLimitsExceeded));
+  m_owner.user = "bob";
   EXPECT_EQ(pull(2).size(), 500U);
   EXPECT_EQ(open(1), "one");
 }

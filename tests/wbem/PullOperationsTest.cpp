@@ -189,12 +189,19 @@ TEST_F(PullOperations, EndWithTheirTime) {
   EXPECT_THAT(pull(byDefault, "1"), IsError(21, _));
 }
 
-TEST_F(PullOperations, AreBounded) {
-  for (int i = 0; i < 64; ++i) {
-    ASSERT_EQ(openDevices().size(), 32U);
+TEST_F(PullOperations, AreBoundedForAUserAndInAll) {
+  const auto openOneMore = [this] {
+    return ask("OpenEnumerateInstancePaths", {given("ClassName", className("Test_Device"))});
+  };
+  for (const char* user : {"ann", "bob", "eve", "joe"}) {
+    m_caller.user = user;
+    for (int i = 0; i < 16; ++i) {
+      ASSERT_EQ(openDevices().size(), 32U);
+    }
+    EXPECT_THAT(openOneMore(), IsError(27, _));
   }
-  EXPECT_THAT(ask("OpenEnumerateInstancePaths", {given("ClassName", className("Test_Device"))}),
-              IsError(27, _));
+  m_caller.user = "sue";
+  EXPECT_THAT(openOneMore(), IsError(27, _));
 }
 
 TEST_F(PullOperations, RefuseWhatIsNotOffered) {

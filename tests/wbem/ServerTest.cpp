@@ -182,6 +182,25 @@ TEST_F(Server, RecordsALongNameOfAMethodInShort) {
   EXPECT_LT(m_audit.records.front().action.size(), 4000U);
 }
 
+// -- enumerations --
+
+TEST_F(Server, DropsAnOldEnumerationAtTheNextRequestOfAnyKind) {
+  const std::string opened =
+      ask("OpenEnumerateInstancePaths", {given("ClassName", className("Test_Device"))});
+  const std::string begin = "PARAMTYPE=\"string\"><VALUE>";
+  const std::string context = opened.substr(opened.find(begin) + begin.size(), 32);
+  const auto pull = [this, &context] {
+    return ask("PullInstancePaths",
+               {given("EnumerationContext", context), given("MaxObjectCount", "0")});
+  };
+  EXPECT_THAT(pull(), HasSubstr(context));
+  m_now += std::chrono::seconds(30);
+  ask("GetClass", {given("ClassName", className("Test_Device"))});
+  // Its time would not be over yet.
+  m_now -= std::chrono::seconds(30);
+  EXPECT_THAT(pull(), IsError(21, _));
+}
+
 // -- jobs --
 
 TEST_F(Server, CountsTheJobsThatHaveNotEnded) {
