@@ -118,7 +118,7 @@ void collectReferences(const OperationCall& call, InstanceResults& results) {
     return;
   }
   results.passOverRepeated();
-  const InstanceFinder finder(call.nameSpace, object);
+  const InstanceFinder finder(call.namespaces, call.nameSpace, object);
   const core::CimBroker::Request request(call.broker);
   demandInstance(finder, object);
   visitReferences(call, object, source, filter, [&](const ReferenceHit& hit) {
@@ -135,7 +135,7 @@ void collectAssociators(const OperationCall& call, InstanceResults& results) {
     return;
   }
   results.passOverRepeated();
-  const InstanceFinder finder(call.nameSpace, object);
+  const InstanceFinder finder(call.namespaces, call.nameSpace, object);
   const core::CimBroker::Request request(call.broker);
   demandInstance(finder, object);
   // Looked up when all associations are done with: an enumeration of their class may end targets.

@@ -2,10 +2,14 @@
 
 namespace wbem {
 
-InstanceFinder::InstanceFinder(const Namespace& nameSpace, const cimxml::ObjectName& name)
+InstanceFinder::InstanceFinder(const Namespaces& namespaces, const Namespace& nameSpace,
+                               const cimxml::ObjectName& name)
     : m_served(nameSpace.findServed(nameSpace.demandClass(name.className).name)) {
   if (m_served != nullptr) {
     m_matcher.emplace(*m_served->declaration, name);
+    if (m_matcher->leadsElsewhere(namespaces.names())) {
+      m_served = nullptr;
+    }
   }
 }
 

@@ -8,14 +8,17 @@
 
 #include <optional>
 
-#include "wbem/Namespace.h"
+#include "wbem/Namespaces.h"
 
 namespace wbem {
 
 class InstanceFinder {
  public:
-  // The namespace and the name are the caller's and outlive this. Throws as Namespace::demandClass.
-  InstanceFinder(const Namespace& nameSpace, const cimxml::ObjectName& name);
+  // The namespace is one of them. References within the name lead to objects of either; where one
+  // names a third, nothing is found. Both namespaces and the name are the caller's and outlive
+  // this. Throws as Namespace::demandClass.
+  InstanceFinder(const Namespaces& namespaces, const Namespace& nameSpace,
+                 const cimxml::ObjectName& name);
 
   // Calls use(served, instance) for the instance of the name, when there is one, and returns
   // whether there is. The caller holds the broker's request. Throws what a provider throws.
@@ -25,8 +28,8 @@ class InstanceFinder {
   }
 
  private:
-  const ServedClass* m_served;
-  std::optional<KeyMatcher> m_matcher;  // of a class that is served
+  const ServedClass* m_served;  // null: nothing is found
+  std::optional<KeyMatcher> m_matcher;
 };
 
 }  // namespace wbem

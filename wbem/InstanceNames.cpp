@@ -92,6 +92,13 @@ bool isSameKey(const KeyBinding& left, const KeyBinding& right) {
 KeyMatcher::KeyMatcher(const core::ClassDeclaration& declaration, const ObjectName& name)
     : m_keys(resolve(declaration, name)) {}
 
+bool KeyMatcher::leadsElsewhere(const std::vector<std::string>& nameSpaces) const {
+  return m_keys && std::any_of(m_keys->begin(), m_keys->end(), [&nameSpaces](const Key& key) {
+           return !key.reference.empty() &&
+                  findForeignName(key.reference.front(), nameSpaces) != nullptr;
+         });
+}
+
 bool KeyMatcher::matches(core::CimInstance& instance) const {
   const auto matchesKey = [&instance](const Key& key) {
     const core::CimProperty* property = instance.getProperty(*key.propertyName);

@@ -22,6 +22,10 @@ class KeyMatcher {
   // outlive this.
   KeyMatcher(const core::ClassDeclaration& declaration, const cimxml::ObjectName& name);
 
+  // Returns whether a key leads to a name that names another namespace than these, or one within it
+  // does.
+  [[nodiscard]] bool leadsElsewhere(const std::vector<std::string>& nameSpaces) const;
+
   // `instance` is one of the class.
   [[nodiscard]] bool matches(core::CimInstance& instance) const;
 

@@ -111,7 +111,7 @@ void enumerateInstanceNames(const OperationCall& call) {
 void getInstance(const OperationCall& call) {
   const cimxml::ObjectName& name = call.parameters.demandInstanceName("InstanceName");
   InstanceResults results(call, Form::Instance, readPropertyChoice(call.parameters), call.out);
-  const InstanceFinder finder(call.nameSpace, name);
+  const InstanceFinder finder(call.namespaces, call.nameSpace, name);
   cimxml::beginReturnValue(call.out);
   {
     const core::CimBroker::Request request(call.broker);
@@ -131,7 +131,7 @@ void modifyInstance(const OperationCall& call) {
   const core::ClassDeclaration& declaration = call.nameSpace.demandClass(name.className);
   NewValues values;
   readNewValues(call, declaration, values);
-  const InstanceFinder finder(call.nameSpace, name);
+  const InstanceFinder finder(call.namespaces, call.nameSpace, name);
   const core::CimBroker::Request request(call.broker);
   const bool isFound =
       finder.find([&values](const ServedClass& /*served*/, core::CimInstance& instance) {

@@ -102,7 +102,7 @@ std::uint32_t invokeMethod(const cimxml::Request& request, core::CimBroker& brok
   const core::ClassDeclaration& declaration = nameSpace.demandClass(request.target.className);
   const core::MethodDeclaration& method = demandMethod(declaration, request);
   MethodArguments arguments(method, request.parameters, namespaces);
-  const InstanceFinder finder(nameSpace, request.target);
+  const InstanceFinder finder(namespaces, nameSpace, request.target);
   std::optional<std::uint32_t> returnValue;
   const core::CimBroker::Request brokerRequest(broker);
   const auto invoke = [&](const ServedClass& /*served*/, core::CimInstance& instance) {

@@ -4,7 +4,6 @@
 
 #include "tests/wbem/ServerFixture.h"
 #include "wbem/InstanceFinder.h"
-#include "wbem/Namespaces.h"
 #include "wbem/Status.h"
 
 namespace {
@@ -24,7 +23,7 @@ class InstanceFinder : public testing::Test {
 
   // Returns the path of the instance that is found; empty for none.
   std::string find(const cimxml::ObjectName& name) {
-    const wbem::InstanceFinder finder(m_namespaces->agents(), name);
+    const wbem::InstanceFinder finder(*m_namespaces, m_namespaces->agents(), name);
     const core::CimBroker::Request request(m_broker);
     std::string found;
     const bool isFound =
@@ -54,6 +53,28 @@ TEST_F(InstanceFinder, FindsNothingOfAClassThatNobodyServes) {
 TEST_F(InstanceFinder, RefusesAClassThatThereIsNot) {
   EXPECT_THAT([this] { find(objectName("No.A=1")); },
               Throws<StatusFault>(Property(&StatusFault::status, Status::InvalidClass)));
+}
+
+TEST_F(InstanceFinder, LooksAtTheNamespacesWithinAName) {
+  const auto linkOf = [](const std::string& nameSpace, bool isText) {
+    cimxml::ObjectName name = objectName(
+        "Test_Link.Antecedent=\"" + nameSpace +
+        "Test_Device.InstanceID=\\\"a\\\",Slot=1\",Dependent=\"Test_Device.InstanceID=\\\"b\\\","
+        "Slot=2\"");
+    if (isText) {
+      name.keys.front() = {"Antecedent",
+                           cimxml::KeyBinding::Kind::String,
+                           nameSpace + "Test_Device.InstanceID=\"a\",Slot=1",
+                           {}};
+    }
+    return name;
+  };
+  for (const bool isText : {false, true}) {
+    for (const char* own : {"", "root/test:", "ROOT/Test:", "root/interop:"}) {
+      EXPECT_NE(find(linkOf(own, isText)), "") << own;
+    }
+    EXPECT_EQ(find(linkOf("root/other:", isText)), "");
+  }
 }
 
 // A client that does not know the class writes a reference as a text.

@@ -173,6 +173,18 @@ TEST_F(InstanceOperations, TellOfAnInstanceThatThereIsNot) {
               IsError(5, _));
 }
 
+TEST_F(InstanceOperations, KnowNoInstanceByAReferenceToAnotherNamespace) {
+  cimxml::ObjectName link = objectName(
+      "Test_Link.Antecedent=\"Test_Device.InstanceID=\\\"a\\\",Slot=1\","
+      "Dependent=\"Test_Device.InstanceID=\\\"b\\\",Slot=2\"");
+  link.keys.back().reference.front().nameSpace = "root/test";
+  EXPECT_THAT(ask("GetInstance", {given("InstanceName", link)}), HasSubstr("beside"));
+  link.keys.back().reference.front().nameSpace = "root/other";
+  EXPECT_THAT(ask("GetInstance", {given("InstanceName", link)}), IsError(6, _));
+  EXPECT_THAT(ask("ModifyInstance", {given("ModifiedInstance", cimxml::InstanceValue{link, {}})}),
+              IsError(6, _));
+}
+
 TEST_F(InstanceOperations, RefuseAWrongGetInstance) {
   EXPECT_THAT(ask("GetInstance"), IsError(4, "parameter InstanceName: is required"));
   EXPECT_THAT(ask("GetInstance", {given("InstanceName", className("Test_Device"))}), IsError(4, _));
