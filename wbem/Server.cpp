@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <exception>
 #include <iterator>
+#include <optional>
 #include <string_view>
 #include <utility>
 #include <variant>
@@ -58,6 +59,23 @@ std::string describeModified(const cimxml::Request& request) {
   return instance != nullptr ? cimxml::describeObject(instance->name) : std::string();
 }
 
+// The record of an attempt, written when the attempt is over, however it ends.
+class Attempt {
+ public:
+  Attempt(Audit& audit, const Caller& caller, std::string action, std::string target)
+      : m_audit(audit),
+        m_record{caller, std::move(action), "CIM_ERR_FAILED: no answer", std::move(target)} {}
+  Attempt(const Attempt&) = delete;
+  Attempt& operator=(const Attempt&) = delete;
+  ~Attempt() { m_audit.write(m_record); }
+
+  void setResult(std::string result) { m_record.result = std::move(result); }
+
+ private:
+  Audit& m_audit;
+  AuditRecord m_record;
+};
+
 }  // namespace
 
 struct Server::Implementation {
@@ -111,23 +129,27 @@ struct Server::Implementation {
 
   void answerOperation(const cimxml::Request& request, const Caller& caller, std::string& out) {
     const Operation* operation = findOperation(request.name);
+    std::optional<Attempt> change;
+    if (operation != nullptr && operation->isChange) {
+      change.emplace(audit, caller, std::string(operation->name), describeModified(request));
+    }
     cimxml::beginOperationAnswer(out, request.messageId, request.name);
-    const std::string result =
+    std::string result =
         attempt(out, [&] { return runOperation(operation, request, caller, out); });
     cimxml::endOperationAnswer(out);
-    if (operation != nullptr && operation->isChange) {
-      audit.write({caller, std::string(operation->name), result, describeModified(request)});
+    if (change) {
+      change->setResult(std::move(result));
     }
   }
 
   void answerMethod(const cimxml::Request& request, const Caller& caller, std::string& out) {
+    Attempt change(audit, caller, tell(request.name), cimxml::describeObject(request.target));
     cimxml::beginMethodAnswer(out, request.messageId, request.name);
-    const std::string result = attempt(out, [&] {
+    change.setResult(attempt(out, [&] {
       demandOperator(caller, request.name);
       return std::to_string(invokeMethod(request, broker, *getNamespaces(), out));
-    });
+    }));
     cimxml::endMethodAnswer(out);
-    audit.write({caller, tell(request.name), result, cimxml::describeObject(request.target)});
   }
 
   core::CimBroker& broker;

@@ -170,6 +170,14 @@ TEST_F(Server, TellsAndRecordsLongTextsInShort) {
   }
 }
 
+TEST_F(Server, RecordsAnAttemptThatEndsInNoAnswer) {
+  struct Stranger {};
+  m_agent.invocation = [](core::CimPropertyList&, core::CimPropertyList&,
+                          core::CimInstance**) -> std::uint32_t { throw Stranger(); };
+  EXPECT_THROW(invoke(objectName(kFirst), "Try"), Stranger);
+  EXPECT_THAT(m_audit.records, ElementsAre(IsRecord("Try", kFirst, "CIM_ERR_FAILED: no answer")));
+}
+
 TEST_F(Server, RecordsALongNameOfAMethodInShort) {
   cimxml::Request request;
   request.isExtrinsic = true;
