@@ -1,7 +1,7 @@
 #include "wbem/InstanceOperations.h"
 
-#include <algorithm>
 #include <memory>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -23,12 +23,6 @@ void answer(const OperationCall& call, Form form) {
   throw StatusFault(Status::NotFound, "there is no instance " + cimxml::describeObject(name));
 }
 
-bool isListed(const std::vector<std::string>& names, const std::string& name) {
-  return std::any_of(names.begin(), names.end(), [&name](const std::string& candidate) {
-    return core::isSameName(candidate, name);
-  });
-}
-
 const core::PropertyDeclaration& demandProperty(const core::ClassDeclaration& declaration,
                                                 const std::string& name) {
   const core::PropertyDeclaration* property = declaration.findProperty(name);
@@ -43,10 +37,6 @@ const core::PropertyDeclaration& demandProperty(const core::ClassDeclaration& de
 class NewValues {
  public:
   void add(std::unique_ptr<core::CimProperty> value) {
-    if (m_list.get(value->getName()) != nullptr) {
-      throw StatusFault(Status::InvalidParameter,
-                        "property " + value->getName() + " is given twice");
-    }
     m_list.add(value.get());
     m_values.push_back(std::move(value));
   }
@@ -63,10 +53,15 @@ void readNewValues(const OperationCall& call, const core::ClassDeclaration& decl
                    NewValues& values) {
   const cimxml::InstanceValue& instance = call.parameters.demandInstance("ModifiedInstance");
   const auto listed = call.parameters.getStrings("PropertyList");
+  const auto names = call.parameters.getNames("PropertyList");
   const ValueContext context{declaration.name, Status::TypeMismatch, call.namespaces};
+  std::set<const core::PropertyDeclaration*> seen;
   for (const cimxml::PropertyValue& given : instance.properties) {
     const core::PropertyDeclaration& property = demandProperty(declaration, given.name);
-    if (listed && !isListed(*listed, given.name)) {
+    if (!seen.insert(&property).second) {
+      throw StatusFault(Status::InvalidParameter, "property " + property.name + " is given twice");
+    }
+    if (names && !names->has(given.name)) {
       continue;
     }
     demandType(context, property.name, property.type, given.type);

@@ -242,6 +242,9 @@ TEST_F(InstanceOperations, RefuseAWrongModifyInstance) {
   EXPECT_THAT(modify({}, {given("InstanceName", objectName(kPort))}), IsError(4, _));
   EXPECT_THAT(modify({{"Name", "string", false, "a"}, {"name", "string", false, "b"}}),
               IsError(4, "property Name is given twice"));
+  EXPECT_THAT(modify({{"Slot", "uint16", false, "1"}, {"SLOT", "uint16", false, "1"}},
+                     {given("PropertyList", texts({"Name"}))}),
+              IsError(4, "property Slot is given twice"));
   EXPECT_THAT(modify({}, {}, "Test_Device.InstanceID=\"z\",Slot=1"), IsError(6, _));
   EXPECT_THAT(modify({}, {}, "Test_No.InstanceID=\"z\""), IsError(5, _));
 }
