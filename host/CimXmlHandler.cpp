@@ -43,7 +43,10 @@ std::string_view pathOf(std::string_view target) {
 }  // namespace
 
 CimXmlHandler::CimXmlHandler(Service& service, LoginGate& gate, std::string version)
-    : m_service(service), m_gate(gate), m_version(std::move(version)) {}
+    : m_service(service),
+      m_runningJobs([&service] { return service.countRunningJobs(); }),
+      m_gate(gate),
+      m_version(std::move(version)) {}
 
 void CimXmlHandler::handle(http::Request& request, http::Response& response) {
   const bool isHealth = pathOf(request.target()) == kHealth;
@@ -109,13 +112,13 @@ bool CimXmlHandler::admits(const http::Request& request, http::Response& respons
   return false;
 }
 
-void CimXmlHandler::answerHealth(http::Response& response) const {
+void CimXmlHandler::answerHealth(http::Response& response) {
   const auto uptime =
       std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - m_start);
   response.contentType = "application/json";
   response.body = R"({"version": ")" + m_version + R"(", "uptime": )" +
                   std::to_string(uptime.count()) + R"(, "runningJobs": )" +
-                  std::to_string(m_service.countRunningJobs()) + "}\n";
+                  std::to_string(m_runningJobs.get()) + "}\n";
 }
 
 }  // namespace host

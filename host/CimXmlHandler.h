@@ -18,6 +18,7 @@
 
 #include "cimxml/Request.h"
 #include "host/LoginGate.h"
+#include "host/RunningJobs.h"
 #include "http/Server.h"
 #include "wbem/Caller.h"
 
@@ -45,11 +46,12 @@ class CimXmlHandler final : public http::Handler {
 
  private:
   void handlePost(http::Request& request, http::Response& response);
-  void answerHealth(http::Response& response) const;
+  void answerHealth(http::Response& response);
   [[nodiscard]] bool admits(const http::Request& request, http::Response& response,
                             wbem::Caller& caller) const;
 
   Service& m_service;
+  RunningJobs m_runningJobs;
   LoginGate& m_gate;
   const std::string m_version;
   const std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
