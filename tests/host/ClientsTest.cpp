@@ -31,6 +31,7 @@ constexpr const char* kNameSpace = "root/DCIM/zolan";
 
 // The result codes of the installation methods and of RequestStateChange (DMTF CIM schema).
 constexpr const char* kTargetInUse = "6";
+constexpr const char* kInvalidParameter = "5";
 constexpr const char* kInvalidStateTransition = "4097";
 
 std::string operation(const std::string& name,
@@ -197,13 +198,20 @@ class Client {
               kTargetInUse);
   }
 
+  cimxml::Response requestState(const core::CimProperty& state) {
+    return invoke(m_job, "RequestStateChange",
+                  [&](std::string& out) { cimxml::appendArgument(out, state); });
+  }
+
   void tryToStart() {
     core::CimPropertyUint16 state("RequestedState", nullptr);
     state.setValue(2);
-    EXPECT_EQ(invoke(m_job, "RequestStateChange",
-                     [&](std::string& out) { cimxml::appendArgument(out, state); })
-                  .returnValue,
-              kInvalidStateTransition);
+    EXPECT_EQ(requestState(state).returnValue, kInvalidStateTransition);
+    state.setValue(3);
+    EXPECT_EQ(requestState(state).returnValue, kInvalidParameter);
+    core::CimPropertyString text("RequestedState", nullptr);
+    text.setValue("2");
+    EXPECT_EQ(requestState(text).error.value_or(cimxml::ErrorValue()).code, 4U);
   }
 
   void talkNonsense() { send("GetInstance", kNameSpace, "<CIM><MESSAGE>", 400); }
