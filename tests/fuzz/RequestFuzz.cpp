@@ -1,16 +1,21 @@
 // Any bytes are a request or are refused as one; the names in a request can be written and read
-// again.
+// again; a server answers every request with an answer that a client can read, and records every
+// change.
 
 #include <algorithm>
 #include <optional>
+#include <set>
 #include <string>
 #include <variant>
 
 #include "cimxml/ObjectName.h"
 #include "cimxml/Request.h"
+#include "cimxml/Response.h"
 #include "cimxml/Writer.h"
 #include "core/CimPath.h"
 #include "tests/fuzz/Fuzz.h"
+#include "tests/wbem/Model.h"
+#include "wbem/Server.h"
 
 namespace {
 
@@ -43,12 +48,10 @@ bool isIdentifier(const std::string& text) {
 
 // Whether the broker can have an instance of that name.
 bool isProper(const ObjectName& name) {
+  std::set<std::string> names;
   return name.isInstance && !name.keys.empty() && isIdentifier(name.className) &&
-         std::all_of(name.keys.begin(), name.keys.end(), [&name](const KeyBinding& key) {
-           return isIdentifier(key.name) &&
-                  std::count_if(name.keys.begin(), name.keys.end(), [&key](const KeyBinding& one) {
-                    return one.name == key.name;
-                  }) == 1;
+         std::all_of(name.keys.begin(), name.keys.end(), [&names](const KeyBinding& key) {
+           return isIdentifier(key.name) && names.insert(key.name).second;
          });
 }
 
@@ -104,6 +107,35 @@ std::optional<Request> readOrRefuse(std::string body) {
   }
 }
 
+class CountingAudit final : public wbem::Audit {
+ public:
+  void write(const wbem::AuditRecord& /*record*/) noexcept override { ++count; }
+  unsigned count = 0;
+};
+
+// A server over the model, which lives as long as the program.
+class Host {
+ public:
+  Host() { m_broker.addAgent(&m_agent); }
+
+  void answer(const Request& request) {
+    std::string out;
+    m_audit.count = 0;
+    m_server.answer(request, {"ann", "192.0.2.7", wbem::Role::Operator}, out);
+    test::require(m_audit.count <= 1, "a request is recorded once");
+    test::require(m_audit.count == 1 || !request.isExtrinsic, "every method is recorded");
+    const cimxml::Response response = cimxml::parseResponse(out);
+    test::require(response.messageId == request.messageId, "the answer is that to the request");
+    test::require(response.isExtrinsic == request.isExtrinsic, "the answer is of the same kind");
+  }
+
+ private:
+  core::CimBroker m_broker;
+  test::ModelAgent m_agent;
+  CountingAudit m_audit;
+  wbem::Server m_server{m_broker, m_audit, {}};
+};
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -114,6 +146,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const cimxml::Parameter& parameter : request->parameters) {
       std::visit(CheckNames(), parameter.value);
     }
+    static Host host;
+    host.answer(*request);
   }
   return 0;
 }
