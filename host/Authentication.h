@@ -11,7 +11,8 @@
 
 namespace host {
 
-// Any thread calls, one at a time for each object.
+// Any thread calls: check() one at a time for each object, the others also meanwhile. check() alone
+// may take long.
 class Authenticator {
  public:
   Authenticator() = default;

@@ -14,6 +14,7 @@ constexpr unsigned kUnauthorized = 401;
 constexpr unsigned kForbidden = 403;
 constexpr unsigned kMethodNotAllowed = 405;
 constexpr unsigned kNotImplemented = 501;
+constexpr unsigned kUnavailable = 503;
 
 constexpr std::string_view kHealth = "/health";
 constexpr const char* kText = "text/plain; charset=utf-8";
@@ -104,6 +105,10 @@ bool CimXmlHandler::admits(const http::Request& request, http::Response& respons
     case LoginGate::Verdict::Unauthorized:
       refuse(response, kUnauthorized, "Log in with a user of this host.");
       response.fields = "WWW-Authenticate: Basic realm=\"quorveld\", charset=\"UTF-8\"\r\n";
+      return false;
+    case LoginGate::Verdict::Busy:
+      refuse(response, kUnavailable, "Too many logins wait for their check. Try again later.");
+      response.fields = "Retry-After: 1\r\n";
       return false;
     case LoginGate::Verdict::InTheClear:
       refuse(response, kForbidden, "No password is taken in the clear over a network; use HTTPS.");

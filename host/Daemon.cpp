@@ -99,6 +99,8 @@ std::string findHostName() {
 
 http::ServerOptions toServerOptions(const DaemonConfig& config) {
   http::ServerOptions options;
+  // Logins that are held up take none of the threads that serve the others.
+  options.threads += LoginGate::kMostInLine;
   options.endpoints = config.listen;
   options.certificateFile = config.certificate;
   options.keyFile = config.key;

@@ -1,8 +1,28 @@
 #include "host/LoginGate.h"
 
+#include <tuple>
 #include <utility>
 
 namespace host {
+namespace {
+
+// A place in the line, held as long as the object.
+class Place {
+ public:
+  Place(std::atomic<unsigned>& inLine, unsigned most)
+      : m_inLine(inLine), m_isTaken(inLine.fetch_add(1) < most) {}
+  Place(const Place&) = delete;
+  Place& operator=(const Place&) = delete;
+  ~Place() { m_inLine.fetch_sub(1); }
+
+  [[nodiscard]] bool isTaken() const { return m_isTaken; }
+
+ private:
+  std::atomic<unsigned>& m_inLine;
+  const bool m_isTaken;
+};
+
+}  // namespace
 
 LoginGate::LoginGate(Authenticator& authenticator, wbem::Audit& audit, LoginThrottle::Now now)
     : m_authenticator(authenticator),
@@ -27,42 +47,81 @@ LoginGate::Decision LoginGate::admit(std::string_view authorization, const Origi
   if (authorization.empty()) {
     return decision;
   }
-  const std::optional<BasicCredentials> login = parseBasicCredentials(authorization);
-  const utils::ScopedLock lock(m_lock);
-  if (const auto delay = m_throttle.findRefusal(origin.address)) {
-    decision.delay = *delay;
+  const Login login = parseBasicCredentials(authorization);
+  {
+    const utils::ScopedLock lock(m_lock);
+    if (std::optional<Decision> known = decideUnchecked(login, origin.address)) {
+      return *std::move(known);
+    }
+  }
+  const Place place(m_inLine, kMostInLine);
+  if (!place.isTaken()) {
+    decision.verdict = Verdict::Busy;
+    decision.delay = kBusyDelay;
     return decision;
   }
-  const std::optional<wbem::Role> role = login ? check(*login) : std::nullopt;
-  if (!role) {
-    return refuse(login ? login->user : "", origin.address);
+  bool isFailure = false;
+  std::tie(decision, isFailure) = check(login, origin.address);
+  // The system log may make its writers wait.
+  if (isFailure) {
+    m_audit.write(
+        {{login ? login->user : "", origin.address, wbem::Role::Reader}, "Login", "refused", ""});
   }
-  decision.verdict = Verdict::Passed;
-  decision.caller = {login->user, origin.address, *role};
   return decision;
 }
 
-std::optional<wbem::Role> LoginGate::check(const BasicCredentials& login) {
+std::optional<LoginGate::Decision> LoginGate::decideUnchecked(const Login& login,
+                                                              const std::string& address) {
+  Decision decision;
+  if (const auto delay = m_throttle.findRefusal(address)) {
+    decision.delay = *delay;
+    return decision;
+  }
+  forgetIfChanged();
+  const std::optional<wbem::Role> role = login ? m_verified.find(*login) : std::nullopt;
+  if (!role) {
+    return std::nullopt;
+  }
+  decision.verdict = Verdict::Passed;
+  decision.caller = {login->user, address, *role};
+  return decision;
+}
+
+std::pair<LoginGate::Decision, bool> LoginGate::check(const Login& login,
+                                                      const std::string& address) {
+  const utils::ScopedLock checkLock(m_checkLock);
+  std::uint64_t revision = 0;
+  {
+    // The check that this one has waited for may have settled it.
+    const utils::ScopedLock lock(m_lock);
+    if (std::optional<Decision> known = decideUnchecked(login, address)) {
+      return {*std::move(known), false};
+    }
+    revision = m_revision;
+  }
+  const std::optional<wbem::Role> role =
+      login ? m_authenticator.check(login->user, login->password) : std::nullopt;
+  Decision decision;
+  const utils::ScopedLock lock(m_lock);
+  if (!role) {
+    decision.delay = m_throttle.addFailure(address);
+    return {std::move(decision), true};
+  }
+  forgetIfChanged();
+  if (revision == m_revision) {
+    m_verified.add(*login, *role);
+  }
+  decision.verdict = Verdict::Passed;
+  decision.caller = {login->user, address, *role};
+  return {std::move(decision), false};
+}
+
+void LoginGate::forgetIfChanged() {
   const std::uint64_t revision = m_authenticator.revision();
   if (revision != m_revision) {
     m_verified.clear();
     m_revision = revision;
   }
-  if (const auto known = m_verified.find(login)) {
-    return known;
-  }
-  const std::optional<wbem::Role> role = m_authenticator.check(login.user, login.password);
-  if (role) {
-    m_verified.add(login, *role);
-  }
-  return role;
-}
-
-LoginGate::Decision LoginGate::refuse(const std::string& user, const std::string& address) {
-  Decision decision;
-  decision.delay = m_throttle.addFailure(address);
-  m_audit.write({{user, address, wbem::Role::Reader}, "Login", "refused", ""});
-  return decision;
 }
 
 }  // namespace host

@@ -1,14 +1,19 @@
 // Decides whether a request gets in, and as whom: what the handler of requests asks first.
 //
-// Any thread may call. Logins that are not remembered are checked one at a time.
+// Any thread may call. Logins that are not remembered are checked one at a time, and a check may
+// take as long as a directory server that is gone lets PAM wait. So only few requests may be in
+// line for it, and those that need none are decided meanwhile.
 
 #ifndef ORVEX_HOST_LOGINGATE_H_
 #define ORVEX_HOST_LOGINGATE_H_
 
+#include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "Utils/Mutex.h"
 #include "host/Authentication.h"
@@ -32,6 +37,7 @@ class LoginGate {
     Passed,
     Unauthorized,  // a login is missing, or was refused
     InTheClear,    // no password is taken from there
+    Busy,          // too many logins are in line for their check
   };
 
   struct Decision {
@@ -39,6 +45,11 @@ class LoginGate {
     wbem::Caller caller;                 // when it has passed
     std::chrono::milliseconds delay{0};  // before the refusal is sent
   };
+
+  // How many requests are in line for a check at most, the one that is checked among them: as many
+  // threads may be held up here.
+  static constexpr unsigned kMostInLine = 4;
+  static constexpr std::chrono::milliseconds kBusyDelay{500};
 
   // The authenticator and the audit, which gets a record of each login that fails, are the caller's
   // and outlive the gate.
@@ -51,17 +62,24 @@ class LoginGate {
   [[nodiscard]] bool demandsLogin() const { return m_authenticator.demandsLogin(); }
 
  private:
-  [[nodiscard]] std::optional<wbem::Role> check(const BasicCredentials& login)
+  using Login = std::optional<BasicCredentials>;  // null: damaged
+
+  // Returns null where the authenticator has to be asked.
+  [[nodiscard]] std::optional<Decision> decideUnchecked(const Login& login,
+                                                        const std::string& address)
       ORVEX_REQUIRES(m_lock);
-  [[nodiscard]] Decision refuse(const std::string& user, const std::string& address)
-      ORVEX_REQUIRES(m_lock);
+  // Asks the authenticator when the turn has come. Says whether that was a failure to be recorded.
+  [[nodiscard]] std::pair<Decision, bool> check(const Login& login, const std::string& address);
+  void forgetIfChanged() ORVEX_REQUIRES(m_lock);
 
   Authenticator& m_authenticator;
   wbem::Audit& m_audit;
-  utils::Mutex m_lock;
+  utils::Mutex m_checkLock;  // taken before the other one; held over a check
+  utils::Mutex m_lock;       // held for no wait
   LoginThrottle m_throttle ORVEX_GUARDED_BY(m_lock);
   VerifiedLogins m_verified ORVEX_GUARDED_BY(m_lock);
   std::uint64_t m_revision ORVEX_GUARDED_BY(m_lock) = 0;
+  std::atomic<unsigned> m_inLine{0};
 };
 
 }  // namespace host

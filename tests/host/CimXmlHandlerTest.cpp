@@ -1,10 +1,15 @@
+#include <atomic>
+#include <future>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "host/Authentication.h"
 #include "host/CimXmlHandler.h"
 #include "tests/host/FakeHttpRequest.h"
+#include "tests/support/WaitUntil.h"
 
 namespace {
 
@@ -33,6 +38,21 @@ class Anna final : public host::Authenticator {
     return user == "anna" && password == "secret" ? std::optional(wbem::Role::Reader)
                                                   : std::nullopt;
   }
+};
+
+// Answers nobody until the test says so.
+class HeldUp final : public host::Authenticator {
+ public:
+  [[nodiscard]] std::optional<wbem::Role> check(const std::string& /*user*/,
+                                                const std::string& /*password*/) override {
+    m_released.wait();
+    return std::nullopt;
+  }
+  void release() { m_release.set_value(); }
+
+ private:
+  std::promise<void> m_release;
+  const std::shared_future<void> m_released{m_release.get_future()};
 };
 
 class NoAudit final : public wbem::Audit {
@@ -160,6 +180,36 @@ TEST_F(CimXmlHandlerTest, DelaysTheAnswerToAWrongLogin) {
   const http::Response response = ask(m_anna);
   EXPECT_EQ(response.status, 401u);
   EXPECT_EQ(response.delay, std::chrono::milliseconds(500));
+}
+
+TEST_F(CimXmlHandlerTest, AnswersMonitorsAndTurnsLoginsAwayWhereTheLineOfLoginsIsFull) {
+  HeldUp authenticator;
+  host::LoginGate gate(authenticator, m_audit);
+  host::CimXmlHandler handler(m_service, gate, "1.2.3");
+  std::atomic<unsigned> refused{0};
+  std::vector<std::thread> clients;
+  for (unsigned i = 0; i <= host::LoginGate::kMostInLine; ++i) {
+    clients.emplace_back([&] {
+      test::FakeHttpRequest request;
+      request.fields["Authorization"] = kAnna;
+      http::Response response;
+      handler.handle(request, response);
+      refused += response.status == 503 && response.fields == "Retry-After: 1\r\n" ? 1 : 0;
+    });
+  }
+  EXPECT_TRUE(test::waitUntil([&] { return refused == 1; }));
+
+  m_request.httpMethod = "GET";
+  m_request.httpTarget = "/health";
+  http::Response response;
+  handler.handle(m_request, response);
+  EXPECT_EQ(response.status, 200u);
+
+  authenticator.release();
+  for (std::thread& client : clients) {
+    client.join();
+  }
+  EXPECT_EQ(refused, 1u);
 }
 
 TEST_F(CimXmlHandlerTest, TakesPasswordsFromANetworkOverTlsAlone) {

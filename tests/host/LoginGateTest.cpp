@@ -1,8 +1,13 @@
+#include <algorithm>
+#include <atomic>
+#include <future>
 #include <gmock/gmock.h>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/LoginGate.h"
+#include "tests/support/WaitUntil.h"
 
 namespace {
 
@@ -15,6 +20,8 @@ using Verdict = LoginGate::Verdict;
 
 const std::string kRight = "Basic YW5uYTpzZWNyZXQ=";  // anna:secret
 const std::string kWrong = "Basic YW5uYTp3cm9uZw==";  // anna:wrong
+const std::string kBert = "Basic YmVydDpzZWNyZXQ=";   // bert:secret
+const std::string kCarl = "Basic Y2FybDp3cm9uZw==";   // carl:wrong
 const LoginGate::Origin kLoopback{"127.0.0.1", true, false};
 const LoginGate::Origin kEncrypted{"192.0.2.7", false, true};
 const LoginGate::Origin kInTheClear{"192.0.2.7", false, false};
@@ -32,6 +39,28 @@ class FakeAuthenticator final : public host::Authenticator {
 
   unsigned checks = 0;
   std::uint64_t currentRevision = 7;
+};
+
+// Takes everybody whose password is "secret"; who is not anna waits until the test says so.
+class SlowAuthenticator final : public host::Authenticator {
+ public:
+  [[nodiscard]] std::optional<wbem::Role> check(const std::string& user,
+                                                const std::string& password) override {
+    ++checks;
+    if (user != "anna") {
+      m_released.wait();
+    }
+    return password == "secret" ? std::optional(wbem::Role::Reader) : std::nullopt;
+  }
+  [[nodiscard]] std::uint64_t revision() override { return currentRevision; }
+  void release() { m_release.set_value(); }
+
+  std::atomic<unsigned> checks{0};
+  std::atomic<std::uint64_t> currentRevision{7};
+
+ private:
+  std::promise<void> m_release;
+  const std::shared_future<void> m_released{m_release.get_future()};
 };
 
 class FakeAudit final : public wbem::Audit {
@@ -136,6 +165,110 @@ TEST_F(LoginGateTest, PassesEverybodyWhereNobodyHasToLogIn) {
   EXPECT_EQ(decision.caller.user, "");
   EXPECT_EQ(decision.caller.address, "127.0.0.1");
   EXPECT_EQ(decision.caller.role, wbem::Role::Operator);
+}
+
+// Many ask at a time, and the authenticator holds some of them up.
+class LoginGateOfManyTest : public testing::Test {
+ protected:
+  void TearDown() override { release(); }
+
+  // Each asks from an address of its own, unless one is given.
+  void admitLater(const std::string& authorization, std::string address = {}) {
+    if (address.empty()) {
+      address = "192.0.2." + std::to_string(m_decisions.size() + 1);
+    }
+    m_decisions.push_back(std::async(std::launch::async, [this, authorization, address] {
+      return m_gate.admit(authorization, {address, false, true});
+    }));
+  }
+  [[nodiscard]] bool waitForChecks(unsigned count) const {
+    return test::waitUntil([&] { return m_authenticator.checks == count; });
+  }
+  [[nodiscard]] bool waitForDecisions(int count) const {
+    return test::waitUntil([&] {
+      return std::count_if(m_decisions.begin(), m_decisions.end(), [](const auto& decision) {
+               return decision.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+             }) == count;
+    });
+  }
+  void release() {
+    if (!std::exchange(m_isReleased, true)) {
+      m_authenticator.release();
+    }
+  }
+  [[nodiscard]] std::vector<Verdict> verdicts() {
+    std::vector<Verdict> verdicts;
+    for (auto& decision : m_decisions) {
+      verdicts.push_back(decision.get().verdict);
+    }
+    return verdicts;
+  }
+
+  SlowAuthenticator m_authenticator;
+  FakeAudit m_audit;
+  LoginGate m_gate{m_authenticator, m_audit};
+  bool m_isReleased = false;
+  std::vector<std::future<LoginGate::Decision>> m_decisions;
+};
+
+TEST_F(LoginGateOfManyTest, PassesARememberedLoginWhileAnotherIsChecked) {
+  ASSERT_EQ(m_gate.admit(kRight, kEncrypted).verdict, Verdict::Passed);
+  admitLater(kBert);
+  ASSERT_TRUE(waitForChecks(2));
+  admitLater(kRight);
+  EXPECT_TRUE(waitForDecisions(1));
+  release();
+  EXPECT_THAT(verdicts(), ElementsAre(Verdict::Passed, Verdict::Passed));
+  EXPECT_EQ(m_authenticator.checks, 2u);
+}
+
+TEST_F(LoginGateOfManyTest, TurnsAwayWhoComesToAFullLine) {
+  constexpr int kTooMany = 3;
+  for (unsigned i = 0; i < LoginGate::kMostInLine + kTooMany; ++i) {
+    admitLater(kBert);
+  }
+  EXPECT_TRUE(waitForDecisions(kTooMany));
+  release();
+  const std::vector<Verdict> all = verdicts();
+  EXPECT_EQ(std::count(all.begin(), all.end(), Verdict::Busy), kTooMany);
+  EXPECT_EQ(std::count(all.begin(), all.end(), Verdict::Passed), int{LoginGate::kMostInLine});
+  // Those that waited found the login remembered.
+  EXPECT_EQ(m_authenticator.checks, 1u);
+  EXPECT_EQ(m_gate.admit(kCarl, kEncrypted).verdict, Verdict::Unauthorized);
+}
+
+TEST_F(LoginGateOfManyTest, DelaysWhoComesToAFullLine) {
+  for (unsigned i = 0; i <= LoginGate::kMostInLine; ++i) {
+    admitLater(kBert);
+  }
+  ASSERT_TRUE(waitForDecisions(1));
+  EXPECT_EQ(m_gate.admit(kBert, kEncrypted).delay, LoginGate::kBusyDelay);
+}
+
+TEST_F(LoginGateOfManyTest, ChecksOneOfTheGuessesThatComeSideBySide) {
+  for (unsigned i = 0; i < LoginGate::kMostInLine; ++i) {
+    admitLater(kCarl, "192.0.2.7");
+  }
+  ASSERT_TRUE(waitForChecks(1));
+  release();
+  EXPECT_THAT(verdicts(), testing::Each(Verdict::Unauthorized));
+  EXPECT_EQ(m_authenticator.checks, 1u);
+  EXPECT_THAT(m_audit.records, ElementsAre("Login of carl from 192.0.2.7: refused"));
+}
+
+TEST_F(LoginGateOfManyTest, DoesNotRememberALoginWhoseUsersHaveChangedDuringItsCheck) {
+  admitLater(kBert);
+  ASSERT_TRUE(waitForChecks(1));
+  ++m_authenticator.currentRevision;
+  for (unsigned i = 0; i < LoginGate::kMostInLine; ++i) {
+    admitLater(kRight);
+  }
+  ASSERT_TRUE(waitForDecisions(1));  // turned away, after a look at the revision
+  release();
+  static_cast<void>(verdicts());
+  const unsigned checks = m_authenticator.checks;
+  EXPECT_EQ(m_gate.admit(kBert, kEncrypted).verdict, Verdict::Passed);
+  EXPECT_EQ(m_authenticator.checks, checks + 1);
 }
 
 }  // namespace
