@@ -16,23 +16,28 @@ std::optional<std::chrono::milliseconds> LoginThrottle::findRefusal(const std::s
 
 std::chrono::milliseconds LoginThrottle::addFailure(const std::string& address) {
   const Clock::time_point now = m_now();
-  forget(now);
-  Failures& failures = m_failures[toClientNetwork(address)];
-  failures.delay =
-      failures.delay.count() == 0 ? kFirstDelay : std::min(failures.delay * 2, kLongestDelay);
+  std::erase_if(m_failures,
+                [now](const auto& entry) { return now >= entry.second.last + kMemory; });
+  const bool isFull = m_failures.size() >= kMostNetworks;
+  const std::string network = toClientNetwork(address);
+  if (isFull && !m_failures.contains(network)) {
+    forgetTheQuietest();
+  }
+  const auto [entry, isNew] = m_failures.try_emplace(network);
+  Failures& failures = entry->second;
+  if (isNew) {
+    failures.delay = isFull ? kLongestDelay : kFirstDelay;
+  } else {
+    failures.delay = std::min(failures.delay * 2, kLongestDelay);
+  }
   failures.last = now;
   return failures.delay;
 }
 
-void LoginThrottle::forget(Clock::time_point now) {
-  std::erase_if(m_failures,
-                [now](const auto& entry) { return now >= entry.second.last + kMemory; });
-  // Where there are too many, the one that has been quiet for longest goes.
-  while (m_failures.size() >= kMostNetworks) {
-    m_failures.erase(std::min_element(
-        m_failures.begin(), m_failures.end(),
-        [](const auto& one, const auto& other) { return one.second.last < other.second.last; }));
-  }
+void LoginThrottle::forgetTheQuietest() {
+  m_failures.erase(std::min_element(
+      m_failures.begin(), m_failures.end(),
+      [](const auto& one, const auto& other) { return one.second.last < other.second.last; }));
 }
 
 }  // namespace host

@@ -2,7 +2,9 @@
 //
 // What counts is the client's network (toClientNetwork), since names cost a guesser nothing.
 // Failures fade by time alone: a success in between, with an account that the guesser may have,
-// changes nothing. Bounded in memory. One thread at a time.
+// changes nothing. Bounded in memory: while there is no room, a network that fails for the first
+// time waits for longest, so that who has many of them at hand gains nothing by having one
+// forgotten. One thread at a time.
 
 #ifndef ORVEX_HOST_LOGINTHROTTLE_H_
 #define ORVEX_HOST_LOGINTHROTTLE_H_
@@ -45,7 +47,7 @@ class LoginThrottle {
     Clock::time_point last;
   };
 
-  void forget(Clock::time_point now);
+  void forgetTheQuietest();
 
   Now m_now;
   std::unordered_map<std::string, Failures> m_failures;

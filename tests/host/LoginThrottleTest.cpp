@@ -57,6 +57,23 @@ TEST_F(LoginThrottle, ForgetsAfterAWhileWithoutFailures) {
   EXPECT_EQ(m_throttle.size(), 1u);
 }
 
+TEST_F(LoginThrottle, LetsNewNetworksWaitForLongestWhileItIsFull) {
+  for (std::size_t i = 0; i < host::LoginThrottle::kMostNetworks; ++i) {
+    EXPECT_EQ(
+        m_throttle.addFailure("10.0." + std::to_string(i / 256) + "." + std::to_string(i % 256)),
+        milliseconds(500));
+    pass(milliseconds(1));
+  }
+  EXPECT_EQ(failAgain("2001:db8:0:1::1"), host::LoginThrottle::kLongestDelay);
+  EXPECT_EQ(failAgain("2001:db8:0:2::1"), host::LoginThrottle::kLongestDelay);
+  // Those that it knows go on from where they were.
+  EXPECT_EQ(failAgain("10.0.15.255"), milliseconds(1000));
+  EXPECT_EQ(m_throttle.size(), host::LoginThrottle::kMostNetworks);
+
+  pass(host::LoginThrottle::kMemory);
+  EXPECT_EQ(failAgain("2001:db8:0:3::1"), milliseconds(500));
+}
+
 TEST_F(LoginThrottle, RemembersABoundedNumberAndDropsTheQuietest) {
   EXPECT_EQ(m_throttle.addFailure("192.0.2.7"), milliseconds(500));
   for (std::size_t i = 0; i < host::LoginThrottle::kMostNetworks; ++i) {
