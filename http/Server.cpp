@@ -26,7 +26,8 @@ constexpr utils::LogSource kLog{"HttpServer"};
 constexpr std::size_t kMostRefused = 32;
 // The wait after a connection could not be taken, for want of descriptors or memory.
 constexpr std::chrono::milliseconds kAcceptPause{100};
-constexpr std::chrono::minutes kAcceptFaultLogInterval{10};
+// What may go on for long is logged once in this time.
+constexpr std::chrono::minutes kLogInterval{10};
 
 constexpr std::chrono::milliseconds kShortestSweep{5};
 constexpr std::chrono::milliseconds kLongestSweep{1000};
@@ -42,6 +43,20 @@ bool hasTls(const ServerOptions& options) {
   return std::any_of(options.endpoints.begin(), options.endpoints.end(),
                      [](const Endpoint& endpoint) { return endpoint.isTls; });
 }
+
+// Says whether something is to be logged that goes on. Any thread.
+class Reminder {
+ public:
+  [[nodiscard]] bool isDue() {
+    const Clock::rep now = Clock::now().time_since_epoch().count();
+    Clock::rep last = m_last.load();
+    const bool isSoon = last != 0 && now - last < Clock::duration(kLogInterval).count();
+    return !isSoon && m_last.compare_exchange_strong(last, now);
+  }
+
+ private:
+  std::atomic<Clock::rep> m_last{0};
+};
 
 }  // namespace
 
@@ -71,7 +86,8 @@ struct Server::Implementation {
   Timer sweepTimer;
   Clock::time_point stopDeadline = Clock::time_point::max();
 
-  std::atomic<Clock::rep> lastFaultLogged{0};
+  Reminder acceptFault;
+  Reminder tooMany;
 };
 
 Server::Implementation::Implementation(ServerOptions serverOptions, Handler& handler)
@@ -139,6 +155,11 @@ void Server::Implementation::take(const Listener& listener, Socket socket) {
   socket.set_option(tcp::no_delay(true), ignored);
   Peer description = describePeer(peer.address());
   const bool isTooMany = connections.countServed() >= options.maxConnections;
+  if (isTooMany && tooMany.isDue()) {
+    utils::logError(kLog, "http::Server::take",
+                    "%zu connections, no further ones are taken until one ends",
+                    options.maxConnections);
+  }
   if (isTooMany && (listener.endpoint.isTls || connections.countRefused() >= kMostRefused)) {
     return;
   }
@@ -154,15 +175,11 @@ void Server::Implementation::take(const Listener& listener, Socket socket) {
 }
 
 void Server::Implementation::noteAcceptFault(const Listener& listener, const error_code& fault) {
-  const Clock::rep now = Clock::now().time_since_epoch().count();
-  const Clock::rep last = lastFaultLogged.load();
-  if (last != 0 && now - last < Clock::duration(kAcceptFaultLogInterval).count()) {
-    return;
+  if (acceptFault.isDue()) {
+    utils::logError(kLog, "http::Server::accept",
+                    "%s takes no new connections for now: %s. It tries on.",
+                    listener.endpoint.text().c_str(), fault.message().c_str());
   }
-  lastFaultLogged = now;
-  utils::logError(kLog, "http::Server::accept",
-                  "%s takes no new connections for now: %s. It tries on.",
-                  listener.endpoint.text().c_str(), fault.message().c_str());
 }
 
 Awaitable<void> Server::Implementation::sweep() {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <sys/resource.h>
 #include <sys/socket.h>
+#include <tuple>
 #include <unistd.h>
 #include <vector>
 
@@ -296,6 +297,29 @@ TEST(Server, ClosesEncryptedConnectionsThatAreTooMany) {
   EXPECT_TRUE(second.isAtEnd());
   first.send(kGet);
   EXPECT_EQ(statusOf(first.readAnswer()), "200");
+}
+
+TEST(Server, LogsOnceThatThereAreTooMany) {
+  for (const bool isTls : {false, true}) {
+    const test::LogCapture log;
+    {
+      ServerOptions options = test::onFreePort(isTls);
+      options.maxConnections = 1;
+      const TestServer server(options);
+      RawClient::Options kind;
+      kind.isTls = isTls;
+      RawClient first(server.port(), kind);
+      first.send(kGet);
+      ASSERT_EQ(statusOf(first.readAnswer()), "200");
+      EXPECT_THAT(log.messages("http::Server::take"), testing::IsEmpty());
+      for (int i = 0; i < 3; ++i) {
+        RawClient tooMany(server.port());
+        std::ignore = tooMany.readToEnd();
+      }
+    }
+    EXPECT_THAT(log.messages("http::Server::take"),
+                testing::ElementsAre(StartsWith("1 connections, no further ones are taken")));
+  }
 }
 
 TEST(Server, WithstandsManyWhoComeTooMany) {
