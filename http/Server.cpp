@@ -68,9 +68,11 @@ struct Server::Implementation {
 
   void runThread();
   Awaitable<void> accept(Listener& listener);
+  void tryToTake(const Listener& listener, Socket socket);
   void take(const Listener& listener, Socket socket);
   void noteAcceptFault(const Listener& listener, const error_code& fault);
   Awaitable<void> sweep();
+  void tidyUp();
   void beginStop();
 
   const ServerOptions options;
@@ -134,7 +136,7 @@ Awaitable<void> Server::Implementation::accept(Listener& listener) {
     const Executor connectionStrand = asio::make_strand(context);
     auto [fault, socket] = co_await listener.acceptor.async_accept(connectionStrand, kAwait);
     if (!fault) {
-      take(listener, std::move(socket));
+      tryToTake(listener, std::move(socket));
       continue;
     }
     if (!service.isStopping) {
@@ -142,6 +144,16 @@ Awaitable<void> Server::Implementation::accept(Listener& listener) {
       pause.expires_after(kAcceptPause);
       co_await pause.async_wait(kAwait);
     }
+  }
+}
+
+// What goes wrong with one connection must not end the taking of others.
+void Server::Implementation::tryToTake(const Listener& listener, Socket socket) {
+  try {
+    take(listener, std::move(socket));
+  } catch (const std::exception& fault) {
+    utils::logError(kLog, "http::Server::accept", "A connection to %s is lost: %s",
+                    listener.endpoint.text().c_str(), fault.what());
   }
 }
 
@@ -187,11 +199,21 @@ Awaitable<void> Server::Implementation::sweep() {
   while (!service.isStopping || !connections.isEmpty()) {
     sweepTimer.expires_after(service.isStopping ? std::min(interval, kStoppingSweep) : interval);
     co_await sweepTimer.async_wait(kAwait);
+    tidyUp();
+  }
+}
+
+// What goes wrong once must not end the watch over the deadlines.
+void Server::Implementation::tidyUp() {
+  try {
     connections.checkDeadlines();
     service.exchanges.trim();
     if (Clock::now() >= stopDeadline) {
       connections.cutAll();
     }
+  } catch (const std::exception& fault) {
+    utils::logError(kLog, "http::Server::sweep", "Deadlines are not watched for a moment: %s",
+                    fault.what());
   }
 }
 
