@@ -26,6 +26,10 @@ constexpr std::chrono::milliseconds kLingerTime{2000};
 constexpr std::chrono::milliseconds kLingerTimeAtStop{300};
 constexpr std::size_t kLingerBytes = 8 * 1024 * 1024;
 
+// How many bytes of an answer a client has to read in the time of a request: with any progress
+// being enough, one that takes byte after byte would keep its connection for ever.
+constexpr std::size_t kWriteProgress = 64 * 1024;
+
 constexpr const char* kRetryAfter = "Retry-After: 5\r\n";  // seconds
 constexpr std::string_view kContinue = "HTTP/1.1 100 Continue\r\n\r\n";
 constexpr Clock::rep kNoDeadline = Clock::duration::max().count();
@@ -263,8 +267,13 @@ Awaitable<void> Connection::write(std::string_view head, std::string_view body) 
   m_output = {asio::buffer(head), asio::buffer(body)};
   m_fault = {};
   writeAtOnce();
+  std::size_t nextLimit = countUnwritten();
   while (!m_fault && !m_isClosed && !isWritten()) {
-    enter(Phase::Writing, m_service.options.requestTimeout);
+    const std::size_t left = countUnwritten();
+    if (left <= nextLimit) {
+      enter(Phase::Writing, m_service.options.requestTimeout);
+      nextLimit = left - std::min(left, kWriteProgress);
+    }
     co_await writeSome();
   }
   if (m_fault) {

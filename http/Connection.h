@@ -93,7 +93,10 @@ class Connection : public std::enable_shared_from_this<Connection> {
   virtual Socket& socket() = 0;
 
   void addWritten(std::size_t count);
-  [[nodiscard]] bool isWritten() const { return m_output[0].size() + m_output[1].size() == 0; }
+  [[nodiscard]] std::size_t countUnwritten() const {
+    return m_output[0].size() + m_output[1].size();
+  }
+  [[nodiscard]] bool isWritten() const { return countUnwritten() == 0; }
 
   ReadBuffer m_buffer;
   std::array<asio::const_buffer, 2> m_output;

@@ -74,9 +74,10 @@ struct ServerOptions {
   std::size_t maxConnections = 128;
   std::size_t maxHeaderBytes = 16 * 1024;
   std::size_t maxBodyBytes = 1024 * 1024;
-  std::chrono::milliseconds requestTimeout{30'000};  // from a request's first byte to its last
-  std::chrono::milliseconds idleTimeout{60'000};     // between requests
-  std::chrono::milliseconds closingTime{10'000};     // for answers that are under way at the stop
+  // From a request's first byte to its last; also for the client to take 64 KiB of the answer.
+  std::chrono::milliseconds requestTimeout{30'000};
+  std::chrono::milliseconds idleTimeout{60'000};  // between requests
+  std::chrono::milliseconds closingTime{10'000};  // for answers that are under way at the stop
 };
 
 // A fault of the configuration: an address, a port, a certificate; what() names it.

@@ -1,11 +1,44 @@
 #include <gmock/gmock.h>
+#include <string>
+#include <string_view>
+#include <utility>
 
 #include "http/Connection.h"
 #include "http/ConnectionList.h"
 #include "tests/http/TestServer.h"
+#include "tests/support/WaitUntil.h"
 
 namespace http {
 namespace {
+
+// Has one request, and a client that takes the answer byte by byte.
+class TrickledConnection final : public Connection {
+ public:
+  TrickledConnection(Service& service, Socket socket)
+      : Connection(service, socket.get_executor(), Peer(), false),
+        m_socket(std::move(socket)),
+        m_pause(m_socket.get_executor()) {}
+
+ private:
+  Awaitable<void> handshake() override { co_return; }
+  Awaitable<void> readSome() override {
+    constexpr std::string_view kRequest = "GET / HTTP/1.1\r\nHost: a\r\n\r\n";
+    asio::buffer_copy(m_buffer.space(), asio::buffer(kRequest));
+    m_buffer.add(kRequest.size());
+    co_return;
+  }
+  void writeAtOnce() override {}
+  Awaitable<void> writeSome() override {
+    m_pause.expires_after(std::chrono::milliseconds(1));
+    co_await m_pause.async_wait(kAwait);
+    addWritten(1);
+  }
+  Awaitable<void> farewell() override { co_return; }
+  Socket& socket() override { return m_socket; }
+
+  Socket m_socket;
+  Timer m_pause;
+};
 
 class ConnectionListTest : public testing::Test {
  protected:
@@ -26,7 +59,9 @@ class ConnectionListTest : public testing::Test {
   }
 
   ServerOptions m_options;
-  test::FunctionHandler m_handler{&test::echo};
+  std::string m_answer;
+  test::FunctionHandler m_handler{
+      [this](Request& /*request*/, Response& response) { response.body = m_answer; }};
   ConnectionList m_list;
   Service m_service{m_options, m_handler, m_list, {}, {}};
   asio::io_context m_context;
@@ -80,6 +115,20 @@ TEST_F(ConnectionListTest, LeavesConnectionsAloneThatHaveTime) {
   runAll();
 
   EXPECT_EQ(m_list.countServed(), 1U);
+}
+
+TEST_F(ConnectionListTest, EndsConnectionsWhoseAnswersAreTakenByteByByte) {
+  m_options.requestTimeout = std::chrono::milliseconds(100);
+  m_answer.assign(1024 * 1024, 'x');
+  const test::RawClient client(port());
+  Connection::serve(std::make_shared<TrickledConnection>(
+      m_service, m_acceptor.accept(asio::make_strand(m_context))));
+
+  EXPECT_TRUE(test::waitUntil([&] {
+    runAll();
+    m_list.checkDeadlines();
+    return m_list.isEmpty();
+  }));
 }
 
 TEST_F(ConnectionListTest, StopsIdleConnections) {
