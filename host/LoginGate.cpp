@@ -1,5 +1,6 @@
 #include "host/LoginGate.h"
 
+#include <string>
 #include <tuple>
 #include <utility>
 
@@ -21,6 +22,10 @@ class Place {
   std::atomic<unsigned>& m_inLine;
   const bool m_isTaken;
 };
+
+std::string describeFailure(unsigned unchecked) {
+  return unchecked == 0 ? "refused" : "refused, " + std::to_string(unchecked) + " before unchecked";
+}
 
 }  // namespace
 
@@ -60,12 +65,12 @@ LoginGate::Decision LoginGate::admit(std::string_view authorization, const Origi
     decision.delay = kBusyDelay;
     return decision;
   }
-  bool isFailure = false;
-  std::tie(decision, isFailure) = check(login, origin.address);
+  std::string failure;
+  std::tie(decision, failure) = check(login, origin.address);
   // The system log may make its writers wait.
-  if (isFailure) {
+  if (!failure.empty()) {
     m_audit.write(
-        {{login ? login->user : "", origin.address, wbem::Role::Reader}, "Login", "refused", ""});
+        {{login ? login->user : "", origin.address, wbem::Role::Reader}, "Login", failure, ""});
   }
   return decision;
 }
@@ -87,15 +92,15 @@ std::optional<LoginGate::Decision> LoginGate::decideUnchecked(const Login& login
   return decision;
 }
 
-std::pair<LoginGate::Decision, bool> LoginGate::check(const Login& login,
-                                                      const std::string& address) {
+std::pair<LoginGate::Decision, std::string> LoginGate::check(const Login& login,
+                                                             const std::string& address) {
   const utils::ScopedLock checkLock(m_checkLock);
   std::uint64_t revision = 0;
   {
     // The check that this one has waited for may have settled it.
     const utils::ScopedLock lock(m_lock);
     if (std::optional<Decision> known = decideUnchecked(login, address)) {
-      return {*std::move(known), false};
+      return {*std::move(known), ""};
     }
     revision = m_revision;
   }
@@ -105,7 +110,7 @@ std::pair<LoginGate::Decision, bool> LoginGate::check(const Login& login,
   const utils::ScopedLock lock(m_lock);
   if (!role) {
     decision.delay = m_throttle.addFailure(address);
-    return {std::move(decision), true};
+    return {std::move(decision), describeFailure(m_throttle.takeUnchecked(address))};
   }
   forgetIfChanged();
   if (revision == m_revision) {
@@ -113,7 +118,7 @@ std::pair<LoginGate::Decision, bool> LoginGate::check(const Login& login,
   }
   decision.verdict = Verdict::Passed;
   decision.caller = {login->user, address, *role};
-  return {std::move(decision), false};
+  return {std::move(decision), ""};
 }
 
 void LoginGate::forgetIfChanged() {

@@ -68,8 +68,10 @@ class LoginGate {
   [[nodiscard]] std::optional<Decision> decideUnchecked(const Login& login,
                                                         const std::string& address)
       ORVEX_REQUIRES(m_lock);
-  // Asks the authenticator when the turn has come. Says whether that was a failure to be recorded.
-  [[nodiscard]] std::pair<Decision, bool> check(const Login& login, const std::string& address);
+  // Asks the authenticator when the turn has come. Returns with the decision what the audit is to
+  // say, empty for nothing.
+  [[nodiscard]] std::pair<Decision, std::string> check(const Login& login,
+                                                       const std::string& address);
   void forgetIfChanged() ORVEX_REQUIRES(m_lock);
 
   Authenticator& m_authenticator;

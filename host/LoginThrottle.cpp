@@ -1,6 +1,7 @@
 #include "host/LoginThrottle.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "host/Addresses.h"
 
@@ -11,6 +12,7 @@ std::optional<std::chrono::milliseconds> LoginThrottle::findRefusal(const std::s
   if (found == m_failures.end() || m_now() >= found->second.last + found->second.delay) {
     return std::nullopt;
   }
+  ++found->second.unchecked;
   return found->second.delay;
 }
 
@@ -32,6 +34,11 @@ std::chrono::milliseconds LoginThrottle::addFailure(const std::string& address) 
   }
   failures.last = now;
   return failures.delay;
+}
+
+unsigned LoginThrottle::takeUnchecked(const std::string& address) {
+  const auto found = m_failures.find(toClientNetwork(address));
+  return found == m_failures.end() ? 0 : std::exchange(found->second.unchecked, 0);
 }
 
 void LoginThrottle::forgetTheQuietest() {

@@ -32,11 +32,15 @@ class LoginThrottle {
   explicit LoginThrottle(Now now = Clock::now) : m_now(std::move(now)) {}
 
   // Returns the delay of the last refusal while that is still waiting to be answered: no password
-  // is to be tried meanwhile, or guesses side by side would cost no more time than one.
+  // is to be tried meanwhile, or guesses side by side would cost no more time than one. Counts the
+  // login as one that was refused unchecked then.
   [[nodiscard]] std::optional<std::chrono::milliseconds> findRefusal(const std::string& address);
 
   // Counts a failure. Returns how long its answer has to wait.
   [[nodiscard]] std::chrono::milliseconds addFailure(const std::string& address);
+
+  // Returns how many logins of the network were refused unchecked since the last call.
+  [[nodiscard]] unsigned takeUnchecked(const std::string& address);
 
   // Returns how many networks are remembered.
   [[nodiscard]] std::size_t size() const { return m_failures.size(); }
@@ -45,6 +49,7 @@ class LoginThrottle {
   struct Failures {
     std::chrono::milliseconds delay{0};
     Clock::time_point last;
+    unsigned unchecked = 0;
   };
 
   void forgetTheQuietest();

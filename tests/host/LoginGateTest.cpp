@@ -117,9 +117,26 @@ TEST_F(LoginGateTest, TriesNoPasswordWhileARefusalWaits) {
   EXPECT_EQ(decision.verdict, Verdict::Unauthorized);
   EXPECT_EQ(decision.delay, milliseconds(500));
   EXPECT_EQ(m_authenticator.checks, 1u);
+  EXPECT_THAT(m_audit.records, ElementsAre("Login of anna from 192.0.2.7: refused"));
 
   m_now += decision.delay;
   EXPECT_EQ(m_gate.admit(kRight, kEncrypted).verdict, Verdict::Passed);
+}
+
+TEST_F(LoginGateTest, RecordsHowManyLoginsItRefusedUncheckedWithTheNextFailure) {
+  const LoginGate::Origin other{"192.0.2.8", false, true};
+  const milliseconds delay = m_gate.admit(kWrong, kEncrypted).delay;
+  static_cast<void>(m_gate.admit(kWrong, kEncrypted));
+  static_cast<void>(m_gate.admit(kRight, kEncrypted));
+  static_cast<void>(m_gate.admit(kWrong, other));
+  m_now += delay;
+  m_now += m_gate.admit(kWrong, kEncrypted).delay;
+  static_cast<void>(m_gate.admit(kWrong, kEncrypted));
+  EXPECT_THAT(
+      m_audit.records,
+      ElementsAre("Login of anna from 192.0.2.7: refused", "Login of anna from 192.0.2.8: refused",
+                  "Login of anna from 192.0.2.7: refused, 2 before unchecked",
+                  "Login of anna from 192.0.2.7: refused"));
 }
 
 TEST_F(LoginGateTest, TriesNoRememberedPasswordWhileARefusalWaits) {
