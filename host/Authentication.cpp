@@ -3,7 +3,8 @@
 namespace host {
 
 std::optional<wbem::Role> NoAuthenticator::check(const std::string& /*user*/,
-                                                 const std::string& /*password*/) {
+                                                 const std::string& /*password*/,
+                                                 const std::string& /*address*/) {
   return wbem::Role::Operator;
 }
 

@@ -24,9 +24,10 @@ class Authenticator {
   [[nodiscard]] virtual bool demandsLogin() const { return true; }
 
   // Returns null for a user that is unknown, a password that is wrong, and a user without a role.
-  // It takes the same time for each, as far as that is in its hands.
+  // It takes the same time for each, as far as that is in its hands. `address` is the client's.
   [[nodiscard]] virtual std::optional<wbem::Role> check(const std::string& user,
-                                                        const std::string& password) = 0;
+                                                        const std::string& password,
+                                                        const std::string& address) = 0;
 
   // Returns a number that has changed when what check() answered before may hold no longer.
   [[nodiscard]] virtual std::uint64_t revision() { return 0; }
@@ -37,7 +38,8 @@ class NoAuthenticator final : public Authenticator {
  public:
   [[nodiscard]] bool demandsLogin() const override { return false; }
   [[nodiscard]] std::optional<wbem::Role> check(const std::string& user,
-                                                const std::string& password) override;
+                                                const std::string& password,
+                                                const std::string& address) override;
 };
 
 }  // namespace host

@@ -39,7 +39,7 @@ LoginGate::LoginGate(Authenticator& authenticator, wbem::Audit& audit, LoginThro
 LoginGate::Decision LoginGate::admit(std::string_view authorization, const Origin& origin) {
   Decision decision;
   if (!m_authenticator.demandsLogin()) {
-    const std::optional<wbem::Role> role = m_authenticator.check("", "");
+    const std::optional<wbem::Role> role = m_authenticator.check("", "", origin.address);
     decision.verdict = role ? Verdict::Passed : Verdict::Unauthorized;
     decision.caller = {"", origin.address, role.value_or(wbem::Role::Reader)};
     return decision;
@@ -105,7 +105,7 @@ std::pair<LoginGate::Decision, std::string> LoginGate::check(const Login& login,
     revision = m_revision;
   }
   const std::optional<wbem::Role> role =
-      login ? m_authenticator.check(login->user, login->password) : std::nullopt;
+      login ? m_authenticator.check(login->user, login->password, address) : std::nullopt;
   Decision decision;
   const utils::ScopedLock lock(m_lock);
   if (!role) {

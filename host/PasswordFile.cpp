@@ -46,7 +46,8 @@ PasswordFileAuthenticator::PasswordFileAuthenticator(std::string path)
     : m_path(std::move(path)), m_stamp(stampOf(m_path)), m_users(read(m_path)) {}
 
 std::optional<wbem::Role> PasswordFileAuthenticator::check(const std::string& user,
-                                                           const std::string& password) {
+                                                           const std::string& password,
+                                                           const std::string& /*address*/) {
   std::string hash = kNobodysHash;
   std::optional<wbem::Role> role;
   {

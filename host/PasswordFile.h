@@ -26,7 +26,8 @@ class PasswordFileAuthenticator final : public Authenticator {
   explicit PasswordFileAuthenticator(std::string path);
 
   [[nodiscard]] std::optional<wbem::Role> check(const std::string& user,
-                                                const std::string& password) override;
+                                                const std::string& password,
+                                                const std::string& address) override;
   [[nodiscard]] std::uint64_t revision() override;
 
  private:

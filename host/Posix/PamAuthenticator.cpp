@@ -52,12 +52,15 @@ static void passNoTime(int /*result*/, unsigned /*microseconds*/, void* /*data*/
 class Conversation {
  public:
   Conversation(const char* service, const std::string& user, const std::string& password,
-               const char* directory)
+               const std::string& address, const char* directory)
       : m_password(password) {
     const pam_conv functions{answerPam, &m_password};
     m_result = pam_start_confdir(service, user.c_str(), &functions, directory, &m_handle);
     if (m_result == PAM_SUCCESS) {
       m_result = pam_set_item(m_handle, PAM_FAIL_DELAY, reinterpret_cast<const void*>(passNoTime));
+    }
+    if (m_result == PAM_SUCCESS) {
+      m_result = pam_set_item(m_handle, PAM_RHOST, address.c_str());
     }
   }
   Conversation(const Conversation&) = delete;
@@ -138,8 +141,8 @@ bool isListed(const std::vector<std::string>& list, const std::string& user) {
 }
 
 bool verifyByPam(const char* service, const std::string& user, const std::string& password,
-                 const char* directory) {
-  Conversation conversation(service, user, password, directory);
+                 const std::string& address, const char* directory) {
+  Conversation conversation(service, user, password, address, directory);
   if (conversation.passes(pam_authenticate) && conversation.passes(pam_acct_mgmt)) {
     return true;
   }
@@ -148,17 +151,19 @@ bool verifyByPam(const char* service, const std::string& user, const std::string
 }
 
 PamAuthenticator::PamAuthenticator(Roles roles)
-    : PamAuthenticator(std::move(roles), [](const std::string& user, const std::string& password) {
-        return verifyByPam(kService, user, password);
+    : PamAuthenticator(std::move(roles), [](const std::string& user, const std::string& password,
+                                            const std::string& address) {
+        return verifyByPam(kService, user, password, address);
       }) {}
 
 PamAuthenticator::PamAuthenticator(Roles roles, Verify verify)
     : m_roles(std::move(roles)), m_verify(std::move(verify)) {}
 
 std::optional<wbem::Role> PamAuthenticator::check(const std::string& user,
-                                                  const std::string& password) {
+                                                  const std::string& password,
+                                                  const std::string& address) {
   const utils::ScopedLock lock(m_lock);
-  if (!m_verify(user, password)) {
+  if (!m_verify(user, password, address)) {
     return std::nullopt;
   }
   if (isListed(m_roles.operators, user)) {

@@ -23,7 +23,8 @@ class PamAuthenticator final : public Authenticator {
     std::vector<std::string> readers;
   };
   // Returns whether the user's account passes with the password.
-  using Verify = std::function<bool(const std::string& user, const std::string& password)>;
+  using Verify = std::function<bool(const std::string& user, const std::string& password,
+                                    const std::string& address)>;
 
   explicit PamAuthenticator(Roles roles);
   // For a test: another judge of passwords than PAM.
@@ -31,7 +32,8 @@ class PamAuthenticator final : public Authenticator {
 
   // A user without a role is asked of PAM as well, so that the time does not tell who has one.
   [[nodiscard]] std::optional<wbem::Role> check(const std::string& user,
-                                                const std::string& password) override;
+                                                const std::string& password,
+                                                const std::string& address) override;
 
  private:
   const Roles m_roles;
@@ -40,10 +42,12 @@ class PamAuthenticator final : public Authenticator {
 };
 
 // Asks PAM: the password is given once, every other question is left unanswered, and no time is let
-// pass after a failure, which is the caller's to do. `directory` holds the service's file; null:
-// the system's.
+// pass after a failure, which is the caller's to do. PAM's modules get the client's address as the
+// remote host, for rules and records of theirs. `directory` holds the service's file; null: the
+// system's.
 [[nodiscard]] bool verifyByPam(const char* service, const std::string& user,
-                               const std::string& password, const char* directory = nullptr);
+                               const std::string& password, const std::string& address,
+                               const char* directory = nullptr);
 
 // Returns whether the user is in the list: by his name, or as a member of a group of it.
 [[nodiscard]] bool isListed(const std::vector<std::string>& list, const std::string& user);

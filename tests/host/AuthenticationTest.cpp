@@ -7,7 +7,7 @@ namespace {
 TEST(NoAuthenticator, LetsEverybodyInAsAnOperator) {
   host::NoAuthenticator authenticator;
   EXPECT_FALSE(authenticator.demandsLogin());
-  EXPECT_EQ(authenticator.check("", ""), wbem::Role::Operator);
+  EXPECT_EQ(authenticator.check("", "", "127.0.0.1"), wbem::Role::Operator);
 }
 
 }  // namespace

@@ -34,7 +34,8 @@ class FakeService final : public host::CimXmlHandler::Service {
 class Anna final : public host::Authenticator {
  public:
   [[nodiscard]] std::optional<wbem::Role> check(const std::string& user,
-                                                const std::string& password) override {
+                                                const std::string& password,
+                                                const std::string& /*address*/) override {
     return user == "anna" && password == "secret" ? std::optional(wbem::Role::Reader)
                                                   : std::nullopt;
   }
@@ -44,7 +45,8 @@ class Anna final : public host::Authenticator {
 class HeldUp final : public host::Authenticator {
  public:
   [[nodiscard]] std::optional<wbem::Role> check(const std::string& /*user*/,
-                                                const std::string& /*password*/) override {
+                                                const std::string& /*password*/,
+                                                const std::string& /*address*/) override {
     m_released.wait();
     return std::nullopt;
   }

@@ -30,14 +30,17 @@ const LoginGate::Origin kInTheClear{"192.0.2.7", false, false};
 class FakeAuthenticator final : public host::Authenticator {
  public:
   [[nodiscard]] std::optional<wbem::Role> check(const std::string& user,
-                                                const std::string& password) override {
+                                                const std::string& password,
+                                                const std::string& address) override {
     ++checks;
+    askedFrom = address;
     return user == "anna" && password == "secret" ? std::optional(wbem::Role::Reader)
                                                   : std::nullopt;
   }
   [[nodiscard]] std::uint64_t revision() override { return currentRevision; }
 
   unsigned checks = 0;
+  std::string askedFrom;
   std::uint64_t currentRevision = 7;
 };
 
@@ -45,7 +48,8 @@ class FakeAuthenticator final : public host::Authenticator {
 class SlowAuthenticator final : public host::Authenticator {
  public:
   [[nodiscard]] std::optional<wbem::Role> check(const std::string& user,
-                                                const std::string& password) override {
+                                                const std::string& password,
+                                                const std::string& /*address*/) override {
     ++checks;
     if (user != "anna") {
       m_released.wait();
@@ -87,6 +91,7 @@ TEST_F(LoginGateTest, PassesTheRightLoginWithItsRole) {
   EXPECT_EQ(decision.caller.user, "anna");
   EXPECT_EQ(decision.caller.address, "192.0.2.7");
   EXPECT_EQ(decision.caller.role, wbem::Role::Reader);
+  EXPECT_EQ(m_authenticator.askedFrom, "192.0.2.7");
   EXPECT_EQ(decision.delay, milliseconds(0));
   EXPECT_THAT(m_audit.records, IsEmpty());
 }

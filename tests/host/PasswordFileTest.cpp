@@ -22,6 +22,7 @@ const std::string kSecret =
     "$6$abcdefgh$ltjgWl6579NluT/Vi1nwEvcil.G5Nbc4NiXZaNGStk8PSwGfQv72N2CKPPrVACtLtip/cZ/1GM/"
     "O6IND4WQhG.";
 const std::string kGeheim = "$5$abcdefgh$azU9PNNJw9essBuwq5yihWY9lFXM0dF54Ph4sAxX.YB";
+const std::string kAddress = "192.0.2.7";
 
 class PasswordFileTest : public testing::Test {
  protected:
@@ -51,24 +52,24 @@ class PasswordFileTest : public testing::Test {
 TEST_F(PasswordFileTest, GivesUsersTheirRoles) {
   write("# users\n\nanna:" + kSecret + ":operator\nbert:" + kGeheim + ":reader\n");
   host::PasswordFileAuthenticator users(path());
-  EXPECT_EQ(users.check("anna", "secret"), wbem::Role::Operator);
-  EXPECT_EQ(users.check("bert", "geheim"), wbem::Role::Reader);
+  EXPECT_EQ(users.check("anna", "secret", kAddress), wbem::Role::Operator);
+  EXPECT_EQ(users.check("bert", "geheim", kAddress), wbem::Role::Reader);
 }
 
 TEST_F(PasswordFileTest, RefusesWrongPasswordsAndUnknownUsers) {
   write("anna:" + kSecret + ":operator\n");
   host::PasswordFileAuthenticator users(path());
-  EXPECT_FALSE(users.check("anna", "geheim"));
-  EXPECT_FALSE(users.check("anna", ""));
-  EXPECT_FALSE(users.check("bert", "secret"));
-  EXPECT_FALSE(users.check("", "secret"));
-  EXPECT_FALSE(users.check("# users", "secret"));
+  EXPECT_FALSE(users.check("anna", "geheim", kAddress));
+  EXPECT_FALSE(users.check("anna", "", kAddress));
+  EXPECT_FALSE(users.check("bert", "secret", kAddress));
+  EXPECT_FALSE(users.check("", "secret", kAddress));
+  EXPECT_FALSE(users.check("# users", "secret", kAddress));
 }
 
 TEST_F(PasswordFileTest, LetsNobodyInFromAnEmptyFile) {
   write("# nobody\n");
   host::PasswordFileAuthenticator users(path());
-  EXPECT_FALSE(users.check("anna", "secret"));
+  EXPECT_FALSE(users.check("anna", "secret", kAddress));
 }
 
 TEST_F(PasswordFileTest, NamesADamagedLine) {
@@ -110,8 +111,8 @@ TEST_F(PasswordFileTest, ReadsAFileAnewThatHasChanged) {
 
   write("bert:" + kGeheim + ":reader\n");
   EXPECT_NE(users.revision(), before);
-  EXPECT_FALSE(users.check("anna", "secret"));
-  EXPECT_EQ(users.check("bert", "geheim"), wbem::Role::Reader);
+  EXPECT_FALSE(users.check("anna", "secret", kAddress));
+  EXPECT_EQ(users.check("bert", "geheim", kAddress), wbem::Role::Reader);
 }
 
 TEST_F(PasswordFileTest, KeepsWhatItHasWhereTheNewContentIsDamagedAndLogsItOnce) {
@@ -121,7 +122,7 @@ TEST_F(PasswordFileTest, KeepsWhatItHasWhereTheNewContentIsDamagedAndLogsItOnce)
 
   const test::LogCapture log;
   write("anna:broken:operator\n");
-  EXPECT_EQ(users.check("anna", "secret"), wbem::Role::Operator);
+  EXPECT_EQ(users.check("anna", "secret", kAddress), wbem::Role::Operator);
   EXPECT_EQ(users.revision(), before);
   EXPECT_THAT(log.messages("host::PasswordFileAuthenticator::readIfChanged"),
               ElementsAre(AllOf(HasSubstr(path() + ":1: user 'anna' has a hash that is damaged"),
@@ -133,7 +134,7 @@ TEST_F(PasswordFileTest, KeepsWhatItHasWhereTheFileIsGone) {
   host::PasswordFileAuthenticator users(path());
   const test::LogCapture log;
   fs::remove(path());
-  EXPECT_EQ(users.check("anna", "secret"), wbem::Role::Operator);
+  EXPECT_EQ(users.check("anna", "secret", kAddress), wbem::Role::Operator);
   EXPECT_THAT(log.messages("host::PasswordFileAuthenticator::readIfChanged"),
               ElementsAre(HasSubstr("cannot be read")));
 }

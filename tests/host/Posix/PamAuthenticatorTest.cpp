@@ -14,6 +14,8 @@
 
 namespace {
 
+const std::string kAddress = "192.0.2.7";
+
 std::string nameOfThisUser() {
   const passwd* const entry = getpwuid(getuid());
   return entry == nullptr ? "" : entry->pw_name;
@@ -25,7 +27,8 @@ std::string groupOfThisUser() {
   return entry == nullptr ? "" : entry->gr_name;
 }
 
-bool passesSecret(const std::string& /*user*/, const std::string& password) {
+bool passesSecret(const std::string& /*user*/, const std::string& password,
+                  const std::string& /*address*/) {
   return password == "secret";
 }
 
@@ -46,29 +49,34 @@ TEST(IsListed, KnowsTheMembersOfGroups) {
 TEST(PamAuthenticator, GivesRolesByItsLists) {
   host::PamAuthenticator users({{"anna"}, {"anna", "bert"}}, passesSecret);
   EXPECT_TRUE(users.demandsLogin());
-  EXPECT_EQ(users.check("anna", "secret"), wbem::Role::Operator);
-  EXPECT_EQ(users.check("bert", "secret"), wbem::Role::Reader);
-  EXPECT_FALSE(users.check("carl", "secret"));
-  EXPECT_FALSE(users.check("anna", "wrong"));
+  EXPECT_EQ(users.check("anna", "secret", kAddress), wbem::Role::Operator);
+  EXPECT_EQ(users.check("bert", "secret", kAddress), wbem::Role::Reader);
+  EXPECT_FALSE(users.check("carl", "secret", kAddress));
+  EXPECT_FALSE(users.check("anna", "wrong", kAddress));
 }
 
 TEST(PamAuthenticator, AsksForUsersWithoutARoleToo) {
   std::string asked;
-  host::PamAuthenticator users({{"anna"}, {}},
-                               [&asked](const std::string& user, const std::string&) {
-                                 asked = user;
-                                 return true;
-                               });
-  EXPECT_FALSE(users.check("carl", "secret"));
+  std::string askedFrom;
+  host::PamAuthenticator users(
+      {{"anna"}, {}}, [&](const std::string& user, const std::string&, const std::string& address) {
+        asked = user;
+        askedFrom = address;
+        return true;
+      });
+  EXPECT_FALSE(users.check("carl", "secret", kAddress));
   EXPECT_EQ(asked, "carl");
+  EXPECT_EQ(askedFrom, kAddress);
 }
 
-// A service whose users are anna with the password "secret", and bert, whose account has ended.
+// A service whose users are anna with the password "secret", dora with the same from one address,
+// and bert, whose account has ended.
 class VerifyByPam : public testing::Test {
  protected:
   VerifyByPam() {
     const std::string secret = script("secret", "[ \"$(/usr/bin/tr -d '\\0')\" = secret ]");
-    const std::string account = script("account", "[ \"$PAM_USER\" = anna ]");
+    const std::string account = script(
+        "account", "[ \"$PAM_USER\" = anna ] || [ \"$PAM_USER@$PAM_RHOST\" = dora@192.0.2.7 ]");
     m_authRule = "auth required pam_exec.so quiet expose_authtok " + secret + "\n";
     m_accountRule = "account required pam_exec.so quiet " + account + "\n";
     m_directory.write(
@@ -93,8 +101,11 @@ class VerifyByPam : public testing::Test {
 
   [[nodiscard]] bool verify(const std::string& user, const std::string& password,
                             const char* service = "quorveld") const {
-    return host::verifyByPam(service, user, password, m_directory.path().c_str());
+    return host::verifyByPam(service, user, password, m_address, m_directory.path().c_str());
   }
+
+ protected:
+  std::string m_address = kAddress;
 
  private:
   [[nodiscard]] std::string script(const std::string& name, const std::string& condition) const {
@@ -113,6 +124,12 @@ TEST_F(VerifyByPam, PassesTheRightPasswordOfASoundAccount) {
   EXPECT_FALSE(verify("anna", "wrong"));
   EXPECT_FALSE(verify("anna", ""));
   EXPECT_FALSE(verify("bert", "secret"));
+}
+
+TEST_F(VerifyByPam, TellsPamWhereTheLoginComesFrom) {
+  EXPECT_TRUE(verify("dora", "secret"));
+  m_address = "192.0.2.8";
+  EXPECT_FALSE(verify("dora", "secret"));
 }
 
 TEST_F(VerifyByPam, LosesNoTimeOverAFailure) {
