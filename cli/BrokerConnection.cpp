@@ -68,11 +68,15 @@ Instances BrokerConnection::findReferencing(const std::string& path) {
 }
 
 MethodAnswer BrokerConnection::invoke(const std::string& path, const std::string& method,
-                                      core::CimPropertyList& in, core::CimPropertyList& out) {
+                                      core::CimPropertyList& in, core::CimPropertyList& out,
+                                      const OnStart& onStart) {
   const core::CimBroker::Request request(m_broker);
   core::CimInstance* instance = m_broker.getInstanceByPath(core::CimPath(path));
   if (instance == nullptr) {
     refuseMissing(*this, path);
+  }
+  if (onStart) {
+    onStart();
   }
   return callMethod(*instance, method, in, out);
 }

@@ -22,7 +22,8 @@ class BrokerConnection final : public Connection {
   // Looks at every instance of every served class.
   [[nodiscard]] Instances findReferencing(const std::string& path) override;
   [[nodiscard]] MethodAnswer invoke(const std::string& path, const std::string& method,
-                                    core::CimPropertyList& in, core::CimPropertyList& out) override;
+                                    core::CimPropertyList& in, core::CimPropertyList& out,
+                                    const OnStart& onStart) override;
   [[nodiscard]] bool isRemote() const override { return false; }
   [[nodiscard]] std::string watchCommand(const std::string& jobId) const override;
   [[nodiscard]] std::chrono::milliseconds pollInterval() const override;

@@ -5,6 +5,7 @@
 #define ORVEX_CLI_CONNECTION_H_
 
 #include <chrono>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -19,6 +20,9 @@ namespace cli {
 // The names of the agents that serve each class, in the order in which they are asked; none where
 // that is not known. The classes are in alphabetical order.
 using ServingAgents = std::map<std::string, std::vector<std::string>>;
+
+// What a caller does directly before a method starts.
+using OnStart = std::function<void()>;
 
 // Every operation throws Fault where the other side cannot be asked or refuses, and what a provider
 // throws in this process.
@@ -43,11 +47,12 @@ class Connection {
   [[nodiscard]] virtual Instances findReferencing(const std::string& path) = 0;
 
   // Calls a method of the instance at an object path. `out` names the output arguments that the
-  // method has; the answer holds their values. Throws Fault, too, when there is no such instance,
-  // and what the method throws.
+  // method has; the answer holds their values. `onStart` may be empty; it runs directly before the
+  // call itself, once all is known that had to be asked for it. Throws Fault, too, when there is no
+  // such instance, and what the method throws.
   [[nodiscard]] virtual MethodAnswer invoke(const std::string& path, const std::string& method,
-                                            core::CimPropertyList& in,
-                                            core::CimPropertyList& out) = 0;
+                                            core::CimPropertyList& in, core::CimPropertyList& out,
+                                            const OnStart& onStart) = 0;
 
   // Returns whether instances, files and jobs are those of another process, perhaps on another
   // machine.

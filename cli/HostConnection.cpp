@@ -141,13 +141,17 @@ Instances HostConnection::findReferencing(const std::string& path) {
 }
 
 MethodAnswer HostConnection::invoke(const std::string& path, const std::string& method,
-                                    core::CimPropertyList& in, core::CimPropertyList& out) {
+                                    core::CimPropertyList& in, core::CimPropertyList& out,
+                                    const OnStart& onStart) {
   const cimxml::ObjectName target = readPath(path);
   Message message{method, m_options.nameSpace + ":" + cimxml::toObjectPath(target), true,
                   std::to_string(++m_lastId), ""};
   cimxml::beginMethodRequest(message.body, message.id, m_options.nameSpace, method, target);
   appendArguments(message.body, in);
   cimxml::endMethodRequest(message.body);
+  if (onStart) {
+    onStart();
+  }
   const cimxml::Response response = exchange(std::move(message));
   if (isError(response, CimStatus::NotFound) || isError(response, CimStatus::InvalidClass)) {
     refuseMissing(*this, path);

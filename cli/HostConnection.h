@@ -39,7 +39,8 @@ class HostConnection final : public Connection {
   [[nodiscard]] std::optional<InstanceSnapshot> findInstance(const std::string& path) override;
   [[nodiscard]] Instances findReferencing(const std::string& path) override;
   [[nodiscard]] MethodAnswer invoke(const std::string& path, const std::string& method,
-                                    core::CimPropertyList& in, core::CimPropertyList& out) override;
+                                    core::CimPropertyList& in, core::CimPropertyList& out,
+                                    const OnStart& onStart) override;
   [[nodiscard]] bool isRemote() const override { return true; }
   [[nodiscard]] std::string watchCommand(const std::string& jobId) const override;
   [[nodiscard]] std::chrono::milliseconds pollInterval() const override;

@@ -81,34 +81,36 @@ void ArgumentList::addSource(const std::string& identityPath, const std::string&
 }
 
 MethodAnswer callService(Connection& connection, const char* method, ArgumentList& in,
-                         ArgumentList& out) {
+                         ArgumentList& out, const OnStart& onStart) {
   const Instances services = getInstances(connection, kServiceClass);
   if (services.empty()) {
     throw Fault(std::string("no ") + kServiceClass +
                 " is there; the log tells what became of the update agent (--log-level 3)");
   }
-  return connection.invoke(services.front().path, method, in.list(), out.list());
+  return connection.invoke(services.front().path, method, in.list(), out.list(), onStart);
 }
 
 }  // namespace
 
 MethodAnswer installFromUri(Connection& connection, const std::string& uri,
-                            const std::string& targetPath, const UpdateOptions& options) {
+                            const std::string& targetPath, const UpdateOptions& options,
+                            const OnStart& onStart) {
   ArgumentList in;
   in.add<core::CimPropertyString>("URI").setValue(uri);
   in.addReference("Target", targetPath);
   in.addOptions(options);
   ArgumentList out;
-  return callService(connection, "InstallFromURI", in, out);
+  return callService(connection, "InstallFromURI", in, out, onStart);
 }
 
 MethodAnswer installFromIdentity(Connection& connection, const std::string& identityPath,
-                                 const std::string& targetPath, const UpdateOptions& options) {
+                                 const std::string& targetPath, const UpdateOptions& options,
+                                 const OnStart& onStart) {
   ArgumentList in;
   in.addSource(identityPath, targetPath);
   in.addOptions(options);
   ArgumentList out;
-  return callService(connection, "InstallFromSoftwareIdentity", in, out);
+  return callService(connection, "InstallFromSoftwareIdentity", in, out, onStart);
 }
 
 CheckAnswer checkIdentity(Connection& connection, const std::string& identityPath,
@@ -117,7 +119,7 @@ CheckAnswer checkIdentity(Connection& connection, const std::string& identityPat
   in.addSource(identityPath, targetPath);
   ArgumentList out;
   out.add<core::CimPropertyUint16_arr>(kCharacteristicsOutput);
-  MethodAnswer answer = callService(connection, "CheckSoftwareIdentity", in, out);
+  MethodAnswer answer = callService(connection, "CheckSoftwareIdentity", in, out, {});
   const InstanceSnapshot outputs{"", "", answer.outputs};
   auto characteristics = outputs.value<std::vector<std::uint16_t>>(kCharacteristicsOutput);
   return {std::move(answer), std::move(characteristics)};

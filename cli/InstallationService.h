@@ -18,16 +18,18 @@ struct UpdateOptions {
   std::string types;  // image types, "IMG_PXE+IMG_UEFI"; empty for all that the image holds
 };
 
-// Returns the answer to InstallFromURI.
+// Returns the answer to InstallFromURI. `onStart` is as in Connection::invoke, here and below.
 [[nodiscard]] MethodAnswer installFromUri(Connection& connection, const std::string& uri,
                                           const std::string& targetPath,
-                                          const UpdateOptions& options);
+                                          const UpdateOptions& options,
+                                          const OnStart& onStart = {});
 
 // Returns the answer to InstallFromSoftwareIdentity, which refuses options with types.
 [[nodiscard]] MethodAnswer installFromIdentity(Connection& connection,
                                                const std::string& identityPath,
                                                const std::string& targetPath,
-                                               const UpdateOptions& options);
+                                               const UpdateOptions& options,
+                                               const OnStart& onStart = {});
 
 struct CheckAnswer {
   MethodAnswer call;

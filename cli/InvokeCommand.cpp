@@ -77,13 +77,14 @@ ExitStatus invoke(const Context& context, const Options& options) {
   const std::unique_ptr<Connection> connection = openConnection(context.options);
   const core::CimPath path = parseObjectPath(options.path);
 
-  InterruptGuard guard;
+  std::optional<InterruptGuard> guard;
   const MethodAnswer answer =
-      connection->invoke(path.getModelPath(), options.method, arguments.in(), arguments.out());
+      connection->invoke(path.getModelPath(), options.method, arguments.in(), arguments.out(),
+                         [&guard] { guard.emplace(); });
   if (!context.options.isJson) {
     printAnswer(context.out, answer);
   }
-  const std::optional<JobReport> job = followJob(context, *connection, answer, guard);
+  const std::optional<JobReport> job = followJob(context, *connection, answer, guard.value());
   if (context.options.isJson) {
     printJson(context.out, toJson(answer, job));
   } else if (job) {

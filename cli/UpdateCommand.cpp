@@ -63,20 +63,22 @@ std::string nameExactly(const std::filesystem::path& path) {
   return *text;
 }
 
-Start startFromFile(Connection& connection, const Options& options, const Target& target) {
+Start startFromFile(Connection& connection, const Options& options, const Target& target,
+                    const OnStart& onStart) {
   const bool isUri = options.image.starts_with("file:");
   const std::filesystem::path path =
       isUri ? std::filesystem::path() : std::filesystem::absolute(os::toPath(options.image));
   const std::string uri = isUri ? options.image : "file://" + nameExactly(path);
-  return {installFromUri(connection, uri, target.path, options.update),
+  return {installFromUri(connection, uri, target.path, options.update, onStart),
           {os::toShownText(path), !options.update.types.empty(), options.update.isForced,
            connection.isRemote()}};
 }
 
-Start startFromIdentity(Connection& connection, const Options& options, const Target& target) {
+Start startFromIdentity(Connection& connection, const Options& options, const Target& target,
+                        const OnStart& onStart) {
   const IdentityList list = readIdentities(connection);
   const Identity& identity = findIdentity(list, options.identity);
-  return {installFromIdentity(connection, identity.path, target.path, options.update),
+  return {installFromIdentity(connection, identity.path, target.path, options.update, onStart),
           requestIdentity(identity, options.update.isForced, connection.isRemote())};
 }
 
@@ -100,19 +102,22 @@ Json toJson(const MethodAnswer& answer, const std::optional<JobReport>& job) {
 
 ExitStatus update(const Context& context, const Options& options) {
   const std::unique_ptr<Connection> connection = openConnection(context.options);
-  InterruptGuard guard;
   const Target target = findTarget(*connection, options.target);
-  const Start start = options.identity.empty() ? startFromFile(*connection, options, target)
-                                               : startFromIdentity(*connection, options, target);
+  // Until the update starts, an interrupt ends the command at once, and there is no update.
+  std::optional<InterruptGuard> guard;
+  const OnStart onStart = [&guard] { guard.emplace(); };
+  const Start start = options.identity.empty()
+                          ? startFromFile(*connection, options, target, onStart)
+                          : startFromIdentity(*connection, options, target, onStart);
 
   std::optional<JobReport> job;
   if (start.answer.jobPath.empty()) {
-    guard.yieldToInterrupt();
+    guard.value().yieldToInterrupt();
     reportRefusal(context, "update of " + target.label, start.answer, start.request);
   } else {
     ProgressView view(context.out, chooseProgressStyle(context.options, !options.isProgressHidden),
                       "updating " + target.label);
-    job = waitForJob(*connection, start.answer.jobPath, view, guard, context.err);
+    job = waitForJob(*connection, start.answer.jobPath, view, guard.value(), context.err);
     reportEnd(context, target, *job);
   }
   if (context.options.isJson) {

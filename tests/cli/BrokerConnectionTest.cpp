@@ -87,7 +87,7 @@ TEST_F(BrokerConnectionTest, CallsAMethodAndGivesItsOutputs) {
   core::CimPropertyList in;
   core::CimPropertyList out;
   out.add(&characteristics);
-  const cli::MethodAnswer answer = m_connection.invoke(path, "CheckSoftwareIdentity", in, out);
+  const cli::MethodAnswer answer = m_connection.invoke(path, "CheckSoftwareIdentity", in, out, {});
   EXPECT_EQ(answer.returnValue, 0U);
   ASSERT_THAT(answer.outputs, SizeIs(1));
   EXPECT_EQ(answer.outputs[0].value, cli::Json({7, 9}));
@@ -96,7 +96,7 @@ TEST_F(BrokerConnectionTest, CallsAMethodAndGivesItsOutputs) {
 TEST_F(BrokerConnectionTest, CallsNoMethodOfAnInstanceThatIsNotThere) {
   core::CimPropertyList none;
   try {
-    static_cast<void>(m_connection.invoke("Thing.InstanceID=\"b\"", "M", none, none));
+    static_cast<void>(m_connection.invoke("Thing.InstanceID=\"b\"", "M", none, none, {}));
     FAIL() << "called a method of nothing";
   } catch (const cli::Fault& fault) {
     EXPECT_STREQ(fault.what(),

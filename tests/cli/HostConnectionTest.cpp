@@ -226,8 +226,8 @@ TEST_F(HostConnectionTest, CallsAMethodWithTypedArguments) {
          kJobName + "</VALUE.REFERENCE></PARAMVALUE>");
   cli::Arguments arguments("InstallFromURI", {"URI=file:///a & b", "InstallOptions=3,5",
                                               "InstallOptionsValues=", "Target=Port.Id=\"1\""});
-  const cli::MethodAnswer answer =
-      connection.invoke("Service.Name=\"s\"", "InstallFromURI", arguments.in(), arguments.out());
+  const cli::MethodAnswer answer = connection.invoke("Service.Name=\"s\"", "InstallFromURI",
+                                                     arguments.in(), arguments.out(), {});
   EXPECT_EQ(answer.returnValue, 4096U);
   EXPECT_EQ(answer.returnText, "Method Parameters Checked - Job Started");
   EXPECT_EQ(answer.jobPath, kJobPath);
@@ -248,8 +248,8 @@ TEST_F(HostConnectionTest, CallsAMethodWithTypedArguments) {
 TEST_F(HostConnectionTest, RefusesAnArgumentThatIsNoPath) {
   cli::Arguments arguments("InstallFromURI", {"Target=rubbish"});
   EXPECT_THAT(faultOf([&] {
-                static_cast<void>(
-                    connection.invoke(kJobPath, "InstallFromURI", arguments.in(), arguments.out()));
+                static_cast<void>(connection.invoke(kJobPath, "InstallFromURI", arguments.in(),
+                                                    arguments.out(), {}));
               }),
               HasSubstr("'rubbish' is no object path"));
   EXPECT_THAT(requests, IsEmpty());
@@ -259,9 +259,10 @@ TEST_F(HostConnectionTest, SaysWhereToLookWhereThereIsNoInstanceToCall) {
   core::CimPropertyList none;
   answerError(6, "not found");
   answerReturned("<CLASS NAME=\"Thing\"/>");
-  EXPECT_EQ(
-      faultOf([&] { static_cast<void>(connection.invoke("Thing.Id=\"1\"", "Dance", none, none)); }),
-      "there is no instance Thing.Id=\"1\"; 'quorvel instances Thing' shows what there is");
+  EXPECT_EQ(faultOf([&] {
+              static_cast<void>(connection.invoke("Thing.Id=\"1\"", "Dance", none, none, {}));
+            }),
+            "there is no instance Thing.Id=\"1\"; 'quorvel instances Thing' shows what there is");
 }
 
 TEST_F(HostConnectionTest, RefusesAMethodsAnswerWithoutReturnValue) {
@@ -270,7 +271,7 @@ TEST_F(HostConnectionTest, RefusesAMethodsAnswerWithoutReturnValue) {
   answer("<RETURNVALUE><VALUE>x</VALUE></RETURNVALUE>");
   for (int i = 0; i < 2; ++i) {
     EXPECT_THAT(faultOf([&] {
-                  static_cast<void>(connection.invoke("Thing.Id=\"1\"", "Dance", none, none));
+                  static_cast<void>(connection.invoke("Thing.Id=\"1\"", "Dance", none, none, {}));
                 }),
                 HasSubstr("has no return value"));
   }
