@@ -27,6 +27,7 @@ class BrokerConnection final : public Connection {
   [[nodiscard]] bool isRemote() const override { return false; }
   [[nodiscard]] std::string watchCommand(const std::string& jobId) const override;
   [[nodiscard]] std::chrono::milliseconds pollInterval() const override;
+  [[nodiscard]] std::chrono::milliseconds patience() const override { return {}; }
 
  private:
   core::CimBroker& m_broker;

@@ -64,6 +64,9 @@ class Connection {
 
   // How long to wait between two looks at something that changes.
   [[nodiscard]] virtual std::chrono::milliseconds pollInterval() const = 0;
+
+  // For how long such looks may fail with PassingFault before they are given up.
+  [[nodiscard]] virtual std::chrono::milliseconds patience() const = 0;
 };
 
 }  // namespace cli

@@ -18,7 +18,7 @@ enum class ExitStatus : int {
 };
 
 // Ends a command: what() says what happened, to what, and what to do next.
-class Fault final : public std::exception {
+class Fault : public std::exception {
  public:
   explicit Fault(std::string text, ExitStatus status = ExitStatus::Failed)
       : m_text(std::move(text)), m_status(status) {}
@@ -29,6 +29,12 @@ class Fault final : public std::exception {
  private:
   std::string m_text;
   ExitStatus m_status;
+};
+
+// A fault that may be over a moment later: nobody answers, or somebody is too busy to.
+class PassingFault final : public Fault {
+ public:
+  using Fault::Fault;
 };
 
 // The options that every command has. An empty text is an option that was not given.

@@ -19,6 +19,8 @@ namespace cli {
 namespace {
 
 constexpr std::chrono::milliseconds kPollInterval{250};
+// Long enough for a service that is started anew.
+constexpr std::chrono::seconds kPatience{15};
 
 struct KeyType {
   std::string_view name;
@@ -179,6 +181,10 @@ std::chrono::milliseconds HostConnection::pollInterval() const {
   return kPollInterval;
 }
 
+std::chrono::milliseconds HostConnection::patience() const {
+  return kPatience;
+}
+
 // ---- messages
 
 HostConnection::Message HostConnection::beginOperation(const std::string& operation) {
@@ -195,6 +201,9 @@ cimxml::Response HostConnection::exchange(Message message) {
   try {
     answer = m_send(fieldsFor(message), message.body);
   } catch (const http::ClientFault& fault) {
+    if (fault.kind() == http::ClientFault::Kind::Connection) {
+      throw PassingFault(fault.what());
+    }
     throw Fault(fault.what());
   }
   demandAnswered(m_options.address, answer);

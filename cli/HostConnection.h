@@ -44,6 +44,7 @@ class HostConnection final : public Connection {
   [[nodiscard]] bool isRemote() const override { return true; }
   [[nodiscard]] std::string watchCommand(const std::string& jobId) const override;
   [[nodiscard]] std::chrono::milliseconds pollInterval() const override;
+  [[nodiscard]] std::chrono::milliseconds patience() const override;
 
  private:
   // A request as it is written.

@@ -68,7 +68,8 @@ std::string describeLoginRefusal(const HostAddress& address) {
          "; check the name and the password";
 }
 
-// Returns the text of a status that says enough by itself; empty for the others.
+// Returns the text of a status that says enough by itself; empty for the others. Throws
+// PassingFault for one that will not last.
 std::string describeStatus(const HostAddress& address, unsigned status) {
   switch (status) {
     case kUnauthorized:
@@ -80,7 +81,7 @@ std::string describeStatus(const HostAddress& address, unsigned status) {
       return address.url() + " answers, but serves no CIM-XML; check the port";
     case kTooManyRequests:
     case kUnavailable:
-      return address.url() + " is too busy to answer; try again later";
+      throw PassingFault(address.url() + " is too busy to answer; try again later");
     default:
       return "";
   }

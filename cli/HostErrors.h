@@ -26,7 +26,7 @@ enum class CimStatus : unsigned {
 [[noreturn]] void refuseError(const cimxml::ErrorValue& error, const std::string& nameSpace);
 
 // Throws Fault unless the answer carries a CIM message: for a login that is refused, a request that
-// is, and whatever else answers there.
+// is, and whatever else answers there; PassingFault for a host that has too much to do.
 void demandAnswered(const HostAddress& address, const http::ClientResponse& answer);
 
 // Throws Fault for an answer that no CIM-XML host gives.

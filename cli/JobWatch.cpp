@@ -5,6 +5,8 @@
 #include <utility>
 
 #include "Os/Environment.h"
+#include "Utils/Exception.h"
+#include "core/CimPath.h"
 
 namespace cli {
 namespace {
@@ -25,11 +27,85 @@ constexpr std::pair<unsigned, const char*> kStateNames[] = {
     {kJobQueryPending, "Query Pending"},
 };
 
-void yieldToHost(const Connection& connection, const JobReport& job) {
-  const std::string command =
-      connection.watchCommand(job.properties.value("InstanceID", std::string()));
-  if (!command.empty()) {
-    throw Fault("interrupted: the job goes on in the host; to follow it again:\n  " + command);
+// The looks at one job, until its end or that of the patience.
+class Watch {
+ public:
+  Watch(Connection& connection, const std::string& path)
+      : m_connection(connection), m_path(path), m_command(connection.watchCommand(jobIdOf(path))) {}
+
+  // Returns the job as it is; nothing where the host could not be asked this time. Throws Fault
+  // when there is no such job, and when the host could not be asked for too long.
+  std::optional<JobReport> look();
+
+  // To be called on an interrupt. Throws Fault where the job goes on without this process.
+  void yieldToHost(bool isAnswered) const;
+
+ private:
+  [[noreturn]] void leave(const std::string& reason, const char* job, ExitStatus status) const;
+
+  Connection& m_connection;
+  const std::string m_path;
+  const std::string m_command;  // follows the job again; empty where it ends with this process
+  Clock::time_point m_lastAnswer = Clock::now();
+};
+
+std::optional<JobReport> Watch::look() {
+  std::optional<InstanceSnapshot> job;
+  try {
+    job = m_connection.findInstance(m_path);
+  } catch (const PassingFault& fault) {
+    if (Clock::now() - m_lastAnswer < m_connection.patience()) {
+      return std::nullopt;
+    }
+    leave(fault.what(), "; the job may go on in the host", fault.status());
+  } catch (const Fault& fault) {
+    leave(fault.what(), "; the job may go on in the host", fault.status());
+  }
+  m_lastAnswer = Clock::now();
+  if (!job) {
+    throw Fault("the job " + m_path + " is gone; 'quorvel adapters' shows what the adapter holds");
+  }
+  return reportOf(*job);
+}
+
+void Watch::yieldToHost(bool isAnswered) const {
+  if (m_command.empty()) {
+    return;
+  }
+  if (isAnswered) {
+    leave("interrupted: ", "the job goes on in the host", ExitStatus::Failed);
+  }
+  leave("interrupted: the host does not answer at the moment", "; the job may go on in it",
+        ExitStatus::Failed);
+}
+
+void Watch::leave(const std::string& reason, const char* job, ExitStatus status) const {
+  if (m_command.empty()) {
+    throw Fault(reason, status);
+  }
+  throw Fault(reason + job + "; to follow it again:\n  " + m_command, status);
+}
+
+JobReport follow(Watch& watch, const Connection& connection, ProgressView& view,
+                 InterruptGuard& guard, std::ostream& err, Clock::time_point start) {
+  for (;;) {
+    std::optional<JobReport> report = watch.look();
+    const bool hasEnded = report && report->hasEnded();
+    if (guard.takeInterrupt() && !hasEnded) {
+      view.endLine();
+      watch.yieldToHost(report.has_value());
+      err << "quorvel: interrupted: the flash is being written and cannot be left half done; "
+             "waiting for its end"
+          << std::endl;
+    }
+    if (report) {
+      report->elapsed = std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - start);
+      view.show(report->percent, report->elapsed);
+    }
+    if (hasEnded) {
+      return std::move(*report);
+    }
+    std::this_thread::sleep_for(connection.pollInterval());
   }
 }
 
@@ -71,33 +147,26 @@ JobReport reportOf(const InstanceSnapshot& job) {
   return report;
 }
 
-JobReport readJob(Connection& connection, const std::string& path) {
-  const std::optional<InstanceSnapshot> job = connection.findInstance(path);
-  if (!job) {
-    throw Fault("the job " + path + " is gone; 'quorvel adapters' shows what the adapter holds");
+std::string jobIdOf(const std::string& path) {
+  try {
+    const core::CimPath parsed(path);
+    const auto key = parsed.find("InstanceID");
+    return key != parsed.end() ? key->second : "";
+  } catch (const utils::ESyntaxError&) {
+    return "";
   }
-  return reportOf(*job);
 }
 
 JobReport waitForJob(Connection& connection, const std::string& path, ProgressView& view,
                      InterruptGuard& guard, std::ostream& err, std::chrono::seconds age) {
-  const Clock::time_point start = Clock::now() - age;
-  for (;;) {
-    JobReport report = readJob(connection, path);
-    report.elapsed = std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - start);
-    if (guard.takeInterrupt() && !report.hasEnded()) {
-      view.endLine();
-      yieldToHost(connection, report);
-      err << "quorvel: interrupted: the flash is being written and cannot be left half done; "
-             "waiting for its end"
-          << std::endl;
-    }
-    view.show(report.percent, report.elapsed);
-    if (report.hasEnded()) {
-      view.endLine();
-      return report;
-    }
-    std::this_thread::sleep_for(connection.pollInterval());
+  Watch watch(connection, path);
+  try {
+    JobReport report = follow(watch, connection, view, guard, err, Clock::now() - age);
+    view.endLine();
+    return report;
+  } catch (const Fault&) {
+    view.endLine();
+    throw;
   }
 }
 

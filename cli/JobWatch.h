@@ -54,14 +54,15 @@ struct JobReport {
 // Returns what an instance of a job tells.
 [[nodiscard]] JobReport reportOf(const InstanceSnapshot& job);
 
-// Returns the job as it is. Throws Fault when there is no such job.
-[[nodiscard]] JobReport readJob(Connection& connection, const std::string& path);
+// Returns the InstanceID of an object path, empty for a text that is none or has no such key.
+[[nodiscard]] std::string jobIdOf(const std::string& path);
 
 // Waits for the end of the job and shows its progress meanwhile. An interrupt that the guard notes
 // is answered on `err`, and the wait goes on, where the job would end with this process: a flash
 // that is being written cannot be left. Of a job that goes on without this process it is a Fault,
-// which says how to follow the job again. `age` is how long the job has run
-// already. Throws as readJob.
+// which says how to follow the job again; so does one for a host that cannot be asked, which is
+// thrown once the connection's patience is at an end. `age` is how long the job has run already.
+// Throws Fault, too, when there is no such job.
 [[nodiscard]] JobReport waitForJob(Connection& connection, const std::string& path,
                                    ProgressView& view, InterruptGuard& guard, std::ostream& err,
                                    std::chrono::seconds age = std::chrono::seconds(0));

@@ -8,9 +8,7 @@
 #include <string_view>
 #include <utility>
 
-#include "Utils/Exception.h"
 #include "cli/ServedClasses.h"
-#include "core/CimPath.h"
 
 namespace cli {
 namespace {
@@ -26,20 +24,9 @@ std::optional<std::int64_t> parseDigits(std::string_view digits) {
              : std::nullopt;
 }
 
-// Returns the InstanceID of an object path, empty for a text that is none or has no such key.
-std::string idOfPath(const std::string& text) {
-  try {
-    const core::CimPath path(text);
-    const auto key = path.find(kIdProperty);
-    return key != path.end() ? key->second : "";
-  } catch (const utils::ESyntaxError&) {
-    return "";
-  }
-}
-
 bool isMeant(const Job& job, const std::string& text) {
   const std::size_t sign = job.id.rfind('#');
-  return !text.empty() && (job.id == text || job.report.path == text || job.id == idOfPath(text) ||
+  return !text.empty() && (job.id == text || job.report.path == text || job.id == jobIdOf(text) ||
                            (sign != std::string::npos && job.id.substr(sign + 1) == text));
 }
 

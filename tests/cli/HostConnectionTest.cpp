@@ -287,6 +287,14 @@ TEST_F(HostConnectionTest, SaysWhyTheHostCannotBeReached) {
   EXPECT_EQ(enumerationFault(), *m_fault);
 }
 
+TEST_F(HostConnectionTest, TellsWhatMayPass) {
+  answer("");
+  m_status = 503;
+  EXPECT_THROW(static_cast<void>(connection.findInstances("Thing")), cli::PassingFault);
+  m_fault = "nobody answers";
+  EXPECT_THROW(static_cast<void>(connection.findInstances("Thing")), cli::PassingFault);
+}
+
 TEST_F(HostConnectionTest, SaysThatTheLoginWasRefused) {
   m_status = 401;
   answer("");

@@ -1,4 +1,5 @@
 #include <csignal>
+#include <functional>
 #include <gmock/gmock.h>
 #include <sstream>
 
@@ -81,6 +82,119 @@ TEST_F(JobWatchTest, GivesUpOnAJobThatIsGone) {
   } catch (const cli::Fault& fault) {
     EXPECT_THAT(fault.what(), StartsWith("the job Orvex_ConcreteJob.InstanceID=\"job 1\" is gone"));
   }
+}
+
+// A host that fails at the looks that the test says.
+class FakeHostConnection : public cli::Connection {
+ public:
+  [[nodiscard]] std::optional<cli::InstanceSnapshot> findInstance(
+      const std::string& path) override {
+    ++looks;
+    onLook();
+    if (looks > 1 && looks <= 1 + failing) {
+      if (isPassing) {
+        throw cli::PassingFault("nobody answers");
+      }
+      throw cli::Fault("who are you");
+    }
+    return cli::InstanceSnapshot{"Orvex_ConcreteJob", path, properties};
+  }
+  [[nodiscard]] cli::ServingAgents getClasses() override { return {}; }
+  [[nodiscard]] std::optional<cli::Instances> findInstances(const std::string& /*name*/) override {
+    return std::nullopt;
+  }
+  [[nodiscard]] cli::Instances findReferencing(const std::string& /*path*/) override { return {}; }
+  [[nodiscard]] cli::MethodAnswer invoke(const std::string& /*path*/, const std::string& /*method*/,
+                                         core::CimPropertyList& /*in*/,
+                                         core::CimPropertyList& /*out*/,
+                                         const cli::OnStart& /*onStart*/) override {
+    return {};
+  }
+  [[nodiscard]] bool isRemote() const override { return true; }
+  [[nodiscard]] std::string watchCommand(const std::string& jobId) const override {
+    return "watch " + jobId;
+  }
+  [[nodiscard]] std::chrono::milliseconds pollInterval() const override { return {}; }
+  [[nodiscard]] std::chrono::milliseconds patience() const override { return patienceTime; }
+
+  std::function<void()> onLook = [] {};
+  int looks = 0;
+  int failing = 0;  // how many looks behind the first one fail
+  bool isPassing = true;
+  std::chrono::milliseconds patienceTime = std::chrono::hours(1);
+  cli::Properties properties = {{"JobState", cli::PropertySnapshot::Kind::Value, cli::kJobRunning}};
+};
+
+class HostJobWatchTest : public testing::Test {
+ protected:
+  void endJob() { m_host.properties[0].value = cli::kJobCompleted; }
+
+  // Returns the message of the fault that ends the wait.
+  std::string faultOfWait() {
+    cli::ProgressView view(m_out, cli::ProgressStyle::Live, "job");
+    cli::InterruptGuard guard;
+    try {
+      static_cast<void>(cli::waitForJob(m_host, kJobPath, view, guard, m_err));
+    } catch (const cli::Fault& fault) {
+      EXPECT_THAT(m_out.str(), testing::EndsWith("\n"));
+      return fault.what();
+    }
+    return "";
+  }
+
+  FakeHostConnection m_host;
+  std::ostringstream m_out;
+  std::ostringstream m_err;
+};
+
+TEST_F(HostJobWatchTest, GoesOnWhenTheHostAnswersAgain) {
+  m_host.failing = 3;
+  m_host.onLook = [this] {
+    if (m_host.looks == 6) {
+      endJob();
+    }
+  };
+  EXPECT_EQ(faultOfWait(), "");
+  EXPECT_EQ(m_host.looks, 6);
+}
+
+TEST_F(HostJobWatchTest, SaysHowToGoOnWhenTheHostAnswersNoMore) {
+  m_host.failing = 1000;
+  m_host.patienceTime = {};
+  EXPECT_EQ(faultOfWait(),
+            "nobody answers; the job may go on in the host; to follow it again:\n  watch job 1");
+  EXPECT_EQ(m_host.looks, 2);
+}
+
+TEST_F(HostJobWatchTest, DoesNotAskAgainWhereThatIsOfNoUse) {
+  m_host.failing = 1;
+  m_host.isPassing = false;
+  EXPECT_EQ(faultOfWait(),
+            "who are you; the job may go on in the host; to follow it again:\n  watch job 1");
+  EXPECT_EQ(m_host.looks, 2);
+}
+
+TEST_F(HostJobWatchTest, LeavesTheJobToTheHostWhenItIsInterrupted) {
+  m_host.onLook = [this] {
+    if (m_host.looks == 2) {
+      std::raise(SIGINT);
+    }
+  };
+  EXPECT_EQ(faultOfWait(),
+            "interrupted: the job goes on in the host; to follow it again:\n  watch job 1");
+}
+
+TEST_F(HostJobWatchTest, IsInterruptedWhileTheHostDoesNotAnswer) {
+  m_host.failing = 1000;
+  m_host.onLook = [this] {
+    if (m_host.looks == 3) {
+      std::raise(SIGINT);
+    }
+  };
+  EXPECT_EQ(faultOfWait(),
+            "interrupted: the host does not answer at the moment; the job may go on in it; to "
+            "follow it again:\n  watch job 1");
+  EXPECT_EQ(m_host.looks, 3);
 }
 
 TEST_F(JobWatchTest, KnowsTheStatesThatEndAJob) {
