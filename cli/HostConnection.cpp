@@ -199,8 +199,14 @@ cimxml::Response HostConnection::exchange(Message message) {
   }
   http::ClientResponse answer;
   try {
-    answer = m_send(fieldsFor(message), message.body);
+    // A method that starts something must not start it twice; the operations only ask.
+    answer = m_send(fieldsFor(message), message.body, {!message.isExtrinsic});
   } catch (const http::ClientFault& fault) {
+    if (message.isExtrinsic && fault.mayBeDone()) {
+      throw Fault(fault.what() + (" The host may have carried out " + message.name) +
+                  " all the same: before you try again, look at its jobs:\n  " + m_options.command +
+                  " jobs");
+    }
     if (fault.kind() == http::ClientFault::Kind::Connection) {
       throw PassingFault(fault.what());
     }

@@ -28,8 +28,8 @@ class HostConnection final : public Connection {
 
   // Sends header fields and a body to the host's CIM-XML target and returns its answer. Throws
   // http::ClientFault.
-  using Send =
-      std::function<http::ClientResponse(const http::Client::Fields&, const std::string& body)>;
+  using Send = std::function<http::ClientResponse(
+      const http::Client::Fields&, const std::string& body, const http::SendOptions& options)>;
 
   HostConnection(Options options, Send send);
 

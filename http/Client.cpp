@@ -21,9 +21,9 @@ using TlsStream = asio::ssl::stream<Socket>;
 constexpr std::uint64_t kAnswerLimit = 64 * 1024 * 1024;
 constexpr std::size_t kReadBytes = 16 * 1024;
 
-// Methods whose requests say how long their body is although there is none.
-bool hasBody(const std::string& method, const std::string& body) {
-  return !body.empty() || (method != "GET" && method != "HEAD" && method != "OPTIONS");
+// Methods that ask, and change nothing.
+bool isQuestion(const std::string& method) {
+  return method == "GET" || method == "HEAD" || method == "OPTIONS";
 }
 
 std::string hostAndPort(const ClientOptions& options) {
@@ -37,7 +37,8 @@ struct Client::Implementation {
   explicit Implementation(ClientOptions clientOptions)
       : options(std::move(clientOptions)), strand(asio::make_strand(context)) {}
 
-  ClientResponse send(const std::string& head, const std::string& body, bool isHead);
+  ClientResponse send(const std::string& head, const std::string& body, bool isHead,
+                      bool isRepeatable);
   [[nodiscard]] bool isStillOpen();
   void connect();
   [[nodiscard]] Results resolve();
@@ -66,6 +67,7 @@ struct Client::Implementation {
   std::optional<Socket> plain;
   std::optional<TlsStream> encrypted;
   bool isConnected = false;
+  bool isSent = false;  // the request that goes over it is on its way, perhaps in part
 
   std::string received;  // not taken yet
   std::array<char, kReadBytes> readBuffer{};
@@ -77,7 +79,8 @@ struct Client::Implementation {
 };
 
 ClientResponse Client::Implementation::send(const std::string& head, const std::string& body,
-                                            bool isHead) {
+                                            bool isHead, bool isRepeatable) {
+  isSent = false;
   bool isNew = !isStillOpen();
   if (isNew) {
     connect();
@@ -98,7 +101,7 @@ ClientResponse Client::Implementation::send(const std::string& head, const std::
       return reader.response();
     }
     close();
-    if (isNew || reader.isBegun()) {
+    if (isNew || !isRepeatable || reader.isBegun()) {
       throw answerFault(reader);
     }
     connect();
@@ -179,6 +182,7 @@ template <class Stream>
 void Client::Implementation::exchange(Stream& stream,
                                       const std::array<asio::const_buffer, 2>& request,
                                       ResponseReader& reader) {
+  isSent = true;
   // A server that refuses a request may do so before it has read it all: its answer counts, not
   // that the rest could not be written.
   asio::async_write(stream, request,
@@ -203,6 +207,7 @@ void Client::Implementation::exchange(Stream& stream,
 
 void Client::Implementation::close() {
   isConnected = false;
+  isSent = false;
   plain.reset();
   encrypted.reset();
   received.clear();
@@ -219,8 +224,9 @@ void Client::Implementation::await(const char* what) {
     context.restart();
     context.run();  // the operation ends, too
     isFinished = false;
+    const ClientFault late = lateFault(what);
     close();
-    throw lateFault(what);
+    throw late;
   }
   isFinished = false;
 }
@@ -232,8 +238,10 @@ void Client::Implementation::finish(const error_code& reason) {
 
 ClientFault Client::Implementation::lateFault(const char* what) const {
   return ClientFault("The server " + server + " " + what + " within " +
-                     std::to_string(options.timeout.count()) +
-                     " ms. Check that it runs and that no firewall is in between, or wait longer.");
+                         std::to_string(options.timeout.count()) +
+                         " ms. Check that it runs and that no firewall is in between, or wait "
+                         "longer.",
+                     ClientFault::Kind::Connection, isSent);
 }
 
 ClientFault Client::Implementation::connectFault() const {
@@ -249,18 +257,20 @@ ClientFault Client::Implementation::answerFault(const ResponseReader& reader) co
   if (reader.isTooLarge()) {
     return ClientFault(subject + "sent an answer of more than " + std::to_string(kAnswerLimit) +
                            " bytes. Ask for less at once.",
-                       ClientFault::Kind::Usage);
+                       ClientFault::Kind::Usage, true);
   }
   if (!reader.isBegun()) {
     return ClientFault(subject + "closed the connection without an answer." +
-                       (options.isTls ? "" : " Is this a port for https?"));
+                           (options.isTls ? "" : " Is this a port for https?"),
+                       ClientFault::Kind::Connection, true);
   }
   if (!fault) {
     return ClientFault(subject + "does not answer in HTTP (" + reader.fault().message() + ")." +
                            (options.isTls ? "" : " Is this a port for https?"),
-                       ClientFault::Kind::Usage);
+                       ClientFault::Kind::Usage, true);
   }
-  return ClientFault(subject + "closed the connection in the middle of its answer.");
+  return ClientFault(subject + "closed the connection in the middle of its answer.",
+                     ClientFault::Kind::Connection, true);
 }
 
 Client::Client(ClientOptions options)
@@ -269,17 +279,20 @@ Client::Client(ClientOptions options)
 Client::~Client() = default;
 
 ClientResponse Client::send(const std::string& method, const std::string& target,
-                            const Fields& fields, const std::string& body) {
+                            const Fields& fields, const std::string& body,
+                            const SendOptions& options) {
   std::string head =
       method + " " + target + " HTTP/1.1\r\nHost: " + m_implementation->server + "\r\n";
   for (const auto& [name, value] : fields) {
     head.append(name).append(": ").append(value).append("\r\n");
   }
-  if (hasBody(method, body)) {
+  // The others say how long their body is although there is none.
+  if (!body.empty() || !isQuestion(method)) {
     head.append("Content-Length: ").append(std::to_string(body.size())).append("\r\n");
   }
   head.append("\r\n");
-  return m_implementation->send(head, body, method == "HEAD");
+  return m_implementation->send(head, body, method == "HEAD",
+                                options.isRepeatable || isQuestion(method));
 }
 
 }  // namespace http

@@ -37,14 +37,24 @@ class ClientFault final : public std::exception {
     Usage,       // it will not, before an address, a name, a port or a certificate is changed
   };
 
-  explicit ClientFault(std::string text, Kind kind = Kind::Connection)
-      : m_text(std::move(text)), m_kind(kind) {}
+  // `isSent` says whether a request, or a part of it, is on its way to the server.
+  explicit ClientFault(std::string text, Kind kind = Kind::Connection, bool isSent = false)
+      : m_text(std::move(text)), m_kind(kind), m_isSent(isSent) {}
   [[nodiscard]] const char* what() const noexcept override { return m_text.c_str(); }
   [[nodiscard]] Kind kind() const { return m_kind; }
+  // Returns whether the server may have done what it was asked, although it did not say so.
+  [[nodiscard]] bool mayBeDone() const { return m_isSent; }
 
  private:
   std::string m_text;
   Kind m_kind;
+  bool m_isSent;
+};
+
+// How one request is sent.
+struct SendOptions {
+  // To do it twice comes to the same as once. GET, HEAD and OPTIONS are so in any case.
+  bool isRepeatable = false;
 };
 
 class Client {
@@ -57,11 +67,13 @@ class Client {
   ~Client();
 
   // Sends a request and waits for its answer: at most 64 MiB. A kept connection that the server has
-  // closed meanwhile is opened anew, once, where nothing of the answer has come. The system's
-  // search for the address of a name cannot be cut short: it may take longer than the timeout.
-  // Throws ClientFault.
+  // closed meanwhile is opened anew. Where it ends while the request is on its way, and nothing of
+  // the answer has come, a repeatable request is sent anew, once; what became of another one is
+  // not known (RFC 9110, 9.2.2), which is a fault. The system's search for the address of a name
+  // cannot be cut short: it may take longer than the timeout. Throws ClientFault.
   [[nodiscard]] ClientResponse send(const std::string& method, const std::string& target,
-                                    const Fields& fields, const std::string& body);
+                                    const Fields& fields, const std::string& body,
+                                    const SendOptions& options = {});
 
  private:
   struct Implementation;

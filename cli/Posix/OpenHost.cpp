@@ -86,8 +86,9 @@ std::unique_ptr<Connection> openHost(const GlobalOptions& options) {
       HostConnection::Options{address, std::move(password),
                               options.nameSpace.empty() ? kDefaultNameSpace : options.nameSpace,
                               commandFor(options)},
-      [client](const http::Client::Fields& fields, const std::string& body) {
-        return client->send("POST", kTarget, fields, body);
+      [client](const http::Client::Fields& fields, const std::string& body,
+               const http::SendOptions& sendOptions) {
+        return client->send("POST", kTarget, fields, body, sendOptions);
       });
 }
 

@@ -42,12 +42,14 @@ class HostConnectionTest : public testing::Test {
     answer("<ERROR CODE=\"" + std::to_string(code) + "\" DESCRIPTION=\"" + text + "\"/>");
   }
 
-  http::ClientResponse send(const http::Client::Fields& fields, const std::string& body) {
+  http::ClientResponse send(const http::Client::Fields& fields, const std::string& body,
+                            const http::SendOptions& options) {
+    m_sendOptions = options;
     m_fields = {fields.begin(), fields.end()};
     std::string scratch = body;
     requests.push_back(cimxml::parseRequest(scratch));
     if (m_fault) {
-      throw http::ClientFault(*m_fault);
+      throw http::ClientFault(*m_fault, http::ClientFault::Kind::Connection, m_isSent);
     }
     http::ClientResponse response;
     response.status = m_status;
@@ -92,14 +94,15 @@ class HostConnectionTest : public testing::Test {
 
   std::vector<cimxml::Request> requests;
   std::map<std::string, std::string> m_fields;
+  http::SendOptions m_sendOptions;
   std::optional<std::string> m_fault;
+  bool m_isSent = false;  // when the fault comes
   unsigned m_status = 200;
   std::string m_idPrefix;
   cli::HostConnection connection{
       {{false, "admin", "127.0.0.1", 5988}, "secret", "root/DCIM/zolan", "quorvel --host x"},
-      [this](const http::Client::Fields& fields, const std::string& body) {
-        return send(fields, body);
-      }};
+      [this](const http::Client::Fields& fields, const std::string& body,
+             const http::SendOptions& options) { return send(fields, body, options); }};
 
  private:
   std::vector<std::string> m_answers;
@@ -116,9 +119,10 @@ TEST_F(HostConnectionTest, SaysInTheHeaderWhatItAsksAndWho) {
 }
 
 TEST_F(HostConnectionTest, SendsNoLoginWithoutAUser) {
-  cli::HostConnection anonymous({{false, "", "127.0.0.1", 5988}, "", "root/DCIM/zolan", ""},
-                                [this](const http::Client::Fields& fields,
-                                       const std::string& body) { return send(fields, body); });
+  cli::HostConnection anonymous(
+      {{false, "", "127.0.0.1", 5988}, "", "root/DCIM/zolan", ""},
+      [this](const http::Client::Fields& fields, const std::string& body,
+             const http::SendOptions& options) { return send(fields, body, options); });
   answerReturned("");
   static_cast<void>(anonymous.findInstances("Thing"));
   EXPECT_THAT(m_fields, Not(Contains(Key("Authorization"))));
@@ -285,6 +289,30 @@ TEST_F(HostConnectionTest, NamesTheErrorOfTheHost) {
 TEST_F(HostConnectionTest, SaysWhyTheHostCannotBeReached) {
   m_fault = "the server lab:5988 refused the connection";
   EXPECT_EQ(enumerationFault(), *m_fault);
+}
+
+TEST_F(HostConnectionTest, LetsQuestionsBeRepeatedAndNoCalls) {
+  core::CimPropertyList none;
+  answerReturned("");
+  static_cast<void>(connection.findInstances("Thing"));
+  EXPECT_TRUE(m_sendOptions.isRepeatable);
+  answer("<RETURNVALUE><VALUE>0</VALUE></RETURNVALUE>");
+  static_cast<void>(connection.invoke("Thing.Id=\"1\"", "Dance", none, none, {}));
+  EXPECT_FALSE(m_sendOptions.isRepeatable);
+}
+
+TEST_F(HostConnectionTest, SaysThatACallMayHaveBeenCarriedOut) {
+  core::CimPropertyList none;
+  const auto call = [&] {
+    static_cast<void>(connection.invoke("Thing.Id=\"1\"", "Dance", none, none, {}));
+  };
+  m_fault = "Nobody answers.";
+  EXPECT_EQ(faultOf(call), "Nobody answers.");
+  m_isSent = true;
+  EXPECT_EQ(faultOf(call),
+            "Nobody answers. The host may have carried out Dance all the same: before you try "
+            "again, look at its jobs:\n  quorvel --host x jobs");
+  EXPECT_EQ(enumerationFault(), "Nobody answers.");
 }
 
 TEST_F(HostConnectionTest, TellsWhatMayPass) {

@@ -320,6 +320,59 @@ TEST(Client, RepeatsARequestOnceThatAKeptConnectionLost) {
   EXPECT_EQ(server.countConnections(), 2);
 }
 
+TEST(Client, DoesNotRepeatARequestThatChangesSomething) {
+  const ScriptedServer server([](int connection, int /*number*/) {
+    ScriptedServer::readRequest(connection);
+    ScriptedServer::write(connection, kAnswer);
+    ScriptedServer::readRequest(connection);
+  });
+  Client client(toPort(server.port()));
+  EXPECT_EQ(client.send("POST", "/1", {}, "").body, "ok");
+
+  try {
+    static_cast<void>(client.send("POST", "/2", {}, ""));
+    ADD_FAILURE() << "answered";
+  } catch (const ClientFault& fault) {
+    EXPECT_THAT(fault.what(), HasSubstr("closed the connection without an answer"));
+    EXPECT_TRUE(fault.mayBeDone());
+  }
+  EXPECT_EQ(server.countConnections(), 1);
+  EXPECT_EQ(client.send("POST", "/3", {}, "").body, "ok");
+}
+
+TEST(Client, RepeatsAPostThatMayBeRepeated) {
+  const ScriptedServer server([](int connection, int /*number*/) {
+    ScriptedServer::readRequest(connection);
+    ScriptedServer::write(connection, kAnswer);
+    ScriptedServer::readRequest(connection);
+  });
+  Client client(toPort(server.port()));
+
+  EXPECT_EQ(client.send("POST", "/1", {}, "", {true}).body, "ok");
+  EXPECT_EQ(client.send("POST", "/2", {}, "", {true}).body, "ok");
+  EXPECT_EQ(server.countConnections(), 2);
+}
+
+TEST(Client, TellsWhetherARequestThatFailedWasSent) {
+  const TestServer server(test::onFreePort(false),
+                          [](Request& /*request*/, Response& response) { response.delay = 60s; });
+  ClientOptions options = toPort(server.port());
+  options.timeout = 200ms;
+  const auto isSentTo = [](const ClientOptions& place) {
+    Client client(place);
+    try {
+      static_cast<void>(client.send("POST", "/", {}, ""));
+    } catch (const ClientFault& fault) {
+      return fault.mayBeDone();
+    }
+    ADD_FAILURE() << "answered";
+    return false;
+  };
+  EXPECT_TRUE(isSentTo(options));
+  options.port = 1;
+  EXPECT_FALSE(isSentTo(options));
+}
+
 TEST(Client, DoesNotRepeatARequestWhoseAnswerHadBegun) {
   const ScriptedServer server([](int connection, int /*number*/) {
     ScriptedServer::readRequest(connection);
