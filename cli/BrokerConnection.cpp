@@ -53,6 +53,10 @@ std::optional<InstanceSnapshot> BrokerConnection::findInstance(const std::string
   return snapshotOf(*instance);
 }
 
+std::optional<InstanceSnapshot> BrokerConnection::lookAgain(const std::string& path) {
+  return findInstance(path);
+}
+
 Instances BrokerConnection::findReferencing(const std::string& path) {
   const core::CimBroker::Request request(m_broker);
   Instances referencing;

@@ -20,6 +20,7 @@ class BrokerConnection final : public Connection {
   [[nodiscard]] std::optional<Instances> findInstances(const std::string& className) override;
   [[nodiscard]] std::optional<InstanceSnapshot> findInstance(const std::string& path) override;
   // Looks at every instance of every served class.
+  [[nodiscard]] std::optional<InstanceSnapshot> lookAgain(const std::string& path) override;
   [[nodiscard]] Instances findReferencing(const std::string& path) override;
   [[nodiscard]] MethodAnswer invoke(const std::string& path, const std::string& method,
                                     core::CimPropertyList& in, core::CimPropertyList& out,

@@ -42,6 +42,10 @@ class Connection {
   // Returns the instance at an object path, nothing when there is none.
   [[nodiscard]] virtual std::optional<InstanceSnapshot> findInstance(const std::string& path) = 0;
 
+  // The same for an instance that is looked at time and again: gives up after a few seconds, so
+  // that whoever waits for the answer can do something else.
+  [[nodiscard]] virtual std::optional<InstanceSnapshot> lookAgain(const std::string& path) = 0;
+
   // Returns the associations of any class that refer to an instance, by its path as a snapshot has
   // it; by class in alphabetical order, then as served.
   [[nodiscard]] virtual Instances findReferencing(const std::string& path) = 0;

@@ -19,6 +19,8 @@ namespace cli {
 namespace {
 
 constexpr std::chrono::milliseconds kPollInterval{250};
+// An interrupt counts when a look is over.
+constexpr std::chrono::seconds kLookTimeout{4};
 // Long enough for a service that is started anew.
 constexpr std::chrono::seconds kPatience{15};
 
@@ -106,8 +108,18 @@ std::optional<Instances> HostConnection::findInstances(const std::string& classN
 }
 
 std::optional<InstanceSnapshot> HostConnection::findInstance(const std::string& path) {
+  return getInstance(path, {});
+}
+
+std::optional<InstanceSnapshot> HostConnection::lookAgain(const std::string& path) {
+  return getInstance(path, kLookTimeout);
+}
+
+std::optional<InstanceSnapshot> HostConnection::getInstance(const std::string& path,
+                                                            std::chrono::milliseconds timeout) {
   const cimxml::ObjectName name = readPath(path);
   Message message = beginOperation("GetInstance");
+  message.timeout = timeout;
   cimxml::appendInstanceNameParameter(message.body, "InstanceName", name, m_options.nameSpace);
   cimxml::appendBooleanParameter(message.body, "LocalOnly", false);
   cimxml::appendBooleanParameter(message.body, "IncludeQualifiers", false);
@@ -200,7 +212,7 @@ cimxml::Response HostConnection::exchange(Message message) {
   http::ClientResponse answer;
   try {
     // A method that starts something must not start it twice; the operations only ask.
-    answer = m_send(fieldsFor(message), message.body, {!message.isExtrinsic});
+    answer = m_send(fieldsFor(message), message.body, {!message.isExtrinsic, message.timeout});
   } catch (const http::ClientFault& fault) {
     if (message.isExtrinsic && fault.mayBeDone()) {
       throw Fault(fault.what() + (" The host may have carried out " + message.name) +

@@ -37,6 +37,7 @@ class HostConnection final : public Connection {
   [[nodiscard]] ServingAgents getClasses() override;
   [[nodiscard]] std::optional<Instances> findInstances(const std::string& className) override;
   [[nodiscard]] std::optional<InstanceSnapshot> findInstance(const std::string& path) override;
+  [[nodiscard]] std::optional<InstanceSnapshot> lookAgain(const std::string& path) override;
   [[nodiscard]] Instances findReferencing(const std::string& path) override;
   [[nodiscard]] MethodAnswer invoke(const std::string& path, const std::string& method,
                                     core::CimPropertyList& in, core::CimPropertyList& out,
@@ -54,7 +55,11 @@ class HostConnection final : public Connection {
     bool isExtrinsic = false;
     std::string id;
     cimxml::Buffer body;
+    std::chrono::milliseconds timeout{0};  // zero: that of whoever sends it
   };
+
+  [[nodiscard]] std::optional<InstanceSnapshot> getInstance(const std::string& path,
+                                                            std::chrono::milliseconds timeout);
 
   [[nodiscard]] Message beginOperation(const std::string& operation);
   // Sends it and returns the answer, which may be an error of the operation itself. Throws Fault.

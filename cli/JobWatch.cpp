@@ -52,7 +52,7 @@ class Watch {
 std::optional<JobReport> Watch::look() {
   std::optional<InstanceSnapshot> job;
   try {
-    job = m_connection.findInstance(m_path);
+    job = m_connection.lookAgain(m_path);
   } catch (const PassingFault& fault) {
     if (Clock::now() - m_lastAnswer < m_connection.patience()) {
       return std::nullopt;

@@ -38,7 +38,7 @@ struct Client::Implementation {
       : options(std::move(clientOptions)), strand(asio::make_strand(context)) {}
 
   ClientResponse send(const std::string& head, const std::string& body, bool isHead,
-                      bool isRepeatable);
+                      const SendOptions& sendOptions);
   [[nodiscard]] bool isStillOpen();
   void connect();
   [[nodiscard]] Results resolve();
@@ -72,6 +72,8 @@ struct Client::Implementation {
   std::string received;  // not taken yet
   std::array<char, kReadBytes> readBuffer{};
 
+  std::chrono::milliseconds timeout = options.timeout;  // of the request that is sent
+
   // The operation that was started last.
   Clock::time_point deadline;
   bool isFinished = false;
@@ -79,8 +81,9 @@ struct Client::Implementation {
 };
 
 ClientResponse Client::Implementation::send(const std::string& head, const std::string& body,
-                                            bool isHead, bool isRepeatable) {
+                                            bool isHead, const SendOptions& sendOptions) {
   isSent = false;
+  timeout = sendOptions.timeout.count() != 0 ? sendOptions.timeout : options.timeout;
   bool isNew = !isStillOpen();
   if (isNew) {
     connect();
@@ -88,7 +91,7 @@ ClientResponse Client::Implementation::send(const std::string& head, const std::
   const std::array<asio::const_buffer, 2> request{asio::buffer(head), asio::buffer(body)};
   while (true) {
     ResponseReader reader(isHead, kAnswerLimit);
-    deadline = Clock::now() + options.timeout;
+    deadline = Clock::now() + timeout;
     if (plain) {
       exchange(*plain, request, reader);
     } else {
@@ -101,7 +104,7 @@ ClientResponse Client::Implementation::send(const std::string& head, const std::
       return reader.response();
     }
     close();
-    if (isNew || !isRepeatable || reader.isBegun()) {
+    if (isNew || !sendOptions.isRepeatable || reader.isBegun()) {
       throw answerFault(reader);
     }
     connect();
@@ -128,7 +131,7 @@ void Client::Implementation::connect() {
   if (options.isTls && !tls) {
     tls.emplace(makeClientTls(options.caFile));
   }
-  deadline = Clock::now() + options.timeout;
+  deadline = Clock::now() + timeout;
   const Results results = resolve();
   if (options.isTls) {
     encrypted.emplace(Socket(strand), *tls);
@@ -238,7 +241,7 @@ void Client::Implementation::finish(const error_code& reason) {
 
 ClientFault Client::Implementation::lateFault(const char* what) const {
   return ClientFault("The server " + server + " " + what + " within " +
-                         std::to_string(options.timeout.count()) +
+                         std::to_string(timeout.count()) +
                          " ms. Check that it runs and that no firewall is in between, or wait "
                          "longer.",
                      ClientFault::Kind::Connection, isSent);
@@ -291,8 +294,9 @@ ClientResponse Client::send(const std::string& method, const std::string& target
     head.append("Content-Length: ").append(std::to_string(body.size())).append("\r\n");
   }
   head.append("\r\n");
-  return m_implementation->send(head, body, method == "HEAD",
-                                options.isRepeatable || isQuestion(method));
+  SendOptions effective = options;
+  effective.isRepeatable = options.isRepeatable || isQuestion(method);
+  return m_implementation->send(head, body, method == "HEAD", effective);
 }
 
 }  // namespace http

@@ -55,6 +55,8 @@ class ClientFault final : public std::exception {
 struct SendOptions {
   // To do it twice comes to the same as once. GET, HEAD and OPTIONS are so in any case.
   bool isRepeatable = false;
+  // For connecting, and for the answer; zero: that of the client.
+  std::chrono::milliseconds timeout{0};
 };
 
 class Client {

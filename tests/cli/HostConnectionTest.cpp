@@ -164,6 +164,16 @@ TEST_F(HostConnectionTest, GetsAnInstanceByItsPath) {
             (KeyBinding{"InstanceID", KeyBinding::Kind::String, "Orvex:FirmwareUpdate@Job#1", {}}));
 }
 
+TEST_F(HostConnectionTest, WaitsLessLongForOneOfManyLooks) {
+  answerReturned(kJob);
+  answerReturned(kJob);
+  EXPECT_EQ(connection.lookAgain(kJobPath).value().path, kJobPath);
+  EXPECT_GT(m_sendOptions.timeout.count(), 0);
+  EXPECT_LE(m_sendOptions.timeout, std::chrono::seconds(5));
+  static_cast<void>(connection.findInstance(kJobPath));
+  EXPECT_EQ(m_sendOptions.timeout.count(), 0);
+}
+
 TEST_F(HostConnectionTest, FindsNoInstanceWhereThereIsNone) {
   answerError(6, "not found");
   answerError(5, "no class");

@@ -88,7 +88,11 @@ TEST_F(JobWatchTest, GivesUpOnAJobThatIsGone) {
 class FakeHostConnection : public cli::Connection {
  public:
   [[nodiscard]] std::optional<cli::InstanceSnapshot> findInstance(
-      const std::string& path) override {
+      const std::string& /*path*/) override {
+    ADD_FAILURE() << "a look that may take long";
+    return std::nullopt;
+  }
+  [[nodiscard]] std::optional<cli::InstanceSnapshot> lookAgain(const std::string& path) override {
     ++looks;
     onLook();
     if (looks > 1 && looks <= 1 + failing) {

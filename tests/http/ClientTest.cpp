@@ -206,6 +206,21 @@ TEST_P(ClientTest, WaitsForAnAnswerAsLongAsItIsTold) {
   EXPECT_EQ(client.send("GET", "/other", {}, "").status, 200U);
 }
 
+TEST_P(ClientTest, WaitsForAnAnswerAsLongAsTheRequestSays) {
+  const TestServer server(test::onFreePort(GetParam()), [](Request& request, Response& response) {
+    response.delay = request.target() == "/" ? 60s : 0s;
+  });
+  Client client(toPort(server.port(), GetParam()));
+
+  try {
+    static_cast<void>(client.send("GET", "/", {}, "", {false, 500ms}));
+    ADD_FAILURE() << "answered";
+  } catch (const ClientFault& fault) {
+    EXPECT_THAT(fault.what(), HasSubstr("did not answer within 500 ms"));
+  }
+  EXPECT_EQ(client.send("GET", "/other", {}, "").status, 200U);
+}
+
 TEST(Client, FindsAServerByName) {
   const TestServer server;
   ClientOptions options = toPort(server.port());
