@@ -140,10 +140,10 @@ JobReport reportOf(const InstanceSnapshot& job) {
   JobReport report;
   report.path = job.path;
   report.properties = propertiesToJson(job.properties, NullProperties::Left);
-  report.state = report.properties.value("JobState", 0U);
-  report.percent = report.properties.value("PercentComplete", 0U);
-  report.errorCode = report.properties.value("ErrorCode", 0U);
-  report.errorText = report.properties.value("ErrorDescription", std::string());
+  report.state = job.value<unsigned>("JobState");
+  report.percent = job.value<unsigned>("PercentComplete");
+  report.errorCode = job.value<unsigned>("ErrorCode");
+  report.errorText = job.value<std::string>("ErrorDescription");
   return report;
 }
 

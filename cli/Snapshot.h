@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 namespace cli {
@@ -41,6 +42,9 @@ struct InstanceSnapshot {
         properties.begin(), properties.end(),
         [propertyName](const PropertySnapshot& property) { return property.name == propertyName; });
     if (found == properties.end() || found->value.is_null()) {
+      return missing;
+    }
+    if (std::is_integral_v<Type> && found->value.is_number_float()) {
       return missing;
     }
     try {

@@ -209,6 +209,22 @@ TEST_F(JobWatchTest, KnowsTheStatesThatEndAJob) {
   }
 }
 
+TEST(JobReportOfAHost, LeavesOutWhatIsOfAnotherType) {
+  constexpr auto kValue = cli::PropertySnapshot::Kind::Value;
+  const JobReport report = cli::reportOf({"Orvex_ConcreteJob",
+                                          kJobPath,
+                                          {{"InstanceID", kValue, 5},
+                                           {"JobState", kValue, "Running"},
+                                           {"PercentComplete", kValue, 1e300},
+                                           {"ErrorCode", kValue, cli::Json::array({1})},
+                                           {"ErrorDescription", kValue, 7}}});
+  EXPECT_EQ(report.state, 0U);
+  EXPECT_EQ(report.percent, 0U);
+  EXPECT_EQ(report.errorCode, 0U);
+  EXPECT_EQ(report.errorText, "");
+  EXPECT_EQ(report.properties["JobState"], "Running");
+}
+
 TEST(JobStateName, IsThatOfTheSchema) {
   EXPECT_EQ(cli::jobStateName(2), "New");
   EXPECT_EQ(cli::jobStateName(6), "Shutting Down");
