@@ -71,6 +71,8 @@ class Terminal {
   }
 
   [[nodiscard]] bool isOpen() const { return m_descriptor >= 0; }
+  // Returns whether another job than this one has the terminal now.
+  [[nodiscard]] bool isTaken() const { return tcgetpgrp(m_descriptor) != getpgrp(); }
   [[nodiscard]] int descriptor() const { return m_descriptor; }
 
   // A terminal that takes no output shows no prompt; the answer counts all the same.
@@ -128,6 +130,21 @@ Attempt readLine(const Terminal& terminal, const HeldSignals& signals) {
   }
 }
 
+// Stops as any job does that reads from its terminal in the background, until the shell brings it
+// to the front. Else the shell would find its terminal without an echo, and its user would type the
+// password into it.
+void awaitTerminal(const Terminal& terminal) {
+  if (terminal.isTaken()) {
+    static_cast<void>(raise(SIGTTIN));
+  }
+  if (terminal.isTaken()) {
+    throw Fault(
+        "the password cannot be asked for in the background; run the command in the foreground, "
+        "or give the password by --password-file, or by the environment variable QUORVEL_PASSWORD",
+        ExitStatus::Usage);
+  }
+}
+
 Attempt ask(const Terminal& terminal, const std::string& prompt) {
   const HeldSignals signals;
   const HiddenInput hidden(terminal);
@@ -143,6 +160,7 @@ std::optional<std::string> askPassword(const std::string& prompt) {
     return std::nullopt;
   }
   for (;;) {
+    awaitTerminal(terminal);
     Attempt attempt = ask(terminal, prompt);
     if (attempt.signal == 0) {
       return std::move(attempt.line);

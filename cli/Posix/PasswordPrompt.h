@@ -11,7 +11,9 @@ namespace cli {
 // Prints the prompt on the controlling terminal and returns the line that is typed there, which
 // does not appear. Returns nothing where there is no terminal. A signal that ends the process (an
 // interrupt, a hang-up) does so once the terminal shows again what is typed; a stop (Ctrl-Z) asks
-// anew afterwards. Throws Fault where the input ends or the terminal fails. One call at a time.
+// anew afterwards. A process in the background is stopped until it is brought to the
+// front. Throws Fault where it cannot be, where the input ends and where the terminal fails. One
+// call at a time.
 [[nodiscard]] std::optional<std::string> askPassword(const std::string& prompt);
 
 }  // namespace cli

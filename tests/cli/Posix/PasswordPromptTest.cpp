@@ -19,16 +19,26 @@ using testing::Not;
 
 constexpr int kMilliseconds = 30'000;
 
-// A child process whose controlling terminal is this, and which asks for a password there. It ends
-// with 0 for "secret", 1 for another one, 2 for a fault, 3 where there is no terminal.
+// A child process whose controlling terminal is this, and which asks for a password there, unless
+// it has another program. ask() returns 0 for "secret", 1 for another one, 2 for a fault, 3 where
+// there is no terminal.
 class PromptedChild {
  public:
-  PromptedChild() {
+  static int ask() {
+    try {
+      const std::optional<std::string> password = cli::askPassword("Password: ");
+      return !password ? 3 : (*password == "secret" ? 0 : 1);
+    } catch (const cli::Fault&) {
+      return 2;
+    }
+  }
+
+  explicit PromptedChild(int (*program)() = ask) {
     m_process = forkpty(&m_terminal, nullptr, nullptr, nullptr);
     if (m_process == 0) {
       // Whoever started the test may have it ignored.
       std::signal(SIGINT, SIG_DFL);
-      _exit(ask());
+      _exit(program());
     }
   }
   PromptedChild(const PromptedChild&) = delete;
@@ -73,15 +83,6 @@ class PromptedChild {
   [[nodiscard]] const std::string& output() const { return m_output; }
 
  private:
-  static int ask() {
-    try {
-      const std::optional<std::string> password = cli::askPassword("Password: ");
-      return !password ? 3 : (*password == "secret" ? 0 : 1);
-    } catch (const cli::Fault&) {
-      return 2;
-    }
-  }
-
   bool read() {
     pollfd source{m_terminal, POLLIN, 0};
     if (poll(&source, 1, kMilliseconds) <= 0) {
@@ -125,6 +126,49 @@ TEST(PasswordPrompt, AsksAnewAfterAStop) {
   ASSERT_TRUE(child.await("\nPassword: "));
   child.type("secret\n");
   EXPECT_EQ(child.finish(), 0);
+}
+
+// Asks in a job of its own, in the background of the terminal, as a shell starts it for "&". What
+// it tells on the terminal is "stopped" once the job is; a word that is typed then brings the job
+// to the front.
+int askInBackground(bool isStopIgnored) {
+  const pid_t job = fork();
+  if (job == 0) {
+    setpgid(0, 0);
+    std::signal(SIGTTIN, isStopIgnored ? SIG_IGN : SIG_DFL);
+    _exit(PromptedChild::ask());
+  }
+  setpgid(job, job);
+  int status = 0;
+  waitpid(job, &status, WUNTRACED);
+  if (WIFSTOPPED(status) && WSTOPSIG(status) == SIGTTIN) {
+    static_cast<void>(!write(STDOUT_FILENO, "stopped\n", 8));
+    char character = 0;
+    while (read(STDIN_FILENO, &character, 1) == 1 && character != '\n') {
+    }
+    tcsetpgrp(STDIN_FILENO, job);
+    kill(job, SIGCONT);
+    waitpid(job, &status, 0);
+  }
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 4;
+}
+
+TEST(PasswordPrompt, IsStoppedInTheBackground) {
+  PromptedChild child([] { return askInBackground(false); });
+  ASSERT_TRUE(child.await("stopped"));
+  EXPECT_TRUE(child.isShown());
+  EXPECT_THAT(child.output(), Not(HasSubstr("Password")));
+  child.type("fg\n");
+  ASSERT_TRUE(child.await("Password: "));
+  EXPECT_FALSE(child.isShown());
+  child.type("secret\n");
+  EXPECT_EQ(child.finish(), 0);
+}
+
+TEST(PasswordPrompt, IsRefusedInTheBackgroundOfNoShell) {
+  PromptedChild child([] { return askInBackground(true); });
+  EXPECT_EQ(child.finish(), 2);
+  EXPECT_THAT(child.output(), Not(HasSubstr("Password")));
 }
 
 TEST(PasswordPrompt, GivesUpWhereTheInputEnds) {
