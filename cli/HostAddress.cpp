@@ -86,6 +86,27 @@ bool isHostCharacter(char character) {
          kOthers.find(character) != std::string_view::npos;
 }
 
+// What looks like one and is none, "127.0.0.999", is a name, which anybody may answer for.
+bool isIpv4(std::string_view text) {
+  constexpr int kParts = 4;
+  for (int part = 1; part <= kParts; ++part) {
+    std::uint8_t number = 0;
+    const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    const auto length = static_cast<std::size_t>(stop - text.data());
+    if (error != std::errc() || (length > 1 && text.front() == '0')) {
+      return false;
+    }
+    text.remove_prefix(length);
+    if (part < kParts) {
+      if (!text.starts_with('.')) {
+        return false;
+      }
+      text.remove_prefix(1);
+    }
+  }
+  return text.empty();
+}
+
 // Takes the host off the front: "[::1]" or what stands before a colon.
 std::string takeHost(std::string_view& rest, const std::string& text) {
   std::string_view host;
@@ -130,10 +151,7 @@ std::string HostAddress::url() const {
 }
 
 bool HostAddress::isLoopback() const {
-  constexpr std::string_view kDigits = "0123456789.";
-  const bool isFourNumbers = host.find_first_not_of(kDigits) == std::string::npos &&
-                             std::count(host.begin(), host.end(), '.') == 3;
-  return host == "localhost" || host == "::1" || (isFourNumbers && host.starts_with("127."));
+  return host == "localhost" || host == "::1" || (host.starts_with("127.") && isIpv4(host));
 }
 
 HostAddress parseHostAddress(const std::string& text) {

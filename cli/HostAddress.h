@@ -16,7 +16,8 @@ struct HostAddress {
 
   // Returns "https://server1:5989", without the user.
   [[nodiscard]] std::string url() const;
-  // Returns whether the host is this machine by its very name: localhost, 127.x.x.x or ::1.
+  // Returns whether the host is this machine by its very name: localhost, 127.x.x.x or ::1. Where
+  // localhost leads is for the system to say.
   [[nodiscard]] bool isLoopback() const;
 };
 

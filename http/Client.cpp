@@ -26,6 +26,12 @@ bool isQuestion(const std::string& method) {
   return method == "GET" || method == "HEAD" || method == "OPTIONS";
 }
 
+bool isLoopback(const asio::ip::address& address) {
+  return address.is_v6() && address.to_v6().is_v4_mapped()
+             ? asio::ip::make_address_v4(asio::ip::v4_mapped, address.to_v6()).is_loopback()
+             : address.is_loopback();
+}
+
 std::string hostAndPort(const ClientOptions& options) {
   const bool isIpv6 = options.host.find(':') != std::string::npos;
   return (isIpv6 ? "[" + options.host + "]" : options.host) + ":" + std::to_string(options.port);
@@ -42,6 +48,7 @@ struct Client::Implementation {
   [[nodiscard]] bool isStillOpen();
   void connect();
   [[nodiscard]] Results resolve();
+  void demandLoopback();
   void handshake();
   template <class Stream>
   void exchange(Stream& stream, const std::array<asio::const_buffer, 2>& request,
@@ -147,6 +154,9 @@ void Client::Implementation::connect() {
   }
   error_code ignored;
   socket().set_option(tcp::no_delay(true), ignored);
+  if (options.mustBeLoopback) {
+    demandLoopback();
+  }
   if (encrypted) {
     handshake();
   }
@@ -169,6 +179,18 @@ Results Client::Implementation::resolve() {
                                                                      : ClientFault::Kind::Usage);
   }
   return results;
+}
+
+void Client::Implementation::demandLoopback() {
+  error_code reason;
+  const asio::ip::address address = socket().remote_endpoint(reason).address();
+  if (!isLoopback(address)) {
+    close();
+    throw ClientFault("The name '" + options.host + "' leads to " + address.to_string() +
+                          ", which is not this machine. Name the address 127.0.0.1 itself, or use "
+                          "https.",
+                      ClientFault::Kind::Usage);
+  }
 }
 
 void Client::Implementation::handshake() {

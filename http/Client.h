@@ -20,6 +20,8 @@ struct ClientOptions {
   bool isTls = false;
   std::string caFile;                         // PEM; empty: what the system trusts
   std::chrono::milliseconds timeout{60'000};  // for connecting, and for each answer
+  // What is sent is for this machine only: nothing is where the connection leads to another one.
+  bool mustBeLoopback = false;
 };
 
 struct ClientResponse {

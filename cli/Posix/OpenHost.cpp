@@ -14,8 +14,12 @@ namespace {
 constexpr const char* kDefaultNameSpace = "root/DCIM/zolan";
 constexpr const char* kTarget = "/cimom";
 
+bool isLoginReadable(const HostAddress& address) {
+  return !address.user.empty() && !address.isTls;
+}
+
 void demandSafeLogin(const HostAddress& address) {
-  if (!address.user.empty() && !address.isTls && !address.isLoopback()) {
+  if (isLoginReadable(address) && !address.isLoopback()) {
     throw Fault("--host: over http anybody on the network could read the password of " +
                     address.user + "; use https, or http to this machine itself (127.0.0.1)",
                 ExitStatus::Usage);
@@ -67,6 +71,7 @@ std::shared_ptr<http::Client> makeClient(const HostAddress& address, const Globa
   clientOptions.port = address.port;
   clientOptions.isTls = address.isTls;
   clientOptions.caFile = options.caFile;
+  clientOptions.mustBeLoopback = isLoginReadable(address);
   try {
     return std::make_shared<http::Client>(std::move(clientOptions));
   } catch (const http::ClientFault& fault) {

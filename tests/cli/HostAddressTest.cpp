@@ -48,12 +48,15 @@ TEST(HostAddress, MayHaveEscapesInTheUser) {
 }
 
 TEST(HostAddress, KnowsThisMachineByItsName) {
-  for (const char* text :
-       {"http://localhost", "http://127.0.0.1", "http://127.1.2.3", "http://[::1]"}) {
+  for (const char* text : {"http://localhost", "http://127.0.0.1", "http://127.1.2.3",
+                           "http://127.0.0.255", "http://[::1]"}) {
     EXPECT_TRUE(parseHostAddress(text).isLoopback()) << text;
   }
-  for (const char* text : {"http://localhost.example", "http://128.0.0.1", "http://127.example",
-                           "http://[::2]", "http://127.0.0.1.example"}) {
+  for (const char* text :
+       {"http://localhost.example", "http://128.0.0.1", "http://127.example", "http://[::2]",
+        "http://127.0.0.1.example", "http://127.0.0.999", "http://127.0.0.256", "http://127.0.0",
+        "http://127.0.0.", "http://127...1", "http://127.0.0.1.1", "http://127.0.0.01",
+        "http://127.0.0.-1"}) {
     EXPECT_FALSE(parseHostAddress(text).isLoopback()) << text;
   }
 }

@@ -1,6 +1,10 @@
 #include <arpa/inet.h>
+#include <array>
+#include <atomic>
 #include <functional>
 #include <gmock/gmock.h>
+#include <ifaddrs.h>
+#include <net/if.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <thread>
@@ -238,6 +242,54 @@ TEST(Client, FindsAServerByItsIpv6Address) {
 
   EXPECT_EQ(Client(options).send("GET", "/", {}, "").body,
             "[::1]:" + std::to_string(server.port()));
+}
+
+TEST(Client, MayBeBoundToThisMachine) {
+  for (const auto& [host, address] :
+       {std::pair("127.0.0.1", "127.0.0.1"), {"localhost", "127.0.0.1"}, {"::1", "::1"}}) {
+    const TestServer server(test::onFreePort(false, address));
+    ClientOptions options = toPort(server.port());
+    options.host = host;
+    options.mustBeLoopback = true;
+    EXPECT_EQ(Client(options).send("GET", "/", {}, "").body, "GET /") << host;
+  }
+}
+
+// Returns an address of this machine by which others reach it; empty where it has none.
+std::string addressForOthers() {
+  std::string found;
+  ifaddrs* list = nullptr;
+  EXPECT_EQ(getifaddrs(&list), 0);
+  for (const ifaddrs* entry = list; entry != nullptr; entry = entry->ifa_next) {
+    if (entry->ifa_addr == nullptr || entry->ifa_addr->sa_family != AF_INET ||
+        (entry->ifa_flags & IFF_LOOPBACK) != 0) {
+      continue;
+    }
+    std::array<char, INET_ADDRSTRLEN> text{};
+    inet_ntop(AF_INET, &reinterpret_cast<const sockaddr_in*>(entry->ifa_addr)->sin_addr,
+              text.data(), text.size());
+    found = text.data();
+  }
+  freeifaddrs(list);
+  return found;
+}
+
+TEST(Client, SendsNothingToAnotherMachineWhereItIsBoundToThisOne) {
+  const std::string address = addressForOthers();
+  if (address.empty()) {
+    GTEST_SKIP() << "this machine is connected to no other";
+  }
+  std::atomic<int> requests{0};
+  const TestServer server(test::onFreePort(false, address.c_str()),
+                          [&](Request& /*request*/, Response& /*response*/) { ++requests; });
+  ClientOptions options = toPort(server.port());
+  options.host = address;
+  options.mustBeLoopback = true;
+  Client client(options);
+
+  expectFault(client, Kind::Usage,
+              HasSubstr("leads to " + address + ", which is not this machine"));
+  EXPECT_EQ(requests, 0);
 }
 
 TEST(Client, SaysThatANameIsUnknown) {
