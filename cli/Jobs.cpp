@@ -1,13 +1,11 @@
 #include "cli/Jobs.h"
 
 #include <algorithm>
-#include <charconv>
 #include <chrono>
-#include <cstdint>
 #include <optional>
-#include <string_view>
 #include <utility>
 
+#include "Utils/Datetime.h"
 #include "cli/ServedClasses.h"
 
 namespace cli {
@@ -15,14 +13,6 @@ namespace {
 
 constexpr const char* kJobClass = "Orvex_ConcreteJob";
 constexpr const char* kIdProperty = "InstanceID";
-
-std::optional<std::int64_t> parseDigits(std::string_view digits) {
-  std::uint32_t number = 0;
-  const auto [stop, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-  return error == std::errc() && stop == digits.data() + digits.size()
-             ? std::optional<std::int64_t>(number)
-             : std::nullopt;
-}
 
 bool isMeant(const Job& job, const std::string& text) {
   const std::size_t sign = job.id.rfind('#');
@@ -62,24 +52,16 @@ Job findJob(Connection& connection, const std::string& text) {
   throw Fault(message);
 }
 
-// ddddddddhhmmss.mmmmmm:000
 std::optional<std::chrono::seconds> parseInterval(const std::string& text) {
-  constexpr std::size_t kLength = 25;
-  constexpr std::size_t kMark = 21;
-  constexpr std::size_t kDays = 8;
-  if (text.size() != kLength || text[kMark] != ':') {
+  constexpr std::chrono::hours kLongest{24 * 366};
+  const std::optional<utils::Datetime> interval = utils::Datetime::fromCimText(text);
+  if (!interval || interval->isTimestamp) {
     return std::nullopt;
   }
-  const std::string_view view = text;
-  const auto days = parseDigits(view.substr(0, kDays));
-  const auto hours = parseDigits(view.substr(kDays, 2));
-  const auto minutes = parseDigits(view.substr(kDays + 2, 2));
-  const auto seconds = parseDigits(view.substr(kDays + 4, 2));
-  if (!days || !hours || !minutes || !seconds) {
-    return std::nullopt;
-  }
-  return std::chrono::hours(*days * 24 + *hours) + std::chrono::minutes(*minutes) +
-         std::chrono::seconds(*seconds);
+  const std::chrono::microseconds length(interval->value);
+  return length <= kLongest
+             ? std::optional(std::chrono::duration_cast<std::chrono::seconds>(length))
+             : std::nullopt;
 }
 
 }  // namespace cli

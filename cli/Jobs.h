@@ -29,7 +29,7 @@ struct Job {
 [[nodiscard]] Job findJob(Connection& connection, const std::string& text);
 
 // Returns the whole seconds of an interval in CIM form (DSP0004: "00000000000042.000000:000");
-// nothing for a text that is none.
+// nothing for a text that is none, and for one of more than a year, which no job takes.
 [[nodiscard]] std::optional<std::chrono::seconds> parseInterval(const std::string& text);
 
 }  // namespace cli
