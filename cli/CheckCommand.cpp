@@ -51,7 +51,7 @@ void reportSuccess(const Context& context, const Target& target, const Identity&
   for (const std::uint16_t number : answer.characteristics) {
     meanings.push_back(describeCharacteristic(number));
   }
-  context.out << identity.label() << " can be installed on " << target.label << ": "
+  context.out << toPrintable(identity.label()) << " can be installed on " << target.label << ": "
               << join(meanings, ", ") << '\n';
 }
 
@@ -64,8 +64,8 @@ ExitStatus check(const Context& context, const Options& options) {
 
   const bool isPassed = answer.call.isAccepted();
   if (!isPassed) {
-    reportRefusal(context, "check of " + identity.label() + " for " + target.label, answer.call,
-                  requestIdentity(identity, false, connection->isRemote()));
+    reportRefusal(context, "check of " + toPrintable(identity.label()) + " for " + target.label,
+                  answer.call, requestIdentity(identity, false, connection->isRemote()));
   } else if (!context.options.isJson) {
     reportSuccess(context, target, identity, answer);
   }

@@ -12,6 +12,7 @@
 #include "cli/Context.h"
 #include "cli/ErrorRecords.h"
 #include "cli/ServedClasses.h"
+#include "cli/TextTable.h"
 #include "core/CimPath.h"
 
 namespace cli {
@@ -97,7 +98,7 @@ constexpr Meaning kMeanings[] = {
 
 void appendLines(std::string& text, const char* heading, const Texts& lines) {
   for (const std::string& line : lines) {
-    text += "\n  " + std::string(heading) + line;
+    text += "\n  " + std::string(heading) + toPrintable(line);
   }
 }
 

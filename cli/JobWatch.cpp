@@ -6,6 +6,7 @@
 
 #include "Os/Environment.h"
 #include "Utils/Exception.h"
+#include "cli/TextTable.h"
 #include "core/CimPath.h"
 
 namespace cli {
@@ -31,7 +32,9 @@ constexpr std::pair<unsigned, const char*> kStateNames[] = {
 class Watch {
  public:
   Watch(Connection& connection, const std::string& path)
-      : m_connection(connection), m_path(path), m_command(connection.watchCommand(jobIdOf(path))) {}
+      : m_connection(connection),
+        m_path(path),
+        m_command(toPrintable(connection.watchCommand(jobIdOf(path)))) {}
 
   // Returns the job as it is; nothing where the host could not be asked this time. Throws Fault
   // when there is no such job, and when the host could not be asked for too long.
@@ -63,7 +66,8 @@ std::optional<JobReport> Watch::look() {
   }
   m_lastAnswer = Clock::now();
   if (!job) {
-    throw Fault("the job " + m_path + " is gone; 'quorvel adapters' shows what the adapter holds");
+    throw Fault("the job " + toPrintable(m_path) +
+                " is gone; 'quorvel adapters' shows what the adapter holds");
   }
   return reportOf(*job);
 }
@@ -130,7 +134,7 @@ std::string JobReport::outcome() const {
   if (!isCompleted()) {
     text += ", error " + std::to_string(errorCode);
     if (!errorText.empty()) {
-      text += ": " + errorText;
+      text += ": " + toPrintable(errorText);
     }
   }
   return text;

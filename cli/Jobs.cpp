@@ -7,6 +7,7 @@
 
 #include "Utils/Datetime.h"
 #include "cli/ServedClasses.h"
+#include "cli/TextTable.h"
 
 namespace cli {
 namespace {
@@ -47,7 +48,7 @@ Job findJob(Connection& connection, const std::string& text) {
   }
   message += "; the jobs are:";
   for (const Job& job : jobs) {
-    message += "\n  " + job.id + " (" + jobStateName(job.report.state) + ")";
+    message += "\n  " + toPrintable(job.id) + " (" + jobStateName(job.report.state) + ")";
   }
   throw Fault(message);
 }

@@ -5,6 +5,7 @@
 
 #include "Utils/Exception.h"
 #include "cli/Context.h"
+#include "cli/TextTable.h"
 
 namespace cli {
 namespace {
@@ -12,7 +13,7 @@ namespace {
 [[noreturn]] void refuseClass(const ServingAgents& served, const std::string& className) {
   std::string text = "no class '" + className + "' is served here; the classes are:";
   for (const auto& [name, agents] : served) {
-    text += "\n  " + name;
+    text += "\n  " + toPrintable(name);
   }
   throw Fault(text);
 }

@@ -6,6 +6,7 @@
 #include "Utils/Exception.h"
 #include "cli/Context.h"
 #include "cli/ServedClasses.h"
+#include "cli/TextTable.h"
 #include "core/CimPath.h"
 #include "midapi/AdapterId.h"
 
@@ -49,7 +50,7 @@ void appendIdentifiers(std::string& text, Connection& connection, const char* cl
                        const char* heading) {
   std::string identifiers;
   for (const InstanceSnapshot& instance : getInstances(connection, className)) {
-    identifiers += " " + identifierOf(instance);
+    identifiers += " " + toPrintable(identifierOf(instance));
   }
   if (!identifiers.empty()) {
     text += std::string("\n  ") + heading + identifiers;
@@ -93,9 +94,9 @@ Target findTarget(Connection& connection, const std::string& text) {
   if (!instance) {
     throw Fault("there is no adapter or port '" + text + "'" + describeTargets(connection));
   }
-  Target target{instance->path, identifierOf(*instance)};
+  Target target{instance->path, toPrintable(identifierOf(*instance))};
   if (target.label.empty()) {
-    target.label = target.path;
+    target.label = toPrintable(target.path);
   }
   return target;
 }

@@ -24,16 +24,25 @@ std::string escapeOf(unsigned char byte) {
   }
 }
 
+// Returns whether the text begins with one of the control characters U+0080 to U+009F in UTF-8, of
+// which one begins a command to the terminal as ESC [ does.
+bool isLateControl(std::string_view text) {
+  constexpr unsigned kEnd = 0xA0;
+  return text.size() > 1 && text[0] == '\xc2' && static_cast<unsigned char>(text[1]) < kEnd;
+}
+
 }  // namespace
 
 std::string toPrintable(std::string_view text) {
   std::string result;
-  for (const char character : text) {
-    const auto byte = static_cast<unsigned char>(character);
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
     if (byte < kFirstPrintable || byte == kDelete) {
       result += escapeOf(byte);
+    } else if (isLateControl(text.substr(i))) {
+      result += escapeOf(byte) + escapeOf(static_cast<unsigned char>(text[++i]));
     } else {
-      result += character;
+      result += text[i];
     }
   }
   return result;

@@ -7,6 +7,7 @@
 #include "cli/Output.h"
 #include "cli/Refusal.h"
 #include "cli/Session.h"
+#include "cli/TextTable.h"
 
 namespace cli {
 namespace {
@@ -31,10 +32,11 @@ struct Options {
 
 void reportEnd(const Context& context, const Job& job, const JobReport& report) {
   if (!report.isCompleted()) {
-    context.err << "quorvel: the job " << job.id << " failed: " << report.outcome() << '\n';
+    context.err << "quorvel: the job " << toPrintable(job.id) << " failed: " << report.outcome()
+                << '\n';
     context.err << "  next: " << adviseOnFailure(report) << '\n';
   } else if (!context.options.isJson) {
-    context.out << "Completed: the job " << job.id << " has ended\n";
+    context.out << "Completed: the job " << toPrintable(job.id) << " has ended\n";
   }
 }
 
@@ -43,7 +45,7 @@ ExitStatus watch(const Context& context, const Options& options) {
   const Job job = findJob(*connection, options.job);
   InterruptGuard guard;
   ProgressView view(context.out, chooseProgressStyle(context.options, !options.isProgressHidden),
-                    job.id);
+                    toPrintable(job.id));
   const JobReport report = waitForJob(*connection, job.report.path, view, guard, context.err,
                                       job.age.value_or(std::chrono::seconds(0)));
   reportEnd(context, job, report);

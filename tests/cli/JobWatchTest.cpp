@@ -61,6 +61,12 @@ TEST_F(JobWatchTest, TellsHowAJobFailed) {
   EXPECT_EQ(report.outcome(), "Exception, error 17: Sector stuck");
 }
 
+TEST_F(JobWatchTest, TellsNoCommandsToTheTerminal) {
+  test::FakeJob& job = addJob({{cli::kJobException, 100}});
+  job.ErrorDescription.setValue("\x1b[2J");
+  EXPECT_EQ(wait().outcome(), "Exception, error 0: \\x1b[2J");
+}
+
 TEST_F(JobWatchTest, WaitsOnWhenItIsInterrupted) {
   test::FakeJob& job = addJob({{cli::kJobRunning, 10}, {cli::kJobCompleted, 100}});
   m_jobs.onEnumeration = [&job] {

@@ -90,6 +90,12 @@ TEST_F(JobsTest, AreListedWhenATextNamesNone) {
   }
 }
 
+TEST_F(JobsTest, AreListedWithoutCommandsToTheTerminal) {
+  m_jobs.clear();
+  add("job\x1b[2J", cli::kJobRunning);
+  EXPECT_EQ(find("1"), "there is no job '1'; the jobs are:\n  job\\x1b[2J (Running)");
+}
+
 TEST_F(JobsTest, AreMissedWhereThereIsNone) {
   m_jobs.clear();
   EXPECT_EQ(find("1"),

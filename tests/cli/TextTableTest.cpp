@@ -46,6 +46,13 @@ TEST(TextTable, EscapesControlCharactersInCells) {
   EXPECT_EQ(printed(table), "NAME\na\\tb\\x1b\\x7f\\r\\n\n");
 }
 
+TEST(PrintableText, HasNoControlCharactersOfMoreBytes) {
+  EXPECT_EQ(cli::toPrintable("a\xc2\x9b"
+                             "31m\xc2\x80\xc2\xa0\xc3\x9b\xc2"),
+            "a\\xc2\\x9b"
+            "31m\\xc2\\x80\xc2\xa0\xc3\x9b\xc2");
+}
+
 TEST(ShellWord, IsQuotedWhereItNeedsThat) {
   EXPECT_EQ(cli::quoteForShell("http://a%20b@lab:5988"), "http://a%20b@lab:5988");
   EXPECT_EQ(cli::quoteForShell(""), "''");
