@@ -87,7 +87,12 @@ std::string describeStatus(const HostAddress& address, unsigned status) {
   }
 }
 
-bool isXml(const std::string& contentType) {
+// Media types are compared without regard to case (RFC 9110, 8.3.1).
+bool isXml(std::string contentType) {
+  std::transform(contentType.begin(), contentType.end(), contentType.begin(), [](char character) {
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a')
+                                                : character;
+  });
   return contentType.starts_with("application/xml") || contentType.starts_with("text/xml");
 }
 

@@ -31,6 +31,7 @@ std::string faultOf(const http::ClientResponse& response, const std::string& use
 TEST(HostErrors, TakeAnAnswerWithXml) {
   EXPECT_EQ(faultOf(answer(200)), "");
   EXPECT_EQ(faultOf(answer(200, "text/xml; charset=utf-8")), "");
+  EXPECT_EQ(faultOf(answer(200, "Application/XML")), "");
 }
 
 TEST(HostErrors, SayWhoseLoginWasRefused) {
