@@ -26,6 +26,7 @@ class BrokerConnection final : public Connection {
                                     core::CimPropertyList& in, core::CimPropertyList& out,
                                     const OnStart& onStart) override;
   [[nodiscard]] bool isRemote() const override { return false; }
+  [[nodiscard]] std::string program() const override { return "quorvel"; }
   [[nodiscard]] std::string watchCommand(const std::string& jobId) const override;
   [[nodiscard]] std::chrono::milliseconds pollInterval() const override;
   [[nodiscard]] std::chrono::milliseconds patience() const override { return {}; }

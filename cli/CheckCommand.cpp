@@ -65,7 +65,7 @@ ExitStatus check(const Context& context, const Options& options) {
   const bool isPassed = answer.call.isAccepted();
   if (!isPassed) {
     reportRefusal(context, "check of " + toPrintable(identity.label()) + " for " + target.label,
-                  answer.call, requestIdentity(identity, false, connection->isRemote()));
+                  answer.call, requestIdentity(identity, false, *connection));
   } else if (!context.options.isJson) {
     reportSuccess(context, target, identity, answer);
   }

@@ -62,6 +62,10 @@ class Connection {
   // machine.
   [[nodiscard]] virtual bool isRemote() const = 0;
 
+  // Returns how a user calls this program for the same instances, for a shell: "quorvel", with the
+  // options that lead there.
+  [[nodiscard]] virtual std::string program() const = 0;
+
   // Returns the command by which a user follows a job once this process has ended, for a shell;
   // empty where the jobs end with this process.
   [[nodiscard]] virtual std::string watchCommand(const std::string& jobId) const = 0;

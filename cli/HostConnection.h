@@ -43,6 +43,7 @@ class HostConnection final : public Connection {
                                     core::CimPropertyList& in, core::CimPropertyList& out,
                                     const OnStart& onStart) override;
   [[nodiscard]] bool isRemote() const override { return true; }
+  [[nodiscard]] std::string program() const override { return m_options.command; }
   [[nodiscard]] std::string watchCommand(const std::string& jobId) const override;
   [[nodiscard]] std::chrono::milliseconds pollInterval() const override;
   [[nodiscard]] std::chrono::milliseconds patience() const override;

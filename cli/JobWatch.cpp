@@ -66,8 +66,8 @@ std::optional<JobReport> Watch::look() {
   }
   m_lastAnswer = Clock::now();
   if (!job) {
-    throw Fault("the job " + toPrintable(m_path) +
-                " is gone; 'quorvel adapters' shows what the adapter holds");
+    throw Fault("the job " + toPrintable(m_path) + " is gone; '" + m_connection.program() +
+                " adapters' shows what the adapter holds");
   }
   return reportOf(*job);
 }

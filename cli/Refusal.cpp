@@ -88,8 +88,8 @@ std::string adviseOnTypes(const UpdateRequest& request) {
     return "the file lacks a type that --types names; name only types that it holds";
   }
   if (request.identity) {
-    return "update from the file itself and name the types to install: quorvel update TARGET " +
-           request.imagePath + " --types " + join(request.identity->types, "+");
+    return "update from the file itself and name the types to install: " + request.program +
+           " update TARGET " + request.imagePath + " --types " + join(request.identity->types, "+");
   }
   return request.isForced
              ? "name the types to install with --types; --force alone changes the installed types "
@@ -149,14 +149,18 @@ std::string findReason(const Context& context, const MethodAnswer& answer,
              : "";
 }
 
-}  // namespace
-
-UpdateRequest requestIdentity(const Identity& identity, bool isForced, bool isRemote) {
-  return {identity.isFile ? identity.name : "", false, isForced, isRemote, identity};
+// Puts the program as the user has to call it into what quotes a command: 'quorvel jobs'.
+std::string nameProgram(std::string advice, const std::string& program) {
+  constexpr std::string_view kQuoted = "'quorvel ";
+  for (std::size_t place = advice.find(kQuoted); place != std::string::npos;
+       place = advice.find(kQuoted, place + program.size())) {
+    advice.replace(place, kQuoted.size(), "'" + program + " ");
+  }
+  return advice;
 }
 
-std::string adviseOnRefusal(std::uint32_t returnValue, const std::string& reason,
-                            const UpdateRequest& request) {
+std::string findAdvice(std::uint32_t returnValue, const std::string& reason,
+                       const UpdateRequest& request) {
   if (std::string advice = adviseOnFile(request); !advice.empty()) {
     return advice;
   }
@@ -179,6 +183,23 @@ std::string adviseOnRefusal(std::uint32_t returnValue, const std::string& reason
              : "";
 }
 
+}  // namespace
+
+UpdateRequest requestIdentity(const Identity& identity, bool isForced,
+                              const Connection& connection) {
+  return {identity.isFile ? identity.name : "",
+          false,
+          isForced,
+          connection.isRemote(),
+          identity,
+          connection.program()};
+}
+
+std::string adviseOnRefusal(std::uint32_t returnValue, const std::string& reason,
+                            const UpdateRequest& request) {
+  return nameProgram(findAdvice(returnValue, reason, request), request.program);
+}
+
 void reportRefusal(const Context& context, const std::string& what, const MethodAnswer& answer,
                    const UpdateRequest& request) {
   context.err << "quorvel: " << what << " refused: " << answer.returnValue << ", "
@@ -187,12 +208,12 @@ void reportRefusal(const Context& context, const std::string& what, const Method
   explain(context.err, "next", adviseOnRefusal(answer.returnValue, answer.reason, request));
 }
 
-std::string adviseOnFailure(const JobReport& job) {
+std::string adviseOnFailure(const JobReport& job, const Connection& connection) {
   if (job.errorText == "Timeout Error") {
     return "the flash could not be had for this process; another program may be using it. Try "
            "again when that has ended, or raise Timeout in the configuration";
   }
-  return "'quorvel adapters' shows what the adapter holds now";
+  return nameProgram("'quorvel adapters' shows what the adapter holds now", connection.program());
 }
 
 }  // namespace cli

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "cli/Connection.h"
 #include "cli/Context.h"
 #include "cli/Identities.h"
 #include "cli/JobWatch.h"
@@ -21,11 +22,12 @@ struct UpdateRequest {
   bool isForced = false;
   bool isRemote = false;  // made to a host: the image is on its machine, its log tells the reason
   std::optional<Identity> identity{};  // the image, where it was given as such
+  std::string program = "quorvel";     // that of the connection
 };
 
 // Returns a request for the image of an identity.
 [[nodiscard]] UpdateRequest requestIdentity(const Identity& identity, bool isForced,
-                                            bool isRemote = false);
+                                            const Connection& connection);
 
 // Returns what to do next about a refusal, empty when nothing is known. `reason` is that of
 // MethodAnswer, with its type. Looks at the image file
@@ -39,7 +41,7 @@ void reportRefusal(const Context& context, const std::string& what, const Method
                    const UpdateRequest& request);
 
 // Returns what to do next about a job that ended without success.
-[[nodiscard]] std::string adviseOnFailure(const JobReport& job);
+[[nodiscard]] std::string adviseOnFailure(const JobReport& job, const Connection& connection);
 
 }  // namespace cli
 

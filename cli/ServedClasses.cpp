@@ -56,8 +56,8 @@ void refuseMissing(Connection& connection, const std::string& path) {
   if (!served.contains(className)) {
     refuseClass(served, className);
   }
-  throw Fault("there is no instance " + path + "; 'quorvel instances " + className +
-              "' shows what there is");
+  throw Fault("there is no instance " + path + "; '" + connection.program() + " instances " +
+              className + "' shows what there is");
 }
 
 }  // namespace cli

@@ -71,7 +71,7 @@ Start startFromFile(Connection& connection, const Options& options, const Target
   const std::string uri = isUri ? options.image : "file://" + nameExactly(path);
   return {installFromUri(connection, uri, target.path, options.update, onStart),
           {os::toShownText(path), !options.update.types.empty(), options.update.isForced,
-           connection.isRemote()}};
+           connection.isRemote(), std::nullopt, connection.program()}};
 }
 
 Start startFromIdentity(Connection& connection, const Options& options, const Target& target,
@@ -79,13 +79,14 @@ Start startFromIdentity(Connection& connection, const Options& options, const Ta
   const IdentityList list = readIdentities(connection);
   const Identity& identity = findIdentity(list, options.identity);
   return {installFromIdentity(connection, identity.path, target.path, options.update, onStart),
-          requestIdentity(identity, options.update.isForced, connection.isRemote())};
+          requestIdentity(identity, options.update.isForced, connection)};
 }
 
-void reportEnd(const Context& context, const Target& target, const JobReport& job) {
+void reportEnd(const Context& context, const Connection& connection, const Target& target,
+               const JobReport& job) {
   if (!job.isCompleted()) {
     context.err << "quorvel: update of " << target.label << " failed: " << job.outcome() << '\n';
-    context.err << "  next: " << adviseOnFailure(job) << '\n';
+    context.err << "  next: " << adviseOnFailure(job, connection) << '\n';
   } else if (!context.options.isJson) {
     context.out << "Completed: " << target.label << " is updated (" << toClockText(job.elapsed)
                 << ")\n";
@@ -118,7 +119,7 @@ ExitStatus update(const Context& context, const Options& options) {
     ProgressView view(context.out, chooseProgressStyle(context.options, !options.isProgressHidden),
                       "updating " + target.label);
     job = waitForJob(*connection, start.answer.jobPath, view, guard.value(), context.err);
-    reportEnd(context, target, *job);
+    reportEnd(context, *connection, target, *job);
   }
   if (context.options.isJson) {
     printJson(context.out, toJson(start.answer, job));

@@ -30,11 +30,12 @@ struct Options {
   bool isProgressHidden = false;
 };
 
-void reportEnd(const Context& context, const Job& job, const JobReport& report) {
+void reportEnd(const Context& context, const Connection& connection, const Job& job,
+               const JobReport& report) {
   if (!report.isCompleted()) {
     context.err << "quorvel: the job " << toPrintable(job.id) << " failed: " << report.outcome()
                 << '\n';
-    context.err << "  next: " << adviseOnFailure(report) << '\n';
+    context.err << "  next: " << adviseOnFailure(report, connection) << '\n';
   } else if (!context.options.isJson) {
     context.out << "Completed: the job " << toPrintable(job.id) << " has ended\n";
   }
@@ -48,7 +49,7 @@ ExitStatus watch(const Context& context, const Options& options) {
                     toPrintable(job.id));
   const JobReport report = waitForJob(*connection, job.report.path, view, guard, context.err,
                                       job.age.value_or(std::chrono::seconds(0)));
-  reportEnd(context, job, report);
+  reportEnd(context, *connection, job, report);
   if (context.options.isJson) {
     Json document;
     document["job"] = report.properties;

@@ -264,8 +264,7 @@ void Client::Implementation::finish(const error_code& reason) {
 ClientFault Client::Implementation::lateFault(const char* what) const {
   return ClientFault("The server " + server + " " + what + " within " +
                          std::to_string(timeout.count()) +
-                         " ms. Check that it runs and that no firewall is in between, or wait "
-                         "longer.",
+                         " ms. Check that it runs and that no firewall is in between.",
                      ClientFault::Kind::Connection, isSent);
 }
 

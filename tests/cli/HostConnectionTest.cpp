@@ -273,10 +273,11 @@ TEST_F(HostConnectionTest, SaysWhereToLookWhereThereIsNoInstanceToCall) {
   core::CimPropertyList none;
   answerError(6, "not found");
   answerReturned("<CLASS NAME=\"Thing\"/>");
-  EXPECT_EQ(faultOf([&] {
-              static_cast<void>(connection.invoke("Thing.Id=\"1\"", "Dance", none, none, {}));
-            }),
-            "there is no instance Thing.Id=\"1\"; 'quorvel instances Thing' shows what there is");
+  EXPECT_EQ(
+      faultOf(
+          [&] { static_cast<void>(connection.invoke("Thing.Id=\"1\"", "Dance", none, none, {})); }),
+      "there is no instance Thing.Id=\"1\"; 'quorvel --host x instances Thing' shows what there "
+      "is");
 }
 
 TEST_F(HostConnectionTest, RefusesAMethodsAnswerWithoutReturnValue) {
@@ -353,6 +354,7 @@ TEST_F(HostConnectionTest, RefusesAnAnswerThatIsNoCimXml) {
 
 TEST_F(HostConnectionTest, TellsHowToWatchAJob) {
   EXPECT_TRUE(connection.isRemote());
+  EXPECT_EQ(connection.program(), "quorvel --host x");
   EXPECT_EQ(connection.watchCommand("Orvex:FirmwareUpdate@Job#1"),
             "quorvel --host x watch 'Orvex:FirmwareUpdate@Job#1'");
   EXPECT_EQ(connection.watchCommand("it's"), "quorvel --host x watch 'it'\\''s'");

@@ -121,6 +121,7 @@ class FakeHostConnection : public cli::Connection {
     return {};
   }
   [[nodiscard]] bool isRemote() const override { return true; }
+  [[nodiscard]] std::string program() const override { return "quorvel --host x"; }
   [[nodiscard]] std::string watchCommand(const std::string& jobId) const override {
     return "watch " + jobId;
   }

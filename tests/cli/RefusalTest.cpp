@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <sstream>
 
+#include "cli/BrokerConnection.h"
 #include "cli/Refusal.h"
 #include "tests/support/Programs.h"
 #include "tests/support/TempDirectory.h"
@@ -14,6 +15,12 @@ using testing::HasSubstr;
 constexpr const char* kTypesDiffer =
     "EDowngradeDetected:The selected flash image cannot be used because it does not contain the "
     "same image types. Please select a flash file with matching image types.";
+
+const cli::Connection& here() {
+  static core::CimBroker broker;
+  static const cli::BrokerConnection connection(broker);
+  return connection;
+}
 
 std::string adviceFor(const std::string& reason, bool hasTypes = false, bool isForced = false) {
   return adviseOnRefusal(5, reason, {"", hasTypes, isForced});
@@ -68,6 +75,9 @@ TEST(RefusalAdvice, FollowsTheReturnValueOfAHost) {
   EXPECT_THAT(adviseOnRefusal(4099, "", request),
               AllOf(HasSubstr("--types"), HasSubstr("--force")));
   EXPECT_THAT(adviseOnRefusal(4108, "", request), HasSubstr("log of the host"));
+  request.program = "quorvel --host x";
+  EXPECT_THAT(adviseOnRefusal(6, "", request), AllOf(HasSubstr("'quorvel --host x jobs'"),
+                                                     testing::Not(HasSubstr("'quorvel jobs"))));
   request.imagePath.clear();
   EXPECT_THAT(adviseOnRefusal(4097, "", request), HasSubstr("the image is for another device"));
 }
@@ -81,11 +91,11 @@ TEST(RefusalAdvice, OnAnIdentityNamesItsFile) {
   identity.isFile = true;
   identity.name = test::programBeside("quorvel_cli_test").string();
   identity.types = {"IMG_PXE", "IMG_UEFI"};
-  EXPECT_EQ(adviseOnRefusal(4099, kTypesDiffer, cli::requestIdentity(identity, false)),
+  EXPECT_EQ(adviseOnRefusal(4099, kTypesDiffer, cli::requestIdentity(identity, false, here())),
             "update from the file itself and name the types to install: quorvel update TARGET " +
                 identity.name + " --types IMG_PXE+IMG_UEFI");
   identity.name += ".gone";
-  EXPECT_EQ(adviseOnRefusal(5, "", cli::requestIdentity(identity, false)),
+  EXPECT_EQ(adviseOnRefusal(5, "", cli::requestIdentity(identity, false, here())),
             "there is no file '" + identity.name + "'; check the path");
 }
 
@@ -129,22 +139,23 @@ TEST_F(RefusalReportTest, TellsWhyAnIdentityIsNoneToInstall) {
   const std::string end =
       "\n  next: name another; 'quorvel identities' shows the firmware files that can be "
       "installed\n";
-  EXPECT_EQ(report("", "0", cli::requestIdentity(identity, true)),
+  EXPECT_EQ(report("", "0", cli::requestIdentity(identity, true, here())),
             begin + identity.instanceId +
                 " is a component that is installed on an adapter, no firmware file" + end);
   identity.isFile = true;
   identity.name = test::programBeside("quorvel_cli_test").string();
   identity.types.clear();
-  EXPECT_EQ(report("", "", cli::requestIdentity(identity, true)),
+  EXPECT_EQ(report("", "", cli::requestIdentity(identity, true, here())),
             begin + identity.name + " holds no image of a type that is known" + end);
 }
 
 TEST(FailureAdvice, TellsALockFromTheRest) {
   cli::JobReport job;
   job.errorText = "Timeout Error";
-  EXPECT_THAT(cli::adviseOnFailure(job), AllOf(HasSubstr("another program"), HasSubstr("Timeout")));
+  EXPECT_THAT(cli::adviseOnFailure(job, here()),
+              AllOf(HasSubstr("another program"), HasSubstr("Timeout")));
   job.errorText = "Sector stuck";
-  EXPECT_THAT(cli::adviseOnFailure(job), HasSubstr("quorvel adapters"));
+  EXPECT_THAT(cli::adviseOnFailure(job, here()), HasSubstr("quorvel adapters"));
 }
 
 }  // namespace

@@ -178,7 +178,8 @@ TEST_F(HostCommandsTest, TellThatAJobFailed) {
   EXPECT_EQ(run(onHost({"update", kAdapter, rom})).exitStatus, 1);
   const ProgramResult watched = run(onHost({"watch", "1"}));
   EXPECT_EQ(watched.exitStatus, 1);
-  EXPECT_THAT(watched.errors, HasSubstr("failed: Exception, error 17: Stuck"));
+  EXPECT_THAT(watched.errors, AllOf(HasSubstr("failed: Exception, error 17: Stuck"),
+                                    HasSubstr("'quorvel --host " + address() + " adapters'")));
   EXPECT_THAT(run(onHost({"jobs"})).output, HasSubstr("Exception"));
 }
 

@@ -70,7 +70,14 @@ void HostTest::expectSame(const Arguments& arguments, int exitStatus) const {
   EXPECT_EQ(here.exitStatus, exitStatus) << testing::PrintToString(arguments);
   EXPECT_EQ(there.exitStatus, exitStatus) << testing::PrintToString(arguments) << there.errors;
   EXPECT_EQ(there.output, here.output) << testing::PrintToString(arguments);
-  EXPECT_EQ(there.errors, here.errors) << testing::PrintToString(arguments);
+  // Advice names the host that it is about.
+  const std::string command = "quorvel --host " + address() + " ";
+  std::string errors = there.errors;
+  for (std::size_t place = errors.find(command); place != std::string::npos;
+       place = errors.find(command)) {
+    errors.replace(place, command.size(), "quorvel ");
+  }
+  EXPECT_EQ(errors, here.errors) << testing::PrintToString(arguments);
 }
 
 std::string HostTest::passwordFile(const std::string& password) const {
