@@ -28,13 +28,19 @@ constexpr std::pair<unsigned, const char*> kStateNames[] = {
     {kJobQueryPending, "Query Pending"},
 };
 
+// What a user may call a job: the path of one that has no InstanceID.
+std::string nameOf(const std::string& path) {
+  std::string id = jobIdOf(path);
+  return id.empty() ? path : id;
+}
+
 // The looks at one job, until its end or that of the patience.
 class Watch {
  public:
   Watch(Connection& connection, const std::string& path)
       : m_connection(connection),
         m_path(path),
-        m_command(toPrintable(connection.watchCommand(jobIdOf(path)))) {}
+        m_command(toPrintable(connection.watchCommand(nameOf(path)))) {}
 
   // Returns the job as it is; nothing where the host could not be asked this time. Throws Fault
   // when there is no such job, and when the host could not be asked for too long.
