@@ -104,8 +104,10 @@ std::pair<LoginGate::Decision, std::string> LoginGate::check(const Login& login,
     }
     revision = m_revision;
   }
-  const std::optional<wbem::Role> role =
-      login ? m_authenticator.check(login->user, login->password, address) : std::nullopt;
+  std::optional<wbem::Role> role;
+  if (login) {
+    role = m_authenticator.check(login->user, login->password, address);
+  }
   Decision decision;
   const utils::ScopedLock lock(m_lock);
   if (!role) {
