@@ -53,6 +53,7 @@ Mutex::Native& Mutex::native() {
   return *std::launder(reinterpret_cast<Native*>(m_native));
 }
 
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): the native mutex is made in its place.
 Mutex::Mutex() {
   static_assert(sizeof(Native) <= kNativeSize && alignof(Native) <= alignof(void*));
   auto* made = new (m_native) Native;
