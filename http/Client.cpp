@@ -59,7 +59,7 @@ struct Client::Implementation {
   void await(const char* what);
   void finish(const error_code& reason);
 
-  [[nodiscard]] ClientFault lateFault(const char* what) const;
+  [[nodiscard]] ClientFault lateFault(const char* what, bool wasSent) const;
   [[nodiscard]] ClientFault connectFault() const;
   [[nodiscard]] ClientFault answerFault(const ResponseReader& reader) const;
 
@@ -249,9 +249,9 @@ void Client::Implementation::await(const char* what) {
     context.restart();
     context.run();  // the operation ends, too
     isFinished = false;
-    const ClientFault late = lateFault(what);
+    const bool wasSent = isSent;
     close();
-    throw late;
+    throw lateFault(what, wasSent);
   }
   isFinished = false;
 }
@@ -261,11 +261,11 @@ void Client::Implementation::finish(const error_code& reason) {
   isFinished = true;
 }
 
-ClientFault Client::Implementation::lateFault(const char* what) const {
+ClientFault Client::Implementation::lateFault(const char* what, bool wasSent) const {
   return ClientFault("The server " + server + " " + what + " within " +
                          std::to_string(timeout.count()) +
                          " ms. Check that it runs and that no firewall is in between.",
-                     ClientFault::Kind::Connection, isSent);
+                     ClientFault::Kind::Connection, wasSent);
 }
 
 ClientFault Client::Implementation::connectFault() const {
