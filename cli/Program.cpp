@@ -16,6 +16,7 @@
 #include "cli/JobsCommand.h"
 #include "cli/UpdateCommand.h"
 #include "cli/WatchCommand.h"
+#include "host/SharedOptions.h"
 #include "midapi/VirtualAdapters.h"
 
 namespace cli {
@@ -58,40 +59,26 @@ std::string describeParseFailure(const CLI::App* app, const CLI::Error& error) {
 }
 
 void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
-  app.add_option("--adapters", options.adapters, "Directory of the adapters (ORVEX_ADAPTERS)")
-      ->type_name("DIR")
-      ->check(CLI::Validator(
-          [](const std::string& text) { return text.empty() ? "must not be empty" : ""; }, ""));
+  host::addAdaptersOption(app, options.adapters);
   app.add_option(
          "--config", options.config,
          "Configuration file (/etc/OrvexQuorvelProvider.conf); Windows takes its registry instead")
       ->type_name("FILE");
-  app.add_option("--log-level", options.logLevel,
-                 "0 nothing, 1 errors to the system log, 2 everything there, 3 also to "
-                 "standard error")
-      ->type_name("0..3")
-      ->check(CLI::Validator(
-          [](const std::string& text) {
-            return text.size() == 1 && text[0] >= '0' && text[0] <= '3' ? ""
-                                                                        : "must be 0, 1, 2 or 3";
-          },
-          ""));
-  const CLI::Validator isGiven(
-      [](const std::string& text) { return text.empty() ? "must not be empty" : ""; }, "");
+  host::addLogLevelOption(app, options.logLevel);
   app.add_option("--host", options.host, "Work in the host at this address, not in this process")
       ->type_name("http(s)://[USER@]HOST:PORT")
-      ->check(isGiven);
+      ->check(host::notEmpty());
   app.add_option("--password-file", options.passwordFile,
                  "File whose first line is the password for the host")
       ->type_name("FILE")
-      ->check(isGiven);
+      ->check(host::notEmpty());
   app.add_option("--cacert", options.caFile,
                  "Certificates (PEM) that vouch for an https host, in place of the system's")
       ->type_name("FILE")
-      ->check(isGiven);
+      ->check(host::notEmpty());
   app.add_option("--namespace", options.nameSpace, "Namespace of the host (root/DCIM/zolan)")
       ->type_name("NAME")
-      ->check(isGiven);
+      ->check(host::notEmpty());
   app.add_flag("--json", options.isJson, "Print the result as one JSON document");
 }
 

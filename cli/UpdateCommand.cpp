@@ -13,6 +13,7 @@
 #include "cli/Refusal.h"
 #include "cli/Session.h"
 #include "cli/Target.h"
+#include "host/SharedOptions.h"
 
 namespace cli {
 namespace {
@@ -154,8 +155,7 @@ void addUpdateCommand(CLI::App& program, Context& context) {
       ->type_name("");
   command->add_option("--identity", options->identity, "Firmware file of 'quorvel identities'")
       ->type_name("IDENTITY")
-      ->check(CLI::Validator(
-          [](const std::string& text) { return text.empty() ? "must not be empty" : ""; }, ""));
+      ->check(host::notEmpty());
   command
       ->add_option("--types", options->update.types, "Install these image types of the file only")
       ->type_name("IMG_PXE+IMG_UEFI")

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "host/SharedOptions.h"
+
 namespace host {
 namespace {
 
@@ -35,12 +37,6 @@ std::string describeParseFailure(const CLI::App* /*app*/, const CLI::Error& erro
   return std::string("quorveld: ") + error.what() + "\nTry 'quorveld --help'.\n";
 }
 
-const CLI::Validator& notEmpty() {
-  static const CLI::Validator validator(
-      [](const std::string& text) { return text.empty() ? "must not be empty" : ""; }, "");
-  return validator;
-}
-
 void addOptions(CLI::App& app, Arguments& arguments) {
   app.add_option("--config", arguments.config,
                  std::string("Settings of the daemon (") + DaemonConfig::kDefaultPath + ")")
@@ -50,25 +46,14 @@ void addOptions(CLI::App& app, Arguments& arguments) {
                  "Where to listen (127.0.0.1:5988), https:ADDRESS:PORT for HTTPS; may be repeated")
       ->type_name("ADDRESS:PORT")
       ->allow_extra_args(false);
-  app.add_option("--adapters", arguments.adapters, "Directory of the adapters (ORVEX_ADAPTERS)")
-      ->type_name("DIR")
-      ->check(notEmpty());
+  addAdaptersOption(app, arguments.adapters);
   app.add_option("--module", arguments.modules,
                  "A module to load in the place of the two that belong to the program; may be "
                  "repeated")
       ->type_name("FILE")
       ->allow_extra_args(false)
       ->check(notEmpty());
-  app.add_option("--log-level", arguments.logLevel,
-                 "0 nothing, 1 errors to the system log, 2 everything there, 3 also to standard "
-                 "error")
-      ->type_name("0..3")
-      ->check(CLI::Validator(
-          [](const std::string& text) {
-            return text.size() == 1 && text[0] >= '0' && text[0] <= '3' ? ""
-                                                                        : "must be 0, 1, 2 or 3";
-          },
-          ""));
+  addLogLevelOption(app, arguments.logLevel);
 }
 
 DaemonConfig merge(const Arguments& arguments) {

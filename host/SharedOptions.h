@@ -1,0 +1,22 @@
+// Arguments that the daemon and the command line have in common, for either's parser.
+
+#ifndef ORVEX_HOST_SHAREDOPTIONS_H_
+#define ORVEX_HOST_SHAREDOPTIONS_H_
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+namespace host {
+
+// Returns a check that refuses an empty value.
+[[nodiscard]] CLI::Validator notEmpty();
+
+// Adds --adapters DIR; `directory` must outlive the parser.
+void addAdaptersOption(CLI::App& app, std::string& directory);
+
+// Adds --log-level N and its check; `level` must outlive the parser.
+void addLogLevelOption(CLI::App& app, std::string& level);
+
+}  // namespace host
+
+#endif  // ORVEX_HOST_SHAREDOPTIONS_H_
