@@ -155,17 +155,18 @@ Json instanceToJson(const InstanceSnapshot& instance, NullProperties nulls) {
 }
 
 void printProperties(std::ostream& out, const Properties& properties, NullProperties nulls) {
+  // A host may name a property as it likes.
+  std::vector<std::pair<std::string, const PropertySnapshot*>> shown;
   std::size_t width = 0;
   for (const PropertySnapshot& property : properties) {
     if (isShown(property, nulls)) {
-      width = std::max(width, property.name.size());
+      const std::string& name = shown.emplace_back(toPrintable(property.name), &property).first;
+      width = std::max(width, name.size());
     }
   }
-  for (const PropertySnapshot& property : properties) {
-    if (isShown(property, nulls)) {
-      out << std::string(kIndent, ' ') << property.name
-          << std::string(width - property.name.size(), ' ') << " = " << toText(property) << '\n';
-    }
+  for (const auto& [name, property] : shown) {
+    out << std::string(kIndent, ' ') << name << std::string(width - name.size(), ' ') << " = "
+        << toText(*property) << '\n';
   }
 }
 

@@ -115,6 +115,13 @@ TEST_F(OutputTest, LinesNamesUp) {
 TEST_F(OutputTest, KeepsControlCharactersFromTheTerminal) {
   m_instance.Id.setValue("a\n\x1b[31m\\");
   EXPECT_EQ(textOf("Id"), "\"a\\n\\x1b[31m\\\\\"");
+
+  std::ostringstream out;
+  cli::printProperties(out,
+                       {{"A\x1b[2J", cli::PropertySnapshot::Kind::Value, 1},
+                        {"B", cli::PropertySnapshot::Kind::Reference, "C.K=\"\n\""}},
+                       NullProperties::Left);
+  EXPECT_EQ(out.str(), "  A\\x1b[2J = 1\n  B        = C.K=\"\\n\"\n");
 }
 
 TEST_F(OutputTest, GivesAnInstanceItsPath) {
