@@ -4,14 +4,15 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
-#include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <poll.h>
 #include <pty.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <unistd.h>
 
+#include "tests/support/Posix/Processes.h"
 #include "tests/support/WaitUntil.h"
 
 namespace test {
@@ -69,33 +70,18 @@ void closeEnd(int& end) {
 RunningQuorvel::RunningQuorvel(const std::vector<std::string>& arguments, OutputTo output,
                                const std::vector<EnvironmentChange>& environment,
                                const std::string& program) {
-  std::vector<std::string> texts{programBeside(program).string()};
-  texts.insert(texts.end(), arguments.begin(), arguments.end());
-  std::vector<char*> pointers;
-  for (std::string& text : texts) {
-    pointers.push_back(text.data());
-  }
-  pointers.push_back(nullptr);
-
+  const std::filesystem::path path = programBeside(program);
   Ends out = makeOutput(output);
   Ends err = makePipe();
-  m_process = demand(fork(), "fork");
+  m_process = forkProcess();
   if (m_process == 0) {
-    for (const EnvironmentChange& change : environment) {
-      if (change.value) {
-        setenv(change.name.c_str(), change.value->c_str(), 1);
-      } else {
-        unsetenv(change.name.c_str());
-      }
-    }
     if (out.writer >= 0) {
       dup2(out.writer, STDOUT_FILENO);
     } else {
       close(STDOUT_FILENO);
     }
     dup2(err.writer, STDERR_FILENO);
-    execv(pointers.front(), pointers.data());
-    _exit(127);
+    becomeProgram(path, arguments, environment);
   }
   closeEnd(out.writer);
   closeEnd(err.writer);

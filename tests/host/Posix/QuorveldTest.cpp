@@ -25,7 +25,6 @@ constexpr const char* kHash =
     "$6$abcdefgh$ltjgWl6579NluT/Vi1nwEvcil.G5Nbc4NiXZaNGStk8PSwGfQv72N2CKPPrVACtLtip/cZ/1GM/"
     "O6IND4WQhG.";
 
-constexpr int kCannotExecute = 127;
 constexpr int kDeadlineMilliseconds =
     static_cast<int>(std::chrono::milliseconds(kDeadline).count());
 
@@ -60,27 +59,12 @@ bool hasEnded(pid_t process) {
 
 RunningQuorveld::RunningQuorveld(const std::vector<std::string>& arguments,
                                  const std::vector<EnvironmentChange>& environment) {
-  std::vector<std::string> texts{programBeside("quorveld").string()};
-  texts.insert(texts.end(), arguments.begin(), arguments.end());
-  std::vector<char*> pointers;
-  for (std::string& text : texts) {
-    pointers.push_back(text.data());
-  }
-  pointers.push_back(nullptr);
-
+  const std::filesystem::path program = programBeside("quorveld");
   const Pipe out;
   m_process = forkProcess();
   if (m_process == 0) {
-    for (const EnvironmentChange& change : environment) {
-      if (change.value) {
-        setenv(change.name.c_str(), change.value->c_str(), 1);
-      } else {
-        unsetenv(change.name.c_str());
-      }
-    }
     dup2(out.in(), STDOUT_FILENO);
-    execv(pointers.front(), pointers.data());
-    _exit(kCannotExecute);
+    becomeProgram(program, arguments, environment);
   }
   close(out.in());
   m_out = os::Descriptor(out.out());

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <system_error>
@@ -23,6 +24,26 @@ pid_t forkProcess() {
     throw std::system_error(errno, std::generic_category(), "fork");
   }
   return process;
+}
+
+void becomeProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+                   const std::vector<EnvironmentChange>& environment) {
+  for (const EnvironmentChange& change : environment) {
+    if (change.value) {
+      setenv(change.name.c_str(), change.value->c_str(), 1);
+    } else {
+      unsetenv(change.name.c_str());
+    }
+  }
+  std::vector<std::string> texts{program.string()};
+  texts.insert(texts.end(), arguments.begin(), arguments.end());
+  std::vector<char*> pointers;
+  for (std::string& text : texts) {
+    pointers.push_back(text.data());
+  }
+  pointers.push_back(nullptr);
+  execv(program.c_str(), pointers.data());
+  _exit(kCannotExecute);
 }
 
 int awaitEnd(pid_t process) {

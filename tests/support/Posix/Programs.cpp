@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <poll.h>
 #include <system_error>
 #include <unistd.h>
@@ -11,29 +10,6 @@
 
 namespace test {
 namespace {
-
-constexpr int kCannotExecute = 127;
-
-[[noreturn]] void execute(const std::filesystem::path& program,
-                          const std::vector<std::string>& arguments,
-                          const std::vector<EnvironmentChange>& environment) {
-  for (const EnvironmentChange& change : environment) {
-    if (change.value) {
-      setenv(change.name.c_str(), change.value->c_str(), 1);
-    } else {
-      unsetenv(change.name.c_str());
-    }
-  }
-  std::vector<std::string> texts{program.string()};
-  texts.insert(texts.end(), arguments.begin(), arguments.end());
-  std::vector<char*> pointers;
-  for (std::string& text : texts) {
-    pointers.push_back(text.data());
-  }
-  pointers.push_back(nullptr);
-  execv(program.c_str(), pointers.data());
-  _exit(kCannotExecute);
-}
 
 // Reads both pipes until the program has closed them.
 void collect(int output, int errors, ProgramResult& result) {
@@ -70,7 +46,7 @@ ProgramResult runProgram(const std::filesystem::path& program,
   if (process == 0) {
     dup2(output.in(), STDOUT_FILENO);
     dup2(errors.in(), STDERR_FILENO);
-    execute(program, arguments, environment);
+    becomeProgram(program, arguments, environment);
   }
   close(output.in());
   close(errors.in());
