@@ -109,7 +109,7 @@ class Namespace {
 
  private:
   struct Key {
-    const core::ClassDeclaration* declaration;
+    const core::ClassDeclaration* declaration = nullptr;
     FormatOptions options;
 
     friend bool operator<(const Key& left, const Key& right) {
