@@ -139,15 +139,14 @@ std::string QuorveldTest::writeUsers() const {
 }
 
 ProgramResult QuorveldTest::wbemcli(std::vector<std::string> arguments, const std::string& object,
-                                    const std::vector<std::string>& more,
-                                    const std::string& user) const {
+                                    const std::vector<std::string>& more) const {
   if (m_isTls) {
     arguments.insert(arguments.begin(), {"-cacert", (m_files.path() / "certificate.pem").string()});
   }
   const std::string scheme = m_isTls ? "https" : "http";
   // Without a login, the client takes an @ in a key for the end of one.
-  const bool needsLogin = user.empty() && object.find('@') != std::string::npos;
-  const std::string login = needsLogin ? "nobody:x" : user;
+  const bool needsLogin = m_login.empty() && object.find('@') != std::string::npos;
+  const std::string login = needsLogin ? "nobody:x" : m_login;
   arguments.push_back(scheme + "://" + (login.empty() ? "" : login + "@") +
                       "127.0.0.1:" + std::to_string(m_daemon->port(scheme)) + "/" + kNamespace +
                       (object.empty() ? "" : ":" + object));
@@ -156,8 +155,8 @@ ProgramResult QuorveldTest::wbemcli(std::vector<std::string> arguments, const st
 }
 
 std::string QuorveldTest::ask(const std::vector<std::string>& arguments, const std::string& object,
-                              const std::vector<std::string>& more, const std::string& user) const {
-  const ProgramResult result = wbemcli(arguments, object, more, user);
+                              const std::vector<std::string>& more) const {
+  const ProgramResult result = wbemcli(arguments, object, more);
   EXPECT_EQ(result.exitStatus, 0) << testing::PrintToString(arguments) << object;
   EXPECT_EQ(result.errors, "") << testing::PrintToString(arguments) << object;
   return result.output;
@@ -173,11 +172,10 @@ std::string QuorveldTest::port(const std::string& deviceId) {
          R"(CreationClassName="Orvex_EthernetPort",DeviceID=")" + deviceId + "\"";
 }
 
-std::string QuorveldTest::startUpdate(const std::string& rom, const std::string& user) const {
+std::string QuorveldTest::startUpdate(const std::string& rom) const {
   const std::string answer = ask({"cm"}, service(),
                                  {"InstallFromURI.URI=\"" + uriOf(rom) + "\",Target=" + port() +
-                                  R"(,InstallOptions=5,32768,InstallOptionsValues="","IMG_PXE")"},
-                                 user);
+                                  R"(,InstallOptions=5,32768,InstallOptionsValues="","IMG_PXE")"});
   const std::regex expected(std::string("InstallFromURI: 4096, Job \\(reference\\): ") +
                             kNamespace + ":(Orvex_ConcreteJob\\.InstanceID=\"[^\"]+\")");
   std::smatch match;
@@ -185,9 +183,8 @@ std::string QuorveldTest::startUpdate(const std::string& rom, const std::string&
   return match[1];
 }
 
-std::string QuorveldTest::propertyOf(const std::string& object, const std::string& name,
-                                     const std::string& user) const {
-  const std::string text = ask({"-nl", "gi"}, object, {}, user);
+std::string QuorveldTest::propertyOf(const std::string& object, const std::string& name) const {
+  const std::string text = ask({"-nl", "gi"}, object);
   std::smatch match;
   return std::regex_search(text, match, std::regex("\n-" + name + "=([^\n]*)")) ? match[1].str()
                                                                                 : "";

@@ -61,25 +61,24 @@ class QuorveldTest : public QuorvelTest {
 
   // Runs Debian's client. `object` is "CLASS..." in the namespace of the agents.
   [[nodiscard]] ProgramResult wbemcli(std::vector<std::string> arguments, const std::string& object,
-                                      const std::vector<std::string>& more = {},
-                                      const std::string& user = "") const;
+                                      const std::vector<std::string>& more = {}) const;
   // Returns its output, having expected it to succeed.
   [[nodiscard]] std::string ask(const std::vector<std::string>& arguments,
                                 const std::string& object,
-                                const std::vector<std::string>& more = {},
-                                const std::string& user = "") const;
+                                const std::vector<std::string>& more = {}) const;
   // Has the following calls go over HTTPS, with the certificate checked.
   void useTls() { m_isTls = true; }
+  // Has the following calls log in, as "USER:PASSWORD".
+  void logIn(const std::string& login) { m_login = login; }
 
   // Object paths without their namespace.
   [[nodiscard]] static std::string service();
   [[nodiscard]] static std::string port(const std::string& deviceId = "0000:03:00.0");
 
   // Has the client start an update from a file, and returns the object path of its job.
-  [[nodiscard]] std::string startUpdate(const std::string& rom, const std::string& user = "") const;
+  [[nodiscard]] std::string startUpdate(const std::string& rom) const;
   // Returns a property of an instance, as the client prints it: 7, "text".
-  [[nodiscard]] std::string propertyOf(const std::string& object, const std::string& name,
-                                       const std::string& user = "") const;
+  [[nodiscard]] std::string propertyOf(const std::string& object, const std::string& name) const;
 
   // Sends bytes over a connection of their own, and returns all that comes back until the server
   // closes it.
@@ -93,6 +92,7 @@ class QuorveldTest : public QuorvelTest {
   TempDirectory m_files;
   std::unique_ptr<RunningQuorveld> m_daemon;
   bool m_isTls = false;
+  std::string m_login;
 };
 
 }  // namespace test
