@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <string>
+#include <vector>
 
 #include "cimxml/ObjectName.h"
 #include "host/MessageFields.h"
@@ -116,6 +117,41 @@ TEST_F(DemandSameFields, TakesTheInstanceOfAMethod) {
         "root/DCIM/zolan:Orvex_ConcreteJob.InstanceID="}) {
     EXPECT_EQ(answerOfObject(object), kMismatch) << object;
   }
+}
+
+TEST_F(DemandSameFields, TakesAKeyThatRefersToAnotherInstance) {
+  const std::string link = R"(Test_Link.Number=1,Device="Test_Device.Slot=2,Id=\"a \\"b\\"\"")";
+  callMethodOf(link);
+  ASSERT_EQ(m_message.target.keys.back().kind, cimxml::KeyBinding::Kind::Reference);
+  const std::vector<std::string> same = {
+      link, R"(test_link.device="test_device.id=\"a \\"b\\"\",slot=2",number=1)"};
+  const std::vector<std::string> others = {
+      R"(Test_Link.Number=1,Device="Test_Device.Slot=3,Id=\"a \\"b\\"\"")",
+      R"(Test_Link.Number=1,Device="Test_Device.Slot=2,Id=\"A \\"b\\"\"")",
+      R"(Test_Link.Number=1,Device="Test_Device.Slot=2")",
+      R"(Test_Link.Number=1,Device="Test_Device")",
+      R"(Test_Link.Number=1,Device="a")",
+      R"(Test_Link.Number=1)"};
+  const auto expectTheSameOnly = [&] {
+    for (const std::string& object : same) {
+      EXPECT_EQ(answerOfObject("root/DCIM/zolan:" + object), "200") << object;
+    }
+    for (const std::string& object : others) {
+      EXPECT_EQ(answerOfObject("root/DCIM/zolan:" + object), kMismatch) << object;
+    }
+  };
+  expectTheSameOnly();
+  // The same text as a string, as a client may send it.
+  m_message.target.keys.back() = {
+      "Device", cimxml::KeyBinding::Kind::String, R"(Test_Device.Slot=2,Id="a \"b\"")", {}};
+  expectTheSameOnly();
+}
+
+TEST_F(DemandSameFields, TakesTheOnlyKeyWithoutItsName) {
+  callMethodOf("Orvex_ConcreteJob.InstanceID=\"a\"");
+  m_message.target.keys.front().name = "";
+  EXPECT_EQ(answerOfObject("root/DCIM/zolan:Orvex_ConcreteJob.InstanceID=\"a\""), "200");
+  EXPECT_EQ(answerOfObject("root/DCIM/zolan:Orvex_ConcreteJob.InstanceID=\"b\""), kMismatch);
 }
 
 TEST_F(DemandSameFields, TakesTheClassOfAMethod) {
