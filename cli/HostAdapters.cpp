@@ -42,7 +42,7 @@ Installed readInstalled(Connection& connection) {
 std::string describeFirmware(const HostAdapter& adapter) {
   std::vector<std::string> texts;
   for (const auto& [type, version] : adapter.components) {
-    texts.push_back(type + " " + version);
+    texts.emplace_back(type).append(" ").append(version);
   }
   return texts.empty() ? "none" : join(texts, ", ");
 }

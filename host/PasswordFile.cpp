@@ -1,7 +1,6 @@
 #include "host/PasswordFile.h"
 
 #include <fstream>
-#include <set>
 #include <string_view>
 #include <system_error>
 #include <utility>
