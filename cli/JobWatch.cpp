@@ -66,9 +66,9 @@ std::optional<JobReport> Watch::look() {
     if (Clock::now() - m_lastAnswer < m_connection.patience()) {
       return std::nullopt;
     }
-    leave(fault.what(), "; the job may go on in the host", fault.status());
+    leave(fault.what(), "\nThe job may go on in the host", fault.status());
   } catch (const Fault& fault) {
-    leave(fault.what(), "; the job may go on in the host", fault.status());
+    leave(fault.what(), "\nThe job may go on in the host", fault.status());
   }
   m_lastAnswer = Clock::now();
   if (!job) {

@@ -173,7 +173,7 @@ TEST_F(HostJobWatchTest, SaysHowToGoOnWhenTheHostAnswersNoMore) {
   m_host.failing = 1000;
   m_host.patienceTime = {};
   EXPECT_EQ(faultOfWait(),
-            "nobody answers; the job may go on in the host; to follow it again:\n  watch job 1");
+            "nobody answers\nThe job may go on in the host; to follow it again:\n  watch job 1");
   EXPECT_EQ(m_host.looks, 2);
 }
 
@@ -181,7 +181,7 @@ TEST_F(HostJobWatchTest, DoesNotAskAgainWhereThatIsOfNoUse) {
   m_host.failing = 1;
   m_host.isPassing = false;
   EXPECT_EQ(faultOfWait(),
-            "who are you; the job may go on in the host; to follow it again:\n  watch job 1");
+            "who are you\nThe job may go on in the host; to follow it again:\n  watch job 1");
   EXPECT_EQ(m_host.looks, 2);
 }
 
