@@ -35,6 +35,12 @@ if(QUORVEL_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
+find_program(LLD_PROGRAM ld.lld)
+if(LLD_PROGRAM)
+  # It links the test programs in a fraction of the time of the compiler's own linker.
+  add_link_options(-fuse-ld=lld)
+endif()
+
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM)
   # ccache has to be told that a precompiled header may stand for its text.
@@ -43,5 +49,7 @@ if(CCACHE_PROGRAM)
       ${CCACHE_PROGRAM})
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     add_compile_options(-fpch-preprocess)
+  elseif(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    add_compile_options("SHELL:-Xclang -fno-pch-timestamp")
   endif()
 endif()

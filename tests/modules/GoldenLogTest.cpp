@@ -126,8 +126,8 @@ bool isOfOnePlatform(const std::string& record) {
       "MainDllEntry:DllMain: debug: SoftwareUpdate Agent DllMain(2)\n",
       "MainDllEntry:DllMain: debug: SoftwareUpdate Agent DllMain(3)\n",
       "Utils/Singleton:utils::Singleton<class utils::WindowsRegistry>::Singleton: debug: New ",
-      "Utils/Singleton:utils::Singleton<class utils::WindowsSemaphoreWrapper>::Singleton: debug: "
-      "New ",
+      ("Utils/Singleton:utils::Singleton<class utils::WindowsSemaphoreWrapper>::Singleton: debug: "
+       "New "),
       "Os/PLATFORM:utils::WindowsRegistry::getRegistryData: debug: Opennig key ",
   };
   return std::any_of(std::begin(kStarts), std::end(kStarts),
