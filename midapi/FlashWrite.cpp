@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "midapi/Hex.h"
-#include "midapi/Texts.h"
+#include "platform/Texts.h"
 
 namespace ma {
 namespace {
@@ -125,7 +125,7 @@ void FlashWrite::compare(const std::filesystem::path& written) {
       std::mismatch(found.begin(), found.end(), m_image.begin(), m_image.end());
   if (different != found.end() || expected != m_image.end()) {
     throw FlashFault(FlashError::CompareMismatch,
-                     toShownText(written) + " differs from the image at 0x" +
+                     platform::toShownText(written) + " differs from the image at 0x" +
                          hexText(static_cast<std::uint64_t>(different - found.begin()), 2));
   }
 }

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "midapi/FlashWrite.h"
-#include "midapi/Texts.h"
+#include "platform/Texts.h"
 
 namespace ma {
 namespace {
@@ -12,9 +12,9 @@ namespace {
 void demandPort(const AdapterDescription& description, const AdapterFolder& folder,
                 const PortId& port) {
   if (description.findPort(port.function) == nullptr) {
-    throw FlashFault(
-        FlashError::UnknownAdapter,
-        toString(port) + " (" + toShownText(folder.descriptionPath()) + " lists no such function)");
+    throw FlashFault(FlashError::UnknownAdapter,
+                     toString(port) + " (" + platform::toShownText(folder.descriptionPath()) +
+                         " lists no such function)");
   }
 }
 

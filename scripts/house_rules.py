@@ -3,11 +3,12 @@
 # Top folders, each with those whose headers it may include. A pair names single headers.
 MIDAPI_VOCABULARY = ("Utils", ("Utils/FirmwareTypes.h", "Utils/Export.h"))
 MAY_INCLUDE = {
-    "Utils": ["Utils"],
-    "Os": ["Os", "Utils"],
+    "platform": ["platform"],
+    "Utils": ["Utils", "platform"],
+    "Os": ["Os", "Utils", "platform"],
     "core": ["core", "Os", "Utils"],
     "cim": ["cim", "core", "Os", "Utils"],
-    "midapi": ["midapi", MIDAPI_VOCABULARY],
+    "midapi": ["midapi", "platform", MIDAPI_VOCABULARY],
     "inventory": ["inventory", "cim", "core", "Os", "Utils", "midapi"],
     "agent": ["agent", "inventory", "cim", "core", "Os", "Utils", "midapi"],
     "cimxml": ["cimxml", "core", "Utils"],
@@ -21,7 +22,7 @@ MAY_INCLUDE = {
 
 # Folders that speak to one operating system.
 OS_FOLDERS = (
-    "Os/Posix/", "Os/Windows/", "midapi/Posix/", "midapi/Windows/", "host/Posix/", "host/Windows/",
+    "platform/Posix/", "platform/Windows/", "Os/Posix/", "Os/Windows/", "midapi/Posix/", "midapi/Windows/", "host/Posix/", "host/Windows/",
     "cli/Posix/", "cli/Windows/", "agent/Posix/", "agent/Windows/", "inventory/Posix/",
     "inventory/Windows/", "bench/Posix/",
 )
@@ -63,7 +64,8 @@ PLATFORM_VARIABLE = "${QUORVEL_PLATFORM_DIR}"
 
 # Folders whose sources need tests.
 TESTED_FOLDERS = (
-    "Utils", "Os", "core", "cim", "midapi", "inventory", "agent", "cimxml", "http", "wbem", "host", "cli",
+    "platform", "Utils", "Os", "core", "cim", "midapi", "inventory", "agent", "cimxml", "http", "wbem",
+    "host", "cli",
 )
 
 OS_HEADER_NAMES = {

@@ -6,9 +6,9 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <utility>
 
 #include "midapi/FileSystem.h"
+#include "platform/Posix/Descriptor.h"
 
 namespace ma {
 namespace {
@@ -29,39 +29,23 @@ auto retry(Call call) {
   return result;
 }
 
-class Descriptor {
- public:
-  Descriptor(const char* operation, const fs::path& path, int flags)
-      : m_number(retry([&] { return ::open(path.c_str(), flags | O_CLOEXEC, 0644); })) {
-    if (m_number < 0) {
-      fail(operation, path, errno);
-    }
+platform::Descriptor openFile(const char* operation, const fs::path& path, int flags) {
+  platform::Descriptor file(retry([&] { return ::open(path.c_str(), flags | O_CLOEXEC, 0644); }));
+  if (!file.isOpen()) {
+    fail(operation, path, errno);
   }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  ~Descriptor() {
-    if (m_number >= 0) {
-      ::close(m_number);
-    }
-  }
-
-  [[nodiscard]] int number() const { return m_number; }
-  // Gives the descriptor up; the number is free again even where the system reports a failure.
-  [[nodiscard]] int close() { return ::close(std::exchange(m_number, -1)); }
-
- private:
-  int m_number;
-};
+  return file;
+}
 
 class PosixWritableFile final : public WritableFile {
  public:
   explicit PosixWritableFile(const fs::path& path)
-      : m_path(path), m_descriptor("create", path, O_WRONLY | O_CREAT | O_TRUNC) {}
+      : m_path(path), m_file(openFile("create", path, O_WRONLY | O_CREAT | O_TRUNC)) {}
 
   void append(ConstBytes bytes) override {
     while (!bytes.empty()) {
       const ssize_t written =
-          retry([&] { return ::write(m_descriptor.number(), bytes.data(), bytes.size()); });
+          retry([&] { return ::write(m_file.get(), bytes.data(), bytes.size()); });
       if (written < 0) {
         fail("write", m_path, errno);
       }
@@ -70,25 +54,25 @@ class PosixWritableFile final : public WritableFile {
   }
 
   void sync() override {
-    if (retry([&] { return ::fsync(m_descriptor.number()); }) != 0) {
+    if (retry([&] { return ::fsync(m_file.get()); }) != 0) {
       fail("write", m_path, errno);
     }
   }
 
   void close() override {
-    if (m_descriptor.close() != 0 && errno != EINTR) {
+    if (!m_file.close() && errno != EINTR) {
       fail("write", m_path, errno);
     }
   }
 
  private:
   fs::path m_path;
-  Descriptor m_descriptor;
+  platform::Descriptor m_file;
 };
 
 void syncFolder(const fs::path& path) {
-  const Descriptor folder("open", path, O_RDONLY | O_DIRECTORY);
-  if (retry([&] { return ::fsync(folder.number()); }) != 0) {
+  const platform::Descriptor folder = openFile("open", path, O_RDONLY | O_DIRECTORY);
+  if (retry([&] { return ::fsync(folder.get()); }) != 0) {
     fail("write", path, errno);
   }
 }
@@ -109,9 +93,9 @@ class PosixFileSystem final : public FileSystem {
  public:
   FileBytes read(const fs::path& path, std::size_t maxSize) override {
     // Without O_NONBLOCK, opening a FIFO that was put in the place of a file would wait for ever.
-    const Descriptor file("read", path, O_RDONLY | O_NONBLOCK);
+    const platform::Descriptor file = openFile("read", path, O_RDONLY | O_NONBLOCK);
     struct stat state {};
-    if (::fstat(file.number(), &state) != 0) {
+    if (::fstat(file.get(), &state) != 0) {
       fail("read", path, errno);
     }
     if (!S_ISREG(state.st_mode)) {
@@ -123,7 +107,7 @@ class PosixFileSystem final : public FileSystem {
     FileBytes content(static_cast<std::size_t>(state.st_size));
     std::span<std::uint8_t> rest = content.writable();
     while (!rest.empty()) {
-      const ssize_t count = retry([&] { return ::read(file.number(), rest.data(), rest.size()); });
+      const ssize_t count = retry([&] { return ::read(file.get(), rest.data(), rest.size()); });
       if (count < 0) {
         fail("read", path, errno);
       }

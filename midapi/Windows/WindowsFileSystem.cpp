@@ -2,10 +2,11 @@
 #include <chrono>
 #include <limits>
 #include <mutex>
-#include <utility>
 #include <windows.h>
 
 #include "midapi/FileSystem.h"
+#include "platform/Windows/Handle.h"
+#include "platform/Windows/NoErrorDialogs.h"
 
 namespace ma {
 namespace {
@@ -60,48 +61,16 @@ DWORD moveInto(const fs::path& from, const fs::path& to, std::mutex& readers) {
   }
 }
 
-// Keeps the system from asking whoever sits at the screen about an empty drive while this object
-// lives: the call fails instead. For the calling thread only.
-class NoErrorDialogs {
- public:
-  NoErrorDialogs() {
-    SetThreadErrorMode(GetThreadErrorMode() | SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX,
-                       &m_before);
+platform::Handle openFile(const char* operation, const fs::path& path, DWORD access,
+                          DWORD creation) {
+  const HANDLE file =
+      CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                  nullptr, creation, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) {
+    fail(operation, path, GetLastError());
   }
-  NoErrorDialogs(const NoErrorDialogs&) = delete;
-  NoErrorDialogs& operator=(const NoErrorDialogs&) = delete;
-  ~NoErrorDialogs() { SetThreadErrorMode(m_before, nullptr); }
-
- private:
-  DWORD m_before = 0;
-};
-
-class Handle {
- public:
-  Handle(const char* operation, const fs::path& path, DWORD access, DWORD creation)
-      : m_handle(CreateFileW(path.c_str(), access,
-                             FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                             creation, FILE_ATTRIBUTE_NORMAL, nullptr)) {
-    if (m_handle == INVALID_HANDLE_VALUE) {
-      fail(operation, path, GetLastError());
-    }
-  }
-  Handle(const Handle&) = delete;
-  Handle& operator=(const Handle&) = delete;
-  ~Handle() {
-    if (m_handle != INVALID_HANDLE_VALUE) {
-      CloseHandle(m_handle);
-    }
-  }
-
-  [[nodiscard]] HANDLE get() const { return m_handle; }
-  [[nodiscard]] bool close() {
-    return CloseHandle(std::exchange(m_handle, INVALID_HANDLE_VALUE)) != FALSE;
-  }
-
- private:
-  HANDLE m_handle;
-};
+  return platform::Handle(file);
+}
 
 // Returns how many of the bytes one call may transfer.
 DWORD portionOf(std::size_t size) {
@@ -111,10 +80,10 @@ DWORD portionOf(std::size_t size) {
 class WindowsWritableFile final : public WritableFile {
  public:
   explicit WindowsWritableFile(const fs::path& path)
-      : m_path(path), m_file("create", path, GENERIC_WRITE, CREATE_ALWAYS) {}
+      : m_path(path), m_file(openFile("create", path, GENERIC_WRITE, CREATE_ALWAYS)) {}
 
   void append(ConstBytes bytes) override {
-    const NoErrorDialogs noDialogs;
+    const platform::NoErrorDialogs noDialogs;
     while (!bytes.empty()) {
       DWORD written = 0;
       if (WriteFile(m_file.get(), bytes.data(), portionOf(bytes.size()), &written, nullptr) ==
@@ -126,7 +95,7 @@ class WindowsWritableFile final : public WritableFile {
   }
 
   void sync() override {
-    const NoErrorDialogs noDialogs;
+    const platform::NoErrorDialogs noDialogs;
     if (FlushFileBuffers(m_file.get()) == FALSE) {
       fail("write", m_path, GetLastError());
     }
@@ -140,18 +109,18 @@ class WindowsWritableFile final : public WritableFile {
 
  private:
   fs::path m_path;
-  Handle m_file;
+  platform::Handle m_file;
 };
 
 class WindowsFileSystem final : public FileSystem {
  public:
   FileBytes read(const fs::path& path, std::size_t maxSize) override {
-    const NoErrorDialogs noDialogs;
+    const platform::NoErrorDialogs noDialogs;
     if (isFolder(path)) {
       fail("read", path, std::errc::is_a_directory);
     }
     const std::lock_guard lock(m_readers);
-    const Handle file("read", path, GENERIC_READ, OPEN_EXISTING);
+    const platform::Handle file = openFile("read", path, GENERIC_READ, OPEN_EXISTING);
     LARGE_INTEGER size{};
     if (GetFileType(file.get()) != FILE_TYPE_DISK || GetFileSizeEx(file.get(), &size) == FALSE) {
       fail("read", path, std::errc::invalid_argument);
@@ -176,7 +145,7 @@ class WindowsFileSystem final : public FileSystem {
   }
 
   Folders folders(const fs::path& path) override {
-    const NoErrorDialogs noDialogs;
+    const platform::NoErrorDialogs noDialogs;
     Folders found;
     std::error_code error;
     fs::directory_iterator entry(path, error);
@@ -199,7 +168,7 @@ class WindowsFileSystem final : public FileSystem {
   }
 
   bool exists(const fs::path& path) override {
-    const NoErrorDialogs noDialogs;
+    const platform::NoErrorDialogs noDialogs;
     if (GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES) {
       return true;
     }
@@ -211,26 +180,26 @@ class WindowsFileSystem final : public FileSystem {
   }
 
   std::unique_ptr<WritableFile> create(const fs::path& path) override {
-    const NoErrorDialogs noDialogs;
+    const platform::NoErrorDialogs noDialogs;
     return std::make_unique<WindowsWritableFile>(path);
   }
 
   void replace(const fs::path& from, const fs::path& to) override {
-    const NoErrorDialogs noDialogs;
+    const platform::NoErrorDialogs noDialogs;
     if (const DWORD error = moveInto(from, to, m_readers); error != ERROR_SUCCESS) {
       fail("replace", to, error);
     }
   }
 
   void createFolder(const fs::path& path) override {
-    const NoErrorDialogs noDialogs;
+    const platform::NoErrorDialogs noDialogs;
     if (CreateDirectoryW(path.c_str(), nullptr) == FALSE) {
       fail("create", path, GetLastError());
     }
   }
 
   void createFolders(const fs::path& path) override {
-    const NoErrorDialogs noDialogs;
+    const platform::NoErrorDialogs noDialogs;
     std::error_code error;
     fs::create_directories(path, error);
     if (error) {
@@ -239,7 +208,7 @@ class WindowsFileSystem final : public FileSystem {
   }
 
   void removeQuietly(const fs::path& path) noexcept override {
-    const NoErrorDialogs noDialogs;
+    const platform::NoErrorDialogs noDialogs;
     std::error_code ignored;
     fs::remove_all(path, ignored);
   }
