@@ -14,6 +14,7 @@
 #include <optional>
 #include <vector>
 
+#include "Utils/FirmwareTypes.h"
 #include "midapi/AdapterDescription.h"
 #include "midapi/FileSystem.h"
 

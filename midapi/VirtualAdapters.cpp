@@ -11,7 +11,6 @@
 #include "midapi/Hex.h"
 #include "midapi/ImagePreparation.h"
 #include "midapi/OptionRom.h"
-#include "midapi/VirtualFlashBackend.h"
 #include "platform/Texts.h"
 
 namespace ma {
