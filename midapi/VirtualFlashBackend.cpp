@@ -48,7 +48,7 @@ FileBytes VirtualFlashBackend::readFlash(const PortId& port) {
 
 void VirtualFlashBackend::setBootType(const PortId& port, BootType bootType) {
   const AdapterFolder folder = folderOf(port);
-  const std::lock_guard lock(m_descriptionMutex);
+  const platform::Lock lock(m_descriptionMutex);
   static_cast<void>(describePort(folder, port));
   folder.storeBootType(port.function, bootType);
 }
@@ -62,7 +62,7 @@ void VirtualFlashBackend::writeFlash(const PortId& port, ConstBytes image,
 
 void VirtualFlashBackend::setCapabilityWord(const PortId& port, std::uint32_t word) {
   const AdapterFolder folder = folderOf(port);
-  const std::lock_guard lock(m_descriptionMutex);
+  const platform::Lock lock(m_descriptionMutex);
   const AdapterDescription description = describePort(folder, port);
   if (description.capabilityWordFault) {
     throw FlashFault(description.capabilityWordFault->code, description.capabilityWordFault->text);

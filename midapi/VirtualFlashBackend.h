@@ -6,12 +6,12 @@
 
 #include <filesystem>
 #include <functional>
-#include <mutex>
 #include <string>
 
 #include "midapi/AdapterCache.h"
 #include "midapi/AdapterFolder.h"
 #include "midapi/FlashBackend.h"
+#include "platform/Mutex.h"
 
 namespace ma {
 
@@ -36,7 +36,7 @@ class VirtualFlashBackend final : public FlashBackend {
   const std::function<std::filesystem::path()> m_directory;
   AdapterCache m_cache;
   // Held while a description is changed, so that no change is lost to another one.
-  std::mutex m_descriptionMutex;
+  platform::Mutex m_descriptionMutex;
 };
 
 }  // namespace ma

@@ -1,10 +1,10 @@
 #include <algorithm>
 #include <chrono>
 #include <limits>
-#include <mutex>
 #include <windows.h>
 
 #include "midapi/FileSystem.h"
+#include "platform/Mutex.h"
 #include "platform/Windows/Handle.h"
 #include "platform/Windows/NoErrorDialogs.h"
 
@@ -40,12 +40,12 @@ constexpr DWORD kPause = 1;  // milliseconds
 
 // Moves a file or folder. A file in its way is replaced, which the system refuses for as long as
 // anybody has that open; `readers` is locked for each attempt. Returns the error, 0 for none.
-DWORD moveInto(const fs::path& from, const fs::path& to, std::mutex& readers) {
+DWORD moveInto(const fs::path& from, const fs::path& to, platform::Mutex& readers) {
   const auto deadline = std::chrono::steady_clock::now() + kPatience;
   for (;;) {
     DWORD error = ERROR_SUCCESS;
     {
-      const std::lock_guard lock(readers);
+      const platform::Lock lock(readers);
       if (MoveFileExW(from.c_str(), to.c_str(),
                       MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) == FALSE) {
         error = GetLastError();
@@ -119,7 +119,7 @@ class WindowsFileSystem final : public FileSystem {
     if (isFolder(path)) {
       fail("read", path, std::errc::is_a_directory);
     }
-    const std::lock_guard lock(m_readers);
+    const platform::Lock lock(m_readers);
     const platform::Handle file = openFile("read", path, GENERIC_READ, OPEN_EXISTING);
     LARGE_INTEGER size{};
     if (GetFileType(file.get()) != FILE_TYPE_DISK || GetFileSizeEx(file.get(), &size) == FALSE) {
@@ -216,7 +216,7 @@ class WindowsFileSystem final : public FileSystem {
  private:
   // Held while a file is open for reading, so that a client of this process that reads over and
   // over is never in the way of a replacement.
-  std::mutex m_readers;
+  platform::Mutex m_readers;
 };
 
 }  // namespace
