@@ -28,8 +28,9 @@ AdapterDescription describePort(const AdapterFolder& folder, const PortId& port)
 }  // namespace
 
 VirtualFlashBackend::VirtualFlashBackend(FileSystem& files,
-                                         std::function<std::filesystem::path()> directory)
-    : m_files(files), m_directory(std::move(directory)), m_cache(files) {}
+                                         std::function<std::filesystem::path()> directory,
+                                         platform::Clock& clock)
+    : m_files(files), m_directory(std::move(directory)), m_clock(clock), m_cache(files) {}
 
 utils::StringArray VirtualFlashBackend::enumerateAdapters() {
   return m_cache.ports(m_directory());
@@ -57,7 +58,7 @@ void VirtualFlashBackend::writeFlash(const PortId& port, ConstBytes image,
                                      WriteProgress& progress) {
   const AdapterFolder folder = folderOf(port);
   const AdapterDescription description = describePort(folder, port);
-  FlashWrite(m_files, folder, description, image, progress).run();
+  FlashWrite(m_files, folder, description, image, progress, m_clock).run();
 }
 
 void VirtualFlashBackend::setCapabilityWord(const PortId& port, std::uint32_t word) {

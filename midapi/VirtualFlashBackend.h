@@ -11,6 +11,7 @@
 #include "midapi/AdapterCache.h"
 #include "midapi/AdapterFolder.h"
 #include "midapi/FlashBackend.h"
+#include "platform/Clock.h"
 #include "platform/Mutex.h"
 
 namespace ma {
@@ -18,8 +19,9 @@ namespace ma {
 class VirtualFlashBackend final : public FlashBackend {
  public:
   // `directory` gives the adapters directory and is asked at each operation. A directory that does
-  // not exist holds no adapters.
-  VirtualFlashBackend(FileSystem& files, std::function<std::filesystem::path()> directory);
+  // not exist holds no adapters. Writes are paced by `clock`.
+  VirtualFlashBackend(FileSystem& files, std::function<std::filesystem::path()> directory,
+                      platform::Clock& clock);
 
   // FlashBackend
   utils::StringArray enumerateAdapters() override;
@@ -34,6 +36,7 @@ class VirtualFlashBackend final : public FlashBackend {
 
   FileSystem& m_files;
   const std::function<std::filesystem::path()> m_directory;
+  platform::Clock& m_clock;
   AdapterCache m_cache;
   // Held while a description is changed, so that no change is lost to another one.
   platform::Mutex m_descriptionMutex;

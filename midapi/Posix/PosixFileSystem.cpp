@@ -1,3 +1,5 @@
+#include "midapi/Posix/PosixFileSystem.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
@@ -6,8 +8,8 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
-#include "midapi/FileSystem.h"
 #include "platform/Posix/Descriptor.h"
 
 namespace ma {
@@ -89,8 +91,16 @@ std::int64_t nanoseconds(const timespec& time) {
   return std::int64_t{time.tv_sec} * kSecond + time.tv_nsec;
 }
 
+std::optional<std::int64_t> currentStamp() {
+  timespec now{};
+  return ::clock_gettime(CLOCK_REALTIME_COARSE, &now) == 0 ? std::optional(nanoseconds(now))
+                                                           : std::nullopt;
+}
+
 class PosixFileSystem final : public FileSystem {
  public:
+  explicit PosixFileSystem(StampClock now) : m_now(std::move(now)) {}
+
   FileBytes read(const fs::path& path, std::size_t maxSize) override {
     // Without O_NONBLOCK, opening a FIFO that was put in the place of a file would wait for ever.
     const platform::Descriptor file = openFile("read", path, O_RDONLY | O_NONBLOCK);
@@ -138,14 +148,14 @@ class PosixFileSystem final : public FileSystem {
   }
 
   std::optional<FileIdentity> identity(const fs::path& path) const noexcept override {
-    timespec now{};
+    const std::optional<std::int64_t> now = m_now();
     struct stat state {};
-    if (::clock_gettime(CLOCK_REALTIME_COARSE, &now) != 0 || ::stat(path.c_str(), &state) != 0) {
+    if (!now || ::stat(path.c_str(), &state) != 0) {
       return std::nullopt;
     }
     const std::int64_t modified = nanoseconds(state.st_mtim);
     const std::int64_t changed = nanoseconds(state.st_ctim);
-    const std::int64_t age = nanoseconds(now) - std::max(modified, changed);
+    const std::int64_t age = *now - std::max(modified, changed);
     if (age < (modified % kSecond == 0 ? kSettlingTimeOfSeconds : kSettlingTime)) {
       return std::nullopt;
     }
@@ -193,13 +203,20 @@ class PosixFileSystem final : public FileSystem {
     std::error_code ignored;
     fs::remove_all(path, ignored);
   }
+
+ private:
+  const StampClock m_now;
 };
 
 }  // namespace
 
+std::unique_ptr<FileSystem> makePosixFileSystem(StampClock now) {
+  return std::make_unique<PosixFileSystem>(std::move(now));
+}
+
 // Never destroyed: job threads may still ask it while the process exits.
 FileSystem& nativeFileSystem() {
-  static FileSystem& files = *new PosixFileSystem;
+  static FileSystem& files = *new PosixFileSystem(currentStamp);
   return files;
 }
 

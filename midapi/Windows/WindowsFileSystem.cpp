@@ -1,9 +1,10 @@
+#include "midapi/Windows/WindowsFileSystem.h"
+
 #include <algorithm>
 #include <chrono>
 #include <limits>
 #include <windows.h>
 
-#include "midapi/FileSystem.h"
 #include "platform/Mutex.h"
 #include "platform/Windows/Handle.h"
 #include "platform/Windows/NoErrorDialogs.h"
@@ -36,12 +37,13 @@ bool isFolder(const fs::path& path) {
 // How long a file is waited for that others have open. They read a few megabytes at the most, and
 // what they hold longer they do not let go in the time that a caller waits.
 constexpr std::chrono::seconds kPatience{2};
-constexpr DWORD kPause = 1;  // milliseconds
+constexpr std::chrono::milliseconds kPause{1};
 
 // Moves a file or folder. A file in its way is replaced, which the system refuses for as long as
 // anybody has that open; `readers` is locked for each attempt. Returns the error, 0 for none.
-DWORD moveInto(const fs::path& from, const fs::path& to, platform::Mutex& readers) {
-  const auto deadline = std::chrono::steady_clock::now() + kPatience;
+DWORD moveInto(const fs::path& from, const fs::path& to, platform::Mutex& readers,
+               platform::Clock& clock) {
+  const platform::Clock::TimePoint deadline = clock.now() + kPatience;
   for (;;) {
     DWORD error = ERROR_SUCCESS;
     {
@@ -54,10 +56,10 @@ DWORD moveInto(const fs::path& from, const fs::path& to, platform::Mutex& reader
     if (error == ERROR_SUCCESS) {
       return error;
     }
-    if (!isInUse(error) || isFolder(to) || std::chrono::steady_clock::now() >= deadline) {
+    if (!isInUse(error) || isFolder(to) || clock.now() >= deadline) {
       return error;
     }
-    Sleep(kPause);
+    clock.sleepFor(kPause);
   }
 }
 
@@ -114,6 +116,8 @@ class WindowsWritableFile final : public WritableFile {
 
 class WindowsFileSystem final : public FileSystem {
  public:
+  explicit WindowsFileSystem(platform::Clock& clock) : m_clock(clock) {}
+
   FileBytes read(const fs::path& path, std::size_t maxSize) override {
     const platform::NoErrorDialogs noDialogs;
     if (isFolder(path)) {
@@ -186,7 +190,7 @@ class WindowsFileSystem final : public FileSystem {
 
   void replace(const fs::path& from, const fs::path& to) override {
     const platform::NoErrorDialogs noDialogs;
-    if (const DWORD error = moveInto(from, to, m_readers); error != ERROR_SUCCESS) {
+    if (const DWORD error = moveInto(from, to, m_readers, m_clock); error != ERROR_SUCCESS) {
       fail("replace", to, error);
     }
   }
@@ -214,6 +218,7 @@ class WindowsFileSystem final : public FileSystem {
   }
 
  private:
+  platform::Clock& m_clock;
   // Held while a file is open for reading, so that a client of this process that reads over and
   // over is never in the way of a replacement.
   platform::Mutex m_readers;
@@ -221,9 +226,13 @@ class WindowsFileSystem final : public FileSystem {
 
 }  // namespace
 
+std::unique_ptr<FileSystem> makeWindowsFileSystem(platform::Clock& clock) {
+  return std::make_unique<WindowsFileSystem>(clock);
+}
+
 // Never destroyed: job threads may still ask it while the process exits.
 FileSystem& nativeFileSystem() {
-  static FileSystem& files = *new WindowsFileSystem;
+  static FileSystem& files = *new WindowsFileSystem(platform::steadyClock());
   return files;
 }
 

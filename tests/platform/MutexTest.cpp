@@ -1,9 +1,9 @@
-#include "platform/Mutex.h"
-
 #include <condition_variable>
 #include <gmock/gmock.h>
 #include <thread>
 #include <vector>
+
+#include "platform/Mutex.h"
 
 namespace {
 
