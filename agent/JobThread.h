@@ -10,6 +10,7 @@
 #include "Utils/Mutex.h"
 #include "Utils/Thread.h"
 #include "agent/FlashJob.h"
+#include "platform/Clock.h"
 
 // A boolean under a mutex of its own.
 class LockedFlag {
@@ -30,12 +31,12 @@ class LockedFlag {
 
 // Waits until the flag is set or `milliseconds` are used up, in steps of 50 ms. Returns what is
 // left of them, negative when they did not suffice.
-int waitForFlag(const LockedFlag& flag, int milliseconds);
+int waitForFlag(const LockedFlag& flag, int milliseconds, platform::Clock& clock);
 
 class JobThread : public utils::Thread {
  public:
-  // `myJob` must outlive the thread. Throws utils::Exception for null.
-  explicit JobThread(FlashJob* myJob);
+  // `myJob` and `clock` must outlive the thread. Throws utils::Exception for null.
+  JobThread(FlashJob* myJob, platform::Clock& clock);
   ~JobThread() override;
 
   // Runs the update.
@@ -53,6 +54,7 @@ class JobThread : public utils::Thread {
   void disableIscsiBoot();
 
   FlashJob* const m_job;
+  platform::Clock& m_clock;
   LockedFlag m_done;
   LockedFlag m_stopRequested;
   LockedFlag m_started;

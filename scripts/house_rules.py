@@ -10,7 +10,7 @@ MAY_INCLUDE = {
     "cim": ["cim", "core", "Os", "Utils"],
     "midapi": ["midapi", "platform", MIDAPI_VOCABULARY],
     "inventory": ["inventory", "cim", "core", "Os", "Utils", "midapi"],
-    "agent": ["agent", "inventory", "cim", "core", "Os", "Utils", "midapi"],
+    "agent": ["agent", "inventory", "cim", "core", "Os", "Utils", "platform", "midapi"],
     "cimxml": ["cimxml", "core", "Utils"],
     "http": ["http", "Utils"],
     "wbem": ["wbem", "cimxml", "cim", "core", "Os", "Utils"],
