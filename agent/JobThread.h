@@ -42,7 +42,7 @@ class JobThread : public utils::Thread {
   // Runs the update.
   void run() override;
 
-  // Notes that the update should end. A flash that is being written is not given up.
+  // Notes that the update should end, and no more: a flash that is being written is not given up.
   virtual void requestStop();
 
   // Starts the thread, which counts as started from the attempt on. Throws as start().
@@ -56,7 +56,7 @@ class JobThread : public utils::Thread {
   FlashJob* const m_job;
   platform::Clock& m_clock;
   LockedFlag m_done;
-  LockedFlag m_stopRequested;
+  LockedFlag m_stopRequested;  // for a debugger; see requestStop()
   LockedFlag m_started;
   LockedFlag m_launched;  // set once the thread exists
 };

@@ -22,9 +22,9 @@ MAY_INCLUDE = {
 
 # Folders that speak to one operating system.
 OS_FOLDERS = (
-    "platform/Posix/", "platform/Windows/", "Os/Posix/", "Os/Windows/", "midapi/Posix/", "midapi/Windows/", "host/Posix/", "host/Windows/",
-    "cli/Posix/", "cli/Windows/", "agent/Posix/", "agent/Windows/", "inventory/Posix/",
-    "inventory/Windows/", "bench/Posix/",
+    "platform/Posix/", "platform/Windows/", "Os/Posix/", "Os/Windows/", "midapi/Posix/",
+    "midapi/Windows/", "host/Posix/", "host/Windows/", "cli/Posix/", "cli/Windows/", "agent/Posix/",
+    "agent/Windows/", "inventory/Posix/", "inventory/Windows/", "bench/Posix/",
 )
 # Tests may include an OS header anywhere; conditionals stay in folders named for a platform.
 OS_HEADERS_ALSO_IN = ("tests/",)
