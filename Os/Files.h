@@ -2,7 +2,7 @@
 //
 // Only regular files count as files; a device, a socket or a pipe "could not be opened". So could a
 // file of 2 GiB or more, whose size does not fit the interface. Paths are texts of the program (see
-// Os/Texts.h).
+// platform/Texts.h).
 
 #ifndef ORVEX_OS_FILES_H_
 #define ORVEX_OS_FILES_H_

@@ -1,36 +1,17 @@
-// Texts of the program, and what stands for them outside: paths and UTF-8. Defined per platform.
-//
-// POSIX passes the bytes through. On Windows the arguments, the environment, the settings and the
-// paths of Os/Files.h are texts in the ANSI code page; std::filesystem would take their bytes for
-// characters, and gives out UTF-8. So every text that names a file becomes a path here, and every
-// path a text. Any thread may call.
+// The texts of platform/Texts.h, for the folders above this one.
 
 #ifndef ORVEX_OS_TEXTS_H_
 #define ORVEX_OS_TEXTS_H_
 
-#include <filesystem>
-#include <optional>
-#include <string>
-
-#include "Utils/Export.h"
+#include "platform/Texts.h"
 
 namespace os {
 
-[[nodiscard]] ORVEX_CORE_API std::filesystem::path toPath(const std::string& text);
-
-// Returns the text that names the same file; none when the path has characters that the code page
-// lacks, for their likenesses may name another file.
-[[nodiscard]] ORVEX_CORE_API std::optional<std::string> toText(const std::filesystem::path& path);
-
-// Returns the same with slashes between the names, as in a URI.
-[[nodiscard]] inline std::optional<std::string> toGenericText(const std::filesystem::path& path) {
-  return toText(path.generic_string<std::filesystem::path::value_type>());
-}
-
-// Returns a text for people, with likenesses or question marks for what the code page lacks.
-[[nodiscard]] ORVEX_CORE_API std::string toShownText(const std::filesystem::path& path);
-
-[[nodiscard]] ORVEX_CORE_API std::string toUtf8(const std::string& text);
+using platform::toGenericText;
+using platform::toPath;
+using platform::toShownText;
+using platform::toText;
+using platform::toUtf8;
 
 }  // namespace os
 

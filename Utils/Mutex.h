@@ -10,7 +10,7 @@
 #include <cstddef>
 
 #include "Utils/Export.h"
-#include "Utils/ThreadAnnotations.h"
+#include "platform/ThreadAnnotations.h"
 
 namespace utils {
 

@@ -4,7 +4,6 @@
 #include <atomic>
 #include <chrono>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "Os/OSLocker.h"
@@ -43,15 +42,15 @@ bool findsByBisection(const std::vector<utils::FirmwareType>& types, utils::Firm
 
 }  // namespace
 
-int waitForFlag(const LockedFlag& flag, int milliseconds) {
+int waitForFlag(const LockedFlag& flag, int milliseconds, platform::Clock& clock) {
   while (!flag.isSet() && milliseconds >= 1) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(kPollStep));
+    clock.sleepFor(std::chrono::milliseconds(kPollStep));
     milliseconds -= kPollStep;
   }
   return milliseconds;
 }
 
-JobThread::JobThread(FlashJob* myJob) : m_job(myJob) {
+JobThread::JobThread(FlashJob* myJob, platform::Clock& clock) : m_job(myJob), m_clock(clock) {
   utils::logDebug(kLog, "JobThread::JobThread", "Creating JobThread %p", static_cast<void*>(this));
   ORVEX_ASSERT(kLog, NULL != myJob);
 }
@@ -66,7 +65,7 @@ JobThread::~JobThread() {
   utils::logDebug(kLog, kFunction, "Destroying JobThread %p, waiting for terminate", self);
   JobThread::requestStop();
   if (!hasEnded()) {
-    waitForFlag(m_done, kTerminationBudget);
+    waitForFlag(m_done, kTerminationBudget, m_clock);
   }
   if (m_done.isSet()) {
     utils::logDebug(kLog, kFunction, "JobThread %p, terminated", self);
@@ -75,7 +74,7 @@ JobThread::~JobThread() {
   }
   // The body uses the members, which must not go before it has ended.
   while (m_launched.isSet() && !m_done.isSet() && !hasEnded()) {
-    waitForFlag(m_done, kTerminationBudget);
+    waitForFlag(m_done, kTerminationBudget, m_clock);
   }
 }
 
@@ -92,7 +91,7 @@ void JobThread::requestStop() {
 void JobThread::run() {
   void* const self = this;
   utils::logDebug(kLog, kExecute, "Thread %p starting", self);
-  std::this_thread::sleep_for(kStartDelay);
+  m_clock.sleepFor(kStartDelay);
   s_begunUpdates.fetch_add(1, std::memory_order_relaxed);
   m_job->setJobState(ConcreteJobState::Running);
   bool isFlashed = false;

@@ -10,6 +10,7 @@
 #include "Utils/Mutex.h"
 #include "Utils/Thread.h"
 #include "agent/FlashJob.h"
+#include "platform/Clock.h"
 
 // A boolean under a mutex of its own.
 class LockedFlag {
@@ -30,18 +31,18 @@ class LockedFlag {
 
 // Waits until the flag is set or `milliseconds` are used up, in steps of 50 ms. Returns what is
 // left of them, negative when they did not suffice.
-int waitForFlag(const LockedFlag& flag, int milliseconds);
+int waitForFlag(const LockedFlag& flag, int milliseconds, platform::Clock& clock);
 
 class JobThread : public utils::Thread {
  public:
-  // `myJob` must outlive the thread. Throws utils::Exception for null.
-  explicit JobThread(FlashJob* myJob);
+  // `myJob` and `clock` must outlive the thread. Throws utils::Exception for null.
+  JobThread(FlashJob* myJob, platform::Clock& clock);
   ~JobThread() override;
 
   // Runs the update.
   void run() override;
 
-  // Notes that the update should end. A flash that is being written is not given up.
+  // Notes that the update should end, and no more: a flash that is being written is not given up.
   virtual void requestStop();
 
   // Starts the thread, which counts as started from the attempt on. Throws as start().
@@ -53,8 +54,9 @@ class JobThread : public utils::Thread {
   void disableIscsiBoot();
 
   FlashJob* const m_job;
+  platform::Clock& m_clock;
   LockedFlag m_done;
-  LockedFlag m_stopRequested;
+  LockedFlag m_stopRequested;  // for a debugger; see requestStop()
   LockedFlag m_started;
   LockedFlag m_launched;  // set once the thread exists
 };

@@ -39,16 +39,19 @@ const Property* findArgument(core::CimPropertyList* in, const char* name) {
 Orvex_ConcreteJob::Orvex_ConcreteJob(const std::string& target, std::uint32_t number,
                                      const std::string& uri,
                                      const std::vector<std::uint16_t>& installOptions,
-                                     const std::vector<std::string>& installOptionsValues)
+                                     const std::vector<std::string>& installOptionsValues,
+                                     platform::Clock& clock)
     : Orvex_ConcreteJob(target, number,
-                        checkAndVerifyImage(target, uri, installOptions, installOptionsValues)) {}
+                        checkAndVerifyImage(target, uri, installOptions, installOptionsValues),
+                        clock) {}
 
 Orvex_ConcreteJob::Orvex_ConcreteJob(const std::string& target, std::uint32_t number,
-                                     VerifiedImage image)
+                                     VerifiedImage image, platform::Clock& clock)
     : m_target(target),
       m_number(number),
+      m_clock(clock),
       m_image(std::move(image)),
-      m_myThread(std::make_unique<JobThread>(this)) {
+      m_myThread(std::make_unique<JobThread>(this, clock)) {
   m_elapsed = utils::Datetime::elapsedSince(m_submitted);
   addMethod("RequestStateChange",
             static_cast<Method>(&Orvex_ConcreteJob::invokeRequestStateChange));
@@ -125,7 +128,7 @@ bool Orvex_ConcreteJob::threadControl(std::int32_t command, std::int32_t timeout
   if (command == kWaitForThread) {
     ORVEX_ASSERT(kLog, m_myThread != NULL);
     m_myThread->requestStop();
-    return waitForFlag(m_myThread->getDone(), timeout) >= 0;
+    return waitForFlag(m_myThread->getDone(), timeout, m_clock) >= 0;
   }
   const bool isDeleted =
       command == kDeleteThread && m_myThread != nullptr && m_myThread->getDone().isSet();

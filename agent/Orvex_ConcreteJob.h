@@ -23,6 +23,7 @@
 #include "agent/ImageVerification.h"
 #include "agent/JobThread.h"
 #include "cim/CIM_ConcreteJob.h"
+#include "platform/Clock.h"
 
 class Orvex_ConcreteJob : public CIM_ConcreteJob, public FlashJob {
  public:
@@ -41,12 +42,14 @@ class Orvex_ConcreteJob : public CIM_ConcreteJob, public FlashJob {
   enum ThreadCommand : std::int32_t { kStartThread = 1, kWaitForThread = 2, kDeleteThread = 3 };
 
   // Checks and prepares the image; throws what checkAndVerifyImage throws, and then there is no
-  // job.
+  // job. The job and its thread wait by `clock`, which outlives them.
   Orvex_ConcreteJob(const std::string& target, std::uint32_t number, const std::string& uri,
                     const std::vector<std::uint16_t>& installOptions,
-                    const std::vector<std::string>& installOptionsValues);
+                    const std::vector<std::string>& installOptionsValues,
+                    platform::Clock& clock = platform::steadyClock());
   // The same for an image that has been checked.
-  Orvex_ConcreteJob(const std::string& target, std::uint32_t number, VerifiedImage image);
+  Orvex_ConcreteJob(const std::string& target, std::uint32_t number, VerifiedImage image,
+                    platform::Clock& clock = platform::steadyClock());
   // Waits for the thread; see JobThread.
   ~Orvex_ConcreteJob() override;
 
@@ -90,6 +93,7 @@ class Orvex_ConcreteJob : public CIM_ConcreteJob, public FlashJob {
   const std::string m_target;
   const std::uint32_t m_number;
   const utils::Datetime m_submitted;
+  platform::Clock& m_clock;
   VerifiedImage m_image;
 
   std::atomic<ConcreteJobState> m_state{ConcreteJobState::New};

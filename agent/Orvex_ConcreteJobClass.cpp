@@ -49,8 +49,8 @@ JobResult toResult(const std::exception& error) {
 
 }  // namespace
 
-Orvex_ConcreteJobClass::Orvex_ConcreteJobClass()
-    : InstanceProvider(Orvex_ConcreteJob::kClassName, {kLog, kGetInstances}) {}
+Orvex_ConcreteJobClass::Orvex_ConcreteJobClass(platform::Clock& clock)
+    : InstanceProvider(Orvex_ConcreteJob::kClassName, {kLog, kGetInstances}), m_clock(clock) {}
 
 Orvex_ConcreteJobClass::~Orvex_ConcreteJobClass() = default;
 
@@ -97,7 +97,7 @@ std::int32_t Orvex_ConcreteJobClass::createNewJob(
                   "Creating new job for %s with id #%d", target.c_str(),
                   static_cast<int>(m_nextJobNumber));
   auto created = std::make_unique<Orvex_ConcreteJob>(target, m_nextJobNumber, uri, installOptions,
-                                                     installOptionsValues);
+                                                     installOptionsValues, m_clock);
   ++m_nextJobNumber;
   created->setPropertyValues();
   instances().add(created.get());

@@ -9,10 +9,12 @@
 
 #include "agent/ConcreteJobFactory.h"
 #include "core/InstanceProvider.h"
+#include "platform/Clock.h"
 
 class Orvex_ConcreteJobClass : public core::InstanceProvider, public ConcreteJobFactory {
  public:
-  Orvex_ConcreteJobClass();
+  // The jobs wait by `clock`, which outlives them.
+  explicit Orvex_ConcreteJobClass(platform::Clock& clock = platform::steadyClock());
   ~Orvex_ConcreteJobClass() override;
 
   [[nodiscard]] std::int32_t verifyOrCreateNewJob(
@@ -31,6 +33,7 @@ class Orvex_ConcreteJobClass : public core::InstanceProvider, public ConcreteJob
                                           const std::vector<std::string>& installOptionsValues,
                                           core::CimInstance*& job);
 
+  platform::Clock& m_clock;
   std::uint32_t m_nextJobNumber = 1;
 };
 

@@ -54,7 +54,7 @@ utils::StringArray AdapterCache::ports(const std::filesystem::path& directory) {
     return known->ports;
   }
   std::shared_ptr<const Snapshot> seen = look(directory, known.get());
-  const std::lock_guard lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   m_latest = seen;
   return seen->ports;
 }
@@ -73,7 +73,7 @@ std::shared_ptr<const AdapterDescription> AdapterCache::description(
 }
 
 std::shared_ptr<const AdapterCache::Snapshot> AdapterCache::latest() {
-  const std::lock_guard lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   return m_latest;
 }
 

@@ -10,12 +10,13 @@
 
 #include <filesystem>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <vector>
 
+#include "Utils/FirmwareTypes.h"
 #include "midapi/AdapterDescription.h"
 #include "midapi/FileSystem.h"
+#include "platform/Mutex.h"
 
 namespace ma {
 
@@ -48,9 +49,9 @@ class AdapterCache {
                                                       const AdapterAddress& address);
 
   FileSystem& m_files;
-  std::mutex m_mutex;
-  // Guarded by the mutex; a snapshot never changes. Null: nothing was read yet.
-  std::shared_ptr<const Snapshot> m_latest;
+  platform::Mutex m_mutex;
+  // A snapshot never changes. Null: nothing was read yet.
+  std::shared_ptr<const Snapshot> m_latest ORVEX_GUARDED_BY(m_mutex);
 };
 
 }  // namespace ma

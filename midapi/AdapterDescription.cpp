@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "midapi/Hex.h"
-#include "midapi/Texts.h"
+#include "platform/Texts.h"
 
 namespace ma {
 namespace {
@@ -61,7 +61,7 @@ class FieldReader {
     if (!value.is_string()) {
       refuse(nameOf(field), "must be a text");
     }
-    return fromUtf8(value.get<std::string>());
+    return platform::fromUtf8(value.get<std::string>());
   }
 
   [[nodiscard]] std::uint64_t number(const char* field, std::uint64_t min,
@@ -173,7 +173,7 @@ void readFaults(const FieldReader& fields, AdapterDescription& description) {
 }
 
 Json formatFault(const InjectedFault& fault) {
-  return {{"code", fault.code}, {"text", toUtf8(fault.text)}};
+  return {{"code", fault.code}, {"text", platform::toUtf8(fault.text)}};
 }
 
 Json formatFaults(const AdapterDescription& description) {
@@ -236,7 +236,7 @@ AdapterDescription parseDescription(std::string_view text) {
 
 std::string formatDescription(const AdapterDescription& description) {
   Json json = {
-      {"name", toUtf8(description.name)},
+      {"name", platform::toUtf8(description.name)},
       {"pci", toString(description.pci)},
       {"vendorId", hexText(description.vendor, 4)},
       {"deviceId", hexText(description.device, 4)},

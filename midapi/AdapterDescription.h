@@ -27,7 +27,7 @@
 #include <vector>
 
 #include "midapi/AdapterId.h"
-#include "midapi/MidApi.h"
+#include "midapi/FlashTypes.h"
 
 namespace ma {
 

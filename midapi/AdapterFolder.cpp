@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <utility>
 
-#include "midapi/Texts.h"
+#include "platform/Texts.h"
 
 namespace ma {
 namespace {
@@ -85,7 +85,7 @@ AdapterDescription AdapterFolder::parse(const std::string& text) const {
     return description;
   } catch (const DescriptionFault& fault) {
     throw FlashFault(FlashError::InvalidDescription,
-                     toShownText(descriptionPath()) + ": " + fault.what());
+                     platform::toShownText(descriptionPath()) + ": " + fault.what());
   }
 }
 
@@ -102,7 +102,7 @@ AdapterFolders listAdapterFolders(FileSystem& files, const std::filesystem::path
   AdapterFolders found;
   found.hasLinks = folders.hasLinks;
   for (std::filesystem::path& name : folders.names) {
-    const std::string shown = toShownText(name);
+    const std::string shown = platform::toShownText(name);
     // The text of another name may look like an address.
     if (const auto address = parseFolderName(shown); address && name == shown) {
       found.addresses.push_back(*address);

@@ -1,6 +1,6 @@
 #include "midapi/FileSystem.h"
 
-#include "midapi/Texts.h"
+#include "platform/Texts.h"
 
 namespace ma {
 namespace {
@@ -16,7 +16,7 @@ std::string describe(std::error_code code) {
 FileFault::FileFault(const std::string& operation, const std::filesystem::path& path,
                      std::error_code code)
     : m_code(code),
-      m_text("cannot " + operation + " " + toShownText(path) + ": " + describe(code)) {}
+      m_text("cannot " + operation + " " + platform::toShownText(path) + ": " + describe(code)) {}
 
 bool FileFault::isMissingFile() const {
   return m_code == std::errc::no_such_file_or_directory;

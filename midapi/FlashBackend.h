@@ -14,7 +14,7 @@
 #include "Utils/FirmwareTypes.h"
 #include "midapi/AdapterId.h"
 #include "midapi/FileSystem.h"
-#include "midapi/MidApi.h"
+#include "midapi/FlashTypes.h"
 #include "midapi/WriteProgress.h"
 
 namespace ma {

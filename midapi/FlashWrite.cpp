@@ -1,17 +1,15 @@
 #include "midapi/FlashWrite.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <cstring>
-#include <thread>
 
 #include "midapi/Hex.h"
-#include "midapi/Texts.h"
+#include "platform/Texts.h"
 
 namespace ma {
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 constexpr std::uint64_t kMaxBlock = 64 * 1024;
 constexpr std::uint64_t kStepsPerSecond = 20;
@@ -26,12 +24,13 @@ std::size_t blockSizeAt(std::uint64_t rate) {
 
 FlashWrite::FlashWrite(FileSystem& files, const AdapterFolder& folder,
                        const AdapterDescription& description, ConstBytes image,
-                       WriteProgress& progress)
+                       WriteProgress& progress, platform::Clock& clock)
     : m_files(files),
       m_folder(folder),
       m_description(description),
       m_image(image),
-      m_progress(progress) {}
+      m_progress(progress),
+      m_clock(clock) {}
 
 void FlashWrite::run() {
   try {
@@ -71,7 +70,7 @@ std::size_t FlashWrite::offsetAt(std::uint32_t percent) const {
 }
 
 void FlashWrite::writeTo(WritableFile& file) {
-  m_start = Clock::now();
+  m_start = m_clock.now();
   for (const Stop& stop : stops()) {
     writeUpTo(file, stop.offset);
     if (!stop.isHang) {
@@ -98,13 +97,13 @@ void FlashWrite::waitForTurn() {
   if (m_description.writeRate != 0) {
     const std::chrono::duration<double> due(static_cast<double>(m_written) /
                                             static_cast<double>(m_description.writeRate));
-    std::this_thread::sleep_until(m_start + std::chrono::duration_cast<Clock::duration>(due));
+    m_clock.sleepUntil(m_start + std::chrono::duration_cast<platform::Clock::Duration>(due));
   }
 }
 
 // Waits until the description asks for no hang any more. One that cannot be read is being edited.
 void FlashWrite::hang() {
-  const auto begin = Clock::now();
+  const platform::Clock::TimePoint begin = m_clock.now();
   const auto isHeld = [this] {
     try {
       return m_folder.description().hangAtPercent.has_value();
@@ -113,9 +112,9 @@ void FlashWrite::hang() {
     }
   };
   while (isHeld()) {
-    std::this_thread::sleep_for(kHangPoll);
+    m_clock.sleepFor(kHangPoll);
   }
-  m_start += Clock::now() - begin;
+  m_start += m_clock.now() - begin;
 }
 
 void FlashWrite::compare(const std::filesystem::path& written) {
@@ -125,7 +124,7 @@ void FlashWrite::compare(const std::filesystem::path& written) {
       std::mismatch(found.begin(), found.end(), m_image.begin(), m_image.end());
   if (different != found.end() || expected != m_image.end()) {
     throw FlashFault(FlashError::CompareMismatch,
-                     toShownText(written) + " differs from the image at 0x" +
+                     platform::toShownText(written) + " differs from the image at 0x" +
                          hexText(static_cast<std::uint64_t>(different - found.begin()), 2));
   }
 }

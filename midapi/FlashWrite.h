@@ -3,7 +3,6 @@
 #ifndef ORVEX_MIDAPI_FLASHWRITE_H_
 #define ORVEX_MIDAPI_FLASHWRITE_H_
 
-#include <chrono>
 #include <cstddef>
 #include <filesystem>
 #include <vector>
@@ -12,6 +11,7 @@
 #include "midapi/AdapterFolder.h"
 #include "midapi/FileSystem.h"
 #include "midapi/WriteProgress.h"
+#include "platform/Clock.h"
 
 namespace ma {
 
@@ -24,7 +24,7 @@ class FlashWrite {
  public:
   // Referents outlive the write. `image` is not empty.
   FlashWrite(FileSystem& files, const AdapterFolder& folder, const AdapterDescription& description,
-             ConstBytes image, WriteProgress& progress);
+             ConstBytes image, WriteProgress& progress, platform::Clock& clock);
 
   // Throws FlashFault, and then the flash is as before; only when the disk cannot confirm the
   // replacement it may already be the new one.
@@ -50,10 +50,11 @@ class FlashWrite {
   const AdapterDescription& m_description;
   ConstBytes m_image;
   WriteProgress& m_progress;
+  platform::Clock& m_clock;
 
   std::size_t m_written = 0;
   // When the first byte would have been due, had the write never hung.
-  std::chrono::steady_clock::time_point m_start;
+  platform::Clock::TimePoint m_start;
 };
 
 }  // namespace ma

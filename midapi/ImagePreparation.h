@@ -13,7 +13,7 @@
 
 #include "Utils/FirmwareTypes.h"
 #include "midapi/FlashBackend.h"
-#include "midapi/MidApi.h"
+#include "midapi/FlashTypes.h"
 #include "midapi/OptionRom.h"
 
 namespace ma {

@@ -11,13 +11,15 @@
 #include "midapi/OptionRom.h"
 #include "midapi/VirtualFlashBackend.h"
 #include "midapi/WriteProgress.h"
+#include "platform/Clock.h"
 
 namespace ma {
 namespace {
 
 // Both live as long as the process: job threads may still ask while it exits.
 FlashBackend& backend() {
-  static FlashBackend& theBackend = *new VirtualFlashBackend(nativeFileSystem(), adaptersDirectory);
+  static FlashBackend& theBackend =
+      *new VirtualFlashBackend(nativeFileSystem(), adaptersDirectory, platform::steadyClock());
   return theBackend;
 }
 

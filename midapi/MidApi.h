@@ -18,40 +18,15 @@
 
 #include "Utils/FirmwareTypes.h"
 #include "midapi/Export.h"
+#include "midapi/FlashTypes.h"
 
 namespace ma {
-
-// What the adapter boots its host from. None is boot type 0: no network boot.
-enum class BootType : std::uint32_t { None = 0, Pxe = 1, Iscsi = 2, Fcoe = 3, Uefi = 4 };
-
-// What prepareFlashImage found out about an image, in the order in which it looks (see there).
-enum class PrepareStatus : std::int32_t {
-  Ok = 0,
-  InvalidImage = 1,
-  NotForAdapter = 2,
-  Downgrade = 3,
-  TypesDiffer = 4,
-  NotUpdatable = 5,
-  InternalFault = 6,
-};
 
 // One image of a firmware file.
 struct FlashImageInfo {
   utils::FirmwareVersionInfo firmware;  // the type is None where it is none of the known ones
   // The PCI devices that the image is for, "vvvv:dddd" in lower-case hexadecimal.
   utils::StringArray devices;
-};
-
-// What an update from a firmware file would mean for an adapter.
-enum class ImageComparison {
-  NotForAdapter,  // the file is no valid chain of images, or none of them is for the adapter
-  NotUpdatable,   // the adapter's firmware cannot be replaced
-  TypesDiffer,    // the file's image types are not those that the adapter holds
-  Older,
-  SameVersion,  // the same versions in other bytes
-  SameContent,  // the very bytes that the flash holds
-  Newer,
-  Unknown,  // the adapter is unknown or unreadable, or the image cannot be prepared
 };
 
 // Returns the identifiers of all ports of all adapters, ordered by PCI address.

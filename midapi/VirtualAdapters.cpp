@@ -11,8 +11,7 @@
 #include "midapi/Hex.h"
 #include "midapi/ImagePreparation.h"
 #include "midapi/OptionRom.h"
-#include "midapi/Texts.h"
-#include "midapi/VirtualFlashBackend.h"
+#include "platform/Texts.h"
 
 namespace ma {
 namespace {
@@ -160,13 +159,14 @@ void VirtualAdapters::add(const AdapterSpec& spec) const {
   const std::filesystem::path folder = m_directory / toFolderName(spec.pci);
   try {
     if (files.exists(folder)) {
-      throw AdapterFault("Adapter " + address + " exists already (" + toShownText(folder) +
+      throw AdapterFault("Adapter " + address + " exists already (" +
+                         platform::toShownText(folder) +
                          "). Choose another address, or remove that folder first.");
     }
     const FileBytes rom = files.read(spec.rom, kMaxRom);
     const RomChain chain = parseRomChain(rom.view());
     if (!chain.isValid()) {
-      throw AdapterFault("The file " + toShownText(spec.rom) +
+      throw AdapterFault("The file " + platform::toShownText(spec.rom) +
                          " is no valid chain of PCI Expansion ROM images: " +
                          chain.defect->toString() + ". Give a file with undamaged images.");
     }

@@ -16,7 +16,7 @@
 #include "Utils/FirmwareTypes.h"
 #include "midapi/AdapterId.h"
 #include "midapi/Export.h"
-#include "midapi/MidApi.h"
+#include "midapi/FlashTypes.h"
 
 namespace ma {
 

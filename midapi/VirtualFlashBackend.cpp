@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "midapi/FlashWrite.h"
-#include "midapi/Texts.h"
+#include "platform/Texts.h"
 
 namespace ma {
 namespace {
@@ -12,9 +12,9 @@ namespace {
 void demandPort(const AdapterDescription& description, const AdapterFolder& folder,
                 const PortId& port) {
   if (description.findPort(port.function) == nullptr) {
-    throw FlashFault(
-        FlashError::UnknownAdapter,
-        toString(port) + " (" + toShownText(folder.descriptionPath()) + " lists no such function)");
+    throw FlashFault(FlashError::UnknownAdapter,
+                     toString(port) + " (" + platform::toShownText(folder.descriptionPath()) +
+                         " lists no such function)");
   }
 }
 
@@ -28,8 +28,9 @@ AdapterDescription describePort(const AdapterFolder& folder, const PortId& port)
 }  // namespace
 
 VirtualFlashBackend::VirtualFlashBackend(FileSystem& files,
-                                         std::function<std::filesystem::path()> directory)
-    : m_files(files), m_directory(std::move(directory)), m_cache(files) {}
+                                         std::function<std::filesystem::path()> directory,
+                                         platform::Clock& clock)
+    : m_files(files), m_directory(std::move(directory)), m_clock(clock), m_cache(files) {}
 
 utils::StringArray VirtualFlashBackend::enumerateAdapters() {
   return m_cache.ports(m_directory());
@@ -48,7 +49,7 @@ FileBytes VirtualFlashBackend::readFlash(const PortId& port) {
 
 void VirtualFlashBackend::setBootType(const PortId& port, BootType bootType) {
   const AdapterFolder folder = folderOf(port);
-  const std::lock_guard lock(m_descriptionMutex);
+  const platform::Lock lock(m_descriptionMutex);
   static_cast<void>(describePort(folder, port));
   folder.storeBootType(port.function, bootType);
 }
@@ -57,12 +58,12 @@ void VirtualFlashBackend::writeFlash(const PortId& port, ConstBytes image,
                                      WriteProgress& progress) {
   const AdapterFolder folder = folderOf(port);
   const AdapterDescription description = describePort(folder, port);
-  FlashWrite(m_files, folder, description, image, progress).run();
+  FlashWrite(m_files, folder, description, image, progress, m_clock).run();
 }
 
 void VirtualFlashBackend::setCapabilityWord(const PortId& port, std::uint32_t word) {
   const AdapterFolder folder = folderOf(port);
-  const std::lock_guard lock(m_descriptionMutex);
+  const platform::Lock lock(m_descriptionMutex);
   const AdapterDescription description = describePort(folder, port);
   if (description.capabilityWordFault) {
     throw FlashFault(description.capabilityWordFault->code, description.capabilityWordFault->text);

@@ -6,20 +6,22 @@
 
 #include <filesystem>
 #include <functional>
-#include <mutex>
 #include <string>
 
 #include "midapi/AdapterCache.h"
 #include "midapi/AdapterFolder.h"
 #include "midapi/FlashBackend.h"
+#include "platform/Clock.h"
+#include "platform/Mutex.h"
 
 namespace ma {
 
 class VirtualFlashBackend final : public FlashBackend {
  public:
   // `directory` gives the adapters directory and is asked at each operation. A directory that does
-  // not exist holds no adapters.
-  VirtualFlashBackend(FileSystem& files, std::function<std::filesystem::path()> directory);
+  // not exist holds no adapters. Writes are paced by `clock`.
+  VirtualFlashBackend(FileSystem& files, std::function<std::filesystem::path()> directory,
+                      platform::Clock& clock);
 
   // FlashBackend
   utils::StringArray enumerateAdapters() override;
@@ -34,9 +36,10 @@ class VirtualFlashBackend final : public FlashBackend {
 
   FileSystem& m_files;
   const std::function<std::filesystem::path()> m_directory;
+  platform::Clock& m_clock;
   AdapterCache m_cache;
   // Held while a description is changed, so that no change is lost to another one.
-  std::mutex m_descriptionMutex;
+  platform::Mutex m_descriptionMutex;
 };
 
 }  // namespace ma

@@ -10,14 +10,14 @@ void WriteProgress::advance(std::uint64_t done, std::uint64_t total) {
 }
 
 WriteProgress& WriteProgressTable::start(const AdapterAddress& adapter) {
-  const std::lock_guard lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   WriteProgress& progress = m_progress[adapter];
   progress.start();
   return progress;
 }
 
 std::uint32_t WriteProgressTable::percent(const AdapterAddress& adapter) const {
-  const std::lock_guard lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   const auto found = m_progress.find(adapter);
   return found == m_progress.end() ? 0 : found->second.percent();
 }

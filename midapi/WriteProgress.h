@@ -6,9 +6,9 @@
 #include <atomic>
 #include <cstdint>
 #include <map>
-#include <mutex>
 
 #include "midapi/AdapterId.h"
+#include "platform/Mutex.h"
 
 namespace ma {
 
@@ -42,9 +42,9 @@ class WriteProgressTable {
   [[nodiscard]] std::uint32_t percent(const AdapterAddress& adapter) const;
 
  private:
-  mutable std::mutex m_mutex;
-  // Guarded by m_mutex; its elements never move.
-  std::map<AdapterAddress, WriteProgress> m_progress;
+  mutable platform::Mutex m_mutex;
+  // Its elements never move.
+  std::map<AdapterAddress, WriteProgress> m_progress ORVEX_GUARDED_BY(m_mutex);
 };
 
 }  // namespace ma

@@ -3,13 +3,14 @@
 # Top folders, each with those whose headers it may include. A pair names single headers.
 MIDAPI_VOCABULARY = ("Utils", ("Utils/FirmwareTypes.h", "Utils/Export.h"))
 MAY_INCLUDE = {
-    "Utils": ["Utils"],
-    "Os": ["Os", "Utils"],
+    "platform": ["platform"],
+    "Utils": ["Utils", "platform"],
+    "Os": ["Os", "Utils", "platform"],
     "core": ["core", "Os", "Utils"],
     "cim": ["cim", "core", "Os", "Utils"],
-    "midapi": ["midapi", MIDAPI_VOCABULARY],
+    "midapi": ["midapi", "platform", MIDAPI_VOCABULARY],
     "inventory": ["inventory", "cim", "core", "Os", "Utils", "midapi"],
-    "agent": ["agent", "inventory", "cim", "core", "Os", "Utils", "midapi"],
+    "agent": ["agent", "inventory", "cim", "core", "Os", "Utils", "platform", "midapi"],
     "cimxml": ["cimxml", "core", "Utils"],
     "http": ["http", "Utils"],
     "wbem": ["wbem", "cimxml", "cim", "core", "Os", "Utils"],
@@ -21,9 +22,9 @@ MAY_INCLUDE = {
 
 # Folders that speak to one operating system.
 OS_FOLDERS = (
-    "Os/Posix/", "Os/Windows/", "midapi/Posix/", "midapi/Windows/", "host/Posix/", "host/Windows/",
-    "cli/Posix/", "cli/Windows/", "agent/Posix/", "agent/Windows/", "inventory/Posix/",
-    "inventory/Windows/", "bench/Posix/",
+    "platform/Posix/", "platform/Windows/", "Os/Posix/", "Os/Windows/", "midapi/Posix/",
+    "midapi/Windows/", "host/Posix/", "host/Windows/", "cli/Posix/", "cli/Windows/", "agent/Posix/",
+    "agent/Windows/", "inventory/Posix/", "inventory/Windows/", "bench/Posix/",
 )
 # Tests may include an OS header anywhere; conditionals stay in folders named for a platform.
 OS_HEADERS_ALSO_IN = ("tests/",)
@@ -63,7 +64,8 @@ PLATFORM_VARIABLE = "${QUORVEL_PLATFORM_DIR}"
 
 # Folders whose sources need tests.
 TESTED_FOLDERS = (
-    "Utils", "Os", "core", "cim", "midapi", "inventory", "agent", "cimxml", "http", "wbem", "host", "cli",
+    "platform", "Utils", "Os", "core", "cim", "midapi", "inventory", "agent", "cimxml", "http", "wbem",
+    "host", "cli",
 )
 
 OS_HEADER_NAMES = {

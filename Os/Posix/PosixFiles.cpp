@@ -5,9 +5,9 @@
 #include <unistd.h>
 
 #include "Os/Files.h"
-#include "Os/Posix/Descriptor.h"
 #include "Utils/Exception.h"
 #include "Utils/Log.h"
+#include "platform/Posix/Descriptor.h"
 
 namespace os {
 namespace {
@@ -15,11 +15,11 @@ namespace {
 constexpr utils::LogSource kLog{"Os/Posix/PosixFiles"};
 
 // Opens a regular file; a pipe must not hold the caller up, so it is opened without waiting.
-Descriptor openRegularFile(const std::string& path) {
-  Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+platform::Descriptor openRegularFile(const std::string& path) {
+  platform::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   struct stat status {};
   if (!file.isOpen() || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
-    return Descriptor();
+    return {};
   }
   return file;
 }
@@ -43,7 +43,7 @@ std::int32_t getFileSize(const std::string& path) {
 
 std::int32_t readFile(const std::string& path, std::uint8_t* buffer, std::int32_t count) {
   utils::logDebug(kLog, "os::readFile", "Reading %d bytes from file %s", count, path.c_str());
-  const Descriptor file = openRegularFile(path);
+  const platform::Descriptor file = openRegularFile(path);
   std::int32_t total = 0;
   while (file.isOpen() && total < count) {
     const ssize_t got = read(file.get(), buffer + total, static_cast<std::size_t>(count - total));

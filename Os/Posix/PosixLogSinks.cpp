@@ -1,8 +1,8 @@
 #include <cstdio>
-#include <mutex>
 #include <syslog.h>
 
 #include "Utils/Log.h"
+#include "platform/Mutex.h"
 
 namespace utils {
 namespace {
@@ -12,8 +12,8 @@ constexpr const char* kIdent = "Zolan Quorvel Provider";
 // The connection is opened and closed for each entry: the process is the host's, which may use the
 // system log under a name of its own.
 void writeSystemLog(int priority, const std::string& line) noexcept {
-  static std::mutex mutex;
-  const std::lock_guard<std::mutex> lock(mutex);
+  static platform::Mutex mutex;
+  const platform::Lock lock(mutex);
   openlog(kIdent, 0, LOG_USER);
   syslog(LOG_USER | priority, "%s", line.c_str());
   closelog();

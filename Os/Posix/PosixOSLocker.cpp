@@ -7,14 +7,13 @@
 #include <sys/sem.h>
 #include <sys/types.h>
 #include <system_error>
-#include <thread>
 
 #include "Utils/Exception.h"
 
 namespace os {
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using platform::Clock;
 
 constexpr int kNoSemaphore = -1;
 constexpr int kMode = 0666;
@@ -45,25 +44,25 @@ bool isSetUp(int semaphore) {
 
 // A semaphore is created with count 0 and set up by a second call. Whoever finds it between the two
 // waits for its creator; one that died there is replaced in its duty.
-bool awaitSetUp(int semaphore) {
-  const Clock::time_point deadline = Clock::now() + kCreationTimeout;
+bool awaitSetUp(int semaphore, Clock& clock) {
+  const Clock::TimePoint deadline = clock.now() + kCreationTimeout;
   while (!isSetUp(semaphore)) {
-    if (Clock::now() >= deadline) {
+    if (clock.now() >= deadline) {
       return setUp(semaphore);
     }
-    std::this_thread::sleep_for(kCreationPoll);
+    clock.sleepFor(kCreationPoll);
   }
   return true;
 }
 
 // Returns the semaphore's identifier, kNoSemaphore when it can be neither opened nor created.
-int openSemaphore(key_t key) {
+int openSemaphore(key_t key, Clock& clock) {
   int semaphore = semget(key, 1, IPC_CREAT | IPC_EXCL | kMode);
   if (semaphore >= 0) {
     return setUp(semaphore) ? semaphore : kNoSemaphore;
   }
   semaphore = semget(key, 1, 0);
-  return semaphore >= 0 && awaitSetUp(semaphore) ? semaphore : kNoSemaphore;
+  return semaphore >= 0 && awaitSetUp(semaphore, clock) ? semaphore : kNoSemaphore;
 }
 
 timespec toTimespec(std::chrono::nanoseconds duration) {
@@ -82,7 +81,8 @@ bool wasRemoved(int error) {
 
 const utils::LogSource OSLocker::kLog{"Os/Posix/PosixOSLocker"};
 
-OSLockerPosix::OSLockerPosix(std::int32_t key) : m_key(key), m_semaphore(openSemaphore(key)) {
+OSLockerPosix::OSLockerPosix(std::int32_t key, Clock& clock)
+    : m_key(key), m_clock(clock), m_semaphore(openSemaphore(key, clock)) {
   if (!OSLockerPosix::hasSemaphore()) {
     throw utils::Exception("Could not create synchronisation sempahore");
   }
@@ -97,10 +97,10 @@ bool OSLockerPosix::hasSemaphore() const {
 }
 
 OSLocker::WaitResult OSLockerPosix::waitForSemaphore(std::uint32_t milliseconds) {
-  const Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(milliseconds);
+  const Clock::TimePoint deadline = m_clock.now() + std::chrono::milliseconds(milliseconds);
   sembuf take{0, -1, SEM_UNDO};
   for (;;) {
-    const auto left = std::max(deadline - Clock::now(), Clock::duration::zero());
+    const auto left = std::max(deadline - m_clock.now(), Clock::Duration::zero());
     const timespec timeout = toTimespec(left);
     if (semtimedop(m_semaphore, &take, 1, &timeout) == 0) {
       return WaitResult::Signalled;
@@ -110,7 +110,7 @@ OSLocker::WaitResult OSLockerPosix::waitForSemaphore(std::uint32_t milliseconds)
     }
     if (wasRemoved(errno)) {
       // An operator took the semaphore away: everybody meets again at a new one.
-      const int renewed = openSemaphore(m_key);
+      const int renewed = openSemaphore(m_key, m_clock);
       if (renewed == kNoSemaphore) {
         return WaitResult::Failed;
       }

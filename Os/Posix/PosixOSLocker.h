@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "Os/OSLocker.h"
+#include "platform/Clock.h"
 
 namespace os {
 
@@ -14,9 +15,10 @@ class ORVEX_CORE_API OSLockerPosix : public OSLocker {
   // The key that all programs of this maker share ("RAVL").
   static constexpr std::int32_t kSharedKey = 0x5241564C;
 
-  // Opens the semaphore under `key`, or creates it with count 1. Throws utils::Exception "Could not
-  // create synchronisation sempahore".
-  explicit OSLockerPosix(std::int32_t key = kSharedKey);
+  // Opens the semaphore under `key`, or creates it with count 1; waits by `clock` for another that
+  // is creating it. Throws utils::Exception "Could not create synchronisation sempahore".
+  explicit OSLockerPosix(std::int32_t key = kSharedKey,
+                         platform::Clock& clock = platform::steadyClock());
   ~OSLockerPosix() override;
 
  protected:
@@ -26,6 +28,7 @@ class ORVEX_CORE_API OSLockerPosix : public OSLocker {
 
  private:
   const std::int32_t m_key;
+  platform::Clock& m_clock;
   int m_semaphore;  // the kernel's identifier, negative when there is none
 };
 

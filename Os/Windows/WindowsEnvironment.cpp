@@ -2,9 +2,9 @@
 #include <windows.h>
 
 #include "Os/Environment.h"
-#include "Os/Texts.h"
 #include "Os/Windows/SystemText.h"
 #include "Utils/Exception.h"
+#include "platform/Texts.h"
 
 namespace os {
 namespace {
@@ -19,7 +19,7 @@ void setEnvironment(const std::string& name, const std::string& value) {
 }
 
 void demandExactArguments() {
-  if (!toText(GetCommandLineW())) {
+  if (!platform::toText(GetCommandLineW())) {
     throw utils::Exception(
         "The command line has characters that the code page of this system (%u) lacks. Give the "
         "files names without them, or use the short names that 'dir /x' shows",

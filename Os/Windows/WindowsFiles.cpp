@@ -6,9 +6,9 @@
 #include <windows.h>
 
 #include "Os/Files.h"
-#include "Os/Windows/NoErrorDialogs.h"
 #include "Utils/Exception.h"
 #include "Utils/Log.h"
+#include "platform/Windows/NoErrorDialogs.h"
 
 namespace os {
 namespace {
@@ -65,7 +65,7 @@ bool isPlainDirectory(const _finddata64i32_t& entry) {
 }  // namespace
 
 std::int32_t getFileSize(const std::string& path) {
-  const NoErrorDialogs noDialogs;
+  const platform::NoErrorDialogs noDialogs;
   _finddata64i32_t entry{};
   if (!find(path, entry)) {
     throw utils::Exception("Could not open the file '%s'", path.c_str());
@@ -83,7 +83,7 @@ std::int32_t getFileSize(const std::string& path) {
 
 std::int32_t readFile(const std::string& path, std::uint8_t* buffer, std::int32_t count) {
   utils::logDebug(kLog, "os::readFile", "Reading %d bytes from file %s", count, path.c_str());
-  const NoErrorDialogs noDialogs;
+  const platform::NoErrorDialogs noDialogs;
   std::int32_t total = 0;
   _finddata64i32_t entry{};
   const std::unique_ptr<std::FILE, FileCloser> file(
@@ -99,7 +99,7 @@ std::int32_t readFile(const std::string& path, std::uint8_t* buffer, std::int32_
 bool isThisADir(const std::string& path) {
   utils::logDebug(kLog, "os::isThisADir", "Checking if the declared path %s points to a directory",
                   path.c_str());
-  const NoErrorDialogs noDialogs;
+  const platform::NoErrorDialogs noDialogs;
   _finddata64i32_t entry{};
   if (!find(path, entry) || !isPlainDirectory(entry)) {
     return false;

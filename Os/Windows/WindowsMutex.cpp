@@ -6,10 +6,10 @@
 #include <utility>
 #include <windows.h>
 
-#include "Os/Windows/Handle.h"
 #include "Utils/Exception.h"
 #include "Utils/Log.h"
 #include "Utils/Mutex.h"
+#include "platform/Windows/Handle.h"
 
 namespace utils {
 namespace {
@@ -27,7 +27,7 @@ int lastError() {
 }  // namespace
 
 struct Mutex::Native {
-  os::Handle handle;
+  platform::Handle handle;
 };
 
 Mutex::Native& Mutex::native() {
@@ -36,7 +36,7 @@ Mutex::Native& Mutex::native() {
 
 Mutex::Mutex() {
   static_assert(sizeof(Native) <= kNativeSize && alignof(Native) <= alignof(void*));
-  os::Handle handle(CreateMutexA(nullptr, FALSE, nullptr));
+  platform::Handle handle(CreateMutexA(nullptr, FALSE, nullptr));
   if (!handle.isOpen()) {
     const int error = lastError();
     logError(kLog, "utils::Mutex::Mutex", "Could not create mutex %p. Error %d",

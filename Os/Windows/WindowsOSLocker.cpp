@@ -17,12 +17,12 @@ utils::WindowsSemaphoreWrapper& semaphores() {
 }
 
 // Opens or creates the semaphore with access for everyone: a DACL that is there and null.
-Handle createSemaphore() {
+platform::Handle createSemaphore() {
   SECURITY_DESCRIPTOR descriptor{};
   InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION);
   SetSecurityDescriptorDacl(&descriptor, TRUE, nullptr, FALSE);
   SECURITY_ATTRIBUTES attributes{sizeof(SECURITY_ATTRIBUTES), &descriptor, TRUE};
-  return Handle(semaphores().create(&attributes, kCount, kCount, kSemaphoreName));
+  return platform::Handle(semaphores().create(&attributes, kCount, kCount, kSemaphoreName));
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 #define ORVEX_OS_WINDOWS_WINDOWSOSLOCKER_H_
 
 #include "Os/OSLocker.h"
-#include "Os/Windows/Handle.h"
+#include "platform/Windows/Handle.h"
 
 namespace os {
 
@@ -21,7 +21,7 @@ class ORVEX_CORE_API OSLockerWindows : public OSLocker {
   [[nodiscard]] std::optional<SystemError> releaseSemaphore() override;
 
  private:
-  const Handle m_semaphore;
+  const platform::Handle m_semaphore;
 };
 
 }  // namespace os

@@ -2,10 +2,10 @@
 #include <windows.h>
 
 #include "Os/SharedLibrary.h"
-#include "Os/Texts.h"
-#include "Os/Windows/NoErrorDialogs.h"
 #include "Os/Windows/SystemText.h"
 #include "Utils/Exception.h"
+#include "platform/Texts.h"
+#include "platform/Windows/NoErrorDialogs.h"
 
 namespace os {
 
@@ -20,12 +20,12 @@ const char* modulesFromPrograms() {
 // What the library needs is looked for in its own directory, the program's and the system's:
 // neither in the current directory nor in those of PATH, where anybody may have put one.
 void loadSharedLibrary(const std::filesystem::path& path) {
-  const std::string shown = toShownText(path);
+  const std::string shown = platform::toShownText(path);
   if (!path.is_absolute()) {
     throw utils::Exception("Could not load the library '%s': its path is not absolute",
                            shown.c_str());
   }
-  const NoErrorDialogs noDialogs;
+  const platform::NoErrorDialogs noDialogs;
   // Slashes are not defined here.
   const std::filesystem::path native = std::filesystem::path(path).make_preferred();
   if (LoadLibraryExW(native.c_str(), nullptr,

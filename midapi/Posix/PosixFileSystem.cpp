@@ -1,3 +1,5 @@
+#include "midapi/Posix/PosixFileSystem.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
@@ -8,7 +10,7 @@
 #include <unistd.h>
 #include <utility>
 
-#include "midapi/FileSystem.h"
+#include "platform/Posix/Descriptor.h"
 
 namespace ma {
 namespace {
@@ -29,39 +31,23 @@ auto retry(Call call) {
   return result;
 }
 
-class Descriptor {
- public:
-  Descriptor(const char* operation, const fs::path& path, int flags)
-      : m_number(retry([&] { return ::open(path.c_str(), flags | O_CLOEXEC, 0644); })) {
-    if (m_number < 0) {
-      fail(operation, path, errno);
-    }
+platform::Descriptor openFile(const char* operation, const fs::path& path, int flags) {
+  platform::Descriptor file(retry([&] { return ::open(path.c_str(), flags | O_CLOEXEC, 0644); }));
+  if (!file.isOpen()) {
+    fail(operation, path, errno);
   }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  ~Descriptor() {
-    if (m_number >= 0) {
-      ::close(m_number);
-    }
-  }
-
-  [[nodiscard]] int number() const { return m_number; }
-  // Gives the descriptor up; the number is free again even where the system reports a failure.
-  [[nodiscard]] int close() { return ::close(std::exchange(m_number, -1)); }
-
- private:
-  int m_number;
-};
+  return file;
+}
 
 class PosixWritableFile final : public WritableFile {
  public:
   explicit PosixWritableFile(const fs::path& path)
-      : m_path(path), m_descriptor("create", path, O_WRONLY | O_CREAT | O_TRUNC) {}
+      : m_path(path), m_file(openFile("create", path, O_WRONLY | O_CREAT | O_TRUNC)) {}
 
   void append(ConstBytes bytes) override {
     while (!bytes.empty()) {
       const ssize_t written =
-          retry([&] { return ::write(m_descriptor.number(), bytes.data(), bytes.size()); });
+          retry([&] { return ::write(m_file.get(), bytes.data(), bytes.size()); });
       if (written < 0) {
         fail("write", m_path, errno);
       }
@@ -70,25 +56,25 @@ class PosixWritableFile final : public WritableFile {
   }
 
   void sync() override {
-    if (retry([&] { return ::fsync(m_descriptor.number()); }) != 0) {
+    if (retry([&] { return ::fsync(m_file.get()); }) != 0) {
       fail("write", m_path, errno);
     }
   }
 
   void close() override {
-    if (m_descriptor.close() != 0 && errno != EINTR) {
+    if (!m_file.close() && errno != EINTR) {
       fail("write", m_path, errno);
     }
   }
 
  private:
   fs::path m_path;
-  Descriptor m_descriptor;
+  platform::Descriptor m_file;
 };
 
 void syncFolder(const fs::path& path) {
-  const Descriptor folder("open", path, O_RDONLY | O_DIRECTORY);
-  if (retry([&] { return ::fsync(folder.number()); }) != 0) {
+  const platform::Descriptor folder = openFile("open", path, O_RDONLY | O_DIRECTORY);
+  if (retry([&] { return ::fsync(folder.get()); }) != 0) {
     fail("write", path, errno);
   }
 }
@@ -105,13 +91,21 @@ std::int64_t nanoseconds(const timespec& time) {
   return std::int64_t{time.tv_sec} * kSecond + time.tv_nsec;
 }
 
+std::optional<std::int64_t> currentStamp() {
+  timespec now{};
+  return ::clock_gettime(CLOCK_REALTIME_COARSE, &now) == 0 ? std::optional(nanoseconds(now))
+                                                           : std::nullopt;
+}
+
 class PosixFileSystem final : public FileSystem {
  public:
+  explicit PosixFileSystem(StampClock now) : m_now(std::move(now)) {}
+
   FileBytes read(const fs::path& path, std::size_t maxSize) override {
     // Without O_NONBLOCK, opening a FIFO that was put in the place of a file would wait for ever.
-    const Descriptor file("read", path, O_RDONLY | O_NONBLOCK);
+    const platform::Descriptor file = openFile("read", path, O_RDONLY | O_NONBLOCK);
     struct stat state {};
-    if (::fstat(file.number(), &state) != 0) {
+    if (::fstat(file.get(), &state) != 0) {
       fail("read", path, errno);
     }
     if (!S_ISREG(state.st_mode)) {
@@ -123,7 +117,7 @@ class PosixFileSystem final : public FileSystem {
     FileBytes content(static_cast<std::size_t>(state.st_size));
     std::span<std::uint8_t> rest = content.writable();
     while (!rest.empty()) {
-      const ssize_t count = retry([&] { return ::read(file.number(), rest.data(), rest.size()); });
+      const ssize_t count = retry([&] { return ::read(file.get(), rest.data(), rest.size()); });
       if (count < 0) {
         fail("read", path, errno);
       }
@@ -154,14 +148,14 @@ class PosixFileSystem final : public FileSystem {
   }
 
   std::optional<FileIdentity> identity(const fs::path& path) const noexcept override {
-    timespec now{};
+    const std::optional<std::int64_t> now = m_now();
     struct stat state {};
-    if (::clock_gettime(CLOCK_REALTIME_COARSE, &now) != 0 || ::stat(path.c_str(), &state) != 0) {
+    if (!now || ::stat(path.c_str(), &state) != 0) {
       return std::nullopt;
     }
     const std::int64_t modified = nanoseconds(state.st_mtim);
     const std::int64_t changed = nanoseconds(state.st_ctim);
-    const std::int64_t age = nanoseconds(now) - std::max(modified, changed);
+    const std::int64_t age = *now - std::max(modified, changed);
     if (age < (modified % kSecond == 0 ? kSettlingTimeOfSeconds : kSettlingTime)) {
       return std::nullopt;
     }
@@ -209,13 +203,20 @@ class PosixFileSystem final : public FileSystem {
     std::error_code ignored;
     fs::remove_all(path, ignored);
   }
+
+ private:
+  const StampClock m_now;
 };
 
 }  // namespace
 
+std::unique_ptr<FileSystem> makePosixFileSystem(StampClock now) {
+  return std::make_unique<PosixFileSystem>(std::move(now));
+}
+
 // Never destroyed: job threads may still ask it while the process exits.
 FileSystem& nativeFileSystem() {
-  static FileSystem& files = *new PosixFileSystem;
+  static FileSystem& files = *new PosixFileSystem(currentStamp);
   return files;
 }
 

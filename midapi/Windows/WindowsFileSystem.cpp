@@ -1,11 +1,13 @@
+#include "midapi/Windows/WindowsFileSystem.h"
+
 #include <algorithm>
 #include <chrono>
 #include <limits>
-#include <mutex>
-#include <utility>
 #include <windows.h>
 
-#include "midapi/FileSystem.h"
+#include "platform/Mutex.h"
+#include "platform/Windows/Handle.h"
+#include "platform/Windows/NoErrorDialogs.h"
 
 namespace ma {
 namespace {
@@ -35,16 +37,17 @@ bool isFolder(const fs::path& path) {
 // How long a file is waited for that others have open. They read a few megabytes at the most, and
 // what they hold longer they do not let go in the time that a caller waits.
 constexpr std::chrono::seconds kPatience{2};
-constexpr DWORD kPause = 1;  // milliseconds
+constexpr std::chrono::milliseconds kPause{1};
 
 // Moves a file or folder. A file in its way is replaced, which the system refuses for as long as
 // anybody has that open; `readers` is locked for each attempt. Returns the error, 0 for none.
-DWORD moveInto(const fs::path& from, const fs::path& to, std::mutex& readers) {
-  const auto deadline = std::chrono::steady_clock::now() + kPatience;
+DWORD moveInto(const fs::path& from, const fs::path& to, platform::Mutex& readers,
+               platform::Clock& clock) {
+  const platform::Clock::TimePoint deadline = clock.now() + kPatience;
   for (;;) {
     DWORD error = ERROR_SUCCESS;
     {
-      const std::lock_guard lock(readers);
+      const platform::Lock lock(readers);
       if (MoveFileExW(from.c_str(), to.c_str(),
                       MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) == FALSE) {
         error = GetLastError();
@@ -53,55 +56,23 @@ DWORD moveInto(const fs::path& from, const fs::path& to, std::mutex& readers) {
     if (error == ERROR_SUCCESS) {
       return error;
     }
-    if (!isInUse(error) || isFolder(to) || std::chrono::steady_clock::now() >= deadline) {
+    if (!isInUse(error) || isFolder(to) || clock.now() >= deadline) {
       return error;
     }
-    Sleep(kPause);
+    clock.sleepFor(kPause);
   }
 }
 
-// Keeps the system from asking whoever sits at the screen about an empty drive while this object
-// lives: the call fails instead. For the calling thread only.
-class NoErrorDialogs {
- public:
-  NoErrorDialogs() {
-    SetThreadErrorMode(GetThreadErrorMode() | SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX,
-                       &m_before);
+platform::Handle openFile(const char* operation, const fs::path& path, DWORD access,
+                          DWORD creation) {
+  const HANDLE file =
+      CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                  nullptr, creation, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) {
+    fail(operation, path, GetLastError());
   }
-  NoErrorDialogs(const NoErrorDialogs&) = delete;
-  NoErrorDialogs& operator=(const NoErrorDialogs&) = delete;
-  ~NoErrorDialogs() { SetThreadErrorMode(m_before, nullptr); }
-
- private:
-  DWORD m_before = 0;
-};
-
-class Handle {
- public:
-  Handle(const char* operation, const fs::path& path, DWORD access, DWORD creation)
-      : m_handle(CreateFileW(path.c_str(), access,
-                             FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                             creation, FILE_ATTRIBUTE_NORMAL, nullptr)) {
-    if (m_handle == INVALID_HANDLE_VALUE) {
-      fail(operation, path, GetLastError());
-    }
-  }
-  Handle(const Handle&) = delete;
-  Handle& operator=(const Handle&) = delete;
-  ~Handle() {
-    if (m_handle != INVALID_HANDLE_VALUE) {
-      CloseHandle(m_handle);
-    }
-  }
-
-  [[nodiscard]] HANDLE get() const { return m_handle; }
-  [[nodiscard]] bool close() {
-    return CloseHandle(std::exchange(m_handle, INVALID_HANDLE_VALUE)) != FALSE;
-  }
-
- private:
-  HANDLE m_handle;
-};
+  return platform::Handle(file);
+}
 
 // Returns how many of the bytes one call may transfer.
 DWORD portionOf(std::size_t size) {
@@ -111,10 +82,10 @@ DWORD portionOf(std::size_t size) {
 class WindowsWritableFile final : public WritableFile {
  public:
   explicit WindowsWritableFile(const fs::path& path)
-      : m_path(path), m_file("create", path, GENERIC_WRITE, CREATE_ALWAYS) {}
+      : m_path(path), m_file(openFile("create", path, GENERIC_WRITE, CREATE_ALWAYS)) {}
 
   void append(ConstBytes bytes) override {
-    const NoErrorDialogs noDialogs;
+    const platform::NoErrorDialogs noDialogs;
     while (!bytes.empty()) {
       DWORD written = 0;
       if (WriteFile(m_file.get(), bytes.data(), portionOf(bytes.size()), &written, nullptr) ==
@@ -126,7 +97,7 @@ class WindowsWritableFile final : public WritableFile {
   }
 
   void sync() override {
-    const NoErrorDialogs noDialogs;
+    const platform::NoErrorDialogs noDialogs;
     if (FlushFileBuffers(m_file.get()) == FALSE) {
       fail("write", m_path, GetLastError());
     }
@@ -140,18 +111,20 @@ class WindowsWritableFile final : public WritableFile {
 
  private:
   fs::path m_path;
-  Handle m_file;
+  platform::Handle m_file;
 };
 
 class WindowsFileSystem final : public FileSystem {
  public:
+  explicit WindowsFileSystem(platform::Clock& clock) : m_clock(clock) {}
+
   FileBytes read(const fs::path& path, std::size_t maxSize) override {
-    const NoErrorDialogs noDialogs;
+    const platform::NoErrorDialogs noDialogs;
     if (isFolder(path)) {
       fail("read", path, std::errc::is_a_directory);
     }
-    const std::lock_guard lock(m_readers);
-    const Handle file("read", path, GENERIC_READ, OPEN_EXISTING);
+    const platform::Lock lock(m_readers);
+    const platform::Handle file = openFile("read", path, GENERIC_READ, OPEN_EXISTING);
     LARGE_INTEGER size{};
     if (GetFileType(file.get()) != FILE_TYPE_DISK || GetFileSizeEx(file.get(), &size) == FALSE) {
       fail("read", path, std::errc::invalid_argument);
@@ -176,7 +149,7 @@ class WindowsFileSystem final : public FileSystem {
   }
 
   Folders folders(const fs::path& path) override {
-    const NoErrorDialogs noDialogs;
+    const platform::NoErrorDialogs noDialogs;
     Folders found;
     std::error_code error;
     fs::directory_iterator entry(path, error);
@@ -199,7 +172,7 @@ class WindowsFileSystem final : public FileSystem {
   }
 
   bool exists(const fs::path& path) override {
-    const NoErrorDialogs noDialogs;
+    const platform::NoErrorDialogs noDialogs;
     if (GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES) {
       return true;
     }
@@ -211,26 +184,26 @@ class WindowsFileSystem final : public FileSystem {
   }
 
   std::unique_ptr<WritableFile> create(const fs::path& path) override {
-    const NoErrorDialogs noDialogs;
+    const platform::NoErrorDialogs noDialogs;
     return std::make_unique<WindowsWritableFile>(path);
   }
 
   void replace(const fs::path& from, const fs::path& to) override {
-    const NoErrorDialogs noDialogs;
-    if (const DWORD error = moveInto(from, to, m_readers); error != ERROR_SUCCESS) {
+    const platform::NoErrorDialogs noDialogs;
+    if (const DWORD error = moveInto(from, to, m_readers, m_clock); error != ERROR_SUCCESS) {
       fail("replace", to, error);
     }
   }
 
   void createFolder(const fs::path& path) override {
-    const NoErrorDialogs noDialogs;
+    const platform::NoErrorDialogs noDialogs;
     if (CreateDirectoryW(path.c_str(), nullptr) == FALSE) {
       fail("create", path, GetLastError());
     }
   }
 
   void createFolders(const fs::path& path) override {
-    const NoErrorDialogs noDialogs;
+    const platform::NoErrorDialogs noDialogs;
     std::error_code error;
     fs::create_directories(path, error);
     if (error) {
@@ -239,22 +212,27 @@ class WindowsFileSystem final : public FileSystem {
   }
 
   void removeQuietly(const fs::path& path) noexcept override {
-    const NoErrorDialogs noDialogs;
+    const platform::NoErrorDialogs noDialogs;
     std::error_code ignored;
     fs::remove_all(path, ignored);
   }
 
  private:
+  platform::Clock& m_clock;
   // Held while a file is open for reading, so that a client of this process that reads over and
   // over is never in the way of a replacement.
-  std::mutex m_readers;
+  platform::Mutex m_readers;
 };
 
 }  // namespace
 
+std::unique_ptr<FileSystem> makeWindowsFileSystem(platform::Clock& clock) {
+  return std::make_unique<WindowsFileSystem>(clock);
+}
+
 // Never destroyed: job threads may still ask it while the process exits.
 FileSystem& nativeFileSystem() {
-  static FileSystem& files = *new WindowsFileSystem;
+  static FileSystem& files = *new WindowsFileSystem(platform::steadyClock());
   return files;
 }
 

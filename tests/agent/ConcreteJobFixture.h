@@ -10,6 +10,7 @@
 #include "agent/Orvex_ConcreteJob.h"
 #include "tests/agent/FakeMidApi.h"
 #include "tests/agent/FakeSystem.h"
+#include "tests/support/FakeClock.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/WaitUntil.h"
 
@@ -25,12 +26,19 @@ class ConcreteJobFixture : public testing::Test {
     target_in_progress::clear();
   }
 
-  std::unique_ptr<Orvex_ConcreteJob> makeJob() {
+  std::unique_ptr<Orvex_ConcreteJob> makeJob(platform::Clock& clock = platform::steadyClock()) {
     return std::make_unique<Orvex_ConcreteJob>(
         kAdapter, 7,
         VerifiedImage{bytesOf("image"),
                       {utils::FirmwareType::Pxe, utils::FirmwareType::Iscsi},
-                      TargetReservation(kAdapter)});
+                      TargetReservation(kAdapter)},
+        clock);
+  }
+
+  // Puts a job in the place of the first that waits by m_clock.
+  void makeJobByTheClock() {
+    m_job.reset();
+    m_job = makeJob(m_clock);
   }
 
   std::uint32_t request(std::uint16_t state) {
@@ -58,6 +66,7 @@ class ConcreteJobFixture : public testing::Test {
   FakeConfig m_config;
   FakeLocker m_locker;
   FakeMidApi m_midApi;
+  FakeClock m_clock;
   std::unique_ptr<Orvex_ConcreteJob> m_job = makeJob();
 };
 

@@ -46,36 +46,44 @@ FakeMidApi& FakeMidApi::current() {
 }
 
 void FakeMidApi::holdWrites() {
-  const std::lock_guard<std::mutex> lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   m_isHolding = true;
 }
 
 bool FakeMidApi::awaitHeldWrite() {
-  std::unique_lock<std::mutex> lock(m_mutex);
-  return m_changed.wait_for(lock, kDeadline, [this] { return m_heldWrites > 0; });
+  const auto deadline = std::chrono::steady_clock::now() + kDeadline;
+  const platform::Lock lock(m_mutex);
+  while (m_heldWrites == 0) {
+    if (m_changed.wait_until(m_mutex, deadline) == std::cv_status::timeout) {
+      return m_heldWrites > 0;
+    }
+  }
+  return true;
 }
 
 void FakeMidApi::releaseWrites() {
-  const std::lock_guard<std::mutex> lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   m_isHolding = false;
   m_changed.notify_all();
 }
 
 void FakeMidApi::passWrite() {
-  std::unique_lock<std::mutex> lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   ++m_heldWrites;
   m_changed.notify_all();
-  m_changed.wait(lock, [this] { return !m_isHolding; });
+  while (m_isHolding) {
+    m_changed.wait(m_mutex);
+  }
   --m_heldWrites;
 }
 
 std::vector<std::string> FakeMidApi::calls() const {
-  const std::lock_guard<std::mutex> lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   return m_calls;
 }
 
 void FakeMidApi::note(const std::string& call) {
-  const std::lock_guard<std::mutex> lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   m_calls.push_back(call);
 }
 

@@ -11,13 +11,13 @@
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <mutex>
 #include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "midapi/MidApi.h"
+#include "platform/Mutex.h"
 
 namespace test {
 
@@ -68,11 +68,11 @@ class ORVEX_MIDAPI_API FakeMidApi {
   void passWrite();
 
  private:
-  mutable std::mutex m_mutex;
-  std::condition_variable m_changed;
-  std::vector<std::string> m_calls;
-  bool m_isHolding = false;
-  int m_heldWrites = 0;
+  mutable platform::Mutex m_mutex;
+  std::condition_variable_any m_changed;
+  std::vector<std::string> m_calls ORVEX_GUARDED_BY(m_mutex);
+  bool m_isHolding ORVEX_GUARDED_BY(m_mutex) = false;
+  int m_heldWrites ORVEX_GUARDED_BY(m_mutex) = 0;
 };
 
 // Returns the bytes of a text, for images whose content does not matter.

@@ -1,16 +1,16 @@
-#include <atomic>
+#include <chrono>
 #include <gmock/gmock.h>
 #include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "agent/JobThread.h"
 #include "agent/Orvex_ConcreteJob.h"
 #include "tests/agent/FakeMidApi.h"
 #include "tests/agent/FakeSystem.h"
+#include "tests/support/FakeClock.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/PointerPattern.h"
 #include "tests/support/Regex.h"
@@ -19,6 +19,7 @@
 
 namespace {
 
+using std::chrono::milliseconds;
 using test::IsRecordOf;
 using test::LogLevel;
 using test::LogRecord;
@@ -26,6 +27,7 @@ using test::MatchesRegex;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
+using testing::Pair;
 using testing::StartsWith;
 using utils::FirmwareType;
 
@@ -40,7 +42,8 @@ class JobThreadTest : public testing::Test {
   // Starts a job that installs `types`.
   void start(const Types& types) {
     m_job = std::make_unique<Orvex_ConcreteJob>(
-        kAdapter, 1, VerifiedImage{test::bytesOf("image"), types, TargetReservation(kAdapter)});
+        kAdapter, 1, VerifiedImage{test::bytesOf("image"), types, TargetReservation(kAdapter)},
+        m_clock);
     ASSERT_EQ(m_job->requestStateChange(Orvex_ConcreteJob::kRequestStart, utils::Datetime(0)),
               Orvex_ConcreteJob::kStateChanged);
   }
@@ -55,14 +58,6 @@ class JobThreadTest : public testing::Test {
   void run(const Types& types) {
     start(types);
     finish();
-  }
-
-  // Destroys the job in a thread of its own, which sets the flag at the end.
-  std::thread destroyAside(std::atomic<bool>& isDestroyed) {
-    return std::thread([this, &isDestroyed] {
-      m_job.reset();
-      isDestroyed = true;
-    });
   }
 
   std::vector<LogRecord> recordsOf(const std::string& source) const {
@@ -100,11 +95,12 @@ class JobThreadTest : public testing::Test {
   test::FakeConfig m_config;
   std::optional<test::FakeLocker> m_locker{std::in_place};
   test::FakeMidApi m_midApi;
+  test::FakeClock m_clock;
   std::unique_ptr<Orvex_ConcreteJob> m_job;
 };
 
 TEST_F(JobThreadTest, WantsAJob) {
-  EXPECT_THAT([] { const JobThread thread(nullptr); },
+  EXPECT_THAT([] { const JobThread thread(nullptr, platform::steadyClock()); },
               test::ThrowsExactly<utils::Exception>(test::IsAssertion(kSource, "NULL != myJob")));
 }
 
@@ -320,18 +316,28 @@ TEST_F(JobThreadBootTypes, StayWhenBisectionFindsTheIscsiOfAnUnorderedList) {
   EXPECT_THAT(bootTypeCalls(), testing::IsEmpty());
 }
 
+TEST_F(JobThreadTest, WaitsAMomentBeforeItRuns) {
+  run({FirmwareType::Iscsi});
+
+  EXPECT_THAT(m_clock.sleeps(), Contains(Pair(milliseconds(10), 1)));
+}
+
 TEST_F(JobThreadTest, ThatHangsHoldsItsJobsDestructionUpAfterAnErrorRecord) {
   m_midApi.holdWrites();
   start({FirmwareType::Iscsi});
   ASSERT_TRUE(m_midApi.awaitHeldWrite());
+  int stepsBeforeRecord = 0;
+  m_clock.afterEachSleep([&](int number) {
+    if (placeOf("terminating timeout error") < 0) {
+      stepsBeforeRecord = number;
+    } else if (number == stepsBeforeRecord + 100) {
+      m_midApi.releaseWrites();
+    }
+  });
+  m_job.reset();
 
-  std::atomic<bool> isDestroyed{false};
-  std::thread destroyer = destroyAside(isDestroyed);
-  EXPECT_TRUE(test::waitUntil([this] { return placeOf("terminating timeout error") >= 0; }));
-  EXPECT_FALSE(isDestroyed);
-  m_midApi.releaseWrites();
-  destroyer.join();
-
+  EXPECT_EQ(stepsBeforeRecord, 60);
+  EXPECT_GE(m_clock.sleeps()[milliseconds(50)], 160);
   EXPECT_THAT(m_log.records(),
               Contains(IsRecordOf(kSource, LogLevel::Error, "JobThread::~JobThread",
                                   MatchesRegex("JobThread " + test::kPointerPattern +
@@ -344,32 +350,50 @@ TEST_F(JobThreadTest, ThatEndsInTimeEndsItsJobsDestruction) {
   m_midApi.holdWrites();
   start({FirmwareType::Iscsi});
   ASSERT_TRUE(m_midApi.awaitHeldWrite());
+  m_clock.afterEachSleep([&](int number) {
+    if (number == 59) {
+      m_midApi.releaseWrites();
+      EXPECT_TRUE(test::waitUntil([this] { return placeOf("finishing") >= 0; }));
+    }
+  });
+  m_job.reset();
 
-  std::atomic<bool> isDestroyed{false};
-  std::thread destroyer = destroyAside(isDestroyed);
-  EXPECT_TRUE(test::waitUntil([this] { return placeOf("waiting for terminate") >= 0; }));
-  EXPECT_FALSE(isDestroyed);
-  m_midApi.releaseWrites();
-  destroyer.join();
-
+  EXPECT_THAT(m_clock.sleeps(), Contains(Pair(milliseconds(50), 59)));
   EXPECT_GE(placeOf(", terminated"), 0);
   EXPECT_EQ(placeOf("terminating timeout error"), -1);
   EXPECT_THAT(m_midApi.calls(), Contains(StartsWith("updateCapabilityWord")));
 }
 
-TEST(WaitForFlag, ReturnsTheWholeBudgetForASetFlag) {
-  LockedFlag flag;
-  flag.set();
-  EXPECT_EQ(waitForFlag(flag, 100), 100);
-  EXPECT_EQ(waitForFlag(flag, 0), 0);
+class WaitForFlag : public testing::Test {
+ protected:
+  int wait(int budget) { return waitForFlag(m_flag, budget, m_clock); }
+
+  LockedFlag m_flag;
+  test::FakeClock m_clock;
+};
+
+TEST_F(WaitForFlag, ReturnsTheWholeBudgetForASetFlag) {
+  m_flag.set();
+  EXPECT_EQ(wait(100), 100);
+  EXPECT_EQ(wait(0), 0);
+  EXPECT_THAT(m_clock.sleeps(), testing::IsEmpty());
 }
 
-TEST(WaitForFlag, UsesTheBudgetUpInStepsOfFiftyMilliseconds) {
-  const LockedFlag flag;
-  EXPECT_EQ(waitForFlag(flag, 100), 0);
-  EXPECT_EQ(waitForFlag(flag, 30), -20);
-  EXPECT_EQ(waitForFlag(flag, 0), 0);
-  EXPECT_EQ(waitForFlag(flag, -5), -5);
+TEST_F(WaitForFlag, UsesTheBudgetUpInStepsOfFiftyMilliseconds) {
+  EXPECT_EQ(wait(100), 0);
+  EXPECT_EQ(wait(30), -20);
+  EXPECT_EQ(wait(0), 0);
+  EXPECT_EQ(wait(-5), -5);
+  EXPECT_THAT(m_clock.sleeps(), ElementsAre(Pair(milliseconds(50), 3)));
+}
+
+TEST_F(WaitForFlag, ReturnsWhatIsLeftWhenTheFlagIsSetMeanwhile) {
+  m_clock.afterEachSleep([this](int number) {
+    if (number == 2) {
+      m_flag.set();
+    }
+  });
+  EXPECT_EQ(wait(3000), 2900);
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include "tests/agent/FakeSystem.h"
 #include "tests/agent/FileCuttingSinks.h"
 #include "tests/agent/NoMoreThreads.h"
+#include "tests/support/FakeClock.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/WaitUntil.h"
@@ -134,6 +135,9 @@ TEST_F(ConcreteJobClass, UsesANumberUpForAJobThatCameToExistOnly) {
 }
 
 TEST_F(ConcreteJobClass, TakesAJobThatCannotStartBack) {
+  test::FakeClock clock;
+  m_provider.reset();
+  m_provider = std::make_unique<Orvex_ConcreteJobClass>(clock);
   {
     const test::NoMoreThreads noMoreThreads;
     EXPECT_EQ(create(), 106);
@@ -141,9 +145,11 @@ TEST_F(ConcreteJobClass, TakesAJobThatCannotStartBack) {
   EXPECT_EQ(m_job, nullptr);
   EXPECT_THAT(enumerate(), IsEmpty());
   EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_THAT(clock.sleeps(), ElementsAre(testing::Pair(std::chrono::milliseconds(50), 60)));
 
   createAndFinish();
   EXPECT_THAT(captions(), ElementsAre("Firmware Update Job 2"));
+  m_provider.reset();
 }
 
 TEST_F(ConcreteJobClass, RefusesASecondUpdateWhileOneRuns) {

@@ -17,6 +17,7 @@
 namespace {
 
 using ConcreteJob = test::ConcreteJobFixture;
+using std::chrono::milliseconds;
 using test::HasRecordOf;
 using test::IsRecordOf;
 using test::kAdapter;
@@ -24,6 +25,7 @@ using test::LogLevel;
 using test::MatchesRegex;
 using testing::Contains;
 using testing::ElementsAre;
+using testing::Pair;
 using utils::FirmwareType;
 
 constexpr const char* kSource = "Orvex_ConcreteJob";
@@ -191,6 +193,8 @@ TEST_F(ConcreteJob, DoesNotStartFromStarting) {
 }
 
 TEST_F(ConcreteJob, FailsWhenItsThreadDoesNotStart) {
+  makeJobByTheClock();
+  m_log.clear();
   m_job->setError(9, "as it was");
   {
     const test::NoMoreThreads noMoreThreads;
@@ -206,6 +210,18 @@ TEST_F(ConcreteJob, FailsWhenItsThreadDoesNotStart) {
   EXPECT_THAT(m_log.messages("Orvex_ConcreteJob::setJobState"), ElementsAre("2 -> 3", "3 -> 10"));
 }
 
+// What counts as started is waited for, whether there is a thread or not.
+TEST_F(ConcreteJob, IsDestroyedAfterTheWholeWaitForAThreadThatDidNotStart) {
+  makeJobByTheClock();
+  {
+    const test::NoMoreThreads noMoreThreads;
+    EXPECT_EQ(request(2), 4u);
+  }
+  EXPECT_THAT(m_clock.sleeps(), testing::IsEmpty());
+  m_job.reset();
+  EXPECT_THAT(m_clock.sleeps(), ElementsAre(Pair(milliseconds(50), 60)));
+}
+
 // -- the thread --
 
 TEST_F(ConcreteJob, WaitsForItsThread) {
@@ -217,8 +233,10 @@ TEST_F(ConcreteJob, WaitsForItsThread) {
 }
 
 TEST_F(ConcreteJob, CountsATimeoutThatIsUsedUpExactlyAsWaited) {
+  makeJobByTheClock();
   startAndHold();
   EXPECT_TRUE(m_job->threadControl(2, 50));
+  EXPECT_THAT(m_clock.sleeps(), Contains(Pair(milliseconds(50), 1)));
   EXPECT_EQ(m_job->getJobState(), ConcreteJobState::Running);
 }
 

@@ -64,6 +64,7 @@ TEST_F(RequestStateChange, RefusesOtherStates) {
 TEST_F(RequestStateChange, ReportsAThreadThatDoesNotStart) {
   m_requestedState.setValue(2);
   m_in.add(&m_requestedState);
+  makeJobByTheClock();
   const test::NoMoreThreads noMoreThreads;
 
   EXPECT_EQ(invoke(), Orvex_ConcreteJob::kStateChangeFailed);

@@ -2,22 +2,19 @@
 
 #include <chrono>
 #include <fstream>
-#include <future>
 #include <gmock/gmock.h>
-#include <thread>
 
 namespace ma {
 namespace {
 
 using std::chrono::milliseconds;
-using std::chrono::steady_clock;
+using std::chrono::seconds;
 using test::WatchedFileSystem;
-using testing::AllOf;
 using testing::Each;
 using testing::ElementsAre;
-using testing::HasSubstr;
+using testing::IsEmpty;
 using testing::Le;
-using testing::SizeIs;
+using testing::Pair;
 
 using Bytes = std::vector<std::uint8_t>;
 
@@ -27,13 +24,28 @@ TEST_F(FlashWriteTest, ReplacesTheFlashInBlocks) {
   EXPECT_THAT(m_files.blocks, ElementsAre(65536, 65536, 65536, 200000 - 3 * 65536));
 }
 
+TEST_F(FlashWriteTest, NeverWaitsWithoutARate) {
+  setRate(0);
+  write();
+  expectSuccess();
+  EXPECT_THAT(m_clock.sleeps(), IsEmpty());
+}
+
 TEST_F(FlashWriteTest, TakesTheTimeThatItsRateDemands) {
   setRate(1000000);
-  const auto begin = steady_clock::now();
   write();
-  EXPECT_GE(steady_clock::now() - begin, milliseconds(200));
   expectSuccess();
   EXPECT_THAT(m_files.blocks, Each(Le(50000U)));
+  EXPECT_THAT(m_clock.sleeps(), ElementsAre(Pair(milliseconds(50), 4)));
+}
+
+TEST_F(FlashWriteTest, WaitsForWhatTheDiskHasLeftOfItsTurn) {
+  setRate(1000000);
+  // Each block takes the disk 20 ms.
+  m_files.beforeAppend = [&](std::size_t) { m_clock.sleepFor(milliseconds(20)); };
+  write();
+  expectSuccess();
+  EXPECT_THAT(m_clock.sleeps(), ElementsAre(Pair(milliseconds(20), 4), Pair(milliseconds(30), 4)));
 }
 
 TEST_F(FlashWriteTest, TakesSmallStepsAtSlowRates) {
@@ -41,15 +53,17 @@ TEST_F(FlashWriteTest, TakesSmallStepsAtSlowRates) {
   setRate(400);
   write();
   expectSuccess();
-  EXPECT_THAT(m_files.blocks, AllOf(SizeIs(5), Each(20U)));
+  EXPECT_THAT(m_files.blocks, ElementsAre(20, 20, 20, 20, 20));
+  EXPECT_EQ(m_clock.slept(), milliseconds(250));
 }
 
 TEST_F(FlashWriteTest, WritesByteByByteAtTheSlowestRates) {
   m_new = Bytes(2, 'n');
-  setRate(19);
+  setRate(1);
   write();
   expectSuccess();
   EXPECT_THAT(m_files.blocks, ElementsAre(1, 1));
+  EXPECT_THAT(m_clock.sleeps(), ElementsAre(Pair(seconds(1), 2)));
 }
 
 TEST_F(FlashWriteTest, StandsAtNinetyNineUntilTheFlashIsReplaced) {
@@ -89,37 +103,59 @@ TEST_F(FlashWriteTest, FailsAtEitherEndToo) {
 
 TEST_F(FlashWriteTest, HangsUntilTheFaultIsTakenOutOfTheDescription) {
   setFaults(R"({"hang": {"atPercent": 30}})");
-  const auto writing = writeOnAThread();
-  waitForProgress(30);
-  EXPECT_EQ(writing.wait_for(milliseconds(150)), std::future_status::timeout);
-  EXPECT_EQ(m_progress.percent(), 30U);
-  EXPECT_EQ(m_adapters.flash(kPci), m_old);
-  setFaults("{}");
-  ASSERT_EQ(writing.wait_for(kPatience), std::future_status::ready);
+  m_clock.afterEachSleep([&](int count) {
+    EXPECT_EQ(m_progress.percent(), 30U);
+    EXPECT_EQ(m_adapters.flash(kPci), m_old);
+    if (count == 4) {
+      setFaults("{}");
+    }
+  });
+  write();
   expectSuccess();
+  EXPECT_THAT(m_clock.sleeps(), ElementsAre(Pair(milliseconds(50), 4)));
 }
 
 TEST_F(FlashWriteTest, KeepsHangingWhileTheDescriptionIsUnreadable) {
   const std::string before = m_adapters.description(kPci);
   setFaults(R"({"hang": {"atPercent": 30}})");
-  const auto writing = writeOnAThread();
-  waitForProgress(30);
-  m_adapters.describe(kPci, "half an edit");
-  EXPECT_EQ(writing.wait_for(milliseconds(150)), std::future_status::timeout);
-  m_adapters.describe(kPci, before);
-  ASSERT_EQ(writing.wait_for(kPatience), std::future_status::ready);
+  m_clock.afterEachSleep([&](int count) {
+    if (count == 1) {
+      m_adapters.describe(kPci, "half an edit");
+    }
+    if (count == 4) {
+      m_adapters.describe(kPci, before);
+    }
+  });
+  write();
   expectSuccess();
+  EXPECT_THAT(m_clock.sleeps(), ElementsAre(Pair(milliseconds(50), 4)));
+}
+
+TEST_F(FlashWriteTest, GoesOnAtItsRateAfterAHang) {
+  setRate(1000000);
+  setFaults(R"({"hang": {"atPercent": 50}})");
+  m_clock.afterEachSleep([&](int) {
+    if (m_clock.slept() >= seconds(5)) {
+      setFaults("{}");
+    }
+  });
+  write();
+  expectSuccess();
+  // 4.9 s of hanging and 200 ms of writing, of which none is caught up with.
+  EXPECT_THAT(m_clock.sleeps(), ElementsAre(Pair(milliseconds(50), 98 + 4)));
 }
 
 TEST_F(FlashWriteTest, FailsBehindAHang) {
   setFaults(R"({"hang": {"atPercent": 30},
                  "write": {"atPercent": 60, "code": 17, "text": "later"}})");
-  const auto writing = writeOnAThread();
-  waitForProgress(30);
-  setFaults("{}");
-  ASSERT_EQ(writing.wait_for(kPatience), std::future_status::ready);
+  m_clock.afterEachSleep([&](int) {
+    EXPECT_EQ(m_progress.percent(), 30U);
+    setFaults("{}");
+  });
+  write();
   expectFailure(17, "later");
   EXPECT_EQ(m_progress.percent(), 60U);
+  EXPECT_THAT(m_clock.sleeps(), ElementsAre(Pair(milliseconds(50), 1)));
 }
 
 TEST_F(FlashWriteTest, ReportsAFullDisk) {

@@ -3,24 +3,21 @@
 #ifndef ORVEX_TESTS_MIDAPI_FLASHWRITETEST_H_
 #define ORVEX_TESTS_MIDAPI_FLASHWRITETEST_H_
 
-#include <chrono>
 #include <cstdint>
-#include <future>
 #include <gmock/gmock.h>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "midapi/FlashWrite.h"
 #include "tests/midapi/AdapterFixture.h"
 #include "tests/midapi/WatchedFileSystem.h"
+#include "tests/support/FakeClock.h"
 
 namespace ma {
 
 class FlashWriteTest : public testing::Test {
  protected:
   static constexpr const char* kPci = "0000:03:00";
-  static constexpr std::chrono::seconds kPatience{20};
 
   FlashWriteTest() { m_adapters.makeAdapter(kPci, m_old); }
 
@@ -34,21 +31,11 @@ class FlashWriteTest : public testing::Test {
     const AdapterFolder folder(m_files, m_adapters.directory(), {0, 3, 0});
     const AdapterDescription description = folder.description();
     try {
-      FlashWrite(m_files, folder, description, m_new, m_progress).run();
+      FlashWrite(m_files, folder, description, m_new, m_progress, m_clock).run();
     } catch (const FlashFault& fault) {
       m_code = fault.code();
       m_text = fault.what();
     }
-  }
-  std::future<void> writeOnAThread() {
-    return std::async(std::launch::async, [this] { write(); });
-  }
-  void waitForProgress(std::uint32_t percent) {
-    const auto deadline = std::chrono::steady_clock::now() + kPatience;
-    while (m_progress.percent() < percent && std::chrono::steady_clock::now() < deadline) {
-      std::this_thread::yield();
-    }
-    ASSERT_GE(m_progress.percent(), percent);
   }
   void expectFailure(std::uint32_t code, const std::string& text) {
     EXPECT_EQ(m_code, code);
@@ -69,6 +56,7 @@ class FlashWriteTest : public testing::Test {
   test::AdapterFixture m_adapters;
   test::WatchedFileSystem m_files;
   WriteProgress m_progress;
+  test::FakeClock m_clock;
   std::uint32_t m_code = 0;
   std::string m_text;
 };

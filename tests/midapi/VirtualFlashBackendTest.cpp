@@ -6,6 +6,7 @@
 #include "midapi/VirtualFlashBackend.h"
 #include "tests/midapi/AdapterFixture.h"
 #include "tests/midapi/WatchedFileSystem.h"
+#include "tests/support/FakeClock.h"
 
 namespace ma {
 namespace {
@@ -30,7 +31,8 @@ class VirtualFlashBackendTest : public testing::Test {
 
   test::AdapterFixture m_adapters;
   test::WatchedFileSystem m_files;
-  VirtualFlashBackend m_backend{m_files, [this] { return m_adapters.directory(); }};
+  test::FakeClock m_clock;
+  VirtualFlashBackend m_backend{m_files, [this] { return m_adapters.directory(); }, m_clock};
 };
 
 TEST_F(VirtualFlashBackendTest, OrdersPortsByPciAddress) {
@@ -52,14 +54,16 @@ TEST_F(VirtualFlashBackendTest, PassesOverWhatIsNoAdapter) {
 }
 
 TEST_F(VirtualFlashBackendTest, TakesAMissingDirectoryForNoAdapters) {
-  VirtualFlashBackend backend(m_files, [this] { return m_adapters.directory() / "none"; });
+  VirtualFlashBackend backend(
+      m_files, [this] { return m_adapters.directory() / "none"; }, m_clock);
   EXPECT_THAT(backend.enumerateAdapters(), IsEmpty());
   EXPECT_EQ(codeOf([&] { static_cast<void>(backend.facts(kPort)); }), 201U);
 }
 
 TEST_F(VirtualFlashBackendTest, AsksForTheDirectoryEachTime) {
   std::filesystem::path directory = m_adapters.directory() / "none";
-  VirtualFlashBackend backend(m_files, [&] { return directory; });
+  VirtualFlashBackend backend(
+      m_files, [&] { return directory; }, m_clock);
   m_adapters.makeAdapter("0000:03:00", {});
   EXPECT_THAT(backend.enumerateAdapters(), IsEmpty());
   directory = m_adapters.directory();
@@ -104,7 +108,8 @@ TEST_F(VirtualFlashBackendTest, FailsTheCapabilityWordOnDemand) {
 
 TEST_F(VirtualFlashBackendTest, LosesNoChangeOfConcurrentCallers) {
   m_adapters.makeAdapter("0000:03:00", {});
-  VirtualFlashBackend backend(nativeFileSystem(), [this] { return m_adapters.directory(); });
+  VirtualFlashBackend backend(
+      nativeFileSystem(), [this] { return m_adapters.directory(); }, m_clock);
   const auto store = [&](std::uint8_t function) {
     for (int round = 0; round < 20; ++round) {
       backend.setBootType({kPort.adapter, function},
@@ -120,7 +125,8 @@ TEST_F(VirtualFlashBackendTest, LosesNoChangeOfConcurrentCallers) {
 
 TEST_F(VirtualFlashBackendTest, ShowsReadersAWholeDescriptionWhileItIsChanged) {
   m_adapters.makeAdapter("0000:03:00", {});
-  VirtualFlashBackend backend(nativeFileSystem(), [this] { return m_adapters.directory(); });
+  VirtualFlashBackend backend(
+      nativeFileSystem(), [this] { return m_adapters.directory(); }, m_clock);
   std::atomic<bool> isDone{false};
   std::thread writer([&] {
     for (std::uint32_t word = 0; word < 50; ++word) {

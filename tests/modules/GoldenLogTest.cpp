@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <map>
-#include <mutex>
 #include <regex>
 #include <string>
 #include <thread>
@@ -13,6 +12,7 @@
 
 #include "Os/Environment.h"
 #include "Utils/Log.h"
+#include "platform/Mutex.h"
 #include "tests/modules/Firmware.h"
 #include "tests/modules/ModuleHost.h"
 #include "tests/support/LogCapture.h"
@@ -31,7 +31,7 @@ class ThreadedLog : private utils::LogSinks {
   ~ThreadedLog() override { utils::exchangeLogSinks(m_previous); }
 
   [[nodiscard]] bool hasLine(const std::string& part) const {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const platform::Lock lock(m_mutex);
     for (const Thread& thread : m_threads) {
       for (const std::string& line : thread.lines) {
         if (line.find(part) != std::string::npos) {
@@ -44,7 +44,7 @@ class ThreadedLog : private utils::LogSinks {
 
   // Returns the lines, thread by thread in the order in which they began to log.
   [[nodiscard]] std::vector<std::vector<std::string>> threads() const {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const platform::Lock lock(m_mutex);
     std::vector<std::vector<std::string>> threads;
     for (const Thread& thread : m_threads) {
       threads.push_back(thread.lines);
@@ -55,7 +55,7 @@ class ThreadedLog : private utils::LogSinks {
   // Returns whether each line went to the debug channel and to the standard error stream, and each
   // error to the event log.
   [[nodiscard]] bool wentEverywhere() const {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const platform::Lock lock(m_mutex);
     return m_debugLines == m_consoleLines && m_errorLines == m_eventLines;
   }
 
@@ -66,11 +66,11 @@ class ThreadedLog : private utils::LogSinks {
   };
 
   void writeEventLog(const std::string& line) noexcept override {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const platform::Lock lock(m_mutex);
     ++m_eventLines[line];
   }
   void writeDebugChannel(const std::string& line) noexcept override {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const platform::Lock lock(m_mutex);
     ++m_debugLines[line];
     if (test::parseLogLine(line).level == test::LogLevel::Error) {
       ++m_errorLines[line];
@@ -84,17 +84,18 @@ class ThreadedLog : private utils::LogSinks {
     m_threads.push_back({std::this_thread::get_id(), {line}});
   }
   void writeStandardError(const std::string& text) noexcept override {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const platform::Lock lock(m_mutex);
     ++m_consoleLines[text];
   }
 
-  mutable std::mutex m_mutex;
-  std::vector<Thread> m_threads;
-  std::map<std::string, int> m_debugLines;
-  std::map<std::string, int> m_consoleLines;
-  std::map<std::string, int> m_errorLines;
-  std::map<std::string, int> m_eventLines;
-  utils::LogSinks* m_previous;
+  mutable platform::Mutex m_mutex;
+  std::vector<Thread> m_threads ORVEX_GUARDED_BY(m_mutex);
+  std::map<std::string, int> m_debugLines ORVEX_GUARDED_BY(m_mutex);
+  std::map<std::string, int> m_consoleLines ORVEX_GUARDED_BY(m_mutex);
+  std::map<std::string, int> m_errorLines ORVEX_GUARDED_BY(m_mutex);
+  std::map<std::string, int> m_eventLines ORVEX_GUARDED_BY(m_mutex);
+  // Last: from its construction on, threads log here.
+  utils::LogSinks* const m_previous;
 };
 
 // A value that differs from run to run: the text before it, what it is made of, and what stands for

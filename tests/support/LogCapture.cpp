@@ -51,7 +51,7 @@ LogCapture::~LogCapture() {
 }
 
 std::vector<std::string> LogCapture::lines(LogSink sink) const {
-  const std::lock_guard<std::mutex> lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   return m_lines.at(static_cast<std::size_t>(sink));
 }
 
@@ -74,7 +74,7 @@ std::vector<std::string> LogCapture::messages(const std::string& function) const
 }
 
 void LogCapture::clear() {
-  const std::lock_guard<std::mutex> lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   for (std::vector<std::string>& lines : m_lines) {
     lines.clear();
   }
@@ -93,7 +93,7 @@ void LogCapture::writeStandardError(const std::string& text) noexcept {
 }
 
 void LogCapture::append(LogSink sink, const std::string& line) {
-  const std::lock_guard<std::mutex> lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   m_lines.at(static_cast<std::size_t>(sink)).push_back(line);
 }
 

@@ -11,11 +11,11 @@
 #include <cstddef>
 #include <gmock/gmock.h>
 #include <iosfwd>
-#include <mutex>
 #include <string>
 #include <vector>
 
 #include "Utils/Log.h"
+#include "platform/Mutex.h"
 
 namespace test {
 
@@ -56,9 +56,10 @@ class LogCapture : private utils::LogSinks {
 
   void append(LogSink sink, const std::string& line);
 
-  mutable std::mutex m_mutex;
-  std::array<std::vector<std::string>, 3> m_lines;  // by sink
-  utils::LogSinks* m_previous;
+  mutable platform::Mutex m_mutex;
+  std::array<std::vector<std::string>, 3> m_lines ORVEX_GUARDED_BY(m_mutex);  // by sink
+  // Last: from its construction on, threads log here.
+  utils::LogSinks* const m_previous;
 };
 
 // Matches a record by its level, function and message; the latter two are texts or matchers.

@@ -21,6 +21,7 @@
 #include "Utils/Exception.h"
 #include "Utils/Format.h"
 #include "tests/Os/SystemFaults.h"
+#include "tests/support/FakeClock.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Posix/ChildProcess.h"
 #include "tests/support/TempDirectory.h"
@@ -277,8 +278,10 @@ TEST_F(PosixOSLocker, IsCreatedByManyProcessesAtOnceWithCountOne) {
 TEST_F(PosixOSLocker, TakesOverFromACreatorThatDiedBeforeSettingItUp) {
   ASSERT_GE(semget(m_key, 1, IPC_CREAT | IPC_EXCL | 0666), 0);
   ASSERT_EQ(count(), 0);
-  OSLockerPosix locker(m_key);
+  test::FakeClock clock;
+  OSLockerPosix locker(m_key, clock);
 
+  EXPECT_THAT(clock.sleeps(), ElementsAre(testing::Pair(std::chrono::milliseconds(1), 1000)));
   EXPECT_EQ(count(), 1);
   EXPECT_EQ(locker.Lock(), 0);
 }
@@ -286,11 +289,18 @@ TEST_F(PosixOSLocker, TakesOverFromACreatorThatDiedBeforeSettingItUp) {
 TEST_F(PosixOSLocker, WaitsForACreatorThatIsSlow) {
   const int made = semget(m_key, 1, IPC_CREAT | IPC_EXCL | 0666);
   ASSERT_GE(made, 0);
-  auto locker = std::async(std::launch::async, [this] { return OSLockerPosix(m_key).Lock(); });
-  sembuf setUp{0, 1, 0};
-  ASSERT_EQ(semop(made, &setUp, 1), 0);
+  test::FakeClock clock;
+  clock.afterEachSleep([made](int number) {
+    sembuf setUp{0, 1, 0};
+    if (number == 7) {
+      EXPECT_EQ(semop(made, &setUp, 1), 0);
+    }
+  });
+  OSLockerPosix locker(m_key, clock);
 
-  EXPECT_EQ(locker.get(), 0);
+  EXPECT_EQ(clock.slept(), std::chrono::milliseconds(7));
+  EXPECT_EQ(locker.Lock(), 0);
+  EXPECT_EQ(locker.UnLock(), 0);
   EXPECT_EQ(count(), 1);
 }
 

@@ -12,11 +12,11 @@
 #include <windows.h>
 
 #include "Os/OSLocker.h"
-#include "Os/Windows/Handle.h"
 #include "Utils/Exception.h"
 #include "core/CimAgent.h"
 #include "core/CimBroker.h"
 #include "host/ModuleLoader.h"
+#include "platform/Windows/Handle.h"
 
 namespace {
 
@@ -44,7 +44,7 @@ void enumerate() {
 
 // Returns once the thread has ended.
 void runThread() {
-  const os::Handle thread(CreateThread(
+  const platform::Handle thread(CreateThread(
       nullptr, 0, [](void*) -> DWORD { return 0; }, nullptr, 0, nullptr));
   if (!thread.isOpen() || WaitForSingleObject(thread.get(), INFINITE) != WAIT_OBJECT_0) {
     std::printf("no thread, error %lu\n", GetLastError());

@@ -1,11 +1,10 @@
-#include <ctime>
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "midapi/FileSystem.h"
+#include "midapi/Posix/PosixFileSystem.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/WaitUntil.h"
 
@@ -54,20 +53,52 @@ TEST_F(PosixFileSystemTest, GivesNoIdentityToAFileThatHasJustChanged) {
   }));
 }
 
-TEST_F(PosixFileSystemTest, WaitsLongerForAFileWithTimesInWholeSeconds) {
-  const auto path = m_directory.write("file", std::string("text"));
-  const timespec times[] = {{1'000'000'000, 0}, {1'000'000'000, 0}};
-  ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
-  struct stat state {};
-  ASSERT_EQ(::stat(path.c_str(), &state), 0);
-  const auto age = [&state] {
-    timespec now{};
-    ::clock_gettime(CLOCK_REALTIME, &now);
-    return double(now.tv_sec - state.st_ctim.tv_sec) +
-           double(now.tv_nsec - state.st_ctim.tv_nsec) / 1e9;
-  };
-  ASSERT_TRUE(test::waitUntil([&] { return nativeFileSystem().identity(path).has_value(); }));
-  EXPECT_GE(age(), 3.0);
+// A file, and a file system that takes it to be of an age that the test says.
+class AgedFile : public PosixFileSystemTest {
+ protected:
+  static constexpr std::int64_t kMillisecond = 1'000'000;
+  static constexpr std::int64_t kSecond = 1000 * kMillisecond;
+
+  // Dates the file's content; the system dates that change to now.
+  void setModified(std::int64_t nanoseconds) {
+    const timespec time{nanoseconds / kSecond, nanoseconds % kSecond};
+    const timespec times[] = {time, time};
+    ASSERT_EQ(::utimensat(AT_FDCWD, m_path.c_str(), times, 0), 0);
+  }
+  [[nodiscard]] std::int64_t changed() const {
+    struct stat state {};
+    EXPECT_EQ(::stat(m_path.c_str(), &state), 0);
+    return std::int64_t{state.st_ctim.tv_sec} * kSecond + state.st_ctim.tv_nsec;
+  }
+  [[nodiscard]] bool hasIdentityAt(std::optional<std::int64_t> now) const {
+    return makePosixFileSystem([now] { return now; })->identity(m_path).has_value();
+  }
+  void expectIdentityFrom(std::int64_t moment) const {
+    EXPECT_FALSE(hasIdentityAt(moment - 1));
+    EXPECT_TRUE(hasIdentityAt(moment));
+  }
+
+  const std::filesystem::path m_path = m_directory.write("file", std::string("text"));
+};
+
+TEST_F(AgedFile, HasAnIdentityWhenItWasLeftAloneForSomeTicks) {
+  setModified(1000 * kSecond + 1);
+  expectIdentityFrom(changed() + 40 * kMillisecond);
+}
+
+TEST_F(AgedFile, IsWaitedForLongerWithTimesInWholeSeconds) {
+  setModified(1000 * kSecond);
+  expectIdentityFrom(changed() + 3 * kSecond);
+}
+
+TEST_F(AgedFile, IsAsOldAsItsLastChangeOfEitherKind) {
+  const std::int64_t future = changed() + 1000 * kSecond + 1;
+  setModified(future);
+  expectIdentityFrom(future + 40 * kMillisecond);
+}
+
+TEST_F(AgedFile, HasNoIdentityWhereTheTimeCannotBeTold) {
+  EXPECT_FALSE(hasIdentityAt(std::nullopt));
 }
 
 TEST_F(PosixFileSystemTest, GivesNoIdentityToWhatIsNotThere) {

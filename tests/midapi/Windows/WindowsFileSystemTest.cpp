@@ -1,12 +1,12 @@
 #include <filesystem>
-#include <future>
 #include <gmock/gmock.h>
 #include <memory>
 #include <string>
 #include <windows.h>
 
 #include "midapi/AdapterFolder.h"
-#include "midapi/FileSystem.h"
+#include "midapi/Windows/WindowsFileSystem.h"
+#include "tests/support/FakeClock.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/Windows/ImportPatch.h"
 #include "tests/support/Windows/Umlauts.h"
@@ -14,8 +14,11 @@
 namespace ma {
 namespace {
 
+using std::chrono::milliseconds;
+using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
+using testing::Pair;
 
 template <class Operation>
 std::string faultOf(Operation operation) {
@@ -58,7 +61,7 @@ HANDLE WINAPI openFile(const wchar_t* path, DWORD access, DWORD share,
 
 class WindowsFileSystemTest : public testing::Test {
  protected:
-  FileSystem& files() { return nativeFileSystem(); }
+  FileSystem& files() { return *m_files; }
   std::string readFault(const std::filesystem::path& path) {
     return faultOf([&] { static_cast<void>(files().read(path, 1000)); });
   }
@@ -66,6 +69,8 @@ class WindowsFileSystemTest : public testing::Test {
     return faultOf([&] { files().replace(m_new, m_old); });
   }
 
+  test::FakeClock m_clock;
+  const std::unique_ptr<FileSystem> m_files = makeWindowsFileSystem(m_clock);
   test::TempDirectory m_directory;
   const std::filesystem::path m_old = m_directory.write("file", std::string("old"));
   const std::filesystem::path m_new = m_directory.write("file.new", std::string("new"));
@@ -103,13 +108,16 @@ TEST_F(WindowsFileSystemTest, MissesFilesInMissingFolders) {
 
 TEST_F(WindowsFileSystemTest, WaitsToReplaceAFileUntilItsReaderIsDone) {
   auto reader = std::make_unique<OpenFile>(m_old);
-  auto fault = std::async(std::launch::async, [this] { return replaceFault(); });
-  EXPECT_EQ(fault.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
-  EXPECT_EQ(test::readText(m_old), "old");
-  reader.reset();
-  EXPECT_EQ(fault.get(), "no fault");
+  m_clock.afterEachSleep([&](int count) {
+    EXPECT_EQ(test::readText(m_old), "old");
+    if (count == 5) {
+      reader.reset();
+    }
+  });
+  EXPECT_EQ(replaceFault(), "no fault");
   EXPECT_EQ(test::readText(m_old), "new");
   EXPECT_FALSE(files().exists(m_new));
+  EXPECT_THAT(m_clock.sleeps(), ElementsAre(Pair(milliseconds(1), 5)));
 }
 
 TEST_F(WindowsFileSystemTest, LeavesAFileThatAReaderKeepsOpen) {
@@ -117,6 +125,7 @@ TEST_F(WindowsFileSystemTest, LeavesAFileThatAReaderKeepsOpen) {
   EXPECT_EQ(replaceFault(), "cannot replace " + m_old.string() + ": Permission denied");
   EXPECT_EQ(test::readText(m_old), "old");
   EXPECT_EQ(test::readText(m_new), "new");
+  EXPECT_THAT(m_clock.sleeps(), ElementsAre(Pair(milliseconds(1), 2000)));
 }
 
 TEST_F(WindowsFileSystemTest, CreatesAFolderOnce) {
@@ -136,7 +145,7 @@ TEST_F(WindowsFileSystemTest, WorksInADirectoryThatTheCodePageHasNoNameFor) {
   const auto folder = m_directory.path() / test::kMacronPath;
   files().createFolders(folder / "flash.rom");
   EXPECT_THAT(files().folders(m_directory.path()).names,
-              testing::ElementsAre(std::filesystem::path(test::kMacronPath)));
+              ElementsAre(std::filesystem::path(test::kMacronPath)));
   SetEnvironmentVariableW(L"ORVEX_ADAPTERS", folder.c_str());
   EXPECT_EQ(adaptersDirectory(), folder);
   SetEnvironmentVariableW(L"ORVEX_ADAPTERS", nullptr);
@@ -149,7 +158,7 @@ TEST_F(WindowsFileSystemTest, TakesNoLikenessOfAnAddressForAnAdapter) {
 
   const AdapterFolders found = listAdapterFolders(files(), m_directory.path());
   EXPECT_THAT(found.addresses, testing::IsEmpty());
-  EXPECT_THAT(found.strangers, testing::ElementsAre(stranger));
+  EXPECT_THAT(found.strangers, ElementsAre(stranger));
 }
 
 TEST_F(WindowsFileSystemTest, GivesNoIdentities) {

@@ -7,7 +7,7 @@
 #include <chrono>
 #include <windows.h>
 
-#include "Os/Windows/Handle.h"
+#include "platform/Windows/Handle.h"
 #include "tests/support/WaitUntil.h"
 
 namespace test {
@@ -39,7 +39,7 @@ class OtherProgram {
     return m_isHolding;
   }
 
-  os::Handle m_semaphore;
+  platform::Handle m_semaphore;
   bool m_isHolding = false;
 };
 

@@ -1,12 +1,12 @@
 // Keeps the system from asking whoever sits at the screen about a damaged library or an empty drive
 // while this object lives: the call fails instead. For the calling thread only.
 
-#ifndef ORVEX_OS_WINDOWS_NOERRORDIALOGS_H_
-#define ORVEX_OS_WINDOWS_NOERRORDIALOGS_H_
+#ifndef ORVEX_PLATFORM_WINDOWS_NOERRORDIALOGS_H_
+#define ORVEX_PLATFORM_WINDOWS_NOERRORDIALOGS_H_
 
 #include <windows.h>
 
-namespace os {
+namespace platform {
 
 class NoErrorDialogs {
  public:
@@ -22,6 +22,6 @@ class NoErrorDialogs {
   DWORD m_before = 0;
 };
 
-}  // namespace os
+}  // namespace platform
 
-#endif  // ORVEX_OS_WINDOWS_NOERRORDIALOGS_H_
+#endif  // ORVEX_PLATFORM_WINDOWS_NOERRORDIALOGS_H_

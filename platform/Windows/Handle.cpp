@@ -1,11 +1,11 @@
-#include "Os/Windows/Handle.h"
+#include "platform/Windows/Handle.h"
 
 #include <windows.h>
 
-namespace os {
+namespace platform {
 
 bool Handle::close() {
   return CloseHandle(std::exchange(m_handle, nullptr)) != FALSE;
 }
 
-}  // namespace os
+}  // namespace platform

@@ -1,24 +1,23 @@
-// Owners of handles, and that nothing of the layer leaves any behind.
+// That nothing of the layer leaves handles behind.
 
 #include <functional>
 #include <gmock/gmock.h>
 #include <string>
-#include <utility>
 #include <windows.h>
 
 #include "Os/Files.h"
-#include "Os/Windows/Handle.h"
 #include "Os/Windows/WindowsOSLocker.h"
 #include "Os/Windows/WindowsRegistry.h"
 #include "Utils/Log.h"
 #include "Utils/Mutex.h"
 #include "Utils/Thread.h"
+#include "platform/Windows/Handle.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/Windows/MachineRegistry.h"
 
 namespace {
 
-using os::Handle;
+using platform::Handle;
 using utils::WindowsRegistry;
 
 HANDLE makeEvent() {
@@ -39,50 +38,6 @@ int countHandles() {
     count += isOpen(reinterpret_cast<HANDLE>(value)) ? 1 : 0;
   }
   return count;
-}
-
-TEST(Handle, ClosesWhatItOwns) {
-  const HANDLE event = makeEvent();
-  {
-    const Handle owner(event);
-    EXPECT_TRUE(owner.isOpen());
-    EXPECT_EQ(owner.get(), event);
-    EXPECT_TRUE(isOpen(event));
-  }
-
-  EXPECT_FALSE(isOpen(event));
-}
-
-TEST(Handle, HasOneOwnerAfterAMove) {
-  const HANDLE event = makeEvent();
-  Handle first(event);
-  {
-    Handle second(std::move(first));
-    EXPECT_FALSE(first.isOpen());
-    EXPECT_EQ(second.get(), event);
-    first = std::move(second);
-  }
-
-  EXPECT_TRUE(isOpen(event));
-  EXPECT_EQ(first.get(), event);
-}
-
-TEST(Handle, IsClosedOnce) {
-  const HANDLE event = makeEvent();
-  Handle owner(event);
-
-  EXPECT_TRUE(owner.close());
-  EXPECT_FALSE(isOpen(event));
-  EXPECT_FALSE(owner.isOpen());
-}
-
-TEST(Handle, TellsOfOneThatCannotBeClosed) {
-  const HANDLE event = makeEvent();
-  Handle owner(event);
-  CloseHandle(event);
-
-  EXPECT_FALSE(owner.close());
-  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
 }
 
 // What the layer does over and over, with a registry and files to do it with.

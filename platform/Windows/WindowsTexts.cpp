@@ -1,16 +1,16 @@
 #include <utility>
 #include <windows.h>
 
-#include "Os/Texts.h"
+#include "platform/Texts.h"
 
-namespace os {
+namespace platform {
 namespace {
 
-std::wstring widen(const std::string& text) {
+std::wstring widen(UINT codePage, const std::string& text) {
   const auto size = static_cast<int>(text.size());
-  const int length = MultiByteToWideChar(CP_ACP, 0, text.data(), size, nullptr, 0);
+  const int length = MultiByteToWideChar(codePage, 0, text.data(), size, nullptr, 0);
   std::wstring wide(static_cast<std::size_t>(length), L'\0');
-  MultiByteToWideChar(CP_ACP, 0, text.data(), size, wide.data(), length);
+  MultiByteToWideChar(codePage, 0, text.data(), size, wide.data(), length);
   return wide;
 }
 
@@ -26,21 +26,25 @@ std::string narrow(UINT codePage, const std::wstring& wide) {
 }  // namespace
 
 std::filesystem::path toPath(const std::string& text) {
-  return widen(text);
+  return widen(CP_ACP, text);
 }
 
 // What does not come back as it was has lost something.
 std::optional<std::string> toText(const std::filesystem::path& path) {
   std::string text = narrow(CP_ACP, path.native());
-  return widen(text) == path.native() ? std::optional(std::move(text)) : std::nullopt;
+  return widen(CP_ACP, text) == path.native() ? std::optional(std::move(text)) : std::nullopt;
 }
 
 std::string toShownText(const std::filesystem::path& path) {
   return narrow(CP_ACP, path.native());
 }
 
-std::string toUtf8(const std::string& text) {
-  return narrow(CP_UTF8, widen(text));
+std::string fromUtf8(const std::string& utf8) {
+  return narrow(CP_ACP, widen(CP_UTF8, utf8));
 }
 
-}  // namespace os
+std::string toUtf8(const std::string& text) {
+  return narrow(CP_UTF8, widen(CP_ACP, text));
+}
+
+}  // namespace platform

@@ -1,15 +1,13 @@
 // The owner of a kernel handle: closes it when it goes.
 
-#ifndef ORVEX_OS_WINDOWS_HANDLE_H_
-#define ORVEX_OS_WINDOWS_HANDLE_H_
+#ifndef ORVEX_PLATFORM_WINDOWS_HANDLE_H_
+#define ORVEX_PLATFORM_WINDOWS_HANDLE_H_
 
 #include <utility>
 
-#include "Utils/Export.h"
+namespace platform {
 
-namespace os {
-
-class ORVEX_CORE_API Handle {
+class Handle {
  public:
   Handle() = default;
   // Takes the HANDLE over; null is none.
@@ -38,6 +36,6 @@ class ORVEX_CORE_API Handle {
   void* m_handle = nullptr;
 };
 
-}  // namespace os
+}  // namespace platform
 
-#endif  // ORVEX_OS_WINDOWS_HANDLE_H_
+#endif  // ORVEX_PLATFORM_WINDOWS_HANDLE_H_

@@ -1,7 +1,7 @@
 // Names for clang's thread-safety attributes; other compilers see nothing.
 
-#ifndef ORVEX_UTILS_THREADANNOTATIONS_H_
-#define ORVEX_UTILS_THREADANNOTATIONS_H_
+#ifndef ORVEX_PLATFORM_THREADANNOTATIONS_H_
+#define ORVEX_PLATFORM_THREADANNOTATIONS_H_
 
 #if defined(__clang__)
 #define ORVEX_THREAD_ATTRIBUTE(x) __attribute__((x))
@@ -17,4 +17,4 @@
 #define ORVEX_RELEASE(...) ORVEX_THREAD_ATTRIBUTE(release_capability(__VA_ARGS__))
 #define ORVEX_NO_THREAD_SAFETY_ANALYSIS ORVEX_THREAD_ATTRIBUTE(no_thread_safety_analysis)
 
-#endif  // ORVEX_UTILS_THREADANNOTATIONS_H_
+#endif  // ORVEX_PLATFORM_THREADANNOTATIONS_H_

@@ -1,6 +1,6 @@
-#include "Os/Texts.h"
+#include "platform/Texts.h"
 
-namespace os {
+namespace platform {
 
 std::filesystem::path toPath(const std::string& text) {
   return text;
@@ -14,8 +14,12 @@ std::string toShownText(const std::filesystem::path& path) {
   return path.native();
 }
 
+std::string fromUtf8(const std::string& utf8) {
+  return utf8;
+}
+
 std::string toUtf8(const std::string& text) {
   return text;
 }
 
-}  // namespace os
+}  // namespace platform
