@@ -2,21 +2,19 @@
 
 #include <utility>
 
-#include "http/Connection.h"
-
 namespace http {
 
-void ConnectionList::addServed(Connection& connection) {
+void ConnectionList::addServed(ListedConnection& connection) {
   const std::lock_guard<std::mutex> lock(m_mutex);
   m_served.insert(&connection);
 }
 
-void ConnectionList::addRefused(Connection& connection) {
+void ConnectionList::addRefused(ListedConnection& connection) {
   const std::lock_guard<std::mutex> lock(m_mutex);
   m_refused.insert(&connection);
 }
 
-void ConnectionList::remove(Connection& connection) {
+void ConnectionList::remove(ListedConnection& connection) {
   const std::lock_guard<std::mutex> lock(m_mutex);
   m_served.erase(&connection);
   m_refused.erase(&connection);
@@ -42,19 +40,19 @@ bool ConnectionList::isEmpty() const {
 
 void ConnectionList::checkDeadlines() {
   const Clock::time_point now = Clock::now();
-  for (const std::shared_ptr<Connection>& connection : getAll()) {
+  for (const std::shared_ptr<ListedConnection>& connection : getAll()) {
     connection->checkDeadline(now);
   }
 }
 
 void ConnectionList::stopAll() {
-  for (const std::shared_ptr<Connection>& connection : getAll()) {
+  for (const std::shared_ptr<ListedConnection>& connection : getAll()) {
     connection->stop();
   }
 }
 
 void ConnectionList::cutAll() {
-  for (const std::shared_ptr<Connection>& connection : getAll()) {
+  for (const std::shared_ptr<ListedConnection>& connection : getAll()) {
     connection->cut();
   }
 }
@@ -65,13 +63,13 @@ void ConnectionList::setWhenEmpty(std::function<void()> call) {
 }
 
 // A connection whose destructor waits for the lock is in the sets still, and has no owner any more.
-std::vector<std::shared_ptr<Connection>> ConnectionList::getAll() const {
-  std::vector<std::shared_ptr<Connection>> all;
+std::vector<std::shared_ptr<ListedConnection>> ConnectionList::getAll() const {
+  std::vector<std::shared_ptr<ListedConnection>> all;
   const std::lock_guard<std::mutex> lock(m_mutex);
   all.reserve(m_served.size() + m_refused.size());
   for (const auto* const connections : {&m_served, &m_refused}) {
-    for (Connection* const connection : *connections) {
-      if (std::shared_ptr<Connection> owned = connection->weak_from_this().lock()) {
+    for (ListedConnection* const connection : *connections) {
+      if (std::shared_ptr<ListedConnection> owned = connection->weak_from_this().lock()) {
         all.push_back(std::move(owned));
       }
     }

@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
-#include "http/RequestParser.h"
-#include "http/Server.h"
+#include "http/Message.h"
+#include "http/RequestMessage.h"
 
 namespace http {
 

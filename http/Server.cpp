@@ -16,6 +16,7 @@
 #include "http/Connection.h"
 #include "http/ConnectionList.h"
 #include "http/ServerTls.h"
+#include "http/Transport.h"
 
 namespace http {
 namespace {

@@ -8,7 +8,7 @@
 #include <openssl/x509.h>
 #include <system_error>
 
-#include "http/Server.h"
+#include "http/ServerOptions.h"
 
 namespace http {
 namespace {
