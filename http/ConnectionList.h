@@ -7,10 +7,10 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <unordered_set>
 #include <vector>
 
+#include "Utils/Mutex.h"
 #include "http/Asio.h"
 
 namespace http {
@@ -58,10 +58,10 @@ class ConnectionList {
  private:
   [[nodiscard]] std::vector<std::shared_ptr<ListedConnection>> getAll() const;
 
-  mutable std::mutex m_mutex;
-  std::unordered_set<ListedConnection*> m_served;
-  std::unordered_set<ListedConnection*> m_refused;
-  std::function<void()> m_whenEmpty;
+  mutable utils::Mutex m_mutex;
+  std::unordered_set<ListedConnection*> m_served ORVEX_GUARDED_BY(m_mutex);
+  std::unordered_set<ListedConnection*> m_refused ORVEX_GUARDED_BY(m_mutex);
+  std::function<void()> m_whenEmpty ORVEX_GUARDED_BY(m_mutex);
 };
 
 }  // namespace http
