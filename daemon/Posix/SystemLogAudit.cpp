@@ -1,19 +1,16 @@
 #include "daemon/Posix/SystemLogAudit.h"
 
 #include <array>
-#include <cerrno>
 #include <cstdint>
 #include <cstring>
 #include <ctime>
 #include <exception>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <syslog.h>
 #include <unistd.h>
 
-#include "Os/Posix/Descriptor.h"
 #include "Utils/Format.h"
 #include "Utils/Log.h"
+#include "daemon/Posix/LocalDatagram.h"
 
 namespace quorveld {
 namespace {
@@ -124,23 +121,6 @@ std::string formatTime() {
                        parts.tm_mday, parts.tm_hour, parts.tm_min, parts.tm_sec);
 }
 
-// Returns 0, or what went wrong.
-int sendTo(const std::string& socketPath, const std::string& datagram) {
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  if (socketPath.size() >= sizeof(address.sun_path)) {
-    return ENAMETOOLONG;
-  }
-  std::memcpy(address.sun_path, socketPath.c_str(), socketPath.size() + 1);
-  const os::Descriptor socket(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-  if (!socket.isOpen()) {
-    return errno;
-  }
-  const ssize_t sent = sendto(socket.get(), datagram.data(), datagram.size(), MSG_NOSIGNAL,
-                              reinterpret_cast<const sockaddr*>(&address), sizeof(address));
-  return sent < 0 ? errno : 0;
-}
-
 }  // namespace
 
 std::string formatAudit(const wbem::AuditRecord& record) {
@@ -160,7 +140,7 @@ void SystemLogAudit::write(const wbem::AuditRecord& record) noexcept {
     const std::string datagram =
         utils::format("<%d>%s quorveld[%d]: %s", static_cast<int>(LOG_AUTHPRIV | LOG_NOTICE),
                       formatTime().c_str(), static_cast<int>(getpid()), line.c_str());
-    if (const int error = sendTo(m_socket, datagram)) {
+    if (const int error = sendLocalDatagram(m_socket, datagram)) {
       utils::logError(kLog, "quorveld::SystemLogAudit::write", "audit: %s (%s: %s)", line.c_str(),
                       m_socket.c_str(), std::strerror(error));
     }
