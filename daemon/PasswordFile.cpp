@@ -39,6 +39,28 @@ std::optional<wbem::Role> findRole(std::string_view text) {
   return std::nullopt;
 }
 
+// Throws ConfigurationFault for what is no regular file, cannot be read, or is not the owner's
+// alone.
+std::ifstream openPrivateFile(const std::string& path) {
+  std::error_code error;
+  const fs::file_status status = fs::status(path, error);
+  std::ifstream file;
+  // To open a pipe would wait for its writer.
+  if (fs::is_regular_file(status)) {
+    file.open(path);
+  }
+  if (!file.is_open()) {
+    throw ConfigurationFault("password-file: '" + path +
+                             "' cannot be read; check the path and its permissions");
+  }
+  if ((status.permissions() & kOfOthers) != fs::perms::none) {
+    throw ConfigurationFault("password-file: '" + path +
+                             "' can be read or changed by others than its owner; run: chmod 600 " +
+                             path);
+  }
+  return file;
+}
+
 }  // namespace
 
 PasswordFileAuthenticator::PasswordFileAuthenticator(std::string path)
@@ -57,9 +79,11 @@ std::optional<wbem::Role> PasswordFileAuthenticator::check(const std::string& us
       hash = found->second.hash;
       role = found->second.role;
     } else if (!m_users.empty()) {
+      // As costly as the hashes of this file.
       hash = m_users.begin()->second.hash;
     }
   }
+  // Outside of the lock: the check takes some hundred milliseconds, and revision() must not wait.
   return matchesPasswordHash(password, hash) ? role : std::nullopt;
 }
 
@@ -83,51 +107,13 @@ std::optional<PasswordFileAuthenticator::Stamp> PasswordFileAuthenticator::stamp
 }
 
 PasswordFileAuthenticator::Users PasswordFileAuthenticator::read(const std::string& path) {
-  std::error_code error;
-  const fs::file_status status = fs::status(path, error);
-  std::ifstream file;
-  if (fs::is_regular_file(status)) {
-    file.open(path);
-  }
-  if (!file.is_open()) {
-    throw ConfigurationFault("password-file: '" + path +
-                             "' cannot be read; check the path and its permissions");
-  }
-  if ((status.permissions() & kOfOthers) != fs::perms::none) {
-    throw ConfigurationFault("password-file: '" + path +
-                             "' can be read or changed by others than its owner; run: chmod 600 " +
-                             path);
-  }
+  std::ifstream file = openPrivateFile(path);
   Users users;
   std::string text;
   for (unsigned number = 1; std::getline(file, text); ++number) {
     const std::string line = utils::trim(text.substr(0, text.find('\r')));
-    if (line.empty() || line.starts_with('#')) {
-      continue;
-    }
-    const std::string place = "password-file: " + path + ":" + std::to_string(number) + ": ";
-    const std::size_t first = line.find(':');
-    const std::size_t last = line.rfind(':');
-    if (first == std::string::npos || first == 0 || first == last) {
-      throw ConfigurationFault(place + "is not USER:HASH:ROLE; write it so");
-    }
-    const std::string user = line.substr(0, first);
-    const std::string hash = line.substr(first + 1, last - first - 1);
-    std::string named = place;
-    named.append("user '").append(user).append("' ");
-    if (!isPasswordHash(hash)) {
-      throw ConfigurationFault(
-          named +
-          "has a hash that is damaged or of a weak method; make one with: openssl passwd "
-          "-6");
-    }
-    const std::optional<wbem::Role> role = findRole(std::string_view(line).substr(last + 1));
-    if (!role) {
-      throw ConfigurationFault(place + "'" + line.substr(last + 1) +
-                               "' is no role; write reader or operator");
-    }
-    if (!users.emplace(user, User{hash, *role}).second) {
-      throw ConfigurationFault(named + "is there a second time; leave one of the lines out");
+    if (!line.empty() && !line.starts_with('#')) {
+      addUser(users, line, "password-file: " + path + ":" + std::to_string(number) + ": ");
     }
   }
   if (file.bad()) {
@@ -137,11 +123,37 @@ PasswordFileAuthenticator::Users PasswordFileAuthenticator::read(const std::stri
   return users;
 }
 
+void PasswordFileAuthenticator::addUser(Users& users, const std::string& line,
+                                        const std::string& place) {
+  // A hash may hold colons, names and roles do not.
+  const std::size_t first = line.find(':');
+  const std::size_t last = line.rfind(':');
+  if (first == std::string::npos || first == 0 || first == last) {
+    throw ConfigurationFault(place + "is not USER:HASH:ROLE; write it so");
+  }
+  const std::string user = line.substr(0, first);
+  const std::string hash = line.substr(first + 1, last - first - 1);
+  const std::string named = place + "user '" + user + "' ";
+  if (!isPasswordHash(hash)) {
+    throw ConfigurationFault(
+        named + "has a hash that is damaged or of a weak method; make one with: openssl passwd -6");
+  }
+  const std::optional<wbem::Role> role = findRole(std::string_view(line).substr(last + 1));
+  if (!role) {
+    throw ConfigurationFault(place + "'" + line.substr(last + 1) +
+                             "' is no role; write reader or operator");
+  }
+  if (!users.emplace(user, User{hash, *role}).second) {
+    throw ConfigurationFault(named + "is there a second time; leave one of the lines out");
+  }
+}
+
 void PasswordFileAuthenticator::readIfChanged() {
   std::optional<Stamp> stamp = stampOf(m_path);
   if (stamp == m_stamp) {
     return;
   }
+  // Also of a file that turns out to be damaged: it is read, and logged, once.
   m_stamp = std::move(stamp);
   try {
     m_users = read(m_path);

@@ -48,6 +48,8 @@ class PasswordFileAuthenticator final : public Authenticator {
 
   [[nodiscard]] static std::optional<Stamp> stampOf(const std::string& path);
   [[nodiscard]] static Users read(const std::string& path);
+  // Adds the user of a line; `place` is where that stands, for faults.
+  static void addUser(Users& users, const std::string& line, const std::string& place);
 
   void readIfChanged() ORVEX_REQUIRES(m_lock);
 
