@@ -1,12 +1,11 @@
 #include "daemon/Addresses.h"
 
-#include <algorithm>
 #include <boost/asio/ip/address.hpp>
 #include <boost/asio/ip/network_v6.hpp>
 #include <charconv>
 #include <cstdint>
 
-#include "Utils/Conversions.h"
+#include "Utils/Ascii.h"
 
 namespace quorveld {
 namespace {
@@ -93,17 +92,13 @@ bool isLoopbackHost(std::string_view hostField) {
   if (colon != std::string_view::npos && parsePort(name.substr(colon + 1))) {
     name = name.substr(0, colon);
   }
-  std::string lower(name);
-  std::transform(lower.begin(), lower.end(), lower.begin(), [](char sign) {
-    return sign >= 'A' && sign <= 'Z' ? static_cast<char>(sign - 'A' + 'a') : sign;
-  });
-  if (lower.empty() || lower == "localhost") {
+  if (name.empty() || utils::isSameIgnoringCase(name, "localhost")) {
     return true;
   }
-  if (lower.starts_with('[') && lower.ends_with(']')) {
-    lower = lower.substr(1, lower.size() - 2);
+  if (name.starts_with('[') && name.ends_with(']')) {
+    name = name.substr(1, name.size() - 2);
   }
-  return isLoopbackAddress(lower);
+  return isLoopbackAddress(std::string(name));
 }
 
 }  // namespace quorveld

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "http/Server.h"
+#include "http/Endpoint.h"
 
 namespace quorveld {
 

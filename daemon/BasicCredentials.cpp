@@ -4,6 +4,8 @@
 #include <array>
 #include <cstdint>
 
+#include "Utils/Ascii.h"
+
 namespace quorveld {
 namespace {
 
@@ -15,10 +17,6 @@ constexpr unsigned kBitsOfDigit = 6;
 constexpr unsigned kBitsOfByte = 8;
 constexpr std::size_t kDigitsOfGroup = 4;
 constexpr unsigned char kDelete = 0x7F;
-
-bool isSameLetter(char given, char lower) {
-  return given == lower || (given >= 'A' && given <= 'Z' && given - 'A' + 'a' == lower);
-}
 
 std::string_view withoutBlanks(std::string_view text) {
   constexpr std::string_view kBlanks = " \t";
@@ -68,7 +66,7 @@ bool hasControlCharacter(const std::string& text) {
 std::optional<BasicCredentials> parseBasicCredentials(std::string_view field) {
   field = withoutBlanks(field);
   const std::string_view scheme = field.substr(0, kScheme.size());
-  if (!std::equal(scheme.begin(), scheme.end(), kScheme.begin(), kScheme.end(), isSameLetter) ||
+  if (!utils::isSameIgnoringCase(scheme, kScheme) ||
       field.substr(scheme.size()).find_first_not_of(' ') == 0) {
     return std::nullopt;
   }

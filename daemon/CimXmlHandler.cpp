@@ -6,15 +6,10 @@
 
 #include "daemon/Addresses.h"
 #include "daemon/MessageFields.h"
+#include "http/Status.h"
 
 namespace quorveld {
 namespace {
-
-constexpr unsigned kUnauthorized = 401;
-constexpr unsigned kForbidden = 403;
-constexpr unsigned kMethodNotAllowed = 405;
-constexpr unsigned kNotImplemented = 501;
-constexpr unsigned kUnavailable = 503;
 
 constexpr std::string_view kHealth = "/health";
 constexpr const char* kText = "text/plain; charset=utf-8";
@@ -31,6 +26,23 @@ void refuse(http::Response& response, unsigned status, std::string_view text) {
   response.contentType = kText;
   response.body.assign(text);
   response.body += '\n';
+}
+
+// What an answer may hold already when it turns out that there is none, goes.
+void refuseMessage(http::Response& response, unsigned status, const std::string& cimError,
+                   std::string_view text) {
+  refuse(response, status, text);
+  response.fields = cimError.empty() ? "" : "CIMError: " + cimError + "\r\n";
+}
+
+unsigned statusOf(cimxml::RequestFault::Kind kind) {
+  switch (kind) {
+    case cimxml::RequestFault::Kind::Malformed:
+      break;
+    case cimxml::RequestFault::Kind::Unsupported:
+      return http::kStatusNotImplemented;
+  }
+  return http::kStatusBadRequest;
 }
 
 bool isKnownMethod(std::string_view method) {
@@ -59,10 +71,11 @@ void CimXmlHandler::handle(http::Request& request, http::Response& response) {
   } else if (method == "OPTIONS") {
     response.fields = isHealth ? kAllowOfHealth : kAllow;
   } else if (isKnownMethod(method)) {
-    refuse(response, kMethodNotAllowed, "CIM clients send POST, monitors GET /health.");
+    refuse(response, http::kStatusMethodNotAllowed, "CIM clients send POST, monitors GET /health.");
     response.fields = isHealth ? kAllowOfHealth : kAllow;
   } else {
-    refuse(response, kNotImplemented, "This method is not offered; CIM clients send POST.");
+    refuse(response, http::kStatusNotImplemented,
+           "This method is not offered; CIM clients send POST.");
   }
 }
 
@@ -78,19 +91,19 @@ void CimXmlHandler::handlePost(http::Request& request, http::Response& response)
     response.contentType = kXml;
     response.fields = "CIMOperation: MethodResponse\r\n";
     m_service.answer(message, caller, response.body);
+  } catch (const FieldsFault& fault) {
+    refuseMessage(response, fault.status(), fault.cimError(), fault.what());
   } catch (const cimxml::RequestFault& fault) {
-    refuse(response, fault.httpStatus(), fault.what());
-    response.fields.clear();
-    if (!fault.cimError().empty()) {
-      response.fields = "CIMError: " + fault.cimError() + "\r\n";
-    }
+    refuseMessage(response, statusOf(fault.kind()), fault.cimError(), fault.what());
   }
 }
 
 bool CimXmlHandler::admits(const http::Request& request, http::Response& response,
                            wbem::Caller& caller) const {
+  // A page of the web that a browser on this machine shows can send requests here, and have its own
+  // name resolve to 127.0.0.1, but cannot change what the browser gives as Host.
   if (!m_gate.demandsLogin() && !isLoopbackHost(request.field("Host"))) {
-    refuse(response, kForbidden,
+    refuse(response, http::kStatusForbidden,
            "Nobody has to log in here, so this host answers by a loopback name alone.");
     return false;
   }
@@ -103,15 +116,17 @@ bool CimXmlHandler::admits(const http::Request& request, http::Response& respons
       caller = std::move(decision.caller);
       return true;
     case LoginGate::Verdict::Unauthorized:
-      refuse(response, kUnauthorized, "Log in with a user of this host.");
+      refuse(response, http::kStatusUnauthorized, "Log in with a user of this host.");
       response.fields = "WWW-Authenticate: Basic realm=\"quorveld\", charset=\"UTF-8\"\r\n";
       return false;
     case LoginGate::Verdict::Busy:
-      refuse(response, kUnavailable, "Too many logins wait for their check. Try again later.");
+      refuse(response, http::kStatusServiceUnavailable,
+             "Too many logins wait for their check. Try again later.");
       response.fields = "Retry-After: 1\r\n";
       return false;
     case LoginGate::Verdict::InTheClear:
-      refuse(response, kForbidden, "No password is taken in the clear over a network; use HTTPS.");
+      refuse(response, http::kStatusForbidden,
+             "No password is taken in the clear over a network; use HTTPS.");
       return false;
   }
   return false;

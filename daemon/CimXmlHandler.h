@@ -19,7 +19,7 @@
 #include "cimxml/Request.h"
 #include "daemon/LoginGate.h"
 #include "daemon/RunningJobs.h"
-#include "http/Server.h"
+#include "http/Message.h"
 #include "wbem/Caller.h"
 
 namespace quorveld {

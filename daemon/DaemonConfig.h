@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-#include "http/Server.h"
+#include "http/Endpoint.h"
 
 namespace quorveld {
 

@@ -6,36 +6,27 @@
 #include <string_view>
 #include <vector>
 
+#include "Utils/Ascii.h"
 #include "Utils/Conversions.h"
 #include "Utils/Exception.h"
 #include "cimxml/ObjectName.h"
 #include "core/ClassDeclaration.h"
+#include "http/Status.h"
 
 namespace quorveld {
 namespace {
 
-constexpr unsigned kBadRequest = 400;
-constexpr unsigned kUnsupportedMediaType = 415;
-constexpr unsigned kNotImplemented = 501;
 constexpr int kHexadecimal = 16;
 constexpr std::size_t kHexDigits = 2;
 
 constexpr std::string_view kMediaTypes[] = {"application/xml", "text/xml"};
 constexpr std::string_view kCharacterSets[] = {"utf-8", "utf8"};
 
-char toLower(char sign) {
-  return sign >= 'A' && sign <= 'Z' ? static_cast<char>(sign - 'A' + 'a') : sign;
-}
-
-bool isSame(std::string_view one, std::string_view other) {
-  return std::equal(one.begin(), one.end(), other.begin(), other.end(),
-                    [](char left, char right) { return toLower(left) == toLower(right); });
-}
-
 template <std::size_t Count>
 bool isOneOf(std::string_view text, const std::string_view (&list)[Count]) {
-  return std::any_of(std::begin(list), std::end(list),
-                     [text](std::string_view entry) { return isSame(text, entry); });
+  return std::any_of(std::begin(list), std::end(list), [text](std::string_view entry) {
+    return utils::isSameIgnoringCase(text, entry);
+  });
 }
 
 // Returns whether a Content-Type means XML in UTF-8. Parameters but charset mean nothing here.
@@ -49,7 +40,7 @@ bool isXmlInUtf8(std::string_view contentType) {
     }
     const std::size_t sign = part.find('=');
     if (!isType && sign != std::string::npos &&
-        isSame(utils::trim(part.substr(0, sign)), "charset")) {
+        utils::isSameIgnoringCase(utils::trim(part.substr(0, sign)), "charset")) {
       if (!isOneOf(utils::unquote(utils::trim(part.substr(sign + 1))), kCharacterSets)) {
         return false;
       }
@@ -63,7 +54,7 @@ bool isXmlInUtf8(std::string_view contentType) {
 }
 
 [[noreturn]] void refuseMismatch(const std::string& text) {
-  throw cimxml::RequestFault(kBadRequest, "header-mismatch", text);
+  throw FieldsFault(http::kStatusBadRequest, "header-mismatch", text);
 }
 
 bool isSameObject(const cimxml::ObjectName& one, const cimxml::ObjectName& other);
@@ -89,8 +80,9 @@ bool isSameKey(const cimxml::KeyBinding& one, const cimxml::KeyBinding& other) {
   if (other.kind == Kind::Reference) {
     return isSameReference(other, one);
   }
-  return one.kind == Kind::Boolean || other.kind == Kind::Boolean ? isSame(one.text, other.text)
-                                                                  : one.text == other.text;
+  return one.kind == Kind::Boolean || other.kind == Kind::Boolean
+             ? utils::isSameIgnoringCase(one.text, other.text)
+             : one.text == other.text;
 }
 
 // Returns the keys in the order of their names.
@@ -108,7 +100,8 @@ std::vector<const cimxml::KeyBinding*> sortKeys(const std::vector<cimxml::KeyBin
 }
 
 bool isSameObject(const cimxml::ObjectName& one, const cimxml::ObjectName& other) {
-  if (!isSame(one.className, other.className) || one.keys.size() != other.keys.size()) {
+  if (!utils::isSameIgnoringCase(one.className, other.className) ||
+      one.keys.size() != other.keys.size()) {
     return false;
   }
   const auto sorted = sortKeys(one.keys);
@@ -117,17 +110,18 @@ bool isSameObject(const cimxml::ObjectName& one, const cimxml::ObjectName& other
                     [](const cimxml::KeyBinding* key, const cimxml::KeyBinding* candidate) {
                       // The only key of a name may stand without its own.
                       return (key->name.empty() || candidate->name.empty() ||
-                              isSame(key->name, candidate->name)) &&
+                              utils::isSameIgnoringCase(key->name, candidate->name)) &&
                              isSameKey(*key, *candidate);
                     });
 }
 
 bool isTarget(const std::string& object, const cimxml::Request& message) {
   if (!message.isExtrinsic) {
-    return isSame(object, message.nameSpace);
+    return utils::isSameIgnoringCase(object, message.nameSpace);
   }
   const std::size_t colon = object.find(':');
-  if (colon == std::string::npos || !isSame(object.substr(0, colon), message.nameSpace)) {
+  if (colon == std::string::npos ||
+      !utils::isSameIgnoringCase(object.substr(0, colon), message.nameSpace)) {
     return false;
   }
   try {
@@ -142,23 +136,23 @@ bool isTarget(const std::string& object, const cimxml::Request& message) {
 void demandCimMessage(const http::Request& request) {
   const std::string_view encoding = request.field("Content-Encoding");
   if (!isXmlInUtf8(request.field("Content-Type")) ||
-      (!encoding.empty() && !isSame(encoding, "identity"))) {
-    throw cimxml::RequestFault(kUnsupportedMediaType, "",
-                               "A CIM message is application/xml or text/xml in UTF-8, without "
-                               "content encoding.");
+      (!encoding.empty() && !utils::isSameIgnoringCase(encoding, "identity"))) {
+    throw FieldsFault(http::kStatusUnsupportedMediaType, "",
+                      "A CIM message is application/xml or text/xml in UTF-8, without "
+                      "content encoding.");
   }
-  if (!isSame(request.field("CIMOperation"), "MethodCall")) {
-    throw cimxml::RequestFault(kBadRequest, "unsupported-operation",
-                               "The header field CIMOperation has to be MethodCall.");
+  if (!utils::isSameIgnoringCase(request.field("CIMOperation"), "MethodCall")) {
+    throw FieldsFault(http::kStatusBadRequest, "unsupported-operation",
+                      "The header field CIMOperation has to be MethodCall.");
   }
   if (!request.field("CIMBatch").empty()) {
-    throw cimxml::RequestFault(kNotImplemented, "multiple-requests-unsupported",
-                               "Several requests in one message are not taken.");
+    throw FieldsFault(http::kStatusNotImplemented, "multiple-requests-unsupported",
+                      "Several requests in one message are not taken.");
   }
   const std::string_view version = request.field("CIMProtocolVersion");
   if (!version.empty() && !version.starts_with("1.")) {
-    throw cimxml::RequestFault(kNotImplemented, "unsupported-protocol-version",
-                               "The header field CIMProtocolVersion has to be 1.x.");
+    throw FieldsFault(http::kStatusNotImplemented, "unsupported-protocol-version",
+                      "The header field CIMProtocolVersion has to be 1.x.");
   }
 }
 

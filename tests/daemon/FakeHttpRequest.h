@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "http/Server.h"
+#include "http/Message.h"
 
 namespace test {
 

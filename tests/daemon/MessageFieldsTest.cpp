@@ -13,8 +13,8 @@ template <class Check>
 std::string answerOf(Check check) {
   try {
     check();
-  } catch (const cimxml::RequestFault& fault) {
-    return std::to_string(fault.httpStatus()) +
+  } catch (const quorveld::FieldsFault& fault) {
+    return std::to_string(fault.status()) +
            (fault.cimError().empty() ? "" : " " + fault.cimError());
   }
   return "200";
