@@ -135,6 +135,7 @@ void finishJobs(wbem::Server& server, const ServiceManager& manager) {
 }
 
 void serve(const DaemonConfig& config, std::ostream& out) {
+  // Both before anything that may start a thread.
   const ServiceManager manager;
   const StopSignals signals;
   applyAgentSettings(config);
@@ -157,6 +158,7 @@ void serve(const DaemonConfig& config, std::ostream& out) {
     httpServer.stop();
   });
   httpServer.run();
+  // Nobody can start another one now.
   finishJobs(cimServer, manager);
 }
 

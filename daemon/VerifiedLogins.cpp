@@ -27,6 +27,7 @@ std::optional<wbem::Role> VerifiedLogins::find(const BasicCredentials& login) {
 void VerifiedLogins::add(const BasicCredentials& login, wbem::Role role) {
   const Clock::time_point now = m_now();
   std::erase_if(m_logins, [now](const auto& entry) { return now >= entry.second.until; });
+  // Where there is no room, the next request of this login costs another check.
   if (m_logins.size() < kMost) {
     m_logins[digest(login)] = {role, now + kLifetime};
   }

@@ -131,6 +131,7 @@ void Client::Implementation::connect() {
   }
   deadline = Clock::now() + timeout;
   const Results results = resolve();
+  // One of them is there from now on, so that await() can end the connecting by closing it.
   if (options.isTls) {
     encrypted.emplace(Socket(strand), *tls);
   } else {
@@ -230,7 +231,7 @@ void Client::Implementation::close() {
 }
 
 void Client::Implementation::await(const char* what) {
-  context.restart();
+  context.restart();  // it has stopped for want of work after the operation before
   context.run_until(deadline);
   if (!isFinished) {
     error_code ignored;
@@ -301,7 +302,7 @@ ClientResponse Client::send(const std::string& method, const std::string& target
   for (const auto& [name, value] : fields) {
     head.append(name).append(": ").append(value).append("\r\n");
   }
-  // The others say how long their body is although there is none.
+  // The others say how long their body is although there is none (RFC 9110, 8.6).
   if (!body.empty() || !isQuestion(method)) {
     head.append("Content-Length: ").append(std::to_string(body.size())).append("\r\n");
   }

@@ -78,6 +78,7 @@ void Connection::refuse(const std::shared_ptr<Connection>& connection) {
 }
 
 void Connection::checkDeadline(Clock::time_point now) {
+  // Relaxed: what is read here too early or too late is read again, on the strand or the next time.
   if (m_deadline.load(std::memory_order_relaxed) > now.time_since_epoch().count()) {
     return;
   }
@@ -103,6 +104,7 @@ void Connection::addWritten(std::size_t count) {
 Awaitable<void> Connection::runService(std::shared_ptr<Connection> connection) {
   try {
     connection->enter(Phase::Handshake, connection->m_service.options.requestTimeout);
+    // The stop that asked the connections to end may have been before this one was listed.
     if (!connection->m_service.isStopping) {
       co_await connection->handshake();
     }
@@ -176,6 +178,7 @@ Awaitable<Connection::ReadEnd> Connection::readRequest() {
       enter(Phase::Idle, m_service.options.idleTimeout);
     }
     co_await readSome();
+    // A client that has closed its half only may be waiting for the answer still.
     if (m_fault == asio::error::eof && m_exchange && !m_refusal) {
       m_refusal = Refusal{kStatusBadRequest,
                           "The request is incomplete: the connection ended in its middle."};
@@ -215,7 +218,7 @@ Awaitable<void> Connection::answerRefusal() {
 
 Awaitable<void> Connection::delay(std::chrono::milliseconds duration) {
   if (m_service.isStopping) {
-    co_return;
+    co_return;  // endPhaseForStop() may have been here already, and would not end the delay
   }
   if (!m_timer) {
     m_timer.emplace(m_strand);
@@ -332,6 +335,7 @@ void Connection::endLatePhase() {
       m_isKept = false;
       cancel();
       break;
+    // A client in the middle of a request is told why it gets no answer to it.
     case Phase::Reading:
       interrupt(kStatusRequestTimeout,
                 "The request took longer than this server waits: " +
@@ -342,6 +346,7 @@ void Connection::endLatePhase() {
     case Phase::Closing:
       close();
       break;
+    // They have no deadline: the handler's time is its own, and the delay ends by itself.
     case Phase::Handling:
     case Phase::Delaying:
       break;
@@ -371,7 +376,8 @@ void Connection::endPhaseForStop() {
   }
 }
 
-// Makes an answer of the request that is being read.
+// Makes an answer of the request that is being read: the read that is cancelled here finds the
+// refusal.
 void Connection::interrupt(unsigned status, std::string text) {
   if (!m_refusal) {
     m_refusal = Refusal{status, std::move(text)};

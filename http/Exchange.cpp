@@ -7,7 +7,9 @@
 namespace http {
 namespace {
 
+// What is above that is left over from a burst.
 constexpr std::size_t kMostFree = 32;
+// Buffers up to here are kept whatever they hold, so that ordinary messages need no new memory.
 constexpr std::size_t kKeptBytes = 1024 * 1024;
 
 void shrink(std::string& text) {

@@ -15,7 +15,7 @@ namespace {
 
 namespace beast = boost::beast;
 
-constexpr std::uint32_t kHeaderLimit = 64 * 1024;
+constexpr std::uint32_t kHeaderLimit = 64 * 1024;  // of a server that is not ours, too
 
 std::string toLower(beast::string_view text) {
   std::string lower(text.data(), text.size());
@@ -82,7 +82,7 @@ ClientResponse ResponseReader::response() {
   for (const auto& field : message) {
     const auto [place, isNew] = response.fields.try_emplace(toLower(field.name_string()));
     if (!isNew) {
-      place->second.append(", ");
+      place->second.append(", ");  // one field in several lines (RFC 9110, 5.3)
     }
     place->second.append(field.value().data(), field.value().size());
   }
@@ -91,7 +91,7 @@ ClientResponse ResponseReader::response() {
 }
 
 void ResponseReader::begin() {
-  m_parser.emplace();
+  m_parser.emplace();  // Beast's parser reads one message
   m_parser->header_limit(kHeaderLimit);
   m_parser->body_limit(m_bodyLimit);
   m_parser->skip(m_isHead);
