@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "Utils/Mutex.h"
-#include "http/Asio.h"
+#include "http/Clock.h"
 
 namespace http {
 

@@ -5,7 +5,8 @@
 #include <stdexcept>
 #include <tuple>
 
-#include "http/Connection.h"
+#include "http/Clock.h"
+#include "http/Server.h"
 #include "tests/http/TestServer.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/WaitUntil.h"
