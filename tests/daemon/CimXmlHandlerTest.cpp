@@ -1,7 +1,6 @@
 #include <atomic>
 #include <future>
 #include <gmock/gmock.h>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <thread>
 #include <vector>
@@ -118,10 +117,8 @@ TEST_F(CimXmlHandlerTest, TellsMonitorsHowItDoesWithoutALogin) {
   const http::Response response = ask(m_anna);
   EXPECT_EQ(response.status, 200u);
   EXPECT_EQ(response.contentType, "application/json");
-  const auto json = nlohmann::json::parse(response.body);
-  EXPECT_EQ(json["version"], "1.2.3");
-  EXPECT_EQ(json["uptime"], 0);
-  EXPECT_EQ(json["runningJobs"], 3);
+  EXPECT_EQ(response.body, R"({"version": "1.2.3", "uptime": 0, "runningJobs": 3})"
+                           "\n");
 }
 
 TEST_F(CimXmlHandlerTest, OffersWhatItsTableSays) {
