@@ -19,7 +19,7 @@ bool isBlank(std::string_view text) {
 }  // namespace
 
 void refuse(const std::string& problem) {
-  throw RequestFault(400, "request-not-valid", problem);
+  throw RequestFault(RequestFault::Kind::Malformed, "request-not-valid", problem);
 }
 
 std::string describe(const pugi::xml_node& element) {

@@ -12,8 +12,6 @@
 namespace cimxml {
 namespace {
 
-constexpr unsigned kBadRequest = 400;
-constexpr unsigned kNotImplemented = 501;
 constexpr const char* kNotWellFormed = "request-not-well-formed";
 constexpr const char* kNotValid = "request-not-valid";
 
@@ -223,7 +221,7 @@ void checkVersion(const pugi::xml_node& element, const char* attribute, std::str
   const std::string_view version = getAttribute(element, attribute);
   if (!version.starts_with(prefix) || version.size() == prefix.size() ||
       version.find_first_not_of("0123456789.", prefix.size()) != std::string_view::npos) {
-    throw RequestFault(kNotImplemented, cimError,
+    throw RequestFault(RequestFault::Kind::Unsupported, cimError,
                        std::string(attribute) + " is " + std::string(version));
   }
 }
@@ -242,7 +240,7 @@ Request readDocument(const pugi::xml_document& document) {
   Children contents(message);
   for (const RefusedMessage& refused : kRefusedMessages) {
     if (contents.isAt(refused.element)) {
-      throw RequestFault(kNotImplemented, refused.cimError,
+      throw RequestFault(RequestFault::Kind::Unsupported, refused.cimError,
                          std::string(refused.element) + " is not served");
     }
   }
@@ -255,7 +253,8 @@ Request readDocument(const pugi::xml_document& document) {
 std::size_t checkWellFormed(std::string_view body) {
   const XmlCheck check = checkXml(body);
   if (check.fault != XmlFault::None) {
-    throw RequestFault(kBadRequest, check.fault == XmlFault::NotTaken ? kNotValid : kNotWellFormed,
+    throw RequestFault(RequestFault::Kind::Malformed,
+                       check.fault == XmlFault::NotTaken ? kNotValid : kNotWellFormed,
                        std::string(check.problem) + " at byte " + std::to_string(check.position));
   }
   return check.position;
@@ -281,7 +280,7 @@ Request parseRequest(std::string& body) {
     throw std::bad_alloc();
   }
   if (parsed.status != pugi::status_ok) {
-    throw RequestFault(kBadRequest, kNotWellFormed, parsed.description());
+    throw RequestFault(RequestFault::Kind::Malformed, kNotWellFormed, parsed.description());
   }
   return readDocument(document);
 }

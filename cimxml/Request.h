@@ -59,20 +59,25 @@ struct Request {
   [[nodiscard]] const Parameter* find(std::string_view parameterName) const;
 };
 
-// A message that is no request that this server serves: answered by an HTTP status and the header
-// field CIMError (DSP0200, 7.3 and 8.1), not by a CIM message.
+// A message that is no request that this server serves: answered by a status of what carries the
+// messages and the header field CIMError (DSP0200, 7.3 and 8.1), not by a CIM message.
 class RequestFault final : public std::exception {
  public:
-  RequestFault(unsigned httpStatus, std::string cimError, std::string text)
-      : m_httpStatus(httpStatus), m_cimError(std::move(cimError)), m_text(std::move(text)) {}
+  enum class Kind {
+    Malformed,    // by its sender's fault
+    Unsupported,  // a request that other servers may serve
+  };
 
-  [[nodiscard]] unsigned httpStatus() const { return m_httpStatus; }
+  RequestFault(Kind kind, std::string cimError, std::string text)
+      : m_kind(kind), m_cimError(std::move(cimError)), m_text(std::move(text)) {}
+
+  [[nodiscard]] Kind kind() const { return m_kind; }
   // "request-not-well-formed", for example.
   [[nodiscard]] const std::string& cimError() const { return m_cimError; }
   [[nodiscard]] const char* what() const noexcept override { return m_text.c_str(); }
 
  private:
-  unsigned m_httpStatus;
+  Kind m_kind;
   std::string m_cimError;
   std::string m_text;
 };

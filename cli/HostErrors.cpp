@@ -3,18 +3,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "Utils/Ascii.h"
 #include "cli/Context.h"
 #include "cli/TextTable.h"
+#include "http/Status.h"
 
 namespace cli {
 namespace {
-
-constexpr unsigned kOk = 200;
-constexpr unsigned kUnauthorized = 401;
-constexpr unsigned kForbidden = 403;
-constexpr unsigned kNotFound = 404;
-constexpr unsigned kTooManyRequests = 429;
-constexpr unsigned kUnavailable = 503;
 
 constexpr std::pair<unsigned, const char*> kStatusNames[] = {
     {1, "CIM_ERR_FAILED"},
@@ -72,15 +67,15 @@ std::string describeLoginRefusal(const HostAddress& address) {
 // PassingFault for one that will not last.
 std::string describeStatus(const HostAddress& address, unsigned status) {
   switch (status) {
-    case kUnauthorized:
+    case http::kStatusUnauthorized:
       return describeLoginRefusal(address);
-    case kForbidden:
+    case http::kStatusForbidden:
       return address.url() + " does not allow this" +
              (address.user.empty() ? " without a login" : " to " + address.user);
-    case kNotFound:
+    case http::kStatusNotFound:
       return address.url() + " answers, but serves no CIM-XML; check the port";
-    case kTooManyRequests:
-    case kUnavailable:
+    case http::kStatusTooManyRequests:
+    case http::kStatusServiceUnavailable:
       throw PassingFault(address.url() + " is too busy to answer; try again later");
     default:
       return "";
@@ -89,10 +84,7 @@ std::string describeStatus(const HostAddress& address, unsigned status) {
 
 // Media types are compared without regard to case (RFC 9110, 8.3.1).
 bool isXml(std::string contentType) {
-  std::transform(contentType.begin(), contentType.end(), contentType.begin(), [](char character) {
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a')
-                                                : character;
-  });
+  std::transform(contentType.begin(), contentType.end(), contentType.begin(), utils::toLowerAscii);
   return contentType.starts_with("application/xml") || contentType.starts_with("text/xml");
 }
 
@@ -114,7 +106,7 @@ void refuseError(const cimxml::ErrorValue& error, const std::string& nameSpace) 
 }
 
 void demandAnswered(const HostAddress& address, const http::ClientResponse& answer) {
-  if (answer.status == kOk) {
+  if (answer.status == http::kStatusOk) {
     if (const std::string type = fieldOf(answer, "content-type"); !isXml(type)) {
       refuseAnswer(address, type.empty() ? "the answer has no content type"
                                          : "the answer is of the type " + type);

@@ -1,5 +1,6 @@
 #include "cli/UpdateCommand.h"
 
+#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <memory>
 #include <optional>

@@ -1,5 +1,7 @@
 #include "host/SharedOptions.h"
 
+#include <CLI/CLI.hpp>
+
 namespace host {
 
 CLI::Validator notEmpty() {

@@ -3,8 +3,12 @@
 #ifndef ORVEX_HOST_SHAREDOPTIONS_H_
 #define ORVEX_HOST_SHAREDOPTIONS_H_
 
-#include <CLI/CLI.hpp>
 #include <string>
+
+namespace CLI {
+class App;
+class Validator;
+}  // namespace CLI
 
 namespace host {
 

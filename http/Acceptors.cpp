@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "Utils/Log.h"
+#include "http/ServerOptions.h"
 
 namespace http {
 namespace {
@@ -74,11 +75,6 @@ error_code listen(Acceptor& acceptor, const tcp::endpoint& address) {
 }
 
 }  // namespace
-
-std::string Endpoint::text() const {
-  const bool isIpv6 = address.find(':') != std::string::npos;
-  return (isIpv6 ? "[" + address + "]" : address) + ":" + std::to_string(port);
-}
 
 std::vector<Listener> openListeners(asio::io_context& context,
                                     const std::vector<Endpoint>& endpoints) {

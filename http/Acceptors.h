@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "http/Asio.h"
-#include "http/Server.h"
+#include "http/Endpoint.h"
 
 namespace http {
 

@@ -4,18 +4,11 @@
 #define ORVEX_HTTP_ANSWER_H_
 
 #include <string>
-#include <string_view>
 
-#include "http/RequestParser.h"
-#include "http/Server.h"
+#include "http/Message.h"
+#include "http/Refusal.h"
 
 namespace http {
-
-// Returns the words for a status, "Not Found"; "Unknown" for one that has none.
-[[nodiscard]] std::string_view reasonOf(unsigned status);
-
-// Returns whether an answer of this status may have a body, and says how long it is.
-[[nodiscard]] bool hasBody(unsigned status);
 
 enum class Ending {
   KeepAlive,        // the rule of HTTP/1.1: nothing needs to be said

@@ -18,7 +18,8 @@
 #include <boost/asio/strand.hpp>
 #include <boost/asio/use_awaitable.hpp>
 #include <boost/system/error_code.hpp>
-#include <chrono>
+
+#include "http/Clock.h"
 
 namespace http {
 
@@ -26,7 +27,6 @@ namespace asio = boost::asio;
 using asio::ip::tcp;
 using boost::system::error_code;
 
-using Clock = std::chrono::steady_clock;
 using Executor = asio::strand<asio::io_context::executor_type>;
 using Socket = asio::basic_stream_socket<tcp, Executor>;
 using Acceptor = asio::basic_socket_acceptor<tcp, Executor>;

@@ -9,6 +9,8 @@
 
 #include "http/Asio.h"
 #include "http/ClientTls.h"
+#include "http/Endpoint.h"
+#include "http/Peer.h"
 #include "http/ResponseReader.h"
 
 namespace http {
@@ -24,17 +26,6 @@ constexpr std::size_t kReadBytes = 16 * 1024;
 // Methods that ask, and change nothing.
 bool isQuestion(const std::string& method) {
   return method == "GET" || method == "HEAD" || method == "OPTIONS";
-}
-
-bool isLoopback(const asio::ip::address& address) {
-  return address.is_v6() && address.to_v6().is_v4_mapped()
-             ? asio::ip::make_address_v4(asio::ip::v4_mapped, address.to_v6()).is_loopback()
-             : address.is_loopback();
-}
-
-std::string hostAndPort(const ClientOptions& options) {
-  const bool isIpv6 = options.host.find(':') != std::string::npos;
-  return (isIpv6 ? "[" + options.host + "]" : options.host) + ":" + std::to_string(options.port);
 }
 
 }  // namespace
@@ -66,7 +57,7 @@ struct Client::Implementation {
   [[nodiscard]] Socket& socket() { return plain ? *plain : encrypted->next_layer(); }
 
   const ClientOptions options;
-  const std::string server = hostAndPort(options);
+  const std::string server = joinHostAndPort(options.host, options.port);
   asio::io_context context{1};
   Executor strand;
   std::optional<asio::ssl::context> tls;
@@ -140,6 +131,7 @@ void Client::Implementation::connect() {
   }
   deadline = Clock::now() + timeout;
   const Results results = resolve();
+  // One of them is there from now on, so that await() can end the connecting by closing it.
   if (options.isTls) {
     encrypted.emplace(Socket(strand), *tls);
   } else {
@@ -184,7 +176,7 @@ Results Client::Implementation::resolve() {
 void Client::Implementation::demandLoopback() {
   error_code reason;
   const asio::ip::address address = socket().remote_endpoint(reason).address();
-  if (!isLoopback(address)) {
+  if (!describePeer(address).isLoopback) {
     close();
     throw ClientFault("The name '" + options.host + "' leads to " + address.to_string() +
                           ", which is not this machine. Name the address 127.0.0.1 itself, or use "
@@ -239,7 +231,7 @@ void Client::Implementation::close() {
 }
 
 void Client::Implementation::await(const char* what) {
-  context.restart();
+  context.restart();  // it has stopped for want of work after the operation before
   context.run_until(deadline);
   if (!isFinished) {
     error_code ignored;
@@ -310,7 +302,7 @@ ClientResponse Client::send(const std::string& method, const std::string& target
   for (const auto& [name, value] : fields) {
     head.append(name).append(": ").append(value).append("\r\n");
   }
-  // The others say how long their body is although there is none.
+  // The others say how long their body is although there is none (RFC 9110, 8.6).
   if (!body.empty() || !isQuestion(method)) {
     head.append("Content-Length: ").append(std::to_string(body.size())).append("\r\n");
   }

@@ -8,7 +8,7 @@
 #include <openssl/ssl.h>
 #include <string>
 
-#include "http/Client.h"
+#include "http/ClientFault.h"
 
 namespace http {
 

@@ -5,20 +5,17 @@
 #include <boost/asio/detached.hpp>
 #include <boost/asio/error.hpp>
 #include <boost/asio/post.hpp>
-#include <cstring>
 #include <exception>
 #include <utility>
 
 #include "Utils/Log.h"
-#include "http/ConnectionList.h"
+#include "http/Answer.h"
+#include "http/Status.h"
 
 namespace http {
 namespace {
 
 constexpr utils::LogSource kLog{"HttpConnection"};
-
-constexpr std::size_t kSmallBuffer = 4 * 1024;
-constexpr std::size_t kLargeBuffer = 64 * 1024;
 
 // How long, and for how many bytes, a client that is sending still is listened to, so that it gets
 // the answer: a socket closed with bytes unread in it takes the answer back.
@@ -35,42 +32,6 @@ constexpr std::string_view kContinue = "HTTP/1.1 100 Continue\r\n\r\n";
 constexpr Clock::rep kNoDeadline = Clock::duration::max().count();
 
 }  // namespace
-
-asio::mutable_buffer ReadBuffer::space() {
-  if (isEmpty()) {
-    m_begin = 0;
-    m_end = 0;
-    if (m_memory.empty()) {
-      m_memory.resize(kSmallBuffer);
-    } else if (m_wasFull && m_memory.size() < kLargeBuffer) {
-      m_memory.resize(m_memory.size() * 2);
-    }
-  } else if (m_end == m_memory.size()) {
-    if (m_begin > 0) {
-      std::memmove(m_memory.data(), m_memory.data() + m_begin, m_end - m_begin);
-      m_end -= m_begin;
-      m_begin = 0;
-    } else {
-      m_memory.resize(m_memory.size() * 2);
-    }
-  }
-  m_wasFull = false;
-  return asio::buffer(m_memory.data() + m_end, m_memory.size() - m_end);
-}
-
-void ReadBuffer::add(std::size_t count) {
-  m_end += count;
-  m_wasFull = m_end == m_memory.size();
-}
-
-void ReadBuffer::shrink() {
-  if (isEmpty() && m_memory.size() > kSmallBuffer) {
-    m_memory = {};
-    m_begin = 0;
-    m_end = 0;
-    m_wasFull = false;
-  }
-}
 
 // What the handler sees.
 class Connection::HandledRequest final : public Request {
@@ -117,18 +78,19 @@ void Connection::refuse(const std::shared_ptr<Connection>& connection) {
 }
 
 void Connection::checkDeadline(Clock::time_point now) {
+  // Relaxed: what is read here too early or too late is read again, on the strand or the next time.
   if (m_deadline.load(std::memory_order_relaxed) > now.time_since_epoch().count()) {
     return;
   }
-  asio::post(m_strand, [self = shared_from_this()] { self->endLatePhase(); });
+  asio::post(m_strand, [self = self()] { self->endLatePhase(); });
 }
 
 void Connection::stop() {
-  asio::post(m_strand, [self = shared_from_this()] { self->endPhaseForStop(); });
+  asio::post(m_strand, [self = self()] { self->endPhaseForStop(); });
 }
 
 void Connection::cut() {
-  asio::post(m_strand, [self = shared_from_this()] { self->close(); });
+  asio::post(m_strand, [self = self()] { self->close(); });
 }
 
 void Connection::addWritten(std::size_t count) {
@@ -142,6 +104,7 @@ void Connection::addWritten(std::size_t count) {
 Awaitable<void> Connection::runService(std::shared_ptr<Connection> connection) {
   try {
     connection->enter(Phase::Handshake, connection->m_service.options.requestTimeout);
+    // The stop that asked the connections to end may have been before this one was listed.
     if (!connection->m_service.isStopping) {
       co_await connection->handshake();
     }
@@ -158,10 +121,10 @@ Awaitable<void> Connection::runService(std::shared_ptr<Connection> connection) {
 Awaitable<void> Connection::runRefusal(std::shared_ptr<Connection> connection) {
   try {
     connection->m_exchange = connection->m_service.exchanges.take();
-    connection->m_refusal =
-        Refusal{503, "The server has as many connections as it takes: " +
-                         std::to_string(connection->m_service.options.maxConnections) +
-                         ". Try again later."};
+    connection->m_refusal = Refusal{
+        kStatusServiceUnavailable,
+        "The server has as many connections as it takes: " +
+            std::to_string(connection->m_service.options.maxConnections) + ". Try again later."};
     co_await connection->answerRefusal();
     co_await connection->closeOrderly();
   } catch (const std::exception& fault) {
@@ -215,8 +178,10 @@ Awaitable<Connection::ReadEnd> Connection::readRequest() {
       enter(Phase::Idle, m_service.options.idleTimeout);
     }
     co_await readSome();
+    // A client that has closed its half only may be waiting for the answer still.
     if (m_fault == asio::error::eof && m_exchange && !m_refusal) {
-      m_refusal = Refusal{400, "The request is incomplete: the connection ended in its middle."};
+      m_refusal = Refusal{kStatusBadRequest,
+                          "The request is incomplete: the connection ended in its middle."};
     }
     if (m_isClosed || (m_fault && !m_refusal)) {
       co_return ReadEnd::Closed;
@@ -244,7 +209,7 @@ Awaitable<void> Connection::answerRefusal() {
   m_isKept = false;
   Response& response = m_exchange->response;
   setRefusal(*m_refusal, response);
-  if (m_refusal->status == 503) {
+  if (m_refusal->status == kStatusServiceUnavailable) {
     response.fields = kRetryAfter;
   }
   writeHead(response, Ending::Close, m_exchange->head);
@@ -253,7 +218,7 @@ Awaitable<void> Connection::answerRefusal() {
 
 Awaitable<void> Connection::delay(std::chrono::milliseconds duration) {
   if (m_service.isStopping) {
-    co_return;
+    co_return;  // endPhaseForStop() may have been here already, and would not end the delay
   }
   if (!m_timer) {
     m_timer.emplace(m_strand);
@@ -305,6 +270,10 @@ Awaitable<void> Connection::closeOrderly() {
   close();
 }
 
+std::shared_ptr<Connection> Connection::self() {
+  return std::static_pointer_cast<Connection>(shared_from_this());
+}
+
 void Connection::enter(Phase phase) {
   m_phase = phase;
   m_deadline.store(kNoDeadline, std::memory_order_relaxed);
@@ -352,7 +321,7 @@ void Connection::handle() {
                     m_peer.address.c_str());
   }
   clear(response);
-  response.status = 500;
+  response.status = kStatusInternalServerError;
   response.contentType = "text/plain; charset=utf-8";
   response.body = "The server failed at this request. Its log tells why.\n";
 }
@@ -366,15 +335,18 @@ void Connection::endLatePhase() {
       m_isKept = false;
       cancel();
       break;
+    // A client in the middle of a request is told why it gets no answer to it.
     case Phase::Reading:
-      interrupt(408, "The request took longer than this server waits: " +
-                         std::to_string(m_service.options.requestTimeout.count()) + " ms.");
+      interrupt(kStatusRequestTimeout,
+                "The request took longer than this server waits: " +
+                    std::to_string(m_service.options.requestTimeout.count()) + " ms.");
       break;
     case Phase::Handshake:
     case Phase::Writing:
     case Phase::Closing:
       close();
       break;
+    // They have no deadline: the handler's time is its own, and the delay ends by itself.
     case Phase::Handling:
     case Phase::Delaying:
       break;
@@ -387,7 +359,7 @@ void Connection::endPhaseForStop() {
       cancel();
       break;
     case Phase::Reading:
-      interrupt(503, "The server is being stopped.");
+      interrupt(kStatusServiceUnavailable, "The server is being stopped.");
       break;
     case Phase::Handshake:
       close();
@@ -404,7 +376,8 @@ void Connection::endPhaseForStop() {
   }
 }
 
-// Makes an answer of the request that is being read.
+// Makes an answer of the request that is being read: the read that is cancelled here finds the
+// refusal.
 void Connection::interrupt(unsigned status, std::string text) {
   if (!m_refusal) {
     m_refusal = Refusal{status, std::move(text)};

@@ -11,25 +11,23 @@
 
 #include <array>
 #include <atomic>
-#include <boost/asio/ssl/context.hpp>
-#include <boost/asio/ssl/stream.hpp>
 #include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
-#include "http/Answer.h"
 #include "http/Asio.h"
+#include "http/ConnectionList.h"
 #include "http/Exchange.h"
+#include "http/Message.h"
 #include "http/Peer.h"
+#include "http/ReadBuffer.h"
+#include "http/Refusal.h"
 #include "http/RequestParser.h"
-#include "http/Server.h"
+#include "http/ServerOptions.h"
 
 namespace http {
-
-class ConnectionList;
 
 // What the connections of a server share. Outlives them.
 struct Service {
@@ -40,46 +38,20 @@ struct Service {
   std::atomic<bool> isStopping{false};
 };
 
-// The bytes that have been read and not been taken yet.
-class ReadBuffer {
- public:
-  [[nodiscard]] std::string_view bytes() const {
-    return {m_memory.data() + m_begin, m_end - m_begin};
-  }
-  [[nodiscard]] bool isEmpty() const { return m_begin == m_end; }
-  // Returns where to read to: never nothing.
-  [[nodiscard]] asio::mutable_buffer space();
-  void add(std::size_t count);
-  void remove(std::size_t count) { m_begin += count; }
-  void clear() { m_begin = m_end; }
-  // Gives up what a large request needed.
-  void shrink();
-
- private:
-  std::vector<char> m_memory;
-  std::size_t m_begin = 0;
-  std::size_t m_end = 0;
-  bool m_wasFull = false;  // by the last read
-};
-
 // What is the same for plain and encrypted connections.
-class Connection : public std::enable_shared_from_this<Connection> {
+class Connection : public ListedConnection {
  public:
-  Connection(const Connection&) = delete;
-  Connection& operator=(const Connection&) = delete;
-  virtual ~Connection();
+  ~Connection() override;
 
   // Starts the coroutine.
   static void serve(const std::shared_ptr<Connection>& connection);
   // Starts one that says that there are too many connections.
   static void refuse(const std::shared_ptr<Connection>& connection);
 
-  // Any thread: ends the phase if its time is over.
-  void checkDeadline(Clock::time_point now);
-  // Any thread: ends the connection as soon as no request is handled or answered.
-  void stop();
-  // Any thread: ends it now.
-  void cut();
+  // ListedConnection
+  void checkDeadline(Clock::time_point now) override;
+  void stop() override;
+  void cut() override;
 
  protected:
   Connection(Service& service, Executor strand, Peer peer, bool isEncrypted);
@@ -118,6 +90,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   Awaitable<void> write(std::string_view head, std::string_view body);
   Awaitable<void> closeOrderly();
 
+  [[nodiscard]] std::shared_ptr<Connection> self();
   void enter(Phase phase);
   void enter(Phase phase, std::chrono::milliseconds limit);
   [[nodiscard]] bool takeBytes();
@@ -147,11 +120,6 @@ class Connection : public std::enable_shared_from_this<Connection> {
   std::optional<RequestParser> m_parser;
   std::optional<Timer> m_timer;  // of a delay
 };
-
-[[nodiscard]] std::shared_ptr<Connection> makeConnection(Service& service, Socket socket,
-                                                         Peer peer);
-[[nodiscard]] std::shared_ptr<Connection> makeConnection(Service& service, Socket socket, Peer peer,
-                                                         asio::ssl::context& tls);
 
 }  // namespace http
 

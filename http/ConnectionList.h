@@ -7,15 +7,30 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <unordered_set>
 #include <vector>
 
-#include "http/Asio.h"
+#include "Utils/Mutex.h"
+#include "http/Clock.h"
 
 namespace http {
 
-class Connection;
+// What the list knows of a connection. The calls return at once: what they ask for happens on the
+// connection's strand.
+class ListedConnection : public std::enable_shared_from_this<ListedConnection> {
+ public:
+  ListedConnection() = default;
+  ListedConnection(const ListedConnection&) = delete;
+  ListedConnection& operator=(const ListedConnection&) = delete;
+  virtual ~ListedConnection() = default;
+
+  // Ends the phase if its time is over.
+  virtual void checkDeadline(Clock::time_point now) = 0;
+  // Ends the connection as soon as no request is handled or answered.
+  virtual void stop() = 0;
+  // Ends it now.
+  virtual void cut() = 0;
+};
 
 class ConnectionList {
  public:
@@ -24,9 +39,9 @@ class ConnectionList {
   ConnectionList& operator=(const ConnectionList&) = delete;
 
   // Connections add and remove themselves.
-  void addServed(Connection& connection);
-  void addRefused(Connection& connection);
-  void remove(Connection& connection);
+  void addServed(ListedConnection& connection);
+  void addRefused(ListedConnection& connection);
+  void remove(ListedConnection& connection);
 
   // Return how many there are in service, and how many are being refused.
   [[nodiscard]] std::size_t countServed() const;
@@ -37,16 +52,16 @@ class ConnectionList {
   void stopAll();
   void cutAll();
 
-  // Called, on any thread, when the last one has gone.
+  // Called, on any thread and under the list's lock, when the last one has gone.
   void setWhenEmpty(std::function<void()> call);
 
  private:
-  [[nodiscard]] std::vector<std::shared_ptr<Connection>> getAll() const;
+  [[nodiscard]] std::vector<std::shared_ptr<ListedConnection>> getAll() const;
 
-  mutable std::mutex m_mutex;
-  std::unordered_set<Connection*> m_served;
-  std::unordered_set<Connection*> m_refused;
-  std::function<void()> m_whenEmpty;
+  mutable utils::Mutex m_mutex;
+  std::unordered_set<ListedConnection*> m_served ORVEX_GUARDED_BY(m_mutex);
+  std::unordered_set<ListedConnection*> m_refused ORVEX_GUARDED_BY(m_mutex);
+  std::function<void()> m_whenEmpty ORVEX_GUARDED_BY(m_mutex);
 };
 
 }  // namespace http

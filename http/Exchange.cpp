@@ -7,7 +7,9 @@
 namespace http {
 namespace {
 
+// What is above that is left over from a burst.
 constexpr std::size_t kMostFree = 32;
+// Buffers up to here are kept whatever they hold, so that ordinary messages need no new memory.
 constexpr std::size_t kKeptBytes = 1024 * 1024;
 
 void shrink(std::string& text) {
@@ -21,7 +23,7 @@ void shrink(std::string& text) {
 
 std::unique_ptr<Exchange> ExchangePool::take() {
   {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const utils::ScopedLock lock(m_mutex);
     if (!m_free.empty()) {
       std::unique_ptr<Exchange> exchange = std::move(m_free.back());
       m_free.pop_back();
@@ -35,7 +37,7 @@ std::unique_ptr<Exchange> ExchangePool::take() {
 void ExchangePool::give(std::unique_ptr<Exchange> exchange) {
   shrink(exchange->request.body());
   shrink(exchange->response.body);
-  const std::lock_guard<std::mutex> lock(m_mutex);
+  const utils::ScopedLock lock(m_mutex);
   if (m_free.size() < kMostFree) {
     m_free.push_back(std::move(exchange));
   }
@@ -43,7 +45,7 @@ void ExchangePool::give(std::unique_ptr<Exchange> exchange) {
 
 void ExchangePool::trim() {
   std::vector<std::unique_ptr<Exchange>> unused;  // freed without the lock
-  const std::lock_guard<std::mutex> lock(m_mutex);
+  const utils::ScopedLock lock(m_mutex);
   const auto end = m_free.begin() + static_cast<std::ptrdiff_t>(m_leastFree);
   unused.assign(std::make_move_iterator(m_free.begin()), std::make_move_iterator(end));
   m_free.erase(m_free.begin(), end);
@@ -51,7 +53,7 @@ void ExchangePool::trim() {
 }
 
 std::size_t ExchangePool::countFree() const {
-  const std::lock_guard<std::mutex> lock(m_mutex);
+  const utils::ScopedLock lock(m_mutex);
   return m_free.size();
 }
 

@@ -6,12 +6,12 @@
 
 #include <cstddef>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
-#include "http/RequestParser.h"
-#include "http/Server.h"
+#include "Utils/Mutex.h"
+#include "http/Message.h"
+#include "http/RequestMessage.h"
 
 namespace http {
 
@@ -38,9 +38,9 @@ class ExchangePool {
   [[nodiscard]] std::size_t countFree() const;
 
  private:
-  mutable std::mutex m_mutex;
-  std::vector<std::unique_ptr<Exchange>> m_free;
-  std::size_t m_leastFree = 0;  // since the last trim
+  mutable utils::Mutex m_mutex;
+  std::vector<std::unique_ptr<Exchange>> m_free ORVEX_GUARDED_BY(m_mutex);
+  std::size_t m_leastFree ORVEX_GUARDED_BY(m_mutex) = 0;  // since the last trim
 };
 
 }  // namespace http

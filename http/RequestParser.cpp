@@ -2,20 +2,20 @@
 
 #include <algorithm>
 #include <boost/asio/buffer.hpp>
-#include <boost/beast/core/string.hpp>
 #include <boost/beast/http/error.hpp>
 #include <limits>
 #include <utility>
+
+#include "Utils/Ascii.h"
+#include "http/Chunks.h"
+#include "http/Status.h"
 
 namespace http {
 namespace {
 
 namespace beast = boost::beast;
 
-// The shortest thing that may stand where a chunk begins: the last chunk, "0\r\n\r\n".
-constexpr std::size_t kShortestChunk = 5;
-
-// Parse faults that have another answer than 400.
+// Parse faults of which a client is told in words of our own.
 struct FaultAnswer {
   beast::http::error fault;
   unsigned status;
@@ -23,81 +23,30 @@ struct FaultAnswer {
 };
 
 constexpr FaultAnswer kFaultAnswers[] = {
-    {beast::http::error::bad_version, 505,
+    {beast::http::error::bad_version, kStatusVersionNotSupported,
      "The request is not in a version of HTTP that this server speaks: HTTP/1.1 and HTTP/1.0."},
-    {beast::http::error::bad_method, 400, "The request does not begin with a method."},
-    {beast::http::error::bad_target, 400, "The request's target is malformed."},
-    {beast::http::error::bad_field, 400, "The name of a header field is malformed."},
-    {beast::http::error::bad_value, 400, "The value of a header field is malformed."},
-    {beast::http::error::bad_content_length, 400, "The Content-Length is malformed."},
-    {beast::http::error::multiple_content_length, 400, "There are several Content-Lengths."},
-    {beast::http::error::bad_transfer_encoding, 400,
+    {beast::http::error::bad_method, kStatusBadRequest,
+     "The request does not begin with a method."},
+    {beast::http::error::bad_target, kStatusBadRequest, "The request's target is malformed."},
+    {beast::http::error::bad_field, kStatusBadRequest, "The name of a header field is malformed."},
+    {beast::http::error::bad_value, kStatusBadRequest, "The value of a header field is malformed."},
+    {beast::http::error::bad_content_length, kStatusBadRequest, "The Content-Length is malformed."},
+    {beast::http::error::multiple_content_length, kStatusBadRequest,
+     "There are several Content-Lengths."},
+    {beast::http::error::bad_transfer_encoding, kStatusBadRequest,
      "The Transfer-Encoding contradicts other header fields."},
-    {beast::http::error::bad_chunk, 400, "A chunk of the body is malformed."},
-    {beast::http::error::bad_chunk_extension, 400, "The extension of a chunk is malformed."},
-    {beast::http::error::bad_obs_fold, 400, "A header field is folded over too many lines."},
+    {beast::http::error::bad_chunk, kStatusBadRequest, "A chunk of the body is malformed."},
+    {beast::http::error::bad_chunk_extension, kStatusBadRequest,
+     "The extension of a chunk is malformed."},
+    {beast::http::error::bad_obs_fold, kStatusBadRequest,
+     "A header field is folded over too many lines."},
 };
 
-beast::string_view toBeast(std::string_view text) {
-  return {text.data(), text.size()};
-}
 std::string_view toStandard(beast::string_view text) {
   return {text.data(), text.size()};
 }
 
-bool isSameName(std::string_view left, std::string_view right) {
-  return beast::iequals(toBeast(left), toBeast(right));
-}
-
-// A request may name its target with the server in front of it.
-std::string_view withoutServer(std::string_view target) {
-  for (const std::string_view scheme : {"http://", "https://"}) {
-    if (isSameName(target.substr(0, scheme.size()), scheme)) {
-      const std::size_t path = target.find('/', scheme.size());
-      return path == std::string_view::npos ? std::string_view("/") : target.substr(path);
-    }
-  }
-  return target;
-}
-
 }  // namespace
-
-std::string_view RequestMessage::field(std::string_view name) const {
-  const Field* found = find(name);
-  return found != nullptr ? view(found->value) : std::string_view();
-}
-
-void RequestMessage::clear() {
-  m_text.clear();
-  m_method = {};
-  m_target = {};
-  m_fields.clear();
-  m_body.clear();
-}
-
-void RequestMessage::setRequestLine(std::string_view method, std::string_view target) {
-  m_method = append(method);
-  m_target = append(withoutServer(target));
-}
-
-void RequestMessage::addField(std::string_view name, std::string_view value) {
-  Field& field = m_fields.emplace_back();
-  field.name = append(name);
-  field.value = append(value);
-}
-
-const RequestMessage::Field* RequestMessage::find(std::string_view name) const {
-  const auto found = std::find_if(m_fields.begin(), m_fields.end(), [&](const Field& field) {
-    return isSameName(view(field.name), name);
-  });
-  return found != m_fields.end() ? &*found : nullptr;
-}
-
-RequestMessage::Span RequestMessage::append(std::string_view text) {
-  const Span span{m_text.size(), text.size()};
-  m_text.append(text);
-  return span;
-}
 
 RequestParser::RequestParser(RequestMessage& message, RequestLimits limits)
     : m_message(message), m_limits(limits) {
@@ -162,8 +111,8 @@ void RequestParser::refuse(error_code fault) {
     return;
   }
   if (fault == beast::http::error::body_limit) {
-    refuse(413, "The request's body is larger than this server takes: " +
-                    std::to_string(m_limits.bodyBytes) + " bytes.");
+    refuse(kStatusContentTooLarge, "The request's body is larger than this server takes: " +
+                                       std::to_string(m_limits.bodyBytes) + " bytes.");
     return;
   }
   for (const FaultAnswer& answer : kFaultAnswers) {
@@ -172,26 +121,28 @@ void RequestParser::refuse(error_code fault) {
       return;
     }
   }
-  refuse(400, "The request is malformed: " + fault.message() + ".");
+  refuse(kStatusBadRequest, "The request is malformed: " + fault.message() + ".");
 }
 
 void RequestParser::refuseLongHeader() {
-  refuse(431, "The request's header is larger than this server takes: " +
-                  std::to_string(m_limits.headerBytes) + " bytes.");
+  refuse(kStatusHeaderFieldsTooLarge, "The request's header is larger than this server takes: " +
+                                          std::to_string(m_limits.headerBytes) + " bytes.");
 }
 
 void RequestParser::checkHeader() {
   if (m_isHttp11 && m_hostFields != 1) {
-    refuse(400, "A request in HTTP/1.1 has exactly one header field Host; this one has " +
-                    std::to_string(m_hostFields) + ".");
+    refuse(kStatusBadRequest,
+           "A request in HTTP/1.1 has exactly one header field Host; this one has " +
+               std::to_string(m_hostFields) + ".");
   }
   if (m_message.hasField("Transfer-Encoding") &&
-      !isSameName(m_message.field("Transfer-Encoding"), "chunked")) {
-    refuse(501, "The only Transfer-Encoding that this server knows is chunked.");
+      !utils::isSameIgnoringCase(m_message.field("Transfer-Encoding"), "chunked")) {
+    refuse(kStatusNotImplemented, "The only Transfer-Encoding that this server knows is chunked.");
   }
   if (m_isHttp11 && m_message.hasField("Expect") &&
-      !isSameName(m_message.field("Expect"), "100-continue")) {
-    refuse(417, "The only expectation that this server knows is 100-continue.");
+      !utils::isSameIgnoringCase(m_message.field("Expect"), "100-continue")) {
+    refuse(kStatusExpectationFailed,
+           "The only expectation that this server knows is 100-continue.");
   }
 }
 

@@ -10,57 +10,15 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
+
+#include "http/Refusal.h"
+#include "http/RequestMessage.h"
 
 namespace http {
-
-// What a request says. One object serves many requests after each other and keeps its memory.
-class RequestMessage {
- public:
-  [[nodiscard]] std::string_view method() const { return view(m_method); }
-  [[nodiscard]] std::string_view target() const { return view(m_target); }
-  // Returns the value of the first field of that name, without regard to case; empty for none.
-  [[nodiscard]] std::string_view field(std::string_view name) const;
-  [[nodiscard]] bool hasField(std::string_view name) const { return find(name) != nullptr; }
-  [[nodiscard]] std::string& body() { return m_body; }
-  [[nodiscard]] const std::string& body() const { return m_body; }
-
-  void clear();
-  void setRequestLine(std::string_view method, std::string_view target);
-  void addField(std::string_view name, std::string_view value);
-
- private:
-  struct Span {
-    std::size_t offset = 0;
-    std::size_t length = 0;
-  };
-  struct Field {
-    Span name;
-    Span value;
-  };
-
-  [[nodiscard]] std::string_view view(Span span) const {
-    return std::string_view(m_text).substr(span.offset, span.length);
-  }
-  [[nodiscard]] const Field* find(std::string_view name) const;
-  [[nodiscard]] Span append(std::string_view text);
-
-  std::string m_text;  // what the spans are of
-  Span m_method;
-  Span m_target;
-  std::vector<Field> m_fields;
-  std::string m_body;
-};
 
 struct RequestLimits {
   std::size_t headerBytes = 0;  // request line and fields, with the empty line behind them
   std::size_t bodyBytes = 0;
-};
-
-// Why a request is answered without asking the handler.
-struct Refusal {
-  unsigned status = 0;
-  std::string text;  // for the client
 };
 
 class RequestParser final : private boost::beast::http::basic_parser<true> {

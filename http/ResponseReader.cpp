@@ -1,26 +1,25 @@
 #include "http/ResponseReader.h"
 
+#include <algorithm>
 #include <boost/asio/buffer.hpp>
 #include <boost/beast/http/error.hpp>
 #include <string>
 #include <utility>
+
+#include "Utils/Ascii.h"
+#include "http/Chunks.h"
+#include "http/Status.h"
 
 namespace http {
 namespace {
 
 namespace beast = boost::beast;
 
-constexpr std::uint32_t kHeaderLimit = 64 * 1024;
-// The shortest thing that may stand where a chunk begins: the last chunk, "0\r\n\r\n".
-constexpr std::size_t kShortestChunk = 5;
+constexpr std::uint32_t kHeaderLimit = 64 * 1024;  // of a server that is not ours, too
 
 std::string toLower(beast::string_view text) {
   std::string lower(text.data(), text.size());
-  for (char& character : lower) {
-    if (character >= 'A' && character <= 'Z') {
-      character = static_cast<char>(character - 'A' + 'a');
-    }
-  }
+  std::transform(lower.begin(), lower.end(), lower.begin(), utils::toLowerAscii);
   return lower;
 }
 
@@ -57,7 +56,7 @@ std::size_t ResponseReader::take(std::string_view bytes) {
     }
     m_fault = fault;
     // "100 Continue" and its like announce the answer.
-    if (!m_fault && m_parser->is_done() && m_parser->get().result_int() / 100 == 1) {
+    if (!m_fault && m_parser->is_done() && isInterim(m_parser->get().result_int())) {
       begin();
     }
   }
@@ -83,7 +82,7 @@ ClientResponse ResponseReader::response() {
   for (const auto& field : message) {
     const auto [place, isNew] = response.fields.try_emplace(toLower(field.name_string()));
     if (!isNew) {
-      place->second.append(", ");
+      place->second.append(", ");  // one field in several lines (RFC 9110, 5.3)
     }
     place->second.append(field.value().data(), field.value().size());
   }
@@ -92,7 +91,7 @@ ClientResponse ResponseReader::response() {
 }
 
 void ResponseReader::begin() {
-  m_parser.emplace();
+  m_parser.emplace();  // Beast's parser reads one message
   m_parser->header_limit(kHeaderLimit);
   m_parser->body_limit(m_bodyLimit);
   m_parser->skip(m_isHead);

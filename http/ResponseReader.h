@@ -11,7 +11,7 @@
 #include <optional>
 #include <string_view>
 
-#include "http/Client.h"
+#include "http/ClientResponse.h"
 
 namespace http {
 

@@ -16,6 +16,7 @@
 #include "http/Connection.h"
 #include "http/ConnectionList.h"
 #include "http/ServerTls.h"
+#include "http/Transport.h"
 
 namespace http {
 namespace {
@@ -95,7 +96,7 @@ struct Server::Implementation {
 Server::Implementation::Implementation(ServerOptions serverOptions, Handler& handler)
     : options(std::move(serverOptions)),
       service{options, handler, connections, {}, {}},
-      context(static_cast<int>(std::max(options.threads, 1U))),
+      context(static_cast<int>(std::max(options.threads, 1U))),  // a hint for its locks
       strand(asio::make_strand(context)),
       sweepTimer(strand) {
   if (hasTls(options)) {
@@ -164,6 +165,7 @@ void Server::Implementation::take(const Listener& listener, Socket socket) {
     return;
   }
   error_code ignored;
+  // Head and body go out by one call each time: waiting for more to send would only cost time.
   socket.set_option(tcp::no_delay(true), ignored);
   Peer description = describePeer(peer.address());
   const bool isTooMany = connections.countServed() >= options.maxConnections;
@@ -172,6 +174,7 @@ void Server::Implementation::take(const Listener& listener, Socket socket) {
                     "%zu connections, no further ones are taken until one ends",
                     options.maxConnections);
   }
+  // To say so over TLS would cost the handshake that there is no room for.
   if (isTooMany && (listener.endpoint.isTls || connections.countRefused() >= kMostRefused)) {
     return;
   }
@@ -196,6 +199,7 @@ void Server::Implementation::noteAcceptFault(const Listener& listener, const err
 
 Awaitable<void> Server::Implementation::sweep() {
   const std::chrono::milliseconds interval = sweepInterval(options);
+  // At the stop it watches over the closing time until the last connection has gone.
   while (!service.isStopping || !connections.isEmpty()) {
     sweepTimer.expires_after(service.isStopping ? std::min(interval, kStoppingSweep) : interval);
     co_await sweepTimer.async_wait(kAwait);
@@ -219,6 +223,7 @@ void Server::Implementation::tidyUp() {
 
 void Server::Implementation::beginStop() {
   stopDeadline = Clock::now() + options.closingTime;
+  // Each on its own strand: an acceptor bears one thread at a time.
   for (Listener& listener : listeners) {
     asio::post(listener.acceptor.get_executor(), [&listener] {
       error_code ignored;

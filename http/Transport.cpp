@@ -1,23 +1,30 @@
-// The two kinds of connections: plain and encrypted.
+#include "http/Transport.h"
 
 #include <boost/asio/error.hpp>
 #include <boost/asio/ssl/error.hpp>
+#include <boost/asio/ssl/stream.hpp>
 #include <boost/asio/write.hpp>
 #include <openssl/err.h>
 #include <openssl/ssl.h>
+#include <string>
 #include <utility>
 
-#include "http/Connection.h"
+#include "http/Answer.h"
+#include "http/Status.h"
 
 namespace http {
 namespace {
 
-constexpr std::string_view kPlainOnTls =
-    "HTTP/1.1 400 Bad Request\r\n"
-    "Content-Type: text/plain; charset=utf-8\r\n"
-    "Content-Length: 39\r\n"
-    "Connection: close\r\n\r\n"
-    "This port is encrypted: use https here.";
+// What a client gets that does not begin with a handshake.
+std::string makePlainOnTlsAnswer() {
+  Response response;
+  response.status = kStatusBadRequest;
+  response.contentType = "text/plain; charset=utf-8";
+  response.body = "This port is encrypted: use https here.";
+  std::string answer;
+  writeHead(response, Ending::Close, answer);
+  return answer + response.body;
+}
 
 class PlainConnection final : public Connection {
  public:
@@ -74,7 +81,8 @@ class TlsConnection final : public Connection {
         fault.category() == asio::error::get_ssl_category() &&
         ERR_GET_REASON(static_cast<unsigned long>(fault.value())) == SSL_R_HTTP_REQUEST;
     if (isPlain) {
-      const asio::const_buffer text = asio::buffer(kPlainOnTls);
+      const std::string answer = makePlainOnTlsAnswer();
+      const asio::const_buffer text = asio::buffer(answer);
       const auto [ignored, count] = co_await asio::async_write(socket(), text, kAwait);
       static_cast<void>(ignored);
       static_cast<void>(count);

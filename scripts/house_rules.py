@@ -14,7 +14,8 @@ MAY_INCLUDE = {
     "cimxml": ["cimxml", "core", "Utils"],
     "http": ["http", "Utils"],
     "wbem": ["wbem", "cimxml", "cim", "core", "Os", "Utils"],
-    "host": ["host", "http", "wbem", "cimxml", "cim", "core", "Os", "Utils"],
+    "host": ["host", "core", "Os", "Utils"],
+    "daemon": ["daemon", "host", "http", "wbem", "cimxml", "core", "Os", "Utils"],
     "cli": ["cli", "host", "http", "cimxml", "midapi", "cim", "core", "Os", "Utils"],
     "tests": None,  # anything
     "bench": None,
@@ -23,7 +24,7 @@ MAY_INCLUDE = {
 # Folders that speak to one operating system.
 OS_FOLDERS = (
     "platform/Posix/", "platform/Windows/", "Os/Posix/", "Os/Windows/", "midapi/Posix/",
-    "midapi/Windows/", "host/Posix/", "host/Windows/", "cli/Posix/", "cli/Windows/", "agent/Posix/",
+    "midapi/Windows/", "daemon/Posix/", "cli/Posix/", "cli/Windows/", "agent/Posix/",
     "agent/Windows/", "inventory/Posix/", "inventory/Windows/", "bench/Posix/",
 )
 # Tests may include an OS header anywhere; conditionals stay in folders named for a platform.
@@ -42,7 +43,7 @@ CATCH_ALL_BOUNDARIES = {
     "agent/Orvex_ConcreteJobClass.cpp": "one job's failure must not end the refresh of the others",
     "agent/InstallSteps.cpp": "a method answers with a return code, whatever happened",
     "cli/Main.cpp": "top of the program",
-    "host/Main.cpp": "top of the program",
+    "daemon/Main.cpp": "top of the program",
     "http/Connection.cpp": "a request's failure is answered, and ends neither its connection nor the server",
 }
 
@@ -52,7 +53,7 @@ NO_OWN_TEST = [
     ("cim/*.cpp", "the schema classes are tables; table-driven tests walk them all",
      "tests/cim/*Test.cpp"),
     ("cli/Main.cpp", "the program's entry point: one call", None),
-    ("host/Main.cpp", "the program's entry point: one call", None),
+    ("daemon/Main.cpp", "the program's entry point: one call", None),
     ("http/Libraries.cpp", "other people's code, compiled here", None),
     ("*/Posix/LoadHook.cpp", "runs when a module is loaded; the tests over the real modules load it", None),
     ("*/Windows/LoadHook.cpp", "as on POSIX", None),
@@ -65,7 +66,7 @@ PLATFORM_VARIABLE = "${QUORVEL_PLATFORM_DIR}"
 # Folders whose sources need tests.
 TESTED_FOLDERS = (
     "platform", "Utils", "Os", "core", "cim", "midapi", "inventory", "agent", "cimxml", "http", "wbem",
-    "host", "cli",
+    "host", "daemon", "cli",
 )
 
 OS_HEADER_NAMES = {

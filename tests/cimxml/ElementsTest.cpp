@@ -25,7 +25,7 @@ std::string problemOf(Call call) {
   try {
     call();
   } catch (const cimxml::RequestFault& fault) {
-    EXPECT_EQ(fault.httpStatus(), 400U);
+    EXPECT_EQ(fault.kind(), cimxml::RequestFault::Kind::Malformed);
     EXPECT_EQ(fault.cimError(), "request-not-valid");
     return fault.what();
   }

@@ -1,3 +1,4 @@
+#include <CLI/CLI.hpp>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "http/Acceptors.h"
+#include "http/ServerOptions.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Throws.h"
 
@@ -22,11 +23,6 @@ class AcceptorsTest : public testing::Test {
 
 // One of the addresses for documentation, which no machine has.
 const Endpoint kMissing{"192.0.2.1", 0, false};
-
-TEST(Endpoint, IsWrittenAsAUserDoes) {
-  EXPECT_EQ((Endpoint{"127.0.0.1", 5988, false}).text(), "127.0.0.1:5988");
-  EXPECT_EQ((Endpoint{"::1", 5989, true}).text(), "[::1]:5989");
-}
 
 TEST_F(AcceptorsTest, TellThePortThatTheSystemChose) {
   const std::vector<Listener> listeners = open({{"127.0.0.1", 0, true}, {"::1", 0, false}});

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <optional>
 
+#include "http/Client.h"
 #include "http/ClientTls.h"
 #include "tests/http/TestServer.h"
 

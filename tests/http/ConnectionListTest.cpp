@@ -5,6 +5,7 @@
 
 #include "http/Connection.h"
 #include "http/ConnectionList.h"
+#include "http/Transport.h"
 #include "tests/http/TestServer.h"
 #include "tests/support/WaitUntil.h"
 

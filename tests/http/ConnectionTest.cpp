@@ -5,7 +5,8 @@
 #include <stdexcept>
 #include <tuple>
 
-#include "http/Connection.h"
+#include "http/Clock.h"
+#include "http/Server.h"
 #include "tests/http/TestServer.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/WaitUntil.h"
@@ -432,37 +433,6 @@ TEST_P(ConnectionTest, SurvivesClientsThatAreGoneBeforeTheAnswer) {
   client.send(get("/"));
 
   EXPECT_EQ(bodyOf(client.readAnswer()).size(), 1024U * 1024);
-}
-
-TEST(ReadBuffer, HandsOutWhatWasReadInOrder) {
-  ReadBuffer buffer;
-  std::string expected;
-  for (int i = 0; i < 1000; ++i) {
-    const asio::mutable_buffer space = buffer.space();
-    ASSERT_GT(space.size(), 0U);
-    const std::size_t count = std::min<std::size_t>(space.size(), 100);
-    for (std::size_t k = 0; k < count; ++k) {
-      static_cast<char*>(space.data())[k] = static_cast<char>('a' + (i + static_cast<int>(k)) % 26);
-    }
-    expected.append(static_cast<const char*>(space.data()), count);
-    buffer.add(count);
-    buffer.remove(i % 3 == 0 ? 50 : 90);
-    expected.erase(0, i % 3 == 0 ? 50 : 90);
-    ASSERT_EQ(buffer.bytes(), expected);
-  }
-}
-
-TEST(ReadBuffer, ReadsMoreAtOnceWhereMuchComesAndGivesThatUp) {
-  ReadBuffer buffer;
-  for (int i = 0; i < 10; ++i) {
-    const std::size_t size = buffer.space().size();
-    buffer.add(size);
-    buffer.remove(size);
-  }
-  EXPECT_EQ(buffer.space().size(), 64U * 1024);
-  buffer.shrink();
-
-  EXPECT_EQ(buffer.space().size(), 4U * 1024);
 }
 
 }  // namespace

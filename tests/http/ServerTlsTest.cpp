@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "http/Server.h"
+#include "http/ServerOptions.h"
 #include "http/ServerTls.h"
 #include "tests/http/Certificates.h"
 #include "tests/support/Throws.h"

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "http/Connection.h"
+#include "http/Clock.h"
 #include "tests/http/TestServer.h"
 #include "tests/support/Throws.h"
 

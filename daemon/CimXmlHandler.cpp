@@ -1,0 +1,144 @@
+#include "daemon/CimXmlHandler.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include "daemon/Addresses.h"
+#include "daemon/MessageFields.h"
+#include "http/Status.h"
+
+namespace quorveld {
+namespace {
+
+constexpr std::string_view kHealth = "/health";
+constexpr const char* kText = "text/plain; charset=utf-8";
+constexpr const char* kXml = "application/xml; charset=utf-8";
+constexpr const char* kAllow = "Allow: OPTIONS, POST\r\n";
+constexpr const char* kAllowOfHealth = "Allow: GET, HEAD, OPTIONS\r\n";
+
+// Those that HTTP knows and nothing here offers.
+constexpr std::string_view kOtherMethods[] = {"GET",   "HEAD",  "POST",   "PUT",
+                                              "PATCH", "TRACE", "DELETE", "CONNECT"};
+
+void refuse(http::Response& response, unsigned status, std::string_view text) {
+  response.status = status;
+  response.contentType = kText;
+  response.body.assign(text);
+  response.body += '\n';
+}
+
+// What an answer may hold already when it turns out that there is none, goes.
+void refuseMessage(http::Response& response, unsigned status, const std::string& cimError,
+                   std::string_view text) {
+  refuse(response, status, text);
+  response.fields = cimError.empty() ? "" : "CIMError: " + cimError + "\r\n";
+}
+
+unsigned statusOf(cimxml::RequestFault::Kind kind) {
+  switch (kind) {
+    case cimxml::RequestFault::Kind::Malformed:
+      break;
+    case cimxml::RequestFault::Kind::Unsupported:
+      return http::kStatusNotImplemented;
+  }
+  return http::kStatusBadRequest;
+}
+
+bool isKnownMethod(std::string_view method) {
+  return std::ranges::find(kOtherMethods, method) != std::end(kOtherMethods);
+}
+
+std::string_view pathOf(std::string_view target) {
+  return target.substr(0, target.find('?'));
+}
+
+}  // namespace
+
+CimXmlHandler::CimXmlHandler(Service& service, LoginGate& gate, std::string version)
+    : m_service(service),
+      m_runningJobs([&service] { return service.countRunningJobs(); }),
+      m_gate(gate),
+      m_version(std::move(version)) {}
+
+void CimXmlHandler::handle(http::Request& request, http::Response& response) {
+  const bool isHealth = pathOf(request.target()) == kHealth;
+  const std::string_view method = request.method();
+  if (isHealth && (method == "GET" || method == "HEAD")) {
+    answerHealth(response);
+  } else if (!isHealth && method == "POST") {
+    handlePost(request, response);
+  } else if (method == "OPTIONS") {
+    response.fields = isHealth ? kAllowOfHealth : kAllow;
+  } else if (isKnownMethod(method)) {
+    refuse(response, http::kStatusMethodNotAllowed, "CIM clients send POST, monitors GET /health.");
+    response.fields = isHealth ? kAllowOfHealth : kAllow;
+  } else {
+    refuse(response, http::kStatusNotImplemented,
+           "This method is not offered; CIM clients send POST.");
+  }
+}
+
+void CimXmlHandler::handlePost(http::Request& request, http::Response& response) {
+  wbem::Caller caller;
+  if (!admits(request, response, caller)) {
+    return;
+  }
+  try {
+    demandCimMessage(request);
+    const cimxml::Request message = cimxml::parseRequest(request.body());
+    demandSameFields(request, message);
+    response.contentType = kXml;
+    response.fields = "CIMOperation: MethodResponse\r\n";
+    m_service.answer(message, caller, response.body);
+  } catch (const FieldsFault& fault) {
+    refuseMessage(response, fault.status(), fault.cimError(), fault.what());
+  } catch (const cimxml::RequestFault& fault) {
+    refuseMessage(response, statusOf(fault.kind()), fault.cimError(), fault.what());
+  }
+}
+
+bool CimXmlHandler::admits(const http::Request& request, http::Response& response,
+                           wbem::Caller& caller) const {
+  // A page of the web that a browser on this machine shows can send requests here, and have its own
+  // name resolve to 127.0.0.1, but cannot change what the browser gives as Host.
+  if (!m_gate.demandsLogin() && !isLoopbackHost(request.field("Host"))) {
+    refuse(response, http::kStatusForbidden,
+           "Nobody has to log in here, so this host answers by a loopback name alone.");
+    return false;
+  }
+  LoginGate::Decision decision =
+      m_gate.admit(request.field("Authorization"),
+                   {request.peerAddress(), request.isLoopback(), request.isEncrypted()});
+  response.delay = decision.delay;
+  switch (decision.verdict) {
+    case LoginGate::Verdict::Passed:
+      caller = std::move(decision.caller);
+      return true;
+    case LoginGate::Verdict::Unauthorized:
+      refuse(response, http::kStatusUnauthorized, "Log in with a user of this host.");
+      response.fields = "WWW-Authenticate: Basic realm=\"quorveld\", charset=\"UTF-8\"\r\n";
+      return false;
+    case LoginGate::Verdict::Busy:
+      refuse(response, http::kStatusServiceUnavailable,
+             "Too many logins wait for their check. Try again later.");
+      response.fields = "Retry-After: 1\r\n";
+      return false;
+    case LoginGate::Verdict::InTheClear:
+      refuse(response, http::kStatusForbidden,
+             "No password is taken in the clear over a network; use HTTPS.");
+      return false;
+  }
+  return false;
+}
+
+void CimXmlHandler::answerHealth(http::Response& response) {
+  const auto uptime =
+      std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - m_start);
+  response.contentType = "application/json";
+  response.body = R"({"version": ")" + m_version + R"(", "uptime": )" +
+                  std::to_string(uptime.count()) + R"(, "runningJobs": )" +
+                  std::to_string(m_runningJobs.get()) + "}\n";
+}
+
+}  // namespace quorveld

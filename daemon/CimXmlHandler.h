@@ -1,0 +1,62 @@
+// Answers HTTP requests: CIM messages by POST (DSP0200), and a monitor's GET /health.
+//
+//   request                          answer
+//   POST, any target but /health     the CIM answer, or a refusal with the field CIMError
+//   GET, HEAD /health                200 and JSON, without a login
+//   OPTIONS                          200 with Allow
+//   another method that HTTP knows   405 with Allow
+//   M-POST and anything else         501
+//
+// Who logs in is asked first, before anything of the message is looked at.
+
+#ifndef ORVEX_DAEMON_CIMXMLHANDLER_H_
+#define ORVEX_DAEMON_CIMXMLHANDLER_H_
+
+#include <chrono>
+#include <string>
+#include <string_view>
+
+#include "cimxml/Request.h"
+#include "daemon/LoginGate.h"
+#include "daemon/RunningJobs.h"
+#include "http/Message.h"
+#include "wbem/Caller.h"
+
+namespace quorveld {
+
+class CimXmlHandler final : public http::Handler {
+ public:
+  // What answers the messages. Any thread calls.
+  class Service {
+   public:
+    Service() = default;
+    Service(const Service&) = delete;
+    Service& operator=(const Service&) = delete;
+    virtual ~Service() = default;
+
+    virtual void answer(const cimxml::Request& request, const wbem::Caller& caller,
+                        std::string& out) = 0;
+    [[nodiscard]] virtual unsigned countRunningJobs() = 0;
+  };
+
+  // Service and gate are the caller's and outlive the handler.
+  CimXmlHandler(Service& service, LoginGate& gate, std::string version);
+
+  void handle(http::Request& request, http::Response& response) override;
+
+ private:
+  void handlePost(http::Request& request, http::Response& response);
+  void answerHealth(http::Response& response);
+  [[nodiscard]] bool admits(const http::Request& request, http::Response& response,
+                            wbem::Caller& caller) const;
+
+  Service& m_service;
+  RunningJobs m_runningJobs;
+  LoginGate& m_gate;
+  const std::string m_version;
+  const std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
+};
+
+}  // namespace quorveld
+
+#endif  // ORVEX_DAEMON_CIMXMLHANDLER_H_

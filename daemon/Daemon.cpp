@@ -1,0 +1,183 @@
+#include "daemon/Daemon.h"
+
+#include <boost/asio/ip/host_name.hpp>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <thread>
+#include <utility>
+
+#include "Os/Environment.h"
+#include "Os/QuorvelConfig.h"
+#include "Utils/Exception.h"
+#include "Utils/Log.h"
+#include "core/CimBroker.h"
+#include "daemon/Authentication.h"
+#include "daemon/CimXmlHandler.h"
+#include "daemon/JobsEnd.h"
+#include "daemon/LoginGate.h"
+#include "daemon/PasswordFile.h"
+#include "daemon/Posix/PamAuthenticator.h"
+#include "daemon/Posix/ServiceManager.h"
+#include "daemon/Posix/StopSignals.h"
+#include "daemon/Posix/SystemLogAudit.h"
+#include "host/ModuleLoader.h"
+#include "http/Server.h"
+#include "wbem/Server.h"
+
+namespace quorveld {
+namespace {
+
+constexpr utils::LogSource kLog{"Daemon"};
+
+// The CIM server as the handler of HTTP requests sees it.
+class WbemService final : public CimXmlHandler::Service {
+ public:
+  explicit WbemService(wbem::Server& server) : m_server(server) {}
+
+  void answer(const cimxml::Request& request, const wbem::Caller& caller,
+              std::string& out) override {
+    m_server.answer(request, caller, out);
+  }
+  [[nodiscard]] unsigned countRunningJobs() override { return m_server.countRunningJobs(); }
+
+ private:
+  wbem::Server& m_server;
+};
+
+// Puts what concerns the agents in force, before their modules are loaded.
+void applyAgentSettings(const DaemonConfig& config) {
+  if (!config.logLevel.empty()) {
+    os::setEnvironment("ZOLAN_Quorvel_LOG_LEVEL", config.logLevel);
+  }
+  if (!config.adapters.empty()) {
+    os::setEnvironment("ORVEX_ADAPTERS", config.adapters);
+  }
+  if (!config.agentConfig.empty()) {
+    std::error_code error;
+    if (std::filesystem::is_directory(config.agentConfig, error) ||
+        !std::ifstream(config.agentConfig).is_open()) {
+      throw ConfigurationFault("config: '" + config.agentConfig +
+                               "' cannot be read; check the path and its permissions");
+    }
+    // Never destroyed: the modules' objects may ask it until the process has ended.
+    static auto& settings = *new std::unique_ptr<utils::QuorvelConfig>;
+    settings = std::make_unique<utils::QuorvelConfig>(config.agentConfig);
+  }
+}
+
+void loadAgents(const DaemonConfig& config) {
+  if (config.modules.empty()) {
+    host::loadModules(host::getModuleDirectory());
+  }
+  for (const std::string& module : config.modules) {
+    // A name without a folder would be looked for among the system's libraries.
+    host::loadModule(std::filesystem::absolute(module));
+  }
+}
+
+std::unique_ptr<Authenticator> makeAuthenticator(const DaemonConfig& config) {
+  switch (config.authentication.value_or(AuthenticationKind::None)) {
+    case AuthenticationKind::None:
+      break;
+    case AuthenticationKind::Pam:
+      return std::make_unique<PamAuthenticator>(
+          PamAuthenticator::Roles{config.operators, config.readers});
+    case AuthenticationKind::File:
+      return std::make_unique<PasswordFileAuthenticator>(config.passwordFile);
+  }
+  return std::make_unique<NoAuthenticator>();
+}
+
+std::string findHostName() {
+  boost::system::error_code error;
+  const std::string name = boost::asio::ip::host_name(error);
+  return error || name.empty() ? "localhost" : name;
+}
+
+http::ServerOptions toServerOptions(const DaemonConfig& config) {
+  http::ServerOptions options;
+  // Logins that are held up take none of the threads that serve the others.
+  options.threads += LoginGate::kMostInLine;
+  options.endpoints = config.listen;
+  options.certificateFile = config.certificate;
+  options.keyFile = config.key;
+  options.maxConnections = config.maxConnections;
+  options.maxBodyBytes = config.maxBodyBytes;
+  options.requestTimeout = config.requestTimeout;
+  options.idleTimeout = config.idleTimeout;
+  return options;
+}
+
+// Returns where the server listens, as a person reads it.
+std::string announce(const http::Server& server, std::ostream& out) {
+  std::string list;
+  for (const http::Endpoint& endpoint : server.endpoints()) {
+    const std::string place = (endpoint.isTls ? "https://" : "http://") + endpoint.text();
+    out << "quorveld: listening on " << place << '\n';
+    list += (list.empty() ? "" : ", ") + place;
+  }
+  out << "quorveld: serving" << std::endl;
+  return list;
+}
+
+void finishJobs(wbem::Server& server, const ServiceManager& manager) {
+  waitForJobs([&server] { return server.countRunningJobs(); },
+              [&manager](unsigned running) {
+                const std::string text = "Waiting for the end of " + std::to_string(running) +
+                                         " running update" + (running == 1 ? "" : "s");
+                utils::logDebug(kLog, "quorveld::finishJobs", "%s", text.c_str());
+                manager.tellStatus(text);
+              },
+              [] { std::this_thread::sleep_for(kJobsPeriod); });
+}
+
+void serve(const DaemonConfig& config, std::ostream& out) {
+  // Both before anything that may start a thread.
+  const ServiceManager manager;
+  const StopSignals signals;
+  applyAgentSettings(config);
+  const std::unique_ptr<Authenticator> authenticator = makeAuthenticator(config);
+  loadAgents(config);
+
+  SystemLogAudit audit;
+  wbem::Server::Options options;
+  options.nameSpace = utils::QuorvelConfig::getInstance()->getNamespace();
+  options.host = findHostName();
+  wbem::Server cimServer(core::GetCimBroker(), audit, options);
+  WbemService service(cimServer);
+  LoginGate gate(*authenticator, audit);
+  CimXmlHandler handler(service, gate, QUORVEL_VERSION);
+  http::Server httpServer(toServerOptions(config), handler);
+
+  manager.tellReady("Serving on " + announce(httpServer, out));
+  const StopSignals::Delivery delivery(signals, [&httpServer, &manager] {
+    manager.tellStopping("Answering what is under way");
+    httpServer.stop();
+  });
+  httpServer.run();
+  // Nobody can start another one now.
+  finishJobs(cimServer, manager);
+}
+
+}  // namespace
+
+ExitStatus runDaemon(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
+  try {
+    const CommandLine commandLine = readCommandLine(argc, argv, out, err);
+    if (!commandLine.config) {
+      return commandLine.status;
+    }
+    serve(*commandLine.config, out);
+    return ExitStatus::Done;
+  } catch (const ConfigurationFault& fault) {
+    err << "quorveld: " << fault.what() << '\n';
+  } catch (const http::SetupFault& fault) {
+    err << "quorveld: " << fault.what() << '\n';
+  }
+  return ExitStatus::Usage;
+}
+
+}  // namespace quorveld

@@ -1,0 +1,134 @@
+#include "daemon/LoginGate.h"
+
+#include <string>
+#include <tuple>
+#include <utility>
+
+namespace quorveld {
+namespace {
+
+// A place in the line, held as long as the object.
+class Place {
+ public:
+  Place(std::atomic<unsigned>& inLine, unsigned most)
+      : m_inLine(inLine), m_isTaken(inLine.fetch_add(1) < most) {}
+  Place(const Place&) = delete;
+  Place& operator=(const Place&) = delete;
+  ~Place() { m_inLine.fetch_sub(1); }
+
+  [[nodiscard]] bool isTaken() const { return m_isTaken; }
+
+ private:
+  std::atomic<unsigned>& m_inLine;
+  const bool m_isTaken;
+};
+
+std::string describeFailure(unsigned unchecked) {
+  return unchecked == 0 ? "refused" : "refused, " + std::to_string(unchecked) + " before unchecked";
+}
+
+}  // namespace
+
+LoginGate::LoginGate(Authenticator& authenticator, wbem::Audit& audit, LoginThrottle::Now now)
+    : m_authenticator(authenticator),
+      m_audit(audit),
+      m_throttle(now),
+      m_verified(std::move(now)),
+      m_revision(authenticator.revision()) {}
+
+LoginGate::Decision LoginGate::admit(std::string_view authorization, const Origin& origin) {
+  Decision decision;
+  if (!m_authenticator.demandsLogin()) {
+    const std::optional<wbem::Role> role = m_authenticator.check("", "", origin.address);
+    decision.verdict = role ? Verdict::Passed : Verdict::Unauthorized;
+    decision.caller = {"", origin.address, role.value_or(wbem::Role::Reader)};
+    return decision;
+  }
+  if (!origin.isEncrypted && !origin.isLoopback) {
+    decision.verdict = Verdict::InTheClear;
+    return decision;
+  }
+  // A client asks without a login first to learn which kind is wanted: no failure.
+  if (authorization.empty()) {
+    return decision;
+  }
+  const Login login = parseBasicCredentials(authorization);
+  {
+    const utils::ScopedLock lock(m_lock);
+    if (std::optional<Decision> known = decideUnchecked(login, origin.address)) {
+      return *std::move(known);
+    }
+  }
+  const Place place(m_inLine, kMostInLine);
+  if (!place.isTaken()) {
+    decision.verdict = Verdict::Busy;
+    decision.delay = kBusyDelay;
+    return decision;
+  }
+  std::string failure;
+  std::tie(decision, failure) = check(login, origin.address);
+  // The system log may make its writers wait.
+  if (!failure.empty()) {
+    m_audit.write(
+        {{login ? login->user : "", origin.address, wbem::Role::Reader}, "Login", failure, ""});
+  }
+  return decision;
+}
+
+std::optional<LoginGate::Decision> LoginGate::decideUnchecked(const Login& login,
+                                                              const std::string& address) {
+  Decision decision;
+  if (const auto delay = m_throttle.findRefusal(address)) {
+    decision.delay = *delay;
+    return decision;
+  }
+  forgetIfChanged();
+  const std::optional<wbem::Role> role = login ? m_verified.find(*login) : std::nullopt;
+  if (!role) {
+    return std::nullopt;
+  }
+  decision.verdict = Verdict::Passed;
+  decision.caller = {login->user, address, *role};
+  return decision;
+}
+
+std::pair<LoginGate::Decision, std::string> LoginGate::check(const Login& login,
+                                                             const std::string& address) {
+  const utils::ScopedLock checkLock(m_checkLock);
+  std::uint64_t revision = 0;
+  {
+    // The check that this one has waited for may have settled it.
+    const utils::ScopedLock lock(m_lock);
+    if (std::optional<Decision> known = decideUnchecked(login, address)) {
+      return {*std::move(known), ""};
+    }
+    revision = m_revision;
+  }
+  std::optional<wbem::Role> role;
+  if (login) {
+    role = m_authenticator.check(login->user, login->password, address);
+  }
+  Decision decision;
+  const utils::ScopedLock lock(m_lock);
+  if (!role) {
+    decision.delay = m_throttle.addFailure(address);
+    return {std::move(decision), describeFailure(m_throttle.takeUnchecked(address))};
+  }
+  forgetIfChanged();
+  if (revision == m_revision) {
+    m_verified.add(*login, *role);
+  }
+  decision.verdict = Verdict::Passed;
+  decision.caller = {login->user, address, *role};
+  return {std::move(decision), ""};
+}
+
+void LoginGate::forgetIfChanged() {
+  const std::uint64_t revision = m_authenticator.revision();
+  if (revision != m_revision) {
+    m_verified.clear();
+    m_revision = revision;
+  }
+}
+
+}  // namespace quorveld

@@ -1,0 +1,186 @@
+#include "daemon/MessageFields.h"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "Utils/Ascii.h"
+#include "Utils/Conversions.h"
+#include "Utils/Exception.h"
+#include "cimxml/ObjectName.h"
+#include "core/ClassDeclaration.h"
+#include "http/Status.h"
+
+namespace quorveld {
+namespace {
+
+constexpr int kHexadecimal = 16;
+constexpr std::size_t kHexDigits = 2;
+
+constexpr std::string_view kMediaTypes[] = {"application/xml", "text/xml"};
+constexpr std::string_view kCharacterSets[] = {"utf-8", "utf8"};
+
+template <std::size_t Count>
+bool isOneOf(std::string_view text, const std::string_view (&list)[Count]) {
+  return std::any_of(std::begin(list), std::end(list), [text](std::string_view entry) {
+    return utils::isSameIgnoringCase(text, entry);
+  });
+}
+
+// Returns whether a Content-Type means XML in UTF-8. Parameters but charset mean nothing here.
+bool isXmlInUtf8(std::string_view contentType) {
+  bool isType = true;
+  while (true) {
+    const std::size_t end = contentType.find(';');
+    const std::string part = utils::trim(std::string(contentType.substr(0, end)));
+    if (isType && !isOneOf(part, kMediaTypes)) {
+      return false;
+    }
+    const std::size_t sign = part.find('=');
+    if (!isType && sign != std::string::npos &&
+        utils::isSameIgnoringCase(utils::trim(part.substr(0, sign)), "charset")) {
+      if (!isOneOf(utils::unquote(utils::trim(part.substr(sign + 1))), kCharacterSets)) {
+        return false;
+      }
+    }
+    if (end == std::string_view::npos) {
+      return true;
+    }
+    isType = false;
+    contentType.remove_prefix(end + 1);
+  }
+}
+
+[[noreturn]] void refuseMismatch(const std::string& text) {
+  throw FieldsFault(http::kStatusBadRequest, "header-mismatch", text);
+}
+
+bool isSameObject(const cimxml::ObjectName& one, const cimxml::ObjectName& other);
+
+// A path in the header cannot tell a string that reads as a path from a reference.
+bool isSameReference(const cimxml::KeyBinding& reference, const cimxml::KeyBinding& other) {
+  if (reference.reference.size() != 1) {
+    return false;
+  }
+  if (other.kind == cimxml::KeyBinding::Kind::Reference) {
+    return other.reference.size() == 1 &&
+           isSameObject(reference.reference.front(), other.reference.front());
+  }
+  const std::optional<cimxml::ObjectName> target = cimxml::readObjectPath(other.text);
+  return target && isSameObject(reference.reference.front(), *target);
+}
+
+bool isSameKey(const cimxml::KeyBinding& one, const cimxml::KeyBinding& other) {
+  using Kind = cimxml::KeyBinding::Kind;
+  if (one.kind == Kind::Reference) {
+    return isSameReference(one, other);
+  }
+  if (other.kind == Kind::Reference) {
+    return isSameReference(other, one);
+  }
+  return one.kind == Kind::Boolean || other.kind == Kind::Boolean
+             ? utils::isSameIgnoringCase(one.text, other.text)
+             : one.text == other.text;
+}
+
+// Returns the keys in the order of their names.
+std::vector<const cimxml::KeyBinding*> sortKeys(const std::vector<cimxml::KeyBinding>& keys) {
+  std::vector<const cimxml::KeyBinding*> sorted;
+  sorted.reserve(keys.size());
+  for (const cimxml::KeyBinding& key : keys) {
+    sorted.push_back(&key);
+  }
+  std::sort(sorted.begin(), sorted.end(),
+            [](const cimxml::KeyBinding* left, const cimxml::KeyBinding* right) {
+              return core::NameLess()(left->name, right->name);
+            });
+  return sorted;
+}
+
+bool isSameObject(const cimxml::ObjectName& one, const cimxml::ObjectName& other) {
+  if (!utils::isSameIgnoringCase(one.className, other.className) ||
+      one.keys.size() != other.keys.size()) {
+    return false;
+  }
+  const auto sorted = sortKeys(one.keys);
+  const auto sortedOther = sortKeys(other.keys);
+  return std::equal(sorted.begin(), sorted.end(), sortedOther.begin(),
+                    [](const cimxml::KeyBinding* key, const cimxml::KeyBinding* candidate) {
+                      // The only key of a name may stand without its own.
+                      return (key->name.empty() || candidate->name.empty() ||
+                              utils::isSameIgnoringCase(key->name, candidate->name)) &&
+                             isSameKey(*key, *candidate);
+                    });
+}
+
+bool isTarget(const std::string& object, const cimxml::Request& message) {
+  if (!message.isExtrinsic) {
+    return utils::isSameIgnoringCase(object, message.nameSpace);
+  }
+  const std::size_t colon = object.find(':');
+  if (colon == std::string::npos ||
+      !utils::isSameIgnoringCase(object.substr(0, colon), message.nameSpace)) {
+    return false;
+  }
+  try {
+    return isSameObject(cimxml::parseObjectPath(object.substr(colon + 1)), message.target);
+  } catch (const utils::ESyntaxError&) {
+    return false;
+  }
+}
+
+}  // namespace
+
+void demandCimMessage(const http::Request& request) {
+  const std::string_view encoding = request.field("Content-Encoding");
+  if (!isXmlInUtf8(request.field("Content-Type")) ||
+      (!encoding.empty() && !utils::isSameIgnoringCase(encoding, "identity"))) {
+    throw FieldsFault(http::kStatusUnsupportedMediaType, "",
+                      "A CIM message is application/xml or text/xml in UTF-8, without "
+                      "content encoding.");
+  }
+  if (!utils::isSameIgnoringCase(request.field("CIMOperation"), "MethodCall")) {
+    throw FieldsFault(http::kStatusBadRequest, "unsupported-operation",
+                      "The header field CIMOperation has to be MethodCall.");
+  }
+  if (!request.field("CIMBatch").empty()) {
+    throw FieldsFault(http::kStatusNotImplemented, "multiple-requests-unsupported",
+                      "Several requests in one message are not taken.");
+  }
+  const std::string_view version = request.field("CIMProtocolVersion");
+  if (!version.empty() && !version.starts_with("1.")) {
+    throw FieldsFault(http::kStatusNotImplemented, "unsupported-protocol-version",
+                      "The header field CIMProtocolVersion has to be 1.x.");
+  }
+}
+
+void demandSameFields(const http::Request& request, const cimxml::Request& message) {
+  if (decodePercent(request.field("CIMMethod")) != message.name) {
+    refuseMismatch("The header field CIMMethod does not name the method of the message.");
+  }
+  if (!isTarget(decodePercent(request.field("CIMObject")), message)) {
+    refuseMismatch("The header field CIMObject does not name the object of the message.");
+  }
+}
+
+std::string decodePercent(std::string_view text) {
+  std::string decoded;
+  decoded.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    unsigned char byte = 0;
+    const char* const digits = text.data() + i + 1;
+    if (text[i] == '%' && i + kHexDigits < text.size() &&
+        std::from_chars(digits, digits + kHexDigits, byte, kHexadecimal).ptr ==
+            digits + kHexDigits) {
+      decoded += static_cast<char>(byte);
+      i += kHexDigits;
+    } else {
+      decoded += text[i];
+    }
+  }
+  return decoded;
+}
+
+}  // namespace quorveld

@@ -1,0 +1,37 @@
+// The audit in the system log: facility authpriv, identity "quorveld".
+//
+// It speaks to the log's socket itself: the C library has one identity and facility for a process,
+// and that is the agents'.
+
+#ifndef ORVEX_DAEMON_POSIX_SYSTEMLOGAUDIT_H_
+#define ORVEX_DAEMON_POSIX_SYSTEMLOGAUDIT_H_
+
+#include <string>
+#include <string_view>
+
+#include "wbem/Audit.h"
+
+namespace quorveld {
+
+class SystemLogAudit final : public wbem::Audit {
+ public:
+  static constexpr const char* kSocket = "/dev/log";
+  static constexpr std::size_t kMostBytes = 1024;  // of one text that comes from outside
+
+  explicit SystemLogAudit(std::string socket = kSocket) : m_socket(std::move(socket)) {}
+
+  // A record that the system log does not take goes to the agents' log.
+  void write(const wbem::AuditRecord& record) noexcept override;
+
+ private:
+  const std::string m_socket;
+};
+
+// Returns the record as one line: user="..." address="..." role="..." action="..." result="..."
+// target="...", with quotes, backslashes, control characters and bytes that are no UTF-8 escaped,
+// and what is too long cut.
+[[nodiscard]] std::string formatAudit(const wbem::AuditRecord& record);
+
+}  // namespace quorveld
+
+#endif  // ORVEX_DAEMON_POSIX_SYSTEMLOGAUDIT_H_

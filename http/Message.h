@@ -1,0 +1,58 @@
+// A request and its answer as a handler sees them.
+
+#ifndef ORVEX_HTTP_MESSAGE_H_
+#define ORVEX_HTTP_MESSAGE_H_
+
+#include <chrono>
+#include <string>
+#include <string_view>
+
+#include "http/Status.h"
+
+namespace http {
+
+// A request that has been read whole. The views are valid while it is handled.
+class Request {
+ public:
+  Request() = default;
+  Request(const Request&) = delete;
+  Request& operator=(const Request&) = delete;
+  virtual ~Request() = default;
+
+  [[nodiscard]] virtual std::string_view method() const = 0;  // "POST"
+  [[nodiscard]] virtual std::string_view target() const = 0;  // "/cimom"
+  // Returns the value of a header field, without regard to the case of its name; empty for none.
+  [[nodiscard]] virtual std::string_view field(std::string_view name) const = 0;
+  // The body, the handler's to change.
+  [[nodiscard]] virtual std::string& body() = 0;
+  [[nodiscard]] virtual const std::string& peerAddress() const = 0;  // "192.0.2.7"
+  [[nodiscard]] virtual bool isLoopback() const = 0;                 // the peer's address
+  [[nodiscard]] virtual bool isEncrypted() const = 0;
+};
+
+// The answer: what was in it before is gone when the handler gets it, its memory is kept.
+struct Response {
+  unsigned status = kStatusOk;
+  std::string fields;  // further header fields, each "Name: value\r\n"
+  std::string contentType;
+  std::string body;
+  // Wait before the answer is sent: what a guesser of passwords gets.
+  std::chrono::milliseconds delay{0};
+  bool isLast = false;  // close the connection behind it
+};
+
+class Handler {
+ public:
+  Handler() = default;
+  Handler(const Handler&) = delete;
+  Handler& operator=(const Handler&) = delete;
+  virtual ~Handler() = default;
+
+  // Called on the server's threads, at the same time for several connections. What it throws is
+  // answered by 500 and logged.
+  virtual void handle(Request& request, Response& response) = 0;
+};
+
+}  // namespace http
+
+#endif  // ORVEX_HTTP_MESSAGE_H_

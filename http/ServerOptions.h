@@ -1,0 +1,43 @@
+// What a server is told at its construction, and the fault that says which of that cannot be.
+
+#ifndef ORVEX_HTTP_SERVEROPTIONS_H_
+#define ORVEX_HTTP_SERVEROPTIONS_H_
+
+#include <chrono>
+#include <cstddef>
+#include <exception>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "http/Endpoint.h"
+
+namespace http {
+
+struct ServerOptions {
+  std::vector<Endpoint> endpoints;
+  std::string certificateFile;  // PEM, with its chain; for TLS endpoints
+  std::string keyFile;          // PEM
+  unsigned threads = 2;
+  std::size_t maxConnections = 128;
+  std::size_t maxHeaderBytes = 16 * 1024;
+  std::size_t maxBodyBytes = 1024 * 1024;
+  // From a request's first byte to its last; also for the client to take 64 KiB of the answer.
+  std::chrono::milliseconds requestTimeout{30'000};
+  std::chrono::milliseconds idleTimeout{60'000};  // between requests
+  std::chrono::milliseconds closingTime{10'000};  // for answers that are under way at the stop
+};
+
+// A fault of the configuration: an address, a port, a certificate; what() names it.
+class SetupFault final : public std::exception {
+ public:
+  explicit SetupFault(std::string text) : m_text(std::move(text)) {}
+  [[nodiscard]] const char* what() const noexcept override { return m_text.c_str(); }
+
+ private:
+  std::string m_text;
+};
+
+}  // namespace http
+
+#endif  // ORVEX_HTTP_SERVEROPTIONS_H_

@@ -1,0 +1,235 @@
+#include <atomic>
+#include <future>
+#include <gmock/gmock.h>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "daemon/Authentication.h"
+#include "daemon/CimXmlHandler.h"
+#include "tests/daemon/FakeHttpRequest.h"
+#include "tests/support/WaitUntil.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+const std::string kAnna = "Basic YW5uYTpzZWNyZXQ=";  // anna:secret
+
+class FakeService final : public quorveld::CimXmlHandler::Service {
+ public:
+  void answer(const cimxml::Request& request, const wbem::Caller& caller,
+              std::string& out) override {
+    ++answers;
+    out += request.name + " by '" + caller.user + "' from " + caller.address +
+           (caller.role == wbem::Role::Operator ? ", operator" : ", reader");
+  }
+  [[nodiscard]] unsigned countRunningJobs() override { return 3; }
+
+  unsigned answers = 0;
+};
+
+class Anna final : public quorveld::Authenticator {
+ public:
+  [[nodiscard]] std::optional<wbem::Role> check(const std::string& user,
+                                                const std::string& password,
+                                                const std::string& /*address*/) override {
+    return user == "anna" && password == "secret" ? std::optional(wbem::Role::Reader)
+                                                  : std::nullopt;
+  }
+};
+
+// Answers nobody until the test says so.
+class HeldUp final : public quorveld::Authenticator {
+ public:
+  [[nodiscard]] std::optional<wbem::Role> check(const std::string& /*user*/,
+                                                const std::string& /*password*/,
+                                                const std::string& /*address*/) override {
+    m_released.wait();
+    return std::nullopt;
+  }
+  void release() { m_release.set_value(); }
+
+ private:
+  std::promise<void> m_release;
+  const std::shared_future<void> m_released{m_release.get_future()};
+};
+
+class NoAudit final : public wbem::Audit {
+ public:
+  void write(const wbem::AuditRecord& /*record*/) noexcept override {}
+};
+
+class CimXmlHandlerTest : public testing::Test {
+ protected:
+  http::Response ask(quorveld::Authenticator& authenticator) {
+    quorveld::LoginGate gate(authenticator, m_audit);
+    quorveld::CimXmlHandler handler(m_service, gate, "1.2.3");
+    http::Response response;
+    handler.handle(m_request, response);
+    return response;
+  }
+  http::Response ask() { return ask(m_nobody); }
+
+  // Asks with a method and target and expects a status, with the Allow field where one is due.
+  void expectStatus(const std::string& method, const std::string& target, unsigned status,
+                    const std::string& fields) {
+    m_request.httpMethod = method;
+    m_request.httpTarget = target;
+    const http::Response response = ask();
+    EXPECT_EQ(response.status, status) << method << ' ' << target;
+    EXPECT_EQ(response.fields, fields) << method << ' ' << target;
+  }
+
+  // Expects a message to be refused before anything answers it.
+  void expectRefused(unsigned status, const std::string& fields) {
+    const http::Response response = ask();
+    EXPECT_EQ(response.status, status);
+    EXPECT_EQ(response.fields, fields);
+    EXPECT_EQ(response.contentType, "text/plain; charset=utf-8");
+    EXPECT_NE(response.body, "");
+    EXPECT_EQ(m_service.answers, 0u);
+  }
+
+  FakeService m_service;
+  NoAudit m_audit;
+  quorveld::NoAuthenticator m_nobody;
+  Anna m_anna;
+  test::FakeHttpRequest m_request;
+};
+
+TEST_F(CimXmlHandlerTest, AnswersAMessage) {
+  for (const char* const target : {"/", "/cimom", "/anything?x=y"}) {
+    m_request.content = test::FakeHttpRequest().content;
+    m_request.httpTarget = target;
+    const http::Response response = ask();
+    EXPECT_EQ(response.status, 200u);
+    EXPECT_EQ(response.contentType, "application/xml; charset=utf-8");
+    EXPECT_EQ(response.fields, "CIMOperation: MethodResponse\r\n");
+    EXPECT_EQ(response.body, "EnumerateInstances by '' from 127.0.0.1, operator");
+  }
+}
+
+TEST_F(CimXmlHandlerTest, TellsMonitorsHowItDoesWithoutALogin) {
+  m_request.httpMethod = "GET";
+  m_request.httpTarget = "/health";
+  const http::Response response = ask(m_anna);
+  EXPECT_EQ(response.status, 200u);
+  EXPECT_EQ(response.contentType, "application/json");
+  EXPECT_EQ(response.body, R"({"version": "1.2.3", "uptime": 0, "runningJobs": 3})"
+                           "\n");
+}
+
+TEST_F(CimXmlHandlerTest, OffersWhatItsTableSays) {
+  const std::string messages = "Allow: OPTIONS, POST\r\n";
+  const std::string health = "Allow: GET, HEAD, OPTIONS\r\n";
+  expectStatus("HEAD", "/health", 200, "");
+  expectStatus("GET", "/health?from=monitor", 200, "");
+  expectStatus("OPTIONS", "/health", 200, health);
+  expectStatus("OPTIONS", "*", 200, messages);
+  expectStatus("GET", "/", 405, messages);
+  expectStatus("HEAD", "/cimom", 405, messages);
+  expectStatus("DELETE", "/", 405, messages);
+  expectStatus("POST", "/health", 405, health);
+  expectStatus("M-POST", "/cimom", 501, "");
+  expectStatus("BREW", "/", 501, "");
+  EXPECT_EQ(m_service.answers, 0u);
+}
+
+TEST_F(CimXmlHandlerTest, RefusesWhatIsNoXmlInUtf8) {
+  for (const char* const type :
+       {"", "text/plain", "application/json", "application/xmlx", "text/xml; charset=iso-8859-1"}) {
+    m_request.fields["Content-Type"] = type;
+    expectRefused(415, "");
+  }
+}
+
+TEST_F(CimXmlHandlerTest, RefusesABodyThatIsNoMessage) {
+  m_request.content = "<CIM";
+  expectRefused(400, "CIMError: request-not-well-formed\r\n");
+}
+
+TEST_F(CimXmlHandlerTest, RefusesFieldsThatSaySomethingElseThanTheMessage) {
+  m_request.fields["CIMMethod"] = "GetClass";
+  expectRefused(400, "CIMError: header-mismatch\r\n");
+}
+
+TEST_F(CimXmlHandlerTest, AsksForALogin) {
+  const http::Response response = ask(m_anna);
+  EXPECT_EQ(response.status, 401u);
+  EXPECT_EQ(response.fields, "WWW-Authenticate: Basic realm=\"quorveld\", charset=\"UTF-8\"\r\n");
+  EXPECT_EQ(response.delay.count(), 0);
+  EXPECT_EQ(m_service.answers, 0u);
+}
+
+TEST_F(CimXmlHandlerTest, AsksForALoginBeforeItLooksAtTheMessage) {
+  m_request.fields["Content-Type"] = "text/plain";
+  m_request.content = "no message";
+  EXPECT_EQ(ask(m_anna).status, 401u);
+}
+
+TEST_F(CimXmlHandlerTest, AnswersWhoHasLoggedIn) {
+  m_request.fields["Authorization"] = kAnna;
+  EXPECT_EQ(ask(m_anna).body, "EnumerateInstances by 'anna' from 127.0.0.1, reader");
+}
+
+TEST_F(CimXmlHandlerTest, DelaysTheAnswerToAWrongLogin) {
+  m_request.fields["Authorization"] = "Basic YW5uYTp3cm9uZw==";
+  const http::Response response = ask(m_anna);
+  EXPECT_EQ(response.status, 401u);
+  EXPECT_EQ(response.delay, std::chrono::milliseconds(500));
+}
+
+TEST_F(CimXmlHandlerTest, AnswersMonitorsAndTurnsLoginsAwayWhereTheLineOfLoginsIsFull) {
+  HeldUp authenticator;
+  quorveld::LoginGate gate(authenticator, m_audit);
+  quorveld::CimXmlHandler handler(m_service, gate, "1.2.3");
+  std::atomic<unsigned> refused{0};
+  std::vector<std::thread> clients;
+  for (unsigned i = 0; i <= quorveld::LoginGate::kMostInLine; ++i) {
+    clients.emplace_back([&] {
+      test::FakeHttpRequest request;
+      request.fields["Authorization"] = kAnna;
+      http::Response response;
+      handler.handle(request, response);
+      refused += response.status == 503 && response.fields == "Retry-After: 1\r\n" ? 1 : 0;
+    });
+  }
+  EXPECT_TRUE(test::waitUntil([&] { return refused == 1; }));
+
+  m_request.httpMethod = "GET";
+  m_request.httpTarget = "/health";
+  http::Response response;
+  handler.handle(m_request, response);
+  EXPECT_EQ(response.status, 200u);
+
+  authenticator.release();
+  for (std::thread& client : clients) {
+    client.join();
+  }
+  EXPECT_EQ(refused, 1u);
+}
+
+TEST_F(CimXmlHandlerTest, TakesPasswordsFromANetworkOverTlsAlone) {
+  m_request.fields["Authorization"] = kAnna;
+  m_request.peer = "192.0.2.7";
+  const http::Response refused = ask(m_anna);
+  EXPECT_EQ(refused.status, 403u);
+  EXPECT_THAT(refused.body, HasSubstr("use HTTPS"));
+  EXPECT_EQ(m_service.answers, 0u);
+
+  m_request.isTls = true;
+  EXPECT_EQ(ask(m_anna).status, 200u);
+}
+
+TEST_F(CimXmlHandlerTest, AnswersByALoopbackNameAloneWhereNobodyLogsIn) {
+  m_request.fields["Host"] = "evil.example:5988";
+  EXPECT_EQ(ask().status, 403u);
+  EXPECT_EQ(m_service.answers, 0u);
+
+  m_request.fields["Authorization"] = kAnna;
+  EXPECT_EQ(ask(m_anna).status, 200u);
+}
+
+}  // namespace

@@ -1,0 +1,161 @@
+#include <csignal>
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "daemon/Daemon.h"
+#include "tests/daemon/Posix/DatagramSocket.h"
+#include "tests/daemon/Posix/QuorveldTest.h"
+#include "tests/support/Regex.h"
+#include "tests/support/WaitUntil.h"
+
+namespace {
+
+using test::ContainsRegex;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+class DaemonTest : public test::QuorveldTest {
+ protected:
+  // Runs the program to its end.
+  [[nodiscard]] test::ProgramResult runDaemon(const Arguments& arguments) const {
+    return test::runProgram(test::programBeside("quorveld"), arguments, environment());
+  }
+
+  void expectUsage(const Arguments& arguments, const std::string& text) const {
+    const test::ProgramResult result = runDaemon(arguments);
+    EXPECT_EQ(result.exitStatus, 2) << testing::PrintToString(arguments);
+    EXPECT_THAT(result.errors, AllOf(StartsWith("quorveld: "), HasSubstr(text)));
+    EXPECT_EQ(result.output, "");
+  }
+
+  [[nodiscard]] std::string write(const std::string& name, const std::string& content) const {
+    return m_own.write(name, content).string();
+  }
+
+  [[nodiscard]] nlohmann::json healthReport() const {
+    const std::string answer = health();
+    return nlohmann::json::parse(answer.substr(answer.find("\r\n\r\n")));
+  }
+
+  test::TempDirectory m_own;
+};
+
+TEST_F(DaemonTest, ServesAndTellsHowItDoes) {
+  start();
+  EXPECT_THAT(daemon().output(),
+              test::MatchesRegex("quorveld: listening on http://127\\.0\\.0\\.1:[0-9]+\n"
+                                 "quorveld: serving\n"));
+  const std::string answer = health();
+  EXPECT_THAT(answer, StartsWith("HTTP/1.1 200 OK\r\n"));
+  const nlohmann::json report = healthReport();
+  EXPECT_THAT(report["version"].get<std::string>(), test::MatchesRegex("[0-9]+\\.[0-9]+\\.[0-9]+"));
+  EXPECT_GE(report["uptime"].get<int>(), 0);
+  EXPECT_EQ(report["runningJobs"], 0);
+}
+
+TEST_F(DaemonTest, EndsWithStatus0WhenAsked) {
+  for (const int signal : {SIGTERM, SIGINT}) {
+    start();
+    daemon().signal(signal);
+    EXPECT_EQ(daemon().wait(), 0);
+  }
+}
+
+TEST_F(DaemonTest, GoesOnAfterAHangUp) {
+  start();
+  daemon().signal(SIGHUP);
+  EXPECT_THAT(health(), StartsWith("HTTP/1.1 200 OK\r\n"));
+  daemon().signal(SIGTERM);
+  EXPECT_EQ(daemon().wait(), 0);
+}
+
+TEST_F(DaemonTest, LetsARunningUpdateEndWhenAsked) {
+  const std::string rom = addSlowAdapter("0000:03:00");
+  const test::Bytes before = flash();
+  start();
+  static_cast<void>(startUpdate(rom));
+  EXPECT_EQ(healthReport()["runningJobs"], 1);
+  EXPECT_EQ(flash(), before);
+
+  daemon().signal(SIGTERM);
+  daemon().signal(SIGINT);
+  daemon().signal(SIGTERM);
+  EXPECT_EQ(daemon().wait(), 0);
+  EXPECT_EQ(flash(), test::readBytes(rom));
+}
+
+TEST_F(DaemonTest, TakesNoNewRequestWhileItWaitsForAnUpdate) {
+  const std::string rom = addSlowAdapter("0000:03:00");
+  start();
+  static_cast<void>(startUpdate(rom));
+  daemon().signal(SIGTERM);
+  EXPECT_TRUE(
+      test::waitUntil([this] { return wbemcli({"ein"}, "Orvex_EthernetPort").output.empty(); }));
+  EXPECT_TRUE(daemon().isRunning());
+  EXPECT_EQ(daemon().wait(), 0);
+  EXPECT_EQ(flash(), test::readBytes(rom));
+}
+
+TEST_F(DaemonTest, TellsTheServiceManager) {
+  const std::string path = (m_own.path() / "notify").string();
+  const test::DatagramSocket socket(path);
+  std::vector<test::EnvironmentChange> variables = environment();
+  variables.push_back({"NOTIFY_SOCKET", path});
+  test::RunningQuorveld daemon({"--config", write("empty.conf", ""), "--listen", "127.0.0.1:0"},
+                               variables);
+  EXPECT_TRUE(test::waitUntil([&] {
+    const std::string message = socket.receive();
+    return message.starts_with("READY=1\nSTATUS=Serving on http://127.0.0.1:" +
+                               std::to_string(daemon.port()));
+  }));
+  daemon.signal(SIGTERM);
+  EXPECT_EQ(daemon.wait(), 0);
+  EXPECT_THAT(socket.receive(), StartsWith("STOPPING=1\n"));
+}
+
+TEST_F(DaemonTest, RefusesWrongArguments) {
+  expectUsage({"--speed"}, "Try 'quorveld --help'");
+  expectUsage({"--config", "/missing/quorveld.conf"},
+              "the configuration file '/missing/quorveld.conf' cannot be read");
+  expectUsage({"--config", write("bad.conf", "speed = 7\n")}, "bad.conf:1: there is no setting");
+}
+
+TEST_F(DaemonTest, RefusesWhatItCannotListenOn) {
+  const std::string config = write("empty.conf", "");
+  expectUsage({"--config", config, "--listen", "0.0.0.0:0"}, "in the clear");
+  start();
+  expectUsage({"--config", config, "--listen", "127.0.0.1:" + std::to_string(daemon().port())},
+              std::to_string(daemon().port()));
+}
+
+TEST_F(DaemonTest, RefusesACertificateThatIsNone) {
+  const std::string file = write("certificate.pem", "no certificate");
+  expectUsage({"--config", write("tls.conf", "certificate = " + file + "\nkey = " + file + "\n"),
+               "--listen", "https:127.0.0.1:0"},
+              file);
+}
+
+TEST_F(DaemonTest, RefusesAgentSettingsThatAreMissing) {
+  expectUsage({"--config", write("agent.conf", "config = /missing/agent.conf\n"), "--listen",
+               "127.0.0.1:0"},
+              "config: '/missing/agent.conf' cannot be read");
+}
+
+TEST_F(DaemonTest, FailsWithoutItsModules) {
+  const test::ProgramResult result = runDaemon({"--config", write("empty.conf", ""), "--listen",
+                                                "127.0.0.1:0", "--module", "/missing/Module.so"});
+  EXPECT_EQ(result.exitStatus, 1);
+  EXPECT_THAT(result.errors, HasSubstr("/missing/Module.so"));
+}
+
+TEST_F(DaemonTest, TakesTheSettingsOfTheAgentsFromTheirFile) {
+  start("config = " + write("agent.conf", "Namespace = root/lab\n") + "\n");
+  const test::ProgramResult result = wbemcli({"ein"}, "Orvex_EthernetPort");
+  EXPECT_THAT(result.errors + result.output,
+              HasSubstr("there is no namespace 'root/DCIM/zolan'; there are root/lab"));
+}
+
+}  // namespace

@@ -1,0 +1,69 @@
+#include <cstdlib>
+#include <gmock/gmock.h>
+#include <string>
+#include <unistd.h>
+
+#include "daemon/Posix/ServiceManager.h"
+#include "tests/daemon/Posix/DatagramSocket.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/TempDirectory.h"
+#include "tests/support/Variables.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class ServiceManagerTest : public testing::Test {
+ protected:
+  ~ServiceManagerTest() override { test::unsetVariable("NOTIFY_SOCKET"); }
+
+  static quorveld::ServiceManager managerAt(const std::string& address) {
+    test::setVariable("NOTIFY_SOCKET", address);
+    return {};
+  }
+
+  test::TempDirectory m_directory;
+};
+
+TEST_F(ServiceManagerTest, TellsHowTheDaemonDoes) {
+  const std::string path = (m_directory.path() / "notify").string();
+  const test::DatagramSocket socket(path);
+  const quorveld::ServiceManager manager = managerAt(path);
+  manager.tellReady("Serving");
+  EXPECT_EQ(socket.receive(), "READY=1\nSTATUS=Serving\n");
+  manager.tellStopping("Ending");
+  EXPECT_EQ(socket.receive(), "STOPPING=1\nSTATUS=Ending\n");
+  manager.tellStatus("Waiting");
+  EXPECT_EQ(socket.receive(), "STATUS=Waiting\n");
+}
+
+TEST_F(ServiceManagerTest, SpeaksToAnAbstractSocket) {
+  const std::string name = "@quorveld-test-" + std::to_string(getpid());
+  const test::DatagramSocket socket(name);
+  managerAt(name).tellReady("Serving");
+  EXPECT_EQ(socket.receive(), "READY=1\nSTATUS=Serving\n");
+}
+
+TEST_F(ServiceManagerTest, KeepsTheSocketFromOtherPrograms) {
+  static_cast<void>(managerAt("@quorveld-test"));
+  EXPECT_EQ(std::getenv("NOTIFY_SOCKET"), nullptr);
+}
+
+TEST_F(ServiceManagerTest, TellsNobodyWhereNobodyAsks) {
+  const test::LogCapture log;
+  const quorveld::ServiceManager manager;
+  manager.tellReady("Serving");
+  EXPECT_THAT(log.lines(), IsEmpty());
+}
+
+TEST_F(ServiceManagerTest, LogsThatItCouldNotTell) {
+  const test::LogCapture log;
+  managerAt((m_directory.path() / "missing").string()).tellReady("Serving");
+  managerAt("/" + std::string(200, 'x')).tellReady("Serving");
+  EXPECT_THAT(log.messages("quorveld::ServiceManager::send"),
+              ElementsAre(HasSubstr("No such file"), HasSubstr("too long")));
+}
+
+}  // namespace

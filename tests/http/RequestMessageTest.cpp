@@ -1,0 +1,49 @@
+#include <gmock/gmock.h>
+#include <string>
+
+#include "http/RequestMessage.h"
+
+namespace http {
+namespace {
+
+std::string targetOf(const std::string& requested) {
+  RequestMessage message;
+  message.setRequestLine("GET", requested);
+  return std::string(message.target());
+}
+
+TEST(RequestMessage, FindsTheFirstFieldOfANameWithoutRegardToCase) {
+  RequestMessage message;
+  message.addField("Twice", "1");
+  message.addField("TWICE", "2");
+  message.addField("Empty", "");
+
+  EXPECT_EQ(message.field("twice"), "1");
+  EXPECT_TRUE(message.hasField("empty"));
+  EXPECT_EQ(message.field("Empty"), "");
+  EXPECT_FALSE(message.hasField("Twic"));
+  EXPECT_EQ(message.field("Twic"), "");
+}
+
+TEST(RequestMessage, TakesTheServerOutOfTheTarget) {
+  EXPECT_EQ(targetOf("http://a:5988/cimom"), "/cimom");
+  EXPECT_EQ(targetOf("HTTPS://a"), "/");
+  EXPECT_EQ(targetOf("/cimom"), "/cimom");
+  EXPECT_EQ(targetOf("*"), "*");
+}
+
+TEST(RequestMessage, IsEmptyWhenItHasBeenCleared) {
+  RequestMessage message;
+  message.setRequestLine("POST", "/cimom");
+  message.addField("A", "b");
+  message.body() = "body";
+  message.clear();
+
+  EXPECT_EQ(message.method(), "");
+  EXPECT_EQ(message.target(), "");
+  EXPECT_FALSE(message.hasField("A"));
+  EXPECT_EQ(message.body(), "");
+}
+
+}  // namespace
+}  // namespace http
