@@ -4,10 +4,10 @@
 #include <string_view>
 #include <utility>
 
+#include "Utils/Ascii.h"
 #include "Utils/Conversions.h"
 #include "Utils/Exception.h"
 #include "cimxml/Characters.h"
-#include "core/ClassDeclaration.h"
 #include "core/ObjectPathReader.h"
 
 namespace cimxml {
@@ -29,7 +29,7 @@ KeyBinding toKey(const core::ObjectPathKey& part, unsigned depth) {
   KeyBinding key{std::string(part.name), KeyBinding::Kind::String, utils::unquote(part.value), {}};
   if (!isQuoted(part.value)) {
     const bool isTruth =
-        core::isSameName(part.value, "TRUE") || core::isSameName(part.value, "FALSE");
+        utils::isSameIgnoringCase(part.value, "TRUE") || utils::isSameIgnoringCase(part.value, "FALSE");
     key.kind = isTruth ? KeyBinding::Kind::Boolean : KeyBinding::Kind::Numeric;
   } else if (std::optional<ObjectName> target = toReference(key.text, depth + 1)) {
     key.kind = KeyBinding::Kind::Reference;
@@ -117,9 +117,9 @@ class PathWriter {
         write(key.reference.front(), depth + 1);
       }
       append("\"", depth);
-    } else if (key.kind == KeyBinding::Kind::Boolean && core::isSameName(key.text, "TRUE")) {
+    } else if (key.kind == KeyBinding::Kind::Boolean && utils::isSameIgnoringCase(key.text, "TRUE")) {
       append("1", depth);
-    } else if (key.kind == KeyBinding::Kind::Boolean && core::isSameName(key.text, "FALSE")) {
+    } else if (key.kind == KeyBinding::Kind::Boolean && utils::isSameIgnoringCase(key.text, "FALSE")) {
       append("0", depth);
     } else if (key.kind != KeyBinding::Kind::String && isPlain(key.text)) {
       append(key.text, depth);
