@@ -28,8 +28,8 @@ std::optional<ObjectName> toReference(std::string_view text, unsigned depth);
 KeyBinding toKey(const core::ObjectPathKey& part, unsigned depth) {
   KeyBinding key{std::string(part.name), KeyBinding::Kind::String, utils::unquote(part.value), {}};
   if (!isQuoted(part.value)) {
-    const bool isTruth =
-        utils::isSameIgnoringCase(part.value, "TRUE") || utils::isSameIgnoringCase(part.value, "FALSE");
+    const bool isTruth = utils::isSameIgnoringCase(part.value, "TRUE") ||
+                         utils::isSameIgnoringCase(part.value, "FALSE");
     key.kind = isTruth ? KeyBinding::Kind::Boolean : KeyBinding::Kind::Numeric;
   } else if (std::optional<ObjectName> target = toReference(key.text, depth + 1)) {
     key.kind = KeyBinding::Kind::Reference;
@@ -117,9 +117,11 @@ class PathWriter {
         write(key.reference.front(), depth + 1);
       }
       append("\"", depth);
-    } else if (key.kind == KeyBinding::Kind::Boolean && utils::isSameIgnoringCase(key.text, "TRUE")) {
+    } else if (key.kind == KeyBinding::Kind::Boolean &&
+               utils::isSameIgnoringCase(key.text, "TRUE")) {
       append("1", depth);
-    } else if (key.kind == KeyBinding::Kind::Boolean && utils::isSameIgnoringCase(key.text, "FALSE")) {
+    } else if (key.kind == KeyBinding::Kind::Boolean &&
+               utils::isSameIgnoringCase(key.text, "FALSE")) {
       append("0", depth);
     } else if (key.kind != KeyBinding::Kind::String && isPlain(key.text)) {
       append(key.text, depth);

@@ -43,9 +43,9 @@ void CimPropertyList::add(CimProperty* newProperty) {
   if (m_latest.size() == m_latest.capacity()) {
     m_latest.reserve(std::max(kFirstListCapacity, 2 * m_latest.size()));
   }
-  const auto overriden = std::find_if(
-      m_latest.begin(), m_latest.end(),
-      [&](const CimProperty* property) { return property->isNamedAs(*newProperty); });
+  const auto overriden =
+      std::find_if(m_latest.begin(), m_latest.end(),
+                   [&](const CimProperty* property) { return property->isNamedAs(*newProperty); });
   append(newProperty);
   if (overriden == m_latest.end()) {
     m_latest.push_back(newProperty);
