@@ -12,11 +12,6 @@
 namespace cimxml {
 namespace {
 
-constexpr unsigned kBadRequest = 400;
-constexpr unsigned kNotImplemented = 501;
-constexpr const char* kNotWellFormed = "request-not-well-formed";
-constexpr const char* kNotValid = "request-not-valid";
-
 // ---- values ----
 
 void readNull(const pugi::xml_node& element) {
