@@ -64,7 +64,7 @@ class Attempt {
  public:
   Attempt(Audit& audit, const Caller& caller, std::string action, std::string target)
       : m_audit(audit),
-        m_record{caller, std::move(action), "CIM_ERR_FAILED: no answer", std::move(target)} {}
+        m_record{caller, std::move(action), std::string(cimxml::getStatusName(Status::Failed)) + ": no answer", std::move(target)} {}
   Attempt(const Attempt&) = delete;
   Attempt& operator=(const Attempt&) = delete;
   ~Attempt() { m_audit.write(m_record); }
@@ -107,7 +107,7 @@ struct Server::Implementation {
       const std::string description = tell(error.what());
       out.resize(start);
       cimxml::appendError(out, static_cast<unsigned>(status), description);
-      return std::string(getStatusName(status)) + ": " + description;
+      return std::string(cimxml::getStatusName(status)) + ": " + description;
     }
   }
 
