@@ -1,14 +1,11 @@
 #include "cimxml/RequestWriter.h"
 
-#include <cstddef>
-
+#include "cimxml/NameWriter.h"
 #include "cimxml/Values.h"
 #include "core/ClassDeclaration.h"
 
 namespace cimxml {
 namespace {
-
-constexpr std::string_view kValueTypes[] = {"string", "numeric", "boolean", "string"};
 
 void beginMessage(Buffer& out, std::string_view messageId) {
   out +=
@@ -22,41 +19,11 @@ void endMessage(Buffer& out) {
   out += "</SIMPLEREQ></MESSAGE></CIM>\n";
 }
 
-void appendLocalPath(Buffer& out, const ObjectName& instance, std::string_view nameSpace);
-
-void appendKey(Buffer& out, const KeyBinding& key, std::string_view nameSpace) {
-  out += "<KEYBINDING";
-  appendAttribute(out, "NAME", key.name);
-  out += '>';
-  if (key.kind == KeyBinding::Kind::Reference) {
-    out += "<VALUE.REFERENCE>";
-    appendLocalPath(out, key.reference.at(0), nameSpace);
-    out += "</VALUE.REFERENCE>";
-  } else {
-    out += "<KEYVALUE";
-    appendAttribute(out, "VALUETYPE", kValueTypes[static_cast<std::size_t>(key.kind)]);
-    out += '>';
-    appendEscaped(out, key.text);
-    out += "</KEYVALUE>";
-  }
-  out += "</KEYBINDING>";
-}
-
-void appendName(Buffer& out, const ObjectName& instance, std::string_view nameSpace) {
-  out += "<INSTANCENAME";
-  appendAttribute(out, "CLASSNAME", instance.className);
-  out += '>';
-  for (const KeyBinding& key : instance.keys) {
-    appendKey(out, key, nameSpace);
-  }
-  out += "</INSTANCENAME>";
-}
-
 void appendLocalPath(Buffer& out, const ObjectName& instance, std::string_view nameSpace) {
   const std::string_view own = instance.nameSpace.empty() ? nameSpace : instance.nameSpace;
   out += "<LOCALINSTANCEPATH>";
   appendLocalNamespacePath(out, own);
-  appendName(out, instance, own);
+  appendInstanceName(out, instance, own);
   out += "</LOCALINSTANCEPATH>";
 }
 
@@ -93,7 +60,7 @@ void appendInstanceNameParameter(Buffer& out, std::string_view name, const Objec
                                  std::string_view nameSpace) {
   beginParameter(out, "IPARAMVALUE", name);
   out += '>';
-  appendName(out, instance, nameSpace);
+  appendInstanceName(out, instance, nameSpace);
   out += "</IPARAMVALUE>";
 }
 
@@ -134,9 +101,9 @@ void appendReferenceArgument(Buffer& out, std::string_view name, const ObjectNam
     out += "/>";
     return;
   }
-  out += "><VALUE.REFERENCE>";
-  appendLocalPath(out, *target, nameSpace);
-  out += "</VALUE.REFERENCE></PARAMVALUE>";
+  out += '>';
+  appendReference(out, *target, nameSpace);
+  out += "</PARAMVALUE>";
 }
 
 }  // namespace cimxml

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "cimxml/AnswerWriter.h"
 #include "core/OwningPropertyList.h"
 #include "wbem/InstanceFinder.h"
 #include "wbem/PropertyValues.h"

@@ -5,7 +5,7 @@
 #include <utility>
 #include <variant>
 
-#include "cimxml/Writer.h"
+#include "cimxml/AnswerWriter.h"
 #include "wbem/InstanceFinder.h"
 #include "wbem/PropertyValues.h"
 #include "wbem/Status.h"
