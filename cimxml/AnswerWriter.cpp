@@ -1,5 +1,6 @@
 #include "cimxml/AnswerWriter.h"
 
+#include "cimxml/MessageFrame.h"
 #include "cimxml/NameWriter.h"
 #include "cimxml/Values.h"
 #include "core/ClassDeclaration.h"
@@ -9,11 +10,8 @@ namespace {
 
 void beginAnswer(Buffer& out, std::string_view messageId, std::string_view element,
                  std::string_view name) {
-  out +=
-      "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
-      "<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE";
-  appendAttribute(out, "ID", messageId);
-  out += " PROTOCOLVERSION=\"1.0\"><SIMPLERSP><";
+  beginMessage(out, messageId);
+  out += "<SIMPLERSP><";
   out += element;
   appendAttribute(out, "NAME", name);
   out += '>';
@@ -21,7 +19,8 @@ void beginAnswer(Buffer& out, std::string_view messageId, std::string_view eleme
 
 void endAnswer(Buffer& out, std::string_view element) {
   appendEndTag(out, element);
-  out += "</SIMPLERSP></MESSAGE></CIM>\n";
+  out += "</SIMPLERSP>";
+  endMessage(out);
 }
 
 void beginParameter(Buffer& out, std::string_view name, std::string_view type) {

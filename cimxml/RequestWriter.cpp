@@ -1,5 +1,6 @@
 #include "cimxml/RequestWriter.h"
 
+#include "cimxml/MessageFrame.h"
 #include "cimxml/NameWriter.h"
 #include "cimxml/Values.h"
 #include "core/ClassDeclaration.h"
@@ -7,16 +8,14 @@
 namespace cimxml {
 namespace {
 
-void beginMessage(Buffer& out, std::string_view messageId) {
-  out +=
-      "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
-      "<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE";
-  appendAttribute(out, "ID", messageId);
-  out += " PROTOCOLVERSION=\"1.0\"><SIMPLEREQ>";
+void beginRequest(Buffer& out, std::string_view messageId) {
+  beginMessage(out, messageId);
+  out += "<SIMPLEREQ>";
 }
 
-void endMessage(Buffer& out) {
-  out += "</SIMPLEREQ></MESSAGE></CIM>\n";
+void endRequest(Buffer& out) {
+  out += "</SIMPLEREQ>";
+  endMessage(out);
 }
 
 void appendLocalPath(Buffer& out, const ObjectName& instance, std::string_view nameSpace) {
@@ -37,7 +36,7 @@ void beginParameter(Buffer& out, std::string_view element, std::string_view name
 
 void beginOperationRequest(Buffer& out, std::string_view messageId, std::string_view nameSpace,
                            std::string_view operation) {
-  beginMessage(out, messageId);
+  beginRequest(out, messageId);
   out += "<IMETHODCALL";
   appendAttribute(out, "NAME", operation);
   out += '>';
@@ -46,7 +45,7 @@ void beginOperationRequest(Buffer& out, std::string_view messageId, std::string_
 
 void endOperationRequest(Buffer& out) {
   out += "</IMETHODCALL>";
-  endMessage(out);
+  endRequest(out);
 }
 
 void appendClassNameParameter(Buffer& out, std::string_view name, std::string_view className) {
@@ -73,7 +72,7 @@ void appendBooleanParameter(Buffer& out, std::string_view name, bool value) {
 
 void beginMethodRequest(Buffer& out, std::string_view messageId, std::string_view nameSpace,
                         std::string_view method, const ObjectName& target) {
-  beginMessage(out, messageId);
+  beginRequest(out, messageId);
   out += "<METHODCALL";
   appendAttribute(out, "NAME", method);
   out += '>';
@@ -82,7 +81,7 @@ void beginMethodRequest(Buffer& out, std::string_view messageId, std::string_vie
 
 void endMethodRequest(Buffer& out) {
   out += "</METHODCALL>";
-  endMessage(out);
+  endRequest(out);
 }
 
 void appendArgument(Buffer& out, const core::CimProperty& value) {
@@ -96,7 +95,7 @@ void appendArgument(Buffer& out, const core::CimProperty& value) {
 void appendReferenceArgument(Buffer& out, std::string_view name, const ObjectName* target,
                              std::string_view nameSpace) {
   beginParameter(out, "PARAMVALUE", name);
-  appendAttribute(out, "PARAMTYPE", "reference");
+  appendAttribute(out, "PARAMTYPE", core::getTypeName(core::kCimReference));
   if (target == nullptr) {
     out += "/>";
     return;
