@@ -3,8 +3,7 @@
 // Every operation of a locked container, and every single step of a cursor, takes the container's
 // own mutex; a walk as a whole does not. Elements may be added between two steps; clear() during
 // someone else's walk is the caller's fault. No operation calls another locked one of the same
-// container while it holds the lock. Whoever reads many elements at once takes copies of the
-// pointers (copyTo), which locks once.
+// container while it holds the lock.
 
 #ifndef ORVEX_UTILS_CONTAINERS_H_
 #define ORVEX_UTILS_CONTAINERS_H_
@@ -13,7 +12,6 @@
 #include <cstddef>
 #include <map>
 #include <memory>
-#include <optional>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -70,24 +68,9 @@ class SafeList {
     return m_elements.size();
   }
 
-  // Makes `elements` the list's elements, null ones too. Keeps its capacity, so that a caller who
-  // reads one list after another allocates next to nothing.
-  void copyTo(std::vector<T>& elements) const {
-    const ScopedLock lock(m_lock);
-    elements.assign(m_elements.begin(), m_elements.end());
-  }
-
  protected:
-  // Runs `body` with the elements, under the lock, and returns what it returns. It calls nothing of
-  // the list but append().
-  template <class Body>
-  auto withElements(Body body) const {
-    const ScopedLock lock(m_lock);
-    return body(std::as_const(m_elements));
-  }
-
-  // What add() does, for a caller that holds the lock.
-  void append(T element) ORVEX_NO_THREAD_SAFETY_ANALYSIS {
+  // What add() does.
+  void append(T element) ORVEX_REQUIRES(m_lock) {
     if (m_elements.size() == m_elements.max_size()) {
       throw std::length_error("list<T> too long");
     }
@@ -97,11 +80,13 @@ class SafeList {
     m_elements.push_back(element);
   }
 
+  // For what a derived list keeps beside the elements, too.
+  mutable Mutex m_lock;
+
  private:
   static constexpr std::size_t kFirstCapacity = 8;
 
   const bool m_ownsElements;
-  mutable Mutex m_lock;
   std::vector<T> m_elements ORVEX_GUARDED_BY(m_lock);
 };
 
@@ -170,6 +155,9 @@ class SafeList<T>::SimpleIteratorImplementation : public SafeList<T>::IteratorIm
 
  private:
   static constexpr std::size_t kEnd = static_cast<std::size_t>(-1);
+
+  // The two below run under the list's lock. The analysis cannot be told so: it does not take
+  // m_list->m_lock for the lock of m_list's elements in a class within a template.
 
   // Makes the element of that number the one that the next step returns. A cursor that has come to
   // the end stays there, whatever is added.
@@ -302,16 +290,6 @@ class SafeMap {
   void set(K key, V value) {
     const ScopedLock lock(m_lock);
     m_entries.insert_or_assign(std::move(key), std::move(value));
-  }
-
-  // Stores, and returns the value that was under the key; nothing when there was none.
-  std::optional<V> exchange(const K& key, V value) {
-    const ScopedLock lock(m_lock);
-    const auto [entry, isNew] = m_entries.try_emplace(key, value);
-    if (isNew) {
-      return std::nullopt;
-    }
-    return std::exchange(entry->second, std::move(value));
   }
 
   // Returns all values as they stand, in key order.

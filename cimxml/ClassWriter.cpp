@@ -1,5 +1,6 @@
+#include "cimxml/ClassWriter.h"
+
 #include "cimxml/Values.h"
-#include "cimxml/Writer.h"
 
 namespace cimxml {
 namespace {

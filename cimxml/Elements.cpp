@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "cimxml/Characters.h"
-#include "cimxml/Request.h"
+#include "cimxml/RequestFault.h"
 
 namespace cimxml {
 namespace {
@@ -19,7 +19,7 @@ bool isBlank(std::string_view text) {
 }  // namespace
 
 void refuse(const std::string& problem) {
-  throw RequestFault(RequestFault::Kind::Malformed, "request-not-valid", problem);
+  throw RequestFault(RequestFault::Kind::Malformed, kNotValid, problem);
 }
 
 std::string describe(const pugi::xml_node& element) {

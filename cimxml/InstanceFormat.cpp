@@ -1,7 +1,8 @@
+#include "cimxml/InstanceFormat.h"
+
 #include <algorithm>
 
 #include "cimxml/Values.h"
-#include "cimxml/Writer.h"
 #include "core/CimPropertyList.h"
 
 namespace cimxml {

@@ -1,15 +1,14 @@
 #include "cimxml/ObjectName.h"
 
-#include <algorithm>
 #include <limits>
-#include <set>
 #include <string_view>
 #include <utility>
 
+#include "Utils/Ascii.h"
 #include "Utils/Conversions.h"
 #include "Utils/Exception.h"
 #include "cimxml/Characters.h"
-#include "core/ClassDeclaration.h"
+#include "core/ObjectPathReader.h"
 
 namespace cimxml {
 namespace {
@@ -19,117 +18,48 @@ constexpr char kQuote = '"';
 constexpr unsigned kDeepestReference = 16;
 constexpr std::size_t kLongestDescription = 1024;
 
-bool isNameStart(char sign) {
-  return sign == '_' || (sign >= 'A' && sign <= 'Z') || (sign >= 'a' && sign <= 'z');
-}
-
-bool isName(std::string_view text) {
-  return !text.empty() && isNameStart(text.front()) &&
-         std::all_of(text.begin(), text.end(),
-                     [](char sign) { return isNameStart(sign) || (sign >= '0' && sign <= '9'); });
-}
-
 bool isQuoted(std::string_view text) {
   return text.size() >= 2 && text.front() == kQuote && text.back() == kQuote;
 }
 
-// Reads a path. What is wrong with it is told without an exception, since every string in quotes
-// is tried.
-class PathReader {
- public:
-  explicit PathReader(unsigned depth) : m_depth(depth) {}
+std::optional<ObjectName> toReference(std::string_view text, unsigned depth);
 
-  // Returns nothing for a text that is no path; then getProblem() tells why.
-  std::optional<ObjectName> read(std::string_view path) {
-    const std::vector<std::string_view> parts = utils::splitViews(path, ':', kQuote);
-    if (parts.empty() || parts.size() > 2) {
-      return refuse("model path not found", path);
-    }
-    ObjectName name;
-    if (parts.size() == 2) {
-      name.nameSpace = parts.front();
-    }
-    const std::vector<std::string_view> halves = utils::splitViews(parts.back(), '.', kQuote);
-    if (halves.empty() || halves.size() > 2) {
-      return refuse("too many classname separators", path);
-    }
-    if (!isName(halves.front())) {
-      return refuse("invalid class name", path);
-    }
-    name.className = halves.front();
-    name.isInstance = halves.size() == 2;
-    if (name.isInstance && !readKeys(halves.back(), name.keys)) {
-      return std::nullopt;
-    }
-    return name;
+// `depth` is in how many references the key stands.
+KeyBinding toKey(const core::ObjectPathKey& part, unsigned depth) {
+  KeyBinding key{std::string(part.name), KeyBinding::Kind::String, utils::unquote(part.value), {}};
+  if (!isQuoted(part.value)) {
+    const bool isTruth = utils::isSameIgnoringCase(part.value, "TRUE") ||
+                         utils::isSameIgnoringCase(part.value, "FALSE");
+    key.kind = isTruth ? KeyBinding::Kind::Boolean : KeyBinding::Kind::Numeric;
+  } else if (std::optional<ObjectName> target = toReference(key.text, depth + 1)) {
+    key.kind = KeyBinding::Kind::Reference;
+    key.text.clear();
+    key.reference.push_back(std::move(*target));
   }
+  return key;
+}
 
-  [[nodiscard]] std::string getProblem() const {
-    return std::string(m_problem) + ": '" + std::string(m_offender) + "'";
+ObjectName toName(const core::ObjectPathParts& parts, unsigned depth) {
+  ObjectName name;
+  name.nameSpace = parts.nameSpace.value_or("");
+  name.className = parts.className;
+  name.isInstance = parts.isInstance;
+  name.keys.reserve(parts.keys.size());
+  for (const core::ObjectPathKey& key : parts.keys) {
+    name.keys.push_back(toKey(key, depth));
   }
+  return name;
+}
 
- private:
-  std::nullopt_t refuse(const char* problem, std::string_view offender) {
-    m_problem = problem;
-    m_offender = offender;
+// Every string in quotes may be one.
+std::optional<ObjectName> toReference(std::string_view text, unsigned depth) {
+  core::ObjectPathParts parts;
+  if (depth > kDeepestReference ||
+      core::readObjectPath(text, core::ObjectPathKind::Instance, parts)) {
     return std::nullopt;
   }
-
-  bool readKeys(std::string_view text, std::vector<KeyBinding>& keys) {
-    const std::vector<std::string_view> pairs = utils::splitViews(text, ',', kQuote);
-    if (pairs.empty()) {
-      refuse("no properties", text);
-      return false;
-    }
-    std::set<std::string_view> names;
-    for (const std::string_view pair : pairs) {
-      std::optional<KeyBinding> key = readKey(pair);
-      if (!key) {
-        return false;
-      }
-      if (!names.insert(pair.substr(0, key->name.size())).second) {
-        refuse("property already exists", pair);
-        return false;
-      }
-      keys.push_back(std::move(*key));
-    }
-    return true;
-  }
-
-  std::optional<KeyBinding> readKey(std::string_view pair) {
-    const std::vector<std::string_view> sides = utils::splitViews(pair, '=', kQuote);
-    if (sides.size() != 2) {
-      return refuse("only one '=' allowed", pair);
-    }
-    if (!isName(sides[0])) {
-      return refuse("invalid property name", pair);
-    }
-    if (sides[1].empty()) {
-      return refuse("property value empty", pair);
-    }
-    return toKey(sides[0], sides[1]);
-  }
-
-  [[nodiscard]] KeyBinding toKey(std::string_view name, std::string_view value) const {
-    KeyBinding key{std::string(name), KeyBinding::Kind::String, utils::unquote(value), {}};
-    if (!isQuoted(value)) {
-      const bool isTruth = core::isSameName(value, "TRUE") || core::isSameName(value, "FALSE");
-      key.kind = isTruth ? KeyBinding::Kind::Boolean : KeyBinding::Kind::Numeric;
-    } else if (m_depth < kDeepestReference) {
-      std::optional<ObjectName> target = PathReader(m_depth + 1).read(key.text);
-      if (target && target->isInstance) {
-        key.kind = KeyBinding::Kind::Reference;
-        key.text.clear();
-        key.reference.push_back(std::move(*target));
-      }
-    }
-    return key;
-  }
-
-  unsigned m_depth;
-  const char* m_problem = "";
-  std::string_view m_offender;
-};
+  return toName(parts, depth);
+}
 
 // Returns whether the text can stand in a path without quotes.
 bool isPlain(std::string_view text) {
@@ -187,9 +117,11 @@ class PathWriter {
         write(key.reference.front(), depth + 1);
       }
       append("\"", depth);
-    } else if (key.kind == KeyBinding::Kind::Boolean && core::isSameName(key.text, "TRUE")) {
+    } else if (key.kind == KeyBinding::Kind::Boolean &&
+               utils::isSameIgnoringCase(key.text, "TRUE")) {
       append("1", depth);
-    } else if (key.kind == KeyBinding::Kind::Boolean && core::isSameName(key.text, "FALSE")) {
+    } else if (key.kind == KeyBinding::Kind::Boolean &&
+               utils::isSameIgnoringCase(key.text, "FALSE")) {
       append("0", depth);
     } else if (key.kind != KeyBinding::Kind::String && isPlain(key.text)) {
       append(key.text, depth);
@@ -219,16 +151,20 @@ std::string describeObject(const ObjectName& name) {
 }
 
 ObjectName parseObjectPath(const std::string& path) {
-  PathReader reader(0);
-  std::optional<ObjectName> name = reader.read(path);
-  if (!name) {
-    throw utils::ESyntaxError(reader.getProblem());
+  core::ObjectPathParts parts;
+  if (const auto problem =
+          core::readObjectPath(path, core::ObjectPathKind::InstanceOrClass, parts)) {
+    throw utils::ESyntaxError(problem->describe());
   }
-  return std::move(*name);
+  return toName(parts, 0);
 }
 
 std::optional<ObjectName> readObjectPath(std::string_view text) {
-  return PathReader(0).read(text);
+  core::ObjectPathParts parts;
+  if (core::readObjectPath(text, core::ObjectPathKind::InstanceOrClass, parts)) {
+    return std::nullopt;
+  }
+  return toName(parts, 0);
 }
 
 }  // namespace cimxml

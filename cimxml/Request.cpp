@@ -12,9 +12,6 @@
 namespace cimxml {
 namespace {
 
-constexpr const char* kNotWellFormed = "request-not-well-formed";
-constexpr const char* kNotValid = "request-not-valid";
-
 // ---- values ----
 
 void readNull(const pugi::xml_node& element) {

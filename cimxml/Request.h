@@ -3,15 +3,14 @@
 #ifndef ORVEX_CIMXML_REQUEST_H_
 #define ORVEX_CIMXML_REQUEST_H_
 
-#include <exception>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <variant>
 #include <vector>
 
 #include "cimxml/ObjectName.h"
+#include "cimxml/RequestFault.h"
 
 namespace cimxml {
 
@@ -57,29 +56,6 @@ struct Request {
 
   // Returns null where there is none of that name; names are compared without regard to case.
   [[nodiscard]] const Parameter* find(std::string_view parameterName) const;
-};
-
-// A message that is no request that this server serves: answered by a status of what carries the
-// messages and the header field CIMError (DSP0200, 7.3 and 8.1), not by a CIM message.
-class RequestFault final : public std::exception {
- public:
-  enum class Kind {
-    Malformed,    // by its sender's fault
-    Unsupported,  // a request that other servers may serve
-  };
-
-  RequestFault(Kind kind, std::string cimError, std::string text)
-      : m_kind(kind), m_cimError(std::move(cimError)), m_text(std::move(text)) {}
-
-  [[nodiscard]] Kind kind() const { return m_kind; }
-  // "request-not-well-formed", for example.
-  [[nodiscard]] const std::string& cimError() const { return m_cimError; }
-  [[nodiscard]] const char* what() const noexcept override { return m_text.c_str(); }
-
- private:
-  Kind m_kind;
-  std::string m_cimError;
-  std::string m_text;
 };
 
 // Reads the body of a request. The buffer is used as scratch space: its content is gone afterwards.

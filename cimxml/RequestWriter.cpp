@@ -1,62 +1,28 @@
 #include "cimxml/RequestWriter.h"
 
-#include <cstddef>
-
+#include "cimxml/MessageFrame.h"
+#include "cimxml/NameWriter.h"
 #include "cimxml/Values.h"
 #include "core/ClassDeclaration.h"
 
 namespace cimxml {
 namespace {
 
-constexpr std::string_view kValueTypes[] = {"string", "numeric", "boolean", "string"};
-
-void beginMessage(Buffer& out, std::string_view messageId) {
-  out +=
-      "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
-      "<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><MESSAGE";
-  appendAttribute(out, "ID", messageId);
-  out += " PROTOCOLVERSION=\"1.0\"><SIMPLEREQ>";
+void beginRequest(Buffer& out, std::string_view messageId) {
+  beginMessage(out, messageId);
+  out += "<SIMPLEREQ>";
 }
 
-void endMessage(Buffer& out) {
-  out += "</SIMPLEREQ></MESSAGE></CIM>\n";
-}
-
-void appendLocalPath(Buffer& out, const ObjectName& instance, std::string_view nameSpace);
-
-void appendKey(Buffer& out, const KeyBinding& key, std::string_view nameSpace) {
-  out += "<KEYBINDING";
-  appendAttribute(out, "NAME", key.name);
-  out += '>';
-  if (key.kind == KeyBinding::Kind::Reference) {
-    out += "<VALUE.REFERENCE>";
-    appendLocalPath(out, key.reference.at(0), nameSpace);
-    out += "</VALUE.REFERENCE>";
-  } else {
-    out += "<KEYVALUE";
-    appendAttribute(out, "VALUETYPE", kValueTypes[static_cast<std::size_t>(key.kind)]);
-    out += '>';
-    appendEscaped(out, key.text);
-    out += "</KEYVALUE>";
-  }
-  out += "</KEYBINDING>";
-}
-
-void appendName(Buffer& out, const ObjectName& instance, std::string_view nameSpace) {
-  out += "<INSTANCENAME";
-  appendAttribute(out, "CLASSNAME", instance.className);
-  out += '>';
-  for (const KeyBinding& key : instance.keys) {
-    appendKey(out, key, nameSpace);
-  }
-  out += "</INSTANCENAME>";
+void endRequest(Buffer& out) {
+  out += "</SIMPLEREQ>";
+  endMessage(out);
 }
 
 void appendLocalPath(Buffer& out, const ObjectName& instance, std::string_view nameSpace) {
   const std::string_view own = instance.nameSpace.empty() ? nameSpace : instance.nameSpace;
   out += "<LOCALINSTANCEPATH>";
   appendLocalNamespacePath(out, own);
-  appendName(out, instance, own);
+  appendInstanceName(out, instance, own);
   out += "</LOCALINSTANCEPATH>";
 }
 
@@ -70,7 +36,7 @@ void beginParameter(Buffer& out, std::string_view element, std::string_view name
 
 void beginOperationRequest(Buffer& out, std::string_view messageId, std::string_view nameSpace,
                            std::string_view operation) {
-  beginMessage(out, messageId);
+  beginRequest(out, messageId);
   out += "<IMETHODCALL";
   appendAttribute(out, "NAME", operation);
   out += '>';
@@ -79,7 +45,7 @@ void beginOperationRequest(Buffer& out, std::string_view messageId, std::string_
 
 void endOperationRequest(Buffer& out) {
   out += "</IMETHODCALL>";
-  endMessage(out);
+  endRequest(out);
 }
 
 void appendClassNameParameter(Buffer& out, std::string_view name, std::string_view className) {
@@ -93,7 +59,7 @@ void appendInstanceNameParameter(Buffer& out, std::string_view name, const Objec
                                  std::string_view nameSpace) {
   beginParameter(out, "IPARAMVALUE", name);
   out += '>';
-  appendName(out, instance, nameSpace);
+  appendInstanceName(out, instance, nameSpace);
   out += "</IPARAMVALUE>";
 }
 
@@ -106,7 +72,7 @@ void appendBooleanParameter(Buffer& out, std::string_view name, bool value) {
 
 void beginMethodRequest(Buffer& out, std::string_view messageId, std::string_view nameSpace,
                         std::string_view method, const ObjectName& target) {
-  beginMessage(out, messageId);
+  beginRequest(out, messageId);
   out += "<METHODCALL";
   appendAttribute(out, "NAME", method);
   out += '>';
@@ -115,7 +81,7 @@ void beginMethodRequest(Buffer& out, std::string_view messageId, std::string_vie
 
 void endMethodRequest(Buffer& out) {
   out += "</METHODCALL>";
-  endMessage(out);
+  endRequest(out);
 }
 
 void appendArgument(Buffer& out, const core::CimProperty& value) {
@@ -129,14 +95,14 @@ void appendArgument(Buffer& out, const core::CimProperty& value) {
 void appendReferenceArgument(Buffer& out, std::string_view name, const ObjectName* target,
                              std::string_view nameSpace) {
   beginParameter(out, "PARAMVALUE", name);
-  appendAttribute(out, "PARAMTYPE", "reference");
+  appendAttribute(out, "PARAMTYPE", core::getTypeName(core::kCimReference));
   if (target == nullptr) {
     out += "/>";
     return;
   }
-  out += "><VALUE.REFERENCE>";
-  appendLocalPath(out, *target, nameSpace);
-  out += "</VALUE.REFERENCE></PARAMVALUE>";
+  out += '>';
+  appendReference(out, *target, nameSpace);
+  out += "</PARAMVALUE>";
 }
 
 }  // namespace cimxml

@@ -1,13 +1,13 @@
 // Requests of a CIM client (DSP0201: SIMPLEREQ), appended to a buffer in one pass. Text is escaped;
-// see cimxml/Writer.h.
+// see cimxml/Buffer.h.
 
 #ifndef ORVEX_CIMXML_REQUESTWRITER_H_
 #define ORVEX_CIMXML_REQUESTWRITER_H_
 
 #include <string_view>
 
+#include "cimxml/Buffer.h"
 #include "cimxml/ObjectName.h"
-#include "cimxml/Writer.h"
 #include "core/CimProperty.h"
 
 namespace cimxml {

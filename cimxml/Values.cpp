@@ -1,8 +1,7 @@
 #include "cimxml/Values.h"
 
-#include <optional>
-
-#include "cimxml/ObjectName.h"
+#include "cimxml/NameWriter.h"
+#include "cimxml/ScalarText.h"
 #include "core/CimPropertyRef.h"
 #include "core/CimPropertyTypes.h"
 #include "core/ClassDeclaration.h"
@@ -13,39 +12,6 @@ namespace {
 template <class Property>
 const auto& valueOf(const core::CimProperty& property) {
   return static_cast<const Property&>(property).getValue();
-}
-
-template <class Property>
-auto numberOf(const core::CimProperty& property) {
-  return static_cast<const Property&>(property).getValue();
-}
-
-void beginLocalPath(Buffer& out, std::string_view nameSpace) {
-  out += "<VALUE.REFERENCE><LOCALINSTANCEPATH>";
-  appendLocalNamespacePath(out, nameSpace);
-}
-
-void endLocalPath(Buffer& out) {
-  out += "</LOCALINSTANCEPATH></VALUE.REFERENCE>";
-}
-
-bool appendReference(Buffer& out, const core::CimPropertyRef& reference,
-                     std::string_view nameSpace) {
-  if (core::CimInstance* target = reference.getTarget(); target != nullptr) {
-    beginLocalPath(out, nameSpace);
-    appendInstanceName(out, *target, nameSpace);
-    endLocalPath(out);
-    return true;
-  }
-  const std::optional<ObjectName> name = readObjectPath(reference.toString());
-  if (!name || !name->isInstance) {
-    return false;
-  }
-  const std::string_view where = name->nameSpace.empty() ? nameSpace : name->nameSpace;
-  beginLocalPath(out, where);
-  appendInstanceName(out, *name, where);
-  endLocalPath(out);
-  return true;
 }
 
 template <class Values, class AppendOne>
@@ -60,53 +26,6 @@ void appendArray(Buffer& out, const Values& values, AppendOne appendOne) {
 }
 
 }  // namespace
-
-void appendAttribute(Buffer& out, std::string_view name, std::string_view value) {
-  out += ' ';
-  out += name;
-  out += "=\"";
-  appendEscaped(out, value);
-  out += '"';
-}
-
-void appendEndTag(Buffer& out, std::string_view element) {
-  out += "</";
-  out += element;
-  out += '>';
-}
-
-void appendScalarText(Buffer& out, const core::CimProperty& property) {
-  switch (static_cast<core::CimType>(property.getType())) {
-    case core::kCimUint8:
-      appendNumber<unsigned>(out, numberOf<core::CimPropertyUint8>(property));
-      break;
-    case core::kCimSint8:
-      appendNumber<int>(out, numberOf<core::CimPropertySint8>(property));
-      break;
-    case core::kCimUint16:
-      appendNumber<unsigned>(out, numberOf<core::CimPropertyUint16>(property));
-      break;
-    case core::kCimUint32:
-      appendNumber(out, numberOf<core::CimPropertyUint32>(property));
-      break;
-    case core::kCimUint64:
-      appendNumber(out, numberOf<core::CimPropertyUint64>(property));
-      break;
-    case core::kCimString:
-      appendEscaped(out, valueOf<core::CimPropertyString>(property));
-      break;
-    case core::kCimBoolean:
-      out += numberOf<core::CimPropertyBoolean>(property) == 1 ? "TRUE" : "FALSE";
-      break;
-    case core::kCimDatetime:
-      out += valueOf<core::CimPropertyDatetime>(property).toCimText();
-      break;
-    case core::kCimUint16Array:
-    case core::kCimStringArray:
-    case core::kCimReference:
-      break;
-  }
-}
 
 bool appendValue(Buffer& out, const core::CimProperty& property, std::string_view nameSpace) {
   if (property.isNull()) {

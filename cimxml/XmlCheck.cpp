@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "Utils/Ascii.h"
 #include "cimxml/Characters.h"
-#include "core/ClassDeclaration.h"
 
 namespace cimxml {
 namespace {
@@ -183,7 +183,7 @@ class XmlScanner {
     }
     bool isApart = skipBlanks();
     if (isApart && take("encoding")) {
-      if (!core::isSameName(takePlainValue(), "UTF-8")) {
+      if (!utils::isSameIgnoringCase(takePlainValue(), "UTF-8")) {
         refuse("the encoding is not UTF-8");
       }
       isApart = skipBlanks();
@@ -221,7 +221,7 @@ class XmlScanner {
   }
 
   void scanInstruction() {
-    if (core::isSameName(takeName(), "xml")) {
+    if (utils::isSameIgnoringCase(takeName(), "xml")) {
       refuse("an XML declaration that does not begin the document");
     }
     if (!isAt("?>") && !skipBlanks()) {

@@ -170,7 +170,7 @@ Arguments::Arguments(const std::string& method, const std::vector<std::string>& 
   }
   for (const core::ParameterDeclaration& parameter : m_signature->parameters) {
     if (parameter.direction == core::ParameterDirection::Out) {
-      add(m_out, makeArgument(parameter.name, parameter.type, ""));
+      m_out.add(makeArgument(parameter.name, parameter.type, ""));
     }
   }
 }
@@ -181,7 +181,7 @@ void Arguments::addInput(const std::string& method, const std::string& text) {
     throw Fault("'" + text + "' is no argument; write NAME=VALUE", ExitStatus::Usage);
   }
   const std::string name = text.substr(0, sign);
-  if (m_in.get(name) != nullptr) {
+  if (m_in.list().get(name) != nullptr) {
     refuse(name, "is given twice");
   }
   core::CimType type = core::kCimString;
@@ -194,12 +194,7 @@ void Arguments::addInput(const std::string& method, const std::string& text) {
     }
     type = parameter->type;
   }
-  add(m_in, makeArgument(name, type, text.substr(sign + 1)));
-}
-
-void Arguments::add(core::CimPropertyList& list, std::unique_ptr<core::CimProperty> argument) {
-  list.add(argument.get());
-  m_arguments.push_back(std::move(argument));
+  m_in.add(makeArgument(name, type, text.substr(sign + 1)));
 }
 
 }  // namespace cli

@@ -20,7 +20,7 @@
 #include <vector>
 
 #include "cim/MethodSignatures.h"
-#include "core/CimPropertyList.h"
+#include "core/OwningPropertyList.h"
 
 namespace cli {
 
@@ -35,22 +35,17 @@ class Arguments {
   // Throws Fault (usage) for a text without '=', a name that the method does not take or that comes
   // twice, and as makeArgument.
   Arguments(const std::string& method, const std::vector<std::string>& texts);
-  Arguments(const Arguments&) = delete;
-  Arguments& operator=(const Arguments&) = delete;
-  ~Arguments() = default;
 
-  [[nodiscard]] core::CimPropertyList& in() { return m_in; }
+  [[nodiscard]] core::CimPropertyList& in() { return m_in.list(); }
   // The output arguments of the signature, NULL until the method sets them.
-  [[nodiscard]] core::CimPropertyList& out() { return m_out; }
+  [[nodiscard]] core::CimPropertyList& out() { return m_out.list(); }
 
  private:
   void addInput(const std::string& method, const std::string& text);
-  void add(core::CimPropertyList& list, std::unique_ptr<core::CimProperty> argument);
 
   const core::MethodDeclaration* const m_signature;
-  std::vector<std::unique_ptr<core::CimProperty>> m_arguments;
-  core::CimPropertyList m_in;
-  core::CimPropertyList m_out;
+  core::OwningPropertyList m_in;
+  core::OwningPropertyList m_out;
 };
 
 }  // namespace cli

@@ -96,7 +96,7 @@ std::optional<Instances> HostConnection::findInstances(const std::string& classN
   cimxml::appendBooleanParameter(message.body, "IncludeQualifiers", false);
   cimxml::appendBooleanParameter(message.body, "IncludeClassOrigin", false);
   const cimxml::Response response = exchange(std::move(message));
-  if (isError(response, CimStatus::InvalidClass)) {
+  if (isError(response, cimxml::StatusCode::InvalidClass)) {
     return std::nullopt;
   }
   demandSuccess(response);
@@ -125,7 +125,8 @@ std::optional<InstanceSnapshot> HostConnection::getInstance(const std::string& p
   cimxml::appendBooleanParameter(message.body, "IncludeQualifiers", false);
   cimxml::appendBooleanParameter(message.body, "IncludeClassOrigin", false);
   const cimxml::Response response = exchange(std::move(message));
-  if (isError(response, CimStatus::NotFound) || isError(response, CimStatus::InvalidClass)) {
+  if (isError(response, cimxml::StatusCode::NotFound) ||
+      isError(response, cimxml::StatusCode::InvalidClass)) {
     return std::nullopt;
   }
   demandSuccess(response);
@@ -167,7 +168,8 @@ MethodAnswer HostConnection::invoke(const std::string& path, const std::string& 
     onStart();
   }
   const cimxml::Response response = exchange(std::move(message));
-  if (isError(response, CimStatus::NotFound) || isError(response, CimStatus::InvalidClass)) {
+  if (isError(response, cimxml::StatusCode::NotFound) ||
+      isError(response, cimxml::StatusCode::InvalidClass)) {
     refuseMissing(*this, path);
   }
   demandSuccess(response);
@@ -306,7 +308,8 @@ const cimxml::ClassValue& HostConnection::getClass(const std::string& className)
   cimxml::appendBooleanParameter(message.body, "LocalOnly", false);
   cimxml::appendBooleanParameter(message.body, "IncludeQualifiers", false);
   cimxml::Response response = exchange(std::move(message));
-  if (!isError(response, CimStatus::InvalidClass) && !isError(response, CimStatus::NotFound)) {
+  if (!isError(response, cimxml::StatusCode::InvalidClass) &&
+      !isError(response, cimxml::StatusCode::NotFound)) {
     demandSuccess(response);
   }
   cimxml::ClassValue& declaration = m_classes[className];

@@ -9,8 +9,8 @@
 #include <string>
 #include <string_view>
 
+#include "cimxml/Buffer.h"
 #include "cimxml/Response.h"
-#include "cimxml/Writer.h"
 #include "cli/Connection.h"
 #include "cli/HostAddress.h"
 #include "http/Client.h"

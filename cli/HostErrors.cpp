@@ -1,7 +1,6 @@
 #include "cli/HostErrors.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "Utils/Ascii.h"
 #include "cli/Context.h"
@@ -11,42 +10,10 @@
 namespace cli {
 namespace {
 
-constexpr std::pair<unsigned, const char*> kStatusNames[] = {
-    {1, "CIM_ERR_FAILED"},
-    {2, "CIM_ERR_ACCESS_DENIED"},
-    {3, "CIM_ERR_INVALID_NAMESPACE"},
-    {4, "CIM_ERR_INVALID_PARAMETER"},
-    {5, "CIM_ERR_INVALID_CLASS"},
-    {6, "CIM_ERR_NOT_FOUND"},
-    {7, "CIM_ERR_NOT_SUPPORTED"},
-    {8, "CIM_ERR_CLASS_HAS_CHILDREN"},
-    {9, "CIM_ERR_CLASS_HAS_INSTANCES"},
-    {10, "CIM_ERR_INVALID_SUPERCLASS"},
-    {11, "CIM_ERR_ALREADY_EXISTS"},
-    {12, "CIM_ERR_NO_SUCH_PROPERTY"},
-    {13, "CIM_ERR_TYPE_MISMATCH"},
-    {14, "CIM_ERR_QUERY_LANGUAGE_NOT_SUPPORTED"},
-    {15, "CIM_ERR_INVALID_QUERY"},
-    {16, "CIM_ERR_METHOD_NOT_AVAILABLE"},
-    {17, "CIM_ERR_METHOD_NOT_FOUND"},
-    {20, "CIM_ERR_NAMESPACE_NOT_EMPTY"},
-    {21, "CIM_ERR_INVALID_ENUMERATION_CONTEXT"},
-    {22, "CIM_ERR_INVALID_OPERATION_TIMEOUT"},
-    {23, "CIM_ERR_PULL_HAS_BEEN_ABANDONED"},
-    {24, "CIM_ERR_PULL_CANNOT_BE_ABANDONED"},
-    {25, "CIM_ERR_FILTERED_ENUMERATION_NOT_SUPPORTED"},
-    {26, "CIM_ERR_CONTINUATION_ON_ERROR_NOT_SUPPORTED"},
-    {27, "CIM_ERR_SERVER_LIMITS_EXCEEDED"},
-    {28, "CIM_ERR_SERVER_IS_SHUTTING_DOWN"},
-};
 
 std::string nameOf(unsigned code) {
-  for (const auto& [number, name] : kStatusNames) {
-    if (number == code) {
-      return name;
-    }
-  }
-  return "CIM status " + std::to_string(code);
+  const std::string_view name = cimxml::getStatusName(static_cast<cimxml::StatusCode>(code));
+  return name.empty() ? "CIM status " + std::to_string(code) : std::string(name);
 }
 
 std::string fieldOf(const http::ClientResponse& answer, const std::string& name) {
@@ -90,7 +57,7 @@ bool isXml(std::string contentType) {
 
 }  // namespace
 
-bool isError(const cimxml::Response& response, CimStatus status) {
+bool isError(const cimxml::Response& response, cimxml::StatusCode status) {
   return response.error && response.error->code == static_cast<unsigned>(status);
 }
 
@@ -99,7 +66,7 @@ void refuseError(const cimxml::ErrorValue& error, const std::string& nameSpace) 
   if (!error.description.empty()) {
     text += ": " + toPrintable(error.description);
   }
-  if (error.code == static_cast<unsigned>(CimStatus::InvalidNamespace)) {
+  if (error.code == static_cast<unsigned>(cimxml::StatusCode::InvalidNamespace)) {
     text += "; --namespace names another than " + nameSpace;
   }
   throw Fault(text);

@@ -8,19 +8,13 @@
 #include <string_view>
 
 #include "cimxml/Response.h"
+#include "cimxml/StatusCode.h"
 #include "cli/HostAddress.h"
 #include "http/Client.h"
 
 namespace cli {
 
-// The CIM status codes (DSP0200, 5.2.6) that mean something to a connection.
-enum class CimStatus : unsigned {
-  InvalidNamespace = 3,
-  InvalidClass = 5,
-  NotFound = 6,
-};
-
-[[nodiscard]] bool isError(const cimxml::Response& response, CimStatus status);
+[[nodiscard]] bool isError(const cimxml::Response& response, cimxml::StatusCode status);
 
 // Throws Fault for the error of a CIM operation: "CIM_ERR_NOT_FOUND: ...".
 [[noreturn]] void refuseError(const cimxml::ErrorValue& error, const std::string& nameSpace);

@@ -1,13 +1,12 @@
 #include "cli/InstallationService.h"
 
-#include <memory>
 #include <utility>
 
 #include "cli/Context.h"
 #include "cli/ServedClasses.h"
-#include "core/CimPropertyList.h"
 #include "core/CimPropertyRef.h"
 #include "core/CimPropertyTypes.h"
+#include "core/OwningPropertyList.h"
 
 namespace cli {
 namespace {
@@ -32,34 +31,14 @@ constexpr std::pair<std::uint16_t, const char*> kCharacteristics[] = {
     {9, "it may be added to a collection"},
 };
 
-// The arguments of one call, in one direction.
-class ArgumentList {
- public:
-  // Adds an argument, which is NULL until it is given a value.
-  template <class Property>
-  Property& add(const char* name) {
-    auto argument = std::make_unique<Property>(name, nullptr);
-    Property& added = *argument;
-    m_list.add(&added);
-    m_arguments.push_back(std::move(argument));
-    return added;
-  }
-  void addReference(const char* name, const std::string& path) {
-    add<core::CimPropertyRef>(name).setText(path);
-  }
-  void addOptions(const UpdateOptions& options);
-  // Adds what is installed and where; of target and collection the service takes exactly one.
-  void addSource(const std::string& identityPath, const std::string& targetPath);
+using core::OwningPropertyList;
 
-  [[nodiscard]] core::CimPropertyList& list() { return m_list; }
-
- private:
-  std::vector<std::unique_ptr<core::CimProperty>> m_arguments;
-  core::CimPropertyList m_list;
-};
+void addReference(OwningPropertyList& arguments, const char* name, const std::string& path) {
+  arguments.add<core::CimPropertyRef>(name).setText(path);
+}
 
 // The text of an option stands at the position of the option's number.
-void ArgumentList::addOptions(const UpdateOptions& options) {
+void addOptions(OwningPropertyList& arguments, const UpdateOptions& options) {
   std::vector<std::uint16_t> numbers{kOptionUpdate};
   std::vector<std::string> texts{""};
   if (options.isForced) {
@@ -70,18 +49,20 @@ void ArgumentList::addOptions(const UpdateOptions& options) {
     numbers.push_back(kOptionTypes);
     texts.push_back(options.types);
   }
-  add<core::CimPropertyUint16_arr>("InstallOptions").setValue(std::move(numbers));
-  add<core::CimPropertyString_arr>("InstallOptionsValues").setValue(std::move(texts));
+  arguments.add<core::CimPropertyUint16_arr>("InstallOptions").setValue(std::move(numbers));
+  arguments.add<core::CimPropertyString_arr>("InstallOptionsValues").setValue(std::move(texts));
 }
 
-void ArgumentList::addSource(const std::string& identityPath, const std::string& targetPath) {
-  addReference("Source", identityPath);
-  addReference("Target", targetPath);
-  add<core::CimPropertyRef>("Collection");
+// Adds what is installed and where; of target and collection the service takes exactly one.
+void addSource(OwningPropertyList& arguments, const std::string& identityPath,
+               const std::string& targetPath) {
+  addReference(arguments, "Source", identityPath);
+  addReference(arguments, "Target", targetPath);
+  arguments.add<core::CimPropertyRef>("Collection");
 }
 
-MethodAnswer callService(Connection& connection, const char* method, ArgumentList& in,
-                         ArgumentList& out, const OnStart& onStart) {
+MethodAnswer callService(Connection& connection, const char* method, OwningPropertyList& in,
+                         OwningPropertyList& out, const OnStart& onStart) {
   const Instances services = getInstances(connection, kServiceClass);
   if (services.empty()) {
     throw Fault(std::string("no ") + kServiceClass +
@@ -95,29 +76,29 @@ MethodAnswer callService(Connection& connection, const char* method, ArgumentLis
 MethodAnswer installFromUri(Connection& connection, const std::string& uri,
                             const std::string& targetPath, const UpdateOptions& options,
                             const OnStart& onStart) {
-  ArgumentList in;
+  OwningPropertyList in;
   in.add<core::CimPropertyString>("URI").setValue(uri);
-  in.addReference("Target", targetPath);
-  in.addOptions(options);
-  ArgumentList out;
+  addReference(in, "Target", targetPath);
+  addOptions(in, options);
+  OwningPropertyList out;
   return callService(connection, "InstallFromURI", in, out, onStart);
 }
 
 MethodAnswer installFromIdentity(Connection& connection, const std::string& identityPath,
                                  const std::string& targetPath, const UpdateOptions& options,
                                  const OnStart& onStart) {
-  ArgumentList in;
-  in.addSource(identityPath, targetPath);
-  in.addOptions(options);
-  ArgumentList out;
+  OwningPropertyList in;
+  addSource(in, identityPath, targetPath);
+  addOptions(in, options);
+  OwningPropertyList out;
   return callService(connection, "InstallFromSoftwareIdentity", in, out, onStart);
 }
 
 CheckAnswer checkIdentity(Connection& connection, const std::string& identityPath,
                           const std::string& targetPath) {
-  ArgumentList in;
-  in.addSource(identityPath, targetPath);
-  ArgumentList out;
+  OwningPropertyList in;
+  addSource(in, identityPath, targetPath);
+  OwningPropertyList out;
   out.add<core::CimPropertyUint16_arr>(kCharacteristicsOutput);
   MethodAnswer answer = callService(connection, "CheckSoftwareIdentity", in, out, {});
   const InstanceSnapshot outputs{"", "", answer.outputs};

@@ -66,7 +66,7 @@ class ORVEX_CORE_API CimBroker {
   std::vector<CimAgent*> m_agents ORVEX_GUARDED_BY(m_agentsLock);
   // Made when it is first asked for; null: not yet.
   std::shared_ptr<const CimSchema> m_schema ORVEX_GUARDED_BY(m_agentsLock);
-  utils::Mutex m_requestLock;
+  utils::Mutex m_requestLock;  // held by a Request; guards the instances of all agents, no member
 };
 
 // Returns the broker of the process.

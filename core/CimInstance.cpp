@@ -63,6 +63,10 @@ std::uint32_t CimInstance::invokeMethod(const std::string& name, CimPropertyList
 
 CimInstance::~CimInstance() = default;
 
+void CimProperty::enterOwner() {
+  m_owner->getProperties().add(this);
+}
+
 std::string CimInstance::getPath() {
   std::string result = getClassName() + ".";
   CimPropertyList::Iterator cursor = m_properties.iterator();

@@ -1,15 +1,14 @@
-// A parsed object path: a class name and key values, as CimInstance::getPath prints them.
-//
-//   [NAMESPACE:]CLASS.KEY=VALUE[,KEY=VALUE ...]
+// A parsed object path: a class name and key values, as CimInstance::getPath prints them and
+// core/ObjectPathReader.h reads them.
 //
 // A value may be quoted, with a backslash before each double quote inside; the map holds it
-// unquoted. Names are case-sensitive. A namespace is accepted and dropped.
+// unquoted. Names are case-sensitive. A namespace is accepted and dropped; a class name without
+// keys is refused.
 
 #ifndef ORVEX_CORE_CIMPATH_H_
 #define ORVEX_CORE_CIMPATH_H_
 
 #include <string>
-#include <string_view>
 
 #include "Utils/Containers.h"
 #include "Utils/Export.h"
@@ -29,9 +28,6 @@ class ORVEX_CORE_API CimPath : public utils::Map<std::string, std::string> {
   [[nodiscard]] const std::string& getModelPath() const { return m_modelPath; }
 
  private:
-  void parseClassName(std::string_view name, const std::string& path);
-  void parseKey(std::string_view pair);
-
   std::string m_className;
   std::string m_modelPath;
 };

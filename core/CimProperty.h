@@ -116,6 +116,9 @@ class ORVEX_CORE_API CimProperty {
   template <class Property>
   friend void modifyProperty(Property* property, CimProperty* newValue);
 
+  // Adds this to the properties of the owner. Defined beside CimInstance, which builds on this.
+  void enterOwner();
+
   template <class Notify>
   void forEachListener(Notify notify);
 

@@ -29,49 +29,52 @@ CimPropertyList::Iterator CimPropertyList::iterator() {
 }
 
 void CimPropertyList::copyTo(std::vector<CimProperty*>& properties) const {
-  withElements([&](const std::vector<CimProperty*>&) {
-    properties.clear();
-    properties.reserve(m_latest.size());
-    std::copy_if(m_latest.begin(), m_latest.end(), std::back_inserter(properties),
-                 [](const CimProperty* property) { return !property->isOverridden(); });
-  });
+  const utils::ScopedLock lock(m_lock);
+  properties.clear();
+  properties.reserve(m_latest.size());
+  std::copy_if(m_latest.begin(), m_latest.end(), std::back_inserter(properties),
+               [](const CimProperty* property) { return !property->isOverridden(); });
 }
 
 void CimPropertyList::add(CimProperty* newProperty) {
   ORVEX_ASSERT(kLog, newProperty != NULL);
-  withElements([&](const std::vector<CimProperty*>&) {
-    // All that may fail comes before the first change.
-    if (m_latest.size() == m_latest.capacity()) {
-      m_latest.reserve(std::max(kFirstListCapacity, 2 * m_latest.size()));
-    }
-    const auto overriden = std::find_if(
-        m_latest.begin(), m_latest.end(),
-        [&](const CimProperty* property) { return property->isNamedAs(*newProperty); });
-    append(newProperty);
-    if (overriden == m_latest.end()) {
-      m_latest.push_back(newProperty);
-      return;
-    }
-    (*overriden)->setOverridden();
-    *overriden = newProperty;
-    std::rotate(overriden, overriden + 1, m_latest.end());
-  });
+  const utils::ScopedLock lock(m_lock);
+  // All that may fail comes before the first change.
+  if (m_latest.size() == m_latest.capacity()) {
+    m_latest.reserve(std::max(kFirstListCapacity, 2 * m_latest.size()));
+  }
+  const auto overriden =
+      std::find_if(m_latest.begin(), m_latest.end(),
+                   [&](const CimProperty* property) { return property->isNamedAs(*newProperty); });
+  append(newProperty);
+  if (overriden == m_latest.end()) {
+    m_latest.push_back(newProperty);
+    return;
+  }
+  (*overriden)->setOverridden();
+  *overriden = newProperty;
+  std::rotate(overriden, overriden + 1, m_latest.end());
 }
 
 CimProperty* CimPropertyList::get(const std::string& name) {
-  return withElements([&](const std::vector<CimProperty*>&) {
-    const auto found = findNamed(m_latest, name);
-    return found != m_latest.end() ? *found : nullptr;
-  });
+  const utils::ScopedLock lock(m_lock);
+  const auto found = findNamed(m_latest, name);
+  return found != m_latest.end() ? *found : nullptr;
 }
 
 void CimPropertyList::clear() {
-  withElements([this](const std::vector<CimProperty*>&) { m_latest.clear(); });
+  {
+    const utils::ScopedLock lock(m_lock);
+    m_latest.clear();
+  }
   SafeList::clear();
 }
 
 bool CimPropertyList::remove(CimProperty* property) {
-  withElements([&](const std::vector<CimProperty*>&) { std::erase(m_latest, property); });
+  {
+    const utils::ScopedLock lock(m_lock);
+    std::erase(m_latest, property);
+  }
   return SafeList::remove(property);
 }
 

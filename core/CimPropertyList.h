@@ -33,8 +33,8 @@ class ORVEX_CORE_API CimPropertyList : public utils::SafeList<CimProperty*> {
   // Returns a cursor over the properties in force.
   Iterator iterator() override;
 
-  // Makes `properties` those in force, in their order, under one lock. Keeps its capacity: what a
-  // writer of many instances calls.
+  // Makes `properties` those in force, in their order, under one lock. Keeps its capacity: a writer
+  // of many instances calls this and allocates next to nothing.
   void copyTo(std::vector<CimProperty*>& properties) const;
 
   // Throws utils::Exception for null.
@@ -47,9 +47,9 @@ class ORVEX_CORE_API CimPropertyList : public utils::SafeList<CimProperty*> {
   bool remove(CimProperty* property) override;
 
  private:
-  // The last property of each name, in their order; under the list's lock. More than half of the
-  // properties of an instance are overridden: a writer need not look at them.
-  std::vector<CimProperty*> m_latest;
+  // The last property of each name, in their order. More than half of the properties of an instance
+  // are overridden: a writer need not look at them.
+  std::vector<CimProperty*> m_latest ORVEX_GUARDED_BY(m_lock);
 };
 
 }  // namespace core

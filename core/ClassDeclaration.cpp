@@ -5,10 +5,6 @@
 namespace core {
 namespace {
 
-constexpr char toLower(char sign) {
-  return sign >= 'A' && sign <= 'Z' ? static_cast<char>(sign - 'A' + 'a') : sign;
-}
-
 template <class Declaration>
 const Declaration* findByName(const std::vector<Declaration>& declarations, std::string_view name) {
   const auto found = std::find_if(
@@ -25,17 +21,6 @@ const PropertyDeclaration* ClassDeclaration::findProperty(std::string_view prope
 
 const MethodDeclaration* ClassDeclaration::findMethod(std::string_view methodName) const {
   return findByName(methods, methodName);
-}
-
-bool NameLess::operator()(std::string_view left, std::string_view right) const {
-  return std::lexicographical_compare(
-      left.begin(), left.end(), right.begin(), right.end(),
-      [](char one, char other) { return toLower(one) < toLower(other); });
-}
-
-bool isSameName(std::string_view left, std::string_view right) {
-  return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                    [](char one, char other) { return toLower(one) == toLower(other); });
 }
 
 std::string_view getTypeName(CimType type) {

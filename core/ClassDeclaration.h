@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "Utils/Ascii.h"
 #include "Utils/Export.h"
 #include "core/CimProperty.h"
 
@@ -66,13 +67,12 @@ struct ORVEX_CORE_API ClassDeclaration {
   friend bool operator==(const ClassDeclaration&, const ClassDeclaration&) = default;
 };
 
-// Orders names without regard to the case of ASCII letters.
-struct ORVEX_CORE_API NameLess {
-  using is_transparent = void;
-  [[nodiscard]] bool operator()(std::string_view left, std::string_view right) const;
-};
+// How names are ordered and compared.
+using NameLess = utils::LessIgnoringCase;
 
-[[nodiscard]] ORVEX_CORE_API bool isSameName(std::string_view left, std::string_view right);
+[[nodiscard]] constexpr bool isSameName(std::string_view left, std::string_view right) noexcept {
+  return utils::isSameIgnoringCase(left, right);
+}
 
 [[nodiscard]] constexpr bool isArray(CimType type) {
   return (type & 1U) != 0;

@@ -2,15 +2,13 @@
 
 #include <algorithm>
 #include <charconv>
-#include <optional>
 #include <string_view>
-#include <vector>
 
 #include "Utils/Ascii.h"
 #include "Utils/Conversions.h"
 #include "Utils/Exception.h"
 #include "cimxml/ObjectName.h"
-#include "core/ClassDeclaration.h"
+#include "cimxml/ObjectNameComparison.h"
 #include "http/Status.h"
 
 namespace quorveld {
@@ -57,64 +55,6 @@ bool isXmlInUtf8(std::string_view contentType) {
   throw FieldsFault(http::kStatusBadRequest, "header-mismatch", text);
 }
 
-bool isSameObject(const cimxml::ObjectName& one, const cimxml::ObjectName& other);
-
-// A path in the header cannot tell a string that reads as a path from a reference.
-bool isSameReference(const cimxml::KeyBinding& reference, const cimxml::KeyBinding& other) {
-  if (reference.reference.size() != 1) {
-    return false;
-  }
-  if (other.kind == cimxml::KeyBinding::Kind::Reference) {
-    return other.reference.size() == 1 &&
-           isSameObject(reference.reference.front(), other.reference.front());
-  }
-  const std::optional<cimxml::ObjectName> target = cimxml::readObjectPath(other.text);
-  return target && isSameObject(reference.reference.front(), *target);
-}
-
-bool isSameKey(const cimxml::KeyBinding& one, const cimxml::KeyBinding& other) {
-  using Kind = cimxml::KeyBinding::Kind;
-  if (one.kind == Kind::Reference) {
-    return isSameReference(one, other);
-  }
-  if (other.kind == Kind::Reference) {
-    return isSameReference(other, one);
-  }
-  return one.kind == Kind::Boolean || other.kind == Kind::Boolean
-             ? utils::isSameIgnoringCase(one.text, other.text)
-             : one.text == other.text;
-}
-
-// Returns the keys in the order of their names.
-std::vector<const cimxml::KeyBinding*> sortKeys(const std::vector<cimxml::KeyBinding>& keys) {
-  std::vector<const cimxml::KeyBinding*> sorted;
-  sorted.reserve(keys.size());
-  for (const cimxml::KeyBinding& key : keys) {
-    sorted.push_back(&key);
-  }
-  std::sort(sorted.begin(), sorted.end(),
-            [](const cimxml::KeyBinding* left, const cimxml::KeyBinding* right) {
-              return core::NameLess()(left->name, right->name);
-            });
-  return sorted;
-}
-
-bool isSameObject(const cimxml::ObjectName& one, const cimxml::ObjectName& other) {
-  if (!utils::isSameIgnoringCase(one.className, other.className) ||
-      one.keys.size() != other.keys.size()) {
-    return false;
-  }
-  const auto sorted = sortKeys(one.keys);
-  const auto sortedOther = sortKeys(other.keys);
-  return std::equal(sorted.begin(), sorted.end(), sortedOther.begin(),
-                    [](const cimxml::KeyBinding* key, const cimxml::KeyBinding* candidate) {
-                      // The only key of a name may stand without its own.
-                      return (key->name.empty() || candidate->name.empty() ||
-                              utils::isSameIgnoringCase(key->name, candidate->name)) &&
-                             isSameKey(*key, *candidate);
-                    });
-}
-
 bool isTarget(const std::string& object, const cimxml::Request& message) {
   if (!message.isExtrinsic) {
     return utils::isSameIgnoringCase(object, message.nameSpace);
@@ -125,7 +65,7 @@ bool isTarget(const std::string& object, const cimxml::Request& message) {
     return false;
   }
   try {
-    return isSameObject(cimxml::parseObjectPath(object.substr(colon + 1)), message.target);
+    return cimxml::isSameObject(cimxml::parseObjectPath(object.substr(colon + 1)), message.target);
   } catch (const utils::ESyntaxError&) {
     return false;
   }

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "cimxml/AnswerWriter.h"
 #include "wbem/Associations.h"
 #include "wbem/InstanceFinder.h"
 #include "wbem/Status.h"

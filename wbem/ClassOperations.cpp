@@ -3,7 +3,9 @@
 #include <optional>
 #include <string>
 
-#include "cimxml/Writer.h"
+#include "cimxml/AnswerWriter.h"
+#include "cimxml/ClassWriter.h"
+#include "cimxml/NameWriter.h"
 #include "wbem/Status.h"
 
 namespace wbem {

@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "cimxml/ObjectNameComparison.h"
 #include "core/CimPropertyTypes.h"
 #include "wbem/Scalars.h"
 
@@ -74,17 +75,6 @@ const KeyBinding* findKey(const std::vector<KeyBinding>& keys, const std::string
     return core::isSameName(key.name, name) || (key.name.empty() && keys.size() == 1);
   });
   return found != keys.end() ? &*found : nullptr;
-}
-
-bool isSameKey(const KeyBinding& left, const KeyBinding& right) {
-  const bool isReference =
-      left.kind == KeyBinding::Kind::Reference || right.kind == KeyBinding::Kind::Reference;
-  if (!isReference) {
-    return left.text == right.text;
-  }
-  const std::optional<ObjectName> one = toReference(left);
-  const std::optional<ObjectName> other = toReference(right);
-  return one && other && isSameObject(*one, *other);
 }
 
 }  // namespace
@@ -164,16 +154,7 @@ bool leadsTo(const core::CimPropertyRef& reference, const ObjectName& name) {
     return isNamed(*target, name);
   }
   const std::optional<ObjectName> held = readInstanceName(reference.toString());
-  return held && isSameObject(*held, name);
-}
-
-bool isSameObject(const ObjectName& left, const ObjectName& right) {
-  return left.isInstance == right.isInstance && core::isSameName(left.className, right.className) &&
-         left.keys.size() == right.keys.size() &&
-         std::all_of(left.keys.begin(), left.keys.end(), [&right](const KeyBinding& key) {
-           const KeyBinding* other = findKey(right.keys, key.name);
-           return other != nullptr && isSameKey(key, *other);
-         });
+  return held && cimxml::isSameObject(*held, name);
 }
 
 ObjectName toDeclaredName(const core::CimSchema& schema, const ObjectName& name) {

@@ -49,9 +49,6 @@ class KeyMatcher {
 // Returns whether the reference leads to the object of that name.
 [[nodiscard]] bool leadsTo(const core::CimPropertyRef& reference, const cimxml::ObjectName& name);
 
-// Returns whether two names mean the same instance, their namespaces and hosts left aside.
-[[nodiscard]] bool isSameObject(const cimxml::ObjectName& left, const cimxml::ObjectName& right);
-
 // Returns the name as the agents write it: classes and keys spelled and ordered as they are
 // declared, without host and namespace. What the schema does not know stays as it is.
 [[nodiscard]] cimxml::ObjectName toDeclaredName(const core::CimSchema& schema,

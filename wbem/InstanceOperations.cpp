@@ -1,10 +1,11 @@
 #include "wbem/InstanceOperations.h"
 
-#include <memory>
 #include <set>
 #include <utility>
 #include <vector>
 
+#include "cimxml/AnswerWriter.h"
+#include "core/OwningPropertyList.h"
 #include "wbem/InstanceFinder.h"
 #include "wbem/PropertyValues.h"
 #include "wbem/Status.h"
@@ -33,24 +34,10 @@ const core::PropertyDeclaration& demandProperty(const core::ClassDeclaration& de
   return *property;
 }
 
-// New values of properties, in a list that has them as an instance has its own.
-class NewValues {
- public:
-  void add(std::unique_ptr<core::CimProperty> value) {
-    m_list.add(value.get());
-    m_values.push_back(std::move(value));
-  }
-  [[nodiscard]] core::CimPropertyList& list() { return m_list; }
-
- private:
-  std::vector<std::unique_ptr<core::CimProperty>> m_values;
-  core::CimPropertyList m_list;
-};
-
 // Fills the list with what a request gives: the properties of the instance that it sends, or those
 // of them that it lists. A listed one that it does not send becomes NULL.
 void readNewValues(const OperationCall& call, const core::ClassDeclaration& declaration,
-                   NewValues& values) {
+                   core::OwningPropertyList& values) {
   const cimxml::InstanceValue& instance = call.parameters.demandInstance("ModifiedInstance");
   const auto listed = call.parameters.getStrings("PropertyList");
   const auto names = call.parameters.getNames("PropertyList");
@@ -124,7 +111,7 @@ void modifyInstance(const OperationCall& call) {
   const cimxml::ObjectName& name = call.parameters.demandInstance("ModifiedInstance").name;
   static_cast<void>(call.parameters.getBoolean("IncludeQualifiers", true));
   const core::ClassDeclaration& declaration = call.nameSpace.demandClass(name.className);
-  NewValues values;
+  core::OwningPropertyList values;
   readNewValues(call, declaration, values);
   const InstanceFinder finder(call.namespaces, call.nameSpace, name);
   const core::CimBroker::Request request(call.broker);

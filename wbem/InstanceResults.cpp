@@ -3,6 +3,9 @@
 #include <string_view>
 #include <utility>
 
+#include "cimxml/ClassWriter.h"
+#include "cimxml/NameWriter.h"
+
 namespace wbem {
 namespace {
 

@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "cimxml/InstanceFormat.h"
+#include "cimxml/Properties.h"
 #include "wbem/OperationCall.h"
 
 namespace wbem {

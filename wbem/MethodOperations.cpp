@@ -5,7 +5,7 @@
 #include <utility>
 #include <variant>
 
-#include "cimxml/Writer.h"
+#include "cimxml/AnswerWriter.h"
 #include "wbem/InstanceFinder.h"
 #include "wbem/PropertyValues.h"
 #include "wbem/Status.h"
@@ -75,25 +75,17 @@ MethodArguments::MethodArguments(const core::MethodDeclaration& method,
       }
       continue;
     }
-    if (m_in.get(parameter->name) != nullptr) {
+    if (m_in.list().get(parameter->name) != nullptr) {
       refuse(method, parameter->name, "is given twice");
     }
     demandType(context, parameter->name, parameter->type, argument.type);
-    add(m_in, makeProperty(context, parameter->name, parameter->type, argument.value));
+    m_in.add(makeProperty(context, parameter->name, parameter->type, argument.value));
   }
   for (const core::ParameterDeclaration& parameter : method.parameters) {
     if (parameter.direction == core::ParameterDirection::Out) {
-      add(m_out, makeProperty(context, parameter.name, parameter.type, cimxml::Value()));
+      m_out.add(makeProperty(context, parameter.name, parameter.type, cimxml::Value()));
     }
   }
-}
-
-MethodArguments::~MethodArguments() = default;
-
-void MethodArguments::add(core::CimPropertyList& list,
-                          std::unique_ptr<core::CimProperty> argument) {
-  list.add(argument.get());
-  m_arguments.push_back(std::move(argument));
 }
 
 std::uint32_t invokeMethod(const cimxml::Request& request, core::CimBroker& broker,

@@ -4,13 +4,12 @@
 #define ORVEX_WBEM_METHODOPERATIONS_H_
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "cimxml/Request.h"
 #include "core/CimBroker.h"
-#include "core/CimPropertyList.h"
+#include "core/OwningPropertyList.h"
 #include "wbem/Namespaces.h"
 
 namespace wbem {
@@ -22,20 +21,14 @@ class MethodArguments {
   // StatusFault (CIM_ERR_INVALID_PARAMETER), which names the argument.
   MethodArguments(const core::MethodDeclaration& method,
                   const std::vector<cimxml::Parameter>& given, const Namespaces& namespaces);
-  MethodArguments(const MethodArguments&) = delete;
-  MethodArguments& operator=(const MethodArguments&) = delete;
-  ~MethodArguments();
 
-  [[nodiscard]] core::CimPropertyList& in() { return m_in; }
+  [[nodiscard]] core::CimPropertyList& in() { return m_in.list(); }
   // The output arguments of the declaration, NULL until the method sets them.
-  [[nodiscard]] core::CimPropertyList& out() { return m_out; }
+  [[nodiscard]] core::CimPropertyList& out() { return m_out.list(); }
 
  private:
-  void add(core::CimPropertyList& list, std::unique_ptr<core::CimProperty> argument);
-
-  std::vector<std::unique_ptr<core::CimProperty>> m_arguments;
-  core::CimPropertyList m_in;
-  core::CimPropertyList m_out;
+  core::OwningPropertyList m_in;
+  core::OwningPropertyList m_out;
 };
 
 // Invokes the method that the request names and appends its return value and its output arguments;

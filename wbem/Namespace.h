@@ -14,8 +14,8 @@
 #include <vector>
 
 #include "Utils/Mutex.h"
+#include "cimxml/InstanceFormat.h"
 #include "cimxml/ObjectName.h"
-#include "cimxml/Writer.h"
 #include "core/CimAgent.h"
 #include "core/CimSchema.h"
 #include "wbem/InstanceNames.h"

@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "cimxml/AnswerWriter.h"
 #include "wbem/AssociationOperations.h"
 #include "wbem/InstanceOperations.h"
 #include "wbem/Status.h"

@@ -1,6 +1,6 @@
 #include "wbem/Scalars.h"
 
-#include "core/ClassDeclaration.h"
+#include "Utils/Ascii.h"
 
 namespace wbem {
 
@@ -15,10 +15,10 @@ std::string_view trimmed(std::string_view text) {
 
 std::optional<bool> toBoolean(std::string_view text) {
   text = trimmed(text);
-  if (core::isSameName(text, "TRUE")) {
+  if (utils::isSameIgnoringCase(text, "TRUE")) {
     return true;
   }
-  if (core::isSameName(text, "FALSE")) {
+  if (utils::isSameIgnoringCase(text, "FALSE")) {
     return false;
   }
   return std::nullopt;

@@ -10,8 +10,8 @@
 #include <variant>
 
 #include "Utils/Mutex.h"
+#include "cimxml/AnswerWriter.h"
 #include "cimxml/Characters.h"
-#include "cimxml/Writer.h"
 #include "core/CimPropertyTypes.h"
 #include "wbem/MethodOperations.h"
 #include "wbem/Namespaces.h"
@@ -64,7 +64,9 @@ class Attempt {
  public:
   Attempt(Audit& audit, const Caller& caller, std::string action, std::string target)
       : m_audit(audit),
-        m_record{caller, std::move(action), "CIM_ERR_FAILED: no answer", std::move(target)} {}
+        m_record{caller, std::move(action),
+                 std::string(cimxml::getStatusName(Status::Failed)) + ": no answer",
+                 std::move(target)} {}
   Attempt(const Attempt&) = delete;
   Attempt& operator=(const Attempt&) = delete;
   ~Attempt() { m_audit.write(m_record); }
@@ -106,8 +108,8 @@ struct Server::Implementation {
       const Status status = toStatus(error);
       const std::string description = tell(error.what());
       out.resize(start);
-      cimxml::appendError(out, static_cast<unsigned>(status), description);
-      return std::string(getStatusName(status)) + ": " + description;
+      cimxml::appendError(out, status, description);
+      return std::string(cimxml::getStatusName(status)) + ": " + description;
     }
   }
 

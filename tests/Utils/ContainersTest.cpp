@@ -216,17 +216,6 @@ TEST_F(SafeList, PassesOverTheNextElementWhenThatIsTakenOut) {
   EXPECT_EQ(cursor.next(), nullptr);
 }
 
-TEST_F(SafeList, CopiesItsElementsAtOnce) {
-  fill({3, 1, 2});
-  std::vector<Item*> copies{nullptr};
-  m_list.copyTo(copies);
-  EXPECT_EQ(copies, m_kept);
-
-  m_list.clear();
-  m_list.copyTo(copies);
-  EXPECT_THAT(copies, IsEmpty());
-}
-
 TEST_F(SafeList, IsWalkedAsAWholeWhenItHasGrown) {
   constexpr int kItems = 1000;
   for (int number = 0; number < kItems; ++number) {
@@ -471,13 +460,6 @@ TEST(Map, IsAnOrderedMapWithAVirtualDestructor) {
   EXPECT_EQ(copy.begin()->first, "a");
   EXPECT_EQ(copy, map);
   EXPECT_TRUE((std::has_virtual_destructor_v<utils::Map<std::string, std::string>>));
-}
-
-TEST(SafeMap, GivesTheReplacedValueBack) {
-  utils::SafeMap<std::string, int> map;
-  EXPECT_EQ(map.exchange("key", 1), std::nullopt);
-  EXPECT_EQ(map.exchange("key", 2), 1);
-  EXPECT_EQ(map.get("key"), 2);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
-#include "cimxml/Writer.h"
+#include "cimxml/Buffer.h"
+#include "cimxml/ClassWriter.h"
 #include "tests/cimxml/TestInstances.h"
 
 namespace {

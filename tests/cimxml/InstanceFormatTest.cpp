@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
-#include "cimxml/Writer.h"
+#include "cimxml/Buffer.h"
+#include "cimxml/InstanceFormat.h"
 #include "tests/cimxml/Allocations.h"
 #include "tests/cimxml/TestInstances.h"
 

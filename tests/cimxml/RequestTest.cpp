@@ -1,7 +1,9 @@
 #include <gmock/gmock.h>
 
+#include "cimxml/Buffer.h"
+#include "cimxml/InstanceFormat.h"
+#include "cimxml/NameWriter.h"
 #include "cimxml/Request.h"
-#include "cimxml/Writer.h"
 #include "tests/cimxml/TestInstances.h"
 
 namespace {

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "cimxml/Buffer.h"
 #include "cimxml/Request.h"
 #include "cimxml/RequestWriter.h"
 #include "core/CimPropertyTypes.h"

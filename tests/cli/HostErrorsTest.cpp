@@ -69,10 +69,10 @@ TEST(HostErrors, NameTheStatusOfAnOperation) {
 
 TEST(HostErrors, KnowTheErrorOfAnAnswer) {
   cimxml::Response response;
-  EXPECT_FALSE(cli::isError(response, cli::CimStatus::NotFound));
+  EXPECT_FALSE(cli::isError(response, cimxml::StatusCode::NotFound));
   response.error = cimxml::ErrorValue{6, ""};
-  EXPECT_TRUE(cli::isError(response, cli::CimStatus::NotFound));
-  EXPECT_FALSE(cli::isError(response, cli::CimStatus::InvalidClass));
+  EXPECT_TRUE(cli::isError(response, cimxml::StatusCode::NotFound));
+  EXPECT_FALSE(cli::isError(response, cimxml::StatusCode::InvalidClass));
 }
 
 TEST(HostHeaderField, HasNothingThatItMayNotHold) {

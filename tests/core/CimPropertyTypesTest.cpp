@@ -1,4 +1,5 @@
 #include <cstdint>
+#include <functional>
 #include <gmock/gmock.h>
 #include <limits>
 #include <memory>
@@ -63,6 +64,19 @@ TEST(CimPropertyTypes, PrintABooleanAsOneForTheByteOneOnly) {
   EXPECT_EQ(textOf<core::CimPropertyBoolean>(std::uint8_t{255}), "0");
 }
 
+// What holds of every type is said of a CimProperty, once: matchers of each type, and of each
+// type's lambdas, would be most of what this file costs to compile.
+
+using Action = std::function<void()>;
+
+void expectFailedAssertion(const Action& action, const std::string& condition) {
+  EXPECT_THAT(action, ThrowsExactly<utils::Exception>(IsAssertion("CimPropertyTypes", condition)));
+}
+
+void expectNotSupported(const Action& action) {
+  EXPECT_THAT(action, ThrowsExactly<utils::ENotSupported>("ENotSupported:"));
+}
+
 template <class Property>
 class Unprintable : public testing::Test {};
 
@@ -70,18 +84,20 @@ using UnprintableTypes = testing::Types<core::CimPropertySint8, core::CimPropert
                                         core::CimPropertyUint16_arr, core::CimPropertyString_arr>;
 TYPED_TEST_SUITE(Unprintable, UnprintableTypes);
 
-TYPED_TEST(Unprintable, RefusesToPrintAndSaysSoInTheLog) {
-  const TypeParam property("RunDay", nullptr);
+void expectNoText(const CimProperty& property) {
   const LogCapture log;
 
-  EXPECT_THAT([&] { static_cast<void>(property.toString()); },
-              ThrowsExactly<utils::ENotSupported>("ENotSupported:"));
+  expectNotSupported([&] { static_cast<void>(property.toString()); });
   EXPECT_THAT(log.records(),
               ElementsAre(IsRecordOf("CimProperty", LogLevel::Debug, "core::CimProperty::toString",
                                      "Operation not supported by property RunDay (" +
                                          std::to_string(property.getType()) + ")"),
                           IsRecordOf("Exception", LogLevel::Error, "utils::Exception::Exception",
                                      "ENotSupported:")));
+}
+
+TYPED_TEST(Unprintable, RefusesToPrintAndSaysSoInTheLog) {
+  expectNoText(TypeParam("RunDay", nullptr));
 }
 
 template <class Property>
@@ -91,20 +107,22 @@ using UnmodifiableTypes = testing::Types<core::CimPropertyDatetime, core::CimPro
                                          core::CimPropertyString_arr, core::CimPropertyRef>;
 TYPED_TEST_SUITE(Unmodifiable, UnmodifiableTypes);
 
-TYPED_TEST(Unmodifiable, RefusesModifyAndVerifyAndSaysSoInTheLog) {
-  TypeParam property("Some", nullptr);
-  property.setModifyEnabled(true);
-  TypeParam newValue("Some", nullptr);
+void expectNoChange(CimProperty& property, CimProperty& newValue) {
   const LogCapture log;
 
-  EXPECT_THAT([&] { property.modify(&newValue); },
-              ThrowsExactly<utils::ENotSupported>("ENotSupported:"));
-  EXPECT_THAT([&] { property.verify(&newValue); },
-              ThrowsExactly<utils::ENotSupported>("ENotSupported:"));
+  expectNotSupported([&] { property.modify(&newValue); });
+  expectNotSupported([&] { property.verify(&newValue); });
   const std::string message =
       "Operation not supported by property Some (" + std::to_string(property.getType()) + ")";
   EXPECT_THAT(log.messages("core::CimProperty::modify"), ElementsAre(message));
   EXPECT_THAT(log.messages("core::CimProperty::verify"), ElementsAre(message));
+}
+
+TYPED_TEST(Unmodifiable, RefusesModifyAndVerifyAndSaysSoInTheLog) {
+  TypeParam property("Some", nullptr);
+  property.setModifyEnabled(true);
+  TypeParam newValue("Some", nullptr);
+  expectNoChange(property, newValue);
 }
 
 template <class Property>
@@ -176,19 +194,22 @@ TYPED_TEST(Scalar, GetsAValueFromOneWhenNull) {
   EXPECT_FALSE(this->m_property.isNull());
 }
 
-TYPED_TEST(Scalar, LogsTheNumberOfListenersWhenModified) {
+void expectNumberOfListeners(CimProperty& property, CimProperty& newValue) {
   const LogCapture log;
-  this->m_property.modify(&this->m_newValue);
+  property.modify(&newValue);
 
   EXPECT_THAT(log.records(),
               ElementsAre(test::IsRecord(LogLevel::Debug, "core::modifyProperty", "size: 2")));
 }
 
+TYPED_TEST(Scalar, LogsTheNumberOfListenersWhenModified) {
+  expectNumberOfListeners(this->m_property, this->m_newValue);
+}
+
 TYPED_TEST(Scalar, IsNotModifiedByNull) {
-  EXPECT_THAT([&] { this->m_property.modify(nullptr); },
-              ThrowsExactly<utils::Exception>(IsAssertion("CimPropertyTypes", "newValue != NULL")));
-  EXPECT_THAT([&] { core::modifyProperty<TypeParam>(nullptr, &this->m_newValue); },
-              ThrowsExactly<utils::Exception>(IsAssertion("CimPropertyTypes", "property != NULL")));
+  expectFailedAssertion([&] { this->m_property.modify(nullptr); }, "newValue != NULL");
+  expectFailedAssertion([&] { core::modifyProperty<TypeParam>(nullptr, &this->m_newValue); },
+                        "property != NULL");
   EXPECT_EQ(this->m_property.getValue(), typename TestFixture::Value{});
 }
 
@@ -226,7 +247,7 @@ class CimPropertyStringLimits : public testing::Test {
  protected:
   CimPropertyStringLimits() { m_text.setModifyEnabled(true); }
 
-  auto verifying(std::size_t length) {
+  Action verifying(std::size_t length) {
     m_newValue.setValue(std::string(length, 'x'));
     return [this] { m_text.verify(&m_newValue); };
   }
@@ -301,10 +322,8 @@ TYPED_TEST(LengthListener, NeedsBothProperties) {
   TypeParam listener;
   core::CimPropertyString text("Caption", nullptr);
 
-  EXPECT_THAT([&] { listener.onVerify(nullptr, &text); },
-              ThrowsExactly<utils::Exception>(IsAssertion("CimPropertyTypes", "property != NULL")));
-  EXPECT_THAT([&] { listener.onVerify(&text, nullptr); },
-              ThrowsExactly<utils::Exception>(IsAssertion("CimPropertyTypes", "newValue != NULL")));
+  expectFailedAssertion([&] { listener.onVerify(nullptr, &text); }, "property != NULL");
+  expectFailedAssertion([&] { listener.onVerify(&text, nullptr); }, "newValue != NULL");
   EXPECT_NO_THROW(listener.onVerify(&text, &text));
 }
 

@@ -9,6 +9,7 @@
 #include <thread>
 #include <vector>
 
+#include "Utils/Format.h"
 #include "cimxml/RequestWriter.h"
 #include "cimxml/Response.h"
 #include "core/CimPropertyTypes.h"

@@ -1,11 +1,12 @@
-// The two readers of object paths agree: the broker's, which knows keys as texts, and the one of
-// the messages, which also tells what a key is.
+// What is made of an object path agrees, whatever the text: the broker's keys, which are texts, and
+// a message's name, which also tells what a key is. A path that is written again reads the same.
 
 #include <optional>
 
 #include "Utils/Exception.h"
 #include "cimxml/ObjectName.h"
 #include "core/CimPath.h"
+#include "core/ObjectPathReader.h"
 #include "tests/fuzz/Fuzz.h"
 
 namespace {
@@ -41,6 +42,22 @@ void compare(const core::CimPath& path, const ObjectName& name) {
   }
 }
 
+// What is told as a problem is a part of the text.
+void checkProblem(const std::string& text, core::ObjectPathKind kind) {
+  core::ObjectPathParts parts;
+  const auto problem = core::readObjectPath(text, kind, parts);
+  if (!problem) {
+    return;
+  }
+  test::require(problem->offender.has_value() != text.empty(), "an empty text has no part");
+  if (problem->offender) {
+    const std::string_view offender = *problem->offender;
+    test::require(offender.data() >= text.data() &&
+                      offender.data() + offender.size() <= text.data() + text.size(),
+                  "the offender is a part of the text");
+  }
+}
+
 void compareWrittenBack(const ObjectName& name) {
   const std::string written = cimxml::toObjectPath(name);
   const std::optional<ObjectName> again = cimxml::readObjectPath(written);
@@ -59,8 +76,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string text(reinterpret_cast<const char*>(data), size);
   const std::optional<core::CimPath> path = readAsBroker(text);
   const std::optional<ObjectName> name = cimxml::readObjectPath(text);
-  test::require(isRefused(text) == !name, "both forms of the reader refuse the same");
-  test::require(path.has_value() == (name && name->isInstance), "both readers take the same");
+  test::require(isRefused(text) == !name, "both forms for messages refuse the same");
+  test::require(path.has_value() == (name && name->isInstance),
+                "the broker takes the names of instances, and nothing else");
+  checkProblem(text, core::ObjectPathKind::Instance);
+  checkProblem(text, core::ObjectPathKind::InstanceOrClass);
   if (path) {
     compare(*path, *name);
   }

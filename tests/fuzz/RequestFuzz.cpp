@@ -8,10 +8,11 @@
 #include <string>
 #include <variant>
 
+#include "cimxml/Buffer.h"
+#include "cimxml/NameWriter.h"
 #include "cimxml/ObjectName.h"
 #include "cimxml/Request.h"
 #include "cimxml/Response.h"
-#include "cimxml/Writer.h"
 #include "core/CimPath.h"
 #include "tests/fuzz/Fuzz.h"
 #include "tests/wbem/Model.h"

@@ -7,7 +7,6 @@
 
 namespace {
 
-using wbem::getStatusName;
 using wbem::Status;
 using wbem::toStatus;
 
@@ -30,37 +29,6 @@ TEST(Status, OfAServersOwnFaultIsWhatItSays) {
 
   EXPECT_EQ(toStatus(fault), Status::MethodNotFound);
   EXPECT_STREQ(fault.what(), "no such method");
-}
-
-TEST(Status, HasTheNumberAndTheNameOfTheStandard) {
-  struct Case {
-    unsigned number;
-    Status status;
-    const char* name;
-  };
-  for (const Case& one : {
-           Case{1, Status::Failed, "CIM_ERR_FAILED"},
-           Case{2, Status::AccessDenied, "CIM_ERR_ACCESS_DENIED"},
-           Case{3, Status::InvalidNamespace, "CIM_ERR_INVALID_NAMESPACE"},
-           Case{4, Status::InvalidParameter, "CIM_ERR_INVALID_PARAMETER"},
-           Case{5, Status::InvalidClass, "CIM_ERR_INVALID_CLASS"},
-           Case{6, Status::NotFound, "CIM_ERR_NOT_FOUND"},
-           Case{7, Status::NotSupported, "CIM_ERR_NOT_SUPPORTED"},
-           Case{12, Status::NoSuchProperty, "CIM_ERR_NO_SUCH_PROPERTY"},
-           Case{13, Status::TypeMismatch, "CIM_ERR_TYPE_MISMATCH"},
-           Case{16, Status::MethodNotAvailable, "CIM_ERR_METHOD_NOT_AVAILABLE"},
-           Case{17, Status::MethodNotFound, "CIM_ERR_METHOD_NOT_FOUND"},
-           Case{21, Status::InvalidEnumerationContext, "CIM_ERR_INVALID_ENUMERATION_CONTEXT"},
-           Case{22, Status::InvalidOperationTimeout, "CIM_ERR_INVALID_OPERATION_TIMEOUT"},
-           Case{25, Status::FilteredEnumerationNotSupported,
-                "CIM_ERR_FILTERED_ENUMERATION_NOT_SUPPORTED"},
-           Case{26, Status::ContinuationOnErrorNotSupported,
-                "CIM_ERR_CONTINUATION_ON_ERROR_NOT_SUPPORTED"},
-           Case{27, Status::ServerLimitsExceeded, "CIM_ERR_SERVER_LIMITS_EXCEEDED"},
-       }) {
-    EXPECT_EQ(static_cast<unsigned>(one.status), one.number);
-    EXPECT_EQ(getStatusName(one.status), one.name);
-  }
 }
 
 }  // namespace
