@@ -12,7 +12,7 @@
 #include "inventory/Orvex_SoftwareIdentity.h"
 #include "inventory/Orvex_SoftwareIdentityResource.h"
 
-namespace install {
+namespace agent {
 namespace {
 
 constexpr utils::LogSource kLog{"Orvex_SoftwareInstallationService"};
@@ -269,4 +269,4 @@ std::uint32_t processUpdate(const Method& method, const Update& update, core::Ci
   return code;
 }
 
-}  // namespace install
+}  // namespace agent

@@ -51,7 +51,7 @@ int waitForFlag(const LockedFlag& flag, int milliseconds) {
   return milliseconds;
 }
 
-JobThread::JobThread(FlashJob* myJob) : m_job(myJob) {
+JobThread::JobThread(agent::FlashJob* myJob) : m_job(myJob) {
   utils::logDebug(kLog, "JobThread::JobThread", "Creating JobThread %p", static_cast<void*>(this));
   ORVEX_ASSERT(kLog, NULL != myJob);
 }

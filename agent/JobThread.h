@@ -35,7 +35,7 @@ int waitForFlag(const LockedFlag& flag, int milliseconds);
 class JobThread : public utils::Thread {
  public:
   // `myJob` must outlive the thread. Throws utils::Exception for null.
-  explicit JobThread(FlashJob* myJob);
+  explicit JobThread(agent::FlashJob* myJob);
   ~JobThread() override;
 
   // Runs the update.
@@ -52,7 +52,7 @@ class JobThread : public utils::Thread {
   [[nodiscard]] bool flash();
   void disableIscsiBoot();
 
-  FlashJob* const m_job;
+  agent::FlashJob* const m_job;
   LockedFlag m_done;
   LockedFlag m_stopRequested;
   LockedFlag m_started;

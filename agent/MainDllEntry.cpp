@@ -17,7 +17,7 @@ core::SoftwareUpdateAgent* RegisterSoftwareUpdateAgent() {
 
 std::int32_t DllMain(void* /*module*/, std::uint32_t reason, void* /*reserved*/) {
   utils::logDebug(kLog, "DllMain", "SoftwareUpdate Agent DllMain(%d)", static_cast<int>(reason));
-  if (reason == kProcessAttach) {
+  if (reason == agent::kProcessAttach) {
     core::CimBroker& broker = core::GetCimBroker();
     broker.addAgent(RegisterSoftwareUpdateAgent());
   }

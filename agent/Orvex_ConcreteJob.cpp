@@ -40,11 +40,12 @@ Orvex_ConcreteJob::Orvex_ConcreteJob(const std::string& target, std::uint32_t nu
                                      const std::string& uri,
                                      const std::vector<std::uint16_t>& installOptions,
                                      const std::vector<std::string>& installOptionsValues)
-    : Orvex_ConcreteJob(target, number,
-                        checkAndVerifyImage(target, uri, installOptions, installOptionsValues)) {}
+    : Orvex_ConcreteJob(
+          target, number,
+          agent::checkAndVerifyImage(target, uri, installOptions, installOptionsValues)) {}
 
 Orvex_ConcreteJob::Orvex_ConcreteJob(const std::string& target, std::uint32_t number,
-                                     VerifiedImage image)
+                                     agent::VerifiedImage image)
     : m_target(target),
       m_number(number),
       m_image(std::move(image)),
@@ -191,7 +192,7 @@ void Orvex_ConcreteJob::setJobState(ConcreteJobState newState) {
   if (m_isFinished) {
     m_image.bytes = {};
     m_image.reservation.abandon();
-    target_in_progress::clear();
+    agent::clearTargetInProgress();
   }
   // Published last: a client that sees the end may ask for the next update at once.
   m_state = newState;

@@ -24,7 +24,7 @@
 #include "agent/JobThread.h"
 #include "cim/CIM_ConcreteJob.h"
 
-class Orvex_ConcreteJob : public CIM_ConcreteJob, public FlashJob {
+class Orvex_ConcreteJob : public CIM_ConcreteJob, public agent::FlashJob {
  public:
   static constexpr const char* kClassName = "Orvex_ConcreteJob";
   using Superclass = CIM_ConcreteJob;
@@ -46,7 +46,7 @@ class Orvex_ConcreteJob : public CIM_ConcreteJob, public FlashJob {
                     const std::vector<std::uint16_t>& installOptions,
                     const std::vector<std::string>& installOptionsValues);
   // The same for an image that has been checked.
-  Orvex_ConcreteJob(const std::string& target, std::uint32_t number, VerifiedImage image);
+  Orvex_ConcreteJob(const std::string& target, std::uint32_t number, agent::VerifiedImage image);
   // Waits for the thread; see JobThread.
   ~Orvex_ConcreteJob() override;
 
@@ -90,7 +90,7 @@ class Orvex_ConcreteJob : public CIM_ConcreteJob, public FlashJob {
   const std::string m_target;
   const std::uint32_t m_number;
   const utils::Datetime m_submitted;
-  VerifiedImage m_image;
+  agent::VerifiedImage m_image;
 
   std::atomic<ConcreteJobState> m_state{ConcreteJobState::New};
   std::atomic<bool> m_isFinished{false};

@@ -21,30 +21,30 @@ bool isA(const std::exception& error) {
 
 struct ErrorResult {
   bool (*matches)(const std::exception& error);
-  JobResult result;
+  agent::JobResult result;
 };
 
 // What each refusal is answered by; the first match counts, anything else is unspecified.
 constexpr ErrorResult kErrorResults[] = {
-    {isA<EJobIsRunning>, kJobOtherJobRunning},
-    {isA<ETargetInUse>, kJobTargetInUse},
-    {isA<EInvalidUri>, kJobInvalidUri},
-    {isA<EUriDoesNotExist>, kJobUriDoesNotExist},
-    {isA<EImageReadError>, kJobImageReadError},
-    {isA<EAdapterNotSupported>, kJobAdapterNotSupported},
-    {isA<utils::EInvalidParameter>, kJobInvalidParameter},
-    {isA<utils::EUnspecifiedError>, kJobUnspecifiedError},
-    {isA<EDowngradeDetected>, kJobDowngradeDetected},
-    {isA<ENotApplicableForTarget>, kJobNotApplicable},
+    {isA<EJobIsRunning>, agent::kJobOtherJobRunning},
+    {isA<ETargetInUse>, agent::kJobTargetInUse},
+    {isA<EInvalidUri>, agent::kJobInvalidUri},
+    {isA<EUriDoesNotExist>, agent::kJobUriDoesNotExist},
+    {isA<EImageReadError>, agent::kJobImageReadError},
+    {isA<EAdapterNotSupported>, agent::kJobAdapterNotSupported},
+    {isA<utils::EInvalidParameter>, agent::kJobInvalidParameter},
+    {isA<utils::EUnspecifiedError>, agent::kJobUnspecifiedError},
+    {isA<EDowngradeDetected>, agent::kJobDowngradeDetected},
+    {isA<ENotApplicableForTarget>, agent::kJobNotApplicable},
 };
 
-JobResult toResult(const std::exception& error) {
+agent::JobResult toResult(const std::exception& error) {
   for (const ErrorResult& entry : kErrorResults) {
     if (entry.matches(error)) {
       return entry.result;
     }
   }
-  return kJobUnspecifiedError;
+  return agent::kJobUnspecifiedError;
 }
 
 }  // namespace
@@ -63,8 +63,9 @@ std::int32_t Orvex_ConcreteJobClass::verifyOrCreateNewJob(
     if (create) {
       return createNewJob(target, uri, installOptions, installOptionsValues, job);
     }
-    checkAndVerifyImage(target, uri, installOptions, installOptionsValues).reservation.abandon();
-    return kJobAccepted;
+    agent::checkAndVerifyImage(target, uri, installOptions, installOptionsValues)
+        .reservation.abandon();
+    return agent::kJobAccepted;
   } catch (const std::exception& error) {
     utils::logError(kLog, kVerifyOrCreate, "Exception: '%s'", error.what());
     return toResult(error);
@@ -107,8 +108,8 @@ std::int32_t Orvex_ConcreteJobClass::createNewJob(
       Orvex_ConcreteJob::kStateChanged) {
     instances().remove(newJob);
     delete newJob;
-    return kJobStartFailed;
+    return agent::kJobStartFailed;
   }
   job = newJob;
-  return kJobAccepted;
+  return agent::kJobAccepted;
 }

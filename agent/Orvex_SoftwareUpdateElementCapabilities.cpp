@@ -33,9 +33,10 @@ void Orvex_SoftwareUpdateElementCapabilitiesClass::refresh() {
   if (instances().size() != 0) {
     return;
   }
-  const Instances services = findInstances(Orvex_SoftwareInstallationService::kClassName);
-  const Instances capabilities =
-      findInstances(Orvex_SoftwareInstallationServiceCapabilities::kClassName);
+  const agent::Instances services =
+      agent::findInstances(Orvex_SoftwareInstallationService::kClassName);
+  const agent::Instances capabilities =
+      agent::findInstances(Orvex_SoftwareInstallationServiceCapabilities::kClassName);
   ORVEX_ASSERT(kLog, (int)services.size() == 1);
   ORVEX_ASSERT(kLog, (int)capabilities.size() == 1);
   instances().add(

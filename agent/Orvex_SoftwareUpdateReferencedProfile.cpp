@@ -27,8 +27,8 @@ void Orvex_SoftwareUpdateReferencedProfileClass::refresh() {
   core::CimInstance* portProfile = nullptr;
   core::CimInstance* updateProfile = nullptr;
   for (core::CimInstance* profile :
-       findLoggedInstances(log(), Orvex_SoftwareUpdateRegisteredProfile::kClassName)) {
-    const std::string instanceId = getPropertyText(*profile, "InstanceID");
+       agent::findLoggedInstances(log(), Orvex_SoftwareUpdateRegisteredProfile::kClassName)) {
+    const std::string instanceId = agent::getPropertyText(*profile, "InstanceID");
     if (instanceId == kPortProfileId) {
       portProfile = profile;
     } else if (instanceId == Orvex_SoftwareUpdateRegisteredProfile::kInstanceId) {

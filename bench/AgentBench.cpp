@@ -35,7 +35,8 @@ std::size_t heapBytes() {
 }
 
 std::unique_ptr<Orvex_ConcreteJob> makeFilledJob() {
-  auto job = std::make_unique<Orvex_ConcreteJob>(bench::Adapters::firstPort(), 1, VerifiedImage{});
+  auto job =
+      std::make_unique<Orvex_ConcreteJob>(bench::Adapters::firstPort(), 1, agent::VerifiedImage{});
   job->setPropertyValues();
   return job;
 }

@@ -35,7 +35,7 @@ class ConcreteJobClass : public testing::Test {
   ~ConcreteJobClass() override {
     m_midApi.releaseWrites();
     m_provider.reset();
-    target_in_progress::clear();
+    agent::clearTargetInProgress();
   }
 
   std::int32_t create(const std::string& target = kAdapter) { return call(target, true); }
@@ -69,7 +69,7 @@ class ConcreteJobClass : public testing::Test {
     ASSERT_EQ(create(), 0);
     ASSERT_TRUE(test::waitUntil([this] {
       return dynamic_cast<Orvex_ConcreteJob*>(m_job)->isFinished() &&
-             target_in_progress::get() == "";
+             agent::getTargetInProgress() == "";
     }));
   }
 
@@ -140,7 +140,7 @@ TEST_F(ConcreteJobClass, TakesAJobThatCannotStartBack) {
   }
   EXPECT_EQ(m_job, nullptr);
   EXPECT_THAT(enumerate(), IsEmpty());
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
 
   createAndFinish();
   EXPECT_THAT(captions(), ElementsAre("Firmware Update Job 2"));
@@ -162,7 +162,7 @@ TEST_F(ConcreteJobClass, VerifiesWithoutAJobAndLeavesTheTargetInProgress) {
 
   EXPECT_EQ(m_job, nullptr);
   EXPECT_THAT(enumerate(), IsEmpty());
-  EXPECT_EQ(target_in_progress::get(), kAdapter);
+  EXPECT_EQ(agent::getTargetInProgress(), kAdapter);
   EXPECT_EQ(create(kAdapter), 105);
   EXPECT_EQ(create(kOtherAdapter), 104);
   EXPECT_EQ(verify(kAdapter), 105);
@@ -171,7 +171,7 @@ TEST_F(ConcreteJobClass, VerifiesWithoutAJobAndLeavesTheTargetInProgress) {
 TEST_F(ConcreteJobClass, LeavesNoTargetInProgressWhenVerificationFails) {
   m_midApi.prepareStatus = ma::PrepareStatus::InvalidImage;
   EXPECT_EQ(verify(), 1);
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
 }
 
 TEST_F(ConcreteJobClass, LogsARefusalByItsFullText) {
@@ -197,7 +197,7 @@ TEST_F(ConcreteJobClass, AnswersEachRefusalByItsNumber) {
   EXPECT_EQ(create(), 101);
   m_uri = "http://host/image.rom";
   EXPECT_EQ(create(), 100);
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
 }
 
 TEST_F(ConcreteJobClass, AnswersAFileThatCannotBeReadWholeByItsNumber) {
@@ -206,7 +206,7 @@ TEST_F(ConcreteJobClass, AnswersAFileThatCannotBeReadWholeByItsNumber) {
   const test::FileCuttingSinks sinks(file);
 
   EXPECT_EQ(create(), 103);
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
 }
 
 TEST_F(ConcreteJobClass, AnswersAnUnknownTypeAsAnInvalidParameter) {
@@ -225,7 +225,7 @@ TEST_F(ConcreteJobClass, AnswersAnyOtherErrorAsUnspecified) {
 
   EXPECT_THAT(m_log.records(), HasRecordOf(kSource, LogLevel::Error, kVerifyOrCreate,
                                            "Exception: 'no configuration'"));
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
 }
 
 TEST_F(ConcreteJobClass, RefreshesItsJobsWhenItIsEnumerated) {

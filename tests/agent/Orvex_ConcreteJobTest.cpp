@@ -38,7 +38,7 @@ TEST_F(ConcreteJob, IsNewWhenItIsMade) {
   EXPECT_EQ(m_job->getTarget(), kAdapter);
   EXPECT_THAT(m_job->getTargetTypes(), ElementsAre(FirmwareType::Pxe, FirmwareType::Iscsi));
   EXPECT_EQ(m_job->getClassName(), "Orvex_ConcreteJob");
-  EXPECT_EQ(target_in_progress::get(), kAdapter);
+  EXPECT_EQ(agent::getTargetInProgress(), kAdapter);
 }
 
 TEST_F(ConcreteJob, ChecksItsImage) {
@@ -58,7 +58,7 @@ TEST_F(ConcreteJob, DoesNotComeToExistWithABadImage) {
   m_job.reset();
   const auto construct = [] { const Orvex_ConcreteJob job(kAdapter, 1, "nonsense", {5}, {}); };
   EXPECT_THROW(construct(), utils::Exception);
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
 }
 
 // -- states --
@@ -76,7 +76,7 @@ TEST_P(ConcreteJobStateTable, SaysWhetherTheJobIsFinished) {
   EXPECT_EQ(static_cast<int>(m_job->getJobState()), GetParam().state);
   EXPECT_EQ(m_job->isFinished(), GetParam().isEnd);
   EXPECT_EQ(m_job->getImage().empty(), GetParam().isEnd);
-  EXPECT_EQ(target_in_progress::get(), GetParam().isEnd ? "" : kAdapter);
+  EXPECT_EQ(agent::getTargetInProgress(), GetParam().isEnd ? "" : kAdapter);
   EXPECT_THAT(m_log.records(),
               HasRecordOf(kSource, LogLevel::Debug, "Orvex_ConcreteJob::setJobState",
                           "2 -> " + std::to_string(GetParam().state)));
@@ -115,9 +115,9 @@ TEST_F(ConcreteJob, StaysWhatItWasInAStateOutsideTheTable) {
 
 TEST_F(ConcreteJob, ClearsTheTargetInProgressWheneverItReachesAnEnd) {
   change(7);
-  target_in_progress::set("0000:04:00.0");
+  agent::setTargetInProgress("0000:04:00.0");
   change(10);
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
 }
 
 TEST_F(ConcreteJob, NotesTheTimeOfEveryChange) {
@@ -197,7 +197,7 @@ TEST_F(ConcreteJob, FailsWhenItsThreadDoesNotStart) {
     EXPECT_EQ(request(2), 4u);
   }
   EXPECT_EQ(m_job->getJobState(), ConcreteJobState::Exception);
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
   m_job->setPropertyValues();
   EXPECT_EQ(m_job->ErrorCode.getValue(), 9);
   EXPECT_EQ(m_job->ErrorDescription.getValue(), "as it was");

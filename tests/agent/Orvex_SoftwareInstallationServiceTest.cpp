@@ -171,7 +171,7 @@ TEST_F(InstallFromUri, HandsOutTheJob) {
 
 TEST_F(InstallFromUri, HandsOutNoJobWithAnotherAnswer) {
   m_factory->created = &m_created;
-  m_factory->result = kJobTargetInUse;
+  m_factory->result = agent::kJobTargetInUse;
 
   EXPECT_EQ(invoke(), 6u);
   EXPECT_EQ(m_job, nullptr);

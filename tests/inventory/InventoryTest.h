@@ -26,7 +26,7 @@ inline constexpr const char* kOtherAdapter = "0000:04:00";
 
 // Returns the broker, with the agent, which stays for the life of the process.
 inline core::CimBroker& brokerWithInventory() {
-  static const bool isAdded = (core::addSoftwareInventoryAgent(), true);
+  static const bool isAdded = (inventory::addSoftwareInventoryAgent(), true);
   static_cast<void>(isAdded);
   return core::GetCimBroker();
 }

@@ -9,7 +9,7 @@ namespace {
 using InventoryAgent = test::InventoryTest;
 
 TEST_F(InventoryAgent, ServesItsClasses) {
-  const core::SoftwareInventoryAgent agent;
+  const inventory::SoftwareInventoryAgent agent;
   EXPECT_EQ(agent.getName(), "Software Inventory");
   EXPECT_THAT(agent.getClassNames(),
               testing::UnorderedElementsAre("Orvex_EthernetPort", "Orvex_PortController",
