@@ -4,7 +4,7 @@
 #include "agent/TargetInProgress.h"
 #include "tests/agent/FakeMidApi.h"
 #include "tests/agent/FakeSystem.h"
-#include "tests/agent/IdentityMethod.h"
+#include "tests/agent/IdentityMethodFixture.h"
 #include "tests/support/TempDirectory.h"
 
 namespace {
@@ -12,9 +12,9 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class CheckSoftwareIdentity : public test::IdentityMethod {
+class CheckSoftwareIdentity : public test::IdentityMethodFixture {
  protected:
-  CheckSoftwareIdentity() : IdentityMethod(test::kCheckMethod) {}
+  CheckSoftwareIdentity() : IdentityMethodFixture(test::kCheckMethod) {}
 
   // Invokes, and expects that the characteristics are refused and stay.
   void expectCharacteristicsRefused(const std::vector<std::uint16_t>& values) {

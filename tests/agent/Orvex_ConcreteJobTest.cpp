@@ -8,6 +8,7 @@
 
 #include "Utils/Clock.h"
 #include "tests/agent/ConcreteJobFixture.h"
+#include "tests/agent/Enumeration.h"
 #include "tests/agent/NoMoreThreads.h"
 #include "tests/support/PointerPattern.h"
 #include "tests/support/Regex.h"
@@ -361,8 +362,7 @@ TEST_F(ConcreteJob, LeavesTheOtherPropertiesNull) {
       "JobState",         "ErrorDescription", "TimeOfLastStateChange",
       "TimeBeforeRemoval"};
   // A value that somebody set does not stay.
-  m_job->TimeSubmitted.setValue(utils::Datetime());
-  m_job->ElementName.setValue("x");
+  test::fillEveryProperty(*m_job);
 
   m_job->setPropertyValues();
 

@@ -5,22 +5,22 @@
 
 namespace {
 
-class TargetInProgressTest : public testing::Test {
+class TargetInProgress : public testing::Test {
  protected:
-  ~TargetInProgressTest() override { agent::clearTargetInProgress(); }
+  ~TargetInProgress() override { agent::clearTargetInProgress(); }
 };
 
-TEST_F(TargetInProgressTest, IsEmptyWhenThereIsNone) {
+TEST_F(TargetInProgress, IsEmptyWhenThereIsNone) {
   EXPECT_EQ(agent::getTargetInProgress(), "");
 }
 
-TEST_F(TargetInProgressTest, IsWhatWasSetLast) {
+TEST_F(TargetInProgress, IsWhatWasSetLast) {
   agent::setTargetInProgress("a");
   agent::setTargetInProgress("b");
   EXPECT_EQ(agent::getTargetInProgress(), "b");
 }
 
-TEST_F(TargetInProgressTest, ReservationHoldsTheNameForItsLife) {
+TEST_F(TargetInProgress, ReservationHoldsTheNameForItsLife) {
   {
     const agent::TargetReservation reservation("a");
     EXPECT_EQ(agent::getTargetInProgress(), "a");
@@ -28,7 +28,7 @@ TEST_F(TargetInProgressTest, ReservationHoldsTheNameForItsLife) {
   EXPECT_EQ(agent::getTargetInProgress(), "");
 }
 
-TEST_F(TargetInProgressTest, EmptyReservationLeavesTheNameAlone) {
+TEST_F(TargetInProgress, EmptyReservationLeavesTheNameAlone) {
   agent::setTargetInProgress("a");
   {
     agent::TargetReservation reservation;
@@ -37,7 +37,7 @@ TEST_F(TargetInProgressTest, EmptyReservationLeavesTheNameAlone) {
   EXPECT_EQ(agent::getTargetInProgress(), "a");
 }
 
-TEST_F(TargetInProgressTest, ReservationClearsTheNameOnce) {
+TEST_F(TargetInProgress, ReservationClearsTheNameOnce) {
   {
     agent::TargetReservation reservation("a");
     reservation.release();
@@ -46,7 +46,7 @@ TEST_F(TargetInProgressTest, ReservationClearsTheNameOnce) {
   EXPECT_EQ(agent::getTargetInProgress(), "b");
 }
 
-TEST_F(TargetInProgressTest, MovedReservationIsHeldByTheOther) {
+TEST_F(TargetInProgress, MovedReservationIsHeldByTheOther) {
   agent::TargetReservation first("a");
   {
     agent::TargetReservation second(std::move(first));
@@ -58,7 +58,7 @@ TEST_F(TargetInProgressTest, MovedReservationIsHeldByTheOther) {
   EXPECT_EQ(agent::getTargetInProgress(), "");
 }
 
-TEST_F(TargetInProgressTest, AbandonedReservationLeavesTheNameSet) {
+TEST_F(TargetInProgress, AbandonedReservationLeavesTheNameSet) {
   {
     agent::TargetReservation reservation("a");
     reservation.abandon();

@@ -2,11 +2,11 @@
 
 #include "core/CimBroker.h"
 #include "inventory/SoftwareInventoryAgent.h"
-#include "tests/inventory/InventoryTest.h"
+#include "tests/inventory/InventoryFixture.h"
 
 namespace {
 
-using InventoryAgent = test::InventoryTest;
+using InventoryAgent = test::InventoryFixture;
 
 TEST_F(InventoryAgent, ServesItsClasses) {
   const inventory::SoftwareInventoryAgent agent;
