@@ -135,6 +135,7 @@ VerifiedImage checkAndVerifyImage(const std::string& target, const std::string& 
   VerifiedImage image;
   image.reservation = reserveTarget(target);
   const Bytes file = readImageFile(uri);
+  // What is prepared is the file or a selection of its images, and so never larger.
   image.bytes.resize(file.size());
   image.targetTypes = getTargetTypes(installOptions, installOptionsValues);
 

@@ -76,6 +76,7 @@ void Orvex_ConcreteJob::setPropertyValues() {
   // The state first: a job that ends meanwhile must not show its end with a progress of before.
   JobState.setValue(static_cast<std::uint16_t>(getJobState()));
   PercentComplete.setValue(static_cast<std::uint16_t>(getPercentComplete()));
+  // Nothing is known of these; a value that somebody set does not stay.
   for (core::CimProperty* property :
        std::initializer_list<core::CimProperty*>{&ElementName,
                                                  &Generation,
@@ -114,6 +115,7 @@ bool Orvex_ConcreteJob::threadControl(std::int32_t command, std::int32_t timeout
   const utils::ScopedLock lock(m_threadMutex);
   utils::logDebug(kLog, kFunction, "New threadControl %d", command);
   if (command == kStartThread) {
+    // The condition is part of the message that clients see, and so stays to the letter.
     ORVEX_ASSERT(kLog, m_myThread != NULL);
     try {
       m_myThread->launch();
@@ -191,6 +193,7 @@ void Orvex_ConcreteJob::setJobState(ConcreteJobState newState) {
   }
   if (m_isFinished) {
     m_image.bytes = {};
+    // The name goes whoever set it, so nothing is left for the reservation to clear.
     m_image.reservation.abandon();
     agent::clearTargetInProgress();
   }

@@ -12,6 +12,7 @@ namespace {
 constexpr utils::LogSource kLog{"Orvex_ConcreteJobClass"};
 constexpr const char* kGetInstances = "ConcreteJob::getInstances";
 constexpr const char* kVerifyOrCreate = "Orvex_ConcreteJobClass::verifyOrCreateNewJob";
+// How far in the future the time is that a job is given to start in; the job makes no use of it.
 constexpr std::uint64_t kStartTimeout = 100;  // microseconds
 
 template <class Error>
@@ -99,9 +100,11 @@ std::int32_t Orvex_ConcreteJobClass::createNewJob(
                   static_cast<int>(m_nextJobNumber));
   auto created = std::make_unique<Orvex_ConcreteJob>(target, m_nextJobNumber, uri, installOptions,
                                                      installOptionsValues);
+  // Here, so that a refused request uses up no number.
   ++m_nextJobNumber;
   created->setPropertyValues();
   instances().add(created.get());
+  // The list owns it from here on.
   Orvex_ConcreteJob* const newJob = created.release();
   const utils::Datetime timeout(utils::currentMicroseconds() + kStartTimeout);
   if (newJob->requestStateChange(Orvex_ConcreteJob::kRequestStart, timeout) !=

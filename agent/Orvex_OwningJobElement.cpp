@@ -28,6 +28,7 @@ void Orvex_OwningJobElementClass::refresh() {
   const agent::Instances services =
       agent::findInstances(Orvex_SoftwareInstallationService::kClassName);
   const agent::Instances jobs = agent::findInstances(Orvex_ConcreteJob::kClassName);
+  // The condition is part of the message that clients see, and so stays to the letter.
   ORVEX_ASSERT(kLog, (int)services.size() == 1);
   for (core::CimInstance* job : jobs) {
     instances().add(new Orvex_OwningJobElement(services.front(), job));

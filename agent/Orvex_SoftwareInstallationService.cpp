@@ -43,6 +43,7 @@ std::uint32_t Orvex_SoftwareInstallationService::InstallFromSoftwareIdentity(
   }
   agent::expectValues({&options, &source, &target});
   utils::logDebug(kLog, method.function, "Starting arguments verification success");
+  // The identity says which image types it holds, so a request may not choose among them.
   if (!agent::areOptionsSupported(options.getValue()) ||
       hasOption(options.getValue(), kTargetTypes)) {
     utils::logDebug(kLog, method.function, "One of value of InstallOptions value is not supported");
@@ -110,7 +111,7 @@ std::uint32_t Orvex_SoftwareInstallationService::CheckSoftwareIdentity(core::Cim
 void Orvex_SoftwareInstallationService::setPropertyValues() {
   Caption.setValue("Ethernet Firmware Update");
   Description.setValue("Firmware Update Service for Zolan(R) Ethernet Adapters");
-  OperationalStatus.clear();
+  OperationalStatus.clear();  // a second call must not add a second status
   OperationalStatus.addValue(kOperationalStatusOk);
   SystemCreationClassName.setValue("CIM_UnitaryComputerSystem");
   SystemName.setValue(os::getComputerName());
@@ -119,6 +120,7 @@ void Orvex_SoftwareInstallationService::setPropertyValues() {
   PrimaryOwnerName.setValue("Zolan Corporation");
   PrimaryOwnerContact.setValue("https://www.zolan.example");
   core::markKeys(*this);
+  // Nothing is known of these; a value that somebody set does not stay.
   for (core::CimProperty* property :
        std::initializer_list<core::CimProperty*>{&InstanceID,
                                                  &ElementName,

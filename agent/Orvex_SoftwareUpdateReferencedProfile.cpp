@@ -7,6 +7,7 @@ namespace {
 
 constexpr utils::LogSource kLog{"Orvex_SoftwareUpdateReferencedProfile"};
 constexpr const char* kGetInstances = "Orvex_SoftwareUpdateReferencedProfileClass::getInstances";
+// What the inventory calls its profile. It serves it under the same class as this agent its own.
 constexpr const char* kPortProfileId = "Orvex:EthernetPort_Profile";
 
 }  // namespace

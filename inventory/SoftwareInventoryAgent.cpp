@@ -69,6 +69,7 @@ void SoftwareInventoryAgent::declareClasses(core::CimSchema& schema) const {
 }
 
 void addSoftwareInventoryAgent() {
+  // The broker first: it is then destroyed after the agent.
   core::CimBroker& broker = core::GetCimBroker();
   static SoftwareInventoryAgent agent;
   broker.addAgent(&agent);
