@@ -33,18 +33,18 @@ TEST_F(InstallationServiceCapabilities, LogTheirEnumerations) {
 
 TEST_F(InstallationServiceCapabilities, SayWhatTheServiceCanDoAndNothingElse) {
   test::expectFilled(
-      enumerate(), {{"Caption", "Capabilities for Ethernet Firmware Update"},
-                    {"Description",
-                     "Capabilities for Firmware Update Service for Zolan(R) Ethernet Adapters"},
-                    {"ElementName", "Capabilities for Ethernet Firmware Update"},
-                    {"InstanceID", "Orvex:Capabilities@FirmwareUpdate"},
-                    {"SupportedAsynchronousActions", "{5, 3}"},
-                    {"SupportedSynchronousActions", "{2}"},
-                    {"SupportedTargetTypes", "{IMG_CLP, IMG_iSCSI, IMG_PXE, IMG_UEFI, IMG_FCoE}"},
-                    {"SupportedExtendedResourceTypes", "{2}"},
-                    {"CanAddToCollection", "false"},
-                    {"SupportedInstallOptions", "{3, 5, 32768}"},
-                    {"SupportedURISchemes", "{3}"}});
+      enumerate(),
+      {{"Caption", "Capabilities for Ethernet Firmware Update"},
+       {"Description", "Capabilities for Firmware Update Service for Zolan(R) Ethernet Adapters"},
+       {"ElementName", "Capabilities for Ethernet Firmware Update"},
+       {"InstanceID", "Orvex:Capabilities@FirmwareUpdate"},
+       {"SupportedAsynchronousActions", "{5, 3}"},
+       {"SupportedSynchronousActions", "{2}"},
+       {"SupportedTargetTypes", "{IMG_CLP, IMG_iSCSI, IMG_PXE, IMG_UEFI, IMG_FCoE}"},
+       {"SupportedExtendedResourceTypes", "{2}"},
+       {"CanAddToCollection", "false"},
+       {"SupportedInstallOptions", "{3, 5, 32768}"},
+       {"SupportedURISchemes", "{3}"}});
 }
 
 TEST_F(InstallationServiceCapabilities, SayTheSameAfterASecondEnumeration) {
@@ -57,9 +57,8 @@ TEST_F(InstallationServiceCapabilities, AreNamedByTheirInstanceId) {
   EXPECT_EQ(enumerate().getPath(),
             "Orvex_SoftwareInstallationServiceCapabilities."
             "InstanceID=\"Orvex:Capabilities@FirmwareUpdate\"");
-  EXPECT_EQ(
-      dynamic_cast<Orvex_SoftwareInstallationServiceCapabilities&>(enumerate()).getIdentity(),
-      "Capabilities@FirmwareUpdate");
+  EXPECT_EQ(dynamic_cast<Orvex_SoftwareInstallationServiceCapabilities&>(enumerate()).getIdentity(),
+            "Capabilities@FirmwareUpdate");
 }
 
 }  // namespace

@@ -110,12 +110,26 @@ TEST(InstallationService, TakesTheValuesAwayThatItDoesNotHave) {
   Orvex_SoftwareInstallationService service;
   test::fillEveryProperty(service);
   service.setPropertyValues();
-  for (const char* name :
-       {"InstanceID", "ElementName", "Generation", "InstallDate", "StatusDescriptions", "Status",
-        "HealthState", "PrimaryStatus", "DetailedStatus", "OperatingStatus", "CommunicationStatus",
-        "EnabledState", "OtherEnabledState", "RequestedState", "EnabledDefault",
-        "TimeOfLastStateChange", "AvailableRequestedStates", "TransitioningToState", "StartMode",
-        "Started"}) {
+  for (const char* name : {"InstanceID",
+                           "ElementName",
+                           "Generation",
+                           "InstallDate",
+                           "StatusDescriptions",
+                           "Status",
+                           "HealthState",
+                           "PrimaryStatus",
+                           "DetailedStatus",
+                           "OperatingStatus",
+                           "CommunicationStatus",
+                           "EnabledState",
+                           "OtherEnabledState",
+                           "RequestedState",
+                           "EnabledDefault",
+                           "TimeOfLastStateChange",
+                           "AvailableRequestedStates",
+                           "TransitioningToState",
+                           "StartMode",
+                           "Started"}) {
     EXPECT_TRUE(service.getProperty(name)->isNull()) << name;
   }
 }
