@@ -10,6 +10,8 @@
 #include "Utils/Singleton.h"
 #include "core/CimInstance.h"
 
+namespace agent {
+
 // What verifyOrCreateNewJob() answers. Any other number is a success, too.
 enum JobResult : std::int32_t {
   kJobAccepted = 0,
@@ -26,14 +28,16 @@ enum JobResult : std::int32_t {
   kJobStartFailed = 106,
 };
 
+}  // namespace agent
+
 class ConcreteJobFactory : public utils::Singleton<ConcreteJobFactory> {
  public:
   static constexpr const char* kTypeName = "ConcreteJobFactory";
 
   // Checks whether the image that `uri` names can be installed on the adapter `target`, and with
-  // `create` makes and starts the job that does it. Returns a JobResult; the job, which the factory
-  // owns, comes back in `job` when one was created and started, else null. A check that passes
-  // leaves the target in progress for the life of the process.
+  // `create` makes and starts the job that does it. Returns an agent::JobResult; the job, which the
+  // factory owns, comes back in `job` when one was created and started, else null. A check that
+  // passes leaves the target in progress for the life of the process.
   [[nodiscard]] virtual std::int32_t verifyOrCreateNewJob(
       const std::string& target, const std::string& uri,
       const std::vector<std::uint16_t>& installOptions,

@@ -24,6 +24,8 @@ enum class ConcreteJobState : std::uint16_t {
   QueryPending = 12,
 };
 
+namespace agent {
+
 // Called from the job's thread, which does not own it.
 class FlashJob {
  public:
@@ -44,5 +46,7 @@ class FlashJob {
  protected:
   ~FlashJob() = default;
 };
+
+}  // namespace agent
 
 #endif  // ORVEX_AGENT_FLASHJOB_H_

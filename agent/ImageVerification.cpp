@@ -13,6 +13,7 @@
 #include "agent/JobErrors.h"
 #include "midapi/MidApi.h"
 
+namespace agent {
 namespace {
 
 constexpr utils::LogSource kLog{"Orvex_ConcreteJob"};
@@ -22,7 +23,7 @@ constexpr const char* kTypes = "Orvex_ConcreteJob::getTargetTypes";
 using Bytes = std::vector<std::uint8_t>;
 
 TargetReservation reserveTarget(const std::string& target) {
-  const std::string inProgress = target_in_progress::get();
+  const std::string inProgress = getTargetInProgress();
   if (inProgress == target && !inProgress.empty()) {
     throw ETargetInUse(
         utils::format("Firmware update for %s is currently in progress", target.c_str()));
@@ -134,6 +135,7 @@ VerifiedImage checkAndVerifyImage(const std::string& target, const std::string& 
   VerifiedImage image;
   image.reservation = reserveTarget(target);
   const Bytes file = readImageFile(uri);
+  // What is prepared is the file or a selection of its images, and so never larger.
   image.bytes.resize(file.size());
   image.targetTypes = getTargetTypes(installOptions, installOptionsValues);
 
@@ -181,3 +183,5 @@ std::vector<utils::FirmwareType> getTargetTypes(
   }
   return types;
 }
+
+}  // namespace agent

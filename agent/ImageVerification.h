@@ -11,6 +11,8 @@
 #include "Utils/FirmwareTypes.h"
 #include "agent/TargetInProgress.h"
 
+namespace agent {
+
 // An image that may be written.
 struct VerifiedImage {
   std::vector<std::uint8_t> bytes;
@@ -35,5 +37,7 @@ struct VerifiedImage {
 [[nodiscard]] std::vector<utils::FirmwareType> getTargetTypes(
     const std::vector<std::uint16_t>& installOptions,
     const std::vector<std::string>& installOptionsValues);
+
+}  // namespace agent
 
 #endif  // ORVEX_AGENT_IMAGEVERIFICATION_H_

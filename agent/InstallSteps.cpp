@@ -12,7 +12,7 @@
 #include "inventory/Orvex_SoftwareIdentity.h"
 #include "inventory/Orvex_SoftwareIdentityResource.h"
 
-namespace install {
+namespace agent {
 namespace {
 
 constexpr utils::LogSource kLog{"Orvex_SoftwareInstallationService"};
@@ -46,7 +46,8 @@ constexpr ResultReturn kResultReturns[] = {
     {kJobStartFailed, "Failed to start job for '%s' ", cim::kFailed},
 };
 
-// Returns `text` with its conversion replaced by the value.
+// Returns `text` with its conversion replaced by the value. The records stand in tables, where the
+// compiler cannot check them as formats against their arguments.
 std::string fillIn(std::string_view text, std::string_view conversion, const std::string& value) {
   std::string filled(text);
   const std::size_t place = filled.find(conversion);
@@ -225,6 +226,7 @@ std::optional<std::string> findUri(const Method& method, const std::string& sour
     log(method, notSupported + ". It is not a proper Firmware Image.", sourcePath);
     return std::nullopt;
   }
+  // Copied: the source may not outlive the broker's next question to its agent.
   const std::string identity = source->getIdentity();
   const std::string targetTypes = join(source->TargetTypes.getValue(), '+');
   const bool hasTargetTypes = !source->TargetTypes.getValue().empty();
@@ -249,6 +251,7 @@ std::uint32_t processUpdate(const Method& method, const Update& update, core::Ci
   }
   ConcreteJobFactory* cimclass =
       ConcreteJobFactory::hasInstance() ? ConcreteJobFactory::getInstance() : nullptr;
+  // The condition is part of the message that clients see, and so stays to the letter.
   ORVEX_ASSERT(kLog, cimclass != NULL);
   core::CimInstance* created = nullptr;
   std::int32_t result = 0;
@@ -269,4 +272,4 @@ std::uint32_t processUpdate(const Method& method, const Update& update, core::Ci
   return code;
 }
 
-}  // namespace install
+}  // namespace agent

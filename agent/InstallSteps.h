@@ -17,7 +17,7 @@
 #include "core/CimPropertyRef.h"
 #include "core/CimPropertyTypes.h"
 
-namespace install {
+namespace agent {
 
 // The input or output arguments of a call. An argument of the wrong type counts as missing.
 class Arguments {
@@ -86,6 +86,6 @@ struct Update {
 [[nodiscard]] std::uint32_t processUpdate(const Method& method, const Update& update,
                                           core::CimInstance** job);
 
-}  // namespace install
+}  // namespace agent
 
 #endif  // ORVEX_AGENT_INSTALLSTEPS_H_

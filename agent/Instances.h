@@ -10,6 +10,8 @@
 #include "core/CimBroker.h"
 #include "core/InstanceProvider.h"
 
+namespace agent {
+
 using Instances = std::vector<core::CimInstance*>;
 
 // Returns all instances of the class.
@@ -43,5 +45,7 @@ template <class T>
   const core::CimProperty* property = instance.getProperty(name);
   return property != nullptr ? property->toString() : std::string();
 }
+
+}  // namespace agent
 
 #endif  // ORVEX_AGENT_INSTANCES_H_

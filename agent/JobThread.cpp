@@ -50,7 +50,8 @@ int waitForFlag(const LockedFlag& flag, int milliseconds, platform::Clock& clock
   return milliseconds;
 }
 
-JobThread::JobThread(FlashJob* myJob, platform::Clock& clock) : m_job(myJob), m_clock(clock) {
+JobThread::JobThread(agent::FlashJob* myJob, platform::Clock& clock)
+    : m_job(myJob), m_clock(clock) {
   utils::logDebug(kLog, "JobThread::JobThread", "Creating JobThread %p", static_cast<void*>(this));
   ORVEX_ASSERT(kLog, NULL != myJob);
 }

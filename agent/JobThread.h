@@ -36,7 +36,7 @@ int waitForFlag(const LockedFlag& flag, int milliseconds, platform::Clock& clock
 class JobThread : public utils::Thread {
  public:
   // `myJob` and `clock` must outlive the thread. Throws utils::Exception for null.
-  JobThread(FlashJob* myJob, platform::Clock& clock);
+  JobThread(agent::FlashJob* myJob, platform::Clock& clock);
   ~JobThread() override;
 
   // Runs the update.
@@ -53,7 +53,7 @@ class JobThread : public utils::Thread {
   [[nodiscard]] bool flash();
   void disableIscsiBoot();
 
-  FlashJob* const m_job;
+  agent::FlashJob* const m_job;
   platform::Clock& m_clock;
   LockedFlag m_done;
   LockedFlag m_stopRequested;  // for a debugger; see requestStop()

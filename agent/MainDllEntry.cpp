@@ -17,7 +17,8 @@ core::SoftwareUpdateAgent* RegisterSoftwareUpdateAgent() {
 
 std::int32_t DllMain(void* /*module*/, std::uint32_t reason, void* /*reserved*/) {
   utils::logDebug(kLog, "DllMain", "SoftwareUpdate Agent DllMain(%d)", static_cast<int>(reason));
-  if (reason == kProcessAttach) {
+  if (reason == agent::kProcessAttach) {
+    // The broker first: it is then destroyed after the agent.
     core::CimBroker& broker = core::GetCimBroker();
     broker.addAgent(RegisterSoftwareUpdateAgent());
   }

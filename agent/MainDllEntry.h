@@ -7,6 +7,8 @@
 
 #include "agent/SoftwareUpdateAgent.h"
 
+namespace agent {
+
 // Why the loader calls the module (the numbers of the Windows loader).
 enum LoadReason : std::uint32_t {
   kProcessDetach = 0,
@@ -14,6 +16,8 @@ enum LoadReason : std::uint32_t {
   kThreadAttach = 2,
   kThreadDetach = 3,
 };
+
+}  // namespace agent
 
 // Returns the agent of the process, which the first call builds; it is destroyed when the module is
 // unloaded. Throws what building it throws; the next call then tries again.

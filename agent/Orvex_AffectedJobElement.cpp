@@ -28,12 +28,12 @@ Orvex_AffectedJobElementClass::Orvex_AffectedJobElementClass()
 
 void Orvex_AffectedJobElementClass::refresh() {
   instances().clear();
-  const auto jobs = findInstancesOf<Orvex_ConcreteJob>();
+  const auto jobs = agent::findInstancesOf<Orvex_ConcreteJob>();
   // Asked for once to find the jobs' ports and once to list the controllers'. The second
   // enumeration ends the instances of the first, so both are done with the second's.
-  static_cast<void>(findInstances(Orvex_EthernetPort::kClassName));
-  const auto ports = findInstancesOf<Orvex_EthernetPort>();
-  const auto controllers = findInstancesOf<Orvex_PortController>();
+  static_cast<void>(agent::findInstances(Orvex_EthernetPort::kClassName));
+  const auto ports = agent::findInstancesOf<Orvex_EthernetPort>();
+  const auto controllers = agent::findInstancesOf<Orvex_PortController>();
   for (Orvex_ConcreteJob* job : jobs) {
     const auto target = std::find_if(ports.begin(), ports.end(), [job](Orvex_EthernetPort* port) {
       return port->getIdentity() == job->getTarget();

@@ -41,12 +41,12 @@ Orvex_ConcreteJob::Orvex_ConcreteJob(const std::string& target, std::uint32_t nu
                                      const std::vector<std::uint16_t>& installOptions,
                                      const std::vector<std::string>& installOptionsValues,
                                      platform::Clock& clock)
-    : Orvex_ConcreteJob(target, number,
-                        checkAndVerifyImage(target, uri, installOptions, installOptionsValues),
-                        clock) {}
+    : Orvex_ConcreteJob(
+          target, number,
+          agent::checkAndVerifyImage(target, uri, installOptions, installOptionsValues), clock) {}
 
 Orvex_ConcreteJob::Orvex_ConcreteJob(const std::string& target, std::uint32_t number,
-                                     VerifiedImage image, platform::Clock& clock)
+                                     agent::VerifiedImage image, platform::Clock& clock)
     : m_target(target),
       m_number(number),
       m_clock(clock),
@@ -78,6 +78,7 @@ void Orvex_ConcreteJob::setPropertyValues() {
   // The state first: a job that ends meanwhile must not show its end with a progress of before.
   JobState.setValue(static_cast<std::uint16_t>(getJobState()));
   PercentComplete.setValue(static_cast<std::uint16_t>(getPercentComplete()));
+  // Nothing is known of these; a value that somebody set does not stay.
   for (core::CimProperty* property :
        std::initializer_list<core::CimProperty*>{&ElementName,
                                                  &Generation,
@@ -116,6 +117,7 @@ bool Orvex_ConcreteJob::threadControl(std::int32_t command, std::int32_t timeout
   const utils::ScopedLock lock(m_threadMutex);
   utils::logDebug(kLog, kFunction, "New threadControl %d", command);
   if (command == kStartThread) {
+    // The condition is part of the message that clients see, and so stays to the letter.
     ORVEX_ASSERT(kLog, m_myThread != NULL);
     try {
       m_myThread->launch();
@@ -193,8 +195,9 @@ void Orvex_ConcreteJob::setJobState(ConcreteJobState newState) {
   }
   if (m_isFinished) {
     m_image.bytes = {};
+    // The name goes whoever set it, so nothing is left for the reservation to clear.
     m_image.reservation.abandon();
-    target_in_progress::clear();
+    agent::clearTargetInProgress();
   }
   // Published last: a client that sees the end may ask for the next update at once.
   m_state = newState;

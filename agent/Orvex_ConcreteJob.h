@@ -25,7 +25,7 @@
 #include "cim/CIM_ConcreteJob.h"
 #include "platform/Clock.h"
 
-class Orvex_ConcreteJob : public CIM_ConcreteJob, public FlashJob {
+class Orvex_ConcreteJob : public CIM_ConcreteJob, public agent::FlashJob {
  public:
   static constexpr const char* kClassName = "Orvex_ConcreteJob";
   using Superclass = CIM_ConcreteJob;
@@ -48,7 +48,7 @@ class Orvex_ConcreteJob : public CIM_ConcreteJob, public FlashJob {
                     const std::vector<std::string>& installOptionsValues,
                     platform::Clock& clock = platform::steadyClock());
   // The same for an image that has been checked.
-  Orvex_ConcreteJob(const std::string& target, std::uint32_t number, VerifiedImage image,
+  Orvex_ConcreteJob(const std::string& target, std::uint32_t number, agent::VerifiedImage image,
                     platform::Clock& clock = platform::steadyClock());
   // Waits for the thread; see JobThread.
   ~Orvex_ConcreteJob() override;
@@ -94,7 +94,7 @@ class Orvex_ConcreteJob : public CIM_ConcreteJob, public FlashJob {
   const std::uint32_t m_number;
   const utils::Datetime m_submitted;
   platform::Clock& m_clock;
-  VerifiedImage m_image;
+  agent::VerifiedImage m_image;
 
   std::atomic<ConcreteJobState> m_state{ConcreteJobState::New};
   std::atomic<bool> m_isFinished{false};

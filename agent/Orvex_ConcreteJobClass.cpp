@@ -12,6 +12,7 @@ namespace {
 constexpr utils::LogSource kLog{"Orvex_ConcreteJobClass"};
 constexpr const char* kGetInstances = "ConcreteJob::getInstances";
 constexpr const char* kVerifyOrCreate = "Orvex_ConcreteJobClass::verifyOrCreateNewJob";
+// How far in the future the time is that a job is given to start in; the job makes no use of it.
 constexpr std::uint64_t kStartTimeout = 100;  // microseconds
 
 template <class Error>
@@ -21,30 +22,30 @@ bool isA(const std::exception& error) {
 
 struct ErrorResult {
   bool (*matches)(const std::exception& error);
-  JobResult result;
+  agent::JobResult result;
 };
 
 // What each refusal is answered by; the first match counts, anything else is unspecified.
 constexpr ErrorResult kErrorResults[] = {
-    {isA<EJobIsRunning>, kJobOtherJobRunning},
-    {isA<ETargetInUse>, kJobTargetInUse},
-    {isA<EInvalidUri>, kJobInvalidUri},
-    {isA<EUriDoesNotExist>, kJobUriDoesNotExist},
-    {isA<EImageReadError>, kJobImageReadError},
-    {isA<EAdapterNotSupported>, kJobAdapterNotSupported},
-    {isA<utils::EInvalidParameter>, kJobInvalidParameter},
-    {isA<utils::EUnspecifiedError>, kJobUnspecifiedError},
-    {isA<EDowngradeDetected>, kJobDowngradeDetected},
-    {isA<ENotApplicableForTarget>, kJobNotApplicable},
+    {isA<EJobIsRunning>, agent::kJobOtherJobRunning},
+    {isA<ETargetInUse>, agent::kJobTargetInUse},
+    {isA<EInvalidUri>, agent::kJobInvalidUri},
+    {isA<EUriDoesNotExist>, agent::kJobUriDoesNotExist},
+    {isA<EImageReadError>, agent::kJobImageReadError},
+    {isA<EAdapterNotSupported>, agent::kJobAdapterNotSupported},
+    {isA<utils::EInvalidParameter>, agent::kJobInvalidParameter},
+    {isA<utils::EUnspecifiedError>, agent::kJobUnspecifiedError},
+    {isA<EDowngradeDetected>, agent::kJobDowngradeDetected},
+    {isA<ENotApplicableForTarget>, agent::kJobNotApplicable},
 };
 
-JobResult toResult(const std::exception& error) {
+agent::JobResult toResult(const std::exception& error) {
   for (const ErrorResult& entry : kErrorResults) {
     if (entry.matches(error)) {
       return entry.result;
     }
   }
-  return kJobUnspecifiedError;
+  return agent::kJobUnspecifiedError;
 }
 
 }  // namespace
@@ -63,8 +64,9 @@ std::int32_t Orvex_ConcreteJobClass::verifyOrCreateNewJob(
     if (create) {
       return createNewJob(target, uri, installOptions, installOptionsValues, job);
     }
-    checkAndVerifyImage(target, uri, installOptions, installOptionsValues).reservation.abandon();
-    return kJobAccepted;
+    agent::checkAndVerifyImage(target, uri, installOptions, installOptionsValues)
+        .reservation.abandon();
+    return agent::kJobAccepted;
   } catch (const std::exception& error) {
     utils::logError(kLog, kVerifyOrCreate, "Exception: '%s'", error.what());
     return toResult(error);
@@ -98,17 +100,19 @@ std::int32_t Orvex_ConcreteJobClass::createNewJob(
                   static_cast<int>(m_nextJobNumber));
   auto created = std::make_unique<Orvex_ConcreteJob>(target, m_nextJobNumber, uri, installOptions,
                                                      installOptionsValues, m_clock);
+  // Here, so that a refused request uses up no number.
   ++m_nextJobNumber;
   created->setPropertyValues();
   instances().add(created.get());
+  // The list owns it from here on.
   Orvex_ConcreteJob* const newJob = created.release();
   const utils::Datetime timeout(utils::currentMicroseconds() + kStartTimeout);
   if (newJob->requestStateChange(Orvex_ConcreteJob::kRequestStart, timeout) !=
       Orvex_ConcreteJob::kStateChanged) {
     instances().remove(newJob);
     delete newJob;
-    return kJobStartFailed;
+    return agent::kJobStartFailed;
   }
   job = newJob;
-  return kJobAccepted;
+  return agent::kJobAccepted;
 }

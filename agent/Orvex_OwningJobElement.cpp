@@ -25,8 +25,10 @@ Orvex_OwningJobElementClass::Orvex_OwningJobElementClass()
 
 void Orvex_OwningJobElementClass::refresh() {
   instances().clear();
-  const Instances services = findInstances(Orvex_SoftwareInstallationService::kClassName);
-  const Instances jobs = findInstances(Orvex_ConcreteJob::kClassName);
+  const agent::Instances services =
+      agent::findInstances(Orvex_SoftwareInstallationService::kClassName);
+  const agent::Instances jobs = agent::findInstances(Orvex_ConcreteJob::kClassName);
+  // The condition is part of the message that clients see, and so stays to the letter.
   ORVEX_ASSERT(kLog, (int)services.size() == 1);
   for (core::CimInstance* job : jobs) {
     instances().add(new Orvex_OwningJobElement(services.front(), job));

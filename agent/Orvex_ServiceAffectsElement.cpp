@@ -30,10 +30,12 @@ Orvex_ServiceAffectsElementClass::Orvex_ServiceAffectsElementClass()
 
 void Orvex_ServiceAffectsElementClass::refresh() {
   instances().clear();
-  const Instances services = findInstances(Orvex_SoftwareInstallationService::kClassName);
-  const auto ports = findInstancesOf<Orvex_EthernetPort>();
-  const auto controllers = findInstancesOf<Orvex_PortController>();
-  const auto identities = findInstancesOf<Orvex_SoftwareIdentity>();
+  const agent::Instances services =
+      agent::findInstances(Orvex_SoftwareInstallationService::kClassName);
+  const auto ports = agent::findInstancesOf<Orvex_EthernetPort>();
+  const auto controllers = agent::findInstancesOf<Orvex_PortController>();
+  const auto identities = agent::findInstancesOf<Orvex_SoftwareIdentity>();
+  // The condition is part of the message that clients see, and so stays to the letter.
   ORVEX_ASSERT(kLog, (int)services.size() == 1);
   const auto affect = [&](core::CimInstance* element) {
     instances().add(new Orvex_ServiceAffectsElement(element, services.front()));

@@ -30,29 +30,30 @@ Orvex_SoftwareInstallationService::~Orvex_SoftwareInstallationService() = defaul
 
 std::uint32_t Orvex_SoftwareInstallationService::InstallFromSoftwareIdentity(
     core::CimPropertyList* in, core::CimPropertyList* /*out*/, core::CimInstance** job) {
-  const install::Method& method = install::kInstallFromSoftwareIdentity;
+  const agent::Method& method = agent::kInstallFromSoftwareIdentity;
   const utils::TimeStamp timeStamp("InstallFromSoftwareIdentity");
-  const install::Arguments arguments(in);
+  const agent::Arguments arguments(in);
   const auto& options = arguments.expect<core::CimPropertyUint16_arr>("InstallOptions");
   const auto& values = arguments.expect<core::CimPropertyString_arr>("InstallOptionsValues");
   const auto& source = arguments.expect<core::CimPropertyRef>("Source");
   const auto& target = arguments.expect<core::CimPropertyRef>("Target");
   const auto& collection = arguments.expect<core::CimPropertyRef>("Collection");
-  if (!install::isForTarget(method, source, target, collection)) {
+  if (!agent::isForTarget(method, source, target, collection)) {
     return cim::kCollectionNotSupported;
   }
-  install::expectValues({&options, &source, &target});
+  agent::expectValues({&options, &source, &target});
   utils::logDebug(kLog, method.function, "Starting arguments verification success");
-  if (!install::areOptionsSupported(options.getValue()) ||
+  // The identity says which image types it holds, so a request may not choose among them.
+  if (!agent::areOptionsSupported(options.getValue()) ||
       hasOption(options.getValue(), kTargetTypes)) {
     utils::logDebug(kLog, method.function, "One of value of InstallOptions value is not supported");
     return cim::kInvalidParameter;
   }
-  const std::optional<std::string> uri = install::findUri(method, source.toString());
+  const std::optional<std::string> uri = agent::findUri(method, source.toString());
   if (!uri) {
     return cim::kInvalidParameter;
   }
-  return install::processUpdate(
+  return agent::processUpdate(
       method, {*uri, target.toString(), options.getValue(), values.getValue()}, job);
 }
 
@@ -60,35 +61,35 @@ std::uint32_t Orvex_SoftwareInstallationService::InstallFromURI(core::CimPropert
                                                                 core::CimPropertyList* /*out*/,
                                                                 core::CimInstance** job) {
   const utils::TimeStamp timeStamp("InstallFromURI");
-  const install::Arguments arguments(in);
+  const agent::Arguments arguments(in);
   const auto& uri = arguments.expect<core::CimPropertyString>("URI");
   const auto& target = arguments.expect<core::CimPropertyRef>("Target");
   const auto& options = arguments.expect<core::CimPropertyUint16_arr>("InstallOptions");
   const auto& values = arguments.expect<core::CimPropertyString_arr>("InstallOptionsValues");
-  install::expectValues({&uri, &target, &options});
-  if (!install::areOptionsSupported(options.getValue())) {
+  agent::expectValues({&uri, &target, &options});
+  if (!agent::areOptionsSupported(options.getValue())) {
     return cim::kInvalidParameter;
   }
-  return install::processUpdate(
-      install::kInstallFromUri,
+  return agent::processUpdate(
+      agent::kInstallFromUri,
       {uri.getValue(), target.toString(), options.getValue(), values.getValue()}, job);
 }
 
 std::uint32_t Orvex_SoftwareInstallationService::CheckSoftwareIdentity(core::CimPropertyList* in,
                                                                        core::CimPropertyList* out,
                                                                        core::CimInstance** job) {
-  const install::Method& method = install::kCheckSoftwareIdentity;
+  const agent::Method& method = agent::kCheckSoftwareIdentity;
   const utils::TimeStamp timeStamp("CheckSoftwareIdentity");
-  const install::Arguments inputs(in);
+  const agent::Arguments inputs(in);
   const auto& source = inputs.expect<core::CimPropertyRef>("Source");
   const auto& target = inputs.expect<core::CimPropertyRef>("Target");
   const auto& collection = inputs.expect<core::CimPropertyRef>("Collection");
   auto& characteristics =
-      install::Arguments(out).expect<core::CimPropertyUint16_arr>("InstallCharacteristics");
-  if (!install::isForTarget(method, source, target, collection)) {
+      agent::Arguments(out).expect<core::CimPropertyUint16_arr>("InstallCharacteristics");
+  if (!agent::isForTarget(method, source, target, collection)) {
     return cim::kCollectionNotSupported;
   }
-  install::expectValues({&source, &target});
+  agent::expectValues({&source, &target});
   utils::logDebug(kLog, method.function, "Starting arguments verification success");
   if (!characteristics.getValue().empty()) {
     utils::logDebug(kLog, method.function,
@@ -96,11 +97,11 @@ std::uint32_t Orvex_SoftwareInstallationService::CheckSoftwareIdentity(core::Cim
                     "value is not supported.");
     return cim::kInvalidParameter;
   }
-  const std::optional<std::string> uri = install::findUri(method, source.toString());
+  const std::optional<std::string> uri = agent::findUri(method, source.toString());
   if (!uri) {
     return cim::kInvalidParameter;
   }
-  const std::uint32_t code = install::processUpdate(method, {*uri, target.toString(), {}, {}}, job);
+  const std::uint32_t code = agent::processUpdate(method, {*uri, target.toString(), {}, {}}, job);
   if (code == cim::kCompletedWithNoError) {
     characteristics.setValue({kNoRebootRequired});
   }
@@ -110,7 +111,7 @@ std::uint32_t Orvex_SoftwareInstallationService::CheckSoftwareIdentity(core::Cim
 void Orvex_SoftwareInstallationService::setPropertyValues() {
   Caption.setValue("Ethernet Firmware Update");
   Description.setValue("Firmware Update Service for Zolan(R) Ethernet Adapters");
-  OperationalStatus.clear();
+  OperationalStatus.clear();  // a second call must not add a second status
   OperationalStatus.addValue(kOperationalStatusOk);
   SystemCreationClassName.setValue("CIM_UnitaryComputerSystem");
   SystemName.setValue(os::getComputerName());
@@ -119,6 +120,7 @@ void Orvex_SoftwareInstallationService::setPropertyValues() {
   PrimaryOwnerName.setValue("Zolan Corporation");
   PrimaryOwnerContact.setValue("https://www.zolan.example");
   core::markKeys(*this);
+  // Nothing is known of these; a value that somebody set does not stay.
   for (core::CimProperty* property :
        std::initializer_list<core::CimProperty*>{&InstanceID,
                                                  &ElementName,

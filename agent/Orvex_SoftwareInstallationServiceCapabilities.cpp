@@ -33,7 +33,7 @@ void Orvex_SoftwareInstallationServiceCapabilities::setPropertyValues() {
   SupportedAsynchronousActions.setValue({kInstallFromUri, kInstallFromSoftwareIdentity});
   SupportedSynchronousActions.setValue({kNoneSupported});
   for (const std::string_view name : utils::kFirmwareTypeNames) {
-    if (!name.empty()) {
+    if (!name.empty()) {  // the type None
       SupportedTargetTypes.addValue(std::string(name));
     }
   }

@@ -31,11 +31,14 @@ Orvex_SoftwareUpdateElementCapabilitiesClass::Orvex_SoftwareUpdateElementCapabil
 
 void Orvex_SoftwareUpdateElementCapabilitiesClass::refresh() {
   if (instances().size() != 0) {
+    // Both ends are made once and live as long as the agent; so does what connects them.
     return;
   }
-  const Instances services = findInstances(Orvex_SoftwareInstallationService::kClassName);
-  const Instances capabilities =
-      findInstances(Orvex_SoftwareInstallationServiceCapabilities::kClassName);
+  const agent::Instances services =
+      agent::findInstances(Orvex_SoftwareInstallationService::kClassName);
+  const agent::Instances capabilities =
+      agent::findInstances(Orvex_SoftwareInstallationServiceCapabilities::kClassName);
+  // The conditions are part of the messages that clients see, and so stay to the letter.
   ORVEX_ASSERT(kLog, (int)services.size() == 1);
   ORVEX_ASSERT(kLog, (int)capabilities.size() == 1);
   instances().add(

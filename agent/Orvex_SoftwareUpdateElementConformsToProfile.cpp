@@ -27,18 +27,19 @@ Orvex_SoftwareUpdateElementConformsToProfileClass::
 
 void Orvex_SoftwareUpdateElementConformsToProfileClass::refresh() {
   instances().clear();
-  const Instances profiles =
-      findLoggedInstances(log(), Orvex_SoftwareUpdateRegisteredProfile::kClassName);
-  const Instances services =
-      findLoggedInstances(log(), Orvex_SoftwareInstallationService::kClassName);
+  const agent::Instances profiles =
+      agent::findLoggedInstances(log(), Orvex_SoftwareUpdateRegisteredProfile::kClassName);
+  const agent::Instances services =
+      agent::findLoggedInstances(log(), Orvex_SoftwareInstallationService::kClassName);
   for (core::CimInstance* profile : profiles) {
-    const std::string instanceId = getPropertyText(*profile, "InstanceID");
+    const std::string instanceId = agent::getPropertyText(*profile, "InstanceID");
     utils::logDebug(kLog, kGetInstances, "['%s']", instanceId.c_str());
     if (instanceId != Orvex_SoftwareUpdateRegisteredProfile::kInstanceId) {
       continue;
     }
     for (core::CimInstance* service : services) {
-      utils::logDebug(kLog, kGetInstances, "['%s']", getPropertyText(*service, "Name").c_str());
+      utils::logDebug(kLog, kGetInstances, "['%s']",
+                      agent::getPropertyText(*service, "Name").c_str());
       instances().add(new Orvex_SoftwareUpdateElementConformsToProfile(profile, service));
     }
   }

@@ -7,6 +7,7 @@ namespace {
 
 constexpr utils::LogSource kLog{"Orvex_SoftwareUpdateReferencedProfile"};
 constexpr const char* kGetInstances = "Orvex_SoftwareUpdateReferencedProfileClass::getInstances";
+// What the inventory calls its profile. It serves it under the same class as this agent its own.
 constexpr const char* kPortProfileId = "Orvex:EthernetPort_Profile";
 
 }  // namespace
@@ -27,8 +28,8 @@ void Orvex_SoftwareUpdateReferencedProfileClass::refresh() {
   core::CimInstance* portProfile = nullptr;
   core::CimInstance* updateProfile = nullptr;
   for (core::CimInstance* profile :
-       findLoggedInstances(log(), Orvex_SoftwareUpdateRegisteredProfile::kClassName)) {
-    const std::string instanceId = getPropertyText(*profile, "InstanceID");
+       agent::findLoggedInstances(log(), Orvex_SoftwareUpdateRegisteredProfile::kClassName)) {
+    const std::string instanceId = agent::getPropertyText(*profile, "InstanceID");
     if (instanceId == kPortProfileId) {
       portProfile = profile;
     } else if (instanceId == Orvex_SoftwareUpdateRegisteredProfile::kInstanceId) {

@@ -2,7 +2,7 @@
 
 #include "Utils/Mutex.h"
 
-namespace target_in_progress {
+namespace agent {
 namespace {
 
 struct State {
@@ -18,18 +18,18 @@ State& state() {
 
 }  // namespace
 
-std::string get() {
+std::string getTargetInProgress() {
   const utils::ScopedLock lock(state().mutex);
   return state().target;
 }
 
-void set(const std::string& target) {
+void setTargetInProgress(const std::string& target) {
   const utils::ScopedLock lock(state().mutex);
   state().target = target;
 }
 
-void clear() {
-  set({});
+void clearTargetInProgress() {
+  setTargetInProgress({});
 }
 
-}  // namespace target_in_progress
+}  // namespace agent

@@ -6,16 +6,14 @@
 #include <string>
 #include <utility>
 
+namespace agent {
+
 // The name in progress, empty when there is none. Any thread may call; each operation locks.
 // Testing the name and setting it are two operations: two requests that arrive together can both
 // pass.
-namespace target_in_progress {
-
-[[nodiscard]] std::string get();
-void set(const std::string& target);
-void clear();
-
-}  // namespace target_in_progress
+[[nodiscard]] std::string getTargetInProgress();
+void setTargetInProgress(const std::string& target);
+void clearTargetInProgress();
 
 // Holds the name in progress from image checking to the end of the job, or to the refusal.
 class TargetReservation {
@@ -23,7 +21,7 @@ class TargetReservation {
   TargetReservation() = default;
   // Sets the name.
   explicit TargetReservation(const std::string& target) : m_isHeld(true) {
-    target_in_progress::set(target);
+    setTargetInProgress(target);
   }
   TargetReservation(const TargetReservation&) = delete;
   TargetReservation& operator=(const TargetReservation&) = delete;
@@ -38,7 +36,7 @@ class TargetReservation {
   // Clears the name, once.
   void release() {
     if (std::exchange(m_isHeld, false)) {
-      target_in_progress::clear();
+      clearTargetInProgress();
     }
   }
   // Leaves the name set for good.
@@ -47,5 +45,7 @@ class TargetReservation {
  private:
   bool m_isHeld = false;
 };
+
+}  // namespace agent
 
 #endif  // ORVEX_AGENT_TARGETINPROGRESS_H_

@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 #include <chrono>
 #include <malloc.h>
+#include <map>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -35,7 +36,8 @@ std::size_t heapBytes() {
 }
 
 std::unique_ptr<Orvex_ConcreteJob> makeFilledJob() {
-  auto job = std::make_unique<Orvex_ConcreteJob>(bench::Adapters::firstPort(), 1, VerifiedImage{});
+  auto job =
+      std::make_unique<Orvex_ConcreteJob>(bench::Adapters::firstPort(), 1, agent::VerifiedImage{});
   job->setPropertyValues();
   return job;
 }
@@ -188,6 +190,7 @@ void update(benchmark::State& state, bool toCompletion) {
     Orvex_ConcreteJob& job = startUpdate(adapters);
     const Clock::time_point answered = Clock::now();
     while (!job.threadControl(Orvex_ConcreteJob::kDeleteThread, 0)) {
+      // Short beside an update, and long enough to leave the job's thread the processor.
       std::this_thread::sleep_for(std::chrono::microseconds(100));
     }
     if (job.getJobState() != ConcreteJobState::Completed) {

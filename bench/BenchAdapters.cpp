@@ -25,7 +25,7 @@ constexpr const char* kAdaptersName = "adapters";
 void registerAgents() {
   static const bool isRegistered = [] {
     static core::SoftwareUpdateAgent agent;
-    core::addSoftwareInventoryAgent();
+    inventory::addSoftwareInventoryAgent();
     core::GetCimBroker().addAgent(&agent);
     return true;
   }();

@@ -10,7 +10,6 @@
 namespace cli {
 namespace {
 
-
 std::string nameOf(unsigned code) {
   const std::string_view name = cimxml::getStatusName(static_cast<cimxml::StatusCode>(code));
   return name.empty() ? "CIM status " + std::to_string(code) : std::string(name);

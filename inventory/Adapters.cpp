@@ -10,6 +10,7 @@ std::vector<Adapter> findAdapters() {
   std::vector<Adapter> adapters;
   for (const std::string& port : ma::enumerateAdapters()) {
     std::string identity = getAdapterIdentity(port);
+    // Ordered by address, the ports of an adapter follow each other.
     if (adapters.empty() || adapters.back().identity != identity) {
       adapters.push_back({std::move(identity), port});
     }

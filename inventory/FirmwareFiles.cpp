@@ -46,6 +46,7 @@ void Search::searchDirectory(const fs::path& directory) {
     problems.insert("Firmware directory '" + os::toShownText(directory) +
                     "' cannot be read: " + error.message());
   }
+  // A directory lists its files in an order of its own, which clients should not depend on.
   std::sort(paths.begin(), paths.end());
   for (const fs::path& path : paths) {
     examine(fs::absolute(path, error).lexically_normal());
@@ -54,6 +55,7 @@ void Search::searchDirectory(const fs::path& directory) {
 
 void Search::examine(const fs::path& path) {
   std::error_code error;
+  // A directory is left out in silence: an operator may keep files that are not offered in one.
   if (fs::is_directory(path, error) || !m_seen.insert(path).second) {
     return;
   }
@@ -96,7 +98,7 @@ std::vector<std::uint8_t> readFirmwareFile(const std::string& path) {
   std::vector<std::uint8_t> content(size);
   const std::int32_t read =
       os::readFile(path, content.data(), static_cast<std::int32_t>(content.size()));
-  content.resize(static_cast<std::size_t>(read));
+  content.resize(static_cast<std::size_t>(read));  // the file may have shrunk since
   return content;
 }
 

@@ -58,6 +58,7 @@ Orvex_ElementSoftwareIdentityClass::Orvex_ElementSoftwareIdentityClass()
 
 void Orvex_ElementSoftwareIdentityClass::refresh() {
   instances().clear();
+  // Once for each class: asking again would end the instances that the associations refer to.
   const std::vector<core::CimInstance*> identities =
       core::GetCimBroker().getInstances(Orvex_SoftwareIdentity::kClassName);
   const std::vector<Controller> controllers = findControllers();

@@ -69,6 +69,7 @@ class ImageFile final : public AdapterSoftware {
   [[nodiscard]] std::uint32_t getImageKind() const override { return kFirmwareImage; }
 
   [[nodiscard]] std::string compareWith(const Adapter& adapter) const override {
+    // Read anew: an identity outlives the enumeration, and files of 16 MiB are not kept for it.
     const std::vector<std::uint8_t> content = inventory::readFirmwareFile(m_path);
     const ma::ImageComparison comparison = ma::compareFlashImage(
         adapter.firstPort, content.data(), static_cast<std::uint32_t>(content.size()));

@@ -15,7 +15,7 @@
 #include "inventory/Orvex_SoftwareIdentityResource.h"
 #include "inventory/Orvex_SoftwareIdentityResourceClass.h"
 
-namespace core {
+namespace inventory {
 namespace {
 
 // What stands in for instances where only their properties count.
@@ -48,7 +48,7 @@ class AnyElementSoftware : public Orvex_ElementSoftwareIdentity {
 
 }  // namespace
 
-SoftwareInventoryAgent::SoftwareInventoryAgent() : CimAgent("Software Inventory") {
+SoftwareInventoryAgent::SoftwareInventoryAgent() : core::CimAgent("Software Inventory") {
   getClasses().add(new Orvex_EthernetPortClass);
   getClasses().add(new Orvex_PortControllerClass);
   getClasses().add(new Orvex_EthernetPortRegisteredProfileClass);
@@ -59,19 +59,20 @@ SoftwareInventoryAgent::SoftwareInventoryAgent() : CimAgent("Software Inventory"
 
 SoftwareInventoryAgent::~SoftwareInventoryAgent() = default;
 
-void SoftwareInventoryAgent::declareClasses(CimSchema& schema) const {
-  declareClass<Orvex_EthernetPort, AnyPort>(schema);
-  declareClass<Orvex_PortController, AnyController>(schema);
-  declareClass<Orvex_SoftwareIdentity, AnySoftware>(schema);
-  declareClass<Orvex_SoftwareIdentityResource, AnyResource>(schema);
-  declareClass<Orvex_ElementSoftwareIdentity, AnyElementSoftware>(schema);
-  declarePlainClasses<Orvex_EthernetPortRegisteredProfile>(schema);
+void SoftwareInventoryAgent::declareClasses(core::CimSchema& schema) const {
+  core::declareClass<Orvex_EthernetPort, AnyPort>(schema);
+  core::declareClass<Orvex_PortController, AnyController>(schema);
+  core::declareClass<Orvex_SoftwareIdentity, AnySoftware>(schema);
+  core::declareClass<Orvex_SoftwareIdentityResource, AnyResource>(schema);
+  core::declareClass<Orvex_ElementSoftwareIdentity, AnyElementSoftware>(schema);
+  core::declarePlainClasses<Orvex_EthernetPortRegisteredProfile>(schema);
 }
 
 void addSoftwareInventoryAgent() {
-  CimBroker& broker = GetCimBroker();
+  // The broker first: it is then destroyed after the agent.
+  core::CimBroker& broker = core::GetCimBroker();
   static SoftwareInventoryAgent agent;
   broker.addAgent(&agent);
 }
 
-}  // namespace core
+}  // namespace inventory

@@ -6,22 +6,22 @@
 #include "core/CimAgent.h"
 #include "inventory/FirmwareFiles.h"
 
-namespace core {
+namespace inventory {
 
-class SoftwareInventoryAgent : public CimAgent {
+class SoftwareInventoryAgent : public core::CimAgent {
  public:
   SoftwareInventoryAgent();
   ~SoftwareInventoryAgent() override;
 
-  void declareClasses(CimSchema& schema) const override;
+  void declareClasses(core::CimSchema& schema) const override;
 
  private:
-  inventory::FirmwareFiles m_files;
+  FirmwareFiles m_files;
 };
 
 // Adds the one agent of the process to the broker. For the module's load hook.
 void addSoftwareInventoryAgent();
 
-}  // namespace core
+}  // namespace inventory
 
 #endif  // ORVEX_INVENTORY_SOFTWAREINVENTORYAGENT_H_

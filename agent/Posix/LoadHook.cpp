@@ -11,7 +11,7 @@ constexpr utils::LogSource kLog{"MainDllEntry"};
 // entry point: the agent is destroyed before it.
 void attach() {
   static const std::unique_ptr<os::OSLocker> locker = os::createOSLocker();
-  DllMain(nullptr, kProcessAttach, nullptr);
+  DllMain(nullptr, agent::kProcessAttach, nullptr);
 }
 
 __attribute__((constructor)) void onLoad() {

@@ -7,7 +7,7 @@ namespace {
 constexpr utils::LogSource kLog{"SoftwareInventoryAgent"};
 
 __attribute__((constructor)) void onLoad() {
-  os::runLoadHook(kLog, os::kNotRegistered, core::addSoftwareInventoryAgent);
+  os::runLoadHook(kLog, os::kNotRegistered, inventory::addSoftwareInventoryAgent);
 }
 
 }  // namespace

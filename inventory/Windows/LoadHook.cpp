@@ -12,7 +12,7 @@ constexpr utils::LogSource kLog{"SoftwareInventoryAgent"};
 
 extern "C" BOOL WINAPI DllMain(HANDLE /*module*/, DWORD reason, LPVOID /*reserved*/) {
   if (reason == DLL_PROCESS_ATTACH) {
-    os::runLoadHook(kLog, os::kNotRegistered, core::addSoftwareInventoryAgent);
+    os::runLoadHook(kLog, os::kNotRegistered, inventory::addSoftwareInventoryAgent);
   }
   return TRUE;
 }

@@ -4,7 +4,7 @@
 #include "agent/TargetInProgress.h"
 #include "tests/agent/FakeMidApi.h"
 #include "tests/agent/FakeSystem.h"
-#include "tests/agent/IdentityMethod.h"
+#include "tests/agent/IdentityMethodFixture.h"
 #include "tests/support/TempDirectory.h"
 
 namespace {
@@ -12,9 +12,9 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class CheckSoftwareIdentity : public test::IdentityMethod {
+class CheckSoftwareIdentity : public test::IdentityMethodFixture {
  protected:
-  CheckSoftwareIdentity() : IdentityMethod(test::kCheckMethod) {}
+  CheckSoftwareIdentity() : IdentityMethodFixture(test::kCheckMethod) {}
 
   // Invokes, and expects that the characteristics are refused and stay.
   void expectCharacteristicsRefused(const std::vector<std::uint16_t>& values) {
@@ -73,7 +73,7 @@ TEST_F(CheckSoftwareIdentity, AcceptsAnEmptyArrayOfCharacteristics) {
 
 TEST_F(CheckSoftwareIdentity, LeavesTheCharacteristicsAloneWhenItRefuses) {
   m_characteristics.clear();
-  m_factory->result = kJobOtherJobRunning;
+  m_factory->result = agent::kJobOtherJobRunning;
   EXPECT_EQ(invoke(), 2u);
   EXPECT_FALSE(m_characteristics.isNull());
   EXPECT_THAT(m_characteristics.getValue(), IsEmpty());
@@ -87,7 +87,7 @@ class CheckedSoftwareIdentity : public CheckSoftwareIdentity {
     m_options.setValue({5});
     m_values.setValue({});
   }
-  ~CheckedSoftwareIdentity() override { target_in_progress::clear(); }
+  ~CheckedSoftwareIdentity() override { agent::clearTargetInProgress(); }
 
   // Asks for an update of the target by the method.
   std::uint32_t update(const std::string& method, const std::string& target) {
@@ -142,13 +142,14 @@ TEST_F(CheckedSoftwareIdentity, LeavesNoJob) {
 
 TEST_F(CheckedSoftwareIdentity, KeepsItsTargetInUse) {
   EXPECT_EQ(invoke(), 0u);
-  expectUpdatesRefused(target(), 6, kJobTargetInUse, inUse());
+  expectUpdatesRefused(target(), 6, agent::kJobTargetInUse, inUse());
 }
 
 TEST_F(CheckedSoftwareIdentity, HoldsUpUpdatesOfOtherTargets) {
   const std::string other = m_siblings.addPort("0000:04:00.0");
   EXPECT_EQ(invoke(), 0u);
-  expectUpdatesRefused(other, 2, kJobOtherJobRunning, "Other job is in progress '" + other + "'");
+  expectUpdatesRefused(other, 2, agent::kJobOtherJobRunning,
+                       "Other job is in progress '" + other + "'");
 }
 
 TEST_F(CheckedSoftwareIdentity, IsNotCheckedAgain) {
@@ -166,7 +167,7 @@ TEST_F(CheckedSoftwareIdentity, IsNotCheckedAgain) {
 TEST_F(CheckedSoftwareIdentity, HoldsUpNothingWhenItsCheckFailed) {
   m_midApi.prepareStatus = ma::PrepareStatus::NotForAdapter;
   EXPECT_EQ(invoke(), 4097u);
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
 
   m_midApi.prepareStatus = ma::PrepareStatus::Ok;
   EXPECT_EQ(update("InstallFromSoftwareIdentity", target()), 4096u);

@@ -23,15 +23,15 @@ class ConcreteJobFixture : public testing::Test {
   ~ConcreteJobFixture() override {
     m_midApi.releaseWrites();
     m_job.reset();
-    target_in_progress::clear();
+    agent::clearTargetInProgress();
   }
 
   std::unique_ptr<Orvex_ConcreteJob> makeJob(platform::Clock& clock = platform::steadyClock()) {
     return std::make_unique<Orvex_ConcreteJob>(
         kAdapter, 7,
-        VerifiedImage{bytesOf("image"),
-                      {utils::FirmwareType::Pxe, utils::FirmwareType::Iscsi},
-                      TargetReservation(kAdapter)},
+        agent::VerifiedImage{bytesOf("image"),
+                             {utils::FirmwareType::Pxe, utils::FirmwareType::Iscsi},
+                             agent::TargetReservation(kAdapter)},
         clock);
   }
 

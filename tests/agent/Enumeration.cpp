@@ -1,5 +1,8 @@
 #include "tests/agent/Enumeration.h"
 
+#include <algorithm>
+#include <gmock/gmock.h>
+
 #include "core/CimBroker.h"
 #include "core/CimPropertyRef.h"
 #include "core/CimPropertyTypes.h"
@@ -42,6 +45,16 @@ void visitProperties(core::CimInstance& instance, Visit visit) {
   }
 }
 
+// Returns whether the property is a Property, which then has the value.
+template <class Property, class Value>
+bool fillA(core::CimProperty& property, const Value& value) {
+  auto* const typed = dynamic_cast<Property*>(&property);
+  if (typed != nullptr) {
+    typed->setValue(value);
+  }
+  return typed != nullptr;
+}
+
 core::CimPropertyRef& reference(core::CimInstance& association, const std::string& name) {
   return dynamic_cast<core::CimPropertyRef&>(*association.getProperty(name));
 }
@@ -56,6 +69,30 @@ std::vector<NamedValue> filledProperties(core::CimInstance& instance) {
     }
   });
   return filled;
+}
+
+void expectFilled(core::CimInstance& instance, std::vector<NamedValue> expected) {
+  std::vector<NamedValue> filled = filledProperties(instance);
+  std::sort(filled.begin(), filled.end());
+  std::sort(expected.begin(), expected.end());
+  EXPECT_EQ(filled, expected);
+}
+
+void fillEveryProperty(core::CimInstance& instance) {
+  visitProperties(instance, [](core::CimProperty& property) {
+    const bool isFilled =
+        fillA<core::CimPropertyString>(property, "x") ||
+        fillA<core::CimPropertyUint8>(property, std::uint8_t{1}) ||
+        fillA<core::CimPropertySint8>(property, std::int8_t{1}) ||
+        fillA<core::CimPropertyUint16>(property, std::uint16_t{1}) ||
+        fillA<core::CimPropertyUint32>(property, 1u) ||
+        fillA<core::CimPropertyUint64>(property, 1u) ||
+        fillA<core::CimPropertyBoolean>(property, std::uint8_t{1}) ||
+        fillA<core::CimPropertyDatetime>(property, utils::Datetime()) ||
+        fillA<core::CimPropertyUint16_arr>(property, std::vector<std::uint16_t>{1}) ||
+        fillA<core::CimPropertyString_arr>(property, std::vector<std::string>{"x"});
+    EXPECT_TRUE(isFilled) << property.getName();
+  });
 }
 
 std::vector<std::string> keyNames(core::CimInstance& instance) {

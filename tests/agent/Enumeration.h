@@ -3,16 +3,12 @@
 #ifndef ORVEX_TESTS_AGENT_ENUMERATION_H_
 #define ORVEX_TESTS_AGENT_ENUMERATION_H_
 
-#include <gmock/gmock.h>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "core/CimClass.h"
-#include "tests/agent/FakeMidApi.h"
-#include "tests/agent/FakeSiblings.h"
 #include "tests/support/LogCapture.h"
-#include "tests/support/Throws.h"
 
 namespace test {
 
@@ -21,6 +17,10 @@ using NamedValue = std::pair<std::string, std::string>;
 
 // Returns the properties in force that are not null.
 [[nodiscard]] std::vector<NamedValue> filledProperties(core::CimInstance& instance);
+// Expects that these properties have these values, in any order, and that the others are null.
+void expectFilled(core::CimInstance& instance, std::vector<NamedValue> expected);
+// Gives each property some value.
+void fillEveryProperty(core::CimInstance& instance);
 // Returns the names of the properties that are marked as keys, in order.
 [[nodiscard]] std::vector<std::string> keyNames(core::CimInstance& instance);
 
@@ -51,108 +51,6 @@ struct EnumerationNames {
 // behind the first of them.
 void expectEnumeration(const LogCapture& log, const EnumerationNames& names,
                        const std::vector<std::string>& messages);
-
-// A provider whose one instance is made by the first enumeration.
-template <class Provider, class Instance>
-class SingleInstanceTest : public testing::Test {
- protected:
-  explicit SingleInstanceTest(EnumerationNames names) : m_names(std::move(names)) {}
-
-  // Returns the one instance that an enumeration yields.
-  Instance& enumerate() {
-    m_log.clear();
-    const std::vector<core::CimInstance*> instances = instancesOf(m_provider);
-    EXPECT_EQ(instances.size(), 1u);
-    return dynamic_cast<Instance&>(*instances.at(0));
-  }
-
-  void expectServedUnder(const std::string& className) {
-    EXPECT_EQ(m_provider.getName(), className);
-    EXPECT_EQ(enumerate().getClassName(), className);
-  }
-
-  void expectTheFirstInstanceIsKept() {
-    const Instance* const first = &enumerate();
-    EXPECT_EQ(&enumerate(), first);
-  }
-
-  void expectRecords() {
-    enumerate();
-    expectEnumeration(m_log, m_names, {"getInstance", "create new instance", "return 1"});
-    enumerate();
-    expectEnumeration(m_log, m_names, {"getInstance", "return 1"});
-  }
-
-  LogCapture m_log;
-  Provider m_provider;
-
- private:
-  const EnumerationNames m_names;
-};
-
-// A provider of associations, with the names of the two references that they have.
-template <class Provider>
-class AssociationTest : public testing::Test {
- protected:
-  AssociationTest(EnumerationNames names, std::string first, std::string second)
-      : m_names(std::move(names)), m_first(std::move(first)), m_second(std::move(second)) {}
-
-  std::vector<Ends> enumerate() {
-    m_log.clear();
-    return enumerateEnds(m_provider, m_first, m_second);
-  }
-
-  std::vector<Targets> enumerateTargets() {
-    return test::enumerateTargets(m_provider, m_first, m_second);
-  }
-
-  // Returns the classes that an enumeration asks for.
-  std::vector<std::string> requests() {
-    m_siblings.takeRequests();
-    static_cast<void>(m_provider.getInstances());
-    return m_siblings.takeRequests();
-  }
-
-  // Of the last enumeration.
-  void expectRecords(const std::vector<std::string>& messages) const {
-    expectEnumeration(m_log, m_names, messages);
-  }
-
-  // Expects of each association that it holds its two references and nothing else.
-  void expectReferencesOnly() {
-    const std::vector<core::CimInstance*> associations = instancesOf(m_provider);
-    EXPECT_THAT(associations, testing::Not(testing::IsEmpty()));
-    for (core::CimInstance* association : associations) {
-      EXPECT_THAT(filledProperties(*association),
-                  testing::ElementsAre(testing::Key(m_first), testing::Key(m_second)));
-    }
-  }
-
-  void expectRefusal(const std::string& condition) {
-    EXPECT_THAT([this] { static_cast<void>(enumerate()); },
-                ThrowsExactly<utils::Exception>(IsAssertion(m_names.source, condition)));
-    expectRecords({"getInstances"});
-  }
-
-  // Expects that an enumeration that is refused leaves nothing of the one before.
-  void expectRefusalEmptiesTheList(const std::string& condition) {
-    core::InstanceList::Iterator cursor = m_provider.getInstances();
-    EXPECT_NE(cursor.first(), nullptr);
-    m_siblings.addService();
-    expectRefusal(condition);
-    EXPECT_EQ(cursor.first(), nullptr);
-  }
-
-  LogCapture m_log;
-  FakeMidApi m_midApi;
-  FakeSiblings m_siblings;
-  Provider m_provider;
-
- private:
-  const EnumerationNames m_names;
-  const std::string m_first;
-  const std::string m_second;
-};
 
 }  // namespace test
 

@@ -186,7 +186,7 @@ std::string FakeSiblings::addRegisteredProfile(const std::string& instanceId) {
 std::string FakeSiblings::addJob(const std::string& target) {
   const auto number =
       static_cast<std::uint32_t>(agent().instancesOf(Orvex_ConcreteJob::kClassName).size() + 1);
-  auto job = std::make_unique<Orvex_ConcreteJob>(target, number, VerifiedImage{});
+  auto job = std::make_unique<Orvex_ConcreteJob>(target, number, agent::VerifiedImage{});
   job->InstanceID.setValue("Orvex:" + job->getInstanceId());
   job->InstanceID.setKey();
   return add(std::move(job));

@@ -37,10 +37,10 @@ using Values = std::vector<std::string>;
 
 class ImageVerification : public testing::Test {
  protected:
-  ~ImageVerification() override { target_in_progress::clear(); }
+  ~ImageVerification() override { agent::clearTargetInProgress(); }
 
-  VerifiedImage check(const Options& options = {kUpdate}, const Values& values = {}) {
-    return checkAndVerifyImage(kAdapter, m_uri, options, values);
+  agent::VerifiedImage check(const Options& options = {kUpdate}, const Values& values = {}) {
+    return agent::checkAndVerifyImage(kAdapter, m_uri, options, values);
   }
 
   // Returns a check for matchers of what it throws.
@@ -68,7 +68,7 @@ class ImageVerification : public testing::Test {
 TEST_F(ImageVerification, HandsTheFileToTheLibraryAndReturnsWhatThatPrepared) {
   m_midApi.prepared = test::bytesOf("smaller");
 
-  const VerifiedImage image = check({kUpdate, kTargetTypes}, {"", "IMG_PXE+IMG_UEFI"});
+  const agent::VerifiedImage image = check({kUpdate, kTargetTypes}, {"", "IMG_PXE+IMG_UEFI"});
 
   EXPECT_EQ(image.bytes, test::bytesOf("smaller"));
   EXPECT_THAT(image.targetTypes, ElementsAre(FirmwareType::Pxe, FirmwareType::Uefi));
@@ -87,36 +87,36 @@ TEST_F(ImageVerification, LogsItsSteps) {
 
 TEST_F(ImageVerification, KeepsTheTargetInProgressForTheLifeOfItsResult) {
   {
-    const VerifiedImage image = check();
-    EXPECT_EQ(target_in_progress::get(), kAdapter);
+    const agent::VerifiedImage image = check();
+    EXPECT_EQ(agent::getTargetInProgress(), kAdapter);
   }
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
 }
 
 TEST_F(ImageVerification, RefusesATargetThatIsBeingUpdated) {
-  target_in_progress::set(kAdapter);
+  agent::setTargetInProgress(kAdapter);
 
   EXPECT_THAT(checking(), ThrowsExactly<ETargetInUse>(
                               "Quorvel: ETargetInUse:Firmware update for 0000:03:00.0 is currently "
                               "in progress"));
-  EXPECT_EQ(target_in_progress::get(), kAdapter);
+  EXPECT_EQ(agent::getTargetInProgress(), kAdapter);
   EXPECT_THAT(m_midApi.calls(), IsEmpty());
 }
 
 TEST_F(ImageVerification, RefusesATargetWhileAnotherIsBeingUpdated) {
-  target_in_progress::set(kOtherAdapter);
+  agent::setTargetInProgress(kOtherAdapter);
 
   EXPECT_THAT(checking(), ThrowsExactly<EJobIsRunning>(
                               "Quorvel: EJobIsRunning:Other job for 0000:04:00.0 is running at "
                               "this moment"));
-  EXPECT_EQ(target_in_progress::get(), kOtherAdapter);
+  EXPECT_EQ(agent::getTargetInProgress(), kOtherAdapter);
 }
 
 TEST_F(ImageVerification, RefusesUrisThatItCannotRead) {
   for (const char* uri : {"", "image.rom", "http://host/image.rom", "gopher://x", "file:/x"}) {
     EXPECT_THAT(checkingUri(uri), ThrowsExactly<EInvalidUri>(std::string("Quorvel: EInvalidUri:") +
                                                              "URI: " + uri + " is invalid"));
-    EXPECT_EQ(target_in_progress::get(), "") << uri;
+    EXPECT_EQ(agent::getTargetInProgress(), "") << uri;
   }
 }
 
@@ -126,7 +126,7 @@ TEST_F(ImageVerification, RefusesAUriThatNamesNoFile) {
   for (const std::string& uri : {missing, directory}) {
     EXPECT_THAT(checkingUri(uri), ThrowsExactly<EUriDoesNotExist>(
                                       "Quorvel: EUriDoesNotExist:URI: " + uri + " is invalid"));
-    EXPECT_EQ(target_in_progress::get(), "") << uri;
+    EXPECT_EQ(agent::getTargetInProgress(), "") << uri;
   }
 }
 
@@ -136,7 +136,7 @@ TEST_F(ImageVerification, RefusesAFileThatIsCutWhileItIsRead) {
   EXPECT_THAT(checking(),
               ThrowsExactly<EImageReadError>("Quorvel: EImageReadError:Image read error: " + m_uri +
                                              " (" + m_file.string() + ")"));
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
   EXPECT_THAT(m_midApi.calls(), IsEmpty());
 }
 
@@ -158,7 +158,7 @@ TEST_F(ImageVerification, RefusesWhatTheLibraryRefuses) {
   EXPECT_THAT(refusing(ma::PrepareStatus::InternalFault),
               ThrowsExactly<utils::EUnspecifiedError>(
                   about("EUnspecifiedError:Unspecified error occurred for ", m_uri)));
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
 }
 
 TEST_F(ImageVerification, RefusalsOfTheLibraryStandWithForceAndConsent) {
@@ -191,7 +191,7 @@ TEST_F(ImageVerification, RefusesADowngradeUnlessForced) {
   m_config.isDowngradeEnabled = true;
 
   EXPECT_THAT(checking(), ThrowsExactly<EDowngradeDetected>(downgradeOf(m_uri)));
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
 }
 
 TEST_F(ImageVerification, AcceptsAForcedDowngradeWithoutTheConfigurationsConsent) {
@@ -206,7 +206,7 @@ TEST_F(ImageVerification, RefusesOtherTypesWithoutTheConfigurationsConsent) {
   EXPECT_THAT(checking(), ThrowsExactly<EDowngradeDetected>(kOtherTypes));
   EXPECT_THAT(checking({kForceInstallation, kUpdate}),
               ThrowsExactly<EDowngradeDetected>(kOtherTypes));
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
   EXPECT_THAT(m_log.messages(kCheck),
               AllOf(testing::Contains("DowngradeEnable: 0, ForceInstall: 0"),
                     testing::Contains("DowngradeEnable: 0, ForceInstall: 1")));
@@ -231,7 +231,7 @@ TEST_F(ImageVerification, AcceptsOtherTypesWithForceAndConsent) {
 TEST_F(ImageVerification, ClearsTheTargetWhenATypeIsUnknown) {
   EXPECT_THAT(checking({kTargetTypes}, {"IMG_OTHER"}),
               ThrowsExactly<utils::EInvalidParameter>(HasSubstr("IMG_OTHER is not recognized")));
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
 }
 
 class GetTargetTypes : public testing::Test {
@@ -245,44 +245,45 @@ class GetTargetTypes : public testing::Test {
 };
 
 TEST_F(GetTargetTypes, KeepsTheOrderOfTheNames) {
-  EXPECT_THAT(getTargetTypes({kTargetTypes}, {"IMG_PXE+IMG_iSCSI"}),
+  EXPECT_THAT(agent::getTargetTypes({kTargetTypes}, {"IMG_PXE+IMG_iSCSI"}),
               ElementsAre(FirmwareType::Pxe, FirmwareType::Iscsi));
 }
 
 TEST_F(GetTargetTypes, KnowsEveryName) {
-  EXPECT_THAT(getTargetTypes({kTargetTypes}, {"IMG_FCoE+IMG_UEFI+IMG_PXE+IMG_iSCSI+IMG_CLP"}),
-              ElementsAre(FirmwareType::Fcoe, FirmwareType::Uefi, FirmwareType::Pxe,
-                          FirmwareType::Iscsi, FirmwareType::Clp));
+  EXPECT_THAT(
+      agent::getTargetTypes({kTargetTypes}, {"IMG_FCoE+IMG_UEFI+IMG_PXE+IMG_iSCSI+IMG_CLP"}),
+      ElementsAre(FirmwareType::Fcoe, FirmwareType::Uefi, FirmwareType::Pxe, FirmwareType::Iscsi,
+                  FirmwareType::Clp));
 }
 
 TEST_F(GetTargetTypes, KeepsRepetitions) {
-  EXPECT_THAT(getTargetTypes({kTargetTypes}, {"IMG_PXE+IMG_PXE"}),
+  EXPECT_THAT(agent::getTargetTypes({kTargetTypes}, {"IMG_PXE+IMG_PXE"}),
               ElementsAre(FirmwareType::Pxe, FirmwareType::Pxe));
 }
 
 TEST_F(GetTargetTypes, TrimsBlanksAndTabs) {
-  EXPECT_THAT(getTargetTypes({kTargetTypes}, {" \tIMG_PXE\t + IMG_CLP "}),
+  EXPECT_THAT(agent::getTargetTypes({kTargetTypes}, {" \tIMG_PXE\t + IMG_CLP "}),
               ElementsAre(FirmwareType::Pxe, FirmwareType::Clp));
 }
 
 TEST_F(GetTargetTypes, TakesAnEmptyNameForTypeZero) {
-  EXPECT_THAT(getTargetTypes({kTargetTypes}, {"+IMG_PXE"}),
+  EXPECT_THAT(agent::getTargetTypes({kTargetTypes}, {"+IMG_PXE"}),
               ElementsAre(FirmwareType::None, FirmwareType::Pxe));
-  EXPECT_THAT(getTargetTypes({kTargetTypes}, {"IMG_PXE+ "}),
+  EXPECT_THAT(agent::getTargetTypes({kTargetTypes}, {"IMG_PXE+ "}),
               ElementsAre(FirmwareType::Pxe, FirmwareType::None));
-  EXPECT_THAT(getTargetTypes({kTargetTypes}, {"+"}),
+  EXPECT_THAT(agent::getTargetTypes({kTargetTypes}, {"+"}),
               ElementsAre(FirmwareType::None, FirmwareType::None));
 }
 
 TEST_F(GetTargetTypes, QuotesNothing) {
   const auto quoted = [] {
-    static_cast<void>(getTargetTypes({kTargetTypes}, {"\"IMG_PXE+IMG_CLP\""}));
+    static_cast<void>(agent::getTargetTypes({kTargetTypes}, {"\"IMG_PXE+IMG_CLP\""}));
   };
   EXPECT_THAT(quoted, ThrowsExactly<utils::EInvalidParameter>(HasSubstr(". \"IMG_PXE is not")));
 }
 
 TEST_F(GetTargetTypes, RefusesANameInOtherCase) {
-  const auto call = [] { static_cast<void>(getTargetTypes({kTargetTypes}, {"img_pxe"})); };
+  const auto call = [] { static_cast<void>(agent::getTargetTypes({kTargetTypes}, {"img_pxe"})); };
 
   EXPECT_THAT(call, ThrowsExactly<utils::EInvalidParameter>(
                         "Quorvel: EInvalidParameter:Invalid parameter detected for TargetTypes. "
@@ -290,24 +291,25 @@ TEST_F(GetTargetTypes, RefusesANameInOtherCase) {
 }
 
 TEST_F(GetTargetTypes, GoesThroughEveryPositionOfTheOption) {
-  EXPECT_THAT(getTargetTypes({kTargetTypes, kUpdate, kTargetTypes}, {"IMG_UEFI", "x", "IMG_CLP"}),
-              ElementsAre(FirmwareType::Uefi, FirmwareType::Clp));
+  EXPECT_THAT(
+      agent::getTargetTypes({kTargetTypes, kUpdate, kTargetTypes}, {"IMG_UEFI", "x", "IMG_CLP"}),
+      ElementsAre(FirmwareType::Uefi, FirmwareType::Clp));
 }
 
 TEST_F(GetTargetTypes, DropsWhatItFoundWhenALaterPositionHasNoValue) {
-  EXPECT_THAT(getTargetTypes({kTargetTypes, kTargetTypes}, {"IMG_UEFI"}), IsEmpty());
+  EXPECT_THAT(agent::getTargetTypes({kTargetTypes, kTargetTypes}, {"IMG_UEFI"}), IsEmpty());
   EXPECT_THAT(messages(), testing::Contains("No TargetTypes detected in values"));
 }
 
 TEST_F(GetTargetTypes, LogsThatThereIsNoOption) {
-  EXPECT_THAT(getTargetTypes({kUpdate}, {"IMG_PXE"}), IsEmpty());
+  EXPECT_THAT(agent::getTargetTypes({kUpdate}, {"IMG_PXE"}), IsEmpty());
 
   EXPECT_THAT(messages(), ElementsAre("InstallOptions Size: 1", "InstallOptionsValues Size: 1",
                                       "No TargetTypes defined"));
 }
 
 TEST_F(GetTargetTypes, LogsThatThereIsNoValue) {
-  EXPECT_THAT(getTargetTypes({kUpdate, kTargetTypes}, {"IMG_PXE"}), IsEmpty());
+  EXPECT_THAT(agent::getTargetTypes({kUpdate, kTargetTypes}, {"IMG_PXE"}), IsEmpty());
 
   EXPECT_THAT(messages(), ElementsAre("InstallOptions Size: 2", "InstallOptionsValues Size: 1",
                                       "InstallOptions contains TargetTypes on 1 position",
@@ -315,7 +317,7 @@ TEST_F(GetTargetTypes, LogsThatThereIsNoValue) {
 }
 
 TEST_F(GetTargetTypes, LogsThatAValueIsEmpty) {
-  EXPECT_THAT(getTargetTypes({kTargetTypes, kTargetTypes}, {"", "IMG_PXE"}), IsEmpty());
+  EXPECT_THAT(agent::getTargetTypes({kTargetTypes, kTargetTypes}, {"", "IMG_PXE"}), IsEmpty());
 
   EXPECT_THAT(messages(), ElementsAre("InstallOptions Size: 2", "InstallOptionsValues Size: 2",
                                       "InstallOptions contains TargetTypes on 0 position",
@@ -324,7 +326,7 @@ TEST_F(GetTargetTypes, LogsThatAValueIsEmpty) {
 }
 
 TEST_F(GetTargetTypes, LogsHowEachNameIsFound) {
-  static_cast<void>(getTargetTypes({kTargetTypes}, {" IMG_iSCSI"}));
+  static_cast<void>(agent::getTargetTypes({kTargetTypes}, {" IMG_iSCSI"}));
 
   EXPECT_THAT(m_log.records(),
               testing::Each(test::IsRecordOf(kSource, LogLevel::Debug,

@@ -1,15 +1,15 @@
 // What CheckSoftwareIdentity does alike is in SoftwareIdentityMethodsTest.cpp.
 
-#include "tests/agent/IdentityMethod.h"
+#include "tests/agent/IdentityMethodFixture.h"
 
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class InstallFromSoftwareIdentity : public test::IdentityMethod {
+class InstallFromSoftwareIdentity : public test::IdentityMethodFixture {
  protected:
-  InstallFromSoftwareIdentity() : IdentityMethod(test::kInstallMethod) {}
+  InstallFromSoftwareIdentity() : IdentityMethodFixture(test::kInstallMethod) {}
 
   void expectOptionsRefused(const std::vector<std::uint16_t>& options) {
     m_options.setValue(options);

@@ -31,7 +31,7 @@ class UpdateTarget : public testing::Test {
  protected:
   std::uint32_t update(const std::string& targetPath) {
     m_update.targetPath = targetPath;
-    return install::processUpdate(install::kInstallFromUri, m_update, &m_job);
+    return agent::processUpdate(agent::kInstallFromUri, m_update, &m_job);
   }
 
   // Returns an update for matchers of what it throws.
@@ -57,7 +57,7 @@ class UpdateTarget : public testing::Test {
   std::optional<test::FakeJobFactory> m_factory{std::in_place};
   Orvex_SoftwareInstallationService m_created;  // stands for a job
   core::CimInstance* m_job = nullptr;
-  install::Update m_update{"file:///image.rom", "", {kUpdate}, {"IMG_PXE"}};
+  agent::Update m_update{"file:///image.rom", "", {kUpdate}, {"IMG_PXE"}};
 };
 
 TEST_F(UpdateTarget, AsksForAJobForThePort) {
@@ -83,7 +83,7 @@ TEST_F(UpdateTarget, NeedsNoPlaceForTheJob) {
   m_update.targetPath = m_siblings.addPort("0000:03:00.0");
   m_factory->created = &m_created;
 
-  EXPECT_EQ(install::processUpdate(install::kInstallFromUri, m_update, nullptr), 4096u);
+  EXPECT_EQ(agent::processUpdate(agent::kInstallFromUri, m_update, nullptr), 4096u);
 }
 
 TEST_F(UpdateTarget, TakesTheFirstPortOfAController) {
@@ -191,22 +191,22 @@ INSTANTIATE_TEST_SUITE_P(JobResults, UpdateTargetResult,
                          testing::ValuesIn(test::allJobAnswers("Job creation")));
 
 TEST(AreOptionsSupported, NeedsTheUpdateOption) {
-  EXPECT_TRUE(install::areOptionsSupported({5}));
-  EXPECT_TRUE(install::areOptionsSupported({3, 5}));
-  EXPECT_FALSE(install::areOptionsSupported({3}));
-  EXPECT_FALSE(install::areOptionsSupported({}));
+  EXPECT_TRUE(agent::areOptionsSupported({5}));
+  EXPECT_TRUE(agent::areOptionsSupported({3, 5}));
+  EXPECT_FALSE(agent::areOptionsSupported({3}));
+  EXPECT_FALSE(agent::areOptionsSupported({}));
 }
 
 TEST(AreOptionsSupported, RefusesWhatTheServiceCannotDo) {
   for (const std::uint16_t option : Options{2, 4, 6, 7, 8, 9, 10, 11, 12}) {
-    EXPECT_FALSE(install::areOptionsSupported(Options{5, option})) << option;
-    EXPECT_FALSE(install::areOptionsSupported(Options{option, 3, 5})) << option;
+    EXPECT_FALSE(agent::areOptionsSupported(Options{5, option})) << option;
+    EXPECT_FALSE(agent::areOptionsSupported(Options{option, 3, 5})) << option;
   }
 }
 
 TEST(AreOptionsSupported, LetsOtherValuesPass) {
   for (const std::uint16_t option : Options{0, 1, 3, 13, 14, 32767, 32768, 65535}) {
-    EXPECT_TRUE(install::areOptionsSupported(Options{5, option})) << option;
+    EXPECT_TRUE(agent::areOptionsSupported(Options{5, option})) << option;
   }
 }
 

@@ -42,7 +42,8 @@ class JobThreadTest : public testing::Test {
   // Starts a job that installs `types`.
   void start(const Types& types) {
     m_job = std::make_unique<Orvex_ConcreteJob>(
-        kAdapter, 1, VerifiedImage{test::bytesOf("image"), types, TargetReservation(kAdapter)},
+        kAdapter, 1,
+        agent::VerifiedImage{test::bytesOf("image"), types, agent::TargetReservation(kAdapter)},
         m_clock);
     ASSERT_EQ(m_job->requestStateChange(Orvex_ConcreteJob::kRequestStart, utils::Datetime(0)),
               Orvex_ConcreteJob::kStateChanged);
@@ -87,7 +88,7 @@ class JobThreadTest : public testing::Test {
     EXPECT_EQ(m_job->ErrorCode.getValue(), code);
     EXPECT_EQ(m_job->ErrorDescription.getValue(), text);
     EXPECT_EQ(m_job->PercentComplete.getValue(), 100);
-    EXPECT_EQ(target_in_progress::get(), "");
+    EXPECT_EQ(agent::getTargetInProgress(), "");
     EXPECT_FALSE(m_locker->isHeld());
   }
 
@@ -132,7 +133,7 @@ TEST_F(JobThreadTest, LogsItsLife) {
 }
 
 TEST_F(JobThreadTest, IsDestroyedWithoutWaitingWhenItWasNotStarted) {
-  m_job = std::make_unique<Orvex_ConcreteJob>(kAdapter, 1, VerifiedImage());
+  m_job = std::make_unique<Orvex_ConcreteJob>(kAdapter, 1, agent::VerifiedImage());
   m_job.reset();
 
   EXPECT_THAT(m_log.messages("JobThread::~JobThread"),

@@ -1,7 +1,8 @@
 #include <gmock/gmock.h>
+#include <memory>
 
 #include "agent/Orvex_AffectedJobElement.h"
-#include "tests/agent/Enumeration.h"
+#include "tests/agent/AssociationFixture.h"
 
 namespace {
 
@@ -9,10 +10,11 @@ using test::Ends;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class AffectedJobElement : public test::AssociationTest<Orvex_AffectedJobElementClass> {
+class AffectedJobElement : public test::AssociationFixture {
  protected:
   AffectedJobElement()
-      : AssociationTest({"Orvex_AffectedJobElement"}, "AffectedElement", "AffectingElement") {}
+      : AssociationFixture(std::make_unique<Orvex_AffectedJobElementClass>(),
+                           {"Orvex_AffectedJobElement"}, "AffectedElement", "AffectingElement") {}
 
   // Serves an adapter with one port and a job for that.
   void serveJob() {

@@ -36,7 +36,7 @@ class ConcreteJobClass : public testing::Test {
   ~ConcreteJobClass() override {
     m_midApi.releaseWrites();
     m_provider.reset();
-    target_in_progress::clear();
+    agent::clearTargetInProgress();
   }
 
   std::int32_t create(const std::string& target = kAdapter) { return call(target, true); }
@@ -70,7 +70,7 @@ class ConcreteJobClass : public testing::Test {
     ASSERT_EQ(create(), 0);
     ASSERT_TRUE(test::waitUntil([this] {
       return dynamic_cast<Orvex_ConcreteJob*>(m_job)->isFinished() &&
-             target_in_progress::get() == "";
+             agent::getTargetInProgress() == "";
     }));
   }
 
@@ -144,7 +144,7 @@ TEST_F(ConcreteJobClass, TakesAJobThatCannotStartBack) {
   }
   EXPECT_EQ(m_job, nullptr);
   EXPECT_THAT(enumerate(), IsEmpty());
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
   EXPECT_THAT(clock.sleeps(), ElementsAre(testing::Pair(std::chrono::milliseconds(50), 60)));
 
   createAndFinish();
@@ -168,7 +168,7 @@ TEST_F(ConcreteJobClass, VerifiesWithoutAJobAndLeavesTheTargetInProgress) {
 
   EXPECT_EQ(m_job, nullptr);
   EXPECT_THAT(enumerate(), IsEmpty());
-  EXPECT_EQ(target_in_progress::get(), kAdapter);
+  EXPECT_EQ(agent::getTargetInProgress(), kAdapter);
   EXPECT_EQ(create(kAdapter), 105);
   EXPECT_EQ(create(kOtherAdapter), 104);
   EXPECT_EQ(verify(kAdapter), 105);
@@ -177,7 +177,7 @@ TEST_F(ConcreteJobClass, VerifiesWithoutAJobAndLeavesTheTargetInProgress) {
 TEST_F(ConcreteJobClass, LeavesNoTargetInProgressWhenVerificationFails) {
   m_midApi.prepareStatus = ma::PrepareStatus::InvalidImage;
   EXPECT_EQ(verify(), 1);
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
 }
 
 TEST_F(ConcreteJobClass, LogsARefusalByItsFullText) {
@@ -203,7 +203,7 @@ TEST_F(ConcreteJobClass, AnswersEachRefusalByItsNumber) {
   EXPECT_EQ(create(), 101);
   m_uri = "http://host/image.rom";
   EXPECT_EQ(create(), 100);
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
 }
 
 TEST_F(ConcreteJobClass, AnswersAFileThatCannotBeReadWholeByItsNumber) {
@@ -212,7 +212,7 @@ TEST_F(ConcreteJobClass, AnswersAFileThatCannotBeReadWholeByItsNumber) {
   const test::FileCuttingSinks sinks(file);
 
   EXPECT_EQ(create(), 103);
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
 }
 
 TEST_F(ConcreteJobClass, AnswersAnUnknownTypeAsAnInvalidParameter) {
@@ -231,7 +231,7 @@ TEST_F(ConcreteJobClass, AnswersAnyOtherErrorAsUnspecified) {
 
   EXPECT_THAT(m_log.records(), HasRecordOf(kSource, LogLevel::Error, kVerifyOrCreate,
                                            "Exception: 'no configuration'"));
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
 }
 
 TEST_F(ConcreteJobClass, RefreshesItsJobsWhenItIsEnumerated) {

@@ -8,6 +8,7 @@
 
 #include "Utils/Clock.h"
 #include "tests/agent/ConcreteJobFixture.h"
+#include "tests/agent/Enumeration.h"
 #include "tests/agent/NoMoreThreads.h"
 #include "tests/support/PointerPattern.h"
 #include "tests/support/Regex.h"
@@ -40,7 +41,7 @@ TEST_F(ConcreteJob, IsNewWhenItIsMade) {
   EXPECT_EQ(m_job->getTarget(), kAdapter);
   EXPECT_THAT(m_job->getTargetTypes(), ElementsAre(FirmwareType::Pxe, FirmwareType::Iscsi));
   EXPECT_EQ(m_job->getClassName(), "Orvex_ConcreteJob");
-  EXPECT_EQ(target_in_progress::get(), kAdapter);
+  EXPECT_EQ(agent::getTargetInProgress(), kAdapter);
 }
 
 TEST_F(ConcreteJob, ChecksItsImage) {
@@ -60,7 +61,7 @@ TEST_F(ConcreteJob, DoesNotComeToExistWithABadImage) {
   m_job.reset();
   const auto construct = [] { const Orvex_ConcreteJob job(kAdapter, 1, "nonsense", {5}, {}); };
   EXPECT_THROW(construct(), utils::Exception);
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
 }
 
 // -- states --
@@ -78,7 +79,7 @@ TEST_P(ConcreteJobStateTable, SaysWhetherTheJobIsFinished) {
   EXPECT_EQ(static_cast<int>(m_job->getJobState()), GetParam().state);
   EXPECT_EQ(m_job->isFinished(), GetParam().isEnd);
   EXPECT_EQ(m_job->getImage().empty(), GetParam().isEnd);
-  EXPECT_EQ(target_in_progress::get(), GetParam().isEnd ? "" : kAdapter);
+  EXPECT_EQ(agent::getTargetInProgress(), GetParam().isEnd ? "" : kAdapter);
   EXPECT_THAT(m_log.records(),
               HasRecordOf(kSource, LogLevel::Debug, "Orvex_ConcreteJob::setJobState",
                           "2 -> " + std::to_string(GetParam().state)));
@@ -117,9 +118,9 @@ TEST_F(ConcreteJob, StaysWhatItWasInAStateOutsideTheTable) {
 
 TEST_F(ConcreteJob, ClearsTheTargetInProgressWheneverItReachesAnEnd) {
   change(7);
-  target_in_progress::set("0000:04:00.0");
+  agent::setTargetInProgress("0000:04:00.0");
   change(10);
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
 }
 
 TEST_F(ConcreteJob, NotesTheTimeOfEveryChange) {
@@ -201,7 +202,7 @@ TEST_F(ConcreteJob, FailsWhenItsThreadDoesNotStart) {
     EXPECT_EQ(request(2), 4u);
   }
   EXPECT_EQ(m_job->getJobState(), ConcreteJobState::Exception);
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
   m_job->setPropertyValues();
   EXPECT_EQ(m_job->ErrorCode.getValue(), 9);
   EXPECT_EQ(m_job->ErrorDescription.getValue(), "as it was");
@@ -379,8 +380,7 @@ TEST_F(ConcreteJob, LeavesTheOtherPropertiesNull) {
       "JobState",         "ErrorDescription", "TimeOfLastStateChange",
       "TimeBeforeRemoval"};
   // A value that somebody set does not stay.
-  m_job->TimeSubmitted.setValue(utils::Datetime());
-  m_job->ElementName.setValue("x");
+  test::fillEveryProperty(*m_job);
 
   m_job->setPropertyValues();
 

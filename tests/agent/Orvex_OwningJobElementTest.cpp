@@ -1,7 +1,8 @@
 #include <gmock/gmock.h>
+#include <memory>
 
 #include "agent/Orvex_OwningJobElement.h"
-#include "tests/agent/Enumeration.h"
+#include "tests/agent/AssociationFixture.h"
 
 namespace {
 
@@ -12,10 +13,11 @@ using testing::IsEmpty;
 constexpr const char* kServiceClass = "Orvex_SoftwareInstallationService";
 constexpr const char* kOneService = "(int)services.size() == 1";
 
-class OwningJobElement : public test::AssociationTest<Orvex_OwningJobElementClass> {
+class OwningJobElement : public test::AssociationFixture {
  protected:
   OwningJobElement()
-      : AssociationTest({"Orvex_OwningJobElement"}, "OwningElement", "OwnedElement") {}
+      : AssociationFixture(std::make_unique<Orvex_OwningJobElementClass>(),
+                           {"Orvex_OwningJobElement"}, "OwningElement", "OwnedElement") {}
 
   std::string m_service = m_siblings.addService();
 };

@@ -1,7 +1,8 @@
 #include <gmock/gmock.h>
+#include <memory>
 
 #include "agent/Orvex_ServiceAffectsElement.h"
-#include "tests/agent/Enumeration.h"
+#include "tests/agent/AssociationFixture.h"
 
 namespace {
 
@@ -12,10 +13,12 @@ using testing::IsEmpty;
 constexpr const char* kServiceClass = "Orvex_SoftwareInstallationService";
 constexpr const char* kOneService = "(int)services.size() == 1";
 
-class ServiceAffectsElement : public test::AssociationTest<Orvex_ServiceAffectsElementClass> {
+class ServiceAffectsElement : public test::AssociationFixture {
  protected:
   ServiceAffectsElement()
-      : AssociationTest({"Orvex_ServiceAffectsElement"}, "AffectedElement", "AffectingElement") {}
+      : AssociationFixture(std::make_unique<Orvex_ServiceAffectsElementClass>(),
+                           {"Orvex_ServiceAffectsElement"}, "AffectedElement", "AffectingElement") {
+  }
 
   std::string m_service = m_siblings.addService();
 };

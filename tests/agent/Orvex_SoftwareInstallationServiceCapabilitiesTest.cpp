@@ -1,23 +1,22 @@
 #include <gmock/gmock.h>
+#include <memory>
 
 #include "agent/Orvex_SoftwareInstallationServiceCapabilities.h"
-#include "tests/agent/Enumeration.h"
+#include "tests/agent/SingleInstanceFixture.h"
 
 namespace {
 
 using testing::ElementsAre;
-using testing::Pair;
-using testing::UnorderedElementsAre;
 
 constexpr const char* kClass = "Orvex_SoftwareInstallationServiceCapabilities";
 
 // The timed block bears the name of the service's.
-class InstallationServiceCapabilities
-    : public test::SingleInstanceTest<Orvex_SoftwareInstallationServiceCapabilitiesClass,
-                                      Orvex_SoftwareInstallationServiceCapabilities> {
+class InstallationServiceCapabilities : public test::SingleInstanceFixture {
  protected:
   InstallationServiceCapabilities()
-      : SingleInstanceTest({kClass, "SoftwareInstallationService::getInstances"}) {}
+      : SingleInstanceFixture(
+            std::make_unique<Orvex_SoftwareInstallationServiceCapabilitiesClass>(),
+            {kClass, "SoftwareInstallationService::getInstances"}) {}
 };
 
 TEST_F(InstallationServiceCapabilities, AreServedUnderTheirName) {
@@ -33,19 +32,19 @@ TEST_F(InstallationServiceCapabilities, LogTheirEnumerations) {
 }
 
 TEST_F(InstallationServiceCapabilities, SayWhatTheServiceCanDoAndNothingElse) {
-  EXPECT_THAT(
-      test::filledProperties(enumerate()),
-      UnorderedElementsAre(
-          Pair("Caption", "Capabilities for Ethernet Firmware Update"),
-          Pair("Description",
-               "Capabilities for Firmware Update Service for Zolan(R) Ethernet Adapters"),
-          Pair("ElementName", "Capabilities for Ethernet Firmware Update"),
-          Pair("InstanceID", "Orvex:Capabilities@FirmwareUpdate"),
-          Pair("SupportedAsynchronousActions", "{5, 3}"),
-          Pair("SupportedSynchronousActions", "{2}"),
-          Pair("SupportedTargetTypes", "{IMG_CLP, IMG_iSCSI, IMG_PXE, IMG_UEFI, IMG_FCoE}"),
-          Pair("SupportedExtendedResourceTypes", "{2}"), Pair("CanAddToCollection", "false"),
-          Pair("SupportedInstallOptions", "{3, 5, 32768}"), Pair("SupportedURISchemes", "{3}")));
+  test::expectFilled(
+      enumerate(),
+      {{"Caption", "Capabilities for Ethernet Firmware Update"},
+       {"Description", "Capabilities for Firmware Update Service for Zolan(R) Ethernet Adapters"},
+       {"ElementName", "Capabilities for Ethernet Firmware Update"},
+       {"InstanceID", "Orvex:Capabilities@FirmwareUpdate"},
+       {"SupportedAsynchronousActions", "{5, 3}"},
+       {"SupportedSynchronousActions", "{2}"},
+       {"SupportedTargetTypes", "{IMG_CLP, IMG_iSCSI, IMG_PXE, IMG_UEFI, IMG_FCoE}"},
+       {"SupportedExtendedResourceTypes", "{2}"},
+       {"CanAddToCollection", "false"},
+       {"SupportedInstallOptions", "{3, 5, 32768}"},
+       {"SupportedURISchemes", "{3}"}});
 }
 
 TEST_F(InstallationServiceCapabilities, SayTheSameAfterASecondEnumeration) {
@@ -58,7 +57,8 @@ TEST_F(InstallationServiceCapabilities, AreNamedByTheirInstanceId) {
   EXPECT_EQ(enumerate().getPath(),
             "Orvex_SoftwareInstallationServiceCapabilities."
             "InstanceID=\"Orvex:Capabilities@FirmwareUpdate\"");
-  EXPECT_EQ(enumerate().getIdentity(), "Capabilities@FirmwareUpdate");
+  EXPECT_EQ(dynamic_cast<Orvex_SoftwareInstallationServiceCapabilities&>(enumerate()).getIdentity(),
+            "Capabilities@FirmwareUpdate");
 }
 
 }  // namespace

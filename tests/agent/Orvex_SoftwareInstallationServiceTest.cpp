@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <gmock/gmock.h>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -9,9 +10,9 @@
 #include "agent/Orvex_SoftwareInstallationService.h"
 #include "core/CimPath.h"
 #include "core/CimPropertyRef.h"
-#include "tests/agent/Enumeration.h"
 #include "tests/agent/FakeJobFactory.h"
 #include "tests/agent/FakeSiblings.h"
+#include "tests/agent/SingleInstanceFixture.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Throws.h"
 #include "tests/support/Variables.h"
@@ -27,14 +28,17 @@ using testing::UnorderedElementsAre;
 
 constexpr const char* kClass = "Orvex_SoftwareInstallationService";
 
-class InstallationServiceClass
-    : public test::SingleInstanceTest<Orvex_SoftwareInstallationServiceClass,
-                                      Orvex_SoftwareInstallationService> {
+class InstallationServiceClass : public test::SingleInstanceFixture {
  protected:
   InstallationServiceClass()
-      : SingleInstanceTest({kClass, "SoftwareInstallationService::getInstances"}) {}
+      : SingleInstanceFixture(std::make_unique<Orvex_SoftwareInstallationServiceClass>(),
+                              {kClass, "SoftwareInstallationService::getInstances"}) {}
 
   static void nameComputer(const std::string& name) { os::setEnvironment("COMPUTERNAME", name); }
+
+  std::string systemName() {
+    return dynamic_cast<Orvex_SoftwareInstallationService&>(enumerate()).SystemName.getValue();
+  }
 };
 
 TEST_F(InstallationServiceClass, ServesTheServiceUnderItsName) {
@@ -49,7 +53,7 @@ TEST_F(InstallationServiceClass, KeepsTheComputersNameOfTheFirstEnumeration) {
   nameComputer("first");
   enumerate();
   nameComputer("second");
-  EXPECT_EQ(enumerate().SystemName.getValue(), "first");
+  EXPECT_EQ(systemName(), "first");
 }
 
 TEST_F(InstallationServiceClass, LogsItsEnumerations) {
@@ -58,16 +62,16 @@ TEST_F(InstallationServiceClass, LogsItsEnumerations) {
 
 TEST_F(InstallationServiceClass, DescribesTheServiceAndNothingElse) {
   nameComputer("host7");
-  EXPECT_THAT(
-      test::filledProperties(enumerate()),
-      UnorderedElementsAre(
-          Pair("Caption", "Ethernet Firmware Update"),
-          Pair("Description", "Firmware Update Service for Zolan(R) Ethernet Adapters"),
-          Pair("OperationalStatus", "{2}"),
-          Pair("SystemCreationClassName", "CIM_UnitaryComputerSystem"), Pair("SystemName", "host7"),
-          Pair("CreationClassName", kClass), Pair("Name", "Orvex:FirmwareUpdate"),
-          Pair("PrimaryOwnerName", "Zolan Corporation"),
-          Pair("PrimaryOwnerContact", "https://www.zolan.example")));
+  test::expectFilled(enumerate(),
+                     {{"Caption", "Ethernet Firmware Update"},
+                      {"Description", "Firmware Update Service for Zolan(R) Ethernet Adapters"},
+                      {"OperationalStatus", "{2}"},
+                      {"SystemCreationClassName", "CIM_UnitaryComputerSystem"},
+                      {"SystemName", "host7"},
+                      {"CreationClassName", kClass},
+                      {"Name", "Orvex:FirmwareUpdate"},
+                      {"PrimaryOwnerName", "Zolan Corporation"},
+                      {"PrimaryOwnerContact", "https://www.zolan.example"}});
 }
 
 TEST_F(InstallationServiceClass, NamesTheServiceByItsKeys) {
@@ -81,12 +85,12 @@ TEST_F(InstallationServiceClass, NamesTheServiceByItsKeys) {
 
 TEST_F(InstallationServiceClass, CallsAComputerWithoutANameLocalhost) {
   nameComputer("");
-  EXPECT_EQ(enumerate().SystemName.getValue(), "localhost");
+  EXPECT_EQ(systemName(), "localhost");
 }
 
 TEST_F(InstallationServiceClass, CallsAComputerWhoseNameIsNotDefinedLocalhost) {
   test::unsetVariable("COMPUTERNAME");
-  EXPECT_EQ(enumerate().SystemName.getValue(), "localhost");
+  EXPECT_EQ(systemName(), "localhost");
 }
 
 TEST(InstallationService, RegistersItsMethods) {
@@ -100,6 +104,34 @@ TEST(InstallationService, RegistersItsMethods) {
                           "Orvex_SoftwareInstallationService class",
                           "Adding new CheckSoftwareIdentity method for "
                           "Orvex_SoftwareInstallationService class"));
+}
+
+TEST(InstallationService, TakesTheValuesAwayThatItDoesNotHave) {
+  Orvex_SoftwareInstallationService service;
+  test::fillEveryProperty(service);
+  service.setPropertyValues();
+  for (const char* name : {"InstanceID",
+                           "ElementName",
+                           "Generation",
+                           "InstallDate",
+                           "StatusDescriptions",
+                           "Status",
+                           "HealthState",
+                           "PrimaryStatus",
+                           "DetailedStatus",
+                           "OperatingStatus",
+                           "CommunicationStatus",
+                           "EnabledState",
+                           "OtherEnabledState",
+                           "RequestedState",
+                           "EnabledDefault",
+                           "TimeOfLastStateChange",
+                           "AvailableRequestedStates",
+                           "TransitioningToState",
+                           "StartMode",
+                           "Started"}) {
+    EXPECT_TRUE(service.getProperty(name)->isNull()) << name;
+  }
 }
 
 class InstallFromUri : public testing::Test {
@@ -171,7 +203,7 @@ TEST_F(InstallFromUri, HandsOutTheJob) {
 
 TEST_F(InstallFromUri, HandsOutNoJobWithAnotherAnswer) {
   m_factory->created = &m_created;
-  m_factory->result = kJobTargetInUse;
+  m_factory->result = agent::kJobTargetInUse;
 
   EXPECT_EQ(invoke(), 6u);
   EXPECT_EQ(m_job, nullptr);

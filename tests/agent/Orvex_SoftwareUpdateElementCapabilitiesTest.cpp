@@ -1,7 +1,8 @@
 #include <gmock/gmock.h>
+#include <memory>
 
 #include "agent/Orvex_SoftwareUpdateElementCapabilities.h"
-#include "tests/agent/Enumeration.h"
+#include "tests/agent/AssociationFixture.h"
 
 namespace {
 
@@ -16,12 +17,12 @@ constexpr const char* kCapabilitiesClass = "Orvex_SoftwareInstallationServiceCap
 constexpr const char* kOneService = "(int)services.size() == 1";
 constexpr const char* kOneCapabilities = "(int)capabilities.size() == 1";
 
-class ElementCapabilities
-    : public test::AssociationTest<Orvex_SoftwareUpdateElementCapabilitiesClass> {
+class ElementCapabilities : public test::AssociationFixture {
  protected:
   ElementCapabilities()
-      : AssociationTest({"Orvex_SoftwareUpdateElementCapabilities"}, "ManagedElement",
-                        "Capabilities") {}
+      : AssociationFixture(std::make_unique<Orvex_SoftwareUpdateElementCapabilitiesClass>(),
+                           {"Orvex_SoftwareUpdateElementCapabilities"}, "ManagedElement",
+                           "Capabilities") {}
 
   std::string m_service = m_siblings.addService();
   std::string m_capabilities = m_siblings.addCapabilities();

@@ -1,8 +1,9 @@
 #include <gmock/gmock.h>
+#include <memory>
 
 #include "agent/Orvex_SoftwareUpdateElementConformsToProfile.h"
 #include "core/CimBroker.h"
-#include "tests/agent/Enumeration.h"
+#include "tests/agent/AssociationFixture.h"
 
 namespace {
 
@@ -15,13 +16,13 @@ constexpr const char* kProfileClass = "Orvex_RegisteredProfile";
 constexpr const char* kServiceClass = "Orvex_SoftwareInstallationService";
 constexpr const char* kUpdateProfile = "Orvex:SoftwareUpdate_Profile";
 
-class ElementConformsToProfile
-    : public test::AssociationTest<Orvex_SoftwareUpdateElementConformsToProfileClass> {
+class ElementConformsToProfile : public test::AssociationFixture {
  protected:
   ElementConformsToProfile()
-      : AssociationTest({"Orvex_SoftwareUpdateElementConformsToProfile",
-                         "ElementConformsToProfile::getInstances"},
-                        "ConformantStandard", "ManagedElement") {}
+      : AssociationFixture(std::make_unique<Orvex_SoftwareUpdateElementConformsToProfileClass>(),
+                           {"Orvex_SoftwareUpdateElementConformsToProfile",
+                            "ElementConformsToProfile::getInstances"},
+                           "ConformantStandard", "ManagedElement") {}
 };
 
 TEST_F(ElementConformsToProfile, IsServedUnderItsName) {

@@ -1,8 +1,9 @@
 #include <gmock/gmock.h>
+#include <memory>
 
 #include "agent/Orvex_SoftwareUpdateReferencedProfile.h"
 #include "core/CimBroker.h"
-#include "tests/agent/Enumeration.h"
+#include "tests/agent/AssociationFixture.h"
 
 namespace {
 
@@ -15,10 +16,11 @@ constexpr const char* kProfileClass = "Orvex_RegisteredProfile";
 constexpr const char* kPortProfile = "Orvex:EthernetPort_Profile";
 constexpr const char* kUpdateProfile = "Orvex:SoftwareUpdate_Profile";
 
-class ReferencedProfile : public test::AssociationTest<Orvex_SoftwareUpdateReferencedProfileClass> {
+class ReferencedProfile : public test::AssociationFixture {
  protected:
   ReferencedProfile()
-      : AssociationTest(
+      : AssociationFixture(
+            std::make_unique<Orvex_SoftwareUpdateReferencedProfileClass>(),
             {"Orvex_SoftwareUpdateReferencedProfile", "ReferencedProfile::getInstances"},
             "Antecedent", "Dependent") {}
 };

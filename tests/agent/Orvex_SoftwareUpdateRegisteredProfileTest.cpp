@@ -1,25 +1,24 @@
 #include <gmock/gmock.h>
+#include <memory>
 
 #include "agent/Orvex_SoftwareUpdateRegisteredProfile.h"
-#include "tests/agent/Enumeration.h"
+#include "tests/agent/SingleInstanceFixture.h"
 
 namespace {
 
 using testing::ElementsAre;
-using testing::Pair;
-using testing::UnorderedElementsAre;
 
-class RegisteredProfile
-    : public test::SingleInstanceTest<Orvex_SoftwareUpdateRegisteredProfileClass,
-                                      Orvex_SoftwareUpdateRegisteredProfile> {
+class RegisteredProfile : public test::SingleInstanceFixture {
  protected:
   RegisteredProfile()
-      : SingleInstanceTest(
+      : SingleInstanceFixture(
+            std::make_unique<Orvex_SoftwareUpdateRegisteredProfileClass>(),
             {"Orvex_SoftwareUpdateRegisteredProfile", "RegisteredProfile::getInstances"}) {}
 };
 
 TEST_F(RegisteredProfile, IsServedUnderItsName) {
   expectServedUnder("Orvex_RegisteredProfile");
+  EXPECT_NE(dynamic_cast<Orvex_SoftwareUpdateRegisteredProfile*>(&enumerate()), nullptr);
 }
 
 TEST_F(RegisteredProfile, IsKeptFromTheFirstEnumerationOn) {
@@ -31,15 +30,16 @@ TEST_F(RegisteredProfile, LogsItsEnumerations) {
 }
 
 TEST_F(RegisteredProfile, DescribesTheProfileAndNothingElse) {
-  EXPECT_THAT(
-      test::filledProperties(enumerate()),
-      UnorderedElementsAre(
-          Pair("InstanceID", "Orvex:SoftwareUpdate_Profile"), Pair("SpecificationType", "2"),
-          Pair("RegisteredOrganization", "2"), Pair("RegisteredName", "Software Update Profile"),
-          Pair("RegisteredVersion", "1.0.0"), Pair("AdvertiseTypes", "{1}"),
-          Pair("AdvertiseTypeDescriptions", "{WS-Identify}"),
-          Pair("Caption", "Software Update Profile"),
-          Pair("Description", "Software Update Profile for Zolan(R) Ethernet Adapters")));
+  test::expectFilled(enumerate(),
+                     {{"InstanceID", "Orvex:SoftwareUpdate_Profile"},
+                      {"SpecificationType", "2"},
+                      {"RegisteredOrganization", "2"},
+                      {"RegisteredName", "Software Update Profile"},
+                      {"RegisteredVersion", "1.0.0"},
+                      {"AdvertiseTypes", "{1}"},
+                      {"AdvertiseTypeDescriptions", "{WS-Identify}"},
+                      {"Caption", "Software Update Profile"},
+                      {"Description", "Software Update Profile for Zolan(R) Ethernet Adapters"}});
 }
 
 TEST_F(RegisteredProfile, IsNamedByItsInstanceId) {

@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <tuple>
 
-#include "tests/agent/IdentityMethod.h"
+#include "tests/agent/IdentityMethodFixture.h"
 #include "tests/agent/JobAnswers.h"
 
 namespace {
@@ -15,10 +15,10 @@ using testing::IsEmpty;
 
 constexpr const char* kUnknownCollection = "Orvex_Collection.InstanceID=\"0\"";
 
-class SoftwareIdentityMethods : public test::IdentityMethod,
+class SoftwareIdentityMethods : public test::IdentityMethodFixture,
                                 public testing::WithParamInterface<test::IdentityMethodTraits> {
  protected:
-  SoftwareIdentityMethods() : IdentityMethod(GetParam()) {}
+  SoftwareIdentityMethods() : IdentityMethodFixture(GetParam()) {}
 
   std::string lookUp(const std::string& record) const { return m_method.lookUp + record; }
 
@@ -250,10 +250,10 @@ TEST_P(SoftwareIdentityMethods, AnswerWhatTheJobClassThrowsByAWantOfMemory) {
 
 using MethodAnswer = std::tuple<test::IdentityMethodTraits, test::JobAnswer>;
 
-class SoftwareIdentityMethodsAnswer : public test::IdentityMethod,
+class SoftwareIdentityMethodsAnswer : public test::IdentityMethodFixture,
                                       public testing::WithParamInterface<MethodAnswer> {
  protected:
-  SoftwareIdentityMethodsAnswer() : IdentityMethod(std::get<0>(GetParam())) {}
+  SoftwareIdentityMethodsAnswer() : IdentityMethodFixture(std::get<0>(GetParam())) {}
 };
 
 TEST_P(SoftwareIdentityMethodsAnswer, IsTranslated) {

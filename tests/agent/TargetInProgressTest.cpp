@@ -5,65 +5,65 @@
 
 namespace {
 
-class TargetInProgressTest : public testing::Test {
+class TargetInProgress : public testing::Test {
  protected:
-  ~TargetInProgressTest() override { target_in_progress::clear(); }
+  ~TargetInProgress() override { agent::clearTargetInProgress(); }
 };
 
-TEST_F(TargetInProgressTest, IsEmptyWhenThereIsNone) {
-  EXPECT_EQ(target_in_progress::get(), "");
+TEST_F(TargetInProgress, IsEmptyWhenThereIsNone) {
+  EXPECT_EQ(agent::getTargetInProgress(), "");
 }
 
-TEST_F(TargetInProgressTest, IsWhatWasSetLast) {
-  target_in_progress::set("a");
-  target_in_progress::set("b");
-  EXPECT_EQ(target_in_progress::get(), "b");
+TEST_F(TargetInProgress, IsWhatWasSetLast) {
+  agent::setTargetInProgress("a");
+  agent::setTargetInProgress("b");
+  EXPECT_EQ(agent::getTargetInProgress(), "b");
 }
 
-TEST_F(TargetInProgressTest, ReservationHoldsTheNameForItsLife) {
+TEST_F(TargetInProgress, ReservationHoldsTheNameForItsLife) {
   {
-    const TargetReservation reservation("a");
-    EXPECT_EQ(target_in_progress::get(), "a");
+    const agent::TargetReservation reservation("a");
+    EXPECT_EQ(agent::getTargetInProgress(), "a");
   }
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
 }
 
-TEST_F(TargetInProgressTest, EmptyReservationLeavesTheNameAlone) {
-  target_in_progress::set("a");
+TEST_F(TargetInProgress, EmptyReservationLeavesTheNameAlone) {
+  agent::setTargetInProgress("a");
   {
-    TargetReservation reservation;
+    agent::TargetReservation reservation;
     reservation.release();
   }
-  EXPECT_EQ(target_in_progress::get(), "a");
+  EXPECT_EQ(agent::getTargetInProgress(), "a");
 }
 
-TEST_F(TargetInProgressTest, ReservationClearsTheNameOnce) {
+TEST_F(TargetInProgress, ReservationClearsTheNameOnce) {
   {
-    TargetReservation reservation("a");
+    agent::TargetReservation reservation("a");
     reservation.release();
-    target_in_progress::set("b");
+    agent::setTargetInProgress("b");
   }
-  EXPECT_EQ(target_in_progress::get(), "b");
+  EXPECT_EQ(agent::getTargetInProgress(), "b");
 }
 
-TEST_F(TargetInProgressTest, MovedReservationIsHeldByTheOther) {
-  TargetReservation first("a");
+TEST_F(TargetInProgress, MovedReservationIsHeldByTheOther) {
+  agent::TargetReservation first("a");
   {
-    TargetReservation second(std::move(first));
-    EXPECT_EQ(target_in_progress::get(), "a");
-    TargetReservation third;
+    agent::TargetReservation second(std::move(first));
+    EXPECT_EQ(agent::getTargetInProgress(), "a");
+    agent::TargetReservation third;
     third = std::move(second);
-    EXPECT_EQ(target_in_progress::get(), "a");
+    EXPECT_EQ(agent::getTargetInProgress(), "a");
   }
-  EXPECT_EQ(target_in_progress::get(), "");
+  EXPECT_EQ(agent::getTargetInProgress(), "");
 }
 
-TEST_F(TargetInProgressTest, AbandonedReservationLeavesTheNameSet) {
+TEST_F(TargetInProgress, AbandonedReservationLeavesTheNameSet) {
   {
-    TargetReservation reservation("a");
+    agent::TargetReservation reservation("a");
     reservation.abandon();
   }
-  EXPECT_EQ(target_in_progress::get(), "a");
+  EXPECT_EQ(agent::getTargetInProgress(), "a");
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "daemon/CommandLine.h"
+#include "tests/support/Regex.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/Throws.h"
 

@@ -1,11 +1,11 @@
 #include <gmock/gmock.h>
 
 #include "inventory/Adapters.h"
-#include "tests/inventory/InventoryTest.h"
+#include "tests/inventory/InventoryFixture.h"
 
 namespace {
 
-using Adapters = test::InventoryTest;
+using Adapters = test::InventoryFixture;
 
 TEST_F(Adapters, AreNamedByTheirPortsWithoutTheFunction) {
   EXPECT_EQ(inventory::getAdapterIdentity("0000:03:00.1"), "0000:03:00");

@@ -1,10 +1,9 @@
-#include "tests/inventory/FirmwareFilesTest.h"
-
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <string>
 #include <vector>
 
+#include "tests/inventory/FirmwareFilesFixture.h"
 #include "tests/midapi/RealRoms.h"
 
 namespace {
@@ -18,7 +17,7 @@ using testing::IsEmpty;
 
 constexpr std::uintmax_t kLargest = std::uintmax_t{16} << 20;
 
-using FirmwareFiles = test::FirmwareFilesTest;
+using FirmwareFiles = test::FirmwareFilesFixture;
 
 TEST_F(FirmwareFiles, AreFoundInTheOrderOfDirectoriesAndNames) {
   configure(secondDirectory().string() + ";" + firstDirectory().string());

@@ -4,7 +4,7 @@
 
 #include "core/CimBroker.h"
 #include "inventory/Orvex_ElementSoftwareIdentity.h"
-#include "tests/inventory/InventoryTest.h"
+#include "tests/inventory/InventoryFixture.h"
 
 namespace {
 
@@ -18,7 +18,7 @@ using testing::IsEmpty;
 // The keys of the software and of the controller, and what the one is to the other.
 using Relation = std::tuple<std::string, std::string, std::string>;
 
-class ElementSoftwareIdentity : public test::InventoryTest {
+class ElementSoftwareIdentity : public test::InventoryFixture {
  protected:
   std::vector<Relation> relations() {
     std::vector<Relation> relations;

@@ -5,13 +5,13 @@
 #include "Os/Environment.h"
 #include "inventory/Orvex_EthernetPort.h"
 #include "inventory/Orvex_EthernetPortClass.h"
-#include "tests/inventory/InventoryTest.h"
+#include "tests/inventory/InventoryFixture.h"
 
 namespace {
 
 using testing::ElementsAre;
 
-class EthernetPortClass : public test::InventoryTest {
+class EthernetPortClass : public test::InventoryFixture {
  protected:
   EthernetPortClass() { m_adapters.makeAdapter(test::kAdapter, {}); }
 

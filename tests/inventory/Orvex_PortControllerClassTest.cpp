@@ -5,13 +5,13 @@
 #include "inventory/Orvex_EthernetPortClass.h"
 #include "inventory/Orvex_PortController.h"
 #include "inventory/Orvex_PortControllerClass.h"
-#include "tests/inventory/InventoryTest.h"
+#include "tests/inventory/InventoryFixture.h"
 
 namespace {
 
 using testing::ElementsAre;
 
-class PortControllerClass : public test::InventoryTest {
+class PortControllerClass : public test::InventoryFixture {
  protected:
   std::vector<Orvex_PortController*> controllers() {
     return enumerate<Orvex_PortController>(m_provider);

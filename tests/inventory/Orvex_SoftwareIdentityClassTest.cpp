@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "inventory/Orvex_SoftwareIdentityClass.h"
-#include "tests/inventory/InventoryTest.h"
+#include "tests/inventory/InventoryFixture.h"
 
 namespace {
 
@@ -19,7 +19,7 @@ using testing::SizeIs;
 const Adapter kFirst{kAdapter, "0000:03:00.0"};
 const Adapter kOther{kOtherAdapter, "0000:04:00.0"};
 
-class SoftwareIdentityClass : public test::InventoryTest {
+class SoftwareIdentityClass : public test::InventoryFixture {
  protected:
   std::vector<AdapterSoftware*> identities() { return enumerate<AdapterSoftware>(m_provider); }
 

@@ -2,14 +2,14 @@
 
 #include "inventory/Orvex_SoftwareIdentityResource.h"
 #include "inventory/Orvex_SoftwareIdentityResourceClass.h"
-#include "tests/inventory/InventoryTest.h"
+#include "tests/inventory/InventoryFixture.h"
 
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class SoftwareIdentityResourceClass : public test::InventoryTest {
+class SoftwareIdentityResourceClass : public test::InventoryFixture {
  protected:
   std::vector<Orvex_SoftwareIdentityResource*> resources() {
     return enumerate<Orvex_SoftwareIdentityResource>(m_provider);

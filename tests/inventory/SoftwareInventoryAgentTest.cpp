@@ -2,14 +2,14 @@
 
 #include "core/CimBroker.h"
 #include "inventory/SoftwareInventoryAgent.h"
-#include "tests/inventory/InventoryTest.h"
+#include "tests/inventory/InventoryFixture.h"
 
 namespace {
 
-using InventoryAgent = test::InventoryTest;
+using InventoryAgent = test::InventoryFixture;
 
 TEST_F(InventoryAgent, ServesItsClasses) {
-  const core::SoftwareInventoryAgent agent;
+  const inventory::SoftwareInventoryAgent agent;
   EXPECT_EQ(agent.getName(), "Software Inventory");
   EXPECT_THAT(agent.getClassNames(),
               testing::UnorderedElementsAre("Orvex_EthernetPort", "Orvex_PortController",

@@ -26,7 +26,7 @@ using test::kFirstPort;
 using test::kOtherAdapter;
 using test::kOtherPort;
 
-constexpr auto kLoadTime = std::chrono::seconds(20);
+constexpr auto kLoadTime = std::chrono::seconds(QUORVEL_TEST_LOAD_SECONDS);
 constexpr int kClients = 4;
 
 class EnumerationLoad : public testing::Test {
@@ -97,7 +97,8 @@ TEST_F(EnumerationLoad, LosesNothingWhileUpdatesRun) {
   const auto end = std::chrono::steady_clock::now() + kLoadTime;
   const std::string image = m_host.makeImage(firmware(3));
   std::size_t updates = 0;
-  for (; std::chrono::steady_clock::now() < end; ++updates) {
+  // Each adapter once, however slow the machine is.
+  for (; updates < 2 || std::chrono::steady_clock::now() < end; ++updates) {
     EXPECT_EQ(m_host.install(updates % 2 == 0 ? kFirstPort : kOtherPort, image), 4096u);
     EXPECT_EQ(m_host.awaitEnd(), kCompleted);
   }
@@ -106,7 +107,6 @@ TEST_F(EnumerationLoad, LosesNothingWhileUpdatesRun) {
     thread.join();
   }
 
-  EXPECT_GT(updates, 1u);
   EXPECT_EQ(test::enumerate("Orvex_ConcreteJob").size(), updates);
   for (const BusyClient& client : clients) {
     EXPECT_GE(client.rounds(), 1u);

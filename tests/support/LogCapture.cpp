@@ -97,4 +97,27 @@ void LogCapture::append(LogSink sink, const std::string& line) {
   m_lines.at(static_cast<std::size_t>(sink)).push_back(line);
 }
 
+testing::Matcher<const LogRecord&> IsRecord(LogLevel level, const TextMatcher& function,
+                                            const TextMatcher& message) {
+  return testing::AllOf(testing::Field("level", &LogRecord::level, level),
+                        testing::Field("function", &LogRecord::function, function),
+                        testing::Field("message", &LogRecord::message, message));
+}
+
+testing::Matcher<const LogRecord&> IsRecordOf(const std::string& source, LogLevel level,
+                                              const TextMatcher& function,
+                                              const TextMatcher& message) {
+  return testing::AllOf(testing::Field("source", &LogRecord::source, source),
+                        IsRecord(level, function, message));
+}
+
+RecordsMatcher HasRecord(LogLevel level, const TextMatcher& function, const TextMatcher& message) {
+  return testing::Contains(IsRecord(level, function, message));
+}
+
+RecordsMatcher HasRecordOf(const std::string& source, LogLevel level, const TextMatcher& function,
+                           const TextMatcher& message) {
+  return testing::Contains(IsRecordOf(source, level, function, message));
+}
+
 }  // namespace test

@@ -62,38 +62,26 @@ class LogCapture : private utils::LogSinks {
   utils::LogSinks* const m_previous;
 };
 
-// Matches a record by its level, function and message; the latter two are texts or matchers.
-template <class Function, class Message>
-testing::Matcher<const LogRecord&> IsRecord(LogLevel level, const Function& function,
-                                            const Message& message) {
-  return testing::AllOf(
-      testing::Field("level", &LogRecord::level, level),
-      testing::Field("function", &LogRecord::function, testing::Matcher<std::string>(function)),
-      testing::Field("message", &LogRecord::message, testing::Matcher<std::string>(message)));
-}
+// What a record's text is compared with: a text or a matcher. The matchers are made in
+// LogCapture.cpp, since each use would have them compiled anew.
+using TextMatcher = testing::Matcher<std::string>;
 
+// Matches a record by its level, function and message.
+[[nodiscard]] testing::Matcher<const LogRecord&> IsRecord(LogLevel level,
+                                                          const TextMatcher& function,
+                                                          const TextMatcher& message);
 // The same for the source, too.
-template <class Function, class Message>
-testing::Matcher<const LogRecord&> IsRecordOf(const std::string& source, LogLevel level,
-                                              const Function& function, const Message& message) {
-  return testing::AllOf(testing::Field("source", &LogRecord::source, source),
-                        IsRecord(level, function, message));
-}
+[[nodiscard]] testing::Matcher<const LogRecord&> IsRecordOf(const std::string& source,
+                                                            LogLevel level,
+                                                            const TextMatcher& function,
+                                                            const TextMatcher& message);
 
 // Match a list of records that has such a one.
-template <class Function, class Message>
-testing::Matcher<const std::vector<LogRecord>&> HasRecord(LogLevel level, const Function& function,
-                                                          const Message& message) {
-  return testing::Contains(IsRecord(level, function, message));
-}
-
-template <class Function, class Message>
-testing::Matcher<const std::vector<LogRecord>&> HasRecordOf(const std::string& source,
-                                                            LogLevel level,
-                                                            const Function& function,
-                                                            const Message& message) {
-  return testing::Contains(IsRecordOf(source, level, function, message));
-}
+using RecordsMatcher = testing::Matcher<const std::vector<LogRecord>&>;
+[[nodiscard]] RecordsMatcher HasRecord(LogLevel level, const TextMatcher& function,
+                                       const TextMatcher& message);
+[[nodiscard]] RecordsMatcher HasRecordOf(const std::string& source, LogLevel level,
+                                         const TextMatcher& function, const TextMatcher& message);
 
 }  // namespace test
 

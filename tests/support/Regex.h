@@ -1,35 +1,49 @@
 // Regular expressions as matchers: those of the standard library (ECMAScript), since GoogleTest's
-// know less on some platforms.
+// know less on some platforms. The library's templates are compiled in Regex.cpp alone.
 
 #ifndef ORVEX_TESTS_SUPPORT_REGEX_H_
 #define ORVEX_TESTS_SUPPORT_REGEX_H_
 
 #include <gmock/gmock.h>
-#include <regex>
+#include <iosfwd>
 #include <string>
+#include <utility>
 
 namespace test {
 
 // Returns an expression that a text itself fits and no other.
-inline std::string quoteRegex(const std::string& text) {
-  std::string expression;
-  for (const char sign : text) {
-    if (std::string("^$\\.*+?()[]{}|").find(sign) != std::string::npos) {
-      expression += '\\';
-    }
-    expression += sign;
+[[nodiscard]] std::string quoteRegex(const std::string& text);
+
+// Matches whatever can be made a std::string.
+class RegexMatcher {
+ public:
+  using is_gtest_matcher = void;
+
+  enum class Extent { All, Part };
+
+  RegexMatcher(std::string expression, Extent extent)
+      : m_expression(std::move(expression)), m_extent(extent) {}
+
+  template <class Text>
+  bool MatchAndExplain(const Text& text, testing::MatchResultListener* /*listener*/) const {
+    return fits(std::string(text));
   }
-  return expression;
-}
+  void DescribeTo(std::ostream* stream) const;
+  void DescribeNegationTo(std::ostream* stream) const;
+
+ private:
+  [[nodiscard]] bool fits(const std::string& text) const;
+
+  std::string m_expression;
+  Extent m_extent;
+};
 
 // Match a text of which all, or a part, fits the expression.
-MATCHER_P(MatchesRegex, expression, "") {
-  static_cast<void>(result_listener);
-  return std::regex_match(std::string(arg), std::regex(expression));
+[[nodiscard]] inline RegexMatcher MatchesRegex(const std::string& expression) {
+  return {expression, RegexMatcher::Extent::All};
 }
-MATCHER_P(ContainsRegex, expression, "") {
-  static_cast<void>(result_listener);
-  return std::regex_search(std::string(arg), std::regex(expression));
+[[nodiscard]] inline RegexMatcher ContainsRegex(const std::string& expression) {
+  return {expression, RegexMatcher::Extent::Part};
 }
 
 }  // namespace test

@@ -21,7 +21,7 @@ HANDLE WINAPI refuseMutex(SECURITY_ATTRIBUTES*, BOOL, LPCSTR) {
 TEST(WindowsModuleEntry, BuildsTheAgentAgainAfterAFailure) {
   {
     const test::ImportPatch patch("OrvexCimCore.dll", "CreateMutexA", &refuseMutex);
-    EXPECT_THAT([] { DllMain(nullptr, kProcessAttach, nullptr); },
+    EXPECT_THAT([] { DllMain(nullptr, agent::kProcessAttach, nullptr); },
                 ThrowsExactly<utils::Exception>(HasSubstr("Could not create mutex ")));
   }
 

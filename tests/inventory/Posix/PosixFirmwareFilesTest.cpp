@@ -5,13 +5,13 @@
 #include <string>
 #include <sys/stat.h>
 
-#include "tests/inventory/FirmwareFilesTest.h"
+#include "tests/inventory/FirmwareFilesFixture.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-using PosixFirmwareFiles = test::FirmwareFilesTest;
+using PosixFirmwareFiles = test::FirmwareFilesFixture;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

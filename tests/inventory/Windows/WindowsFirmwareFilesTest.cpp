@@ -4,7 +4,7 @@
 #include <string>
 
 #include "Os/Texts.h"
-#include "tests/inventory/FirmwareFilesTest.h"
+#include "tests/inventory/FirmwareFilesFixture.h"
 #include "tests/support/Windows/Umlauts.h"
 
 namespace {
@@ -12,7 +12,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class WindowsFirmwareFiles : public test::FirmwareFilesTest {
+class WindowsFirmwareFiles : public test::FirmwareFilesFixture {
  protected:
   void SetUp() override { test::demandWesternCodePage(); }
 };

@@ -1,8 +1,8 @@
 // What the tests of the two methods that take a software identity share: what tells the methods
 // apart, the arguments, the call, and the method's records.
 
-#ifndef ORVEX_TESTS_AGENT_IDENTITYMETHOD_H_
-#define ORVEX_TESTS_AGENT_IDENTITYMETHOD_H_
+#ifndef ORVEX_TESTS_AGENT_IDENTITYMETHODFIXTURE_H_
+#define ORVEX_TESTS_AGENT_IDENTITYMETHODFIXTURE_H_
 
 #include <algorithm>
 #include <cstdint>
@@ -51,9 +51,9 @@ inline const IdentityMethodTraits kCheckMethod = {"CheckSoftwareIdentity",
                                                   "Image verification",
                                                   0};
 
-class IdentityMethod : public testing::Test {
+class IdentityMethodFixture : public testing::Test {
  protected:
-  explicit IdentityMethod(const IdentityMethodTraits& method) : m_method(method) {
+  explicit IdentityMethodFixture(const IdentityMethodTraits& method) : m_method(method) {
     m_options.setValue({3, 5});
     m_values.setValue({"", "x"});
     m_siblings.addResource("firmware", "file:///image.rom");
@@ -208,4 +208,4 @@ class IdentityMethod : public testing::Test {
 
 }  // namespace test
 
-#endif  // ORVEX_TESTS_AGENT_IDENTITYMETHOD_H_
+#endif  // ORVEX_TESTS_AGENT_IDENTITYMETHODFIXTURE_H_

@@ -1,8 +1,8 @@
 // The fixture of the inventory's tests: virtual adapters of 1af4:1041 with two ports each, and a
 // configuration with two directories of firmware files.
 
-#ifndef ORVEX_TESTS_INVENTORY_INVENTORYTEST_H_
-#define ORVEX_TESTS_INVENTORY_INVENTORYTEST_H_
+#ifndef ORVEX_TESTS_INVENTORY_INVENTORYFIXTURE_H_
+#define ORVEX_TESTS_INVENTORY_INVENTORYFIXTURE_H_
 
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -26,14 +26,14 @@ inline constexpr const char* kOtherAdapter = "0000:04:00";
 
 // Returns the broker, with the agent, which stays for the life of the process.
 inline core::CimBroker& brokerWithInventory() {
-  static const bool isAdded = (core::addSoftwareInventoryAgent(), true);
+  static const bool isAdded = (inventory::addSoftwareInventoryAgent(), true);
   static_cast<void>(isAdded);
   return core::GetCimBroker();
 }
 
-class InventoryTest : public testing::Test {
+class InventoryFixture : public testing::Test {
  protected:
-  InventoryTest() {
+  InventoryFixture() {
     std::filesystem::create_directory(firstDirectory());
     std::filesystem::create_directory(secondDirectory());
     configure(firstDirectory().string() + ";" + secondDirectory().string());
@@ -85,4 +85,4 @@ class InventoryTest : public testing::Test {
 
 }  // namespace test
 
-#endif  // ORVEX_TESTS_INVENTORY_INVENTORYTEST_H_
+#endif  // ORVEX_TESTS_INVENTORY_INVENTORYFIXTURE_H_

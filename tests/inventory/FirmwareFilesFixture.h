@@ -1,18 +1,18 @@
 // The fixture of the tests that look for firmware files.
 
-#ifndef ORVEX_TESTS_INVENTORY_FIRMWAREFILESTEST_H_
-#define ORVEX_TESTS_INVENTORY_FIRMWAREFILESTEST_H_
+#ifndef ORVEX_TESTS_INVENTORY_FIRMWAREFILESFIXTURE_H_
+#define ORVEX_TESTS_INVENTORY_FIRMWAREFILESFIXTURE_H_
 
 #include <gmock/gmock.h>
 #include <string>
 #include <vector>
 
 #include "inventory/FirmwareFiles.h"
-#include "tests/inventory/InventoryTest.h"
+#include "tests/inventory/InventoryFixture.h"
 
 namespace test {
 
-class FirmwareFilesTest : public InventoryTest {
+class FirmwareFilesFixture : public InventoryFixture {
  protected:
   std::vector<std::string> find() {
     m_log.clear();
@@ -44,4 +44,4 @@ class FirmwareFilesTest : public InventoryTest {
 
 }  // namespace test
 
-#endif  // ORVEX_TESTS_INVENTORY_FIRMWAREFILESTEST_H_
+#endif  // ORVEX_TESTS_INVENTORY_FIRMWAREFILESFIXTURE_H_

@@ -1,0 +1,38 @@
+#include "tests/agent/SingleInstanceFixture.h"
+
+#include <utility>
+#include <vector>
+
+namespace test {
+
+SingleInstanceFixture::SingleInstanceFixture(std::unique_ptr<core::CimClass> provider,
+                                             EnumerationNames names)
+    : m_names(std::move(names)), m_provider(std::move(provider)) {}
+
+SingleInstanceFixture::~SingleInstanceFixture() = default;
+
+core::CimInstance& SingleInstanceFixture::enumerate() {
+  m_log.clear();
+  const std::vector<core::CimInstance*> instances = instancesOf(*m_provider);
+  EXPECT_EQ(instances.size(), 1u);
+  return *instances.at(0);
+}
+
+void SingleInstanceFixture::expectServedUnder(const std::string& className) {
+  EXPECT_EQ(m_provider->getName(), className);
+  EXPECT_EQ(enumerate().getClassName(), className);
+}
+
+void SingleInstanceFixture::expectTheFirstInstanceIsKept() {
+  const core::CimInstance* const first = &enumerate();
+  EXPECT_EQ(&enumerate(), first);
+}
+
+void SingleInstanceFixture::expectRecords() {
+  enumerate();
+  expectEnumeration(m_log, m_names, {"getInstance", "create new instance", "return 1"});
+  enumerate();
+  expectEnumeration(m_log, m_names, {"getInstance", "return 1"});
+}
+
+}  // namespace test

@@ -1,0 +1,37 @@
+// The fixture of the tests of providers whose one instance is made by the first enumeration.
+
+#ifndef ORVEX_TESTS_AGENT_SINGLEINSTANCEFIXTURE_H_
+#define ORVEX_TESTS_AGENT_SINGLEINSTANCEFIXTURE_H_
+
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+
+#include "core/CimClass.h"
+#include "tests/agent/Enumeration.h"
+#include "tests/support/LogCapture.h"
+
+namespace test {
+
+class SingleInstanceFixture : public testing::Test {
+ protected:
+  SingleInstanceFixture(std::unique_ptr<core::CimClass> provider, EnumerationNames names);
+  ~SingleInstanceFixture() override;
+
+  // Returns the one instance that an enumeration yields.
+  core::CimInstance& enumerate();
+
+  void expectServedUnder(const std::string& className);
+  void expectTheFirstInstanceIsKept();
+  void expectRecords();
+
+  LogCapture m_log;
+
+ private:
+  const EnumerationNames m_names;
+  const std::unique_ptr<core::CimClass> m_provider;
+};
+
+}  // namespace test
+
+#endif  // ORVEX_TESTS_AGENT_SINGLEINSTANCEFIXTURE_H_
