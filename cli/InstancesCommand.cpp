@@ -1,13 +1,15 @@
 #include "cli/InstancesCommand.h"
 
+#include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "cli/JsonOutput.h"
 #include "cli/Output.h"
-#include "cli/ServedClasses.h"
 #include "cli/Session.h"
-#include "cli/TextTable.h"
+#include "client/ServedClasses.h"
+#include "client/Texts.h"
 
 namespace cli {
 namespace {
@@ -24,23 +26,25 @@ struct Options {
   bool isAllShown = false;
 };
 
-void printInstances(std::ostream& out, const Instances& instances, NullProperties nulls) {
+void printInstances(std::ostream& out, const client::Instances& instances,
+                    client::NullProperties nulls) {
   bool isFirst = true;
-  for (const InstanceSnapshot& instance : instances) {
-    out << (isFirst ? "" : "\n") << toPrintable(instance.path) << '\n';
+  for (const client::InstanceSnapshot& instance : instances) {
+    out << (isFirst ? "" : "\n") << client::toPrintable(instance.path) << '\n';
     printProperties(out, instance.properties, nulls);
     isFirst = false;
   }
 }
 
 ExitStatus showInstances(const Context& context, const Options& options) {
-  const std::unique_ptr<Connection> connection = openConnection(context.options);
-  const auto nulls = options.isAllShown ? NullProperties::Shown : NullProperties::Left;
-  const Instances instances = demandInstances(*connection, options.className);
+  const std::unique_ptr<client::Connection> connection = openConnection(context.options);
+  const auto nulls =
+      options.isAllShown ? client::NullProperties::Shown : client::NullProperties::Left;
+  const client::Instances instances = client::demandInstances(*connection, options.className);
   if (context.options.isJson) {
-    Json document = Json::array();
-    for (const InstanceSnapshot& instance : instances) {
-      document.push_back(instanceToJson(instance, nulls));
+    client::Value document = client::Value::array();
+    for (const client::InstanceSnapshot& instance : instances) {
+      document.push(client::toValue(instance, nulls));
     }
     printJson(context.out, document);
   } else if (instances.empty()) {

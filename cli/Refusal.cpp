@@ -7,8 +7,8 @@
 
 #include "Os/Texts.h"
 #include "cim/MethodSignatures.h"
-#include "cli/ErrorRecords.h"
-#include "cli/TextTable.h"
+#include "client/ErrorRecords.h"
+#include "client/Texts.h"
 
 namespace cli {
 namespace {
@@ -89,7 +89,8 @@ std::string adviseOnTypes(const UpdateRequest& request) {
   }
   if (request.identity) {
     return "update from the file itself and name the types to install: " + request.program +
-           " update TARGET " + request.imagePath + " --types " + join(request.identity->types, "+");
+           " update TARGET " + request.imagePath + " --types " +
+           client::join(request.identity->types, "+");
   }
   return request.isForced
              ? "name the types to install with --types; --force alone changes the installed types "
@@ -99,7 +100,7 @@ std::string adviseOnTypes(const UpdateRequest& request) {
 
 // Returns why an identity is none that can be installed, empty when it can be. The service tells a
 // client no more than that its parameter is invalid.
-std::string findDefect(const std::optional<Identity>& identity) {
+std::string findDefect(const std::optional<client::Identity>& identity) {
   if (!identity) {
     return "";
   }
@@ -136,10 +137,10 @@ void explain(std::ostream& err, const char* heading, const std::string& text) {
   }
 }
 
-std::string findReason(const Context& context, const MethodAnswer& answer,
+std::string findReason(const Context& context, const client::MethodAnswer& answer,
                        const UpdateRequest& request) {
   if (!answer.reason.empty()) {
-    return withoutType(answer.reason);
+    return client::withoutType(answer.reason);
   }
   if (std::string defect = findDefect(request.identity); !defect.empty()) {
     return defect;
@@ -185,8 +186,8 @@ std::string findAdvice(std::uint32_t returnValue, const std::string& reason,
 
 }  // namespace
 
-UpdateRequest requestIdentity(const Identity& identity, bool isForced,
-                              const Connection& connection) {
+UpdateRequest requestIdentity(const client::Identity& identity, bool isForced,
+                              const client::Connection& connection) {
   return {identity.isFile ? identity.name : "",
           false,
           isForced,
@@ -200,15 +201,15 @@ std::string adviseOnRefusal(std::uint32_t returnValue, const std::string& reason
   return nameProgram(findAdvice(returnValue, reason, request), request.program);
 }
 
-void reportRefusal(const Context& context, const std::string& what, const MethodAnswer& answer,
-                   const UpdateRequest& request) {
+void reportRefusal(const Context& context, const std::string& what,
+                   const client::MethodAnswer& answer, const UpdateRequest& request) {
   context.err << "quorvel: " << what << " refused: " << answer.returnValue << ", "
               << answer.returnText << '\n';
   explain(context.err, "reason", findReason(context, answer, request));
   explain(context.err, "next", adviseOnRefusal(answer.returnValue, answer.reason, request));
 }
 
-std::string adviseOnFailure(const JobReport& job, const Connection& connection) {
+std::string adviseOnFailure(const client::JobReport& job, const client::Connection& connection) {
   if (job.errorText == "Timeout Error") {
     return "the flash could not be had for this process; another program may be using it. Try "
            "again when that has ended, or raise Timeout in the configuration";

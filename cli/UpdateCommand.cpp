@@ -1,18 +1,21 @@
 #include "cli/UpdateCommand.h"
 
+#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "Os/Texts.h"
-#include "cli/Identities.h"
-#include "cli/InstallationService.h"
 #include "cli/JobWatch.h"
-#include "cli/Output.h"
+#include "cli/JsonOutput.h"
 #include "cli/Refusal.h"
 #include "cli/Session.h"
-#include "cli/Target.h"
+#include "cli/TargetName.h"
+#include "client/Fault.h"
+#include "client/Identities.h"
+#include "client/InstallationService.h"
+#include "client/Target.h"
 #include "host/SharedOptions.h"
 
 namespace cli {
@@ -42,13 +45,13 @@ struct Options {
   std::string target;
   std::string image;  // this one or the next is empty
   std::string identity;
-  UpdateOptions update;
+  client::UpdateOptions update;
   bool isProgressHidden = false;
 };
 
 // What came of the call that starts an update.
 struct Start {
-  MethodAnswer answer;
+  client::MethodAnswer answer;
   UpdateRequest request;
 };
 
@@ -57,34 +60,36 @@ struct Start {
 std::string nameExactly(const std::filesystem::path& path) {
   const std::optional<std::string> text = os::toGenericText(path);
   if (!text) {
-    throw Fault("the path '" + os::toShownText(path) +
-                "' has characters that the code page of this system lacks; put the image into a "
-                "directory with another name");
+    throw client::Fault(
+        "the path '" + os::toShownText(path) +
+        "' has characters that the code page of this system lacks; put the image into a "
+        "directory with another name");
   }
   return *text;
 }
 
-Start startFromFile(Connection& connection, const Options& options, const Target& target,
-                    const OnStart& onStart) {
+Start startFromFile(client::Connection& connection, const Options& options,
+                    const client::Target& target, const client::OnStart& onStart) {
   const bool isUri = options.image.starts_with("file:");
   const std::filesystem::path path =
       isUri ? std::filesystem::path() : std::filesystem::absolute(os::toPath(options.image));
   const std::string uri = isUri ? options.image : "file://" + nameExactly(path);
-  return {installFromUri(connection, uri, target.path, options.update, onStart),
+  return {client::installFromUri(connection, uri, target.path, options.update, onStart),
           {os::toShownText(path), !options.update.types.empty(), options.update.isForced,
            connection.isRemote(), std::nullopt, connection.program()}};
 }
 
-Start startFromIdentity(Connection& connection, const Options& options, const Target& target,
-                        const OnStart& onStart) {
-  const IdentityList list = readIdentities(connection);
-  const Identity& identity = findIdentity(list, options.identity);
-  return {installFromIdentity(connection, identity.path, target.path, options.update, onStart),
-          requestIdentity(identity, options.update.isForced, connection)};
+Start startFromIdentity(client::Connection& connection, const Options& options,
+                        const client::Target& target, const client::OnStart& onStart) {
+  const client::IdentityList list = client::readIdentities(connection);
+  const client::Identity& identity = client::findIdentity(list, options.identity);
+  return {
+      client::installFromIdentity(connection, identity.path, target.path, options.update, onStart),
+      requestIdentity(identity, options.update.isForced, connection)};
 }
 
-void reportEnd(const Context& context, const Connection& connection, const Target& target,
-               const JobReport& job) {
+void reportEnd(const Context& context, const client::Connection& connection,
+               const client::Target& target, const client::JobReport& job) {
   if (!job.isCompleted()) {
     context.err << "quorvel: update of " << target.label << " failed: " << job.outcome() << '\n';
     context.err << "  next: " << adviseOnFailure(job, connection) << '\n';
@@ -94,25 +99,26 @@ void reportEnd(const Context& context, const Connection& connection, const Targe
   }
 }
 
-Json toJson(const MethodAnswer& answer, const std::optional<JobReport>& job) {
-  Json document;
-  document["returnValue"] = answer.returnValue;
-  document["returnText"] = answer.returnText;
-  document["job"] = job ? job->properties : Json();
+client::Value toJson(const client::MethodAnswer& answer,
+                     const std::optional<client::JobReport>& job) {
+  client::Value document;
+  document.set("returnValue", answer.returnValue);
+  document.set("returnText", answer.returnText);
+  document.set("job", job ? propertiesOf(*job) : client::Value());
   return document;
 }
 
 ExitStatus update(const Context& context, const Options& options) {
-  const std::unique_ptr<Connection> connection = openConnection(context.options);
-  const Target target = findTarget(*connection, options.target);
+  const std::unique_ptr<client::Connection> connection = openConnection(context.options);
+  const client::Target target = client::findTarget(*connection, parseTarget(options.target));
   // Until the update starts, an interrupt ends the command at once, and there is no update.
   std::optional<InterruptGuard> guard;
-  const OnStart onStart = [&guard] { guard.emplace(); };
+  const client::OnStart onStart = [&guard] { guard.emplace(); };
   const Start start = options.identity.empty()
                           ? startFromFile(*connection, options, target, onStart)
                           : startFromIdentity(*connection, options, target, onStart);
 
-  std::optional<JobReport> job;
+  std::optional<client::JobReport> job;
   if (start.answer.jobPath.empty()) {
     guard.value().yieldToInterrupt();
     reportRefusal(context, "update of " + target.label, start.answer, start.request);

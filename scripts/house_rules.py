@@ -14,7 +14,8 @@ MAY_INCLUDE = {
     "http": ["http", "Utils"],
     "wbem": ["wbem", "cimxml", "cim", "core", "Os", "Utils"],
     "host": ["host", "http", "wbem", "cimxml", "cim", "core", "Os", "Utils"],
-    "cli": ["cli", "host", "http", "cimxml", "midapi", "cim", "core", "Os", "Utils"],
+    "client": ["client", "http", "cimxml", "cim", "core", "Os", "Utils"],
+    "cli": ["cli", "client", "host", "midapi", "cim", "core", "Os", "Utils"],
     "tests": None,  # anything
     "bench": None,
 }
@@ -63,7 +64,7 @@ PLATFORM_VARIABLE = "${QUORVEL_PLATFORM_DIR}"
 
 # Folders whose sources need tests.
 TESTED_FOLDERS = (
-    "Utils", "Os", "core", "cim", "midapi", "inventory", "agent", "cimxml", "http", "wbem", "host", "cli",
+    "Utils", "Os", "core", "cim", "midapi", "inventory", "agent", "cimxml", "http", "wbem", "host", "client", "cli",
 )
 
 OS_HEADER_NAMES = {

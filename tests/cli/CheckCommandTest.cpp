@@ -1,3 +1,5 @@
+#include <nlohmann/json.hpp>
+
 #include "tests/cli/FirmwareDirectoryTest.h"
 #include "tests/support/Regex.h"
 

@@ -2,6 +2,7 @@
 
 #include <csignal>
 #include <fstream>
+#include <nlohmann/json.hpp>
 
 #include "tests/cli/Posix/HostTest.h"
 #include "tests/support/Regex.h"

@@ -1,0 +1,174 @@
+#include "client/HostErrors.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "client/Fault.h"
+#include "client/Texts.h"
+
+namespace client {
+namespace {
+
+constexpr unsigned kOk = 200;
+constexpr unsigned kUnauthorized = 401;
+constexpr unsigned kForbidden = 403;
+constexpr unsigned kNotFound = 404;
+constexpr unsigned kTooManyRequests = 429;
+constexpr unsigned kUnavailable = 503;
+
+constexpr std::pair<unsigned, const char*> kStatusNames[] = {
+    {1, "CIM_ERR_FAILED"},
+    {2, "CIM_ERR_ACCESS_DENIED"},
+    {3, "CIM_ERR_INVALID_NAMESPACE"},
+    {4, "CIM_ERR_INVALID_PARAMETER"},
+    {5, "CIM_ERR_INVALID_CLASS"},
+    {6, "CIM_ERR_NOT_FOUND"},
+    {7, "CIM_ERR_NOT_SUPPORTED"},
+    {8, "CIM_ERR_CLASS_HAS_CHILDREN"},
+    {9, "CIM_ERR_CLASS_HAS_INSTANCES"},
+    {10, "CIM_ERR_INVALID_SUPERCLASS"},
+    {11, "CIM_ERR_ALREADY_EXISTS"},
+    {12, "CIM_ERR_NO_SUCH_PROPERTY"},
+    {13, "CIM_ERR_TYPE_MISMATCH"},
+    {14, "CIM_ERR_QUERY_LANGUAGE_NOT_SUPPORTED"},
+    {15, "CIM_ERR_INVALID_QUERY"},
+    {16, "CIM_ERR_METHOD_NOT_AVAILABLE"},
+    {17, "CIM_ERR_METHOD_NOT_FOUND"},
+    {20, "CIM_ERR_NAMESPACE_NOT_EMPTY"},
+    {21, "CIM_ERR_INVALID_ENUMERATION_CONTEXT"},
+    {22, "CIM_ERR_INVALID_OPERATION_TIMEOUT"},
+    {23, "CIM_ERR_PULL_HAS_BEEN_ABANDONED"},
+    {24, "CIM_ERR_PULL_CANNOT_BE_ABANDONED"},
+    {25, "CIM_ERR_FILTERED_ENUMERATION_NOT_SUPPORTED"},
+    {26, "CIM_ERR_CONTINUATION_ON_ERROR_NOT_SUPPORTED"},
+    {27, "CIM_ERR_SERVER_LIMITS_EXCEEDED"},
+    {28, "CIM_ERR_SERVER_IS_SHUTTING_DOWN"},
+};
+
+std::string nameOf(unsigned code) {
+  for (const auto& [number, name] : kStatusNames) {
+    if (number == code) {
+      return name;
+    }
+  }
+  return "CIM status " + std::to_string(code);
+}
+
+std::string fieldOf(const http::ClientResponse& answer, const std::string& name) {
+  const auto found = answer.fields.find(name);
+  return found != answer.fields.end() ? toPrintable(found->second) : "";
+}
+
+std::string describeLoginRefusal(const HostAddress& address) {
+  if (address.user.empty()) {
+    return address.url() + " wants a login; name the user: --host " +
+           (address.isTls ? "https" : "http") + "://USER@...";
+  }
+  return address.url() + " refused the login of " + address.user +
+         "; check the name and the password";
+}
+
+// Returns the text of a status that says enough by itself; empty for the others. Throws
+// PassingFault for one that will not last.
+std::string describeStatus(const HostAddress& address, unsigned status) {
+  switch (status) {
+    case kUnauthorized:
+      return describeLoginRefusal(address);
+    case kForbidden:
+      return address.url() + " does not allow this" +
+             (address.user.empty() ? " without a login" : " to " + address.user);
+    case kNotFound:
+      return address.url() + " answers, but serves no CIM-XML; check the port";
+    case kTooManyRequests:
+    case kUnavailable:
+      throw PassingFault(address.url() + " is too busy to answer; try again later");
+    default:
+      return "";
+  }
+}
+
+// Media types are compared without regard to case (RFC 9110, 8.3.1).
+bool isXml(std::string contentType) {
+  std::transform(contentType.begin(), contentType.end(), contentType.begin(), [](char character) {
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a')
+                                                : character;
+  });
+  return contentType.starts_with("application/xml") || contentType.starts_with("text/xml");
+}
+
+}  // namespace
+
+bool isError(const cimxml::Response& response, CimStatus status) {
+  return response.error && response.error->code == static_cast<unsigned>(status);
+}
+
+void refuseError(const cimxml::ErrorValue& error, const std::string& nameSpace) {
+  std::string text = nameOf(error.code);
+  if (!error.description.empty()) {
+    text += ": " + toPrintable(error.description);
+  }
+  if (error.code == static_cast<unsigned>(CimStatus::InvalidNamespace)) {
+    text += "; --namespace names another than " + nameSpace;
+  }
+  throw Fault(text);
+}
+
+void demandAnswered(const HostAddress& address, const http::ClientResponse& answer) {
+  if (answer.status == kOk) {
+    if (const std::string type = fieldOf(answer, "content-type"); !isXml(type)) {
+      refuseAnswer(address, type.empty() ? "the answer has no content type"
+                                         : "the answer is of the type " + type);
+    }
+    return;
+  }
+  if (const std::string text = describeStatus(address, answer.status); !text.empty()) {
+    throw Fault(text);
+  }
+  const std::string error = fieldOf(answer, "cimerror");
+  throw Fault(address.url() + " refused the request with the HTTP status " +
+              std::to_string(answer.status) + (error.empty() ? "" : ", " + error) +
+              "; its log may tell more");
+}
+
+void refuseAnswer(const HostAddress& address, const std::string& reason) {
+  throw Fault("what " + address.url() + " answers is no CIM-XML: " + toPrintable(reason) +
+              "; check host and port");
+}
+
+std::string encodeForField(std::string_view text) {
+  constexpr std::string_view kPlain =
+      "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-_.~/";
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string encoded;
+  for (const char character : text) {
+    if (kPlain.find(character) != std::string_view::npos) {
+      encoded += character;
+      continue;
+    }
+    const auto byte = static_cast<unsigned char>(character);
+    encoded += '%';
+    encoded += kDigits[byte >> 4];
+    encoded += kDigits[byte & 0xFU];
+  }
+  return encoded;
+}
+
+std::string toBasicLogin(const std::string& user, const std::string& password) {
+  constexpr std::string_view kDigits =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  const std::string text = user + ":" + password;
+  std::string encoded;
+  for (std::size_t i = 0; i < text.size(); i += 3) {
+    const std::size_t taken = std::min<std::size_t>(3, text.size() - i);
+    unsigned long bits = 0;
+    for (std::size_t j = 0; j < 3; ++j) {
+      bits = (bits << 8) | (j < taken ? static_cast<unsigned char>(text[i + j]) : 0U);
+    }
+    for (std::size_t j = 0; j < 4; ++j) {
+      encoded += j <= taken ? kDigits[(bits >> (18 - 6 * j)) & 0x3FU] : '=';
+    }
+  }
+  return "Basic " + encoded;
+}
+
+}  // namespace client
