@@ -1,6 +1,5 @@
 #include "cli/AdaptersCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <charconv>
 #include <cstdint>
 #include <memory>
@@ -12,6 +11,7 @@
 #include "Os/Texts.h"
 #include "Utils/FirmwareTypes.h"
 #include "Utils/Format.h"
+#include "cli/Command.h"
 #include "cli/HostAdaptersList.h"
 #include "cli/JsonOutput.h"
 #include "cli/Session.h"
@@ -261,34 +261,21 @@ ExitStatus addAdapter(const Context& context, const AddOptions& options) {
   return ExitStatus::Done;
 }
 
-void addAddCommand(CLI::App& parent, Context& context) {
-  CLI::App* command = parent.add_subcommand("add", "Make a virtual adapter");
+void addAddCommand(Command& parent, Context& context) {
+  Command command(parent, "add", "Make a virtual adapter");
   const auto options = std::make_shared<AddOptions>();
-  command->add_option("--pci", options->pci, "PCI address")
-      ->type_name("0000:03:00")
-      ->required()
-      ->check(CLI::Validator(checkAddress, ""));
-  command->add_option("--ports", options->ports, "Number of ports; 1 by default")
-      ->type_name("1..8")
-      ->check(CLI::Range(1U, unsigned{ma::kMaxPorts}).description(""));
-  command->add_option("--vendor", options->vendor, "PCI vendor id")
-      ->type_name("1af4")
-      ->required()
-      ->check(CLI::Validator(checkId, ""));
-  command->add_option("--device", options->device, "PCI device id")
-      ->type_name("1041")
-      ->required()
-      ->check(CLI::Validator(checkId, ""));
-  command->add_option("--name", options->name, "Name of the adapter")->type_name("TEXT");
-  command->add_option("--rom", options->rom, "File whose images the flash holds at first")
-      ->type_name("FILE")
-      ->required();
-  command
-      ->add_option("--rate", options->rate,
-                   "Write rate of the flash; 131072 by default,\n0 for no limit")
-      ->type_name("BYTES_PER_SECOND");
-  command->footer(kAddFooter);
-  command->callback([&context, options] {
+  command.add({"--pci", "PCI address", "0000:03:00", true, checkAddress}, options->pci);
+  command.add({"--ports", "Number of ports; 1 by default", "1..8"}, options->ports, 1,
+              ma::kMaxPorts);
+  command.add({"--vendor", "PCI vendor id", "1af4", true, checkId}, options->vendor);
+  command.add({"--device", "PCI device id", "1041", true, checkId}, options->device);
+  command.add({"--name", "Name of the adapter", "TEXT"}, options->name);
+  command.add({"--rom", "File whose images the flash holds at first", "FILE", true}, options->rom);
+  command.add(
+      {"--rate", "Write rate of the flash; 131072 by default,\n0 for no limit", "BYTES_PER_SECOND"},
+      options->rate);
+  command.setFooter(kAddFooter);
+  command.onChosen([&context, options] {
     context.command = [&context, options] { return addAdapter(context, *options); };
   });
 }
@@ -296,17 +283,16 @@ void addAddCommand(CLI::App& parent, Context& context) {
 }  // namespace
 
 void addAdaptersCommand(CLI::App& program, Context& context) {
-  CLI::App* command =
-      program.add_subcommand("adapters", "Show the adapters and their firmware, or make one");
-  command->require_subcommand(0, 1);
-  command->add_subcommand("list", "Show the adapters (the same without 'list')");
-  command->footer(kFooter);
-  command->callback([&context] {
+  Command command(program, "adapters", "Show the adapters and their firmware, or make one");
+  command.takeOneCommandAtMost();
+  Command(command, "list", "Show the adapters (the same without 'list')");
+  command.setFooter(kFooter);
+  command.onChosen([&context] {
     if (!context.command) {
       context.command = [&context] { return listAdapters(context); };
     }
   });
-  addAddCommand(*command, context);
+  addAddCommand(command, context);
 }
 
 }  // namespace cli

@@ -1,12 +1,12 @@
 #include "cli/AssociationsCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "cli/Command.h"
 #include "cli/JsonOutput.h"
 #include "cli/Session.h"
 #include "client/Associations.h"
@@ -116,14 +116,12 @@ ExitStatus showAssociations(const Context& context, const std::string& text) {
 }  // namespace
 
 void addAssociationsCommand(CLI::App& program, Context& context) {
-  CLI::App* command = program.add_subcommand(
-      "associations", "Show what refers to a CIM instance, and what that leads to");
+  Command command(program, "associations",
+                  "Show what refers to a CIM instance, and what that leads to");
   const auto path = std::make_shared<std::string>();
-  command->add_option("OBJECTPATH", *path, "The instance, as 'quorvel instances' prints it")
-      ->type_name("")
-      ->required();
-  command->footer(kFooter);
-  command->callback([&context, path] {
+  command.add({"OBJECTPATH", "The instance, as 'quorvel instances' prints it", "", true}, *path);
+  command.setFooter(kFooter);
+  command.onChosen([&context, path] {
     context.command = [&context, path] { return showAssociations(context, *path); };
   });
 }

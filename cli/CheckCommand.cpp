@@ -1,10 +1,10 @@
 #include "cli/CheckCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "cli/Command.h"
 #include "cli/JsonOutput.h"
 #include "cli/Refusal.h"
 #include "cli/Session.h"
@@ -86,17 +86,12 @@ ExitStatus check(const Context& context, const Options& options) {
 }  // namespace
 
 void addCheckCommand(CLI::App& program, Context& context) {
-  CLI::App* command =
-      program.add_subcommand("check", "Ask whether a firmware file could be installed");
+  Command command(program, "check", "Ask whether a firmware file could be installed");
   const auto options = std::make_shared<Options>();
-  command->add_option("TARGET", options->target, "Port, adapter or object path")
-      ->type_name("")
-      ->required();
-  command->add_option("IDENTITY", options->identity, "The firmware file")
-      ->type_name("")
-      ->required();
-  command->footer(kFooter);
-  command->callback([&context, options] {
+  command.add({"TARGET", "Port, adapter or object path", "", true}, options->target);
+  command.add({"IDENTITY", "The firmware file", "", true}, options->identity);
+  command.setFooter(kFooter);
+  command.onChosen([&context, options] {
     context.command = [&context, options] { return check(context, *options); };
   });
 }

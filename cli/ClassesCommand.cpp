@@ -1,11 +1,11 @@
 #include "cli/ClassesCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "cli/Command.h"
 #include "cli/JsonOutput.h"
 #include "cli/Session.h"
 #include "cli/TextTable.h"
@@ -62,10 +62,9 @@ ExitStatus showClasses(const Context& context) {
 }  // namespace
 
 void addClassesCommand(CLI::App& program, Context& context) {
-  CLI::App* command =
-      program.add_subcommand("classes", "Show the CIM classes and the agents that serve them");
-  command->footer(kFooter);
-  command->callback([&context] { context.command = [&context] { return showClasses(context); }; });
+  Command command(program, "classes", "Show the CIM classes and the agents that serve them");
+  command.setFooter(kFooter);
+  command.onChosen([&context] { context.command = [&context] { return showClasses(context); }; });
 }
 
 }  // namespace cli

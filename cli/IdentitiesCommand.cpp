@@ -1,12 +1,12 @@
 #include "cli/IdentitiesCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "cli/Command.h"
 #include "cli/JsonOutput.h"
 #include "cli/Session.h"
 #include "cli/TextTable.h"
@@ -126,10 +126,9 @@ ExitStatus showIdentities(const Context& context) {
 }  // namespace
 
 void addIdentitiesCommand(CLI::App& program, Context& context) {
-  CLI::App* command =
-      program.add_subcommand("identities", "Show the firmware files that can be installed");
-  command->footer(kFooter);
-  command->callback(
+  Command command(program, "identities", "Show the firmware files that can be installed");
+  command.setFooter(kFooter);
+  command.onChosen(
       [&context] { context.command = [&context] { return showIdentities(context); }; });
 }
 

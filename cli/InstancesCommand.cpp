@@ -1,10 +1,10 @@
 #include "cli/InstancesCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "cli/Command.h"
 #include "cli/JsonOutput.h"
 #include "cli/Output.h"
 #include "cli/Session.h"
@@ -58,13 +58,12 @@ ExitStatus showInstances(const Context& context, const Options& options) {
 }  // namespace
 
 void addInstancesCommand(CLI::App& program, Context& context) {
-  CLI::App* command =
-      program.add_subcommand("instances", "Show the instances of a CIM class and their properties");
+  Command command(program, "instances", "Show the instances of a CIM class and their properties");
   const auto options = std::make_shared<Options>();
-  command->add_option("CLASS", options->className, "Name of the class")->type_name("")->required();
-  command->add_flag("--all", options->isAllShown, "Show properties that are NULL, too");
-  command->footer(kFooter);
-  command->callback([&context, options] {
+  command.add({"CLASS", "Name of the class", "", true}, options->className);
+  command.addFlag("--all", "Show properties that are NULL, too", options->isAllShown);
+  command.setFooter(kFooter);
+  command.onChosen([&context, options] {
     context.command = [&context, options] { return showInstances(context, *options); };
   });
 }

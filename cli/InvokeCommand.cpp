@@ -1,12 +1,12 @@
 #include "cli/InvokeCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "cli/Arguments.h"
+#include "cli/Command.h"
 #include "cli/JobWatch.h"
 #include "cli/JsonOutput.h"
 #include "cli/Output.h"
@@ -105,15 +105,14 @@ ExitStatus invoke(const Context& context, const Options& options) {
 }  // namespace
 
 void addInvokeCommand(CLI::App& program, Context& context) {
-  CLI::App* command = program.add_subcommand("invoke", "Call a method of a CIM instance");
+  Command command(program, "invoke", "Call a method of a CIM instance");
   const auto options = std::make_shared<Options>();
-  command->add_option("OBJECTPATH", options->path, "The instance, as 'quorvel instances' prints it")
-      ->type_name("")
-      ->required();
-  command->add_option("METHOD", options->method, "Name of the method")->type_name("")->required();
-  command->add_option("NAME=VALUE", options->arguments, "Arguments of the method")->type_name("");
-  command->footer(kFooter);
-  command->callback([&context, options] {
+  command.add({"OBJECTPATH", "The instance, as 'quorvel instances' prints it", "", true},
+              options->path);
+  command.add({"METHOD", "Name of the method", "", true}, options->method);
+  command.add({"NAME=VALUE", "Arguments of the method"}, options->arguments);
+  command.setFooter(kFooter);
+  command.onChosen([&context, options] {
     context.command = [&context, options] { return invoke(context, *options); };
   });
 }

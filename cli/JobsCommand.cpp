@@ -1,15 +1,15 @@
 #include "cli/JobsCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "cli/Command.h"
 #include "cli/JsonOutput.h"
-#include "cli/ProgressView.h"
 #include "cli/Output.h"
+#include "cli/ProgressView.h"
 #include "cli/Session.h"
 #include "cli/TextTable.h"
 #include "client/Jobs.h"
@@ -85,10 +85,9 @@ ExitStatus showJobs(const Context& context) {
 }  // namespace
 
 void addJobsCommand(CLI::App& program, Context& context) {
-  CLI::App* command =
-      program.add_subcommand("jobs", "Show the updates of a host and what became of them");
-  command->footer(kFooter);
-  command->callback([&context] { context.command = [&context] { return showJobs(context); }; });
+  Command command(program, "jobs", "Show the updates of a host and what became of them");
+  command.setFooter(kFooter);
+  command.onChosen([&context] { context.command = [&context] { return showJobs(context); }; });
 }
 
 }  // namespace cli

@@ -1,12 +1,12 @@
 #include "cli/UpdateCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "Os/Texts.h"
+#include "cli/Command.h"
 #include "cli/JobWatch.h"
 #include "cli/JsonOutput.h"
 #include "cli/Refusal.h"
@@ -16,7 +16,6 @@
 #include "client/Identities.h"
 #include "client/InstallationService.h"
 #include "client/Target.h"
-#include "host/SharedOptions.h"
 
 namespace cli {
 namespace {
@@ -134,43 +133,39 @@ ExitStatus update(const Context& context, const Options& options) {
   return job && job->isCompleted() ? ExitStatus::Done : ExitStatus::Failed;
 }
 
+std::string refuseNoType(const std::string& text) {
+  return text.empty() ? "must name a type" : "";
+}
+
 void demandOneImage(const Options& options) {
-  const auto refuse = [](const char* text) {
-    throw CLI::ArgumentMismatch(text, CLI::ExitCodes::ArgumentMismatch);
-  };
   if (options.image.empty() && options.identity.empty()) {
-    refuse("IMAGE or --identity is required: name the image to install");
+    Command::refuse("IMAGE or --identity is required: name the image to install");
   }
   if (!options.image.empty() && !options.identity.empty()) {
-    refuse("IMAGE and --identity exclude each other: name the image by one of them");
+    Command::refuse("IMAGE and --identity exclude each other: name the image by one of them");
   }
   if (!options.identity.empty() && !options.update.types.empty()) {
-    refuse("--types goes with IMAGE, not with --identity: name the file as IMAGE");
+    Command::refuse("--types goes with IMAGE, not with --identity: name the file as IMAGE");
   }
 }
 
 }  // namespace
 
 void addUpdateCommand(CLI::App& program, Context& context) {
-  CLI::App* command = program.add_subcommand("update", "Update the firmware of an adapter");
+  Command command(program, "update", "Update the firmware of an adapter");
   const auto options = std::make_shared<Options>();
-  command->add_option("TARGET", options->target, "Port, adapter or object path")
-      ->type_name("")
-      ->required();
-  command->add_option("IMAGE", options->image, "File or file: URI of the firmware image")
-      ->type_name("");
-  command->add_option("--identity", options->identity, "Firmware file of 'quorvel identities'")
-      ->type_name("IDENTITY")
-      ->check(host::notEmpty());
-  command
-      ->add_option("--types", options->update.types, "Install these image types of the file only")
-      ->type_name("IMG_PXE+IMG_UEFI")
-      ->check(CLI::Validator(
-          [](const std::string& text) { return text.empty() ? "must name a type" : ""; }, ""));
-  command->add_flag("--force", options->update.isForced, "Install older firmware, too");
-  command->add_flag("--no-progress", options->isProgressHidden, "Print no progress");
-  command->footer(kFooter);
-  command->callback([&context, options] {
+  command.add({"TARGET", "Port, adapter or object path", "", true}, options->target);
+  command.add({"IMAGE", "File or file: URI of the firmware image"}, options->image);
+  command.add(
+      {"--identity", "Firmware file of 'quorvel identities'", "IDENTITY", false, refuseEmpty},
+      options->identity);
+  command.add({"--types", "Install these image types of the file only", "IMG_PXE+IMG_UEFI", false,
+               refuseNoType},
+              options->update.types);
+  command.addFlag("--force", "Install older firmware, too", options->update.isForced);
+  command.addFlag("--no-progress", "Print no progress", options->isProgressHidden);
+  command.setFooter(kFooter);
+  command.onChosen([&context, options] {
     demandOneImage(*options);
     context.command = [&context, options] { return update(context, *options); };
   });

@@ -1,9 +1,9 @@
 #include "cli/WatchCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
 
+#include "cli/Command.h"
 #include "cli/JsonOutput.h"
 #include "cli/Refusal.h"
 #include "cli/Session.h"
@@ -63,14 +63,12 @@ ExitStatus watch(const Context& context, const Options& options) {
 }  // namespace
 
 void addWatchCommand(CLI::App& program, Context& context) {
-  CLI::App* command = program.add_subcommand("watch", "Follow a job of a host to its end");
+  Command command(program, "watch", "Follow a job of a host to its end");
   const auto options = std::make_shared<Options>();
-  command->add_option("JOB", options->job, "The job, as 'quorvel jobs' prints it")
-      ->type_name("")
-      ->required();
-  command->add_flag("--no-progress", options->isProgressHidden, "Print no progress");
-  command->footer(kFooter);
-  command->callback([&context, options] {
+  command.add({"JOB", "The job, as 'quorvel jobs' prints it", "", true}, options->job);
+  command.addFlag("--no-progress", "Print no progress", options->isProgressHidden);
+  command.setFooter(kFooter);
+  command.onChosen([&context, options] {
     context.command = [&context, options] { return watch(context, *options); };
   });
 }
