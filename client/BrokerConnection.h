@@ -3,10 +3,13 @@
 #ifndef ORVEX_CLIENT_BROKERCONNECTION_H_
 #define ORVEX_CLIENT_BROKERCONNECTION_H_
 
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "client/Connection.h"
 #include "core/CimBroker.h"
+#include "core/CimPath.h"
 
 namespace client {
 
@@ -15,12 +18,13 @@ class BrokerConnection final : public Connection {
   // The broker outlives the connection.
   explicit BrokerConnection(core::CimBroker& broker) : m_broker(broker) {}
 
-  // Connection
+  // Connection. Names of classes and keys are compared without regard to case, and the instances of
+  // a class are its own, then those of the classes below it: all as a host does it.
   [[nodiscard]] ServingAgents getClasses() override;
   [[nodiscard]] std::optional<Instances> findInstances(const std::string& className) override;
   [[nodiscard]] std::optional<InstanceSnapshot> findInstance(const std::string& path) override;
-  // Looks at every instance of every served class.
   [[nodiscard]] std::optional<InstanceSnapshot> lookAgain(const std::string& path) override;
+  // Looks at every instance of every served class.
   [[nodiscard]] Instances findReferencing(const std::string& path) override;
   [[nodiscard]] MethodAnswer invoke(const std::string& path, const std::string& method,
                                     core::CimPropertyList& in, core::CimPropertyList& out,
@@ -32,6 +36,13 @@ class BrokerConnection final : public Connection {
   [[nodiscard]] std::chrono::milliseconds patience() const override { return {}; }
 
  private:
+  // Returns the served classes that are the class or below it, the class first; nothing for a class
+  // that is neither served nor declared.
+  [[nodiscard]] std::optional<std::vector<std::string>> findServedBelow(
+      const std::string& className) const;
+  // Reads an object path and spells its class and its keys as they are served.
+  [[nodiscard]] core::CimPath toServedPath(const std::string& text) const;
+
   core::CimBroker& m_broker;
 };
 

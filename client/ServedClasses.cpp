@@ -1,11 +1,13 @@
 #include "client/ServedClasses.h"
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
 #include "Utils/Exception.h"
 #include "client/Fault.h"
 #include "client/Texts.h"
+#include "core/ClassDeclaration.h"
 
 namespace client {
 namespace {
@@ -53,7 +55,10 @@ InstanceSnapshot demandInstance(Connection& connection, const core::CimPath& pat
 void refuseMissing(Connection& connection, const std::string& path) {
   const std::string className = core::CimPath(path).getClassName();
   const ServingAgents served = connection.getClasses();
-  if (!served.contains(className)) {
+  const bool isServed = std::any_of(served.begin(), served.end(), [&className](const auto& entry) {
+    return core::isSameName(entry.first, className);
+  });
+  if (!isServed) {
     refuseClass(served, className);
   }
   throw Fault("there is no instance " + path + "; '" + connection.program() + " instances " +

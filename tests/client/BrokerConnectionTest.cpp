@@ -106,6 +106,54 @@ TEST_F(BrokerConnectionTest, CallsNoMethodOfAnInstanceThatIsNotThere) {
   }
 }
 
+// Serves classes below one that it declares only: Base, then Second and First.
+class DeclaringAgent : public test::FakeAgent {
+ public:
+  DeclaringAgent() : FakeAgent("Declaring") {
+    m_second.add(std::make_unique<test::FakeInstance>("Second_Part", "2"));
+    m_first.add(std::make_unique<test::FakeInstance>("First_Part", "1"));
+  }
+
+  void declareClasses(core::CimSchema& schema) const override {
+    const core::PropertyDeclaration key{"InstanceID", core::kCimString, true, "", "Base_Part"};
+    schema.add({"Base_Part", "", false, {key}, {}});
+    schema.add({"Second_Part", "Base_Part", false, {key}, {}});
+    schema.add({"First_Part", "Base_Part", false, {key}, {}});
+    schema.add({"Empty_Part", "", false, {key}, {}});
+  }
+
+ private:
+  test::FakeProvider& m_first = serve("First_Part");
+  test::FakeProvider& m_second = serve("Second_Part");
+};
+
+class BrokerConnectionWithSchemaTest : public BrokerConnectionTest {
+ protected:
+  BrokerConnectionWithSchemaTest() { m_broker.addAgent(&m_declaring); }
+
+  DeclaringAgent m_declaring;
+};
+
+TEST_F(BrokerConnectionWithSchemaTest, FindsTheInstancesOfTheClassesBelowInTheOrderOfTheSchema) {
+  const client::Instances instances = m_connection.findInstances("Base_Part").value();
+  ASSERT_THAT(instances, SizeIs(2));
+  EXPECT_EQ(instances[0].className, "Second_Part");
+  EXPECT_EQ(instances[1].className, "First_Part");
+}
+
+TEST_F(BrokerConnectionWithSchemaTest, HasNoInstancesOfAClassThatIsDeclaredAlone) {
+  EXPECT_THAT(m_connection.findInstances("Empty_Part").value(), IsEmpty());
+}
+
+TEST_F(BrokerConnectionWithSchemaTest, TakesNamesInAnyCase) {
+  EXPECT_THAT(m_connection.findInstances("thing").value(), SizeIs(1));
+  EXPECT_THAT(m_connection.findInstances("base_part").value(), SizeIs(2));
+  const std::string path = "First_Part.InstanceID=\"1\"";
+  EXPECT_EQ(m_connection.findInstance("first_PART.INSTANCEID=\"1\"").value().path, path);
+  EXPECT_FALSE(m_connection.findInstance("first_part.InstanceID=\"2\""));
+  EXPECT_FALSE(m_connection.findInstance("Base_Part.InstanceID=\"1\""));
+}
+
 TEST_F(BrokerConnectionTest, IsThatOfThisProcess) {
   EXPECT_FALSE(m_connection.isRemote());
   EXPECT_EQ(m_connection.watchCommand("1"), "");
