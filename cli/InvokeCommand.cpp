@@ -53,7 +53,11 @@ client::Value toJson(const client::MethodAnswer& answer,
 }
 
 void printAnswer(std::ostream& out, const client::MethodAnswer& answer) {
-  out << "Return value: " << answer.returnValue << " (" << answer.returnText << ")\n";
+  out << "Return value: " << answer.returnValue;
+  if (!answer.returnText.empty()) {
+    out << " (" << answer.returnText << ")";
+  }
+  out << '\n';
   if (!answer.outputs.empty()) {
     out << "Outputs:\n";
     printProperties(out, answer.outputs, client::NullProperties::Shown);

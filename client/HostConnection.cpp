@@ -179,7 +179,7 @@ MethodAnswer HostConnection::invoke(const std::string& path, const std::string& 
   if (error != std::errc() || stop != text.data() + text.size()) {
     refuseAnswer(m_options.address, "the answer to " + method + " has no return value");
   }
-  answer.returnText = cim::describeInstallReturn(answer.returnValue);
+  answer.returnText = cim::describeReturn(method, answer.returnValue);
   answer.jobPath = jobPathOf(response.outputs);
   answer.outputs = outputsOf(response.outputs, out);
   return answer;

@@ -18,7 +18,7 @@ MethodAnswer callMethod(core::CimInstance& instance, const std::string& method,
   core::CimInstance* job = nullptr;
   answer.returnValue = instance.invokeMethod(method, &in, &out, &job);
   const std::string reason = reasonOf(records.take());
-  answer.returnText = cim::describeInstallReturn(answer.returnValue);
+  answer.returnText = cim::describeReturn(method, answer.returnValue);
   if (job != nullptr) {
     answer.jobPath = job->getPath();
   }

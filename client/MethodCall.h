@@ -14,8 +14,8 @@ namespace client {
 
 struct MethodAnswer {
   std::uint32_t returnValue = 0;
-  std::string returnText;
-  std::string jobPath;  // empty when no job was created
+  std::string returnText;  // its meaning; empty for a method that is not known
+  std::string jobPath;     // empty when no job was created
   // Why the method refused, beginning with the type of the failure ("EInvalidUri:..."); empty for a
   // success and where nothing was logged.
   std::string reason;

@@ -271,6 +271,13 @@ TEST_F(HostConnectionTest, CallsAMethodWithTypedArguments) {
   EXPECT_EQ(request.find("Job"), nullptr);
 }
 
+TEST_F(HostConnectionTest, TellsWhatANumberMeansForTheMethod) {
+  answer("<RETURNVALUE PARAMTYPE=\"uint32\"><VALUE>4097</VALUE></RETURNVALUE>");
+  core::CimPropertyList none;
+  EXPECT_EQ(connection.invoke(kJobPath, "RequestStateChange", none, none, {}).returnText,
+            "Invalid State Transition");
+}
+
 TEST_F(HostConnectionTest, RefusesAnArgumentThatIsNoPath) {
   core::CimPropertyRef target("Target", nullptr);
   target.setText("rubbish");

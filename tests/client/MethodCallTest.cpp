@@ -15,6 +15,8 @@ class Service : public test::FakeInstance {
  public:
   Service() : FakeInstance("Service", "1") {
     addMethod("InstallFromURI", &core::CimInstance::InstallFromURI);
+    addMethod("RequestStateChange", &core::CimInstance::InstallFromURI);
+    addMethod("Rest", &core::CimInstance::InstallFromURI);
   }
 
   std::uint32_t InstallFromURI(core::CimPropertyList*, core::CimPropertyList*,
@@ -56,6 +58,12 @@ TEST_F(MethodCallTest, GivesThePathOfTheJob) {
   EXPECT_TRUE(answer.isAccepted());
   EXPECT_EQ(answer.jobPath, "Orvex_ConcreteJob.InstanceID=\"job 1\"");
   EXPECT_EQ(answer.reason, "");
+}
+
+TEST_F(MethodCallTest, TellsWhatANumberMeansForTheMethod) {
+  m_service.answer = 4097;
+  EXPECT_EQ(call("RequestStateChange").returnText, "Invalid State Transition");
+  EXPECT_EQ(call("Rest").returnText, "");
 }
 
 TEST_F(MethodCallTest, LetsFaultsThrough) {
