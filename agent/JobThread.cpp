@@ -9,6 +9,7 @@
 
 #include "Os/OSLocker.h"
 #include "Utils/Assert.h"
+#include "Utils/RefusalTexts.h"
 #include "midapi/MidApi.h"
 
 namespace {
@@ -100,7 +101,7 @@ void JobThread::run() {
     isFlashed = flash();
   } catch (...) {
     // Whatever it was, a client gets the one answer that it knows.
-    m_job->setError(kTimeoutErrorCode, "Timeout Error");
+    m_job->setError(kTimeoutErrorCode, utils::refusal::kTimeout);
     utils::logError(kLog, kExecute, "Access to the FK is disabled at this moment.");
   }
   m_job->setJobState(isFlashed ? ConcreteJobState::Completed : ConcreteJobState::Exception);

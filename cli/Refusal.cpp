@@ -6,12 +6,15 @@
 #include <utility>
 
 #include "Os/Texts.h"
+#include "Utils/RefusalTexts.h"
 #include "cim/MethodSignatures.h"
 #include "client/ErrorRecords.h"
 #include "client/Texts.h"
 
 namespace cli {
 namespace {
+
+namespace refusal = utils::refusal;
 
 struct Advice {
   std::string_view reason;  // what the reason contains
@@ -25,20 +28,20 @@ constexpr const char* kGetAgain =
 
 // The first entry that fits counts.
 constexpr Advice kAdvice[] = {
-    {"Downgrade was detected", kForce},
-    {"ETargetInUse:", kWait},
-    {"EJobIsRunning:", kWait},
-    {"is not recognized",
+    {refusal::kDowngrade, kForce},
+    {refusal::kTargetInUse, kWait},
+    {refusal::kJobIsRunning, kWait},
+    {refusal::kUnknownType,
      "the image types are IMG_CLP, IMG_iSCSI, IMG_PXE, IMG_UEFI and IMG_FCoE, joined by '+'"},
-    {"EInvalidUri:", "name a file, or a URI like file:///path/to/image"},
-    {"EUriDoesNotExist:", "check the path; an image is a regular file below 2 GiB"},
-    {"EImageReadError:", "check the file and its permissions"},
-    {"Could not open the file", "check the file and its permissions"},
-    {"points to a directory", "name the image file in that directory"},
-    {"EAdapterNotSupported:",
+    {refusal::kInvalidUri, "name a file, or a URI like file:///path/to/image"},
+    {refusal::kUriDoesNotExist, "check the path; an image is a regular file below 2 GiB"},
+    {refusal::kImageReadError, "check the file and its permissions"},
+    {refusal::kCouldNotOpen, "check the file and its permissions"},
+    {refusal::kIsDirectory, "name the image file in that directory"},
+    {refusal::kAdapterNotSupported,
      "the image is for another device; 'quorvel adapters' shows the device of each adapter"},
-    {"Invalid parameter detected for", kGetAgain},
-    {"ENotApplicableForTarget:",
+    {refusal::kInvalidParameter, kGetAgain},
+    {refusal::kNotApplicableForTarget,
      "the firmware of this adapter cannot be replaced; 'quorvel adapters' shows which can"},
 };
 
@@ -80,8 +83,6 @@ std::string adviseOnCode(std::uint32_t returnValue, const UpdateRequest& request
   }
   return "the log of the host tells more";
 }
-
-constexpr std::string_view kTypesDiffer = "same image types";
 
 std::string adviseOnTypes(const UpdateRequest& request) {
   if (request.hasTypes) {
@@ -168,7 +169,7 @@ std::string findAdvice(std::uint32_t returnValue, const std::string& reason,
   if (!findDefect(request.identity).empty()) {
     return "name another; 'quorvel identities' shows the firmware files that can be installed";
   }
-  if (reason.find(kTypesDiffer) != std::string::npos) {
+  if (reason.find(refusal::kTypesDiffer) != std::string::npos) {
     return adviseOnTypes(request);
   }
   for (const Advice& advice : kAdvice) {
@@ -210,7 +211,7 @@ void reportRefusal(const Context& context, const std::string& what,
 }
 
 std::string adviseOnFailure(const client::JobReport& job, const client::Connection& connection) {
-  if (job.errorText == "Timeout Error") {
+  if (job.errorText == refusal::kTimeout) {
     return "the flash could not be had for this process; another program may be using it. Try "
            "again when that has ended, or raise Timeout in the configuration";
   }
