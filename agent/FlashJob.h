@@ -8,21 +8,9 @@
 #include <vector>
 
 #include "Utils/FirmwareTypes.h"
+#include "cim/JobState.h"
 
-// DMTF CIM_ConcreteJob.JobState.
-enum class ConcreteJobState : std::uint16_t {
-  New = 2,
-  Starting = 3,
-  Running = 4,
-  Suspended = 5,
-  ShuttingDown = 6,
-  Completed = 7,
-  Terminated = 8,
-  Killed = 9,
-  Exception = 10,
-  Service = 11,
-  QueryPending = 12,
-};
+using ConcreteJobState = cim::JobState;
 
 // Called from the job's thread, which does not own it.
 class FlashJob {

@@ -10,8 +10,8 @@
 #include "Utils/Conversions.h"
 #include "Utils/Log.h"
 #include "Utils/RefusalTexts.h"
-#include "agent/InstallOptions.h"
 #include "agent/JobErrors.h"
+#include "cim/InstallOptions.h"
 #include "midapi/MidApi.h"
 
 namespace {
@@ -145,7 +145,7 @@ VerifiedImage checkAndVerifyImage(const std::string& target, const std::string& 
   const ma::PrepareStatus status =
       ma::prepareFlashImage(target, file.data(), size, image.bytes.data(), size, image.targetTypes);
   utils::logDebug(kLog, kCheck, "Image prepared %d", static_cast<int>(status));
-  actOnStatus(status, target, uri, hasOption(installOptions, kForceInstallation));
+  actOnStatus(status, target, uri, cim::hasOption(installOptions, cim::kForceInstallation));
   image.bytes.resize(size);
   return image;
 }
@@ -158,7 +158,7 @@ std::vector<utils::FirmwareType> getTargetTypes(
                   static_cast<int>(installOptionsValues.size()));
   std::vector<utils::FirmwareType> types;
   for (std::size_t position = 0; position < installOptions.size(); ++position) {
-    if (installOptions[position] != kTargetTypes) {
+    if (installOptions[position] != cim::kTargetTypes) {
       continue;
     }
     utils::logDebug(kLog, kTypes, "InstallOptions contains TargetTypes on %d position",

@@ -3,13 +3,13 @@
 #include <utility>
 
 #include "Utils/Assert.h"
+#include "cim/OperationalStatus.h"
 #include "midapi/MidApi.h"
 
 namespace {
 
 constexpr utils::LogSource kLog{"Orvex_ConcreteJob"};
 
-constexpr std::uint16_t kOperationalStatusOk = 2;
 constexpr std::uint64_t kTimeBeforeRemoval = 300'000'000;  // microseconds
 
 // Which states end a job. Killed and Terminated do not: only the states that a job reaches by
@@ -66,7 +66,7 @@ void Orvex_ConcreteJob::setPropertyValues() {
   InstanceID.setValue("Orvex:" + getInstanceId());
   core::markKeys(*this);
   OperationalStatus.clear();
-  OperationalStatus.addValue(kOperationalStatusOk);
+  OperationalStatus.addValue(cim::kOperationalStatusOk);
   JobRunTimes.setValue(1);
   Priority.setValue(0);
   DeleteOnCompletion.setValue(false);

@@ -3,6 +3,8 @@
 #include <memory>
 #include <utility>
 
+#include "cim/InstallCharacteristics.h"
+#include "cim/InstallOptions.h"
 #include "client/Fault.h"
 #include "client/ServedClasses.h"
 #include "core/CimPropertyList.h"
@@ -15,21 +17,15 @@ namespace {
 constexpr const char* kCharacteristicsOutput = "InstallCharacteristics";
 constexpr const char* kServiceClass = "Orvex_SoftwareInstallationService";
 
-// The values of InstallOptions (DMTF CIM_SoftwareInstallationService).
-constexpr std::uint16_t kOptionForce = 3;
-constexpr std::uint16_t kOptionUpdate = 5;
-constexpr std::uint16_t kOptionTypes = 32768;
-
-// The values of InstallCharacteristics (as above).
 constexpr std::pair<std::uint16_t, const char*> kCharacteristics[] = {
-    {2, "the target resets itself"},
-    {3, "the system resets itself"},
-    {4, "a reset of the target is required"},
-    {5, "a reset of the system is required"},
-    {6, "a manual reboot is required"},
-    {7, "no reboot required"},
-    {8, "attention of the user is recommended"},
-    {9, "it may be added to a collection"},
+    {cim::kTargetAutomaticReset, "the target resets itself"},
+    {cim::kSystemAutomaticReset, "the system resets itself"},
+    {cim::kSeparateTargetResetRequired, "a reset of the target is required"},
+    {cim::kSeparateSystemResetRequired, "a reset of the system is required"},
+    {cim::kManualRebootRequired, "a manual reboot is required"},
+    {cim::kNoRebootRequired, "no reboot required"},
+    {cim::kUserInterventionRecommended, "attention of the user is recommended"},
+    {cim::kMayBeAddedToCollection, "it may be added to a collection"},
 };
 
 // The arguments of one call, in one direction.
@@ -60,14 +56,14 @@ class ArgumentList {
 
 // The text of an option stands at the position of the option's number.
 void ArgumentList::addOptions(const UpdateOptions& options) {
-  std::vector<std::uint16_t> numbers{kOptionUpdate};
+  std::vector<std::uint16_t> numbers{cim::kUpdate};
   std::vector<std::string> texts{""};
   if (options.isForced) {
-    numbers.push_back(kOptionForce);
+    numbers.push_back(cim::kForceInstallation);
     texts.emplace_back();
   }
   if (!options.types.empty()) {
-    numbers.push_back(kOptionTypes);
+    numbers.push_back(cim::kTargetTypes);
     texts.push_back(options.types);
   }
   add<core::CimPropertyUint16_arr>("InstallOptions").setValue(std::move(numbers));

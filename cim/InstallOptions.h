@@ -1,11 +1,13 @@
 // The values of the InstallOptions argument (DMTF CIM_SoftwareInstallationService).
 
-#ifndef ORVEX_AGENT_INSTALLOPTIONS_H_
-#define ORVEX_AGENT_INSTALLOPTIONS_H_
+#ifndef ORVEX_CIM_INSTALLOPTIONS_H_
+#define ORVEX_CIM_INSTALLOPTIONS_H_
 
 #include <algorithm>
 #include <cstdint>
 #include <vector>
+
+namespace cim {
 
 enum InstallOption : std::uint16_t {
   kDeferTargetReset = 2,
@@ -29,4 +31,6 @@ enum InstallOption : std::uint16_t {
   return std::find(options.begin(), options.end(), wanted) != options.end();
 }
 
-#endif  // ORVEX_AGENT_INSTALLOPTIONS_H_
+}  // namespace cim
+
+#endif  // ORVEX_CIM_INSTALLOPTIONS_H_
