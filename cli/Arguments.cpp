@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "Utils/Conversions.h"
-#include "cli/Context.h"
 #include "client/Fault.h"
 #include "core/CimPropertyRef.h"
 #include "core/CimPropertyTypes.h"

@@ -8,7 +8,6 @@
 
 #include "cli/Command.h"
 #include "cli/JsonOutput.h"
-#include "cli/Output.h"
 #include "cli/ProgressView.h"
 #include "cli/Session.h"
 #include "cli/TextTable.h"

@@ -1,4 +1,4 @@
-// Properties as people read them, and as programs do.
+// Properties as people read them. As programs do, see cli/JsonOutput.h:
 //
 //   type       text            JSON
 //   number     42              42
@@ -20,6 +20,7 @@
 namespace cli {
 
 [[nodiscard]] std::string toText(const client::PropertySnapshot& property);
+
 // Prints "  Name = value" lines whose signs line up.
 void printProperties(std::ostream& out, const client::Properties& properties,
                      client::NullProperties nulls);

@@ -4,7 +4,6 @@
 #include <fstream>
 
 #include "Os/Texts.h"
-#include "cli/Context.h"
 #include "client/Fault.h"
 
 namespace cli {

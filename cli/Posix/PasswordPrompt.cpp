@@ -10,7 +10,6 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include "cli/Context.h"
 #include "client/Fault.h"
 
 namespace cli {

@@ -46,6 +46,8 @@ TEST_F(ServedClassesTest, HaveTheInstanceOfAPathOrSaySo) {
   EXPECT_EQ(faultOf("A.InstanceID=\"1\""), "found A.InstanceID=\"1\"");
   EXPECT_EQ(faultOf("A.InstanceID=\"2\""),
             "there is no instance A.InstanceID=\"2\"; 'quorvel instances A' shows what there is");
+  EXPECT_EQ(faultOf("a.InstanceID=\"2\""),
+            "there is no instance a.InstanceID=\"2\"; 'quorvel instances a' shows what there is");
 }
 
 TEST(ObjectPathText, IsReadOrRefusedAsWrongUsage) {
