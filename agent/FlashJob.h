@@ -8,21 +8,7 @@
 #include <vector>
 
 #include "Utils/FirmwareTypes.h"
-
-// DMTF CIM_ConcreteJob.JobState.
-enum class ConcreteJobState : std::uint16_t {
-  New = 2,
-  Starting = 3,
-  Running = 4,
-  Suspended = 5,
-  ShuttingDown = 6,
-  Completed = 7,
-  Terminated = 8,
-  Killed = 9,
-  Exception = 10,
-  Service = 11,
-  QueryPending = 12,
-};
+#include "cim/JobState.h"
 
 namespace agent {
 
@@ -41,7 +27,7 @@ class FlashJob {
   [[nodiscard]] virtual const std::vector<std::uint8_t>& getImage() const = 0;
 
   virtual void setError(std::uint32_t code, const std::string& text) = 0;
-  virtual void setJobState(ConcreteJobState newState) = 0;
+  virtual void setJobState(cim::JobState newState) = 0;
 
  protected:
   ~FlashJob() = default;

@@ -9,8 +9,9 @@
 #include "Os/Uri.h"
 #include "Utils/Conversions.h"
 #include "Utils/Log.h"
-#include "agent/InstallOptions.h"
+#include "Utils/RefusalTexts.h"
 #include "agent/JobErrors.h"
+#include "cim/InstallOptions.h"
 #include "midapi/MidApi.h"
 
 namespace agent {
@@ -55,8 +56,8 @@ Bytes readImageFile(const std::string& text) {
 }
 
 EDowngradeDetected downgradeDetected(const std::string& uri) {
-  return EDowngradeDetected(utils::format(
-      "Downgrade was detected for %s. Try to use FORCE_INSTALL option.", uri.c_str()));
+  return EDowngradeDetected(utils::format("%s for %s. Try to use FORCE_INSTALL option.",
+                                          utils::refusal::kDowngrade, uri.c_str()));
 }
 
 // A change of image types needs the force option and the configuration's consent.
@@ -70,8 +71,9 @@ void acceptOtherTypes(const std::string& uri, bool isForced) {
     throw downgradeDetected(uri);
   }
   throw EDowngradeDetected(
-      "The selected flash image cannot be used because it does not contain the same image types. "
-      "Please select a flash file with matching image types.");
+      utils::format("The selected flash image cannot be used because it does not contain the %s. "
+                    "Please select a flash file with matching image types.",
+                    utils::refusal::kTypesDiffer));
 }
 
 // Returns for a status that lets the update go on, throws for any other.
@@ -82,7 +84,7 @@ void actOnStatus(ma::PrepareStatus status, const std::string& target, const std:
       return;
     case ma::PrepareStatus::InvalidImage:
       throw utils::EInvalidParameter(
-          utils::format("Invalid parameter detected for %s", uri.c_str()));
+          utils::format("%s %s", utils::refusal::kInvalidParameter, uri.c_str()));
     case ma::PrepareStatus::NotForAdapter:
       throw EAdapterNotSupported(
           utils::format("Image %s is not supported for adapter %s", uri.c_str(), target.c_str()));
@@ -120,8 +122,9 @@ void addNamedTypes(const std::string& names, std::vector<utils::FirmwareType>& t
     utils::logDebug(kLog, kTypes, "TeargetType: %s", name.c_str());
     const std::optional<utils::FirmwareType> type = findType(name);
     if (!type) {
-      throw utils::EInvalidParameter(utils::format(
-          "Invalid parameter detected for TargetTypes. %s is not recognized", name.c_str()));
+      throw utils::EInvalidParameter(utils::format("%s TargetTypes. %s %s",
+                                                   utils::refusal::kInvalidParameter, name.c_str(),
+                                                   utils::refusal::kUnknownType));
     }
     types.push_back(*type);
   }
@@ -144,7 +147,7 @@ VerifiedImage checkAndVerifyImage(const std::string& target, const std::string& 
   const ma::PrepareStatus status =
       ma::prepareFlashImage(target, file.data(), size, image.bytes.data(), size, image.targetTypes);
   utils::logDebug(kLog, kCheck, "Image prepared %d", static_cast<int>(status));
-  actOnStatus(status, target, uri, hasOption(installOptions, kForceInstallation));
+  actOnStatus(status, target, uri, cim::hasOption(installOptions, cim::kForceInstallation));
   image.bytes.resize(size);
   return image;
 }
@@ -157,7 +160,7 @@ std::vector<utils::FirmwareType> getTargetTypes(
                   static_cast<int>(installOptionsValues.size()));
   std::vector<utils::FirmwareType> types;
   for (std::size_t position = 0; position < installOptions.size(); ++position) {
-    if (installOptions[position] != kTargetTypes) {
+    if (installOptions[position] != cim::kTargetTypes) {
       continue;
     }
     utils::logDebug(kLog, kTypes, "InstallOptions contains TargetTypes on %d position",

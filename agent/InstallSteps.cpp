@@ -5,8 +5,8 @@
 
 #include "Utils/Assert.h"
 #include "agent/ConcreteJobFactory.h"
-#include "agent/InstallOptions.h"
 #include "agent/Instances.h"
+#include "cim/InstallOptions.h"
 #include "inventory/Orvex_EthernetPort.h"
 #include "inventory/Orvex_PortController.h"
 #include "inventory/Orvex_SoftwareIdentity.h"
@@ -17,9 +17,10 @@ namespace {
 
 constexpr utils::LogSource kLog{"Orvex_SoftwareInstallationService"};
 
-constexpr InstallOption kUnsupportedOptions[] = {
-    kDeferTargetReset,   kInstall, kRepair, kReboot, kPassword, kUninstall, kLogOption, kSilentMode,
-    kAdministrativeMode,
+constexpr cim::InstallOption kUnsupportedOptions[] = {
+    cim::kDeferTargetReset, cim::kInstall,    cim::kRepair,
+    cim::kReboot,           cim::kPassword,   cim::kUninstall,
+    cim::kLogOption,        cim::kSilentMode, cim::kAdministrativeMode,
 };
 
 struct ResultReturn {
@@ -192,9 +193,10 @@ void expectValues(std::initializer_list<const core::CimProperty*> arguments) {
 }
 
 bool areOptionsSupported(const std::vector<std::uint16_t>& options) {
-  return hasOption(options, kUpdate) &&
-         std::none_of(std::begin(kUnsupportedOptions), std::end(kUnsupportedOptions),
-                      [&options](InstallOption option) { return hasOption(options, option); });
+  return cim::hasOption(options, cim::kUpdate) &&
+         std::none_of(
+             std::begin(kUnsupportedOptions), std::end(kUnsupportedOptions),
+             [&options](cim::InstallOption option) { return cim::hasOption(options, option); });
 }
 
 bool isForTarget(const Method& method, const core::CimProperty& source,

@@ -5,24 +5,33 @@
 #define ORVEX_AGENT_JOBERRORS_H_
 
 #include <string>
+#include <string_view>
 
 #include "Utils/Exception.h"
+#include "Utils/RefusalTexts.h"
+
+// Defines a reason by whose type, as texts begin with it, clients recognise it.
+#define ORVEX_DEFINE_REFUSAL(Name, beginning)                \
+  static_assert(std::string_view(#Name ":") == (beginning)); \
+  ORVEX_DEFINE_EXCEPTION(Name)
 
 // An update of the same adapter is in progress.
-ORVEX_DEFINE_EXCEPTION(ETargetInUse);
+ORVEX_DEFINE_REFUSAL(ETargetInUse, utils::refusal::kTargetInUse);
 // An update of another adapter is in progress.
-ORVEX_DEFINE_EXCEPTION(EJobIsRunning);
+ORVEX_DEFINE_REFUSAL(EJobIsRunning, utils::refusal::kJobIsRunning);
 // The URI cannot be parsed, or its scheme is not supported.
-ORVEX_DEFINE_EXCEPTION(EInvalidUri);
+ORVEX_DEFINE_REFUSAL(EInvalidUri, utils::refusal::kInvalidUri);
 // The URI names no readable file.
-ORVEX_DEFINE_EXCEPTION(EUriDoesNotExist);
+ORVEX_DEFINE_REFUSAL(EUriDoesNotExist, utils::refusal::kUriDoesNotExist);
 // The image file cannot be read.
-ORVEX_DEFINE_EXCEPTION(EImageReadError);
+ORVEX_DEFINE_REFUSAL(EImageReadError, utils::refusal::kImageReadError);
 // The image is for other adapters.
-ORVEX_DEFINE_EXCEPTION(EAdapterNotSupported);
+ORVEX_DEFINE_REFUSAL(EAdapterNotSupported, utils::refusal::kAdapterNotSupported);
 // The image is older than the installed firmware, or of other image types.
-ORVEX_DEFINE_EXCEPTION(EDowngradeDetected);
+ORVEX_DEFINE_REFUSAL(EDowngradeDetected, utils::refusal::kDowngradeDetected);
 // The adapter's firmware cannot be replaced.
-ORVEX_DEFINE_EXCEPTION(ENotApplicableForTarget);
+ORVEX_DEFINE_REFUSAL(ENotApplicableForTarget, utils::refusal::kNotApplicableForTarget);
+
+#undef ORVEX_DEFINE_REFUSAL
 
 #endif  // ORVEX_AGENT_JOBERRORS_H_

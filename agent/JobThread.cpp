@@ -8,6 +8,7 @@
 
 #include "Os/OSLocker.h"
 #include "Utils/Assert.h"
+#include "Utils/RefusalTexts.h"
 #include "midapi/MidApi.h"
 
 namespace {
@@ -42,7 +43,7 @@ bool findsByBisection(const std::vector<utils::FirmwareType>& types, utils::Firm
 
 }  // namespace
 
-int waitForFlag(const LockedFlag& flag, int milliseconds, platform::Clock& clock) {
+int agent::waitForFlag(const LockedFlag& flag, int milliseconds, platform::Clock& clock) {
   while (!flag.isSet() && milliseconds >= 1) {
     clock.sleepFor(std::chrono::milliseconds(kPollStep));
     milliseconds -= kPollStep;
@@ -66,7 +67,7 @@ JobThread::~JobThread() {
   utils::logDebug(kLog, kFunction, "Destroying JobThread %p, waiting for terminate", self);
   JobThread::requestStop();
   if (!hasEnded()) {
-    waitForFlag(m_done, kTerminationBudget, m_clock);
+    agent::waitForFlag(m_done, kTerminationBudget, m_clock);
   }
   if (m_done.isSet()) {
     utils::logDebug(kLog, kFunction, "JobThread %p, terminated", self);
@@ -75,7 +76,7 @@ JobThread::~JobThread() {
   }
   // The body uses the members, which must not go before it has ended.
   while (m_launched.isSet() && !m_done.isSet() && !hasEnded()) {
-    waitForFlag(m_done, kTerminationBudget, m_clock);
+    agent::waitForFlag(m_done, kTerminationBudget, m_clock);
   }
 }
 
@@ -94,16 +95,16 @@ void JobThread::run() {
   utils::logDebug(kLog, kExecute, "Thread %p starting", self);
   m_clock.sleepFor(kStartDelay);
   s_begunUpdates.fetch_add(1, std::memory_order_relaxed);
-  m_job->setJobState(ConcreteJobState::Running);
+  m_job->setJobState(cim::JobState::Running);
   bool isFlashed = false;
   try {
     isFlashed = flash();
   } catch (...) {
     // Whatever it was, a client gets the one answer that it knows.
-    m_job->setError(kTimeoutErrorCode, "Timeout Error");
+    m_job->setError(kTimeoutErrorCode, utils::refusal::kTimeout);
     utils::logError(kLog, kExecute, "Access to the FK is disabled at this moment.");
   }
-  m_job->setJobState(isFlashed ? ConcreteJobState::Completed : ConcreteJobState::Exception);
+  m_job->setJobState(isFlashed ? cim::JobState::Completed : cim::JobState::Exception);
   m_done.set();
   utils::logDebug(kLog, kExecute, "Thread %p finishing", self);
 }

@@ -12,6 +12,8 @@
 #include "agent/FlashJob.h"
 #include "platform/Clock.h"
 
+namespace agent {
+
 // A boolean under a mutex of its own.
 class LockedFlag {
  public:
@@ -33,6 +35,8 @@ class LockedFlag {
 // left of them, negative when they did not suffice.
 int waitForFlag(const LockedFlag& flag, int milliseconds, platform::Clock& clock);
 
+}  // namespace agent
+
 class JobThread : public utils::Thread {
  public:
   // `myJob` and `clock` must outlive the thread. Throws utils::Exception for null.
@@ -47,7 +51,7 @@ class JobThread : public utils::Thread {
 
   // Starts the thread, which counts as started from the attempt on. Throws as start().
   void launch();
-  [[nodiscard]] const LockedFlag& getDone() const { return m_done; }
+  [[nodiscard]] const agent::LockedFlag& getDone() const { return m_done; }
 
  private:
   [[nodiscard]] bool flash();
@@ -55,10 +59,10 @@ class JobThread : public utils::Thread {
 
   agent::FlashJob* const m_job;
   platform::Clock& m_clock;
-  LockedFlag m_done;
-  LockedFlag m_stopRequested;  // for a debugger; see requestStop()
-  LockedFlag m_started;
-  LockedFlag m_launched;  // set once the thread exists
+  agent::LockedFlag m_done;
+  agent::LockedFlag m_stopRequested;  // for a debugger; see requestStop()
+  agent::LockedFlag m_started;
+  agent::LockedFlag m_launched;  // set once the thread exists
 };
 
 #endif  // ORVEX_AGENT_JOBTHREAD_H_

@@ -3,28 +3,28 @@
 #include <utility>
 
 #include "Utils/Assert.h"
+#include "cim/OperationalStatus.h"
 #include "midapi/MidApi.h"
 
 namespace {
 
 constexpr utils::LogSource kLog{"Orvex_ConcreteJob"};
 
-constexpr std::uint16_t kOperationalStatusOk = 2;
 constexpr std::uint64_t kTimeBeforeRemoval = 300'000'000;  // microseconds
 
 // Which states end a job. Killed and Terminated do not: only the states that a job reaches by
 // itself count.
 struct StateEnd {
-  ConcreteJobState state;
+  cim::JobState state;
   bool isEnd;
 };
 constexpr StateEnd kStateEnds[] = {
-    {ConcreteJobState::New, false},          {ConcreteJobState::Starting, false},
-    {ConcreteJobState::Running, false},      {ConcreteJobState::Suspended, false},
-    {ConcreteJobState::ShuttingDown, true},  {ConcreteJobState::Completed, true},
-    {ConcreteJobState::Terminated, false},   {ConcreteJobState::Killed, false},
-    {ConcreteJobState::Exception, true},     {ConcreteJobState::Service, false},
-    {ConcreteJobState::QueryPending, false},
+    {cim::JobState::New, false},          {cim::JobState::Starting, false},
+    {cim::JobState::Running, false},      {cim::JobState::Suspended, false},
+    {cim::JobState::ShuttingDown, true},  {cim::JobState::Completed, true},
+    {cim::JobState::Terminated, false},   {cim::JobState::Killed, false},
+    {cim::JobState::Exception, true},     {cim::JobState::Service, false},
+    {cim::JobState::QueryPending, false},
 };
 
 // Returns the argument, null when it is missing, NULL or of another type.
@@ -69,7 +69,7 @@ void Orvex_ConcreteJob::setPropertyValues() {
   InstanceID.setValue("Orvex:" + getInstanceId());
   core::markKeys(*this);
   OperationalStatus.clear();
-  OperationalStatus.addValue(kOperationalStatusOk);
+  OperationalStatus.addValue(cim::kOperationalStatusOk);
   JobRunTimes.setValue(1);
   Priority.setValue(0);
   DeleteOnCompletion.setValue(false);
@@ -130,7 +130,7 @@ bool Orvex_ConcreteJob::threadControl(std::int32_t command, std::int32_t timeout
   if (command == kWaitForThread) {
     ORVEX_ASSERT(kLog, m_myThread != NULL);
     m_myThread->requestStop();
-    return waitForFlag(m_myThread->getDone(), timeout, m_clock) >= 0;
+    return agent::waitForFlag(m_myThread->getDone(), timeout, m_clock) >= 0;
   }
   const bool isDeleted =
       command == kDeleteThread && m_myThread != nullptr && m_myThread->getDone().isSet();
@@ -165,26 +165,26 @@ std::uint32_t Orvex_ConcreteJob::requestStateChange(std::uint16_t requestedState
     utils::logError(kLog, kFunction, "Not supported new state %d", requestedState);
     return kStateChangeInvalid;
   }
-  if (getJobState() != ConcreteJobState::New) {
+  if (getJobState() != cim::JobState::New) {
     utils::logError(kLog, kFunction, "Cannot start job that is not in 'NEW' state");
     return kInvalidStateTransition;
   }
   utils::logDebug(kLog, kFunction, "starting job");
-  setJobState(ConcreteJobState::Starting);
+  setJobState(cim::JobState::Starting);
   if (threadControl(kStartThread, 0)) {
     return kStateChanged;
   }
-  setJobState(ConcreteJobState::Exception);
+  setJobState(cim::JobState::Exception);
   return kStateChangeFailed;
 }
 
-void Orvex_ConcreteJob::setJobState(ConcreteJobState newState) {
+void Orvex_ConcreteJob::setJobState(cim::JobState newState) {
   utils::logDebug(kLog, "Orvex_ConcreteJob::setJobState", "%d -> %d",
                   static_cast<int>(getJobState()), static_cast<int>(newState));
   {
     const utils::ScopedLock lock(m_reportMutex);
     m_lastStateChange.setToNow();
-    if (newState == ConcreteJobState::Completed) {
+    if (newState == cim::JobState::Completed) {
       m_elapsed = utils::Datetime::elapsedSince(m_submitted);
     }
   }
@@ -214,10 +214,10 @@ std::string Orvex_ConcreteJob::getInstanceId() const {
 }
 
 std::int32_t Orvex_ConcreteJob::getPercentComplete() {
-  const ConcreteJobState state = getJobState();
-  if (state == ConcreteJobState::Running) {
+  const cim::JobState state = getJobState();
+  if (state == cim::JobState::Running) {
     m_percentComplete = static_cast<std::int32_t>(ma::getFlashImageUpdateProgress(m_target));
-  } else if (state == ConcreteJobState::Completed || state == ConcreteJobState::Exception) {
+  } else if (state == cim::JobState::Completed || state == cim::JobState::Exception) {
     m_percentComplete = 100;
   }
   return m_percentComplete;

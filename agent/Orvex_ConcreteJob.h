@@ -72,7 +72,7 @@ class Orvex_ConcreteJob : public CIM_ConcreteJob, public agent::FlashJob {
 
   // Returns "FirmwareUpdate@Job#" and the number.
   [[nodiscard]] std::string getInstanceId() const;
-  [[nodiscard]] ConcreteJobState getJobState() const { return m_state.load(); }
+  [[nodiscard]] cim::JobState getJobState() const { return m_state.load(); }
   [[nodiscard]] bool isFinished() const { return m_isFinished.load(); }
   // Returns the progress in percent.
   [[nodiscard]] std::int32_t getPercentComplete();
@@ -87,7 +87,7 @@ class Orvex_ConcreteJob : public CIM_ConcreteJob, public agent::FlashJob {
   }
   [[nodiscard]] const std::vector<std::uint8_t>& getImage() const override { return m_image.bytes; }
   void setError(std::uint32_t code, const std::string& text) override;
-  void setJobState(ConcreteJobState newState) override;
+  void setJobState(cim::JobState newState) override;
 
  private:
   const std::string m_target;
@@ -96,7 +96,7 @@ class Orvex_ConcreteJob : public CIM_ConcreteJob, public agent::FlashJob {
   platform::Clock& m_clock;
   agent::VerifiedImage m_image;
 
-  std::atomic<ConcreteJobState> m_state{ConcreteJobState::New};
+  std::atomic<cim::JobState> m_state{cim::JobState::New};
   std::atomic<bool> m_isFinished{false};
   std::atomic<std::int32_t> m_percentComplete{0};
 

@@ -5,14 +5,14 @@
 #include "Os/Environment.h"
 #include "Utils/Format.h"
 #include "Utils/TimeStamp.h"
-#include "agent/InstallOptions.h"
 #include "agent/InstallSteps.h"
+#include "cim/InstallCharacteristics.h"
+#include "cim/InstallOptions.h"
+#include "cim/OperationalStatus.h"
 
 namespace {
 
 constexpr utils::LogSource kLog{"Orvex_SoftwareInstallationService"};
-constexpr std::uint16_t kOperationalStatusOk = 2;
-constexpr std::uint16_t kNoRebootRequired = 7;  // DMTF InstallCharacteristics
 
 }  // namespace
 
@@ -45,7 +45,7 @@ std::uint32_t Orvex_SoftwareInstallationService::InstallFromSoftwareIdentity(
   utils::logDebug(kLog, method.function, "Starting arguments verification success");
   // The identity says which image types it holds, so a request may not choose among them.
   if (!agent::areOptionsSupported(options.getValue()) ||
-      hasOption(options.getValue(), kTargetTypes)) {
+      cim::hasOption(options.getValue(), cim::kTargetTypes)) {
     utils::logDebug(kLog, method.function, "One of value of InstallOptions value is not supported");
     return cim::kInvalidParameter;
   }
@@ -103,7 +103,7 @@ std::uint32_t Orvex_SoftwareInstallationService::CheckSoftwareIdentity(core::Cim
   }
   const std::uint32_t code = agent::processUpdate(method, {*uri, target.toString(), {}, {}}, job);
   if (code == cim::kCompletedWithNoError) {
-    characteristics.setValue({kNoRebootRequired});
+    characteristics.setValue({cim::kNoRebootRequired});
   }
   return code;
 }
@@ -112,7 +112,7 @@ void Orvex_SoftwareInstallationService::setPropertyValues() {
   Caption.setValue("Ethernet Firmware Update");
   Description.setValue("Firmware Update Service for Zolan(R) Ethernet Adapters");
   OperationalStatus.clear();  // a second call must not add a second status
-  OperationalStatus.addValue(kOperationalStatusOk);
+  OperationalStatus.addValue(cim::kOperationalStatusOk);
   SystemCreationClassName.setValue("CIM_UnitaryComputerSystem");
   SystemName.setValue(os::getComputerName());
   CreationClassName.setValue(getClassName());

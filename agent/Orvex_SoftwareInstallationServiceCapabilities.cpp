@@ -4,8 +4,8 @@
 
 #include "Utils/FirmwareTypes.h"
 #include "Utils/Format.h"
-#include "agent/InstallOptions.h"
 #include "agent/Orvex_SoftwareInstallationService.h"
+#include "cim/InstallOptions.h"
 
 namespace {
 
@@ -39,7 +39,7 @@ void Orvex_SoftwareInstallationServiceCapabilities::setPropertyValues() {
   }
   SupportedExtendedResourceTypes.setValue({kNotApplicable});
   CanAddToCollection.setValue(false);
-  SupportedInstallOptions.setValue({kForceInstallation, kUpdate, kTargetTypes});
+  SupportedInstallOptions.setValue({cim::kForceInstallation, cim::kUpdate, cim::kTargetTypes});
   SupportedURISchemes.setValue({kSchemeFile});
 }
 

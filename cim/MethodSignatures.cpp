@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <span>
 #include <string>
-#include <utility>
 
 namespace cim {
 
@@ -55,6 +55,56 @@ const std::vector<core::MethodDeclaration>& allMethods() {
   return kMethods;
 }
 
+struct Meaning {
+  std::uint32_t code;
+  std::string_view text;
+};
+
+constexpr Meaning kInstallMeanings[] = {
+    {kCompletedWithNoError, "Job Completed with No Error"},
+    {kUnspecifiedError, "Unspecified Error"},
+    {kFailed, "Failed"},
+    {kInvalidParameter, "Invalid Parameter"},
+    {kTargetInUse, "Target In Use"},
+    {kJobStarted, "Method Parameters Checked - Job Started"},
+    {kUnsupportedTargetType, "Unsupported TargetType"},
+    {kDowngradeNotSupported, "Downgrade/reinstall not supported"},
+    {kNotEnoughMemory, "Not enough memory"},
+    {kNotApplicableToTarget, "Unsupported target (not applicable for target)"},
+    {kCollectionNotSupported, "Installation to a collection is not supported"},
+};
+
+// A check has no job that could be completed.
+constexpr Meaning kCheckMeanings[] = {{kCompletedWithNoError, "Completed with No Error"}};
+
+// Those of jobs; the other classes with this method have the same numbers for the same things.
+constexpr Meaning kStateChangeMeanings[] = {
+    {0, "Completed with No Error"},
+    {1, "Not Supported"},
+    {2, "Unknown/Unspecified Error"},
+    {3, "Can NOT complete within Timeout Period"},
+    {4, "Failed"},
+    {5, "Invalid Parameter"},
+    {6, "In Use"},
+    {4096, "Method Parameters Checked - Transition Started"},
+    {4097, "Invalid State Transition"},
+    {4098, "Use of Timeout Parameter Not Supported"},
+    {4099, "Busy"},
+};
+
+struct MethodMeanings {
+  std::string_view method;
+  std::span<const Meaning> own;     // counts first
+  std::span<const Meaning> shared;  // with other methods
+};
+
+constexpr MethodMeanings kMethodMeanings[] = {
+    {"InstallFromSoftwareIdentity", {}, kInstallMeanings},
+    {"InstallFromURI", {}, kInstallMeanings},
+    {"CheckSoftwareIdentity", kCheckMeanings, kInstallMeanings},
+    {"RequestStateChange", kStateChangeMeanings, {}},
+};
+
 }  // namespace
 
 std::vector<core::MethodDeclaration> getMethods(std::string_view className) {
@@ -73,23 +123,19 @@ const core::MethodDeclaration* findMethod(std::string_view name) {
   return found != allMethods().end() ? &*found : nullptr;
 }
 
-std::string_view describeInstallReturn(std::uint32_t code) {
-  static constexpr std::pair<std::uint32_t, std::string_view> kMeanings[] = {
-      {kCompletedWithNoError, "Job Completed with No Error"},
-      {kUnspecifiedError, "Unspecified Error"},
-      {kFailed, "Failed"},
-      {kInvalidParameter, "Invalid Parameter"},
-      {kTargetInUse, "Target In Use"},
-      {kJobStarted, "Method Parameters Checked - Job Started"},
-      {kUnsupportedTargetType, "Unsupported TargetType"},
-      {kDowngradeNotSupported, "Downgrade/reinstall not supported"},
-      {kNotEnoughMemory, "Not enough memory"},
-      {kNotApplicableToTarget, "Unsupported target (not applicable for target)"},
-      {kCollectionNotSupported, "Installation to a collection is not supported"},
-  };
-  for (const auto& [meaningCode, meaning] : kMeanings) {
-    if (meaningCode == code) {
-      return meaning;
+std::string_view describeReturn(std::string_view method, std::uint32_t code) {
+  const auto* const meanings = std::find_if(std::begin(kMethodMeanings), std::end(kMethodMeanings),
+                                            [method](const MethodMeanings& candidate) {
+                                              return core::isSameName(candidate.method, method);
+                                            });
+  if (meanings == std::end(kMethodMeanings)) {
+    return {};
+  }
+  for (const std::span<const Meaning> table : {meanings->own, meanings->shared}) {
+    for (const Meaning& meaning : table) {
+      if (meaning.code == code) {
+        return meaning.text;
+      }
     }
   }
   return "Unknown return code";

@@ -38,9 +38,11 @@ enum InstallReturn : std::uint32_t {
 // unknown one. Names are case-sensitive.
 [[nodiscard]] ORVEX_CORE_API const core::MethodDeclaration* findMethod(std::string_view name);
 
-// Returns the meaning of a return code of an installation method, for example "Method Parameters
-// Checked - Job Started"; "Unknown return code" for one that has none.
-[[nodiscard]] ORVEX_CORE_API std::string_view describeInstallReturn(std::uint32_t code);
+// Returns the meaning of a method's return code, for example "Method Parameters Checked - Job
+// Started"; "Unknown return code" for one that has none, and nothing for a method that is not known
+// here, whose numbers may mean anything. Names are compared as those of a declaration.
+[[nodiscard]] ORVEX_CORE_API std::string_view describeReturn(std::string_view method,
+                                                             std::uint32_t code);
 
 }  // namespace cim
 

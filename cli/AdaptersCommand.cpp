@@ -6,14 +6,17 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "Os/Texts.h"
 #include "Utils/FirmwareTypes.h"
 #include "Utils/Format.h"
-#include "cli/HostAdapters.h"
-#include "cli/Output.h"
+#include "cli/Command.h"
+#include "cli/HostAdaptersList.h"
+#include "cli/JsonOutput.h"
 #include "cli/Session.h"
 #include "cli/TextTable.h"
+#include "client/Fault.h"
 #include "midapi/AdapterId.h"
 #include "midapi/VirtualAdapters.h"
 
@@ -103,33 +106,44 @@ void printTable(std::ostream& out, const ma::AdapterList& list) {
   table.print(out);
 }
 
-Json toJson(const ma::AdapterListing& adapter) {
-  Json result;
-  result["pci"] = adapter.pci;
-  result["name"] = adapter.name;
-  result["vendorId"] = toIdText(adapter.vendor);
-  result["deviceId"] = toIdText(adapter.device);
-  result["updatable"] = adapter.isUpdatable;
-  result["ports"] = Json::array();
-  for (const ma::AdapterPort& port : adapter.ports) {
-    result["ports"].push_back({{"identifier", port.identifier},
-                               {"mac", port.mac},
-                               {"bootType", bootTypeName(port.bootType)}});
+client::Value toJson(const std::vector<ma::AdapterPort>& ports) {
+  client::Value result = client::Value::array();
+  for (const ma::AdapterPort& port : ports) {
+    result.push(client::Value::object({{"identifier", port.identifier},
+                                       {"mac", port.mac},
+                                       {"bootType", bootTypeName(port.bootType)}}));
   }
-  result["components"] = Json::array();
-  for (const ma::AdapterComponent& component : adapter.components) {
-    result["components"].push_back({{"type", utils::firmwareTypeName(component.type)},
-                                    {"version", component.version.toString()},
-                                    {"vendorId", toIdText(component.vendor)},
-                                    {"deviceId", toIdText(component.device)},
-                                    {"forAdapter", component.isForAdapter},
-                                    {"length", component.length},
-                                    {"digest", toDigestText(component.digest)}});
+  return result;
+}
+
+client::Value toJson(const std::vector<ma::AdapterComponent>& components) {
+  client::Value result = client::Value::array();
+  for (const ma::AdapterComponent& component : components) {
+    result.push(client::Value::object({{"type", utils::firmwareTypeName(component.type)},
+                                       {"version", component.version.toString()},
+                                       {"vendorId", toIdText(component.vendor)},
+                                       {"deviceId", toIdText(component.device)},
+                                       {"forAdapter", component.isForAdapter},
+                                       {"length", component.length},
+                                       {"digest", toDigestText(component.digest)}}));
   }
-  result["flashDefect"] = adapter.flashDefect.empty() ? Json() : Json(adapter.flashDefect);
-  result["flashBytes"] = adapter.flashBytes;
-  result["writeRate"] = adapter.writeRate;
-  result["capabilityWord"] = adapter.capabilityWord;
+  return result;
+}
+
+client::Value toJson(const ma::AdapterListing& adapter) {
+  client::Value result;
+  result.set("pci", adapter.pci);
+  result.set("name", adapter.name);
+  result.set("vendorId", toIdText(adapter.vendor));
+  result.set("deviceId", toIdText(adapter.device));
+  result.set("updatable", adapter.isUpdatable);
+  result.set("ports", toJson(adapter.ports));
+  result.set("components", toJson(adapter.components));
+  result.set("flashDefect",
+             adapter.flashDefect.empty() ? client::Value() : client::Value(adapter.flashDefect));
+  result.set("flashBytes", adapter.flashBytes);
+  result.set("writeRate", adapter.writeRate);
+  result.set("capabilityWord", adapter.capabilityWord);
   return result;
 }
 
@@ -150,7 +164,8 @@ void warnAboutProblems(std::ostream& err, const ma::AdapterList& list) {
 
 ExitStatus listAdapters(const Context& context) {
   if (!context.options.host.empty()) {
-    return listHostAdapters(context);
+    printHostAdapters(context, client::readHostAdapters(*openConnection(context.options)));
+    return ExitStatus::Done;
   }
   demandConsistent(context.options);
   applyOptions(context.options);
@@ -158,9 +173,9 @@ ExitStatus listAdapters(const Context& context) {
   const ma::AdapterList list = adapters.list();
   warnAboutProblems(context.err, list);
   if (context.options.isJson) {
-    Json document = Json::array();
+    client::Value document = client::Value::array();
     for (const ma::AdapterListing& adapter : list.adapters) {
-      document.push_back(toJson(adapter));
+      document.push(toJson(adapter));
     }
     printJson(context.out, document);
   } else if (list.adapters.empty()) {
@@ -217,8 +232,9 @@ ma::AdapterSpec toSpec(const AddOptions& options) {
 
 ExitStatus addAdapter(const Context& context, const AddOptions& options) {
   if (!context.options.host.empty()) {
-    throw Fault("'adapters add' does not go with --host: it makes an adapter on this machine",
-                ExitStatus::Usage);
+    throw client::Fault(
+        "'adapters add' does not go with --host: it makes an adapter on this machine",
+        client::Fault::Kind::Usage);
   }
   demandConsistent(context.options);
   applyOptions(context.options);
@@ -232,8 +248,9 @@ ExitStatus addAdapter(const Context& context, const AddOptions& options) {
     return adapter.pci != ma::toString(spec.pci);
   });
   if (made.adapters.empty()) {
-    throw Fault("adapter " + ma::toString(spec.pci) + " was made, but is gone from " +
-                os::toShownText(adapters.directory()) + " already; look who else works there");
+    throw client::Fault("adapter " + ma::toString(spec.pci) + " was made, but is gone from " +
+                        os::toShownText(adapters.directory()) +
+                        " already; look who else works there");
   }
   if (context.options.isJson) {
     printJson(context.out, toJson(made.adapters.front()));
@@ -244,34 +261,21 @@ ExitStatus addAdapter(const Context& context, const AddOptions& options) {
   return ExitStatus::Done;
 }
 
-void addAddCommand(CLI::App& parent, Context& context) {
-  CLI::App* command = parent.add_subcommand("add", "Make a virtual adapter");
+void addAddCommand(Command& parent, Context& context) {
+  Command command(parent, "add", "Make a virtual adapter");
   const auto options = std::make_shared<AddOptions>();
-  command->add_option("--pci", options->pci, "PCI address")
-      ->type_name("0000:03:00")
-      ->required()
-      ->check(CLI::Validator(checkAddress, ""));
-  command->add_option("--ports", options->ports, "Number of ports; 1 by default")
-      ->type_name("1..8")
-      ->check(CLI::Range(1U, unsigned{ma::kMaxPorts}).description(""));
-  command->add_option("--vendor", options->vendor, "PCI vendor id")
-      ->type_name("1af4")
-      ->required()
-      ->check(CLI::Validator(checkId, ""));
-  command->add_option("--device", options->device, "PCI device id")
-      ->type_name("1041")
-      ->required()
-      ->check(CLI::Validator(checkId, ""));
-  command->add_option("--name", options->name, "Name of the adapter")->type_name("TEXT");
-  command->add_option("--rom", options->rom, "File whose images the flash holds at first")
-      ->type_name("FILE")
-      ->required();
-  command
-      ->add_option("--rate", options->rate,
-                   "Write rate of the flash; 131072 by default,\n0 for no limit")
-      ->type_name("BYTES_PER_SECOND");
-  command->footer(kAddFooter);
-  command->callback([&context, options] {
+  command.add({"--pci", "PCI address", "0000:03:00", true, checkAddress}, options->pci);
+  command.add({"--ports", "Number of ports; 1 by default", "1..8"}, options->ports, 1,
+              ma::kMaxPorts);
+  command.add({"--vendor", "PCI vendor id", "1af4", true, checkId}, options->vendor);
+  command.add({"--device", "PCI device id", "1041", true, checkId}, options->device);
+  command.add({"--name", "Name of the adapter", "TEXT"}, options->name);
+  command.add({"--rom", "File whose images the flash holds at first", "FILE", true}, options->rom);
+  command.add(
+      {"--rate", "Write rate of the flash; 131072 by default,\n0 for no limit", "BYTES_PER_SECOND"},
+      options->rate);
+  command.setFooter(kAddFooter);
+  command.onChosen([&context, options] {
     context.command = [&context, options] { return addAdapter(context, *options); };
   });
 }
@@ -279,17 +283,16 @@ void addAddCommand(CLI::App& parent, Context& context) {
 }  // namespace
 
 void addAdaptersCommand(CLI::App& program, Context& context) {
-  CLI::App* command =
-      program.add_subcommand("adapters", "Show the adapters and their firmware, or make one");
-  command->require_subcommand(0, 1);
-  command->add_subcommand("list", "Show the adapters (the same without 'list')");
-  command->footer(kFooter);
-  command->callback([&context] {
+  Command command(program, "adapters", "Show the adapters and their firmware, or make one");
+  command.takeOneCommandAtMost();
+  Command(command, "list", "Show the adapters (the same without 'list')");
+  command.setFooter(kFooter);
+  command.onChosen([&context] {
     if (!context.command) {
       context.command = [&context] { return listAdapters(context); };
     }
   });
-  addAddCommand(*command, context);
+  addAddCommand(command, context);
 }
 
 }  // namespace cli

@@ -4,9 +4,11 @@
 #ifndef ORVEX_CLI_ADAPTERSCOMMAND_H_
 #define ORVEX_CLI_ADAPTERSCOMMAND_H_
 
-#include <CLI/CLI.hpp>
-
 #include "cli/Context.h"
+
+namespace CLI {
+class App;
+}
 
 namespace cli {
 

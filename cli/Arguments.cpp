@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "Utils/Conversions.h"
-#include "cli/Context.h"
+#include "client/Fault.h"
 #include "core/CimPropertyRef.h"
 #include "core/CimPropertyTypes.h"
 
@@ -20,7 +20,7 @@ constexpr int kDecimal = 10;
 constexpr int kHexadecimal = 16;
 
 [[noreturn]] void refuse(const std::string& name, const std::string& reason) {
-  throw Fault("argument " + name + ": " + reason, ExitStatus::Usage);
+  throw client::Fault("argument " + name + ": " + reason, client::Fault::Kind::Usage);
 }
 
 template <class Number>
@@ -178,7 +178,8 @@ Arguments::Arguments(const std::string& method, const std::vector<std::string>& 
 void Arguments::addInput(const std::string& method, const std::string& text) {
   const std::size_t sign = text.find('=');
   if (sign == std::string::npos || sign == 0) {
-    throw Fault("'" + text + "' is no argument; write NAME=VALUE", ExitStatus::Usage);
+    throw client::Fault("'" + text + "' is no argument; write NAME=VALUE",
+                        client::Fault::Kind::Usage);
   }
   const std::string name = text.substr(0, sign);
   if (m_in.list().get(name) != nullptr) {
@@ -188,9 +189,9 @@ void Arguments::addInput(const std::string& method, const std::string& text) {
   if (m_signature != nullptr) {
     const core::ParameterDeclaration* parameter = findInput(*m_signature, name);
     if (parameter == nullptr) {
-      throw Fault("method " + method + " takes no argument '" + name + "'; it takes " +
-                      listParameters(*m_signature),
-                  ExitStatus::Usage);
+      throw client::Fault("method " + method + " takes no argument '" + name + "'; it takes " +
+                              listParameters(*m_signature),
+                          client::Fault::Kind::Usage);
     }
     type = parameter->type;
   }

@@ -3,13 +3,15 @@
 #include <algorithm>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "cli/Associations.h"
-#include "cli/Output.h"
-#include "cli/ServedClasses.h"
+#include "cli/Command.h"
+#include "cli/JsonOutput.h"
 #include "cli/Session.h"
-#include "cli/TextTable.h"
+#include "client/Associations.h"
+#include "client/ServedClasses.h"
+#include "client/Texts.h"
 
 namespace cli {
 namespace {
@@ -31,45 +33,46 @@ constexpr const char* kFooter =
     "  quorvel associations 'Orvex_RegisteredProfile.InstanceID=\"Orvex:SoftwareUpdate_Profile\"'\n"
     "  quorvel associations \"$PORT\" --json\n";
 
-Json toJson(const std::vector<Reference>& references) {
-  Json result = Json::array();
-  for (const Reference& reference : references) {
-    result.push_back({{"role", reference.role}, {"path", reference.path}});
+client::Value toJson(const std::vector<client::Reference>& references) {
+  client::Value result = client::Value::array();
+  for (const client::Reference& reference : references) {
+    result.push(client::Value::object({{"role", reference.role}, {"path", reference.path}}));
   }
   return result;
 }
 
-Json toJson(const ObjectReferences& object) {
-  Json document;
-  document["path"] = object.path;
-  document["references"] = toJson(object.own);
-  document["associations"] = Json::array();
-  for (const Association& association : object.associations) {
-    document["associations"].push_back({{"class", association.className},
-                                        {"path", association.path},
-                                        {"role", association.role},
-                                        {"others", toJson(association.others)}});
+client::Value toJson(const client::ObjectReferences& object) {
+  client::Value document;
+  document.set("path", object.path);
+  document.set("references", toJson(object.own));
+  client::Value associations = client::Value::array();
+  for (const client::Association& association : object.associations) {
+    associations.push(client::Value::object({{"class", association.className},
+                                             {"path", association.path},
+                                             {"role", association.role},
+                                             {"others", toJson(association.others)}}));
   }
+  document.set("associations", std::move(associations));
   return document;
 }
 
 // References under a heading, which says what they have in common.
 struct Group {
   std::string heading;
-  std::vector<Reference> references;
+  std::vector<client::Reference> references;
 };
 
-std::vector<Group> groupReferences(const ObjectReferences& object) {
+std::vector<Group> groupReferences(const client::ObjectReferences& object) {
   std::vector<Group> groups;
   if (!object.own.empty()) {
     groups.push_back({"refers to", object.own});
   }
-  for (const Association& association : object.associations) {
+  for (const client::Association& association : object.associations) {
     const std::string heading = "is the " + association.role + " of " + association.className;
     if (groups.empty() || groups.back().heading != heading) {
       groups.push_back({heading, {}});
     }
-    std::vector<Reference>& references = groups.back().references;
+    std::vector<client::Reference>& references = groups.back().references;
     references.insert(references.end(), association.others.begin(), association.others.end());
   }
   return groups;
@@ -77,18 +80,18 @@ std::vector<Group> groupReferences(const ObjectReferences& object) {
 
 void printGroup(std::ostream& out, const Group& group) {
   std::size_t width = 0;
-  for (const Reference& reference : group.references) {
+  for (const client::Reference& reference : group.references) {
     width = std::max(width, reference.role.size());
   }
   out << group.heading << (group.references.empty() ? "\n" : ":\n");
-  for (const Reference& reference : group.references) {
+  for (const client::Reference& reference : group.references) {
     out << "  " << reference.role << std::string(width - reference.role.size(), ' ') << " = "
-        << toPrintable(reference.path) << '\n';
+        << client::toPrintable(reference.path) << '\n';
   }
 }
 
-void print(std::ostream& out, const ObjectReferences& object) {
-  out << toPrintable(object.path) << '\n';
+void print(std::ostream& out, const client::ObjectReferences& object) {
+  out << client::toPrintable(object.path) << '\n';
   for (const Group& group : groupReferences(object)) {
     out << '\n';
     printGroup(out, group);
@@ -99,9 +102,9 @@ void print(std::ostream& out, const ObjectReferences& object) {
 }
 
 ExitStatus showAssociations(const Context& context, const std::string& text) {
-  const core::CimPath path = parseObjectPath(text);
-  const std::unique_ptr<Connection> connection = openConnection(context.options);
-  const ObjectReferences object = findReferences(*connection, path);
+  const core::CimPath path = client::parseObjectPath(text);
+  const std::unique_ptr<client::Connection> connection = openConnection(context.options);
+  const client::ObjectReferences object = client::findReferences(*connection, path);
   if (context.options.isJson) {
     printJson(context.out, toJson(object));
   } else {
@@ -113,14 +116,12 @@ ExitStatus showAssociations(const Context& context, const std::string& text) {
 }  // namespace
 
 void addAssociationsCommand(CLI::App& program, Context& context) {
-  CLI::App* command = program.add_subcommand(
-      "associations", "Show what refers to a CIM instance, and what that leads to");
+  Command command(program, "associations",
+                  "Show what refers to a CIM instance, and what that leads to");
   const auto path = std::make_shared<std::string>();
-  command->add_option("OBJECTPATH", *path, "The instance, as 'quorvel instances' prints it")
-      ->type_name("")
-      ->required();
-  command->footer(kFooter);
-  command->callback([&context, path] {
+  command.add({"OBJECTPATH", "The instance, as 'quorvel instances' prints it", "", true}, *path);
+  command.setFooter(kFooter);
+  command.onChosen([&context, path] {
     context.command = [&context, path] { return showAssociations(context, *path); };
   });
 }

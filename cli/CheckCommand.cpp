@@ -4,13 +4,15 @@
 #include <string>
 #include <vector>
 
-#include "cli/Identities.h"
-#include "cli/InstallationService.h"
-#include "cli/Output.h"
+#include "cli/Command.h"
+#include "cli/JsonOutput.h"
 #include "cli/Refusal.h"
 #include "cli/Session.h"
-#include "cli/Target.h"
-#include "cli/TextTable.h"
+#include "cli/TargetName.h"
+#include "client/Identities.h"
+#include "client/InstallationService.h"
+#include "client/Target.h"
+#include "client/Texts.h"
 
 namespace cli {
 namespace {
@@ -37,34 +39,35 @@ struct Options {
   std::string identity;
 };
 
-Json toJson(const CheckAnswer& answer) {
-  Json document;
-  document["returnValue"] = answer.call.returnValue;
-  document["returnText"] = answer.call.returnText;
-  document["installCharacteristics"] = answer.characteristics;
+client::Value toJson(const client::CheckAnswer& answer) {
+  client::Value document;
+  document.set("returnValue", answer.call.returnValue);
+  document.set("returnText", answer.call.returnText);
+  document.set("installCharacteristics", answer.characteristics);
   return document;
 }
 
-void reportSuccess(const Context& context, const Target& target, const Identity& identity,
-                   const CheckAnswer& answer) {
+void reportSuccess(const Context& context, const client::Target& target,
+                   const client::Identity& identity, const client::CheckAnswer& answer) {
   std::vector<std::string> meanings;
   for (const std::uint16_t number : answer.characteristics) {
-    meanings.push_back(describeCharacteristic(number));
+    meanings.push_back(client::describeCharacteristic(number));
   }
-  context.out << toPrintable(identity.label()) << " can be installed on " << target.label << ": "
-              << join(meanings, ", ") << '\n';
+  context.out << client::toPrintable(identity.label()) << " can be installed on " << target.label
+              << ": " << client::join(meanings, ", ") << '\n';
 }
 
 ExitStatus check(const Context& context, const Options& options) {
-  const std::unique_ptr<Connection> connection = openConnection(context.options);
-  const Target target = findTarget(*connection, options.target);
-  const IdentityList list = readIdentities(*connection);
-  const Identity& identity = findIdentity(list, options.identity);
-  const CheckAnswer answer = checkIdentity(*connection, identity.path, target.path);
+  const std::unique_ptr<client::Connection> connection = openConnection(context.options);
+  const client::Target target = client::findTarget(*connection, parseTarget(options.target));
+  const client::IdentityList list = client::readIdentities(*connection);
+  const client::Identity& identity = client::findIdentity(list, options.identity);
+  const client::CheckAnswer answer = client::checkIdentity(*connection, identity.path, target.path);
 
   const bool isPassed = answer.call.isAccepted();
   if (!isPassed) {
-    reportRefusal(context, "check of " + toPrintable(identity.label()) + " for " + target.label,
+    reportRefusal(context,
+                  "check of " + client::toPrintable(identity.label()) + " for " + target.label,
                   answer.call, requestIdentity(identity, false, *connection));
   } else if (!context.options.isJson) {
     reportSuccess(context, target, identity, answer);
@@ -83,17 +86,12 @@ ExitStatus check(const Context& context, const Options& options) {
 }  // namespace
 
 void addCheckCommand(CLI::App& program, Context& context) {
-  CLI::App* command =
-      program.add_subcommand("check", "Ask whether a firmware file could be installed");
+  Command command(program, "check", "Ask whether a firmware file could be installed");
   const auto options = std::make_shared<Options>();
-  command->add_option("TARGET", options->target, "Port, adapter or object path")
-      ->type_name("")
-      ->required();
-  command->add_option("IDENTITY", options->identity, "The firmware file")
-      ->type_name("")
-      ->required();
-  command->footer(kFooter);
-  command->callback([&context, options] {
+  command.add({"TARGET", "Port, adapter or object path", "", true}, options->target);
+  command.add({"IDENTITY", "The firmware file", "", true}, options->identity);
+  command.setFooter(kFooter);
+  command.onChosen([&context, options] {
     context.command = [&context, options] { return check(context, *options); };
   });
 }

@@ -5,9 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "cli/Output.h"
+#include "cli/Command.h"
+#include "cli/JsonOutput.h"
 #include "cli/Session.h"
 #include "cli/TextTable.h"
+#include "client/Texts.h"
 
 namespace cli {
 namespace {
@@ -26,29 +28,29 @@ constexpr const char* kFooter =
     "  quorvel classes --json\n"
     "  quorvel classes --host http://127.0.0.1:5988\n";
 
-Json toJson(const ServingAgents& classes) {
-  Json document = Json::array();
+client::Value toJson(const client::ServingAgents& classes) {
+  client::Value document = client::Value::array();
   for (const auto& [name, agents] : classes) {
-    document.push_back({{"class", name}, {"agents", agents}});
+    document.push(client::Value::object({{"class", name}, {"agents", agents}}));
   }
   return document;
 }
 
-void printTable(std::ostream& out, const ServingAgents& classes) {
+void printTable(std::ostream& out, const client::ServingAgents& classes) {
   const bool areAgentsKnown =
       std::any_of(classes.begin(), classes.end(),
                   [](const auto& servedClass) { return !servedClass.second.empty(); });
   TextTable table(areAgentsKnown ? std::vector<std::string>{"CLASS", "SERVED BY"}
                                  : std::vector<std::string>{"CLASS"});
   for (const auto& [name, agents] : classes) {
-    table.addRow({name, join(agents, ", ")});
+    table.addRow({name, client::join(agents, ", ")});
   }
   table.print(out);
 }
 
 ExitStatus showClasses(const Context& context) {
-  const std::unique_ptr<Connection> connection = openConnection(context.options);
-  const ServingAgents classes = connection->getClasses();
+  const std::unique_ptr<client::Connection> connection = openConnection(context.options);
+  const client::ServingAgents classes = connection->getClasses();
   if (context.options.isJson) {
     printJson(context.out, toJson(classes));
   } else {
@@ -60,10 +62,9 @@ ExitStatus showClasses(const Context& context) {
 }  // namespace
 
 void addClassesCommand(CLI::App& program, Context& context) {
-  CLI::App* command =
-      program.add_subcommand("classes", "Show the CIM classes and the agents that serve them");
-  command->footer(kFooter);
-  command->callback([&context] { context.command = [&context] { return showClasses(context); }; });
+  Command command(program, "classes", "Show the CIM classes and the agents that serve them");
+  command.setFooter(kFooter);
+  command.onChosen([&context] { context.command = [&context] { return showClasses(context); }; });
 }
 
 }  // namespace cli

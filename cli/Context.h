@@ -1,13 +1,12 @@
-// What the program hands to a command, and how a command ends.
+// What the program hands to a command, and how a command ends: with a status, or by a client::Fault
+// or another exception, which the program reports.
 
 #ifndef ORVEX_CLI_CONTEXT_H_
 #define ORVEX_CLI_CONTEXT_H_
 
-#include <exception>
 #include <functional>
 #include <ostream>
 #include <string>
-#include <utility>
 
 namespace cli {
 
@@ -15,26 +14,6 @@ enum class ExitStatus : int {
   Done = 0,
   Failed = 1,  // refused by the agent, or failed
   Usage = 2,
-};
-
-// Ends a command: what() says what happened, to what, and what to do next.
-class Fault : public std::exception {
- public:
-  explicit Fault(std::string text, ExitStatus status = ExitStatus::Failed)
-      : m_text(std::move(text)), m_status(status) {}
-
-  [[nodiscard]] const char* what() const noexcept override { return m_text.c_str(); }
-  [[nodiscard]] ExitStatus status() const { return m_status; }
-
- private:
-  std::string m_text;
-  ExitStatus m_status;
-};
-
-// A fault that may be over a moment later: nobody answers, or somebody is too busy to.
-class PassingFault final : public Fault {
- public:
-  using Fault::Fault;
 };
 
 // The options that every command has. An empty text is an option that was not given.

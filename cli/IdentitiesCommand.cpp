@@ -3,12 +3,15 @@
 #include <algorithm>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "cli/Identities.h"
-#include "cli/Output.h"
+#include "cli/Command.h"
+#include "cli/JsonOutput.h"
 #include "cli/Session.h"
 #include "cli/TextTable.h"
+#include "client/Identities.h"
+#include "client/Texts.h"
 
 namespace cli {
 namespace {
@@ -36,58 +39,60 @@ constexpr const char* kFooter =
     "  quorvel identities\n"
     "  quorvel identities --config ./quorvel.conf --json\n";
 
-Json toJson(const std::vector<ComparedIdentity>& files) {
-  Json document = Json::array();
+client::Value toJson(const std::vector<client::ComparedIdentity>& files) {
+  client::Value document = client::Value::array();
   for (const auto& [identity, adapters] : files) {
-    Json entry;
-    entry["file"] = identity.name;
-    entry["instanceId"] = identity.instanceId;
-    entry["path"] = identity.path;
-    entry["version"] = identity.version;
-    entry["types"] = identity.types;
-    entry["devices"] = identity.devices;
-    entry["adapters"] = Json::array();
+    client::Value entry;
+    entry.set("file", identity.name);
+    entry.set("instanceId", identity.instanceId);
+    entry.set("path", identity.path);
+    entry.set("version", identity.version);
+    entry.set("types", identity.types);
+    entry.set("devices", identity.devices);
+    client::Value comparisons = client::Value::array();
     for (const auto& [adapter, state] : adapters) {
-      entry["adapters"].push_back({{"adapter", adapter}, {"state", state}});
+      comparisons.push(client::Value::object({{"adapter", adapter}, {"state", state}}));
     }
-    document.push_back(entry);
+    entry.set("adapters", std::move(comparisons));
+    document.push(std::move(entry));
   }
   return document;
 }
 
-bool isForNoneOfSeveral(const ComparedIdentity& file) {
-  const std::vector<Comparison>& adapters = file.adapters;
+bool isForNoneOfSeveral(const client::ComparedIdentity& file) {
+  const std::vector<client::Comparison>& adapters = file.adapters;
   return adapters.size() > 1 &&
-         std::all_of(adapters.begin(), adapters.end(), [](const Comparison& comparison) {
-           return comparison.state == kNotForAdapter;
+         std::all_of(adapters.begin(), adapters.end(), [](const client::Comparison& comparison) {
+           return comparison.state == client::kNotForAdapter;
          });
 }
 
 // Directories hold files for many devices, of which a machine has a few: those that are for none of
 // its adapters have one line each. The others have a line for each adapter.
-void printComparisons(std::ostream& out, const std::vector<ComparedIdentity>& files) {
-  const std::vector<Comparison> forNone = {{"all", kNotForAdapter}};
+void printComparisons(std::ostream& out, const std::vector<client::ComparedIdentity>& files) {
+  const std::vector<client::Comparison> forNone = {{"all", client::kNotForAdapter}};
   TextTable table({"IDENTITY", "VERSION", "TYPES", "ADAPTER", "STATE"});
-  for (const ComparedIdentity& file : files) {
-    const Identity& identity = file.identity;
+  for (const client::ComparedIdentity& file : files) {
+    const client::Identity& identity = file.identity;
     for (const auto& [adapter, state] : isForNoneOfSeveral(file) ? forNone : file.adapters) {
-      table.addRow({identity.name, identity.version, join(identity.types, "+"), adapter, state});
+      table.addRow(
+          {identity.name, identity.version, client::join(identity.types, "+"), adapter, state});
     }
   }
   table.print(out);
 }
 
-void printFiles(std::ostream& out, const std::vector<ComparedIdentity>& files) {
+void printFiles(std::ostream& out, const std::vector<client::ComparedIdentity>& files) {
   TextTable table({"IDENTITY", "VERSION", "TYPES", "DEVICES"});
   for (const auto& [identity, adapters] : files) {
-    table.addRow(
-        {identity.name, identity.version, join(identity.types, "+"), join(identity.devices, ", ")});
+    table.addRow({identity.name, identity.version, client::join(identity.types, "+"),
+                  client::join(identity.devices, ", ")});
   }
   table.print(out);
   out << "There are no adapters to compare them with.\n";
 }
 
-void print(const Context& context, const std::vector<ComparedIdentity>& files,
+void print(const Context& context, const std::vector<client::ComparedIdentity>& files,
            const std::string& configurationPlace) {
   if (files.empty()) {
     context.out << "No firmware file was found. FWFilePath in " << configurationPlace
@@ -101,12 +106,13 @@ void print(const Context& context, const std::vector<ComparedIdentity>& files,
 }
 
 ExitStatus showIdentities(const Context& context) {
-  const std::unique_ptr<Connection> connection = openConnection(context.options);
-  const IdentityList list = readIdentities(*connection);
+  const std::unique_ptr<client::Connection> connection = openConnection(context.options);
+  const client::IdentityList list = client::readIdentities(*connection);
   for (const std::string& message : list.skipped) {
-    context.err << "skipped: " << toPrintable(message) << '\n';
+    context.err << "skipped: " << client::toPrintable(message) << '\n';
   }
-  const std::vector<ComparedIdentity> files = compareFiles(*connection, list.identities);
+  const std::vector<client::ComparedIdentity> files =
+      client::compareFiles(*connection, list.identities);
   if (context.options.isJson) {
     printJson(context.out, toJson(files));
   } else {
@@ -120,10 +126,9 @@ ExitStatus showIdentities(const Context& context) {
 }  // namespace
 
 void addIdentitiesCommand(CLI::App& program, Context& context) {
-  CLI::App* command =
-      program.add_subcommand("identities", "Show the firmware files that can be installed");
-  command->footer(kFooter);
-  command->callback(
+  Command command(program, "identities", "Show the firmware files that can be installed");
+  command.setFooter(kFooter);
+  command.onChosen(
       [&context] { context.command = [&context] { return showIdentities(context); }; });
 }
 

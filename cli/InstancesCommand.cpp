@@ -4,10 +4,12 @@
 #include <string>
 #include <vector>
 
+#include "cli/Command.h"
+#include "cli/JsonOutput.h"
 #include "cli/Output.h"
-#include "cli/ServedClasses.h"
 #include "cli/Session.h"
-#include "cli/TextTable.h"
+#include "client/ServedClasses.h"
+#include "client/Texts.h"
 
 namespace cli {
 namespace {
@@ -24,23 +26,25 @@ struct Options {
   bool isAllShown = false;
 };
 
-void printInstances(std::ostream& out, const Instances& instances, NullProperties nulls) {
+void printInstances(std::ostream& out, const client::Instances& instances,
+                    client::NullProperties nulls) {
   bool isFirst = true;
-  for (const InstanceSnapshot& instance : instances) {
-    out << (isFirst ? "" : "\n") << toPrintable(instance.path) << '\n';
+  for (const client::InstanceSnapshot& instance : instances) {
+    out << (isFirst ? "" : "\n") << client::toPrintable(instance.path) << '\n';
     printProperties(out, instance.properties, nulls);
     isFirst = false;
   }
 }
 
 ExitStatus showInstances(const Context& context, const Options& options) {
-  const std::unique_ptr<Connection> connection = openConnection(context.options);
-  const auto nulls = options.isAllShown ? NullProperties::Shown : NullProperties::Left;
-  const Instances instances = demandInstances(*connection, options.className);
+  const std::unique_ptr<client::Connection> connection = openConnection(context.options);
+  const auto nulls =
+      options.isAllShown ? client::NullProperties::Shown : client::NullProperties::Left;
+  const client::Instances instances = client::demandInstances(*connection, options.className);
   if (context.options.isJson) {
-    Json document = Json::array();
-    for (const InstanceSnapshot& instance : instances) {
-      document.push_back(instanceToJson(instance, nulls));
+    client::Value document = client::Value::array();
+    for (const client::InstanceSnapshot& instance : instances) {
+      document.push(client::toValue(instance, nulls));
     }
     printJson(context.out, document);
   } else if (instances.empty()) {
@@ -54,13 +58,12 @@ ExitStatus showInstances(const Context& context, const Options& options) {
 }  // namespace
 
 void addInstancesCommand(CLI::App& program, Context& context) {
-  CLI::App* command =
-      program.add_subcommand("instances", "Show the instances of a CIM class and their properties");
+  Command command(program, "instances", "Show the instances of a CIM class and their properties");
   const auto options = std::make_shared<Options>();
-  command->add_option("CLASS", options->className, "Name of the class")->type_name("")->required();
-  command->add_flag("--all", options->isAllShown, "Show properties that are NULL, too");
-  command->footer(kFooter);
-  command->callback([&context, options] {
+  command.add({"CLASS", "Name of the class", "", true}, options->className);
+  command.addFlag("--all", "Show properties that are NULL, too", options->isAllShown);
+  command.setFooter(kFooter);
+  command.onChosen([&context, options] {
     context.command = [&context, options] { return showInstances(context, *options); };
   });
 }

@@ -3,9 +3,11 @@
 #ifndef ORVEX_CLI_INSTANCESCOMMAND_H_
 #define ORVEX_CLI_INSTANCESCOMMAND_H_
 
-#include <CLI/CLI.hpp>
-
 #include "cli/Context.h"
+
+namespace CLI {
+class App;
+}
 
 namespace cli {
 

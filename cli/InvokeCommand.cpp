@@ -6,12 +6,14 @@
 #include <vector>
 
 #include "cli/Arguments.h"
-#include "cli/ErrorRecords.h"
+#include "cli/Command.h"
 #include "cli/JobWatch.h"
+#include "cli/JsonOutput.h"
 #include "cli/Output.h"
-#include "cli/ServedClasses.h"
 #include "cli/Session.h"
-#include "cli/TextTable.h"
+#include "client/ErrorRecords.h"
+#include "client/ServedClasses.h"
+#include "client/Texts.h"
 
 namespace cli {
 namespace {
@@ -38,32 +40,37 @@ struct Options {
   std::vector<std::string> arguments;
 };
 
-Json toJson(const MethodAnswer& answer, const std::optional<JobReport>& job) {
-  Json document;
-  document["returnValue"] = answer.returnValue;
-  document["returnText"] = answer.returnText;
-  document["outputs"] = propertiesToJson(answer.outputs, NullProperties::Shown);
-  document["job"] = nullptr;
-  if (job) {
-    document["job"] = {{"path", job->path}, {"properties", job->properties}};
-  }
+client::Value toJson(const client::MethodAnswer& answer,
+                     const std::optional<client::JobReport>& job) {
+  client::Value document;
+  document.set("returnValue", answer.returnValue);
+  document.set("returnText", answer.returnText);
+  document.set("outputs", client::toValue(answer.outputs, client::NullProperties::Shown));
+  document.set(
+      "job", job ? client::Value::object({{"path", job->path}, {"properties", propertiesOf(*job)}})
+                 : client::Value());
   return document;
 }
 
-void printAnswer(std::ostream& out, const MethodAnswer& answer) {
-  out << "Return value: " << answer.returnValue << " (" << answer.returnText << ")\n";
+void printAnswer(std::ostream& out, const client::MethodAnswer& answer) {
+  out << "Return value: " << answer.returnValue;
+  if (!answer.returnText.empty()) {
+    out << " (" << answer.returnText << ")";
+  }
+  out << '\n';
   if (!answer.outputs.empty()) {
     out << "Outputs:\n";
-    printProperties(out, answer.outputs, NullProperties::Shown);
+    printProperties(out, answer.outputs, client::NullProperties::Shown);
   }
   if (!answer.jobPath.empty()) {
-    out << "Job: " << toPrintable(answer.jobPath) << '\n';
+    out << "Job: " << client::toPrintable(answer.jobPath) << '\n';
   }
   out.flush();
 }
 
-std::optional<JobReport> followJob(const Context& context, Connection& connection,
-                                   const MethodAnswer& answer, InterruptGuard& guard) {
+std::optional<client::JobReport> followJob(const Context& context, client::Connection& connection,
+                                           const client::MethodAnswer& answer,
+                                           InterruptGuard& guard) {
   if (answer.jobPath.empty()) {
     guard.yieldToInterrupt();
     return std::nullopt;
@@ -74,25 +81,26 @@ std::optional<JobReport> followJob(const Context& context, Connection& connectio
 
 ExitStatus invoke(const Context& context, const Options& options) {
   Arguments arguments(options.method, options.arguments);
-  const std::unique_ptr<Connection> connection = openConnection(context.options);
-  const core::CimPath path = parseObjectPath(options.path);
+  const std::unique_ptr<client::Connection> connection = openConnection(context.options);
+  const core::CimPath path = client::parseObjectPath(options.path);
 
   std::optional<InterruptGuard> guard;
-  const MethodAnswer answer =
+  const client::MethodAnswer answer =
       connection->invoke(path.getModelPath(), options.method, arguments.in(), arguments.out(),
                          [&guard] { guard.emplace(); });
   if (!context.options.isJson) {
     printAnswer(context.out, answer);
   }
-  const std::optional<JobReport> job = followJob(context, *connection, answer, guard.value());
+  const std::optional<client::JobReport> job =
+      followJob(context, *connection, answer, guard.value());
   if (context.options.isJson) {
     printJson(context.out, toJson(answer, job));
   } else if (job) {
     context.out << "Job ended: " << job->outcome() << '\n';
   }
   if (!answer.reason.empty()) {
-    context.err << "quorvel: " << options.method << " refused: " << withoutType(answer.reason)
-                << '\n';
+    context.err << "quorvel: " << options.method
+                << " refused: " << client::withoutType(answer.reason) << '\n';
   }
   return answer.isAccepted() && (!job || job->isCompleted()) ? ExitStatus::Done
                                                              : ExitStatus::Failed;
@@ -101,15 +109,14 @@ ExitStatus invoke(const Context& context, const Options& options) {
 }  // namespace
 
 void addInvokeCommand(CLI::App& program, Context& context) {
-  CLI::App* command = program.add_subcommand("invoke", "Call a method of a CIM instance");
+  Command command(program, "invoke", "Call a method of a CIM instance");
   const auto options = std::make_shared<Options>();
-  command->add_option("OBJECTPATH", options->path, "The instance, as 'quorvel instances' prints it")
-      ->type_name("")
-      ->required();
-  command->add_option("METHOD", options->method, "Name of the method")->type_name("")->required();
-  command->add_option("NAME=VALUE", options->arguments, "Arguments of the method")->type_name("");
-  command->footer(kFooter);
-  command->callback([&context, options] {
+  command.add({"OBJECTPATH", "The instance, as 'quorvel instances' prints it", "", true},
+              options->path);
+  command.add({"METHOD", "Name of the method", "", true}, options->method);
+  command.add({"NAME=VALUE", "Arguments of the method"}, options->arguments);
+  command.setFooter(kFooter);
+  command.onChosen([&context, options] {
     context.command = [&context, options] { return invoke(context, *options); };
   });
 }

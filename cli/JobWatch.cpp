@@ -5,77 +5,63 @@
 #include <utility>
 
 #include "Os/Environment.h"
-#include "Utils/Exception.h"
-#include "cli/TextTable.h"
-#include "core/CimPath.h"
+#include "client/Fault.h"
+#include "client/Texts.h"
 
 namespace cli {
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::pair<unsigned, const char*> kStateNames[] = {
-    {kJobNew, "New"},
-    {kJobStarting, "Starting"},
-    {kJobRunning, "Running"},
-    {kJobSuspended, "Suspended"},
-    {kJobShuttingDown, "Shutting Down"},
-    {kJobCompleted, "Completed"},
-    {kJobTerminated, "Terminated"},
-    {kJobKilled, "Killed"},
-    {kJobException, "Exception"},
-    {kJobService, "Service"},
-    {kJobQueryPending, "Query Pending"},
-};
-
 // What a user may call a job: the path of one that has no InstanceID.
 std::string nameOf(const std::string& path) {
-  std::string id = jobIdOf(path);
+  std::string id = client::jobIdOf(path);
   return id.empty() ? path : id;
 }
 
 // The looks at one job, until its end or that of the patience.
 class Watch {
  public:
-  Watch(Connection& connection, const std::string& path)
+  Watch(client::Connection& connection, const std::string& path)
       : m_connection(connection),
         m_path(path),
-        m_command(toPrintable(connection.watchCommand(nameOf(path)))) {}
+        m_command(client::toPrintable(connection.watchCommand(nameOf(path)))) {}
 
   // Returns the job as it is; nothing where the host could not be asked this time. Throws Fault
   // when there is no such job, and when the host could not be asked for too long.
-  std::optional<JobReport> look();
+  std::optional<client::JobReport> look();
 
   // To be called on an interrupt. Throws Fault where the job goes on without this process.
   void yieldToHost(bool isAnswered) const;
 
  private:
-  [[noreturn]] void leave(const std::string& reason, const char* job, ExitStatus status) const;
+  [[noreturn]] void leave(const std::string& reason, const char* job,
+                          client::Fault::Kind kind) const;
 
-  Connection& m_connection;
+  client::Connection& m_connection;
   const std::string m_path;
   const std::string m_command;  // follows the job again; empty where it ends with this process
   Clock::time_point m_lastAnswer = Clock::now();
 };
 
-std::optional<JobReport> Watch::look() {
-  std::optional<InstanceSnapshot> job;
+std::optional<client::JobReport> Watch::look() {
+  std::optional<client::InstanceSnapshot> job;
   try {
     job = m_connection.lookAgain(m_path);
-  } catch (const PassingFault& fault) {
+  } catch (const client::PassingFault& fault) {
     if (Clock::now() - m_lastAnswer < m_connection.patience()) {
       return std::nullopt;
     }
-    leave(fault.what(), "\nThe job may go on in the host", fault.status());
-  } catch (const Fault& fault) {
-    leave(fault.what(), "\nThe job may go on in the host", fault.status());
+    leave(fault.what(), "\nThe job may go on in the host", fault.kind());
+  } catch (const client::Fault& fault) {
+    leave(fault.what(), "\nThe job may go on in the host", fault.kind());
   }
   m_lastAnswer = Clock::now();
   if (!job) {
-    throw Fault("the job " + toPrintable(m_path) + " is gone; '" + m_connection.program() +
-                " adapters' shows what the adapter holds");
+    throw client::Fault("the job " + client::toPrintable(m_path) + " is gone; '" +
+                        m_connection.program() + " adapters' shows what the adapter holds");
   }
-  return reportOf(*job);
+  return client::reportOf(*job);
 }
 
 void Watch::yieldToHost(bool isAnswered) const {
@@ -83,24 +69,24 @@ void Watch::yieldToHost(bool isAnswered) const {
     return;
   }
   if (isAnswered) {
-    leave("interrupted: ", "the job goes on in the host", ExitStatus::Failed);
+    leave("interrupted: ", "the job goes on in the host", client::Fault::Kind::Refused);
   }
   leave("interrupted: the host does not answer at the moment", "; the job may go on in it",
-        ExitStatus::Failed);
+        client::Fault::Kind::Refused);
 }
 
-void Watch::leave(const std::string& reason, const char* job, ExitStatus status) const {
+void Watch::leave(const std::string& reason, const char* job, client::Fault::Kind kind) const {
   if (m_command.empty()) {
-    throw Fault(reason, status);
+    throw client::Fault(reason, kind);
   }
-  throw Fault(reason + job + "; to follow it again:\n  " + m_command, status);
+  throw client::Fault(reason + job + "; to follow it again:\n  " + m_command, kind);
 }
 
-JobReport follow(Watch& watch, const Connection& connection, ProgressView& view,
-                 InterruptGuard& guard, std::ostream& err, Clock::time_point start) {
+client::JobReport follow(Watch& watch, const client::Connection& connection, ProgressView& view,
+                         InterruptGuard& guard, std::ostream& err, Clock::time_point start) {
   for (;;) {
-    std::optional<JobReport> report = watch.look();
-    const bool hasEnded = report && report->hasEnded();
+    std::optional<client::JobReport> report = watch.look();
+    const bool hasEnded = report && cim::hasEnded(report->state);
     if (guard.takeInterrupt() && !hasEnded) {
       view.endLine();
       watch.yieldToHost(report.has_value());
@@ -121,63 +107,22 @@ JobReport follow(Watch& watch, const Connection& connection, ProgressView& view,
 
 }  // namespace
 
-std::string jobStateName(unsigned state) {
-  for (const auto& [number, name] : kStateNames) {
-    if (number == state) {
-      return name;
-    }
-  }
-  return std::to_string(state);
-}
-
-bool JobReport::hasEnded() const {
-  return state == kJobCompleted || state == kJobTerminated || state == kJobKilled ||
-         state == kJobException;
-}
-
-std::string JobReport::outcome() const {
-  std::string text = jobStateName(state);
-  if (!isCompleted()) {
-    text += ", error " + std::to_string(errorCode);
-    if (!errorText.empty()) {
-      text += ": " + toPrintable(errorText);
-    }
-  }
-  return text;
-}
-
-JobReport reportOf(const InstanceSnapshot& job) {
-  JobReport report;
-  report.path = job.path;
-  report.properties = propertiesToJson(job.properties, NullProperties::Left);
-  report.state = job.value<unsigned>("JobState");
-  report.percent = job.value<unsigned>("PercentComplete");
-  report.errorCode = job.value<unsigned>("ErrorCode");
-  report.errorText = job.value<std::string>("ErrorDescription");
-  return report;
-}
-
-std::string jobIdOf(const std::string& path) {
-  try {
-    const core::CimPath parsed(path);
-    const auto key = parsed.find("InstanceID");
-    return key != parsed.end() ? key->second : "";
-  } catch (const utils::ESyntaxError&) {
-    return "";
-  }
-}
-
-JobReport waitForJob(Connection& connection, const std::string& path, ProgressView& view,
-                     InterruptGuard& guard, std::ostream& err, std::chrono::seconds age) {
+client::JobReport waitForJob(client::Connection& connection, const std::string& path,
+                             ProgressView& view, InterruptGuard& guard, std::ostream& err,
+                             std::chrono::seconds age) {
   Watch watch(connection, path);
   try {
-    JobReport report = follow(watch, connection, view, guard, err, Clock::now() - age);
+    client::JobReport report = follow(watch, connection, view, guard, err, Clock::now() - age);
     view.endLine();
     return report;
-  } catch (const Fault&) {
+  } catch (const client::Fault&) {
     view.endLine();
     throw;
   }
+}
+
+client::Value propertiesOf(const client::JobReport& job) {
+  return client::toValue(job.properties, client::NullProperties::Left);
 }
 
 ProgressStyle chooseProgressStyle(const GlobalOptions& options, bool isWanted) {

@@ -1,13 +1,17 @@
 #include "cli/JobsCommand.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "cli/Jobs.h"
-#include "cli/Output.h"
+#include "cli/Command.h"
+#include "cli/JsonOutput.h"
+#include "cli/ProgressView.h"
 #include "cli/Session.h"
 #include "cli/TextTable.h"
+#include "client/Jobs.h"
 
 namespace cli {
 namespace {
@@ -23,28 +27,28 @@ constexpr const char* kFooter =
     "  quorvel jobs --host https://admin@server1:5989\n"
     "  quorvel jobs --host http://127.0.0.1:5988 --json\n";
 
-std::string elapsedOf(const Job& job) {
+std::string elapsedOf(const client::Job& job) {
   return job.age ? toClockText(*job.age) : "";
 }
 
-Json toJson(const std::vector<Job>& jobs) {
-  Json document = Json::array();
-  for (const Job& job : jobs) {
-    Json entry;
-    entry["path"] = job.report.path;
-    entry["id"] = job.id;
-    entry["state"] = job.report.state;
-    entry["stateText"] = jobStateName(job.report.state);
-    entry["percent"] = job.report.percent;
-    entry["elapsed"] = elapsedOf(job);
-    entry["errorCode"] = job.report.errorCode;
-    entry["errorText"] = job.report.errorText;
-    document.push_back(entry);
+client::Value toJson(const std::vector<client::Job>& jobs) {
+  client::Value document = client::Value::array();
+  for (const client::Job& job : jobs) {
+    client::Value entry;
+    entry.set("path", job.report.path);
+    entry.set("id", job.id);
+    entry.set("state", static_cast<std::uint16_t>(job.report.state));
+    entry.set("stateText", cim::toText(job.report.state));
+    entry.set("percent", job.report.percent);
+    entry.set("elapsed", elapsedOf(job));
+    entry.set("errorCode", job.report.errorCode);
+    entry.set("errorText", job.report.errorText);
+    document.push(std::move(entry));
   }
   return document;
 }
 
-std::string describeError(const JobReport& report) {
+std::string describeError(const client::JobReport& report) {
   if (report.errorCode == 0 && report.errorText.empty()) {
     return "";
   }
@@ -52,18 +56,18 @@ std::string describeError(const JobReport& report) {
          (report.errorText.empty() ? "" : ": " + report.errorText);
 }
 
-void printTable(std::ostream& out, const std::vector<Job>& jobs) {
+void printTable(std::ostream& out, const std::vector<client::Job>& jobs) {
   TextTable table({"JOB", "STATE", "DONE", "ELAPSED", "ERROR"});
-  for (const Job& job : jobs) {
-    table.addRow({job.id, jobStateName(job.report.state), std::to_string(job.report.percent) + " %",
+  for (const client::Job& job : jobs) {
+    table.addRow({job.id, cim::toText(job.report.state), std::to_string(job.report.percent) + " %",
                   elapsedOf(job), describeError(job.report)});
   }
   table.print(out);
 }
 
 ExitStatus showJobs(const Context& context) {
-  const std::unique_ptr<Connection> connection = openConnection(context.options);
-  const std::vector<Job> jobs = readJobs(*connection);
+  const std::unique_ptr<client::Connection> connection = openConnection(context.options);
+  const std::vector<client::Job> jobs = client::readJobs(*connection);
   if (context.options.isJson) {
     printJson(context.out, toJson(jobs));
   } else if (!jobs.empty()) {
@@ -80,10 +84,9 @@ ExitStatus showJobs(const Context& context) {
 }  // namespace
 
 void addJobsCommand(CLI::App& program, Context& context) {
-  CLI::App* command =
-      program.add_subcommand("jobs", "Show the updates of a host and what became of them");
-  command->footer(kFooter);
-  command->callback([&context] { context.command = [&context] { return showJobs(context); }; });
+  Command command(program, "jobs", "Show the updates of a host and what became of them");
+  command.setFooter(kFooter);
+  command.onChosen([&context] { context.command = [&context] { return showJobs(context); }; });
 }
 
 }  // namespace cli

@@ -5,8 +5,8 @@
 
 #include <memory>
 
-#include "cli/Connection.h"
 #include "cli/Context.h"
+#include "client/Connection.h"
 
 namespace cli {
 
@@ -14,7 +14,7 @@ namespace cli {
 // user comes from where findPassword finds it, else from a prompt on the terminal. Throws Fault
 // (usage) for an address that is none, a login that would go over the network readable, a password
 // that is nowhere, and a certificate file that cannot be read. Windows throws it always.
-[[nodiscard]] std::unique_ptr<Connection> openHost(const GlobalOptions& options);
+[[nodiscard]] std::unique_ptr<client::Connection> openHost(const GlobalOptions& options);
 
 }  // namespace cli
 

@@ -5,21 +5,13 @@
 #include <utility>
 #include <vector>
 
-#include "Os/Texts.h"
-#include "Utils/Exception.h"
-#include "cli/TextTable.h"
-#include "core/CimPropertyRef.h"
-#include "core/CimPropertyTypes.h"
+#include "cli/JsonOutput.h"
+#include "client/Texts.h"
 
 namespace cli {
 namespace {
 
 constexpr int kIndent = 2;
-
-template <class Property>
-const auto& valueOf(const core::CimProperty& property) {
-  return static_cast<const Property&>(property);
-}
 
 // Strings as programs write them, so that a text can be pasted into one.
 std::string quoteString(const std::string& text) {
@@ -30,137 +22,49 @@ std::string quoteString(const std::string& text) {
     }
     result += character;
   }
-  return toPrintable(result) + "\"";
+  return client::toPrintable(result) + "\"";
 }
 
-std::string itemToText(const Json& item) {
-  return item.is_string() ? quoteString(item.get_ref<const std::string&>()) : item.dump();
+// A truth value or a number looks like that in JSON; so does what has no other form for people.
+std::string itemToText(const client::Value& item) {
+  const std::string* const text = item.text();
+  return text != nullptr ? quoteString(*text) : toJsonLine(item);
 }
 
-std::string arrayToText(const Json& items) {
+std::string arrayToText(const client::Value::Array& items) {
   std::string result;
-  for (const Json& item : items) {
+  for (const client::Value& item : items) {
     result += (result.empty() ? "" : ", ") + itemToText(item);
   }
   return "{" + result + "}";
 }
 
-bool isShown(const PropertySnapshot& property, NullProperties nulls) {
-  return nulls == NullProperties::Shown || !property.value.is_null();
-}
-
-PropertySnapshot::Kind kindOf(const core::CimProperty& property) {
-  switch (property.getType()) {
-    case core::kCimDatetime:
-      return PropertySnapshot::Kind::Datetime;
-    case core::kCimReference:
-      return PropertySnapshot::Kind::Reference;
-    default:
-      return PropertySnapshot::Kind::Value;
-  }
-}
-
-// Names of fields are no texts from outside.
-void makeUtf8(Json& value) {
-  if (value.is_string()) {
-    value = os::toUtf8(value.get_ref<const std::string&>());
-  } else if (value.is_structured()) {
-    for (Json& item : value) {
-      makeUtf8(item);
-    }
-  }
+bool isShown(const client::PropertySnapshot& property, client::NullProperties nulls) {
+  return nulls == client::NullProperties::Shown || !property.value.isNull();
 }
 
 }  // namespace
 
-Json toJson(const core::CimProperty& property) {
-  if (property.isNull()) {
-    return nullptr;
-  }
-  switch (static_cast<core::CimType>(property.getType())) {
-    case core::kCimUint8:
-      return valueOf<core::CimPropertyUint8>(property).getValue();
-    case core::kCimSint8:
-      return valueOf<core::CimPropertySint8>(property).getValue();
-    case core::kCimUint16:
-      return valueOf<core::CimPropertyUint16>(property).getValue();
-    case core::kCimUint16Array:
-      return valueOf<core::CimPropertyUint16_arr>(property).getValue();
-    case core::kCimUint32:
-      return valueOf<core::CimPropertyUint32>(property).getValue();
-    case core::kCimUint64:
-      return valueOf<core::CimPropertyUint64>(property).getValue();
-    case core::kCimString:
-      return valueOf<core::CimPropertyString>(property).getValue();
-    case core::kCimStringArray:
-      return valueOf<core::CimPropertyString_arr>(property).getValue();
-    case core::kCimBoolean:
-      return valueOf<core::CimPropertyBoolean>(property).getValue() != 0;
-    case core::kCimDatetime:
-      return valueOf<core::CimPropertyDatetime>(property).getValue().toCimText();
-    case core::kCimReference:
-      return property.toString();
-  }
-  throw utils::ENotSupported("Property " + property.getName() + " has an unknown type");
-}
-
-std::string toText(const core::CimProperty& property) {
-  return toText(snapshotOf(property));
-}
-
-std::string toText(const PropertySnapshot& property) {
-  const Json& value = property.value;
-  if (value.is_null()) {
+std::string toText(const client::PropertySnapshot& property) {
+  const client::Value& value = property.value;
+  if (value.isNull()) {
     return "NULL";
   }
-  if (property.kind != PropertySnapshot::Kind::Value) {
-    return toPrintable(value.get_ref<const std::string&>());
+  if (property.kind != client::PropertySnapshot::Kind::Value && value.text() != nullptr) {
+    return client::toPrintable(*value.text());
   }
-  return value.is_array() ? arrayToText(value) : itemToText(value);
+  return value.items() != nullptr ? arrayToText(*value.items()) : itemToText(value);
 }
 
-PropertySnapshot snapshotOf(const core::CimProperty& property) {
-  return {property.getName(), kindOf(property), toJson(property)};
-}
-
-Properties snapshotOf(core::CimPropertyList& properties) {
-  Properties result;
-  core::CimPropertyList::Iterator cursor = properties.iterator();
-  for (const core::CimProperty* property = cursor.first(); property != nullptr;
-       property = cursor.next()) {
-    result.push_back(snapshotOf(*property));
-  }
-  return result;
-}
-
-InstanceSnapshot snapshotOf(core::CimInstance& instance) {
-  return {instance.getClassName(), instance.getPath(), snapshotOf(instance.getProperties())};
-}
-
-Json propertiesToJson(const Properties& properties, NullProperties nulls) {
-  Json result = Json::object();
-  for (const PropertySnapshot& property : properties) {
-    if (isShown(property, nulls)) {
-      result[property.name] = property.value;
-    }
-  }
-  return result;
-}
-
-Json instanceToJson(const InstanceSnapshot& instance, NullProperties nulls) {
-  Json result;
-  result["path"] = instance.path;
-  result["properties"] = propertiesToJson(instance.properties, nulls);
-  return result;
-}
-
-void printProperties(std::ostream& out, const Properties& properties, NullProperties nulls) {
+void printProperties(std::ostream& out, const client::Properties& properties,
+                     client::NullProperties nulls) {
   // A host may name a property as it likes.
-  std::vector<std::pair<std::string, const PropertySnapshot*>> shown;
+  std::vector<std::pair<std::string, const client::PropertySnapshot*>> shown;
   std::size_t width = 0;
-  for (const PropertySnapshot& property : properties) {
+  for (const client::PropertySnapshot& property : properties) {
     if (isShown(property, nulls)) {
-      const std::string& name = shown.emplace_back(toPrintable(property.name), &property).first;
+      const std::string& name =
+          shown.emplace_back(client::toPrintable(property.name), &property).first;
       width = std::max(width, name.size());
     }
   }
@@ -168,11 +72,6 @@ void printProperties(std::ostream& out, const Properties& properties, NullProper
     out << std::string(kIndent, ' ') << name << std::string(width - name.size(), ' ') << " = "
         << toText(*property) << '\n';
   }
-}
-
-void printJson(std::ostream& out, Json document) {
-  makeUtf8(document);
-  out << document.dump(kIndent, ' ', false, Json::error_handler_t::replace) << '\n';
 }
 
 }  // namespace cli

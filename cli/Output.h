@@ -1,4 +1,4 @@
-// Properties and instances as people and programs read them.
+// Properties as people read them. As programs do, see cli/JsonOutput.h:
 //
 //   type       text            JSON
 //   number     42              42
@@ -8,8 +8,6 @@
 //   reference  path            "path"
 //   array      {1, 2}          [1, 2]
 //   NULL       NULL            null
-//
-// The caller holds the broker's request while it passes instances and properties of them.
 
 #ifndef ORVEX_CLI_OUTPUT_H_
 #define ORVEX_CLI_OUTPUT_H_
@@ -17,33 +15,15 @@
 #include <ostream>
 #include <string>
 
-#include "cli/Snapshot.h"
-#include "core/CimInstance.h"
-#include "core/CimProperty.h"
+#include "client/Snapshot.h"
 
 namespace cli {
 
-[[nodiscard]] std::string toText(const core::CimProperty& property);
-[[nodiscard]] std::string toText(const PropertySnapshot& property);
-[[nodiscard]] Json toJson(const core::CimProperty& property);
-
-[[nodiscard]] PropertySnapshot snapshotOf(const core::CimProperty& property);
-[[nodiscard]] Properties snapshotOf(core::CimPropertyList& properties);
-[[nodiscard]] InstanceSnapshot snapshotOf(core::CimInstance& instance);
-
-enum class NullProperties { Left, Shown };
-
-// Returns the properties as an object, in their order.
-[[nodiscard]] Json propertiesToJson(const Properties& properties, NullProperties nulls);
-// Returns {"path": "...", "properties": {...}}.
-[[nodiscard]] Json instanceToJson(const InstanceSnapshot& instance, NullProperties nulls);
+[[nodiscard]] std::string toText(const client::PropertySnapshot& property);
 
 // Prints "  Name = value" lines whose signs line up.
-void printProperties(std::ostream& out, const Properties& properties, NullProperties nulls);
-
-// Prints a document in UTF-8: its texts are made so (see Os/Texts.h), and bytes that are none after
-// all appear as replacement characters.
-void printJson(std::ostream& out, Json document);
+void printProperties(std::ostream& out, const client::Properties& properties,
+                     client::NullProperties nulls);
 
 }  // namespace cli
 

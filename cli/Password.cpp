@@ -4,7 +4,7 @@
 #include <fstream>
 
 #include "Os/Texts.h"
-#include "cli/Context.h"
+#include "client/Fault.h"
 
 namespace cli {
 namespace {
@@ -15,18 +15,18 @@ std::string readFirstLine(const std::string& file) {
   std::ifstream stream(os::toPath(file));
   std::string line;
   if (!stream.is_open()) {
-    throw Fault(
+    throw client::Fault(
         "--password-file: '" + file + "' cannot be read; check the path and its permissions",
-        ExitStatus::Usage);
+        client::Fault::Kind::Usage);
   }
   std::getline(stream, line);
   if (line.ends_with('\r')) {
     line.pop_back();
   }
   if (line.empty()) {
-    throw Fault(
+    throw client::Fault(
         "--password-file: the first line of '" + file + "' is empty; write the password there",
-        ExitStatus::Usage);
+        client::Fault::Kind::Usage);
   }
   return line;
 }

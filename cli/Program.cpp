@@ -16,6 +16,7 @@
 #include "cli/JobsCommand.h"
 #include "cli/UpdateCommand.h"
 #include "cli/WatchCommand.h"
+#include "client/Fault.h"
 #include "host/SharedOptions.h"
 #include "midapi/VirtualAdapters.h"
 
@@ -91,9 +92,9 @@ std::string_view withoutPrefix(std::string_view text) {
 ExitStatus runCommand(const Context& context) {
   try {
     return context.command();
-  } catch (const Fault& fault) {
+  } catch (const client::Fault& fault) {
     context.err << "quorvel: " << fault.what() << '\n';
-    return fault.status();
+    return fault.kind() == client::Fault::Kind::Usage ? ExitStatus::Usage : ExitStatus::Failed;
   } catch (const ma::AdapterFault& fault) {
     context.err << "quorvel: " << fault.what() << '\n';
   } catch (const utils::Exception& exception) {

@@ -6,12 +6,15 @@
 #include <utility>
 
 #include "Os/Texts.h"
+#include "Utils/RefusalTexts.h"
 #include "cim/MethodSignatures.h"
-#include "cli/ErrorRecords.h"
-#include "cli/TextTable.h"
+#include "client/ErrorRecords.h"
+#include "client/Texts.h"
 
 namespace cli {
 namespace {
+
+namespace refusal = utils::refusal;
 
 struct Advice {
   std::string_view reason;  // what the reason contains
@@ -25,20 +28,20 @@ constexpr const char* kGetAgain =
 
 // The first entry that fits counts.
 constexpr Advice kAdvice[] = {
-    {"Downgrade was detected", kForce},
-    {"ETargetInUse:", kWait},
-    {"EJobIsRunning:", kWait},
-    {"is not recognized",
+    {refusal::kDowngrade, kForce},
+    {refusal::kTargetInUse, kWait},
+    {refusal::kJobIsRunning, kWait},
+    {refusal::kUnknownType,
      "the image types are IMG_CLP, IMG_iSCSI, IMG_PXE, IMG_UEFI and IMG_FCoE, joined by '+'"},
-    {"EInvalidUri:", "name a file, or a URI like file:///path/to/image"},
-    {"EUriDoesNotExist:", "check the path; an image is a regular file below 2 GiB"},
-    {"EImageReadError:", "check the file and its permissions"},
-    {"Could not open the file", "check the file and its permissions"},
-    {"points to a directory", "name the image file in that directory"},
-    {"EAdapterNotSupported:",
+    {refusal::kInvalidUri, "name a file, or a URI like file:///path/to/image"},
+    {refusal::kUriDoesNotExist, "check the path; an image is a regular file below 2 GiB"},
+    {refusal::kImageReadError, "check the file and its permissions"},
+    {refusal::kCouldNotOpen, "check the file and its permissions"},
+    {refusal::kIsDirectory, "name the image file in that directory"},
+    {refusal::kAdapterNotSupported,
      "the image is for another device; 'quorvel adapters' shows the device of each adapter"},
-    {"Invalid parameter detected for", kGetAgain},
-    {"ENotApplicableForTarget:",
+    {refusal::kInvalidParameter, kGetAgain},
+    {refusal::kNotApplicableForTarget,
      "the firmware of this adapter cannot be replaced; 'quorvel adapters' shows which can"},
 };
 
@@ -81,15 +84,14 @@ std::string adviseOnCode(std::uint32_t returnValue, const UpdateRequest& request
   return "the log of the host tells more";
 }
 
-constexpr std::string_view kTypesDiffer = "same image types";
-
 std::string adviseOnTypes(const UpdateRequest& request) {
   if (request.hasTypes) {
     return "the file lacks a type that --types names; name only types that it holds";
   }
   if (request.identity) {
     return "update from the file itself and name the types to install: " + request.program +
-           " update TARGET " + request.imagePath + " --types " + join(request.identity->types, "+");
+           " update TARGET " + request.imagePath + " --types " +
+           client::join(request.identity->types, "+");
   }
   return request.isForced
              ? "name the types to install with --types; --force alone changes the installed types "
@@ -99,7 +101,7 @@ std::string adviseOnTypes(const UpdateRequest& request) {
 
 // Returns why an identity is none that can be installed, empty when it can be. The service tells a
 // client no more than that its parameter is invalid.
-std::string findDefect(const std::optional<Identity>& identity) {
+std::string findDefect(const std::optional<client::Identity>& identity) {
   if (!identity) {
     return "";
   }
@@ -136,10 +138,10 @@ void explain(std::ostream& err, const char* heading, const std::string& text) {
   }
 }
 
-std::string findReason(const Context& context, const MethodAnswer& answer,
+std::string findReason(const Context& context, const client::MethodAnswer& answer,
                        const UpdateRequest& request) {
   if (!answer.reason.empty()) {
-    return withoutType(answer.reason);
+    return client::withoutType(answer.reason);
   }
   if (std::string defect = findDefect(request.identity); !defect.empty()) {
     return defect;
@@ -167,7 +169,7 @@ std::string findAdvice(std::uint32_t returnValue, const std::string& reason,
   if (!findDefect(request.identity).empty()) {
     return "name another; 'quorvel identities' shows the firmware files that can be installed";
   }
-  if (reason.find(kTypesDiffer) != std::string::npos) {
+  if (reason.find(refusal::kTypesDiffer) != std::string::npos) {
     return adviseOnTypes(request);
   }
   for (const Advice& advice : kAdvice) {
@@ -185,8 +187,8 @@ std::string findAdvice(std::uint32_t returnValue, const std::string& reason,
 
 }  // namespace
 
-UpdateRequest requestIdentity(const Identity& identity, bool isForced,
-                              const Connection& connection) {
+UpdateRequest requestIdentity(const client::Identity& identity, bool isForced,
+                              const client::Connection& connection) {
   return {identity.isFile ? identity.name : "",
           false,
           isForced,
@@ -200,16 +202,16 @@ std::string adviseOnRefusal(std::uint32_t returnValue, const std::string& reason
   return nameProgram(findAdvice(returnValue, reason, request), request.program);
 }
 
-void reportRefusal(const Context& context, const std::string& what, const MethodAnswer& answer,
-                   const UpdateRequest& request) {
+void reportRefusal(const Context& context, const std::string& what,
+                   const client::MethodAnswer& answer, const UpdateRequest& request) {
   context.err << "quorvel: " << what << " refused: " << answer.returnValue << ", "
               << answer.returnText << '\n';
   explain(context.err, "reason", findReason(context, answer, request));
   explain(context.err, "next", adviseOnRefusal(answer.returnValue, answer.reason, request));
 }
 
-std::string adviseOnFailure(const JobReport& job, const Connection& connection) {
-  if (job.errorText == "Timeout Error") {
+std::string adviseOnFailure(const client::JobReport& job, const client::Connection& connection) {
+  if (job.errorText == refusal::kTimeout) {
     return "the flash could not be had for this process; another program may be using it. Try "
            "again when that has ended, or raise Timeout in the configuration";
   }

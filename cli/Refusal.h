@@ -7,11 +7,11 @@
 #include <optional>
 #include <string>
 
-#include "cli/Connection.h"
 #include "cli/Context.h"
-#include "cli/Identities.h"
 #include "cli/JobWatch.h"
-#include "cli/MethodCall.h"
+#include "client/Connection.h"
+#include "client/Identities.h"
+#include "client/MethodCall.h"
 
 namespace cli {
 
@@ -21,13 +21,13 @@ struct UpdateRequest {
   bool hasTypes = false;
   bool isForced = false;
   bool isRemote = false;  // made to a host: the image is on its machine, its log tells the reason
-  std::optional<Identity> identity{};  // the image, where it was given as such
-  std::string program = "quorvel";     // that of the connection
+  std::optional<client::Identity> identity{};  // the image, where it was given as such
+  std::string program = "quorvel";             // that of the connection
 };
 
 // Returns a request for the image of an identity.
-[[nodiscard]] UpdateRequest requestIdentity(const Identity& identity, bool isForced,
-                                            const Connection& connection);
+[[nodiscard]] UpdateRequest requestIdentity(const client::Identity& identity, bool isForced,
+                                            const client::Connection& connection);
 
 // Returns what to do next about a refusal, empty when nothing is known. `reason` is that of
 // MethodAnswer, with its type. Looks at the image file
@@ -37,11 +37,12 @@ struct UpdateRequest {
 
 // Prints the refusal of something, "update of 0000:03:00" for example, with its reason and what to
 // do next, as far as they are known.
-void reportRefusal(const Context& context, const std::string& what, const MethodAnswer& answer,
-                   const UpdateRequest& request);
+void reportRefusal(const Context& context, const std::string& what,
+                   const client::MethodAnswer& answer, const UpdateRequest& request);
 
 // Returns what to do next about a job that ended without success.
-[[nodiscard]] std::string adviseOnFailure(const JobReport& job, const Connection& connection);
+[[nodiscard]] std::string adviseOnFailure(const client::JobReport& job,
+                                          const client::Connection& connection);
 
 }  // namespace cli
 

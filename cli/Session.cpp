@@ -8,8 +8,9 @@
 #include "Os/Environment.h"
 #include "Os/QuorvelConfig.h"
 #include "Os/Texts.h"
-#include "cli/BrokerConnection.h"
 #include "cli/OpenHost.h"
+#include "client/BrokerConnection.h"
+#include "client/Fault.h"
 #include "core/CimBroker.h"
 #include "host/ModuleLoader.h"
 
@@ -38,12 +39,14 @@ void demandReadable(const std::string& path) {
   const std::filesystem::path file = os::toPath(path);
   std::error_code error;
   if (std::filesystem::is_directory(file, error)) {
-    throw Fault("--config: '" + path + "' is a directory; name the configuration file in it",
-                ExitStatus::Usage);
+    throw client::Fault(
+        "--config: '" + path + "' is a directory; name the configuration file in it",
+        client::Fault::Kind::Usage);
   }
   if (!std::ifstream(file).is_open()) {
-    throw Fault("--config: '" + path + "' cannot be read; check the path and its permissions",
-                ExitStatus::Usage);
+    throw client::Fault(
+        "--config: '" + path + "' cannot be read; check the path and its permissions",
+        client::Fault::Kind::Usage);
   }
 }
 
@@ -60,7 +63,7 @@ void demandConsistent(const GlobalOptions& options) {
   const bool hasHost = !options.host.empty();
   for (const OptionPlace& place : kOptionPlaces) {
     if (!(options.*place.value).empty() && place.isForHost != hasHost) {
-      throw Fault(std::string(place.option) + place.reason, ExitStatus::Usage);
+      throw client::Fault(std::string(place.option) + place.reason, client::Fault::Kind::Usage);
     }
   }
 }
@@ -83,14 +86,14 @@ std::string getConfigurationPlace(const GlobalOptions& options) {
                                                               : options.config);
 }
 
-std::unique_ptr<Connection> openConnection(const GlobalOptions& options) {
+std::unique_ptr<client::Connection> openConnection(const GlobalOptions& options) {
   demandConsistent(options);
   applyOptions(options);
   if (!options.host.empty()) {
     return openHost(options);
   }
   host::loadModules(host::getModuleDirectory());
-  return std::make_unique<BrokerConnection>(core::GetCimBroker());
+  return std::make_unique<client::BrokerConnection>(core::GetCimBroker());
 }
 
 }  // namespace cli

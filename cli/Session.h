@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
-#include "cli/Connection.h"
 #include "cli/Context.h"
+#include "client/Connection.h"
 
 namespace cli {
 
@@ -27,7 +27,7 @@ void applyOptions(const GlobalOptions& options);
 // Applies the options and connects to the host that they name (see openHost). Without one, loads
 // the modules, whose agents then serve their classes in the broker of this process. Throws as
 // applyOptions, openHost and host::loadModules.
-[[nodiscard]] std::unique_ptr<Connection> openConnection(const GlobalOptions& options);
+[[nodiscard]] std::unique_ptr<client::Connection> openConnection(const GlobalOptions& options);
 
 }  // namespace cli
 

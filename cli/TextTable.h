@@ -1,4 +1,4 @@
-// Text for people: columns that line up, and strings that cannot disturb a terminal. Any thread.
+// Text for people in columns that line up; what a cell holds cannot disturb a terminal. Any thread.
 
 #ifndef ORVEX_CLI_TEXTTABLE_H_
 #define ORVEX_CLI_TEXTTABLE_H_
@@ -10,15 +10,6 @@
 #include <vector>
 
 namespace cli {
-
-// Returns UTF-8 text with its control characters as escapes: "\n", "\t", "\x1b".
-[[nodiscard]] std::string toPrintable(std::string_view text);
-
-// Returns the texts with the separator between them.
-[[nodiscard]] std::string join(const std::vector<std::string>& texts, const char* separator);
-
-// Returns the text as one word of a POSIX shell, in quotes where it needs them.
-[[nodiscard]] std::string quoteForShell(const std::string& text);
 
 // Returns the number of characters of UTF-8 text.
 [[nodiscard]] std::size_t countCharacters(std::string_view text);

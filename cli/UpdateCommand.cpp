@@ -7,14 +7,16 @@
 #include <string>
 
 #include "Os/Texts.h"
-#include "cli/Identities.h"
-#include "cli/InstallationService.h"
+#include "cli/Command.h"
 #include "cli/JobWatch.h"
-#include "cli/Output.h"
+#include "cli/JsonOutput.h"
 #include "cli/Refusal.h"
 #include "cli/Session.h"
-#include "cli/Target.h"
-#include "host/SharedOptions.h"
+#include "cli/TargetName.h"
+#include "client/Fault.h"
+#include "client/Identities.h"
+#include "client/InstallationService.h"
+#include "client/Target.h"
 
 namespace cli {
 namespace {
@@ -43,13 +45,13 @@ struct Options {
   std::string target;
   std::string image;  // this one or the next is empty
   std::string identity;
-  UpdateOptions update;
+  client::UpdateOptions update;
   bool isProgressHidden = false;
 };
 
 // What came of the call that starts an update.
 struct Start {
-  MethodAnswer answer;
+  client::MethodAnswer answer;
   UpdateRequest request;
 };
 
@@ -58,34 +60,36 @@ struct Start {
 std::string nameExactly(const std::filesystem::path& path) {
   const std::optional<std::string> text = os::toGenericText(path);
   if (!text) {
-    throw Fault("the path '" + os::toShownText(path) +
-                "' has characters that the code page of this system lacks; put the image into a "
-                "directory with another name");
+    throw client::Fault(
+        "the path '" + os::toShownText(path) +
+        "' has characters that the code page of this system lacks; put the image into a "
+        "directory with another name");
   }
   return *text;
 }
 
-Start startFromFile(Connection& connection, const Options& options, const Target& target,
-                    const OnStart& onStart) {
+Start startFromFile(client::Connection& connection, const Options& options,
+                    const client::Target& target, const client::OnStart& onStart) {
   const bool isUri = options.image.starts_with("file:");
   const std::filesystem::path path =
       isUri ? std::filesystem::path() : std::filesystem::absolute(os::toPath(options.image));
   const std::string uri = isUri ? options.image : "file://" + nameExactly(path);
-  return {installFromUri(connection, uri, target.path, options.update, onStart),
+  return {client::installFromUri(connection, uri, target.path, options.update, onStart),
           {os::toShownText(path), !options.update.types.empty(), options.update.isForced,
            connection.isRemote(), std::nullopt, connection.program()}};
 }
 
-Start startFromIdentity(Connection& connection, const Options& options, const Target& target,
-                        const OnStart& onStart) {
-  const IdentityList list = readIdentities(connection);
-  const Identity& identity = findIdentity(list, options.identity);
-  return {installFromIdentity(connection, identity.path, target.path, options.update, onStart),
-          requestIdentity(identity, options.update.isForced, connection)};
+Start startFromIdentity(client::Connection& connection, const Options& options,
+                        const client::Target& target, const client::OnStart& onStart) {
+  const client::IdentityList list = client::readIdentities(connection);
+  const client::Identity& identity = client::findIdentity(list, options.identity);
+  return {
+      client::installFromIdentity(connection, identity.path, target.path, options.update, onStart),
+      requestIdentity(identity, options.update.isForced, connection)};
 }
 
-void reportEnd(const Context& context, const Connection& connection, const Target& target,
-               const JobReport& job) {
+void reportEnd(const Context& context, const client::Connection& connection,
+               const client::Target& target, const client::JobReport& job) {
   if (!job.isCompleted()) {
     context.err << "quorvel: update of " << target.label << " failed: " << job.outcome() << '\n';
     context.err << "  next: " << adviseOnFailure(job, connection) << '\n';
@@ -95,25 +99,26 @@ void reportEnd(const Context& context, const Connection& connection, const Targe
   }
 }
 
-Json toJson(const MethodAnswer& answer, const std::optional<JobReport>& job) {
-  Json document;
-  document["returnValue"] = answer.returnValue;
-  document["returnText"] = answer.returnText;
-  document["job"] = job ? job->properties : Json();
+client::Value toJson(const client::MethodAnswer& answer,
+                     const std::optional<client::JobReport>& job) {
+  client::Value document;
+  document.set("returnValue", answer.returnValue);
+  document.set("returnText", answer.returnText);
+  document.set("job", job ? propertiesOf(*job) : client::Value());
   return document;
 }
 
 ExitStatus update(const Context& context, const Options& options) {
-  const std::unique_ptr<Connection> connection = openConnection(context.options);
-  const Target target = findTarget(*connection, options.target);
+  const std::unique_ptr<client::Connection> connection = openConnection(context.options);
+  const client::Target target = client::findTarget(*connection, parseTarget(options.target));
   // Until the update starts, an interrupt ends the command at once, and there is no update.
   std::optional<InterruptGuard> guard;
-  const OnStart onStart = [&guard] { guard.emplace(); };
+  const client::OnStart onStart = [&guard] { guard.emplace(); };
   const Start start = options.identity.empty()
                           ? startFromFile(*connection, options, target, onStart)
                           : startFromIdentity(*connection, options, target, onStart);
 
-  std::optional<JobReport> job;
+  std::optional<client::JobReport> job;
   if (start.answer.jobPath.empty()) {
     guard.value().yieldToInterrupt();
     reportRefusal(context, "update of " + target.label, start.answer, start.request);
@@ -129,43 +134,39 @@ ExitStatus update(const Context& context, const Options& options) {
   return job && job->isCompleted() ? ExitStatus::Done : ExitStatus::Failed;
 }
 
+std::string refuseNoType(const std::string& text) {
+  return text.empty() ? "must name a type" : "";
+}
+
 void demandOneImage(const Options& options) {
-  const auto refuse = [](const char* text) {
-    throw CLI::ArgumentMismatch(text, CLI::ExitCodes::ArgumentMismatch);
-  };
   if (options.image.empty() && options.identity.empty()) {
-    refuse("IMAGE or --identity is required: name the image to install");
+    Command::refuse("IMAGE or --identity is required: name the image to install");
   }
   if (!options.image.empty() && !options.identity.empty()) {
-    refuse("IMAGE and --identity exclude each other: name the image by one of them");
+    Command::refuse("IMAGE and --identity exclude each other: name the image by one of them");
   }
   if (!options.identity.empty() && !options.update.types.empty()) {
-    refuse("--types goes with IMAGE, not with --identity: name the file as IMAGE");
+    Command::refuse("--types goes with IMAGE, not with --identity: name the file as IMAGE");
   }
 }
 
 }  // namespace
 
 void addUpdateCommand(CLI::App& program, Context& context) {
-  CLI::App* command = program.add_subcommand("update", "Update the firmware of an adapter");
+  Command command(program, "update", "Update the firmware of an adapter");
   const auto options = std::make_shared<Options>();
-  command->add_option("TARGET", options->target, "Port, adapter or object path")
-      ->type_name("")
-      ->required();
-  command->add_option("IMAGE", options->image, "File or file: URI of the firmware image")
-      ->type_name("");
-  command->add_option("--identity", options->identity, "Firmware file of 'quorvel identities'")
-      ->type_name("IDENTITY")
-      ->check(host::notEmpty());
-  command
-      ->add_option("--types", options->update.types, "Install these image types of the file only")
-      ->type_name("IMG_PXE+IMG_UEFI")
-      ->check(CLI::Validator(
-          [](const std::string& text) { return text.empty() ? "must name a type" : ""; }, ""));
-  command->add_flag("--force", options->update.isForced, "Install older firmware, too");
-  command->add_flag("--no-progress", options->isProgressHidden, "Print no progress");
-  command->footer(kFooter);
-  command->callback([&context, options] {
+  command.add({"TARGET", "Port, adapter or object path", "", true}, options->target);
+  command.add({"IMAGE", "File or file: URI of the firmware image"}, options->image);
+  command.add(
+      {"--identity", "Firmware file of 'quorvel identities'", "IDENTITY", false, refuseEmpty},
+      options->identity);
+  command.add({"--types", "Install these image types of the file only", "IMG_PXE+IMG_UEFI", false,
+               refuseNoType},
+              options->update.types);
+  command.addFlag("--force", "Install older firmware, too", options->update.isForced);
+  command.addFlag("--no-progress", "Print no progress", options->isProgressHidden);
+  command.setFooter(kFooter);
+  command.onChosen([&context, options] {
     demandOneImage(*options);
     context.command = [&context, options] { return update(context, *options); };
   });

@@ -3,11 +3,12 @@
 #include <memory>
 #include <string>
 
-#include "cli/Jobs.h"
-#include "cli/Output.h"
+#include "cli/Command.h"
+#include "cli/JsonOutput.h"
 #include "cli/Refusal.h"
 #include "cli/Session.h"
-#include "cli/TextTable.h"
+#include "client/Jobs.h"
+#include "client/Texts.h"
 
 namespace cli {
 namespace {
@@ -30,29 +31,30 @@ struct Options {
   bool isProgressHidden = false;
 };
 
-void reportEnd(const Context& context, const Connection& connection, const Job& job,
-               const JobReport& report) {
+void reportEnd(const Context& context, const client::Connection& connection, const client::Job& job,
+               const client::JobReport& report) {
   if (!report.isCompleted()) {
-    context.err << "quorvel: the job " << toPrintable(job.id) << " failed: " << report.outcome()
-                << '\n';
+    context.err << "quorvel: the job " << client::toPrintable(job.id)
+                << " failed: " << report.outcome() << '\n';
     context.err << "  next: " << adviseOnFailure(report, connection) << '\n';
   } else if (!context.options.isJson) {
-    context.out << "Completed: the job " << toPrintable(job.id) << " has ended\n";
+    context.out << "Completed: the job " << client::toPrintable(job.id) << " has ended\n";
   }
 }
 
 ExitStatus watch(const Context& context, const Options& options) {
-  const std::unique_ptr<Connection> connection = openConnection(context.options);
-  const Job job = findJob(*connection, options.job);
+  const std::unique_ptr<client::Connection> connection = openConnection(context.options);
+  const client::Job job = client::findJob(*connection, options.job);
   InterruptGuard guard;
   ProgressView view(context.out, chooseProgressStyle(context.options, !options.isProgressHidden),
-                    toPrintable(job.id));
-  const JobReport report = waitForJob(*connection, job.report.path, view, guard, context.err,
-                                      job.age.value_or(std::chrono::seconds(0)));
+                    client::toPrintable(job.id));
+  const client::JobReport report =
+      waitForJob(*connection, job.report.path, view, guard, context.err,
+                 job.age.value_or(std::chrono::seconds(0)));
   reportEnd(context, *connection, job, report);
   if (context.options.isJson) {
-    Json document;
-    document["job"] = report.properties;
+    client::Value document;
+    document.set("job", propertiesOf(report));
     printJson(context.out, document);
   }
   return report.isCompleted() ? ExitStatus::Done : ExitStatus::Failed;
@@ -61,14 +63,12 @@ ExitStatus watch(const Context& context, const Options& options) {
 }  // namespace
 
 void addWatchCommand(CLI::App& program, Context& context) {
-  CLI::App* command = program.add_subcommand("watch", "Follow a job of a host to its end");
+  Command command(program, "watch", "Follow a job of a host to its end");
   const auto options = std::make_shared<Options>();
-  command->add_option("JOB", options->job, "The job, as 'quorvel jobs' prints it")
-      ->type_name("")
-      ->required();
-  command->add_flag("--no-progress", options->isProgressHidden, "Print no progress");
-  command->footer(kFooter);
-  command->callback([&context, options] {
+  command.add({"JOB", "The job, as 'quorvel jobs' prints it", "", true}, options->job);
+  command.addFlag("--no-progress", "Print no progress", options->isProgressHidden);
+  command.setFooter(kFooter);
+  command.onChosen([&context, options] {
     context.command = [&context, options] { return watch(context, *options); };
   });
 }

@@ -4,12 +4,12 @@
 #include <utility>
 
 #include "Os/Environment.h"
+#include "cim/OperationalStatus.h"
 
 namespace inventory {
 namespace {
 
 constexpr const char* kSystemClass = "CIM_UnitaryComputerSystem";
-constexpr std::uint16_t kOperationalStatusOk = 2;
 
 }  // namespace
 
@@ -28,7 +28,7 @@ void setDeviceValues(CIM_LogicalDevice& device, const std::string& deviceId,
   device.Description.setValue(caption);
   device.ElementName.setValue(caption);
   device.Name.setValue(deviceId);
-  device.OperationalStatus.setValue({kOperationalStatusOk});
+  device.OperationalStatus.setValue({cim::kOperationalStatusOk});
 }
 
 }  // namespace inventory

@@ -21,7 +21,8 @@ MAY_INCLUDE = {
     "wbem": ["wbem", "cimxml", "cim", "core", "Os", "Utils"],
     "host": ["host", "core", "Os", "Utils"],
     "daemon": ["daemon", "host", "http", "wbem", "cimxml", "core", "Os", "Utils"],
-    "cli": ["cli", "host", "http", "cimxml", "midapi", "cim", "core", "Os", "Utils"],
+    "client": ["client", "http", "cimxml", "cim", "core", "Os", "Utils"],
+    "cli": ["cli", "client", "host", "midapi", "cim", "core", "Os", "Utils"],
     "tests": None,  # anything
     "bench": None,
 }
@@ -47,7 +48,7 @@ NAMESPACES = {
     "host": {"host": None, "CLI": "declares the argument parser without its header"},
     "daemon": {"quorveld": "the program's name: unistd.h declares a function daemon"},
     "client": {"client": None},
-    "cli": {"cli": None},
+    "cli": {"cli": None, "CLI": "declares the argument parser without its header"},
     "bench": {"bench": None},
     "tests": {"test": None},
     "tests/core": {"test": None, "core": "a printer stands in the namespace of what it prints"},
@@ -67,16 +68,9 @@ GLOBAL_NAMES = {
         ("Orvex_*", "served classes and their providers"),
         ("ConcreteJobFactory", "a singleton that hosts see under this name"),
         ("JobThread", "logged under this name"),
-        ("ORVEX_DEFINE_EXCEPTION", "the errors of jobs, whose texts begin with their unqualified names"),
+        ("ORVEX_DEFINE_REFUSAL", "the errors of jobs, whose texts begin with their unqualified names"),
         ("RegisterSoftwareUpdateAgent", "the module's entry"),
         ("DllMain", "the module's entry, as the loader calls it"),
-        # Temporary: moving to cim/.
-        ("ConcreteJobState", "to be cim/JobState.h"),
-        ("InstallOption", "to be cim/InstallOptions.h"),
-        ("hasOption", "to be cim/InstallOptions.h"),
-        # Temporary: to be in the namespace agent.
-        ("LockedFlag", "agent/JobThread.h is being changed"),
-        ("waitForFlag", "agent/JobThread.h is being changed"),
     ],
     "tests/fuzz": [("LLVMFuzzer*", "what libFuzzer calls")],
 }
@@ -85,9 +79,6 @@ GLOBAL_NAMES = {
 # safety does not see.
 PLAIN_MUTEX = {
     "platform/Mutex.h": "the annotated mutex is made of it",
-    # Temporary: each is getting an annotated mutex.
-    "cli/ErrorRecords.cpp": "not annotated yet",
-    "cli/ErrorRecords.h": "not annotated yet",
 }
 
 # Headers with fixtures that are not named as fixtures are.
@@ -146,7 +137,7 @@ PLATFORM_VARIABLE = "${QUORVEL_PLATFORM_DIR}"
 # Folders whose sources need tests.
 TESTED_FOLDERS = (
     "platform", "Utils", "Os", "core", "cim", "midapi", "inventory", "agent", "cimxml", "http", "wbem",
-    "host", "daemon", "cli",
+    "host", "client", "daemon", "cli",
 )
 
 OS_HEADER_NAMES = {

@@ -1,13 +1,13 @@
 #include "wbem/InteropClasses.h"
 
 #include "Os/Environment.h"
+#include "cim/OperationalStatus.h"
 
 namespace wbem {
 namespace {
 
 constexpr const char* kSystemClass = "CIM_UnitaryComputerSystem";
 constexpr const char* kObjectManagerName = "Orvex:quorveld";
-constexpr std::uint16_t kOperationalStatusOk = 2;
 
 }  // namespace
 
@@ -20,7 +20,7 @@ void CIM_ObjectManager::setPropertyValues() {
   Caption.setValue("CIM server");
   Description.setValue("CIM-XML server of the Zolan(R) Ethernet Adapters");
   ElementName.setValue("quorveld");
-  OperationalStatus.setValue({kOperationalStatusOk});
+  OperationalStatus.setValue({cim::kOperationalStatusOk});
   Started.setValue(1);
   GatherStatisticalData.setValue(0);
 }

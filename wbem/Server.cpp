@@ -1,15 +1,14 @@
 #include "wbem/Server.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <exception>
-#include <iterator>
 #include <optional>
 #include <string_view>
 #include <utility>
 #include <variant>
 
 #include "Utils/Mutex.h"
+#include "cim/JobState.h"
 #include "cimxml/AnswerWriter.h"
 #include "cimxml/Characters.h"
 #include "core/CimPropertyTypes.h"
@@ -28,16 +27,13 @@ constexpr const char* kSuccess = "CIM_ERR_SUCCESS";
 // Of what a client sent, in the text of an error and in a record: there may be a whole message.
 constexpr std::size_t kMostBytesTold = 2048;
 
-// The end states of CIM_ConcreteJob.JobState: Completed, Terminated, Killed, Exception.
-constexpr std::uint16_t kEndStates[] = {7, 8, 9, 10};
-
 bool isRunning(core::CimInstance& job) {
   const core::CimProperty* property = job.getProperty("JobState");
   if (property == nullptr || property->isNull() || property->getType() != core::kCimUint16) {
     return false;
   }
   const std::uint16_t state = static_cast<const core::CimPropertyUint16*>(property)->getValue();
-  return std::find(std::begin(kEndStates), std::end(kEndStates), state) == std::end(kEndStates);
+  return !cim::hasEnded(cim::JobState{state});
 }
 
 void demandOperator(const Caller& caller, const std::string& action) {

@@ -7,6 +7,7 @@
 #include "Os/Files.h"
 #include "Utils/Exception.h"
 #include "Utils/Log.h"
+#include "Utils/RefusalTexts.h"
 #include "platform/Posix/Descriptor.h"
 
 namespace os {
@@ -30,11 +31,12 @@ std::int32_t getFileSize(const std::string& path) {
   struct stat status {};
   const bool exists = stat(path.c_str(), &status) == 0;
   if (exists && S_ISDIR(status.st_mode)) {
-    throw utils::Exception("The specyfied URI '%s' points to a directory ", path.c_str());
+    throw utils::Exception("The specyfied URI '%s' %s ", path.c_str(),
+                           utils::refusal::kIsDirectory);
   }
   if (!exists || !S_ISREG(status.st_mode) ||
       status.st_size > std::numeric_limits<std::int32_t>::max()) {
-    throw utils::Exception("Could not open the file '%s'", path.c_str());
+    throw utils::Exception("%s '%s'", utils::refusal::kCouldNotOpen, path.c_str());
   }
   const auto size = static_cast<std::int32_t>(status.st_size);
   utils::logDebug(kLog, "os::getFileSize", "Output size of Provider file: %d", size);

@@ -8,6 +8,7 @@
 #include "Os/Files.h"
 #include "Utils/Exception.h"
 #include "Utils/Log.h"
+#include "Utils/RefusalTexts.h"
 #include "platform/Windows/NoErrorDialogs.h"
 
 namespace os {
@@ -68,13 +69,14 @@ std::int32_t getFileSize(const std::string& path) {
   const platform::NoErrorDialogs noDialogs;
   _finddata64i32_t entry{};
   if (!find(path, entry)) {
-    throw utils::Exception("Could not open the file '%s'", path.c_str());
+    throw utils::Exception("%s '%s'", utils::refusal::kCouldNotOpen, path.c_str());
   }
   if (isPlainDirectory(entry)) {
-    throw utils::Exception("The specyfied URI '%s' points to a directory ", path.c_str());
+    throw utils::Exception("The specyfied URI '%s' %s ", path.c_str(),
+                           utils::refusal::kIsDirectory);
   }
   if (!isBelowLimit(path)) {
-    throw utils::Exception("Could not open the file '%s'", path.c_str());
+    throw utils::Exception("%s '%s'", utils::refusal::kCouldNotOpen, path.c_str());
   }
   const auto size = static_cast<std::int32_t>(entry.size);
   utils::logDebug(kLog, "os::getFileSize", "Output size of Provider file: %d", size);

@@ -3,47 +3,46 @@
 #include <fstream>
 #include <utility>
 
-#include "cli/HostConnection.h"
 #include "cli/Password.h"
 #include "cli/Posix/PasswordPrompt.h"
-#include "cli/TextTable.h"
+#include "client/Fault.h"
+#include "client/HostConnection.h"
+#include "client/HostHttp.h"
+#include "client/Texts.h"
 
 namespace cli {
 namespace {
 
 constexpr const char* kDefaultNameSpace = "root/DCIM/zolan";
-constexpr const char* kTarget = "/cimom";
 
-bool isLoginReadable(const HostAddress& address) {
-  return !address.user.empty() && !address.isTls;
-}
-
-void demandSafeLogin(const HostAddress& address) {
-  if (isLoginReadable(address) && !address.isLoopback()) {
-    throw Fault("--host: over http anybody on the network could read the password of " +
-                    address.user + "; use https, or http to this machine itself (127.0.0.1)",
-                ExitStatus::Usage);
+void demandSafeLogin(const client::HostAddress& address) {
+  if (address.isLoginReadable() && !address.isLoopback()) {
+    throw client::Fault("--host: over http anybody on the network could read the password of " +
+                            address.user +
+                            "; use https, or http to this machine itself (127.0.0.1)",
+                        client::Fault::Kind::Usage);
   }
 }
 
 void demandReadable(const std::string& caFile) {
   if (!caFile.empty() && !std::ifstream(caFile).is_open()) {
-    throw Fault("--cacert: '" + caFile + "' cannot be read; check the path and its permissions",
-                ExitStatus::Usage);
+    throw client::Fault(
+        "--cacert: '" + caFile + "' cannot be read; check the path and its permissions",
+        client::Fault::Kind::Usage);
   }
 }
 
-std::string demandPassword(const HostAddress& address, const GlobalOptions& options) {
+std::string demandPassword(const client::HostAddress& address, const GlobalOptions& options) {
   if (std::optional<std::string> password = findPassword(options.passwordFile)) {
     return std::move(*password);
   }
-  std::optional<std::string> typed =
-      askPassword("Password of " + toPrintable(address.user) + " for " + address.url() + ": ");
+  std::optional<std::string> typed = askPassword(
+      "Password of " + client::toPrintable(address.user) + " for " + address.url() + ": ");
   if (!typed) {
-    throw Fault("there is no terminal to ask for the password of " + address.user +
-                    "; give it by --password-file, or by the environment variable "
-                    "QUORVEL_PASSWORD",
-                ExitStatus::Usage);
+    throw client::Fault("there is no terminal to ask for the password of " + address.user +
+                            "; give it by --password-file, or by the environment variable "
+                            "QUORVEL_PASSWORD",
+                        client::Fault::Kind::Usage);
   }
   return std::move(*typed);
 }
@@ -59,42 +58,25 @@ std::string commandFor(const GlobalOptions& options) {
   std::string command = "quorvel";
   for (const auto& [option, value] : given) {
     if (!value.empty()) {
-      command += option + quoteForShell(value);
+      command += option + client::quoteForShell(value);
     }
   }
   return command;
 }
 
-std::shared_ptr<http::Client> makeClient(const HostAddress& address, const GlobalOptions& options) {
-  http::ClientOptions clientOptions;
-  clientOptions.host = address.host;
-  clientOptions.port = address.port;
-  clientOptions.isTls = address.isTls;
-  clientOptions.caFile = options.caFile;
-  clientOptions.mustBeLoopback = isLoginReadable(address);
-  try {
-    return std::make_shared<http::Client>(std::move(clientOptions));
-  } catch (const http::ClientFault& fault) {
-    throw Fault(fault.what(), ExitStatus::Usage);
-  }
-}
-
 }  // namespace
 
-std::unique_ptr<Connection> openHost(const GlobalOptions& options) {
-  const HostAddress address = parseHostAddress(options.host);
+std::unique_ptr<client::Connection> openHost(const GlobalOptions& options) {
+  const client::HostAddress address = client::parseHostAddress(options.host);
   demandSafeLogin(address);
   demandReadable(options.caFile);
-  const std::shared_ptr<http::Client> client = makeClient(address, options);
+  client::HostConnection::Send send = client::openHttp(address, options.caFile);
   std::string password = address.user.empty() ? "" : demandPassword(address, options);
-  return std::make_unique<HostConnection>(
-      HostConnection::Options{address, std::move(password),
-                              options.nameSpace.empty() ? kDefaultNameSpace : options.nameSpace,
-                              commandFor(options)},
-      [client](const http::Client::Fields& fields, const std::string& body,
-               const http::SendOptions& sendOptions) {
-        return client->send("POST", kTarget, fields, body, sendOptions);
-      });
+  return std::make_unique<client::HostConnection>(
+      client::HostConnection::Options{
+          address, std::move(password),
+          options.nameSpace.empty() ? kDefaultNameSpace : options.nameSpace, commandFor(options)},
+      std::move(send));
 }
 
 }  // namespace cli

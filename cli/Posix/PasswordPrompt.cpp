@@ -10,7 +10,7 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include "cli/Context.h"
+#include "client/Fault.h"
 
 namespace cli {
 namespace {
@@ -89,8 +89,8 @@ class HiddenInput {
  public:
   explicit HiddenInput(const Terminal& terminal) : m_descriptor(terminal.descriptor()) {
     if (tcgetattr(m_descriptor, &m_previous) != 0) {
-      throw Fault(std::string("the terminal cannot be used for the password: ") +
-                  std::strerror(errno));
+      throw client::Fault(std::string("the terminal cannot be used for the password: ") +
+                          std::strerror(errno));
     }
     termios hidden = m_previous;
     hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO | ECHOE | ECHOK);
@@ -121,7 +121,7 @@ Attempt readLine(const Terminal& terminal, const HeldSignals& signals) {
     }
     char character = 0;
     if (read(terminal.descriptor(), &character, 1) != 1) {
-      throw Fault("no password was typed");
+      throw client::Fault("no password was typed");
     }
     if (character == '\n') {
       return attempt;
@@ -138,10 +138,10 @@ void awaitTerminal(const Terminal& terminal) {
     static_cast<void>(raise(SIGTTIN));
   }
   if (terminal.isTaken()) {
-    throw Fault(
+    throw client::Fault(
         "the password cannot be asked for in the background; run the command in the foreground, "
         "or give the password by --password-file, or by the environment variable QUORVEL_PASSWORD",
-        ExitStatus::Usage);
+        client::Fault::Kind::Usage);
   }
 }
 

@@ -60,7 +60,7 @@ class ConcreteJobFixture : public testing::Test {
     ASSERT_TRUE(waitUntil([this] { return deleteThread(); }));
   }
 
-  void change(int state) { m_job->setJobState(static_cast<ConcreteJobState>(state)); }
+  void change(int state) { m_job->setJobState(static_cast<cim::JobState>(state)); }
 
   LogCapture m_log;
   FakeConfig m_config;

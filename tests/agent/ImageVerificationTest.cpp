@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "agent/ImageVerification.h"
-#include "agent/InstallOptions.h"
 #include "agent/JobErrors.h"
+#include "cim/InstallOptions.h"
 #include "tests/agent/FakeMidApi.h"
 #include "tests/agent/FakeSystem.h"
 #include "tests/agent/FileCuttingSinks.h"
@@ -39,12 +39,12 @@ class ImageVerification : public testing::Test {
  protected:
   ~ImageVerification() override { agent::clearTargetInProgress(); }
 
-  agent::VerifiedImage check(const Options& options = {kUpdate}, const Values& values = {}) {
+  agent::VerifiedImage check(const Options& options = {cim::kUpdate}, const Values& values = {}) {
     return agent::checkAndVerifyImage(kAdapter, m_uri, options, values);
   }
 
   // Returns a check for matchers of what it throws.
-  auto checking(const Options& options = {kUpdate}, const Values& values = {}) {
+  auto checking(const Options& options = {cim::kUpdate}, const Values& values = {}) {
     return [this, options, values] { static_cast<void>(check(options, values)); };
   }
 
@@ -68,7 +68,8 @@ class ImageVerification : public testing::Test {
 TEST_F(ImageVerification, HandsTheFileToTheLibraryAndReturnsWhatThatPrepared) {
   m_midApi.prepared = test::bytesOf("smaller");
 
-  const agent::VerifiedImage image = check({kUpdate, kTargetTypes}, {"", "IMG_PXE+IMG_UEFI"});
+  const agent::VerifiedImage image =
+      check({cim::kUpdate, cim::kTargetTypes}, {"", "IMG_PXE+IMG_UEFI"});
 
   EXPECT_EQ(image.bytes, test::bytesOf("smaller"));
   EXPECT_THAT(image.targetTypes, ElementsAre(FirmwareType::Pxe, FirmwareType::Uefi));
@@ -167,7 +168,7 @@ TEST_F(ImageVerification, RefusalsOfTheLibraryStandWithForceAndConsent) {
        {ma::PrepareStatus::InvalidImage, ma::PrepareStatus::NotForAdapter,
         ma::PrepareStatus::NotUpdatable, ma::PrepareStatus::InternalFault}) {
     m_midApi.prepareStatus = status;
-    EXPECT_THROW(checking({kUpdate, kForceInstallation})(), utils::Exception)
+    EXPECT_THROW(checking({cim::kUpdate, cim::kForceInstallation})(), utils::Exception)
         << static_cast<int>(status);
   }
 }
@@ -197,14 +198,14 @@ TEST_F(ImageVerification, RefusesADowngradeUnlessForced) {
 TEST_F(ImageVerification, AcceptsAForcedDowngradeWithoutTheConfigurationsConsent) {
   m_midApi.prepareStatus = ma::PrepareStatus::Downgrade;
 
-  EXPECT_EQ(check({kUpdate, kForceInstallation}).bytes, test::bytesOf("firmware"));
+  EXPECT_EQ(check({cim::kUpdate, cim::kForceInstallation}).bytes, test::bytesOf("firmware"));
 }
 
 TEST_F(ImageVerification, RefusesOtherTypesWithoutTheConfigurationsConsent) {
   m_midApi.prepareStatus = ma::PrepareStatus::TypesDiffer;
 
   EXPECT_THAT(checking(), ThrowsExactly<EDowngradeDetected>(kOtherTypes));
-  EXPECT_THAT(checking({kForceInstallation, kUpdate}),
+  EXPECT_THAT(checking({cim::kForceInstallation, cim::kUpdate}),
               ThrowsExactly<EDowngradeDetected>(kOtherTypes));
   EXPECT_EQ(agent::getTargetInProgress(), "");
   EXPECT_THAT(m_log.messages(kCheck),
@@ -224,12 +225,12 @@ TEST_F(ImageVerification, AcceptsOtherTypesWithForceAndConsent) {
   m_midApi.prepareStatus = ma::PrepareStatus::TypesDiffer;
   m_config.isDowngradeEnabled = true;
 
-  EXPECT_EQ(check({kUpdate, kForceInstallation}).bytes, test::bytesOf("firmware"));
+  EXPECT_EQ(check({cim::kUpdate, cim::kForceInstallation}).bytes, test::bytesOf("firmware"));
   EXPECT_THAT(m_log.messages(kCheck), testing::Contains("DowngradeEnable: 1, ForceInstall: 1"));
 }
 
 TEST_F(ImageVerification, ClearsTheTargetWhenATypeIsUnknown) {
-  EXPECT_THAT(checking({kTargetTypes}, {"IMG_OTHER"}),
+  EXPECT_THAT(checking({cim::kTargetTypes}, {"IMG_OTHER"}),
               ThrowsExactly<utils::EInvalidParameter>(HasSubstr("IMG_OTHER is not recognized")));
   EXPECT_EQ(agent::getTargetInProgress(), "");
 }
@@ -245,45 +246,47 @@ class GetTargetTypes : public testing::Test {
 };
 
 TEST_F(GetTargetTypes, KeepsTheOrderOfTheNames) {
-  EXPECT_THAT(agent::getTargetTypes({kTargetTypes}, {"IMG_PXE+IMG_iSCSI"}),
+  EXPECT_THAT(agent::getTargetTypes({cim::kTargetTypes}, {"IMG_PXE+IMG_iSCSI"}),
               ElementsAre(FirmwareType::Pxe, FirmwareType::Iscsi));
 }
 
 TEST_F(GetTargetTypes, KnowsEveryName) {
   EXPECT_THAT(
-      agent::getTargetTypes({kTargetTypes}, {"IMG_FCoE+IMG_UEFI+IMG_PXE+IMG_iSCSI+IMG_CLP"}),
+      agent::getTargetTypes({cim::kTargetTypes}, {"IMG_FCoE+IMG_UEFI+IMG_PXE+IMG_iSCSI+IMG_CLP"}),
       ElementsAre(FirmwareType::Fcoe, FirmwareType::Uefi, FirmwareType::Pxe, FirmwareType::Iscsi,
                   FirmwareType::Clp));
 }
 
 TEST_F(GetTargetTypes, KeepsRepetitions) {
-  EXPECT_THAT(agent::getTargetTypes({kTargetTypes}, {"IMG_PXE+IMG_PXE"}),
+  EXPECT_THAT(agent::getTargetTypes({cim::kTargetTypes}, {"IMG_PXE+IMG_PXE"}),
               ElementsAre(FirmwareType::Pxe, FirmwareType::Pxe));
 }
 
 TEST_F(GetTargetTypes, TrimsBlanksAndTabs) {
-  EXPECT_THAT(agent::getTargetTypes({kTargetTypes}, {" \tIMG_PXE\t + IMG_CLP "}),
+  EXPECT_THAT(agent::getTargetTypes({cim::kTargetTypes}, {" \tIMG_PXE\t + IMG_CLP "}),
               ElementsAre(FirmwareType::Pxe, FirmwareType::Clp));
 }
 
 TEST_F(GetTargetTypes, TakesAnEmptyNameForTypeZero) {
-  EXPECT_THAT(agent::getTargetTypes({kTargetTypes}, {"+IMG_PXE"}),
+  EXPECT_THAT(agent::getTargetTypes({cim::kTargetTypes}, {"+IMG_PXE"}),
               ElementsAre(FirmwareType::None, FirmwareType::Pxe));
-  EXPECT_THAT(agent::getTargetTypes({kTargetTypes}, {"IMG_PXE+ "}),
+  EXPECT_THAT(agent::getTargetTypes({cim::kTargetTypes}, {"IMG_PXE+ "}),
               ElementsAre(FirmwareType::Pxe, FirmwareType::None));
-  EXPECT_THAT(agent::getTargetTypes({kTargetTypes}, {"+"}),
+  EXPECT_THAT(agent::getTargetTypes({cim::kTargetTypes}, {"+"}),
               ElementsAre(FirmwareType::None, FirmwareType::None));
 }
 
 TEST_F(GetTargetTypes, QuotesNothing) {
   const auto quoted = [] {
-    static_cast<void>(agent::getTargetTypes({kTargetTypes}, {"\"IMG_PXE+IMG_CLP\""}));
+    static_cast<void>(agent::getTargetTypes({cim::kTargetTypes}, {"\"IMG_PXE+IMG_CLP\""}));
   };
   EXPECT_THAT(quoted, ThrowsExactly<utils::EInvalidParameter>(HasSubstr(". \"IMG_PXE is not")));
 }
 
 TEST_F(GetTargetTypes, RefusesANameInOtherCase) {
-  const auto call = [] { static_cast<void>(agent::getTargetTypes({kTargetTypes}, {"img_pxe"})); };
+  const auto call = [] {
+    static_cast<void>(agent::getTargetTypes({cim::kTargetTypes}, {"img_pxe"}));
+  };
 
   EXPECT_THAT(call, ThrowsExactly<utils::EInvalidParameter>(
                         "Quorvel: EInvalidParameter:Invalid parameter detected for TargetTypes. "
@@ -291,25 +294,26 @@ TEST_F(GetTargetTypes, RefusesANameInOtherCase) {
 }
 
 TEST_F(GetTargetTypes, GoesThroughEveryPositionOfTheOption) {
-  EXPECT_THAT(
-      agent::getTargetTypes({kTargetTypes, kUpdate, kTargetTypes}, {"IMG_UEFI", "x", "IMG_CLP"}),
-      ElementsAre(FirmwareType::Uefi, FirmwareType::Clp));
+  EXPECT_THAT(agent::getTargetTypes({cim::kTargetTypes, cim::kUpdate, cim::kTargetTypes},
+                                    {"IMG_UEFI", "x", "IMG_CLP"}),
+              ElementsAre(FirmwareType::Uefi, FirmwareType::Clp));
 }
 
 TEST_F(GetTargetTypes, DropsWhatItFoundWhenALaterPositionHasNoValue) {
-  EXPECT_THAT(agent::getTargetTypes({kTargetTypes, kTargetTypes}, {"IMG_UEFI"}), IsEmpty());
+  EXPECT_THAT(agent::getTargetTypes({cim::kTargetTypes, cim::kTargetTypes}, {"IMG_UEFI"}),
+              IsEmpty());
   EXPECT_THAT(messages(), testing::Contains("No TargetTypes detected in values"));
 }
 
 TEST_F(GetTargetTypes, LogsThatThereIsNoOption) {
-  EXPECT_THAT(agent::getTargetTypes({kUpdate}, {"IMG_PXE"}), IsEmpty());
+  EXPECT_THAT(agent::getTargetTypes({cim::kUpdate}, {"IMG_PXE"}), IsEmpty());
 
   EXPECT_THAT(messages(), ElementsAre("InstallOptions Size: 1", "InstallOptionsValues Size: 1",
                                       "No TargetTypes defined"));
 }
 
 TEST_F(GetTargetTypes, LogsThatThereIsNoValue) {
-  EXPECT_THAT(agent::getTargetTypes({kUpdate, kTargetTypes}, {"IMG_PXE"}), IsEmpty());
+  EXPECT_THAT(agent::getTargetTypes({cim::kUpdate, cim::kTargetTypes}, {"IMG_PXE"}), IsEmpty());
 
   EXPECT_THAT(messages(), ElementsAre("InstallOptions Size: 2", "InstallOptionsValues Size: 1",
                                       "InstallOptions contains TargetTypes on 1 position",
@@ -317,7 +321,8 @@ TEST_F(GetTargetTypes, LogsThatThereIsNoValue) {
 }
 
 TEST_F(GetTargetTypes, LogsThatAValueIsEmpty) {
-  EXPECT_THAT(agent::getTargetTypes({kTargetTypes, kTargetTypes}, {"", "IMG_PXE"}), IsEmpty());
+  EXPECT_THAT(agent::getTargetTypes({cim::kTargetTypes, cim::kTargetTypes}, {"", "IMG_PXE"}),
+              IsEmpty());
 
   EXPECT_THAT(messages(), ElementsAre("InstallOptions Size: 2", "InstallOptionsValues Size: 2",
                                       "InstallOptions contains TargetTypes on 0 position",
@@ -326,7 +331,7 @@ TEST_F(GetTargetTypes, LogsThatAValueIsEmpty) {
 }
 
 TEST_F(GetTargetTypes, LogsHowEachNameIsFound) {
-  static_cast<void>(agent::getTargetTypes({kTargetTypes}, {" IMG_iSCSI"}));
+  static_cast<void>(agent::getTargetTypes({cim::kTargetTypes}, {" IMG_iSCSI"}));
 
   EXPECT_THAT(m_log.records(),
               testing::Each(test::IsRecordOf(kSource, LogLevel::Debug,

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "agent/InstallOptions.h"
 #include "agent/InstallSteps.h"
 #include "agent/Orvex_SoftwareInstallationService.h"
+#include "cim/InstallOptions.h"
 #include "tests/agent/FakeJobFactory.h"
 #include "tests/agent/FakeSiblings.h"
 #include "tests/agent/JobAnswers.h"
@@ -57,7 +57,7 @@ class UpdateTarget : public testing::Test {
   std::optional<test::FakeJobFactory> m_factory{std::in_place};
   Orvex_SoftwareInstallationService m_created;  // stands for a job
   core::CimInstance* m_job = nullptr;
-  agent::Update m_update{"file:///image.rom", "", {kUpdate}, {"IMG_PXE"}};
+  agent::Update m_update{"file:///image.rom", "", {cim::kUpdate}, {"IMG_PXE"}};
 };
 
 TEST_F(UpdateTarget, AsksForAJobForThePort) {
@@ -73,7 +73,7 @@ TEST_F(UpdateTarget, AsksForAJobForThePort) {
   const test::FakeJobFactory::Request& request = m_factory->requests[0];
   EXPECT_EQ(request.target, "0000:03:00.1");
   EXPECT_EQ(request.uri, "file:///image.rom");
-  EXPECT_THAT(request.installOptions, ElementsAre(kUpdate));
+  EXPECT_THAT(request.installOptions, ElementsAre(cim::kUpdate));
   EXPECT_THAT(request.installOptionsValues, ElementsAre("IMG_PXE"));
   EXPECT_TRUE(request.create);
   EXPECT_THAT(messages(), ElementsAre("Creation of new job returns: 0"));

@@ -82,7 +82,7 @@ class JobThreadTest : public testing::Test {
     return -1;
   }
 
-  void expectEnd(ConcreteJobState state, std::uint16_t code, const std::string& text) {
+  void expectEnd(cim::JobState state, std::uint16_t code, const std::string& text) {
     EXPECT_EQ(m_job->getJobState(), state);
     EXPECT_TRUE(m_job->isFinished());
     EXPECT_EQ(m_job->ErrorCode.getValue(), code);
@@ -110,7 +110,7 @@ TEST_F(JobThreadTest, WritesTheImageAndTheCapabilityWord) {
 
   EXPECT_THAT(m_midApi.calls(), ElementsAre("writeFlashImage 0000:03:00.0 'image'",
                                             "updateCapabilityWord 0000:03:00.0 [2 3]"));
-  expectEnd(ConcreteJobState::Completed, 0, "");
+  expectEnd(cim::JobState::Completed, 0, "");
 }
 
 TEST_F(JobThreadTest, LogsItsLife) {
@@ -169,7 +169,7 @@ TEST_F(JobThreadTest, FailedWriteSkipsTheCapabilityWord) {
 
   EXPECT_THAT(m_midApi.calls(), ElementsAre("writeFlashImage 0000:03:00.0 'image'"));
   EXPECT_EQ(placeOf("Updating CapabilityWord"), -1);
-  expectEnd(ConcreteJobState::Exception, 17, "no flash there");
+  expectEnd(cim::JobState::Exception, 17, "no flash there");
 }
 
 TEST_F(JobThreadTest, FailedCapabilityWordFailsTheJob) {
@@ -178,7 +178,7 @@ TEST_F(JobThreadTest, FailedCapabilityWordFailsTheJob) {
 
   run({FirmwareType::Iscsi});
 
-  expectEnd(ConcreteJobState::Exception, 18, "no word");
+  expectEnd(cim::JobState::Exception, 18, "no word");
 }
 
 TEST_F(JobThreadTest, ReportsTheCodeAndTextOfASuccess) {
@@ -187,7 +187,7 @@ TEST_F(JobThreadTest, ReportsTheCodeAndTextOfASuccess) {
 
   run({FirmwareType::Iscsi});
 
-  expectEnd(ConcreteJobState::Completed, 5, "a warning of the word");
+  expectEnd(cim::JobState::Completed, 5, "a warning of the word");
 }
 
 TEST_F(JobThreadTest, TimesOutWhenAnotherProgramHoldsTheFlashLock) {
@@ -201,7 +201,7 @@ TEST_F(JobThreadTest, TimesOutWhenAnotherProgramHoldsTheFlashLock) {
               Contains(IsRecordOf("Exception", LogLevel::Error, "utils::Exception::Exception",
                                   "Locking access to the Fennelbrook returns 3")));
   EXPECT_GE(placeOf("Access to the FK is disabled at this moment."), 0);
-  expectEnd(ConcreteJobState::Exception, 4, "Timeout Error");
+  expectEnd(cim::JobState::Exception, 4, "Timeout Error");
 }
 
 TEST_F(JobThreadTest, CallsEveryExceptionATimeout) {
@@ -210,7 +210,7 @@ TEST_F(JobThreadTest, CallsEveryExceptionATimeout) {
   run({FirmwareType::Iscsi});
 
   EXPECT_GE(placeOf("Access to the FK is disabled at this moment."), 0);
-  expectEnd(ConcreteJobState::Exception, 4, "Timeout Error");
+  expectEnd(cim::JobState::Exception, 4, "Timeout Error");
 }
 
 TEST_F(JobThreadTest, CallsWhatIsNoExceptionATimeoutToo) {
@@ -218,7 +218,7 @@ TEST_F(JobThreadTest, CallsWhatIsNoExceptionATimeoutToo) {
 
   run({FirmwareType::Iscsi});
 
-  expectEnd(ConcreteJobState::Exception, 4, "Timeout Error");
+  expectEnd(cim::JobState::Exception, 4, "Timeout Error");
 }
 
 TEST_F(JobThreadTest, RunsWithoutALockerIntoATimeout) {
@@ -227,7 +227,7 @@ TEST_F(JobThreadTest, RunsWithoutALockerIntoATimeout) {
   start({FirmwareType::Iscsi});
   finish();
 
-  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::Exception);
+  EXPECT_EQ(m_job->getJobState(), cim::JobState::Exception);
   EXPECT_EQ(m_job->ErrorDescription.getValue(), "Timeout Error");
   EXPECT_THAT(m_midApi.calls(), testing::IsEmpty());
 }
@@ -265,7 +265,7 @@ TEST_F(JobThreadBootTypes, AreClearedOnAllPortsOfTheAdapterAndNoOther) {
                   "getPCIAddress 0000:13:00.0", "writeFlashImage 0000:03:00.0 'image'",
                   "updateCapabilityWord 0000:03:00.0 [3]"));
   EXPECT_GE(placeOf("MidApi returns 2 firmwares"), 0);
-  expectEnd(ConcreteJobState::Completed, 0, "");
+  expectEnd(cim::JobState::Completed, 0, "");
 }
 
 TEST_F(JobThreadBootTypes, AreClearedForAJobWithoutTypes) {
@@ -281,7 +281,7 @@ TEST_F(JobThreadBootTypes, MayFailToBeCleared) {
   run({FirmwareType::Pxe});
 
   EXPECT_EQ(bootTypeCalls().size(), 2u);
-  expectEnd(ConcreteJobState::Completed, 0, "");
+  expectEnd(cim::JobState::Completed, 0, "");
 }
 
 TEST_F(JobThreadBootTypes, StayWhenTheAdapterHasNoIscsi) {
@@ -367,9 +367,9 @@ TEST_F(JobThreadTest, ThatEndsInTimeEndsItsJobsDestruction) {
 
 class WaitForFlag : public testing::Test {
  protected:
-  int wait(int budget) { return waitForFlag(m_flag, budget, m_clock); }
+  int wait(int budget) { return agent::waitForFlag(m_flag, budget, m_clock); }
 
-  LockedFlag m_flag;
+  agent::LockedFlag m_flag;
   test::FakeClock m_clock;
 };
 

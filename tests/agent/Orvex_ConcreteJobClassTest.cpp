@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "agent/InstallOptions.h"
 #include "agent/Orvex_ConcreteJob.h"
 #include "agent/Orvex_ConcreteJobClass.h"
+#include "cim/InstallOptions.h"
 #include "tests/agent/FakeMidApi.h"
 #include "tests/agent/FakeSystem.h"
 #include "tests/agent/FileCuttingSinks.h"
@@ -81,7 +81,7 @@ class ConcreteJobClass : public testing::Test {
   test::TempDirectory m_directory;
   std::unique_ptr<Orvex_ConcreteJobClass> m_provider;
   std::string m_uri = "file://" + m_directory.write("image.rom", std::string("rom")).string();
-  std::vector<std::uint16_t> m_options{kUpdate};
+  std::vector<std::uint16_t> m_options{cim::kUpdate};
   core::CimInstance* m_job = nullptr;
 
  private:
@@ -108,7 +108,7 @@ TEST_F(ConcreteJobClass, CreatesAndStartsAJob) {
   EXPECT_THAT(enumerate(), ElementsAre(job));
   EXPECT_EQ(job->InstanceID.getValue(), "Orvex:FirmwareUpdate@Job#1");
   EXPECT_EQ(job->Caption.getValue(), "Firmware Update Job 1");
-  EXPECT_EQ(job->getJobState(), ConcreteJobState::Running);
+  EXPECT_EQ(job->getJobState(), cim::JobState::Running);
   EXPECT_EQ(job->getTarget(), kAdapter);
   EXPECT_THAT(m_log.records(),
               HasRecordOf(kSource, LogLevel::Debug, "Orvex_ConcreteJobClass::createNewJob",
@@ -216,7 +216,7 @@ TEST_F(ConcreteJobClass, AnswersAFileThatCannotBeReadWholeByItsNumber) {
 }
 
 TEST_F(ConcreteJobClass, AnswersAnUnknownTypeAsAnInvalidParameter) {
-  EXPECT_EQ(m_provider->verifyOrCreateNewJob(kAdapter, m_uri, {kUpdate, kTargetTypes},
+  EXPECT_EQ(m_provider->verifyOrCreateNewJob(kAdapter, m_uri, {cim::kUpdate, cim::kTargetTypes},
                                              {"", "img_pxe"}, m_job, true),
             1);
 }

@@ -34,7 +34,7 @@ constexpr const char* kControl = "Orvex_ConcreteJob::threadControl";
 constexpr const char* kRequest = "Orvex_ConcreteJob::requestStateChange";
 
 TEST_F(ConcreteJob, IsNewWhenItIsMade) {
-  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::New);
+  EXPECT_EQ(m_job->getJobState(), cim::JobState::New);
   EXPECT_FALSE(m_job->isFinished());
   EXPECT_EQ(m_job->getPercentComplete(), 0);
   EXPECT_EQ(m_job->getInstanceId(), "FirmwareUpdate@Job#7");
@@ -157,10 +157,10 @@ TEST_F(ConcreteJob, MeasuresItsTimeWhenItIsCompletedOnly) {
 TEST_F(ConcreteJob, StartsWhenItIsAskedTo) {
   startAndHold();
 
-  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::Running);
+  EXPECT_EQ(m_job->getJobState(), cim::JobState::Running);
   EXPECT_THAT(m_log.messages(kRequest), ElementsAre("New request 2", "starting job"));
   finish();
-  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::Completed);
+  EXPECT_EQ(m_job->getJobState(), cim::JobState::Completed);
 }
 
 TEST_F(ConcreteJob, RefusesOtherRequests) {
@@ -172,17 +172,17 @@ TEST_F(ConcreteJob, RefusesOtherRequests) {
                                        "New request " + std::to_string(state)),
                             IsRecordOf(kSource, LogLevel::Error, kRequest,
                                        "Not supported new state " + std::to_string(state))));
-    EXPECT_EQ(m_job->getJobState(), ConcreteJobState::New);
+    EXPECT_EQ(m_job->getJobState(), cim::JobState::New);
   }
 }
 
 TEST_F(ConcreteJob, StartsOnce) {
   startAndHold();
   EXPECT_EQ(request(2), 4097u);
-  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::Running);
+  EXPECT_EQ(m_job->getJobState(), cim::JobState::Running);
   finish();
   EXPECT_EQ(request(2), 4097u);
-  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::Completed);
+  EXPECT_EQ(m_job->getJobState(), cim::JobState::Completed);
   EXPECT_THAT(m_log.records(), HasRecordOf(kSource, LogLevel::Error, kRequest,
                                            "Cannot start job that is not in 'NEW' state"));
 }
@@ -190,7 +190,7 @@ TEST_F(ConcreteJob, StartsOnce) {
 TEST_F(ConcreteJob, DoesNotStartFromStarting) {
   change(3);
   EXPECT_EQ(request(2), 4097u);
-  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::Starting);
+  EXPECT_EQ(m_job->getJobState(), cim::JobState::Starting);
 }
 
 TEST_F(ConcreteJob, FailsWhenItsThreadDoesNotStart) {
@@ -201,7 +201,7 @@ TEST_F(ConcreteJob, FailsWhenItsThreadDoesNotStart) {
     const test::NoMoreThreads noMoreThreads;
     EXPECT_EQ(request(2), 4u);
   }
-  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::Exception);
+  EXPECT_EQ(m_job->getJobState(), cim::JobState::Exception);
   EXPECT_EQ(agent::getTargetInProgress(), "");
   m_job->setPropertyValues();
   EXPECT_EQ(m_job->ErrorCode.getValue(), 9);
@@ -230,7 +230,7 @@ TEST_F(ConcreteJob, WaitsForItsThread) {
   EXPECT_FALSE(m_job->threadControl(2, 30));
   m_midApi.releaseWrites();
   EXPECT_TRUE(m_job->threadControl(2, 30'000));
-  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::Completed);
+  EXPECT_EQ(m_job->getJobState(), cim::JobState::Completed);
 }
 
 TEST_F(ConcreteJob, CountsATimeoutThatIsUsedUpExactlyAsWaited) {
@@ -238,7 +238,7 @@ TEST_F(ConcreteJob, CountsATimeoutThatIsUsedUpExactlyAsWaited) {
   startAndHold();
   EXPECT_TRUE(m_job->threadControl(2, 50));
   EXPECT_THAT(m_clock.sleeps(), Contains(Pair(milliseconds(50), 1)));
-  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::Running);
+  EXPECT_EQ(m_job->getJobState(), cim::JobState::Running);
 }
 
 TEST_F(ConcreteJob, DeletesItsThreadWhenThatIsDone) {

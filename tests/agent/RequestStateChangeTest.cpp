@@ -32,7 +32,7 @@ TEST_F(RequestStateChange, StartsANewJob) {
 
   EXPECT_EQ(invoke(), Orvex_ConcreteJob::kStateChanged);
   EXPECT_TRUE(m_midApi.awaitHeldWrite());
-  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::Running);
+  EXPECT_EQ(m_job->getJobState(), cim::JobState::Running);
   finish();
 }
 
@@ -58,7 +58,7 @@ TEST_F(RequestStateChange, RefusesOtherStates) {
   m_in.add(&m_requestedState);
 
   EXPECT_EQ(invoke(), Orvex_ConcreteJob::kStateChangeInvalid);
-  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::New);
+  EXPECT_EQ(m_job->getJobState(), cim::JobState::New);
 }
 
 TEST_F(RequestStateChange, ReportsAThreadThatDoesNotStart) {
@@ -74,7 +74,7 @@ TEST_F(RequestStateChange, NeedsTheState) {
   EXPECT_EQ(invoke(), Orvex_ConcreteJob::kStateChangeInvalid);
   m_in.add(&m_requestedState);  // NULL
   EXPECT_EQ(invoke(), Orvex_ConcreteJob::kStateChangeInvalid);
-  EXPECT_EQ(m_job->getJobState(), ConcreteJobState::New);
+  EXPECT_EQ(m_job->getJobState(), cim::JobState::New);
 }
 
 TEST_F(RequestStateChange, TakesAnArgumentOfAnotherTypeForMissing) {

@@ -208,4 +208,18 @@ TEST(MethodSignatures, AreFoundByTheNamesOfTheInstallationMethods) {
   EXPECT_EQ(cim::findMethod("RequestStateChange"), nullptr);
 }
 
+TEST(MethodReturn, HasTheMeaningOfItsMethod) {
+  EXPECT_EQ(cim::describeReturn("InstallFromURI", 4097), "Unsupported TargetType");
+  EXPECT_EQ(cim::describeReturn("RequestStateChange", 4097), "Invalid State Transition");
+  EXPECT_EQ(cim::describeReturn("InstallFromSoftwareIdentity", 0), "Job Completed with No Error");
+  EXPECT_EQ(cim::describeReturn("CheckSoftwareIdentity", 0), "Completed with No Error");
+  EXPECT_EQ(cim::describeReturn("CheckSoftwareIdentity", 5), "Invalid Parameter");
+  EXPECT_EQ(cim::describeReturn("requeststatechange", 6), "In Use");
+}
+
+TEST(MethodReturn, HasNoMeaningThatNobodyKnows) {
+  EXPECT_EQ(cim::describeReturn("InstallFromURI", 77), "Unknown return code");
+  EXPECT_EQ(cim::describeReturn("Dance", 0), "");
+}
+
 }  // namespace

@@ -1,4 +1,5 @@
 #include <fstream>
+#include <nlohmann/json.hpp>
 
 #include "tests/cli/QuorvelTest.h"
 #include "tests/support/Regex.h"

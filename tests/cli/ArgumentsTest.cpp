@@ -2,6 +2,7 @@
 
 #include "cli/Arguments.h"
 #include "cli/Context.h"
+#include "client/Fault.h"
 #include "core/CimPropertyRef.h"
 #include "core/CimPropertyTypes.h"
 
@@ -26,8 +27,8 @@ template <class Call>
 std::string usageFaultOf(Call call) {
   try {
     call();
-  } catch (const cli::Fault& fault) {
-    EXPECT_EQ(fault.status(), cli::ExitStatus::Usage);
+  } catch (const client::Fault& fault) {
+    EXPECT_EQ(fault.kind(), client::Fault::Kind::Usage);
     return fault.what();
   }
   return "";

@@ -1,3 +1,5 @@
+#include <nlohmann/json.hpp>
+
 #include "tests/cli/FirmwareDirectoryTest.h"
 #include "tests/support/Regex.h"
 
@@ -38,7 +40,7 @@ TEST_F(CheckCommandTest, SaysWhatAnInstallationTakes) {
   EXPECT_EQ(result.errors, "");
   EXPECT_EQ(runJson(check("0000:03:00.1", file)),
             Json({{"returnValue", 0},
-                  {"returnText", "Job Completed with No Error"},
+                  {"returnText", "Completed with No Error"},
                   {"installCharacteristics", Json::array({7})}}));
   EXPECT_EQ(flash(), before);
 }

@@ -1,4 +1,5 @@
 #include <fstream>
+#include <nlohmann/json.hpp>
 
 #include "tests/cli/FirmwareDirectoryTest.h"
 #include "tests/support/Regex.h"

@@ -1,3 +1,5 @@
+#include <nlohmann/json.hpp>
+
 #include "tests/cli/QuorvelTest.h"
 
 namespace {
@@ -51,9 +53,17 @@ TEST_F(InstancesCommandTest, SaysWhenThereIsNoInstance) {
   EXPECT_THAT(runJson({"instances", "Orvex_ConcreteJob"}), IsEmpty());
 }
 
+TEST_F(InstancesCommandTest, TakesAnyCaseAndAClassAboveThoseThatAreServed) {
+  addPxeAdapter("0000:03:00", 2);
+  const Json ports = runJson({"instances", "Orvex_EthernetPort"});
+  EXPECT_EQ(runJson({"instances", "orvex_ethernetport"}), ports);
+  EXPECT_EQ(runJson({"instances", "CIM_ConcreteJob"}), Json::array());
+  EXPECT_EQ(runJson({"instances", "CIM_LogicalDevice"}).size(), 3U);
+}
+
 TEST_F(InstancesCommandTest, ListsTheClassesWhenNobodyServesOne) {
-  expectFailure({"instances", "orvex_ethernetport"},
-                AllOf(HasSubstr("no class 'orvex_ethernetport' is served here"),
+  expectFailure({"instances", "Orvex_EthernetHub"},
+                AllOf(HasSubstr("no class 'Orvex_EthernetHub' is served here"),
                       HasSubstr("\n  Orvex_ConcreteJob\n"), HasSubstr("\n  Orvex_EthernetPort\n"),
                       HasSubstr("\n  Orvex_SoftwareInstallationService\n")));
   expectFailure({"instances", "Nope", "--json"}, HasSubstr("no class 'Nope'"));

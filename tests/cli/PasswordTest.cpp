@@ -2,6 +2,7 @@
 
 #include "cli/Context.h"
 #include "cli/Password.h"
+#include "client/Fault.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/Variables.h"
 
@@ -18,8 +19,8 @@ class PasswordTest : public testing::Test {
   static std::string refusalOf(const std::string& file) {
     try {
       return "found " + cli::findPassword(file).value_or("none");
-    } catch (const cli::Fault& fault) {
-      EXPECT_EQ(fault.status(), cli::ExitStatus::Usage);
+    } catch (const client::Fault& fault) {
+      EXPECT_EQ(fault.kind(), client::Fault::Kind::Usage);
       return fault.what();
     }
   }

@@ -1,5 +1,7 @@
 #include "tests/cli/QuorvelTest.h"
 
+#include <nlohmann/json.hpp>
+
 namespace test {
 
 RomImage QuorvelTest::pxe(std::uint8_t majorRevision) {

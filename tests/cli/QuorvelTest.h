@@ -5,7 +5,7 @@
 
 #include <filesystem>
 #include <gmock/gmock.h>
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
 

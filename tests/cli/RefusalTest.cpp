@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 #include <sstream>
 
-#include "cli/BrokerConnection.h"
 #include "cli/Refusal.h"
+#include "client/BrokerConnection.h"
 #include "tests/support/Programs.h"
 #include "tests/support/TempDirectory.h"
 
@@ -16,9 +16,9 @@ constexpr const char* kTypesDiffer =
     "EDowngradeDetected:The selected flash image cannot be used because it does not contain the "
     "same image types. Please select a flash file with matching image types.";
 
-const cli::Connection& here() {
+const client::Connection& here() {
   static core::CimBroker broker;
-  static const cli::BrokerConnection connection(broker);
+  static const client::BrokerConnection connection(broker);
   return connection;
 }
 
@@ -87,7 +87,7 @@ TEST(RefusalAdvice, NamesTargetsWhenTheTargetIsNone) {
 }
 
 TEST(RefusalAdvice, OnAnIdentityNamesItsFile) {
-  cli::Identity identity;
+  client::Identity identity;
   identity.isFile = true;
   identity.name = test::programBeside("quorvel_cli_test").string();
   identity.types = {"IMG_PXE", "IMG_UEFI"};
@@ -107,7 +107,7 @@ class RefusalReportTest : public testing::Test {
     std::ostringstream err;
     cli::Context context{out, err, {}, {}};
     context.options.logLevel = logLevel;
-    cli::MethodAnswer answer;
+    client::MethodAnswer answer;
     answer.returnValue = 2;
     answer.returnText = "Unspecified Error";
     answer.reason = reason;
@@ -132,7 +132,7 @@ TEST_F(RefusalReportTest, LeavesOutWhatIsNotKnown) {
 }
 
 TEST_F(RefusalReportTest, TellsWhyAnIdentityIsNoneToInstall) {
-  cli::Identity identity;
+  client::Identity identity;
   identity.instanceId = "Orvex:InstalledFirmware:0000:03:00/0";
   identity.types = {"IMG_PXE"};
   const std::string begin = "quorvel: update of it refused: 2, Unspecified Error\n  reason: ";
@@ -150,7 +150,7 @@ TEST_F(RefusalReportTest, TellsWhyAnIdentityIsNoneToInstall) {
 }
 
 TEST(FailureAdvice, TellsALockFromTheRest) {
-  cli::JobReport job;
+  client::JobReport job;
   job.errorText = "Timeout Error";
   EXPECT_THAT(cli::adviseOnFailure(job, here()),
               AllOf(HasSubstr("another program"), HasSubstr("Timeout")));

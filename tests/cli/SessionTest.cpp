@@ -1,3 +1,5 @@
+#include <nlohmann/json.hpp>
+
 #include "tests/cli/QuorvelTest.h"
 #include "tests/support/Regex.h"
 #include "tests/support/Settings.h"

@@ -11,12 +11,6 @@ std::string printed(const cli::TextTable& table) {
   return out.str();
 }
 
-TEST(JoinedTexts, HaveTheSeparatorBetweenThem) {
-  EXPECT_EQ(cli::join({"a", "", "b"}, ", "), "a, , b");
-  EXPECT_EQ(cli::join({"a"}, ", "), "a");
-  EXPECT_EQ(cli::join({}, ", "), "");
-}
-
 TEST(TextTable, GivesColumnsTheWidthOfTheirLongestCell) {
   cli::TextTable table({"PORT", "NAME"});
   table.addRow({"0000:03:00.0", "a"});
@@ -44,20 +38,6 @@ TEST(TextTable, EscapesControlCharactersInCells) {
   cli::TextTable table({"NAME"});
   table.addRow({"a\tb\x1b\x7f\r\n"});
   EXPECT_EQ(printed(table), "NAME\na\\tb\\x1b\\x7f\\r\\n\n");
-}
-
-TEST(PrintableText, HasNoControlCharactersOfMoreBytes) {
-  EXPECT_EQ(cli::toPrintable("a\xc2\x9b"
-                             "31m\xc2\x80\xc2\xa0\xc3\x9b\xc2"),
-            "a\\xc2\\x9b"
-            "31m\\xc2\\x80\xc2\xa0\xc3\x9b\xc2");
-}
-
-TEST(ShellWord, IsQuotedWhereItNeedsThat) {
-  EXPECT_EQ(cli::quoteForShell("http://a%20b@lab:5988"), "http://a%20b@lab:5988");
-  EXPECT_EQ(cli::quoteForShell(""), "''");
-  EXPECT_EQ(cli::quoteForShell("Job#1"), "'Job#1'");
-  EXPECT_EQ(cli::quoteForShell("a'b $c"), "'a'\\''b $c'");
 }
 
 }  // namespace

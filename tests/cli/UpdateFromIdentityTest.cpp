@@ -1,5 +1,7 @@
 // `quorvel update --identity`; what it shares with an update from a file is in UpdateCommandTest.
 
+#include <nlohmann/json.hpp>
+
 #include "tests/cli/FirmwareDirectoryTest.h"
 
 namespace {

@@ -13,7 +13,7 @@ namespace {
 // Returns a text as it is, anything else as the command line prints it.
 std::string valueOf(const core::CimProperty& property) {
   const auto* text = dynamic_cast<const core::CimPropertyString*>(&property);
-  return text != nullptr ? text->getValue() : cli::toText(property);
+  return text != nullptr ? text->getValue() : cli::toText(client::snapshotOf(property));
 }
 
 InstanceReport report(core::CimInstance& instance) {

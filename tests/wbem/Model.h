@@ -19,7 +19,7 @@
 #include "core/CimKeys.h"
 #include "core/CimPropertyTypes.h"
 #include "core/DeclareClass.h"
-#include "tests/cli/FakeAgent.h"
+#include "tests/client/FakeAgent.h"
 
 namespace test {
 

@@ -2,6 +2,7 @@
 
 #include <csignal>
 #include <fstream>
+#include <nlohmann/json.hpp>
 
 #include "tests/cli/Posix/HostTest.h"
 #include "tests/support/Regex.h"
@@ -43,6 +44,11 @@ TEST_F(HostCommandsTest, ShowInstancesAsInProcess) {
     expectSame({"instances", className, "--all"});
     expectSame({"instances", className, "--json", "--all"});
   }
+  // Classes above those that are served, and a name in another case.
+  for (const char* className : {"CIM_LogicalDevice", "CIM_ManagedElement", "CIM_ConcreteJob",
+                                "orvex_ethernetport", "cim_dependency"}) {
+    expectSame({"instances", className, "--json", "--all"});
+  }
   expectSame({"instances", "Nothing"}, 1);
 }
 
@@ -55,6 +61,9 @@ TEST_F(HostCommandsTest, ShowAssociationsAsInProcess) {
     expectSame({"associations", pathOf(className), "--json"});
   }
   expectSame({"associations", "Orvex_PortController.DeviceID=\"none\""}, 1);
+  expectSame(
+      {"associations", "orvex_registeredprofile.instanceid=\"Orvex:SoftwareUpdate_Profile\""});
+  expectSame({"associations", "orvex_registeredprofile.instanceid=\"none\""}, 1);
   expectSame({"associations", "Nothing.Id=\"1\""}, 1);
   expectSame({"associations", "rubbish"}, 2);
 }

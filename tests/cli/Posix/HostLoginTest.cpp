@@ -1,5 +1,7 @@
 // Who may use a host, and what is said where nobody can.
 
+#include <nlohmann/json.hpp>
+
 #include "tests/cli/Posix/HostTest.h"
 
 namespace {

@@ -2,6 +2,7 @@
 #include <thread>
 
 #include "cli/OpenHost.h"
+#include "client/Fault.h"
 #include "http/Server.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/Variables.h"
@@ -40,18 +41,18 @@ class OpenHostTest : public testing::Test {
   }
 
   // Opens the host and asks it for something; returns how that is refused.
-  std::string refusalOf(const cli::GlobalOptions& options, cli::ExitStatus status) {
+  std::string refusalOf(const cli::GlobalOptions& options, client::Fault::Kind kind) {
     try {
       static_cast<void>(cli::openHost(options)->getClasses());
-    } catch (const cli::Fault& fault) {
-      EXPECT_EQ(fault.status(), status);
+    } catch (const client::Fault& fault) {
+      EXPECT_EQ(fault.kind(), kind);
       return fault.what();
     }
     return "";
   }
 
   std::string usageFaultOf(const cli::GlobalOptions& options) {
-    return refusalOf(options, cli::ExitStatus::Usage);
+    return refusalOf(options, client::Fault::Kind::Usage);
   }
 
   [[nodiscard]] cli::GlobalOptions optionsFor(const std::string& host) const {
@@ -73,19 +74,20 @@ TEST_F(OpenHostTest, LogsInWithThePasswordOfTheFile) {
   cli::GlobalOptions options = optionsFor("http://test@" + place());
   options.passwordFile = m_directory.write("password", std::string("123\xc2\xa3\n")).string();
   test::setVariable("QUORVEL_PASSWORD", "another");
-  EXPECT_THAT(refusalOf(options, cli::ExitStatus::Failed), HasSubstr("refused the login of test"));
+  EXPECT_THAT(refusalOf(options, client::Fault::Kind::Refused),
+              HasSubstr("refused the login of test"));
   EXPECT_THAT(m_doorman.logins, testing::ElementsAre("Basic dGVzdDoxMjPCow=="));
   EXPECT_THAT(m_doorman.targets, testing::ElementsAre("/cimom"));
 }
 
 TEST_F(OpenHostTest, LogsInWithThePasswordOfTheEnvironment) {
   test::setVariable("QUORVEL_PASSWORD", "b");
-  EXPECT_NE(refusalOf(optionsFor("http://a@" + place()), cli::ExitStatus::Failed), "");
+  EXPECT_NE(refusalOf(optionsFor("http://a@" + place()), client::Fault::Kind::Refused), "");
   EXPECT_THAT(m_doorman.logins, testing::ElementsAre("Basic YTpi"));
 }
 
 TEST_F(OpenHostTest, NeedsNoPasswordWithoutAUser) {
-  EXPECT_THAT(refusalOf(optionsFor("http://" + place()), cli::ExitStatus::Failed),
+  EXPECT_THAT(refusalOf(optionsFor("http://" + place()), client::Fault::Kind::Refused),
               HasSubstr("wants a login"));
   EXPECT_THAT(m_doorman.logins, testing::ElementsAre(""));
 }
@@ -102,7 +104,7 @@ TEST_F(OpenHostTest, RefusesCertificatesThatCannotBeRead) {
   options.caFile = "/nowhere/ca.pem";
   EXPECT_THAT(usageFaultOf(options), StartsWith("--cacert: '/nowhere/ca.pem' cannot be read"));
   options.caFile = m_directory.write("ca.pem", std::string("no certificate\n")).string();
-  EXPECT_THAT(refusalOf(options, cli::ExitStatus::Failed), HasSubstr(options.caFile));
+  EXPECT_THAT(refusalOf(options, client::Fault::Kind::Refused), HasSubstr(options.caFile));
 }
 
 TEST_F(OpenHostTest, TellsTheCommandThatWatchesAJob) {

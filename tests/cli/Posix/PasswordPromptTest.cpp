@@ -11,6 +11,7 @@
 
 #include "cli/Context.h"
 #include "cli/Posix/PasswordPrompt.h"
+#include "client/Fault.h"
 
 namespace {
 
@@ -28,7 +29,7 @@ class PromptedChild {
     try {
       const std::optional<std::string> password = cli::askPassword("Password: ");
       return !password ? 3 : (*password == "secret" ? 0 : 1);
-    } catch (const cli::Fault&) {
+    } catch (const client::Fault&) {
       return 2;
     }
   }

@@ -1,6 +1,7 @@
 // `quorvel update` as it is watched, interrupted and abandoned while it runs.
 
 #include <csignal>
+#include <nlohmann/json.hpp>
 
 #include "tests/cli/Posix/RunningQuorvel.h"
 #include "tests/cli/QuorvelTest.h"

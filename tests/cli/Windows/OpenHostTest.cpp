@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "cli/OpenHost.h"
+#include "client/Fault.h"
 
 namespace {
 
@@ -10,8 +11,8 @@ TEST(OpenHost, IsRefusedInWords) {
   try {
     static_cast<void>(cli::openHost(options));
     FAIL() << "connected";
-  } catch (const cli::Fault& fault) {
-    EXPECT_EQ(fault.status(), cli::ExitStatus::Usage);
+  } catch (const client::Fault& fault) {
+    EXPECT_EQ(fault.kind(), client::Fault::Kind::Usage);
     EXPECT_THAT(fault.what(), testing::HasSubstr("on Linux only"));
   }
 }

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <nlohmann/json.hpp>
 
 #include "Os/Texts.h"
 #include "tests/cli/QuorvelTest.h"

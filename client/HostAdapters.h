@@ -1,0 +1,31 @@
+// The adapters of a host, as far as its instances tell: ports, adapters and the types and versions
+// of the images that are installed.
+
+#ifndef ORVEX_CLIENT_HOSTADAPTERS_H_
+#define ORVEX_CLIENT_HOSTADAPTERS_H_
+
+#include <string>
+#include <vector>
+
+#include "client/Connection.h"
+
+namespace client {
+
+struct HostAdapter {
+  struct Component {
+    std::string type;  // "IMG_PXE"; several with '+' between them
+    std::string version;
+  };
+
+  std::string pci;                 // "0000:03:00"
+  std::vector<std::string> ports;  // "0000:03:00.0"
+  std::vector<Component> components;
+};
+
+// Returns the adapters in the order in which they are served. A port belongs to the adapter with
+// which its identifier begins; an installed image to the one with which it is associated.
+[[nodiscard]] std::vector<HostAdapter> readHostAdapters(Connection& connection);
+
+}  // namespace client
+
+#endif  // ORVEX_CLIENT_HOSTADAPTERS_H_

@@ -1,0 +1,22 @@
+#include <gtest/gtest.h>
+
+#include "cim/JobState.h"
+
+namespace {
+
+using cim::JobState;
+
+TEST(JobState, HasTheNameOfTheSchema) {
+  EXPECT_EQ(cim::toText(JobState::New), "New");
+  EXPECT_EQ(cim::toText(JobState{6}), "Shutting Down");
+  EXPECT_EQ(cim::toText(JobState{12}), "Query Pending");
+  EXPECT_EQ(cim::toText(JobState{13}), "13");
+}
+
+TEST(JobState, EndsAJobInFourCases) {
+  for (std::uint16_t state = 0; state < 20; ++state) {
+    EXPECT_EQ(cim::hasEnded(JobState{state}), state >= 7 && state <= 10) << state;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,44 @@
+#include <gtest/gtest.h>
+#include <sstream>
+
+#include "cli/JsonOutput.h"
+
+namespace {
+
+using client::Value;
+
+TEST(JsonOutput, PrintsEveryKindOfValue) {
+  std::ostringstream out;
+  cli::printJson(out, Value::object({{"numbers", Value::array({Value(1), Value(-2), Value(0.5)})},
+                                     {"longest", 18446744073709551615U},
+                                     {"nothing", Value()},
+                                     {"deep", Value::object({{"truth", true}})},
+                                     {"text", "a\n\"b\""},
+                                     {"none", Value::array()},
+                                     {"empty", Value::object()}}));
+  EXPECT_EQ(out.str(),
+            "{\n"
+            "  \"numbers\": [\n"
+            "    1,\n"
+            "    -2,\n"
+            "    0.5\n"
+            "  ],\n"
+            "  \"longest\": 18446744073709551615,\n"
+            "  \"nothing\": null,\n"
+            "  \"deep\": {\n"
+            "    \"truth\": true\n"
+            "  },\n"
+            "  \"text\": \"a\\n\\\"b\\\"\",\n"
+            "  \"none\": [],\n"
+            "  \"empty\": {}\n"
+            "}\n");
+}
+
+TEST(JsonOutput, PrintsADocumentOnOneLine) {
+  EXPECT_EQ(cli::toJsonLine(Value::object({{"a", Value::array({Value(1), Value(true)})}})),
+            "{\"a\":[1,true]}");
+  EXPECT_EQ(cli::toJsonLine(Value(1e300)), "1e+300");
+  EXPECT_EQ(cli::toJsonLine(Value(3.0)), "3.0");
+}
+
+}  // namespace

@@ -1,0 +1,59 @@
+#include <gmock/gmock.h>
+
+#include "client/BrokerConnection.h"
+#include "client/HostAdapters.h"
+#include "tests/client/FakeInventory.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class HostAdaptersTest : public testing::Test {
+ protected:
+  HostAdaptersTest() { m_broker.addAgent(&m_inventory); }
+
+  void addPort(const std::string& identifier) {
+    m_ports.add(std::make_unique<test::FakeDevice>("Orvex_EthernetPort", identifier));
+  }
+
+  test::FakeIdentity& addComponent(const std::string& place, const std::string& type,
+                                   const std::string& version) {
+    test::FakeIdentity& component = m_inventory.addComponent(place);
+    component.TargetTypes.setValue({type});
+    component.VersionString.setValue(version);
+    return component;
+  }
+
+  core::CimBroker m_broker;
+  client::BrokerConnection m_connection{m_broker};
+  test::FakeInventory m_inventory;
+  test::FakeProvider& m_ports = m_inventory.serve("Orvex_EthernetPort");
+};
+
+TEST_F(HostAdaptersTest, HaveTheirPortsAndWhatIsInstalled) {
+  test::FakeDevice& third = m_inventory.addAdapter("0000:03:00");
+  m_inventory.addAdapter("0000:04:00");
+  for (const char* port : {"0000:03:00.0", "0000:03:00.1", "0000:04:00.0"}) {
+    addPort(port);
+  }
+  m_inventory.compare(addComponent("0000:03:00/0", "IMG_PXE", "1.0"), third, "installed");
+  m_inventory.compare(addComponent("0000:03:00/1", "IMG_UEFI", "2.0"), third, "installed");
+  m_inventory.compare(m_inventory.addFile("/fw/a.rom"), third, "newer");
+  const std::vector<client::HostAdapter> adapters = client::readHostAdapters(m_connection);
+  ASSERT_THAT(adapters, SizeIs(2));
+  EXPECT_EQ(adapters[0].pci, "0000:03:00");
+  EXPECT_THAT(adapters[0].ports, ElementsAre("0000:03:00.0", "0000:03:00.1"));
+  ASSERT_THAT(adapters[0].components, SizeIs(2));
+  EXPECT_EQ(adapters[0].components[1].type, "IMG_UEFI");
+  EXPECT_EQ(adapters[0].components[1].version, "2.0");
+  EXPECT_THAT(adapters[1].ports, ElementsAre("0000:04:00.0"));
+  EXPECT_THAT(adapters[1].components, IsEmpty());
+}
+
+TEST_F(HostAdaptersTest, AreNoneWhereThereIsNone) {
+  EXPECT_THAT(client::readHostAdapters(m_connection), IsEmpty());
+}
+
+}  // namespace

@@ -1,0 +1,66 @@
+#include <gmock/gmock.h>
+
+#include "client/BrokerConnection.h"
+#include "client/Fault.h"
+#include "client/ServedClasses.h"
+#include "tests/client/FakeAgent.h"
+
+namespace {
+
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class ServedClassesTest : public testing::Test {
+ protected:
+  ServedClassesTest() {
+    m_first.serve("B");
+    m_second.serve("B");
+    m_second.serve("A").add(std::make_unique<test::FakeInstance>("A", "1"));
+    m_broker.addAgent(&m_first);
+    m_broker.addAgent(&m_second);
+  }
+
+  std::string faultOf(const std::string& path) {
+    try {
+      return "found " + client::demandInstance(m_connection, core::CimPath(path)).path;
+    } catch (const client::Fault& fault) {
+      return fault.what();
+    }
+  }
+
+  core::CimBroker m_broker;
+  client::BrokerConnection m_connection{m_broker};
+  test::FakeAgent m_first{"First"};
+  test::FakeAgent m_second{"Second"};
+};
+
+TEST_F(ServedClassesTest, AreListedWhenAnotherIsAskedFor) {
+  EXPECT_THAT(client::demandInstances(m_connection, "A"), SizeIs(1));
+  EXPECT_THAT(client::getInstances(m_connection, "C"), IsEmpty());
+  EXPECT_THROW(static_cast<void>(client::demandInstances(m_connection, "C")), client::Fault);
+  EXPECT_EQ(faultOf("C.InstanceID=\"1\""),
+            "no class 'C' is served here; the classes are:\n  A\n  B");
+}
+
+TEST_F(ServedClassesTest, HaveTheInstanceOfAPathOrSaySo) {
+  EXPECT_EQ(faultOf("A.InstanceID=\"1\""), "found A.InstanceID=\"1\"");
+  EXPECT_EQ(faultOf("A.InstanceID=\"2\""),
+            "there is no instance A.InstanceID=\"2\"; 'quorvel instances A' shows what there is");
+  EXPECT_EQ(faultOf("a.InstanceID=\"2\""),
+            "there is no instance a.InstanceID=\"2\"; 'quorvel instances a' shows what there is");
+}
+
+TEST(ObjectPathText, IsReadOrRefusedAsWrongUsage) {
+  EXPECT_EQ(client::parseObjectPath("A.InstanceID=\"1\"").getClassName(), "A");
+  try {
+    static_cast<void>(client::parseObjectPath("A"));
+    FAIL() << "read a path without keys";
+  } catch (const client::Fault& fault) {
+    EXPECT_EQ(fault.kind(), client::Fault::Kind::Usage);
+    EXPECT_STREQ(fault.what(),
+                 "'A' is no object path; write CLASS.KEY=VALUE,... as 'quorvel instances' prints "
+                 "it");
+  }
+}
+
+}  // namespace
