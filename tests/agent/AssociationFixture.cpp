@@ -14,8 +14,6 @@ AssociationFixture::AssociationFixture(std::unique_ptr<core::CimClass> provider,
       m_second(std::move(second)),
       m_ownedProvider(std::move(provider)) {}
 
-AssociationFixture::~AssociationFixture() = default;
-
 std::vector<Ends> AssociationFixture::enumerate() {
   m_log.clear();
   return enumerateEnds(m_provider, m_first, m_second);

@@ -21,7 +21,6 @@ class AssociationFixture : public testing::Test {
   // `first` and `second` are the names of the two references that the associations have.
   AssociationFixture(std::unique_ptr<core::CimClass> provider, EnumerationNames names,
                      std::string first, std::string second);
-  ~AssociationFixture() override;
 
   std::vector<Ends> enumerate();
   std::vector<Targets> enumerateTargets();

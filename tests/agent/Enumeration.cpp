@@ -120,7 +120,7 @@ std::vector<Ends> enumerateEnds(core::CimClass& provider, const std::string& fir
   const auto follow = [](core::CimInstance& association, const std::string& name) {
     const core::CimPropertyRef& end = reference(association, name);
     EXPECT_NE(end.getTarget(), nullptr);
-    const std::string path = end.toString();
+    std::string path = end.toString();
     EXPECT_EQ(core::GetCimBroker().getInstanceByPath(core::CimPath(path)), end.getTarget());
     return path;
   };

@@ -9,8 +9,6 @@ SingleInstanceFixture::SingleInstanceFixture(std::unique_ptr<core::CimClass> pro
                                              EnumerationNames names)
     : m_names(std::move(names)), m_provider(std::move(provider)) {}
 
-SingleInstanceFixture::~SingleInstanceFixture() = default;
-
 core::CimInstance& SingleInstanceFixture::enumerate() {
   m_log.clear();
   const std::vector<core::CimInstance*> instances = instancesOf(*m_provider);

@@ -16,7 +16,6 @@ namespace test {
 class SingleInstanceFixture : public testing::Test {
  protected:
   SingleInstanceFixture(std::unique_ptr<core::CimClass> provider, EnumerationNames names);
-  ~SingleInstanceFixture() override;
 
   // Returns the one instance that an enumeration yields.
   core::CimInstance& enumerate();

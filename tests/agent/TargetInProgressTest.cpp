@@ -6,7 +6,7 @@
 namespace {
 
 class TargetInProgress : public testing::Test {
- protected:
+ public:
   ~TargetInProgress() override { agent::clearTargetInProgress(); }
 };
 
