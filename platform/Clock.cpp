@@ -8,7 +8,13 @@ namespace {
 class SteadyClock final : public Clock {
  public:
   [[nodiscard]] TimePoint now() const override { return std::chrono::steady_clock::now(); }
-  void sleepFor(Duration duration) override { std::this_thread::sleep_for(duration); }
+  // Windows counts in milliseconds, and may return within the one before.
+  void sleepFor(Duration duration) override {
+    const TimePoint end = now() + duration;
+    for (Duration left = duration; left > Duration::zero(); left = end - now()) {
+      std::this_thread::sleep_for(left);
+    }
+  }
 };
 
 }  // namespace

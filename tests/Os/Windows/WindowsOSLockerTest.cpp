@@ -11,6 +11,7 @@
 #include "Os/Windows/WindowsOSLocker.h"
 #include "Os/Windows/WindowsSemaphoreWrapper.h"
 #include "Utils/Exception.h"
+#include "platform/Windows/Handle.h"
 #include "tests/Os/SystemFaults.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Programs.h"
@@ -62,7 +63,7 @@ TEST_F(WindowsOSLocker, TakesTheSemaphoreOfTheMachineAndGivesItBack) {
 
 TEST_F(WindowsOSLocker, HasACountOfOneAtTheMost) {
   OSLockerWindows locker;
-  const os::Handle semaphore(OpenSemaphoreA(SEMAPHORE_ALL_ACCESS, FALSE, kSemaphoreName));
+  const platform::Handle semaphore(OpenSemaphoreA(SEMAPHORE_ALL_ACCESS, FALSE, kSemaphoreName));
   ASSERT_TRUE(semaphore.isOpen());
 
   EXPECT_EQ(ReleaseSemaphore(semaphore.get(), 2, nullptr), FALSE);
@@ -116,7 +117,7 @@ class NamedEvent {
 
  private:
   const std::string m_name;
-  const os::Handle m_event;
+  const platform::Handle m_event;
 };
 
 TEST_F(WindowsOSLocker, IsHadOnceAnotherProcessHasGivenItBack) {
