@@ -139,7 +139,7 @@ TEST(Mutex, SaysLockingOfAFailedUnlock) {
 }
 
 TEST(Mutex, FailsToUnlockWhatWasNotLocked) {
-#ifdef __SANITIZE_THREAD__
+#ifdef QUORVEL_TEST_THREAD_SANITIZER
   GTEST_SKIP() << "ThreadSanitizer ends a program that does so";
 #endif
   const LogCapture log;

@@ -2,10 +2,12 @@
 
 #include <cerrno>
 #include <cstddef>
+#include <cstdlib>
 #include <ctime>
 #include <dlfcn.h>
 #include <new>
 #include <pthread.h>
+#include <string>
 #include <sys/sem.h>
 #include <utility>
 
@@ -19,10 +21,12 @@ int takeError(SystemCall call) {
   return std::exchange(s_errors[static_cast<std::size_t>(call)], 0);
 }
 
-// Returns the system's own function of that name.
+// Returns the system's own function of that name. A sanitizer has to see the call too: what it would
+// have put in the place of the function, were there none here, has a name of its own in its library.
 template <class Function>
 Function* systemFunction(Function*, const char* name) {
-  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+  void* found = dlsym(RTLD_DEFAULT, (std::string("__interceptor_") + name).c_str());
+  return reinterpret_cast<Function*>(found != nullptr ? found : dlsym(RTLD_NEXT, name));
 }
 
 }  // namespace
@@ -100,12 +104,25 @@ std::tm* localtime_r(const std::time_t* time, std::tm* fields) noexcept {
 }  // extern "C"
 
 void* operator new(std::size_t size) {
-  using Function = void*(std::size_t);
-  static auto* const system = reinterpret_cast<Function*>(dlsym(RTLD_NEXT, "_Znwm"));
-  if (test::takeError(test::SystemCall::Allocate) != 0) {
-    throw std::bad_alloc();
+  if (test::takeError(test::SystemCall::Allocate) == 0) {
+    if (void* memory = std::malloc(size != 0 ? size : 1)) {
+      return memory;
+    }
   }
-  return system(size);
+  throw std::bad_alloc();
+}
+
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+  return test::takeError(test::SystemCall::Allocate) != 0 ? nullptr
+                                                          : std::malloc(size != 0 ? size : 1);
+}
+
+void operator delete(void* memory) noexcept {
+  std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept {
+  std::free(memory);
 }
 
 #pragma GCC visibility pop

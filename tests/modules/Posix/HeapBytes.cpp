@@ -3,13 +3,13 @@
 #include <malloc.h>
 
 // A sanitizer's runtime has a heap of its own, and is slow.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef QUORVEL_TEST_SANITIZER
 extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 #endif
 
 namespace test {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef QUORVEL_TEST_SANITIZER
 const std::size_t kEnumerations = 100;
 
 std::size_t heapBytes() {
