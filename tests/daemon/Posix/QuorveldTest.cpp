@@ -67,7 +67,7 @@ RunningQuorveld::RunningQuorveld(const std::vector<std::string>& arguments,
     becomeProgram(program, arguments, environment);
   }
   close(out.in());
-  m_out = os::Descriptor(out.out());
+  m_out = platform::Descriptor(out.out());
   for (std::string text = readSome(m_out.get()); !text.empty(); text = readSome(m_out.get())) {
     m_output += text;
     if (m_output.ends_with("serving\n")) {
@@ -191,7 +191,8 @@ std::string QuorveldTest::propertyOf(const std::string& object, const std::strin
 }
 
 std::string QuorveldTest::exchange(const std::string& bytes) const {
-  const os::Descriptor socket(demand(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0), "socket"));
+  const platform::Descriptor socket(
+      demand(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0), "socket"));
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_port = htons(m_daemon->port());

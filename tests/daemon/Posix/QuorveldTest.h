@@ -9,7 +9,7 @@
 #include <sys/types.h>
 #include <vector>
 
-#include "Os/Posix/Descriptor.h"
+#include "platform/Posix/Descriptor.h"
 #include "tests/cli/QuorvelTest.h"
 
 namespace test {
@@ -37,7 +37,7 @@ class RunningQuorveld {
  private:
   pid_t m_process = 0;  // 0 once it is gone
   int m_status = 0;
-  os::Descriptor m_out;
+  platform::Descriptor m_out;
   std::string m_output;
 };
 

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <string>
 
-#include "Os/Texts.h"
+#include "platform/Texts.h"
 #include "tests/inventory/FirmwareFilesFixture.h"
 #include "tests/support/Windows/Umlauts.h"
 
