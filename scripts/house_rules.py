@@ -81,16 +81,6 @@ PLAIN_MUTEX = {
     "platform/Mutex.h": "the annotated mutex is made of it",
 }
 
-# Headers with fixtures that are not named as fixtures are.
-FIXTURES_NAMED_OTHERWISE = {
-    # Temporary: to be renamed.
-    "FlashWriteTest.h": "to be FlashWriteFixture.h",
-    "FirmwareDirectoryTest.h": "to be FirmwareDirectoryFixture.h",
-    "HostTest.h": "to be HostFixture.h",
-    "QuorvelTest.h": "to be QuorvelFixture.h",
-    "QuorveldTest.h": "to be QuorveldFixture.h",
-}
-
 # Folders that speak to one operating system.
 OS_FOLDERS = (
     "platform/Posix/", "platform/Windows/", "Os/Posix/", "Os/Windows/", "midapi/Posix/", "midapi/Windows/",

@@ -1,8 +1,8 @@
-#include "tests/midapi/FlashWriteTest.h"
-
 #include <chrono>
 #include <fstream>
 #include <gmock/gmock.h>
+
+#include "tests/midapi/FlashWriteFixture.h"
 
 namespace ma {
 namespace {
@@ -17,6 +17,7 @@ using testing::Le;
 using testing::Pair;
 
 using Bytes = std::vector<std::uint8_t>;
+using FlashWriteTest = test::FlashWriteFixture;
 
 TEST_F(FlashWriteTest, ReplacesTheFlashInBlocks) {
   write();

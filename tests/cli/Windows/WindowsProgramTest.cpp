@@ -5,8 +5,8 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/Texts.h"
-#include "tests/cli/QuorvelTest.h"
 #include "tests/support/CurrentDirectory.h"
+#include "tests/support/QuorvelFixture.h"
 #include "tests/support/Settings.h"
 #include "tests/support/Windows/Umlauts.h"
 
@@ -21,7 +21,7 @@ using testing::StartsWith;
 
 constexpr const char* kPort = "0000:03:00.0";
 
-class WindowsProgramTest : public test::QuorvelTest {
+class WindowsProgramTest : public test::QuorvelFixture {
  protected:
   WindowsProgramTest() { addPxeAdapter("0000:03:00"); }
 

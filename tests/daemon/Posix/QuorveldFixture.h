@@ -1,7 +1,7 @@
 // A test that runs the program `quorveld` on virtual adapters of its own.
 
-#ifndef ORVEX_TESTS_DAEMON_POSIX_QUORVELDTEST_H_
-#define ORVEX_TESTS_DAEMON_POSIX_QUORVELDTEST_H_
+#ifndef ORVEX_TESTS_DAEMON_POSIX_QUORVELDFIXTURE_H_
+#define ORVEX_TESTS_DAEMON_POSIX_QUORVELDFIXTURE_H_
 
 #include <cstdint>
 #include <memory>
@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "platform/Posix/Descriptor.h"
-#include "tests/cli/QuorvelTest.h"
+#include "tests/support/QuorvelFixture.h"
 
 namespace test {
 
@@ -41,7 +41,7 @@ class RunningQuorveld {
   std::string m_output;
 };
 
-class QuorveldTest : public QuorvelTest {
+class QuorveldFixture : public QuorvelFixture {
  protected:
   static constexpr const char* kNamespace = "root/DCIM/zolan";
   static constexpr const char* kKeys =
@@ -97,4 +97,4 @@ class QuorveldTest : public QuorvelTest {
 
 }  // namespace test
 
-#endif  // ORVEX_TESTS_DAEMON_POSIX_QUORVELDTEST_H_
+#endif  // ORVEX_TESTS_DAEMON_POSIX_QUORVELDFIXTURE_H_
