@@ -56,9 +56,6 @@ NAMESPACES = {
     "tests/modules": {"test": None, "core": "a printer stands in the namespace of what it prints"},
     "tests/cli": {"test": None, "cli": "a printer stands in the namespace of what it prints"},
     "tests/client": {"test": None, "client": "a printer stands in the namespace of what it prints"},
-    # Temporary: tests in the namespace that they test.
-    "tests/http": {"test": None, "http": "today's way"},
-    "tests/midapi": {"test": None, "ma": "today's way"},
 }
 # What headers of a folder may declare outside of all namespaces: pattern and reason.
 GLOBAL_NAMES = {

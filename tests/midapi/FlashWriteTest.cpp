@@ -4,9 +4,9 @@
 
 #include "tests/midapi/FlashWriteFixture.h"
 
-namespace ma {
 namespace {
 
+using ma::FileBytes;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 using test::WatchedFileSystem;
@@ -203,4 +203,3 @@ TEST_F(FlashWriteTest, OverwritesWhatAKilledProcessLeft) {
 }
 
 }  // namespace
-}  // namespace ma

@@ -5,7 +5,6 @@
 
 #include "tests/midapi/FlashWriteFixture.h"
 
-namespace ma {
 namespace {
 
 using HungFlashWriteTest = test::FlashWriteFixture;
@@ -26,4 +25,3 @@ TEST_F(HungFlashWriteTest, KeepsHangingUntilAnUnreadableAdapterIsGone) {
 }
 
 }  // namespace
-}  // namespace ma
