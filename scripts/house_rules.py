@@ -27,10 +27,6 @@ MAY_INCLUDE = {
     "bench": None,
 }
 
-# Units (X.h and X.cpp, written as their common path) that stand in a circle of includes for now.
-KNOWN_CIRCLES = {
-}
-
 # The namespaces that the files of a folder open (the longest folder counts), with the reason for each that
 # is not the folder's own.
 NAMESPACES = {
