@@ -15,6 +15,7 @@
 #include "agent/Orvex_ConcreteJob.h"
 #include "agent/Orvex_SoftwareInstallationService.h"
 #include "bench/BenchAdapters.h"
+#include "cim/JobState.h"
 #include "cim/MethodSignatures.h"
 #include "core/CimBroker.h"
 #include "core/CimPropertyRef.h"
@@ -193,7 +194,7 @@ void update(benchmark::State& state, bool toCompletion) {
       // Short beside an update, and long enough to leave the job's thread the processor.
       std::this_thread::sleep_for(std::chrono::microseconds(100));
     }
-    if (job.getJobState() != ConcreteJobState::Completed) {
+    if (job.getJobState() != cim::JobState::Completed) {
       state.SkipWithError("the update failed");
     }
     const Seconds time =
