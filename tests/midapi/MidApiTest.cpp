@@ -16,6 +16,21 @@
 
 namespace {
 
+using ma::BootType;
+using ma::compareFlashImage;
+using ma::describeFlashImage;
+using ma::enumerateAdapters;
+using ma::FlashImageInfo;
+using ma::getAdapterFirmwareVersion;
+using ma::getCanBeUpdated;
+using ma::getFlashImageUpdateProgress;
+using ma::getPCIAddress;
+using ma::ImageComparison;
+using ma::prepareFlashImage;
+using ma::PrepareStatus;
+using ma::setBootType;
+using ma::updateCapabilityWord;
+using ma::writeFlashImage;
 using test::Bytes;
 using test::RomBuilder;
 using test::RomDamage;
@@ -45,45 +60,44 @@ class MidApi : public testing::Test {
  protected:
   MidApi() { m_adapters.makeAdapter(kPci, RomBuilder().add(pxe(2)).add(uefi(2)).build()); }
 
-  ma::PrepareStatus prepare(const Bytes& file, const std::vector<FirmwareType>& types = {},
-                            const char* port = kPort) {
+  PrepareStatus prepare(const Bytes& file, const std::vector<FirmwareType>& types = {},
+                        const char* port = kPort) {
     return prepareInto(file.size(), file, types, port);
   }
-  ma::PrepareStatus prepareInto(std::size_t bufferSize, const Bytes& file,
-                                const std::vector<FirmwareType>& types = {},
-                                const char* port = kPort) {
+  PrepareStatus prepareInto(std::size_t bufferSize, const Bytes& file,
+                            const std::vector<FirmwareType>& types = {}, const char* port = kPort) {
     m_image.assign(bufferSize, 0xEE);
     auto size = static_cast<std::uint32_t>(bufferSize);
-    const ma::PrepareStatus status = ma::prepareFlashImage(
+    const PrepareStatus status = prepareFlashImage(
         port, file.data(), static_cast<std::uint32_t>(file.size()), m_image.data(), size, types);
     m_image.resize(size);
     return status;
   }
-  ma::PrepareStatus prepare(const RomBuilder& file, const std::vector<FirmwareType>& types = {}) {
+  PrepareStatus prepare(const RomBuilder& file, const std::vector<FirmwareType>& types = {}) {
     return prepare(file.build(), types);
   }
   std::string describe(const Bytes& file) {
     m_images.resize(5);
-    return ma::describeFlashImage(file.data(), static_cast<std::uint32_t>(file.size()), m_images);
+    return describeFlashImage(file.data(), static_cast<std::uint32_t>(file.size()), m_images);
   }
-  ma::ImageComparison compare(const Bytes& file, const char* port = kPort) {
-    return ma::compareFlashImage(port, file.data(), static_cast<std::uint32_t>(file.size()));
+  ImageComparison compare(const Bytes& file, const char* port = kPort) {
+    return compareFlashImage(port, file.data(), static_cast<std::uint32_t>(file.size()));
   }
-  ma::ImageComparison compare(const RomBuilder& file) { return compare(file.build()); }
+  ImageComparison compare(const RomBuilder& file) { return compare(file.build()); }
   bool write(const Bytes& image, const std::string& port = kPort) {
     m_code = 12345;
     m_text = "unset";
-    return ma::writeFlashImage(port, image.data(), static_cast<std::uint32_t>(image.size()), m_code,
-                               m_text);
+    return writeFlashImage(port, image.data(), static_cast<std::uint32_t>(image.size()), m_code,
+                           m_text);
   }
   bool updateWord(const std::vector<FirmwareType>& types, const std::string& port = kPort) {
     m_code = 12345;
     m_text = "unset";
-    return ma::updateCapabilityWord(port, types, m_code, m_text);
+    return updateCapabilityWord(port, types, m_code, m_text);
   }
   std::vector<FirmwareVersionInfo> installed(const std::string& port = kPort) {
     std::vector<FirmwareVersionInfo> versions(7);
-    ma::getAdapterFirmwareVersion(port, versions);
+    getAdapterFirmwareVersion(port, versions);
     return versions;
   }
   unsigned long word() { return std::stoul(m_adapters.get(kPci, "/capabilityWord")); }
@@ -91,24 +105,24 @@ class MidApi : public testing::Test {
   test::AdapterFixture m_adapters;
   test::AdaptersVariable m_variable{m_adapters.directory()};
   Bytes m_image;
-  std::vector<ma::FlashImageInfo> m_images;
+  std::vector<FlashImageInfo> m_images;
   std::uint32_t m_code = 0;
   std::string m_text;
 };
 
 TEST_F(MidApi, FollowsTheEnvironmentAtEachCall) {
-  EXPECT_THAT(ma::enumerateAdapters(), ElementsAre(kPort, kSibling));
+  EXPECT_THAT(enumerateAdapters(), ElementsAre(kPort, kSibling));
   {
     const test::AdaptersVariable elsewhere(m_adapters.directory() / "none");
-    EXPECT_THAT(ma::enumerateAdapters(), IsEmpty());
-    EXPECT_FALSE(ma::getCanBeUpdated(kPort));
+    EXPECT_THAT(enumerateAdapters(), IsEmpty());
+    EXPECT_FALSE(getCanBeUpdated(kPort));
   }
-  EXPECT_THAT(ma::enumerateAdapters(), ElementsAre(kPort, kSibling));
+  EXPECT_THAT(enumerateAdapters(), ElementsAre(kPort, kSibling));
 }
 
 TEST_F(MidApi, AnswersWithoutAdaptersWhereTheDirectoryIsAFile) {
   const test::AdaptersVariable file(m_adapters.folder(kPci) / "flash.rom");
-  EXPECT_THAT(ma::enumerateAdapters(), IsEmpty());
+  EXPECT_THAT(enumerateAdapters(), IsEmpty());
   EXPECT_THAT(installed(), IsEmpty());
 }
 
@@ -136,45 +150,44 @@ TEST_F(MidApi, LeavesImagesOfOtherDevicesAndUnknownTypesOutOfTheInstalledOnes) {
 }
 
 TEST_F(MidApi, TakesPciAddressesFromIdentifiers) {
-  EXPECT_EQ(ma::getPCIAddress("0000:af:1f.7"), (utils::PCIAddr{0xAF, 0x1F, 7}));
-  EXPECT_EQ(ma::getPCIAddress("0000:AF:1f.7"), utils::PCIAddr{});
-  EXPECT_EQ(ma::getPCIAddress(""), utils::PCIAddr{});
+  EXPECT_EQ(getPCIAddress("0000:af:1f.7"), (utils::PCIAddr{0xAF, 0x1F, 7}));
+  EXPECT_EQ(getPCIAddress("0000:AF:1f.7"), utils::PCIAddr{});
+  EXPECT_EQ(getPCIAddress(""), utils::PCIAddr{});
 }
 
 TEST_F(MidApi, TellsWhetherAnAdapterCanBeUpdated) {
-  EXPECT_TRUE(ma::getCanBeUpdated(kPort));
+  EXPECT_TRUE(getCanBeUpdated(kPort));
   m_adapters.set(kPci, "/updatable", "false");
-  EXPECT_FALSE(ma::getCanBeUpdated(kPort));
-  EXPECT_FALSE(ma::getCanBeUpdated("0000:09:00.0"));
+  EXPECT_FALSE(getCanBeUpdated(kPort));
+  EXPECT_FALSE(getCanBeUpdated("0000:09:00.0"));
 }
 
 TEST_F(MidApi, SetsTheBootTypeOfOnePort) {
-  EXPECT_TRUE(ma::setBootType(kSibling, ma::BootType::Iscsi));
+  EXPECT_TRUE(setBootType(kSibling, BootType::Iscsi));
   EXPECT_EQ(m_adapters.get(kPci, "/ports/1/bootType"), "2");
   EXPECT_EQ(m_adapters.get(kPci, "/ports/0/bootType"), "1");
-  EXPECT_FALSE(ma::setBootType("0000:03:00.5", ma::BootType::Pxe));
-  EXPECT_FALSE(ma::setBootType("0000:09:00.0", ma::BootType::Pxe));
-  EXPECT_FALSE(ma::setBootType(kPort, static_cast<ma::BootType>(5)));
+  EXPECT_FALSE(setBootType("0000:03:00.5", BootType::Pxe));
+  EXPECT_FALSE(setBootType("0000:09:00.0", BootType::Pxe));
+  EXPECT_FALSE(setBootType(kPort, static_cast<BootType>(5)));
 }
 
 TEST_F(MidApi, ChecksInItsOrder) {
   const Bytes foreign = RomBuilder().add(pxe(1).device(0x10EC, 0x8139)).build();
   m_adapters.set(kPci, "/updatable", "false");
-  EXPECT_EQ(prepare(Bytes(100, 'x'), {}, "0000:09:00.0"), ma::PrepareStatus::InvalidImage);
-  EXPECT_EQ(prepare(foreign, {}, "0000:09:00.0"), ma::PrepareStatus::InternalFault);
-  EXPECT_EQ(prepare(foreign, {FirmwareType::Clp}), ma::PrepareStatus::NotForAdapter);
-  EXPECT_EQ(prepare(RomBuilder().add(pxe(1)), {FirmwareType::Clp}),
-            ma::PrepareStatus::NotUpdatable);
+  EXPECT_EQ(prepare(Bytes(100, 'x'), {}, "0000:09:00.0"), PrepareStatus::InvalidImage);
+  EXPECT_EQ(prepare(foreign, {}, "0000:09:00.0"), PrepareStatus::InternalFault);
+  EXPECT_EQ(prepare(foreign, {FirmwareType::Clp}), PrepareStatus::NotForAdapter);
+  EXPECT_EQ(prepare(RomBuilder().add(pxe(1)), {FirmwareType::Clp}), PrepareStatus::NotUpdatable);
   EXPECT_THAT(m_image, IsEmpty());
   m_adapters.set(kPci, "/updatable", "true");
   EXPECT_EQ(prepare(RomBuilder().add(pxe(1)), {FirmwareType::Pxe, FirmwareType::Clp}),
-            ma::PrepareStatus::TypesDiffer);
-  EXPECT_EQ(prepare(RomBuilder().add(pxe(1)), {FirmwareType::Pxe}), ma::PrepareStatus::Downgrade);
-  EXPECT_EQ(prepare(RomBuilder().add(pxe(2)), {FirmwareType::Pxe}), ma::PrepareStatus::Ok);
+            PrepareStatus::TypesDiffer);
+  EXPECT_EQ(prepare(RomBuilder().add(pxe(1)), {FirmwareType::Pxe}), PrepareStatus::Downgrade);
+  EXPECT_EQ(prepare(RomBuilder().add(pxe(2)), {FirmwareType::Pxe}), PrepareStatus::Ok);
 }
 
 TEST_F(MidApi, RefusesEveryKindOfDamage) {
-  EXPECT_EQ(prepare(Bytes()), ma::PrepareStatus::InvalidImage);
+  EXPECT_EQ(prepare(Bytes()), PrepareStatus::InvalidImage);
   for (const RomDamage damage :
        {RomDamage::Signature, RomDamage::PcirPointerOutside, RomDamage::PcirPointerInHeader,
         RomDamage::PcirSignature, RomDamage::PcirTooShort, RomDamage::PcirEndsOutside,
@@ -183,7 +196,7 @@ TEST_F(MidApi, RefusesEveryKindOfDamage) {
         RomDamage::PnpTooShort, RomDamage::PnpOutside, RomDamage::ByteSum,
         RomDamage::EarlyLastBit}) {
     EXPECT_EQ(prepare(RomBuilder().add(pxe(2)).add(uefi(2)).damage(0, damage)),
-              ma::PrepareStatus::InvalidImage)
+              PrepareStatus::InvalidImage)
         << static_cast<int>(damage);
     EXPECT_THAT(m_image, IsEmpty());
   }
@@ -191,24 +204,24 @@ TEST_F(MidApi, RefusesEveryKindOfDamage) {
 
 TEST_F(MidApi, FillsTheImageWhereTheCallerMayAcceptIt) {
   const Bytes older = RomBuilder().add(pxe(1)).add(uefi(1)).build();
-  EXPECT_EQ(prepare(older), ma::PrepareStatus::Downgrade);
+  EXPECT_EQ(prepare(older), PrepareStatus::Downgrade);
   EXPECT_EQ(m_image, older);
   const Bytes other = RomBuilder().add(iscsi(1)).trailing(512, 0).build();
-  EXPECT_EQ(prepare(other), ma::PrepareStatus::TypesDiffer);
+  EXPECT_EQ(prepare(other), PrepareStatus::TypesDiffer);
   EXPECT_EQ(m_image, Bytes(other.begin(), other.begin() + 1024));
-  EXPECT_EQ(prepare(other, {FirmwareType::None}), ma::PrepareStatus::TypesDiffer);
+  EXPECT_EQ(prepare(other, {FirmwareType::None}), PrepareStatus::TypesDiffer);
   EXPECT_THAT(m_image, IsEmpty());
 }
 
 TEST_F(MidApi, ReportsAFaultOfItsOwn) {
   const Bytes file = RomBuilder().add(pxe(2)).add(uefi(2)).build();
-  EXPECT_EQ(prepareInto(file.size() - 1, file), ma::PrepareStatus::InternalFault);
+  EXPECT_EQ(prepareInto(file.size() - 1, file), PrepareStatus::InternalFault);
   EXPECT_THAT(m_image, IsEmpty());
-  EXPECT_EQ(prepareInto(file.size(), file), ma::PrepareStatus::Ok);
-  EXPECT_EQ(prepare(file, {}, "0000:03:00.5"), ma::PrepareStatus::InternalFault);
-  EXPECT_EQ(prepare(file, {}, "0000:03:00"), ma::PrepareStatus::InternalFault);
+  EXPECT_EQ(prepareInto(file.size(), file), PrepareStatus::Ok);
+  EXPECT_EQ(prepare(file, {}, "0000:03:00.5"), PrepareStatus::InternalFault);
+  EXPECT_EQ(prepare(file, {}, "0000:03:00"), PrepareStatus::InternalFault);
   m_adapters.set(kPci, "/ports", "[]");
-  EXPECT_EQ(prepare(file), ma::PrepareStatus::InternalFault);
+  EXPECT_EQ(prepare(file), PrepareStatus::InternalFault);
 }
 
 TEST_F(MidApi, DescribesTheImagesOfAFile) {
@@ -237,37 +250,36 @@ TEST_F(MidApi, ComparesAFileWithTheFlash) {
   Bytes padded = installed;
   padded.resize(padded.size() + 512, 0xFF);
 
-  EXPECT_EQ(compare(installed), ma::ImageComparison::SameContent);
-  EXPECT_EQ(compare(padded), ma::ImageComparison::SameContent);
-  EXPECT_EQ(compare(RomBuilder().add(pxe(2).seed(9)).add(uefi(2))),
-            ma::ImageComparison::SameVersion);
-  EXPECT_EQ(compare(RomBuilder().add(pxe(2)).add(uefi(3))), ma::ImageComparison::Newer);
-  EXPECT_EQ(compare(RomBuilder().add(pxe(3)).add(uefi(1))), ma::ImageComparison::Older);
-  EXPECT_EQ(compare(RomBuilder().add(pxe(3))), ma::ImageComparison::TypesDiffer);
+  EXPECT_EQ(compare(installed), ImageComparison::SameContent);
+  EXPECT_EQ(compare(padded), ImageComparison::SameContent);
+  EXPECT_EQ(compare(RomBuilder().add(pxe(2).seed(9)).add(uefi(2))), ImageComparison::SameVersion);
+  EXPECT_EQ(compare(RomBuilder().add(pxe(2)).add(uefi(3))), ImageComparison::Newer);
+  EXPECT_EQ(compare(RomBuilder().add(pxe(3)).add(uefi(1))), ImageComparison::Older);
+  EXPECT_EQ(compare(RomBuilder().add(pxe(3))), ImageComparison::TypesDiffer);
   EXPECT_EQ(compare(RomBuilder().add(pxe(3).device(0x10EC, 0x8139))),
-            ma::ImageComparison::NotForAdapter);
-  EXPECT_EQ(compare(Bytes(100, 'x')), ma::ImageComparison::NotForAdapter);
-  EXPECT_EQ(compare(installed, "0000:09:00.0"), ma::ImageComparison::Unknown);
+            ImageComparison::NotForAdapter);
+  EXPECT_EQ(compare(Bytes(100, 'x')), ImageComparison::NotForAdapter);
+  EXPECT_EQ(compare(installed, "0000:09:00.0"), ImageComparison::Unknown);
 
   m_adapters.makeAdapter(kPci, padded);
-  EXPECT_EQ(compare(installed), ma::ImageComparison::SameContent);
+  EXPECT_EQ(compare(installed), ImageComparison::SameContent);
   m_adapters.set(kPci, "/updatable", "false");
-  EXPECT_EQ(compare(installed), ma::ImageComparison::NotUpdatable);
+  EXPECT_EQ(compare(installed), ImageComparison::NotUpdatable);
 }
 
 TEST_F(MidApi, ComparesWithoutATraceInTheProgress) {
   const Bytes file = RomBuilder().add(pxe(3)).add(uefi(3)).build();
-  ASSERT_EQ(prepare(file), ma::PrepareStatus::Ok);
+  ASSERT_EQ(prepare(file), PrepareStatus::Ok);
   ASSERT_TRUE(write(m_image)) << m_text;
 
-  EXPECT_EQ(compare(file), ma::ImageComparison::SameContent);
+  EXPECT_EQ(compare(file), ImageComparison::SameContent);
 
-  EXPECT_EQ(ma::getFlashImageUpdateProgress(kPort), 100U);
+  EXPECT_EQ(getFlashImageUpdateProgress(kPort), 100U);
 }
 
 TEST_F(MidApi, FlashesExactlyWhatItPrepared) {
   const RomBuilder file = RomBuilder().add(pxe(3)).add(iscsi(3)).add(uefi(3));
-  ASSERT_EQ(prepare(file, {FirmwareType::Iscsi, FirmwareType::Pxe}), ma::PrepareStatus::Ok);
+  ASSERT_EQ(prepare(file, {FirmwareType::Iscsi, FirmwareType::Pxe}), PrepareStatus::Ok);
   ASSERT_TRUE(write(m_image)) << m_text;
   EXPECT_EQ(m_code, 0U);
   EXPECT_EQ(m_text, "");
@@ -302,21 +314,21 @@ TEST_F(MidApi, ReportsAnInjectedFault) {
   EXPECT_FALSE(write(Bytes(1000, 1)));
   EXPECT_EQ(m_code, 17U);
   EXPECT_EQ(m_text, "broken");
-  EXPECT_EQ(ma::getFlashImageUpdateProgress(kPort), 40U);
+  EXPECT_EQ(getFlashImageUpdateProgress(kPort), 40U);
   EXPECT_EQ(m_adapters.flash(kPci), before);
 }
 
 TEST_F(MidApi, ForgetsTheProgressOfTheLastWriteWhenTheNextImageIsPrepared) {
   const Bytes file = RomBuilder().add(pxe(3)).add(uefi(3)).build();
-  ASSERT_EQ(prepare(file), ma::PrepareStatus::Ok);
+  ASSERT_EQ(prepare(file), PrepareStatus::Ok);
   std::uint32_t code = 0;
   std::string text;
   ASSERT_TRUE(
-      ma::writeFlashImage(kPort, file.data(), static_cast<std::uint32_t>(file.size()), code, text));
-  ASSERT_EQ(ma::getFlashImageUpdateProgress(kPort), 100U);
+      writeFlashImage(kPort, file.data(), static_cast<std::uint32_t>(file.size()), code, text));
+  ASSERT_EQ(getFlashImageUpdateProgress(kPort), 100U);
 
-  ASSERT_EQ(prepare(file), ma::PrepareStatus::Ok);
-  EXPECT_EQ(ma::getFlashImageUpdateProgress(kPort), 0U);
+  ASSERT_EQ(prepare(file), PrepareStatus::Ok);
+  EXPECT_EQ(getFlashImageUpdateProgress(kPort), 0U);
 }
 
 TEST_F(MidApi, ShowsTheProgressOfAWriteOnAllPortsOfTheAdapter) {
@@ -326,14 +338,14 @@ TEST_F(MidApi, ShowsTheProgressOfAWriteOnAllPortsOfTheAdapter) {
   auto writing = std::async(std::launch::async, [&] { return write(image, "0000:07:00.0"); });
   std::vector<std::uint32_t> seen;
   while (writing.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready) {
-    seen.push_back(ma::getFlashImageUpdateProgress("0000:07:00.1"));
+    seen.push_back(getFlashImageUpdateProgress("0000:07:00.1"));
   }
   EXPECT_TRUE(writing.get()) << m_text;
-  EXPECT_EQ(ma::getFlashImageUpdateProgress("0000:07:00.1"), 100U);
+  EXPECT_EQ(getFlashImageUpdateProgress("0000:07:00.1"), 100U);
   EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));
   EXPECT_GE(std::set(seen.begin(), seen.end()).size(), 3U);
-  EXPECT_EQ(ma::getFlashImageUpdateProgress("0000:08:00.0"), 0U);
-  EXPECT_EQ(ma::getFlashImageUpdateProgress("nonsense"), 0U);
+  EXPECT_EQ(getFlashImageUpdateProgress("0000:08:00.0"), 0U);
+  EXPECT_EQ(getFlashImageUpdateProgress("nonsense"), 0U);
 }
 
 TEST_F(MidApi, AnswersQueriesWhileAnotherThreadWrites) {
@@ -342,10 +354,10 @@ TEST_F(MidApi, AnswersQueriesWhileAnotherThreadWrites) {
   const auto before = installed();
   ASSERT_FALSE(before.empty());
   auto writing = std::async(std::launch::async, [&] { return write(next); });
-  EXPECT_TRUE(test::waitUntil([] { return ma::getFlashImageUpdateProgress(kSibling) >= 30; }));
+  EXPECT_TRUE(test::waitUntil([] { return getFlashImageUpdateProgress(kSibling) >= 30; }));
   for (int look = 0; look < 4; ++look) {
     EXPECT_EQ(installed(), before);
-    EXPECT_TRUE(ma::getCanBeUpdated(kSibling));
+    EXPECT_TRUE(getCanBeUpdated(kSibling));
   }
   m_adapters.set(kPci, "/faults", "{}");
   EXPECT_TRUE(writing.get()) << m_text;
@@ -401,7 +413,7 @@ class MidApiRealRom : public MidApi {
 };
 
 TEST_F(MidApiRealRom, SelectsTheLegacyImageAsItsOwnFileHasIt) {
-  ASSERT_EQ(prepare(*m_combined, {FirmwareType::Pxe}), ma::PrepareStatus::Ok);
+  ASSERT_EQ(prepare(*m_combined, {FirmwareType::Pxe}), PrepareStatus::Ok);
   EXPECT_TRUE(m_image == *m_legacy);
   ASSERT_TRUE(write(m_image)) << m_text;
   EXPECT_TRUE(m_adapters.flash(kPci) == *m_legacy);
@@ -409,13 +421,13 @@ TEST_F(MidApiRealRom, SelectsTheLegacyImageAsItsOwnFileHasIt) {
 }
 
 TEST_F(MidApiRealRom, TakesTheCombinedFileAsItIs) {
-  ASSERT_EQ(prepare(*m_combined), ma::PrepareStatus::Ok);
+  ASSERT_EQ(prepare(*m_combined), PrepareStatus::Ok);
   EXPECT_TRUE(m_image == *m_combined);
   EXPECT_TRUE(test::parseRom(m_image).isValid());
 }
 
 TEST_F(MidApiRealRom, RefusesTheRomOfAnotherDevice) {
-  EXPECT_EQ(prepare(*m_foreign), ma::PrepareStatus::NotForAdapter);
+  EXPECT_EQ(prepare(*m_foreign), PrepareStatus::NotForAdapter);
 }
 
 }  // namespace
