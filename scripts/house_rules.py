@@ -44,7 +44,7 @@ NAMESPACES = {
     "host": {"host": None, "CLI": "declares the argument parser without its header"},
     "daemon": {"quorveld": "the program's name: unistd.h declares a function daemon"},
     "client": {"client": None},
-    "cli": {"cli": None, "CLI": "declares the argument parser without its header"},
+    "cli": {"cli": None},
     "bench": {"bench": None},
     "tests": {"test": None},
     "tests/core": {"test": None, "core": "a printer stands in the namespace of what it prints"},
