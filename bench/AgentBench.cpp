@@ -15,6 +15,8 @@
 #include "agent/Orvex_ConcreteJob.h"
 #include "agent/Orvex_SoftwareInstallationService.h"
 #include "bench/BenchAdapters.h"
+#include "cim/InstallOptions.h"
+#include "cim/JobState.h"
 #include "cim/MethodSignatures.h"
 #include "core/CimBroker.h"
 #include "core/CimPropertyRef.h"
@@ -27,10 +29,11 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Seconds = std::chrono::duration<double>;
 
-// The pause that every job makes before it begins.
+// The pause that every job makes before it begins: no work, so it is taken off.
 constexpr Seconds kJobThreadDelay{0.010};
 constexpr std::size_t kMebibyte = 1 << 20;
 
+// Counts what is in use, whatever the allocator keeps of what was freed.
 std::size_t heapBytes() {
   return mallinfo2().uordblks;
 }
@@ -43,6 +46,8 @@ std::unique_ptr<Orvex_ConcreteJob> makeFilledJob() {
 }
 
 void constructFillDestroyJob(benchmark::State& state) {
+  // The function runs several times and its last counters stand, so what a process makes once is
+  // not among them.
   const std::size_t before = heapBytes();
   const std::unique_ptr<Orvex_ConcreteJob> measured = makeFilledJob();
   state.counters["bytes"] = static_cast<double>(heapBytes() - before);
@@ -71,6 +76,7 @@ void enumerate(benchmark::State& state, const char* className) {
     benchmark::DoNotOptimize(core::GetCimBroker().getInstances(className));
   }
   const auto ports = static_cast<double>(2 * adapterCount);
+  // The rate of ports, inverted: the time for one.
   state.counters["timePerPort"] = benchmark::Counter(
       ports, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
@@ -123,6 +129,7 @@ void readPorts(benchmark::State& state) {
 }
 BENCHMARK(readPorts)->Arg(2)->Arg(100)->Arg(1000)->Unit(benchmark::kMicrosecond);
 
+// Takes the classes from the agents, so that one that is added is measured, too.
 void registerEnumerations() {
   bench::registerAgents();
   for (core::CimAgent* agent : core::GetCimBroker().getAgents()) {
@@ -163,7 +170,7 @@ Orvex_ConcreteJob& startUpdate(const bench::Adapters& adapters) {
   core::CimPropertyRef target("Target", nullptr);
   target.setText(broker.getInstances(Orvex_EthernetPort::kClassName).front()->getPath());
   core::CimPropertyUint16_arr options("InstallOptions", nullptr);
-  options.setValue({5});
+  options.setValue({cim::kUpdate});
   core::CimPropertyString_arr values("InstallOptionsValues", nullptr);
   core::CimPropertyList in;
   core::CimPropertyList out;
@@ -183,6 +190,7 @@ Orvex_ConcreteJob& startUpdate(const bench::Adapters& adapters) {
 // Times requests of 1 MiB: until they are answered, or until their job is completed.
 void update(benchmark::State& state, bool toCompletion) {
   bench::registerAgents();
+  // The module's load hook makes it for a host; here the agent is linked in.
   const std::unique_ptr<os::OSLocker> locker = os::createOSLocker();
   const bench::Adapters adapters(1, kMebibyte);
   for (auto _ : state) {
@@ -193,7 +201,7 @@ void update(benchmark::State& state, bool toCompletion) {
       // Short beside an update, and long enough to leave the job's thread the processor.
       std::this_thread::sleep_for(std::chrono::microseconds(100));
     }
-    if (job.getJobState() != ConcreteJobState::Completed) {
+    if (job.getJobState() != cim::JobState::Completed) {
       state.SkipWithError("the update failed");
     }
     const Seconds time =

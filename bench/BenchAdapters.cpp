@@ -10,14 +10,14 @@
 namespace bench {
 namespace {
 
-constexpr std::size_t kUnit = 512;
+constexpr std::size_t kUnit = 512;  // in which a ROM image states its size
 constexpr std::uint16_t kVendor = 0x1AF4;
 constexpr std::uint16_t kDevice = 0x1041;
 constexpr unsigned kPorts = 2;
-constexpr std::size_t kDevicesPerBus = 32;
+constexpr std::size_t kDevicesPerBus = 32;  // as on a PCI bus
 constexpr const char* kRomName = "image.rom";
 constexpr const char* kSlowRomName = "slow.rom";
-constexpr std::uint8_t kSlowBus = 0xFF;
+constexpr std::uint8_t kSlowBus = 0xFF;  // the last: the others fill theirs from 0
 constexpr const char* kAdaptersName = "adapters";
 
 }  // namespace
@@ -25,6 +25,7 @@ constexpr const char* kAdaptersName = "adapters";
 void registerAgents() {
   static const bool isRegistered = [] {
     static core::SoftwareUpdateAgent agent;
+    // In the order in which a host loads the modules.
     inventory::addSoftwareInventoryAgent();
     core::GetCimBroker().addAgent(&agent);
     return true;

@@ -23,12 +23,16 @@ namespace {
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
+// Alone, a few, and more than there are processors to serve them.
 constexpr unsigned kConnections[] = {1, 4, 16};
 constexpr std::size_t kPortsPerAdapter = 2;
 constexpr std::size_t kSlowRomBytes = 512 * 1024;
-constexpr unsigned kStarts = 15;
+constexpr unsigned kStarts = 15;  // odd: one of them is the median
 constexpr milliseconds kStartPatience{10'000};
+// When memory that a load took is looked for again: it may have been given back.
 constexpr milliseconds kSettlingTime{5'000};
+// Enough to outweigh the start, and few enough to wait for: callgrind slows the host down many
+// times.
 constexpr std::size_t kProfiledRequests = 100;
 
 struct Options {
@@ -39,6 +43,7 @@ struct Options {
   std::string profile = "callgrind.out.quorveld";
 };
 
+// Serves the adapters that were made or selected last: it inherits the variable that names them.
 class Host {
  public:
   explicit Host(const std::string& program, std::vector<std::string> arguments = {})
@@ -56,9 +61,11 @@ class Host {
         static_cast<void>(bench::ask(m_port, request));
         return Clock::now() - m_start;
       } catch (const std::system_error&) {
+        // It does not listen yet.
         if (Clock::now() - m_start > kStartPatience) {
           throw std::runtime_error("the host does not come up");
         }
+        // Short beside a start, which takes milliseconds, and no load on the host.
         std::this_thread::sleep_for(std::chrono::microseconds(200));
       }
     }
@@ -162,6 +169,7 @@ void measureRates(const Options& options) {
 // While a job writes a flash, at a rate that it needs longer for than is measured.
 void measureBesideUpdate(const Options& options) {
   const bench::Adapters adapters(50);
+  // There are three measurements: time for one more, and for what is round them.
   const auto rate =
       static_cast<std::uint64_t>(static_cast<double>(kSlowRomBytes) / (4 * options.seconds + 4));
   const std::string target = adapters.addSlow(kSlowRomBytes, rate);
@@ -171,12 +179,14 @@ void measureBesideUpdate(const Options& options) {
   fixAnswer(host, service, 1);
   const std::string started =
       bench::ask(host.port(), bench::askInstallation(adapters.slowRomUri(), target));
+  // 4096: the job is started.
   if (count(started, "<VALUE>4096</VALUE>") != 1) {
     throw std::runtime_error("no update: " + started);
   }
   service.name += ", updating";
   measure(host, service, options);
   const std::string jobs = bench::ask(host.port(), enumerate("Orvex_ConcreteJob").request);
+  // 4: it is running.
   if (count(jobs, "NAME=\"JobState\" TYPE=\"uint16\"><VALUE>4</VALUE>") != 1) {
     throw std::runtime_error("the update did not last as long as the measurement");
   }

@@ -1,5 +1,6 @@
 // A client that loads an HTTP server on this machine: a number of kept connections, each with one
-// request under way, served by one thread that waits for whichever is ready.
+// request under way, served by one thread that waits for whichever is ready: it takes one processor
+// of the host's machine at the most.
 
 #ifndef ORVEX_BENCH_LOADCLIENT_H_
 #define ORVEX_BENCH_LOADCLIENT_H_

@@ -62,6 +62,7 @@ void debugEntryBelowLevel(benchmark::State& state) {
   int value = 0;
   for (auto _ : state) {
     utils::logDebug(kLog, "debugEntryBelowLevel", "size: %d", value);
+    // Another value each time: the compiler must not take the call out of the loop.
     benchmark::DoNotOptimize(++value);
   }
 }

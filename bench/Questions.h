@@ -1,4 +1,5 @@
-// The requests of CIM clients that a load is made of, as bytes.
+// The requests of CIM clients that a load is made of, as bytes: written out here, so that a load
+// stays the same when the project's own writer of requests changes.
 
 #ifndef ORVEX_BENCH_QUESTIONS_H_
 #define ORVEX_BENCH_QUESTIONS_H_

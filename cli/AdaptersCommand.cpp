@@ -8,7 +8,6 @@
 #include <string_view>
 #include <vector>
 
-#include "Os/Texts.h"
 #include "Utils/FirmwareTypes.h"
 #include "Utils/Format.h"
 #include "cli/Command.h"
@@ -19,6 +18,7 @@
 #include "client/Fault.h"
 #include "midapi/AdapterId.h"
 #include "midapi/VirtualAdapters.h"
+#include "platform/Texts.h"
 
 namespace cli {
 namespace {
@@ -149,7 +149,7 @@ client::Value toJson(const ma::AdapterListing& adapter) {
 
 void warnAboutProblems(std::ostream& err, const ma::AdapterList& list) {
   for (const ma::AdapterProblem& problem : list.problems) {
-    err << "quorvel: warning: " << os::toShownText(problem.folder)
+    err << "quorvel: warning: " << platform::toShownText(problem.folder)
         << " is passed over: " << problem.text
         << "\n  next: repair the folder, or move it out of the adapters directory\n";
   }
@@ -179,7 +179,7 @@ ExitStatus listAdapters(const Context& context) {
     }
     printJson(context.out, document);
   } else if (list.adapters.empty()) {
-    context.out << "There are no adapters in " << os::toShownText(adapters.directory())
+    context.out << "There are no adapters in " << platform::toShownText(adapters.directory())
                 << ". Make one with 'quorvel adapters add', or name another directory with "
                    "--adapters.\n";
   } else {
@@ -225,7 +225,7 @@ ma::AdapterSpec toSpec(const AddOptions& options) {
   spec.vendor = parseId(options.vendor).value();
   spec.device = parseId(options.device).value();
   spec.ports = options.ports;
-  spec.rom = os::toPath(options.rom);
+  spec.rom = platform::toPath(options.rom);
   spec.writeRate = options.rate;
   return spec;
 }
@@ -249,13 +249,13 @@ ExitStatus addAdapter(const Context& context, const AddOptions& options) {
   });
   if (made.adapters.empty()) {
     throw client::Fault("adapter " + ma::toString(spec.pci) + " was made, but is gone from " +
-                        os::toShownText(adapters.directory()) +
+                        platform::toShownText(adapters.directory()) +
                         " already; look who else works there");
   }
   if (context.options.isJson) {
     printJson(context.out, toJson(made.adapters.front()));
   } else {
-    context.out << "Added to " << os::toShownText(adapters.directory()) << ":\n";
+    context.out << "Added to " << platform::toShownText(adapters.directory()) << ":\n";
     printTable(context.out, made);
   }
   return ExitStatus::Done;

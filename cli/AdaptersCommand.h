@@ -5,10 +5,7 @@
 #define ORVEX_CLI_ADAPTERSCOMMAND_H_
 
 #include "cli/Context.h"
-
-namespace CLI {
-class App;
-}
+#include "host/ParserNames.h"
 
 namespace cli {
 

@@ -11,9 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace CLI {
-class App;
-}  // namespace CLI
+#include "host/ParserNames.h"
 
 namespace cli {
 
@@ -24,8 +22,8 @@ class Command {
 
   // A word of the command line: "--name", or "NAME" for one that stands by itself.
   struct Argument {
-    const char* name;
-    const char* description;
+    const char* name = "";
+    const char* description = "";
     const char* valueName = "";  // what stands behind an option's name in the help
     bool isRequired = false;
     Check check = nullptr;

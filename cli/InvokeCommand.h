@@ -4,10 +4,7 @@
 #define ORVEX_CLI_INVOKECOMMAND_H_
 
 #include "cli/Context.h"
-
-namespace CLI {
-class App;
-}
+#include "host/ParserNames.h"
 
 namespace cli {
 

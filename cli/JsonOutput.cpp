@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <variant>
 
-#include "Os/Texts.h"
+#include "platform/Texts.h"
 
 namespace cli {
 namespace {
@@ -56,7 +56,7 @@ std::string toText(const client::Value& document, MakeText makeText, int indent)
 }  // namespace
 
 void printJson(std::ostream& out, const client::Value& document) {
-  out << toText(document, os::toUtf8, kIndent) << '\n';
+  out << toText(document, platform::toUtf8, kIndent) << '\n';
 }
 
 std::string toJsonLine(const client::Value& document) {

@@ -10,8 +10,8 @@
 
 namespace cli {
 
-// Prints a document in UTF-8: its texts are made so (see Os/Texts.h), and bytes that are none after
-// all appear as replacement characters.
+// Prints a document in UTF-8: its texts are made so (see platform/Texts.h), and bytes that are none
+// after all appear as replacement characters.
 void printJson(std::ostream& out, const client::Value& document);
 
 // Returns a document on one line, without blanks.

@@ -3,8 +3,8 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "Os/Texts.h"
 #include "client/Fault.h"
+#include "platform/Texts.h"
 
 namespace cli {
 namespace {
@@ -12,7 +12,7 @@ namespace {
 constexpr const char* kVariable = "QUORVEL_PASSWORD";
 
 std::string readFirstLine(const std::string& file) {
-  std::ifstream stream(os::toPath(file));
+  std::ifstream stream(platform::toPath(file));
   std::string line;
   if (!stream.is_open()) {
     throw client::Fault(

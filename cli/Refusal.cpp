@@ -5,11 +5,11 @@
 #include <system_error>
 #include <utility>
 
-#include "Os/Texts.h"
 #include "Utils/RefusalTexts.h"
 #include "cim/MethodSignatures.h"
 #include "client/ErrorRecords.h"
 #include "client/Texts.h"
+#include "platform/Texts.h"
 
 namespace cli {
 namespace {
@@ -119,7 +119,8 @@ std::string adviseOnFile(const UpdateRequest& request) {
     return "";
   }
   std::error_code error;
-  const std::filesystem::file_status status = std::filesystem::status(os::toPath(path), error);
+  const std::filesystem::file_status status =
+      std::filesystem::status(platform::toPath(path), error);
   if (!std::filesystem::exists(status)) {
     return "there is no file '" + path + "'; check the path";
   }

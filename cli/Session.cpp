@@ -7,12 +7,12 @@
 
 #include "Os/Environment.h"
 #include "Os/QuorvelConfig.h"
-#include "Os/Texts.h"
 #include "cli/OpenHost.h"
 #include "client/BrokerConnection.h"
 #include "client/Fault.h"
 #include "core/CimBroker.h"
 #include "host/ModuleLoader.h"
+#include "platform/Texts.h"
 
 namespace cli {
 namespace {
@@ -36,7 +36,7 @@ constexpr OptionPlace kOptionPlaces[] = {
 };
 
 void demandReadable(const std::string& path) {
-  const std::filesystem::path file = os::toPath(path);
+  const std::filesystem::path file = platform::toPath(path);
   std::error_code error;
   if (std::filesystem::is_directory(file, error)) {
     throw client::Fault(

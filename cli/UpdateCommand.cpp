@@ -6,7 +6,6 @@
 #include <optional>
 #include <string>
 
-#include "Os/Texts.h"
 #include "cli/Command.h"
 #include "cli/JobWatch.h"
 #include "cli/JsonOutput.h"
@@ -17,6 +16,7 @@
 #include "client/Identities.h"
 #include "client/InstallationService.h"
 #include "client/Target.h"
+#include "platform/Texts.h"
 
 namespace cli {
 namespace {
@@ -58,10 +58,10 @@ struct Start {
 // Returns the path as the agent takes it. The directory that the process stands in may have a name
 // that no text holds.
 std::string nameExactly(const std::filesystem::path& path) {
-  const std::optional<std::string> text = os::toGenericText(path);
+  const std::optional<std::string> text = platform::toGenericText(path);
   if (!text) {
     throw client::Fault(
-        "the path '" + os::toShownText(path) +
+        "the path '" + platform::toShownText(path) +
         "' has characters that the code page of this system lacks; put the image into a "
         "directory with another name");
   }
@@ -72,10 +72,10 @@ Start startFromFile(client::Connection& connection, const Options& options,
                     const client::Target& target, const client::OnStart& onStart) {
   const bool isUri = options.image.starts_with("file:");
   const std::filesystem::path path =
-      isUri ? std::filesystem::path() : std::filesystem::absolute(os::toPath(options.image));
+      isUri ? std::filesystem::path() : std::filesystem::absolute(platform::toPath(options.image));
   const std::string uri = isUri ? options.image : "file://" + nameExactly(path);
   return {client::installFromUri(connection, uri, target.path, options.update, onStart),
-          {os::toShownText(path), !options.update.types.empty(), options.update.isForced,
+          {platform::toShownText(path), !options.update.types.empty(), options.update.isForced,
            connection.isRemote(), std::nullopt, connection.program()}};
 }
 

@@ -7,13 +7,13 @@
 #include <system_error>
 #include <utility>
 
-#include "Os/Texts.h"
 #include "Utils/Exception.h"
 #include "client/ErrorRecords.h"
 #include "client/Fault.h"
 #include "client/ServedClasses.h"
 #include "client/Texts.h"
 #include "core/CimPath.h"
+#include "platform/Texts.h"
 
 namespace client {
 namespace {
@@ -75,12 +75,12 @@ bool isItsName(const Identity& identity, const std::string& text) {
 
 bool isItsFile(const Identity& identity, const std::string& text) {
   std::error_code error;
-  return identity.isFile &&
-         std::filesystem::equivalent(os::toPath(identity.name), os::toPath(text), error);
+  return identity.isFile && std::filesystem::equivalent(platform::toPath(identity.name),
+                                                        platform::toPath(text), error);
 }
 
 bool isItsFileName(const Identity& identity, const std::string& text) {
-  return identity.isFile && os::toPath(identity.name).filename() == os::toPath(text);
+  return identity.isFile && platform::toPath(identity.name).filename() == platform::toPath(text);
 }
 
 struct Meaning {

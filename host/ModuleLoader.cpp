@@ -4,9 +4,9 @@
 
 #include "Os/Environment.h"
 #include "Os/SharedLibrary.h"
-#include "Os/Texts.h"
 #include "Utils/Exception.h"
 #include "core/CimBroker.h"
+#include "platform/Texts.h"
 
 namespace host {
 namespace {
@@ -25,7 +25,7 @@ void loadModule(const std::filesystem::path& path) {
   if (core::GetCimBroker().getAgents().size() == agentsBefore) {
     throw utils::Exception(
         "The module '%s' was loaded but registered no agent. The system log tells why.",
-        os::toShownText(path).c_str());
+        platform::toShownText(path).c_str());
   }
 }
 

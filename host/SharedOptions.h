@@ -5,10 +5,7 @@
 
 #include <string>
 
-namespace CLI {
-class App;
-class Validator;
-}  // namespace CLI
+#include "host/ParserNames.h"
 
 namespace host {
 

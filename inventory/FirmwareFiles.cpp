@@ -8,8 +8,8 @@
 
 #include "Os/Files.h"
 #include "Os/QuorvelConfig.h"
-#include "Os/Texts.h"
 #include "Utils/Log.h"
+#include "platform/Texts.h"
 
 namespace inventory {
 namespace {
@@ -43,7 +43,7 @@ void Search::searchDirectory(const fs::path& directory) {
     paths.push_back(entry->path());
   }
   if (error) {
-    problems.insert("Firmware directory '" + os::toShownText(directory) +
+    problems.insert("Firmware directory '" + platform::toShownText(directory) +
                     "' cannot be read: " + error.message());
   }
   // A directory lists its files in an order of its own, which clients should not depend on.
@@ -59,8 +59,8 @@ void Search::examine(const fs::path& path) {
   if (fs::is_directory(path, error) || !m_seen.insert(path).second) {
     return;
   }
-  const std::optional<std::string> name = os::toGenericText(path);
-  FirmwareFile file{name.value_or(os::toShownText(path)), {}};
+  const std::optional<std::string> name = platform::toGenericText(path);
+  FirmwareFile file{name.value_or(platform::toShownText(path)), {}};
   std::string problem =
       name ? checkFile(path) : "its path has characters that the code page of this system lacks";
   if (problem.empty()) {
@@ -91,7 +91,7 @@ std::string Search::checkFile(const fs::path& path) {
 
 std::vector<std::uint8_t> readFirmwareFile(const std::string& path) {
   std::error_code error;
-  const std::uintmax_t size = fs::file_size(os::toPath(path), error);
+  const std::uintmax_t size = fs::file_size(platform::toPath(path), error);
   if (error || size > kMaxFirmwareFile) {
     return {};
   }
@@ -105,7 +105,7 @@ std::vector<std::uint8_t> readFirmwareFile(const std::string& path) {
 std::vector<FirmwareFile> FirmwareFiles::find() {
   Search search;
   for (const std::string& directory : utils::QuorvelConfig::getInstance()->getFWFilePaths()) {
-    search.searchDirectory(os::toPath(directory));
+    search.searchDirectory(platform::toPath(directory));
   }
   report(std::move(search.problems));
   return std::move(search.files);

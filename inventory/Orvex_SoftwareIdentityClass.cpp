@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "Os/Texts.h"
 #include "midapi/MidApi.h"
+#include "platform/Texts.h"
 
 namespace {
 
@@ -60,8 +60,9 @@ std::string joinVersions(const std::vector<utils::FirmwareVersionInfo>& firmware
 class ImageFile final : public AdapterSoftware {
  public:
   explicit ImageFile(const FirmwareFile& file) : m_path(file.path) {
-    setSoftwareValues(*this, "Orvex:FirmwareFile:" + m_path,
-                      "Firmware image " + os::toShownText(os::toPath(m_path).filename()));
+    setSoftwareValues(
+        *this, "Orvex:FirmwareFile:" + m_path,
+        "Firmware image " + platform::toShownText(platform::toPath(m_path).filename()));
     describeImages(file.images);
   }
 

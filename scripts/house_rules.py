@@ -14,21 +14,17 @@ MAY_INCLUDE = {
     "core": ["core", "Utils"],
     "cim": ["cim", "core", "Utils"],
     "midapi": ["midapi", "platform", MIDAPI_VOCABULARY],
-    "inventory": ["inventory", "cim", "core", "Os", "Utils", "midapi"],
+    "inventory": ["inventory", "cim", "core", "Os", "Utils", "platform", "midapi"],
     "agent": ["agent", INSTANCE_CLASSES, "cim", "core", "Os", "Utils", "platform", "midapi"],
     "cimxml": ["cimxml", "core", "Utils"],
     "http": ["http", "Utils"],
     "wbem": ["wbem", "cimxml", "cim", "core", "Os", "Utils"],
-    "host": ["host", "core", "Os", "Utils"],
-    "daemon": ["daemon", "host", "http", "wbem", "cimxml", "core", "Os", "Utils"],
-    "client": ["client", "http", "cimxml", "cim", "core", "Os", "Utils"],
-    "cli": ["cli", "client", "host", "midapi", "cim", "core", "Os", "Utils"],
+    "host": ["host", "core", "Os", "Utils", "platform"],
+    "daemon": ["daemon", "host", "http", "wbem", "cimxml", "core", "Os", "Utils", "platform"],
+    "client": ["client", "http", "cimxml", "cim", "core", "Utils", "platform"],
+    "cli": ["cli", "client", "host", "midapi", "cim", "core", "Os", "Utils", "platform"],
     "tests": None,  # anything
     "bench": None,
-}
-
-# Units (X.h and X.cpp, written as their common path) that stand in a circle of includes for now.
-KNOWN_CIRCLES = {
 }
 
 # The namespaces that the files of a folder open (the longest folder counts), with the reason for each that
@@ -48,7 +44,7 @@ NAMESPACES = {
     "host": {"host": None, "CLI": "declares the argument parser without its header"},
     "daemon": {"quorveld": "the program's name: unistd.h declares a function daemon"},
     "client": {"client": None},
-    "cli": {"cli": None, "CLI": "declares the argument parser without its header"},
+    "cli": {"cli": None},
     "bench": {"bench": None},
     "tests": {"test": None},
     "tests/core": {"test": None, "core": "a printer stands in the namespace of what it prints"},
@@ -56,9 +52,6 @@ NAMESPACES = {
     "tests/modules": {"test": None, "core": "a printer stands in the namespace of what it prints"},
     "tests/cli": {"test": None, "cli": "a printer stands in the namespace of what it prints"},
     "tests/client": {"test": None, "client": "a printer stands in the namespace of what it prints"},
-    # Temporary: tests in the namespace that they test.
-    "tests/http": {"test": None, "http": "today's way"},
-    "tests/midapi": {"test": None, "ma": "today's way"},
 }
 # What headers of a folder may declare outside of all namespaces: pattern and reason.
 GLOBAL_NAMES = {
@@ -79,16 +72,6 @@ GLOBAL_NAMES = {
 # safety does not see.
 PLAIN_MUTEX = {
     "platform/Mutex.h": "the annotated mutex is made of it",
-}
-
-# Headers with fixtures that are not named as fixtures are.
-FIXTURES_NAMED_OTHERWISE = {
-    # Temporary: to be renamed.
-    "FlashWriteTest.h": "to be FlashWriteFixture.h",
-    "FirmwareDirectoryTest.h": "to be FirmwareDirectoryFixture.h",
-    "HostTest.h": "to be HostFixture.h",
-    "QuorvelTest.h": "to be QuorvelFixture.h",
-    "QuorveldTest.h": "to be QuorveldFixture.h",
 }
 
 # Folders that speak to one operating system.

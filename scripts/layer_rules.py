@@ -222,11 +222,8 @@ def unit_of(path):
     return path.rsplit(".", 1)[0]
 
 
-def include_circle_faults(files, known):
-    """Finds the units of one folder that include each other.
-
-    `known` names units, with the reason for which the circle that each is in may stand for now.
-    """
+def include_circle_faults(files):
+    """Finds the units of one folder that include each other."""
     graph, places = {}, {}
     for source in files:
         if not source.is_cxx:
@@ -237,17 +234,11 @@ def include_circle_faults(files, known):
             if included != unit and included.split("/")[0] == source.top:
                 graph.setdefault(unit, set()).add(included)
                 places.setdefault((unit, included), (source.path, line))
-    faults, seen = [], set()
+    faults = []
     for circle in circles(graph):
-        seen.update(circle)
-        if any(unit in known for unit in circle):
-            continue
         path, line = min(place for (unit, included), place in places.items()
                          if unit in circle and included in circle)
         faults.append((path, line, "include-circle",
                        f"{', '.join(circle)} include each other in a circle; move what they share "
                        "into a header of its own"))
-    if any(source.path == TABLES for source in files):
-        faults += [(TABLES, 1, "include-circle", f"KNOWN_CIRCLES: {unit} is in no circle any more; "
-                    "delete the entry") for unit in sorted(known) if unit not in seen]
     return faults

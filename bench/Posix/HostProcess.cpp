@@ -16,7 +16,7 @@
 namespace bench {
 namespace {
 
-constexpr int kSignalStatus = 128;
+constexpr int kSignalStatus = 128;  // as shells count
 
 int awaitEnd(int process) {
   int status = 0;
@@ -30,6 +30,7 @@ int awaitEnd(int process) {
 
 }  // namespace
 
+// The host could choose one itself, but would print it where nobody reads.
 std::uint16_t findFreePort() {
   const int descriptor = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
   sockaddr_in address{};
@@ -59,6 +60,7 @@ HostProcess::HostProcess(const std::filesystem::path& program,
   pointers.push_back(nullptr);
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
+  // What it prints would stand between the results.
   posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
   const int error =
       posix_spawn(&m_process, program.c_str(), &actions, nullptr, pointers.data(), environ);

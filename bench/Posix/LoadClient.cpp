@@ -19,8 +19,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::size_t kReadSize = 256 * 1024;
-constexpr int kPatience = 30'000;  // milliseconds
+constexpr std::size_t kReadSize = 256 * 1024;  // an answer of 100 ports, whole
+constexpr int kPatience = 30'000;              // milliseconds
 constexpr std::string_view kHeaderEnd = "\r\n\r\n";
 constexpr std::string_view kLengthField = "\r\nContent-Length: ";
 
@@ -40,6 +40,7 @@ class Connection {
     address.sin_family = AF_INET;
     address.sin_port = htons(port);
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    // A request must not wait for the acknowledgement of what was sent before it.
     const int on = 1;
     if (connect(m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0 ||
         setsockopt(m_socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof(on)) != 0) {
@@ -62,6 +63,7 @@ class Connection {
     m_expected = 0;
     m_sentAt = Clock::now();
     while (!request.empty()) {
+      // Blocks at no time worth mentioning: a request is small beside the socket's buffer.
       const ssize_t sent = ::send(m_socket, request.data(), request.size(), MSG_NOSIGNAL);
       if (sent < 0) {
         throwSystemError("send");
@@ -177,6 +179,7 @@ LoadResult load(std::uint16_t port, const std::vector<Question>& questions,
       if (polled[index].revents == 0 || !connection.receive()) {
         continue;
       }
+      // First: the comparison is no time of the server's.
       result.latencies.push_back(Clock::now() - connection.sentAt());
       check(questions[connection.question()], connection);
       --underWay;

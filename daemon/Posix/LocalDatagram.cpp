@@ -6,7 +6,7 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 
-#include "Os/Posix/Descriptor.h"
+#include "platform/Posix/Descriptor.h"
 
 namespace quorveld {
 namespace {
@@ -27,7 +27,7 @@ int sendLocalDatagram(const std::string& socket, const std::string& text) {
   }
   // All bytes within the length belong to an abstract name.
   const std::size_t length = offsetof(sockaddr_un, sun_path) + socket.size();
-  const os::Descriptor sender(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+  const platform::Descriptor sender(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
   if (!sender.isOpen()) {
     return errno;
   }

@@ -20,11 +20,11 @@ namespace {
 
 constexpr utils::LogSource kLog{"StopSignals"};
 
-os::Descriptor demand(int descriptor, const char* call) {
+platform::Descriptor demand(int descriptor, const char* call) {
   if (descriptor < 0) {
     throw std::system_error(errno, std::generic_category(), call);
   }
-  return os::Descriptor(descriptor);
+  return platform::Descriptor(descriptor);
 }
 
 bool isIgnored(int signal) {

@@ -10,7 +10,7 @@
 #include <functional>
 #include <thread>
 
-#include "Os/Posix/Descriptor.h"
+#include "platform/Posix/Descriptor.h"
 
 namespace quorveld {
 
@@ -30,7 +30,7 @@ class StopSignals {
     void serve(int signals) const;
 
     const std::function<void()> m_stop;
-    os::Descriptor m_end;
+    platform::Descriptor m_end;
     std::thread m_thread;
   };
 
@@ -42,7 +42,7 @@ class StopSignals {
   StopSignals& operator=(const StopSignals&) = delete;
 
  private:
-  os::Descriptor m_signals;
+  platform::Descriptor m_signals;
 };
 
 }  // namespace quorveld

@@ -1,7 +1,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
-#include "tests/cli/QuorvelTest.h"
+#include "tests/support/QuorvelFixture.h"
 #include "tests/support/Regex.h"
 
 namespace {
@@ -13,7 +13,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-class AdaptersCommandTest : public test::QuorvelTest {
+class AdaptersCommandTest : public test::QuorvelFixture {
  protected:
   // Returns the arguments that add a sound adapter, with one option given another value.
   Arguments addWith(const std::string& option, const std::string& value) const {

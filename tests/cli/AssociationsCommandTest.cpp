@@ -1,6 +1,6 @@
 #include <nlohmann/json.hpp>
 
-#include "tests/cli/QuorvelTest.h"
+#include "tests/support/QuorvelFixture.h"
 
 namespace {
 
@@ -13,7 +13,7 @@ using testing::SizeIs;
 constexpr const char* kProfile =
     "Orvex_RegisteredProfile.InstanceID=\"Orvex:SoftwareUpdate_Profile\"";
 
-class AssociationsCommandTest : public test::QuorvelTest {
+class AssociationsCommandTest : public test::QuorvelFixture {
  protected:
   // Returns the object path of an instance of the class, the first one.
   [[nodiscard]] std::string pathOf(const std::string& className) const {

@@ -1,6 +1,6 @@
 #include <nlohmann/json.hpp>
 
-#include "tests/cli/FirmwareDirectoryTest.h"
+#include "tests/cli/FirmwareDirectoryFixture.h"
 #include "tests/support/Regex.h"
 
 namespace {
@@ -11,7 +11,7 @@ using testing::HasSubstr;
 
 constexpr const char* kAdapter = "0000:03:00";
 
-class CheckCommandTest : public test::FirmwareDirectoryTest {
+class CheckCommandTest : public test::FirmwareDirectoryFixture {
  protected:
   [[nodiscard]] Arguments check(const std::string& target, const std::string& identity) const {
     return configured({"check", target, identity});

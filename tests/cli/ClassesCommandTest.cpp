@@ -1,6 +1,6 @@
 #include <nlohmann/json.hpp>
 
-#include "tests/cli/QuorvelTest.h"
+#include "tests/support/QuorvelFixture.h"
 #include "tests/support/Regex.h"
 
 namespace {
@@ -10,7 +10,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-class ClassesCommandTest : public test::QuorvelTest {
+class ClassesCommandTest : public test::QuorvelFixture {
  protected:
   [[nodiscard]] Json agentsOf(const std::string& className) const {
     for (const Json& entry : runJson({"classes"})) {

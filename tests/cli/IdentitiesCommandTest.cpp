@@ -1,7 +1,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
-#include "tests/cli/FirmwareDirectoryTest.h"
+#include "tests/cli/FirmwareDirectoryFixture.h"
 #include "tests/support/Regex.h"
 
 namespace {
@@ -16,7 +16,7 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
 
-class IdentitiesCommandTest : public test::FirmwareDirectoryTest {
+class IdentitiesCommandTest : public test::FirmwareDirectoryFixture {
  protected:
   [[nodiscard]] ProgramResult show() const { return run(configured({"identities"})); }
   [[nodiscard]] Json showJson() const { return runJson(configured({"identities"})); }

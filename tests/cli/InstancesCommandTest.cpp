@@ -1,6 +1,6 @@
 #include <nlohmann/json.hpp>
 
-#include "tests/cli/QuorvelTest.h"
+#include "tests/support/QuorvelFixture.h"
 
 namespace {
 
@@ -16,7 +16,7 @@ constexpr const char* kPortPath =
     "Orvex_EthernetPort.SystemCreationClassName=\"CIM_UnitaryComputerSystem\",SystemName=\"lab\","
     "CreationClassName=\"Orvex_EthernetPort\",DeviceID=\"0000:03:00.0\"";
 
-class InstancesCommandTest : public test::QuorvelTest {};
+class InstancesCommandTest : public test::QuorvelFixture {};
 
 TEST_F(InstancesCommandTest, PrintsPathAndPropertiesOfEachInstance) {
   addPxeAdapter("0000:03:00", 2);

@@ -1,6 +1,6 @@
 #include <nlohmann/json.hpp>
 
-#include "tests/cli/QuorvelTest.h"
+#include "tests/support/QuorvelFixture.h"
 
 namespace {
 
@@ -11,7 +11,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-class InvokeCommandTest : public test::QuorvelTest {
+class InvokeCommandTest : public test::QuorvelFixture {
  protected:
   // Returns the object path of the service, or of an instance by its DeviceID.
   [[nodiscard]] std::string pathOf(const std::string& className,

@@ -1,6 +1,6 @@
 #include <nlohmann/json.hpp>
 
-#include "tests/cli/QuorvelTest.h"
+#include "tests/support/QuorvelFixture.h"
 
 namespace {
 
@@ -8,7 +8,7 @@ using test::ProgramResult;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class JobsCommandTest : public test::QuorvelTest {};
+class JobsCommandTest : public test::QuorvelFixture {};
 
 TEST_F(JobsCommandTest, SaysWhereJobsAreWhereThereIsNone) {
   const ProgramResult result = run({"jobs"});

@@ -1,4 +1,4 @@
-#include "tests/cli/QuorvelTest.h"
+#include "tests/support/QuorvelFixture.h"
 #include "tests/support/Regex.h"
 
 namespace {
@@ -9,7 +9,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-class ProgramTest : public test::QuorvelTest {};
+class ProgramTest : public test::QuorvelFixture {};
 
 TEST_F(ProgramTest, PrintsItsVersionInFrontOfAndBehindACommand) {
   for (const Arguments& arguments : {Arguments{"--version"}, Arguments{"adapters", "--version"}}) {

@@ -1,6 +1,6 @@
 #include <nlohmann/json.hpp>
 
-#include "tests/cli/QuorvelTest.h"
+#include "tests/support/QuorvelFixture.h"
 #include "tests/support/Regex.h"
 #include "tests/support/Settings.h"
 
@@ -13,7 +13,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-class SessionTest : public test::QuorvelTest {
+class SessionTest : public test::QuorvelFixture {
  protected:
   SessionTest() { m_settings.write({}); }
 

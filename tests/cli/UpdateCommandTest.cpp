@@ -1,7 +1,7 @@
 #include <nlohmann/json.hpp>
 
-#include "tests/cli/QuorvelTest.h"
 #include "tests/support/CurrentDirectory.h"
+#include "tests/support/QuorvelFixture.h"
 #include "tests/support/Regex.h"
 
 namespace {
@@ -19,7 +19,7 @@ using testing::StartsWith;
 constexpr const char* kAdapter = "0000:03:00";
 constexpr const char* kPort = "0000:03:00.0";
 
-class UpdateCommandTest : public test::QuorvelTest {
+class UpdateCommandTest : public test::QuorvelFixture {
  protected:
   // Runs an update that is refused, as text and as a document.
   void expectRefusal(const Arguments& arguments, unsigned returnValue, const std::string& text,

@@ -2,7 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "tests/cli/FirmwareDirectoryTest.h"
+#include "tests/cli/FirmwareDirectoryFixture.h"
 
 namespace {
 
@@ -14,7 +14,7 @@ using testing::StartsWith;
 
 constexpr const char* kAdapter = "0000:03:00";
 
-class UpdateFromIdentityTest : public test::FirmwareDirectoryTest {
+class UpdateFromIdentityTest : public test::FirmwareDirectoryFixture {
  protected:
   [[nodiscard]] Arguments update(const std::string& identity) const {
     return configured({"update", kAdapter, "--identity", identity});

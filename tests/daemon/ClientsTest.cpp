@@ -14,7 +14,7 @@
 #include "cimxml/Response.h"
 #include "core/CimPropertyTypes.h"
 #include "http/Client.h"
-#include "tests/daemon/Posix/QuorveldTest.h"
+#include "tests/daemon/Posix/QuorveldFixture.h"
 
 namespace {
 
@@ -225,7 +225,7 @@ class Client {
   int m_progress = 0;
 };
 
-using ClientsTest = test::QuorveldTest;
+using ClientsTest = test::QuorveldFixture;
 
 TEST_F(ClientsTest, AreServedAllAtOnceBesideAnUpdate) {
   const auto image = [](std::uint8_t version) { return pxe(version).units(kRomUnits); };

@@ -6,7 +6,7 @@
 
 #include "daemon/Daemon.h"
 #include "tests/daemon/Posix/DatagramSocket.h"
-#include "tests/daemon/Posix/QuorveldTest.h"
+#include "tests/daemon/Posix/QuorveldFixture.h"
 #include "tests/support/Regex.h"
 #include "tests/support/WaitUntil.h"
 
@@ -17,7 +17,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-class DaemonTest : public test::QuorveldTest {
+class DaemonTest : public test::QuorveldFixture {
  protected:
   // Runs the program to its end.
   [[nodiscard]] test::ProgramResult runDaemon(const Arguments& arguments) const {

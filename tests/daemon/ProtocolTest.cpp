@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "tests/daemon/Posix/QuorveldTest.h"
+#include "tests/daemon/Posix/QuorveldFixture.h"
 
 namespace {
 
@@ -72,7 +72,7 @@ struct HttpRequest {
   }
 };
 
-class ProtocolTest : public test::QuorveldTest {
+class ProtocolTest : public test::QuorveldFixture {
  protected:
   void SetUp() override {
     addPxeAdapter("0000:03:00", 2);

@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "tests/daemon/Posix/QuorveldTest.h"
+#include "tests/daemon/Posix/QuorveldFixture.h"
 #include "tests/support/Regex.h"
 #include "tests/support/WaitUntil.h"
 
@@ -18,7 +18,7 @@ using testing::Not;
 const std::string kAnna = "anna:secret";  // an operator
 const std::string kBert = "bert:secret";  // a reader
 
-class WbemcliTest : public test::QuorveldTest {
+class WbemcliTest : public test::QuorveldFixture {
  protected:
   void SetUp() override {
     addAdapter("0000:03:00", writeRom("installed.rom", {pxe(2)}), 2);

@@ -5,9 +5,13 @@
 #include "tests/support/LogCapture.h"
 #include "tests/support/Throws.h"
 
-namespace http {
 namespace {
 
+namespace asio = http::asio;
+using http::Endpoint;
+using http::Listener;
+using http::openListeners;
+using http::SetupFault;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::SizeIs;
@@ -87,4 +91,3 @@ TEST_F(AcceptorsTest, NeedAnEndpoint) {
 }
 
 }  // namespace
-}  // namespace http

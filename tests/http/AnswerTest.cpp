@@ -2,8 +2,19 @@
 
 #include "http/Answer.h"
 
-namespace http {
 namespace {
+
+using http::clear;
+using http::Ending;
+using http::kStatusNoContent;
+using http::kStatusNotFound;
+using http::kStatusOk;
+using http::kStatusServiceUnavailable;
+using http::kStatusUnauthorized;
+using http::Refusal;
+using http::Response;
+using http::setRefusal;
+using http::writeHead;
 
 TEST(WriteHead, SaysStatusTypeAndLength) {
   Response response;
@@ -87,4 +98,3 @@ TEST(SetRefusal, IsShortPlainTextAndTheEnd) {
 }
 
 }  // namespace
-}  // namespace http

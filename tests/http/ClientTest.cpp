@@ -14,10 +14,16 @@
 #include "tests/http/TestServer.h"
 #include "tests/support/WaitUntil.h"
 
-namespace http {
 namespace {
 
 using namespace std::chrono_literals;
+using http::Client;
+using http::ClientFault;
+using http::ClientOptions;
+using http::ClientResponse;
+using http::Request;
+using http::Response;
+using http::ServerOptions;
 using test::TestServer;
 using testing::AllOf;
 using testing::HasSubstr;
@@ -455,4 +461,3 @@ TEST(Client, DoesNotRepeatARequestWhoseAnswerHadBegun) {
 }
 
 }  // namespace
-}  // namespace http

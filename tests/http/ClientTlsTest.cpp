@@ -5,9 +5,12 @@
 #include "http/ClientTls.h"
 #include "tests/http/TestServer.h"
 
-namespace http {
 namespace {
 
+using http::Client;
+using http::ClientFault;
+using http::ClientOptions;
+using http::ServerOptions;
 using testing::HasSubstr;
 
 class ClientTlsTest : public testing::Test {
@@ -89,4 +92,3 @@ TEST_F(ClientTlsTest, SaysThatAPortDoesNotSpeakTls) {
 }
 
 }  // namespace
-}  // namespace http

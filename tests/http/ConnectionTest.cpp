@@ -11,10 +11,13 @@
 #include "tests/support/LogCapture.h"
 #include "tests/support/WaitUntil.h"
 
-namespace http {
 namespace {
 
 using namespace std::chrono_literals;
+using http::Clock;
+using http::Request;
+using http::Response;
+using http::ServerOptions;
 using test::bodyOf;
 using test::RawClient;
 using test::statusOf;
@@ -436,4 +439,3 @@ TEST_P(ConnectionTest, SurvivesClientsThatAreGoneBeforeTheAnswer) {
 }
 
 }  // namespace
-}  // namespace http

@@ -2,8 +2,10 @@
 
 #include "http/Endpoint.h"
 
-namespace http {
 namespace {
+
+using http::Endpoint;
+using http::joinHostAndPort;
 
 TEST(Endpoint, IsWrittenAsAUserDoes) {
   EXPECT_EQ((Endpoint{"127.0.0.1", 5988, false}).text(), "127.0.0.1:5988");
@@ -16,4 +18,3 @@ TEST(JoinHostAndPort, PutsBracketsRoundWhatHasColons) {
 }
 
 }  // namespace
-}  // namespace http

@@ -2,8 +2,10 @@
 
 #include "http/Exchange.h"
 
-namespace http {
 namespace {
+
+using http::Exchange;
+using http::ExchangePool;
 
 TEST(ExchangePool, LendsWhatWasUsedLast) {
   ExchangePool pool;
@@ -78,4 +80,3 @@ TEST(ExchangePool, KeepsABoundedNumber) {
 }
 
 }  // namespace
-}  // namespace http

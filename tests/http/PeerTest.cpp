@@ -2,8 +2,10 @@
 
 #include "http/Peer.h"
 
-namespace http {
 namespace {
+
+using http::describePeer;
+using http::Peer;
 
 struct PeerCase {
   const char* address;
@@ -31,4 +33,3 @@ INSTANTIATE_TEST_SUITE_P(, DescribePeer,
                                          PeerCase{"::ffff:127.0.0.1", "127.0.0.1", true}));
 
 }  // namespace
-}  // namespace http

@@ -4,8 +4,9 @@
 
 #include "http/ReadBuffer.h"
 
-namespace http {
 namespace {
+
+using http::ReadBuffer;
 
 TEST(ReadBuffer, HandsOutWhatWasReadInOrder) {
   ReadBuffer buffer;
@@ -39,4 +40,3 @@ TEST(ReadBuffer, ReadsMoreAtOnceWhereMuchComesAndGivesThatUp) {
 }
 
 }  // namespace
-}  // namespace http

@@ -3,8 +3,9 @@
 
 #include "http/RequestMessage.h"
 
-namespace http {
 namespace {
+
+using http::RequestMessage;
 
 std::string targetOf(const std::string& requested) {
   RequestMessage message;
@@ -46,4 +47,3 @@ TEST(RequestMessage, IsEmptyWhenItHasBeenCleared) {
 }
 
 }  // namespace
-}  // namespace http

@@ -4,9 +4,11 @@
 
 #include "http/RequestParser.h"
 
-namespace http {
 namespace {
 
+using http::RequestLimits;
+using http::RequestMessage;
+using http::RequestParser;
 using testing::HasSubstr;
 
 constexpr RequestLimits kLimits{1000, 100};
@@ -348,4 +350,3 @@ TEST(RequestParser, WithstandsDamagedRequests) {
 }
 
 }  // namespace
-}  // namespace http

@@ -3,9 +3,10 @@
 
 #include "http/ResponseReader.h"
 
-namespace http {
 namespace {
 
+using http::ClientResponse;
+using http::ResponseReader;
 using testing::ElementsAre;
 using testing::Pair;
 
@@ -126,4 +127,3 @@ TEST(ResponseReaderOfHead, ExpectsNoBody) {
 }
 
 }  // namespace
-}  // namespace http

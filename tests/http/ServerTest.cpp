@@ -15,10 +15,14 @@
 #include "tests/support/Throws.h"
 #include "tests/support/WaitUntil.h"
 
-namespace http {
 namespace {
 
 using namespace std::chrono_literals;
+using http::Request;
+using http::Response;
+using http::Server;
+using http::ServerOptions;
+using http::SetupFault;
 using test::bodyOf;
 using test::RawClient;
 using test::statusOf;
@@ -489,4 +493,3 @@ TEST(Server, TriesOnWhereDescriptorsHaveRunOut) {
 }
 
 }  // namespace
-}  // namespace http

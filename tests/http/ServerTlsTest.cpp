@@ -5,9 +5,10 @@
 #include "tests/http/Certificates.h"
 #include "tests/support/Throws.h"
 
-namespace http {
 namespace {
 
+using http::makeServerTls;
+using http::SetupFault;
 using testing::AllOf;
 using testing::HasSubstr;
 
@@ -81,4 +82,3 @@ TEST_F(ServerTlsTest, DoesNotAskForThePassphraseOfAKey) {
 }
 
 }  // namespace
-}  // namespace http

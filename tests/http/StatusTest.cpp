@@ -2,45 +2,45 @@
 
 #include "http/Status.h"
 
-namespace http {
 namespace {
 
 TEST(ReasonOf, KnowsTheStatusesThatServersGive) {
-  EXPECT_EQ(reasonOf(200), "OK");
-  EXPECT_EQ(reasonOf(401), "Unauthorized");
-  EXPECT_EQ(reasonOf(505), "HTTP Version Not Supported");
+  EXPECT_EQ(http::reasonOf(200), "OK");
+  EXPECT_EQ(http::reasonOf(401), "Unauthorized");
+  EXPECT_EQ(http::reasonOf(505), "HTTP Version Not Supported");
 }
 
 TEST(ReasonOf, HasWordsForEachStatusThatIsNamed) {
   for (const unsigned status :
-       {kStatusContinue, kStatusOk, kStatusNoContent, kStatusNotModified, kStatusBadRequest,
-        kStatusUnauthorized, kStatusForbidden, kStatusNotFound, kStatusMethodNotAllowed,
-        kStatusRequestTimeout, kStatusContentTooLarge, kStatusUnsupportedMediaType,
-        kStatusExpectationFailed, kStatusTooManyRequests, kStatusHeaderFieldsTooLarge,
-        kStatusInternalServerError, kStatusNotImplemented, kStatusServiceUnavailable,
-        kStatusVersionNotSupported}) {
-    EXPECT_NE(reasonOf(status), "Unknown") << status;
+       {http::kStatusContinue, http::kStatusOk, http::kStatusNoContent, http::kStatusNotModified,
+        http::kStatusBadRequest, http::kStatusUnauthorized, http::kStatusForbidden,
+        http::kStatusNotFound, http::kStatusMethodNotAllowed, http::kStatusRequestTimeout,
+        http::kStatusContentTooLarge, http::kStatusUnsupportedMediaType,
+        http::kStatusExpectationFailed, http::kStatusTooManyRequests,
+        http::kStatusHeaderFieldsTooLarge, http::kStatusInternalServerError,
+        http::kStatusNotImplemented, http::kStatusServiceUnavailable,
+        http::kStatusVersionNotSupported}) {
+    EXPECT_NE(http::reasonOf(status), "Unknown") << status;
   }
 }
 
 TEST(ReasonOf, IsUnknownForAnyOtherStatus) {
-  EXPECT_EQ(reasonOf(299), "Unknown");
+  EXPECT_EQ(http::reasonOf(299), "Unknown");
 }
 
 TEST(IsInterim, IsWhatAnnouncesAnAnswer) {
-  EXPECT_TRUE(isInterim(kStatusContinue));
-  EXPECT_TRUE(isInterim(199));
-  EXPECT_FALSE(isInterim(kStatusOk));
-  EXPECT_FALSE(isInterim(kStatusVersionNotSupported));
+  EXPECT_TRUE(http::isInterim(http::kStatusContinue));
+  EXPECT_TRUE(http::isInterim(199));
+  EXPECT_FALSE(http::isInterim(http::kStatusOk));
+  EXPECT_FALSE(http::isInterim(http::kStatusVersionNotSupported));
 }
 
 TEST(HasBody, IsSoButForThoseThatSayNothingMore) {
-  EXPECT_TRUE(hasBody(kStatusOk));
-  EXPECT_TRUE(hasBody(kStatusNotFound));
-  EXPECT_FALSE(hasBody(kStatusContinue));
-  EXPECT_FALSE(hasBody(kStatusNoContent));
-  EXPECT_FALSE(hasBody(kStatusNotModified));
+  EXPECT_TRUE(http::hasBody(http::kStatusOk));
+  EXPECT_TRUE(http::hasBody(http::kStatusNotFound));
+  EXPECT_FALSE(http::hasBody(http::kStatusContinue));
+  EXPECT_FALSE(http::hasBody(http::kStatusNoContent));
+  EXPECT_FALSE(http::hasBody(http::kStatusNotModified));
 }
 
 }  // namespace
-}  // namespace http

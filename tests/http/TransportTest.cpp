@@ -6,10 +6,11 @@
 #include "tests/http/TestServer.h"
 #include "tests/support/Throws.h"
 
-namespace http {
 namespace {
 
 using namespace std::chrono_literals;
+using http::Clock;
+using http::ServerOptions;
 using test::RawClient;
 using test::TestServer;
 using testing::AllOf;
@@ -108,4 +109,3 @@ TEST(PlainTransport, RefusesAnEncryptedClientAndGoesOn) {
 }
 
 }  // namespace
-}  // namespace http

@@ -9,9 +9,12 @@
 #include "tests/midapi/AdapterFixture.h"
 #include "tests/midapi/WatchedFileSystem.h"
 
-namespace ma {
 namespace {
 
+using ma::AdapterAddress;
+using ma::AdapterCache;
+using ma::FlashFault;
+using ma::nativeFileSystem;
 using testing::AnyOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -139,4 +142,3 @@ TEST_F(AdapterCacheTest, ShowsEachOfManyReadersAWholeDescriptionWhileItIsReplace
 }
 
 }  // namespace
-}  // namespace ma

@@ -3,9 +3,18 @@
 
 #include "midapi/AdapterDescription.h"
 
-namespace ma {
 namespace {
 
+using ma::AdapterAddress;
+using ma::AdapterDescription;
+using ma::BootType;
+using ma::DescriptionFault;
+using ma::formatDescription;
+using ma::InjectedFault;
+using ma::InjectedWriteFault;
+using ma::parseDescription;
+using ma::withBootType;
+using ma::withCapabilityWord;
 using nlohmann::json;
 using testing::HasSubstr;
 using testing::Optional;
@@ -159,4 +168,3 @@ TEST(AdapterDescription, IsNotChangedWhenItIsNotValid) {
 }
 
 }  // namespace
-}  // namespace ma

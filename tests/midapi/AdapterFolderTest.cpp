@@ -4,9 +4,11 @@
 #include "tests/midapi/AdapterFixture.h"
 #include "tests/midapi/WatchedFileSystem.h"
 
-namespace ma {
 namespace {
 
+using ma::AdapterFolder;
+using ma::BootType;
+using ma::FlashFault;
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -99,4 +101,3 @@ TEST_F(AdapterFolderTest, KeepsTheDescriptionWhenItCannotBeReplaced) {
 }
 
 }  // namespace
-}  // namespace ma

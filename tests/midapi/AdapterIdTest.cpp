@@ -2,9 +2,16 @@
 
 #include "midapi/AdapterId.h"
 
-namespace ma {
 namespace {
 
+using ma::AdapterAddress;
+using ma::parseAdapterAddress;
+using ma::parseCanonicalPortId;
+using ma::parseFolderName;
+using ma::parsePortId;
+using ma::PortId;
+using ma::toFolderName;
+using ma::toString;
 using testing::Eq;
 using testing::Optional;
 
@@ -57,4 +64,3 @@ TEST(AdapterId, OrdersPortsByPciAddress) {
 }
 
 }  // namespace
-}  // namespace ma

@@ -4,9 +4,13 @@
 #include "tests/midapi/WatchedFileSystem.h"
 #include "tests/support/TempDirectory.h"
 
-namespace ma {
 namespace {
 
+using ma::FileBytes;
+using ma::FileFault;
+using ma::FileSystem;
+using ma::nativeFileSystem;
+using ma::replaceContent;
 using Bytes = std::vector<std::uint8_t>;
 using test::TempDirectory;
 using test::WatchedFileSystem;
@@ -141,4 +145,3 @@ TEST_F(ReplaceContent, ShowsReadersTheOldContentUntilTheLastMoment) {
 }
 
 }  // namespace
-}  // namespace ma

@@ -2,8 +2,10 @@
 
 #include "midapi/FlashBackend.h"
 
-namespace ma {
 namespace {
+
+using ma::FlashError;
+using ma::FlashFault;
 
 TEST(FlashFault, SaysWhatAndWhere) {
   const FlashFault fault(FlashError::NotUpdatable, "0000:03:00.0");
@@ -26,4 +28,3 @@ TEST(FlashFault, HasATextForEveryError) {
 }
 
 }  // namespace
-}  // namespace ma

@@ -1,12 +1,12 @@
-#include "tests/midapi/FlashWriteTest.h"
-
 #include <chrono>
 #include <fstream>
 #include <gmock/gmock.h>
 
-namespace ma {
+#include "tests/midapi/FlashWriteFixture.h"
+
 namespace {
 
+using ma::FileBytes;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 using test::WatchedFileSystem;
@@ -17,6 +17,7 @@ using testing::Le;
 using testing::Pair;
 
 using Bytes = std::vector<std::uint8_t>;
+using FlashWriteTest = test::FlashWriteFixture;
 
 TEST_F(FlashWriteTest, ReplacesTheFlashInBlocks) {
   write();
@@ -202,4 +203,3 @@ TEST_F(FlashWriteTest, OverwritesWhatAKilledProcessLeft) {
 }
 
 }  // namespace
-}  // namespace ma

@@ -2,9 +2,10 @@
 
 #include "midapi/Hex.h"
 
-namespace ma {
 namespace {
 
+using ma::hexText;
+using ma::parseHex;
 using testing::Eq;
 using testing::Optional;
 
@@ -25,4 +26,3 @@ TEST(Hex, ReadsWholeTextsOnly) {
 }
 
 }  // namespace
-}  // namespace ma

@@ -4,9 +4,17 @@
 #include "tests/support/RomBuilder.h"
 #include "tests/support/RomParser.h"
 
-namespace ma {
 namespace {
 
+using ma::AdapterFacts;
+using ma::checkAdapter;
+using ma::copyImages;
+using ma::ImageSelection;
+using ma::OptionRomImage;
+using ma::parseRomChain;
+using ma::PrepareStatus;
+using ma::RomChain;
+using ma::selectImages;
 using test::Bytes;
 using test::RomBuilder;
 using test::RomImage;
@@ -196,4 +204,3 @@ TEST_F(ImagePreparation, GivesUpWhereTheSumCannotBePutRight) {
 }
 
 }  // namespace
-}  // namespace ma

@@ -14,9 +14,23 @@
 #include "tests/support/RomParser.h"
 #include "tests/support/WaitUntil.h"
 
-namespace ma {
 namespace {
 
+using ma::BootType;
+using ma::compareFlashImage;
+using ma::describeFlashImage;
+using ma::enumerateAdapters;
+using ma::FlashImageInfo;
+using ma::getAdapterFirmwareVersion;
+using ma::getCanBeUpdated;
+using ma::getFlashImageUpdateProgress;
+using ma::getPCIAddress;
+using ma::ImageComparison;
+using ma::prepareFlashImage;
+using ma::PrepareStatus;
+using ma::setBootType;
+using ma::updateCapabilityWord;
+using ma::writeFlashImage;
 using test::Bytes;
 using test::RomBuilder;
 using test::RomDamage;
@@ -417,4 +431,3 @@ TEST_F(MidApiRealRom, RefusesTheRomOfAnotherDevice) {
 }
 
 }  // namespace
-}  // namespace ma

@@ -7,9 +7,15 @@
 #include "tests/support/RomBuilder.h"
 #include "tests/support/RomParser.h"
 
-namespace ma {
 namespace {
 
+using ma::byteSum;
+using ma::isPadding;
+using ma::OptionRomImage;
+using ma::parseRomChain;
+using ma::RomBytes;
+using ma::RomChain;
+using ma::setLastImageBit;
 using test::Bytes;
 using test::RomBuilder;
 using test::RomDamage;
@@ -369,4 +375,3 @@ TEST_P(RealRom, CombinedFileComesApartAndTogetherByteForByte) {
 INSTANTIATE_TEST_SUITE_P(OptionRom, RealRom, testing::Values("virtio", "rtl8139"));
 
 }  // namespace
-}  // namespace ma

@@ -5,9 +5,17 @@
 #include "tests/midapi/AdapterFixture.h"
 #include "tests/support/RomBuilder.h"
 
-namespace ma {
 namespace {
 
+using ma::AdapterFault;
+using ma::AdapterList;
+using ma::AdapterListing;
+using ma::AdapterPort;
+using ma::AdapterSpec;
+using ma::BootType;
+using ma::kDefaultWriteRate;
+using ma::kMaxPorts;
+using ma::VirtualAdapters;
 using test::RomBuilder;
 using test::RomDamage;
 using test::RomImage;
@@ -189,4 +197,3 @@ TEST_F(VirtualAdaptersTest, TellsDamagedFlashFromBlankFlash) {
 }
 
 }  // namespace
-}  // namespace ma

@@ -8,9 +8,15 @@
 #include "tests/midapi/WatchedFileSystem.h"
 #include "tests/support/FakeClock.h"
 
-namespace ma {
 namespace {
 
+using ma::BootType;
+using ma::FlashFault;
+using ma::hexText;
+using ma::nativeFileSystem;
+using ma::PortId;
+using ma::VirtualFlashBackend;
+using ma::WriteProgress;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -144,4 +150,3 @@ TEST_F(VirtualFlashBackendTest, ShowsReadersAWholeDescriptionWhileItIsChanged) {
 }
 
 }  // namespace
-}  // namespace ma

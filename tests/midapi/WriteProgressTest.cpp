@@ -4,8 +4,10 @@
 
 #include "midapi/WriteProgress.h"
 
-namespace ma {
 namespace {
+
+using ma::WriteProgress;
+using ma::WriteProgressTable;
 
 TEST(WriteProgress, StandsAtNinetyNineUntilItIsCompleted) {
   WriteProgress progress;
@@ -69,4 +71,3 @@ TEST(WriteProgressTable, IsWatchedByOneThreadWhileOthersWrite) {
 }
 
 }  // namespace
-}  // namespace ma

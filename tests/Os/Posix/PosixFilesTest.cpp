@@ -11,7 +11,7 @@
 #include <unistd.h>
 
 #include "Os/Files.h"
-#include "Os/Posix/Descriptor.h"
+#include "platform/Posix/Descriptor.h"
 #include "tests/Os/FilesFixture.h"
 #include "tests/support/Posix/ChildProcess.h"
 
@@ -31,7 +31,7 @@ class PosixFiles : public test::FilesFixture {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     std::strncpy(address.sun_path, path(name).c_str(), sizeof address.sun_path - 1);
-    const os::Descriptor socket(::socket(AF_UNIX, SOCK_STREAM, 0));
+    const platform::Descriptor socket(::socket(AF_UNIX, SOCK_STREAM, 0));
     if (bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
       throw std::runtime_error("bind");
     }

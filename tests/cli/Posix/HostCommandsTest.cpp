@@ -4,7 +4,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
-#include "tests/cli/Posix/HostTest.h"
+#include "tests/cli/Posix/HostFixture.h"
 #include "tests/support/Regex.h"
 
 namespace {
@@ -24,7 +24,7 @@ using testing::SizeIs;
 constexpr const char* kAdapter = "0000:03:00";
 constexpr const char* kJob = "Orvex:FirmwareUpdate@Job#1";
 
-class HostCommandsTest : public test::HostTest {
+class HostCommandsTest : public test::HostFixture {
  protected:
   // Returns the object path of the first instance of a class.
   [[nodiscard]] std::string pathOf(const std::string& className) const {

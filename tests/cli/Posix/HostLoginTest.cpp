@@ -2,7 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "tests/cli/Posix/HostTest.h"
+#include "tests/cli/Posix/HostFixture.h"
 
 namespace {
 
@@ -13,7 +13,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-class HostLoginTest : public test::HostTest {
+class HostLoginTest : public test::HostFixture {
  protected:
   [[nodiscard]] ProgramResult jobsWith(const std::string& user, const std::string& password) const {
     std::vector<EnvironmentChange> changes = environment();

@@ -1,5 +1,5 @@
 #include "tests/cli/Posix/RunningQuorvel.h"
-#include "tests/cli/QuorvelTest.h"
+#include "tests/support/QuorvelFixture.h"
 
 namespace {
 
@@ -7,7 +7,7 @@ using test::OutputTo;
 using test::ProgramResult;
 using test::RunningQuorvel;
 
-class ProgramOutputTest : public test::QuorvelTest {};
+class ProgramOutputTest : public test::QuorvelFixture {};
 
 TEST_F(ProgramOutputTest, FailsWhenItsOutputCannotBeWritten) {
   for (const OutputTo output : {OutputTo::Nowhere, OutputTo::Full}) {

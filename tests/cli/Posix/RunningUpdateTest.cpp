@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tests/cli/Posix/RunningQuorvel.h"
-#include "tests/cli/QuorvelTest.h"
+#include "tests/support/QuorvelFixture.h"
 #include "tests/support/Regex.h"
 
 namespace {
@@ -24,7 +24,7 @@ constexpr const char* kInterrupted =
     "quorvel: interrupted: the flash is being written and cannot be left half done; waiting for "
     "its end\n";
 
-class RunningUpdateTest : public test::QuorvelTest {};
+class RunningUpdateTest : public test::QuorvelFixture {};
 
 TEST_F(RunningUpdateTest, RewritesOneLineOnATerminal) {
   RunningQuorvel quorvel({"update", kPort, addSlowAdapter(kAdapter)}, OutputTo::Terminal,

@@ -4,9 +4,9 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
-#include "Os/Texts.h"
-#include "tests/cli/QuorvelTest.h"
+#include "platform/Texts.h"
 #include "tests/support/CurrentDirectory.h"
+#include "tests/support/QuorvelFixture.h"
 #include "tests/support/Settings.h"
 #include "tests/support/Windows/Umlauts.h"
 
@@ -21,7 +21,7 @@ using testing::StartsWith;
 
 constexpr const char* kPort = "0000:03:00.0";
 
-class WindowsProgramTest : public test::QuorvelTest {
+class WindowsProgramTest : public test::QuorvelFixture {
  protected:
   WindowsProgramTest() { addPxeAdapter("0000:03:00"); }
 
@@ -38,7 +38,9 @@ class WindowsProgramTest : public test::QuorvelTest {
   std::filesystem::path write(const std::filesystem::path& name) const {
     return m_files.write(name, test::RomBuilder().add(pxe(3)).build()).make_preferred();
   }
-  static std::string textOf(const std::filesystem::path& path) { return os::toText(path).value(); }
+  static std::string textOf(const std::filesystem::path& path) {
+    return platform::toText(path).value();
+  }
 
   // Copies the program with its libraries into a folder and returns its path there.
   [[nodiscard]] std::filesystem::path install(const std::filesystem::path& name) const {

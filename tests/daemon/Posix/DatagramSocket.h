@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "Os/Posix/Descriptor.h"
+#include "platform/Posix/Descriptor.h"
 
 namespace test {
 
@@ -18,7 +18,7 @@ class DatagramSocket {
   [[nodiscard]] std::string receive() const;
 
  private:
-  os::Descriptor m_socket;
+  platform::Descriptor m_socket;
 };
 
 }  // namespace test

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <string>
 
-#include "Os/Texts.h"
 #include "tests/inventory/FirmwareFilesFixture.h"
 #include "tests/support/Windows/Umlauts.h"
 

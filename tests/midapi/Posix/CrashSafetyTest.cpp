@@ -13,9 +13,9 @@
 #include "tests/support/RomBuilder.h"
 #include "tests/support/RomParser.h"
 
-namespace ma {
 namespace {
 
+using ma::writeFlashImage;
 using std::chrono::microseconds;
 using std::chrono::steady_clock;
 using test::Bytes;
@@ -105,4 +105,3 @@ TEST_F(CrashSafety, HoldsOneOfBothWhateverTheMomentOfTheKill) {
 }
 
 }  // namespace
-}  // namespace ma

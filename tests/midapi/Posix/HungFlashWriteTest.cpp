@@ -3,12 +3,11 @@
 
 #include <filesystem>
 
-#include "tests/midapi/FlashWriteTest.h"
+#include "tests/midapi/FlashWriteFixture.h"
 
-namespace ma {
 namespace {
 
-using HungFlashWriteTest = FlashWriteTest;
+using HungFlashWriteTest = test::FlashWriteFixture;
 
 TEST_F(HungFlashWriteTest, KeepsHangingUntilAnUnreadableAdapterIsGone) {
   setFaults(R"({"hang": {"atPercent": 30}})");
@@ -26,4 +25,3 @@ TEST_F(HungFlashWriteTest, KeepsHangingUntilAnUnreadableAdapterIsGone) {
 }
 
 }  // namespace
-}  // namespace ma

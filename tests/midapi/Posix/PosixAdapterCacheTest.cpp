@@ -11,9 +11,10 @@
 #include "tests/midapi/WatchedFileSystem.h"
 #include "tests/support/WaitUntil.h"
 
-namespace ma {
 namespace {
 
+using ma::AdapterAddress;
+using ma::AdapterCache;
 using testing::ElementsAre;
 using testing::SizeIs;
 
@@ -122,4 +123,3 @@ TEST_F(PosixAdapterCacheTest, SeesThatAnotherFolderTakesAnAdaptersPlace) {
 }
 
 }  // namespace
-}  // namespace ma

@@ -8,9 +8,13 @@
 #include "tests/support/TempDirectory.h"
 #include "tests/support/WaitUntil.h"
 
-namespace ma {
 namespace {
 
+using ma::defaultAdaptersDirectory;
+using ma::FileFault;
+using ma::FileIdentity;
+using ma::makePosixFileSystem;
+using ma::nativeFileSystem;
 using testing::HasSubstr;
 
 class PosixFileSystemTest : public testing::Test {
@@ -138,4 +142,3 @@ TEST_F(PosixFileSystemTest, KeepsAdaptersWhereTheSystemKeepsState) {
 }
 
 }  // namespace
-}  // namespace ma

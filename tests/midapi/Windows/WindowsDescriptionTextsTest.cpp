@@ -6,9 +6,13 @@
 #include "midapi/AdapterDescription.h"
 #include "tests/support/Windows/Umlauts.h"
 
-namespace ma {
 namespace {
 
+using ma::AdapterDescription;
+using ma::BootType;
+using ma::formatDescription;
+using ma::InjectedFault;
+using ma::parseDescription;
 using testing::HasSubstr;
 
 class WindowsDescriptionTexts : public testing::Test {
@@ -30,4 +34,3 @@ TEST_F(WindowsDescriptionTexts, AreUtf8InDescriptions) {
 }
 
 }  // namespace
-}  // namespace ma

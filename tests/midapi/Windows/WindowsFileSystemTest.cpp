@@ -11,9 +11,14 @@
 #include "tests/support/Windows/ImportPatch.h"
 #include "tests/support/Windows/Umlauts.h"
 
-namespace ma {
 namespace {
 
+using ma::AdapterFolders;
+using ma::adaptersDirectory;
+using ma::FileFault;
+using ma::FileSystem;
+using ma::listAdapterFolders;
+using ma::makeWindowsFileSystem;
 using std::chrono::milliseconds;
 using testing::ElementsAre;
 using testing::EndsWith;
@@ -181,4 +186,3 @@ TEST_F(WindowsFileSystemTest, ReadsWhatIsStillBeingWritten) {
 }
 
 }  // namespace
-}  // namespace ma

@@ -6,7 +6,7 @@
 #include <thread>
 #include <windows.h>
 
-#include "Os/Texts.h"
+#include "platform/Texts.h"
 
 namespace test {
 namespace {
@@ -116,13 +116,13 @@ ProgramResult runProgram(const std::filesystem::path& program,
   startup.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
   startup.hStdOutput = output.in();
   startup.hStdError = errors.in();
-  std::string command = quoteArgument(os::toShownText(program));
+  std::string command = quoteArgument(platform::toShownText(program));
   for (const std::string& argument : arguments) {
     command += " " + quoteArgument(argument);
   }
   std::string variables = makeEnvironment(environment);
   PROCESS_INFORMATION process{};
-  std::wstring wideCommand = os::toPath(command).native();
+  std::wstring wideCommand = platform::toPath(command).native();
   if (CreateProcessW(program.c_str(), wideCommand.data(), nullptr, nullptr, TRUE, 0,
                      variables.data(), nullptr, &startup, &process) == FALSE) {
     fail("CreateProcess");

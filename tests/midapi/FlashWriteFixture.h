@@ -1,7 +1,7 @@
 // The fixture of the tests that write an adapter's flash.
 
-#ifndef ORVEX_TESTS_MIDAPI_FLASHWRITETEST_H_
-#define ORVEX_TESTS_MIDAPI_FLASHWRITETEST_H_
+#ifndef ORVEX_TESTS_MIDAPI_FLASHWRITEFIXTURE_H_
+#define ORVEX_TESTS_MIDAPI_FLASHWRITEFIXTURE_H_
 
 #include <cstdint>
 #include <gmock/gmock.h>
@@ -13,13 +13,13 @@
 #include "tests/midapi/WatchedFileSystem.h"
 #include "tests/support/FakeClock.h"
 
-namespace ma {
+namespace test {
 
-class FlashWriteTest : public testing::Test {
+class FlashWriteFixture : public testing::Test {
  protected:
   static constexpr const char* kPci = "0000:03:00";
 
-  FlashWriteTest() { m_adapters.makeAdapter(kPci, m_old); }
+  FlashWriteFixture() { m_adapters.makeAdapter(kPci, m_old); }
 
   void setRate(std::uint64_t bytesPerSecond) {
     m_adapters.set(kPci, "/writeRate", std::to_string(bytesPerSecond));
@@ -28,11 +28,11 @@ class FlashWriteTest : public testing::Test {
 
   // Writes the image as the description now asks for; keeps the code and text of a failure.
   void write() {
-    const AdapterFolder folder(m_files, m_adapters.directory(), {0, 3, 0});
-    const AdapterDescription description = folder.description();
+    const ma::AdapterFolder folder(m_files, m_adapters.directory(), {0, 3, 0});
+    const ma::AdapterDescription description = folder.description();
     try {
-      FlashWrite(m_files, folder, description, m_new, m_progress, m_clock).run();
-    } catch (const FlashFault& fault) {
+      ma::FlashWrite(m_files, folder, description, m_new, m_progress, m_clock).run();
+    } catch (const ma::FlashFault& fault) {
       m_code = fault.code();
       m_text = fault.what();
     }
@@ -53,14 +53,14 @@ class FlashWriteTest : public testing::Test {
 
   const std::vector<std::uint8_t> m_old = std::vector<std::uint8_t>(1000, 'o');
   std::vector<std::uint8_t> m_new = std::vector<std::uint8_t>(200000, 'n');
-  test::AdapterFixture m_adapters;
-  test::WatchedFileSystem m_files;
-  WriteProgress m_progress;
-  test::FakeClock m_clock;
+  AdapterFixture m_adapters;
+  WatchedFileSystem m_files;
+  ma::WriteProgress m_progress;
+  FakeClock m_clock;
   std::uint32_t m_code = 0;
   std::string m_text;
 };
 
-}  // namespace ma
+}  // namespace test
 
-#endif  // ORVEX_TESTS_MIDAPI_FLASHWRITETEST_H_
+#endif  // ORVEX_TESTS_MIDAPI_FLASHWRITEFIXTURE_H_

@@ -1,17 +1,17 @@
 // A test that runs the program `quorvel` against a host of its own, on the test's adapters.
 
-#ifndef ORVEX_TESTS_CLI_POSIX_HOSTTEST_H_
-#define ORVEX_TESTS_CLI_POSIX_HOSTTEST_H_
+#ifndef ORVEX_TESTS_CLI_POSIX_HOSTFIXTURE_H_
+#define ORVEX_TESTS_CLI_POSIX_HOSTFIXTURE_H_
 
 #include <memory>
 #include <string>
 
 #include "tests/cli/Posix/RunningQuorvel.h"
-#include "tests/cli/QuorvelTest.h"
+#include "tests/support/QuorvelFixture.h"
 
 namespace test {
 
-class HostTest : public QuorvelTest {
+class HostFixture : public QuorvelFixture {
  protected:
   // Starts a host on a free port of this machine with these settings (lines NAME = VALUE), and
   // waits until it listens. `scheme` is http or https.
@@ -42,4 +42,4 @@ class HostTest : public QuorvelTest {
 
 }  // namespace test
 
-#endif  // ORVEX_TESTS_CLI_POSIX_HOSTTEST_H_
+#endif  // ORVEX_TESTS_CLI_POSIX_HOSTFIXTURE_H_

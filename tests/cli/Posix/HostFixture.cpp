@@ -1,4 +1,4 @@
-#include "tests/cli/Posix/HostTest.h"
+#include "tests/cli/Posix/HostFixture.h"
 
 #include <crypt.h>
 #include <fstream>
@@ -19,7 +19,7 @@ void writeSecret(const std::filesystem::path& file, const std::string& text) {
 
 }  // namespace
 
-void HostTest::startHost(const std::string& settings, const std::string& scheme) {
+void HostFixture::startHost(const std::string& settings, const std::string& scheme) {
   const std::filesystem::path file = path("quorveld.conf");
   writeSecret(file, settings);
   m_scheme = scheme;
@@ -36,14 +36,14 @@ void HostTest::startHost(const std::string& settings, const std::string& scheme)
   m_place = output.substr(begin, output.find('\n', begin) - begin);
 }
 
-void HostTest::startHostWithUsers(const std::string& settings, const std::string& scheme) {
+void HostFixture::startHostWithUsers(const std::string& settings, const std::string& scheme) {
   const std::filesystem::path users = path("users");
   const std::string hash = hashOf("secret");
   writeSecret(users, "admin:" + hash + ":operator\nreader:" + hash + ":reader\n");
   startHost("authentication = file\npassword-file = " + users.string() + "\n" + settings, scheme);
 }
 
-std::string HostTest::makeCertificate() {
+std::string HostFixture::makeCertificate() {
   const std::string certificate = path("certificate.pem").string();
   const std::string key = path("key.pem").string();
   const ProgramResult made = runProgram(
@@ -54,17 +54,18 @@ std::string HostTest::makeCertificate() {
   return "certificate = " + certificate + "\nkey = " + key + "\n";
 }
 
-std::string HostTest::address(const std::string& user) const {
+std::string HostFixture::address(const std::string& user) const {
   return m_scheme + "://" + (user.empty() ? "" : user + "@") + m_place;
 }
 
-QuorvelTest::Arguments HostTest::onHost(const Arguments& arguments, const std::string& user) const {
+QuorvelFixture::Arguments HostFixture::onHost(const Arguments& arguments,
+                                              const std::string& user) const {
   Arguments all{"--host", address(user)};
   all.insert(all.end(), arguments.begin(), arguments.end());
   return all;
 }
 
-void HostTest::expectSame(const Arguments& arguments, int exitStatus) const {
+void HostFixture::expectSame(const Arguments& arguments, int exitStatus) const {
   const ProgramResult here = run(arguments);
   const ProgramResult there = run(onHost(arguments));
   EXPECT_EQ(here.exitStatus, exitStatus) << testing::PrintToString(arguments);
@@ -80,7 +81,7 @@ void HostTest::expectSame(const Arguments& arguments, int exitStatus) const {
   EXPECT_EQ(errors, here.errors) << testing::PrintToString(arguments);
 }
 
-std::string HostTest::passwordFile(const std::string& password) const {
+std::string HostFixture::passwordFile(const std::string& password) const {
   const std::string file = path("password").string();
   std::ofstream(file) << password << '\n';
   return file;

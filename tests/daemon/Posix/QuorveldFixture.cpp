@@ -1,4 +1,4 @@
-#include "tests/daemon/Posix/QuorveldTest.h"
+#include "tests/daemon/Posix/QuorveldFixture.h"
 
 #include <arpa/inet.h>
 #include <array>
@@ -67,7 +67,7 @@ RunningQuorveld::RunningQuorveld(const std::vector<std::string>& arguments,
     becomeProgram(program, arguments, environment);
   }
   close(out.in());
-  m_out = os::Descriptor(out.out());
+  m_out = platform::Descriptor(out.out());
   for (std::string text = readSome(m_out.get()); !text.empty(); text = readSome(m_out.get())) {
     m_output += text;
     if (m_output.ends_with("serving\n")) {
@@ -112,11 +112,11 @@ int RunningQuorveld::wait() {
   return m_status;
 }
 
-void QuorveldTest::start(const std::string& settings) {
+void QuorveldFixture::start(const std::string& settings) {
   launch({"--config", writeSettings(settings), "--listen", "127.0.0.1:0"});
 }
 
-void QuorveldTest::startWithTls(const std::string& settings) {
+void QuorveldFixture::startWithTls(const std::string& settings) {
   const std::string certificate = (m_files.path() / "certificate.pem").string();
   const std::string key = (m_files.path() / "key.pem").string();
   const ProgramResult made =
@@ -130,7 +130,7 @@ void QuorveldTest::startWithTls(const std::string& settings) {
           "--listen", "127.0.0.1:0", "--listen", "https:127.0.0.1:0"});
 }
 
-std::string QuorveldTest::writeUsers() const {
+std::string QuorveldFixture::writeUsers() const {
   const std::filesystem::path file = m_files.write(
       "users", "anna:" + std::string(kHash) + ":operator\nbert:" + kHash + ":reader\n");
   std::filesystem::permissions(
@@ -138,8 +138,9 @@ std::string QuorveldTest::writeUsers() const {
   return "authentication = file\npassword-file = " + file.string() + "\n";
 }
 
-ProgramResult QuorveldTest::wbemcli(std::vector<std::string> arguments, const std::string& object,
-                                    const std::vector<std::string>& more) const {
+ProgramResult QuorveldFixture::wbemcli(std::vector<std::string> arguments,
+                                       const std::string& object,
+                                       const std::vector<std::string>& more) const {
   if (m_isTls) {
     arguments.insert(arguments.begin(), {"-cacert", (m_files.path() / "certificate.pem").string()});
   }
@@ -154,25 +155,26 @@ ProgramResult QuorveldTest::wbemcli(std::vector<std::string> arguments, const st
   return runProgram("/usr/bin/wbemcli", arguments, environment());
 }
 
-std::string QuorveldTest::ask(const std::vector<std::string>& arguments, const std::string& object,
-                              const std::vector<std::string>& more) const {
+std::string QuorveldFixture::ask(const std::vector<std::string>& arguments,
+                                 const std::string& object,
+                                 const std::vector<std::string>& more) const {
   const ProgramResult result = wbemcli(arguments, object, more);
   EXPECT_EQ(result.exitStatus, 0) << testing::PrintToString(arguments) << object;
   EXPECT_EQ(result.errors, "") << testing::PrintToString(arguments) << object;
   return result.output;
 }
 
-std::string QuorveldTest::service() {
+std::string QuorveldFixture::service() {
   return std::string("Orvex_SoftwareInstallationService.") + kKeys +
          R"(CreationClassName="Orvex_SoftwareInstallationService",Name="Orvex:FirmwareUpdate")";
 }
 
-std::string QuorveldTest::port(const std::string& deviceId) {
+std::string QuorveldFixture::port(const std::string& deviceId) {
   return std::string("Orvex_EthernetPort.") + kKeys +
          R"(CreationClassName="Orvex_EthernetPort",DeviceID=")" + deviceId + "\"";
 }
 
-std::string QuorveldTest::startUpdate(const std::string& rom) const {
+std::string QuorveldFixture::startUpdate(const std::string& rom) const {
   const std::string answer = ask({"cm"}, service(),
                                  {"InstallFromURI.URI=\"" + uriOf(rom) + "\",Target=" + port() +
                                   R"(,InstallOptions=5,32768,InstallOptionsValues="","IMG_PXE")"});
@@ -183,15 +185,16 @@ std::string QuorveldTest::startUpdate(const std::string& rom) const {
   return match[1];
 }
 
-std::string QuorveldTest::propertyOf(const std::string& object, const std::string& name) const {
+std::string QuorveldFixture::propertyOf(const std::string& object, const std::string& name) const {
   const std::string text = ask({"-nl", "gi"}, object);
   std::smatch match;
   return std::regex_search(text, match, std::regex("\n-" + name + "=([^\n]*)")) ? match[1].str()
                                                                                 : "";
 }
 
-std::string QuorveldTest::exchange(const std::string& bytes) const {
-  const os::Descriptor socket(demand(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0), "socket"));
+std::string QuorveldFixture::exchange(const std::string& bytes) const {
+  const platform::Descriptor socket(
+      demand(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0), "socket"));
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_port = htons(m_daemon->port());
@@ -213,15 +216,15 @@ std::string QuorveldTest::exchange(const std::string& bytes) const {
   return answer;
 }
 
-std::string QuorveldTest::health() const {
+std::string QuorveldFixture::health() const {
   return exchange("GET /health HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\n\r\n");
 }
 
-std::string QuorveldTest::writeSettings(const std::string& settings) const {
+std::string QuorveldFixture::writeSettings(const std::string& settings) const {
   return m_files.write("quorveld.conf", settings).string();
 }
 
-void QuorveldTest::launch(const std::vector<std::string>& arguments) {
+void QuorveldFixture::launch(const std::vector<std::string>& arguments) {
   m_daemon = std::make_unique<RunningQuorveld>(arguments, environment());
   ASSERT_NE(m_daemon->port(), 0) << m_daemon->output();
 }

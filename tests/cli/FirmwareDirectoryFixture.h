@@ -1,21 +1,21 @@
 // A test that runs the program `quorvel` on firmware files in a directory of its own.
 
-#ifndef ORVEX_TESTS_CLI_FIRMWAREDIRECTORYTEST_H_
-#define ORVEX_TESTS_CLI_FIRMWAREDIRECTORYTEST_H_
+#ifndef ORVEX_TESTS_CLI_FIRMWAREDIRECTORYFIXTURE_H_
+#define ORVEX_TESTS_CLI_FIRMWAREDIRECTORYFIXTURE_H_
 
 #include <filesystem>
 #include <map>
 #include <string>
 #include <vector>
 
-#include "tests/cli/QuorvelTest.h"
+#include "tests/support/QuorvelFixture.h"
 #include "tests/support/Settings.h"
 
 namespace test {
 
-class FirmwareDirectoryTest : public QuorvelTest {
+class FirmwareDirectoryFixture : public QuorvelFixture {
  protected:
-  FirmwareDirectoryTest() {
+  FirmwareDirectoryFixture() {
     std::filesystem::create_directory(path("firmware"));
     std::filesystem::create_directory(path("older"));
     lookIn(path("firmware").string() + ";" + path("older").string());
@@ -56,4 +56,4 @@ class FirmwareDirectoryTest : public QuorvelTest {
 
 }  // namespace test
 
-#endif  // ORVEX_TESTS_CLI_FIRMWAREDIRECTORYTEST_H_
+#endif  // ORVEX_TESTS_CLI_FIRMWAREDIRECTORYFIXTURE_H_

@@ -1,7 +1,7 @@
 // A test that runs the program `quorveld` on virtual adapters of its own.
 
-#ifndef ORVEX_TESTS_DAEMON_POSIX_QUORVELDTEST_H_
-#define ORVEX_TESTS_DAEMON_POSIX_QUORVELDTEST_H_
+#ifndef ORVEX_TESTS_DAEMON_POSIX_QUORVELDFIXTURE_H_
+#define ORVEX_TESTS_DAEMON_POSIX_QUORVELDFIXTURE_H_
 
 #include <cstdint>
 #include <memory>
@@ -9,8 +9,8 @@
 #include <sys/types.h>
 #include <vector>
 
-#include "Os/Posix/Descriptor.h"
-#include "tests/cli/QuorvelTest.h"
+#include "platform/Posix/Descriptor.h"
+#include "tests/support/QuorvelFixture.h"
 
 namespace test {
 
@@ -37,11 +37,11 @@ class RunningQuorveld {
  private:
   pid_t m_process = 0;  // 0 once it is gone
   int m_status = 0;
-  os::Descriptor m_out;
+  platform::Descriptor m_out;
   std::string m_output;
 };
 
-class QuorveldTest : public QuorvelTest {
+class QuorveldFixture : public QuorvelFixture {
  protected:
   static constexpr const char* kNamespace = "root/DCIM/zolan";
   static constexpr const char* kKeys =
@@ -97,4 +97,4 @@ class QuorveldTest : public QuorvelTest {
 
 }  // namespace test
 
-#endif  // ORVEX_TESTS_DAEMON_POSIX_QUORVELDTEST_H_
+#endif  // ORVEX_TESTS_DAEMON_POSIX_QUORVELDFIXTURE_H_

@@ -1,7 +1,7 @@
 // A test that runs the program `quorvel` on virtual adapters of its own.
 
-#ifndef ORVEX_TESTS_CLI_QUORVELTEST_H_
-#define ORVEX_TESTS_CLI_QUORVELTEST_H_
+#ifndef ORVEX_TESTS_SUPPORT_QUORVELFIXTURE_H_
+#define ORVEX_TESTS_SUPPORT_QUORVELFIXTURE_H_
 
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -15,7 +15,7 @@
 
 namespace test {
 
-class QuorvelTest : public testing::Test {
+class QuorvelFixture : public testing::Test {
  protected:
   using Json = nlohmann::ordered_json;
   using Arguments = std::vector<std::string>;
@@ -68,4 +68,4 @@ class QuorvelTest : public testing::Test {
 
 }  // namespace test
 
-#endif  // ORVEX_TESTS_CLI_QUORVELTEST_H_
+#endif  // ORVEX_TESTS_SUPPORT_QUORVELFIXTURE_H_
