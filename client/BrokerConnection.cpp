@@ -136,10 +136,9 @@ core::CimPath BrokerConnection::toServedPath(const std::string& text) const {
   const std::string& className = given.getClassName();
   const ServedNames served = readServedNames(m_broker);
   const auto name = served.find(className);
-  core::CimPath path =
-      name != served.end() && *name != className
-          ? core::CimPath(*name + given.getModelPath().substr(className.size()))
-          : given;
+  core::CimPath path = name != served.end() && *name != className
+                           ? core::CimPath(*name + given.getModelPath().substr(className.size()))
+                           : given;
   const std::shared_ptr<const core::CimSchema> schema = m_broker.getSchema();
   const core::ClassDeclaration* const declaration = schema->find(className);
   if (declaration == nullptr) {
