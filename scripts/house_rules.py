@@ -21,7 +21,7 @@ MAY_INCLUDE = {
     "wbem": ["wbem", "cimxml", "cim", "core", "Os", "Utils"],
     "host": ["host", "core", "Os", "Utils"],
     "daemon": ["daemon", "host", "http", "wbem", "cimxml", "core", "Os", "Utils"],
-    "client": ["client", "http", "cimxml", "cim", "core", "Os", "Utils"],
+    "client": ["client", "http", "cimxml", "cim", "core", "Os", "Utils", "platform"],
     "cli": ["cli", "client", "host", "midapi", "cim", "core", "Os", "Utils"],
     "tests": None,  # anything
     "bench": None,
