@@ -129,21 +129,29 @@ std::optional<std::vector<std::string>> BrokerConnection::findServedBelow(
                                                               : std::nullopt;
 }
 
-// The broker itself compares the letters of names.
+// The broker itself compares the letters of names. A path that names a key twice, in two spellings,
+// is that of no instance: it stays as it is, and the broker finds nothing.
 core::CimPath BrokerConnection::toServedPath(const std::string& text) const {
   const core::CimPath given(text);
   const std::string& className = given.getClassName();
   const ServedNames served = readServedNames(m_broker);
   const auto name = served.find(className);
-  core::CimPath path(name != served.end() ? *name + given.getModelPath().substr(className.size())
-                                          : text);
+  core::CimPath path = name != served.end() && *name != className
+                           ? core::CimPath(*name + given.getModelPath().substr(className.size()))
+                           : given;
   const std::shared_ptr<const core::CimSchema> schema = m_broker.getSchema();
-  if (const core::ClassDeclaration* declaration = schema->find(className)) {
-    for (const auto& [key, value] : given) {
-      const core::PropertyDeclaration* property = declaration->findProperty(key);
-      if (property != nullptr && property->name != key && path.erase(key) > 0) {
-        path.emplace(property->name, value);
-      }
+  const core::ClassDeclaration* const declaration = schema->find(className);
+  if (declaration == nullptr) {
+    return path;
+  }
+  for (const auto& [key, value] : given) {
+    const core::PropertyDeclaration* const property = declaration->findProperty(key);
+    if (property == nullptr || property->name == key) {
+      continue;
+    }
+    path.erase(key);
+    if (!path.emplace(property->name, value).second) {
+      return given;
     }
   }
   return path;

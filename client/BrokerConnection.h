@@ -40,7 +40,8 @@ class BrokerConnection final : public Connection {
   // that is neither served nor declared.
   [[nodiscard]] std::optional<std::vector<std::string>> findServedBelow(
       const std::string& className) const;
-  // Reads an object path and spells its class and its keys as they are served.
+  // Reads an object path and spells its class and its keys as they are served; a path with a key in
+  // two spellings stays as it is given.
   [[nodiscard]] core::CimPath toServedPath(const std::string& text) const;
 
   core::CimBroker& m_broker;

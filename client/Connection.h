@@ -35,8 +35,8 @@ class Connection {
 
   [[nodiscard]] virtual ServingAgents getClasses() = 0;
 
-  // Returns the instances of a class in the order in which they are served; nothing for a class
-  // that nobody serves.
+  // Returns the instances of a class and of those below it, in the order in which they are served;
+  // nothing for a class that is neither served nor declared.
   [[nodiscard]] virtual std::optional<Instances> findInstances(const std::string& className) = 0;
 
   // Returns the instance at an object path, nothing when there is none.

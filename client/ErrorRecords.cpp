@@ -29,14 +29,14 @@ ErrorRecords& ErrorRecords::instance() {
 }
 
 void ErrorRecords::start() {
-  const utils::ScopedLock lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   m_thread = std::this_thread::get_id();
   m_lines.clear();
 }
 
 std::vector<std::string> ErrorRecords::take() {
   std::vector<std::string> messages;
-  const utils::ScopedLock lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   m_thread = {};
   std::transform(m_lines.begin(), m_lines.end(), std::back_inserter(messages), messageOf);
   m_lines.clear();
@@ -47,7 +47,7 @@ std::vector<std::string> ErrorRecords::take() {
 void ErrorRecords::writeEventLog(const std::string& line) noexcept {
   m_next->writeEventLog(line);
   try {
-    const utils::ScopedLock lock(m_mutex);
+    const platform::Lock lock(m_mutex);
     if (m_thread == std::this_thread::get_id()) {
       m_lines.push_back(line);
     }

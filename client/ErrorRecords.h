@@ -14,7 +14,8 @@
 #include <vector>
 
 #include "Utils/Log.h"
-#include "Utils/Mutex.h"
+#include "platform/Mutex.h"
+#include "platform/ThreadAnnotations.h"
 
 namespace client {
 
@@ -37,7 +38,8 @@ class ErrorRecords final : public utils::LogSinks {
   ErrorRecords() = default;
 
   utils::LogSinks* m_next = nullptr;
-  utils::Mutex m_mutex;
+  // Not utils::Mutex, which logs its failures: through these sinks.
+  platform::Mutex m_mutex;
   std::thread::id m_thread ORVEX_GUARDED_BY(m_mutex);
   std::vector<std::string> m_lines ORVEX_GUARDED_BY(m_mutex);
 };

@@ -3,9 +3,11 @@
 #ifndef ORVEX_CLIENT_HOSTCONNECTION_H_
 #define ORVEX_CLIENT_HOSTCONNECTION_H_
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 

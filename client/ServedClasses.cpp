@@ -1,13 +1,11 @@
 #include "client/ServedClasses.h"
 
-#include <algorithm>
 #include <optional>
 #include <utility>
 
 #include "Utils/Exception.h"
 #include "client/Fault.h"
 #include "client/Texts.h"
-#include "core/ClassDeclaration.h"
 
 namespace client {
 namespace {
@@ -54,13 +52,7 @@ InstanceSnapshot demandInstance(Connection& connection, const core::CimPath& pat
 
 void refuseMissing(Connection& connection, const std::string& path) {
   const std::string className = core::CimPath(path).getClassName();
-  const ServingAgents served = connection.getClasses();
-  const bool isServed = std::any_of(served.begin(), served.end(), [&className](const auto& entry) {
-    return core::isSameName(entry.first, className);
-  });
-  if (!isServed) {
-    refuseClass(served, className);
-  }
+  static_cast<void>(demandInstances(connection, className));
   throw Fault("there is no instance " + path + "; '" + connection.program() + " instances " +
               className + "' shows what there is");
 }

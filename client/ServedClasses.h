@@ -10,11 +10,11 @@
 
 namespace client {
 
-// Returns the instances of a class, none for a class that nobody serves.
+// Returns the instances of a class, none for a class that is not known.
 [[nodiscard]] Instances getInstances(Connection& connection, const std::string& className);
 
 // Returns the instances of a class. Throws Fault, which lists the classes that are served, when
-// nobody serves this one.
+// this one is neither served nor declared.
 [[nodiscard]] Instances demandInstances(Connection& connection, const std::string& className);
 
 // Reads an object path that the user gave. Throws Fault (usage) for a malformed one.
@@ -24,7 +24,7 @@ namespace client {
 [[nodiscard]] InstanceSnapshot demandInstance(Connection& connection, const core::CimPath& path);
 
 // Throws Fault, which says where to look for what there is instead of the instance at the path: the
-// classes that are served when nobody serves its class.
+// classes that are served when its class is neither served nor declared.
 [[noreturn]] void refuseMissing(Connection& connection, const std::string& path);
 
 }  // namespace client

@@ -4,6 +4,7 @@
 #define ORVEX_OS_POSIX_POSIXOSLOCKER_H_
 
 #include <cstdint>
+#include <optional>
 
 #include "Os/OSLocker.h"
 #include "platform/Clock.h"

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <chrono>
 #include <limits>
+#include <optional>
+#include <span>
 #include <windows.h>
 
 #include "platform/Mutex.h"

@@ -4,6 +4,7 @@
 #include "client/Fault.h"
 #include "core/CimPropertyRef.h"
 #include "tests/client/FakeService.h"
+#include "tests/support/LogCapture.h"
 
 namespace {
 
@@ -152,6 +153,22 @@ TEST_F(BrokerConnectionWithSchemaTest, TakesNamesInAnyCase) {
   EXPECT_EQ(m_connection.findInstance("first_PART.INSTANCEID=\"1\"").value().path, path);
   EXPECT_FALSE(m_connection.findInstance("first_part.InstanceID=\"2\""));
   EXPECT_FALSE(m_connection.findInstance("Base_Part.InstanceID=\"1\""));
+}
+
+TEST_F(BrokerConnectionWithSchemaTest, FindsNothingByAPathThatNamesAKeyTwice) {
+  for (const char* keys :
+       {"InstanceID=\"1\",instanceid=\"none\"", "instanceid=\"none\",InstanceID=\"1\"",
+        "INSTANCEID=\"1\",instanceid=\"none\"", "InstanceID=\"1\",instanceid=\"1\""}) {
+    EXPECT_FALSE(m_connection.findInstance(std::string("First_Part.") + keys)) << keys;
+    EXPECT_FALSE(m_connection.findInstance(std::string("first_part.") + keys)) << keys;
+  }
+}
+
+TEST_F(BrokerConnectionWithSchemaTest, ReadsAPathOnceWhereItsClassIsSpeltAsServed) {
+  const test::LogCapture log;
+  EXPECT_TRUE(m_connection.findInstance("First_Part.instanceid=\"1\""));
+  EXPECT_THAT(log.messages("core::CimPath::CimPath"),
+              ElementsAre("Creating path First_Part.instanceid=\"1\""));
 }
 
 TEST_F(BrokerConnectionTest, IsThatOfThisProcess) {

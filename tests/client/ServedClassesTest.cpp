@@ -10,6 +10,17 @@ namespace {
 using testing::IsEmpty;
 using testing::SizeIs;
 
+// Declares a class that it does not serve, above one that it does.
+class DeclaringAgent : public test::FakeAgent {
+ public:
+  using FakeAgent::FakeAgent;
+
+  void declareClasses(core::CimSchema& schema) const override {
+    schema.add({"Base", "", false, {}, {}});
+    schema.add({"A", "Base", false, {}, {}});
+  }
+};
+
 class ServedClassesTest : public testing::Test {
  protected:
   ServedClassesTest() {
@@ -31,7 +42,7 @@ class ServedClassesTest : public testing::Test {
   core::CimBroker m_broker;
   client::BrokerConnection m_connection{m_broker};
   test::FakeAgent m_first{"First"};
-  test::FakeAgent m_second{"Second"};
+  DeclaringAgent m_second{"Second"};
 };
 
 TEST_F(ServedClassesTest, AreListedWhenAnotherIsAskedFor) {
@@ -48,6 +59,13 @@ TEST_F(ServedClassesTest, HaveTheInstanceOfAPathOrSaySo) {
             "there is no instance A.InstanceID=\"2\"; 'quorvel instances A' shows what there is");
   EXPECT_EQ(faultOf("a.InstanceID=\"2\""),
             "there is no instance a.InstanceID=\"2\"; 'quorvel instances a' shows what there is");
+}
+
+TEST_F(ServedClassesTest, MissAnInstanceOfAClassAboveThemAndNoClass) {
+  EXPECT_THAT(client::demandInstances(m_connection, "Base"), SizeIs(1));
+  EXPECT_EQ(faultOf("Base.InstanceID=\"1\""),
+            "there is no instance Base.InstanceID=\"1\"; 'quorvel instances Base' shows what there "
+            "is");
 }
 
 TEST(ObjectPathText, IsReadOrRefusedAsWrongUsage) {

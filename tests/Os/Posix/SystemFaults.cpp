@@ -21,8 +21,9 @@ int takeError(SystemCall call) {
   return std::exchange(s_errors[static_cast<std::size_t>(call)], 0);
 }
 
-// Returns the system's own function of that name. A sanitizer has to see the call too: what it would
-// have put in the place of the function, were there none here, has a name of its own in its library.
+// Returns the system's own function of that name. A sanitizer has to see the call too: what it
+// would have put in the place of the function, were there none here, has a name of its own in its
+// library.
 template <class Function>
 Function* systemFunction(Function*, const char* name) {
   void* found = dlsym(RTLD_DEFAULT, (std::string("__interceptor_") + name).c_str());
