@@ -65,6 +65,7 @@ TEST_F(HostCommandsTest, ShowAssociationsAsInProcess) {
       {"associations", "orvex_registeredprofile.instanceid=\"Orvex:SoftwareUpdate_Profile\""});
   expectSame({"associations", "orvex_registeredprofile.instanceid=\"none\""}, 1);
   expectSame({"associations", pathOf("Orvex_RegisteredProfile") + ",instanceid=\"none\""}, 1);
+  expectSame({"associations", "CIM_ConcreteJob.InstanceID=\"1\""}, 1);
   expectSame({"associations", "Nothing.Id=\"1\""}, 1);
   expectSame({"associations", "rubbish"}, 2);
 }
