@@ -162,6 +162,16 @@ TEST_F(HostCommandsTest, InvokeAMethodAndFollowItsJob) {
               HasSubstr("CIM_ERR_METHOD_NOT_FOUND"));
 }
 
+TEST_F(HostCommandsTest, InvokeAMethodInAnyCase) {
+  addPxeAdapter(kAdapter);
+  startHost();
+  const std::string file = writeRom("new.rom", {pxe(3)});
+  EXPECT_EQ(runJson(onHost({"invoke", pathOf("Orvex_SoftwareInstallationService"), "installfromuri",
+                            "URI=" + uriOf(file), "Target=" + pathOf("Orvex_EthernetPort"),
+                            "InstallOptions=5", "InstallOptionsValues="}))["returnValue"],
+            4096);
+}
+
 TEST_F(HostCommandsTest, LeaveAnUpdateToTheHostWhenTheyAreInterrupted) {
   const std::string rom = addSlowAdapter(kAdapter);
   startHost();
