@@ -18,7 +18,6 @@ constexpr SettingName kNamespace{kQuorvelKey, "Namespace"};
 constexpr SettingName kOemCustomizeable{kRavlKey, "OEMCustomizeable"};
 constexpr SettingName kFirmwarePaths{kQuorvelKey, "FWFilePath"};
 
-constexpr const char* kDefaultNamespace = "root/DCIM/zolan";
 constexpr const char* kNamespaceRoot = "root";
 constexpr std::uint32_t kDefaultTimeout = 300'000;  // milliseconds
 constexpr std::uint32_t kDowngradeEnableBit = 0x20;

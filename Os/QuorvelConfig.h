@@ -32,6 +32,7 @@ class ORVEX_CORE_API QuorvelConfig : public AutoSingleton<QuorvelConfig> {
  public:
   static constexpr const char* kTypeName = "utils::QuorvelConfig";
   static constexpr const char* kDefaultPath = "/etc/OrvexQuorvelProvider.conf";
+  static constexpr const char* kDefaultNamespace = "root/DCIM/zolan";
 
   // `path` is the configuration file; Windows does not read it.
   explicit QuorvelConfig(const std::string& path = kDefaultPath);

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "Utils/Assert.h"
+#include "cim/MethodSignatures.h"
 #include "cim/OperationalStatus.h"
 #include "midapi/MidApi.h"
 
@@ -151,7 +152,7 @@ std::uint32_t Orvex_ConcreteJob::invokeRequestStateChange(core::CimPropertyList*
   if (requestedState == nullptr) {
     utils::logError(kLog, "Orvex_ConcreteJob::invokeRequestStateChange",
                     "RequestedState is missing");
-    return kStateChangeInvalid;
+    return cim::kStateChangeInvalid;
   }
   return requestStateChange(requestedState->getValue(),
                             timeout != nullptr ? timeout->getValue() : utils::Datetime(0));
@@ -163,19 +164,19 @@ std::uint32_t Orvex_ConcreteJob::requestStateChange(std::uint16_t requestedState
   utils::logDebug(kLog, kFunction, "New request %d", requestedState);
   if (requestedState != kRequestStart) {
     utils::logError(kLog, kFunction, "Not supported new state %d", requestedState);
-    return kStateChangeInvalid;
+    return cim::kStateChangeInvalid;
   }
   if (getJobState() != cim::JobState::New) {
     utils::logError(kLog, kFunction, "Cannot start job that is not in 'NEW' state");
-    return kInvalidStateTransition;
+    return cim::kInvalidStateTransition;
   }
   utils::logDebug(kLog, kFunction, "starting job");
   setJobState(cim::JobState::Starting);
   if (threadControl(kStartThread, 0)) {
-    return kStateChanged;
+    return cim::kStateChanged;
   }
   setJobState(cim::JobState::Exception);
-  return kStateChangeFailed;
+  return cim::kStateChangeFailed;
 }
 
 void Orvex_ConcreteJob::setJobState(cim::JobState newState) {

@@ -30,14 +30,8 @@ class Orvex_ConcreteJob : public CIM_ConcreteJob, public agent::FlashJob {
   static constexpr const char* kClassName = "Orvex_ConcreteJob";
   using Superclass = CIM_ConcreteJob;
 
-  // What requestStateChange() understands and answers (DMTF CIM_ConcreteJob.RequestStateChange).
+  // What requestStateChange() understands (DMTF CIM_ConcreteJob.RequestStateChange).
   static constexpr std::uint16_t kRequestStart = 2;
-  enum StateChangeReturn : std::uint32_t {
-    kStateChanged = 0,
-    kStateChangeFailed = 4,
-    kStateChangeInvalid = 5,
-    kInvalidStateTransition = 4097,
-  };
 
   enum ThreadCommand : std::int32_t { kStartThread = 1, kWaitForThread = 2, kDeleteThread = 3 };
 
@@ -61,12 +55,12 @@ class Orvex_ConcreteJob : public CIM_ConcreteJob, public agent::FlashJob {
   virtual bool threadControl(std::int32_t command, std::int32_t timeout);
 
   // The method RequestStateChange as clients invoke it, with the arguments RequestedState and
-  // TimeoutPeriod. Returns a StateChangeReturn, kStateChangeInvalid without a RequestedState. An
-  // argument of another type counts as missing.
+  // TimeoutPeriod. Returns a cim::StateChangeReturn, kStateChangeInvalid without a RequestedState.
+  // An argument of another type counts as missing.
   std::uint32_t invokeRequestStateChange(core::CimPropertyList* in, core::CimPropertyList* out,
                                          core::CimInstance** job);
 
-  // Starts a new job. Returns a StateChangeReturn. `timeout` is not used.
+  // Starts a new job. Returns a cim::StateChangeReturn. `timeout` is not used.
   [[nodiscard]] std::uint32_t requestStateChange(std::uint16_t requestedState,
                                                  const utils::Datetime& timeout);
 

@@ -6,6 +6,7 @@
 #include "agent/ImageVerification.h"
 #include "agent/JobErrors.h"
 #include "agent/Orvex_ConcreteJob.h"
+#include "cim/MethodSignatures.h"
 
 namespace {
 
@@ -107,8 +108,7 @@ std::int32_t Orvex_ConcreteJobClass::createNewJob(
   // The list owns it from here on.
   Orvex_ConcreteJob* const newJob = created.release();
   const utils::Datetime timeout(utils::currentMicroseconds() + kStartTimeout);
-  if (newJob->requestStateChange(Orvex_ConcreteJob::kRequestStart, timeout) !=
-      Orvex_ConcreteJob::kStateChanged) {
+  if (newJob->requestStateChange(Orvex_ConcreteJob::kRequestStart, timeout) != cim::kStateChanged) {
     instances().remove(newJob);
     delete newJob;
     return agent::kJobStartFailed;

@@ -77,19 +77,18 @@ constexpr Meaning kInstallMeanings[] = {
 // A check has no job that could be completed.
 constexpr Meaning kCheckMeanings[] = {{kCompletedWithNoError, "Completed with No Error"}};
 
-// Those of jobs; the other classes with this method have the same numbers for the same things.
 constexpr Meaning kStateChangeMeanings[] = {
-    {0, "Completed with No Error"},
-    {1, "Not Supported"},
-    {2, "Unknown/Unspecified Error"},
-    {3, "Can NOT complete within Timeout Period"},
-    {4, "Failed"},
-    {5, "Invalid Parameter"},
-    {6, "In Use"},
-    {4096, "Method Parameters Checked - Transition Started"},
-    {4097, "Invalid State Transition"},
-    {4098, "Use of Timeout Parameter Not Supported"},
-    {4099, "Busy"},
+    {kStateChanged, "Completed with No Error"},
+    {kStateChangeNotSupported, "Not Supported"},
+    {kStateChangeUnspecifiedError, "Unknown/Unspecified Error"},
+    {kStateChangeTimedOut, "Can NOT complete within Timeout Period"},
+    {kStateChangeFailed, "Failed"},
+    {kStateChangeInvalid, "Invalid Parameter"},
+    {kStateChangeInUse, "In Use"},
+    {kStateChangeStarted, "Method Parameters Checked - Transition Started"},
+    {kInvalidStateTransition, "Invalid State Transition"},
+    {kStateChangeTimeoutNotSupported, "Use of Timeout Parameter Not Supported"},
+    {kStateChangeBusy, "Busy"},
 };
 
 struct MethodMeanings {

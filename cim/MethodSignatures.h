@@ -30,6 +30,22 @@ enum InstallReturn : std::uint32_t {
   kCollectionNotSupported = 4108,
 };
 
+// The return codes of RequestStateChange, as jobs have it; the other classes with this method have
+// the same numbers for the same things.
+enum StateChangeReturn : std::uint32_t {
+  kStateChanged = 0,
+  kStateChangeNotSupported = 1,
+  kStateChangeUnspecifiedError = 2,
+  kStateChangeTimedOut = 3,
+  kStateChangeFailed = 4,
+  kStateChangeInvalid = 5,
+  kStateChangeInUse = 6,
+  kStateChangeStarted = 4096,
+  kInvalidStateTransition = 4097,
+  kStateChangeTimeoutNotSupported = 4098,
+  kStateChangeBusy = 4099,
+};
+
 // Returns the methods that the class declares itself; none for a class without.
 [[nodiscard]] ORVEX_CORE_API std::vector<core::MethodDeclaration> getMethods(
     std::string_view className);

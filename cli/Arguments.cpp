@@ -112,6 +112,18 @@ const core::MethodDeclaration* findSignature(const std::string& method) {
   return nullptr;
 }
 
+// Returns the name of such a method as its class declares it; any other name as it is.
+std::string toDeclaredName(const std::string& method) {
+  for (const char* className : {"CIM_SoftwareInstallationService", "CIM_ConcreteJob"}) {
+    for (const core::MethodDeclaration& declared : cim::getMethods(className)) {
+      if (core::isSameName(declared.name, method)) {
+        return declared.name;
+      }
+    }
+  }
+  return method;
+}
+
 const core::ParameterDeclaration* findInput(const core::MethodDeclaration& signature,
                                             const std::string& name) {
   for (const core::ParameterDeclaration& parameter : signature.parameters) {
@@ -160,8 +172,10 @@ std::unique_ptr<core::CimProperty> makeArgument(const std::string& name, core::C
   refuse(name, "a date-time cannot be given on the command line");
 }
 
-Arguments::Arguments(const std::string& method, const std::vector<std::string>& texts)
-    : m_signature(findSignature(method)) {
+Arguments::Arguments(const std::string& method, const std::vector<std::string>& texts,
+                     MethodNames names)
+    : m_signature(
+          findSignature(names == MethodNames::InAnyCase ? toDeclaredName(method) : method)) {
   for (const std::string& text : texts) {
     addInput(method, text);
   }

@@ -30,11 +30,15 @@ namespace cli {
                                                               core::CimType type,
                                                               const std::string& text);
 
+// How the callee compares the names of methods: its agents by their letters, a host in any case.
+enum class MethodNames { Exact, InAnyCase };
+
 class Arguments {
  public:
   // Throws Fault (usage) for a text without '=', a name that the method does not take or that comes
   // twice, and as makeArgument.
-  Arguments(const std::string& method, const std::vector<std::string>& texts);
+  Arguments(const std::string& method, const std::vector<std::string>& texts,
+            MethodNames names = MethodNames::Exact);
 
   [[nodiscard]] core::CimPropertyList& in() { return m_in.list(); }
   // The output arguments of the signature, NULL until the method sets them.

@@ -65,8 +65,4 @@ void Command::refuse(const char* reason) {
   throw CLI::ArgumentMismatch(reason, CLI::ExitCodes::ArgumentMismatch);
 }
 
-std::string refuseEmpty(const std::string& text) {
-  return text.empty() ? "must not be empty" : "";
-}
-
 }  // namespace cli

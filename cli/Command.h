@@ -53,9 +53,6 @@ class Command {
   CLI::App* m_app;
 };
 
-// A Command::Check.
-[[nodiscard]] std::string refuseEmpty(const std::string& text);
-
 }  // namespace cli
 
 #endif  // ORVEX_CLI_COMMAND_H_

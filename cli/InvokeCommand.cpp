@@ -80,7 +80,8 @@ std::optional<client::JobReport> followJob(const Context& context, client::Conne
 }
 
 ExitStatus invoke(const Context& context, const Options& options) {
-  Arguments arguments(options.method, options.arguments);
+  Arguments arguments(options.method, options.arguments,
+                      context.options.host.empty() ? MethodNames::Exact : MethodNames::InAnyCase);
   const std::unique_ptr<client::Connection> connection = openConnection(context.options);
   const core::CimPath path = client::parseObjectPath(options.path);
 

@@ -16,6 +16,7 @@
 #include "client/Identities.h"
 #include "client/InstallationService.h"
 #include "client/Target.h"
+#include "host/SharedOptions.h"
 #include "platform/Texts.h"
 
 namespace cli {
@@ -158,7 +159,7 @@ void addUpdateCommand(CLI::App& program, Context& context) {
   command.add({"TARGET", "Port, adapter or object path", "", true}, options->target);
   command.add({"IMAGE", "File or file: URI of the firmware image"}, options->image);
   command.add(
-      {"--identity", "Firmware file of 'quorvel identities'", "IDENTITY", false, refuseEmpty},
+      {"--identity", "Firmware file of 'quorvel identities'", "IDENTITY", false, host::refuseEmpty},
       options->identity);
   command.add({"--types", "Install these image types of the file only", "IMG_PXE+IMG_UEFI", false,
                refuseNoType},

@@ -5,13 +5,12 @@
 #include <optional>
 #include <string_view>
 
+#include "cimxml/Ports.h"
 #include "client/Fault.h"
 
 namespace client {
 namespace {
 
-constexpr std::uint16_t kHttpPort = 5988;
-constexpr std::uint16_t kHttpsPort = 5989;
 constexpr int kHexadecimal = 16;
 
 struct Scheme {
@@ -21,8 +20,8 @@ struct Scheme {
 };
 
 constexpr Scheme kSchemes[] = {
-    {"http://", false, kHttpPort},
-    {"https://", true, kHttpsPort},
+    {"http://", false, cimxml::kHttpPort},
+    {"https://", true, cimxml::kHttpsPort},
 };
 
 [[noreturn]] void refuse(const std::string& text, const std::string& reason) {

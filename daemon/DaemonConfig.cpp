@@ -12,13 +12,12 @@
 #include <system_error>
 
 #include "Utils/Conversions.h"
+#include "cimxml/Ports.h"
 #include "daemon/Addresses.h"
 
 namespace quorveld {
 namespace {
 
-constexpr std::uint16_t kHttpPort = 5988;
-constexpr std::uint16_t kHttpsPort = 5989;
 constexpr const char* kLoopback = "127.0.0.1";
 
 constexpr std::uint32_t kMostConnections = 65'536;
@@ -180,9 +179,9 @@ void completeListen(DaemonConfig& config) {
   demandTogether(config.certificate, "certificate", config.key, "key");
   demandTogether(config.key, "key", config.certificate, "certificate");
   if (config.listen.empty()) {
-    config.listen.push_back({kLoopback, kHttpPort, false});
+    config.listen.push_back({kLoopback, cimxml::kHttpPort, false});
     if (!config.certificate.empty()) {
-      config.listen.push_back({kLoopback, kHttpsPort, true});
+      config.listen.push_back({kLoopback, cimxml::kHttpsPort, true});
     }
   }
   for (const http::Endpoint& endpoint : config.listen) {

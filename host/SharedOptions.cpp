@@ -4,9 +4,12 @@
 
 namespace host {
 
+std::string refuseEmpty(const std::string& text) {
+  return text.empty() ? "must not be empty" : "";
+}
+
 CLI::Validator notEmpty() {
-  return CLI::Validator(
-      [](const std::string& text) { return text.empty() ? "must not be empty" : ""; }, "");
+  return CLI::Validator(refuseEmpty, "");
 }
 
 void addAdaptersOption(CLI::App& app, std::string& directory) {

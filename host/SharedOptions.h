@@ -9,7 +9,9 @@
 
 namespace host {
 
-// Returns a check that refuses an empty value.
+// Returns why a parser refuses a value that must not be empty; nothing where it is not.
+[[nodiscard]] std::string refuseEmpty(const std::string& text);
+// The same as a check.
 [[nodiscard]] CLI::Validator notEmpty();
 
 // Adds --adapters DIR; `directory` must outlive the parser.

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cstring>
 #include <numeric>
 #include <string_view>
 #include <utility>
 
+#include "Utils/Ascii.h"
 #include "midapi/Hex.h"
 
 namespace ma {
@@ -87,8 +87,7 @@ std::string hex(std::size_t value) {
 }
 
 utils::FirmwareType typeOfProduct(std::string product) {
-  std::transform(product.begin(), product.end(), product.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  std::transform(product.begin(), product.end(), product.begin(), utils::toLowerAscii);
   for (const ProductName& name : kProductNames) {
     if (product.find(name.part) != std::string::npos) {
       return name.type;

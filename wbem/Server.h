@@ -14,6 +14,7 @@
 #include <memory>
 #include <string>
 
+#include "Os/QuorvelConfig.h"
 #include "cimxml/Request.h"
 #include "core/CimBroker.h"
 #include "wbem/Audit.h"
@@ -24,8 +25,9 @@ namespace wbem {
 class Server {
  public:
   struct Options {
-    std::string nameSpace = "root/DCIM/zolan";  // of the agents' classes; root/interop is beside it
-    std::string host = "localhost";             // in paths that name the host
+    // Of the agents' classes; root/interop is beside it.
+    std::string nameSpace = utils::QuorvelConfig::kDefaultNamespace;
+    std::string host = "localhost";  // in paths that name the host
     // Tells how long an enumeration has not been pulled.
     std::function<std::chrono::steady_clock::time_point()> clock = std::chrono::steady_clock::now;
   };

@@ -3,6 +3,7 @@
 #include <fstream>
 #include <utility>
 
+#include "Os/QuorvelConfig.h"
 #include "cli/Password.h"
 #include "cli/Posix/PasswordPrompt.h"
 #include "client/Fault.h"
@@ -12,8 +13,6 @@
 
 namespace cli {
 namespace {
-
-constexpr const char* kDefaultNameSpace = "root/DCIM/zolan";
 
 void demandSafeLogin(const client::HostAddress& address) {
   if (address.isLoginReadable() && !address.isLoopback()) {
@@ -75,7 +74,8 @@ std::unique_ptr<client::Connection> openHost(const GlobalOptions& options) {
   return std::make_unique<client::HostConnection>(
       client::HostConnection::Options{
           address, std::move(password),
-          options.nameSpace.empty() ? kDefaultNameSpace : options.nameSpace, commandFor(options)},
+          options.nameSpace.empty() ? utils::QuorvelConfig::kDefaultNamespace : options.nameSpace,
+          commandFor(options)},
       std::move(send));
 }
 

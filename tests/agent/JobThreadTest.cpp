@@ -8,6 +8,7 @@
 
 #include "agent/JobThread.h"
 #include "agent/Orvex_ConcreteJob.h"
+#include "cim/MethodSignatures.h"
 #include "tests/agent/FakeMidApi.h"
 #include "tests/agent/FakeSystem.h"
 #include "tests/support/FakeClock.h"
@@ -46,7 +47,7 @@ class JobThreadTest : public testing::Test {
         agent::VerifiedImage{test::bytesOf("image"), types, agent::TargetReservation(kAdapter)},
         m_clock);
     ASSERT_EQ(m_job->requestStateChange(Orvex_ConcreteJob::kRequestStart, utils::Datetime(0)),
-              Orvex_ConcreteJob::kStateChanged);
+              cim::kStateChanged);
   }
 
   // Waits for the end of the job's thread.

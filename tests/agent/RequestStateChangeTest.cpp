@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <gmock/gmock.h>
 
+#include "cim/MethodSignatures.h"
 #include "core/CimPropertyTypes.h"
 #include "tests/agent/ConcreteJobFixture.h"
 #include "tests/agent/NoMoreThreads.h"
@@ -30,7 +31,7 @@ TEST_F(RequestStateChange, StartsANewJob) {
   m_in.add(&m_timeoutPeriod);
   m_midApi.holdWrites();
 
-  EXPECT_EQ(invoke(), Orvex_ConcreteJob::kStateChanged);
+  EXPECT_EQ(invoke(), cim::kStateChanged);
   EXPECT_TRUE(m_midApi.awaitHeldWrite());
   EXPECT_EQ(m_job->getJobState(), cim::JobState::Running);
   finish();
@@ -40,7 +41,7 @@ TEST_F(RequestStateChange, NeedsNoTimeout) {
   m_requestedState.setValue(2);
   m_in.add(&m_requestedState);
 
-  EXPECT_EQ(invoke(), Orvex_ConcreteJob::kStateChanged);
+  EXPECT_EQ(invoke(), cim::kStateChanged);
   finish();
 }
 
@@ -49,7 +50,7 @@ TEST_F(RequestStateChange, RefusesAStartedJob) {
   m_requestedState.setValue(2);
   m_in.add(&m_requestedState);
 
-  EXPECT_EQ(invoke(), Orvex_ConcreteJob::kInvalidStateTransition);
+  EXPECT_EQ(invoke(), cim::kInvalidStateTransition);
   finish();
 }
 
@@ -57,7 +58,7 @@ TEST_F(RequestStateChange, RefusesOtherStates) {
   m_requestedState.setValue(4);
   m_in.add(&m_requestedState);
 
-  EXPECT_EQ(invoke(), Orvex_ConcreteJob::kStateChangeInvalid);
+  EXPECT_EQ(invoke(), cim::kStateChangeInvalid);
   EXPECT_EQ(m_job->getJobState(), cim::JobState::New);
 }
 
@@ -67,13 +68,13 @@ TEST_F(RequestStateChange, ReportsAThreadThatDoesNotStart) {
   makeJobByTheClock();
   const test::NoMoreThreads noMoreThreads;
 
-  EXPECT_EQ(invoke(), Orvex_ConcreteJob::kStateChangeFailed);
+  EXPECT_EQ(invoke(), cim::kStateChangeFailed);
 }
 
 TEST_F(RequestStateChange, NeedsTheState) {
-  EXPECT_EQ(invoke(), Orvex_ConcreteJob::kStateChangeInvalid);
+  EXPECT_EQ(invoke(), cim::kStateChangeInvalid);
   m_in.add(&m_requestedState);  // NULL
-  EXPECT_EQ(invoke(), Orvex_ConcreteJob::kStateChangeInvalid);
+  EXPECT_EQ(invoke(), cim::kStateChangeInvalid);
   EXPECT_EQ(m_job->getJobState(), cim::JobState::New);
 }
 
@@ -81,14 +82,14 @@ TEST_F(RequestStateChange, TakesAnArgumentOfAnotherTypeForMissing) {
   core::CimPropertyUint32 requestedState("RequestedState", nullptr);
   requestedState.setValue(2);
   m_in.add(&requestedState);
-  EXPECT_EQ(invoke(), Orvex_ConcreteJob::kStateChangeInvalid);
+  EXPECT_EQ(invoke(), cim::kStateChangeInvalid);
 
   core::CimPropertyString timeoutPeriod("TimeoutPeriod", nullptr);
   timeoutPeriod.setValue("soon");
   m_requestedState.setValue(2);
   m_in.add(&m_requestedState);
   m_in.add(&timeoutPeriod);
-  EXPECT_EQ(invoke(), Orvex_ConcreteJob::kStateChanged);
+  EXPECT_EQ(invoke(), cim::kStateChanged);
   finish();
 }
 

@@ -141,6 +141,22 @@ TEST(Arguments, AreStringsForAnUnknownMethod) {
   EXPECT_EQ(arguments.out().iterator().first(), nullptr);
 }
 
+TEST(Arguments, HaveTheTypesOfAMethodInAnyCaseWhereTheCalleeTakesItSo) {
+  using enum cli::MethodNames;
+  for (const char* method : {"requeststatechange", "RequestStateChange"}) {
+    EXPECT_EQ(
+        Arguments(method, {"RequestedState=4"}, InAnyCase).in().get("RequestedState")->getType(),
+        core::kCimUint16);
+  }
+  Arguments check("CHECKSOFTWAREIDENTITY", {"Target="}, InAnyCase);
+  EXPECT_EQ(check.in().get("Target")->getType(), core::kCimReference);
+  EXPECT_NE(check.out().get("InstallCharacteristics"), nullptr);
+  EXPECT_EQ(Arguments("checksoftwareidentity", {"Target="}, Exact).in().get("Target")->getType(),
+            core::kCimString);
+  EXPECT_EQ(Arguments("Dance", {"Steps=3"}, InAnyCase).in().get("Steps")->getType(),
+            core::kCimString);
+}
+
 TEST(Arguments, RefuseANameThatTheMethodDoesNotTake) {
   EXPECT_EQ(refusalOf("InstallFromURI", {"Uri=x"}),
             "method InstallFromURI takes no argument 'Uri'; it takes URI, Target, InstallOptions, "

@@ -88,9 +88,4 @@ TEST_F(CommandTest, ShowsItselfInTheHelp) {
   EXPECT_THAT(help, HasSubstr("Example"));
 }
 
-TEST(EmptyText, IsRefusedAsAnArgument) {
-  EXPECT_EQ(cli::refuseEmpty(""), "must not be empty");
-  EXPECT_EQ(cli::refuseEmpty("a"), "");
-}
-
 }  // namespace

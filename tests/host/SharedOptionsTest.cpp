@@ -56,4 +56,9 @@ TEST_F(SharedOptions, RefuseLevelsThatAreNone) {
   }
 }
 
+TEST(EmptyText, IsRefusedAsAnArgument) {
+  EXPECT_EQ(host::refuseEmpty(""), "must not be empty");
+  EXPECT_EQ(host::refuseEmpty("a"), "");
+}
+
 }  // namespace

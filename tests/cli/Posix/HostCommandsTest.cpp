@@ -65,6 +65,7 @@ TEST_F(HostCommandsTest, ShowAssociationsAsInProcess) {
       {"associations", "orvex_registeredprofile.instanceid=\"Orvex:SoftwareUpdate_Profile\""});
   expectSame({"associations", "orvex_registeredprofile.instanceid=\"none\""}, 1);
   expectSame({"associations", pathOf("Orvex_RegisteredProfile") + ",instanceid=\"none\""}, 1);
+  expectSame({"associations", "CIM_ConcreteJob.InstanceID=\"1\""}, 1);
   expectSame({"associations", "Nothing.Id=\"1\""}, 1);
   expectSame({"associations", "rubbish"}, 2);
 }
@@ -159,6 +160,16 @@ TEST_F(HostCommandsTest, InvokeAMethodAndFollowItsJob) {
   EXPECT_EQ(document["job"]["properties"]["JobState"], 7);
   EXPECT_THAT(run(onHost({"invoke", pathOf("Orvex_EthernetPort"), "Dance"})).errors,
               HasSubstr("CIM_ERR_METHOD_NOT_FOUND"));
+}
+
+TEST_F(HostCommandsTest, InvokeAMethodInAnyCase) {
+  addPxeAdapter(kAdapter);
+  startHost();
+  const std::string file = writeRom("new.rom", {pxe(3)});
+  EXPECT_EQ(runJson(onHost({"invoke", pathOf("Orvex_SoftwareInstallationService"), "installfromuri",
+                            "URI=" + uriOf(file), "Target=" + pathOf("Orvex_EthernetPort"),
+                            "InstallOptions=5", "InstallOptionsValues="}))["returnValue"],
+            4096);
 }
 
 TEST_F(HostCommandsTest, LeaveAnUpdateToTheHostWhenTheyAreInterrupted) {
