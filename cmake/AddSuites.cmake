@@ -1,5 +1,5 @@
 # Read by ctest for each program of quorvel_discover_suites, which sets: the program, the emulator that
-# runs it, the filter of its cases, whether each is a test, the properties of the tests, the folder that they
+# runs it where there is one, the filter of its cases, whether each is a test, the properties of the tests, the folder that they
 # run in, and the file that keeps the list of tests.
 
 if(NOT EXISTS ${program})
@@ -18,13 +18,17 @@ if("${program}" IS_NEWER_THAN "${list}")
   string(REPLACE "\r" "" listing "${listing}")
   string(REPLACE ";" "," listing "${listing}")
   string(REPLACE "\n" ";" lines "${listing}")
+  set(command "[==[${program}]==]")
+  if(emulator)
+    string(PREPEND command "[==[${emulator}]==] ")
+  endif()
   set(script "")
   set(name "")
   set(cases "")
   macro(add_cases)
     if(cases)
       string(REGEX REPLACE "^:" "" cases "${cases}")
-      string(APPEND script "add_test([==[${name}]==] [==[${emulator}]==] [==[${program}]==] "
+      string(APPEND script "add_test([==[${name}]==] ${command} "
                            "[==[--gtest_filter=${cases}]==])\n"
                            "set_tests_properties([==[${name}]==] PROPERTIES "
                            "WORKING_DIRECTORY [==[${folder}]==] "

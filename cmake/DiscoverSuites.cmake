@@ -1,5 +1,5 @@
-# Tests of programs that an emulator runs. To start one costs as much as most of the cases, so that a
-# test of ctest is a suite with all its cases, not one case.
+# Tests of programs that an emulator runs, or a sanitizer watches. To start one costs more than most of the
+# cases, so that a test of ctest is a suite with all its cases, not one case.
 
 # quorvel_discover_suites(TARGET [EACH_CASE] [TEST_FILTER FILTER] [PROPERTIES ...]): adds a test for each
 # suite of a GoogleTest program, or for each case, when ctest starts and the program has changed. FILTER is

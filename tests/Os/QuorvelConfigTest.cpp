@@ -234,6 +234,9 @@ class NoMemoryAfter : private utils::LogSinks {
 };
 
 TEST_F(QuorvelConfig, KeepsWhatItHadAndSaysSoWhenReadingFails) {
+#ifdef QUORVEL_TEST_THREAD_SANITIZER
+  GTEST_SKIP() << "ThreadSanitizer lets no program have an operator new of its own";
+#endif
   write({{"Namespace", "root/of/the/first/reading"}, {"OEMCustomizeable", 0x20U}});
   m_config.initialize();
   write({{"Namespace", "root/of/the/second/reading"}, {"OEMCustomizeable", 0U}});

@@ -19,7 +19,8 @@ enum class SystemCall {
   UnlockMutex,    // pthread_mutex_unlock, ReleaseMutex
   MakeSemaphore,  // semget, CreateSemaphoreA
   TellLocalTime,  // localtime_r, _mkgmtime64
-  Allocate,       // operator new, malloc of the C++ runtime; throws std::bad_alloc
+  Allocate,  // operator new (not under clang's thread sanitizer, which has its own in the program),
+             // malloc of the C++ runtime; throws std::bad_alloc
   kCount
 };
 

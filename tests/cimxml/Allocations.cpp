@@ -10,6 +10,7 @@ std::atomic<std::size_t> allocations{0};
 
 }  // namespace
 
+#ifndef QUORVEL_TEST_THREAD_SANITIZER
 void* operator new(std::size_t size) {
   allocations.fetch_add(1, std::memory_order_relaxed);
   if (void* memory = std::malloc(size != 0 ? size : 1)) {
@@ -30,6 +31,7 @@ void operator delete(void* memory) noexcept {
 void operator delete(void* memory, std::size_t) noexcept {
   std::free(memory);
 }
+#endif
 
 namespace test {
 

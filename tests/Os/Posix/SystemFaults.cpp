@@ -104,6 +104,7 @@ std::tm* localtime_r(const std::time_t* time, std::tm* fields) noexcept {
 
 }  // extern "C"
 
+#ifndef QUORVEL_TEST_THREAD_SANITIZER
 void* operator new(std::size_t size) {
   if (test::takeError(test::SystemCall::Allocate) == 0) {
     if (void* memory = std::malloc(size != 0 ? size : 1)) {
@@ -125,5 +126,6 @@ void operator delete(void* memory) noexcept {
 void operator delete(void* memory, std::size_t) noexcept {
   std::free(memory);
 }
+#endif
 
 #pragma GCC visibility pop
