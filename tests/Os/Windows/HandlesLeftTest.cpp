@@ -14,20 +14,14 @@
 #include "platform/Windows/Handle.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/Windows/MachineRegistry.h"
+#include "tests/support/Windows/OpenHandles.h"
 
 namespace {
 
 using platform::Handle;
+using test::isOpen;
+using test::makeEvent;
 using utils::WindowsRegistry;
-
-HANDLE makeEvent() {
-  return CreateEventA(nullptr, TRUE, FALSE, nullptr);
-}
-
-bool isOpen(HANDLE handle) {
-  DWORD flags = 0;
-  return GetHandleInformation(handle, &flags) != FALSE;
-}
 
 // Returns how many handles the process has open. The system's own count is 0 under an emulation.
 int countHandles() {

@@ -3,19 +3,13 @@
 #include <windows.h>
 
 #include "platform/Windows/Handle.h"
+#include "tests/support/Windows/OpenHandles.h"
 
 namespace {
 
 using platform::Handle;
-
-HANDLE makeEvent() {
-  return CreateEventA(nullptr, TRUE, FALSE, nullptr);
-}
-
-bool isOpen(HANDLE handle) {
-  DWORD flags = 0;
-  return GetHandleInformation(handle, &flags) != FALSE;
-}
+using test::isOpen;
+using test::makeEvent;
 
 TEST(Handle, ClosesWhatItOwns) {
   const HANDLE event = makeEvent();
