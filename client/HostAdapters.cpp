@@ -3,6 +3,7 @@
 #include <map>
 #include <utility>
 
+#include "client/ClassNames.h"
 #include "client/ServedClasses.h"
 #include "client/Snapshot.h"
 #include "client/Texts.h"
@@ -10,10 +11,6 @@
 namespace client {
 namespace {
 
-constexpr const char* kAdapterClass = "Orvex_PortController";
-constexpr const char* kPortClass = "Orvex_EthernetPort";
-constexpr const char* kIdentityClass = "Orvex_SoftwareIdentity";
-constexpr const char* kAssociationClass = "Orvex_ElementSoftwareIdentity";
 constexpr const char* kIdentifier = "DeviceID";
 constexpr const char* kInstalled = "installed";
 
@@ -27,7 +24,7 @@ Installed readInstalled(Connection& connection) {
                                  identity.value<std::string>("VersionString")};
   }
   Installed installed;
-  for (const InstanceSnapshot& association : getInstances(connection, kAssociationClass)) {
+  for (const InstanceSnapshot& association : getInstances(connection, kComparisonClass)) {
     const auto component = components.find(association.value<std::string>("Antecedent"));
     if (component != components.end() &&
         association.value<std::string>("Comparison") == kInstalled) {

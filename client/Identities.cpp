@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "Utils/Exception.h"
+#include "client/ClassNames.h"
 #include "client/ErrorRecords.h"
 #include "client/Fault.h"
 #include "client/ServedClasses.h"
@@ -18,9 +19,6 @@
 namespace client {
 namespace {
 
-constexpr const char* kIdentityClass = "Orvex_SoftwareIdentity";
-constexpr const char* kAdapterClass = "Orvex_PortController";
-constexpr const char* kComparisonClass = "Orvex_ElementSoftwareIdentity";
 constexpr const char* kDeviceInfo = "Orvex:PCIDevice";
 
 // The values of ImageKind.

@@ -4,6 +4,7 @@
 
 #include "cim/InstallCharacteristics.h"
 #include "cim/InstallOptions.h"
+#include "client/ClassNames.h"
 #include "client/Fault.h"
 #include "client/ServedClasses.h"
 #include "core/CimPropertyRef.h"
@@ -14,7 +15,6 @@ namespace client {
 namespace {
 
 constexpr const char* kCharacteristicsOutput = "InstallCharacteristics";
-constexpr const char* kServiceClass = "Orvex_SoftwareInstallationService";
 
 constexpr std::pair<std::uint16_t, const char*> kCharacteristics[] = {
     {cim::kTargetAutomaticReset, "the target resets itself"},

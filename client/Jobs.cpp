@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "Utils/Datetime.h"
+#include "client/ClassNames.h"
 #include "client/Fault.h"
 #include "client/ServedClasses.h"
 #include "client/Texts.h"
@@ -13,7 +14,6 @@
 namespace client {
 namespace {
 
-constexpr const char* kJobClass = "Orvex_ConcreteJob";
 constexpr const char* kIdProperty = "InstanceID";
 
 bool isMeant(const Job& job, const std::string& text) {

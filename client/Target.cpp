@@ -3,6 +3,7 @@
 #include <optional>
 #include <utility>
 
+#include "client/ClassNames.h"
 #include "client/Fault.h"
 #include "client/ServedClasses.h"
 #include "client/Texts.h"
@@ -11,8 +12,6 @@
 namespace client {
 namespace {
 
-constexpr const char* kPortClass = "Orvex_EthernetPort";
-constexpr const char* kAdapterClass = "Orvex_PortController";
 constexpr const char* kIdentifier = "DeviceID";
 
 // Returns the instance's identifier, empty when it has none.
