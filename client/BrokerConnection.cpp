@@ -29,8 +29,9 @@ ServedNames readServedNames(const core::CimBroker& broker) {
 bool refersTo(const InstanceSnapshot& instance, const std::string& path) {
   return std::any_of(instance.properties.begin(), instance.properties.end(),
                      [&path](const PropertySnapshot& property) {
+                       const std::string* const target = property.value.text();
                        return property.kind == PropertySnapshot::Kind::Reference &&
-                              property.value == Value(path);
+                              target != nullptr && *target == path;
                      });
 }
 
