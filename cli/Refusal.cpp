@@ -49,10 +49,8 @@ constexpr Advice kAdvice[] = {
 constexpr std::pair<std::uint32_t, const char*> kAdviceOnCodes[] = {
     {cim::kUnspecifiedError,
      "wait for the end of an update that runs in the host ('quorvel jobs'); where none does, a "
-     "check "
-     "may have reserved a target, which ends with a restart of the host, or the image cannot be "
-     "read "
-     "on its machine"},
+     "check may have reserved a target, which ends with a restart of the host, or the image "
+     "cannot be read on its machine"},
     {cim::kFailed, "the log of the host tells why the job could not be started"},
     {cim::kInvalidParameter,
      "check that IMAGE is there on the machine of the host, and a whole firmware file; its log "
