@@ -5,17 +5,17 @@
 namespace http {
 
 void ConnectionList::addServed(ListedConnection& connection) {
-  const utils::ScopedLock lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   m_served.insert(&connection);
 }
 
 void ConnectionList::addRefused(ListedConnection& connection) {
-  const utils::ScopedLock lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   m_refused.insert(&connection);
 }
 
 void ConnectionList::remove(ListedConnection& connection) {
-  const utils::ScopedLock lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   m_served.erase(&connection);
   m_refused.erase(&connection);
   if (m_served.empty() && m_refused.empty() && m_whenEmpty) {
@@ -24,17 +24,17 @@ void ConnectionList::remove(ListedConnection& connection) {
 }
 
 std::size_t ConnectionList::countServed() const {
-  const utils::ScopedLock lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   return m_served.size();
 }
 
 std::size_t ConnectionList::countRefused() const {
-  const utils::ScopedLock lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   return m_refused.size();
 }
 
 bool ConnectionList::isEmpty() const {
-  const utils::ScopedLock lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   return m_served.empty() && m_refused.empty();
 }
 
@@ -58,14 +58,14 @@ void ConnectionList::cutAll() {
 }
 
 void ConnectionList::setWhenEmpty(std::function<void()> call) {
-  const utils::ScopedLock lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   m_whenEmpty = std::move(call);
 }
 
 // A connection whose destructor waits for the lock is in the sets still, and has no owner any more.
 std::vector<std::shared_ptr<ListedConnection>> ConnectionList::getAll() const {
   std::vector<std::shared_ptr<ListedConnection>> all;
-  const utils::ScopedLock lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   all.reserve(m_served.size() + m_refused.size());
   for (const auto* const connections : {&m_served, &m_refused}) {
     for (ListedConnection* const connection : *connections) {

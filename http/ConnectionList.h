@@ -10,8 +10,8 @@
 #include <unordered_set>
 #include <vector>
 
-#include "Utils/Mutex.h"
 #include "http/Clock.h"
+#include "platform/Mutex.h"
 
 namespace http {
 
@@ -58,7 +58,7 @@ class ConnectionList {
  private:
   [[nodiscard]] std::vector<std::shared_ptr<ListedConnection>> getAll() const;
 
-  mutable utils::Mutex m_mutex;
+  mutable platform::Mutex m_mutex;
   std::unordered_set<ListedConnection*> m_served ORVEX_GUARDED_BY(m_mutex);
   std::unordered_set<ListedConnection*> m_refused ORVEX_GUARDED_BY(m_mutex);
   std::function<void()> m_whenEmpty ORVEX_GUARDED_BY(m_mutex);

@@ -23,7 +23,7 @@ void shrink(std::string& text) {
 
 std::unique_ptr<Exchange> ExchangePool::take() {
   {
-    const utils::ScopedLock lock(m_mutex);
+    const platform::Lock lock(m_mutex);
     if (!m_free.empty()) {
       std::unique_ptr<Exchange> exchange = std::move(m_free.back());
       m_free.pop_back();
@@ -37,7 +37,7 @@ std::unique_ptr<Exchange> ExchangePool::take() {
 void ExchangePool::give(std::unique_ptr<Exchange> exchange) {
   shrink(exchange->request.body());
   shrink(exchange->response.body);
-  const utils::ScopedLock lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   if (m_free.size() < kMostFree) {
     m_free.push_back(std::move(exchange));
   }
@@ -45,7 +45,7 @@ void ExchangePool::give(std::unique_ptr<Exchange> exchange) {
 
 void ExchangePool::trim() {
   std::vector<std::unique_ptr<Exchange>> unused;  // freed without the lock
-  const utils::ScopedLock lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   const auto end = m_free.begin() + static_cast<std::ptrdiff_t>(m_leastFree);
   unused.assign(std::make_move_iterator(m_free.begin()), std::make_move_iterator(end));
   m_free.erase(m_free.begin(), end);
@@ -53,7 +53,7 @@ void ExchangePool::trim() {
 }
 
 std::size_t ExchangePool::countFree() const {
-  const utils::ScopedLock lock(m_mutex);
+  const platform::Lock lock(m_mutex);
   return m_free.size();
 }
 

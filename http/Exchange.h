@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "Utils/Mutex.h"
 #include "http/Message.h"
 #include "http/RequestMessage.h"
+#include "platform/Mutex.h"
 
 namespace http {
 
@@ -38,7 +38,7 @@ class ExchangePool {
   [[nodiscard]] std::size_t countFree() const;
 
  private:
-  mutable utils::Mutex m_mutex;
+  mutable platform::Mutex m_mutex;
   std::vector<std::unique_ptr<Exchange>> m_free ORVEX_GUARDED_BY(m_mutex);
   std::size_t m_leastFree ORVEX_GUARDED_BY(m_mutex) = 0;  // since the last trim
 };

@@ -17,7 +17,7 @@ MAY_INCLUDE = {
     "inventory": ["inventory", "cim", "core", "Os", "Utils", "platform", "midapi"],
     "agent": ["agent", INSTANCE_CLASSES, "cim", "core", "Os", "Utils", "platform", "midapi"],
     "cimxml": ["cimxml", "core", "Utils"],
-    "http": ["http", "Utils"],
+    "http": ["http", "Utils", "platform"],
     "wbem": ["wbem", "cimxml", "cim", "core", "Os", "Utils"],
     "host": ["host", "core", "Os", "Utils", "platform"],
     "daemon": ["daemon", "host", "http", "wbem", "cimxml", "core", "Os", "Utils", "platform"],
