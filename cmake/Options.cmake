@@ -31,6 +31,15 @@ if(QUORVEL_SANITIZE)
   endif()
 endif()
 
+# quorvel_spare_the_optimiser(): compiles what follows in a folder without optimisation where it is
+# watched. To optimise what is watched of the libraries in there takes the compiler longer than all the
+# tests run.
+macro(quorvel_spare_the_optimiser)
+  if(QUORVEL_SANITIZE)
+    add_compile_options(-O0)
+  endif()
+endmacro()
+
 # It links the test programs in a fraction of the time of the compilers' own linker. What is shipped is
 # linked by that.
 find_program(LLD_PROGRAM ld.lld)
