@@ -46,6 +46,17 @@ class SafeList {
     append(element);
   }
 
+  // Appends, and calls `complete` before anybody else can come upon the element. What that throws
+  // takes the element out again and leaves. It must not call the list.
+  template <class Complete>
+  void add(T element, Complete complete) {
+    const ScopedLock lock(m_lock);
+    append(element);
+    Addition addition(m_elements);
+    complete();
+    addition.keep();
+  }
+
   // Empties the list.
   virtual void clear() {
     const ScopedLock lock(m_lock);
@@ -84,6 +95,23 @@ class SafeList {
   mutable Mutex m_lock;
 
  private:
+  // Takes the last element out again, unless it is kept.
+  class Addition {
+   public:
+    explicit Addition(std::vector<T>& elements) : m_elements(&elements) {}
+    Addition(const Addition&) = delete;
+    Addition& operator=(const Addition&) = delete;
+    ~Addition() {
+      if (m_elements != nullptr) {
+        m_elements->pop_back();
+      }
+    }
+    void keep() { m_elements = nullptr; }
+
+   private:
+    std::vector<T>* m_elements;
+  };
+
   static constexpr std::size_t kFirstCapacity = 8;
 
   const bool m_ownsElements;

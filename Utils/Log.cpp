@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdarg>
 #include <cstdlib>
+#include <exception>
 
 namespace utils {
 namespace {
@@ -44,15 +45,29 @@ LogSinks& currentSinks() {
   return sinks != nullptr ? *sinks : platformLogSinks();
 }
 
-std::string buildLine(LogSource source, LogOrigin origin, const char* label, const char* text,
-                      va_list arguments) ORVEX_PRINTF(4, 0);
+// What stands in for an entry. Made at the start, when there is memory.
+const std::string s_lostEntry = "OrvexQuorvel: an entry is lost, since there is no memory for it\n";
 
-std::string buildLine(LogSource source, LogOrigin origin, const char* label, const char* text,
-                      va_list arguments) {
-  const std::string message = formatArguments(text, arguments);
-  return format("OrvexQuorvel: %s:%d:%s: %s: %s\n", source.name, origin.line, origin.function,
-                label, message.c_str());
-}
+// An entry, or what stands in for it.
+class Line {
+ public:
+  Line(LogSource source, LogOrigin origin, const char* label, const char* text,
+       va_list arguments) noexcept ORVEX_PRINTF(5, 0) {
+    try {
+      const std::string message = formatArguments(text, arguments);
+      m_text = format("OrvexQuorvel: %s:%d:%s: %s: %s\n", source.name, origin.line, origin.function,
+                      label, message.c_str());
+    } catch (const std::exception&) {
+      m_isLost = true;
+    }
+  }
+
+  [[nodiscard]] const std::string& get() const noexcept { return m_isLost ? s_lostEntry : m_text; }
+
+ private:
+  std::string m_text;
+  bool m_isLost = false;
+};
 
 // The console copy has always read a line as a format without arguments; of what that did, only the
 // harmless part is left: "%%" is one per cent sign, any other conversion stands as it is.
@@ -68,12 +83,20 @@ std::string interpretPercentSigns(const std::string& line) {
   return text;
 }
 
-void writeDebugCopies(int level, LogSinks& sinks, const std::string& line) {
+void writeStandardError(LogSinks& sinks, const std::string& line) noexcept {
+  try {
+    sinks.writeStandardError(interpretPercentSigns(line));
+  } catch (const std::exception&) {
+    sinks.writeStandardError(s_lostEntry);
+  }
+}
+
+void writeDebugCopies(int level, LogSinks& sinks, const std::string& line) noexcept {
   if (level >= kLevelDebug) {
     sinks.writeDebugChannel(line);
   }
   if (level == kLevelConsole) {
-    sinks.writeStandardError(interpretPercentSigns(line));
+    writeStandardError(sinks, line);
   }
 }
 
@@ -81,29 +104,29 @@ void writeDebugCopies(int level, LogSinks& sinks, const std::string& line) {
 
 LogSinks::~LogSinks() = default;
 
-void logDebug(LogSource source, LogOrigin origin, const char* text, ...) {
+void logDebug(LogSource source, LogOrigin origin, const char* text, ...) noexcept {
   const int level = currentLevel();
   if (level < kLevelDebug) {
     return;
   }
   va_list arguments;
   va_start(arguments, text);
-  const std::string line = buildLine(source, origin, "debug", text, arguments);
+  const Line line(source, origin, "debug", text, arguments);
   va_end(arguments);
-  writeDebugCopies(level, currentSinks(), line);
+  writeDebugCopies(level, currentSinks(), line.get());
 }
 
-void logError(LogSource source, LogOrigin origin, const char* text, ...) {
+void logError(LogSource source, LogOrigin origin, const char* text, ...) noexcept {
   const int level = currentLevel();
   va_list arguments;
   va_start(arguments, text);
-  const std::string line = buildLine(source, origin, "error", text, arguments);
+  const Line line(source, origin, "error", text, arguments);
   va_end(arguments);
   LogSinks& sinks = currentSinks();
   if (level >= kLevelErrors) {
-    sinks.writeEventLog(line);
+    sinks.writeEventLog(line.get());
   }
-  writeDebugCopies(level, sinks, line);
+  writeDebugCopies(level, sinks, line.get());
 }
 
 bool isDebugLogged() {

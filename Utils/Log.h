@@ -10,7 +10,7 @@
 //   3      debug channel, standard error      event log, debug channel, standard error
 //
 // Any thread may log. An entry is built in a local string and handed to each sink whole. Logging
-// throws nothing but std::bad_alloc.
+// throws nothing: where there is no memory for an entry, another stands in for it that says so.
 
 #ifndef ORVEX_UTILS_LOG_H_
 #define ORVEX_UTILS_LOG_H_
@@ -40,9 +40,9 @@ struct LogOrigin {
 
 // Log a printf-style message. Nothing is formatted where the level sends it nowhere, but for the
 // error entry, which always builds its line.
-ORVEX_CORE_API void logDebug(LogSource source, LogOrigin origin, const char* text, ...)
+ORVEX_CORE_API void logDebug(LogSource source, LogOrigin origin, const char* text, ...) noexcept
     ORVEX_PRINTF(3, 4);
-ORVEX_CORE_API void logError(LogSource source, LogOrigin origin, const char* text, ...)
+ORVEX_CORE_API void logError(LogSource source, LogOrigin origin, const char* text, ...) noexcept
     ORVEX_PRINTF(3, 4);
 
 // Returns true when debug entries go anywhere, for a caller whose arguments are costly to make.

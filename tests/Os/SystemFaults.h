@@ -17,7 +17,8 @@ enum class SystemCall {
   CloseMutex,     // pthread_mutex_destroy, CloseHandle: done, and then said to have failed
   LockMutex,      // pthread_mutex_lock, WaitForSingleObject
   UnlockMutex,    // pthread_mutex_unlock, ReleaseMutex
-  MakeSemaphore,  // semget, CreateSemaphoreA
+  MakeSemaphore,  // Windows alone: CreateSemaphoreA
+  LockFile,       // POSIX alone: flock
   TellLocalTime,  // localtime_r, _mkgmtime64
   Allocate,  // operator new (not under clang's thread sanitizer, which has its own in the program),
              // malloc of the C++ runtime; throws std::bad_alloc

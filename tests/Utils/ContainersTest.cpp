@@ -1,4 +1,6 @@
 #include <atomic>
+#include <chrono>
+#include <future>
 #include <gmock/gmock.h>
 #include <memory>
 #include <string>
@@ -176,6 +178,25 @@ TEST_F(SafeList, TakesAnElementOutWithoutDeletingIt) {
   EXPECT_FALSE(list.remove(item.get()));
   EXPECT_EQ(list.size(), 0U);
   EXPECT_THAT(m_deaths, IsEmpty());
+}
+
+TEST_F(SafeList, ShowsNobodyAnElementBeforeItIsComplete) {
+  Item item(1, m_deaths);
+  bool isComplete = false;
+  std::future<bool> visit;
+  m_list.add(&item, [&] {
+    visit = std::async(std::launch::async,
+                       [&] { return m_list.iterator().first() == &item && isComplete; });
+    visit.wait_for(std::chrono::milliseconds(20));
+    isComplete = true;
+  });
+  EXPECT_TRUE(visit.get());
+}
+
+TEST_F(SafeList, DoesNotKeepAnElementThatCannotBeCompleted) {
+  Item item(1, m_deaths);
+  EXPECT_THROW(m_list.add(&item, [] { throw 1; }), int);
+  EXPECT_EQ(m_list.size(), 0u);
 }
 
 TEST_F(SafeList, StaysAtTheEndThatAWalkHasReached) {

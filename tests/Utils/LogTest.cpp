@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Utils/Log.h"
+#include "tests/Os/SystemFaults.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Programs.h"
 
@@ -159,5 +160,26 @@ TEST(Log, KeepsEntriesOfManyThreadsWhole) {
   EXPECT_THAT(log.records(),
               testing::Each(test::IsRecord(LogLevel::Debug, "act", testing::StartsWith("entry "))));
 }
+
+#ifndef QUORVEL_TEST_THREAD_SANITIZER
+TEST(Log, HasAnotherEntryInThePlaceOfOneThatThereIsNoMemoryFor) {
+  class LineSinks final : public utils::LogSinks {
+   public:
+    void writeEventLog(const std::string& line) noexcept override { isLost = line == kLost; }
+    void writeDebugChannel(const std::string& /*line*/) noexcept override {}
+    void writeStandardError(const std::string& /*text*/) noexcept override {}
+
+    const std::string kLost = "OrvexQuorvel: an entry is lost, since there is no memory for it\n";
+    bool isLost = false;
+  } sinks;
+  utils::LogSinks* const previous = utils::exchangeLogSinks(&sinks);
+  {
+    const test::FailingCall failing(test::SystemCall::Allocate, 1);
+    utils::logError(kLog, "f", "%s", "a text that is longer than a string has room for by itself");
+  }
+  utils::exchangeLogSinks(previous);
+  EXPECT_TRUE(sinks.isLost);
+}
+#endif
 
 }  // namespace

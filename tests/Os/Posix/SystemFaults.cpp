@@ -8,7 +8,7 @@
 #include <new>
 #include <pthread.h>
 #include <string>
-#include <sys/sem.h>
+#include <sys/file.h>
 #include <utility>
 
 namespace test {
@@ -90,10 +90,10 @@ int pthread_mutex_unlock(pthread_mutex_t* mutex) noexcept {
   return error != 0 ? error : system(mutex);
 }
 
-int semget(key_t key, int count, int flags) noexcept {
-  SYSTEM_FUNCTION(semget);
-  errno = test::takeError(test::SystemCall::MakeSemaphore);
-  return errno != 0 ? -1 : system(key, count, flags);
+int flock(int file, int operation) noexcept {
+  SYSTEM_FUNCTION(flock);
+  errno = test::takeError(test::SystemCall::LockFile);
+  return errno != 0 ? -1 : system(file, operation);
 }
 
 std::tm* localtime_r(const std::time_t* time, std::tm* fields) noexcept {
