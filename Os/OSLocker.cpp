@@ -1,6 +1,9 @@
 #include "Os/OSLocker.h"
 
+#include <utility>
+
 #include "Os/QuorvelConfig.h"
+#include "Utils/ClockText.h"
 #include "Utils/Exception.h"
 #include "Utils/Log.h"
 
@@ -15,6 +18,29 @@ Singleton<os::OSLocker>*& Singleton<os::OSLocker>::slot() {
 }  // namespace utils
 
 namespace os {
+namespace {
+
+std::string describe(const std::optional<LockHolder>& holder) {
+  return holder ? holder->toString(std::chrono::steady_clock::now()) : "another program";
+}
+
+// Stands in for a lock that could not be made.
+class NoOSLocker final : public OSLocker {
+ protected:
+  [[nodiscard]] bool hasSemaphore() const override { return false; }
+  [[nodiscard]] WaitResult waitForSemaphore(std::uint32_t /*milliseconds*/) override {
+    return WaitResult::Failed;
+  }
+  [[nodiscard]] std::optional<SystemError> releaseSemaphore() override { return std::nullopt; }
+};
+
+}  // namespace
+
+std::string LockHolder::toString(std::chrono::steady_clock::time_point now) const {
+  const auto held = std::chrono::duration_cast<std::chrono::seconds>(now - since);
+  return utils::format("%s, process %d, user %s, for %s", program.c_str(), process, user.c_str(),
+                       utils::toClockText(held).c_str());
+}
 
 OSLocker::OSLocker() {
   utils::logDebug(kLog, "os::OSLocker::OSLocker", "Create new OSLocker");
@@ -33,6 +59,7 @@ std::int32_t OSLocker::Lock() {
     return kInUse;
   }
   const WaitResult result = waitForSemaphore(utils::QuorvelConfig::getInstance()->getTimeout());
+  const std::string timeoutHolder = endWait(result);
   utils::logDebug(kLog, kFunction, "result = %d", static_cast<int>(result));
   switch (result) {
     case WaitResult::Signalled:
@@ -43,6 +70,7 @@ std::int32_t OSLocker::Lock() {
       utils::logDebug(kLog, kFunction,
                       "Timeout occured when the Semaphore was locked. Other application uses "
                       "Fennelbrook SDK at this moment");
+      utils::logError(kLog, kFunction, "The flash lock is held by %s", timeoutHolder.c_str());
       return kTimeout;
     case WaitResult::Failed:
       break;
@@ -74,6 +102,39 @@ std::int32_t OSLocker::UnLock() {
   return kError;
 }
 
+std::string OSLocker::describeAwaited() {
+  auto* const locker = static_cast<OSLocker*>(slot());
+  return locker != nullptr ? locker->describeWait() : std::string();
+}
+
+std::string OSLocker::describeTimeout() {
+  auto* const locker = static_cast<OSLocker*>(slot());
+  if (locker == nullptr) {
+    return {};
+  }
+  const platform::Lock lock(locker->m_waitMutex);
+  return locker->m_timeoutHolder;
+}
+
+void OSLocker::noteWait(std::optional<LockHolder> holder) {
+  const platform::Lock lock(m_waitMutex);
+  m_isWaiting = true;
+  m_holder = std::move(holder);
+}
+
+std::string OSLocker::endWait(WaitResult result) {
+  const platform::Lock lock(m_waitMutex);
+  m_timeoutHolder = result == WaitResult::TimedOut ? describe(m_holder) : std::string();
+  m_isWaiting = false;
+  m_holder.reset();
+  return m_timeoutHolder;
+}
+
+std::string OSLocker::describeWait() const {
+  const platform::Lock lock(m_waitMutex);
+  return m_isWaiting ? describe(m_holder) : std::string();
+}
+
 OSLocker::AutoOSLocker::AutoOSLocker() {
   utils::logDebug(kLog, "os::OSLocker::AutoOSLocker::AutoOSLocker", "autolocking semaphore");
   const std::int32_t result = OSLocker::getInstance()->Lock();
@@ -85,6 +146,15 @@ OSLocker::AutoOSLocker::AutoOSLocker() {
 OSLocker::AutoOSLocker::~AutoOSLocker() {
   utils::logDebug(kLog, "os::OSLocker::AutoOSLocker::~AutoOSLocker", "autoreleasing semaphore");
   OSLocker::getInstance()->UnLock();
+}
+
+std::unique_ptr<OSLocker> createOSLockerOrSubstitute() {
+  try {
+    return createOSLocker();
+  } catch (const utils::Exception&) {
+    // Its text and its reason are in the log.
+    return std::make_unique<NoOSLocker>();
+  }
 }
 
 }  // namespace os

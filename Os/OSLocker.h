@@ -1,15 +1,16 @@
 // The machine-wide flash lock: only one program on the machine programs adapter flash at a time.
 //
 // One locker is registered per process; it is created by the host of the flash operations before
-// the first of them. Programs of this maker share one semaphore of count 1:
-//   POSIX    a System V semaphore with key 0x5241564C and mode 0666. The kernel gives the lock back
-//            when its holder dies.
-//   Windows  "Global\RavlApplySemaphore", open to everyone.
+// the first of them. Programs of this maker share one lock:
+//   POSIX    the kernel's lock (flock) of the file /run/lock/RavlApplySemaphore, which is root's;
+//            see Posix/LockFile.h. The kernel gives the lock back when its holder dies.
+//   Windows  the semaphore "Global\RavlApplySemaphore" of count 1, open to everyone.
 // Any thread may call. Within a process a second Lock() does not wait but answers 2.
 
 #ifndef ORVEX_OS_OSLOCKER_H_
 #define ORVEX_OS_OSLOCKER_H_
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -19,6 +20,7 @@
 #include "Utils/Log.h"
 #include "Utils/Mutex.h"
 #include "Utils/Singleton.h"
+#include "platform/Mutex.h"
 
 namespace os {
 class OSLocker;
@@ -30,6 +32,18 @@ ORVEX_CORE_API Singleton<os::OSLocker>*& Singleton<os::OSLocker>::slot();
 }
 
 namespace os {
+
+// The process that has the flash lock.
+struct LockHolder {
+  std::string program;
+  int process = 0;
+  std::string user;
+  std::chrono::steady_clock::time_point since;
+
+  // Returns for example "quorvel, process 4711, user root, for 00:12".
+  [[nodiscard]] ORVEX_CORE_API std::string toString(
+      std::chrono::steady_clock::time_point now) const;
+};
 
 class ORVEX_CORE_API OSLocker : public utils::Singleton<OSLocker> {
  public:
@@ -47,6 +61,12 @@ class ORVEX_CORE_API OSLocker : public utils::Singleton<OSLocker> {
   [[nodiscard]] virtual std::int32_t Lock();
   // Gives the semaphore back. Returns 0, also when it is not held; 1 when that failed.
   virtual std::int32_t UnLock();
+
+  // Returns whom a Lock() of the process waits for at the moment, as LockHolder::toString() has it,
+  // or "another program" where that is not known; empty while none waits. Logs nothing.
+  [[nodiscard]] static std::string describeAwaited();
+  // Returns the same of whom the last Lock() waited for in vain; empty where that had no timeout.
+  [[nodiscard]] static std::string describeTimeout();
 
  protected:
   // What waiting for the semaphore came to, with the numbers that Windows gives.
@@ -66,12 +86,26 @@ class ORVEX_CORE_API OSLocker : public utils::Singleton<OSLocker> {
   // Adds 1 to the semaphore. Returns nothing on success.
   [[nodiscard]] virtual std::optional<SystemError> releaseSemaphore() = 0;
 
+  // To be called by waitForSemaphore() when it has to wait: for whom, nothing where it does not
+  // know.
+  void noteWait(std::optional<LockHolder> holder);
+  // What describeAwaited() returns, of this locker.
+  [[nodiscard]] std::string describeWait() const;
+
  private:
   // The name that the lock of this platform logs under. Defined per platform.
   static const utils::LogSource kLog;
 
+  // Returns whom it was in vain for, empty without a timeout.
+  std::string endWait(WaitResult result);
+
   utils::Mutex m_lock;
   bool m_isLocked ORVEX_GUARDED_BY(m_lock) = false;
+
+  mutable platform::Mutex m_waitMutex;  // a leaf
+  bool m_isWaiting ORVEX_GUARDED_BY(m_waitMutex) = false;
+  std::optional<LockHolder> m_holder ORVEX_GUARDED_BY(m_waitMutex);
+  std::string m_timeoutHolder ORVEX_GUARDED_BY(m_waitMutex);
 };
 
 // Holds the flash lock for the span of a block.
@@ -86,8 +120,13 @@ class ORVEX_CORE_API OSLocker::AutoOSLocker {
 };
 
 // Returns a new locker of the platform, which registers itself. Throws utils::Exception "Could not
-// create synchronisation sempahore". Defined per platform.
+// create synchronisation sempahore", after a record of the reason where it knows one. Defined per
+// platform.
 [[nodiscard]] ORVEX_CORE_API std::unique_ptr<OSLocker> createOSLocker();
+
+// The same for a host that serves on without the lock: where it cannot be created, returns a locker
+// that has no semaphore, and so answers every Lock() by kError.
+[[nodiscard]] ORVEX_CORE_API std::unique_ptr<OSLocker> createOSLockerOrSubstitute();
 
 }  // namespace os
 

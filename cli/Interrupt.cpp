@@ -21,6 +21,7 @@ constexpr int kEndingSignals[] = {
 // Atomic, since a platform may deliver a signal on a thread of its own.
 std::atomic<int> s_lastSignal{0};
 std::atomic<bool> s_isNew{false};
+std::atomic<bool> s_isStopNew{false};
 static_assert(std::atomic<int>::is_always_lock_free && std::atomic<bool>::is_always_lock_free);
 
 }  // namespace
@@ -32,16 +33,32 @@ static void noteSignal(int signal) {
   // A platform may fall back to the default when it delivers a signal.
   std::signal(signal, noteSignal);
 }
+
+#ifdef SIGTSTP
+static void noteStop(int /*signal*/) {
+  s_isStopNew = true;
+}
+#endif
 }
 
-InterruptGuard::InterruptGuard() {
+InterruptGuard::InterruptGuard(Stops stops) {
   s_lastSignal = 0;
   s_isNew = false;
+  s_isStopNew = false;
   for (const int signal : kEndingSignals) {
     hold(signal, noteSignal);
   }
 #ifdef SIGPIPE
   hold(SIGPIPE, SIG_IGN);
+#endif
+#ifdef SIGTSTP
+  if (stops == Stops::Held) {
+    hold(SIGTSTP, noteStop);
+    // Output to a terminal that lets background jobs write nothing.
+    hold(SIGTTOU, SIG_IGN);
+  }
+#else
+  static_cast<void>(stops);
 #endif
 }
 
@@ -51,6 +68,10 @@ InterruptGuard::~InterruptGuard() {
 
 bool InterruptGuard::takeInterrupt() {
   return s_isNew.exchange(false);
+}
+
+bool InterruptGuard::takeStop() {
+  return s_isStopNew.exchange(false);
 }
 
 void InterruptGuard::yieldToInterrupt() {

@@ -2,7 +2,8 @@
 //
 // While a guard lives, the signals that ask a process to end (interrupt, terminate; hang-up and
 // break where the platform has them) are only noted, and a reader that goes away does not end the
-// process. One guard at a time.
+// process. So are, where they are held too, the signals by which a terminal stops a process. One
+// guard at a time.
 
 #ifndef ORVEX_CLI_INTERRUPT_H_
 #define ORVEX_CLI_INTERRUPT_H_
@@ -11,9 +12,12 @@
 
 namespace cli {
 
+// What becomes of the terminal's stop (Ctrl-Z).
+enum class Stops { Let, Held };
+
 class InterruptGuard {
  public:
-  InterruptGuard();
+  explicit InterruptGuard(Stops stops = Stops::Let);
   InterruptGuard(const InterruptGuard&) = delete;
   InterruptGuard& operator=(const InterruptGuard&) = delete;
   // Gives the signals back to whoever had them.
@@ -21,6 +25,9 @@ class InterruptGuard {
 
   // Returns true when the process was asked to end since the last call.
   [[nodiscard]] bool takeInterrupt();
+
+  // Returns true when the process was asked to stop since the last call.
+  [[nodiscard]] bool takeStop();
 
   // Gives the signals back and does what the last noted one, taken or not, asks for: ends the
   // process. Returns when there was none.

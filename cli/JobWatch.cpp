@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Os/Environment.h"
+#include "Os/OSLocker.h"
 #include "client/Fault.h"
 #include "client/Texts.h"
 
@@ -84,6 +85,7 @@ void Watch::leave(const std::string& reason, const char* job, client::Fault::Kin
 
 client::JobReport follow(Watch& watch, const client::Connection& connection, ProgressView& view,
                          InterruptGuard& guard, std::ostream& err, Clock::time_point start) {
+  const bool isOwnJob = !connection.isRemote();
   for (;;) {
     std::optional<client::JobReport> report = watch.look();
     const bool hasEnded = report && cim::hasEnded(report->state);
@@ -94,11 +96,25 @@ client::JobReport follow(Watch& watch, const client::Connection& connection, Pro
              "waiting for its end"
           << std::endl;
     }
+    if (guard.takeStop()) {
+      view.endLine();
+      err << "quorvel: the stop is refused: a stopped program would keep the machine's flash from "
+             "all others, and this one half written"
+          << std::endl;
+    }
     if (report) {
       report->elapsed = std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - start);
-      view.show(report->percent, report->elapsed);
+      const std::string awaited = isOwnJob ? os::OSLocker::describeAwaited() : std::string();
+      if (awaited.empty()) {
+        view.show(report->percent, report->elapsed);
+      } else {
+        view.showWait(awaited, report->elapsed);
+      }
     }
     if (hasEnded) {
+      if (isOwnJob && !report->isCompleted()) {
+        report->flashHolder = os::OSLocker::describeTimeout();
+      }
       return std::move(*report);
     }
     std::this_thread::sleep_for(connection.pollInterval());

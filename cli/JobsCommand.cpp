@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
+#include "Utils/ClockText.h"
 #include "cli/Command.h"
 #include "cli/JsonOutput.h"
-#include "cli/ProgressView.h"
 #include "cli/Session.h"
 #include "cli/TextTable.h"
 #include "client/Jobs.h"
@@ -28,7 +28,7 @@ constexpr const char* kFooter =
     "  quorvel jobs --host http://127.0.0.1:5988 --json\n";
 
 std::string elapsedOf(const client::Job& job) {
-  return job.age ? toClockText(*job.age) : "";
+  return job.age ? utils::toClockText(*job.age) : "";
 }
 
 client::Value toJson(const std::vector<client::Job>& jobs) {

@@ -1,9 +1,9 @@
 #include "cli/ProgressView.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <utility>
 
+#include "Utils/ClockText.h"
 #include "Utils/Format.h"
 
 namespace cli {
@@ -12,20 +12,9 @@ namespace {
 constexpr unsigned kComplete = 100;
 constexpr unsigned kBarWidth = 20;
 constexpr int kLineStep = 10;  // percent
-constexpr std::int64_t kMinute = 60;
-constexpr std::int64_t kHour = 60 * kMinute;
+constexpr std::chrono::seconds kWaitLineStep{30};
 
 }  // namespace
-
-std::string toClockText(std::chrono::seconds elapsed) {
-  const std::int64_t seconds = elapsed.count();
-  const auto part = [](std::int64_t value) { return static_cast<int>(value); };
-  if (seconds >= kHour) {
-    return utils::format("%d:%02d:%02d", part(seconds / kHour), part(seconds % kHour / kMinute),
-                         part(seconds % kMinute));
-  }
-  return utils::format("%02d:%02d", part(seconds / kMinute), part(seconds % kMinute));
-}
 
 ProgressView::ProgressView(std::ostream& out, ProgressStyle style, std::string label)
     : m_out(out), m_style(style), m_label(std::move(label)) {}
@@ -39,8 +28,20 @@ void ProgressView::show(unsigned percent, std::chrono::seconds elapsed) {
       showLine(percent, elapsed);
       return;
     case ProgressStyle::Live:
-      showLive(percent, elapsed);
+      showLive(liveLine(percent, elapsed));
       return;
+  }
+}
+
+void ProgressView::showWait(const std::string& holder, std::chrono::seconds elapsed) {
+  const std::string text = "waiting for the flash: " + holder;
+  if (m_style == ProgressStyle::Live) {
+    showLive(m_label + "  " + text);
+  }
+  if (m_style == ProgressStyle::Lines &&
+      (!m_lastWaitLine || elapsed - *m_lastWaitLine >= kWaitLineStep)) {
+    m_out << m_label << ": " << text << '\n' << std::flush;
+    m_lastWaitLine = elapsed;
   }
 }
 
@@ -54,16 +55,20 @@ void ProgressView::endLine() {
 std::string ProgressView::liveLine(unsigned percent, std::chrono::seconds elapsed) const {
   const unsigned filled = percent * kBarWidth / kComplete;
   return m_label + "  [" + std::string(filled, '#') + std::string(kBarWidth - filled, '.') +
-         utils::format("]  %3u %%  ", percent) + toClockText(elapsed);
+         utils::format("]  %3u %%  ", percent) + utils::toClockText(elapsed);
 }
 
-// A line never gets shorter while a job runs, so writing over it leaves no rest of the old one.
-void ProgressView::showLive(unsigned percent, std::chrono::seconds elapsed) {
-  std::string line = liveLine(percent, elapsed);
-  if (line != m_shown) {
-    m_out << '\r' << line << std::flush;
-    m_shown = std::move(line);
+void ProgressView::showLive(std::string line) {
+  if (line == m_shown) {
+    return;
   }
+  m_out << '\r' << line;
+  if (line.size() < m_shown.size()) {
+    // What is left of a longer one.
+    m_out << std::string(m_shown.size() - line.size(), ' ');
+  }
+  m_out << std::flush;
+  m_shown = std::move(line);
 }
 
 void ProgressView::showLine(unsigned percent, std::chrono::seconds elapsed) {
@@ -72,7 +77,8 @@ void ProgressView::showLine(unsigned percent, std::chrono::seconds elapsed) {
   if (now == m_lastLinePercent || (!isFirstOrLast && now - m_lastLinePercent < kLineStep)) {
     return;
   }
-  m_out << m_label << ": " << percent << " %, " << toClockText(elapsed) << '\n' << std::flush;
+  m_out << m_label << ": " << percent << " %, " << utils::toClockText(elapsed) << '\n'
+        << std::flush;
   m_lastLinePercent = now;
 }
 

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "Utils/ClockText.h"
 #include "cli/Command.h"
 #include "cli/JobWatch.h"
 #include "cli/JsonOutput.h"
@@ -95,8 +96,8 @@ void reportEnd(const Context& context, const client::Connection& connection,
     context.err << "quorvel: update of " << target.label << " failed: " << job.outcome() << '\n';
     context.err << "  next: " << adviseOnFailure(job, connection) << '\n';
   } else if (!context.options.isJson) {
-    context.out << "Completed: " << target.label << " is updated (" << toClockText(job.elapsed)
-                << ")\n";
+    context.out << "Completed: " << target.label << " is updated ("
+                << utils::toClockText(job.elapsed) << ")\n";
   }
 }
 
@@ -112,9 +113,12 @@ client::Value toJson(const client::MethodAnswer& answer,
 ExitStatus update(const Context& context, const Options& options) {
   const std::unique_ptr<client::Connection> connection = openConnection(context.options);
   const client::Target target = client::findTarget(*connection, parseTarget(options.target));
-  // Until the update starts, an interrupt ends the command at once, and there is no update.
+  // Until the update starts, an interrupt ends the command at once, and there is no update. A
+  // process that writes a flash must not be stopped: it would hold the machine's flash lock.
   std::optional<InterruptGuard> guard;
-  const client::OnStart onStart = [&guard] { guard.emplace(); };
+  const client::OnStart onStart = [&guard, &connection] {
+    guard.emplace(connection->isRemote() ? Stops::Let : Stops::Held);
+  };
   const Start start = options.identity.empty()
                           ? startFromFile(*connection, options, target, onStart)
                           : startFromIdentity(*connection, options, target, onStart);

@@ -15,6 +15,9 @@ std::string JobReport::outcome() const {
     if (!errorText.empty()) {
       text += ": " + toPrintable(errorText);
     }
+    if (!flashHolder.empty()) {
+      text += " (the flash was held by " + flashHolder + ")";
+    }
   }
   return text;
 }

@@ -19,9 +19,11 @@ struct JobReport {
   std::string errorText;
   Properties properties;            // all of them
   std::chrono::seconds elapsed{0};  // since the job began, as far as whoever looks knows
+  std::string flashHolder;          // whom it waited for in vain, as far as whoever looks knows
 
   [[nodiscard]] bool isCompleted() const { return state == cim::JobState::Completed; }
-  // Returns for example "Exception, error 17: Flash write failed".
+  // Returns for example "Exception, error 17: Flash write failed", or "Exception, error 4: Timeout
+  // Error (the flash was held by quorvel, process 4711, user root, for 05:12)".
   [[nodiscard]] std::string outcome() const;
 };
 

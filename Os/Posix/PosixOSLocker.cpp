@@ -1,12 +1,10 @@
 #include "Os/Posix/PosixOSLocker.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
-#include <sys/ipc.h>
-#include <sys/sem.h>
-#include <sys/types.h>
+#include <stdexcept>
 #include <system_error>
+#include <utility>
 
 #include "Utils/Exception.h"
 
@@ -15,120 +13,66 @@ namespace {
 
 using platform::Clock;
 
-constexpr int kNoSemaphore = -1;
-constexpr int kMode = 0666;
-constexpr std::chrono::milliseconds kCreationTimeout{1000};
-constexpr std::chrono::milliseconds kCreationPoll{1};
+constexpr utils::LogSource kSource{"Os/Posix/PosixOSLocker"};
+// The kernel wakes nobody after a limited time, so a lock that is taken is tried again and again.
+constexpr std::chrono::milliseconds kPoll{20};
 
-// semctl's fourth argument; POSIX leaves its declaration to the caller.
-union SemaphoreArgument {
-  int value;
-  struct semid_ds* status;
-};
-
-// Gives a new semaphore its count of 1. Does so only while the count is 0, in one step.
-bool setUp(int semaphore) {
-  sembuf operations[] = {{0, 0, IPC_NOWAIT}, {0, 1, IPC_NOWAIT}};
-  return semop(semaphore, operations, 2) == 0 || errno == EAGAIN;
-}
-
-bool isSetUp(int semaphore) {
-  semid_ds status{};
-  SemaphoreArgument argument{};
-  argument.status = &status;
-  if (semctl(semaphore, 0, IPC_STAT, argument) != 0) {
-    return true;  // Gone or forbidden: the next operation on it tells.
+LockFile openFile(const std::filesystem::path& folder) {
+  try {
+    return LockFile(folder);
+  } catch (const std::runtime_error& error) {
+    utils::logError(kSource, "os::OSLockerPosix::OSLockerPosix",
+                    "The flash lock cannot be had, and no update can be made: %s", error.what());
+    throw utils::Exception("Could not create synchronisation sempahore");
   }
-  return status.sem_otime != 0 || semctl(semaphore, 0, GETVAL) > 0;
-}
-
-// A semaphore is created with count 0 and set up by a second call. Whoever finds it between the two
-// waits for its creator; one that died there is replaced in its duty.
-bool awaitSetUp(int semaphore, Clock& clock) {
-  const Clock::TimePoint deadline = clock.now() + kCreationTimeout;
-  while (!isSetUp(semaphore)) {
-    if (clock.now() >= deadline) {
-      return setUp(semaphore);
-    }
-    clock.sleepFor(kCreationPoll);
-  }
-  return true;
-}
-
-// Returns the semaphore's identifier, kNoSemaphore when it can be neither opened nor created.
-int openSemaphore(key_t key, Clock& clock) {
-  int semaphore = semget(key, 1, IPC_CREAT | IPC_EXCL | kMode);
-  if (semaphore >= 0) {
-    return setUp(semaphore) ? semaphore : kNoSemaphore;
-  }
-  semaphore = semget(key, 1, 0);
-  return semaphore >= 0 && awaitSetUp(semaphore, clock) ? semaphore : kNoSemaphore;
-}
-
-timespec toTimespec(std::chrono::nanoseconds duration) {
-  const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(duration);
-  timespec time{};
-  time.tv_sec = static_cast<time_t>(seconds.count());
-  time.tv_nsec = static_cast<long>((duration - seconds).count());
-  return time;
-}
-
-bool wasRemoved(int error) {
-  return error == EIDRM || error == EINVAL;
 }
 
 }  // namespace
 
-const utils::LogSource OSLocker::kLog{"Os/Posix/PosixOSLocker"};
+const utils::LogSource OSLocker::kLog = kSource;
 
-OSLockerPosix::OSLockerPosix(std::int32_t key, Clock& clock)
-    : m_key(key), m_clock(clock), m_semaphore(openSemaphore(key, clock)) {
-  if (!OSLockerPosix::hasSemaphore()) {
-    throw utils::Exception("Could not create synchronisation sempahore");
-  }
-}
+OSLockerPosix::OSLockerPosix(const std::filesystem::path& folder, Clock& clock)
+    : m_clock(clock), m_file(openFile(folder)) {}
 
 OSLockerPosix::~OSLockerPosix() {
   OSLockerPosix::UnLock();
 }
 
+// Without one there is no locker.
 bool OSLockerPosix::hasSemaphore() const {
-  return m_semaphore != kNoSemaphore;
+  return true;
 }
 
 OSLocker::WaitResult OSLockerPosix::waitForSemaphore(std::uint32_t milliseconds) {
+  constexpr const char* kFunction = "os::OSLockerPosix::waitForSemaphore";
   const Clock::TimePoint deadline = m_clock.now() + std::chrono::milliseconds(milliseconds);
-  sembuf take{0, -1, SEM_UNDO};
-  for (;;) {
-    const auto left = std::max(deadline - m_clock.now(), Clock::Duration::zero());
-    const timespec timeout = toTimespec(left);
-    if (semtimedop(m_semaphore, &take, 1, &timeout) == 0) {
-      return WaitResult::Signalled;
-    }
-    if (errno == EAGAIN) {
-      return WaitResult::TimedOut;
-    }
-    if (wasRemoved(errno)) {
-      // An operator took the semaphore away: everybody meets again at a new one.
-      const int renewed = openSemaphore(m_key, m_clock);
-      if (renewed == kNoSemaphore) {
-        return WaitResult::Failed;
+  bool hasWaited = false;
+  try {
+    while (!m_file.tryLock(m_clock.now())) {
+      noteWait(m_file.readHolder());
+      if (!std::exchange(hasWaited, true)) {
+        utils::logDebug(kSource, kFunction, "Waiting for the flash lock, which is held by %s",
+                        describeWait().c_str());
       }
-      m_semaphore = renewed;
-    } else if (errno != EINTR) {
-      return WaitResult::Failed;
+      const Clock::Duration left = deadline - m_clock.now();
+      if (left <= Clock::Duration::zero()) {
+        return WaitResult::TimedOut;
+      }
+      m_clock.sleepFor(std::min<Clock::Duration>(left, kPoll));
     }
+  } catch (const std::runtime_error& error) {
+    utils::logError(kSource, kFunction, "The flash lock cannot be taken: %s", error.what());
+    return WaitResult::Failed;
   }
+  return WaitResult::Signalled;
 }
 
 std::optional<OSLocker::SystemError> OSLockerPosix::releaseSemaphore() {
-  sembuf give{0, 1, SEM_UNDO};
-  while (semop(m_semaphore, &give, 1) != 0) {
-    if (errno != EINTR) {
-      return SystemError{errno, std::generic_category().message(errno)};
-    }
+  const int error = m_file.unlock();
+  if (error == 0) {
+    return std::nullopt;
   }
-  return std::nullopt;
+  return SystemError{error, std::generic_category().message(error)};
 }
 
 std::unique_ptr<OSLocker> createOSLocker() {

@@ -1,24 +1,26 @@
-// The flash lock on a System V semaphore.
+// The flash lock on the lock of a file.
 
 #ifndef ORVEX_OS_POSIX_POSIXOSLOCKER_H_
 #define ORVEX_OS_POSIX_POSIXOSLOCKER_H_
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 
 #include "Os/OSLocker.h"
+#include "Os/Posix/LockFile.h"
 #include "platform/Clock.h"
 
 namespace os {
 
 class ORVEX_CORE_API OSLockerPosix : public OSLocker {
  public:
-  // The key that all programs of this maker share ("RAVL").
-  static constexpr std::int32_t kSharedKey = 0x5241564C;
+  // Where the programs of this maker have their lock.
+  static constexpr const char* kFolder = "/run/lock";
 
-  // Opens the semaphore under `key`, or creates it with count 1; waits by `clock` for another that
-  // is creating it. Throws utils::Exception "Could not create synchronisation sempahore".
-  explicit OSLockerPosix(std::int32_t key = kSharedKey,
+  // Opens the lock's file in `folder`, or makes it; waits by `clock`. Throws utils::Exception
+  // "Could not create synchronisation sempahore" after an error record of the reason.
+  explicit OSLockerPosix(const std::filesystem::path& folder = kFolder,
                          platform::Clock& clock = platform::steadyClock());
   ~OSLockerPosix() override;
 
@@ -28,9 +30,8 @@ class ORVEX_CORE_API OSLockerPosix : public OSLocker {
   [[nodiscard]] std::optional<SystemError> releaseSemaphore() override;
 
  private:
-  const std::int32_t m_key;
   platform::Clock& m_clock;
-  int m_semaphore;  // the kernel's identifier, negative when there is none
+  LockFile m_file;
 };
 
 }  // namespace os

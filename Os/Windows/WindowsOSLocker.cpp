@@ -44,6 +44,8 @@ bool OSLockerWindows::hasSemaphore() const {
 }
 
 OSLocker::WaitResult OSLockerWindows::waitForSemaphore(std::uint32_t milliseconds) {
+  // A semaphore does not tell who has it.
+  noteWait(std::nullopt);
   return static_cast<WaitResult>(semaphores().wait(m_semaphore.get(), milliseconds));
 }
 

@@ -14,7 +14,7 @@ void prepareRegistry() {
 }
 
 void prepareFlashLock() {
-  static const std::unique_ptr<os::OSLocker> locker = os::createOSLocker();
+  static const std::unique_ptr<os::OSLocker> locker = os::createOSLockerOrSubstitute();
 }
 
 // What the agent finds when the loader, which runs the module's initialisers first, calls DllMain;

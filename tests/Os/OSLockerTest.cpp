@@ -1,5 +1,7 @@
 // The flash lock's own rules, over a semaphore that does as the test says.
 
+#include <chrono>
+#include <functional>
 #include <gmock/gmock.h>
 #include <optional>
 
@@ -9,6 +11,7 @@
 #include "Utils/Format.h"
 #include "tests/Os/Platform.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Regex.h"
 #include "tests/support/Settings.h"
 #include "tests/support/Throws.h"
 
@@ -28,6 +31,7 @@ constexpr const char* kUnLock = "os::OSLocker::UnLock";
 
 class FakeLocker : public OSLocker {
  public:
+  using OSLocker::noteWait;
   using OSLocker::SystemError;
   using OSLocker::WaitResult;
 
@@ -37,11 +41,13 @@ class FakeLocker : public OSLocker {
 
   std::vector<std::uint32_t> waits;  // their limits in milliseconds
   int releases = 0;
+  std::function<void()> whileWaiting = [] {};
 
  protected:
   [[nodiscard]] bool hasSemaphore() const override { return exists; }
   [[nodiscard]] WaitResult waitForSemaphore(std::uint32_t milliseconds) override {
     waits.push_back(milliseconds);
+    whileWaiting();
     return answer;
   }
   [[nodiscard]] std::optional<SystemError> releaseSemaphore() override {
@@ -106,7 +112,48 @@ TEST_F(OSLockerRules, AnswersThreeWhenTheWaitTimesOut) {
   EXPECT_THAT(log.messages(kLock),
               ElementsAre("result = 258",
                           "Timeout occured when the Semaphore was locked. Other application uses "
-                          "Fennelbrook SDK at this moment"));
+                          "Fennelbrook SDK at this moment",
+                          "The flash lock is held by another program"));
+}
+
+TEST_F(OSLockerRules, TellsWhomItWaitsFor) {
+  const auto now = std::chrono::steady_clock::now();
+  m_locker.whileWaiting = [&] {
+    m_locker.noteWait(std::nullopt);
+    EXPECT_EQ(OSLocker::describeAwaited(), "another program");
+    m_locker.noteWait(os::LockHolder{"tool", 4711, "root", now - std::chrono::seconds(12)});
+    EXPECT_THAT(OSLocker::describeAwaited(),
+                test::MatchesRegex("tool, process 4711, user root, for 00:1[2-9]"));
+    EXPECT_EQ(OSLocker::describeTimeout(), "");
+  };
+  EXPECT_EQ(OSLocker::describeAwaited(), "");
+  EXPECT_EQ(m_locker.Lock(), 0);
+  EXPECT_EQ(OSLocker::describeAwaited(), "");
+  EXPECT_EQ(OSLocker::describeTimeout(), "");
+}
+
+TEST_F(OSLockerRules, TellsWhomItWaitedForInVainUntilItLocksAgain) {
+  m_locker.answer = FakeLocker::WaitResult::TimedOut;
+  m_locker.whileWaiting = [this] {
+    m_locker.noteWait(os::LockHolder{"tool", 4711, "root", std::chrono::steady_clock::now()});
+  };
+  const LogCapture log;
+  EXPECT_EQ(m_locker.Lock(), 3);
+
+  const std::string holder = "tool, process 4711, user root, for 00:0[0-9]";
+  EXPECT_THAT(OSLocker::describeTimeout(), test::MatchesRegex(holder));
+  EXPECT_EQ(OSLocker::describeAwaited(), "");
+  EXPECT_THAT(log.records(),
+              HasRecordOf(test::kLockerSource, LogLevel::Error, kLock,
+                          test::MatchesRegex("The flash lock is held by " + holder)));
+  m_locker.answer = FakeLocker::WaitResult::Signalled;
+  EXPECT_EQ(m_locker.Lock(), 0);
+  EXPECT_EQ(OSLocker::describeTimeout(), "");
+}
+
+TEST(OSLockerOfNobody, TellsOfNoWait) {
+  EXPECT_EQ(OSLocker::describeAwaited(), "");
+  EXPECT_EQ(OSLocker::describeTimeout(), "");
 }
 
 TEST_F(OSLockerRules, AnswersOneWhenTheWaitFails) {

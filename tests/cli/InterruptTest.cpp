@@ -36,6 +36,32 @@ TEST(InterruptGuard, LeavesIgnoredSignalsIgnored) {
   EXPECT_EQ(std::signal(SIGINT, SIG_DFL), SIG_IGN);
 }
 
+#ifdef SIGTSTP
+TEST(InterruptGuard, NotesTheTerminalsStopsWhereItHoldsThem) {
+  cli::InterruptGuard guard(cli::Stops::Held);
+  for (int round = 0; round < 2; ++round) {
+    EXPECT_FALSE(guard.takeStop());
+    std::raise(SIGTSTP);
+    EXPECT_TRUE(guard.takeStop());
+  }
+  EXPECT_FALSE(guard.takeInterrupt());
+  std::raise(SIGTTOU);
+  EXPECT_FALSE(guard.takeStop());
+}
+
+TEST(InterruptGuard, LeavesTheTerminalsStopsAloneWhereItDoesNot) {
+  const cli::InterruptGuard guard;
+  EXPECT_EQ(std::signal(SIGTSTP, SIG_DFL), SIG_DFL);
+  EXPECT_EQ(std::signal(SIGTTOU, SIG_DFL), SIG_DFL);
+}
+
+TEST(InterruptGuard, GivesTheTerminalsStopsBack) {
+  { const cli::InterruptGuard guard(cli::Stops::Held); }
+  EXPECT_EQ(std::signal(SIGTSTP, SIG_DFL), SIG_DFL);
+  EXPECT_EQ(std::signal(SIGTTOU, SIG_DFL), SIG_DFL);
+}
+#endif
+
 TEST(InterruptGuardDeathTest, GivesTheSignalsBack) {
   EXPECT_EXIT(
       {

@@ -4,10 +4,13 @@
 #include <gmock/gmock.h>
 #include <sstream>
 
+#include "Os/OSLocker.h"
+#include "Os/QuorvelConfig.h"
 #include "cli/JobWatch.h"
 #include "client/BrokerConnection.h"
 #include "client/Fault.h"
 #include "tests/client/FakeAgent.h"
+#include "tests/support/Regex.h"
 
 namespace {
 
@@ -36,7 +39,7 @@ class JobWatchTest : public testing::Test {
 
   JobReport wait() {
     cli::ProgressView view(m_out, cli::ProgressStyle::Lines, "job");
-    cli::InterruptGuard guard;
+    cli::InterruptGuard guard(cli::Stops::Held);
     return cli::waitForJob(m_connection, kJobPath, view, guard, m_err);
   }
 
@@ -80,6 +83,68 @@ TEST_F(JobWatchTest, WaitsOnWhenItIsInterrupted) {
   EXPECT_EQ(m_err.str(),
             "quorvel: interrupted: the flash is being written and cannot be left half done; "
             "waiting for its end\n");
+}
+
+#ifdef SIGTSTP
+TEST_F(JobWatchTest, RefusesToBeStopped) {
+  test::FakeJob& job = addJob({{kRunning, 10}, {kCompleted, 100}});
+  m_jobs.onEnumeration = [&job] {
+    job.moveOn();
+    if (job.JobState.getValue() == kRunning) {
+      std::raise(SIGTSTP);
+    }
+  };
+  EXPECT_TRUE(wait().isCompleted());
+  EXPECT_EQ(m_err.str(),
+            "quorvel: the stop is refused: a stopped program would keep the machine's flash from "
+            "all others, and this one half written\n");
+}
+#endif
+
+// A flash lock that another has.
+class TakenLocker : public os::OSLocker {
+ public:
+  // Waits until `act` returns, in vain.
+  void waitInVain(std::function<void()> act) {
+    m_act = std::move(act);
+    EXPECT_EQ(Lock(), 3);
+  }
+
+ protected:
+  [[nodiscard]] bool hasSemaphore() const override { return true; }
+  [[nodiscard]] WaitResult waitForSemaphore(std::uint32_t /*milliseconds*/) override {
+    noteWait(os::LockHolder{"tool", 4711, "root", std::chrono::steady_clock::now()});
+    m_act();
+    return WaitResult::TimedOut;
+  }
+  [[nodiscard]] std::optional<SystemError> releaseSemaphore() override { return std::nullopt; }
+
+ private:
+  std::function<void()> m_act;
+};
+
+class TakenFlashTest : public JobWatchTest {
+ protected:
+  utils::QuorvelConfig m_config{""};
+  TakenLocker m_locker;
+};
+
+TEST_F(TakenFlashTest, IsWaitedForInTheProgress) {
+  addJob({{kRunning, 0}, {kCompleted, 100}});
+  m_locker.waitInVain([this] { EXPECT_EQ(wait().flashHolder, ""); });
+  EXPECT_THAT(m_out.str(),
+              test::MatchesRegex("job: waiting for the flash: tool, process 4711, user root, for "
+                                 "00:0[0-9]\n"));
+}
+
+TEST_F(TakenFlashTest, IsInTheTextOfAJobThatTimedOut) {
+  test::FakeJob& job = addJob({{kRunning, 0}, {kException, 100}});
+  job.ErrorCode.setValue(4);
+  job.ErrorDescription.setValue("Timeout Error");
+  m_locker.waitInVain([] {});
+  EXPECT_THAT(wait().outcome(),
+              test::MatchesRegex("Exception, error 4: Timeout Error .the flash was held by tool, "
+                                 "process 4711, user root, for 00:0[0-9]."));
 }
 
 TEST_F(JobWatchTest, GivesUpOnAJobThatIsGone) {

@@ -66,16 +66,37 @@ TEST_F(ProgressViewTest, PrintsNothingWhenNotWanted) {
   EXPECT_EQ(m_out.str(), "");
 }
 
+TEST_F(ProgressViewTest, ShowsWhoHasTheFlashInTheLiveLine) {
+  cli::ProgressView view(m_out, ProgressStyle::Live, "x");
+  view.showWait("tool, process 4711, user root, for 00:12", seconds(0));
+  view.showWait("tool, process 4711, user root, for 00:12", seconds(0));
+  view.show(1, seconds(2));
+  view.endLine();
+  EXPECT_EQ(m_out.str(),
+            "\rx  waiting for the flash: tool, process 4711, user root, for 00:12"
+            "\rx  [....................]    1 %  00:02                           \n");
+}
+
+TEST_F(ProgressViewTest, SaysWhoHasTheFlashEveryHalfMinuteElsewhere) {
+  cli::ProgressView view(m_out, ProgressStyle::Lines, "x");
+  for (const int second : {0, 1, 29, 30, 31, 61}) {
+    view.showWait("tool, for " + std::to_string(second), seconds(second));
+  }
+  EXPECT_EQ(m_out.str(),
+            "x: waiting for the flash: tool, for 0\n"
+            "x: waiting for the flash: tool, for 30\n"
+            "x: waiting for the flash: tool, for 61\n");
+}
+
+TEST_F(ProgressViewTest, SaysNothingOfAWaitWhenNotWanted) {
+  cli::ProgressView view(m_out, ProgressStyle::None, "x");
+  view.showWait("tool", seconds(0));
+  EXPECT_EQ(m_out.str(), "");
+}
+
 TEST_F(ProgressViewTest, TakesMoreThanAllForAll) {
   show(ProgressStyle::Lines, {4000});
   EXPECT_EQ(m_out.str(), "updating it: 100 %, 00:00\n");
-}
-
-TEST(ClockText, CountsMinutesAndThenHours) {
-  EXPECT_EQ(cli::toClockText(seconds(0)), "00:00");
-  EXPECT_EQ(cli::toClockText(seconds(3599)), "59:59");
-  EXPECT_EQ(cli::toClockText(seconds(3600)), "1:00:00");
-  EXPECT_EQ(cli::toClockText(seconds(100 * 3600 + 61)), "100:01:01");
 }
 
 }  // namespace

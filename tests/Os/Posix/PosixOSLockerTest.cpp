@@ -1,17 +1,16 @@
-// The flash lock between real processes. Each test has a semaphore of its own.
+// The flash lock between real processes. Each test has a lock of its own.
 
 #include <atomic>
 #include <cerrno>
 #include <chrono>
-#include <csignal>
+#include <filesystem>
 #include <future>
 #include <gmock/gmock.h>
 #include <memory>
 #include <new>
-#include <pthread.h>
-#include <sys/ipc.h>
+#include <string>
+#include <sys/file.h>
 #include <sys/mman.h>
-#include <sys/sem.h>
 #include <system_error>
 #include <unistd.h>
 #include <vector>
@@ -20,31 +19,33 @@
 #include "Os/QuorvelConfig.h"
 #include "Utils/Exception.h"
 #include "Utils/Format.h"
+#include "tests/Os/Posix/LockFolder.h"
 #include "tests/Os/SystemFaults.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Posix/ChildProcess.h"
+#include "tests/support/Regex.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/Throws.h"
 #include "tests/support/WaitUntil.h"
 
 namespace {
 
+using os::OSLocker;
 using os::OSLockerPosix;
+using std::chrono::milliseconds;
 using test::ChildProcess;
+using test::HasRecordOf;
 using test::LogCapture;
 using test::LogLevel;
+using test::MatchesRegex;
 using test::ThrowsExactly;
 using testing::ElementsAre;
 using Clock = std::chrono::steady_clock;
 
 constexpr const char* kLock = "os::OSLocker::Lock";
+constexpr const char* kWait = "os::OSLockerPosix::waitForSemaphore";
 constexpr int kHasNoLock = 9;
-
-key_t freshKey() {
-  static int number = 0;
-  return static_cast<key_t>(0x54000000 | ((getpid() & 0x3FFFF) << 6) | (number++ & 0x3F));
-}
 
 // Marks that a child and its parent pass each other.
 constexpr char kReady = 'r';
@@ -53,32 +54,22 @@ constexpr char kGo = 'g';
 class PosixOSLocker : public testing::Test {
  protected:
   PosixOSLocker() { setTimeout(30'000); }
-  ~PosixOSLocker() override { removeSemaphore(); }
 
-  void setTimeout(int milliseconds) {
-    m_directory.write("agent.conf", "Timeout = " + std::to_string(milliseconds) + "\n");
+  void setTimeout(int value) {
+    m_directory.write("agent.conf", "Timeout = " + std::to_string(value) + "\n");
   }
 
-  // What the kernel holds under the test's key.
-  [[nodiscard]] int semaphore() const { return semget(m_key, 1, 0); }
-  [[nodiscard]] int count() const { return semctl(semaphore(), 0, GETVAL); }
-  [[nodiscard]] int waiters() const { return semctl(semaphore(), 0, GETNCNT); }
-  void removeSemaphore() const { semctl(semaphore(), 0, IPC_RMID); }
-
-  [[nodiscard]] ChildProcess::Body holder() const {
-    return [key = m_key](ChildProcess::Link& parent) {
-      OSLockerPosix locker(key);
+  // A second process that holds the lock until it is told or killed.
+  std::unique_ptr<ChildProcess> startHolder() {
+    auto child = std::make_unique<ChildProcess>([this](ChildProcess::Link& parent) {
+      OSLockerPosix locker(m_folder.path());
       if (locker.Lock() != 0) {
         return kHasNoLock;
       }
       parent.tell(kReady);
       static_cast<void>(parent.await(kGo));
       return 0;
-    };
-  }
-  // A second process that holds the lock until it is told or killed.
-  std::unique_ptr<ChildProcess> startHolder() {
-    auto child = std::make_unique<ChildProcess>(holder());
+    });
     EXPECT_TRUE(child->link().await(kReady));
     return child;
   }
@@ -86,80 +77,111 @@ class PosixOSLocker : public testing::Test {
   // Takes the lock on a thread of its own, and returns once that waits for it.
   std::future<std::int32_t> lockLater(OSLockerPosix& locker) {
     auto result = std::async(std::launch::async, [&locker] { return locker.Lock(); });
-    EXPECT_TRUE(test::waitUntil([this] { return waiters() == 1; }));
+    EXPECT_TRUE(test::waitUntil([] { return !OSLocker::describeAwaited().empty(); }));
     return result;
   }
 
-  const key_t m_key = freshKey();
+  const test::LockFolder m_folder;
   test::TempDirectory m_directory;
   utils::QuorvelConfig m_config{m_directory.path() / "agent.conf"};
 };
 
-TEST_F(PosixOSLocker, IsSharedUnderAKeyThatAllProgramsKnow) {
-  EXPECT_EQ(OSLockerPosix::kSharedKey, 0x5241564C);
+TEST_F(PosixOSLocker, IsInTheFolderThatAllProgramsKnow) {
+  EXPECT_STREQ(OSLockerPosix::kFolder, "/run/lock");
 }
 
-TEST_F(PosixOSLocker, MakesASemaphoreOfCountOneForEveryone) {
-  const OSLockerPosix locker(m_key);
-  semid_ds status{};
-
-  ASSERT_EQ(semctl(semaphore(), 0, IPC_STAT, &status), 0);
-  EXPECT_EQ(status.sem_perm.mode & 0777, 0666);
-  EXPECT_EQ(status.sem_nsems, 1U);
-  EXPECT_EQ(count(), 1);
-}
-
-TEST_F(PosixOSLocker, TakesTheSemaphoreAndGivesItBack) {
-  OSLockerPosix locker(m_key);
+TEST_F(PosixOSLocker, TakesTheLockAndGivesItBack) {
+  OSLockerPosix locker(m_folder.path());
 
   EXPECT_EQ(locker.Lock(), 0);
-  EXPECT_EQ(count(), 0);
+  EXPECT_TRUE(m_folder.isTaken());
   EXPECT_EQ(locker.UnLock(), 0);
-  EXPECT_EQ(count(), 1);
+  EXPECT_FALSE(m_folder.isTaken());
   EXPECT_EQ(locker.Lock(), 0);
-  EXPECT_EQ(count(), 0);
+  EXPECT_TRUE(m_folder.isTaken());
 }
 
 TEST_F(PosixOSLocker, KeepsTheOuterOfTwoLocks) {
-  OSLockerPosix locker(m_key);
-  const os::OSLocker::AutoOSLocker outer;
+  OSLockerPosix locker(m_folder.path());
+  const OSLocker::AutoOSLocker outer;
 
   EXPECT_EQ(locker.Lock(), 2);
-  EXPECT_THAT([] { const os::OSLocker::AutoOSLocker inner; },
+  EXPECT_THAT([] { const OSLocker::AutoOSLocker inner; },
               ThrowsExactly<utils::Exception>("Locking access to the Fennelbrook returns 2"));
-  EXPECT_EQ(count(), 0);
+  EXPECT_TRUE(m_folder.isTaken());
 }
 
 TEST_F(PosixOSLocker, UnlocksNothingThatAnotherHolds) {
   const auto other = startHolder();
-  OSLockerPosix locker(m_key);
+  OSLockerPosix locker(m_folder.path());
 
   EXPECT_EQ(locker.UnLock(), 0);
-  EXPECT_EQ(count(), 0);
+  EXPECT_TRUE(m_folder.isTaken());
 }
 
 TEST_F(PosixOSLocker, GivesUpAfterTheTimeoutWhileAnotherProcessHoldsIt) {
   constexpr int kTimeout = 150;
   const auto other = startHolder();
   setTimeout(kTimeout);
-  OSLockerPosix locker(m_key);
+  OSLockerPosix locker(m_folder.path());
   const LogCapture log;
   const Clock::time_point start = Clock::now();
 
   EXPECT_EQ(locker.Lock(), 3);
-  EXPECT_GE(Clock::now() - start, std::chrono::milliseconds(kTimeout));
-  EXPECT_THAT(log.messages(kLock),
-              ElementsAre("result = 258",
-                          "Timeout occured when the Semaphore was locked. Other application uses "
-                          "Fennelbrook SDK at this moment"));
-  EXPECT_THAT([] { const os::OSLocker::AutoOSLocker lock; },
+  EXPECT_GE(Clock::now() - start, milliseconds(kTimeout));
+  EXPECT_THAT(
+      log.messages(kLock),
+      ElementsAre("result = 258",
+                  "Timeout occured when the Semaphore was locked. Other application uses "
+                  "Fennelbrook SDK at this moment",
+                  MatchesRegex("The flash lock is held by os_tests, process [0-9]+, user [^,]+, "
+                               "for 00:0[0-9]")));
+  EXPECT_THAT([] { const OSLocker::AutoOSLocker lock; },
               ThrowsExactly<utils::Exception>("Locking access to the Fennelbrook returns 3"));
-  EXPECT_EQ(count(), 0);
+}
+
+TEST_F(PosixOSLocker, WaitsExactlyForTheTimeoutInSmallSteps) {
+  const auto other = startHolder();
+  setTimeout(130);
+  test::FakeClock clock;
+  OSLockerPosix locker(m_folder.path(), clock);
+
+  EXPECT_EQ(locker.Lock(), 3);
+  EXPECT_THAT(clock.sleeps(),
+              ElementsAre(testing::Pair(milliseconds(10), 1), testing::Pair(milliseconds(20), 6)));
+}
+
+TEST_F(PosixOSLocker, TellsWhomItWaitsFor) {
+  EXPECT_EQ(OSLocker::describeAwaited(), "");
+  const auto other = startHolder();
+  OSLockerPosix locker(m_folder.path());
+  EXPECT_EQ(OSLocker::describeAwaited(), "");
+  const LogCapture log;
+
+  auto result = lockLater(locker);
+  const std::string holder = "os_tests, process [0-9]+, user [^,]+, for 00:0[0-9]";
+  EXPECT_THAT(OSLocker::describeAwaited(), MatchesRegex(holder));
+  other->link().tell(kGo);
+
+  EXPECT_EQ(result.get(), 0);
+  EXPECT_EQ(OSLocker::describeAwaited(), "");
+  EXPECT_THAT(log.records(),
+              HasRecordOf("Os/Posix/PosixOSLocker", LogLevel::Debug, kWait,
+                          MatchesRegex("Waiting for the flash lock, which is held by " + holder)));
+}
+
+TEST_F(PosixOSLocker, WaitsForAProgramThatDoesNotTellItsName) {
+  OSLockerPosix locker(m_folder.path());
+  const test::LockFolder::Stranger other(m_folder);
+  auto result = lockLater(locker);
+  EXPECT_EQ(OSLocker::describeAwaited(), "another program");
+  other.unlock();
+  EXPECT_EQ(result.get(), 0);
 }
 
 TEST_F(PosixOSLocker, IsHadAfterItsHolderWasKilled) {
   const auto other = startHolder();
-  OSLockerPosix locker(m_key);
+  OSLockerPosix locker(m_folder.path());
   other->kill();
 
   EXPECT_EQ(locker.Lock(), 0);
@@ -167,17 +189,17 @@ TEST_F(PosixOSLocker, IsHadAfterItsHolderWasKilled) {
 
 TEST_F(PosixOSLocker, IsHadByAWaiterWhoseHolderIsKilled) {
   const auto other = startHolder();
-  OSLockerPosix locker(m_key);
+  OSLockerPosix locker(m_folder.path());
   auto result = lockLater(locker);
   other->kill();
 
   EXPECT_EQ(result.get(), 0);
-  EXPECT_EQ(count(), 0);
+  EXPECT_TRUE(m_folder.isTaken());
 }
 
 TEST_F(PosixOSLocker, IsHadByAWaiterWhoseHolderEndsWithoutUnlocking) {
   const auto other = startHolder();
-  OSLockerPosix locker(m_key);
+  OSLockerPosix locker(m_folder.path());
   auto result = lockLater(locker);
   other->link().tell(kGo);
 
@@ -185,42 +207,22 @@ TEST_F(PosixOSLocker, IsHadByAWaiterWhoseHolderEndsWithoutUnlocking) {
   EXPECT_EQ(other->wait(), 0);
 }
 
-TEST_F(PosixOSLocker, IsWaitedForThroughSignals) {
-  struct sigaction action {};
-  action.sa_handler = [](int) {};
-  ASSERT_EQ(sigaction(SIGUSR1, &action, nullptr), 0);
-  const auto other = startHolder();
-  OSLockerPosix locker(m_key);
-  std::atomic<pthread_t> waiter{};
-  auto result = std::async(std::launch::async, [&] {
-    waiter = pthread_self();
-    return locker.Lock();
-  });
-  for (int i = 0; i < 3; ++i) {
-    ASSERT_TRUE(test::waitUntil([this] { return waiters() == 1; }));
-    pthread_kill(waiter, SIGUSR1);
-  }
-  other->kill();
-
-  EXPECT_EQ(result.get(), 0);
-}
-
 TEST_F(PosixOSLocker, IsGivenBackByItsDestruction) {
   {
-    OSLockerPosix locker(m_key);
+    OSLockerPosix locker(m_folder.path());
     ASSERT_EQ(locker.Lock(), 0);
   }
 
-  EXPECT_EQ(count(), 1);
+  EXPECT_FALSE(m_folder.isTaken());
 }
 
 TEST_F(PosixOSLocker, MayBeTakenAndGivenBackOnDifferentThreads) {
-  OSLockerPosix locker(m_key);
+  OSLockerPosix locker(m_folder.path());
 
   EXPECT_EQ(std::async(std::launch::async, [&] { return locker.Lock(); }).get(), 0);
-  EXPECT_EQ(count(), 0);
+  EXPECT_TRUE(m_folder.isTaken());
   EXPECT_EQ(locker.UnLock(), 0);
-  EXPECT_EQ(count(), 1);
+  EXPECT_FALSE(m_folder.isTaken());
 }
 
 // What the children of a race share.
@@ -230,7 +232,7 @@ struct Arena {
   std::atomic<int> turns{0};
 };
 
-TEST_F(PosixOSLocker, IsCreatedByManyProcessesAtOnceWithCountOne) {
+TEST_F(PosixOSLocker, IsMadeByManyProcessesAtOnceAndExcludes) {
   constexpr int kProcesses = 12;
   constexpr int kTurns = 20;
   void* memory =
@@ -244,7 +246,7 @@ TEST_F(PosixOSLocker, IsCreatedByManyProcessesAtOnceWithCountOne) {
       if (!parent.await(kGo)) {
         return 1;
       }
-      OSLockerPosix locker(m_key);
+      OSLockerPosix locker(m_folder.path());
       for (int turn = 0; turn < kTurns; ++turn) {
         if (locker.Lock() != 0) {
           return 2;
@@ -271,125 +273,109 @@ TEST_F(PosixOSLocker, IsCreatedByManyProcessesAtOnceWithCountOne) {
 
   EXPECT_EQ(arena->turns, kProcesses * kTurns);
   EXPECT_EQ(arena->overlaps, 0);
-  EXPECT_EQ(count(), 1);
+  EXPECT_FALSE(m_folder.isTaken());
   munmap(memory, sizeof(Arena));
 }
 
-TEST_F(PosixOSLocker, TakesOverFromACreatorThatDiedBeforeSettingItUp) {
-  ASSERT_GE(semget(m_key, 1, IPC_CREAT | IPC_EXCL | 0666), 0);
-  ASSERT_EQ(count(), 0);
-  test::FakeClock clock;
-  OSLockerPosix locker(m_key, clock);
-
-  EXPECT_THAT(clock.sleeps(), ElementsAre(testing::Pair(std::chrono::milliseconds(1), 1000)));
-  EXPECT_EQ(count(), 1);
-  EXPECT_EQ(locker.Lock(), 0);
-}
-
-TEST_F(PosixOSLocker, WaitsForACreatorThatIsSlow) {
-  const int made = semget(m_key, 1, IPC_CREAT | IPC_EXCL | 0666);
-  ASSERT_GE(made, 0);
-  test::FakeClock clock;
-  clock.afterEachSleep([made](int number) {
-    sembuf setUp{0, 1, 0};
-    if (number == 7) {
-      EXPECT_EQ(semop(made, &setUp, 1), 0);
-    }
-  });
-  OSLockerPosix locker(m_key, clock);
-
-  EXPECT_EQ(clock.slept(), std::chrono::milliseconds(7));
-  EXPECT_EQ(locker.Lock(), 0);
-  EXPECT_EQ(locker.UnLock(), 0);
-  EXPECT_EQ(count(), 1);
-}
-
-TEST_F(PosixOSLocker, DoesNotTakeOneThatIsHeldForOneThatIsNotSetUp) {
-  const auto other = startHolder();
-  const OSLockerPosix locker(m_key);
-
-  EXPECT_EQ(count(), 0);
-}
-
-TEST_F(PosixOSLocker, IsMadeAgainWhenItsSemaphoreWasRemoved) {
-  OSLockerPosix locker(m_key);
-  removeSemaphore();
+TEST_F(PosixOSLocker, IsMadeAgainWhenItsFileWasRemoved) {
+  OSLockerPosix locker(m_folder.path());
+  std::filesystem::remove(m_folder.file());
 
   EXPECT_EQ(locker.Lock(), 0);
-  EXPECT_EQ(count(), 0);
-  EXPECT_EQ(locker.UnLock(), 0);
-  EXPECT_EQ(count(), 1);
+  EXPECT_TRUE(m_folder.isTaken());
 }
 
-TEST_F(PosixOSLocker, MeetsOthersAtANewSemaphoreAfterARemoval) {
-  OSLockerPosix locker(m_key);
-  removeSemaphore();
+TEST_F(PosixOSLocker, MeetsOthersAtANewFileAfterARemoval) {
+  OSLockerPosix locker(m_folder.path());
+  std::filesystem::remove(m_folder.file());
   const auto other = startHolder();
   setTimeout(50);
 
   EXPECT_EQ(locker.Lock(), 3);
 }
 
-TEST_F(PosixOSLocker, IsHadByAWaiterWhoseSemaphoreIsRemoved) {
+TEST_F(PosixOSLocker, IsHadByAWaiterWhoseFileIsRemoved) {
   const auto other = startHolder();
-  OSLockerPosix locker(m_key);
+  OSLockerPosix locker(m_folder.path());
   auto result = lockLater(locker);
-  removeSemaphore();
+  std::filesystem::remove(m_folder.file());
 
   EXPECT_EQ(result.get(), 0);
-  EXPECT_EQ(count(), 0);
+  EXPECT_TRUE(m_folder.isTaken());
 }
 
-TEST_F(PosixOSLocker, AnswersOneWhenItsSemaphoreWasRemovedWhileHeld) {
-  OSLockerPosix locker(m_key);
-  ASSERT_EQ(locker.Lock(), 0);
-  removeSemaphore();
+TEST_F(PosixOSLocker, AnswersOneWhenTheKernelRefusesTheLock) {
+  OSLockerPosix locker(m_folder.path());
   const LogCapture log;
-
-  EXPECT_EQ(locker.UnLock(), 1);
-  const auto textOf = [](int error) {
-    return utils::format("'ReleaseSemaphore' Error [%d]: %s", error,
-                         std::generic_category().message(error).c_str());
-  };
-  EXPECT_THAT(log.messages("os::OSLocker::UnLock"),
-              ElementsAre(testing::AnyOf(textOf(EINVAL), textOf(EIDRM))));
+  {
+    const test::FailingCall failing(test::SystemCall::LockFile, ENOLCK);
+    EXPECT_EQ(locker.Lock(), 1);
+  }
+  EXPECT_THAT(log.messages(kLock),
+              ElementsAre("result = -1", "Some error occured when the Semaphore was locked"));
+  EXPECT_THAT(log.records(), HasRecordOf("Os/Posix/PosixOSLocker", LogLevel::Error, kWait,
+                                         "The flash lock cannot be taken: cannot lock " +
+                                             m_folder.file().string() + ": No locks available"));
   EXPECT_EQ(locker.Lock(), 0);
 }
 
-TEST_F(PosixOSLocker, AnswersOneWhenTheSemaphoreMayNotBeUsed) {
-  constexpr uid_t kNobody = 65534;
-  const OSLockerPosix owner(m_key);
-  semid_ds status{};
-  ASSERT_EQ(semctl(semaphore(), 0, IPC_STAT, &status), 0);
-  status.sem_perm.mode = 0;
-  ASSERT_EQ(semctl(semaphore(), 0, IPC_SET, &status), 0);
-
-  // The superuser may use everything, so the child becomes somebody else.
-  ChildProcess child([this](ChildProcess::Link&) {
-    if (geteuid() == 0 && seteuid(kNobody) != 0) {
-      return kHasNoLock;
-    }
-    return static_cast<int>(OSLockerPosix(m_key).Lock());
-  });
-  EXPECT_EQ(child.wait(), 1);
+TEST_F(PosixOSLocker, TakesTheLockThroughAnInterruption) {
+  OSLockerPosix locker(m_folder.path());
+  const test::FailingCall failing(test::SystemCall::LockFile, EINTR);
+  EXPECT_EQ(locker.Lock(), 0);
 }
 
-TEST_F(PosixOSLocker, ThrowsWhenTheSemaphoreCannotBeCreated) {
-  const auto create = [this] {
-    const test::FailingCall failing(test::SystemCall::MakeSemaphore, ENOSPC);
-    const OSLockerPosix locker(m_key);
-  };
+TEST_F(PosixOSLocker, AnswersOneWhenTheKernelRefusesToTakeItBack) {
+  OSLockerPosix locker(m_folder.path());
+  ASSERT_EQ(locker.Lock(), 0);
+  const LogCapture log;
+  {
+    const test::FailingCall failing(test::SystemCall::LockFile, EIO);
+    EXPECT_EQ(locker.UnLock(), 1);
+  }
+  EXPECT_THAT(log.messages("os::OSLocker::UnLock"),
+              ElementsAre("'ReleaseSemaphore' Error [5]: Input/output error"));
+}
 
-  EXPECT_THAT(create,
+TEST_F(PosixOSLocker, ThrowsWhereItsFileCannotBeMade) {
+  const auto file = m_directory.write("file", std::string("no folder"));
+  const LogCapture log;
+
+  EXPECT_THAT([&] { const OSLockerPosix locker(file); },
               ThrowsExactly<utils::Exception>("Could not create synchronisation sempahore"));
-  EXPECT_THAT([] { static_cast<void>(os::OSLocker::getInstance()); },
+  EXPECT_THAT([] { static_cast<void>(OSLocker::getInstance()); },
               ThrowsExactly<utils::Exception>("No singleton instance found for OSLocker"));
+  EXPECT_THAT(
+      log.records(),
+      HasRecordOf("Os/Posix/PosixOSLocker", LogLevel::Error, "os::OSLockerPosix::OSLockerPosix",
+                  "The flash lock cannot be had, and no update can be made: cannot use " +
+                      file.string() + ": Not a directory"));
 }
 
 TEST_F(PosixOSLocker, IsTheRegisteredLocker) {
-  OSLockerPosix locker(m_key);
+  OSLockerPosix locker(m_folder.path());
 
-  EXPECT_EQ(os::OSLocker::getInstance(), &locker);
+  EXPECT_EQ(OSLocker::getInstance(), &locker);
+}
+
+// Another user has put a file where this user's belongs. The test becomes a user that nobody is.
+TEST_F(PosixOSLocker, IsSubstitutedByOneThatAnswersOneWhereItCannotBeMade) {
+  constexpr uid_t kUser = 64242;
+  const std::filesystem::path file =
+      std::filesystem::path(OSLockerPosix::kFolder) / "RavlApplySemaphore.64242";
+  if (geteuid() != 0) {
+    GTEST_SKIP() << "only root can become another user";
+  }
+  const test::LockFolder::Blocker blocker(file);
+  ChildProcess child([](ChildProcess::Link&) {
+    if (seteuid(kUser) != 0) {
+      return kHasNoLock;
+    }
+    const auto locker = os::createOSLockerOrSubstitute();
+    const bool isRegistered = OSLocker::getInstance() == locker.get();
+    return isRegistered && locker->Lock() == 1 && locker->UnLock() == 1 ? 0 : 1;
+  });
+  EXPECT_EQ(child.wait(), 0);
 }
 
 }  // namespace

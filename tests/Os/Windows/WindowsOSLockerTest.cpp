@@ -95,7 +95,8 @@ TEST_F(WindowsOSLocker, GivesUpAfterTheTimeoutWhileAnotherProgramHoldsIt) {
   EXPECT_THAT(log.messages(kLock),
               ElementsAre("result = 258",
                           "Timeout occured when the Semaphore was locked. Other application uses "
-                          "Fennelbrook SDK at this moment"));
+                          "Fennelbrook SDK at this moment",
+                          "The flash lock is held by another program"));
   EXPECT_THAT([] { const os::OSLocker::AutoOSLocker lock; },
               ThrowsExactly<utils::Exception>("Locking access to the Fennelbrook returns 3"));
 }
@@ -283,6 +284,16 @@ TEST_F(WindowsOSLockerCalls, CreateASemaphoreOfCountOneForEveryone) {
   EXPECT_TRUE(m_semaphore.isDaclPresent);
   EXPECT_FALSE(m_semaphore.isDaclDefaulted);
   EXPECT_EQ(m_semaphore.dacl, nullptr);
+}
+
+TEST_F(WindowsOSLockerCalls, AreNoneOfASubstitute) {
+  m_semaphore.hasHandle = false;
+  const auto locker = os::createOSLockerOrSubstitute();
+
+  EXPECT_EQ(os::OSLocker::getInstance(), locker.get());
+  EXPECT_EQ(locker->Lock(), 1);
+  EXPECT_EQ(locker->UnLock(), 1);
+  EXPECT_THAT(m_semaphore.waits, testing::IsEmpty());
 }
 
 TEST_F(WindowsOSLockerCalls, ThrowWithoutAHandle) {
