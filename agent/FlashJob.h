@@ -26,8 +26,9 @@ class FlashJob {
   // Returns the image to write; valid until the job has reached an end state.
   [[nodiscard]] virtual const std::vector<std::uint8_t>& getImage() const = 0;
 
-  virtual void setError(std::uint32_t code, const std::string& text) = 0;
-  virtual void setJobState(cim::JobState newState) = 0;
+  // Neither throws, so that every job has an end and its own error.
+  virtual void setError(std::uint32_t code, const std::string& text) noexcept = 0;
+  virtual void setJobState(cim::JobState newState) noexcept = 0;
 
  protected:
   ~FlashJob() = default;

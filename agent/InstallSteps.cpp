@@ -1,6 +1,7 @@
 #include "agent/InstallSteps.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include "Utils/Assert.h"
@@ -55,8 +56,18 @@ std::string fillIn(std::string_view text, std::string_view conversion, const std
   return place != std::string::npos ? filled.replace(place, conversion.size(), value) : filled;
 }
 
-void log(const Method& method, std::string_view text, const std::string& value) {
-  utils::logDebug(kLog, method.function, "%s", fillIn(text, "%s", value).c_str());
+// A record must not decide what a method answers: one for which there is no memory is left out.
+void logFilled(const Method& method, std::string_view text, std::string_view conversion,
+               const std::string& value) noexcept {
+  try {
+    utils::logDebug(kLog, method.function, "%s", fillIn(text, conversion, value).c_str());
+  } catch (const std::bad_alloc&) {
+    utils::logDebug(kLog, method.function, "%s", value.c_str());
+  }
+}
+
+void log(const Method& method, std::string_view text, const std::string& value) noexcept {
+  logFilled(method, text, "%s", value);
 }
 
 void logNotFound(const Method& method, const std::string& path) {
@@ -260,13 +271,12 @@ std::uint32_t processUpdate(const Method& method, const Update& update, core::Ci
   try {
     result = cimclass->verifyOrCreateNewJob(target.identity, update.uri, update.installOptions,
                                             update.installOptionsValues, created, method.create);
-    utils::logDebug(kLog, method.function, "%s",
-                    fillIn(method.jobResult, "%d", std::to_string(result)).c_str());
   } catch (...) {
     // The job class answers refusals by numbers; what it throws is a want of memory.
     log(method, "Allocation error occured for '%s'", update.targetPath);
     return cim::kNotEnoughMemory;
   }
+  logFilled(method, method.jobResult, "%d", std::to_string(result));
   const cim::InstallReturn code = translate(method, result, update.targetPath);
   if (code == cim::kJobStarted && job != nullptr) {
     *job = created;

@@ -93,17 +93,18 @@ void JobThread::requestStop() {
 void JobThread::run() {
   void* const self = this;
   utils::logDebug(kLog, kExecute, "Thread %p starting", self);
-  m_clock.sleepFor(kStartDelay);
-  s_begunUpdates.fetch_add(1, std::memory_order_relaxed);
-  m_job->setJobState(cim::JobState::Running);
   bool isFlashed = false;
   try {
+    m_clock.sleepFor(kStartDelay);
+    s_begunUpdates.fetch_add(1, std::memory_order_relaxed);
+    m_job->setJobState(cim::JobState::Running);
     isFlashed = flash();
   } catch (...) {
     // Whatever it was, a client gets the one answer that it knows.
     m_job->setError(kTimeoutErrorCode, utils::refusal::kTimeout);
     utils::logError(kLog, kExecute, "Access to the FK is disabled at this moment.");
   }
+  // Nothing from here on throws: a job without an end would keep its adapter for ever.
   m_job->setJobState(isFlashed ? cim::JobState::Completed : cim::JobState::Exception);
   m_done.set();
   utils::logDebug(kLog, kExecute, "Thread %p finishing", self);

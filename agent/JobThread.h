@@ -43,7 +43,7 @@ class JobThread : public utils::Thread {
   JobThread(agent::FlashJob* myJob, platform::Clock& clock);
   ~JobThread() override;
 
-  // Runs the update.
+  // Runs the update. The job has its end, and the thread is done, whatever happens meanwhile.
   void run() override;
 
   // Notes that the update should end, and no more: a flash that is being written is not given up.

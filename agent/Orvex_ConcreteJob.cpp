@@ -1,5 +1,7 @@
 #include "agent/Orvex_ConcreteJob.h"
 
+#include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "Utils/Assert.h"
@@ -42,18 +44,22 @@ Orvex_ConcreteJob::Orvex_ConcreteJob(const std::string& target, std::uint32_t nu
                                      const std::vector<std::uint16_t>& installOptions,
                                      const std::vector<std::string>& installOptionsValues,
                                      platform::Clock& clock)
-    : Orvex_ConcreteJob(
-          target, number,
-          agent::checkAndVerifyImage(target, uri, installOptions, installOptionsValues), clock) {}
+    : Orvex_ConcreteJob(target, number, clock, [&] {
+        return agent::checkAndVerifyImage(target, uri, installOptions, installOptionsValues);
+      }) {}
 
 Orvex_ConcreteJob::Orvex_ConcreteJob(const std::string& target, std::uint32_t number,
                                      agent::VerifiedImage image, platform::Clock& clock)
+    : Orvex_ConcreteJob(target, number, clock, [&image] { return std::move(image); }) {}
+
+Orvex_ConcreteJob::Orvex_ConcreteJob(const std::string& target, std::uint32_t number,
+                                     platform::Clock& clock, const ImageSource& image)
     : m_target(target),
       m_number(number),
       m_clock(clock),
-      m_image(std::move(image)),
+      m_image(image()),
       m_myThread(std::make_unique<JobThread>(this, clock)) {
-  m_elapsed = utils::Datetime::elapsedSince(m_submitted);
+  m_report.elapsed = utils::Datetime::elapsedSince(m_submitted);
   addMethod("RequestStateChange",
             static_cast<Method>(&Orvex_ConcreteJob::invokeRequestStateChange));
 }
@@ -77,7 +83,12 @@ void Orvex_ConcreteJob::setPropertyValues() {
   TimeBeforeRemoval.setValue(utils::Datetime(kTimeBeforeRemoval));
   StartTime.setValue(m_submitted);
   // The state first: a job that ends meanwhile must not show its end with a progress of before.
-  JobState.setValue(static_cast<std::uint16_t>(getJobState()));
+  const Report report = getReport();
+  JobState.setValue(static_cast<std::uint16_t>(report.state));
+  ElapsedTime.setValue(report.elapsed);
+  ErrorCode.setValue(report.errorCode);
+  ErrorDescription.setValue(report.errorText);
+  TimeOfLastStateChange.setValue(report.lastStateChange);
   PercentComplete.setValue(static_cast<std::uint16_t>(getPercentComplete()));
   // Nothing is known of these; a value that somebody set does not stay.
   for (core::CimProperty* property :
@@ -106,11 +117,6 @@ void Orvex_ConcreteJob::setPropertyValues() {
                                                  &OtherRecoveryAction}) {
     property->setNull();
   }
-  const utils::ScopedLock lock(m_reportMutex);
-  ElapsedTime.setValue(m_elapsed);
-  ErrorCode.setValue(m_errorCode);
-  ErrorDescription.setValue(m_errorText);
-  TimeOfLastStateChange.setValue(m_lastStateChange);
 }
 
 bool Orvex_ConcreteJob::threadControl(std::int32_t command, std::int32_t timeout) {
@@ -122,7 +128,7 @@ bool Orvex_ConcreteJob::threadControl(std::int32_t command, std::int32_t timeout
     ORVEX_ASSERT(kLog, m_myThread != NULL);
     try {
       m_myThread->launch();
-    } catch (const std::exception&) {
+    } catch (...) {
       utils::logError(kLog, kFunction, "Thread start error");
       return false;
     }
@@ -179,15 +185,14 @@ std::uint32_t Orvex_ConcreteJob::requestStateChange(std::uint16_t requestedState
   return cim::kStateChangeFailed;
 }
 
-void Orvex_ConcreteJob::setJobState(cim::JobState newState) {
+void Orvex_ConcreteJob::setJobState(cim::JobState newState) noexcept {
   utils::logDebug(kLog, "Orvex_ConcreteJob::setJobState", "%d -> %d",
                   static_cast<int>(getJobState()), static_cast<int>(newState));
-  {
-    const utils::ScopedLock lock(m_reportMutex);
-    m_lastStateChange.setToNow();
-    if (newState == cim::JobState::Completed) {
-      m_elapsed = utils::Datetime::elapsedSince(m_submitted);
-    }
+  const utils::ScopedLock lock(m_reportMutex);
+  m_report.state = newState;
+  m_report.lastStateChange.setToNow();
+  if (newState == cim::JobState::Completed) {
+    m_report.elapsed = utils::Datetime::elapsedSince(m_submitted);
   }
   for (const StateEnd& entry : kStateEnds) {
     if (entry.state == newState) {
@@ -195,19 +200,39 @@ void Orvex_ConcreteJob::setJobState(cim::JobState newState) {
     }
   }
   if (m_isFinished) {
-    m_image.bytes = {};
+    // A swap: an assignment would keep the memory.
+    std::vector<std::uint8_t>().swap(m_image.bytes);
     // The name goes whoever set it, so nothing is left for the reservation to clear.
     m_image.reservation.abandon();
     agent::clearTargetInProgress();
   }
-  // Published last: a client that sees the end may ask for the next update at once.
-  m_state = newState;
 }
 
-void Orvex_ConcreteJob::setError(std::uint32_t code, const std::string& text) {
+cim::JobState Orvex_ConcreteJob::getJobState() const {
   const utils::ScopedLock lock(m_reportMutex);
-  m_errorCode = static_cast<std::uint16_t>(code);
-  m_errorText = text;
+  return m_report.state;
+}
+
+bool Orvex_ConcreteJob::isFinished() const {
+  const utils::ScopedLock lock(m_reportMutex);
+  return m_isFinished;
+}
+
+Orvex_ConcreteJob::Report Orvex_ConcreteJob::getReport() const {
+  const utils::ScopedLock lock(m_reportMutex);
+  return m_report;
+}
+
+void Orvex_ConcreteJob::setError(std::uint32_t code, const std::string& text) noexcept {
+  constexpr std::uint32_t kLargest = std::numeric_limits<std::uint16_t>::max();
+  const utils::ScopedLock lock(m_reportMutex);
+  m_report.errorCode = static_cast<std::uint16_t>(std::min(code, kLargest));
+  try {
+    m_report.errorText =
+        code > kLargest ? utils::format("%s (error %u)", text.c_str(), code) : text;
+  } catch (const std::exception&) {
+    m_report.errorText.clear();  // The code tells the truth without it.
+  }
 }
 
 std::string Orvex_ConcreteJob::getInstanceId() const {

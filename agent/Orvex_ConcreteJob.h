@@ -6,13 +6,16 @@
 // class's list for the life of the process.
 //
 // Every change of state goes through setJobState(). The job's thread and requests meet in the
-// atomic and guarded members alone; the published properties are filled by a request.
+// atomic and guarded members alone; the published properties are filled by a request. What belongs
+// to an end of the job is under one lock, so that whoever sees the end may ask for the next update
+// at once.
 
 #ifndef ORVEX_AGENT_ORVEX_CONCRETEJOB_H_
 #define ORVEX_AGENT_ORVEX_CONCRETEJOB_H_
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -66,8 +69,8 @@ class Orvex_ConcreteJob : public CIM_ConcreteJob, public agent::FlashJob {
 
   // Returns "FirmwareUpdate@Job#" and the number.
   [[nodiscard]] std::string getInstanceId() const;
-  [[nodiscard]] cim::JobState getJobState() const { return m_state.load(); }
-  [[nodiscard]] bool isFinished() const { return m_isFinished.load(); }
+  [[nodiscard]] cim::JobState getJobState() const;
+  [[nodiscard]] bool isFinished() const;
   // Returns the progress in percent.
   [[nodiscard]] std::int32_t getPercentComplete();
 
@@ -80,25 +83,39 @@ class Orvex_ConcreteJob : public CIM_ConcreteJob, public agent::FlashJob {
     return m_image.targetTypes;
   }
   [[nodiscard]] const std::vector<std::uint8_t>& getImage() const override { return m_image.bytes; }
-  void setError(std::uint32_t code, const std::string& text) override;
-  void setJobState(cim::JobState newState) override;
+  // A code beyond the 16 bits of ErrorCode becomes the largest one and goes into the text.
+  void setError(std::uint32_t code, const std::string& text) noexcept override;
+  void setJobState(cim::JobState newState) noexcept override;
 
  private:
+  // What clients see of a job that moves on.
+  struct Report {
+    cim::JobState state = cim::JobState::New;
+    utils::Datetime elapsed{0};
+    utils::Datetime lastStateChange{0};
+    std::uint16_t errorCode = 0;
+    std::string errorText;
+  };
+
+  using ImageSource = std::function<agent::VerifiedImage()>;
+
+  // The time in which `image` makes the image is the job's, too.
+  Orvex_ConcreteJob(const std::string& target, std::uint32_t number, platform::Clock& clock,
+                    const ImageSource& image);
+
+  [[nodiscard]] Report getReport() const;
+
   const std::string m_target;
   const std::uint32_t m_number;
   const utils::Datetime m_submitted;
   platform::Clock& m_clock;
   agent::VerifiedImage m_image;
 
-  std::atomic<cim::JobState> m_state{cim::JobState::New};
-  std::atomic<bool> m_isFinished{false};
   std::atomic<std::int32_t> m_percentComplete{0};
 
-  utils::Mutex m_reportMutex;  // a leaf: nothing is called while it is held
-  utils::Datetime m_elapsed ORVEX_GUARDED_BY(m_reportMutex){0};
-  utils::Datetime m_lastStateChange ORVEX_GUARDED_BY(m_reportMutex){0};
-  std::uint16_t m_errorCode ORVEX_GUARDED_BY(m_reportMutex) = 0;
-  std::string m_errorText ORVEX_GUARDED_BY(m_reportMutex);
+  mutable utils::Mutex m_reportMutex;  // nothing but the target in progress is locked under it
+  Report m_report ORVEX_GUARDED_BY(m_reportMutex);
+  bool m_isFinished ORVEX_GUARDED_BY(m_reportMutex) = false;
 
   utils::Mutex m_threadMutex;
   std::unique_ptr<JobThread> m_myThread ORVEX_GUARDED_BY(m_threadMutex);

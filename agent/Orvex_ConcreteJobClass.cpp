@@ -1,6 +1,6 @@
 #include "agent/Orvex_ConcreteJobClass.h"
 
-#include <memory>
+#include <utility>
 
 #include "Utils/Clock.h"
 #include "agent/ImageVerification.h"
@@ -49,6 +49,15 @@ agent::JobResult toResult(const std::exception& error) {
   return agent::kJobUnspecifiedError;
 }
 
+bool start(Orvex_ConcreteJob& job) {
+  const utils::Datetime timeout(utils::currentMicroseconds() + kStartTimeout);
+  try {
+    return job.requestStateChange(Orvex_ConcreteJob::kRequestStart, timeout) == cim::kStateChanged;
+  } catch (...) {
+    return false;
+  }
+}
+
 }  // namespace
 
 Orvex_ConcreteJobClass::Orvex_ConcreteJobClass(platform::Clock& clock)
@@ -61,21 +70,28 @@ std::int32_t Orvex_ConcreteJobClass::verifyOrCreateNewJob(
     const std::vector<std::uint16_t>& installOptions,
     const std::vector<std::string>& installOptionsValues, core::CimInstance*& job, bool create) {
   job = nullptr;
+  m_unstartedJobs.tidyUp();
+  std::unique_ptr<Orvex_ConcreteJob> created;
   try {
     if (create) {
-      return createNewJob(target, uri, installOptions, installOptionsValues, job);
+      created = createNewJob(target, uri, installOptions, installOptionsValues);
+    } else {
+      agent::checkAndVerifyImage(target, uri, installOptions, installOptionsValues)
+          .reservation.abandon();
     }
-    agent::checkAndVerifyImage(target, uri, installOptions, installOptionsValues)
-        .reservation.abandon();
-    return agent::kJobAccepted;
   } catch (const std::exception& error) {
     utils::logError(kLog, kVerifyOrCreate, "Exception: '%s'", error.what());
     return toResult(error);
+  } catch (...) {
+    utils::logError(kLog, kVerifyOrCreate, "Exception: '%s'", "unknown");
+    return agent::kJobUnspecifiedError;
   }
+  return create ? startNewJob(std::move(created), job) : agent::kJobAccepted;
 }
 
 void Orvex_ConcreteJobClass::refresh() {
   core::InstanceList::Iterator cursor = instances().iterator();
+  m_unstartedJobs.tidyUp();
   utils::logDebug(kLog, kGetInstances, "All jobs: %d", static_cast<int>(cursor.count()));
   for (core::CimInstance* instance = cursor.first(); instance != nullptr;
        instance = cursor.next()) {
@@ -85,34 +101,41 @@ void Orvex_ConcreteJobClass::refresh() {
     }
     try {
       job->threadControl(Orvex_ConcreteJob::kDeleteThread, 0);
-    } catch (const std::exception&) {
+    } catch (...) {
       utils::logDebug(kLog, kGetInstances, "Exception happened");
     }
     job->setPropertyValues();
   }
 }
 
-std::int32_t Orvex_ConcreteJobClass::createNewJob(
+std::unique_ptr<Orvex_ConcreteJob> Orvex_ConcreteJobClass::createNewJob(
     const std::string& target, const std::string& uri,
     const std::vector<std::uint16_t>& installOptions,
-    const std::vector<std::string>& installOptionsValues, core::CimInstance*& job) {
+    const std::vector<std::string>& installOptionsValues) {
+  const std::uint32_t number = m_nextJobNumber.fetch_add(1);
   utils::logDebug(kLog, "Orvex_ConcreteJobClass::createNewJob",
-                  "Creating new job for %s with id #%d", target.c_str(),
-                  static_cast<int>(m_nextJobNumber));
-  auto created = std::make_unique<Orvex_ConcreteJob>(target, m_nextJobNumber, uri, installOptions,
-                                                     installOptionsValues, m_clock);
-  // Here, so that a refused request uses up no number.
-  ++m_nextJobNumber;
-  created->setPropertyValues();
-  instances().add(created.get());
-  // The list owns it from here on.
-  Orvex_ConcreteJob* const newJob = created.release();
-  const utils::Datetime timeout(utils::currentMicroseconds() + kStartTimeout);
-  if (newJob->requestStateChange(Orvex_ConcreteJob::kRequestStart, timeout) != cim::kStateChanged) {
+                  "Creating new job for %s with id #%d", target.c_str(), static_cast<int>(number));
+  try {
+    return std::make_unique<Orvex_ConcreteJob>(target, number, uri, installOptions,
+                                               installOptionsValues, m_clock);
+  } catch (...) {
+    // A refused request uses up no number, unless another has taken the next one meanwhile.
+    std::uint32_t next = number + 1;
+    m_nextJobNumber.compare_exchange_strong(next, number);
+    throw;
+  }
+}
+
+std::int32_t Orvex_ConcreteJobClass::startNewJob(std::unique_ptr<Orvex_ConcreteJob> created,
+                                                 core::CimInstance*& job) {
+  Orvex_ConcreteJob* const newJob = created.get();
+  instances().add(newJob, [newJob] { newJob->setPropertyValues(); });
+  if (!start(*newJob)) {
     instances().remove(newJob);
-    delete newJob;
+    m_unstartedJobs.add(std::move(created));
     return agent::kJobStartFailed;
   }
-  job = newJob;
+  // The list owns it from here on.
+  job = created.release();
   return agent::kJobAccepted;
 }

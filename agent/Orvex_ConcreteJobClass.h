@@ -3,11 +3,14 @@
 #ifndef ORVEX_AGENT_ORVEX_CONCRETEJOBCLASS_H_
 #define ORVEX_AGENT_ORVEX_CONCRETEJOBCLASS_H_
 
+#include <atomic>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "agent/ConcreteJobFactory.h"
+#include "agent/UnstartedJobs.h"
 #include "core/InstanceProvider.h"
 #include "platform/Clock.h"
 
@@ -28,13 +31,18 @@ class Orvex_ConcreteJobClass : public core::InstanceProvider, public ConcreteJob
   void refresh() override;
 
  private:
-  [[nodiscard]] std::int32_t createNewJob(const std::string& target, const std::string& uri,
-                                          const std::vector<std::uint16_t>& installOptions,
-                                          const std::vector<std::string>& installOptionsValues,
-                                          core::CimInstance*& job);
+  // Throws what the check of the image throws.
+  [[nodiscard]] std::unique_ptr<Orvex_ConcreteJob> createNewJob(
+      const std::string& target, const std::string& uri,
+      const std::vector<std::uint16_t>& installOptions,
+      const std::vector<std::string>& installOptionsValues);
+  // Lists the job and starts it. Returns an agent::JobResult; what is thrown leaves no job behind.
+  [[nodiscard]] std::int32_t startNewJob(std::unique_ptr<Orvex_ConcreteJob> created,
+                                         core::CimInstance*& job);
 
   platform::Clock& m_clock;
-  std::uint32_t m_nextJobNumber = 1;
+  std::atomic<std::uint32_t> m_nextJobNumber{1};
+  agent::UnstartedJobs m_unstartedJobs;
 };
 
 #endif  // ORVEX_AGENT_ORVEX_CONCRETEJOBCLASS_H_

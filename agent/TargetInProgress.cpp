@@ -28,8 +28,9 @@ void setTargetInProgress(const std::string& target) {
   state().target = target;
 }
 
-void clearTargetInProgress() {
-  setTargetInProgress({});
+void clearTargetInProgress() noexcept {
+  const utils::ScopedLock lock(state().mutex);
+  state().target.clear();
 }
 
 }  // namespace agent

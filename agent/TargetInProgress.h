@@ -13,7 +13,7 @@ namespace agent {
 // pass.
 [[nodiscard]] std::string getTargetInProgress();
 void setTargetInProgress(const std::string& target);
-void clearTargetInProgress();
+void clearTargetInProgress() noexcept;
 
 // Holds the name in progress from image checking to the end of the job, or to the refusal.
 class TargetReservation {

@@ -94,6 +94,7 @@ CATCH_ALL_BOUNDARIES = {
     "Os/LoadHook.cpp": "loader hook",
     "Os/QuorvelConfig.cpp": "an unreadable configuration leaves the defaults in force",
     "agent/JobThread.cpp": "top of the job's thread",
+    "agent/Orvex_ConcreteJob.cpp": "whatever keeps a thread from starting, the job has not started",
     "agent/Orvex_ConcreteJobClass.cpp": "one job's failure must not end the refresh of the others",
     "agent/InstallSteps.cpp": "a method answers with a return code, whatever happened",
     "cli/Main.cpp": "top of the program",

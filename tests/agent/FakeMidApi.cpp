@@ -135,6 +135,9 @@ PrepareStatus prepareFlashImage(const std::string& adapter, const std::uint8_t* 
   FakeMidApi& fake = FakeMidApi::current();
   fake.note("prepareFlashImage " + adapter + " " + test::toText(file, fileSize) + " into " +
             std::to_string(imageSize) + " " + test::toText(types));
+  if (fake.onPrepare) {
+    fake.onPrepare();
+  }
   const std::vector<std::uint8_t> prepared =
       fake.prepared.value_or(std::vector<std::uint8_t>(file, file + fileSize));
   std::copy(prepared.begin(), prepared.end(), image);

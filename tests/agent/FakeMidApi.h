@@ -49,6 +49,8 @@ class ORVEX_MIDAPI_API FakeMidApi {
   Answer capabilityWordAnswer;
   bool setBootTypeAnswer = true;
   std::atomic<std::uint32_t> progress{0};
+  // Called in the middle of a preparation; what it throws leaves that.
+  std::function<void()> onPrepare;
   // Called when the progress is asked for.
   std::function<void()> onProgress;
   // Called in the middle of a write; what it throws leaves the write.

@@ -1,6 +1,7 @@
 #include <chrono>
 #include <gmock/gmock.h>
 #include <memory>
+#include <new>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -219,6 +220,16 @@ TEST_F(JobThreadTest, CallsWhatIsNoExceptionATimeoutToo) {
 
   run({FirmwareType::Iscsi});
 
+  expectEnd(cim::JobState::Exception, 4, "Timeout Error");
+}
+
+TEST_F(JobThreadTest, HasItsJobsEndWhereverItIsBrokenOff) {
+  m_clock.afterEachSleep([](int) { throw std::bad_alloc(); });
+
+  run({FirmwareType::Iscsi});
+
+  EXPECT_THAT(m_log.messages("Orvex_ConcreteJob::setJobState"), ElementsAre("2 -> 3", "3 -> 10"));
+  EXPECT_THAT(m_midApi.calls(), testing::IsEmpty());
   expectEnd(cim::JobState::Exception, 4, "Timeout Error");
 }
 

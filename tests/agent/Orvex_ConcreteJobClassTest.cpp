@@ -3,6 +3,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "agent/Orvex_ConcreteJob.h"
@@ -145,11 +146,46 @@ TEST_F(ConcreteJobClass, TakesAJobThatCannotStartBack) {
   EXPECT_EQ(m_job, nullptr);
   EXPECT_THAT(enumerate(), IsEmpty());
   EXPECT_EQ(agent::getTargetInProgress(), "");
-  EXPECT_THAT(clock.sleeps(), ElementsAre(testing::Pair(std::chrono::milliseconds(50), 60)));
+  // The wait of its end is nobody's who asks.
+  EXPECT_THAT(clock.sleeps(), IsEmpty());
 
   createAndFinish();
   EXPECT_THAT(captions(), ElementsAre("Firmware Update Job 2"));
   m_provider.reset();
+  EXPECT_GE(clock.sleeps()[std::chrono::milliseconds(50)], 60);
+}
+
+TEST_F(ConcreteJobClass, GivesEachOfTwoRequestsThatAreLetInTogetherItsNumber) {
+  m_midApi.holdWrites();
+  std::int32_t inner = -1;
+  bool isInside = false;
+  m_midApi.onPrepare = [&] {
+    if (!std::exchange(isInside, true)) {
+      // The other one asked for the target in progress before this one set it.
+      agent::clearTargetInProgress();
+      inner = create(kOtherAdapter);
+    }
+  };
+  EXPECT_EQ(create(kAdapter), 0);
+  EXPECT_EQ(inner, 0);
+  EXPECT_THAT(captions(), ElementsAre("Firmware Update Job 2", "Firmware Update Job 1"));
+}
+
+TEST_F(ConcreteJobClass, GivesNoNumberTwiceWhenTheFirstOfTwoIsRefused) {
+  m_midApi.holdWrites();
+  bool isInside = false;
+  m_midApi.onPrepare = [&] {
+    if (!std::exchange(isInside, true)) {
+      agent::clearTargetInProgress();
+      EXPECT_EQ(create(kOtherAdapter), 0);
+      m_midApi.prepareStatus = ma::PrepareStatus::InvalidImage;
+    }
+  };
+  EXPECT_EQ(create(kAdapter), 1);
+  m_midApi.prepareStatus = ma::PrepareStatus::Ok;
+  agent::clearTargetInProgress();
+  EXPECT_EQ(create(kAdapter), 0);
+  EXPECT_THAT(captions(), ElementsAre("Firmware Update Job 2", "Firmware Update Job 3"));
 }
 
 TEST_F(ConcreteJobClass, RefusesASecondUpdateWhileOneRuns) {
@@ -231,6 +267,17 @@ TEST_F(ConcreteJobClass, AnswersAnyOtherErrorAsUnspecified) {
 
   EXPECT_THAT(m_log.records(), HasRecordOf(kSource, LogLevel::Error, kVerifyOrCreate,
                                            "Exception: 'no configuration'"));
+  EXPECT_EQ(agent::getTargetInProgress(), "");
+}
+
+TEST_F(ConcreteJobClass, AnswersWhatIsNoExceptionAsUnspecifiedToo) {
+  m_midApi.onPrepare = [] { throw 1; };
+
+  EXPECT_EQ(create(), 4);
+  EXPECT_EQ(verify(), 4);
+
+  EXPECT_THAT(m_log.records(),
+              HasRecordOf(kSource, LogLevel::Error, kVerifyOrCreate, "Exception: 'unknown'"));
   EXPECT_EQ(agent::getTargetInProgress(), "");
 }
 

@@ -1,3 +1,4 @@
+#include <future>
 #include <gmock/gmock.h>
 #include <map>
 #include <memory>
@@ -64,6 +65,25 @@ TEST_F(ConcreteJob, DoesNotComeToExistWithABadImage) {
   EXPECT_EQ(agent::getTargetInProgress(), "");
 }
 
+TEST_F(ConcreteJob, CountsTheCheckOfItsImageAsItsTime) {
+  m_job.reset();
+  const test::TempDirectory directory;
+  const std::string uri = "file://" + directory.write("a.rom", std::string("rom")).string();
+  std::uint64_t checked = 0;
+  m_midApi.onPrepare = [&checked] {
+    const std::uint64_t begin = utils::currentMicroseconds();
+    EXPECT_TRUE(
+        test::waitUntil([begin] { return utils::currentMicroseconds() >= begin + 20'000; }));
+    checked = utils::currentMicroseconds();
+  };
+  m_job = std::make_unique<Orvex_ConcreteJob>(kAdapter, 1, uri, std::vector<std::uint16_t>{5},
+                                              std::vector<std::string>{});
+  m_job->setPropertyValues();
+
+  EXPECT_LE(m_job->StartTime.getValue().value, checked - 20'000);
+  EXPECT_GE(m_job->ElapsedTime.getValue().value, 20'000u);
+}
+
 // -- states --
 
 struct StateCase {
@@ -116,6 +136,28 @@ TEST_F(ConcreteJob, StaysWhatItWasInAStateOutsideTheTable) {
   }
 }
 
+TEST_F(ConcreteJob, KeepsNoMemoryOfItsImageAtItsEnd) {
+  for (const int state : {6, 7, 10}) {
+    m_job = makeJob();
+    EXPECT_GE(m_job->getImage().capacity(), 5u);
+    change(state);
+    EXPECT_EQ(m_job->getImage().capacity(), 0u) << state;
+  }
+}
+
+// Who sees the end may ask for the next update, which must not be refused for this one.
+TEST_F(ConcreteJob, IsNeverSeenAtItsEndWithItsTargetInProgress) {
+  for (int round = 0; round < 200; ++round) {
+    m_job = makeJob();
+    auto observer = std::async(std::launch::async, [this] {
+      return test::waitUntil([this] { return m_job->isFinished(); }) &&
+             m_job->getJobState() == cim::JobState::Completed && agent::getTargetInProgress() == "";
+    });
+    change(7);
+    ASSERT_TRUE(observer.get()) << round;
+  }
+}
+
 TEST_F(ConcreteJob, ClearsTheTargetInProgressWheneverItReachesAnEnd) {
   change(7);
   agent::setTargetInProgress("0000:04:00.0");
@@ -150,6 +192,18 @@ TEST_F(ConcreteJob, MeasuresItsTimeWhenItIsCompletedOnly) {
   change(7);
   EXPECT_GE(elapsed(), 20'000u);
   EXPECT_FALSE(m_job->ElapsedTime.getValue().isTimestamp);
+}
+
+TEST_F(ConcreteJob, DoesNotCutAnErrorCodeIntoAnother) {
+  m_job->setError(65535, "the largest");
+  m_job->setPropertyValues();
+  EXPECT_EQ(m_job->ErrorCode.getValue(), 65535);
+  EXPECT_EQ(m_job->ErrorDescription.getValue(), "the largest");
+
+  m_job->setError(70009, "too large");
+  m_job->setPropertyValues();
+  EXPECT_EQ(m_job->ErrorCode.getValue(), 65535);
+  EXPECT_EQ(m_job->ErrorDescription.getValue(), "too large (error 70009)");
 }
 
 // -- requests --
