@@ -132,7 +132,7 @@ bool JobThread::flash() {
 }
 
 // An image without iSCSI must not leave ports behind that boot from it: all ports of the adapter
-// share the flash.
+// share the flash. A PCI location has no segment, by which ports of two adapters may differ alone.
 void JobThread::disableIscsiBoot() {
   const std::string target = m_job->getTarget();
   std::vector<utils::FirmwareVersionInfo> installed;
@@ -148,7 +148,8 @@ void JobThread::disableIscsiBoot() {
   const utils::PCIAddr address = ma::getPCIAddress(target);
   for (const std::string& port : ma::enumerateAdapters()) {
     const utils::PCIAddr other = ma::getPCIAddress(port);
-    if (other.bus == address.bus && other.device == address.device) {
+    if (other.bus == address.bus && other.device == address.device &&
+        ma::isSameAdapter(port, target)) {
       ma::setBootType(port, ma::BootType::None);
     }
   }

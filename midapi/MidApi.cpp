@@ -146,6 +146,12 @@ utils::PCIAddr getPCIAddress(const std::string& adapter) {
               : utils::PCIAddr{};
 }
 
+bool isSameAdapter(const std::string& one, const std::string& other) {
+  const auto port = parseCanonicalPortId(one);
+  const auto otherPort = parseCanonicalPortId(other);
+  return port && otherPort && port->adapter == otherPort->adapter;
+}
+
 bool getCanBeUpdated(const std::string& adapter) {
   try {
     return backend().facts(needPort(adapter)).isUpdatable;

@@ -41,6 +41,11 @@ ORVEX_MIDAPI_API void getAdapterFirmwareVersion(const std::string& adapter,
 // Returns the port's PCI location, taken from its identifier; all zero when that is malformed.
 [[nodiscard]] ORVEX_MIDAPI_API utils::PCIAddr getPCIAddress(const std::string& adapter);
 
+// Returns whether two identifiers are of ports of one adapter: their PCI segment, bus and device
+// are the same. A PCI location lacks the segment, and so cannot tell. False when either identifier
+// is malformed; whether the adapter exists does not matter.
+[[nodiscard]] ORVEX_MIDAPI_API bool isSameAdapter(const std::string& one, const std::string& other);
+
 // Returns true when the adapter is known and its firmware may be replaced.
 [[nodiscard]] ORVEX_MIDAPI_API bool getCanBeUpdated(const std::string& adapter);
 

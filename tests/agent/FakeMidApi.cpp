@@ -117,6 +117,11 @@ utils::PCIAddr getPCIAddress(const std::string& adapter) {
   return {number(5, 2), number(8, 2), number(11, 1)};
 }
 
+// "dddd:bb:ss" is the adapter.
+bool isSameAdapter(const std::string& one, const std::string& other) {
+  return one.substr(0, 10) == other.substr(0, 10);
+}
+
 bool getCanBeUpdated(const std::string& adapter) {
   FakeMidApi::current().note("getCanBeUpdated " + adapter);
   return FakeMidApi::current().fixedAdapters.count(adapter) == 0;

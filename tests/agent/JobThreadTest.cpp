@@ -269,6 +269,15 @@ TEST_F(JobThreadBootTypes, AreClearedOnAllPortsOfTheAdapterAndNoOther) {
   expectEnd(cim::JobState::Completed, 0, "");
 }
 
+TEST_F(JobThreadBootTypes, StayOnTheAdapterOfAnotherSegment) {
+  m_midApi.adapters = {"0000:03:00.0", "0001:03:00.0", "0001:03:00.1"};
+
+  run({FirmwareType::Pxe});
+
+  EXPECT_THAT(m_midApi.calls(), Contains("getPCIAddress 0001:03:00.0"));
+  EXPECT_THAT(bootTypeCalls(), ElementsAre("setBootType 0000:03:00.0 0"));
+}
+
 TEST_F(JobThreadBootTypes, AreClearedForAJobWithoutTypes) {
   run({});
 

@@ -26,6 +26,7 @@ using ma::getCanBeUpdated;
 using ma::getFlashImageUpdateProgress;
 using ma::getPCIAddress;
 using ma::ImageComparison;
+using ma::isSameAdapter;
 using ma::prepareFlashImage;
 using ma::PrepareStatus;
 using ma::setBootType;
@@ -154,6 +155,15 @@ TEST_F(MidApi, TakesPciAddressesFromIdentifiers) {
   EXPECT_EQ(getPCIAddress("0000:af:1f.7"), (utils::PCIAddr{0xAF, 0x1F, 7}));
   EXPECT_EQ(getPCIAddress("0000:AF:1f.7"), utils::PCIAddr{});
   EXPECT_EQ(getPCIAddress(""), utils::PCIAddr{});
+}
+
+TEST_F(MidApi, TellsPortsOfOneAdapterFromThoseOfAnotherSegmentBusOrDevice) {
+  EXPECT_TRUE(isSameAdapter("0000:03:00.0", "0000:03:00.7"));
+  EXPECT_TRUE(isSameAdapter("0000:03:00.0", "0000:03:00.0"));
+  EXPECT_FALSE(isSameAdapter("0000:03:00.0", "0001:03:00.0"));
+  EXPECT_FALSE(isSameAdapter("0000:03:00.0", "0000:04:00.0"));
+  EXPECT_FALSE(isSameAdapter("0000:03:00.0", "0000:03:01.0"));
+  EXPECT_FALSE(isSameAdapter("nonsense", "nonsense"));
 }
 
 TEST_F(MidApi, TellsWhetherAnAdapterCanBeUpdated) {
