@@ -3,17 +3,14 @@
 #include <algorithm>
 #include <cstddef>
 #include <limits>
-#include <nlohmann/json.hpp>
 #include <utility>
 
+#include "midapi/BoundedJson.h"
 #include "midapi/Hex.h"
 #include "platform/Texts.h"
 
 namespace ma {
 namespace {
-
-// Keeps the order of fields, so that a changed description still looks like its author's.
-using Json = nlohmann::ordered_json;
 
 constexpr std::uint64_t kMaxUint32 = std::numeric_limits<std::uint32_t>::max();
 constexpr std::uint64_t kMaxPercent = 100;
@@ -21,18 +18,6 @@ constexpr auto kMaxBootType = static_cast<std::uint64_t>(BootType::Uefi);
 
 [[noreturn]] void refuse(const std::string& field, const std::string& demand) {
   throw DescriptionFault("field " + field + ": " + demand);
-}
-
-Json parseJson(std::string_view text) {
-  try {
-    Json json = Json::parse(text);
-    if (!json.is_object()) {
-      throw DescriptionFault("the text is no JSON object");
-    }
-    return json;
-  } catch (const Json::exception& error) {
-    throw DescriptionFault(std::string("the text is no JSON: ") + error.what());
-  }
 }
 
 // The fields of one JSON object, each checked as it is read; `prefix` is where the object stands.
@@ -191,22 +176,7 @@ Json formatFaults(const AdapterDescription& description) {
   return faults;
 }
 
-// What is no UTF-8 in a name that somebody typed must not make the description unwritable.
-std::string dump(const Json& json) {
-  return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
-}
-
-}  // namespace
-
-const PortDescription* AdapterDescription::findPort(std::uint8_t function) const {
-  const auto found =
-      std::find_if(ports.begin(), ports.end(),
-                   [function](const PortDescription& port) { return port.function == function; });
-  return found == ports.end() ? nullptr : &*found;
-}
-
-AdapterDescription parseDescription(std::string_view text) {
-  const Json json = parseJson(text);
+AdapterDescription read(const Json& json) {
   const FieldReader fields(json, "");
   AdapterDescription description;
   description.name = fields.text("name");
@@ -234,6 +204,19 @@ AdapterDescription parseDescription(std::string_view text) {
   return description;
 }
 
+}  // namespace
+
+const PortDescription* AdapterDescription::findPort(std::uint8_t function) const {
+  const auto found =
+      std::find_if(ports.begin(), ports.end(),
+                   [function](const PortDescription& port) { return port.function == function; });
+  return found == ports.end() ? nullptr : &*found;
+}
+
+AdapterDescription parseDescription(std::string_view text) {
+  return read(parseJsonObject(text));
+}
+
 std::string formatDescription(const AdapterDescription& description) {
   Json json = {
       {"name", platform::toUtf8(description.name)},
@@ -251,25 +234,25 @@ std::string formatDescription(const AdapterDescription& description) {
                              {"mac", port.mac},
                              {"bootType", static_cast<std::uint32_t>(port.bootType)}});
   }
-  return dump(json);
+  return formatJson(json);
 }
 
 std::string withBootType(std::string_view text, std::uint8_t function, BootType bootType) {
-  static_cast<void>(parseDescription(text));
-  Json json = parseJson(text);
+  Json json = parseJsonObject(text);
+  static_cast<void>(read(json));
   for (Json& port : json["ports"]) {
     if (port["function"] == function) {
       port["bootType"] = static_cast<std::uint32_t>(bootType);
     }
   }
-  return dump(json);
+  return formatJson(json);
 }
 
 std::string withCapabilityWord(std::string_view text, std::uint32_t word) {
-  static_cast<void>(parseDescription(text));
-  Json json = parseJson(text);
+  Json json = parseJsonObject(text);
+  static_cast<void>(read(json));
   json["capabilityWord"] = word;
-  return dump(json);
+  return formatJson(json);
 }
 
 }  // namespace ma

@@ -4,13 +4,15 @@
 #include <cstddef>
 #include <utility>
 
+#include "midapi/BoundedJson.h"
 #include "platform/Texts.h"
 
 namespace ma {
 namespace {
 
-constexpr std::size_t kMaxDescription = std::size_t{1} << 20;
-constexpr std::size_t kMaxFlash = std::size_t{256} << 20;
+[[noreturn]] void failInvalid(const std::filesystem::path& path, const std::string& reason) {
+  throw FlashFault(FlashError::InvalidDescription, platform::toShownText(path) + ": " + reason);
+}
 
 }  // namespace
 
@@ -54,10 +56,14 @@ template <class Change>
 void AdapterFolder::changeDescription(Change change) const {
   const std::string text = descriptionText();
   static_cast<void>(parse(text));
-  const std::string changed = change(text);
   try {
+    const std::string changed = change(text);
     replaceContent(m_files, descriptionPath(),
                    {reinterpret_cast<const std::uint8_t*>(changed.data()), changed.size()});
+  } catch (const DescriptionFault& fault) {
+    failInvalid(descriptionPath(),
+                std::string("it stays as it is, for what was to be changed in it would not fit: ") +
+                    fault.what());
   } catch (const FileFault& fault) {
     throw FlashFault(FlashError::InputOutput, fault.what());
   }
@@ -65,7 +71,7 @@ void AdapterFolder::changeDescription(Change change) const {
 
 std::string AdapterFolder::descriptionText() const {
   try {
-    const FileBytes content = m_files.read(descriptionPath(), kMaxDescription);
+    const FileBytes content = m_files.read(descriptionPath(), kMaxJsonSize);
     return std::string(content.view().begin(), content.view().end());
   } catch (const FileFault& fault) {
     if (fault.isMissingFile()) {
@@ -84,8 +90,7 @@ AdapterDescription AdapterFolder::parse(const std::string& text) const {
     }
     return description;
   } catch (const DescriptionFault& fault) {
-    throw FlashFault(FlashError::InvalidDescription,
-                     platform::toShownText(descriptionPath()) + ": " + fault.what());
+    failInvalid(descriptionPath(), fault.what());
   }
 }
 

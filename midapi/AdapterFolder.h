@@ -6,6 +6,7 @@
 #ifndef ORVEX_MIDAPI_ADAPTERFOLDER_H_
 #define ORVEX_MIDAPI_ADAPTERFOLDER_H_
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -15,6 +16,9 @@
 #include "midapi/FlashBackend.h"
 
 namespace ma {
+
+// The largest flash that is read, and so the largest that is written.
+inline constexpr std::size_t kMaxFlash = std::size_t{256} << 20;
 
 class AdapterFolder {
  public:

@@ -28,6 +28,7 @@ enum class FlashError : std::uint32_t {
   EmptyImage = 204,
   InputOutput = 205,
   CompareMismatch = 206,
+  ImageTooLarge = 207,
 };
 
 // A flash operation that failed: a code and a text for the person who asked for it.

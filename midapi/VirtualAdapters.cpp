@@ -16,8 +16,6 @@
 namespace ma {
 namespace {
 
-constexpr std::size_t kMaxRom = std::size_t{256} << 20;
-
 std::uint64_t digestOf(RomBytes bytes) {
   std::uint64_t digest = 0xCBF29CE484222325;
   for (const std::uint8_t byte : bytes) {
@@ -163,7 +161,7 @@ void VirtualAdapters::add(const AdapterSpec& spec) const {
                          platform::toShownText(folder) +
                          "). Choose another address, or remove that folder first.");
     }
-    const FileBytes rom = files.read(spec.rom, kMaxRom);
+    const FileBytes rom = files.read(spec.rom, kMaxFlash);
     const RomChain chain = parseRomChain(rom.view());
     if (!chain.isValid()) {
       throw AdapterFault("The file " + platform::toShownText(spec.rom) +
@@ -171,6 +169,10 @@ void VirtualAdapters::add(const AdapterSpec& spec) const {
                          chain.defect->toString() + ". Give a file with undamaged images.");
     }
     createAdapterFolder(files, m_directory, spec.pci, describeNew(spec, chain), rom.view());
+  } catch (const DescriptionFault& fault) {
+    throw AdapterFault("Adapter " + address +
+                       " was not made, for its description cannot be kept: " + fault.what() +
+                       ". Give a shorter name.");
   } catch (const FileFault& fault) {
     throw AdapterFault("Adapter " + address + " was not made: " + fault.what() +
                        ". Check the path and its permissions.");

@@ -1,5 +1,6 @@
 #include "midapi/VirtualFlashBackend.h"
 
+#include <string>
 #include <utility>
 
 #include "midapi/FlashWrite.h"
@@ -58,6 +59,11 @@ void VirtualFlashBackend::writeFlash(const PortId& port, ConstBytes image,
                                      WriteProgress& progress) {
   const AdapterFolder folder = folderOf(port);
   const AdapterDescription description = describePort(folder, port);
+  if (image.size() > kMaxFlash) {
+    throw FlashFault(FlashError::ImageTooLarge,
+                     toString(port) + " takes " + std::to_string(kMaxFlash) +
+                         " bytes, and the image has " + std::to_string(image.size()));
+  }
   FlashWrite(m_files, folder, description, image, progress, m_clock).run();
 }
 

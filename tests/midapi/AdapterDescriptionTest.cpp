@@ -2,6 +2,7 @@
 #include <nlohmann/json.hpp>
 
 #include "midapi/AdapterDescription.h"
+#include "midapi/BoundedJson.h"
 
 namespace {
 
@@ -160,6 +161,29 @@ TEST(AdapterDescription, KeepsUnknownFieldsWhenItIsChanged) {
   expected = text;
   expected["capabilityWord"] = 8;
   EXPECT_EQ(worded, expected);
+}
+
+// Indented, each of the numbers takes a line of its own.
+TEST(AdapterDescription, CanBeReadWhateverWasChangedInALargeOne) {
+  json text = soundJson();
+  text["notes"] = json(300'000, 0);
+  const std::string changed = withCapabilityWord(text.dump(), 8);
+  EXPECT_EQ(parseDescription(changed).capabilityWord, 8U);
+  EXPECT_EQ(json::parse(changed)["notes"], text["notes"]);
+}
+
+TEST(AdapterDescription, IsNotChangedIntoOneThatIsTooLarge) {
+  json text = soundJson();
+  text["notes"] = "";
+  text["notes"] = std::string(ma::kMaxJsonSize - text.dump().size(), 'x');
+  ASSERT_EQ(refusalOf(text.dump()), "accepted");
+  EXPECT_THROW(static_cast<void>(withCapabilityWord(text.dump(), 8)), DescriptionFault);
+}
+
+TEST(AdapterDescription, IsNotWrittenWithANameThatIsTooLarge) {
+  AdapterDescription description = parseDescription(soundJson().dump());
+  description.name = std::string(ma::kMaxJsonSize, 'x');
+  EXPECT_THROW(static_cast<void>(formatDescription(description)), DescriptionFault);
 }
 
 TEST(AdapterDescription, IsNotChangedWhenItIsNotValid) {

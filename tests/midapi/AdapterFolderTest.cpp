@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "midapi/AdapterFolder.h"
+#include "midapi/BoundedJson.h"
 #include "tests/midapi/AdapterFixture.h"
 #include "tests/midapi/WatchedFileSystem.h"
 
@@ -90,6 +91,19 @@ TEST_F(AdapterFolderTest, StoresChangesAndKeepsWhatItDoesNotKnow) {
   EXPECT_EQ(m_adapters.get(kPci, "/capabilityWord"), "24");
   EXPECT_EQ(m_adapters.get(kPci, "/comment"), "\"mine\"");
   EXPECT_THAT(m_adapters.filesOf(kPci), ElementsAre("adapter.json", "flash.rom"));
+}
+
+TEST_F(AdapterFolderTest, KeepsTheDescriptionWhenAChangeOfItWouldBeTooLargeToRead) {
+  std::string text =
+      R"({"name":"Lab","pci":"0000:03:00","vendorId":"1af4","deviceId":"1041","notes":"",)"
+      R"("ports":[{"function":0,"mac":"02:00:00:03:00:00","bootType":1}]})";
+  text.insert(text.find("\",\"ports"), ma::kMaxJsonSize - text.size(), 'x');
+  m_adapters.describe(kPci, text);
+  const auto [code, reason] = faultOf([&] { folder().storeCapabilityWord(24); });
+  EXPECT_EQ(code, 202U);
+  EXPECT_THAT(reason, AllOf(HasSubstr("adapter.json: it stays as it is"), HasSubstr("1048576")));
+  EXPECT_EQ(m_adapters.description(kPci), text);
+  EXPECT_EQ(folder().description().name, "Lab");
 }
 
 TEST_F(AdapterFolderTest, KeepsTheDescriptionWhenItCannotBeReplaced) {

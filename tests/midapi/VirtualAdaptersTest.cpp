@@ -140,6 +140,13 @@ TEST_F(VirtualAdaptersTest, RefusesPortNumbersOutOfRange) {
   EXPECT_THAT(refusal(), HasSubstr("cannot have 9 ports"));
 }
 
+TEST_F(VirtualAdaptersTest, RefusesANameThatNoDescriptionHolds) {
+  m_spec.name = std::string(std::size_t{1} << 20, 'x');
+  EXPECT_THAT(refusal(), AllOf(HasSubstr("Adapter 0000:03:00 was not made"),
+                               HasSubstr("Give a shorter name")));
+  EXPECT_TRUE(std::filesystem::is_empty(m_adapters.directory()));
+}
+
 TEST_F(VirtualAdaptersTest, SaysWhichCheckARomFailsAndWhere) {
   giveRom(RomBuilder()
               .add(RomImage::legacy().units(4))
