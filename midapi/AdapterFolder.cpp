@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "midapi/BoundedJson.h"
+#include "midapi/TemporaryFiles.h"
 #include "platform/Texts.h"
 
 namespace ma {

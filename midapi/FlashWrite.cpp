@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "midapi/Hex.h"
+#include "midapi/TemporaryFiles.h"
 #include "platform/Texts.h"
 
 namespace ma {
@@ -34,9 +35,7 @@ FlashWrite::FlashWrite(FileSystem& files, const AdapterFolder& folder,
 
 void FlashWrite::run() {
   try {
-    std::filesystem::path name = m_folder.flashPath();
-    name += ".new";
-    TemporaryPath temporary(m_files, name);
+    TemporaryPath temporary(m_files, temporaryName(m_folder.flashPath()));
     const auto file = m_files.create(temporary.path());
     writeTo(*file);
     file->sync();

@@ -19,7 +19,7 @@ namespace ma {
 //
 // The image goes to a temporary file in blocks that are small enough for twenty steps a second; the
 // file is read back and compared before it replaces the flash. The progress stands at 99 at the
-// most until that is done. A temporary file that a killed process left is overwritten.
+// most until that is done.
 class FlashWrite {
  public:
   // Referents outlive the write. `image` is not empty.

@@ -1,7 +1,7 @@
 #include "midapi/VirtualAdapters.h"
 
 #include <algorithm>
-#include <random>
+#include <string_view>
 #include <utility>
 
 #include "midapi/AdapterDescription.h"
@@ -11,6 +11,8 @@
 #include "midapi/Hex.h"
 #include "midapi/ImagePreparation.h"
 #include "midapi/OptionRom.h"
+#include "midapi/TemporaryFiles.h"
+#include "platform/Clock.h"
 #include "platform/Texts.h"
 
 namespace ma {
@@ -84,15 +86,14 @@ AdapterDescription describeNew(const AdapterSpec& spec, const RomChain& rom) {
   return description;
 }
 
-void writeFile(FileSystem& files, const std::filesystem::path& path, ConstBytes content) {
-  const auto file = files.create(path);
-  file->append(content);
-  file->sync();
-  file->close();
-}
-
 ConstBytes bytesOf(const std::string& text) {
   return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+
+// Returns whether a name is that of an adapter's folder behind the dot that hides one in the
+// making.
+bool isHiddenFolderName(const std::string& name) {
+  return name.starts_with('.') && parseFolderName(std::string_view(name).substr(1)).has_value();
 }
 
 // Builds the folder under a name that is no adapter's, then gives it its own.
@@ -100,12 +101,20 @@ void createAdapterFolder(FileSystem& files, const std::filesystem::path& directo
                          const AdapterAddress& address, const AdapterDescription& description,
                          ConstBytes rom) {
   files.createFolders(directory);
+  const std::filesystem::path lockPath = directory / ".adapters.lock";
+  const auto lock = waitForLock(files, lockPath, platform::steadyClock());
+  if (lock == nullptr) {
+    throw AdapterFault("Adapter " + toString(address) +
+                       " was not made: another program is making one (" +
+                       platform::toShownText(lockPath) + "). Try again when it is done.");
+  }
+  sweepTemporaryFolders(files, directory, isHiddenFolderName);
   const std::string name = toFolderName(address);
-  TemporaryPath temporary(files,
-                          directory / ("." + name + ".new-" + hexText(std::random_device{}(), 8)));
+  TemporaryPath temporary(files, temporaryName(directory / ("." + name)));
   files.createFolder(temporary.path());
-  writeFile(files, temporary.path() / "adapter.json", bytesOf(formatDescription(description)));
-  writeFile(files, temporary.path() / "flash.rom", rom);
+  writeNewFile(files, temporary.path() / "adapter.json", bytesOf(formatDescription(description)));
+  writeNewFile(files, temporary.path() / "flash.rom", rom);
+  files.syncFolder(temporary.path());
   files.replace(temporary.path(), directory / name);
   temporary.keep();
 }

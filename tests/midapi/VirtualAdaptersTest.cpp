@@ -170,6 +170,19 @@ TEST_F(VirtualAdaptersTest, MakesTheAdaptersDirectoryWhereItIsMissing) {
   EXPECT_THAT(nested.list().adapters, SizeIs(1));
 }
 
+TEST_F(VirtualAdaptersTest, SweepsAwayWhatAKilledMakingLeft) {
+  for (const char* name : {".0000-04-00.new-0123456789abcdef", ".0000-05-00.new-12345678", ".mine",
+                           ".mine.new-0123456789abcdef"}) {
+    std::filesystem::create_directories(m_adapters.directory() / name / "nested");
+  }
+  m_virtual.add(m_spec);
+  std::set<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(m_adapters.directory())) {
+    names.insert(entry.path().filename().string());
+  }
+  EXPECT_THAT(names, ElementsAre(".mine", ".mine.new-0123456789abcdef", "0000-03-00"));
+}
+
 TEST_F(VirtualAdaptersTest, LeavesNothingBehindWhenTheDirectoryCannotBeUsed) {
   const auto file = m_files.write("no-directory", std::string("x"));
   const VirtualAdapters blocked(file);

@@ -53,6 +53,10 @@ class WatchedFileSystem final : public ma::FileSystem {
       const std::filesystem::path& path) const noexcept override {
     return m_real.identity(path);
   }
+  std::vector<std::filesystem::path> entries(const std::filesystem::path& path,
+                                             std::size_t max) override {
+    return m_real.entries(path, max);
+  }
   bool exists(const std::filesystem::path& path) override { return m_real.exists(path); }
   std::unique_ptr<ma::WritableFile> create(const std::filesystem::path& path) override {
     return std::make_unique<File>(*this, m_real.create(path));
@@ -63,6 +67,11 @@ class WatchedFileSystem final : public ma::FileSystem {
   }
   void createFolder(const std::filesystem::path& path) override { m_real.createFolder(path); }
   void createFolders(const std::filesystem::path& path) override { m_real.createFolders(path); }
+  void syncFolder(const std::filesystem::path& path) override { m_real.syncFolder(path); }
+  void remove(const std::filesystem::path& path) override { m_real.remove(path); }
+  std::unique_ptr<ma::FileLock> lock(const std::filesystem::path& path) override {
+    return m_real.lock(path);
+  }
   void removeQuietly(const std::filesystem::path& path) noexcept override {
     m_real.removeQuietly(path);
   }
