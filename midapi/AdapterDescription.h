@@ -20,6 +20,7 @@
 #define ORVEX_MIDAPI_ADAPTERDESCRIPTION_H_
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -30,6 +31,9 @@
 #include "midapi/FlashTypes.h"
 
 namespace ma {
+
+// Boot types are numbers up to this one.
+inline constexpr auto kMaxBootType = static_cast<std::uint64_t>(BootType::Uefi);
 
 struct PortDescription {
   std::uint8_t function = 0;
@@ -73,11 +77,16 @@ struct AdapterDescription {
 // Returns the text of a description. Throws DescriptionFault where it would be too large to read.
 [[nodiscard]] std::string formatDescription(const AdapterDescription& description);
 
-// Returns `text`, a valid description, with another boot type of a port that it has, or with
-// another capability word. Throws DescriptionFault, also where it would be too large to read.
-[[nodiscard]] std::string withBootType(std::string_view text, std::uint8_t function,
-                                       BootType bootType);
-[[nodiscard]] std::string withCapabilityWord(std::string_view text, std::uint32_t word);
+// What may change in a description: boot types by function, and the capability word.
+struct DescriptionChange {
+  std::map<std::uint8_t, BootType> bootTypes;
+  std::optional<std::uint32_t> capabilityWord;
+};
+
+// Returns `text`, a valid description, with what the change says of the ports that it has; the text
+// itself where that says nothing else. Throws DescriptionFault, also where the text would be too
+// large to read.
+[[nodiscard]] std::string withChange(std::string_view text, const DescriptionChange& change);
 
 }  // namespace ma
 

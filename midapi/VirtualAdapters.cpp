@@ -6,6 +6,8 @@
 
 #include "midapi/AdapterDescription.h"
 #include "midapi/AdapterFolder.h"
+#include "midapi/AdapterUpdate.h"
+#include "midapi/Digest.h"
 #include "midapi/FileSystem.h"
 #include "midapi/FlashBackend.h"
 #include "midapi/Hex.h"
@@ -18,16 +20,10 @@
 namespace ma {
 namespace {
 
-std::uint64_t digestOf(RomBytes bytes) {
-  std::uint64_t digest = 0xCBF29CE484222325;
-  for (const std::uint8_t byte : bytes) {
-    digest = (digest ^ byte) * 0x100000001B3;
-  }
-  return digest;
-}
-
 AdapterListing describe(const AdapterFolder& folder) {
-  const AdapterDescription description = folder.description();
+  settleUpdate(nativeFileSystem(), folder);
+  const AdapterState state = folder.state();
+  const AdapterDescription& description = state.description;
   const AdapterFacts facts{description.vendor, description.device, description.isUpdatable};
   AdapterListing listing;
   listing.pci = toString(description.pci);
@@ -41,8 +37,7 @@ AdapterListing describe(const AdapterFolder& folder) {
     listing.ports.push_back(
         {toString(PortId{description.pci, port.function}), port.mac, port.bootType});
   }
-  const FileBytes flash = folder.flash();
-  const RomBytes bytes = flash.view();
+  const RomBytes bytes = state.flash.view();
   listing.flashBytes = bytes.size();
   const RomChain chain = parseRomChain(bytes);
   if (!chain.isValid() && !isPadding(bytes)) {

@@ -14,8 +14,7 @@ using ma::formatDescription;
 using ma::InjectedFault;
 using ma::InjectedWriteFault;
 using ma::parseDescription;
-using ma::withBootType;
-using ma::withCapabilityWord;
+using ma::withChange;
 using nlohmann::json;
 using testing::HasSubstr;
 using testing::Optional;
@@ -153,8 +152,8 @@ TEST(AdapterDescription, KeepsUnknownFieldsWhenItIsChanged) {
   json text = soundJson();
   text["comment"] = {{"by", "somebody"}};
   text["ports"][0]["label"] = "left";
-  const json booted = json::parse(withBootType(text.dump(), 1, BootType::Uefi));
-  const json worded = json::parse(withCapabilityWord(text.dump(), 8));
+  const json booted = json::parse(withChange(text.dump(), {{{1, BootType::Uefi}}, {}}));
+  const json worded = json::parse(withChange(text.dump(), {{}, 8}));
   json expected = text;
   expected["ports"][0]["bootType"] = 4;
   EXPECT_EQ(booted, expected);
@@ -167,7 +166,7 @@ TEST(AdapterDescription, KeepsUnknownFieldsWhenItIsChanged) {
 TEST(AdapterDescription, CanBeReadWhateverWasChangedInALargeOne) {
   json text = soundJson();
   text["notes"] = json(300'000, 0);
-  const std::string changed = withCapabilityWord(text.dump(), 8);
+  const std::string changed = withChange(text.dump(), {{}, 8});
   EXPECT_EQ(parseDescription(changed).capabilityWord, 8U);
   EXPECT_EQ(json::parse(changed)["notes"], text["notes"]);
 }
@@ -177,7 +176,7 @@ TEST(AdapterDescription, IsNotChangedIntoOneThatIsTooLarge) {
   text["notes"] = "";
   text["notes"] = std::string(ma::kMaxJsonSize - text.dump().size(), 'x');
   ASSERT_EQ(refusalOf(text.dump()), "accepted");
-  EXPECT_THROW(static_cast<void>(withCapabilityWord(text.dump(), 8)), DescriptionFault);
+  EXPECT_THROW(static_cast<void>(withChange(text.dump(), {{}, 8})), DescriptionFault);
 }
 
 TEST(AdapterDescription, IsNotWrittenWithANameThatIsTooLarge) {
@@ -186,9 +185,16 @@ TEST(AdapterDescription, IsNotWrittenWithANameThatIsTooLarge) {
   EXPECT_THROW(static_cast<void>(formatDescription(description)), DescriptionFault);
 }
 
+TEST(AdapterDescription, StaysToTheLetterWhenItSaysTheSame) {
+  const std::string text = soundJson().dump(5);
+  EXPECT_EQ(withChange(text, {}), text);
+  EXPECT_EQ(withChange(text, {{{1, BootType::Iscsi}, {0, BootType::None}}, 0}), text);
+  EXPECT_EQ(withChange(text, {{{7, BootType::Pxe}}, {}}), text);
+}
+
 TEST(AdapterDescription, IsNotChangedWhenItIsNotValid) {
-  EXPECT_THROW(static_cast<void>(withBootType("{}", 0, BootType::Pxe)), DescriptionFault);
-  EXPECT_THROW(static_cast<void>(withCapabilityWord("{}", 1)), DescriptionFault);
+  EXPECT_THROW(static_cast<void>(withChange("{}", {{{0, BootType::Pxe}}, {}})), DescriptionFault);
+  EXPECT_THROW(static_cast<void>(withChange("{}", {{}, 1})), DescriptionFault);
 }
 
 }  // namespace
