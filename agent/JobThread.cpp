@@ -113,6 +113,8 @@ bool JobThread::flash() {
   const os::OSLocker::AutoOSLocker flashLock;
   const std::string target = m_job->getTarget();
   const std::vector<utils::FirmwareType> types = m_job->getTargetTypes();
+  // Boot types that are taken away before a write that fails are put back with its end.
+  const ma::FlashUpdate update(target);
   if (!findsByBisection(types, utils::FirmwareType::Iscsi)) {
     disableIscsiBoot();
   }
