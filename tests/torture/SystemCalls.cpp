@@ -9,6 +9,7 @@
 #include <cstring>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <map>
 #include <signal.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -26,6 +27,16 @@ struct State {
   // By descriptor: whether it is of the folder.
   std::array<bool, 1024> files{};
 };
+
+// Of the descriptors that are open, and of the calls that made things lasting.
+std::map<int, std::string>& paths() {
+  static std::map<int, std::string> theirs;
+  return theirs;
+}
+std::vector<std::string>& lasting() {
+  static std::vector<std::string> calls;
+  return calls;
+}
 
 // Without a constructor: libraries open files before those of this program have run.
 constinit State s_state{};
@@ -98,6 +109,9 @@ int openWatched(const char* path, int flags, mode_t mode) {
   }
   const int file = system<int(const char*, int, ...)>("open")(path, flags, mode);
   note(file, isOfFolder);
+  if (isOfFolder) {
+    paths()[file] = path;
+  }
   return file;
 }
 
@@ -111,6 +125,11 @@ void watchSystemCalls(const std::string& folder, const CallPlan& plan) {
   s_state.calls = 0;
   s_state.bytes = 0;
   s_state.isWatching = true;
+  lasting().clear();
+}
+
+const std::vector<std::string>& lastingCalls() {
+  return lasting();
 }
 
 std::uint64_t watchedCalls() {
@@ -181,7 +200,13 @@ ssize_t write(int file, const void* buffer, size_t size) {
 }
 
 int fsync(int file) {
-  return test::isWatched(file) && test::fails() ? -1 : test::system<int(int)>("fsync")(file);
+  if (test::isWatched(file)) {
+    if (test::fails()) {
+      return -1;
+    }
+    test::lasting().push_back("fsync " + test::paths()[file]);
+  }
+  return test::system<int(int)>("fsync")(file);
 }
 
 int flock(int file, int operation) {
@@ -209,9 +234,13 @@ int lstat(const char* path, struct stat* state) noexcept {
 }
 
 int rename(const char* from, const char* to) noexcept {
-  return test::isWatched(to) && test::fails()
-             ? -1
-             : test::system<int(const char*, const char*)>("rename")(from, to);
+  if (test::isWatched(to)) {
+    if (test::fails()) {
+      return -1;
+    }
+    test::lasting().push_back(std::string("rename ") + to);
+  }
+  return test::system<int(const char*, const char*)>("rename")(from, to);
 }
 
 int unlink(const char* path) noexcept {

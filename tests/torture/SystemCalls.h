@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace test {
 
@@ -32,6 +33,10 @@ struct CallPlan {
 
 // Watches the calls for what is in a folder from now on. The count starts at 0.
 void watchSystemCalls(const std::string& folder, const CallPlan& plan);
+
+// Returns the calls that make things lasting, in their order: "fsync PATH" and "rename PATH" with
+// the new name. Not for a process whose calls fail.
+[[nodiscard]] const std::vector<std::string>& lastingCalls();
 
 // Returns how many calls there were, and how many bytes were written.
 [[nodiscard]] std::uint64_t watchedCalls();

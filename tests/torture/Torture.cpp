@@ -42,7 +42,12 @@ using Random = std::mt19937_64;
 // Nothing takes an update so long but a file that it waits for.
 constexpr unsigned kPatience = 30;
 
-enum class End { Done, Failed, Killed };
+enum class End { Done, Failed, Killed, NotPossible };
+
+// What a process ends with that is not allowed what it would need, and one that has seen an adapter
+// that is not whole.
+constexpr int kNotPossible = 2;
+constexpr int kBroken = 3;
 
 struct Options {
   std::uint64_t rounds = 200;
@@ -65,6 +70,7 @@ class Torture {
   void killQuery();
   void failAtRandom();
   void fillDisk();
+  void fillSmallDisk();
   void limitFileSize();
   void hangOnAFile();
 
@@ -89,7 +95,7 @@ class Torture {
   std::string m_doing;
   std::map<std::string, std::map<std::string, std::uint64_t>> m_outcomes;
 
-  // Of an update in peace.
+  // Of an update in peace; the time is the shortest.
   std::uint64_t m_calls = 0;
   std::uint64_t m_bytes = 0;
   microseconds m_time{0};
@@ -120,6 +126,10 @@ void spinFor(microseconds time) {
   }
 }
 
+int tell(bool isDone) {
+  return isDone ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
 template <class Body>
 End Torture::runProcess(Body body, std::optional<microseconds> life) {
   const pid_t process = ::fork();
@@ -128,7 +138,7 @@ End Torture::runProcess(Body body, std::optional<microseconds> life) {
   }
   if (process == 0) {
     ::alarm(kPatience);
-    ::_exit(body() ? 0 : 1);
+    ::_exit(body());
   }
   if (life) {
     spinFor(*life);
@@ -139,7 +149,16 @@ End Torture::runProcess(Body body, std::optional<microseconds> life) {
     throw std::runtime_error("a process is lost");
   }
   if (WIFEXITED(status)) {
-    return WEXITSTATUS(status) == 0 ? End::Done : End::Failed;
+    switch (WEXITSTATUS(status)) {
+      case EXIT_SUCCESS:
+        return End::Done;
+      case EXIT_FAILURE:
+        return End::Failed;
+      case kNotPossible:
+        return End::NotPossible;
+      default:
+        throw std::runtime_error("the adapter was not whole in the process that had it");
+    }
   }
   if (WTERMSIG(status) == SIGALRM) {
     throw std::runtime_error("the update hangs");
@@ -157,7 +176,7 @@ void Torture::torment(const std::string& kind, Prepare prepare, std::optional<mi
   const End end = runProcess(
       [&] {
         prepare();
-        return m_victim.update(wanted);
+        return tell(m_victim.update(wanted));
       },
       life);
   const Firmware& after = m_victim.look();
@@ -183,14 +202,19 @@ void Torture::updateInPeace() {
 }
 
 void Torture::measure() {
+  m_doing = "a new adapter";
+  m_victim.makeAnother();
   m_doing = "updates in peace";
-  watch({});
+  m_time = microseconds::max();
   constexpr int kUpdates = 4;
-  const auto start = steady_clock::now();
   for (int update = 0; update < kUpdates; ++update) {
+    const Firmware& wanted = m_victim.other(m_victim.look());
+    const auto start = steady_clock::now();
+    static_cast<void>(runProcess([&] { return tell(m_victim.update(wanted)); }, {}));
+    m_time =
+        std::min(m_time, std::chrono::duration_cast<microseconds>(steady_clock::now() - start));
     updateInPeace();
   }
-  m_time = std::chrono::duration_cast<microseconds>(steady_clock::now() - start) / kUpdates;
   watch({});
   if (!m_victim.update(m_victim.other(m_victim.look()))) {
     throw std::runtime_error("an update in peace fails: " + m_victim.lastError());
@@ -238,7 +262,7 @@ void Torture::killQuery() {
   static_cast<void>(runProcess(
       [&] {
         watch({call, CallFault::Kill, std::nullopt});
-        return m_victim.update(wanted);
+        return tell(m_victim.update(wanted));
       },
       {}));
   for (int look = 0; look < 3; ++look) {
@@ -247,7 +271,7 @@ void Torture::killQuery() {
         [&] {
           watch({last, CallFault::Kill, std::nullopt});
           static_cast<void>(m_victim.look());
-          return true;
+          return EXIT_SUCCESS;
         },
         {}));
   }
@@ -263,6 +287,32 @@ void Torture::fillDisk() {
   const std::uint64_t room = below(m_bytes);
   m_doing = "a disk with room for " + std::to_string(room) + " bytes";
   torment("full disk", [&] { watch({~std::uint64_t{0}, CallFault::NoSpace, room}); });
+}
+
+// A real one. What the update leaves is there only while its process lives, which so has to look.
+void Torture::fillSmallDisk() {
+  const std::uint64_t room = below(2 * m_bytes);
+  m_doing = "a file system with room for " + std::to_string(room) + " bytes more";
+  const Firmware& before = m_victim.look();
+  const Firmware& wanted = m_victim.other(before);
+  const End end = runProcess(
+      [&] {
+        if (!m_victim.moveToSmallDisk(room)) {
+          return kNotPossible;
+        }
+        const bool isDone = m_victim.update(wanted);
+        try {
+          m_victim.demandTidiness();
+          return &m_victim.look() == (isDone ? &wanted : &before) ? tell(isDone) : kBroken;
+        } catch (const std::exception& violation) {
+          std::cout << violation.what() << std::endl;
+          return kBroken;
+        }
+      },
+      {});
+  ++m_outcomes["full file system"][end == End::Done     ? "done"
+                                   : end == End::Failed ? "failed"
+                                                        : "not possible here"];
 }
 
 void Torture::limitFileSize() {
@@ -293,7 +343,7 @@ void Torture::hangOnAFile() {
     throw std::runtime_error("cannot make a FIFO");
   }
   const Firmware& wanted = m_victim.other(before);
-  const End end = runProcess([&] { return m_victim.update(wanted); }, {});
+  const End end = runProcess([&] { return tell(m_victim.update(wanted)); }, {});
   struct stat state {};
   const bool isStillThere = ::lstat(path.c_str(), &state) == 0 && S_ISFIFO(state.st_mode);
   if (isStillThere) {
@@ -312,7 +362,7 @@ void Torture::hangOnAFile() {
 }
 
 void Torture::round() {
-  switch (below(8)) {
+  switch (below(9)) {
     case 0:
     case 1:
     case 2:
@@ -328,6 +378,9 @@ void Torture::round() {
       fillDisk();
       break;
     case 6:
+      fillSmallDisk();
+      break;
+    case 7:
       limitFileSize();
       break;
     default:

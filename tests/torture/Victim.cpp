@@ -1,9 +1,12 @@
 #include "tests/torture/Victim.h"
 
+#include <sched.h>
 #include <stdexcept>
+#include <sys/mount.h>
 
 #include "midapi/MidApi.h"
 #include "midapi/VirtualAdapters.h"
+#include "tests/torture/SystemCalls.h"
 
 namespace test {
 namespace {
@@ -81,6 +84,53 @@ const Victim::Firmware& Victim::look() const {
   }
   throw std::runtime_error("the flash holds neither firmware as a whole: " +
                            std::to_string(flash.size()) + " bytes, " + adapter.flashDefect);
+}
+
+bool Victim::moveToSmallDisk(std::uint64_t room) const {
+  const std::string description = m_adapters.description(kPci);
+  const Bytes flash = m_adapters.flash(kPci);
+  // A page for each of: the root, the folder, and the end of each file.
+  const std::uint64_t size = description.size() + flash.size() + 4 * 4096 + room;
+  if ((::unshare(CLONE_NEWNS) != 0 && ::unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) ||
+      ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+      ::mount("torture", m_adapters.directory().c_str(), "tmpfs", MS_NOSUID | MS_NODEV,
+              ("size=" + std::to_string(size)).c_str()) != 0) {
+    return false;
+  }
+  m_adapters.describe(kPci, description);
+  m_adapters.makeAdapter(kPci, flash);
+  return true;
+}
+
+void Victim::makeAnother() const {
+  ma::AdapterSpec spec;
+  spec.pci = {0, 4, 0};
+  spec.name = "Another";
+  spec.vendor = 0x1AF4;
+  spec.device = 0x1041;
+  spec.rom = folder() / "flash.rom";
+  const std::filesystem::path home = m_adapters.directory() / "nested";
+  const std::filesystem::path made = home / "0000-04-00";
+  watchSystemCalls(m_adapters.directory().string(), {});
+  ma::VirtualAdapters(home).add(spec);
+  const std::vector<std::string> calls = lastingCalls();
+  std::filesystem::remove_all(home);
+  // With the random part of the name cut off.
+  std::string order;
+  for (std::string call : calls) {
+    const std::size_t mark = call.find(".new-");
+    if (mark != std::string::npos) {
+      call.erase(mark + 4, std::string("-0123456789abcdef").size());
+    }
+    order += call + "\n";
+  }
+  const std::string draft = (home / ".0000-04-00.new").string();
+  const std::string expected = "fsync " + m_adapters.directory().string() + "\nfsync " + draft +
+                               "/adapter.json\nfsync " + draft + "/flash.rom\nfsync " + draft +
+                               "\nrename " + made.string() + "\nfsync " + home.string() + "\n";
+  if (order != expected) {
+    throw std::runtime_error("a new adapter reaches the disk in another order:\n" + order);
+  }
 }
 
 void Victim::demandTidiness() const {

@@ -42,6 +42,14 @@ class Victim {
   // none of both, or a part of each.
   [[nodiscard]] const Firmware& look() const;
 
+  // Moves the adapter to a file system of its own with room for so much more, for this process
+  // alone. Returns false where the system does not let it.
+  [[nodiscard]] bool moveToSmallDisk(std::uint64_t room) const;
+
+  // Makes another adapter, as a command line does, and takes it away again. Throws
+  // std::runtime_error where it cannot be made, or has its name before all of it is on the disk.
+  void makeAnother() const;
+
   // Throws std::runtime_error where there is anything in the folder but the adapter's own two
   // files.
   void demandTidiness() const;
