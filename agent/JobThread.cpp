@@ -114,6 +114,8 @@ bool JobThread::flash() {
   const os::OSLocker::AutoOSLocker flashLock;
   const std::string target = m_job->getTarget();
   const std::vector<utils::FirmwareType> types = m_job->getTargetTypes();
+  // Boot types that are taken away before a write that fails are put back with its end.
+  const ma::FlashUpdate update(target);
   if (!findsByBisection(types, utils::FirmwareType::Iscsi)) {
     disableIscsiBoot();
   }
@@ -133,7 +135,7 @@ bool JobThread::flash() {
 }
 
 // An image without iSCSI must not leave ports behind that boot from it: all ports of the adapter
-// share the flash.
+// share the flash. A PCI location has no segment, by which ports of two adapters may differ alone.
 void JobThread::disableIscsiBoot() {
   const std::string target = m_job->getTarget();
   std::vector<utils::FirmwareVersionInfo> installed;
@@ -149,7 +151,8 @@ void JobThread::disableIscsiBoot() {
   const utils::PCIAddr address = ma::getPCIAddress(target);
   for (const std::string& port : ma::enumerateAdapters()) {
     const utils::PCIAddr other = ma::getPCIAddress(port);
-    if (other.bus == address.bus && other.device == address.device) {
+    if (other.bus == address.bus && other.device == address.device &&
+        ma::isSameAdapter(port, target)) {
       ma::setBootType(port, ma::BootType::None);
     }
   }

@@ -3,107 +3,17 @@
 #include <algorithm>
 #include <cstddef>
 #include <limits>
-#include <nlohmann/json.hpp>
 #include <utility>
 
+#include "midapi/BoundedJson.h"
+#include "midapi/FieldReader.h"
 #include "midapi/Hex.h"
 #include "platform/Texts.h"
 
 namespace ma {
 namespace {
 
-// Keeps the order of fields, so that a changed description still looks like its author's.
-using Json = nlohmann::ordered_json;
-
-constexpr std::uint64_t kMaxUint32 = std::numeric_limits<std::uint32_t>::max();
 constexpr std::uint64_t kMaxPercent = 100;
-constexpr auto kMaxBootType = static_cast<std::uint64_t>(BootType::Uefi);
-
-[[noreturn]] void refuse(const std::string& field, const std::string& demand) {
-  throw DescriptionFault("field " + field + ": " + demand);
-}
-
-Json parseJson(std::string_view text) {
-  try {
-    Json json = Json::parse(text);
-    if (!json.is_object()) {
-      throw DescriptionFault("the text is no JSON object");
-    }
-    return json;
-  } catch (const Json::exception& error) {
-    throw DescriptionFault(std::string("the text is no JSON: ") + error.what());
-  }
-}
-
-// The fields of one JSON object, each checked as it is read; `prefix` is where the object stands.
-class FieldReader {
- public:
-  FieldReader(const Json& object, std::string prefix)
-      : m_object(object), m_prefix(std::move(prefix)) {}
-
-  [[nodiscard]] std::string nameOf(const char* field) const { return m_prefix + field; }
-
-  [[nodiscard]] const Json* find(const char* field) const {
-    const auto found = m_object.find(field);
-    return found == m_object.end() ? nullptr : &*found;
-  }
-
-  [[nodiscard]] const Json& need(const char* field) const {
-    const Json* value = find(field);
-    if (value == nullptr) {
-      refuse(nameOf(field), "is missing");
-    }
-    return *value;
-  }
-
-  [[nodiscard]] std::string text(const char* field) const {
-    const Json& value = need(field);
-    if (!value.is_string()) {
-      refuse(nameOf(field), "must be a text");
-    }
-    return platform::fromUtf8(value.get<std::string>());
-  }
-
-  [[nodiscard]] std::uint64_t number(const char* field, std::uint64_t min,
-                                     std::uint64_t max) const {
-    const Json& value = need(field);
-    if (!value.is_number_unsigned() || value.get<std::uint64_t>() < min ||
-        value.get<std::uint64_t>() > max) {
-      refuse(nameOf(field),
-             "must be a whole number from " + std::to_string(min) + " to " + std::to_string(max));
-    }
-    return value.get<std::uint64_t>();
-  }
-
-  [[nodiscard]] std::uint64_t numberOr(const char* field, std::uint64_t max,
-                                       std::uint64_t fallback) const {
-    return find(field) == nullptr ? fallback : number(field, 0, max);
-  }
-
-  [[nodiscard]] std::uint16_t pciId(const char* field) const {
-    const std::string digits = text(field);
-    const auto value = digits.size() == 4 ? parseHex(digits) : std::nullopt;
-    if (!value) {
-      refuse(nameOf(field), "must be four hexadecimal digits, like \"1af4\"");
-    }
-    return static_cast<std::uint16_t>(*value);
-  }
-
-  [[nodiscard]] std::optional<FieldReader> object(const char* field) const {
-    const Json* value = find(field);
-    if (value == nullptr) {
-      return std::nullopt;
-    }
-    if (!value->is_object()) {
-      refuse(nameOf(field), "must be an object");
-    }
-    return FieldReader(*value, nameOf(field) + ".");
-  }
-
- private:
-  const Json& m_object;
-  std::string m_prefix;
-};
 
 bool isMac(const std::string& text) {
   constexpr std::size_t kLength = 17;
@@ -120,7 +30,7 @@ PortDescription readPort(const FieldReader& fields) {
   port.function = static_cast<std::uint8_t>(fields.number("function", 0, kMaxPorts - 1));
   port.mac = fields.text("mac");
   if (!isMac(port.mac)) {
-    refuse(fields.nameOf("mac"), "must be like \"02:00:00:03:00:00\"");
+    refuseField(fields.nameOf("mac"), "must be like \"02:00:00:03:00:00\"");
   }
   port.bootType = static_cast<BootType>(fields.numberOr("bootType", kMaxBootType, 0));
   return port;
@@ -129,13 +39,13 @@ PortDescription readPort(const FieldReader& fields) {
 std::vector<PortDescription> readPorts(const FieldReader& fields) {
   const Json& list = fields.need("ports");
   if (!list.is_array() || list.empty() || list.size() > kMaxPorts) {
-    refuse("ports", "must be a list of 1 to " + std::to_string(kMaxPorts) + " ports");
+    refuseField("ports", "must be a list of 1 to " + std::to_string(kMaxPorts) + " ports");
   }
   std::vector<PortDescription> ports;
   for (const Json& entry : list) {
     const std::string name = "ports[" + std::to_string(ports.size()) + "]";
     if (!entry.is_object()) {
-      refuse(name, "must be an object");
+      refuseField(name, "must be an object");
     }
     const FieldReader portFields(entry, name + ".");
     ports.push_back(readPort(portFields));
@@ -143,7 +53,7 @@ std::vector<PortDescription> readPorts(const FieldReader& fields) {
       return port.function == ports.back().function;
     };
     if (std::count_if(ports.begin(), ports.end(), sameFunction) > 1) {
-      refuse(portFields.nameOf("function"), "must differ from the other ports'");
+      refuseField(portFields.nameOf("function"), "must differ from the other ports'");
     }
   }
   std::sort(ports.begin(), ports.end(), [](const PortDescription& a, const PortDescription& b) {
@@ -191,9 +101,32 @@ Json formatFaults(const AdapterDescription& description) {
   return faults;
 }
 
-// What is no UTF-8 in a name that somebody typed must not make the description unwritable.
-std::string dump(const Json& json) {
-  return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+AdapterDescription read(const Json& json) {
+  const FieldReader fields(json, "");
+  AdapterDescription description;
+  description.name = fields.text("name");
+  const auto address = parseAdapterAddress(fields.text("pci"));
+  if (!address) {
+    refuseField("pci", "must be like \"0000:03:00\"");
+  }
+  description.pci = *address;
+  description.vendor = fields.pciId("vendorId");
+  description.device = fields.pciId("deviceId");
+  description.ports = readPorts(fields);
+  description.writeRate =
+      fields.numberOr("writeRate", std::numeric_limits<std::uint64_t>::max(), 0);
+  if (const Json* updatable = fields.find("updatable")) {
+    if (!updatable->is_boolean()) {
+      refuseField("updatable", "must be true or false");
+    }
+    description.isUpdatable = updatable->get<bool>();
+  }
+  description.capabilityWord =
+      static_cast<std::uint32_t>(fields.numberOr("capabilityWord", kMaxUint32, 0));
+  if (const auto faults = fields.object("faults")) {
+    readFaults(*faults, description);
+  }
+  return description;
 }
 
 }  // namespace
@@ -206,32 +139,7 @@ const PortDescription* AdapterDescription::findPort(std::uint8_t function) const
 }
 
 AdapterDescription parseDescription(std::string_view text) {
-  const Json json = parseJson(text);
-  const FieldReader fields(json, "");
-  AdapterDescription description;
-  description.name = fields.text("name");
-  const auto address = parseAdapterAddress(fields.text("pci"));
-  if (!address) {
-    refuse("pci", "must be like \"0000:03:00\"");
-  }
-  description.pci = *address;
-  description.vendor = fields.pciId("vendorId");
-  description.device = fields.pciId("deviceId");
-  description.ports = readPorts(fields);
-  description.writeRate =
-      fields.numberOr("writeRate", std::numeric_limits<std::uint64_t>::max(), 0);
-  if (const Json* updatable = fields.find("updatable")) {
-    if (!updatable->is_boolean()) {
-      refuse("updatable", "must be true or false");
-    }
-    description.isUpdatable = updatable->get<bool>();
-  }
-  description.capabilityWord =
-      static_cast<std::uint32_t>(fields.numberOr("capabilityWord", kMaxUint32, 0));
-  if (const auto faults = fields.object("faults")) {
-    readFaults(*faults, description);
-  }
-  return description;
+  return read(parseJsonObject(text));
 }
 
 std::string formatDescription(const AdapterDescription& description) {
@@ -251,25 +159,31 @@ std::string formatDescription(const AdapterDescription& description) {
                              {"mac", port.mac},
                              {"bootType", static_cast<std::uint32_t>(port.bootType)}});
   }
-  return dump(json);
+  return formatJson(json);
 }
 
-std::string withBootType(std::string_view text, std::uint8_t function, BootType bootType) {
-  static_cast<void>(parseDescription(text));
-  Json json = parseJson(text);
+std::string withChange(std::string_view text, const DescriptionChange& change) {
+  Json json = parseJsonObject(text);
+  const AdapterDescription before = read(json);
+  bool isOther = false;
+  const auto set = [&isOther](Json& object, const char* field, std::uint32_t was,
+                              std::uint32_t value) {
+    if (was != value) {
+      object[field] = value;
+      isOther = true;
+    }
+  };
   for (Json& port : json["ports"]) {
-    if (port["function"] == function) {
-      port["bootType"] = static_cast<std::uint32_t>(bootType);
+    const auto function = port["function"].get<std::uint8_t>();
+    if (const auto found = change.bootTypes.find(function); found != change.bootTypes.end()) {
+      set(port, "bootType", static_cast<std::uint32_t>(before.findPort(function)->bootType),
+          static_cast<std::uint32_t>(found->second));
     }
   }
-  return dump(json);
-}
-
-std::string withCapabilityWord(std::string_view text, std::uint32_t word) {
-  static_cast<void>(parseDescription(text));
-  Json json = parseJson(text);
-  json["capabilityWord"] = word;
-  return dump(json);
+  if (change.capabilityWord) {
+    set(json, "capabilityWord", before.capabilityWord, *change.capabilityWord);
+  }
+  return isOther ? formatJson(json) : std::string(text);
 }
 
 }  // namespace ma

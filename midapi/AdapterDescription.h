@@ -13,23 +13,27 @@
 //     }
 //   }
 //
-// Fields that are not listed are ignored, and kept when a description is changed. Pure: no I/O.
+// Fields that are not listed are ignored, and kept when a description is changed. The text is
+// bounded (see BoundedJson.h): what is written here can be read here. Pure: no I/O.
 
 #ifndef ORVEX_MIDAPI_ADAPTERDESCRIPTION_H_
 #define ORVEX_MIDAPI_ADAPTERDESCRIPTION_H_
 
 #include <cstdint>
-#include <exception>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "midapi/AdapterId.h"
+#include "midapi/DescriptionFault.h"
 #include "midapi/FlashTypes.h"
 
 namespace ma {
+
+// Boot types are numbers up to this one.
+inline constexpr auto kMaxBootType = static_cast<std::uint64_t>(BootType::Uefi);
 
 struct PortDescription {
   std::uint8_t function = 0;
@@ -67,28 +71,22 @@ struct AdapterDescription {
   [[nodiscard]] const PortDescription* findPort(std::uint8_t function) const;
 };
 
-// A text that is no description. what() names the field, as in
-// "field ports[1].mac: must be like \"02:00:00:03:00:00\"".
-class DescriptionFault final : public std::exception {
- public:
-  explicit DescriptionFault(std::string text) : m_text(std::move(text)) {}
-  [[nodiscard]] const char* what() const noexcept override { return m_text.c_str(); }
-
- private:
-  std::string m_text;
-};
-
 // Reads a description. Throws DescriptionFault.
 [[nodiscard]] AdapterDescription parseDescription(std::string_view text);
 
-// Returns the text of a description.
+// Returns the text of a description. Throws DescriptionFault where it would be too large to read.
 [[nodiscard]] std::string formatDescription(const AdapterDescription& description);
 
-// Returns `text`, a valid description, with another boot type of a port that it has, or with
-// another capability word. Throws DescriptionFault.
-[[nodiscard]] std::string withBootType(std::string_view text, std::uint8_t function,
-                                       BootType bootType);
-[[nodiscard]] std::string withCapabilityWord(std::string_view text, std::uint32_t word);
+// What may change in a description: boot types by function, and the capability word.
+struct DescriptionChange {
+  std::map<std::uint8_t, BootType> bootTypes;
+  std::optional<std::uint32_t> capabilityWord;
+};
+
+// Returns `text`, a valid description, with what the change says of the ports that it has; the text
+// itself where that says nothing else. Throws DescriptionFault, also where the text would be too
+// large to read.
+[[nodiscard]] std::string withChange(std::string_view text, const DescriptionChange& change);
 
 }  // namespace ma
 

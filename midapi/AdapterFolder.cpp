@@ -4,13 +4,19 @@
 #include <cstddef>
 #include <utility>
 
+#include "midapi/BoundedJson.h"
 #include "platform/Texts.h"
 
 namespace ma {
 namespace {
 
-constexpr std::size_t kMaxDescription = std::size_t{1} << 20;
-constexpr std::size_t kMaxFlash = std::size_t{256} << 20;
+[[noreturn]] void failInvalid(const std::filesystem::path& path, const std::string& reason) {
+  throw FlashFault(FlashError::InvalidDescription, platform::toShownText(path) + ": " + reason);
+}
+
+std::string toText(const FileBytes& bytes) {
+  return {bytes.view().begin(), bytes.view().end()};
+}
 
 }  // namespace
 
@@ -22,6 +28,17 @@ AdapterDescription AdapterFolder::description() const {
   return parse(descriptionText());
 }
 
+std::string AdapterFolder::descriptionText() const {
+  try {
+    return toText(m_files.read(descriptionPath(), kMaxJsonSize));
+  } catch (const FileFault& fault) {
+    if (fault.isMissingFile()) {
+      throw FlashFault(FlashError::UnknownAdapter, toString(m_address) + " (" + fault.what() + ")");
+    }
+    throw FlashFault(FlashError::InputOutput, fault.what());
+  }
+}
+
 bool AdapterFolder::hasDescription() const {
   try {
     return m_files.exists(descriptionPath());
@@ -31,46 +48,52 @@ bool AdapterFolder::hasDescription() const {
 }
 
 FileBytes AdapterFolder::flash() const {
-  try {
-    return m_files.read(flashPath(), kMaxFlash);
-  } catch (const FileFault& fault) {
-    if (fault.isMissingFile()) {
-      return {};
+  if (const auto update = journal()) {
+    if (auto content = readIfThere(m_path / update->flashName, kMaxFlash)) {
+      return std::move(*content);
     }
-    throw FlashFault(FlashError::InputOutput, fault.what());
+  }
+  // The new one, too, where the update has just put it there.
+  return placedFlash();
+}
+
+AdapterState AdapterFolder::state() const {
+  // Who updates again and again cannot keep a reader for ever.
+  constexpr int kLooks = 5;
+  for (int look = 1;; ++look) {
+    const std::string before = decidedText();
+    FileBytes content = flash();
+    if (look == kLooks || decidedText() == before) {
+      return {parse(before), std::move(content)};
+    }
   }
 }
 
-void AdapterFolder::storeBootType(std::uint8_t function, BootType bootType) const {
-  changeDescription(
-      [&](const std::string& text) { return withBootType(text, function, bootType); });
-}
-
-void AdapterFolder::storeCapabilityWord(std::uint32_t word) const {
-  changeDescription([&](const std::string& text) { return withCapabilityWord(text, word); });
-}
-
-template <class Change>
-void AdapterFolder::changeDescription(Change change) const {
-  const std::string text = descriptionText();
-  static_cast<void>(parse(text));
-  const std::string changed = change(text);
+std::optional<UpdateJournal> AdapterFolder::journal() const {
   try {
-    replaceContent(m_files, descriptionPath(),
-                   {reinterpret_cast<const std::uint8_t*>(changed.data()), changed.size()});
+    if (!m_files.exists(journalPath())) {
+      return std::nullopt;
+    }
   } catch (const FileFault& fault) {
     throw FlashFault(FlashError::InputOutput, fault.what());
   }
+  const auto content = readIfThere(journalPath(), kMaxJsonSize);
+  if (!content) {
+    return std::nullopt;
+  }
+  try {
+    return parseJournal(toText(*content));
+  } catch (const DescriptionFault& fault) {
+    failInvalid(journalPath(), std::string("it is no journal of an update, and is in the way of "
+                                           "every update until it is removed: ") +
+                                   fault.what());
+  }
 }
 
-std::string AdapterFolder::descriptionText() const {
+bool AdapterFolder::isDecided(const UpdateJournal& journal) const {
   try {
-    const FileBytes content = m_files.read(descriptionPath(), kMaxDescription);
-    return std::string(content.view().begin(), content.view().end());
+    return m_files.exists(m_path / journal.flashName) || journal.isNewFlash(placedFlash().view());
   } catch (const FileFault& fault) {
-    if (fault.isMissingFile()) {
-      throw FlashFault(FlashError::UnknownAdapter, toString(m_address) + " (" + fault.what() + ")");
-    }
     throw FlashFault(FlashError::InputOutput, fault.what());
   }
 }
@@ -84,8 +107,36 @@ AdapterDescription AdapterFolder::parse(const std::string& text) const {
     }
     return description;
   } catch (const DescriptionFault& fault) {
-    throw FlashFault(FlashError::InvalidDescription,
-                     platform::toShownText(descriptionPath()) + ": " + fault.what());
+    failInvalid(descriptionPath(), fault.what());
+  }
+}
+
+std::optional<FileBytes> AdapterFolder::readIfThere(const std::filesystem::path& path,
+                                                    std::size_t maxSize) const {
+  try {
+    return m_files.read(path, maxSize);
+  } catch (const FileFault& fault) {
+    if (fault.isMissingFile()) {
+      return std::nullopt;
+    }
+    throw FlashFault(FlashError::InputOutput, fault.what());
+  }
+}
+
+FileBytes AdapterFolder::placedFlash() const {
+  return readIfThere(flashPath(), kMaxFlash).value_or(FileBytes());
+}
+
+std::string AdapterFolder::decidedText() const {
+  const auto update = journal();
+  std::string text = descriptionText();
+  if (!update || !isDecided(*update)) {
+    return text;
+  }
+  try {
+    return withChange(text, update->change);
+  } catch (const DescriptionFault& fault) {
+    failInvalid(descriptionPath(), fault.what());
   }
 }
 

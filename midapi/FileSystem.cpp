@@ -27,16 +27,4 @@ std::filesystem::path adaptersDirectory() {
   return configured.empty() ? defaultAdaptersDirectory() : configured;
 }
 
-void replaceContent(FileSystem& files, const std::filesystem::path& path, ConstBytes content) {
-  std::filesystem::path temporaryName = path;
-  temporaryName += ".new";
-  TemporaryPath temporary(files, temporaryName);
-  const auto file = files.create(temporary.path());
-  file->append(content);
-  file->sync();
-  file->close();
-  files.replace(temporary.path(), path);
-  temporary.keep();
-}
-
 }  // namespace ma

@@ -16,7 +16,6 @@
 #include <span>
 #include <string>
 #include <system_error>
-#include <utility>
 #include <vector>
 
 namespace ma {
@@ -69,6 +68,15 @@ class WritableFile {
   virtual void close() = 0;
 };
 
+// A lock that nobody else has while this object lives; see FileSystem::lock.
+class FileLock {
+ public:
+  FileLock() = default;
+  FileLock(const FileLock&) = delete;
+  FileLock& operator=(const FileLock&) = delete;
+  virtual ~FileLock() = default;
+};
+
 // The folders in a folder.
 struct Folders {
   std::vector<std::filesystem::path> names;  // in no order
@@ -111,7 +119,13 @@ class FileSystem {
 
   [[nodiscard]] virtual bool exists(const std::filesystem::path& path) = 0;
 
-  // Creates a file, or empties the one that is there.
+  // Returns the names of what is in a folder, whatever that is, in no order; `max` of them where
+  // there are more.
+  [[nodiscard]] virtual std::vector<std::filesystem::path> entries(
+      const std::filesystem::path& path, std::size_t max) = 0;
+
+  // Creates a file. Fails, without waiting, where anything has that name, be it a link to nowhere
+  // or a FIFO.
   [[nodiscard]] virtual std::unique_ptr<WritableFile> create(const std::filesystem::path& path) = 0;
 
   // Puts `from` in the place of `to`, a file or folder in the same folder, in one step that a crash
@@ -119,9 +133,23 @@ class FileSystem {
   virtual void replace(const std::filesystem::path& from, const std::filesystem::path& to) = 0;
 
   // Creates one folder that must not exist, or a folder with all its parents where they are
-  // missing.
+  // missing; the latter returns when the disk knows them.
   virtual void createFolder(const std::filesystem::path& path) = 0;
   virtual void createFolders(const std::filesystem::path& path) = 0;
+
+  // Returns when the disk knows what is in a folder. On Windows it knows in time by itself.
+  virtual void syncFolder(const std::filesystem::path& path) = 0;
+
+  // Removes a file, which need not be there; returns when the disk knows it. Removes no folder.
+  virtual void remove(const std::filesystem::path& path) = 0;
+
+  // Takes the lock that the path stands for, or returns null when anybody has it, in this process
+  // or another one. The lock is a file, which comes and goes with its holder. It ends with its
+  // holder's process however that ends; on POSIX the file may then stay behind, and hinders nobody.
+  // Only who may write the folder can take the lock, and nobody else can keep it from being taken;
+  // it belongs to the folder's owner and, where those may write there, its group. Fails where
+  // something else has the name.
+  [[nodiscard]] virtual std::unique_ptr<FileLock> lock(const std::filesystem::path& path) = 0;
 
   // Removes a file or a folder with its content as far as possible; for tidying up after a failure.
   virtual void removeQuietly(const std::filesystem::path& path) noexcept = 0;
@@ -140,32 +168,6 @@ class FileSystem {
 // Returns the path in a variable of the environment; empty when it is not set. Defined per
 // platform: on Windows a path may have characters that no text holds.
 [[nodiscard]] std::filesystem::path environmentPath(const char* variable);
-
-// Gives a file another content such that any reader, and the disk after a crash, sees the old one
-// or the new one. Goes through `path` with ".new" behind it.
-void replaceContent(FileSystem& files, const std::filesystem::path& path, ConstBytes content);
-
-// Removes a temporary file or folder at the end of its scope, unless it was kept.
-class TemporaryPath {
- public:
-  TemporaryPath(FileSystem& files, std::filesystem::path path)
-      : m_files(files), m_path(std::move(path)) {}
-  TemporaryPath(const TemporaryPath&) = delete;
-  TemporaryPath& operator=(const TemporaryPath&) = delete;
-  ~TemporaryPath() {
-    if (!m_kept) {
-      m_files.removeQuietly(m_path);
-    }
-  }
-
-  [[nodiscard]] const std::filesystem::path& path() const { return m_path; }
-  void keep() { m_kept = true; }
-
- private:
-  FileSystem& m_files;
-  std::filesystem::path m_path;
-  bool m_kept = false;
-};
 
 }  // namespace ma
 

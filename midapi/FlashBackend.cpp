@@ -12,7 +12,7 @@ struct ErrorText {
   std::string_view text;
 };
 
-constexpr std::array<ErrorText, 7> kErrorTexts = {{
+constexpr std::array<ErrorText, 8> kErrorTexts = {{
     {FlashError::None, ""},
     {FlashError::UnknownAdapter, "The adapter is not known"},
     {FlashError::InvalidDescription, "The adapter's description is not valid"},
@@ -20,6 +20,7 @@ constexpr std::array<ErrorText, 7> kErrorTexts = {{
     {FlashError::EmptyImage, "The flash image is empty"},
     {FlashError::InputOutput, "The adapter's files could not be used"},
     {FlashError::CompareMismatch, "The flash does not hold what was written"},
+    {FlashError::ImageTooLarge, "The flash image is too large"},
 }};
 
 std::string textOf(FlashError error) {

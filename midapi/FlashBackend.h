@@ -28,6 +28,7 @@ enum class FlashError : std::uint32_t {
   EmptyImage = 204,
   InputOutput = 205,
   CompareMismatch = 206,
+  ImageTooLarge = 207,
 };
 
 // A flash operation that failed: a code and a text for the person who asked for it.
@@ -67,6 +68,16 @@ class FlashBackend {
 
   // Returns the content of the flash; empty when it was never written.
   [[nodiscard]] virtual FileBytes readFlash(const PortId& port) = 0;
+
+  // Begins an update of an adapter: its changes from now on, by this process, are made together by
+  // setCapabilityWord. Returns false, and does nothing, when one has begun already.
+  [[nodiscard]] virtual bool beginUpdate(const AdapterAddress& adapter) = 0;
+
+  // Ends it. What was not made is taken back.
+  virtual void endUpdate(const AdapterAddress& adapter) noexcept = 0;
+
+  // Returns what the flash will hold when the update is made; without one, what it holds.
+  [[nodiscard]] virtual FileBytes readFlashToBe(const PortId& port) = 0;
 
   virtual void setBootType(const PortId& port, BootType bootType) = 0;
 

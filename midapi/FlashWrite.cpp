@@ -32,22 +32,16 @@ FlashWrite::FlashWrite(FileSystem& files, const AdapterFolder& folder,
       m_progress(progress),
       m_clock(clock) {}
 
-void FlashWrite::run() {
+void FlashWrite::run(const std::filesystem::path& path) {
   try {
-    std::filesystem::path name = m_folder.flashPath();
-    name += ".new";
-    TemporaryPath temporary(m_files, name);
-    const auto file = m_files.create(temporary.path());
+    const auto file = m_files.create(path);
     writeTo(*file);
     file->sync();
     file->close();
-    compare(temporary.path());
-    m_files.replace(temporary.path(), m_folder.flashPath());
-    temporary.keep();
+    compare(path);
   } catch (const FileFault& fault) {
     throw FlashFault(FlashError::InputOutput, fault.what());
   }
-  m_progress.complete();
 }
 
 std::vector<FlashWrite::Stop> FlashWrite::stops() const {

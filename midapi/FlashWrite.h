@@ -1,4 +1,5 @@
-// One write of a virtual adapter's flash: paced, watched, failing on demand, and all or nothing.
+// The write of a virtual adapter's new flash, beside the old one: paced, watched, and failing on
+// demand.
 
 #ifndef ORVEX_MIDAPI_FLASHWRITE_H_
 #define ORVEX_MIDAPI_FLASHWRITE_H_
@@ -15,20 +16,17 @@
 
 namespace ma {
 
-// Writes an image beside the adapter's flash, then puts it in its place. Used by one thread, once.
-//
-// The image goes to a temporary file in blocks that are small enough for twenty steps a second; the
-// file is read back and compared before it replaces the flash. The progress stands at 99 at the
-// most until that is done. A temporary file that a killed process left is overwritten.
+// Writes an image to a file of its own, in blocks that are small enough for twenty steps a second,
+// then reads it back and compares. The progress stands at 99 at the most. Used by one thread, once.
 class FlashWrite {
  public:
   // Referents outlive the write. `image` is not empty.
   FlashWrite(FileSystem& files, const AdapterFolder& folder, const AdapterDescription& description,
              ConstBytes image, WriteProgress& progress, platform::Clock& clock);
 
-  // Throws FlashFault, and then the flash is as before; only when the disk cannot confirm the
-  // replacement it may already be the new one.
-  void run();
+  // Makes the file at `path`. Returns when its content has reached the disk. Throws FlashFault, and
+  // then leaves what it has made of the file.
+  void run(const std::filesystem::path& path);
 
  private:
   // Where the write stops on its way, because the description asks for it.

@@ -70,6 +70,21 @@ std::vector<utils::FirmwareVersionInfo> installedFirmware(const PortId& port) {
   return firmwareOf(backend().facts(port), backend().readFlash(port).view());
 }
 
+// Returns the types of what the flash holds when the update is made that has begun, if any.
+std::vector<utils::FirmwareType> typesToBe(const PortId& port) {
+  std::vector<utils::FirmwareType> types;
+  for (const utils::FirmwareVersionInfo& component :
+       firmwareOf(backend().facts(port), backend().readFlashToBe(port).view())) {
+    types.push_back(component.type);
+  }
+  return types;
+}
+
+bool beginUpdate(const std::string& adapter) {
+  const auto port = parseCanonicalPortId(adapter);
+  return port && backend().beginUpdate(port->adapter);
+}
+
 // Fills `buffer` as prepareFlashImage does; `filled` is the number of bytes.
 PrepareStatus prepare(const std::string& adapter, RomBytes file, std::span<std::uint8_t> buffer,
                       std::uint32_t& filled, const std::vector<utils::FirmwareType>& types) {
@@ -146,11 +161,26 @@ utils::PCIAddr getPCIAddress(const std::string& adapter) {
               : utils::PCIAddr{};
 }
 
+bool isSameAdapter(const std::string& one, const std::string& other) {
+  const auto port = parseCanonicalPortId(one);
+  const auto otherPort = parseCanonicalPortId(other);
+  return port && otherPort && port->adapter == otherPort->adapter;
+}
+
 bool getCanBeUpdated(const std::string& adapter) {
   try {
     return backend().facts(needPort(adapter)).isUpdatable;
   } catch (const FlashFault&) {
     return false;
+  }
+}
+
+FlashUpdate::FlashUpdate(const std::string& adapter)
+    : m_adapter(adapter), m_hasBegun(beginUpdate(adapter)) {}
+
+FlashUpdate::~FlashUpdate() {
+  if (const auto port = parseCanonicalPortId(m_adapter); port && m_hasBegun) {
+    backend().endUpdate(port->adapter);
   }
 }
 
@@ -249,10 +279,7 @@ bool updateCapabilityWord(const std::string& adapter, std::vector<utils::Firmwar
     const PortId port = needPort(adapter);
     std::uint32_t word = capabilityWordOf(types);
     if (word == 0) {
-      types.clear();
-      for (const utils::FirmwareVersionInfo& installed : installedFirmware(port)) {
-        types.push_back(installed.type);
-      }
+      types = typesToBe(port);
       word = capabilityWordOf(types);
     }
     backend().setCapabilityWord(port, word);

@@ -41,10 +41,44 @@ ORVEX_MIDAPI_API void getAdapterFirmwareVersion(const std::string& adapter,
 // Returns the port's PCI location, taken from its identifier; all zero when that is malformed.
 [[nodiscard]] ORVEX_MIDAPI_API utils::PCIAddr getPCIAddress(const std::string& adapter);
 
+// Returns whether two identifiers are of ports of one adapter: their PCI segment, bus and device
+// are the same. A PCI location lacks the segment, and so cannot tell. False when either identifier
+// is malformed; whether the adapter exists does not matter.
+[[nodiscard]] ORVEX_MIDAPI_API bool isSameAdapter(const std::string& one, const std::string& other);
+
 // Returns true when the adapter is known and its firmware may be replaced.
 [[nodiscard]] ORVEX_MIDAPI_API bool getCanBeUpdated(const std::string& adapter);
 
-// Sets what the port boots from. Returns false when the port is unknown or could not be changed.
+// An update of one adapter, for the span of a scope: boot types, flash and capability word change
+// together or not at all, whatever fails and whatever kills the process or the machine.
+//
+// While it lives, setBootType and writeFlashImage of this process for any port of the adapter check
+// and prepare what they are asked for, and answer for that; updateCapabilityWord makes all of it at
+// once, and until then every query answers from what was before. What updateCapabilityWord has not
+// made is taken back at destruction: boot types that were set before a write that fails are what
+// they were. A process that dies leaves the adapter as it was before, or, once updateCapabilityWord
+// has decided the update, as it is after; then the next query or change by anybody who may write
+// the adapter's files does what is left to be done, and all others answer as if it were done.
+//
+// The operations for an adapter without such an object make their change at once. Of two objects
+// for one adapter in one process the second does nothing. An adapter that another process changes
+// at the time is waited for, for some seconds; then the operation fails.
+class ORVEX_MIDAPI_API FlashUpdate {
+ public:
+  // `adapter` may be any port of the adapter. Fails in no way; who is unknown is refused by the
+  // operations.
+  explicit FlashUpdate(const std::string& adapter);
+  FlashUpdate(const FlashUpdate&) = delete;
+  FlashUpdate& operator=(const FlashUpdate&) = delete;
+  ~FlashUpdate();
+
+ private:
+  const std::string m_adapter;
+  const bool m_hasBegun;
+};
+
+// Sets what the port boots from; in a FlashUpdate, when that is made. Returns false when the port
+// is unknown or could not be changed.
 ORVEX_MIDAPI_API bool setBootType(const std::string& adapter, BootType bootType);
 
 // Checks an image file against an adapter and prepares what is to be written.
@@ -83,7 +117,8 @@ ORVEX_MIDAPI_API bool setBootType(const std::string& adapter, BootType bootType)
                                                                  const std::uint8_t* file,
                                                                  std::uint32_t fileSize);
 
-// Replaces the adapter's flash by `image`, at the adapter's write rate; returns when it is done.
+// Replaces the adapter's flash by `image`, at the adapter's write rate; returns when it is done. In
+// a FlashUpdate the image is written beside the old one, which it replaces when the update is made.
 //
 // Returns true on success; `errorCode` and `errorText` are filled in every case (0 and an empty
 // text on success). What was written is read back and compared before success is reported. The
@@ -101,7 +136,8 @@ ORVEX_MIDAPI_API bool setBootType(const std::string& adapter, BootType bootType)
     const std::string& adapter);
 
 // Records in the adapter which image types are now installed: those of the list, or without a type
-// in it those that its flash holds. Returns and fills as writeFlashImage.
+// in it those that its flash holds. In a FlashUpdate it makes the update, and when it fails nothing
+// has changed. Returns and fills as writeFlashImage.
 [[nodiscard]] ORVEX_MIDAPI_API bool updateCapabilityWord(const std::string& adapter,
                                                          std::vector<utils::FirmwareType> types,
                                                          std::uint32_t& errorCode,

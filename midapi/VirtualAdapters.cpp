@@ -1,33 +1,29 @@
 #include "midapi/VirtualAdapters.h"
 
 #include <algorithm>
-#include <random>
+#include <string_view>
 #include <utility>
 
 #include "midapi/AdapterDescription.h"
 #include "midapi/AdapterFolder.h"
+#include "midapi/AdapterUpdate.h"
+#include "midapi/Digest.h"
 #include "midapi/FileSystem.h"
 #include "midapi/FlashBackend.h"
 #include "midapi/Hex.h"
 #include "midapi/ImagePreparation.h"
 #include "midapi/OptionRom.h"
+#include "midapi/TemporaryFiles.h"
+#include "platform/Clock.h"
 #include "platform/Texts.h"
 
 namespace ma {
 namespace {
 
-constexpr std::size_t kMaxRom = std::size_t{256} << 20;
-
-std::uint64_t digestOf(RomBytes bytes) {
-  std::uint64_t digest = 0xCBF29CE484222325;
-  for (const std::uint8_t byte : bytes) {
-    digest = (digest ^ byte) * 0x100000001B3;
-  }
-  return digest;
-}
-
 AdapterListing describe(const AdapterFolder& folder) {
-  const AdapterDescription description = folder.description();
+  settleUpdate(nativeFileSystem(), folder);
+  const AdapterState state = folder.state();
+  const AdapterDescription& description = state.description;
   const AdapterFacts facts{description.vendor, description.device, description.isUpdatable};
   AdapterListing listing;
   listing.pci = toString(description.pci);
@@ -41,8 +37,7 @@ AdapterListing describe(const AdapterFolder& folder) {
     listing.ports.push_back(
         {toString(PortId{description.pci, port.function}), port.mac, port.bootType});
   }
-  const FileBytes flash = folder.flash();
-  const RomBytes bytes = flash.view();
+  const RomBytes bytes = state.flash.view();
   listing.flashBytes = bytes.size();
   const RomChain chain = parseRomChain(bytes);
   if (!chain.isValid() && !isPadding(bytes)) {
@@ -86,15 +81,14 @@ AdapterDescription describeNew(const AdapterSpec& spec, const RomChain& rom) {
   return description;
 }
 
-void writeFile(FileSystem& files, const std::filesystem::path& path, ConstBytes content) {
-  const auto file = files.create(path);
-  file->append(content);
-  file->sync();
-  file->close();
-}
-
 ConstBytes bytesOf(const std::string& text) {
   return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+
+// Returns whether a name is that of an adapter's folder behind the dot that hides one in the
+// making.
+bool isHiddenFolderName(const std::string& name) {
+  return name.starts_with('.') && parseFolderName(std::string_view(name).substr(1)).has_value();
 }
 
 // Builds the folder under a name that is no adapter's, then gives it its own.
@@ -102,12 +96,20 @@ void createAdapterFolder(FileSystem& files, const std::filesystem::path& directo
                          const AdapterAddress& address, const AdapterDescription& description,
                          ConstBytes rom) {
   files.createFolders(directory);
+  const std::filesystem::path lockPath = directory / ".adapters.lock";
+  const auto lock = waitForLock(files, lockPath, platform::steadyClock());
+  if (lock == nullptr) {
+    throw AdapterFault("Adapter " + toString(address) +
+                       " was not made: another program is making one (" +
+                       platform::toShownText(lockPath) + "). Try again when it is done.");
+  }
+  sweepTemporaryFolders(files, directory, isHiddenFolderName);
   const std::string name = toFolderName(address);
-  TemporaryPath temporary(files,
-                          directory / ("." + name + ".new-" + hexText(std::random_device{}(), 8)));
+  TemporaryPath temporary(files, temporaryName(directory / ("." + name)));
   files.createFolder(temporary.path());
-  writeFile(files, temporary.path() / "adapter.json", bytesOf(formatDescription(description)));
-  writeFile(files, temporary.path() / "flash.rom", rom);
+  writeNewFile(files, temporary.path() / "adapter.json", bytesOf(formatDescription(description)));
+  writeNewFile(files, temporary.path() / "flash.rom", rom);
+  files.syncFolder(temporary.path());
   files.replace(temporary.path(), directory / name);
   temporary.keep();
 }
@@ -163,7 +165,7 @@ void VirtualAdapters::add(const AdapterSpec& spec) const {
                          platform::toShownText(folder) +
                          "). Choose another address, or remove that folder first.");
     }
-    const FileBytes rom = files.read(spec.rom, kMaxRom);
+    const FileBytes rom = files.read(spec.rom, kMaxFlash);
     const RomChain chain = parseRomChain(rom.view());
     if (!chain.isValid()) {
       throw AdapterFault("The file " + platform::toShownText(spec.rom) +
@@ -171,6 +173,10 @@ void VirtualAdapters::add(const AdapterSpec& spec) const {
                          chain.defect->toString() + ". Give a file with undamaged images.");
     }
     createAdapterFolder(files, m_directory, spec.pci, describeNew(spec, chain), rom.view());
+  } catch (const DescriptionFault& fault) {
+    throw AdapterFault("Adapter " + address +
+                       " was not made, for its description cannot be kept: " + fault.what() +
+                       ". Give a shorter name.");
   } catch (const FileFault& fault) {
     throw AdapterFault("Adapter " + address + " was not made: " + fault.what() +
                        ". Check the path and its permissions.");

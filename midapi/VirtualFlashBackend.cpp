@@ -1,8 +1,8 @@
 #include "midapi/VirtualFlashBackend.h"
 
+#include <string>
 #include <utility>
 
-#include "midapi/FlashWrite.h"
 #include "platform/Texts.h"
 
 namespace ma {
@@ -44,31 +44,98 @@ AdapterFacts VirtualFlashBackend::facts(const PortId& port) {
 }
 
 FileBytes VirtualFlashBackend::readFlash(const PortId& port) {
-  return folderOf(port).flash();
+  const AdapterFolder folder = folderOf(port);
+  settleUpdate(m_files, folder);
+  return folder.flash();
+}
+
+bool VirtualFlashBackend::beginUpdate(const AdapterAddress& adapter) {
+  const platform::Lock lock(m_mutex);
+  return m_updates.try_emplace(adapter).second;
+}
+
+void VirtualFlashBackend::endUpdate(const AdapterAddress& adapter) noexcept {
+  std::shared_ptr<AdapterUpdate> update;
+  const platform::Lock lock(m_mutex);
+  if (const auto found = m_updates.find(adapter); found != m_updates.end()) {
+    update = std::move(found->second);
+    m_updates.erase(found);
+  }
+}
+
+FileBytes VirtualFlashBackend::readFlashToBe(const PortId& port) {
+  std::shared_ptr<AdapterUpdate> update;
+  {
+    const platform::Lock lock(m_mutex);
+    if (const auto found = m_updates.find(port.adapter); found != m_updates.end()) {
+      update = found->second;
+    }
+  }
+  return update != nullptr ? update->flashToBe() : readFlash(port);
 }
 
 void VirtualFlashBackend::setBootType(const PortId& port, BootType bootType) {
   const AdapterFolder folder = folderOf(port);
-  const platform::Lock lock(m_descriptionMutex);
+  const platform::Lock lock(m_mutex);
   static_cast<void>(describePort(folder, port));
-  folder.storeBootType(port.function, bootType);
+  if (const auto running = runningUpdate(port)) {
+    running->setBootType(port.function, bootType);
+    return;
+  }
+  AdapterUpdate update(m_files, folder, m_clock);
+  update.setBootType(port.function, bootType);
+  update.commit();
 }
 
 void VirtualFlashBackend::writeFlash(const PortId& port, ConstBytes image,
                                      WriteProgress& progress) {
   const AdapterFolder folder = folderOf(port);
-  const AdapterDescription description = describePort(folder, port);
-  FlashWrite(m_files, folder, description, image, progress, m_clock).run();
+  static_cast<void>(describePort(folder, port));
+  if (image.size() > kMaxFlash) {
+    throw FlashFault(FlashError::ImageTooLarge,
+                     toString(port) + " takes " + std::to_string(kMaxFlash) +
+                         " bytes, and the image has " + std::to_string(image.size()));
+  }
+  std::shared_ptr<AdapterUpdate> running;
+  {
+    const platform::Lock lock(m_mutex);
+    running = runningUpdate(port);
+  }
+  if (running != nullptr) {
+    running->writeFlash(image, progress);
+  } else {
+    AdapterUpdate update(m_files, folder, m_clock);
+    update.writeFlash(image, progress);
+    update.commit();
+  }
+  progress.complete();
 }
 
 void VirtualFlashBackend::setCapabilityWord(const PortId& port, std::uint32_t word) {
   const AdapterFolder folder = folderOf(port);
-  const platform::Lock lock(m_descriptionMutex);
+  const platform::Lock lock(m_mutex);
   const AdapterDescription description = describePort(folder, port);
   if (description.capabilityWordFault) {
     throw FlashFault(description.capabilityWordFault->code, description.capabilityWordFault->text);
   }
-  folder.storeCapabilityWord(word);
+  auto update = runningUpdate(port);
+  if (update == nullptr) {
+    update = std::make_shared<AdapterUpdate>(m_files, folder, m_clock);
+  }
+  update->setCapabilityWord(word);
+  update->commit();
+}
+
+// Returns null where no update has begun.
+std::shared_ptr<AdapterUpdate> VirtualFlashBackend::runningUpdate(const PortId& port) {
+  const auto found = m_updates.find(port.adapter);
+  if (found == m_updates.end()) {
+    return nullptr;
+  }
+  if (found->second == nullptr) {
+    found->second = std::make_shared<AdapterUpdate>(m_files, folderOf(port), m_clock);
+  }
+  return found->second;
 }
 
 AdapterFolder VirtualFlashBackend::folderOf(const PortId& port) const {

@@ -6,10 +6,12 @@
 
 #include <filesystem>
 #include <functional>
-#include <string>
+#include <map>
+#include <memory>
 
 #include "midapi/AdapterCache.h"
 #include "midapi/AdapterFolder.h"
+#include "midapi/AdapterUpdate.h"
 #include "midapi/FlashBackend.h"
 #include "platform/Clock.h"
 #include "platform/Mutex.h"
@@ -27,19 +29,30 @@ class VirtualFlashBackend final : public FlashBackend {
   utils::StringArray enumerateAdapters() override;
   AdapterFacts facts(const PortId& port) override;
   FileBytes readFlash(const PortId& port) override;
+  bool beginUpdate(const AdapterAddress& adapter) override;
+  void endUpdate(const AdapterAddress& adapter) noexcept override;
+  FileBytes readFlashToBe(const PortId& port) override;
   void setBootType(const PortId& port, BootType bootType) override;
   void writeFlash(const PortId& port, ConstBytes image, WriteProgress& progress) override;
   void setCapabilityWord(const PortId& port, std::uint32_t word) override;
 
  private:
+  // Of updates that have begun; null before their first change.
+  using Updates = std::map<AdapterAddress, std::shared_ptr<AdapterUpdate>>;
+
   [[nodiscard]] AdapterFolder folderOf(const PortId& port) const;
+  [[nodiscard]] std::shared_ptr<AdapterUpdate> runningUpdate(const PortId& port)
+      ORVEX_REQUIRES(m_mutex);
 
   FileSystem& m_files;
   const std::function<std::filesystem::path()> m_directory;
   platform::Clock& m_clock;
   AdapterCache m_cache;
-  // Held while a description is changed, so that no change is lost to another one.
-  platform::Mutex m_descriptionMutex;
+
+  // Held while an adapter is taken for a change, so that the threads of this process wait for each
+  // other as long as it takes.
+  platform::Mutex m_mutex;
+  Updates m_updates ORVEX_GUARDED_BY(m_mutex);
 };
 
 }  // namespace ma

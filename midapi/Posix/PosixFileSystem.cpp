@@ -6,9 +6,11 @@
 #include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 #include "platform/Posix/Descriptor.h"
 
@@ -42,7 +44,7 @@ platform::Descriptor openFile(const char* operation, const fs::path& path, int f
 class PosixWritableFile final : public WritableFile {
  public:
   explicit PosixWritableFile(const fs::path& path)
-      : m_path(path), m_file(openFile("create", path, O_WRONLY | O_CREAT | O_TRUNC)) {}
+      : m_path(path), m_file(openFile("create", path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW)) {}
 
   void append(ConstBytes bytes) override {
     while (!bytes.empty()) {
@@ -78,6 +80,82 @@ void syncFolder(const fs::path& path) {
     fail("write", path, errno);
   }
 }
+
+// Removes a name, and minds neither that it is gone nor that it cannot go.
+void unlinkQuietly(const fs::path& path) {
+  static_cast<void>(::unlink(path.c_str()));
+}
+
+class PosixFileLock final : public FileLock {
+ public:
+  PosixFileLock(fs::path path, platform::Descriptor file)
+      : m_path(std::move(path)), m_file(std::move(file)) {}
+  PosixFileLock(const PosixFileLock&) = delete;
+  PosixFileLock& operator=(const PosixFileLock&) = delete;
+  // While it is still held: nobody may remove a lock that is another's by now.
+  ~PosixFileLock() override { unlinkQuietly(m_path); }
+
+ private:
+  fs::path m_path;
+  platform::Descriptor m_file;
+};
+
+// Gives a new lock file to those who may write its folder. A program of the superuser must not keep
+// out those to whom the folder belongs; where that cannot be done, they wait for such a program.
+void shareWithOwners(const platform::Descriptor& file, const fs::path& path) {
+  struct stat folder {};
+  if (::stat(path.parent_path().c_str(), &folder) != 0) {
+    return;
+  }
+  const bool isSuperuser = ::geteuid() == 0;
+  const bool isGroups = (folder.st_mode & S_IWGRP) != 0;
+  if (::fchown(file.get(), isSuperuser ? folder.st_uid : static_cast<uid_t>(-1),
+               isSuperuser || isGroups ? folder.st_gid : static_cast<gid_t>(-1)) == 0) {
+    static_cast<void>(::fchmod(file.get(), isGroups ? 0660 : 0600));
+  }
+}
+
+// Opens the file of a lock, made where it is missing. Nobody else's file is made over to others: it
+// may have got this name to that end.
+platform::Descriptor openLock(const fs::path& path) {
+  constexpr int kFlags = O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+  const auto open = [&path](int flags) {
+    return platform::Descriptor(retry([&] { return ::open(path.c_str(), flags, 0600); }));
+  };
+  for (;;) {
+    platform::Descriptor made = open(kFlags | O_CREAT | O_EXCL);
+    if (made.isOpen()) {
+      shareWithOwners(made, path);
+      return made;
+    }
+    if (errno != EEXIST) {
+      fail("lock", path, errno);
+    }
+    platform::Descriptor found = open(kFlags);
+    if (found.isOpen()) {
+      return found;
+    }
+    if (errno != ENOENT) {
+      fail("lock", path, errno);
+    }
+  }
+}
+
+// Synchronises the folders above a new one, from the last that was there before it on.
+class NewFolders {
+ public:
+  explicit NewFolders(const fs::path& path) {
+    std::error_code error;
+    for (fs::path at = path; !at.empty() && !fs::exists(at, error) && at != at.parent_path();
+         at = at.parent_path()) {
+      m_parents.push_back(at.has_parent_path() ? at.parent_path() : fs::path("."));
+    }
+  }
+  void sync() const { std::for_each(m_parents.begin(), m_parents.end(), syncFolder); }
+
+ private:
+  std::vector<fs::path> m_parents;
+};
 
 constexpr std::int64_t kSecond = 1'000'000'000;
 
@@ -172,6 +250,20 @@ class PosixFileSystem final : public FileSystem {
     return fs::exists(status);
   }
 
+  std::vector<fs::path> entries(const fs::path& path, std::size_t max) override {
+    std::vector<fs::path> names;
+    std::error_code error;
+    fs::directory_iterator entry(path, error);
+    for (; !error && entry != fs::directory_iterator() && names.size() < max;
+         entry.increment(error)) {
+      names.push_back(entry->path().filename());
+    }
+    if (error) {
+      throw FileFault("read", path, error);
+    }
+    return names;
+  }
+
   std::unique_ptr<WritableFile> create(const fs::path& path) override {
     return std::make_unique<PosixWritableFile>(path);
   }
@@ -182,7 +274,7 @@ class PosixFileSystem final : public FileSystem {
     if (error) {
       throw FileFault("replace", to, error);
     }
-    syncFolder(to.parent_path());
+    ma::syncFolder(to.parent_path());
   }
 
   void createFolder(const fs::path& path) override {
@@ -192,10 +284,47 @@ class PosixFileSystem final : public FileSystem {
   }
 
   void createFolders(const fs::path& path) override {
+    const NewFolders made(path);
     std::error_code error;
     fs::create_directories(path, error);
     if (error) {
       throw FileFault("create", path, error);
+    }
+    made.sync();
+  }
+
+  void syncFolder(const fs::path& path) override { ma::syncFolder(path); }
+
+  void remove(const fs::path& path) override {
+    if (::unlink(path.c_str()) == 0) {
+      ma::syncFolder(path.parent_path());
+    } else if (errno != ENOENT) {
+      fail("remove", path, errno);
+    }
+  }
+
+  std::unique_ptr<FileLock> lock(const fs::path& path) override {
+    for (;;) {
+      platform::Descriptor file = openLock(path);
+      struct stat opened {};
+      if (::fstat(file.get(), &opened) != 0) {
+        fail("lock", path, errno);
+      }
+      if (!S_ISREG(opened.st_mode)) {
+        fail("lock", path, EINVAL);
+      }
+      if (retry([&] { return ::flock(file.get(), LOCK_EX | LOCK_NB); }) != 0) {
+        if (errno == EWOULDBLOCK) {
+          return nullptr;
+        }
+        fail("lock", path, errno);
+      }
+      // Its last holder may have removed it since it was opened: then it is nobody's lock.
+      struct stat named {};
+      if (::lstat(path.c_str(), &named) == 0 && named.st_dev == opened.st_dev &&
+          named.st_ino == opened.st_ino) {
+        return std::make_unique<PosixFileLock>(path, std::move(file));
+      }
     }
   }
 

@@ -5,6 +5,8 @@
 #include <limits>
 #include <optional>
 #include <span>
+#include <utility>
+#include <vector>
 #include <windows.h>
 
 #include "platform/Mutex.h"
@@ -65,11 +67,11 @@ DWORD moveInto(const fs::path& from, const fs::path& to, platform::Mutex& reader
   }
 }
 
-platform::Handle openFile(const char* operation, const fs::path& path, DWORD access,
-                          DWORD creation) {
+platform::Handle openFile(const char* operation, const fs::path& path, DWORD access, DWORD creation,
+                          DWORD flags = 0) {
   const HANDLE file =
       CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                  nullptr, creation, FILE_ATTRIBUTE_NORMAL, nullptr);
+                  nullptr, creation, FILE_ATTRIBUTE_NORMAL | flags, nullptr);
   if (file == INVALID_HANDLE_VALUE) {
     fail(operation, path, GetLastError());
   }
@@ -84,7 +86,8 @@ DWORD portionOf(std::size_t size) {
 class WindowsWritableFile final : public WritableFile {
  public:
   explicit WindowsWritableFile(const fs::path& path)
-      : m_path(path), m_file(openFile("create", path, GENERIC_WRITE, CREATE_ALWAYS)) {}
+      : m_path(path),
+        m_file(openFile("create", path, GENERIC_WRITE, CREATE_NEW, FILE_FLAG_OPEN_REPARSE_POINT)) {}
 
   void append(ConstBytes bytes) override {
     const platform::NoErrorDialogs noDialogs;
@@ -113,6 +116,15 @@ class WindowsWritableFile final : public WritableFile {
 
  private:
   fs::path m_path;
+  platform::Handle m_file;
+};
+
+// A file that nobody else can open, and that the system removes when it is closed, by whomever.
+class WindowsFileLock final : public FileLock {
+ public:
+  explicit WindowsFileLock(platform::Handle file) : m_file(std::move(file)) {}
+
+ private:
   platform::Handle m_file;
 };
 
@@ -185,6 +197,21 @@ class WindowsFileSystem final : public FileSystem {
     return false;
   }
 
+  std::vector<fs::path> entries(const fs::path& path, std::size_t max) override {
+    const platform::NoErrorDialogs noDialogs;
+    std::vector<fs::path> names;
+    std::error_code error;
+    fs::directory_iterator entry(path, error);
+    for (; !error && entry != fs::directory_iterator() && names.size() < max;
+         entry.increment(error)) {
+      names.push_back(entry->path().filename());
+    }
+    if (error) {
+      throw FileFault("read", path, error);
+    }
+    return names;
+  }
+
   std::unique_ptr<WritableFile> create(const fs::path& path) override {
     const platform::NoErrorDialogs noDialogs;
     return std::make_unique<WindowsWritableFile>(path);
@@ -211,6 +238,37 @@ class WindowsFileSystem final : public FileSystem {
     if (error) {
       throw FileFault("create", path, error);
     }
+  }
+
+  void syncFolder(const fs::path& /*path*/) override {}
+
+  void remove(const fs::path& path) override {
+    const platform::NoErrorDialogs noDialogs;
+    if (DeleteFileW(path.c_str()) == FALSE) {
+      const DWORD error = GetLastError();
+      if (error != ERROR_FILE_NOT_FOUND && error != ERROR_PATH_NOT_FOUND) {
+        fail("remove", path, error);
+      }
+    }
+  }
+
+  std::unique_ptr<FileLock> lock(const fs::path& path) override {
+    const platform::NoErrorDialogs noDialogs;
+    if (isFolder(path)) {
+      fail("lock", path, std::errc::is_a_directory);
+    }
+    const HANDLE file =
+        CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, 0, nullptr, OPEN_ALWAYS,
+                    FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+    if (file == INVALID_HANDLE_VALUE) {
+      const DWORD error = GetLastError();
+      // One that is about to be removed cannot be opened either, and is said to be forbidden.
+      if (isInUse(error)) {
+        return nullptr;
+      }
+      fail("lock", path, error);
+    }
+    return std::make_unique<WindowsFileLock>(platform::Handle(file));
   }
 
   void removeQuietly(const fs::path& path) noexcept override {

@@ -82,6 +82,16 @@ std::vector<std::string> FakeMidApi::calls() const {
   return m_calls;
 }
 
+std::string FakeMidApi::updates() const {
+  const platform::Lock lock(m_mutex);
+  return m_updates;
+}
+
+void FakeMidApi::noteUpdate(const std::string& event) {
+  const platform::Lock lock(m_mutex);
+  m_updates += event + " after " + std::to_string(m_calls.size()) + " calls; ";
+}
+
 void FakeMidApi::note(const std::string& call) {
   const platform::Lock lock(m_mutex);
   m_calls.push_back(call);
@@ -117,9 +127,22 @@ utils::PCIAddr getPCIAddress(const std::string& adapter) {
   return {number(5, 2), number(8, 2), number(11, 1)};
 }
 
+// "dddd:bb:ss" is the adapter.
+bool isSameAdapter(const std::string& one, const std::string& other) {
+  return one.substr(0, 10) == other.substr(0, 10);
+}
+
 bool getCanBeUpdated(const std::string& adapter) {
   FakeMidApi::current().note("getCanBeUpdated " + adapter);
   return FakeMidApi::current().fixedAdapters.count(adapter) == 0;
+}
+
+FlashUpdate::FlashUpdate(const std::string& adapter) : m_adapter(adapter), m_hasBegun(true) {
+  FakeMidApi::current().noteUpdate("begin " + adapter);
+}
+
+FlashUpdate::~FlashUpdate() {
+  FakeMidApi::current().noteUpdate(m_hasBegun ? "end " + m_adapter : "");
 }
 
 bool setBootType(const std::string& adapter, BootType bootType) {

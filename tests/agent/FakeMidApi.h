@@ -66,13 +66,17 @@ class ORVEX_MIDAPI_API FakeMidApi {
   // Returns the calls that change something or ask for something, oldest first, without the
   // queries of progress: "setBootType 0000:03:00.0 0".
   [[nodiscard]] std::vector<std::string> calls() const;
+  // Returns when updates began and ended: "begin 0000:03:00.0 after 0 calls; end ...; ".
+  [[nodiscard]] std::string updates() const;
   void note(const std::string& call);
+  void noteUpdate(const std::string& event);
   void passWrite();
 
  private:
   mutable platform::Mutex m_mutex;
   std::condition_variable_any m_changed;
   std::vector<std::string> m_calls ORVEX_GUARDED_BY(m_mutex);
+  std::string m_updates ORVEX_GUARDED_BY(m_mutex);
   bool m_isHolding ORVEX_GUARDED_BY(m_mutex) = false;
   int m_heldWrites ORVEX_GUARDED_BY(m_mutex) = 0;
 };

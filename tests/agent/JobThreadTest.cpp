@@ -174,6 +174,27 @@ TEST_F(JobThreadTest, FailedWriteSkipsTheCapabilityWord) {
   expectEnd(cim::JobState::Exception, 17, "no flash there");
 }
 
+TEST_F(JobThreadTest, MakesAllItsChangesInOneUpdateUnderTheFlashLock) {
+  m_midApi.installed = {{FirmwareType::Iscsi, {1, 0}}};
+  m_midApi.adapters = {kAdapter};
+
+  run({FirmwareType::Pxe});
+
+  // The queries and boot types, the write, and the capability word.
+  EXPECT_EQ(m_midApi.calls().size(), 7u);
+  EXPECT_EQ(m_midApi.updates(),
+            "begin 0000:03:00.0 after 0 calls; end 0000:03:00.0 after 7 calls; ");
+}
+
+TEST_F(JobThreadTest, EndsItsUpdateWhenTheWriteFails) {
+  m_midApi.onWrite = [] { throw std::runtime_error("broken"); };
+
+  run({FirmwareType::Iscsi});
+
+  EXPECT_EQ(m_midApi.updates(),
+            "begin 0000:03:00.0 after 0 calls; end 0000:03:00.0 after 1 calls; ");
+}
+
 TEST_F(JobThreadTest, FailedCapabilityWordFailsTheJob) {
   m_midApi.writeAnswer = {true, 3, "a warning of the write"};
   m_midApi.capabilityWordAnswer = {false, 18, "no word"};
@@ -278,6 +299,15 @@ TEST_F(JobThreadBootTypes, AreClearedOnAllPortsOfTheAdapterAndNoOther) {
                   "updateCapabilityWord 0000:03:00.0 [3]"));
   EXPECT_GE(placeOf("MidApi returns 2 firmwares"), 0);
   expectEnd(cim::JobState::Completed, 0, "");
+}
+
+TEST_F(JobThreadBootTypes, StayOnTheAdapterOfAnotherSegment) {
+  m_midApi.adapters = {"0000:03:00.0", "0001:03:00.0", "0001:03:00.1"};
+
+  run({FirmwareType::Pxe});
+
+  EXPECT_THAT(m_midApi.calls(), Contains("getPCIAddress 0001:03:00.0"));
+  EXPECT_THAT(bootTypeCalls(), ElementsAre("setBootType 0000:03:00.0 0"));
 }
 
 TEST_F(JobThreadBootTypes, AreClearedForAJobWithoutTypes) {

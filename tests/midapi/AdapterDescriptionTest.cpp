@@ -2,6 +2,7 @@
 #include <nlohmann/json.hpp>
 
 #include "midapi/AdapterDescription.h"
+#include "midapi/BoundedJson.h"
 
 namespace {
 
@@ -13,8 +14,7 @@ using ma::formatDescription;
 using ma::InjectedFault;
 using ma::InjectedWriteFault;
 using ma::parseDescription;
-using ma::withBootType;
-using ma::withCapabilityWord;
+using ma::withChange;
 using nlohmann::json;
 using testing::HasSubstr;
 using testing::Optional;
@@ -152,8 +152,8 @@ TEST(AdapterDescription, KeepsUnknownFieldsWhenItIsChanged) {
   json text = soundJson();
   text["comment"] = {{"by", "somebody"}};
   text["ports"][0]["label"] = "left";
-  const json booted = json::parse(withBootType(text.dump(), 1, BootType::Uefi));
-  const json worded = json::parse(withCapabilityWord(text.dump(), 8));
+  const json booted = json::parse(withChange(text.dump(), {{{1, BootType::Uefi}}, {}}));
+  const json worded = json::parse(withChange(text.dump(), {{}, 8}));
   json expected = text;
   expected["ports"][0]["bootType"] = 4;
   EXPECT_EQ(booted, expected);
@@ -162,9 +162,39 @@ TEST(AdapterDescription, KeepsUnknownFieldsWhenItIsChanged) {
   EXPECT_EQ(worded, expected);
 }
 
+// Indented, each of the numbers takes a line of its own.
+TEST(AdapterDescription, CanBeReadWhateverWasChangedInALargeOne) {
+  json text = soundJson();
+  text["notes"] = json(300'000, 0);
+  const std::string changed = withChange(text.dump(), {{}, 8});
+  EXPECT_EQ(parseDescription(changed).capabilityWord, 8U);
+  EXPECT_EQ(json::parse(changed)["notes"], text["notes"]);
+}
+
+TEST(AdapterDescription, IsNotChangedIntoOneThatIsTooLarge) {
+  json text = soundJson();
+  text["notes"] = "";
+  text["notes"] = std::string(ma::kMaxJsonSize - text.dump().size(), 'x');
+  ASSERT_EQ(refusalOf(text.dump()), "accepted");
+  EXPECT_THROW(static_cast<void>(withChange(text.dump(), {{}, 8})), DescriptionFault);
+}
+
+TEST(AdapterDescription, IsNotWrittenWithANameThatIsTooLarge) {
+  AdapterDescription description = parseDescription(soundJson().dump());
+  description.name = std::string(ma::kMaxJsonSize, 'x');
+  EXPECT_THROW(static_cast<void>(formatDescription(description)), DescriptionFault);
+}
+
+TEST(AdapterDescription, StaysToTheLetterWhenItSaysTheSame) {
+  const std::string text = soundJson().dump(5);
+  EXPECT_EQ(withChange(text, {}), text);
+  EXPECT_EQ(withChange(text, {{{1, BootType::Iscsi}, {0, BootType::None}}, 0}), text);
+  EXPECT_EQ(withChange(text, {{{7, BootType::Pxe}}, {}}), text);
+}
+
 TEST(AdapterDescription, IsNotChangedWhenItIsNotValid) {
-  EXPECT_THROW(static_cast<void>(withBootType("{}", 0, BootType::Pxe)), DescriptionFault);
-  EXPECT_THROW(static_cast<void>(withCapabilityWord("{}", 1)), DescriptionFault);
+  EXPECT_THROW(static_cast<void>(withChange("{}", {{{0, BootType::Pxe}}, {}})), DescriptionFault);
+  EXPECT_THROW(static_cast<void>(withChange("{}", {{}, 1})), DescriptionFault);
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include "midapi/FileSystem.h"
-#include "tests/midapi/WatchedFileSystem.h"
 #include "tests/support/TempDirectory.h"
 
 namespace {
@@ -10,10 +9,8 @@ using ma::FileBytes;
 using ma::FileFault;
 using ma::FileSystem;
 using ma::nativeFileSystem;
-using ma::replaceContent;
-using Bytes = std::vector<std::uint8_t>;
 using test::TempDirectory;
-using test::WatchedFileSystem;
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
@@ -71,14 +68,73 @@ TEST_F(FileSystemTest, TellsMissingFilesFromOtherFaults) {
   EXPECT_FALSE(isMissing(m_directory.path()));
 }
 
-TEST_F(FileSystemTest, EmptiesTheFileThatItCreatesAnew) {
-  const auto path = m_directory.write("file", std::string("a longer old content"));
+TEST_F(FileSystemTest, WritesAFileThatItCreates) {
+  const auto path = m_directory.path() / "file";
   const auto file = files().create(path);
   const std::string content = "new";
   file->append({reinterpret_cast<const std::uint8_t*>(content.data()), content.size()});
   file->sync();
   file->close();
   EXPECT_EQ(test::readText(path), "new");
+}
+
+TEST_F(FileSystemTest, CreatesNoFileInThePlaceOfAnything) {
+  const auto file = m_directory.write("file", std::string("old"));
+  EXPECT_THAT(faultOf([&] { static_cast<void>(files().create(file)); }),
+              AllOf(HasSubstr("cannot create"), HasSubstr("File exists")));
+  EXPECT_EQ(test::readText(file), "old");
+  m_directory.write("folder/file", std::string());
+  EXPECT_THAT(faultOf([&] { static_cast<void>(files().create(m_directory.path() / "folder")); }),
+              HasSubstr("cannot create"));
+}
+
+TEST_F(FileSystemTest, NamesWhatIsInAFolderUpToABound) {
+  m_directory.write("one/file", std::string());
+  m_directory.write("file", std::string());
+  EXPECT_THAT(files().entries(m_directory.path(), 10), UnorderedElementsAre("one", "file"));
+  EXPECT_THAT(files().entries(m_directory.path(), 1), testing::SizeIs(1));
+  EXPECT_THAT(faultOf([&] { static_cast<void>(files().entries(m_directory.path() / "none", 1)); }),
+              HasSubstr("cannot read"));
+}
+
+TEST_F(FileSystemTest, RemovesAFileThatNeedNotBeThere) {
+  const auto file = m_directory.write("file", std::string());
+  files().remove(file);
+  EXPECT_FALSE(files().exists(file));
+  EXPECT_EQ(faultOf([&] { files().remove(file); }), "no fault");
+}
+
+TEST_F(FileSystemTest, RemovesNoFolderAsAFile) {
+  m_directory.write("folder/file", std::string());
+  EXPECT_THAT(faultOf([&] { files().remove(m_directory.path() / "folder"); }),
+              HasSubstr("cannot remove"));
+  EXPECT_TRUE(files().exists(m_directory.path() / "folder" / "file"));
+}
+
+TEST_F(FileSystemTest, GivesALockToOneAtATime) {
+  const auto path = m_directory.path() / "lock";
+  auto first = files().lock(path);
+  ASSERT_NE(first, nullptr);
+  EXPECT_TRUE(files().exists(path));
+  EXPECT_EQ(files().lock(path), nullptr);
+  first.reset();
+  EXPECT_FALSE(files().exists(path));
+  EXPECT_NE(files().lock(path), nullptr);
+}
+
+TEST_F(FileSystemTest, TakesALockWhoseFileStayedBehind) {
+  const auto path = m_directory.write("lock", std::string());
+  EXPECT_NE(files().lock(path), nullptr);
+  EXPECT_FALSE(files().exists(path));
+}
+
+TEST_F(FileSystemTest, TakesNoFolderForALock) {
+  m_directory.write("lock/file", std::string());
+  EXPECT_THAT(faultOf([&] { static_cast<void>(files().lock(m_directory.path() / "lock")); }),
+              HasSubstr("cannot lock"));
+  EXPECT_THAT(
+      faultOf([&] { static_cast<void>(files().lock(m_directory.path() / "none" / "lock")); }),
+      HasSubstr("cannot lock"));
 }
 
 TEST_F(FileSystemTest, ListsFoldersButNoFiles) {
@@ -112,36 +168,6 @@ TEST_F(FileSystemTest, RemovesFoldersWithTheirContentAndMindsNothing) {
   files().removeQuietly(m_directory.path() / "a");
   files().removeQuietly(m_directory.path() / "a");
   EXPECT_FALSE(files().exists(m_directory.path() / "a"));
-}
-
-class ReplaceContent : public testing::Test {
- protected:
-  std::string replaceFault() {
-    return faultOf([&] { replaceContent(m_files, m_path, Bytes(3, 'n')); });
-  }
-  bool hasTemporary() const { return std::filesystem::exists(m_path.string() + ".new"); }
-
-  TempDirectory m_directory;
-  WatchedFileSystem m_files;
-  std::filesystem::path m_path = m_directory.write("file", std::string("old"));
-};
-
-TEST_F(ReplaceContent, LeavesTheNewContentAndNoTemporary) {
-  EXPECT_EQ(replaceFault(), "no fault");
-  EXPECT_EQ(test::readText(m_path), "nnn");
-  EXPECT_FALSE(hasTemporary());
-}
-
-TEST_F(ReplaceContent, LeavesTheOldContentWhenItFails) {
-  m_files.beforeReplace = [&] { WatchedFileSystem::failAsFullDisk("replace", m_path); };
-  EXPECT_THAT(replaceFault(), HasSubstr("No space left"));
-  EXPECT_EQ(test::readText(m_path), "old");
-  EXPECT_FALSE(hasTemporary());
-}
-
-TEST_F(ReplaceContent, ShowsReadersTheOldContentUntilTheLastMoment) {
-  m_files.beforeReplace = [&] { EXPECT_EQ(test::readText(m_path), "old"); };
-  EXPECT_EQ(replaceFault(), "no fault");
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "midapi/FlashWrite.h"
+#include "midapi/AdapterUpdate.h"
 #include "tests/midapi/AdapterFixture.h"
 #include "tests/midapi/WatchedFileSystem.h"
 #include "tests/support/FakeClock.h"
@@ -26,12 +26,14 @@ class FlashWriteFixture : public testing::Test {
   }
   void setFaults(const std::string& faults) { m_adapters.set(kPci, "/faults", faults); }
 
-  // Writes the image as the description now asks for; keeps the code and text of a failure.
+  // Writes the image, alone in its update, as the description now asks for; keeps the code and text
+  // of a failure.
   void write() {
-    const ma::AdapterFolder folder(m_files, m_adapters.directory(), {0, 3, 0});
-    const ma::AdapterDescription description = folder.description();
     try {
-      ma::FlashWrite(m_files, folder, description, m_new, m_progress, m_clock).run();
+      ma::AdapterUpdate update(m_files, {m_files, m_adapters.directory(), {0, 3, 0}}, m_clock);
+      update.writeFlash(m_new, m_progress);
+      update.commit();
+      m_progress.complete();
     } catch (const ma::FlashFault& fault) {
       m_code = fault.code();
       m_text = fault.what();

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <future>
 #include <gmock/gmock.h>
+#include <memory>
 #include <set>
 #include <thread>
 
@@ -26,6 +27,7 @@ using ma::getCanBeUpdated;
 using ma::getFlashImageUpdateProgress;
 using ma::getPCIAddress;
 using ma::ImageComparison;
+using ma::isSameAdapter;
 using ma::prepareFlashImage;
 using ma::PrepareStatus;
 using ma::setBootType;
@@ -154,6 +156,15 @@ TEST_F(MidApi, TakesPciAddressesFromIdentifiers) {
   EXPECT_EQ(getPCIAddress("0000:af:1f.7"), (utils::PCIAddr{0xAF, 0x1F, 7}));
   EXPECT_EQ(getPCIAddress("0000:AF:1f.7"), utils::PCIAddr{});
   EXPECT_EQ(getPCIAddress(""), utils::PCIAddr{});
+}
+
+TEST_F(MidApi, TellsPortsOfOneAdapterFromThoseOfAnotherSegmentBusOrDevice) {
+  EXPECT_TRUE(isSameAdapter("0000:03:00.0", "0000:03:00.7"));
+  EXPECT_TRUE(isSameAdapter("0000:03:00.0", "0000:03:00.0"));
+  EXPECT_FALSE(isSameAdapter("0000:03:00.0", "0001:03:00.0"));
+  EXPECT_FALSE(isSameAdapter("0000:03:00.0", "0000:04:00.0"));
+  EXPECT_FALSE(isSameAdapter("0000:03:00.0", "0000:03:01.0"));
+  EXPECT_FALSE(isSameAdapter("nonsense", "nonsense"));
 }
 
 TEST_F(MidApi, TellsWhetherAnAdapterCanBeUpdated) {
@@ -306,6 +317,17 @@ TEST_F(MidApi, RefusesWritesThatCannotSucceed) {
   EXPECT_FALSE(write(image));
   EXPECT_EQ(m_code, 203U);
   EXPECT_THAT(m_text, HasSubstr(kPort));
+  EXPECT_EQ(m_adapters.flash(kPci), before);
+}
+
+TEST_F(MidApi, RefusesAnImageThatCouldNotBeReadAgain) {
+  const Bytes before = m_adapters.flash(kPci);
+  constexpr std::uint32_t kTooLarge = (256U << 20) + 1;
+  // Nobody looks at it, so the system need not find the memory.
+  const auto image = std::make_unique_for_overwrite<std::uint8_t[]>(kTooLarge);
+  EXPECT_FALSE(writeFlashImage(kPort, image.get(), kTooLarge, m_code, m_text));
+  EXPECT_EQ(m_code, 207U);
+  EXPECT_THAT(m_text, HasSubstr("0000:03:00.0 takes 268435456 bytes, and the image has 268435457"));
   EXPECT_EQ(m_adapters.flash(kPci), before);
 }
 

@@ -140,6 +140,13 @@ TEST_F(VirtualAdaptersTest, RefusesPortNumbersOutOfRange) {
   EXPECT_THAT(refusal(), HasSubstr("cannot have 9 ports"));
 }
 
+TEST_F(VirtualAdaptersTest, RefusesANameThatNoDescriptionHolds) {
+  m_spec.name = std::string(std::size_t{1} << 20, 'x');
+  EXPECT_THAT(refusal(), AllOf(HasSubstr("Adapter 0000:03:00 was not made"),
+                               HasSubstr("Give a shorter name")));
+  EXPECT_TRUE(std::filesystem::is_empty(m_adapters.directory()));
+}
+
 TEST_F(VirtualAdaptersTest, SaysWhichCheckARomFailsAndWhere) {
   giveRom(RomBuilder()
               .add(RomImage::legacy().units(4))
@@ -161,6 +168,19 @@ TEST_F(VirtualAdaptersTest, MakesTheAdaptersDirectoryWhereItIsMissing) {
   EXPECT_THAT(nested.list().adapters, IsEmpty());
   nested.add(m_spec);
   EXPECT_THAT(nested.list().adapters, SizeIs(1));
+}
+
+TEST_F(VirtualAdaptersTest, SweepsAwayWhatAKilledMakingLeft) {
+  for (const char* name : {".0000-04-00.new-0123456789abcdef", ".0000-05-00.new-12345678", ".mine",
+                           ".mine.new-0123456789abcdef"}) {
+    std::filesystem::create_directories(m_adapters.directory() / name / "nested");
+  }
+  m_virtual.add(m_spec);
+  std::set<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(m_adapters.directory())) {
+    names.insert(entry.path().filename().string());
+  }
+  EXPECT_THAT(names, ElementsAre(".mine", ".mine.new-0123456789abcdef", "0000-03-00"));
 }
 
 TEST_F(VirtualAdaptersTest, LeavesNothingBehindWhenTheDirectoryCannotBeUsed) {

@@ -1,6 +1,7 @@
 #include <atomic>
 #include <gmock/gmock.h>
 #include <thread>
+#include <vector>
 
 #include "midapi/Hex.h"
 #include "midapi/VirtualFlashBackend.h"
@@ -20,6 +21,8 @@ using ma::WriteProgress;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
+
+using Bytes = std::vector<std::uint8_t>;
 
 const PortId kPort{{0, 3, 0}, 0};
 
@@ -110,6 +113,55 @@ TEST_F(VirtualFlashBackendTest, FailsTheCapabilityWordOnDemand) {
   m_adapters.set("0000:03:00", "/faults", R"({"capabilityWord": {"code": 18, "text": "no"}})");
   EXPECT_EQ(codeOf([&] { m_backend.setCapabilityWord(kPort, 8); }), 18U);
   EXPECT_EQ(m_adapters.get("0000:03:00", "/capabilityWord"), "");
+}
+
+TEST_F(VirtualFlashBackendTest, ChangesAnAdapterAtTheEndOfItsUpdate) {
+  m_adapters.makeAdapter("0000:03:00", {1});
+  const Bytes image(100, 'n');
+  WriteProgress progress;
+  EXPECT_TRUE(m_backend.beginUpdate(kPort.adapter));
+  m_backend.setBootType({kPort.adapter, 1}, BootType::None);
+  m_backend.writeFlash(kPort, image, progress);
+  EXPECT_EQ(progress.percent(), 100U);
+  EXPECT_THAT(m_backend.readFlash(kPort).view(), ElementsAre(1));
+  EXPECT_THAT(m_backend.readFlashToBe(kPort).view(), SizeIs(100));
+  EXPECT_EQ(m_adapters.get("0000:03:00", "/ports/1/bootType"), "1");
+  m_backend.setCapabilityWord(kPort, 8);
+  m_backend.endUpdate(kPort.adapter);
+  EXPECT_THAT(m_backend.readFlash(kPort).view(), SizeIs(100));
+  EXPECT_EQ(m_adapters.get("0000:03:00", "/ports/1/bootType"), "0");
+  EXPECT_EQ(m_adapters.get("0000:03:00", "/capabilityWord"), "8");
+}
+
+TEST_F(VirtualFlashBackendTest, TakesBackAnUpdateWhoseCapabilityWordFails) {
+  m_adapters.makeAdapter("0000:03:00", {1});
+  m_adapters.set("0000:03:00", "/faults", R"({"capabilityWord": {"code": 18, "text": "no"}})");
+  const Bytes image(100, 'n');
+  WriteProgress progress;
+  EXPECT_TRUE(m_backend.beginUpdate(kPort.adapter));
+  m_backend.setBootType(kPort, BootType::None);
+  m_backend.writeFlash(kPort, image, progress);
+  EXPECT_EQ(codeOf([&] { m_backend.setCapabilityWord(kPort, 8); }), 18U);
+  m_backend.endUpdate(kPort.adapter);
+  EXPECT_EQ(m_adapters.flash("0000:03:00"), Bytes{1});
+  EXPECT_EQ(m_adapters.get("0000:03:00", "/ports/0/bootType"), "1");
+  EXPECT_THAT(m_adapters.filesOf("0000:03:00"), ElementsAre("adapter.json", "flash.rom"));
+}
+
+TEST_F(VirtualFlashBackendTest, BeginsOneUpdateOfAnAdapterAtATime) {
+  EXPECT_TRUE(m_backend.beginUpdate({0, 3, 0}));
+  EXPECT_FALSE(m_backend.beginUpdate({0, 3, 0}));
+  EXPECT_TRUE(m_backend.beginUpdate({1, 3, 0}));
+  m_backend.endUpdate({0, 3, 0});
+  EXPECT_TRUE(m_backend.beginUpdate({0, 3, 0}));
+}
+
+TEST_F(VirtualFlashBackendTest, LeavesOtherAdaptersOutOfAnUpdate) {
+  m_adapters.makeAdapter("0000:03:00", {1});
+  m_adapters.makeAdapter("0001:03:00", {1});
+  EXPECT_TRUE(m_backend.beginUpdate(kPort.adapter));
+  m_backend.setBootType({{1, 3, 0}, 0}, BootType::Uefi);
+  EXPECT_EQ(m_adapters.get("0001:03:00", "/ports/0/bootType"), "4");
 }
 
 TEST_F(VirtualFlashBackendTest, LosesNoChangeOfConcurrentCallers) {

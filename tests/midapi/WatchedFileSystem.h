@@ -32,6 +32,15 @@ class WatchedFileSystem final : public ma::FileSystem {
   std::function<void(const std::filesystem::path&, ma::FileBytes&)> afterRead =
       [](const std::filesystem::path&, ma::FileBytes&) {};
 
+  // Called before and after each step that changes something, with its name ("create", "append",
+  // "sync", "close", "replace", "syncFolder", "remove", "lock") and what it is done to. What they
+  // throw is the step's failure.
+  using StepHook = std::function<void(const std::string&, const std::filesystem::path&)>;
+  StepHook beforeStep = [](const std::string&, const std::filesystem::path&) {};
+  StepHook afterStep = [](const std::string&, const std::filesystem::path&) {};
+  // Nothing is tidied up any more: the process is as good as dead.
+  bool isDead = false;
+
   // For the hooks: fails as a full disk does.
   [[noreturn]] static void failAsFullDisk(const std::string& operation,
                                           const std::filesystem::path& path) {
@@ -53,39 +62,71 @@ class WatchedFileSystem final : public ma::FileSystem {
       const std::filesystem::path& path) const noexcept override {
     return m_real.identity(path);
   }
+  std::vector<std::filesystem::path> entries(const std::filesystem::path& path,
+                                             std::size_t max) override {
+    return m_real.entries(path, max);
+  }
   bool exists(const std::filesystem::path& path) override { return m_real.exists(path); }
   std::unique_ptr<ma::WritableFile> create(const std::filesystem::path& path) override {
-    return std::make_unique<File>(*this, m_real.create(path));
+    beforeStep("create", path);
+    auto file = std::make_unique<File>(*this, path, m_real.create(path));
+    afterStep("create", path);
+    return file;
   }
   void replace(const std::filesystem::path& from, const std::filesystem::path& to) override {
     beforeReplace();
-    m_real.replace(from, to);
+    step("replace", to, [&] { m_real.replace(from, to); });
   }
   void createFolder(const std::filesystem::path& path) override { m_real.createFolder(path); }
   void createFolders(const std::filesystem::path& path) override { m_real.createFolders(path); }
+  void syncFolder(const std::filesystem::path& path) override {
+    step("syncFolder", path, [&] { m_real.syncFolder(path); });
+  }
+  void remove(const std::filesystem::path& path) override {
+    step("remove", path, [&] { m_real.remove(path); });
+  }
+  std::unique_ptr<ma::FileLock> lock(const std::filesystem::path& path) override {
+    beforeStep("lock", path);
+    return m_real.lock(path);
+  }
   void removeQuietly(const std::filesystem::path& path) noexcept override {
-    m_real.removeQuietly(path);
+    if (!isDead) {
+      m_real.removeQuietly(path);
+    }
   }
 
  private:
   class File final : public ma::WritableFile {
    public:
-    File(WatchedFileSystem& owner, std::unique_ptr<ma::WritableFile> real)
-        : m_owner(owner), m_real(std::move(real)) {}
+    File(WatchedFileSystem& owner, std::filesystem::path path,
+         std::unique_ptr<ma::WritableFile> real)
+        : m_owner(owner), m_path(std::move(path)), m_real(std::move(real)) {}
     void append(ma::ConstBytes bytes) override {
       m_owner.beforeAppend(m_appended);
       m_owner.blocks.push_back(bytes.size());
       m_appended += bytes.size();
-      m_real->append(bytes);
+      m_owner.step("append", m_path, [&] { m_real->append(bytes); });
     }
-    void sync() override { m_real->sync(); }
-    void close() override { m_real->close(); }
+    void sync() override {
+      m_owner.step("sync", m_path, [&] { m_real->sync(); });
+    }
+    void close() override {
+      m_owner.step("close", m_path, [&] { m_real->close(); });
+    }
 
    private:
     WatchedFileSystem& m_owner;
+    std::filesystem::path m_path;
     std::unique_ptr<ma::WritableFile> m_real;
     std::size_t m_appended = 0;
   };
+
+  template <class Step>
+  void step(const std::string& name, const std::filesystem::path& path, Step take) {
+    beforeStep(name, path);
+    take();
+    afterStep(name, path);
+  }
 
   ma::FileSystem& m_real = ma::nativeFileSystem();
 };

@@ -81,7 +81,7 @@ TEST_F(RunningUpdate, ReportsAFailedCapabilityWord) {
   ASSERT_EQ(install(kFirstPort), 4096u);
 
   EXPECT_EQ(m_host.awaitEnd(), (JobReport{10, 100, 18, "No word"}));
-  EXPECT_EQ(m_host.flash(kAdapter), m_new);
+  EXPECT_EQ(m_host.flash(kAdapter), m_old);
 }
 
 TEST_F(RunningUpdate, MayFollowAFailedOne) {

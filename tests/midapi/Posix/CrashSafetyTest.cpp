@@ -1,13 +1,17 @@
-// A process that is killed while it writes leaves the old flash or the new one.
+// A process that is killed while it updates an adapter leaves it the old one or the new one.
 
+#include <algorithm>
 #include <chrono>
 #include <gmock/gmock.h>
 #include <random>
 #include <signal.h>
+#include <string>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 #include "midapi/MidApi.h"
+#include "midapi/VirtualAdapters.h"
 #include "tests/midapi/AdapterFixture.h"
 #include "tests/midapi/AdaptersVariable.h"
 #include "tests/support/RomBuilder.h"
@@ -15,6 +19,10 @@
 
 namespace {
 
+using ma::BootType;
+using ma::FlashUpdate;
+using ma::setBootType;
+using ma::updateCapabilityWord;
 using ma::writeFlashImage;
 using std::chrono::microseconds;
 using std::chrono::steady_clock;
@@ -24,6 +32,7 @@ using test::RomImage;
 
 constexpr const char* kPci = "0000:03:00";
 constexpr const char* kPort = "0000:03:00.0";
+constexpr const char* kSibling = "0000:03:00.1";
 constexpr std::chrono::seconds kPatience{20};
 
 class CrashSafety : public testing::Test {
@@ -34,11 +43,16 @@ class CrashSafety : public testing::Test {
   bool write() const {
     std::uint32_t code = 0;
     std::string text;
+    const FlashUpdate update(kPort);
+    setBootType(kPort, BootType::None);
+    setBootType(kSibling, BootType::None);
     return writeFlashImage(kPort, m_new.data(), static_cast<std::uint32_t>(m_new.size()), code,
-                           text);
+                           text) &&
+           updateCapabilityWord(kPort, {}, code, text);
   }
   // Starts a process that writes the new image.
   void startWriter() {
+    m_leftBehind = m_adapters.filesOf(kPci);
     m_writer = ::fork();
     ASSERT_GE(m_writer, 0);
     if (m_writer == 0) {
@@ -46,14 +60,24 @@ class CrashSafety : public testing::Test {
     }
   }
   void waitForTemporaryOf(std::uintmax_t size) const {
-    const auto temporary = m_adapters.folder(kPci) / "flash.rom.new";
     const auto deadline = steady_clock::now() + kPatience;
-    std::error_code missing;
-    for (std::uintmax_t found = 0; found < size || missing;
-         found = std::filesystem::file_size(temporary, missing)) {
+    while (temporarySize() < size) {
       ASSERT_LT(steady_clock::now(), deadline);
     }
   }
+  // Of the running writer's, 0 where there is none.
+  std::uintmax_t temporarySize() const {
+    for (const std::string& name : m_adapters.filesOf(kPci)) {
+      if (isTemporary(name) && std::ranges::count(m_leftBehind, name) == 0) {
+        std::error_code gone;
+        const std::uintmax_t size =
+            std::filesystem::file_size(m_adapters.folder(kPci) / name, gone);
+        return gone ? 0 : size;
+      }
+    }
+    return 0;
+  }
+  static bool isTemporary(const std::string& name) { return name.starts_with("flash.rom.new-"); }
   static void spinFor(microseconds time) {
     const auto end = steady_clock::now() + time;
     while (steady_clock::now() < end) {
@@ -66,8 +90,22 @@ class CrashSafety : public testing::Test {
     }
   }
   void expectOldOrNew() {
+    const ma::AdapterListing adapter =
+        ma::VirtualAdapters(m_adapters.directory()).list().adapters.at(0);
     const Bytes flash = m_adapters.flash(kPci);
-    EXPECT_TRUE(flash == m_old || flash == m_new) << test::parseRom(flash);
+    if (adapter.capabilityWord == 0) {
+      EXPECT_EQ(adapter.ports.at(0).bootType, BootType::Pxe);
+      EXPECT_EQ(adapter.ports.at(1).bootType, BootType::Pxe);
+      EXPECT_TRUE(flash == m_old) << test::parseRom(flash);
+    } else {
+      EXPECT_EQ(adapter.ports.at(0).bootType, BootType::None);
+      EXPECT_EQ(adapter.ports.at(1).bootType, BootType::None);
+      EXPECT_TRUE(flash == m_new) << test::parseRom(flash);
+    }
+  }
+  void makeOldAgain() {
+    std::filesystem::remove_all(m_adapters.folder(kPci));
+    m_adapters.makeAdapter(kPci, m_old);
   }
 
   const Bytes m_old = RomBuilder().add(RomImage::efi().units(400).seed(1)).build();
@@ -75,6 +113,8 @@ class CrashSafety : public testing::Test {
   test::AdapterFixture m_adapters;
   test::AdaptersVariable m_variable{m_adapters.directory()};
   pid_t m_writer = -1;
+  // What was in the folder when the writer started.
+  std::vector<std::string> m_leftBehind;
 };
 
 TEST_F(CrashSafety, KeepsTheOldFlashWhenAWriterIsKilledOnItsWay) {
@@ -85,7 +125,7 @@ TEST_F(CrashSafety, KeepsTheOldFlashWhenAWriterIsKilledOnItsWay) {
     waitForTemporaryOf(1 + random() % (m_new.size() / 2));
     killWriter();
     EXPECT_TRUE(m_adapters.flash(kPci) == m_old);
-    EXPECT_TRUE(std::filesystem::exists(m_adapters.folder(kPci) / "flash.rom.new"));
+    EXPECT_TRUE(std::ranges::any_of(m_adapters.filesOf(kPci), isTemporary));
   }
   EXPECT_TRUE(write());
   EXPECT_TRUE(m_adapters.flash(kPci) == m_new);
@@ -100,8 +140,12 @@ TEST_F(CrashSafety, HoldsOneOfBothWhateverTheMomentOfTheKill) {
     spinFor(microseconds(random() % 4000));
     killWriter();
     expectOldOrNew();
+    if (m_adapters.flash(kPci) == m_new) {
+      makeOldAgain();
+    }
   }
   EXPECT_TRUE(write());
+  EXPECT_THAT(m_adapters.filesOf(kPci), testing::ElementsAre("adapter.json", "flash.rom"));
 }
 
 }  // namespace

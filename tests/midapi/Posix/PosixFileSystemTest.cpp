@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include "midapi/Posix/PosixFileSystem.h"
+#include "tests/support/Posix/ChildProcess.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/WaitUntil.h"
 
@@ -19,13 +20,17 @@ using testing::HasSubstr;
 
 class PosixFileSystemTest : public testing::Test {
  protected:
-  std::string readFault(const std::filesystem::path& path) {
+  template <class Operation>
+  static std::string faultOf(Operation operation) {
     try {
-      static_cast<void>(nativeFileSystem().read(path, 1000));
+      operation();
     } catch (const FileFault& fault) {
       return fault.what();
     }
     return "no fault";
+  }
+  static std::string readFault(const std::filesystem::path& path) {
+    return faultOf([&] { static_cast<void>(nativeFileSystem().read(path, 1000)); });
   }
 
   test::TempDirectory m_directory;
@@ -35,6 +40,65 @@ TEST_F(PosixFileSystemTest, RefusesAFifoInsteadOfWaitingForItsWriter) {
   const auto fifo = m_directory.path() / "fifo";
   ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
   EXPECT_THAT(readFault(fifo), HasSubstr("Invalid argument"));
+}
+
+TEST_F(PosixFileSystemTest, CreatesNothingThroughALinkOrAFifo) {
+  const auto fifo = m_directory.path() / "fifo";
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  EXPECT_THAT(faultOf([&] { static_cast<void>(nativeFileSystem().create(fifo)); }),
+              HasSubstr("File exists"));
+  const auto link = m_directory.path() / "link";
+  std::filesystem::create_symlink("target", link);
+  EXPECT_THAT(faultOf([&] { static_cast<void>(nativeFileSystem().create(link)); }),
+              HasSubstr("File exists"));
+  EXPECT_FALSE(std::filesystem::exists(m_directory.path() / "target"));
+}
+
+TEST_F(PosixFileSystemTest, TakesNoFifoAndNoLinkForALock) {
+  const auto fifo = m_directory.path() / "fifo";
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  EXPECT_THAT(faultOf([&] { static_cast<void>(nativeFileSystem().lock(fifo)); }),
+              HasSubstr("cannot lock " + fifo.string() + ": Invalid argument"));
+  const auto file = m_directory.write("file", std::string("theirs"));
+  const auto link = m_directory.path() / "link";
+  std::filesystem::create_symlink(file, link);
+  EXPECT_THAT(faultOf([&] { static_cast<void>(nativeFileSystem().lock(link)); }),
+              HasSubstr("cannot lock " + link.string()));
+  EXPECT_EQ(test::readText(file), "theirs");
+}
+
+TEST_F(PosixFileSystemTest, KeepsALockFromThoseWhoMayNotWriteItsFolder) {
+  const auto path = m_directory.path() / "lock";
+  const auto lock = nativeFileSystem().lock(path);
+  struct stat state {};
+  ASSERT_EQ(::stat(path.c_str(), &state), 0);
+  EXPECT_EQ(state.st_mode & 0777, 0600u);
+}
+
+TEST_F(PosixFileSystemTest, SharesALockWithTheGroupThatMayWriteItsFolder) {
+  std::filesystem::permissions(m_directory.path(), std::filesystem::perms::group_write,
+                               std::filesystem::perm_options::add);
+  const auto path = m_directory.path() / "lock";
+  const auto lock = nativeFileSystem().lock(path);
+  struct stat state {};
+  ASSERT_EQ(::stat(path.c_str(), &state), 0);
+  EXPECT_EQ(state.st_mode & 0777, 0660u);
+}
+
+TEST_F(PosixFileSystemTest, TakesTheLockOfAProcessThatDied) {
+  const auto path = m_directory.path() / "lock";
+  test::ChildProcess holder([&path](test::ChildProcess::Link& parent) {
+    const auto lock = nativeFileSystem().lock(path);
+    parent.tell(lock != nullptr ? 'l' : 'n');
+    static_cast<void>(parent.await('e'));
+    return 0;
+  });
+  ASSERT_TRUE(holder.link().await('l'));
+  EXPECT_EQ(nativeFileSystem().lock(path), nullptr);
+  holder.kill();
+  EXPECT_TRUE(std::filesystem::exists(path));
+  EXPECT_NE(nativeFileSystem().lock(path), nullptr);
+  EXPECT_FALSE(std::filesystem::exists(path));
 }
 
 TEST_F(PosixFileSystemTest, GivesAnIdentityToAFileThatIsLeftAlone) {

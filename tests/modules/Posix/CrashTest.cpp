@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <iostream>
 #include <random>
+#include <set>
 #include <system_error>
 
 #include "tests/modules/Firmware.h"
@@ -45,13 +46,32 @@ class KilledHost : public testing::Test {
   // Waits for the moment at which so many bytes are written: to the file that becomes the flash,
   // or to the flash itself.
   bool awaitWritten(std::size_t count) const {
-    std::filesystem::path written = m_host.flashPath(kAdapter);
-    written += ".new";
-    return test::waitUntil([this, count, &written] {
-      std::error_code missing;
-      const std::uintmax_t size = std::filesystem::file_size(written, missing);
-      return missing ? m_host.flash(kAdapter) == m_new : size >= count;
-    });
+    return test::waitUntil(
+        [this, count] { return m_host.flash(kAdapter) == m_new || hasTemporaryOf(count); });
+  }
+
+  // Returns whether the host that was started last has such a file, which killed ones left behind
+  // before.
+  bool hasTemporaryOf(std::size_t size) const {
+    for (const std::filesystem::path& path : temporaries()) {
+      std::error_code gone;
+      if (m_leftBehind.count(path) == 0 && std::filesystem::file_size(path, gone) >= size &&
+          !gone) {
+        return true;
+      }
+    }
+    return false;
+  }
+
+  std::set<std::filesystem::path> temporaries() const {
+    std::set<std::filesystem::path> found;
+    const std::filesystem::path folder = m_host.flashPath(kAdapter).parent_path();
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+      if (entry.path().filename().string().starts_with("flash.rom.new-")) {
+        found.insert(entry.path());
+      }
+    }
+    return found;
   }
 
   void expectOldOrNew() const {
@@ -62,6 +82,7 @@ class KilledHost : public testing::Test {
   const Bytes m_old = RomBuilder().add(RomImage::efi().units(300).seed(1)).build();
   const Bytes m_new = RomBuilder().add(RomImage::efi().units(600).seed(2)).build();
   test::ModuleHost m_host;
+  std::set<std::filesystem::path> m_leftBehind;
   const std::string m_image = m_host.makeImage(m_new);
 };
 
@@ -73,6 +94,7 @@ TEST_F(KilledHost, LeavesTheOldFlashOrTheNewOne) {
     m_host.makeAdapter(kAdapter, m_old, "\"writeRate\": 4000000");
     const std::size_t moment = random() % (m_new.size() + 1);
     SCOPED_TRACE("killed after " + std::to_string(moment) + " bytes");
+    m_leftBehind = temporaries();
     ChildProcess host = startHost();
     ASSERT_TRUE(awaitWritten(moment));
     host.kill();
