@@ -69,7 +69,7 @@ void QuorvelConfig::initialize() {
   const ScopedLock lock(m_lock);
   try {
     readSettings();
-  } catch (const std::exception&) {
+  } catch (...) {
     logDebug(kLog, kInitialize, "Reading config values from register - failed");
   }
 }

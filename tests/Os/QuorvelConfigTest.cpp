@@ -1,15 +1,12 @@
 #include <atomic>
-#include <cerrno>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <map>
-#include <memory>
-#include <optional>
 #include <thread>
 
 #include "Os/QuorvelConfig.h"
+#include "tests/Os/NoMemoryAfter.h"
 #include "tests/Os/Platform.h"
-#include "tests/Os/SystemFaults.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Settings.h"
 #include "tests/support/TempDirectory.h"
@@ -208,31 +205,6 @@ TEST_F(QuorvelConfig, KeepsWhatItReadWhenASettingGoesAway) {
   EXPECT_THAT(m_config.getFWFilePaths(), IsEmpty());
 }
 
-// Memory runs out for one moment after a record.
-class NoMemoryAfter : private utils::LogSinks {
- public:
-  explicit NoMemoryAfter(const std::string& message)
-      : m_message(message), m_previous(utils::exchangeLogSinks(this)) {}
-  ~NoMemoryAfter() override { utils::exchangeLogSinks(m_previous); }
-
- private:
-  void writeEventLog(const std::string& line) noexcept override { m_previous->writeEventLog(line); }
-  void writeDebugChannel(const std::string& line) noexcept override {
-    m_previous->writeDebugChannel(line);
-  }
-  // The last of the places that a record goes to.
-  void writeStandardError(const std::string& text) noexcept override {
-    m_previous->writeStandardError(text);
-    if (text.find(m_message) != std::string::npos) {
-      m_noMemory.emplace(test::SystemCall::Allocate, ENOMEM);
-    }
-  }
-
-  const std::string m_message;
-  std::optional<test::FailingCall> m_noMemory;
-  utils::LogSinks* m_previous;
-};
-
 TEST_F(QuorvelConfig, KeepsWhatItHadAndSaysSoWhenReadingFails) {
 #ifdef QUORVEL_TEST_THREAD_SANITIZER
   GTEST_SKIP() << "ThreadSanitizer lets no program have an operator new of its own";
@@ -242,7 +214,7 @@ TEST_F(QuorvelConfig, KeepsWhatItHadAndSaysSoWhenReadingFails) {
   write({{"Namespace", "root/of/the/second/reading"}, {"OEMCustomizeable", 0U}});
   const LogCapture log;
   {
-    const NoMemoryAfter noMemory("Getting TimeOut from register - failed");
+    const test::NoMemoryAfter noMemory("Getting TimeOut from register - failed");
     m_config.initialize();
   }
 
