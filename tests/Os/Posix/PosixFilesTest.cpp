@@ -13,6 +13,7 @@
 #include "Os/Files.h"
 #include "platform/Posix/Descriptor.h"
 #include "tests/Os/FilesFixture.h"
+#include "tests/Os/HungDirectory.h"
 #include "tests/support/Posix/ChildProcess.h"
 
 namespace {
@@ -95,6 +96,30 @@ TEST_F(PosixFiles, DoNotHoldAReaderOfAPipeUp) {
 
   EXPECT_TRUE(child.link().await('r'));
   EXPECT_EQ(child.wait(), 0);
+}
+
+TEST_F(PosixFiles, CountAsMissingWhereTheFileSystemDoesNotAnswer) {
+  const std::string away = file("away/file", "12345");
+  const std::string here = file("here/file", "12345");
+  {
+    const test::HungDirectory hung(path("away"));
+
+    expectNotOpened(away);
+    EXPECT_FALSE(os::isThisADir(path("away")));
+    EXPECT_EQ(os::getFileSize(here), 5);
+    EXPECT_EQ(read(here, 16), "12345");
+  }
+  EXPECT_EQ(os::getFileSize(away), 5);
+  EXPECT_EQ(read(away, 16), "12345");
+}
+
+TEST_F(PosixFiles, OfSeveralPiecesAreReadWhole) {
+  std::string content(std::size_t{9} << 20, 'x');
+  content.front() = 'a';
+  content[std::size_t{4} << 20] = 'b';
+  content.back() = 'c';
+
+  EXPECT_EQ(read(file("long", content), static_cast<std::int32_t>(content.size()) + 1), content);
 }
 
 }  // namespace
