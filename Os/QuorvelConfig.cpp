@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <iterator>
+#include <limits>
 #include <utility>
 
 #include "Os/Files.h"
 #include "Os/SettingsStore.h"
 #include "Utils/Conversions.h"
 #include "Utils/Log.h"
+#include "Utils/RefusalTexts.h"
 
 namespace utils {
 namespace {
@@ -21,12 +23,15 @@ constexpr SettingName kTimeout{kQuorvelKey, "Timeout", true};
 constexpr SettingName kNamespace{kQuorvelKey, "Namespace"};
 constexpr SettingName kOemCustomizeable{kRavlKey, "OEMCustomizeable", true};
 constexpr SettingName kFirmwarePaths{kQuorvelKey, "FWFilePath"};
-constexpr SettingName kKnownSettings[] = {kTimeout, kNamespace, kOemCustomizeable, kFirmwarePaths};
+constexpr SettingName kMaxImageSize{kQuorvelKey, "MaxImageSize", true};
+constexpr SettingName kKnownSettings[] = {kTimeout, kNamespace, kOemCustomizeable, kFirmwarePaths,
+                                          kMaxImageSize};
 
 constexpr const char* kNamespaceRoot = "root";
 constexpr std::uint32_t kDefaultTimeout = 300'000;  // milliseconds
 constexpr std::uint32_t kDowngradeEnableBit = 0x20;
 constexpr std::size_t kShortestPath = 2;
+constexpr std::uint32_t kLargestFile = std::numeric_limits<std::int32_t>::max();  // see Os/Files.h
 
 }  // namespace
 
@@ -81,6 +86,33 @@ void QuorvelConfig::initialize() {
   } catch (...) {
     logDebug(kLog, kInitialize, "Reading config values from register - failed");
   }
+}
+
+std::uint32_t QuorvelConfig::getMaxImageSize() {
+  const SettingsStore store(m_path);
+  std::uint32_t size = kDefaultMaxImageSize;
+  static_cast<void>(store.read(kMaxImageSize, size));
+  std::string problem;
+  if (size == 0 || size > kLargestFile) {
+    problem = store.placeOf(kMaxImageSize) + ": MaxImageSize is ignored: " + std::to_string(size) +
+              " is no number from 1 to " + std::to_string(kLargestFile);
+    size = kDefaultMaxImageSize;
+  }
+  const ScopedLock lock(m_lock);
+  if (problem != m_reportedMaxImageSize) {
+    m_reportedMaxImageSize = problem;
+    if (!problem.empty()) {
+      logError(kLog, "utils::QuorvelConfig::getMaxImageSize", "%s", problem.c_str());
+    }
+  }
+  return size;
+}
+
+std::string QuorvelConfig::findSizeExcess(std::uint64_t size) {
+  const std::uint32_t limit = getMaxImageSize();
+  return size <= limit ? ""
+                       : "its " + std::to_string(size) + " bytes are " + refusal::kImageTooLarge +
+                             " (" + std::to_string(limit) + " in " + placeOf(m_path) + ")";
 }
 
 QuorvelConfig::Reading QuorvelConfig::readSettings() const {

@@ -12,6 +12,8 @@
 //   Namespace         Quorvel    text    taken when it begins with "root"
 //   OEMCustomizeable  RAVL       number  bit 0x20 allows a forced change of image types
 //   FWFilePath        Quorvel    text    directories of firmware files, separated by ';'
+//   MaxImageSize      Quorvel    number  bytes of the largest firmware file that is read, from 1 to
+//                                        2^31 - 1
 
 #ifndef ORVEX_OS_QUORVELCONFIG_H_
 #define ORVEX_OS_QUORVELCONFIG_H_
@@ -37,6 +39,7 @@ class ORVEX_CORE_API QuorvelConfig : public AutoSingleton<QuorvelConfig> {
   static constexpr const char* kTypeName = "utils::QuorvelConfig";
   static constexpr const char* kDefaultPath = "/etc/OrvexQuorvelProvider.conf";
   static constexpr const char* kDefaultNamespace = "root/DCIM/zolan";
+  static constexpr std::uint32_t kDefaultMaxImageSize = std::uint32_t{64} << 20;  // bytes
 
   // `path` is the configuration file; Windows does not read it.
   explicit QuorvelConfig(const std::string& path = kDefaultPath);
@@ -52,6 +55,12 @@ class ORVEX_CORE_API QuorvelConfig : public AutoSingleton<QuorvelConfig> {
   virtual std::vector<std::string> getFWFilePaths();
   // Reads the store.
   virtual void initialize();
+  // Reads its one setting alone, without the records of initialize().
+  virtual std::uint32_t getMaxImageSize();  // bytes
+
+  // Returns why a firmware file of that many bytes is too large, with the limit and where it is
+  // set; an empty text where it is not.
+  [[nodiscard]] std::string findSizeExcess(std::uint64_t size);
 
  private:
   // What one reading of the store found; nothing for what is missing or cannot be used.
@@ -74,6 +83,7 @@ class ORVEX_CORE_API QuorvelConfig : public AutoSingleton<QuorvelConfig> {
   std::uint64_t m_lastBegun ORVEX_GUARDED_BY(m_lock) = 0;
   std::uint64_t m_lastTaken ORVEX_GUARDED_BY(m_lock) = 0;
   std::set<std::string> m_reported ORVEX_GUARDED_BY(m_lock);
+  std::string m_reportedMaxImageSize ORVEX_GUARDED_BY(m_lock);
   std::string m_namespace ORVEX_GUARDED_BY(m_lock);
   std::uint32_t m_timeout ORVEX_GUARDED_BY(m_lock);
   bool m_isDowngradeEnabled ORVEX_GUARDED_BY(m_lock) = false;

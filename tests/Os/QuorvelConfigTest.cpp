@@ -205,6 +205,38 @@ TEST_F(QuorvelConfig, KeepsWhatItReadWhenASettingGoesAway) {
   EXPECT_THAT(m_config.getFWFilePaths(), IsEmpty());
 }
 
+TEST_F(QuorvelConfig, TakesTheSizeOfTheLargestImage) {
+  EXPECT_EQ(m_config.getMaxImageSize(), 64U << 20);
+  for (const std::uint32_t size : {1U, 4096U, 0x7FFFFFFFU}) {
+    write({{"MaxImageSize", size}});
+    EXPECT_EQ(m_config.getMaxImageSize(), size);
+  }
+  write({});
+  EXPECT_EQ(m_config.getMaxImageSize(), 64U << 20);
+}
+
+TEST_F(QuorvelConfig, ReportsASizeOfTheLargestImageThatNoFileHasOnce) {
+  for (const std::uint32_t size : {0U, 0x80000000U}) {
+    write({{"MaxImageSize", size}});
+    const LogCapture log;
+
+    EXPECT_EQ(m_config.getMaxImageSize(), 64U << 20);
+    EXPECT_EQ(m_config.getMaxImageSize(), 64U << 20);
+    EXPECT_THAT(log.messages("utils::QuorvelConfig::getMaxImageSize"),
+                ElementsAre(testing::EndsWith("MaxImageSize is ignored: " + std::to_string(size) +
+                                              " is no number from 1 to 2147483647")));
+  }
+}
+
+TEST_F(QuorvelConfig, SaysHowMuchTooLargeAnImageIs) {
+  write({{"MaxImageSize", 4096U}});
+
+  EXPECT_EQ(m_config.findSizeExcess(4096), "");
+  EXPECT_EQ(m_config.findSizeExcess(4097),
+            "its 4097 bytes are more than MaxImageSize allows (4096 in " +
+                utils::QuorvelConfig::placeOf(m_settings.path()) + ")");
+}
+
 TEST_F(QuorvelConfig, KeepsWhatItHadAndSaysSoWhenReadingFails) {
 #ifdef QUORVEL_TEST_THREAD_SANITIZER
   GTEST_SKIP() << "ThreadSanitizer lets no program have an operator new of its own";
