@@ -1,5 +1,6 @@
 // Files of the kinds that only POSIX has.
 
+#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -14,7 +15,10 @@
 #include "platform/Posix/Descriptor.h"
 #include "tests/Os/FilesFixture.h"
 #include "tests/Os/HungDirectory.h"
+#include "tests/Os/Platform.h"
+#include "tests/support/LogCapture.h"
 #include "tests/support/Posix/ChildProcess.h"
+#include "tests/support/WaitUntil.h"
 
 namespace {
 
@@ -111,6 +115,29 @@ TEST_F(PosixFiles, CountAsMissingWhereTheFileSystemDoesNotAnswer) {
   }
   EXPECT_EQ(os::getFileSize(away), 5);
   EXPECT_EQ(read(away, 16), "12345");
+}
+
+TEST_F(PosixFiles, LogThatTheFileSystemDoesNotAnswer) {
+  const std::string path = file("file", "12345");
+  const auto isGivenUp = [&path] {
+    try {
+      return os::getFileSize(path) < 0;
+    } catch (const utils::Exception&) {
+      return true;
+    }
+  };
+  const test::LogCapture log;
+  const auto before = os::fileCalls().setPatience(std::chrono::milliseconds(0));
+  const bool wasGivenUp = test::waitUntil(isGivenUp);
+  os::fileCalls().setPatience(before);
+
+  EXPECT_TRUE(wasGivenUp);
+  EXPECT_THAT(
+      log.records(test::LogSink::EventLog),
+      test::HasRecordOf(test::kFilesSource, test::LogLevel::Error, "os::getFileSize",
+                        "The file system of '" + path +
+                            "' does not answer; what is there counts as missing until it does"));
+  EXPECT_TRUE(test::waitUntil([&isGivenUp] { return !isGivenUp(); }));
 }
 
 TEST_F(PosixFiles, OfSeveralPiecesAreReadWhole) {
