@@ -178,7 +178,7 @@ void QuorvelConfig::readFirmwarePaths(const std::string& text, const std::string
       logDebug(kLog, kInitialize, "Read next FWFilePath : %s", path.c_str());
       reading.firmwarePaths.push_back(path);
     } else {
-      reading.problems.insert(ignored + "there is no such directory");
+      reading.problems.insert(ignored + "there is no such directory, or it does not answer");
     }
   }
 }

@@ -16,6 +16,7 @@
 #include "tests/Os/FilesFixture.h"
 #include "tests/Os/HungDirectory.h"
 #include "tests/Os/Platform.h"
+#include "tests/Os/Posix/HungMount.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Posix/ChildProcess.h"
 #include "tests/support/WaitUntil.h"
@@ -138,6 +139,22 @@ TEST_F(PosixFiles, LogThatTheFileSystemDoesNotAnswer) {
                         "The file system of '" + path +
                             "' does not answer; what is there counts as missing until it does"));
   EXPECT_TRUE(test::waitUntil([&isGivenUp] { return !isGivenUp(); }));
+}
+
+TEST_F(PosixFiles, AreGivenUpOnAFileSystemThatHangs) {
+  const std::string directory = folder("hung");
+  test::HungMount mount(directory);
+  if (!mount.isMounted()) {
+    GTEST_SKIP() << "this user may mount no file system of a program";
+  }
+  const auto before = os::fileCalls().setPatience(std::chrono::milliseconds(50));
+  EXPECT_FALSE(os::isThisADir(directory));
+  expectNotOpened(directory + "/image.rom");
+  os::fileCalls().setPatience(before);
+
+  EXPECT_EQ(os::getFileSize(file("here", "12345")), 5);
+  mount.end();
+  EXPECT_TRUE(test::waitUntil([&directory] { return os::isThisADir(directory); }));
 }
 
 TEST_F(PosixFiles, OfSeveralPiecesAreReadWhole) {

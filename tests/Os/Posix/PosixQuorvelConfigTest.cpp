@@ -99,7 +99,8 @@ TEST_F(WrittenConfig, ReportsEachValueThatCannotBeUsed) {
                   at(2) + "Namespace is ignored: 'interop' does not begin with root",
                   at(3) + "OEMCustomizeable is ignored: 'yes' is no number below 4294967296, "
                           "decimal without leading zeros or hexadecimal with 0x",
-                  at(4) + "FWFilePath: '" + missing + "' is ignored: there is no such directory",
+                  at(4) + "FWFilePath: '" + missing +
+                      "' is ignored: there is no such directory, or it does not answer",
                   at(4) + "FWFilePath: 'x' is ignored: it is too short; write it with a directory "
                           "before it",
                   at(5) + "expected 'name = value', found 'Timeout'"));
