@@ -3,6 +3,10 @@
 // Only regular files count as files; a device, a socket or a pipe "could not be opened". So could a
 // file of 2 GiB or more, whose size does not fit the interface. Paths are texts of the program (see
 // platform/Texts.h).
+//
+// POSIX: no call waits for ever. What a file system does not answer in time (see Os/FileCalls.h) is
+// missing, an error record says so, and until it answers nothing more is asked of that directory.
+// (Windows gives up such calls by itself.)
 
 #ifndef ORVEX_OS_FILES_H_
 #define ORVEX_OS_FILES_H_

@@ -1,9 +1,15 @@
 #include "Os/QuorvelConfig.h"
 
+#include <algorithm>
+#include <iterator>
+#include <limits>
+#include <utility>
+
 #include "Os/Files.h"
 #include "Os/SettingsStore.h"
 #include "Utils/Conversions.h"
 #include "Utils/Log.h"
+#include "Utils/RefusalTexts.h"
 
 namespace utils {
 namespace {
@@ -13,15 +19,19 @@ constexpr const char* kInitialize = "utils::QuorvelConfig::initialize";
 
 constexpr const char* kQuorvelKey = "Quorvel";
 constexpr const char* kRavlKey = "RAVL";
-constexpr SettingName kTimeout{kQuorvelKey, "Timeout"};
+constexpr SettingName kTimeout{kQuorvelKey, "Timeout", true};
 constexpr SettingName kNamespace{kQuorvelKey, "Namespace"};
-constexpr SettingName kOemCustomizeable{kRavlKey, "OEMCustomizeable"};
+constexpr SettingName kOemCustomizeable{kRavlKey, "OEMCustomizeable", true};
 constexpr SettingName kFirmwarePaths{kQuorvelKey, "FWFilePath"};
+constexpr SettingName kMaxImageSize{kQuorvelKey, "MaxImageSize", true};
+constexpr SettingName kKnownSettings[] = {kTimeout, kNamespace, kOemCustomizeable, kFirmwarePaths,
+                                          kMaxImageSize};
 
 constexpr const char* kNamespaceRoot = "root";
 constexpr std::uint32_t kDefaultTimeout = 300'000;  // milliseconds
 constexpr std::uint32_t kDowngradeEnableBit = 0x20;
 constexpr std::size_t kShortestPath = 2;
+constexpr std::uint32_t kLargestFile = std::numeric_limits<std::int32_t>::max();  // see Os/Files.h
 
 }  // namespace
 
@@ -66,53 +76,98 @@ std::vector<std::string> QuorvelConfig::getFWFilePaths() {
 
 void QuorvelConfig::initialize() {
   logDebug(kLog, kInitialize, "Trying to read register ...");
-  const ScopedLock lock(m_lock);
+  std::uint64_t number = 0;
+  {
+    const ScopedLock lock(m_lock);
+    number = ++m_lastBegun;
+  }
   try {
-    readSettings();
-  } catch (const std::exception&) {
+    takeOver(number, readSettings());
+  } catch (...) {
     logDebug(kLog, kInitialize, "Reading config values from register - failed");
   }
 }
 
-void QuorvelConfig::readSettings() {
+std::uint32_t QuorvelConfig::getMaxImageSize() {
   const SettingsStore store(m_path);
+  std::uint32_t size = kDefaultMaxImageSize;
+  static_cast<void>(store.read(kMaxImageSize, size));
+  std::string problem;
+  if (size == 0 || size > kLargestFile) {
+    problem = store.placeOf(kMaxImageSize) + ": MaxImageSize is ignored: " + std::to_string(size) +
+              " is no number from 1 to " + std::to_string(kLargestFile);
+    size = kDefaultMaxImageSize;
+  }
+  const ScopedLock lock(m_lock);
+  if (problem != m_reportedMaxImageSize) {
+    m_reportedMaxImageSize = problem;
+    if (!problem.empty()) {
+      logError(kLog, "utils::QuorvelConfig::getMaxImageSize", "%s", problem.c_str());
+    }
+  }
+  return size;
+}
+
+std::string QuorvelConfig::findSizeExcess(std::uint64_t size) {
+  const std::uint32_t limit = getMaxImageSize();
+  return size <= limit ? ""
+                       : "its " + std::to_string(size) + " bytes are " + refusal::kImageTooLarge +
+                             " (" + std::to_string(limit) + " in " + placeOf(m_path) + ")";
+}
+
+QuorvelConfig::Reading QuorvelConfig::readSettings() const {
+  const SettingsStore store(m_path);
+  Reading reading;
 
   std::uint32_t timeout = 0;
   if (!store.read(kTimeout, timeout)) {
     logDebug(kLog, kInitialize, "Getting TimeOut from register - failed");
   } else if (timeout != 0) {
-    m_timeout = timeout;
+    reading.timeout = timeout;
+  } else {
+    reading.problems.insert(store.placeOf(kTimeout) + ": Timeout is ignored: it must not be 0");
   }
 
   std::string name;
   if (!store.read(kNamespace, name)) {
     logDebug(kLog, kInitialize, "Getting Namespace from register - failed");
   } else if (name.starts_with(kNamespaceRoot)) {
-    m_namespace = name;
+    reading.nameSpace = name;
+  } else {
+    reading.problems.insert(store.placeOf(kNamespace) + ": Namespace is ignored: '" + name +
+                            "' does not begin with " + kNamespaceRoot);
   }
 
   std::uint32_t customisation = 0;
   if (!store.read(kOemCustomizeable, customisation)) {
     logDebug(kLog, kInitialize, "Getting LogLevel from register - failed");
   } else {
-    m_isDowngradeEnabled = (customisation & kDowngradeEnableBit) != 0;
+    reading.isDowngradeEnabled = (customisation & kDowngradeEnableBit) != 0;
   }
 
-  m_firmwarePaths.clear();
   std::string paths;
   if (!store.read(kFirmwarePaths, paths)) {
     logDebug(kLog, kInitialize, "Getting Firmware File Paths from register - failed");
   } else {
     logDebug(kLog, kInitialize, "Getting Firmware File Paths from: %s", paths.c_str());
-    readFirmwarePaths(paths);
+    readFirmwarePaths(paths, store.placeOf(kFirmwarePaths), reading);
   }
+  for (std::string& problem : store.findProblems(kKnownSettings)) {
+    reading.problems.insert(std::move(problem));
+  }
+  return reading;
 }
 
-void QuorvelConfig::readFirmwarePaths(const std::string& text) {
+void QuorvelConfig::readFirmwarePaths(const std::string& text, const std::string& place,
+                                      Reading& reading) {
   for (std::string path : split(text, ';', kNoQuote)) {
+    const std::string ignored = place + ": FWFilePath: '" + path + "' is ignored: ";
     logDebug(kLog, kInitialize, "Candidate path : %s", path.c_str());
     if (path.size() < kShortestPath) {
       logDebug(kLog, kInitialize, "Path %s is too short", path.c_str());
+      if (!path.empty()) {
+        reading.problems.insert(ignored + "it is too short; write it with a directory before it");
+      }
       continue;
     }
     if (path.ends_with('\\')) {
@@ -121,8 +176,31 @@ void QuorvelConfig::readFirmwarePaths(const std::string& text) {
     }
     if (os::isThisADir(path)) {
       logDebug(kLog, kInitialize, "Read next FWFilePath : %s", path.c_str());
-      m_firmwarePaths.push_back(path);
+      reading.firmwarePaths.push_back(path);
+    } else {
+      reading.problems.insert(ignored + "there is no such directory, or it does not answer");
     }
+  }
+}
+
+void QuorvelConfig::takeOver(std::uint64_t number, Reading reading) {
+  std::vector<std::string> news;
+  {
+    const ScopedLock lock(m_lock);
+    if (number < m_lastTaken) {
+      return;
+    }
+    std::set_difference(reading.problems.begin(), reading.problems.end(), m_reported.begin(),
+                        m_reported.end(), std::back_inserter(news));
+    m_lastTaken = number;
+    m_timeout = reading.timeout.value_or(m_timeout);
+    m_namespace = reading.nameSpace.value_or(m_namespace);
+    m_isDowngradeEnabled = reading.isDowngradeEnabled.value_or(m_isDowngradeEnabled);
+    m_firmwarePaths = std::move(reading.firmwarePaths);
+    m_reported = std::move(reading.problems);
+  }
+  for (const std::string& problem : news) {
+    logError(kLog, "utils::QuorvelConfig::takeOver", "%s", problem.c_str());
   }
 }
 

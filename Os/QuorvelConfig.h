@@ -1,8 +1,10 @@
 // The agent's settings.
 //
 // Every getter reads the store again, so a change takes effect at the next use; a value that is
-// missing or unusable is logged and the default, or the value read before, stands. Any thread may
-// call. The store is the configuration file on POSIX, the registry on Windows
+// missing or unusable is logged and the default, or the value read before, stands. What cannot be
+// used of what is written there (a name that nobody knows, too) is an error record, once until it
+// was mended. Any thread may call; none waits for another's reading, which a file system may hold
+// up. The store is the configuration file on POSIX, the registry on Windows
 // (which alone has keys):
 //
 //   name              store key  type    effect
@@ -10,11 +12,15 @@
 //   Namespace         Quorvel    text    taken when it begins with "root"
 //   OEMCustomizeable  RAVL       number  bit 0x20 allows a forced change of image types
 //   FWFilePath        Quorvel    text    directories of firmware files, separated by ';'
+//   MaxImageSize      Quorvel    number  bytes of the largest firmware file that is read, from 1 to
+//                                        2^31 - 1
 
 #ifndef ORVEX_OS_QUORVELCONFIG_H_
 #define ORVEX_OS_QUORVELCONFIG_H_
 
 #include <cstdint>
+#include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -33,6 +39,7 @@ class ORVEX_CORE_API QuorvelConfig : public AutoSingleton<QuorvelConfig> {
   static constexpr const char* kTypeName = "utils::QuorvelConfig";
   static constexpr const char* kDefaultPath = "/etc/OrvexQuorvelProvider.conf";
   static constexpr const char* kDefaultNamespace = "root/DCIM/zolan";
+  static constexpr std::uint32_t kDefaultMaxImageSize = std::uint32_t{64} << 20;  // bytes
 
   // `path` is the configuration file; Windows does not read it.
   explicit QuorvelConfig(const std::string& path = kDefaultPath);
@@ -48,13 +55,35 @@ class ORVEX_CORE_API QuorvelConfig : public AutoSingleton<QuorvelConfig> {
   virtual std::vector<std::string> getFWFilePaths();
   // Reads the store.
   virtual void initialize();
+  // Reads its one setting alone, without the records of initialize().
+  virtual std::uint32_t getMaxImageSize();  // bytes
+
+  // Returns why a firmware file of that many bytes is too large, with the limit and where it is
+  // set; an empty text where it is not.
+  [[nodiscard]] std::string findSizeExcess(std::uint64_t size);
 
  private:
-  void readSettings() ORVEX_REQUIRES(m_lock);
-  void readFirmwarePaths(const std::string& text) ORVEX_REQUIRES(m_lock);
+  // What one reading of the store found; nothing for what is missing or cannot be used.
+  struct Reading {
+    std::optional<std::uint32_t> timeout;
+    std::optional<std::string> nameSpace;
+    std::optional<bool> isDowngradeEnabled;
+    std::vector<std::string> firmwarePaths;
+    std::set<std::string> problems;
+  };
+
+  [[nodiscard]] Reading readSettings() const;
+  static void readFirmwarePaths(const std::string& text, const std::string& place,
+                                Reading& reading);
+  // Puts a reading in force, unless one that began later is. `number` counts readings.
+  void takeOver(std::uint64_t number, Reading reading);
 
   const std::string m_path;
   Mutex m_lock;
+  std::uint64_t m_lastBegun ORVEX_GUARDED_BY(m_lock) = 0;
+  std::uint64_t m_lastTaken ORVEX_GUARDED_BY(m_lock) = 0;
+  std::set<std::string> m_reported ORVEX_GUARDED_BY(m_lock);
+  std::string m_reportedMaxImageSize ORVEX_GUARDED_BY(m_lock);
   std::string m_namespace ORVEX_GUARDED_BY(m_lock);
   std::uint32_t m_timeout ORVEX_GUARDED_BY(m_lock);
   bool m_isDowngradeEnabled ORVEX_GUARDED_BY(m_lock) = false;

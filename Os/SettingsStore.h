@@ -2,15 +2,19 @@
 //
 // POSIX: a file of "name = value" lines with '#' comments, read afresh by every store. Blanks round
 // names and values do not count; of several lines with one name the last holds; a line without '='
-// is logged and skipped. Windows: the registry, under "SOFTWARE\ZOLAN\Network_Services\" and the
-// key.
+// is logged and skipped. A value may stand in double quotes: then '#' and blanks belong to it, and
+// a double quote inside it stands behind a backslash. Numbers are decimal without leading zeros or
+// hexadecimal behind 0x, below 2^32. Windows: the registry, under
+// "SOFTWARE\ZOLAN\Network_Services\" and the key.
 
 #ifndef ORVEX_OS_SETTINGSSTORE_H_
 #define ORVEX_OS_SETTINGSSTORE_H_
 
 #include <cstdint>
 #include <map>
+#include <span>
 #include <string>
+#include <vector>
 
 #include "Utils/Export.h"
 #include "Utils/Log.h"
@@ -20,6 +24,7 @@ namespace utils {
 struct SettingName {
   const char* key;   // the registry key
   const char* name;  // the value under it
+  bool isNumber = false;
 };
 
 class ORVEX_CORE_API SettingsStore {
@@ -36,8 +41,24 @@ class ORVEX_CORE_API SettingsStore {
   [[nodiscard]] bool read(const SettingName& setting, std::uint32_t& value) const;
   [[nodiscard]] bool read(const SettingName& setting, std::string& value) const;
 
+  // Returns what a person calls the place of one setting: the file with the number of its line, or
+  // the registry value.
+  [[nodiscard]] std::string placeOf(const SettingName& setting) const;
+
+  // Returns what somebody should mend who wrote the settings, each with its place: lines that are
+  // none, names that are not among the known ones, numbers that are none. A bounded number of them.
+  // Windows: none, since the keys are not this program's alone.
+  [[nodiscard]] std::vector<std::string> findProblems(std::span<const SettingName> known) const;
+
  private:
-  std::map<std::string, std::string> m_values;
+  struct Stored {
+    std::string value;
+    std::string place;
+  };
+
+  std::string m_path;
+  std::map<std::string, Stored> m_values;
+  std::vector<std::string> m_problems;  // of lines
 };
 
 }  // namespace utils

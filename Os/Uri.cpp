@@ -38,7 +38,7 @@ bool Uri::exists() const {
   try {
     static_cast<void>(os::getFileSize(m_path));
     return true;
-  } catch (const std::exception&) {
+  } catch (...) {
     return false;
   }
 }

@@ -1,5 +1,6 @@
 #include "agent/ImageVerification.h"
 
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -21,7 +22,11 @@ constexpr utils::LogSource kLog{"Orvex_ConcreteJob"};
 constexpr const char* kCheck = "Orvex_ConcreteJob::checkAndVerifyImage";
 constexpr const char* kTypes = "Orvex_ConcreteJob::getTargetTypes";
 
-using Bytes = std::vector<std::uint8_t>;
+// The bytes of a file; not filled before they are read, for there are megabytes of them.
+struct FileBytes {
+  std::unique_ptr<std::uint8_t[]> data;
+  std::uint32_t size = 0;
+};
 
 TargetReservation reserveTarget(const std::string& target) {
   const std::string inProgress = getTargetInProgress();
@@ -36,7 +41,7 @@ TargetReservation reserveTarget(const std::string& target) {
   return TargetReservation(target);
 }
 
-Bytes readImageFile(const std::string& text) {
+FileBytes readImageFile(const std::string& text) {
   utils::logDebug(kLog, kCheck, "Checking URI : '%s' ", text.c_str());
   const utils::Uri uri(text);
   const std::string invalid = utils::format("URI: %s is invalid", text.c_str());
@@ -47,10 +52,18 @@ Bytes readImageFile(const std::string& text) {
     throw EUriDoesNotExist(invalid);
   }
   const std::string path = uri.getPath();
+  const std::string readError =
+      utils::format("Image read error: %s (%s)", text.c_str(), path.c_str());
   const std::int32_t size = os::getFileSize(path);
-  Bytes file(static_cast<std::size_t>(size));
-  if (os::readFile(path, file.data(), size) != size) {
-    throw EImageReadError(utils::format("Image read error: %s (%s)", text.c_str(), path.c_str()));
+  const std::string excess =
+      utils::QuorvelConfig::getInstance()->findSizeExcess(static_cast<std::uint32_t>(size));
+  if (!excess.empty()) {
+    throw EImageReadError(readError + ": " + excess);
+  }
+  FileBytes file{std::make_unique_for_overwrite<std::uint8_t[]>(static_cast<std::size_t>(size)),
+                 static_cast<std::uint32_t>(size)};
+  if (os::readFile(path, file.data.get(), size) != size) {
+    throw EImageReadError(readError);
   }
   return file;
 }
@@ -137,15 +150,15 @@ VerifiedImage checkAndVerifyImage(const std::string& target, const std::string& 
                                   const std::vector<std::string>& installOptionsValues) {
   VerifiedImage image;
   image.reservation = reserveTarget(target);
-  const Bytes file = readImageFile(uri);
+  const FileBytes file = readImageFile(uri);
   // What is prepared is the file or a selection of its images, and so never larger.
-  image.bytes.resize(file.size());
+  image.bytes.resize(file.size);
   image.targetTypes = getTargetTypes(installOptions, installOptionsValues);
 
   utils::logDebug(kLog, kCheck, "Start preparing the image");
-  auto size = static_cast<std::uint32_t>(file.size());
-  const ma::PrepareStatus status =
-      ma::prepareFlashImage(target, file.data(), size, image.bytes.data(), size, image.targetTypes);
+  std::uint32_t size = file.size;
+  const ma::PrepareStatus status = ma::prepareFlashImage(
+      target, file.data.get(), file.size, image.bytes.data(), size, image.targetTypes);
   utils::logDebug(kLog, kCheck, "Image prepared %d", static_cast<int>(status));
   actOnStatus(status, target, uri, cim::hasOption(installOptions, cim::kForceInstallation));
   image.bytes.resize(size);

@@ -35,6 +35,8 @@ constexpr Advice kAdvice[] = {
      "the image types are IMG_CLP, IMG_iSCSI, IMG_PXE, IMG_UEFI and IMG_FCoE, joined by '+'"},
     {refusal::kInvalidUri, "name a file, or a URI like file:///path/to/image"},
     {refusal::kUriDoesNotExist, "check the path; an image is a regular file below 2 GiB"},
+    {refusal::kImageTooLarge,
+     "get the right file, or raise MaxImageSize in the configuration of the machine that installs"},
     {refusal::kImageReadError, "check the file and its permissions"},
     {refusal::kCouldNotOpen, "check the file and its permissions"},
     {refusal::kIsDirectory, "name the image file in that directory"},

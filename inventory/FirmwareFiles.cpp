@@ -1,114 +1,87 @@
 #include "inventory/FirmwareFiles.h"
 
-#include <algorithm>
-#include <filesystem>
-#include <optional>
-#include <system_error>
+#include <atomic>
 #include <utility>
 
-#include "Os/Files.h"
-#include "Os/QuorvelConfig.h"
 #include "Utils/Log.h"
-#include "platform/Texts.h"
+#include "platform/Mutex.h"
 
 namespace inventory {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr utils::LogSource kLog{"FirmwareFiles"};
-constexpr std::uintmax_t kMaxFirmwareFile = std::uintmax_t{16} << 20;  // bytes
+constexpr const char* kUnfinished =
+    "The firmware directories are still being read; a later look has the files that this one lacks";
 
-// One look through the directories.
-class Search {
- public:
-  void searchDirectory(const fs::path& directory);
-
-  std::vector<FirmwareFile> files;
+struct Findings {
+  std::vector<FirmwareFilePtr> files;
   std::set<std::string> problems;
-
- private:
-  void examine(const fs::path& path);
-  // Returns why the file is none that can be read as a firmware file, empty when it can.
-  static std::string checkFile(const fs::path& path);
-
-  std::set<fs::path> m_seen;
 };
-
-void Search::searchDirectory(const fs::path& directory) {
-  std::vector<fs::path> paths;
-  std::error_code error;
-  for (fs::directory_iterator entry(directory, error), end; !error && entry != end;
-       entry.increment(error)) {
-    paths.push_back(entry->path());
-  }
-  if (error) {
-    problems.insert("Firmware directory '" + platform::toShownText(directory) +
-                    "' cannot be read: " + error.message());
-  }
-  // A directory lists its files in an order of its own, which clients should not depend on.
-  std::sort(paths.begin(), paths.end());
-  for (const fs::path& path : paths) {
-    examine(fs::absolute(path, error).lexically_normal());
-  }
-}
-
-void Search::examine(const fs::path& path) {
-  std::error_code error;
-  // A directory is left out in silence: an operator may keep files that are not offered in one.
-  if (fs::is_directory(path, error) || !m_seen.insert(path).second) {
-    return;
-  }
-  const std::optional<std::string> name = platform::toGenericText(path);
-  FirmwareFile file{name.value_or(platform::toShownText(path)), {}};
-  std::string problem =
-      name ? checkFile(path) : "its path has characters that the code page of this system lacks";
-  if (problem.empty()) {
-    const std::vector<std::uint8_t> content = readFirmwareFile(file.path);
-    problem = ma::describeFlashImage(content.data(), static_cast<std::uint32_t>(content.size()),
-                                     file.images);
-  }
-  if (problem.empty()) {
-    files.push_back(std::move(file));
-  } else {
-    problems.insert("Firmware file '" + file.path + "' is left out: " + problem);
-  }
-}
-
-std::string Search::checkFile(const fs::path& path) {
-  std::error_code error;
-  const fs::file_status status = fs::status(path, error);
-  if (!fs::exists(status)) {
-    return "it cannot be found";
-  }
-  if (!fs::is_regular_file(status)) {
-    return "it is no regular file";
-  }
-  return fs::file_size(path, error) > kMaxFirmwareFile ? "it is larger than 16 MiB" : "";
-}
 
 }  // namespace
 
-std::vector<std::uint8_t> readFirmwareFile(const std::string& path) {
-  std::error_code error;
-  const std::uintmax_t size = fs::file_size(platform::toPath(path), error);
-  if (error || size > kMaxFirmwareFile) {
-    return {};
+// What is known of the files. Shared with the thread of a look, which may outlive its request.
+class FirmwareFiles::Catalogue final : public FirmwareFindings {
+ public:
+  void look(utils::QuorvelConfig& config) {
+    const platform::Lock lookLock(m_lookMutex);
+    {
+      const platform::Lock lock(m_mutex);
+      m_found = {};
+    }
+    m_search.look(config, *this);
+    const platform::Lock lock(m_mutex);
+    m_latest = std::move(m_found);
+    m_found = {};
+    m_hasLatest = true;
   }
-  std::vector<std::uint8_t> content(size);
-  const std::int32_t read =
-      os::readFile(path, content.data(), static_cast<std::int32_t>(content.size()));
-  content.resize(static_cast<std::size_t>(read));  // the file may have shrunk since
-  return content;
+
+  [[nodiscard]] Findings latest() {
+    const platform::Lock lock(m_mutex);
+    return m_hasLatest ? m_latest : m_found;
+  }
+
+  // No look is needed any more.
+  void close() { m_isClosed = true; }
+
+  // FirmwareFindings
+  void addFile(FirmwareFilePtr file) override {
+    const platform::Lock lock(m_mutex);
+    m_found.files.push_back(std::move(file));
+  }
+  void addProblem(const std::string& problem) override {
+    const platform::Lock lock(m_mutex);
+    m_found.problems.insert(problem);
+  }
+  [[nodiscard]] bool isEnough() const override { return m_isClosed; }
+
+ private:
+  std::atomic<bool> m_isClosed{false};
+  platform::Mutex m_lookMutex;
+  FirmwareSearch m_search ORVEX_GUARDED_BY(m_lookMutex);
+  platform::Mutex m_mutex;
+  Findings m_found ORVEX_GUARDED_BY(m_mutex);   // by the look that goes on
+  Findings m_latest ORVEX_GUARDED_BY(m_mutex);  // by the last one that has ended
+  bool m_hasLatest ORVEX_GUARDED_BY(m_mutex) = false;
+};
+
+FirmwareFiles::FirmwareFiles(os::FileCalls::Patience patience)
+    : m_looks(patience), m_catalogue(std::make_shared<Catalogue>()) {}
+
+FirmwareFiles::~FirmwareFiles() {
+  m_catalogue->close();
 }
 
-std::vector<FirmwareFile> FirmwareFiles::find() {
-  Search search;
-  for (const std::string& directory : utils::QuorvelConfig::getInstance()->getFWFilePaths()) {
-    search.searchDirectory(platform::toPath(directory));
+std::vector<FirmwareFilePtr> FirmwareFiles::find() {
+  utils::QuorvelConfig* const config = utils::QuorvelConfig::getInstance();
+  const os::FileAnswer answer = m_looks.make(
+      "the firmware directories", [catalogue = m_catalogue, config] { catalogue->look(*config); });
+  Findings findings = m_catalogue->latest();
+  if (answer != os::FileAnswer::InTime) {
+    findings.problems.insert(kUnfinished);
   }
-  report(std::move(search.problems));
-  return std::move(search.files);
+  report(std::move(findings.problems));
+  return std::move(findings.files);
 }
 
 void FirmwareFiles::report(std::set<std::string> problems) {

@@ -1,41 +1,50 @@
-// The firmware files in the directories of the configuration (FWFilePath).
+// The firmware files in the directories of the configuration (FWFilePath), for requests.
 
 #ifndef ORVEX_INVENTORY_FIRMWAREFILES_H_
 #define ORVEX_INVENTORY_FIRMWAREFILES_H_
 
-#include <cstdint>
+#include <chrono>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "Os/FileCalls.h"
 #include "Utils/Mutex.h"
-#include "midapi/MidApi.h"
+#include "inventory/FirmwareSearch.h"
 
 namespace inventory {
 
-// A file that holds a valid chain of PCI Expansion ROM images.
-struct FirmwareFile {
-  std::string path;  // absolute, with slashes
-  std::vector<ma::FlashImageInfo> images;
-};
-
-// Returns the content of the file; empty when it cannot be read or is larger than any expansion ROM
-// (16 MiB, PCI Local Bus Specification 3.0, 6.2.5.2).
-[[nodiscard]] std::vector<std::uint8_t> readFirmwareFile(const std::string& path);
-
-// Looks for the files afresh each time. Of what it found it remembers only which problems it has
-// reported, under a lock of its own. Any thread may call.
+// Looks for the files at each request, on a thread of its own: a request waits so long and no
+// longer. The look goes on then, and until it has ended requests get at once what was last known.
+// Any thread may call. Destruction waits for nobody.
 class FirmwareFiles {
  public:
+  // Other requests wait meanwhile; who lists files for the first time wants to see them all.
+  static constexpr os::FileCalls::Patience kPatience{10'000};
+
+  explicit FirmwareFiles(os::FileCalls::Patience patience = kPatience);
+  FirmwareFiles(const FirmwareFiles&) = delete;
+  FirmwareFiles& operator=(const FirmwareFiles&) = delete;
+  ~FirmwareFiles();
+
   // Returns the files, directory by directory in the order of the configuration and in each by
-  // name; a file that two of the directories reach is there once. A file that is no firmware is
-  // left out and reported to the log, and so is a directory that cannot be read: once, until the
-  // problem has changed or was gone.
-  [[nodiscard]] std::vector<FirmwareFile> find();
+  // name: those of this look, or where it takes too long those of the last one; before any has
+  // ended, those that were found so far. What is left out is reported to the log: once, until the
+  // problem has changed or was gone. That files may be missing, since a look has not ended, is such
+  // a problem.
+  [[nodiscard]] std::vector<FirmwareFilePtr> find();
+
+  // Changes how long later requests wait.
+  void setPatience(os::FileCalls::Patience patience) { m_looks.setPatience(patience); }
 
  private:
+  class Catalogue;
+
   void report(std::set<std::string> problems);
 
+  os::FileCalls m_looks;
+  const std::shared_ptr<Catalogue> m_catalogue;
   utils::Mutex m_lock;
   std::set<std::string> m_reported ORVEX_GUARDED_BY(m_lock);
 };

@@ -16,25 +16,27 @@ constexpr utils::LogSource kLog{"Orvex_ElementSoftwareIdentity"};
 using inventory::Adapter;
 using inventory::AdapterSoftware;
 
-struct Controller {
-  core::CimInstance* instance;
-  Adapter adapter;
+// The controllers, and the adapter of each at the same place.
+struct Controllers {
+  std::vector<core::CimInstance*> instances;
+  std::vector<Adapter> adapters;
 };
 
 // Returns the controllers that the broker serves, without one whose adapter is gone by now.
-std::vector<Controller> findControllers() {
+Controllers findControllers() {
   std::map<std::string, Adapter> adapters;
   for (Adapter& adapter : inventory::findAdapters()) {
     adapters.emplace(adapter.identity, std::move(adapter));
   }
-  std::vector<Controller> controllers;
+  Controllers controllers;
   for (core::CimInstance* instance :
        core::GetCimBroker().getInstances(Orvex_PortController::kClassName)) {
     const auto* controller = dynamic_cast<Orvex_PortController*>(instance);
     const auto adapter =
         controller != nullptr ? adapters.find(controller->DeviceID.getValue()) : adapters.end();
     if (adapter != adapters.end()) {
-      controllers.push_back({instance, adapter->second});
+      controllers.instances.push_back(instance);
+      controllers.adapters.push_back(adapter->second);
     }
   }
   return controllers;
@@ -61,17 +63,17 @@ void Orvex_ElementSoftwareIdentityClass::refresh() {
   // Once for each class: asking again would end the instances that the associations refer to.
   const std::vector<core::CimInstance*> identities =
       core::GetCimBroker().getInstances(Orvex_SoftwareIdentity::kClassName);
-  const std::vector<Controller> controllers = findControllers();
+  const Controllers controllers = findControllers();
   for (core::CimInstance* identity : identities) {
     const auto* software = dynamic_cast<AdapterSoftware*>(identity);
     if (software == nullptr) {
       continue;
     }
-    for (const Controller& controller : controllers) {
-      const std::string comparison = software->compareWith(controller.adapter);
-      if (!comparison.empty()) {
+    const std::vector<std::string> comparisons = software->compareWith(controllers.adapters);
+    for (std::size_t i = 0; i < comparisons.size(); ++i) {
+      if (!comparisons[i].empty()) {
         instances().add(
-            new Orvex_ElementSoftwareIdentity(identity, controller.instance, comparison));
+            new Orvex_ElementSoftwareIdentity(identity, controllers.instances[i], comparisons[i]));
       }
     }
   }

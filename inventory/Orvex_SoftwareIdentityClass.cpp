@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <set>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -15,6 +16,7 @@ namespace {
 using inventory::Adapter;
 using inventory::AdapterSoftware;
 using inventory::FirmwareFile;
+using Texts = std::vector<std::string>;
 
 constexpr utils::LogSource kLog{"Orvex_SoftwareIdentity"};
 constexpr std::uint16_t kFirmware = 10;  // DMTF CIM_SoftwareIdentity.Classifications
@@ -24,12 +26,6 @@ constexpr const char* kInstalled = "installed";
 // Indexed by ma::ImageComparison.
 constexpr std::array<std::string_view, 8> kComparisonTexts = {
     "", "not updatable", "other types", "older", "same version", "same", "newer", "unknown"};
-
-void addOnce(std::vector<std::string>& texts, const std::string& text) {
-  if (std::find(texts.begin(), texts.end(), text) == texts.end()) {
-    texts.push_back(text);
-  }
-}
 
 void setSoftwareValues(Orvex_SoftwareIdentity& software, const std::string& instanceId,
                        const std::string& caption) {
@@ -69,12 +65,17 @@ class ImageFile final : public AdapterSoftware {
   [[nodiscard]] std::string getIdentity() const override { return m_path; }
   [[nodiscard]] std::uint32_t getImageKind() const override { return kFirmwareImage; }
 
-  [[nodiscard]] std::string compareWith(const Adapter& adapter) const override {
-    // Read anew: an identity outlives the enumeration, and files of 16 MiB are not kept for it.
-    const std::vector<std::uint8_t> content = inventory::readFirmwareFile(m_path);
-    const ma::ImageComparison comparison = ma::compareFlashImage(
-        adapter.firstPort, content.data(), static_cast<std::uint32_t>(content.size()));
-    return std::string(kComparisonTexts[static_cast<std::size_t>(comparison)]);
+  [[nodiscard]] Texts compareWith(const std::vector<Adapter>& adapters) const override {
+    // Read anew: an identity outlives the enumeration, and megabytes are not kept for it.
+    const std::vector<std::uint8_t> content =
+        adapters.empty() ? std::vector<std::uint8_t>() : inventory::readFirmwareFile(m_path);
+    Texts texts;
+    for (const Adapter& adapter : adapters) {
+      const ma::ImageComparison comparison = ma::compareFlashImage(
+          adapter.firstPort, content.data(), static_cast<std::uint32_t>(content.size()));
+      texts.emplace_back(kComparisonTexts[static_cast<std::size_t>(comparison)]);
+    }
+    return texts;
   }
 
  private:
@@ -86,6 +87,7 @@ class ImageFile final : public AdapterSoftware {
 void ImageFile::describeImages(const std::vector<ma::FlashImageInfo>& images) {
   std::vector<utils::FirmwareVersionInfo> firmware;  // the first image of each type
   std::vector<std::string> devices;
+  std::set<std::string_view> named;
   for (const ma::FlashImageInfo& image : images) {
     const auto isOfType = [&image](const utils::FirmwareVersionInfo& known) {
       return known.type == image.firmware.type;
@@ -94,7 +96,9 @@ void ImageFile::describeImages(const std::vector<ma::FlashImageInfo>& images) {
       firmware.push_back(image.firmware);
     }
     for (const std::string& device : image.devices) {
-      addOnce(devices, device);
+      if (named.insert(device).second) {
+        devices.push_back(device);
+      }
     }
   }
   std::vector<std::string> types;
@@ -125,8 +129,12 @@ class InstalledComponent final : public AdapterSoftware {
   [[nodiscard]] std::string getIdentity() const override { return m_identity; }
   [[nodiscard]] std::uint32_t getImageKind() const override { return kInstalledComponent; }
 
-  [[nodiscard]] std::string compareWith(const Adapter& adapter) const override {
-    return adapter.identity == m_adapter ? kInstalled : "";
+  [[nodiscard]] Texts compareWith(const std::vector<Adapter>& adapters) const override {
+    Texts texts;
+    for (const Adapter& adapter : adapters) {
+      texts.emplace_back(adapter.identity == m_adapter ? kInstalled : "");
+    }
+    return texts;
   }
 
  private:
@@ -144,8 +152,8 @@ Orvex_SoftwareIdentityClass::Orvex_SoftwareIdentityClass(inventory::FirmwareFile
 
 void Orvex_SoftwareIdentityClass::refresh() {
   instances().clear();
-  for (const FirmwareFile& file : m_files.find()) {
-    instances().add(new ImageFile(file));
+  for (const inventory::FirmwareFilePtr& file : m_files.find()) {
+    instances().add(new ImageFile(*file));
   }
   std::vector<utils::FirmwareVersionInfo> components;
   for (const Adapter& adapter : inventory::findAdapters()) {

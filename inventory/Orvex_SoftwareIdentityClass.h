@@ -5,6 +5,7 @@
 #define ORVEX_INVENTORY_ORVEX_SOFTWAREIDENTITYCLASS_H_
 
 #include <string>
+#include <vector>
 
 #include "core/InstanceProvider.h"
 #include "inventory/Adapters.h"
@@ -16,9 +17,10 @@ namespace inventory {
 // What the provider's instances can tell beyond their properties.
 class AdapterSoftware : public Orvex_SoftwareIdentity {
  public:
-  // Returns what the software is to the adapter (see Orvex_ElementSoftwareIdentity); empty when it
-  // has nothing to do with it.
-  [[nodiscard]] virtual std::string compareWith(const Adapter& adapter) const = 0;
+  // Returns what the software is to each adapter (see Orvex_ElementSoftwareIdentity); empty when it
+  // has nothing to do with it. Reads a file once.
+  [[nodiscard]] virtual std::vector<std::string> compareWith(
+      const std::vector<Adapter>& adapters) const = 0;
 };
 
 }  // namespace inventory

@@ -41,7 +41,7 @@ Orvex_SoftwareIdentityResourceClass::Orvex_SoftwareIdentityResourceClass(
 
 void Orvex_SoftwareIdentityResourceClass::refresh() {
   instances().clear();
-  for (inventory::FirmwareFile& file : m_files.find()) {
-    instances().add(new ImageFileResource(std::move(file.path)));
+  for (const inventory::FirmwareFilePtr& file : m_files.find()) {
+    instances().add(new ImageFileResource(file->path));
   }
 }

@@ -18,6 +18,8 @@
 #include <system_error>
 #include <vector>
 
+#include "platform/FileIdentity.h"
+
 namespace ma {
 
 using ConstBytes = std::span<const std::uint8_t>;
@@ -85,17 +87,7 @@ struct Folders {
   bool hasLinks = false;
 };
 
-// Tells the content of a file, or the entries of a folder, from what stands at the same path at any
-// other time. Only equality means anything.
-struct FileIdentity {
-  std::uint64_t device = 0;
-  std::uint64_t number = 0;
-  std::uint64_t size = 0;
-  std::int64_t modified = 0;
-  std::int64_t changed = 0;
-
-  friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
-};
+using FileIdentity = platform::FileIdentity;
 
 class FileSystem {
  public:
@@ -109,11 +101,7 @@ class FileSystem {
 
   [[nodiscard]] virtual Folders folders(const std::filesystem::path& path) = 0;
 
-  // Returns the identity of the file or folder that a path leads to; nothing where none can be
-  // given: nothing is there, it changed so recently that its next change may leave the same times,
-  // or the platform keeps no times that can be relied on. What is read between two calls that
-  // return the same identity is the content for as long as further calls return it. Does not see
-  // what a program writes through a mapping of the file. Throws nothing.
+  // Returns what platform::identifyFile returns.
   [[nodiscard]] virtual std::optional<FileIdentity> identity(
       const std::filesystem::path& path) const noexcept = 0;
 

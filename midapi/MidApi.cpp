@@ -218,6 +218,14 @@ std::string describeFlashImage(const std::uint8_t* file, std::uint32_t fileSize,
   if (!chain.isValid()) {
     return chain.defect->toString();
   }
+  std::size_t devices = 0;
+  for (const OptionRomImage& image : chain.images) {
+    devices += 1 + image.deviceList.size();
+  }
+  if (devices > kMostDescribedDevices) {
+    return "its images name " + std::to_string(devices) + " devices, more than " +
+           std::to_string(kMostDescribedDevices);
+  }
   for (const OptionRomImage& image : chain.images) {
     FlashImageInfo info{{image.type, image.version}, {toDeviceName(image.vendor, image.device)}};
     for (const std::uint16_t device : image.deviceList) {

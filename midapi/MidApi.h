@@ -12,6 +12,7 @@
 #ifndef ORVEX_MIDAPI_MIDAPI_H_
 #define ORVEX_MIDAPI_MIDAPI_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -105,8 +106,13 @@ ORVEX_MIDAPI_API bool setBootType(const std::string& adapter, BootType bootType)
     const std::string& adapter, const std::uint8_t* file, std::uint32_t fileSize,
     std::uint8_t* image, std::uint32_t& imageSize, const std::vector<utils::FirmwareType>& types);
 
+// How many devices the images of a file may name altogether to be described: a description takes
+// many times the bytes of the names in the file. Real files name some hundreds.
+inline constexpr std::size_t kMostDescribedDevices = 1024;
+
 // Fills `images` with what a firmware file holds, in file order. Returns why the bytes are no valid
-// chain of PCI Expansion ROM images, and no images then; an empty text when they are one.
+// chain of PCI Expansion ROM images, or that they name too many devices, and no images then; an
+// empty text when they are described.
 [[nodiscard]] ORVEX_MIDAPI_API std::string describeFlashImage(const std::uint8_t* file,
                                                               std::uint32_t fileSize,
                                                               std::vector<FlashImageInfo>& images);

@@ -92,6 +92,8 @@ OS_CONDITIONALS_ALSO_IN = {
 CATCH_ALL_BOUNDARIES = {
     "Os/Thread.cpp": "top of a thread",
     "Os/LoadHook.cpp": "loader hook",
+    "Os/FileCalls.cpp": "top of a thread: whoever waits for the call gets what it throws",
+    "Os/Uri.cpp": "whatever keeps a file from being looked at, it cannot be an image",
     "Os/QuorvelConfig.cpp": "an unreadable configuration leaves the defaults in force",
     "agent/JobThread.cpp": "top of the job's thread",
     "agent/Orvex_ConcreteJob.cpp": "whatever keeps a thread from starting, the job has not started",

@@ -38,4 +38,12 @@ bool SettingsStore::read(const SettingName& setting, std::string& value) const {
   return readValue(setting, REG_SZ, value);
 }
 
+std::string SettingsStore::placeOf(const SettingName& setting) const {
+  return placeOf({}, setting.key) + "\\" + setting.name;
+}
+
+std::vector<std::string> SettingsStore::findProblems(std::span<const SettingName> /*known*/) const {
+  return {};
+}
+
 }  // namespace utils

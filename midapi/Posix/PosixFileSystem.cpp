@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
-#include <ctime>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -13,6 +12,7 @@
 #include <vector>
 
 #include "platform/Posix/Descriptor.h"
+#include "platform/Posix/FileStamps.h"
 
 namespace ma {
 namespace {
@@ -157,24 +157,6 @@ class NewFolders {
   std::vector<fs::path> m_parents;
 };
 
-constexpr std::int64_t kSecond = 1'000'000'000;
-
-// The system stamps files with the time of its last clock tick, and there are at least 100 ticks a
-// second. A file that has been left alone for some of them gets other times when it changes again.
-constexpr std::int64_t kSettlingTime = 40'000'000;
-// The same for a file system that seems to keep whole seconds, or every other one.
-constexpr std::int64_t kSettlingTimeOfSeconds = 3 * kSecond;
-
-std::int64_t nanoseconds(const timespec& time) {
-  return std::int64_t{time.tv_sec} * kSecond + time.tv_nsec;
-}
-
-std::optional<std::int64_t> currentStamp() {
-  timespec now{};
-  return ::clock_gettime(CLOCK_REALTIME_COARSE, &now) == 0 ? std::optional(nanoseconds(now))
-                                                           : std::nullopt;
-}
-
 class PosixFileSystem final : public FileSystem {
  public:
   explicit PosixFileSystem(StampClock now) : m_now(std::move(now)) {}
@@ -226,19 +208,7 @@ class PosixFileSystem final : public FileSystem {
   }
 
   std::optional<FileIdentity> identity(const fs::path& path) const noexcept override {
-    const std::optional<std::int64_t> now = m_now();
-    struct stat state {};
-    if (!now || ::stat(path.c_str(), &state) != 0) {
-      return std::nullopt;
-    }
-    const std::int64_t modified = nanoseconds(state.st_mtim);
-    const std::int64_t changed = nanoseconds(state.st_ctim);
-    const std::int64_t age = *now - std::max(modified, changed);
-    if (age < (modified % kSecond == 0 ? kSettlingTimeOfSeconds : kSettlingTime)) {
-      return std::nullopt;
-    }
-    return FileIdentity{state.st_dev, state.st_ino, static_cast<std::uint64_t>(state.st_size),
-                        modified, changed};
+    return platform::identifyFileAt(path, m_now());
   }
 
   bool exists(const fs::path& path) override {
@@ -345,7 +315,7 @@ std::unique_ptr<FileSystem> makePosixFileSystem(StampClock now) {
 
 // Never destroyed: job threads may still ask it while the process exits.
 FileSystem& nativeFileSystem() {
-  static FileSystem& files = *new PosixFileSystem(currentStamp);
+  static FileSystem& files = *new PosixFileSystem(platform::currentFileStamp);
   return files;
 }
 

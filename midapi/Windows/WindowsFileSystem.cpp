@@ -180,9 +180,8 @@ class WindowsFileSystem final : public FileSystem {
     return found;
   }
 
-  // The times of a file that is open for writing may be brought up to date only when it is closed.
-  std::optional<FileIdentity> identity(const fs::path& /*path*/) const noexcept override {
-    return std::nullopt;
+  std::optional<FileIdentity> identity(const fs::path& path) const noexcept override {
+    return platform::identifyFile(path);
   }
 
   bool exists(const fs::path& path) override {

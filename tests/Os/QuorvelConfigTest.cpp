@@ -1,15 +1,12 @@
 #include <atomic>
-#include <cerrno>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <map>
-#include <memory>
-#include <optional>
 #include <thread>
 
 #include "Os/QuorvelConfig.h"
+#include "tests/Os/NoMemoryAfter.h"
 #include "tests/Os/Platform.h"
-#include "tests/Os/SystemFaults.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Settings.h"
 #include "tests/support/TempDirectory.h"
@@ -208,30 +205,37 @@ TEST_F(QuorvelConfig, KeepsWhatItReadWhenASettingGoesAway) {
   EXPECT_THAT(m_config.getFWFilePaths(), IsEmpty());
 }
 
-// Memory runs out for one moment after a record.
-class NoMemoryAfter : private utils::LogSinks {
- public:
-  explicit NoMemoryAfter(const std::string& message)
-      : m_message(message), m_previous(utils::exchangeLogSinks(this)) {}
-  ~NoMemoryAfter() override { utils::exchangeLogSinks(m_previous); }
-
- private:
-  void writeEventLog(const std::string& line) noexcept override { m_previous->writeEventLog(line); }
-  void writeDebugChannel(const std::string& line) noexcept override {
-    m_previous->writeDebugChannel(line);
+TEST_F(QuorvelConfig, TakesTheSizeOfTheLargestImage) {
+  EXPECT_EQ(m_config.getMaxImageSize(), 64U << 20);
+  for (const std::uint32_t size : {1U, 4096U, 0x7FFFFFFFU}) {
+    write({{"MaxImageSize", size}});
+    EXPECT_EQ(m_config.getMaxImageSize(), size);
   }
-  // The last of the places that a record goes to.
-  void writeStandardError(const std::string& text) noexcept override {
-    m_previous->writeStandardError(text);
-    if (text.find(m_message) != std::string::npos) {
-      m_noMemory.emplace(test::SystemCall::Allocate, ENOMEM);
-    }
-  }
+  write({});
+  EXPECT_EQ(m_config.getMaxImageSize(), 64U << 20);
+}
 
-  const std::string m_message;
-  std::optional<test::FailingCall> m_noMemory;
-  utils::LogSinks* m_previous;
-};
+TEST_F(QuorvelConfig, ReportsASizeOfTheLargestImageThatNoFileHasOnce) {
+  for (const std::uint32_t size : {0U, 0x80000000U}) {
+    write({{"MaxImageSize", size}});
+    const LogCapture log;
+
+    EXPECT_EQ(m_config.getMaxImageSize(), 64U << 20);
+    EXPECT_EQ(m_config.getMaxImageSize(), 64U << 20);
+    EXPECT_THAT(log.messages("utils::QuorvelConfig::getMaxImageSize"),
+                ElementsAre(testing::EndsWith("MaxImageSize is ignored: " + std::to_string(size) +
+                                              " is no number from 1 to 2147483647")));
+  }
+}
+
+TEST_F(QuorvelConfig, SaysHowMuchTooLargeAnImageIs) {
+  write({{"MaxImageSize", 4096U}});
+
+  EXPECT_EQ(m_config.findSizeExcess(4096), "");
+  EXPECT_EQ(m_config.findSizeExcess(4097),
+            "its 4097 bytes are more than MaxImageSize allows (4096 in " +
+                utils::QuorvelConfig::placeOf(m_settings.path()) + ")");
+}
 
 TEST_F(QuorvelConfig, KeepsWhatItHadAndSaysSoWhenReadingFails) {
 #ifdef QUORVEL_TEST_THREAD_SANITIZER
@@ -242,7 +246,7 @@ TEST_F(QuorvelConfig, KeepsWhatItHadAndSaysSoWhenReadingFails) {
   write({{"Namespace", "root/of/the/second/reading"}, {"OEMCustomizeable", 0U}});
   const LogCapture log;
   {
-    const NoMemoryAfter noMemory("Getting TimeOut from register - failed");
+    const test::NoMemoryAfter noMemory("Getting TimeOut from register - failed");
     m_config.initialize();
   }
 

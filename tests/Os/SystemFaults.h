@@ -25,6 +25,9 @@ enum class SystemCall {
   kCount
 };
 
+// An error of Allocate (POSIX): what it throws then is no std::exception.
+inline constexpr int kNoStandardException = -1;
+
 // Has the next such call of this thread fail with the error number, if that call comes while this
 // object lives.
 class FailingCall {

@@ -19,8 +19,10 @@ class FakeConfig : public utils::QuorvelConfig {
 
   std::uint32_t getTimeout() override { return 1; }
   bool getDowngradeEnable() override { return isDowngradeEnabled; }
+  std::uint32_t getMaxImageSize() override { return maxImageSize; }
 
   bool isDowngradeEnabled = false;
+  std::uint32_t maxImageSize = kDefaultMaxImageSize;
 };
 
 class FakeLocker : public os::OSLocker {

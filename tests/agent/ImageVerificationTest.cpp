@@ -141,6 +141,23 @@ TEST_F(ImageVerification, RefusesAFileThatIsCutWhileItIsRead) {
   EXPECT_THAT(m_midApi.calls(), IsEmpty());
 }
 
+TEST_F(ImageVerification, RefusesAFileThatIsLargerThanTheSetting) {
+  m_config.maxImageSize = 7;
+
+  EXPECT_THAT(checking(),
+              ThrowsExactly<EImageReadError>("Quorvel: EImageReadError:Image read error: " + m_uri +
+                                             " (" + m_file.string() +
+                                             "): its 8 bytes are more than MaxImageSize allows (7 "
+                                             "in " +
+                                             utils::QuorvelConfig::placeOf("") + ")"));
+  EXPECT_EQ(agent::getTargetInProgress(), "");
+  EXPECT_THAT(m_log.messages("os::readFile"), IsEmpty());
+  EXPECT_THAT(m_midApi.calls(), IsEmpty());
+
+  m_config.maxImageSize = 8;
+  EXPECT_EQ(check().bytes, test::bytesOf("firmware"));
+}
+
 TEST_F(ImageVerification, RefusesWhatTheLibraryRefuses) {
   const auto refusing = [this](ma::PrepareStatus status) {
     m_midApi.prepareStatus = status;

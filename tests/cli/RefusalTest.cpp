@@ -124,6 +124,14 @@ TEST_F(RefusalReportTest, GivesReasonAndAdvice) {
             "  next: check the file and its permissions\n");
 }
 
+TEST_F(RefusalReportTest, NamesTheSettingForAnImageThatIsTooLarge) {
+  EXPECT_EQ(report("EImageReadError:its 8 bytes are more than MaxImageSize allows (7 in x.conf)"),
+            "quorvel: update of it refused: 2, Unspecified Error\n"
+            "  reason: its 8 bytes are more than MaxImageSize allows (7 in x.conf)\n"
+            "  next: get the right file, or raise MaxImageSize in the configuration of the machine "
+            "that installs\n");
+}
+
 TEST_F(RefusalReportTest, LeavesOutWhatIsNotKnown) {
   EXPECT_EQ(report(""), "quorvel: update of it refused: 2, Unspecified Error\n");
   EXPECT_EQ(report("", "0"),

@@ -9,6 +9,7 @@
 
 #include "inventory/FirmwareFiles.h"
 #include "tests/inventory/InventoryFixture.h"
+#include "tests/support/WaitUntil.h"
 
 namespace test {
 
@@ -17,8 +18,8 @@ class FirmwareFilesFixture : public InventoryFixture {
   std::vector<std::string> find() {
     m_log.clear();
     std::vector<std::string> paths;
-    for (const inventory::FirmwareFile& file : m_files.find()) {
-      paths.push_back(file.path);
+    for (const inventory::FirmwareFilePtr& file : m_files.find()) {
+      paths.push_back(file->path);
     }
     return paths;
   }
@@ -39,7 +40,7 @@ class FirmwareFilesFixture : public InventoryFixture {
     return "Firmware file '" + path + "' is left out: " + reason;
   }
 
-  inventory::FirmwareFiles m_files;
+  inventory::FirmwareFiles m_files{kDeadline};
 };
 
 }  // namespace test

@@ -1,3 +1,5 @@
+#include <atomic>
+#include <chrono>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <string>
@@ -10,12 +12,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using inventory::FirmwareFile;
+using inventory::FirmwareFilePtr;
 using test::Bytes;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr std::uintmax_t kLargest = std::uintmax_t{16} << 20;
 
 using FirmwareFiles = test::FirmwareFilesFixture;
 
@@ -32,13 +32,13 @@ TEST_F(FirmwareFiles, AreFoundInTheOrderOfDirectoriesAndNames) {
 TEST_F(FirmwareFiles, AreDescribedByTheirImages) {
   makeFile("first/a.rom", firmware(3));
 
-  const std::vector<FirmwareFile> files = m_files.find();
+  const std::vector<FirmwareFilePtr> files = m_files.find();
 
   ASSERT_EQ(files.size(), 1u);
-  ASSERT_EQ(files[0].images.size(), 2u);
-  EXPECT_EQ(files[0].images[0].firmware.type, utils::FirmwareType::Pxe);
-  EXPECT_EQ(files[0].images[1].firmware.type, utils::FirmwareType::Uefi);
-  EXPECT_THAT(files[0].images[0].devices, ElementsAre("1af4:1041"));
+  ASSERT_EQ(files[0]->images.size(), 2u);
+  EXPECT_EQ(files[0]->images[0].firmware.type, utils::FirmwareType::Pxe);
+  EXPECT_EQ(files[0]->images[1].firmware.type, utils::FirmwareType::Uefi);
+  EXPECT_THAT(files[0]->images[0].devices, ElementsAre("1af4:1041"));
 }
 
 TEST_F(FirmwareFiles, OfRealNetworkCardsAreFound) {
@@ -92,16 +92,13 @@ TEST_F(FirmwareFiles, ReportWhatIsNoFirmware) {
   const std::string damaged = makeFile(
       "first/damaged.rom",
       test::RomBuilder().add(test::RomImage::legacy()).damage(0, test::RomDamage::ByteSum).build());
-  const std::string large = makeFile("second/large.rom", Bytes());
-  fs::resize_file(large, kLargest + 1);
   const std::string good = makeFile("second/good.rom", firmware(1));
 
   EXPECT_THAT(find(), ElementsAre(good));
   EXPECT_THAT(problems(),
               ElementsAre(leftOut(text, "image 0 at 0x00: no 55 AA signature"),
                           leftOut(empty, "image 0 at 0x00: there are no bytes"),
-                          leftOut(damaged, "image 0 at 0x00: byte sum is 0x01, must be 0"),
-                          leftOut(large, "it is larger than 16 MiB")));
+                          leftOut(damaged, "image 0 at 0x00: byte sum is 0x01, must be 0")));
 }
 
 TEST_F(FirmwareFiles, ReportAProblemOnceUntilItHasGoneOrChanged) {
@@ -123,14 +120,62 @@ TEST_F(FirmwareFiles, ReportAProblemOnceUntilItHasGoneOrChanged) {
   EXPECT_EQ(problems().size(), 1u);
 }
 
-TEST_F(FirmwareFiles, AreReadWholeOrNotAtAll) {
-  const Bytes content = firmware(1);
-  const std::string path = makeFile("first/a.rom", content);
-  EXPECT_EQ(inventory::readFirmwareFile(path), content);
-  EXPECT_THAT(inventory::readFirmwareFile(path + ".gone"), IsEmpty());
-  EXPECT_THAT(inventory::readFirmwareFile(firstDirectory().string()), IsEmpty());
-  fs::resize_file(path, kLargest + 1);
-  EXPECT_THAT(inventory::readFirmwareFile(path), IsEmpty());
+// A configuration that does not tell its directories before the test lets it.
+class HeldConfig : public utils::QuorvelConfig {
+ public:
+  using QuorvelConfig::QuorvelConfig;
+  ~HeldConfig() override { release(); }
+
+  void hold() { m_isHeld = true; }
+  void release() { m_isHeld = false; }
+  std::vector<std::string> getFWFilePaths() override {
+    EXPECT_TRUE(test::waitUntil([this] { return !m_isHeld; }));
+    return QuorvelConfig::getFWFilePaths();
+  }
+
+ private:
+  std::atomic<bool> m_isHeld{false};
+};
+
+// Requests that do not wait for a look.
+class FirmwareFilesInAHurry : public test::FirmwareFilesFixture {
+ protected:
+  FirmwareFilesInAHurry() { m_held.hold(); }
+  ~FirmwareFilesInAHurry() override {
+    // A look that has outlived its request uses the configuration.
+    m_held.release();
+    m_hurried.setPatience(test::kDeadline);
+    const std::string path = makeFile("first/last.rom", firmware(1));
+    EXPECT_TRUE(test::waitUntil([&] { return findAtOnce() == std::vector<std::string>{path}; }));
+  }
+
+  std::vector<std::string> findAtOnce() {
+    m_log.clear();
+    std::vector<std::string> paths;
+    for (const FirmwareFilePtr& file : m_hurried.find()) {
+      paths.push_back(file->path);
+    }
+    return paths;
+  }
+
+  HeldConfig m_held{m_settings.path()};
+  inventory::FirmwareFiles m_hurried{std::chrono::milliseconds(1)};
+};
+
+TEST_F(FirmwareFilesInAHurry, AreThoseOfBeforeWhileALookGoesOn) {
+  const std::string path = makeFile("first/a.rom", firmware(1));
+
+  EXPECT_THAT(findAtOnce(), IsEmpty());
+  EXPECT_THAT(problems(), ElementsAre(testing::HasSubstr("are still being read")));
+  EXPECT_THAT(findAtOnce(), IsEmpty());
+  EXPECT_THAT(problems(), IsEmpty());
+
+  m_held.release();
+  EXPECT_TRUE(test::waitUntil([&] { return findAtOnce() == std::vector<std::string>{path}; }));
+  m_held.hold();
+  static_cast<void>(findAtOnce());
+  EXPECT_THAT(findAtOnce(), ElementsAre(path));
+  fs::remove(path);
 }
 
 }  // namespace

@@ -29,6 +29,10 @@ class SoftwareIdentityClass : public test::InventoryFixture {
     return *identities().at(0);
   }
 
+  static std::string compare(const AdapterSoftware& software, const Adapter& adapter) {
+    return software.compareWith({adapter}).at(0);
+  }
+
   inventory::FirmwareFiles m_files;
   Orvex_SoftwareIdentityClass m_provider{m_files};
 };
@@ -118,27 +122,37 @@ TEST_F(SoftwareIdentityClass, ComparesAFileWithAnAdapter) {
 
   std::vector<std::string> comparisons;
   for (const AdapterSoftware* software : identities()) {
-    comparisons.push_back(software->compareWith(kFirst));
+    comparisons.push_back(compare(*software, kFirst));
   }
   EXPECT_THAT(comparisons, ElementsAre("older", "same", "newer", "other types", "same version", "",
                                        "installed", "installed"));
   m_adapters.set(kAdapter, "/updatable", "false");
-  EXPECT_EQ(identities().at(2)->compareWith(kFirst), "not updatable");
-  EXPECT_EQ(identities().at(2)->compareWith(kOther), "unknown");
+  EXPECT_EQ(compare(*identities().at(2), kFirst), "not updatable");
+  EXPECT_EQ(compare(*identities().at(2), kOther), "unknown");
+}
+
+TEST_F(SoftwareIdentityClass, ReadsAFileOnceForAllAdapters) {
+  m_adapters.makeAdapter(kAdapter, firmware(2));
+  m_adapters.makeAdapter(kOtherAdapter, firmware(4));
+  const AdapterSoftware& file = identityOf(firmware(3));
+  m_log.clear();
+
+  EXPECT_THAT(file.compareWith({kFirst, kOther}), ElementsAre("newer", "older"));
+  EXPECT_THAT(m_log.messages("os::readFile"), SizeIs(2));  // one reading has two records
 }
 
 TEST_F(SoftwareIdentityClass, RelatesAComponentToItsAdapterOnly) {
   m_adapters.makeAdapter(kAdapter, firmware(2));
   const AdapterSoftware& component = *identities().at(0);
-  EXPECT_EQ(component.compareWith(kFirst), "installed");
-  EXPECT_EQ(component.compareWith(kOther), "");
+  EXPECT_EQ(compare(component, kFirst), "installed");
+  EXPECT_EQ(compare(component, kOther), "");
 }
 
 TEST_F(SoftwareIdentityClass, RelatesAFileThatIsGoneToNothing) {
   m_adapters.makeAdapter(kAdapter, firmware(2));
   const AdapterSoftware& file = identityOf(firmware(3));
   std::filesystem::remove(file.getIdentity());
-  EXPECT_EQ(file.compareWith(kFirst), "");
+  EXPECT_EQ(compare(file, kFirst), "");
 }
 
 TEST_F(SoftwareIdentityClass, IsRebuiltAtEachEnumeration) {

@@ -249,6 +249,19 @@ TEST_F(MidApi, DescribesTheImagesOfAFile) {
   EXPECT_THAT(m_images[1].devices, ElementsAre("1af4:1041"));
 }
 
+TEST_F(MidApi, DescribesNoFileThatNamesTooManyDevices) {
+  const auto file = [](std::size_t listed) {
+    return RomBuilder()
+        .add(pxe(3).units(8).deviceList(std::vector<std::uint16_t>(listed, 0x8136)))
+        .add(uefi(3))
+        .build();
+  };
+  EXPECT_EQ(describe(file(1022)), "");
+  EXPECT_EQ(m_images.size(), 2u);
+  EXPECT_EQ(describe(file(1023)), "its images name 1025 devices, more than 1024");
+  EXPECT_THAT(m_images, IsEmpty());
+}
+
 TEST_F(MidApi, TellsWhyAFileHoldsNoImages) {
   EXPECT_THAT(describe(RomBuilder().add(pxe(2)).damage(0, RomDamage::ByteSum).build()),
               HasSubstr("byte sum"));

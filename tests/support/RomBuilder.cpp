@@ -18,7 +18,8 @@ constexpr std::size_t kFillerBlock = 0xC0;
 constexpr std::size_t kDeviceList = 0xD1;
 constexpr std::size_t kBody = 0x100;
 constexpr std::size_t kMaxProduct = 60;
-constexpr std::size_t kMaxDevices = 20;
+constexpr std::size_t kMostDevicesInHeader = 20;
+constexpr std::size_t kLongDeviceList = kBody + 0x10;
 
 void put16(Bytes& bytes, std::size_t at, std::size_t value) {
   bytes.at(at) = static_cast<std::uint8_t>(value & 0xFF);
@@ -108,9 +109,6 @@ RomImage& RomImage::device(std::uint16_t vendor, std::uint16_t device) {
 }
 
 RomImage& RomImage::deviceList(std::vector<std::uint16_t> devices) {
-  if (devices.size() > kMaxDevices) {
-    throw std::invalid_argument("too many devices");
-  }
   m_deviceList = std::move(devices);
   return *this;
 }
@@ -228,10 +226,13 @@ void RomImage::layPcir(Bytes& bytes, bool isLast) const {
   bytes[kPcir + 0x14] = m_codeType;
   bytes[kPcir + 0x15] = isLast ? 0x80 : 0x00;
   if (!m_deviceList.empty()) {
-    put16(bytes, kPcir + 0x08, kDeviceList - kPcir);
+    const std::size_t start =
+        m_deviceList.size() > kMostDevicesInHeader ? kLongDeviceList : kDeviceList;
+    put16(bytes, kPcir + 0x08, start - kPcir);
     for (std::size_t index = 0; index < m_deviceList.size(); ++index) {
-      put16(bytes, kDeviceList + 2 * index, m_deviceList[index]);
+      put16(bytes, start + 2 * index, m_deviceList[index]);
     }
+    put16(bytes, start + 2 * m_deviceList.size(), 0);
   }
 }
 

@@ -45,6 +45,7 @@ class RomImage {
   static RomImage ofCodeType(std::uint8_t codeType) { return RomImage(codeType); }
 
   RomImage& device(std::uint16_t vendor, std::uint16_t device);
+  // More than 20 take the place of the body, which must be large enough (see units).
   RomImage& deviceList(std::vector<std::uint16_t> devices);
   RomImage& version(std::uint8_t majorRevision, std::uint8_t minorRevision);
   RomImage& units(std::uint16_t units);

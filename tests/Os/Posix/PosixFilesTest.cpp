@@ -1,5 +1,6 @@
 // Files of the kinds that only POSIX has.
 
+#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -13,7 +14,12 @@
 #include "Os/Files.h"
 #include "platform/Posix/Descriptor.h"
 #include "tests/Os/FilesFixture.h"
+#include "tests/Os/HungDirectory.h"
+#include "tests/Os/Platform.h"
+#include "tests/Os/Posix/HungMount.h"
+#include "tests/support/LogCapture.h"
 #include "tests/support/Posix/ChildProcess.h"
+#include "tests/support/WaitUntil.h"
 
 namespace {
 
@@ -95,6 +101,69 @@ TEST_F(PosixFiles, DoNotHoldAReaderOfAPipeUp) {
 
   EXPECT_TRUE(child.link().await('r'));
   EXPECT_EQ(child.wait(), 0);
+}
+
+TEST_F(PosixFiles, CountAsMissingWhereTheFileSystemDoesNotAnswer) {
+  const std::string away = file("away/file", "12345");
+  const std::string here = file("here/file", "12345");
+  {
+    const test::HungDirectory hung(path("away"));
+
+    expectNotOpened(away);
+    EXPECT_FALSE(os::isThisADir(path("away")));
+    EXPECT_EQ(os::getFileSize(here), 5);
+    EXPECT_EQ(read(here, 16), "12345");
+  }
+  EXPECT_EQ(os::getFileSize(away), 5);
+  EXPECT_EQ(read(away, 16), "12345");
+}
+
+TEST_F(PosixFiles, LogThatTheFileSystemDoesNotAnswer) {
+  const std::string path = file("file", "12345");
+  const auto isGivenUp = [&path] {
+    try {
+      return os::getFileSize(path) < 0;
+    } catch (const utils::Exception&) {
+      return true;
+    }
+  };
+  const test::LogCapture log;
+  const auto before = os::fileCalls().setPatience(std::chrono::milliseconds(0));
+  const bool wasGivenUp = test::waitUntil(isGivenUp);
+  os::fileCalls().setPatience(before);
+
+  EXPECT_TRUE(wasGivenUp);
+  EXPECT_THAT(
+      log.records(test::LogSink::EventLog),
+      test::HasRecordOf(test::kFilesSource, test::LogLevel::Error, "os::getFileSize",
+                        "The file system of '" + path +
+                            "' does not answer; what is there counts as missing until it does"));
+  EXPECT_TRUE(test::waitUntil([&isGivenUp] { return !isGivenUp(); }));
+}
+
+TEST_F(PosixFiles, AreGivenUpOnAFileSystemThatHangs) {
+  const std::string directory = folder("hung");
+  test::HungMount mount(directory);
+  if (!mount.isMounted()) {
+    GTEST_SKIP() << "this user may mount no file system of a program";
+  }
+  const auto before = os::fileCalls().setPatience(std::chrono::milliseconds(50));
+  EXPECT_FALSE(os::isThisADir(directory));
+  expectNotOpened(directory + "/image.rom");
+  os::fileCalls().setPatience(before);
+
+  EXPECT_EQ(os::getFileSize(file("here", "12345")), 5);
+  mount.end();
+  EXPECT_TRUE(test::waitUntil([&directory] { return os::isThisADir(directory); }));
+}
+
+TEST_F(PosixFiles, OfSeveralPiecesAreReadWhole) {
+  std::string content(std::size_t{9} << 20, 'x');
+  content.front() = 'a';
+  content[std::size_t{4} << 20] = 'b';
+  content.back() = 'c';
+
+  EXPECT_EQ(read(file("long", content), static_cast<std::int32_t>(content.size()) + 1), content);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "Os/Uri.h"
+#include "tests/Os/SystemFaults.h"
 #include "tests/support/TempDirectory.h"
 
 namespace {
@@ -18,6 +19,17 @@ TEST(PosixUri, MayHaveAColonInItsName) {
 
 TEST(PosixUri, DoesNotExistForADevice) {
   EXPECT_FALSE(Uri("file:///dev/zero").exists());
+}
+
+TEST(PosixUri, DoesNotExistWhateverTheLookAtTheFileThrows) {
+#ifdef QUORVEL_TEST_THREAD_SANITIZER
+  GTEST_SKIP() << "ThreadSanitizer lets no program have an operator new of its own";
+#endif
+  const test::TempDirectory directory;
+  const Uri uri("file://" + (directory.path() / "missing").string());
+  const test::FailingCall noMemory(test::SystemCall::Allocate, test::kNoStandardException);
+
+  EXPECT_FALSE(uri.exists());
 }
 
 }  // namespace

@@ -106,7 +106,11 @@ std::tm* localtime_r(const std::time_t* time, std::tm* fields) noexcept {
 
 #ifndef QUORVEL_TEST_THREAD_SANITIZER
 void* operator new(std::size_t size) {
-  if (test::takeError(test::SystemCall::Allocate) == 0) {
+  const int error = test::takeError(test::SystemCall::Allocate);
+  if (error == test::kNoStandardException) {
+    throw error;  // NOLINT(misc-throw-by-value-catch-by-reference): it is the point
+  }
+  if (error == 0) {
     if (void* memory = std::malloc(size != 0 ? size : 1)) {
       return memory;
     }

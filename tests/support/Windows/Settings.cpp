@@ -16,7 +16,8 @@ struct Place {
 constexpr Place kPlaces[] = {{"Quorvel", "Timeout"},
                              {"Quorvel", "Namespace"},
                              {"RAVL", "OEMCustomizeable"},
-                             {"Quorvel", "FWFilePath"}};
+                             {"Quorvel", "FWFilePath"},
+                             {"Quorvel", "MaxImageSize"}};
 
 }  // namespace
 

@@ -1,0 +1,67 @@
+// Calls of file systems that may not answer.
+//
+// A network file system whose server is gone, or one that a program serves that hangs, holds a call
+// for as long as it likes, and with it whoever waits. Each call runs on a thread of its own here,
+// which alone stays behind then. Any thread may call.
+
+#ifndef ORVEX_OS_FILECALLS_H_
+#define ORVEX_OS_FILECALLS_H_
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "Utils/Export.h"
+
+namespace os {
+
+enum class FileAnswer {
+  InTime,
+  // The call was given up: it goes on alone, so it must own all that it uses.
+  GivenUp,
+  // Not called, since an earlier call at the same place has not come back yet.
+  StillAway,
+};
+
+class ORVEX_CORE_API FileCalls {
+ public:
+  using Patience = std::chrono::milliseconds;
+
+  // A disk that stood still needs some seconds.
+  static constexpr Patience kPatience{5000};
+  // So many calls may be away; then none of any place is made until one comes back.
+  static constexpr std::size_t kMostAway = 64;
+
+  explicit FileCalls(Patience patience = kPatience);
+  FileCalls(const FileCalls&) = delete;
+  FileCalls& operator=(const FileCalls&) = delete;
+  ~FileCalls();
+
+  // Runs `call`, and waits for it no longer than the patience. `place` is what hangs together: the
+  // directory. Where no thread can be started, the caller's runs it, however long it takes. Throws
+  // what the call throws in time.
+  [[nodiscard]] FileAnswer make(const std::string& place, std::function<void()> call);
+
+  // Changes the patience of later calls; returns the one of before.
+  Patience setPatience(Patience patience);
+
+ private:
+  struct Away;
+  struct Call;
+
+  std::atomic<Patience::rep> m_patience;  // milliseconds
+  const std::shared_ptr<Away> m_away;
+};
+
+// Returns those of the process, which the functions of Os/Files.h make. Never destroyed.
+[[nodiscard]] ORVEX_CORE_API FileCalls& fileCalls();
+
+// Returns the directory part of a path, which is a place.
+[[nodiscard]] ORVEX_CORE_API std::string directoryOf(const std::string& path);
+
+}  // namespace os
+
+#endif  // ORVEX_OS_FILECALLS_H_

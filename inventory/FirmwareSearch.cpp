@@ -1,0 +1,223 @@
+#include "inventory/FirmwareSearch.h"
+
+#include <filesystem>
+#include <iterator>
+#include <optional>
+#include <set>
+#include <system_error>
+#include <utility>
+
+#include "Os/FileCalls.h"
+#include "Os/Files.h"
+#include "platform/Texts.h"
+
+namespace inventory {
+namespace {
+
+namespace fs = std::filesystem;
+
+using platform::FileIdentity;
+
+// A name in a directory that is no directory itself.
+struct Entry {
+  fs::path path;
+  std::string defect;  // why it cannot be read as a firmware file, empty when it can
+  std::uintmax_t size = 0;
+  std::optional<FileIdentity> identity;
+};
+
+// The first names of a directory.
+struct Listing {
+  std::vector<Entry> entries;
+  std::size_t leftOut = 0;  // how many follow
+  std::error_code error;
+};
+
+Entry lookAt(fs::path path) {
+  Entry entry{std::move(path), {}, 0, {}};
+  std::error_code error;
+  const fs::file_status status = fs::status(entry.path, error);
+  if (!fs::exists(status)) {
+    entry.defect = "it cannot be found";
+  } else if (!fs::is_regular_file(status)) {
+    entry.defect = "it is no regular file";
+  } else {
+    entry.size = fs::file_size(entry.path, error);
+    entry.identity = platform::identifyFile(entry.path);
+  }
+  return entry;
+}
+
+// A directory lists its files in an order of its own, which clients should not depend on. It may
+// have any number of them.
+void list(const fs::path& directory, std::size_t most, Listing& listing) {
+  std::set<fs::path::string_type> names;
+  std::error_code ignored;
+  for (fs::directory_iterator entry(directory, listing.error), end; !listing.error && entry != end;
+       entry.increment(listing.error)) {
+    // A directory is left out in silence: an operator may keep files that are not offered in one.
+    if (entry->is_directory(ignored)) {
+      continue;
+    }
+    names.insert(entry->path().filename().native());
+    if (names.size() > most) {
+      names.erase(std::prev(names.end()));
+      ++listing.leftOut;
+    }
+  }
+  for (const fs::path::string_type& name : names) {
+    listing.entries.push_back(lookAt(directory / name));
+  }
+}
+
+// Returns what stands at the path, a defect where nothing does or the file system does not answer.
+Entry lookInTime(const std::string& path) {
+  const auto entry = std::make_shared<Entry>();
+  const os::FileAnswer answer = os::fileCalls().make(
+      os::directoryOf(path), [entry, path] { *entry = lookAt(platform::toPath(path)); });
+  return answer == os::FileAnswer::InTime ? *entry : Entry{{}, "it cannot be looked at", 0, {}};
+}
+
+std::vector<std::uint8_t> readAll(const std::string& path, std::size_t size) {
+  std::vector<std::uint8_t> content(size);
+  const std::int32_t read =
+      os::readFile(path, content.data(), static_cast<std::int32_t>(content.size()));
+  content.resize(static_cast<std::size_t>(read));  // the file may have shrunk since
+  return content;
+}
+
+}  // namespace
+
+std::vector<std::uint8_t> readFirmwareFile(const std::string& path) {
+  const Entry entry = lookInTime(path);
+  const bool isReadable =
+      entry.defect.empty() && entry.size <= utils::QuorvelConfig::getInstance()->getMaxImageSize();
+  return isReadable ? readAll(path, entry.size) : std::vector<std::uint8_t>();
+}
+
+class FirmwareSearch::Look {
+ public:
+  Look(utils::QuorvelConfig& config, const std::map<std::string, Known>& before,
+       FirmwareFindings& findings)
+      : m_config(config),
+        m_maxSize(config.getMaxImageSize()),
+        m_before(before),
+        m_findings(findings) {}
+
+  void searchDirectory(const fs::path& directory);
+  // Returns what the next look needs.
+  std::map<std::string, Known> takeKnown() { return std::move(m_known); }
+
+ private:
+  void examine(const Entry& entry);
+  void leaveOut(const std::string& path, const std::string& problem);
+  // Returns what the file is; what it was, where it has not changed.
+  Known describe(const std::string& path, const Entry& entry);
+
+  utils::QuorvelConfig& m_config;
+  const std::uint32_t m_maxSize;
+  const std::map<std::string, Known>& m_before;
+  FirmwareFindings& m_findings;
+  std::map<std::string, Known> m_known;
+  std::set<fs::path::string_type> m_seen;
+};
+
+void FirmwareSearch::Look::searchDirectory(const fs::path& directory) {
+  std::error_code error;
+  const fs::path absolute = fs::absolute(directory, error).lexically_normal();
+  const std::string shown = "Firmware directory '" + platform::toShownText(directory) + "' ";
+  const auto listing = std::make_shared<Listing>();
+  const std::size_t most = kMostFiles - m_seen.size();
+  const os::FileAnswer answer =
+      os::fileCalls().make(os::directoryOf(platform::toShownText(absolute / "x")),
+                           [listing, absolute, most] { list(absolute, most, *listing); });
+  if (answer != os::FileAnswer::InTime) {
+    m_findings.addProblem(shown + "cannot be read: its file system does not answer");
+    return;
+  }
+  if (listing->error) {
+    m_findings.addProblem(shown + "cannot be read: " + listing->error.message());
+  }
+  if (listing->leftOut > 0) {
+    m_findings.addProblem(shown + "has too many files: the last " +
+                          std::to_string(listing->leftOut) +
+                          " by name are left out, since no more than " +
+                          std::to_string(kMostFiles) + " are looked at in all directories");
+  }
+  for (const Entry& entry : listing->entries) {
+    if (m_findings.isEnough()) {
+      return;
+    }
+    examine(entry);
+  }
+}
+
+void FirmwareSearch::Look::examine(const Entry& entry) {
+  if (!m_seen.insert(entry.path.native()).second) {
+    return;
+  }
+  const std::optional<std::string> name = platform::toGenericText(entry.path);
+  const std::string path = name.value_or(platform::toShownText(entry.path));
+  if (!name) {
+    leaveOut(path, "its path has characters that the code page of this system lacks");
+    return;
+  }
+  if (!entry.defect.empty()) {
+    leaveOut(path, entry.defect);
+    return;
+  }
+  if (entry.size > m_maxSize) {
+    leaveOut(path, m_config.findSizeExcess(entry.size));
+    return;
+  }
+  const Known known = describe(path, entry);
+  if (known.file != nullptr) {
+    m_findings.addFile(known.file);
+  } else {
+    leaveOut(path, known.problem);
+  }
+}
+
+void FirmwareSearch::Look::leaveOut(const std::string& path, const std::string& problem) {
+  m_findings.addProblem("Firmware file '" + path + "' is left out: " + problem);
+}
+
+FirmwareSearch::Known FirmwareSearch::Look::describe(const std::string& path, const Entry& entry) {
+  const auto before = m_before.find(path);
+  if (before != m_before.end() && entry.identity == before->second.identity) {
+    m_known.insert(*before);
+    return before->second;
+  }
+  Known made;
+  const std::vector<std::uint8_t> content = readAll(path, entry.size);
+  if (content.size() < entry.size) {
+    made.problem = "only " + std::to_string(content.size()) + " of its " +
+                   std::to_string(entry.size) + " bytes could be read";
+    return made;
+  }
+  auto file = std::make_shared<FirmwareFile>();
+  file->path = path;
+  made.problem = ma::describeFlashImage(content.data(), static_cast<std::uint32_t>(content.size()),
+                                        file->images);
+  if (made.problem.empty()) {
+    made.file = std::move(file);
+  }
+  if (entry.identity && lookInTime(path).identity == entry.identity) {
+    made.identity = *entry.identity;
+    m_known.emplace(path, made);
+  }
+  return made;
+}
+
+void FirmwareSearch::look(utils::QuorvelConfig& config, FirmwareFindings& findings) {
+  Look look(config, m_known, findings);
+  for (const std::string& directory : config.getFWFilePaths()) {
+    if (findings.isEnough()) {
+      return;
+    }
+    look.searchDirectory(platform::toPath(directory));
+  }
+  m_known = look.takeKnown();
+}
+
+}  // namespace inventory

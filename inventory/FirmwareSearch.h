@@ -1,0 +1,75 @@
+// Looks through directories for firmware files, and remembers them by what identifies their
+// content: a file that has not changed since the last look is not read again.
+
+#ifndef ORVEX_INVENTORY_FIRMWARESEARCH_H_
+#define ORVEX_INVENTORY_FIRMWARESEARCH_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Os/QuorvelConfig.h"
+#include "midapi/MidApi.h"
+#include "platform/FileIdentity.h"
+
+namespace inventory {
+
+// A file that holds a valid chain of PCI Expansion ROM images.
+struct FirmwareFile {
+  std::string path;  // absolute, with slashes
+  std::vector<ma::FlashImageInfo> images;
+};
+
+using FirmwareFilePtr = std::shared_ptr<const FirmwareFile>;
+
+// Takes what a look finds, as it goes on.
+class FirmwareFindings {
+ public:
+  FirmwareFindings() = default;
+  FirmwareFindings(const FirmwareFindings&) = delete;
+  FirmwareFindings& operator=(const FirmwareFindings&) = delete;
+  virtual ~FirmwareFindings() = default;
+
+  virtual void addFile(FirmwareFilePtr file) = 0;
+  // A file or directory is left out, for a reason that somebody may mend.
+  virtual void addProblem(const std::string& problem) = 0;
+  // Returns whether the rest is of no interest.
+  [[nodiscard]] virtual bool isEnough() const = 0;
+};
+
+// The content of a file that is no larger than the setting MaxImageSize; fewer bytes where it
+// cannot be read, or not in time (see Os/Files.h), none where it is larger.
+[[nodiscard]] std::vector<std::uint8_t> readFirmwareFile(const std::string& path);
+
+// One look at a time. What a look costs grows with the number of files and with the bytes of those
+// that have changed. Neither grows without bound: a look takes kMostFiles files, each within
+// MaxImageSize, and their images name ma::kMostDescribedDevices devices each at the most; the rest
+// is left out with a problem.
+class FirmwareSearch {
+ public:
+  static constexpr std::size_t kMostFiles = 1000;
+
+  // Goes through the directories of the configuration in their order, in each by name; a file that
+  // two of them reach is found once. Of a directory whose file system does not answer in time,
+  // nothing is found.
+  void look(utils::QuorvelConfig& config, FirmwareFindings& findings);
+
+ private:
+  class Look;
+
+  // What was made of a file of that identity: a firmware file, or why it is none.
+  struct Known {
+    platform::FileIdentity identity;
+    FirmwareFilePtr file;
+    std::string problem;
+  };
+
+  std::map<std::string, Known> m_known;  // by path
+};
+
+}  // namespace inventory
+
+#endif  // ORVEX_INVENTORY_FIRMWARESEARCH_H_

@@ -1,0 +1,110 @@
+#include <atomic>
+#include <chrono>
+#include <gmock/gmock.h>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "Os/FileCalls.h"
+#include "tests/Os/HungDirectory.h"
+#include "tests/support/Throws.h"
+#include "tests/support/WaitUntil.h"
+
+namespace {
+
+using os::FileAnswer;
+using std::chrono::milliseconds;
+using test::HeldCall;
+
+// Calls that are given up at once, unless they have ended by then.
+class FileCalls : public testing::Test {
+ protected:
+  FileAnswer makeHeld(const HeldCall& held, const std::string& place = "/mnt") {
+    m_calls.setPatience(milliseconds(1));
+    const FileAnswer answer = m_calls.make(place, held.call());
+    m_calls.setPatience(test::kDeadline);
+    return answer;
+  }
+  FileAnswer makeQuick(const std::string& place) {
+    return m_calls.make(place, [count = m_count] { ++*count; });
+  }
+
+  os::FileCalls m_calls{test::kDeadline};
+  std::shared_ptr<std::atomic<int>> m_count = std::make_shared<std::atomic<int>>(0);
+};
+
+TEST_F(FileCalls, AreMadeOnAThreadOfTheirOwn) {
+  std::thread::id thread;
+
+  EXPECT_EQ(m_calls.make("/fw", [&thread] { thread = std::this_thread::get_id(); }),
+            FileAnswer::InTime);
+  EXPECT_NE(thread, std::thread::id());
+  EXPECT_NE(thread, std::this_thread::get_id());
+}
+
+TEST_F(FileCalls, ThrowWhatTheCallThrows) {
+  EXPECT_THAT(
+      [this] {
+        static_cast<void>(m_calls.make("/fw", [] { throw std::runtime_error("no disk"); }));
+      },
+      test::ThrowsExactly<std::runtime_error>("no disk"));
+  EXPECT_EQ(makeQuick("/fw"), FileAnswer::InTime);
+}
+
+TEST_F(FileCalls, AreGivenUpWhenTheirPatienceIsOver) {
+  HeldCall held;
+
+  EXPECT_EQ(makeHeld(held), FileAnswer::GivenUp);
+  EXPECT_FALSE(held.hasReturned());
+}
+
+TEST_F(FileCalls, AreNotMadeWhereOneIsAway) {
+  HeldCall held;
+  ASSERT_EQ(makeHeld(held), FileAnswer::GivenUp);
+
+  EXPECT_EQ(makeQuick("/mnt"), FileAnswer::StillAway);
+  EXPECT_EQ(*m_count, 0);
+  EXPECT_EQ(makeQuick("/fw"), FileAnswer::InTime);
+  EXPECT_EQ(*m_count, 1);
+}
+
+TEST_F(FileCalls, AreMadeAgainWhenTheOneCameBack) {
+  HeldCall held;
+  ASSERT_EQ(makeHeld(held), FileAnswer::GivenUp);
+  held.release();
+
+  EXPECT_TRUE(test::waitUntil([this] { return makeQuick("/mnt") == FileAnswer::InTime; }));
+  EXPECT_TRUE(held.hasReturned());
+}
+
+TEST_F(FileCalls, AreNotMadeAnywhereWhenTooManyAreAway) {
+  std::vector<HeldCall> held(os::FileCalls::kMostAway);
+  for (std::size_t i = 0; i < held.size(); ++i) {
+    ASSERT_EQ(makeHeld(held[i], std::to_string(i)), FileAnswer::GivenUp);
+  }
+
+  EXPECT_EQ(makeQuick("/fw"), FileAnswer::StillAway);
+  held[0].release();
+  EXPECT_TRUE(test::waitUntil([this] { return makeQuick("/fw") == FileAnswer::InTime; }));
+}
+
+TEST_F(FileCalls, MayOutliveTheirMaker) {
+  HeldCall held;
+  {
+    os::FileCalls calls(milliseconds(1));
+    ASSERT_EQ(calls.make("/mnt", held.call()), FileAnswer::GivenUp);
+  }
+  held.release();
+  EXPECT_TRUE(test::waitUntil([&held] { return held.hasReturned(); }));
+}
+
+TEST(DirectoryOf, IsWhatStandsBeforeTheName) {
+  EXPECT_EQ(os::directoryOf("/srv/fw/image.rom"), "/srv/fw");
+  EXPECT_EQ(os::directoryOf("/image.rom"), "/");
+  EXPECT_EQ(os::directoryOf("image.rom"), ".");
+  EXPECT_EQ(os::directoryOf("fw/image.rom"), "fw");
+}
+
+}  // namespace

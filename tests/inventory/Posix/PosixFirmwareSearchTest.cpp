@@ -1,0 +1,79 @@
+// What is remembered of files, where the platform tells whether they have changed, and what is not
+// waited for.
+
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <string>
+#include <vector>
+
+#include "tests/Os/HungDirectory.h"
+#include "tests/inventory/FirmwareFilesFixture.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using test::Bytes;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class PosixFirmwareSearch : public test::FirmwareFilesFixture {
+ protected:
+  // Returns how many files one look reads.
+  std::size_t countRead() {
+    static_cast<void>(find());
+    return m_log.messages("os::readFile").size() / 2;  // one reading has two records
+  }
+  // A file has to be left alone for a moment before it is known by its times.
+  void awaitRemembered() {
+    EXPECT_TRUE(test::waitUntil([this] { return countRead() == 0; }));
+  }
+};
+
+TEST_F(PosixFirmwareSearch, ReadsAFileOnce) {
+  const std::string path = makeFile("first/a.rom", firmware(1));
+  makeFile("first/text", Bytes(100, 'x'));
+  EXPECT_EQ(countRead(), 2u);
+  awaitRemembered();
+
+  EXPECT_EQ(countRead(), 0u);
+  EXPECT_THAT(find(), ElementsAre(path));
+}
+
+TEST_F(PosixFirmwareSearch, ReadsAFileThatHasChanged) {
+  makeFile("first/a.rom", firmware(1));
+  const std::string other = makeFile("first/b.rom", firmware(1));
+  awaitRemembered();
+
+  makeFile("first/a.rom", Bytes(firmware(1).size(), 'x'));
+  EXPECT_EQ(countRead(), 1u);
+  EXPECT_THAT(find(), ElementsAre(other));
+}
+
+TEST_F(PosixFirmwareSearch, ReadsAFileThatStandsInThePlaceOfAnother) {
+  makeFile("first/a.rom", firmware(1));
+  makeFile("second/b.rom", firmware(2));
+  awaitRemembered();
+
+  fs::rename(secondDirectory() / "b.rom", firstDirectory() / "a.rom");
+  static_cast<void>(find());
+  EXPECT_EQ(m_files.find().at(0)->images.at(0).firmware.version, (utils::FirmwareVersion{2, 0}));
+}
+
+TEST_F(PosixFirmwareSearch, LeavesADirectoryOutThatDoesNotAnswer) {
+  makeFile("first/a.rom", firmware(1));
+  const std::string here = makeFile("second/b.rom", firmware(1));
+  configure(firstDirectory().string() + "/;" + secondDirectory().string());
+  {
+    const test::HungDirectory hung(firstDirectory().string());
+
+    EXPECT_THAT(find(), ElementsAre(here));
+    EXPECT_THAT(problems(), ElementsAre("Firmware directory '" + firstDirectory().string() +
+                                        "/' cannot be read: its file system does not answer"));
+  }
+  EXPECT_EQ(find().size(), 2u);
+  EXPECT_THAT(problems(), IsEmpty());
+}
+
+}  // namespace
