@@ -43,6 +43,9 @@ class Connection::HandledRequest final : public Request {
   [[nodiscard]] std::string_view field(std::string_view name) const override {
     return message().field(name);
   }
+  [[nodiscard]] std::size_t countFields(std::string_view name) const override {
+    return message().countFields(name);
+  }
   [[nodiscard]] std::string& body() override { return message().body(); }
   [[nodiscard]] const std::string& peerAddress() const override {
     return m_connection.m_peer.address;

@@ -4,6 +4,7 @@
 #define ORVEX_HTTP_MESSAGE_H_
 
 #include <chrono>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -23,6 +24,9 @@ class Request {
   [[nodiscard]] virtual std::string_view target() const = 0;  // "/cimom"
   // Returns the value of a header field, without regard to the case of its name; empty for none.
   [[nodiscard]] virtual std::string_view field(std::string_view name) const = 0;
+  // Returns how many header fields have that name: field() is the first of them. There is never
+  // more than one Host, Content-Type or Authorization.
+  [[nodiscard]] virtual std::size_t countFields(std::string_view name) const = 0;
   // The body, the handler's to change.
   [[nodiscard]] virtual std::string& body() = 0;
   [[nodiscard]] virtual const std::string& peerAddress() const = 0;  // "192.0.2.7"

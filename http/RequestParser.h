@@ -49,6 +49,7 @@ class RequestParser final : private boost::beast::http::basic_parser<true> {
   void refuse(error_code fault);
   void refuseLongHeader();
   void checkHeader();
+  void checkFraming();
 
   // boost::beast::http::basic_parser
   void on_request_impl(boost::beast::http::verb verb, string_view method, string_view target,
@@ -68,7 +69,6 @@ class RequestParser final : private boost::beast::http::basic_parser<true> {
   std::optional<Refusal> m_refusal;
   std::size_t m_headerBytes = 0;
   std::uint64_t m_chunkLeft = 0;
-  unsigned m_hostFields = 0;
   bool m_isHeaderRead = false;
   bool m_isHttp11 = false;
 };
