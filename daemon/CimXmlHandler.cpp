@@ -65,7 +65,9 @@ void CimXmlHandler::handle(http::Request& request, http::Response& response) {
   const bool isHealth = pathOf(request.target()) == kHealth;
   const std::string_view method = request.method();
   if (isHealth && (method == "GET" || method == "HEAD")) {
-    answerHealth(response);
+    if (admitsHost(request, response)) {
+      answerHealth(response);
+    }
   } else if (!isHealth && method == "POST") {
     handlePost(request, response);
   } else if (method == "OPTIONS") {
@@ -98,13 +100,20 @@ void CimXmlHandler::handlePost(http::Request& request, http::Response& response)
   }
 }
 
+// A page of the web that a browser on this machine shows can send requests here, and have its own
+// name resolve to 127.0.0.1, but cannot change what the browser gives as Host.
+bool CimXmlHandler::admitsHost(const http::Request& request, http::Response& response) const {
+  if (m_gate.demandsLogin() || isLoopbackHost(request.field("Host"))) {
+    return true;
+  }
+  refuse(response, http::kStatusForbidden,
+         "Nobody has to log in here, so this host answers by a loopback name alone.");
+  return false;
+}
+
 bool CimXmlHandler::admits(const http::Request& request, http::Response& response,
                            wbem::Caller& caller) const {
-  // A page of the web that a browser on this machine shows can send requests here, and have its own
-  // name resolve to 127.0.0.1, but cannot change what the browser gives as Host.
-  if (!m_gate.demandsLogin() && !isLoopbackHost(request.field("Host"))) {
-    refuse(response, http::kStatusForbidden,
-           "Nobody has to log in here, so this host answers by a loopback name alone.");
+  if (!admitsHost(request, response)) {
     return false;
   }
   LoginGate::Decision decision =

@@ -2,7 +2,8 @@
 //
 //   request                          answer
 //   POST, any target but /health     the CIM answer, or a refusal with the field CIMError
-//   GET, HEAD /health                200 and JSON, without a login
+//   GET, HEAD /health                200 and JSON, without a login; as for a message, 403 where
+//                                    nobody logs in and Host names no loopback address
 //   OPTIONS                          200 with Allow
 //   another method that HTTP knows   405 with Allow
 //   M-POST and anything else         501
@@ -47,6 +48,7 @@ class CimXmlHandler final : public http::Handler {
  private:
   void handlePost(http::Request& request, http::Response& response);
   void answerHealth(http::Response& response);
+  [[nodiscard]] bool admitsHost(const http::Request& request, http::Response& response) const;
   [[nodiscard]] bool admits(const http::Request& request, http::Response& response,
                             wbem::Caller& caller) const;
 

@@ -232,4 +232,23 @@ TEST_F(CimXmlHandlerTest, AnswersByALoopbackNameAloneWhereNobodyLogsIn) {
   EXPECT_EQ(ask(m_anna).status, 200u);
 }
 
+TEST_F(CimXmlHandlerTest, TellsMonitorsByALoopbackNameAloneWhereNobodyLogsIn) {
+  m_request.httpTarget = "/health";
+  m_request.fields["Host"] = "evil.example:5988";
+  for (const char* const method : {"GET", "HEAD"}) {
+    m_request.httpMethod = method;
+    EXPECT_EQ(ask().status, 403u);
+    EXPECT_EQ(ask(m_anna).status, 200u);
+  }
+  m_request.fields["Host"] = "localhost:5988";
+  EXPECT_EQ(ask().status, 200u);
+}
+
+TEST_F(CimXmlHandlerTest, RefusesFieldsThatComeTwice) {
+  for (const char* const name : {"CIMMethod", "CIMObject"}) {
+    m_request.repeated = {name};
+    expectRefused(400, "CIMError: header-mismatch\r\n");
+  }
+}
+
 }  // namespace
