@@ -60,7 +60,8 @@ class Connection::HandledRequest final : public Request {
 };
 
 Connection::Connection(Service& service, Executor strand, Peer peer, bool isEncrypted)
-    : m_service(service),
+    : ListedConnection(peer.group),
+      m_service(service),
       m_peer(std::move(peer)),
       m_isEncrypted(isEncrypted),
       m_strand(std::move(strand)),
@@ -75,8 +76,9 @@ void Connection::serve(const std::shared_ptr<Connection>& connection) {
   asio::co_spawn(connection->m_strand, runService(connection), asio::detached);
 }
 
-void Connection::refuse(const std::shared_ptr<Connection>& connection) {
+void Connection::refuse(const std::shared_ptr<Connection>& connection, std::string reason) {
   connection->m_service.connections.addRefused(*connection);
+  connection->m_refusal = Refusal{kStatusServiceUnavailable, std::move(reason)};
   asio::co_spawn(connection->m_strand, runRefusal(connection), asio::detached);
 }
 
@@ -124,10 +126,6 @@ Awaitable<void> Connection::runService(std::shared_ptr<Connection> connection) {
 Awaitable<void> Connection::runRefusal(std::shared_ptr<Connection> connection) {
   try {
     connection->m_exchange = connection->m_service.exchanges.take();
-    connection->m_refusal = Refusal{
-        kStatusServiceUnavailable,
-        "The server has as many connections as it takes: " +
-            std::to_string(connection->m_service.options.maxConnections) + ". Try again later."};
     co_await connection->answerRefusal();
     co_await connection->closeOrderly();
   } catch (const std::exception& fault) {
@@ -156,6 +154,7 @@ Awaitable<void> Connection::serveRequests() {
       m_service.exchanges.give(std::move(m_exchange));
     }
     m_buffer.shrink();
+    givingWay().allowFrom(Clock::now());
   }
 }
 
@@ -166,7 +165,11 @@ Awaitable<Connection::ReadEnd> Connection::readRequest() {
       co_return ReadEnd::Closed;
     }
     if (takeBytes()) {
-      co_return m_refusal ? ReadEnd::Refused : ReadEnd::Complete;
+      if (m_refusal) {
+        co_return ReadEnd::Refused;
+      }
+      // Where another one has got the place already, the end of this one is on its way.
+      co_return givingWay().allowFrom(GivingWay::kNever) ? ReadEnd::Complete : ReadEnd::Closed;
     }
     if (m_refusal) {
       co_return ReadEnd::Refused;
@@ -205,6 +208,7 @@ Awaitable<void> Connection::answer() {
                                                : Ending::SpokenKeepAlive;
   writeHead(response, ending, m_exchange->head);
   const bool isBodySent = hasBody(response.status) && m_exchange->request.method() != "HEAD";
+  givingWay().allowFrom(Clock::now() + m_service.options.slowAnswerTime);
   co_await write(m_exchange->head, isBodySent ? std::string_view(response.body) : "");
 }
 
@@ -227,6 +231,7 @@ Awaitable<void> Connection::delay(std::chrono::milliseconds duration) {
     m_timer.emplace(m_strand);
   }
   enter(Phase::Delaying);
+  givingWay().allowFrom(Clock::now());
   m_timer->expires_after(duration);
   co_await m_timer->async_wait(kAwait);
 }
@@ -255,6 +260,7 @@ Awaitable<void> Connection::closeOrderly() {
     m_service.exchanges.give(std::move(m_exchange));
   }
   enter(Phase::Closing, m_service.isStopping ? kLingerTimeAtStop : kLingerTime);
+  givingWay().allowFrom(Clock::now());
   if (!m_isClosed) {
     co_await farewell();
   }

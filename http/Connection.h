@@ -5,6 +5,10 @@
 // Whoever else wants something of it posts to the strand: the functions that any thread may call
 // say so. There is no timer of its own: it publishes until when its phase may last, and the list of
 // connections looks at that from time to time.
+//
+// Without a request that is served, it may give way to a new connection: until the head of a
+// request is there, which trickling bytes do not put off, while an answer is delayed, and when it
+// is closed; also when its client has been slow to take an answer.
 
 #ifndef ORVEX_HTTP_CONNECTION_H_
 #define ORVEX_HTTP_CONNECTION_H_
@@ -45,8 +49,8 @@ class Connection : public ListedConnection {
 
   // Starts the coroutine.
   static void serve(const std::shared_ptr<Connection>& connection);
-  // Starts one that says that there are too many connections.
-  static void refuse(const std::shared_ptr<Connection>& connection);
+  // Starts one that says why it cannot be served now.
+  static void refuse(const std::shared_ptr<Connection>& connection, std::string reason);
 
   // ListedConnection
   void checkDeadline(Clock::time_point now) override;

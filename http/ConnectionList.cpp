@@ -1,12 +1,35 @@
 #include "http/ConnectionList.h"
 
-#include <utility>
-
 namespace http {
+
+Room ConnectionList::makeRoom(const std::string& group, const Places& places) {
+  std::shared_ptr<ListedConnection> leaving;  // let go of without the lock, which its end takes
+  {
+    const platform::Lock lock(m_mutex);
+    const bool isGroupFull = countOf(group) >= places.perGroup;
+    if (!isGroupFull && m_served.size() < places.all) {
+      return Room::There;
+    }
+    ListedConnection* const told =
+        m_leaving.size() < places.all ? tellOne(isGroupFull ? &group : nullptr) : nullptr;
+    if (told == nullptr) {
+      return isGroupFull ? Room::NoneForGroup : Room::NoneAtAll;
+    }
+    takeOutOfService(*told);
+    m_leaving.insert(told);
+    leaving = told->weak_from_this().lock();
+  }
+  // One without an owner is ending already.
+  if (leaving) {
+    leaving->cut();
+  }
+  return Room::Made;
+}
 
 void ConnectionList::addServed(ListedConnection& connection) {
   const platform::Lock lock(m_mutex);
   m_served.insert(&connection);
+  ++m_counts[connection.group()];
 }
 
 void ConnectionList::addRefused(ListedConnection& connection) {
@@ -16,9 +39,11 @@ void ConnectionList::addRefused(ListedConnection& connection) {
 
 void ConnectionList::remove(ListedConnection& connection) {
   const platform::Lock lock(m_mutex);
-  m_served.erase(&connection);
-  m_refused.erase(&connection);
-  if (m_served.empty() && m_refused.empty() && m_whenEmpty) {
+  if (!takeOutOfService(connection)) {
+    m_leaving.erase(&connection);
+    m_refused.erase(&connection);
+  }
+  if (isWithoutConnections() && m_whenEmpty) {
     m_whenEmpty();
   }
 }
@@ -35,7 +60,7 @@ std::size_t ConnectionList::countRefused() const {
 
 bool ConnectionList::isEmpty() const {
   const platform::Lock lock(m_mutex);
-  return m_served.empty() && m_refused.empty();
+  return isWithoutConnections();
 }
 
 void ConnectionList::checkDeadlines() {
@@ -66,8 +91,8 @@ void ConnectionList::setWhenEmpty(std::function<void()> call) {
 std::vector<std::shared_ptr<ListedConnection>> ConnectionList::getAll() const {
   std::vector<std::shared_ptr<ListedConnection>> all;
   const platform::Lock lock(m_mutex);
-  all.reserve(m_served.size() + m_refused.size());
-  for (const auto* const connections : {&m_served, &m_refused}) {
+  all.reserve(m_served.size() + m_leaving.size() + m_refused.size());
+  for (const Set* const connections : {&m_served, &m_leaving, &m_refused}) {
     for (ListedConnection* const connection : *connections) {
       if (std::shared_ptr<ListedConnection> owned = connection->weak_from_this().lock()) {
         all.push_back(std::move(owned));
@@ -75,6 +100,47 @@ std::vector<std::shared_ptr<ListedConnection>> ConnectionList::getAll() const {
     }
   }
   return all;
+}
+
+std::size_t ConnectionList::countOf(const std::string& group) const {
+  const auto found = m_counts.find(group);
+  return found == m_counts.end() ? 0 : found->second;
+}
+
+bool ConnectionList::isWithoutConnections() const {
+  return m_served.empty() && m_leaving.empty() && m_refused.empty();
+}
+
+ListedConnection* ConnectionList::tellOne(const std::string* group) {
+  const Clock::time_point now = Clock::now();
+  // Another try for each that begins to serve a request just now.
+  for (std::size_t tries = m_served.size(); tries > 0; --tries) {
+    ListedConnection* first = nullptr;
+    Clock::time_point from = now;
+    for (ListedConnection* const connection : m_served) {
+      const bool isAsked = group == nullptr || connection->group() == *group;
+      const Clock::time_point its = connection->givingWay().from();
+      if (isAsked && its <= from) {
+        first = connection;
+        from = its;
+      }
+    }
+    if (first == nullptr || first->givingWay().tell(from)) {
+      return first;
+    }
+  }
+  return nullptr;
+}
+
+bool ConnectionList::takeOutOfService(ListedConnection& connection) {
+  if (m_served.erase(&connection) == 0) {
+    return false;
+  }
+  const auto count = m_counts.find(connection.group());
+  if (--count->second == 0) {
+    m_counts.erase(count);
+  }
+  return true;
 }
 
 }  // namespace http

@@ -8,6 +8,7 @@
 #include <boost/asio/post.hpp>
 #include <exception>
 #include <optional>
+#include <string>
 #include <system_error>
 #include <thread>
 
@@ -71,6 +72,8 @@ struct Server::Implementation {
   Awaitable<void> accept(Listener& listener);
   void tryToTake(const Listener& listener, Socket socket);
   void take(const Listener& listener, Socket socket);
+  void noteRoom(Room room, const Peer& peer);
+  [[nodiscard]] std::string describeLack(Room room) const;
   void noteAcceptFault(const Listener& listener, const error_code& fault);
   Awaitable<void> sweep();
   void tidyUp();
@@ -89,7 +92,9 @@ struct Server::Implementation {
   Timer sweepTimer;
   Clock::time_point stopDeadline = Clock::time_point::max();
 
+  const Places places;
   Reminder acceptFault;
+  Reminder givingWay;
   Reminder tooMany;
 };
 
@@ -98,7 +103,8 @@ Server::Implementation::Implementation(ServerOptions serverOptions, Handler& han
       service{options, handler, connections, {}, {}},
       context(static_cast<int>(std::max(options.threads, 1U))),  // a hint for its locks
       strand(asio::make_strand(context)),
-      sweepTimer(strand) {
+      sweepTimer(strand),
+      places{options.maxConnections, options.maxConnectionsPerAddress} {
   if (hasTls(options)) {
     tls.emplace(makeServerTls(options.certificateFile, options.keyFile));
   }
@@ -168,12 +174,9 @@ void Server::Implementation::take(const Listener& listener, Socket socket) {
   // Head and body go out by one call each time: waiting for more to send would only cost time.
   socket.set_option(tcp::no_delay(true), ignored);
   Peer description = describePeer(peer.address());
-  const bool isTooMany = connections.countServed() >= options.maxConnections;
-  if (isTooMany && tooMany.isDue()) {
-    utils::logError(kLog, "http::Server::take",
-                    "%zu connections, no further ones are taken until one ends",
-                    options.maxConnections);
-  }
+  const Room room = connections.makeRoom(description.group, places);
+  noteRoom(room, description);
+  const bool isTooMany = room == Room::NoneAtAll || room == Room::NoneForGroup;
   // To say so over TLS would cost the handshake that there is no room for.
   if (isTooMany && (listener.endpoint.isTls || connections.countRefused() >= kMostRefused)) {
     return;
@@ -183,10 +186,47 @@ void Server::Implementation::take(const Listener& listener, Socket socket) {
           ? makeConnection(service, std::move(socket), std::move(description), *tls)
           : makeConnection(service, std::move(socket), std::move(description));
   if (isTooMany) {
-    Connection::refuse(connection);
+    Connection::refuse(connection, describeLack(room));
   } else {
     Connection::serve(connection);
   }
+}
+
+void Server::Implementation::noteRoom(Room room, const Peer& peer) {
+  switch (room) {
+    case Room::There:
+      break;
+    case Room::Made:
+      if (givingWay.isDue()) {
+        utils::logError(kLog, "http::Server::take",
+                        "No place for a connection from %s: those give way to new ones that have "
+                        "been idle longest",
+                        peer.address.c_str());
+      }
+      break;
+    case Room::NoneAtAll:
+      if (tooMany.isDue()) {
+        utils::logError(kLog, "http::Server::take",
+                        "%zu connections, no further ones are taken until one ends", places.all);
+      }
+      break;
+    case Room::NoneForGroup:
+      if (tooMany.isDue()) {
+        utils::logError(
+            kLog, "http::Server::take",
+            "%zu connections from %s, no further ones are taken from there until one ends",
+            places.perGroup, peer.address.c_str());
+      }
+      break;
+  }
+}
+
+std::string Server::Implementation::describeLack(Room room) const {
+  const bool isOfGroup = room == Room::NoneForGroup;
+  return std::string("The server has as many connections ") +
+         (isOfGroup ? "from this address " : "") +
+         "as it takes: " + std::to_string(isOfGroup ? places.perGroup : places.all) +
+         ". Try again later.";
 }
 
 void Server::Implementation::noteAcceptFault(const Listener& listener, const error_code& fault) {
