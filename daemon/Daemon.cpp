@@ -105,6 +105,7 @@ http::ServerOptions toServerOptions(const DaemonConfig& config) {
   options.certificateFile = config.certificate;
   options.keyFile = config.key;
   options.maxConnections = config.maxConnections;
+  options.maxConnectionsPerAddress = config.maxConnectionsPerAddress;
   options.maxBodyBytes = config.maxBodyBytes;
   options.requestTimeout = config.requestTimeout;
   options.idleTimeout = config.idleTimeout;

@@ -117,6 +117,10 @@ constexpr Setting kSettings[] = {
      [](DaemonConfig& config, const Line& line) {
        config.maxConnections = demandNumber(line, 1, kMostConnections);
      }},
+    {"max-connections-per-address", false,
+     [](DaemonConfig& config, const Line& line) {
+       config.maxConnectionsPerAddress = demandNumber(line, 1, kMostConnections);
+     }},
     {"max-body", false,
      [](DaemonConfig& config, const Line& line) {
        config.maxBodyBytes = demandNumber(line, kLeastBodyBytes, kMostBodyBytes);

@@ -79,6 +79,7 @@ TEST_F(DaemonConfigTest, ReadsEverySetting) {
                                        "module = /lib/b.so\n"
                                        "log-level = 2\n"
                                        "max-connections = 7\n"
+                                       "max-connections-per-address = 3\n"
                                        "max-body = 65536\n"
                                        "request-timeout = 5\n"
                                        "idle-timeout = 6"));
@@ -94,6 +95,7 @@ TEST_F(DaemonConfigTest, ReadsEverySetting) {
   EXPECT_THAT(config.modules, ElementsAre("/lib/a.so", "/lib/b.so"));
   EXPECT_EQ(config.logLevel, "2");
   EXPECT_EQ(config.maxConnections, 7u);
+  EXPECT_EQ(config.maxConnectionsPerAddress, 3u);
   EXPECT_EQ(config.maxBodyBytes, 65536u);
   EXPECT_EQ(config.requestTimeout, std::chrono::seconds(5));
   EXPECT_EQ(config.idleTimeout, std::chrono::seconds(6));
@@ -113,6 +115,7 @@ TEST_F(DaemonConfigTest, ReadsTheSampleFileWhoseNumbersAreTheDefaults) {
   EXPECT_EQ(config.logLevel, "1");
   const DaemonConfig defaults;
   EXPECT_EQ(config.maxConnections, defaults.maxConnections);
+  EXPECT_EQ(config.maxConnectionsPerAddress, defaults.maxConnectionsPerAddress);
   EXPECT_EQ(config.maxBodyBytes, defaults.maxBodyBytes);
   EXPECT_EQ(config.requestTimeout, defaults.requestTimeout);
   EXPECT_EQ(config.idleTimeout, defaults.idleTimeout);
@@ -129,6 +132,8 @@ TEST_F(DaemonConfigTest, RefusesWhatCannotBeUsedAndSaysWhereAndWhatToDo) {
   expectRefused("operators = @ wheel", "operators: '@' names no group");
   expectRefused("log-level = 4", "log-level: '4' is no whole number from 0 to 3");
   expectRefused("max-connections = 0", "max-connections: '0' is no whole number from 1 to 65536");
+  expectRefused("max-connections-per-address = many",
+                "max-connections-per-address: 'many' is no whole number from 1 to 65536");
   expectRefused("max-body = 1M", "max-body: '1M' is no whole number from 1024 to 1073741824");
   expectRefused("request-timeout = -1", "request-timeout: '-1' is no whole number");
   expectRefused("idle-timeout = 86401", "idle-timeout: '86401' is no whole number from 1 to 86400");
