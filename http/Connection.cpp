@@ -28,6 +28,7 @@ constexpr std::size_t kLingerBytes = 8 * 1024 * 1024;
 constexpr std::size_t kWriteProgress = 64 * 1024;
 
 constexpr const char* kRetryAfter = "Retry-After: 5\r\n";  // seconds
+constexpr const char* kStoppingText = "The server is being stopped.";
 constexpr std::string_view kContinue = "HTTP/1.1 100 Continue\r\n\r\n";
 constexpr Clock::rep kNoDeadline = Clock::duration::max().count();
 
@@ -47,6 +48,7 @@ class Connection::HandledRequest final : public Request {
     return message().countFields(name);
   }
   [[nodiscard]] std::string& body() override { return message().body(); }
+  [[nodiscard]] std::any& memo() override { return m_connection.m_exchange->memo; }
   [[nodiscard]] const std::string& peerAddress() const override {
     return m_connection.m_peer.address;
   }
@@ -136,7 +138,15 @@ Awaitable<void> Connection::runRefusal(std::shared_ptr<Connection> connection) {
 
 Awaitable<void> Connection::serveRequests() {
   while (m_isKept && !m_isClosed) {
-    const ReadEnd end = co_await readRequest();
+    ReadEnd end = co_await readHead();
+    if (end == ReadEnd::Complete && !handleHead()) {
+      passBodyOver();
+    } else if (end == ReadEnd::Complete) {
+      end = co_await readBody();
+      if (end == ReadEnd::Complete) {
+        handle();
+      }
+    }
     switch (end) {
       case ReadEnd::Complete:
         co_await answer();
@@ -158,46 +168,69 @@ Awaitable<void> Connection::serveRequests() {
   }
 }
 
-Awaitable<Connection::ReadEnd> Connection::readRequest() {
-  bool isContinueSent = false;
-  while (true) {
+Awaitable<Connection::ReadEnd> Connection::readHead() {
+  bool goesOn = true;
+  while (goesOn) {
     if (m_service.isStopping && m_phase != Phase::Reading) {
       co_return ReadEnd::Closed;
     }
-    if (takeBytes()) {
-      if (m_refusal) {
-        co_return ReadEnd::Refused;
-      }
-      // Where another one has got the place already, the end of this one is on its way.
-      co_return givingWay().allowFrom(GivingWay::kNever) ? ReadEnd::Complete : ReadEnd::Closed;
-    }
+    const bool isComplete = takeHead();
     if (m_refusal) {
       co_return ReadEnd::Refused;
     }
-    if (m_parser && m_parser->expectsContinue() && !isContinueSent) {
-      isContinueSent = true;
-      co_await write(kContinue, {});
+    if (isComplete) {
+      // Where another one has got the place already, the end of this one is on its way.
+      co_return givingWay().allowFrom(GivingWay::kNever) ? ReadEnd::Complete : ReadEnd::Closed;
     }
     if (m_exchange && m_phase != Phase::Reading) {
       enter(Phase::Reading, m_service.options.requestTimeout);
     } else if (!m_exchange && m_phase != Phase::Idle) {
       enter(Phase::Idle, m_service.options.idleTimeout);
     }
-    co_await readSome();
-    // A client that has closed its half only may be waiting for the answer still.
-    if (m_fault == asio::error::eof && m_exchange && !m_refusal) {
-      m_refusal = Refusal{kStatusBadRequest,
-                          "The request is incomplete: the connection ended in its middle."};
-    }
-    if (m_isClosed || (m_fault && !m_refusal)) {
-      co_return ReadEnd::Closed;
-    }
+    goesOn = co_await readMore();
   }
+  co_return ReadEnd::Closed;
+}
+
+Awaitable<Connection::ReadEnd> Connection::readBody() {
+  bool isContinueSent = false;
+  bool goesOn = true;
+  while (goesOn) {
+    const bool isComplete = takeBody();
+    if (m_refusal) {
+      co_return ReadEnd::Refused;
+    }
+    if (isComplete) {
+      co_return ReadEnd::Complete;
+    }
+    if (m_parser->expectsContinue() && !isContinueSent) {
+      isContinueSent = true;
+      co_await write(kContinue, {});
+    }
+    if (m_phase != Phase::Reading) {
+      // The stop that interrupts who reads may have been before this one reads.
+      if (m_service.isStopping) {
+        m_refusal = Refusal{kStatusServiceUnavailable, kStoppingText};
+        co_return ReadEnd::Refused;
+      }
+      enter(Phase::Reading, m_readTime);
+    }
+    goesOn = co_await readMore();
+  }
+  co_return ReadEnd::Closed;
+}
+
+Awaitable<bool> Connection::readMore() {
+  co_await readSome();
+  // A client that has closed its half only may be waiting for the answer still.
+  if (m_fault == asio::error::eof && m_exchange && !m_refusal) {
+    m_refusal = Refusal{kStatusBadRequest,
+                        "The request is incomplete: the connection ended in its middle."};
+  }
+  co_return !m_isClosed && (!m_fault || m_refusal);
 }
 
 Awaitable<void> Connection::answer() {
-  enter(Phase::Handling);
-  handle();
   Response& response = m_exchange->response;
   if (response.delay > std::chrono::milliseconds::zero()) {
     co_await delay(response.delay);
@@ -293,8 +326,8 @@ void Connection::enter(Phase phase, std::chrono::milliseconds limit) {
   m_deadline.store((Clock::now() + limit).time_since_epoch().count(), std::memory_order_relaxed);
 }
 
-// Returns whether the request is complete or refused.
-bool Connection::takeBytes() {
+// Returns whether the head is complete; it may have been refused instead.
+bool Connection::takeHead() {
   if (!m_exchange) {
     // Some clients send an empty line behind a body.
     while (!m_buffer.isEmpty() && (m_buffer.bytes()[0] == '\r' || m_buffer.bytes()[0] == '\n')) {
@@ -307,19 +340,50 @@ bool Connection::takeBytes() {
     m_parser.emplace(m_exchange->request, RequestLimits{m_service.options.maxHeaderBytes,
                                                         m_service.options.maxBodyBytes});
   }
-  m_buffer.remove(m_parser->take(m_buffer.bytes()));
-  if (m_parser->refusal()) {
+  m_buffer.remove(m_parser->takeHead(m_buffer.bytes()));
+  if (!m_refusal) {
     m_refusal = m_parser->refusal();
   }
-  return m_parser->isComplete() || m_parser->refusal();
+  return m_parser->isHeadComplete();
+}
+
+// Returns whether the request is complete; it may have been refused instead.
+bool Connection::takeBody() {
+  m_buffer.remove(m_parser->take(m_buffer.bytes()));
+  if (!m_refusal) {
+    m_refusal = m_parser->refusal();
+  }
+  return m_parser->isComplete();
+}
+
+bool Connection::handleHead() {
+  // What the handler needs is not taken from the client's time.
+  const Clock::duration left = m_phase == Phase::Reading
+                                   ? Clock::duration(m_deadline.load(std::memory_order_relaxed)) -
+                                         Clock::now().time_since_epoch()
+                                   : Clock::duration(m_service.options.requestTimeout);
+  m_readTime = std::chrono::duration_cast<std::chrono::milliseconds>(left);
+  bool isBodyWanted = false;
+  callHandler([this, &isBodyWanted](Request& request, Response& response) {
+    isBodyWanted = m_service.handler.handleHead(request, response);
+  });
+  return isBodyWanted;
 }
 
 void Connection::handle() {
+  callHandler([this](Request& request, Response& response) {
+    m_service.handler.handle(request, response);
+  });
+}
+
+template <class Call>
+void Connection::callHandler(Call call) {
+  enter(Phase::Handling);
   HandledRequest request(*this);
   Response& response = m_exchange->response;
   clear(response);
   try {
-    m_service.handler.handle(request, response);
+    call(request, response);
     return;
   } catch (const std::exception& fault) {
     utils::logError(kLog, "http::Connection::handle", "A request from %s failed: %s",
@@ -333,6 +397,14 @@ void Connection::handle() {
   response.status = kStatusInternalServerError;
   response.contentType = "text/plain; charset=utf-8";
   response.body = "The server failed at this request. Its log tells why.\n";
+}
+
+// A body that is not wanted is not waited for: who sends more of it has to connect anew.
+void Connection::passBodyOver() {
+  m_buffer.remove(m_parser->take(m_buffer.bytes()));
+  if (!m_parser->isComplete()) {
+    m_exchange->response.isLast = true;
+  }
 }
 
 void Connection::endLatePhase() {
@@ -368,7 +440,7 @@ void Connection::endPhaseForStop() {
       cancel();
       break;
     case Phase::Reading:
-      interrupt(kStatusServiceUnavailable, "The server is being stopped.");
+      interrupt(kStatusServiceUnavailable, kStoppingText);
       break;
     case Phase::Handshake:
       close();

@@ -1,10 +1,11 @@
 // One connection: reads requests, has them handled, sends the answers. Private to this folder.
 //
-// Life: handshake (TLS), then for each request idle, reading, handling, delaying, writing; last
-// closing. A connection is a coroutine on the strand of its socket, and owned by that coroutine.
-// Whoever else wants something of it posts to the strand: the functions that any thread may call
-// say so. There is no timer of its own: it publishes until when its phase may last, and the list of
-// connections looks at that from time to time.
+// Life: handshake (TLS), then for each request idle, reading and handling its head, reading its
+// body and handling the whole, delaying, writing; last closing. A connection is a coroutine on the
+// strand of its socket, and owned by that coroutine. Whoever else wants something of it posts to
+// the strand: the functions that any thread may call say so. There is no timer of its own: it
+// publishes until when its phase may last, and the list of connections looks at that from time to
+// time.
 //
 // Without a request that is served, it may give way to a new connection: until the head of a
 // request is there, which trickling bytes do not put off, while an answer is delayed, and when it
@@ -87,7 +88,11 @@ class Connection : public ListedConnection {
   static Awaitable<void> runRefusal(std::shared_ptr<Connection> connection);
 
   Awaitable<void> serveRequests();
-  Awaitable<ReadEnd> readRequest();
+  // Both return Closed also where the connection gives way or is to end.
+  Awaitable<ReadEnd> readHead();
+  Awaitable<ReadEnd> readBody();
+  // Returns whether there is something further to do for a request.
+  Awaitable<bool> readMore();
   Awaitable<void> answer();
   Awaitable<void> answerRefusal();
   Awaitable<void> delay(std::chrono::milliseconds duration);
@@ -97,8 +102,13 @@ class Connection : public ListedConnection {
   [[nodiscard]] std::shared_ptr<Connection> self();
   void enter(Phase phase);
   void enter(Phase phase, std::chrono::milliseconds limit);
-  [[nodiscard]] bool takeBytes();
+  [[nodiscard]] bool takeHead();
+  [[nodiscard]] bool takeBody();
+  [[nodiscard]] bool handleHead();
   void handle();
+  template <class Call>
+  void callHandler(Call call);
+  void passBodyOver();
   void endLatePhase();
   void endPhaseForStop();
   void interrupt(unsigned status, std::string text);
@@ -120,7 +130,8 @@ class Connection : public ListedConnection {
   bool m_isKept = true;        // for a next request
   bool m_isListenedTo = true;  // while it is being closed
   std::optional<Refusal> m_refusal;
-  std::unique_ptr<Exchange> m_exchange;  // from a request's first byte to the end of its answer
+  std::chrono::milliseconds m_readTime{0};  // what a request has left to be read
+  std::unique_ptr<Exchange> m_exchange;     // from a request's first byte to the end of its answer
   std::optional<RequestParser> m_parser;
   std::optional<Timer> m_timer;  // of a delay
 };

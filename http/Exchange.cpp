@@ -35,6 +35,7 @@ std::unique_ptr<Exchange> ExchangePool::take() {
 }
 
 void ExchangePool::give(std::unique_ptr<Exchange> exchange) {
+  exchange->memo.reset();
   shrink(exchange->request.body());
   shrink(exchange->response.body);
   const platform::Lock lock(m_mutex);

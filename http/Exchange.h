@@ -4,6 +4,7 @@
 #ifndef ORVEX_HTTP_EXCHANGE_H_
 #define ORVEX_HTTP_EXCHANGE_H_
 
+#include <any>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -17,6 +18,7 @@ namespace http {
 
 struct Exchange {
   RequestMessage request;
+  std::any memo;  // the handler's, until the exchange is given back
   Response response;
   std::string head;  // of the answer
 };

@@ -68,9 +68,12 @@ RequestParser::RequestParser(RequestMessage& message, RequestLimits limits)
   body_limit(limits.bodyBytes);
 }
 
-std::size_t RequestParser::take(std::string_view bytes) {
+std::size_t RequestParser::take(std::string_view bytes, Part part) {
   std::size_t taken = 0;
   while (!is_done() && !m_refusal && taken < bytes.size()) {
+    if (part == Part::Head && m_isHeaderRead) {
+      break;
+    }
     const std::string_view rest = bytes.substr(taken);
     if (awaitsShortChunk(rest.size())) {
       break;

@@ -3,6 +3,7 @@
 #ifndef ORVEX_TESTS_DAEMON_FAKEHTTPREQUEST_H_
 #define ORVEX_TESTS_DAEMON_FAKEHTTPREQUEST_H_
 
+#include <any>
 #include <cstddef>
 #include <map>
 #include <set>
@@ -28,6 +29,7 @@ class FakeHttpRequest final : public http::Request {
     return fields.count(std::string(name)) + repeated.count(std::string(name));
   }
   [[nodiscard]] std::string& body() override { return content; }
+  [[nodiscard]] std::any& memo() override { return note; }
   [[nodiscard]] const std::string& peerAddress() const override { return peer; }
   [[nodiscard]] bool isLoopback() const override { return peer == "127.0.0.1"; }
   [[nodiscard]] bool isEncrypted() const override { return isTls; }
@@ -36,6 +38,7 @@ class FakeHttpRequest final : public http::Request {
   std::string httpTarget = "/cimom";
   std::string peer = "127.0.0.1";
   bool isTls = false;
+  std::any note;
   std::map<std::string, std::string> fields{
       {"Host", "127.0.0.1:5988"},          {"Content-Type", "application/xml; charset=\"utf-8\""},
       {"CIMOperation", "MethodCall"},      {"CIMProtocolVersion", "1.0"},

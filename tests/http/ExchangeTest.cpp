@@ -51,6 +51,15 @@ TEST(ExchangePool, GivesUpALargeBufferBehindSmallAnswers) {
   EXPECT_LT(exchange->request.body().capacity(), 1000U);
 }
 
+TEST(ExchangePool, ForgetsWhatTheHandlerNoted) {
+  ExchangePool pool;
+  std::unique_ptr<Exchange> exchange = pool.take();
+  exchange->memo = 1;
+  pool.give(std::move(exchange));
+
+  EXPECT_FALSE(pool.take()->memo.has_value());
+}
+
 TEST(ExchangePool, FreesWhatNobodyTookSinceTheLastTrim) {
   ExchangePool pool;
   std::unique_ptr<Exchange> first = pool.take();

@@ -78,6 +78,30 @@ TEST(RequestParser, LeavesTheNextRequest) {
   EXPECT_EQ(parse.left(), "GET /2 HTTP/1.1\r\n");
 }
 
+TEST(RequestParser, LeavesWhatStandsBehindTheHeadWhereOnlyThatIsTaken) {
+  RequestMessage message;
+  RequestParser parser(message, kLimits);
+  const std::string head = withFields("Content-Length: 4\r\n");
+  EXPECT_EQ(parser.takeHead(head.substr(0, head.size() - 1)), head.size() - 2);
+  EXPECT_FALSE(parser.isHeadComplete());
+  EXPECT_EQ(parser.takeHead("\r\nbody"), 2U);
+  EXPECT_TRUE(parser.isHeadComplete());
+  EXPECT_EQ(parser.takeHead("body"), 0U);
+  EXPECT_EQ(message.body(), "");
+  EXPECT_EQ(parser.take("body"), 4U);
+
+  EXPECT_TRUE(parser.isComplete());
+  EXPECT_EQ(message.body(), "body");
+}
+
+TEST(RequestParser, HasNoHeadWhereItIsRefused) {
+  RequestMessage message;
+  RequestParser parser(message, kLimits);
+  static_cast<void>(parser.takeHead(withFields("Transfer-Encoding: gzip\r\n")));
+
+  EXPECT_FALSE(parser.isHeadComplete());
+}
+
 TEST(RequestParser, FindsFieldsWithoutRegardToCase) {
   Parse parse(withFields("CIMOperation: MethodCall\r\nEmpty:\r\nTwice: 1\r\nTwice: 2\r\n"));
 
