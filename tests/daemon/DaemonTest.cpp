@@ -56,6 +56,17 @@ TEST_F(DaemonTest, ServesAndTellsHowItDoes) {
   EXPECT_EQ(report["runningJobs"], 0);
 }
 
+TEST_F(DaemonTest, AsksForALoginBeforeTheBody) {
+  start(writeUsers());
+  const std::string head =
+      "POST /cimom HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: application/xml\r\n"
+      "CIMOperation: MethodCall\r\nContent-Length: 1000000\r\nExpect: 100-continue\r\n";
+  for (const char* const login : {"", "Authorization: Basic YW5uYTp3cm9uZw==\r\n"}) {
+    EXPECT_THAT(exchange(head + login + "\r\n"), AllOf(StartsWith("HTTP/1.1 401 Unauthorized\r\n"),
+                                                       HasSubstr("\r\nConnection: close\r\n")));
+  }
+}
+
 TEST_F(DaemonTest, EndsWithStatus0WhenAsked) {
   for (const int signal : {SIGTERM, SIGINT}) {
     start();
