@@ -10,6 +10,7 @@
 
 #include "Utils/Log.h"
 #include "http/Answer.h"
+#include "http/HandledRequest.h"
 #include "http/Status.h"
 
 namespace http {
@@ -33,33 +34,6 @@ constexpr std::string_view kContinue = "HTTP/1.1 100 Continue\r\n\r\n";
 constexpr Clock::rep kNoDeadline = Clock::duration::max().count();
 
 }  // namespace
-
-// What the handler sees.
-class Connection::HandledRequest final : public Request {
- public:
-  explicit HandledRequest(Connection& connection) : m_connection(connection) {}
-
-  [[nodiscard]] std::string_view method() const override { return message().method(); }
-  [[nodiscard]] std::string_view target() const override { return message().target(); }
-  [[nodiscard]] std::string_view field(std::string_view name) const override {
-    return message().field(name);
-  }
-  [[nodiscard]] std::size_t countFields(std::string_view name) const override {
-    return message().countFields(name);
-  }
-  [[nodiscard]] std::string& body() override { return message().body(); }
-  [[nodiscard]] std::any& memo() override { return m_connection.m_exchange->memo; }
-  [[nodiscard]] const std::string& peerAddress() const override {
-    return m_connection.m_peer.address;
-  }
-  [[nodiscard]] bool isLoopback() const override { return m_connection.m_peer.isLoopback; }
-  [[nodiscard]] bool isEncrypted() const override { return m_connection.m_isEncrypted; }
-
- private:
-  [[nodiscard]] RequestMessage& message() const { return m_connection.m_exchange->request; }
-
-  Connection& m_connection;
-};
 
 Connection::Connection(Service& service, Executor strand, Peer peer, bool isEncrypted)
     : ListedConnection(peer.group),
@@ -232,6 +206,17 @@ Awaitable<bool> Connection::readMore() {
 
 Awaitable<void> Connection::answer() {
   Response& response = m_exchange->response;
+  // A small answer must not hold what a larger one needed before.
+  if (response.body.size() <= AnswerMemory::kSmallAnswer &&
+      response.body.capacity() > AnswerMemory::kSmallAnswer) {
+    std::string fitting(response.body);
+    response.body.swap(fitting);
+    m_service.exchanges.giveBody(std::move(fitting));
+  }
+  const std::optional<AnswerMemory::Share> share = m_service.answers.take(response.body.capacity());
+  if (!share) {
+    refuseAnswer();
+  }
   if (response.delay > std::chrono::milliseconds::zero()) {
     co_await delay(response.delay);
   }
@@ -241,8 +226,11 @@ Awaitable<void> Connection::answer() {
                                                : Ending::SpokenKeepAlive;
   writeHead(response, ending, m_exchange->head);
   const bool isBodySent = hasBody(response.status) && m_exchange->request.method() != "HEAD";
+  setTakingLargeAnswer(share && share->isLarge());
   givingWay().allowFrom(Clock::now() + m_service.options.slowAnswerTime);
   co_await write(m_exchange->head, isBodySent ? std::string_view(response.body) : "");
+  setTakingLargeAnswer(false);
+  m_service.exchanges.giveBody(std::move(response.body));
 }
 
 Awaitable<void> Connection::answerRefusal() {
@@ -371,6 +359,7 @@ bool Connection::handleHead() {
 }
 
 void Connection::handle() {
+  m_exchange->response.body = m_service.exchanges.takeBody();
   callHandler([this](Request& request, Response& response) {
     m_service.handler.handle(request, response);
   });
@@ -379,7 +368,7 @@ void Connection::handle() {
 template <class Call>
 void Connection::callHandler(Call call) {
   enter(Phase::Handling);
-  HandledRequest request(*this);
+  HandledRequest request(*m_exchange, m_peer, m_isEncrypted);
   Response& response = m_exchange->response;
   clear(response);
   try {
@@ -405,6 +394,24 @@ void Connection::passBodyOver() {
   if (!m_parser->isComplete()) {
     m_exchange->response.isLast = true;
   }
+}
+
+// There is no memory for the answer. A client that has been slow to take one like it loses that, so
+// that who comes again finds some.
+void Connection::refuseAnswer() {
+  if (m_service.answersRefused.isDue()) {
+    utils::logError(kLog, "http::Connection::answer",
+                    "The answers under way hold %zu of %zu bytes, those are refused that need more",
+                    m_service.answers.held(), m_service.answers.most());
+  }
+  m_service.connections.endSlowestAnswer();
+  Response& response = m_exchange->response;
+  std::string().swap(response.body);  // with its memory
+  setRefusal({kStatusServiceUnavailable,
+              "The answers to other clients take the memory that this server has for answers: " +
+                  std::to_string(m_service.answers.most()) + " bytes. Try again later."},
+             response);
+  response.fields = kRetryAfter;
 }
 
 void Connection::endLatePhase() {

@@ -22,6 +22,7 @@
 #include <string>
 #include <string_view>
 
+#include "http/AnswerMemory.h"
 #include "http/Asio.h"
 #include "http/ConnectionList.h"
 #include "http/Exchange.h"
@@ -29,6 +30,7 @@
 #include "http/Peer.h"
 #include "http/ReadBuffer.h"
 #include "http/Refusal.h"
+#include "http/Reminder.h"
 #include "http/RequestParser.h"
 #include "http/ServerOptions.h"
 
@@ -36,10 +38,15 @@ namespace http {
 
 // What the connections of a server share. Outlives them.
 struct Service {
+  Service(const ServerOptions& theOptions, Handler& theHandler, ConnectionList& theConnections)
+      : options(theOptions), handler(theHandler), connections(theConnections) {}
+
   const ServerOptions& options;
   Handler& handler;
   ConnectionList& connections;
   ExchangePool exchanges;
+  AnswerMemory answers{options.maxAnswerBytes};
+  Reminder answersRefused;
   std::atomic<bool> isStopping{false};
 };
 
@@ -80,7 +87,6 @@ class Connection : public ListedConnection {
   error_code m_fault;  // of the last operation
 
  private:
-  class HandledRequest;
   enum class Phase { Handshake, Idle, Reading, Handling, Delaying, Writing, Closing };
   enum class ReadEnd { Complete, Refused, Closed };
 
@@ -109,6 +115,7 @@ class Connection : public ListedConnection {
   template <class Call>
   void callHandler(Call call);
   void passBodyOver();
+  void refuseAnswer();
   void endLatePhase();
   void endPhaseForStop();
   void interrupt(unsigned status, std::string text);

@@ -3,27 +3,40 @@
 namespace http {
 
 Room ConnectionList::makeRoom(const std::string& group, const Places& places) {
-  std::shared_ptr<ListedConnection> leaving;  // let go of without the lock, which its end takes
+  std::shared_ptr<ListedConnection> told;
   {
     const platform::Lock lock(m_mutex);
     const bool isGroupFull = countOf(group) >= places.perGroup;
     if (!isGroupFull && m_served.size() < places.all) {
       return Room::There;
     }
-    ListedConnection* const told =
-        m_leaving.size() < places.all ? tellOne(isGroupFull ? &group : nullptr) : nullptr;
-    if (told == nullptr) {
+    const auto isAsked = [&](const ListedConnection& connection) {
+      return !isGroupFull || connection.group() == group;
+    };
+    if (m_leaving.size() >= places.all || !tellOne(isAsked, told)) {
       return isGroupFull ? Room::NoneForGroup : Room::NoneAtAll;
     }
-    takeOutOfService(*told);
-    m_leaving.insert(told);
-    leaving = told->weak_from_this().lock();
   }
-  // One without an owner is ending already.
-  if (leaving) {
-    leaving->cut();
+  if (told) {
+    told->cut();
   }
   return Room::Made;
+}
+
+void ConnectionList::endSlowestAnswer() {
+  std::shared_ptr<ListedConnection> told;
+  {
+    const platform::Lock lock(m_mutex);
+    const auto isAsked = [](const ListedConnection& connection) {
+      return connection.isTakingLargeAnswer();
+    };
+    if (!tellOne(isAsked, told)) {
+      return;
+    }
+  }
+  if (told) {
+    told->cut();
+  }
 }
 
 void ConnectionList::addServed(ListedConnection& connection) {
@@ -111,25 +124,31 @@ bool ConnectionList::isWithoutConnections() const {
   return m_served.empty() && m_leaving.empty() && m_refused.empty();
 }
 
-ListedConnection* ConnectionList::tellOne(const std::string* group) {
+template <class IsAsked>
+bool ConnectionList::tellOne(IsAsked isAsked, std::shared_ptr<ListedConnection>& told) {
   const Clock::time_point now = Clock::now();
   // Another try for each that begins to serve a request just now.
   for (std::size_t tries = m_served.size(); tries > 0; --tries) {
     ListedConnection* first = nullptr;
     Clock::time_point from = now;
     for (ListedConnection* const connection : m_served) {
-      const bool isAsked = group == nullptr || connection->group() == *group;
       const Clock::time_point its = connection->givingWay().from();
-      if (isAsked && its <= from) {
+      if (its <= from && isAsked(*connection)) {
         first = connection;
         from = its;
       }
     }
-    if (first == nullptr || first->givingWay().tell(from)) {
-      return first;
+    if (first == nullptr) {
+      return false;
+    }
+    if (first->givingWay().tell(from)) {
+      takeOutOfService(*first);
+      m_leaving.insert(first);
+      told = first->weak_from_this().lock();
+      return true;
     }
   }
-  return nullptr;
+  return false;
 }
 
 bool ConnectionList::takeOutOfService(ListedConnection& connection) {

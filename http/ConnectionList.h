@@ -4,6 +4,7 @@
 #ifndef ORVEX_HTTP_CONNECTIONLIST_H_
 #define ORVEX_HTTP_CONNECTIONLIST_H_
 
+#include <atomic>
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -32,6 +33,8 @@ class ListedConnection : public std::enable_shared_from_this<ListedConnection> {
 
   [[nodiscard]] const std::string& group() const { return m_group; }
   [[nodiscard]] GivingWay& givingWay() { return m_givingWay; }
+  [[nodiscard]] bool isTakingLargeAnswer() const { return m_isTakingLargeAnswer; }
+  void setTakingLargeAnswer(bool isTaking) { m_isTakingLargeAnswer = isTaking; }
 
   // Ends the phase if its time is over.
   virtual void checkDeadline(Clock::time_point now) = 0;
@@ -41,7 +44,9 @@ class ListedConnection : public std::enable_shared_from_this<ListedConnection> {
   virtual void cut() = 0;
 
  private:
+  // No virtual functions: the list asks also while the connection is being destroyed.
   GivingWay m_givingWay;
+  std::atomic<bool> m_isTakingLargeAnswer{false};
   const std::string m_group;
 };
 
@@ -72,6 +77,9 @@ class ConnectionList {
   // for that.
   [[nodiscard]] Room makeRoom(const std::string& group, const Places& places);
 
+  // Cuts the connection that has been taking a large answer for longest, if it may give way.
+  void endSlowestAnswer();
+
   // Connections add and remove themselves.
   void addServed(ListedConnection& connection);
   void addRefused(ListedConnection& connection);
@@ -95,8 +103,12 @@ class ConnectionList {
   [[nodiscard]] std::vector<std::shared_ptr<ListedConnection>> getAll() const;
   [[nodiscard]] std::size_t countOf(const std::string& group) const ORVEX_REQUIRES(m_mutex);
   [[nodiscard]] bool isWithoutConnections() const ORVEX_REQUIRES(m_mutex);
-  // Returns the one that was told to go, null where none may. `group` is null for all of them.
-  [[nodiscard]] ListedConnection* tellOne(const std::string* group) ORVEX_REQUIRES(m_mutex);
+  // Tells the one to go that may since longest, of those in service for which `isAsked` is true,
+  // and takes it out of service. Returns whether there was one, which the caller cuts and lets go
+  // of without the lock: it is null where it is ending already.
+  template <class IsAsked>
+  [[nodiscard]] bool tellOne(IsAsked isAsked, std::shared_ptr<ListedConnection>& told)
+      ORVEX_REQUIRES(m_mutex);
   // Returns whether it was in service.
   bool takeOutOfService(ListedConnection& connection) ORVEX_REQUIRES(m_mutex);
 

@@ -1,7 +1,6 @@
 #include "http/Server.h"
 
 #include <algorithm>
-#include <atomic>
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/detached.hpp>
 #include <boost/asio/error.hpp>
@@ -16,6 +15,7 @@
 #include "http/Acceptors.h"
 #include "http/Connection.h"
 #include "http/ConnectionList.h"
+#include "http/Reminder.h"
 #include "http/ServerTls.h"
 #include "http/Transport.h"
 
@@ -28,8 +28,9 @@ constexpr utils::LogSource kLog{"HttpServer"};
 constexpr std::size_t kMostRefused = 32;
 // The wait after a connection could not be taken, for want of descriptors or memory.
 constexpr std::chrono::milliseconds kAcceptPause{100};
-// What may go on for long is logged once in this time.
-constexpr std::chrono::minutes kLogInterval{10};
+// What the system keeps of an answer that its client does not take. Left to itself, it keeps
+// megabytes for each connection.
+constexpr int kSendBuffer = 128 * 1024;
 
 constexpr std::chrono::milliseconds kShortestSweep{5};
 constexpr std::chrono::milliseconds kLongestSweep{1000};
@@ -45,20 +46,6 @@ bool hasTls(const ServerOptions& options) {
   return std::any_of(options.endpoints.begin(), options.endpoints.end(),
                      [](const Endpoint& endpoint) { return endpoint.isTls; });
 }
-
-// Says whether something is to be logged that goes on. Any thread.
-class Reminder {
- public:
-  [[nodiscard]] bool isDue() {
-    const Clock::rep now = Clock::now().time_since_epoch().count();
-    Clock::rep last = m_last.load();
-    const bool isSoon = last != 0 && now - last < Clock::duration(kLogInterval).count();
-    return !isSoon && m_last.compare_exchange_strong(last, now);
-  }
-
- private:
-  std::atomic<Clock::rep> m_last{0};
-};
 
 }  // namespace
 
@@ -100,7 +87,7 @@ struct Server::Implementation {
 
 Server::Implementation::Implementation(ServerOptions serverOptions, Handler& handler)
     : options(std::move(serverOptions)),
-      service{options, handler, connections, {}, {}},
+      service{options, handler, connections},
       context(static_cast<int>(std::max(options.threads, 1U))),  // a hint for its locks
       strand(asio::make_strand(context)),
       sweepTimer(strand),
@@ -173,6 +160,7 @@ void Server::Implementation::take(const Listener& listener, Socket socket) {
   error_code ignored;
   // Head and body go out by one call each time: waiting for more to send would only cost time.
   socket.set_option(tcp::no_delay(true), ignored);
+  socket.set_option(asio::socket_base::send_buffer_size(kSendBuffer), ignored);
   Peer description = describePeer(peer.address());
   const Room room = connections.makeRoom(description.group, places);
   noteRoom(room, description);

@@ -25,6 +25,8 @@ struct ServerOptions {
   std::size_t maxConnectionsPerAddress = 64;  // an address as toPeerGroup counts them
   std::size_t maxHeaderBytes = 16 * 1024;
   std::size_t maxBodyBytes = 1024 * 1024;
+  // All answers together that clients have not taken yet; one that is larger goes out alone.
+  std::size_t maxAnswerBytes = 64 * 1024 * 1024;
   // From a request's first byte to its last; also for the client to take 64 KiB of the answer.
   std::chrono::milliseconds requestTimeout{30'000};
   std::chrono::milliseconds idleTimeout{60'000};  // between requests

@@ -157,6 +157,25 @@ TEST_F(PlacesTest, AreNotMadeWhileAsManyHaveNotEnded) {
   EXPECT_EQ(m_list.makeRoom("a", Places{1, 1}), Room::Made);
 }
 
+TEST_F(PlacesTest, OfSlowestAnswersAreFreedWhereMemoryIsShort) {
+  const auto idle = addIdle("a", 9);
+  const auto slow = addIdle("a", 2);
+  const auto slowest = addIdle("a", 3);
+  const auto quick = add("a");
+  quick->givingWay().allowFrom(http::Clock::now() + std::chrono::hours(1));
+  for (const auto& taking : {slow, slowest, quick}) {
+    taking->setTakingLargeAnswer(true);
+  }
+
+  m_list.endSlowestAnswer();
+  EXPECT_TRUE(slowest->isCut);
+  EXPECT_FALSE(slow->isCut);
+  m_list.endSlowestAnswer();
+  m_list.endSlowestAnswer();
+  EXPECT_TRUE(slow->isCut);
+  EXPECT_FALSE(idle->isCut || quick->isCut);
+}
+
 class ConnectionListTest : public testing::Test {
  protected:
   ConnectionListTest() : m_acceptor(asio::make_strand(m_context)) {
@@ -181,7 +200,7 @@ class ConnectionListTest : public testing::Test {
   test::FunctionHandler m_handler{
       [this](http::Request& /*request*/, http::Response& response) { response.body = m_answer; }};
   http::ConnectionList m_list;
-  http::Service m_service{m_options, m_handler, m_list, {}, {}};
+  http::Service m_service{m_options, m_handler, m_list};
   asio::io_context m_context;
   http::Acceptor m_acceptor;
 };
