@@ -107,6 +107,7 @@ http::ServerOptions toServerOptions(const DaemonConfig& config) {
   options.maxConnections = config.maxConnections;
   options.maxConnectionsPerAddress = config.maxConnectionsPerAddress;
   options.maxBodyBytes = config.maxBodyBytes;
+  options.maxAnswerBytes = config.maxAnswerBytes;
   options.requestTimeout = config.requestTimeout;
   options.idleTimeout = config.idleTimeout;
   return options;

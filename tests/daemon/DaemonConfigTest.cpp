@@ -81,6 +81,7 @@ TEST_F(DaemonConfigTest, ReadsEverySetting) {
                                        "max-connections = 7\n"
                                        "max-connections-per-address = 3\n"
                                        "max-body = 65536\n"
+                                       "max-answers = 2097152\n"
                                        "request-timeout = 5\n"
                                        "idle-timeout = 6"));
   EXPECT_THAT(listenOf(config), ElementsAre("127.0.0.1:15988", "https:[::]:5989"));
@@ -97,6 +98,7 @@ TEST_F(DaemonConfigTest, ReadsEverySetting) {
   EXPECT_EQ(config.maxConnections, 7u);
   EXPECT_EQ(config.maxConnectionsPerAddress, 3u);
   EXPECT_EQ(config.maxBodyBytes, 65536u);
+  EXPECT_EQ(config.maxAnswerBytes, 2097152u);
   EXPECT_EQ(config.requestTimeout, std::chrono::seconds(5));
   EXPECT_EQ(config.idleTimeout, std::chrono::seconds(6));
 }
@@ -117,6 +119,7 @@ TEST_F(DaemonConfigTest, ReadsTheSampleFileWhoseNumbersAreTheDefaults) {
   EXPECT_EQ(config.maxConnections, defaults.maxConnections);
   EXPECT_EQ(config.maxConnectionsPerAddress, defaults.maxConnectionsPerAddress);
   EXPECT_EQ(config.maxBodyBytes, defaults.maxBodyBytes);
+  EXPECT_EQ(config.maxAnswerBytes, defaults.maxAnswerBytes);
   EXPECT_EQ(config.requestTimeout, defaults.requestTimeout);
   EXPECT_EQ(config.idleTimeout, defaults.idleTimeout);
 }
@@ -135,6 +138,8 @@ TEST_F(DaemonConfigTest, RefusesWhatCannotBeUsedAndSaysWhereAndWhatToDo) {
   expectRefused("max-connections-per-address = many",
                 "max-connections-per-address: 'many' is no whole number from 1 to 65536");
   expectRefused("max-body = 1M", "max-body: '1M' is no whole number from 1024 to 1073741824");
+  expectRefused("max-answers = 65536",
+                "max-answers: '65536' is no whole number from 1048576 to 4294967295");
   expectRefused("request-timeout = -1", "request-timeout: '-1' is no whole number");
   expectRefused("idle-timeout = 86401", "idle-timeout: '86401' is no whole number from 1 to 86400");
 }
