@@ -1,6 +1,7 @@
 #include "daemon/CimXmlHandler.h"
 
 #include <algorithm>
+#include <any>
 #include <iterator>
 #include <utility>
 
@@ -61,13 +62,16 @@ CimXmlHandler::CimXmlHandler(Service& service, LoginGate& gate, std::string vers
       m_gate(gate),
       m_version(std::move(version)) {}
 
-void CimXmlHandler::handle(http::Request& request, http::Response& response) {
+bool CimXmlHandler::handleHead(http::Request& request, http::Response& response) {
   const bool isHealth = pathOf(request.target()) == kHealth;
   const std::string_view method = request.method();
+  if (!isHealth && method == "POST") {
+    return handlePostHead(request, response);
+  }
   if (isHealth && (method == "GET" || method == "HEAD")) {
-    answerHealth(response);
-  } else if (!isHealth && method == "POST") {
-    handlePost(request, response);
+    if (admitsHost(request, response)) {
+      answerHealth(response);
+    }
   } else if (method == "OPTIONS") {
     response.fields = isHealth ? kAllowOfHealth : kAllow;
   } else if (isKnownMethod(method)) {
@@ -77,20 +81,31 @@ void CimXmlHandler::handle(http::Request& request, http::Response& response) {
     refuse(response, http::kStatusNotImplemented,
            "This method is not offered; CIM clients send POST.");
   }
+  return false;
 }
 
-void CimXmlHandler::handlePost(http::Request& request, http::Response& response) {
+bool CimXmlHandler::handlePostHead(http::Request& request, http::Response& response) {
   wbem::Caller caller;
   if (!admits(request, response, caller)) {
-    return;
+    return false;
   }
   try {
     demandCimMessage(request);
+  } catch (const FieldsFault& fault) {
+    refuseMessage(response, fault.status(), fault.cimError(), fault.what());
+    return false;
+  }
+  request.memo() = std::move(caller);
+  return true;
+}
+
+void CimXmlHandler::handle(http::Request& request, http::Response& response) {
+  try {
     const cimxml::Request message = cimxml::parseRequest(request.body());
     demandSameFields(request, message);
     response.contentType = kXml;
     response.fields = "CIMOperation: MethodResponse\r\n";
-    m_service.answer(message, caller, response.body);
+    m_service.answer(message, std::any_cast<const wbem::Caller&>(request.memo()), response.body);
   } catch (const FieldsFault& fault) {
     refuseMessage(response, fault.status(), fault.cimError(), fault.what());
   } catch (const cimxml::RequestFault& fault) {
@@ -98,13 +113,20 @@ void CimXmlHandler::handlePost(http::Request& request, http::Response& response)
   }
 }
 
+// A page of the web that a browser on this machine shows can send requests here, and have its own
+// name resolve to 127.0.0.1, but cannot change what the browser gives as Host.
+bool CimXmlHandler::admitsHost(const http::Request& request, http::Response& response) const {
+  if (m_gate.demandsLogin() || isLoopbackHost(request.field("Host"))) {
+    return true;
+  }
+  refuse(response, http::kStatusForbidden,
+         "Nobody has to log in here, so this host answers by a loopback name alone.");
+  return false;
+}
+
 bool CimXmlHandler::admits(const http::Request& request, http::Response& response,
                            wbem::Caller& caller) const {
-  // A page of the web that a browser on this machine shows can send requests here, and have its own
-  // name resolve to 127.0.0.1, but cannot change what the browser gives as Host.
-  if (!m_gate.demandsLogin() && !isLoopbackHost(request.field("Host"))) {
-    refuse(response, http::kStatusForbidden,
-           "Nobody has to log in here, so this host answers by a loopback name alone.");
+  if (!admitsHost(request, response)) {
     return false;
   }
   LoginGate::Decision decision =

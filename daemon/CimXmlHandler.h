@@ -2,12 +2,14 @@
 //
 //   request                          answer
 //   POST, any target but /health     the CIM answer, or a refusal with the field CIMError
-//   GET, HEAD /health                200 and JSON, without a login
+//   GET, HEAD /health                200 and JSON, without a login; as for a message, 403 where
+//                                    nobody logs in and Host names no loopback address
 //   OPTIONS                          200 with Allow
 //   another method that HTTP knows   405 with Allow
 //   M-POST and anything else         501
 //
-// Who logs in is asked first, before anything of the message is looked at.
+// All but messages of those who may send them are answered by their heads alone: nobody has a body
+// read who has not logged in.
 
 #ifndef ORVEX_DAEMON_CIMXMLHANDLER_H_
 #define ORVEX_DAEMON_CIMXMLHANDLER_H_
@@ -42,11 +44,15 @@ class CimXmlHandler final : public http::Handler {
   // Service and gate are the caller's and outlive the handler.
   CimXmlHandler(Service& service, LoginGate& gate, std::string version);
 
+  // http::Handler
+  [[nodiscard]] bool handleHead(http::Request& request, http::Response& response) override;
+  // Demands that handleHead() has returned true for the request.
   void handle(http::Request& request, http::Response& response) override;
 
  private:
-  void handlePost(http::Request& request, http::Response& response);
+  [[nodiscard]] bool handlePostHead(http::Request& request, http::Response& response);
   void answerHealth(http::Response& response);
+  [[nodiscard]] bool admitsHost(const http::Request& request, http::Response& response) const;
   [[nodiscard]] bool admits(const http::Request& request, http::Response& response,
                             wbem::Caller& caller) const;
 

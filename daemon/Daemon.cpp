@@ -19,6 +19,7 @@
 #include "daemon/JobsEnd.h"
 #include "daemon/LoginGate.h"
 #include "daemon/PasswordFile.h"
+#include "daemon/Posix/LargeBlocks.h"
 #include "daemon/Posix/PamAuthenticator.h"
 #include "daemon/Posix/ServiceManager.h"
 #include "daemon/Posix/StopSignals.h"
@@ -105,7 +106,9 @@ http::ServerOptions toServerOptions(const DaemonConfig& config) {
   options.certificateFile = config.certificate;
   options.keyFile = config.key;
   options.maxConnections = config.maxConnections;
+  options.maxConnectionsPerAddress = config.maxConnectionsPerAddress;
   options.maxBodyBytes = config.maxBodyBytes;
+  options.maxAnswerBytes = config.maxAnswerBytes;
   options.requestTimeout = config.requestTimeout;
   options.idleTimeout = config.idleTimeout;
   return options;
@@ -135,7 +138,8 @@ void finishJobs(wbem::Server& server, const ServiceManager& manager) {
 }
 
 void serve(const DaemonConfig& config, std::ostream& out) {
-  // Both before anything that may start a thread.
+  // All before anything that may start a thread.
+  giveLargeBlocksBack();
   const ServiceManager manager;
   const StopSignals signals;
   applyAgentSettings(config);

@@ -23,6 +23,8 @@ constexpr const char* kLoopback = "127.0.0.1";
 constexpr std::uint32_t kMostConnections = 65'536;
 constexpr std::uint32_t kLeastBodyBytes = 1024;
 constexpr std::uint32_t kMostBodyBytes = 1024 * 1024 * 1024;
+constexpr std::uint32_t kLeastAnswerBytes = 1024 * 1024;
+constexpr std::uint32_t kMostAnswerBytes = 4'294'967'295;
 constexpr std::uint32_t kMostSeconds = 86'400;
 
 constexpr std::pair<const char*, AuthenticationKind> kAuthentications[] = {
@@ -117,9 +119,17 @@ constexpr Setting kSettings[] = {
      [](DaemonConfig& config, const Line& line) {
        config.maxConnections = demandNumber(line, 1, kMostConnections);
      }},
+    {"max-connections-per-address", false,
+     [](DaemonConfig& config, const Line& line) {
+       config.maxConnectionsPerAddress = demandNumber(line, 1, kMostConnections);
+     }},
     {"max-body", false,
      [](DaemonConfig& config, const Line& line) {
        config.maxBodyBytes = demandNumber(line, kLeastBodyBytes, kMostBodyBytes);
+     }},
+    {"max-answers", false,
+     [](DaemonConfig& config, const Line& line) {
+       config.maxAnswerBytes = demandNumber(line, kLeastAnswerBytes, kMostAnswerBytes);
      }},
     {"request-timeout", false,
      [](DaemonConfig& config, const Line& line) {

@@ -47,7 +47,9 @@ struct DaemonConfig {
   std::vector<std::string> modules;
   std::string logLevel;
   std::size_t maxConnections = 128;
+  std::size_t maxConnectionsPerAddress = 64;
   std::size_t maxBodyBytes = 1024 * 1024;
+  std::size_t maxAnswerBytes = 64 * 1024 * 1024;
   std::chrono::seconds requestTimeout{30};
   std::chrono::seconds idleTimeout{60};
 };

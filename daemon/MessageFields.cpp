@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <string>
 #include <string_view>
 
 #include "Utils/Ascii.h"
@@ -19,6 +20,22 @@ constexpr std::size_t kHexDigits = 2;
 
 constexpr std::string_view kMediaTypes[] = {"application/xml", "text/xml"};
 constexpr std::string_view kCharacterSets[] = {"utf-8", "utf8"};
+
+// Fields by which a message is judged, here and on its way: with two of them, who judges by the
+// first and who judges by the last would see different messages.
+struct SingleField {
+  std::string_view name;
+  const char* cimError;  // of a request that has it twice
+};
+
+constexpr SingleField kSingleFields[] = {
+    {"Content-Encoding", ""},
+    {"CIMOperation", "unsupported-operation"},
+    {"CIMProtocolVersion", "unsupported-protocol-version"},
+    {"CIMBatch", "multiple-requests-unsupported"},
+    {"CIMMethod", "header-mismatch"},
+    {"CIMObject", "header-mismatch"},
+};
 
 template <std::size_t Count>
 bool isOneOf(std::string_view text, const std::string_view (&list)[Count]) {
@@ -74,6 +91,13 @@ bool isTarget(const std::string& object, const cimxml::Request& message) {
 }  // namespace
 
 void demandCimMessage(const http::Request& request) {
+  for (const SingleField& field : kSingleFields) {
+    if (request.countFields(field.name) > 1) {
+      throw FieldsFault(http::kStatusBadRequest, field.cimError,
+                        "The header field " + std::string(field.name) +
+                            " stands there several times; send it once.");
+    }
+  }
   const std::string_view encoding = request.field("Content-Encoding");
   if (!isXmlInUtf8(request.field("Content-Type")) ||
       (!encoding.empty() && !utils::isSameIgnoringCase(encoding, "identity"))) {

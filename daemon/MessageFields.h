@@ -32,7 +32,8 @@ class FieldsFault final : public std::exception {
 };
 
 // Throws FieldsFault for a message that is no CIM message in XML and UTF-8, by its Content-Type,
-// Content-Encoding, CIMOperation and CIMProtocolVersion.
+// Content-Encoding, CIMOperation and CIMProtocolVersion, or that has one of the fields of a CIM
+// message twice.
 void demandCimMessage(const http::Request& request);
 
 // Throws FieldsFault when CIMMethod or CIMObject is missing or does not say what the

@@ -10,6 +10,7 @@
 
 #include "Utils/Log.h"
 #include "http/Answer.h"
+#include "http/HandledRequest.h"
 #include "http/Status.h"
 
 namespace http {
@@ -28,36 +29,15 @@ constexpr std::size_t kLingerBytes = 8 * 1024 * 1024;
 constexpr std::size_t kWriteProgress = 64 * 1024;
 
 constexpr const char* kRetryAfter = "Retry-After: 5\r\n";  // seconds
+constexpr const char* kStoppingText = "The server is being stopped.";
 constexpr std::string_view kContinue = "HTTP/1.1 100 Continue\r\n\r\n";
 constexpr Clock::rep kNoDeadline = Clock::duration::max().count();
 
 }  // namespace
 
-// What the handler sees.
-class Connection::HandledRequest final : public Request {
- public:
-  explicit HandledRequest(Connection& connection) : m_connection(connection) {}
-
-  [[nodiscard]] std::string_view method() const override { return message().method(); }
-  [[nodiscard]] std::string_view target() const override { return message().target(); }
-  [[nodiscard]] std::string_view field(std::string_view name) const override {
-    return message().field(name);
-  }
-  [[nodiscard]] std::string& body() override { return message().body(); }
-  [[nodiscard]] const std::string& peerAddress() const override {
-    return m_connection.m_peer.address;
-  }
-  [[nodiscard]] bool isLoopback() const override { return m_connection.m_peer.isLoopback; }
-  [[nodiscard]] bool isEncrypted() const override { return m_connection.m_isEncrypted; }
-
- private:
-  [[nodiscard]] RequestMessage& message() const { return m_connection.m_exchange->request; }
-
-  Connection& m_connection;
-};
-
 Connection::Connection(Service& service, Executor strand, Peer peer, bool isEncrypted)
-    : m_service(service),
+    : ListedConnection(peer.group),
+      m_service(service),
       m_peer(std::move(peer)),
       m_isEncrypted(isEncrypted),
       m_strand(std::move(strand)),
@@ -72,8 +52,9 @@ void Connection::serve(const std::shared_ptr<Connection>& connection) {
   asio::co_spawn(connection->m_strand, runService(connection), asio::detached);
 }
 
-void Connection::refuse(const std::shared_ptr<Connection>& connection) {
+void Connection::refuse(const std::shared_ptr<Connection>& connection, std::string reason) {
   connection->m_service.connections.addRefused(*connection);
+  connection->m_refusal = Refusal{kStatusServiceUnavailable, std::move(reason)};
   asio::co_spawn(connection->m_strand, runRefusal(connection), asio::detached);
 }
 
@@ -121,10 +102,6 @@ Awaitable<void> Connection::runService(std::shared_ptr<Connection> connection) {
 Awaitable<void> Connection::runRefusal(std::shared_ptr<Connection> connection) {
   try {
     connection->m_exchange = connection->m_service.exchanges.take();
-    connection->m_refusal = Refusal{
-        kStatusServiceUnavailable,
-        "The server has as many connections as it takes: " +
-            std::to_string(connection->m_service.options.maxConnections) + ". Try again later."};
     co_await connection->answerRefusal();
     co_await connection->closeOrderly();
   } catch (const std::exception& fault) {
@@ -135,7 +112,15 @@ Awaitable<void> Connection::runRefusal(std::shared_ptr<Connection> connection) {
 
 Awaitable<void> Connection::serveRequests() {
   while (m_isKept && !m_isClosed) {
-    const ReadEnd end = co_await readRequest();
+    ReadEnd end = co_await readHead();
+    if (end == ReadEnd::Complete && !handleHead()) {
+      passBodyOver();
+    } else if (end == ReadEnd::Complete) {
+      end = co_await readBody();
+      if (end == ReadEnd::Complete) {
+        handle();
+      }
+    }
     switch (end) {
       case ReadEnd::Complete:
         co_await answer();
@@ -153,46 +138,85 @@ Awaitable<void> Connection::serveRequests() {
       m_service.exchanges.give(std::move(m_exchange));
     }
     m_buffer.shrink();
+    givingWay().allowFrom(Clock::now());
   }
 }
 
-Awaitable<Connection::ReadEnd> Connection::readRequest() {
-  bool isContinueSent = false;
-  while (true) {
+Awaitable<Connection::ReadEnd> Connection::readHead() {
+  bool goesOn = true;
+  while (goesOn) {
     if (m_service.isStopping && m_phase != Phase::Reading) {
       co_return ReadEnd::Closed;
     }
-    if (takeBytes()) {
-      co_return m_refusal ? ReadEnd::Refused : ReadEnd::Complete;
-    }
+    const bool isComplete = takeHead();
     if (m_refusal) {
       co_return ReadEnd::Refused;
     }
-    if (m_parser && m_parser->expectsContinue() && !isContinueSent) {
-      isContinueSent = true;
-      co_await write(kContinue, {});
+    if (isComplete) {
+      // Where another one has got the place already, the end of this one is on its way.
+      co_return givingWay().allowFrom(GivingWay::kNever) ? ReadEnd::Complete : ReadEnd::Closed;
     }
     if (m_exchange && m_phase != Phase::Reading) {
       enter(Phase::Reading, m_service.options.requestTimeout);
     } else if (!m_exchange && m_phase != Phase::Idle) {
       enter(Phase::Idle, m_service.options.idleTimeout);
     }
-    co_await readSome();
-    // A client that has closed its half only may be waiting for the answer still.
-    if (m_fault == asio::error::eof && m_exchange && !m_refusal) {
-      m_refusal = Refusal{kStatusBadRequest,
-                          "The request is incomplete: the connection ended in its middle."};
-    }
-    if (m_isClosed || (m_fault && !m_refusal)) {
-      co_return ReadEnd::Closed;
-    }
+    goesOn = co_await readMore();
   }
+  co_return ReadEnd::Closed;
+}
+
+Awaitable<Connection::ReadEnd> Connection::readBody() {
+  bool isContinueSent = false;
+  bool goesOn = true;
+  while (goesOn) {
+    const bool isComplete = takeBody();
+    if (m_refusal) {
+      co_return ReadEnd::Refused;
+    }
+    if (isComplete) {
+      co_return ReadEnd::Complete;
+    }
+    if (m_parser->expectsContinue() && !isContinueSent) {
+      isContinueSent = true;
+      co_await write(kContinue, {});
+    }
+    if (m_phase != Phase::Reading) {
+      // The stop that interrupts who reads may have been before this one reads.
+      if (m_service.isStopping) {
+        m_refusal = Refusal{kStatusServiceUnavailable, kStoppingText};
+        co_return ReadEnd::Refused;
+      }
+      enter(Phase::Reading, m_readTime);
+    }
+    goesOn = co_await readMore();
+  }
+  co_return ReadEnd::Closed;
+}
+
+Awaitable<bool> Connection::readMore() {
+  co_await readSome();
+  // A client that has closed its half only may be waiting for the answer still.
+  if (m_fault == asio::error::eof && m_exchange && !m_refusal) {
+    m_refusal = Refusal{kStatusBadRequest,
+                        "The request is incomplete: the connection ended in its middle."};
+  }
+  co_return !m_isClosed && (!m_fault || m_refusal);
 }
 
 Awaitable<void> Connection::answer() {
-  enter(Phase::Handling);
-  handle();
   Response& response = m_exchange->response;
+  // A small answer must not hold what a larger one needed before.
+  if (response.body.size() <= AnswerMemory::kSmallAnswer &&
+      response.body.capacity() > AnswerMemory::kSmallAnswer) {
+    std::string fitting(response.body);
+    response.body.swap(fitting);
+    m_service.exchanges.giveBody(std::move(fitting));
+  }
+  const std::optional<AnswerMemory::Share> share = m_service.answers.take(response.body.capacity());
+  if (!share) {
+    refuseAnswer();
+  }
   if (response.delay > std::chrono::milliseconds::zero()) {
     co_await delay(response.delay);
   }
@@ -202,7 +226,11 @@ Awaitable<void> Connection::answer() {
                                                : Ending::SpokenKeepAlive;
   writeHead(response, ending, m_exchange->head);
   const bool isBodySent = hasBody(response.status) && m_exchange->request.method() != "HEAD";
+  setTakingLargeAnswer(share && share->isLarge());
+  givingWay().allowFrom(Clock::now() + m_service.options.slowAnswerTime);
   co_await write(m_exchange->head, isBodySent ? std::string_view(response.body) : "");
+  setTakingLargeAnswer(false);
+  m_service.exchanges.giveBody(std::move(response.body));
 }
 
 Awaitable<void> Connection::answerRefusal() {
@@ -224,6 +252,7 @@ Awaitable<void> Connection::delay(std::chrono::milliseconds duration) {
     m_timer.emplace(m_strand);
   }
   enter(Phase::Delaying);
+  givingWay().allowFrom(Clock::now());
   m_timer->expires_after(duration);
   co_await m_timer->async_wait(kAwait);
 }
@@ -252,6 +281,7 @@ Awaitable<void> Connection::closeOrderly() {
     m_service.exchanges.give(std::move(m_exchange));
   }
   enter(Phase::Closing, m_service.isStopping ? kLingerTimeAtStop : kLingerTime);
+  givingWay().allowFrom(Clock::now());
   if (!m_isClosed) {
     co_await farewell();
   }
@@ -284,8 +314,8 @@ void Connection::enter(Phase phase, std::chrono::milliseconds limit) {
   m_deadline.store((Clock::now() + limit).time_since_epoch().count(), std::memory_order_relaxed);
 }
 
-// Returns whether the request is complete or refused.
-bool Connection::takeBytes() {
+// Returns whether the head is complete; it may have been refused instead.
+bool Connection::takeHead() {
   if (!m_exchange) {
     // Some clients send an empty line behind a body.
     while (!m_buffer.isEmpty() && (m_buffer.bytes()[0] == '\r' || m_buffer.bytes()[0] == '\n')) {
@@ -298,19 +328,51 @@ bool Connection::takeBytes() {
     m_parser.emplace(m_exchange->request, RequestLimits{m_service.options.maxHeaderBytes,
                                                         m_service.options.maxBodyBytes});
   }
-  m_buffer.remove(m_parser->take(m_buffer.bytes()));
-  if (m_parser->refusal()) {
+  m_buffer.remove(m_parser->takeHead(m_buffer.bytes()));
+  if (!m_refusal) {
     m_refusal = m_parser->refusal();
   }
-  return m_parser->isComplete() || m_parser->refusal();
+  return m_parser->isHeadComplete();
+}
+
+// Returns whether the request is complete; it may have been refused instead.
+bool Connection::takeBody() {
+  m_buffer.remove(m_parser->take(m_buffer.bytes()));
+  if (!m_refusal) {
+    m_refusal = m_parser->refusal();
+  }
+  return m_parser->isComplete();
+}
+
+bool Connection::handleHead() {
+  // What the handler needs is not taken from the client's time.
+  const Clock::duration left = m_phase == Phase::Reading
+                                   ? Clock::duration(m_deadline.load(std::memory_order_relaxed)) -
+                                         Clock::now().time_since_epoch()
+                                   : Clock::duration(m_service.options.requestTimeout);
+  m_readTime = std::chrono::duration_cast<std::chrono::milliseconds>(left);
+  bool isBodyWanted = false;
+  callHandler([this, &isBodyWanted](Request& request, Response& response) {
+    isBodyWanted = m_service.handler.handleHead(request, response);
+  });
+  return isBodyWanted;
 }
 
 void Connection::handle() {
-  HandledRequest request(*this);
+  m_exchange->response.body = m_service.exchanges.takeBody();
+  callHandler([this](Request& request, Response& response) {
+    m_service.handler.handle(request, response);
+  });
+}
+
+template <class Call>
+void Connection::callHandler(Call call) {
+  enter(Phase::Handling);
+  HandledRequest request(*m_exchange, m_peer, m_isEncrypted);
   Response& response = m_exchange->response;
   clear(response);
   try {
-    m_service.handler.handle(request, response);
+    call(request, response);
     return;
   } catch (const std::exception& fault) {
     utils::logError(kLog, "http::Connection::handle", "A request from %s failed: %s",
@@ -324,6 +386,32 @@ void Connection::handle() {
   response.status = kStatusInternalServerError;
   response.contentType = "text/plain; charset=utf-8";
   response.body = "The server failed at this request. Its log tells why.\n";
+}
+
+// A body that is not wanted is not waited for: who sends more of it has to connect anew.
+void Connection::passBodyOver() {
+  m_buffer.remove(m_parser->take(m_buffer.bytes()));
+  if (!m_parser->isComplete()) {
+    m_exchange->response.isLast = true;
+  }
+}
+
+// There is no memory for the answer. A client that has been slow to take one like it loses that, so
+// that who comes again finds some.
+void Connection::refuseAnswer() {
+  if (m_service.answersRefused.isDue()) {
+    utils::logError(kLog, "http::Connection::answer",
+                    "The answers under way hold %zu of %zu bytes, those are refused that need more",
+                    m_service.answers.held(), m_service.answers.most());
+  }
+  m_service.connections.endSlowestAnswer();
+  Response& response = m_exchange->response;
+  std::string().swap(response.body);  // with its memory
+  setRefusal({kStatusServiceUnavailable,
+              "The answers to other clients take the memory that this server has for answers: " +
+                  std::to_string(m_service.answers.most()) + " bytes. Try again later."},
+             response);
+  response.fields = kRetryAfter;
 }
 
 void Connection::endLatePhase() {
@@ -359,7 +447,7 @@ void Connection::endPhaseForStop() {
       cancel();
       break;
     case Phase::Reading:
-      interrupt(kStatusServiceUnavailable, "The server is being stopped.");
+      interrupt(kStatusServiceUnavailable, kStoppingText);
       break;
     case Phase::Handshake:
       close();

@@ -1,10 +1,15 @@
 // One connection: reads requests, has them handled, sends the answers. Private to this folder.
 //
-// Life: handshake (TLS), then for each request idle, reading, handling, delaying, writing; last
-// closing. A connection is a coroutine on the strand of its socket, and owned by that coroutine.
-// Whoever else wants something of it posts to the strand: the functions that any thread may call
-// say so. There is no timer of its own: it publishes until when its phase may last, and the list of
-// connections looks at that from time to time.
+// Life: handshake (TLS), then for each request idle, reading and handling its head, reading its
+// body and handling the whole, delaying, writing; last closing. A connection is a coroutine on the
+// strand of its socket, and owned by that coroutine. Whoever else wants something of it posts to
+// the strand: the functions that any thread may call say so. There is no timer of its own: it
+// publishes until when its phase may last, and the list of connections looks at that from time to
+// time.
+//
+// Without a request that is served, it may give way to a new connection: until the head of a
+// request is there, which trickling bytes do not put off, while an answer is delayed, and when it
+// is closed; also when its client has been slow to take an answer.
 
 #ifndef ORVEX_HTTP_CONNECTION_H_
 #define ORVEX_HTTP_CONNECTION_H_
@@ -17,6 +22,7 @@
 #include <string>
 #include <string_view>
 
+#include "http/AnswerMemory.h"
 #include "http/Asio.h"
 #include "http/ConnectionList.h"
 #include "http/Exchange.h"
@@ -24,6 +30,7 @@
 #include "http/Peer.h"
 #include "http/ReadBuffer.h"
 #include "http/Refusal.h"
+#include "http/Reminder.h"
 #include "http/RequestParser.h"
 #include "http/ServerOptions.h"
 
@@ -31,10 +38,15 @@ namespace http {
 
 // What the connections of a server share. Outlives them.
 struct Service {
+  Service(const ServerOptions& theOptions, Handler& theHandler, ConnectionList& theConnections)
+      : options(theOptions), handler(theHandler), connections(theConnections) {}
+
   const ServerOptions& options;
   Handler& handler;
   ConnectionList& connections;
   ExchangePool exchanges;
+  AnswerMemory answers{options.maxAnswerBytes};
+  Reminder answersRefused;
   std::atomic<bool> isStopping{false};
 };
 
@@ -45,8 +57,8 @@ class Connection : public ListedConnection {
 
   // Starts the coroutine.
   static void serve(const std::shared_ptr<Connection>& connection);
-  // Starts one that says that there are too many connections.
-  static void refuse(const std::shared_ptr<Connection>& connection);
+  // Starts one that says why it cannot be served now.
+  static void refuse(const std::shared_ptr<Connection>& connection, std::string reason);
 
   // ListedConnection
   void checkDeadline(Clock::time_point now) override;
@@ -75,7 +87,6 @@ class Connection : public ListedConnection {
   error_code m_fault;  // of the last operation
 
  private:
-  class HandledRequest;
   enum class Phase { Handshake, Idle, Reading, Handling, Delaying, Writing, Closing };
   enum class ReadEnd { Complete, Refused, Closed };
 
@@ -83,7 +94,11 @@ class Connection : public ListedConnection {
   static Awaitable<void> runRefusal(std::shared_ptr<Connection> connection);
 
   Awaitable<void> serveRequests();
-  Awaitable<ReadEnd> readRequest();
+  // Both return Closed also where the connection gives way or is to end.
+  Awaitable<ReadEnd> readHead();
+  Awaitable<ReadEnd> readBody();
+  // Returns whether there is something further to do for a request.
+  Awaitable<bool> readMore();
   Awaitable<void> answer();
   Awaitable<void> answerRefusal();
   Awaitable<void> delay(std::chrono::milliseconds duration);
@@ -93,8 +108,14 @@ class Connection : public ListedConnection {
   [[nodiscard]] std::shared_ptr<Connection> self();
   void enter(Phase phase);
   void enter(Phase phase, std::chrono::milliseconds limit);
-  [[nodiscard]] bool takeBytes();
+  [[nodiscard]] bool takeHead();
+  [[nodiscard]] bool takeBody();
+  [[nodiscard]] bool handleHead();
   void handle();
+  template <class Call>
+  void callHandler(Call call);
+  void passBodyOver();
+  void refuseAnswer();
   void endLatePhase();
   void endPhaseForStop();
   void interrupt(unsigned status, std::string text);
@@ -116,7 +137,8 @@ class Connection : public ListedConnection {
   bool m_isKept = true;        // for a next request
   bool m_isListenedTo = true;  // while it is being closed
   std::optional<Refusal> m_refusal;
-  std::unique_ptr<Exchange> m_exchange;  // from a request's first byte to the end of its answer
+  std::chrono::milliseconds m_readTime{0};  // what a request has left to be read
+  std::unique_ptr<Exchange> m_exchange;     // from a request's first byte to the end of its answer
   std::optional<RequestParser> m_parser;
   std::optional<Timer> m_timer;  // of a delay
 };

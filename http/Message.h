@@ -3,7 +3,9 @@
 #ifndef ORVEX_HTTP_MESSAGE_H_
 #define ORVEX_HTTP_MESSAGE_H_
 
+#include <any>
 #include <chrono>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -11,7 +13,7 @@
 
 namespace http {
 
-// A request that has been read whole. The views are valid while it is handled.
+// A request. The views are valid while it is handled.
 class Request {
  public:
   Request() = default;
@@ -23,14 +25,19 @@ class Request {
   [[nodiscard]] virtual std::string_view target() const = 0;  // "/cimom"
   // Returns the value of a header field, without regard to the case of its name; empty for none.
   [[nodiscard]] virtual std::string_view field(std::string_view name) const = 0;
-  // The body, the handler's to change.
+  // Returns how many header fields have that name: field() is the first of them. There is never
+  // more than one Host, Content-Type or Authorization.
+  [[nodiscard]] virtual std::size_t countFields(std::string_view name) const = 0;
+  // The body, the handler's to change; empty while the head is handled.
   [[nodiscard]] virtual std::string& body() = 0;
+  // The handler's own, for what it knows when the head has been handled and wants to have again.
+  [[nodiscard]] virtual std::any& memo() = 0;
   [[nodiscard]] virtual const std::string& peerAddress() const = 0;  // "192.0.2.7"
   [[nodiscard]] virtual bool isLoopback() const = 0;                 // the peer's address
   [[nodiscard]] virtual bool isEncrypted() const = 0;
 };
 
-// The answer: what was in it before is gone when the handler gets it, its memory is kept.
+// The answer, empty when the handler gets it.
 struct Response {
   unsigned status = kStatusOk;
   std::string fields;  // further header fields, each "Name: value\r\n"
@@ -48,8 +55,17 @@ class Handler {
   Handler& operator=(const Handler&) = delete;
   virtual ~Handler() = default;
 
-  // Called on the server's threads, at the same time for several connections. What it throws is
-  // answered by 500 and logged.
+  // Both are called on the server's threads, at the same time for several connections. What they
+  // throw is answered by 500 and logged.
+
+  // Called for each request when its head is there: nothing of its body is kept, waited for or
+  // asked for before. Returns whether the request goes on to handle(); otherwise the response is
+  // the answer. The body is passed over then where it has come already, and the connection ends
+  // otherwise.
+  [[nodiscard]] virtual bool handleHead(Request& /*request*/, Response& /*response*/) {
+    return true;
+  }
+  // Called with the whole request.
   virtual void handle(Request& request, Response& response) = 0;
 };
 

@@ -1,5 +1,7 @@
 #include "http/Peer.h"
 
+#include "http/PeerGroup.h"
+
 namespace http {
 
 Peer describePeer(const boost::asio::ip::address& address) {
@@ -7,7 +9,7 @@ Peer describePeer(const boost::asio::ip::address& address) {
     return describePeer(
         boost::asio::ip::make_address_v4(boost::asio::ip::v4_mapped, address.to_v6()));
   }
-  return Peer{address.to_string(), address.is_loopback()};
+  return Peer{address.to_string(), toPeerGroup(address), address.is_loopback()};
 }
 
 }  // namespace http

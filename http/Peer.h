@@ -10,6 +10,7 @@ namespace http {
 
 struct Peer {
   std::string address;  // "192.0.2.7"; of an IPv4 address in IPv6's clothes, the IPv4 address
+  std::string group;    // of the peers that count as one (toPeerGroup)
   bool isLoopback = false;
 };
 

@@ -25,6 +25,12 @@ std::string_view RequestMessage::field(std::string_view name) const {
   return found != nullptr ? view(found->value) : std::string_view();
 }
 
+std::size_t RequestMessage::countFields(std::string_view name) const {
+  return static_cast<std::size_t>(std::count_if(
+      m_fields.begin(), m_fields.end(),
+      [&](const Field& field) { return utils::isSameIgnoringCase(view(field.name), name); }));
+}
+
 void RequestMessage::clear() {
   m_text.clear();
   m_method = {};

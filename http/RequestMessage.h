@@ -18,6 +18,8 @@ class RequestMessage {
   // Returns the value of the first field of that name, without regard to case; empty for none.
   [[nodiscard]] std::string_view field(std::string_view name) const;
   [[nodiscard]] bool hasField(std::string_view name) const { return find(name) != nullptr; }
+  // Returns how many fields have that name.
+  [[nodiscard]] std::size_t countFields(std::string_view name) const;
   [[nodiscard]] std::string& body() { return m_body; }
   [[nodiscard]] const std::string& body() const { return m_body; }
 

@@ -15,6 +15,8 @@ namespace {
 
 namespace beast = boost::beast;
 
+constexpr const char* kFoldedText = "A header field is folded over several lines; write it in one.";
+
 // Parse faults of which a client is told in words of our own.
 struct FaultAnswer {
   beast::http::error fault;
@@ -38,12 +40,22 @@ constexpr FaultAnswer kFaultAnswers[] = {
     {beast::http::error::bad_chunk, kStatusBadRequest, "A chunk of the body is malformed."},
     {beast::http::error::bad_chunk_extension, kStatusBadRequest,
      "The extension of a chunk is malformed."},
-    {beast::http::error::bad_obs_fold, kStatusBadRequest,
-     "A header field is folded over too many lines."},
+    {beast::http::error::bad_obs_fold, kStatusBadRequest, kFoldedText},
 };
+
+// Fields that say one thing, and of which one reader may take the first and another the last.
+constexpr std::string_view kSingleFields[] = {"Host", "Content-Length", "Transfer-Encoding",
+                                              "Content-Type", "Authorization"};
 
 std::string_view toStandard(beast::string_view text) {
   return {text.data(), text.size()};
+}
+
+// Returns whether a line of a header goes on in the next one, which readers take for a field of its
+// own, for a part of the first one, or for nothing (RFC 9112, 5.2).
+bool hasFold(std::string_view header) {
+  return header.find("\r\n ") != std::string_view::npos ||
+         header.find("\r\n\t") != std::string_view::npos;
 }
 
 }  // namespace
@@ -56,9 +68,12 @@ RequestParser::RequestParser(RequestMessage& message, RequestLimits limits)
   body_limit(limits.bodyBytes);
 }
 
-std::size_t RequestParser::take(std::string_view bytes) {
+std::size_t RequestParser::take(std::string_view bytes, Part part) {
   std::size_t taken = 0;
   while (!is_done() && !m_refusal && taken < bytes.size()) {
+    if (part == Part::Head && m_isHeaderRead) {
+      break;
+    }
     const std::string_view rest = bytes.substr(taken);
     if (awaitsShortChunk(rest.size())) {
       break;
@@ -75,6 +90,13 @@ std::size_t RequestParser::take(std::string_view bytes) {
           (needsMore && m_headerBytes + left >= m_limits.headerBytes)) {
         refuseLongHeader();
         break;
+      }
+      if (hasFold(rest.substr(0, count))) {
+        refuse(kStatusBadRequest, kFoldedText);
+        break;
+      }
+      if (m_isHeaderRead) {
+        checkHeader();
       }
     } else if (needsMore && left > m_limits.headerBytes) {
       refuseLongHeader();  // the line before a chunk, or the fields behind the last one
@@ -130,19 +152,41 @@ void RequestParser::refuseLongHeader() {
 }
 
 void RequestParser::checkHeader() {
-  if (m_isHttp11 && m_hostFields != 1) {
+  const std::size_t hosts = m_message.countFields("Host");
+  if (m_isHttp11 && hosts != 1) {
     refuse(kStatusBadRequest,
            "A request in HTTP/1.1 has exactly one header field Host; this one has " +
-               std::to_string(m_hostFields) + ".");
+               std::to_string(hosts) + ".");
   }
-  if (m_message.hasField("Transfer-Encoding") &&
-      !utils::isSameIgnoringCase(m_message.field("Transfer-Encoding"), "chunked")) {
-    refuse(kStatusNotImplemented, "The only Transfer-Encoding that this server knows is chunked.");
+  for (const std::string_view field : kSingleFields) {
+    if (m_message.countFields(field) > 1) {
+      refuse(kStatusBadRequest, "The header field " + std::string(field) +
+                                    " stands there several times; send it once.");
+    }
   }
+  checkFraming();
   if (m_isHttp11 && m_message.hasField("Expect") &&
       !utils::isSameIgnoringCase(m_message.field("Expect"), "100-continue")) {
     refuse(kStatusExpectationFailed,
            "The only expectation that this server knows is 100-continue.");
+  }
+}
+
+// Where a body ends must not be a matter of opinion: what stands between client and server may hold
+// another one, and then a second request hides in the first one's body.
+void RequestParser::checkFraming() {
+  if (m_message.field("Content-Length").find(',') != std::string_view::npos) {
+    refuse(kStatusBadRequest, "The Content-Length is a list; send one number.");
+  }
+  if (!m_message.hasField("Transfer-Encoding")) {
+    return;
+  }
+  if (!m_isHttp11) {
+    refuse(kStatusBadRequest,
+           "HTTP/1.0 has no Transfer-Encoding; send a Content-Length, or the request in HTTP/1.1.");
+  }
+  if (!utils::isSameIgnoringCase(m_message.field("Transfer-Encoding"), "chunked")) {
+    refuse(kStatusNotImplemented, "The only Transfer-Encoding that this server knows is chunked.");
   }
 }
 
@@ -155,21 +199,17 @@ void RequestParser::on_request_impl(beast::http::verb /*verb*/, string_view meth
 void RequestParser::on_response_impl(int /*status*/, string_view /*reason*/, int /*version*/,
                                      error_code& /*fault*/) {}
 
-void RequestParser::on_field_impl(beast::http::field field, string_view name, string_view value,
+void RequestParser::on_field_impl(beast::http::field /*field*/, string_view name, string_view value,
                                   error_code& /*fault*/) {
   // What stands behind a chunked body cannot change what the request is.
   if (m_isHeaderRead) {
     return;
-  }
-  if (field == beast::http::field::host) {
-    ++m_hostFields;
   }
   m_message.addField(toStandard(name), toStandard(value));
 }
 
 void RequestParser::on_header_impl(error_code& /*fault*/) {
   m_isHeaderRead = true;
-  checkHeader();
 }
 
 void RequestParser::on_body_init_impl(const boost::optional<std::uint64_t>& /*length*/,

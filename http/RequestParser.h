@@ -28,15 +28,19 @@ class RequestParser final : private boost::beast::http::basic_parser<true> {
 
   // Takes what it can of the bytes from their beginning on and returns how many. What it left has
   // to stand at the beginning of the next call's bytes.
-  [[nodiscard]] std::size_t take(std::string_view bytes);
+  [[nodiscard]] std::size_t take(std::string_view bytes) { return take(bytes, Part::Request); }
+  // The same, and leaves what stands behind the head.
+  [[nodiscard]] std::size_t takeHead(std::string_view bytes) { return take(bytes, Part::Head); }
 
+  [[nodiscard]] bool isHeadComplete() const { return m_isHeaderRead && !m_refusal; }
   // At the end of a request neither taken nor refused, more bytes are needed.
   [[nodiscard]] bool isComplete() const { return is_done() && !m_refusal; }
   [[nodiscard]] const std::optional<Refusal>& refusal() const { return m_refusal; }
 
-  // Returns whether the client holds the body back until it is asked for it.
+  // Of a request whose head is complete: whether the client holds the body back until it is asked
+  // for it.
   [[nodiscard]] bool expectsContinue() const;
-  // Of a complete request: whether the client wants the connection to stay open.
+  // Of a request whose head is complete: whether the client wants the connection to stay open.
   [[nodiscard]] bool isKeptAlive() const { return keep_alive(); }
   [[nodiscard]] bool isHttp11() const { return m_isHttp11; }
 
@@ -44,11 +48,15 @@ class RequestParser final : private boost::beast::http::basic_parser<true> {
   using error_code = boost::beast::error_code;
   using string_view = boost::beast::string_view;
 
+  enum class Part { Head, Request };
+
+  [[nodiscard]] std::size_t take(std::string_view bytes, Part part);
   [[nodiscard]] bool awaitsShortChunk(std::size_t available) const;
   void refuse(unsigned status, std::string text);
   void refuse(error_code fault);
   void refuseLongHeader();
   void checkHeader();
+  void checkFraming();
 
   // boost::beast::http::basic_parser
   void on_request_impl(boost::beast::http::verb verb, string_view method, string_view target,
@@ -68,7 +76,6 @@ class RequestParser final : private boost::beast::http::basic_parser<true> {
   std::optional<Refusal> m_refusal;
   std::size_t m_headerBytes = 0;
   std::uint64_t m_chunkLeft = 0;
-  unsigned m_hostFields = 0;
   bool m_isHeaderRead = false;
   bool m_isHttp11 = false;
 };

@@ -55,6 +55,9 @@ std::size_t ResponseReader::take(std::string_view bytes) {
       break;
     }
     m_fault = fault;
+    if (!m_fault && m_parser->is_header_done() && m_parser->get().result_int() < kStatusContinue) {
+      m_fault = beast::http::error::bad_status;  // "059": of three digits, and none of a status
+    }
     // "100 Continue" and its like announce the answer.
     if (!m_fault && m_parser->is_done() && isInterim(m_parser->get().result_int())) {
       begin();

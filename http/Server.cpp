@@ -1,13 +1,13 @@
 #include "http/Server.h"
 
 #include <algorithm>
-#include <atomic>
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/detached.hpp>
 #include <boost/asio/error.hpp>
 #include <boost/asio/post.hpp>
 #include <exception>
 #include <optional>
+#include <string>
 #include <system_error>
 #include <thread>
 
@@ -15,6 +15,7 @@
 #include "http/Acceptors.h"
 #include "http/Connection.h"
 #include "http/ConnectionList.h"
+#include "http/Reminder.h"
 #include "http/ServerTls.h"
 #include "http/Transport.h"
 
@@ -27,8 +28,9 @@ constexpr utils::LogSource kLog{"HttpServer"};
 constexpr std::size_t kMostRefused = 32;
 // The wait after a connection could not be taken, for want of descriptors or memory.
 constexpr std::chrono::milliseconds kAcceptPause{100};
-// What may go on for long is logged once in this time.
-constexpr std::chrono::minutes kLogInterval{10};
+// What the system keeps of an answer that its client does not take. Left to itself, it keeps
+// megabytes for each connection.
+constexpr int kSendBuffer = 128 * 1024;
 
 constexpr std::chrono::milliseconds kShortestSweep{5};
 constexpr std::chrono::milliseconds kLongestSweep{1000};
@@ -45,20 +47,6 @@ bool hasTls(const ServerOptions& options) {
                      [](const Endpoint& endpoint) { return endpoint.isTls; });
 }
 
-// Says whether something is to be logged that goes on. Any thread.
-class Reminder {
- public:
-  [[nodiscard]] bool isDue() {
-    const Clock::rep now = Clock::now().time_since_epoch().count();
-    Clock::rep last = m_last.load();
-    const bool isSoon = last != 0 && now - last < Clock::duration(kLogInterval).count();
-    return !isSoon && m_last.compare_exchange_strong(last, now);
-  }
-
- private:
-  std::atomic<Clock::rep> m_last{0};
-};
-
 }  // namespace
 
 struct Server::Implementation {
@@ -71,6 +59,8 @@ struct Server::Implementation {
   Awaitable<void> accept(Listener& listener);
   void tryToTake(const Listener& listener, Socket socket);
   void take(const Listener& listener, Socket socket);
+  void noteRoom(Room room, const Peer& peer);
+  [[nodiscard]] std::string describeLack(Room room) const;
   void noteAcceptFault(const Listener& listener, const error_code& fault);
   Awaitable<void> sweep();
   void tidyUp();
@@ -89,16 +79,19 @@ struct Server::Implementation {
   Timer sweepTimer;
   Clock::time_point stopDeadline = Clock::time_point::max();
 
+  const Places places;
   Reminder acceptFault;
+  Reminder givingWay;
   Reminder tooMany;
 };
 
 Server::Implementation::Implementation(ServerOptions serverOptions, Handler& handler)
     : options(std::move(serverOptions)),
-      service{options, handler, connections, {}, {}},
+      service{options, handler, connections},
       context(static_cast<int>(std::max(options.threads, 1U))),  // a hint for its locks
       strand(asio::make_strand(context)),
-      sweepTimer(strand) {
+      sweepTimer(strand),
+      places{options.maxConnections, options.maxConnectionsPerAddress} {
   if (hasTls(options)) {
     tls.emplace(makeServerTls(options.certificateFile, options.keyFile));
   }
@@ -167,13 +160,11 @@ void Server::Implementation::take(const Listener& listener, Socket socket) {
   error_code ignored;
   // Head and body go out by one call each time: waiting for more to send would only cost time.
   socket.set_option(tcp::no_delay(true), ignored);
+  socket.set_option(asio::socket_base::send_buffer_size(kSendBuffer), ignored);
   Peer description = describePeer(peer.address());
-  const bool isTooMany = connections.countServed() >= options.maxConnections;
-  if (isTooMany && tooMany.isDue()) {
-    utils::logError(kLog, "http::Server::take",
-                    "%zu connections, no further ones are taken until one ends",
-                    options.maxConnections);
-  }
+  const Room room = connections.makeRoom(description.group, places);
+  noteRoom(room, description);
+  const bool isTooMany = room == Room::NoneAtAll || room == Room::NoneForGroup;
   // To say so over TLS would cost the handshake that there is no room for.
   if (isTooMany && (listener.endpoint.isTls || connections.countRefused() >= kMostRefused)) {
     return;
@@ -183,10 +174,47 @@ void Server::Implementation::take(const Listener& listener, Socket socket) {
           ? makeConnection(service, std::move(socket), std::move(description), *tls)
           : makeConnection(service, std::move(socket), std::move(description));
   if (isTooMany) {
-    Connection::refuse(connection);
+    Connection::refuse(connection, describeLack(room));
   } else {
     Connection::serve(connection);
   }
+}
+
+void Server::Implementation::noteRoom(Room room, const Peer& peer) {
+  switch (room) {
+    case Room::There:
+      break;
+    case Room::Made:
+      if (givingWay.isDue()) {
+        utils::logError(kLog, "http::Server::take",
+                        "No place for a connection from %s: those give way to new ones that have "
+                        "been idle longest",
+                        peer.address.c_str());
+      }
+      break;
+    case Room::NoneAtAll:
+      if (tooMany.isDue()) {
+        utils::logError(kLog, "http::Server::take",
+                        "%zu connections, no further ones are taken until one ends", places.all);
+      }
+      break;
+    case Room::NoneForGroup:
+      if (tooMany.isDue()) {
+        utils::logError(
+            kLog, "http::Server::take",
+            "%zu connections from %s, no further ones are taken from there until one ends",
+            places.perGroup, peer.address.c_str());
+      }
+      break;
+  }
+}
+
+std::string Server::Implementation::describeLack(Room room) const {
+  const bool isOfGroup = room == Room::NoneForGroup;
+  return std::string("The server has as many connections ") +
+         (isOfGroup ? "from this address " : "") +
+         "as it takes: " + std::to_string(isOfGroup ? places.perGroup : places.all) +
+         ". Try again later.";
 }
 
 void Server::Implementation::noteAcceptFault(const Listener& listener, const error_code& fault) {

@@ -19,12 +19,20 @@ struct ServerOptions {
   std::string certificateFile;  // PEM, with its chain; for TLS endpoints
   std::string keyFile;          // PEM
   unsigned threads = 2;
+  // At a time. When they are full, the connection that has waited longest for a request, or for its
+  // end, gives way to a new one; none does whose request is read, handled or answered.
   std::size_t maxConnections = 128;
+  std::size_t maxConnectionsPerAddress = 64;  // an address as toPeerGroup counts them
   std::size_t maxHeaderBytes = 16 * 1024;
   std::size_t maxBodyBytes = 1024 * 1024;
+  // All answers together that clients have not taken yet; one that is larger goes out alone.
+  std::size_t maxAnswerBytes = 64 * 1024 * 1024;
   // From a request's first byte to its last; also for the client to take 64 KiB of the answer.
   std::chrono::milliseconds requestTimeout{30'000};
   std::chrono::milliseconds idleTimeout{60'000};  // between requests
+  // From here on, a client that has not taken its answer may have to give way like one that is
+  // idle.
+  std::chrono::milliseconds slowAnswerTime{10'000};
   std::chrono::milliseconds closingTime{10'000};  // for answers that are under way at the stop
 };
 

@@ -67,10 +67,17 @@ class CimXmlHandlerTest : public testing::Test {
     quorveld::LoginGate gate(authenticator, m_audit);
     quorveld::CimXmlHandler handler(m_service, gate, "1.2.3");
     http::Response response;
-    handler.handle(m_request, response);
+    handle(handler, m_request, response);
     return response;
   }
   http::Response ask() { return ask(m_nobody); }
+  // As an HTTP server has it handled.
+  static void handle(quorveld::CimXmlHandler& handler, http::Request& request,
+                     http::Response& response) {
+    if (handler.handleHead(request, response)) {
+      handler.handle(request, response);
+    }
+  }
 
   // Asks with a method and target and expects a status, with the Allow field where one is due.
   void expectStatus(const std::string& method, const std::string& target, unsigned status,
@@ -169,6 +176,30 @@ TEST_F(CimXmlHandlerTest, AsksForALoginBeforeItLooksAtTheMessage) {
   EXPECT_EQ(ask(m_anna).status, 401u);
 }
 
+TEST_F(CimXmlHandlerTest, WantsTheBodiesOfMessagesAloneThatMayBeSent) {
+  quorveld::LoginGate gate(m_anna, m_audit);
+  quorveld::CimXmlHandler handler(m_service, gate, "1.2.3");
+  const auto wantsBody = [&](const std::string& method, const std::string& target,
+                             const std::string& login) {
+    m_request.httpMethod = method;
+    m_request.httpTarget = target;
+    m_request.fields["Authorization"] = login;
+    http::Response response;
+    return handler.handleHead(m_request, response);
+  };
+  EXPECT_TRUE(wantsBody("POST", "/cimom", kAnna));
+  EXPECT_FALSE(wantsBody("POST", "/cimom", ""));
+  EXPECT_FALSE(wantsBody("GET", "/health", kAnna));
+  EXPECT_FALSE(wantsBody("POST", "/health", kAnna));
+  EXPECT_FALSE(wantsBody("OPTIONS", "*", kAnna));
+  EXPECT_FALSE(wantsBody("M-POST", "/cimom", kAnna));
+  m_request.fields["Content-Type"] = "text/plain";
+  EXPECT_FALSE(wantsBody("POST", "/cimom", kAnna));
+  m_request.fields["Content-Type"] = "text/xml";
+  EXPECT_TRUE(wantsBody("POST", "/cimom", kAnna));
+  EXPECT_FALSE(wantsBody("POST", "/cimom", "Basic YW5uYTp3cm9uZw=="));
+}
+
 TEST_F(CimXmlHandlerTest, AnswersWhoHasLoggedIn) {
   m_request.fields["Authorization"] = kAnna;
   EXPECT_EQ(ask(m_anna).body, "EnumerateInstances by 'anna' from 127.0.0.1, reader");
@@ -192,7 +223,7 @@ TEST_F(CimXmlHandlerTest, AnswersMonitorsAndTurnsLoginsAwayWhereTheLineOfLoginsI
       test::FakeHttpRequest request;
       request.fields["Authorization"] = kAnna;
       http::Response response;
-      handler.handle(request, response);
+      handle(handler, request, response);
       refused += response.status == 503 && response.fields == "Retry-After: 1\r\n" ? 1 : 0;
     });
   }
@@ -201,7 +232,7 @@ TEST_F(CimXmlHandlerTest, AnswersMonitorsAndTurnsLoginsAwayWhereTheLineOfLoginsI
   m_request.httpMethod = "GET";
   m_request.httpTarget = "/health";
   http::Response response;
-  handler.handle(m_request, response);
+  handle(handler, m_request, response);
   EXPECT_EQ(response.status, 200u);
 
   authenticator.release();
@@ -230,6 +261,25 @@ TEST_F(CimXmlHandlerTest, AnswersByALoopbackNameAloneWhereNobodyLogsIn) {
 
   m_request.fields["Authorization"] = kAnna;
   EXPECT_EQ(ask(m_anna).status, 200u);
+}
+
+TEST_F(CimXmlHandlerTest, TellsMonitorsByALoopbackNameAloneWhereNobodyLogsIn) {
+  m_request.httpTarget = "/health";
+  m_request.fields["Host"] = "evil.example:5988";
+  for (const char* const method : {"GET", "HEAD"}) {
+    m_request.httpMethod = method;
+    EXPECT_EQ(ask().status, 403u);
+    EXPECT_EQ(ask(m_anna).status, 200u);
+  }
+  m_request.fields["Host"] = "localhost:5988";
+  EXPECT_EQ(ask().status, 200u);
+}
+
+TEST_F(CimXmlHandlerTest, RefusesFieldsThatComeTwice) {
+  for (const char* const name : {"CIMMethod", "CIMObject"}) {
+    m_request.repeated = {name};
+    expectRefused(400, "CIMError: header-mismatch\r\n");
+  }
 }
 
 }  // namespace

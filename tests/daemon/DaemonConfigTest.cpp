@@ -79,7 +79,9 @@ TEST_F(DaemonConfigTest, ReadsEverySetting) {
                                        "module = /lib/b.so\n"
                                        "log-level = 2\n"
                                        "max-connections = 7\n"
+                                       "max-connections-per-address = 3\n"
                                        "max-body = 65536\n"
+                                       "max-answers = 2097152\n"
                                        "request-timeout = 5\n"
                                        "idle-timeout = 6"));
   EXPECT_THAT(listenOf(config), ElementsAre("127.0.0.1:15988", "https:[::]:5989"));
@@ -94,7 +96,9 @@ TEST_F(DaemonConfigTest, ReadsEverySetting) {
   EXPECT_THAT(config.modules, ElementsAre("/lib/a.so", "/lib/b.so"));
   EXPECT_EQ(config.logLevel, "2");
   EXPECT_EQ(config.maxConnections, 7u);
+  EXPECT_EQ(config.maxConnectionsPerAddress, 3u);
   EXPECT_EQ(config.maxBodyBytes, 65536u);
+  EXPECT_EQ(config.maxAnswerBytes, 2097152u);
   EXPECT_EQ(config.requestTimeout, std::chrono::seconds(5));
   EXPECT_EQ(config.idleTimeout, std::chrono::seconds(6));
 }
@@ -113,7 +117,9 @@ TEST_F(DaemonConfigTest, ReadsTheSampleFileWhoseNumbersAreTheDefaults) {
   EXPECT_EQ(config.logLevel, "1");
   const DaemonConfig defaults;
   EXPECT_EQ(config.maxConnections, defaults.maxConnections);
+  EXPECT_EQ(config.maxConnectionsPerAddress, defaults.maxConnectionsPerAddress);
   EXPECT_EQ(config.maxBodyBytes, defaults.maxBodyBytes);
+  EXPECT_EQ(config.maxAnswerBytes, defaults.maxAnswerBytes);
   EXPECT_EQ(config.requestTimeout, defaults.requestTimeout);
   EXPECT_EQ(config.idleTimeout, defaults.idleTimeout);
 }
@@ -129,7 +135,11 @@ TEST_F(DaemonConfigTest, RefusesWhatCannotBeUsedAndSaysWhereAndWhatToDo) {
   expectRefused("operators = @ wheel", "operators: '@' names no group");
   expectRefused("log-level = 4", "log-level: '4' is no whole number from 0 to 3");
   expectRefused("max-connections = 0", "max-connections: '0' is no whole number from 1 to 65536");
+  expectRefused("max-connections-per-address = many",
+                "max-connections-per-address: 'many' is no whole number from 1 to 65536");
   expectRefused("max-body = 1M", "max-body: '1M' is no whole number from 1024 to 1073741824");
+  expectRefused("max-answers = 65536",
+                "max-answers: '65536' is no whole number from 1048576 to 4294967295");
   expectRefused("request-timeout = -1", "request-timeout: '-1' is no whole number");
   expectRefused("idle-timeout = 86401", "idle-timeout: '86401' is no whole number from 1 to 86400");
 }

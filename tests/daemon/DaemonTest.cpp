@@ -1,5 +1,6 @@
 #include <csignal>
 #include <filesystem>
+#include <future>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -54,6 +55,32 @@ TEST_F(DaemonTest, ServesAndTellsHowItDoes) {
   EXPECT_THAT(report["version"].get<std::string>(), test::MatchesRegex("[0-9]+\\.[0-9]+\\.[0-9]+"));
   EXPECT_GE(report["uptime"].get<int>(), 0);
   EXPECT_EQ(report["runningJobs"], 0);
+}
+
+TEST_F(DaemonTest, LimitsTheConnectionsOfEachAddress) {
+  start("max-connections-per-address = 1\nrequest-timeout = 2\n");
+  std::future<std::string> underWay = std::async(std::launch::async, [this] {
+    return exchange(
+        "POST /cimom HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: application/xml\r\n"
+        "CIMOperation: MethodCall\r\nContent-Length: 1000\r\n\r\n<?xml");
+  });
+  EXPECT_TRUE(test::waitUntil([this] {
+    return testing::Value(health(), AllOf(StartsWith("HTTP/1.1 503 "),
+                                          HasSubstr("from this address as it takes: 1.")));
+  }));
+  EXPECT_THAT(underWay.get(), StartsWith("HTTP/1.1 408 "));
+  EXPECT_TRUE(test::waitUntil([this] { return health().starts_with("HTTP/1.1 200 "); }));
+}
+
+TEST_F(DaemonTest, AsksForALoginBeforeTheBody) {
+  start(writeUsers());
+  const std::string head =
+      "POST /cimom HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: application/xml\r\n"
+      "CIMOperation: MethodCall\r\nContent-Length: 1000000\r\nExpect: 100-continue\r\n";
+  for (const char* const login : {"", "Authorization: Basic YW5uYTp3cm9uZw==\r\n"}) {
+    EXPECT_THAT(exchange(head + login + "\r\n"), AllOf(StartsWith("HTTP/1.1 401 Unauthorized\r\n"),
+                                                       HasSubstr("\r\nConnection: close\r\n")));
+  }
 }
 
 TEST_F(DaemonTest, EndsWithStatus0WhenAsked) {

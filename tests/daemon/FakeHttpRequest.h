@@ -3,7 +3,10 @@
 #ifndef ORVEX_TESTS_DAEMON_FAKEHTTPREQUEST_H_
 #define ORVEX_TESTS_DAEMON_FAKEHTTPREQUEST_H_
 
+#include <any>
+#include <cstddef>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -22,7 +25,11 @@ class FakeHttpRequest final : public http::Request {
     const auto found = fields.find(std::string(name));
     return found == fields.end() ? std::string_view() : std::string_view(found->second);
   }
+  [[nodiscard]] std::size_t countFields(std::string_view name) const override {
+    return fields.count(std::string(name)) + repeated.count(std::string(name));
+  }
   [[nodiscard]] std::string& body() override { return content; }
+  [[nodiscard]] std::any& memo() override { return note; }
   [[nodiscard]] const std::string& peerAddress() const override { return peer; }
   [[nodiscard]] bool isLoopback() const override { return peer == "127.0.0.1"; }
   [[nodiscard]] bool isEncrypted() const override { return isTls; }
@@ -31,11 +38,13 @@ class FakeHttpRequest final : public http::Request {
   std::string httpTarget = "/cimom";
   std::string peer = "127.0.0.1";
   bool isTls = false;
+  std::any note;
   std::map<std::string, std::string> fields{
       {"Host", "127.0.0.1:5988"},          {"Content-Type", "application/xml; charset=\"utf-8\""},
       {"CIMOperation", "MethodCall"},      {"CIMProtocolVersion", "1.0"},
       {"CIMMethod", "EnumerateInstances"}, {"CIMObject", "root%2FDCIM%2Fzolan"},
   };
+  std::set<std::string> repeated;  // fields that come a second time
   std::string content =
       R"(<?xml version="1.0" encoding="utf-8"?><CIM CIMVERSION="2.0" DTDVERSION="2.0">)"
       R"(<MESSAGE ID="42" PROTOCOLVERSION="1.0"><SIMPLEREQ><IMETHODCALL NAME="EnumerateInstances">)"

@@ -57,6 +57,22 @@ TEST(DemandCimMessage, TakesOneRequestOfProtocolVersion1) {
   EXPECT_EQ(answerOfMessage("CIMBatch", "1"), "501 multiple-requests-unsupported");
 }
 
+TEST(DemandCimMessage, TakesEachFieldOnce) {
+  const auto answerOfTwo = [](const char* field) {
+    test::FakeHttpRequest request;
+    request.fields[field] = request.fields[field];
+    request.repeated = {field};
+    return answerOf([&request] { quorveld::demandCimMessage(request); });
+  };
+  EXPECT_EQ(answerOfTwo("CIMMethod"), "400 header-mismatch");
+  EXPECT_EQ(answerOfTwo("CIMObject"), "400 header-mismatch");
+  EXPECT_EQ(answerOfTwo("CIMOperation"), "400 unsupported-operation");
+  EXPECT_EQ(answerOfTwo("CIMProtocolVersion"), "400 unsupported-protocol-version");
+  EXPECT_EQ(answerOfTwo("CIMBatch"), "400 multiple-requests-unsupported");
+  EXPECT_EQ(answerOfTwo("Content-Encoding"), "400");
+  EXPECT_EQ(answerOfTwo("Accept"), "200");
+}
+
 class DemandSameFields : public testing::Test {
  protected:
   DemandSameFields() {

@@ -266,6 +266,26 @@ TEST_F(ProtocolTest, RefusesWrongFields) {
   expectStatus(request, 400);
 }
 
+TEST_F(ProtocolTest, RefusesFieldsThatComeTwice) {
+  HttpRequest request;
+  request.more = "cimmethod: EnumerateInstanceNames\r\n";
+  expectStatus(request, 400, "header-mismatch");
+  request.more = "CIMObject: root/interop\r\n";
+  expectStatus(request, 400, "header-mismatch");
+  request.more = "Content-Length: " + std::to_string(request.body.size()) + "\r\n";
+  expectStatus(request, 400);
+}
+
+TEST_F(ProtocolTest, AnswersByALoopbackNameAlone) {
+  for (const char* const target : {"/health", "/cimom"}) {
+    const std::string method = std::string(target) == "/health" ? "GET " : "POST ";
+    expectStatusOf(method + target +
+                       " HTTP/1.1\r\nHost: evil.example\r\nConnection: close\r\n"
+                       "Content-Length: 0\r\n\r\n",
+                   403);
+  }
+}
+
 TEST_F(ProtocolTest, RefusesWhatIsTooLarge) {
   HttpRequest request;
   request.body.append(65'536, ' ');

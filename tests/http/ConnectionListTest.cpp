@@ -13,6 +13,28 @@ namespace {
 
 namespace asio = http::asio;
 
+using http::Places;
+using http::Room;
+
+// One that ends when it is asked to, and has no client.
+class FakeConnection final : public http::ListedConnection {
+ public:
+  FakeConnection(http::ConnectionList& list, const std::string& group)
+      : http::ListedConnection(group), m_list(list) {
+    m_list.addServed(*this);
+  }
+  ~FakeConnection() override { m_list.remove(*this); }
+
+  void checkDeadline(http::Clock::time_point /*now*/) override {}
+  void stop() override {}
+  void cut() override { isCut = true; }
+
+  bool isCut = false;
+
+ private:
+  http::ConnectionList& m_list;
+};
+
 // Has one request, and a client that takes the answer byte by byte.
 class TrickledConnection final : public http::Connection {
  public:
@@ -42,6 +64,118 @@ class TrickledConnection final : public http::Connection {
   http::Timer m_pause;
 };
 
+class PlacesTest : public testing::Test {
+ protected:
+  std::shared_ptr<FakeConnection> add(const std::string& group) {
+    return std::make_shared<FakeConnection>(m_list, group);
+  }
+  std::shared_ptr<FakeConnection> addServing(const std::string& group) {
+    std::shared_ptr<FakeConnection> connection = add(group);
+    connection->givingWay().allowFrom(http::GivingWay::kNever);
+    return connection;
+  }
+  // One that has been idle since so many minutes.
+  std::shared_ptr<FakeConnection> addIdle(const std::string& group, int minutes) {
+    std::shared_ptr<FakeConnection> connection = add(group);
+    connection->givingWay().allowFrom(http::Clock::now() - std::chrono::minutes(minutes));
+    return connection;
+  }
+
+  http::ConnectionList m_list;
+};
+
+TEST_F(PlacesTest, AreThereUntilTheyAreFull) {
+  EXPECT_EQ(m_list.makeRoom("a", Places{1, 1}), Room::There);
+  const auto connection = addServing("a");
+  EXPECT_EQ(m_list.makeRoom("b", Places{2, 1}), Room::There);
+  EXPECT_EQ(m_list.makeRoom("b", Places{1, 1}), Room::NoneAtAll);
+}
+
+TEST_F(PlacesTest, AreTakenFromWhoHasBeenIdleLongest) {
+  const auto younger = addIdle("a", 1);
+  const auto oldest = addIdle("b", 3);
+  const auto older = addIdle("c", 2);
+  const auto serving = addServing("d");
+
+  EXPECT_EQ(m_list.makeRoom("e", Places{4, 4}), Room::Made);
+  EXPECT_TRUE(oldest->isCut);
+  EXPECT_EQ(m_list.countServed(), 3U);
+  EXPECT_EQ(m_list.makeRoom("e", Places{3, 3}), Room::Made);
+  EXPECT_TRUE(older->isCut);
+  EXPECT_FALSE(younger->isCut);
+  EXPECT_FALSE(serving->isCut);
+}
+
+TEST_F(PlacesTest, AreNeverTakenFromWhoIsServed) {
+  const auto first = addServing("a");
+  const auto second = addServing("b");
+
+  EXPECT_EQ(m_list.makeRoom("c", Places{2, 2}), Room::NoneAtAll);
+  EXPECT_FALSE(first->isCut || second->isCut);
+}
+
+TEST_F(PlacesTest, AreNotTakenFromWhoMayGiveWayLaterOnly) {
+  const auto slow = add("a");
+  slow->givingWay().allowFrom(http::Clock::now() + std::chrono::hours(1));
+
+  EXPECT_EQ(m_list.makeRoom("b", Places{1, 1}), Room::NoneAtAll);
+}
+
+TEST_F(PlacesTest, OfAGroupAreTakenFromThatGroup) {
+  const auto elsewhere = addIdle("other", 5);
+  const auto idle = addIdle("group", 1);
+  const auto serving = addServing("group");
+
+  EXPECT_EQ(m_list.makeRoom("group", Places{9, 2}), Room::Made);
+  EXPECT_TRUE(idle->isCut);
+  EXPECT_FALSE(elsewhere->isCut);
+}
+
+TEST_F(PlacesTest, OfAGroupLeaveRoomToTheOthers) {
+  const auto first = addServing("group");
+  const auto second = addServing("group");
+
+  EXPECT_EQ(m_list.makeRoom("group", Places{3, 2}), Room::NoneForGroup);
+  EXPECT_EQ(m_list.makeRoom("other", Places{3, 2}), Room::There);
+}
+
+TEST_F(PlacesTest, OfAGroupAreFreeWhenItsConnectionsHaveEnded) {
+  auto first = addServing("group");
+  EXPECT_EQ(m_list.makeRoom("group", Places{9, 1}), Room::NoneForGroup);
+  first.reset();
+  EXPECT_EQ(m_list.makeRoom("group", Places{9, 1}), Room::There);
+}
+
+TEST_F(PlacesTest, AreNotMadeWhileAsManyHaveNotEnded) {
+  auto first = addIdle("a", 2);
+  ASSERT_EQ(m_list.makeRoom("a", Places{1, 1}), Room::Made);
+  const auto second = addIdle("a", 1);
+
+  EXPECT_EQ(m_list.makeRoom("a", Places{1, 1}), Room::NoneForGroup);
+  EXPECT_FALSE(m_list.isEmpty());
+  first.reset();
+  EXPECT_EQ(m_list.makeRoom("a", Places{1, 1}), Room::Made);
+}
+
+TEST_F(PlacesTest, OfSlowestAnswersAreFreedWhereMemoryIsShort) {
+  const auto idle = addIdle("a", 9);
+  const auto slow = addIdle("a", 2);
+  const auto slowest = addIdle("a", 3);
+  const auto quick = add("a");
+  quick->givingWay().allowFrom(http::Clock::now() + std::chrono::hours(1));
+  for (const auto& taking : {slow, slowest, quick}) {
+    taking->setTakingLargeAnswer(true);
+  }
+
+  m_list.endSlowestAnswer();
+  EXPECT_TRUE(slowest->isCut);
+  EXPECT_FALSE(slow->isCut);
+  m_list.endSlowestAnswer();
+  m_list.endSlowestAnswer();
+  EXPECT_TRUE(slow->isCut);
+  EXPECT_FALSE(idle->isCut || quick->isCut);
+}
+
 class ConnectionListTest : public testing::Test {
  protected:
   ConnectionListTest() : m_acceptor(asio::make_strand(m_context)) {
@@ -66,7 +200,7 @@ class ConnectionListTest : public testing::Test {
   test::FunctionHandler m_handler{
       [this](http::Request& /*request*/, http::Response& response) { response.body = m_answer; }};
   http::ConnectionList m_list;
-  http::Service m_service{m_options, m_handler, m_list, {}, {}};
+  http::Service m_service{m_options, m_handler, m_list};
   asio::io_context m_context;
   http::Acceptor m_acceptor;
 };
@@ -75,7 +209,7 @@ TEST_F(ConnectionListTest, CountsThoseThatAreServedAndThoseThatAreRefused) {
   test::RawClient first(port());
   http::Connection::serve(accept());
   test::RawClient second(port());
-  http::Connection::refuse(accept());
+  http::Connection::refuse(accept(), "no place");
   runAll();
 
   EXPECT_EQ(m_list.countServed(), 1U);

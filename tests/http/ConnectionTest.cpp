@@ -1,13 +1,12 @@
 // What clients see of a connection, byte by byte, plain and encrypted.
 
 #include <gmock/gmock.h>
-#include <optional>
 #include <stdexcept>
+#include <string>
 #include <tuple>
 
 #include "http/Clock.h"
-#include "http/Server.h"
-#include "tests/http/TestServer.h"
+#include "tests/http/ConnectionFixture.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/WaitUntil.h"
 
@@ -17,56 +16,19 @@ using namespace std::chrono_literals;
 using http::Clock;
 using http::Request;
 using http::Response;
-using http::ServerOptions;
 using test::bodyOf;
+using test::get;
+using test::post;
 using test::RawClient;
 using test::statusOf;
-using test::TestServer;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-class ConnectionTest : public testing::TestWithParam<bool> {
- protected:
-  ConnectionTest() : m_options(test::onFreePort(GetParam())) {}
-
-  // Starts the server with what was set before.
-  void start(test::FunctionHandler::Function function = &test::echo) {
-    m_server.emplace(m_options, std::move(function));
-  }
-  [[nodiscard]] RawClient connect(int receiveBuffer = 0) {
-    if (!m_server) {
-      start();
-    }
-    RawClient::Options options;
-    options.isTls = GetParam();
-    options.receiveBuffer = receiveBuffer;
-    return RawClient(m_server->port(), options);
-  }
-  // Sends bytes on a connection of their own and returns all that comes back.
-  [[nodiscard]] std::string exchange(const std::string& bytes) {
-    RawClient client = connect();
-    client.send(bytes);
-    std::string answer = client.readToEnd();
-    EXPECT_FALSE(client.wasReset());
-    return answer;
-  }
-
-  ServerOptions m_options;
-  std::optional<TestServer> m_server;
-};
+using ConnectionTest = test::ConnectionFixture;
 
 INSTANTIATE_TEST_SUITE_P(, ConnectionTest, testing::Bool(),
                          [](const auto& tested) { return tested.param ? "Tls" : "Plain"; });
-
-std::string get(const std::string& target, const std::string& fields = {}) {
-  return "GET " + target + " HTTP/1.1\r\nHost: a\r\n" + fields + "\r\n";
-}
-
-std::string post(const std::string& body, const std::string& fields = {}) {
-  return "POST / HTTP/1.1\r\nHost: a\r\nContent-Length: " + std::to_string(body.size()) + "\r\n" +
-         fields + "\r\n" + body;
-}
 
 TEST_P(ConnectionTest, AnswersARequest) {
   RawClient client = connect();

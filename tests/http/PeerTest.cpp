@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "http/Peer.h"
+#include "http/PeerGroup.h"
 
 namespace {
 
@@ -20,6 +21,7 @@ TEST_P(DescribePeer, GivesTextAndWhetherItIsThisMachine) {
 
   EXPECT_EQ(peer.address, GetParam().shown);
   EXPECT_EQ(peer.isLoopback, GetParam().isLoopback);
+  EXPECT_EQ(peer.group, http::toPeerGroup(std::string(GetParam().address)));
 }
 
 INSTANTIATE_TEST_SUITE_P(, DescribePeer,

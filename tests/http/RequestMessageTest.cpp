@@ -26,6 +26,17 @@ TEST(RequestMessage, FindsTheFirstFieldOfANameWithoutRegardToCase) {
   EXPECT_EQ(message.field("Twic"), "");
 }
 
+TEST(RequestMessage, CountsTheFieldsOfANameWithoutRegardToCase) {
+  RequestMessage message;
+  message.addField("Twice", "1");
+  message.addField("Once", "");
+  message.addField("TWICE", "2");
+
+  EXPECT_EQ(message.countFields("twice"), 2U);
+  EXPECT_EQ(message.countFields("once"), 1U);
+  EXPECT_EQ(message.countFields("Twic"), 0U);
+}
+
 TEST(RequestMessage, TakesTheServerOutOfTheTarget) {
   EXPECT_EQ(targetOf("http://a:5988/cimom"), "/cimom");
   EXPECT_EQ(targetOf("HTTPS://a"), "/");

@@ -78,6 +78,30 @@ TEST(RequestParser, LeavesTheNextRequest) {
   EXPECT_EQ(parse.left(), "GET /2 HTTP/1.1\r\n");
 }
 
+TEST(RequestParser, LeavesWhatStandsBehindTheHeadWhereOnlyThatIsTaken) {
+  RequestMessage message;
+  RequestParser parser(message, kLimits);
+  const std::string head = withFields("Content-Length: 4\r\n");
+  EXPECT_EQ(parser.takeHead(head.substr(0, head.size() - 1)), head.size() - 2);
+  EXPECT_FALSE(parser.isHeadComplete());
+  EXPECT_EQ(parser.takeHead("\r\nbody"), 2U);
+  EXPECT_TRUE(parser.isHeadComplete());
+  EXPECT_EQ(parser.takeHead("body"), 0U);
+  EXPECT_EQ(message.body(), "");
+  EXPECT_EQ(parser.take("body"), 4U);
+
+  EXPECT_TRUE(parser.isComplete());
+  EXPECT_EQ(message.body(), "body");
+}
+
+TEST(RequestParser, HasNoHeadWhereItIsRefused) {
+  RequestMessage message;
+  RequestParser parser(message, kLimits);
+  static_cast<void>(parser.takeHead(withFields("Transfer-Encoding: gzip\r\n")));
+
+  EXPECT_FALSE(parser.isHeadComplete());
+}
+
 TEST(RequestParser, FindsFieldsWithoutRegardToCase) {
   Parse parse(withFields("CIMOperation: MethodCall\r\nEmpty:\r\nTwice: 1\r\nTwice: 2\r\n"));
 
@@ -259,6 +283,18 @@ INSTANTIATE_TEST_SUITE_P(
         RefusedCase{"EarlierVersion", "GET / HTTP/0.9\r\n\r\n", 505, "HTTP/1.1"},
         RefusedCase{"NoHost", "GET / HTTP/1.1\r\n\r\n", 400, "Host"},
         RefusedCase{"TwoHosts", "GET / HTTP/1.1\r\nHost: a\r\nHost: b\r\n\r\n", 400, "Host"},
+        RefusedCase{"TwoHostsInHttp10", "GET / HTTP/1.0\r\nHost: a\r\nHost: b\r\n\r\n", 400,
+                    "Host"},
+        RefusedCase{"TwoLogins",
+                    withFields("Authorization: Basic eDp5\r\nauthorization: Basic eA==\r\n"), 400,
+                    "Authorization"},
+        RefusedCase{"TwoContentTypes",
+                    withFields("Content-Type: text/xml\r\nContent-Type: text/plain\r\n"), 400,
+                    "Content-Type"},
+        RefusedCase{"FoldedField", withFields("A: b\r\n c\r\n"), 400, "folded"},
+        RefusedCase{"FieldFoldedAtItsBeginning", withFields("A:\r\n\tb\r\n"), 400, "folded"},
+        RefusedCase{"LineFeedAlone", "GET / HTTP/1.1\nHost: a\n\n\r\n\r\n", 505, ""},
+        RefusedCase{"FieldWithLineFeedAlone", withFields("A: b\nHost: c\r\n"), 400, "header field"},
         RefusedCase{"FieldWithoutColon", withFields("no field\r\n"), 400, "header field"},
         RefusedCase{"SpaceBeforeColon", withFields("A : b\r\n"), 400, "header field"},
         RefusedCase{"ControlInValue", withFields("A: b\x01\r\n"), 400, "header field"},
@@ -268,6 +304,14 @@ INSTANTIATE_TEST_SUITE_P(
                     "Content-Length"},
         RefusedCase{"TwoLengths", withFields("Content-Length: 1\r\nContent-Length: 2\r\n"), 400,
                     "Content-Length"},
+        RefusedCase{"SameLengthTwice", withFields("Content-Length: 1\r\nContent-Length: 1\r\n"),
+                    400, "Content-Length"},
+        RefusedCase{"ListOfLengths", withFields("Content-Length: 1, 1\r\n"), 400, "Content-Length"},
+        RefusedCase{"SignedLength", withFields("Content-Length: +1\r\n"), 400, "Content-Length"},
+        RefusedCase{"HexadecimalLength", withFields("Content-Length: 0x1\r\n"), 400,
+                    "Content-Length"},
+        RefusedCase{"EmptyLength", withFields("Content-Length:\r\n"), 400, "Content-Length"},
+        RefusedCase{"FoldedLength", withFields("Content-Length:\r\n 1\r\n"), 400, "folded"},
         RefusedCase{"LengthAndChunks",
                     withFields("Content-Length: 1\r\nTransfer-Encoding: chunked\r\n"), 400,
                     "Transfer-Encoding"},
@@ -277,8 +321,35 @@ INSTANTIATE_TEST_SUITE_P(
         RefusedCase{"OtherEncoding", withFields("Transfer-Encoding: gzip\r\n"), 501, "chunked"},
         RefusedCase{"TwoEncodings", withFields("Transfer-Encoding: gzip, chunked\r\n"), 501,
                     "chunked"},
+        RefusedCase{"SameEncodingTwice",
+                    withFields("Transfer-Encoding: chunked\r\nTransfer-Encoding: chunked\r\n"), 400,
+                    "Transfer-Encoding"},
+        RefusedCase{"TwoEncodingFields",
+                    withFields("Transfer-Encoding: gzip\r\nTransfer-Encoding: chunked\r\n"), 400,
+                    "Transfer-Encoding"},
+        RefusedCase{"ListOfChunked", withFields("Transfer-Encoding: chunked, chunked\r\n"), 501,
+                    "chunked"},
+        RefusedCase{"NoEncoding", withFields("Transfer-Encoding:\r\n"), 501, "chunked"},
+        RefusedCase{"FoldedEncoding", withFields("Transfer-Encoding:\r\n chunked\r\n"), 400,
+                    "folded"},
+        RefusedCase{"EncodingFoldedInItsMiddle", withFields("Transfer-Encoding: chun\r\n\tked\r\n"),
+                    400, "folded"},
+        RefusedCase{"EncodingFoldedAtItsEnd",
+                    withFields("Transfer-Encoding: chunked\r\n \r\nA: b\r\n"), 400, "folded"},
+        RefusedCase{"ChunksInHttp10",
+                    "POST / HTTP/1.0\r\nTransfer-Encoding: chunked\r\n\r\n0\r\n\r\n", 400,
+                    "HTTP/1.0"},
+        RefusedCase{"OtherEncodingInHttp10", "POST / HTTP/1.0\r\nTransfer-Encoding: gzip\r\n\r\n",
+                    400, "HTTP/1.0"},
         RefusedCase{"OtherExpectation", withFields("Expect: miracles\r\n"), 417, "100-continue"},
         RefusedCase{"BadChunk", withFields("Transfer-Encoding: chunked\r\n") + "x\r\nabc\r\n", 400,
+                    "chunk"},
+        RefusedCase{
+            "ChunkOfTooManyDigits",
+            withFields("Transfer-Encoding: chunked\r\n") + "10000000000000001\r\nabcdefgh\r\n", 400,
+            "chunk"},
+        RefusedCase{"ChunkWithASign",
+                    withFields("Transfer-Encoding: chunked\r\n") + "+1\r\nabcdefgh\r\n", 400,
                     "chunk"},
         RefusedCase{"ChunkLongerThanSaid",
                     withFields("Transfer-Encoding: chunked\r\n") + "1\r\nabcdefgh\r\n", 400,

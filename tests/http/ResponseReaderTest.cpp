@@ -118,6 +118,13 @@ TEST_F(ResponseReaderTest, FindsFaultWithWhatIsNotHttp) {
   EXPECT_FALSE(m_reader.isTooLarge());
 }
 
+TEST_F(ResponseReaderTest, FindsFaultWithAStatusThatIsNone) {
+  add("HTTP/1.1 059 OK\r\nContent-Length: 4\r\n\r\nbody");
+
+  EXPECT_TRUE(m_reader.fault());
+  EXPECT_FALSE(m_reader.isComplete());
+}
+
 TEST(ResponseReaderOfHead, ExpectsNoBody) {
   ResponseReader reader(true, 100);
   static_cast<void>(reader.take("HTTP/1.1 200 OK\r\nContent-Length: 12\r\n\r\n"));

@@ -1,4 +1,3 @@
-#include <future>
 #include <gmock/gmock.h>
 #include <latch>
 #include <memory>
@@ -10,6 +9,7 @@
 #include <vector>
 
 #include "http/Server.h"
+#include "tests/http/Gate.h"
 #include "tests/http/TestServer.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Throws.h"
@@ -24,6 +24,7 @@ using http::Server;
 using http::ServerOptions;
 using http::SetupFault;
 using test::bodyOf;
+using test::Gate;
 using test::RawClient;
 using test::statusOf;
 using test::TestServer;
@@ -33,24 +34,6 @@ using testing::StartsWith;
 using Clock = std::chrono::steady_clock;
 
 constexpr const char* kGet = "GET / HTTP/1.1\r\nHost: a\r\n\r\n";
-
-// Something that a handler waits for and a test brings about.
-class Gate {
- public:
-  void open() { m_opened.set_value(); }
-  void pass() {
-    ++m_arrived;
-    m_future.wait();
-  }
-  [[nodiscard]] bool waitForArrivals(int count) const {
-    return test::waitUntil([&] { return m_arrived >= count; });
-  }
-
- private:
-  std::promise<void> m_opened;
-  std::shared_future<void> m_future{m_opened.get_future()};
-  std::atomic<int> m_arrived{0};
-};
 
 std::string askOnce(std::uint16_t port, const RawClient::Options& options = {}) {
   RawClient client(port, options);
@@ -262,70 +245,6 @@ TEST(Server, CanBeStoppedByItsHandler) {
   server.join();
 }
 
-TEST(Server, TellsWhoComesTooManyAndServesTheOthersOn) {
-  ServerOptions options = test::onFreePort();
-  options.maxConnections = 3;
-  const TestServer server(options);
-  std::vector<std::unique_ptr<RawClient>> clients;
-  for (int i = 0; i < 3; ++i) {
-    clients.push_back(std::make_unique<RawClient>(server.port()));
-    clients.back()->send(kGet);
-    ASSERT_EQ(statusOf(clients.back()->readAnswer()), "200");
-  }
-
-  RawClient tooMany(server.port());
-  tooMany.send(kGet);
-  const std::string refusal = tooMany.readToEnd();
-  EXPECT_EQ(statusOf(refusal), "503");
-  EXPECT_THAT(refusal, AllOf(HasSubstr("Retry-After: "), HasSubstr("takes: 3")));
-  EXPECT_FALSE(tooMany.wasReset());
-  for (const auto& client : clients) {
-    client->send(kGet);
-    EXPECT_EQ(statusOf(client->readAnswer()), "200");
-  }
-  clients.pop_back();
-  EXPECT_TRUE(test::waitUntil([&] { return statusOf(askOnce(server.port())) == "200"; }));
-}
-
-TEST(Server, ClosesEncryptedConnectionsThatAreTooMany) {
-  ServerOptions options = test::onFreePort(true);
-  options.maxConnections = 1;
-  const TestServer server(options);
-  RawClient::Options encrypted;
-  encrypted.isTls = true;
-  RawClient first(server.port(), encrypted);
-  first.send(kGet);
-  ASSERT_EQ(statusOf(first.readAnswer()), "200");
-
-  RawClient second(server.port());  // sees the end before any handshake
-  EXPECT_TRUE(second.isAtEnd());
-  first.send(kGet);
-  EXPECT_EQ(statusOf(first.readAnswer()), "200");
-}
-
-TEST(Server, LogsOnceThatThereAreTooMany) {
-  for (const bool isTls : {false, true}) {
-    const test::LogCapture log;
-    {
-      ServerOptions options = test::onFreePort(isTls);
-      options.maxConnections = 1;
-      const TestServer server(options);
-      RawClient::Options kind;
-      kind.isTls = isTls;
-      RawClient first(server.port(), kind);
-      first.send(kGet);
-      ASSERT_EQ(statusOf(first.readAnswer()), "200");
-      EXPECT_THAT(log.messages("http::Server::take"), testing::IsEmpty());
-      for (int i = 0; i < 3; ++i) {
-        RawClient tooMany(server.port());
-        std::ignore = tooMany.readToEnd();
-      }
-    }
-    EXPECT_THAT(log.messages("http::Server::take"),
-                testing::ElementsAre(StartsWith("1 connections, no further ones are taken")));
-  }
-}
-
 TEST(Server, WithstandsManyWhoComeTooMany) {
   ServerOptions options = test::onFreePort();
   options.maxConnections = 2;
@@ -342,6 +261,7 @@ TEST(Server, WithstandsManyWhoComeTooMany) {
 TEST(Server, ServesManyConnectionsThatStayOpen) {
   ServerOptions options = test::onFreePort();
   options.maxConnections = 300;
+  options.maxConnectionsPerAddress = 300;
   const TestServer server(options);
   std::vector<std::unique_ptr<RawClient>> clients;
   for (int i = 0; i < 300; ++i) {

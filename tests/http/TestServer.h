@@ -19,13 +19,21 @@ class FunctionHandler final : public http::Handler {
  public:
   using Function = std::function<void(http::Request& request, http::Response& response)>;
 
-  explicit FunctionHandler(Function function) : m_function(std::move(function)) {}
+  // What handles heads: by itself, each request is handled whole.
+  using HeadFunction = std::function<bool(http::Request& request, http::Response& response)>;
+
+  explicit FunctionHandler(Function function, HeadFunction headFunction = {})
+      : m_function(std::move(function)), m_headFunction(std::move(headFunction)) {}
+  [[nodiscard]] bool handleHead(http::Request& request, http::Response& response) override {
+    return m_headFunction == nullptr || m_headFunction(request, response);
+  }
   void handle(http::Request& request, http::Response& response) override {
     m_function(request, response);
   }
 
  private:
   const Function m_function;
+  const HeadFunction m_headFunction;
 };
 
 // Answers with the request's body, or with method and target where there is none.
@@ -51,8 +59,11 @@ inline http::ServerOptions onFreePort(bool isTls = false, const char* address = 
 class TestServer {
  public:
   explicit TestServer(const http::ServerOptions& options = onFreePort(),
-                      FunctionHandler::Function function = &echo)
-      : m_handler(std::move(function)), m_server(options, m_handler), m_thread([this] {
+                      FunctionHandler::Function function = &echo,
+                      FunctionHandler::HeadFunction headFunction = {})
+      : m_handler(std::move(function), std::move(headFunction)),
+        m_server(options, m_handler),
+        m_thread([this] {
           m_server.run();
           m_hasEnded = true;
         }) {}
