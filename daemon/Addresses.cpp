@@ -1,7 +1,6 @@
 #include "daemon/Addresses.h"
 
 #include <boost/asio/ip/address.hpp>
-#include <boost/asio/ip/network_v6.hpp>
 #include <charconv>
 #include <cstdint>
 
@@ -12,7 +11,6 @@ namespace {
 
 namespace ip = boost::asio::ip;
 
-constexpr unsigned short kClientPrefix = 64;
 constexpr std::string_view kTls = "https:";
 
 std::optional<ip::address> parseAddress(const std::string& text) {
@@ -51,19 +49,6 @@ std::optional<std::string> unwrap(std::string_view text) {
 bool isLoopbackAddress(const std::string& address) {
   const std::optional<ip::address> parsed = parseAddress(address);
   return parsed && parsed->is_loopback();
-}
-
-std::string toClientNetwork(const std::string& address) {
-  const std::optional<ip::address> parsed = parseAddress(address);
-  if (!parsed) {
-    return address;
-  }
-  if (parsed->is_v4()) {
-    return parsed->to_string();
-  }
-  ip::address_v6 whole = parsed->to_v6();
-  whole.scope_id(0);
-  return ip::make_network_v6(whole, kClientPrefix).network().to_string();
 }
 
 std::optional<http::Endpoint> parseEndpoint(std::string_view text) {

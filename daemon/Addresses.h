@@ -14,10 +14,6 @@ namespace quorveld {
 // Returns whether the text is an address of this machine alone: 127.0.0.0/8, ::1. A name is none.
 [[nodiscard]] bool isLoopbackAddress(const std::string& address);
 
-// Returns what one client can be expected to hold of addresses, in the writing of an address: an
-// IPv4 address itself, the first 64 bits of an IPv6 address. Any other text stands for itself.
-[[nodiscard]] std::string toClientNetwork(const std::string& address);
-
 // Reads "[https:]ADDRESS:PORT", an IPv6 address in brackets. Returns null for anything else.
 [[nodiscard]] std::optional<http::Endpoint> parseEndpoint(std::string_view text);
 

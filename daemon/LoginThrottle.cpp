@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <utility>
 
-#include "daemon/Addresses.h"
+#include "http/PeerGroup.h"
 
 namespace quorveld {
 
 std::optional<std::chrono::milliseconds> LoginThrottle::findRefusal(const std::string& address) {
-  const auto found = m_failures.find(toClientNetwork(address));
+  const auto found = m_failures.find(http::toPeerGroup(address));
   if (found == m_failures.end() || m_now() >= found->second.last + found->second.delay) {
     return std::nullopt;
   }
@@ -21,7 +21,7 @@ std::chrono::milliseconds LoginThrottle::addFailure(const std::string& address) 
   std::erase_if(m_failures,
                 [now](const auto& entry) { return now >= entry.second.last + kMemory; });
   const bool isFull = m_failures.size() >= kMostNetworks;
-  const std::string network = toClientNetwork(address);
+  const std::string network = http::toPeerGroup(address);
   if (isFull && !m_failures.contains(network)) {
     forgetTheQuietest();
   }
@@ -37,7 +37,7 @@ std::chrono::milliseconds LoginThrottle::addFailure(const std::string& address) 
 }
 
 unsigned LoginThrottle::takeUnchecked(const std::string& address) {
-  const auto found = m_failures.find(toClientNetwork(address));
+  const auto found = m_failures.find(http::toPeerGroup(address));
   return found == m_failures.end() ? 0 : std::exchange(found->second.unchecked, 0);
 }
 

@@ -1,6 +1,6 @@
 // Slows down who guesses passwords: each refusal in a row makes the client wait longer for it.
 //
-// What counts is the client's network (toClientNetwork), since names cost a guesser nothing.
+// What counts is the client's network (http::toPeerGroup), since names cost a guesser nothing.
 // Failures fade by time alone: a success in between, with an account that the guesser may have,
 // changes nothing. Bounded in memory: while there is no room, a network that fails for the first
 // time waits for longest, so that who has many of them at hand gains nothing by having one

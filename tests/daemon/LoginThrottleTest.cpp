@@ -48,6 +48,15 @@ TEST_F(LoginThrottle, CountsEachNetworkForItself) {
   EXPECT_TRUE(m_throttle.findRefusal("2001:db8:0:1::2"));
 }
 
+// A program of this machine has 16 million of them at hand.
+TEST_F(LoginThrottle, CountsAllLoopbackAddressesTogether) {
+  static_cast<void>(m_throttle.addFailure("127.0.0.1"));
+  for (const char* const address : {"127.0.0.2", "127.9.9.9", "::1", "::ffff:127.0.0.3"}) {
+    EXPECT_TRUE(m_throttle.findRefusal(address)) << address;
+  }
+  EXPECT_EQ(failAgain("127.0.0.4"), milliseconds(1000));
+}
+
 TEST_F(LoginThrottle, ForgetsAfterAWhileWithoutFailures) {
   EXPECT_EQ(failAgain("192.0.2.7"), milliseconds(500));
   pass(quorveld::LoginThrottle::kMemory - milliseconds(1));
