@@ -75,6 +75,7 @@ DaemonConfig merge(const Arguments& arguments) {
     config.logLevel = arguments.logLevel;
   }
   completeConfig(config);
+  demandPrivateFiles(config);
   return config;
 }
 

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "Os/QuorvelConfig.h"
-#include "cli/Password.h"
+#include "cli/Posix/Password.h"
 #include "cli/Posix/PasswordPrompt.h"
 #include "client/Fault.h"
 #include "client/HostConnection.h"

@@ -32,7 +32,7 @@ class DaemonTest : public test::QuorveldFixture {
   }
 
   [[nodiscard]] std::string write(const std::string& name, const std::string& content) const {
-    return m_own.write(name, content).string();
+    return m_own.writePrivate(name, content).string();
   }
 
   [[nodiscard]] nlohmann::json healthReport() const {
