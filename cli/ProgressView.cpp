@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Utils/Format.h"
+#include "Utils/Printable.h"
 
 namespace cli {
 namespace {
@@ -27,8 +28,8 @@ std::string toClockText(std::chrono::seconds elapsed) {
   return utils::format("%02d:%02d", part(seconds / kMinute), part(seconds % kMinute));
 }
 
-ProgressView::ProgressView(std::ostream& out, ProgressStyle style, std::string label)
-    : m_out(out), m_style(style), m_label(std::move(label)) {}
+ProgressView::ProgressView(std::ostream& out, ProgressStyle style, const std::string& label)
+    : m_out(out), m_style(style), m_label(utils::toPrintable(label)) {}
 
 void ProgressView::show(unsigned percent, std::chrono::seconds elapsed) {
   percent = std::min(percent, kComplete);

@@ -13,6 +13,7 @@
 #include "Os/QuorvelConfig.h"
 #include "Utils/Exception.h"
 #include "Utils/Log.h"
+#include "Utils/Printable.h"
 #include "core/CimBroker.h"
 #include "daemon/Authentication.h"
 #include "daemon/CimXmlHandler.h"
@@ -173,9 +174,9 @@ ExitStatus runDaemon(int argc, const char* const* argv, std::ostream& out, std::
     serve(*commandLine.config, out);
     return ExitStatus::Done;
   } catch (const ConfigurationFault& fault) {
-    err << "quorveld: " << fault.what() << '\n';
+    err << "quorveld: " << utils::toPrintableLines(fault.what()) << '\n';
   } catch (const http::SetupFault& fault) {
-    err << "quorveld: " << fault.what() << '\n';
+    err << "quorveld: " << utils::toPrintableLines(fault.what()) << '\n';
   }
   return ExitStatus::Usage;
 }

@@ -1,7 +1,7 @@
 #include "daemon/Posix/SystemLogAudit.h"
 
+#include <algorithm>
 #include <array>
-#include <cstdint>
 #include <cstring>
 #include <ctime>
 #include <exception>
@@ -10,65 +10,13 @@
 
 #include "Utils/Format.h"
 #include "Utils/Log.h"
+#include "Utils/Printable.h"
 #include "daemon/Posix/LocalDatagram.h"
 
 namespace quorveld {
 namespace {
 
 constexpr utils::LogSource kLog{"SystemLogAudit"};
-
-constexpr unsigned char kFirstPrintable = 0x20;
-constexpr unsigned char kDelete = 0x7F;
-constexpr unsigned char kFirstOfMany = 0x80;
-
-// Lead bytes of UTF-8: what they look like under a mask, how many bytes follow, and from which code
-// point on that many are needed.
-struct Lead {
-  unsigned char mask;
-  unsigned char bits;
-  std::size_t following;
-  std::uint32_t least;
-};
-
-constexpr Lead kLeads[] = {
-    {0xE0, 0xC0, 1, 0x80},
-    {0xF0, 0xE0, 2, 0x800},
-    {0xF8, 0xF0, 3, 0x10000},
-};
-constexpr std::uint32_t kSurrogates = 0xD800;
-constexpr std::uint32_t kAfterSurrogates = 0xE000;
-constexpr std::uint32_t kLastCodePoint = 0x10FFFF;
-// Control characters above ASCII.
-constexpr std::uint32_t kLastControl = 0x9F;
-constexpr std::uint32_t kLineSeparator = 0x2028;
-constexpr std::uint32_t kParagraphSeparator = 0x2029;
-
-// Returns the length of the printable character beyond ASCII that the text begins with, 0 for none.
-std::size_t lengthOfCharacter(std::string_view text) {
-  constexpr unsigned kBits = 6;
-  constexpr unsigned char kContinuationMask = 0xC0;
-  constexpr unsigned char kContinuation = 0x80;
-  constexpr unsigned char kContinuationBits = 0x3F;
-  const auto first = static_cast<unsigned char>(text.front());
-  for (const Lead& lead : kLeads) {
-    if ((first & lead.mask) != lead.bits || text.size() <= lead.following) {
-      continue;
-    }
-    std::uint32_t point = first & static_cast<unsigned char>(~lead.mask);
-    for (std::size_t i = 1; i <= lead.following; ++i) {
-      const auto byte = static_cast<unsigned char>(text[i]);
-      if ((byte & kContinuationMask) != kContinuation) {
-        return 0;
-      }
-      point = (point << kBits) | (byte & kContinuationBits);
-    }
-    const bool isSound = point >= lead.least && point <= kLastCodePoint && point > kLastControl &&
-                         (point < kSurrogates || point >= kAfterSurrogates) &&
-                         point != kLineSeparator && point != kParagraphSeparator;
-    return isSound ? lead.following + 1 : 0;
-  }
-  return 0;
-}
 
 void appendField(std::string& line, const char* name, std::string_view text) {
   constexpr std::string_view kCut = "...";
@@ -79,23 +27,19 @@ void appendField(std::string& line, const char* name, std::string_view text) {
   line += "=\"";
   const std::size_t end = line.size() + SystemLogAudit::kMostBytes;
   while (!text.empty()) {
+    const std::size_t length = utils::lengthOfPrintable(text);
     const auto byte = static_cast<unsigned char>(text.front());
-    std::string piece(1, text.front());
+    std::string piece =
+        length > 0 ? std::string(text.substr(0, length)) : utils::format("\\x%02X", byte);
     if (byte == '"' || byte == '\\') {
       piece.insert(0, 1, '\\');
-    } else if (byte >= kFirstOfMany) {
-      const std::size_t length = lengthOfCharacter(text);
-      piece = length > 0 ? std::string(text.substr(0, length)) : utils::format("\\x%02X", byte);
-      text.remove_prefix(length > 0 ? length - 1 : 0);
-    } else if (byte < kFirstPrintable || byte == kDelete) {
-      piece = utils::format("\\x%02X", byte);
     }
     if (line.size() + piece.size() > end) {
       line += kCut;
       break;
     }
     line += piece;
-    text.remove_prefix(1);
+    text.remove_prefix(std::max<std::size_t>(length, 1));
   }
   line += '"';
 }

@@ -28,8 +28,8 @@ class SystemLogAudit final : public wbem::Audit {
 };
 
 // Returns the record as one line: user="..." address="..." role="..." action="..." result="..."
-// target="...", with quotes, backslashes, control characters and bytes that are no UTF-8 escaped,
-// and what is too long cut.
+// target="...", with quotes, backslashes, what would disturb a terminal (see Utils/Printable.h) and
+// bytes that are no UTF-8 escaped, and what is too long cut.
 [[nodiscard]] std::string formatAudit(const wbem::AuditRecord& record);
 
 }  // namespace quorveld

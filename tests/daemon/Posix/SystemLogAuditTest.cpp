@@ -53,6 +53,9 @@ TEST(FormatAudit, LeavesUtf8AndEscapesOtherBytes) {
   EXPECT_EQ(userOf("\xC2\x85"), R"(\xC2\x85)");                  // a control character
   EXPECT_EQ(userOf("\xE2\x80\xA8"), R"(\xE2\x80\xA8)");          // a line separator
   EXPECT_EQ(userOf("\xF4\x90\x80\x80"), R"(\xF4\x90\x80\x80)");  // above the last one
+  EXPECT_EQ(userOf("\xE2\x80\xAE"), R"(\xE2\x80\xAE)");          // from right to left
+  EXPECT_EQ(userOf("\xE2\x81\xA6"), R"(\xE2\x81\xA6)");          // the same
+  EXPECT_EQ(userOf("\xEF\xBB\xBF"), R"(\xEF\xBB\xBF)");          // not to be seen
 }
 
 TEST(FormatAudit, CutsLongTexts) {
