@@ -1,9 +1,8 @@
 #include "daemon/Posix/SystemLogAudit.h"
 
 #include <algorithm>
-#include <array>
+#include <chrono>
 #include <cstring>
-#include <ctime>
 #include <exception>
 #include <syslog.h>
 #include <unistd.h>
@@ -11,12 +10,14 @@
 #include "Utils/Format.h"
 #include "Utils/Log.h"
 #include "Utils/Printable.h"
-#include "daemon/Posix/LocalDatagram.h"
+#include "platform/Posix/SystemLog.h"
 
 namespace quorveld {
 namespace {
 
 constexpr utils::LogSource kLog{"SystemLogAudit"};
+
+constexpr std::chrono::milliseconds kPatience{1000};
 
 void appendField(std::string& line, const char* name, std::string_view text) {
   constexpr std::string_view kCut = "...";
@@ -54,17 +55,6 @@ const char* nameOf(wbem::Role role) {
   return "";
 }
 
-// The time as the log's socket takes it, in the C locale whatever the process has.
-std::string formatTime() {
-  constexpr std::array<const char*, 12> kMonths{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                                "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-  const std::time_t now = std::time(nullptr);
-  std::tm parts{};
-  localtime_r(&now, &parts);
-  return utils::format("%s %2d %02d:%02d:%02d", kMonths.at(static_cast<std::size_t>(parts.tm_mon)),
-                       parts.tm_mday, parts.tm_hour, parts.tm_min, parts.tm_sec);
-}
-
 }  // namespace
 
 std::string formatAudit(const wbem::AuditRecord& record) {
@@ -81,10 +71,9 @@ std::string formatAudit(const wbem::AuditRecord& record) {
 void SystemLogAudit::write(const wbem::AuditRecord& record) noexcept {
   try {
     const std::string line = formatAudit(record);
-    const std::string datagram =
-        utils::format("<%d>%s quorveld[%d]: %s", static_cast<int>(LOG_AUTHPRIV | LOG_NOTICE),
-                      formatTime().c_str(), static_cast<int>(getpid()), line.c_str());
-    if (const int error = sendLocalDatagram(m_socket, datagram)) {
+    const std::string tag = utils::format("quorveld[%d]", static_cast<int>(getpid()));
+    if (const int error = platform::sendSystemLogMessage(m_socket, LOG_AUTHPRIV | LOG_NOTICE, tag,
+                                                         line, kPatience)) {
       utils::logError(kLog, "quorveld::SystemLogAudit::write", "audit: %s (%s: %s)", line.c_str(),
                       m_socket.c_str(), std::strerror(error));
     }

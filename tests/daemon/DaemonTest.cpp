@@ -5,8 +5,8 @@
 #include <string>
 
 #include "daemon/Daemon.h"
-#include "tests/daemon/Posix/DatagramSocket.h"
 #include "tests/daemon/Posix/QuorveldFixture.h"
+#include "tests/support/Posix/DatagramSocket.h"
 #include "tests/support/Regex.h"
 #include "tests/support/WaitUntil.h"
 

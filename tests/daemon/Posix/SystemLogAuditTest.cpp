@@ -3,7 +3,7 @@
 #include <unistd.h>
 
 #include "daemon/Posix/SystemLogAudit.h"
-#include "tests/daemon/Posix/DatagramSocket.h"
+#include "tests/support/Posix/DatagramSocket.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Regex.h"
 #include "tests/support/TempDirectory.h"
