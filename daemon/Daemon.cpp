@@ -125,7 +125,13 @@ std::string announce(const http::Server& server, std::ostream& out) {
 }
 
 void finishJobs(wbem::Server& server, const ServiceManager& manager) {
-  waitForJobs([&server] { return server.countRunningJobs(); },
+  // A job whose end is counted has its record, too.
+  waitForJobs(
+      [&server] {
+        const unsigned running = server.countRunningJobs();
+        server.recordEndedJobs();
+        return running;
+      },
               [&manager](unsigned running) {
                 const std::string text = "Waiting for the end of " + std::to_string(running) +
                                          " running update" + (running == 1 ? "" : "s");

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstring>
 #include <exception>
+#include <optional>
 #include <syslog.h>
 #include <unistd.h>
 
@@ -45,8 +46,11 @@ void appendField(std::string& line, const char* name, std::string_view text) {
   line += '"';
 }
 
-const char* nameOf(wbem::Role role) {
-  switch (role) {
+const char* nameOf(std::optional<wbem::Role> role) {
+  if (!role) {
+    return "";
+  }
+  switch (*role) {
     case wbem::Role::Reader:
       return "reader";
     case wbem::Role::Operator:
@@ -65,6 +69,9 @@ std::string formatAudit(const wbem::AuditRecord& record) {
   appendField(line, "action", record.action);
   appendField(line, "result", record.result);
   appendField(line, "target", record.target);
+  for (const auto& [name, value] : record.details) {
+    appendField(line, name.c_str(), value);
+  }
   return line;
 }
 

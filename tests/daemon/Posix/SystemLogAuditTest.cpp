@@ -1,10 +1,12 @@
+#include <chrono>
 #include <gmock/gmock.h>
+#include <optional>
 #include <string>
 #include <unistd.h>
 
 #include "daemon/Posix/SystemLogAudit.h"
-#include "tests/support/Posix/DatagramSocket.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Posix/DatagramSocket.h"
 #include "tests/support/Regex.h"
 #include "tests/support/TempDirectory.h"
 
@@ -18,14 +20,15 @@ using testing::IsEmpty;
 const wbem::AuditRecord kRecord{{"anna", "192.0.2.7", wbem::Role::Operator},
                                 "InstallFromURI",
                                 "4096",
-                                "Orvex_SoftwareInstallationService.Name=\"x\""};
+                                "Orvex_SoftwareInstallationService.Name=\"x\"",
+                                {}};
 const std::string kLine =
     R"(user="anna" address="192.0.2.7" role="operator" action="InstallFromURI" )"
     R"(result="4096" target="Orvex_SoftwareInstallationService.Name=\"x\"")";
 
 // Returns what is written of a user.
 std::string userOf(const std::string& user) {
-  const std::string line = quorveld::formatAudit({{user, "", wbem::Role::Reader}, "", "", ""});
+  const std::string line = quorveld::formatAudit({{user, "", wbem::Role::Reader}, "", "", "", {}});
   const std::string rest = R"(" address="" role="reader" action="" result="" target="")";
   EXPECT_THAT(line, EndsWith(rest));
   return line.substr(6, line.size() - 6 - rest.size());
@@ -33,6 +36,18 @@ std::string userOf(const std::string& user) {
 
 TEST(FormatAudit, NamesEverythingWithTheTargetLast) {
   EXPECT_EQ(quorveld::formatAudit(kRecord), kLine);
+}
+
+TEST(FormatAudit, HasTheDetailsBehindTheTarget) {
+  wbem::AuditRecord record = kRecord;
+  record.details = {{"adapter", "0000:03:00.0"}, {"file", "/a \"b\".rom"}};
+  EXPECT_EQ(quorveld::formatAudit(record),
+            kLine + R"( adapter="0000:03:00.0" file="/a \"b\".rom")");
+}
+
+TEST(FormatAudit, GivesNoRoleToWhoHasNone) {
+  EXPECT_THAT(quorveld::formatAudit({{"anna", "", std::nullopt}, "Login", "refused", "", {}}),
+              HasSubstr(R"(role="" action="Login")"));
 }
 
 TEST(FormatAudit, EscapesWhatCouldPassForSomethingElse) {
