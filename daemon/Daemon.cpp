@@ -15,11 +15,14 @@
 #include "Utils/Log.h"
 #include "Utils/Printable.h"
 #include "core/CimBroker.h"
+#include "daemon/AuditQueue.h"
 #include "daemon/Authentication.h"
 #include "daemon/CimXmlHandler.h"
 #include "daemon/JobsEnd.h"
+#include "daemon/LimitedLog.h"
 #include "daemon/LoginGate.h"
 #include "daemon/PasswordFile.h"
+#include "daemon/PeriodicTask.h"
 #include "daemon/Posix/PamAuthenticator.h"
 #include "daemon/Posix/ServiceManager.h"
 #include "daemon/Posix/StopSignals.h"
@@ -32,6 +35,9 @@ namespace quorveld {
 namespace {
 
 constexpr utils::LogSource kLog{"Daemon"};
+
+// How soon records of what has come to its end are written.
+constexpr std::chrono::milliseconds kRecordsPeriod{500};
 
 // The CIM server as the handler of HTTP requests sees it.
 class WbemService final : public CimXmlHandler::Service {
@@ -132,24 +138,27 @@ void finishJobs(wbem::Server& server, const ServiceManager& manager) {
         server.recordEndedJobs();
         return running;
       },
-              [&manager](unsigned running) {
-                const std::string text = "Waiting for the end of " + std::to_string(running) +
-                                         " running update" + (running == 1 ? "" : "s");
-                utils::logDebug(kLog, "quorveld::finishJobs", "%s", text.c_str());
-                manager.tellStatus(text);
-              },
-              [] { std::this_thread::sleep_for(kJobsPeriod); });
+      [&manager](unsigned running) {
+        const std::string text = "Waiting for the end of " + std::to_string(running) +
+                                 " running update" + (running == 1 ? "" : "s");
+        utils::logDebug(kLog, "quorveld::finishJobs", "%s", text.c_str());
+        manager.tellStatus(text);
+      },
+      [] { std::this_thread::sleep_for(kJobsPeriod); });
 }
 
 void serve(const DaemonConfig& config, std::ostream& out) {
   // Both before anything that may start a thread.
   const ServiceManager manager;
   const StopSignals signals;
+  // Never destroyed: the modules' objects may log until the process has ended.
+  static auto& log = *new LimitedLog;
   applyAgentSettings(config);
   const std::unique_ptr<Authenticator> authenticator = makeAuthenticator(config);
   loadAgents(config);
 
-  SystemLogAudit audit;
+  SystemLogAudit systemLog;
+  AuditQueue audit(systemLog);
   wbem::Server::Options options;
   options.nameSpace = utils::QuorvelConfig::getInstance()->getNamespace();
   options.host = findHostName();
@@ -164,9 +173,16 @@ void serve(const DaemonConfig& config, std::ostream& out) {
     manager.tellStopping("Answering what is under way");
     httpServer.stop();
   });
-  httpServer.run();
+  {
+    const PeriodicTask records(kRecordsPeriod, [&cimServer] {
+      log.writeCounts();
+      cimServer.recordEndedJobs();
+    });
+    httpServer.run();
+  }
   // Nobody can start another one now.
   finishJobs(cimServer, manager);
+  log.writeAllCounts();
 }
 
 }  // namespace

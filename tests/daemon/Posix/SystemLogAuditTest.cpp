@@ -81,12 +81,14 @@ TEST(FormatAudit, CutsLongTexts) {
   EXPECT_EQ(userOf(most.substr(1) + "\xC3\xBC"), most.substr(1) + "...");
 }
 
+constexpr std::chrono::milliseconds kPatience{1};
+
 TEST(SystemLogAudit, WritesOneRecordToTheSystemLog) {
   const test::TempDirectory directory;
   const std::string path = (directory.path() / "log").string();
   const test::DatagramSocket socket(path);
   const test::LogCapture log;
-  quorveld::SystemLogAudit(path).write(kRecord);
+  EXPECT_TRUE(quorveld::SystemLogAudit(path).write(kRecord, kPatience));
   // Facility authpriv (10), severity notice (5).
   EXPECT_THAT(socket.receive(),
               test::MatchesRegex("<85>[A-Z][a-z][a-z] [ 1-3][0-9] [0-9:]{8} quorveld\\[" +
@@ -95,13 +97,47 @@ TEST(SystemLogAudit, WritesOneRecordToTheSystemLog) {
   EXPECT_THAT(log.lines(), IsEmpty());
 }
 
-TEST(SystemLogAudit, WritesToTheAgentsLogWhereTheSystemLogTakesNothing) {
+TEST(SystemLogAudit, SaysThatASystemLogThatDoesNotReadHasNoRoom) {
+  const test::TempDirectory directory;
+  const std::string path = (directory.path() / "log").string();
+  const test::DatagramSocket socket(path);
+  quorveld::SystemLogAudit audit(path);
+  unsigned taken = 0;
+  while (audit.write(kRecord, kPatience)) {
+    ++taken;
+  }
+  EXPECT_GT(taken, 0u);
+  EXPECT_NE(socket.receive(), "");
+  EXPECT_TRUE(audit.write(kRecord, kPatience));
+}
+
+TEST(SystemLogAudit, WritesToTheAgentsLogAndStandardErrorWhereThereIsNoSystemLog) {
   const test::TempDirectory directory;
   const test::LogCapture log;
-  quorveld::SystemLogAudit((directory.path() / "missing").string()).write(kRecord);
-  quorveld::SystemLogAudit("/" + std::string(200, 'x')).write(kRecord);
+  testing::internal::CaptureStderr();
+  EXPECT_TRUE(
+      quorveld::SystemLogAudit((directory.path() / "missing").string()).write(kRecord, kPatience));
+  EXPECT_TRUE(quorveld::SystemLogAudit("/" + std::string(200, 'x')).write(kRecord, kPatience));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "quorveld: audit: " + kLine + "\nquorveld: audit: " + kLine + "\n");
   EXPECT_THAT(log.messages("quorveld::SystemLogAudit::write"),
               ElementsAre(HasSubstr("audit: " + kLine), HasSubstr("audit: " + kLine)));
+}
+
+// Standard error may be a pipe to a log that does not read, either.
+TEST(SystemLogAudit, DoesNotWaitForStandardError) {
+  int ends[2] = {-1, -1};
+  ASSERT_EQ(pipe(ends), 0);
+  const int kept = dup(STDERR_FILENO);
+  dup2(ends[1], STDERR_FILENO);
+  quorveld::SystemLogAudit audit("/missing");
+  for (int i = 0; i < 2000; ++i) {
+    audit.writeElsewhere(kRecord);
+  }
+  dup2(kept, STDERR_FILENO);
+  for (const int descriptor : {kept, ends[0], ends[1]}) {
+    close(descriptor);
+  }
 }
 
 }  // namespace
