@@ -23,6 +23,7 @@
 #include "daemon/LoginGate.h"
 #include "daemon/PasswordFile.h"
 #include "daemon/PeriodicTask.h"
+#include "daemon/Posix/LibraryLog.h"
 #include "daemon/Posix/PamAuthenticator.h"
 #include "daemon/Posix/ServiceManager.h"
 #include "daemon/Posix/StopSignals.h"
@@ -90,6 +91,10 @@ std::unique_ptr<Authenticator> makeAuthenticator(const DaemonConfig& config) {
     case AuthenticationKind::None:
       break;
     case AuthenticationKind::Pam:
+      if (!isLibraryLogInForce()) {
+        utils::logError(kLog, "quorveld::makeAuthenticator",
+                        "A system log that does not read will hold up logins by PAM");
+      }
       return std::make_unique<PamAuthenticator>(
           PamAuthenticator::Roles{config.operators, config.readers});
     case AuthenticationKind::File:

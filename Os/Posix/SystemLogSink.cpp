@@ -8,9 +8,10 @@
 
 namespace os {
 
-SystemLogSink::SystemLogSink(std::string socket) : m_socket(std::move(socket)) {}
+SystemLogSink::SystemLogSink(std::string socket, std::string ident)
+    : m_socket(std::move(socket)), m_ident(std::move(ident)) {}
 
-void SystemLogSink::write(int severity, const std::string& line) noexcept {
+void SystemLogSink::write(int priority, const std::string& line) noexcept {
   const platform::Lock lock(m_mutex);
   try {
     if (m_dropped > 0 &&
@@ -20,7 +21,7 @@ void SystemLogSink::write(int severity, const std::string& line) noexcept {
              std::chrono::milliseconds(0))) {
       m_dropped = 0;
     }
-    if (m_dropped == 0 && send(severity, utils::toPrintableLines(line), kPatience)) {
+    if (m_dropped == 0 && send(priority, utils::toPrintableLines(line), kPatience)) {
       return;
     }
   } catch (const std::bad_alloc&) {
@@ -29,9 +30,11 @@ void SystemLogSink::write(int severity, const std::string& line) noexcept {
   ++m_dropped;
 }
 
-bool SystemLogSink::send(int severity, const std::string& line,
+bool SystemLogSink::send(int priority, const std::string& line,
                          std::chrono::milliseconds patience) {
-  return platform::sendSystemLogMessage(m_socket, LOG_USER | severity, kIdent, line, patience) == 0;
+  const int facility = (priority & LOG_FACMASK) == 0 ? LOG_USER : 0;
+  return platform::sendSystemLogMessage(m_socket, facility | priority, m_ident, line, patience) ==
+         0;
 }
 
 }  // namespace os

@@ -1,4 +1,5 @@
-// The system log as a sink of the process's log: identity "Zolan Quorvel Provider", facility user.
+// The system log as a sink of the process's log: identity "Zolan Quorvel Provider", facility user,
+// where nothing else is said.
 //
 // The connection is opened and closed for each record: the process is the host's, which may use the
 // system log under a name of its own. A log that does not read must not hold up who writes: a
@@ -25,18 +26,20 @@ class ORVEX_CORE_API SystemLogSink {
   static constexpr const char* kIdent = "Zolan Quorvel Provider";
   static constexpr std::chrono::milliseconds kPatience{100};
 
-  explicit SystemLogSink(std::string socket = platform::kSystemLogSocket);
+  explicit SystemLogSink(std::string socket = platform::kSystemLogSocket,
+                         std::string ident = kIdent);
 
-  // `severity` is one of syslog(3). What would disturb a terminal that the log is read on is
-  // escaped (see Utils/Printable.h).
-  void write(int severity, const std::string& line) noexcept;
+  // `priority` is the severity of syslog(3), or facility and severity. What would disturb a
+  // terminal that the log is read on is escaped (see Utils/Printable.h).
+  void write(int priority, const std::string& line) noexcept;
 
  private:
   // Returns whether the log has taken it.
-  bool send(int severity, const std::string& line, std::chrono::milliseconds patience)
+  bool send(int priority, const std::string& line, std::chrono::milliseconds patience)
       ORVEX_REQUIRES(m_mutex);
 
   const std::string m_socket;
+  const std::string m_ident;
   platform::Mutex m_mutex;
   std::uint64_t m_dropped ORVEX_GUARDED_BY(m_mutex) = 0;  // since the log took the last one
 };

@@ -31,8 +31,11 @@ class StartedJobs : public testing::Test {
     test::FakeJob& started = *job;
     m_provider.add(std::move(job));
     m_provider.onEnumeration = [&started] { started.moveOn(); };
-    m_started.add(m_caller, kPath,
-                  {.adapter = "0000:03:00.0", .oldVersions = "IMG_PXE 0.1", .job = "job 1"});
+    wbem::Installation installation;
+    installation.adapter = "0000:03:00.0";
+    installation.oldVersions = "IMG_PXE 0.1";
+    installation.job = "job 1";
+    m_started.add(m_caller, kPath, installation);
     return started;
   }
 
