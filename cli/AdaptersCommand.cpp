@@ -10,6 +10,7 @@
 
 #include "Utils/FirmwareTypes.h"
 #include "Utils/Format.h"
+#include "Utils/Printable.h"
 #include "cli/Command.h"
 #include "cli/HostAdaptersList.h"
 #include "cli/JsonOutput.h"
@@ -149,14 +150,14 @@ client::Value toJson(const ma::AdapterListing& adapter) {
 
 void warnAboutProblems(std::ostream& err, const ma::AdapterList& list) {
   for (const ma::AdapterProblem& problem : list.problems) {
-    err << "quorvel: warning: " << platform::toShownText(problem.folder)
-        << " is passed over: " << problem.text
+    err << "quorvel: warning: " << utils::toPrintable(platform::toShownText(problem.folder))
+        << " is passed over: " << utils::toPrintable(problem.text)
         << "\n  next: repair the folder, or move it out of the adapters directory\n";
   }
   for (const ma::AdapterListing& adapter : list.adapters) {
     if (!adapter.flashDefect.empty()) {
       err << "quorvel: warning: the flash of " << adapter.pci
-          << " holds no valid images: " << adapter.flashDefect
+          << " holds no valid images: " << utils::toPrintable(adapter.flashDefect)
           << "\n  next: install firmware with 'quorvel update'\n";
     }
   }
@@ -179,7 +180,8 @@ ExitStatus listAdapters(const Context& context) {
     }
     printJson(context.out, document);
   } else if (list.adapters.empty()) {
-    context.out << "There are no adapters in " << platform::toShownText(adapters.directory())
+    context.out << "There are no adapters in "
+                << utils::toPrintable(platform::toShownText(adapters.directory()))
                 << ". Make one with 'quorvel adapters add', or name another directory with "
                    "--adapters.\n";
   } else {
@@ -255,7 +257,8 @@ ExitStatus addAdapter(const Context& context, const AddOptions& options) {
   if (context.options.isJson) {
     printJson(context.out, toJson(made.adapters.front()));
   } else {
-    context.out << "Added to " << platform::toShownText(adapters.directory()) << ":\n";
+    context.out << "Added to " << utils::toPrintable(platform::toShownText(adapters.directory()))
+                << ":\n";
     printTable(context.out, made);
   }
   return ExitStatus::Done;

@@ -6,12 +6,12 @@
 #include <utility>
 #include <vector>
 
+#include "Utils/Printable.h"
 #include "cli/Command.h"
 #include "cli/JsonOutput.h"
 #include "cli/Session.h"
 #include "client/Associations.h"
 #include "client/ServedClasses.h"
-#include "client/Texts.h"
 
 namespace cli {
 namespace {
@@ -79,19 +79,21 @@ std::vector<Group> groupReferences(const client::ObjectReferences& object) {
 }
 
 void printGroup(std::ostream& out, const Group& group) {
+  // A host may name a class and its roles as it likes.
+  std::vector<std::pair<std::string, std::string>> lines;
   std::size_t width = 0;
   for (const client::Reference& reference : group.references) {
-    width = std::max(width, reference.role.size());
+    lines.emplace_back(utils::toPrintable(reference.role), utils::toPrintable(reference.path));
+    width = std::max(width, lines.back().first.size());
   }
-  out << group.heading << (group.references.empty() ? "\n" : ":\n");
-  for (const client::Reference& reference : group.references) {
-    out << "  " << reference.role << std::string(width - reference.role.size(), ' ') << " = "
-        << client::toPrintable(reference.path) << '\n';
+  out << utils::toPrintable(group.heading) << (lines.empty() ? "\n" : ":\n");
+  for (const auto& [role, path] : lines) {
+    out << "  " << role << std::string(width - role.size(), ' ') << " = " << path << '\n';
   }
 }
 
 void print(std::ostream& out, const client::ObjectReferences& object) {
-  out << client::toPrintable(object.path) << '\n';
+  out << utils::toPrintable(object.path) << '\n';
   for (const Group& group : groupReferences(object)) {
     out << '\n';
     printGroup(out, group);

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "Utils/Printable.h"
 #include "cli/Command.h"
 #include "cli/JsonOutput.h"
 #include "cli/Refusal.h"
@@ -53,7 +54,7 @@ void reportSuccess(const Context& context, const client::Target& target,
   for (const std::uint16_t number : answer.characteristics) {
     meanings.push_back(client::describeCharacteristic(number));
   }
-  context.out << client::toPrintable(identity.label()) << " can be installed on " << target.label
+  context.out << utils::toPrintable(identity.label()) << " can be installed on " << target.label
               << ": " << client::join(meanings, ", ") << '\n';
 }
 
@@ -67,7 +68,7 @@ ExitStatus check(const Context& context, const Options& options) {
   const bool isPassed = answer.call.isAccepted();
   if (!isPassed) {
     reportRefusal(context,
-                  "check of " + client::toPrintable(identity.label()) + " for " + target.label,
+                  "check of " + utils::toPrintable(identity.label()) + " for " + target.label,
                   answer.call, requestIdentity(identity, false, *connection));
   } else if (!context.options.isJson) {
     reportSuccess(context, target, identity, answer);

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "Utils/Printable.h"
 #include "cli/Command.h"
 #include "cli/JsonOutput.h"
 #include "cli/Session.h"
@@ -95,7 +96,8 @@ void printFiles(std::ostream& out, const std::vector<client::ComparedIdentity>& 
 void print(const Context& context, const std::vector<client::ComparedIdentity>& files,
            const std::string& configurationPlace) {
   if (files.empty()) {
-    context.out << "No firmware file was found. FWFilePath in " << configurationPlace
+    context.out << "No firmware file was found. FWFilePath in "
+                << utils::toPrintable(configurationPlace)
                 << " names the directories to look in, separated by ';' (FWFilePath = "
                    "/srv/firmware); one that does not exist is passed over.\n";
   } else if (files.front().adapters.empty()) {
@@ -109,7 +111,7 @@ ExitStatus showIdentities(const Context& context) {
   const std::unique_ptr<client::Connection> connection = openConnection(context.options);
   const client::IdentityList list = client::readIdentities(*connection);
   for (const std::string& message : list.skipped) {
-    context.err << "skipped: " << client::toPrintable(message) << '\n';
+    context.err << "skipped: " << utils::toPrintable(message) << '\n';
   }
   const std::vector<client::ComparedIdentity> files =
       client::compareFiles(*connection, list.identities);

@@ -4,12 +4,12 @@
 #include <string>
 #include <vector>
 
+#include "Utils/Printable.h"
 #include "cli/Command.h"
 #include "cli/JsonOutput.h"
 #include "cli/Output.h"
 #include "cli/Session.h"
 #include "client/ServedClasses.h"
-#include "client/Texts.h"
 
 namespace cli {
 namespace {
@@ -30,7 +30,7 @@ void printInstances(std::ostream& out, const client::Instances& instances,
                     client::NullProperties nulls) {
   bool isFirst = true;
   for (const client::InstanceSnapshot& instance : instances) {
-    out << (isFirst ? "" : "\n") << client::toPrintable(instance.path) << '\n';
+    out << (isFirst ? "" : "\n") << utils::toPrintable(instance.path) << '\n';
     printProperties(out, instance.properties, nulls);
     isFirst = false;
   }
@@ -48,7 +48,7 @@ ExitStatus showInstances(const Context& context, const Options& options) {
     }
     printJson(context.out, document);
   } else if (instances.empty()) {
-    context.out << options.className << " has no instances\n";
+    context.out << utils::toPrintable(options.className) << " has no instances\n";
   } else {
     printInstances(context.out, instances, nulls);
   }

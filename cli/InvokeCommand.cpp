@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "Utils/Printable.h"
 #include "cli/Arguments.h"
 #include "cli/Command.h"
 #include "cli/JobWatch.h"
@@ -13,7 +14,6 @@
 #include "cli/Session.h"
 #include "client/ErrorRecords.h"
 #include "client/ServedClasses.h"
-#include "client/Texts.h"
 
 namespace cli {
 namespace {
@@ -63,7 +63,7 @@ void printAnswer(std::ostream& out, const client::MethodAnswer& answer) {
     printProperties(out, answer.outputs, client::NullProperties::Shown);
   }
   if (!answer.jobPath.empty()) {
-    out << "Job: " << client::toPrintable(answer.jobPath) << '\n';
+    out << "Job: " << utils::toPrintable(answer.jobPath) << '\n';
   }
   out.flush();
 }
@@ -100,8 +100,8 @@ ExitStatus invoke(const Context& context, const Options& options) {
     context.out << "Job ended: " << job->outcome() << '\n';
   }
   if (!answer.reason.empty()) {
-    context.err << "quorvel: " << options.method
-                << " refused: " << client::withoutType(answer.reason) << '\n';
+    context.err << "quorvel: " << utils::toPrintable(options.method)
+                << " refused: " << utils::toPrintable(client::withoutType(answer.reason)) << '\n';
   }
   return answer.isAccepted() && (!job || job->isCompleted()) ? ExitStatus::Done
                                                              : ExitStatus::Failed;

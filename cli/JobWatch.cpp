@@ -6,8 +6,8 @@
 
 #include "Os/Environment.h"
 #include "Os/OSLocker.h"
+#include "Utils/Printable.h"
 #include "client/Fault.h"
-#include "client/Texts.h"
 
 namespace cli {
 namespace {
@@ -26,7 +26,7 @@ class Watch {
   Watch(client::Connection& connection, const std::string& path)
       : m_connection(connection),
         m_path(path),
-        m_command(client::toPrintable(connection.watchCommand(nameOf(path)))) {}
+        m_command(utils::toPrintable(connection.watchCommand(nameOf(path)))) {}
 
   // Returns the job as it is; nothing where the host could not be asked this time. Throws Fault
   // when there is no such job, and when the host could not be asked for too long.
@@ -59,7 +59,7 @@ std::optional<client::JobReport> Watch::look() {
   }
   m_lastAnswer = Clock::now();
   if (!job) {
-    throw client::Fault("the job " + client::toPrintable(m_path) + " is gone; '" +
+    throw client::Fault("the job " + utils::toPrintable(m_path) + " is gone; '" +
                         m_connection.program() + " adapters' shows what the adapter holds");
   }
   return client::reportOf(*job);

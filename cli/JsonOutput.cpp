@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <variant>
 
+#include "Utils/Printable.h"
 #include "platform/Texts.h"
 
 namespace cli {
@@ -50,7 +51,8 @@ class Writer {
 };
 
 std::string toText(const client::Value& document, MakeText makeText, int indent) {
-  return Writer(makeText).write(document).dump(indent, ' ', false, Json::error_handler_t::replace);
+  return utils::toPrintableJson(
+      Writer(makeText).write(document).dump(indent, ' ', false, Json::error_handler_t::replace));
 }
 
 }  // namespace

@@ -11,7 +11,8 @@
 namespace cli {
 
 // Prints a document in UTF-8: its texts are made so (see platform/Texts.h), and bytes that are none
-// after all appear as replacement characters.
+// after all appear as replacement characters. What would disturb a terminal is escaped as "\u202e"
+// (see Utils/Printable.h), which a program reads as the same text.
 void printJson(std::ostream& out, const client::Value& document);
 
 // Returns a document on one line, without blanks.

@@ -2,6 +2,7 @@
 #include <iostream>
 
 #include "Os/Environment.h"
+#include "Utils/Printable.h"
 #include "cli/Program.h"
 
 int main(int argc, char** argv) {
@@ -10,7 +11,7 @@ int main(int argc, char** argv) {
     os::demandExactArguments();
     return cli::runProgram(argc, argv, std::cout, std::cerr);
   } catch (const std::exception& exception) {
-    std::cerr << "quorvel: " << exception.what() << '\n';
+    std::cerr << "quorvel: " << utils::toPrintableLines(exception.what()) << '\n';
   } catch (...) {
     std::cerr << "quorvel: failed for an unknown reason\n";
   }

@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
+#include "Utils/Printable.h"
 #include "cli/JsonOutput.h"
-#include "client/Texts.h"
 
 namespace cli {
 namespace {
@@ -22,7 +22,7 @@ std::string quoteString(const std::string& text) {
     }
     result += character;
   }
-  return client::toPrintable(result) + "\"";
+  return utils::toPrintable(result) + "\"";
 }
 
 // A truth value or a number looks like that in JSON; so does what has no other form for people.
@@ -51,7 +51,7 @@ std::string toText(const client::PropertySnapshot& property) {
     return "NULL";
   }
   if (property.kind != client::PropertySnapshot::Kind::Value && value.text() != nullptr) {
-    return client::toPrintable(*value.text());
+    return utils::toPrintable(*value.text());
   }
   return value.items() != nullptr ? arrayToText(*value.items()) : itemToText(value);
 }
@@ -64,7 +64,7 @@ void printProperties(std::ostream& out, const client::Properties& properties,
   for (const client::PropertySnapshot& property : properties) {
     if (isShown(property, nulls)) {
       const std::string& name =
-          shown.emplace_back(client::toPrintable(property.name), &property).first;
+          shown.emplace_back(utils::toPrintable(property.name), &property).first;
       width = std::max(width, name.size());
     }
   }

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "Utils/Exception.h"
+#include "Utils/Printable.h"
 #include "cli/AdaptersCommand.h"
 #include "cli/AssociationsCommand.h"
 #include "cli/CheckCommand.h"
@@ -56,7 +57,8 @@ std::string describeParseFailure(const CLI::App* app, const CLI::Error& error) {
        chosen = chosen.front()->get_subcommands()) {
     command += " " + chosen.front()->get_name();
   }
-  return std::string("quorvel: ") + error.what() + "\nTry '" + command + " --help'.\n";
+  return std::string("quorvel: ") + utils::toPrintableLines(error.what()) + "\nTry '" + command +
+         " --help'.\n";
 }
 
 void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
@@ -90,15 +92,18 @@ std::string_view withoutPrefix(std::string_view text) {
 }
 
 ExitStatus runCommand(const Context& context) {
+  const auto print = [&context](std::string_view text) {
+    context.err << "quorvel: " << utils::toPrintableLines(text) << '\n';
+  };
   try {
     return context.command();
   } catch (const client::Fault& fault) {
-    context.err << "quorvel: " << fault.what() << '\n';
+    print(fault.what());
     return fault.kind() == client::Fault::Kind::Usage ? ExitStatus::Usage : ExitStatus::Failed;
   } catch (const ma::AdapterFault& fault) {
-    context.err << "quorvel: " << fault.what() << '\n';
+    print(fault.what());
   } catch (const utils::Exception& exception) {
-    context.err << "quorvel: " << withoutPrefix(exception.what()) << '\n';
+    print(withoutPrefix(exception.what()));
   }
   return ExitStatus::Failed;
 }

@@ -5,6 +5,7 @@
 
 #include "Utils/ClockText.h"
 #include "Utils/Format.h"
+#include "Utils/Printable.h"
 
 namespace cli {
 namespace {
@@ -16,8 +17,8 @@ constexpr std::chrono::seconds kWaitLineStep{30};
 
 }  // namespace
 
-ProgressView::ProgressView(std::ostream& out, ProgressStyle style, std::string label)
-    : m_out(out), m_style(style), m_label(std::move(label)) {}
+ProgressView::ProgressView(std::ostream& out, ProgressStyle style, const std::string& label)
+    : m_out(out), m_style(style), m_label(utils::toPrintable(label)) {}
 
 void ProgressView::show(unsigned percent, std::chrono::seconds elapsed) {
   percent = std::min(percent, kComplete);

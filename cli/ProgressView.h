@@ -18,8 +18,8 @@ enum class ProgressStyle { None, Lines, Live };
 
 class ProgressView {
  public:
-  // `label` says what goes on: "updating 0000:03:00.0".
-  ProgressView(std::ostream& out, ProgressStyle style, std::string label);
+  // `label` says what goes on: "updating 0000:03:00.0". What would disturb a terminal is escaped.
+  ProgressView(std::ostream& out, ProgressStyle style, const std::string& label);
   ProgressView(const ProgressView&) = delete;
   ProgressView& operator=(const ProgressView&) = delete;
   ~ProgressView() = default;

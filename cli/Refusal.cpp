@@ -5,6 +5,7 @@
 #include <system_error>
 #include <utility>
 
+#include "Utils/Printable.h"
 #include "Utils/RefusalTexts.h"
 #include "cim/MethodSignatures.h"
 #include "client/ErrorRecords.h"
@@ -135,7 +136,7 @@ std::string adviseOnFile(const UpdateRequest& request) {
 
 void explain(std::ostream& err, const char* heading, const std::string& text) {
   if (!text.empty()) {
-    err << "  " << heading << ": " << text << '\n';
+    err << "  " << heading << ": " << utils::toPrintable(text) << '\n';
   }
 }
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "client/Texts.h"
+#include "Utils/Printable.h"
 
 namespace cli {
 namespace {
@@ -20,7 +20,7 @@ std::size_t countCharacters(std::string_view text) {
 void TextTable::addRow(std::vector<std::string> cells) {
   cells.resize(m_rows.front().size());
   std::transform(cells.begin(), cells.end(), cells.begin(),
-                 [](const std::string& cell) { return client::toPrintable(cell); });
+                 [](const std::string& cell) { return utils::toPrintable(cell); });
   m_rows.push_back(std::move(cells));
 }
 

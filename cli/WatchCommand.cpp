@@ -3,12 +3,12 @@
 #include <memory>
 #include <string>
 
+#include "Utils/Printable.h"
 #include "cli/Command.h"
 #include "cli/JsonOutput.h"
 #include "cli/Refusal.h"
 #include "cli/Session.h"
 #include "client/Jobs.h"
-#include "client/Texts.h"
 
 namespace cli {
 namespace {
@@ -34,11 +34,11 @@ struct Options {
 void reportEnd(const Context& context, const client::Connection& connection, const client::Job& job,
                const client::JobReport& report) {
   if (!report.isCompleted()) {
-    context.err << "quorvel: the job " << client::toPrintable(job.id)
+    context.err << "quorvel: the job " << utils::toPrintable(job.id)
                 << " failed: " << report.outcome() << '\n';
     context.err << "  next: " << adviseOnFailure(report, connection) << '\n';
   } else if (!context.options.isJson) {
-    context.out << "Completed: the job " << client::toPrintable(job.id) << " has ended\n";
+    context.out << "Completed: the job " << utils::toPrintable(job.id) << " has ended\n";
   }
 }
 
@@ -47,7 +47,7 @@ ExitStatus watch(const Context& context, const Options& options) {
   const client::Job job = client::findJob(*connection, options.job);
   InterruptGuard guard;
   ProgressView view(context.out, chooseProgressStyle(context.options, !options.isProgressHidden),
-                    client::toPrintable(job.id));
+                    utils::toPrintable(job.id));
   const client::JobReport report =
       waitForJob(*connection, job.report.path, view, guard, context.err,
                  job.age.value_or(std::chrono::seconds(0)));

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "Utils/Ascii.h"
+#include "Utils/Printable.h"
 #include "client/Fault.h"
-#include "client/Texts.h"
 #include "http/Status.h"
 
 namespace client {
@@ -17,7 +17,7 @@ std::string nameOf(unsigned code) {
 
 std::string fieldOf(const http::ClientResponse& answer, const std::string& name) {
   const auto found = answer.fields.find(name);
-  return found != answer.fields.end() ? toPrintable(found->second) : "";
+  return found != answer.fields.end() ? utils::toPrintable(found->second) : "";
 }
 
 std::string describeLoginRefusal(const HostAddress& address) {
@@ -63,7 +63,7 @@ bool isError(const cimxml::Response& response, cimxml::StatusCode status) {
 void refuseError(const cimxml::ErrorValue& error, const std::string& nameSpace) {
   std::string text = nameOf(error.code);
   if (!error.description.empty()) {
-    text += ": " + toPrintable(error.description);
+    text += ": " + utils::toPrintable(error.description);
   }
   if (error.code == static_cast<unsigned>(cimxml::StatusCode::InvalidNamespace)) {
     text += "; --namespace names another than " + nameSpace;
@@ -89,7 +89,7 @@ void demandAnswered(const HostAddress& address, const http::ClientResponse& answ
 }
 
 void refuseAnswer(const HostAddress& address, const std::string& reason) {
-  throw Fault("what " + address.url() + " answers is no CIM-XML: " + toPrintable(reason) +
+  throw Fault("what " + address.url() + " answers is no CIM-XML: " + utils::toPrintable(reason) +
               "; check host and port");
 }
 

@@ -8,11 +8,11 @@
 #include <utility>
 
 #include "Utils/Exception.h"
+#include "Utils/Printable.h"
 #include "client/ClassNames.h"
 #include "client/ErrorRecords.h"
 #include "client/Fault.h"
 #include "client/ServedClasses.h"
-#include "client/Texts.h"
 #include "core/CimPath.h"
 #include "platform/Texts.h"
 
@@ -96,7 +96,7 @@ constexpr Meaning kMeanings[] = {
 
 void appendLines(std::string& text, const char* heading, const Texts& lines) {
   for (const std::string& line : lines) {
-    text += "\n  " + std::string(heading) + toPrintable(line);
+    text += "\n  " + std::string(heading) + utils::toPrintable(line);
   }
 }
 

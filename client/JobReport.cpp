@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "Utils/Exception.h"
-#include "client/Texts.h"
+#include "Utils/Printable.h"
 #include "core/CimPath.h"
 
 namespace client {
@@ -13,7 +13,7 @@ std::string JobReport::outcome() const {
   if (!isCompleted()) {
     text += ", error " + std::to_string(errorCode);
     if (!errorText.empty()) {
-      text += ": " + toPrintable(errorText);
+      text += ": " + utils::toPrintable(errorText);
     }
     if (!flashHolder.empty()) {
       text += " (the flash was held by " + flashHolder + ")";

@@ -6,10 +6,10 @@
 #include <utility>
 
 #include "Utils/Datetime.h"
+#include "Utils/Printable.h"
 #include "client/ClassNames.h"
 #include "client/Fault.h"
 #include "client/ServedClasses.h"
-#include "client/Texts.h"
 
 namespace client {
 namespace {
@@ -49,7 +49,7 @@ Job findJob(Connection& connection, const std::string& text) {
   }
   message += "; the jobs are:";
   for (const Job& job : jobs) {
-    message += "\n  " + toPrintable(job.id) + " (" + cim::toText(job.report.state) + ")";
+    message += "\n  " + utils::toPrintable(job.id) + " (" + cim::toText(job.report.state) + ")";
   }
   throw Fault(message);
 }

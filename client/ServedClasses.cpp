@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "Utils/Exception.h"
+#include "Utils/Printable.h"
 #include "client/Fault.h"
-#include "client/Texts.h"
 
 namespace client {
 namespace {
@@ -13,7 +13,7 @@ namespace {
 [[noreturn]] void refuseClass(const ServingAgents& served, const std::string& className) {
   std::string text = "no class '" + className + "' is served here; the classes are:";
   for (const auto& [name, agents] : served) {
-    text += "\n  " + toPrintable(name);
+    text += "\n  " + utils::toPrintable(name);
   }
   throw Fault(text);
 }

@@ -3,10 +3,10 @@
 #include <optional>
 #include <utility>
 
+#include "Utils/Printable.h"
 #include "client/ClassNames.h"
 #include "client/Fault.h"
 #include "client/ServedClasses.h"
-#include "client/Texts.h"
 #include "core/CimPath.h"
 
 namespace client {
@@ -47,7 +47,7 @@ void appendIdentifiers(std::string& text, Connection& connection, const char* cl
                        const char* heading) {
   std::string identifiers;
   for (const InstanceSnapshot& instance : getInstances(connection, className)) {
-    identifiers += " " + toPrintable(identifierOf(instance));
+    identifiers += " " + utils::toPrintable(identifierOf(instance));
   }
   if (!identifiers.empty()) {
     text += std::string("\n  ") + heading + identifiers;
@@ -73,9 +73,9 @@ Target findTarget(Connection& connection, const TargetName& name) {
   if (!instance) {
     throw Fault("there is no adapter or port '" + name.given + "'" + describeTargets(connection));
   }
-  Target target{instance->path, toPrintable(identifierOf(*instance))};
+  Target target{instance->path, utils::toPrintable(identifierOf(*instance))};
   if (target.label.empty()) {
-    target.label = toPrintable(target.path);
+    target.label = utils::toPrintable(target.path);
   }
   return target;
 }

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "Utils/Printable.h"
 #include "host/SharedOptions.h"
 
 namespace quorveld {
@@ -34,7 +35,8 @@ struct Arguments {
 };
 
 std::string describeParseFailure(const CLI::App* /*app*/, const CLI::Error& error) {
-  return std::string("quorveld: ") + error.what() + "\nTry 'quorveld --help'.\n";
+  return std::string("quorveld: ") + utils::toPrintableLines(error.what()) +
+         "\nTry 'quorveld --help'.\n";
 }
 
 void addOptions(CLI::App& app, Arguments& arguments) {
@@ -75,6 +77,7 @@ DaemonConfig merge(const Arguments& arguments) {
     config.logLevel = arguments.logLevel;
   }
   completeConfig(config);
+  demandPrivateFiles(config);
   return config;
 }
 

@@ -13,13 +13,18 @@
 #include "Os/QuorvelConfig.h"
 #include "Utils/Exception.h"
 #include "Utils/Log.h"
+#include "Utils/Printable.h"
 #include "core/CimBroker.h"
+#include "daemon/AuditQueue.h"
 #include "daemon/Authentication.h"
 #include "daemon/CimXmlHandler.h"
 #include "daemon/JobsEnd.h"
+#include "daemon/LimitedLog.h"
 #include "daemon/LoginGate.h"
 #include "daemon/PasswordFile.h"
+#include "daemon/PeriodicTask.h"
 #include "daemon/Posix/LargeBlocks.h"
+#include "daemon/Posix/LibraryLog.h"
 #include "daemon/Posix/PamAuthenticator.h"
 #include "daemon/Posix/ServiceManager.h"
 #include "daemon/Posix/StopSignals.h"
@@ -32,6 +37,9 @@ namespace quorveld {
 namespace {
 
 constexpr utils::LogSource kLog{"Daemon"};
+
+// How soon records of what has come to its end are written.
+constexpr std::chrono::milliseconds kRecordsPeriod{500};
 
 // The CIM server as the handler of HTTP requests sees it.
 class WbemService final : public CimXmlHandler::Service {
@@ -84,6 +92,10 @@ std::unique_ptr<Authenticator> makeAuthenticator(const DaemonConfig& config) {
     case AuthenticationKind::None:
       break;
     case AuthenticationKind::Pam:
+      if (!isLibraryLogInForce()) {
+        utils::logError(kLog, "quorveld::makeAuthenticator",
+                        "A system log that does not read will hold up logins by PAM");
+      }
       return std::make_unique<PamAuthenticator>(
           PamAuthenticator::Roles{config.operators, config.readers});
     case AuthenticationKind::File:
@@ -127,14 +139,20 @@ std::string announce(const http::Server& server, std::ostream& out) {
 }
 
 void finishJobs(wbem::Server& server, const ServiceManager& manager) {
-  waitForJobs([&server] { return server.countRunningJobs(); },
-              [&manager](unsigned running) {
-                const std::string text = "Waiting for the end of " + std::to_string(running) +
-                                         " running update" + (running == 1 ? "" : "s");
-                utils::logDebug(kLog, "quorveld::finishJobs", "%s", text.c_str());
-                manager.tellStatus(text);
-              },
-              [] { std::this_thread::sleep_for(kJobsPeriod); });
+  // A job whose end is counted has its record, too.
+  waitForJobs(
+      [&server] {
+        const unsigned running = server.countRunningJobs();
+        server.recordEndedJobs();
+        return running;
+      },
+      [&manager](unsigned running) {
+        const std::string text = "Waiting for the end of " + std::to_string(running) +
+                                 " running update" + (running == 1 ? "" : "s");
+        utils::logDebug(kLog, "quorveld::finishJobs", "%s", text.c_str());
+        manager.tellStatus(text);
+      },
+      [] { std::this_thread::sleep_for(kJobsPeriod); });
 }
 
 void serve(const DaemonConfig& config, std::ostream& out) {
@@ -142,11 +160,14 @@ void serve(const DaemonConfig& config, std::ostream& out) {
   giveLargeBlocksBack();
   const ServiceManager manager;
   const StopSignals signals;
+  // Never destroyed: the modules' objects may log until the process has ended.
+  static auto& log = *new LimitedLog;
   applyAgentSettings(config);
   const std::unique_ptr<Authenticator> authenticator = makeAuthenticator(config);
   loadAgents(config);
 
-  SystemLogAudit audit;
+  SystemLogAudit systemLog;
+  AuditQueue audit(systemLog);
   wbem::Server::Options options;
   options.nameSpace = utils::QuorvelConfig::getInstance()->getNamespace();
   options.host = findHostName();
@@ -161,9 +182,16 @@ void serve(const DaemonConfig& config, std::ostream& out) {
     manager.tellStopping("Answering what is under way");
     httpServer.stop();
   });
-  httpServer.run();
+  {
+    const PeriodicTask records(kRecordsPeriod, [&cimServer] {
+      log.writeCounts();
+      cimServer.recordEndedJobs();
+    });
+    httpServer.run();
+  }
   // Nobody can start another one now.
   finishJobs(cimServer, manager);
+  log.writeAllCounts();
 }
 
 }  // namespace
@@ -177,9 +205,9 @@ ExitStatus runDaemon(int argc, const char* const* argv, std::ostream& out, std::
     serve(*commandLine.config, out);
     return ExitStatus::Done;
   } catch (const ConfigurationFault& fault) {
-    err << "quorveld: " << fault.what() << '\n';
+    err << "quorveld: " << utils::toPrintableLines(fault.what()) << '\n';
   } catch (const http::SetupFault& fault) {
-    err << "quorveld: " << fault.what() << '\n';
+    err << "quorveld: " << utils::toPrintableLines(fault.what()) << '\n';
   }
   return ExitStatus::Usage;
 }

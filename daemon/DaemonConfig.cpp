@@ -4,16 +4,18 @@
 #include <charconv>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <set>
 #include <sstream>
 #include <string_view>
 #include <system_error>
+#include <tuple>
 
+#include "Os/QuorvelConfig.h"
 #include "Utils/Conversions.h"
 #include "cimxml/Ports.h"
 #include "daemon/Addresses.h"
+#include "platform/Posix/PrivateFile.h"
 
 namespace quorveld {
 namespace {
@@ -26,6 +28,7 @@ constexpr std::uint32_t kMostBodyBytes = 1024 * 1024 * 1024;
 constexpr std::uint32_t kLeastAnswerBytes = 1024 * 1024;
 constexpr std::uint32_t kMostAnswerBytes = 4'294'967'295;
 constexpr std::uint32_t kMostSeconds = 86'400;
+constexpr std::size_t kMostFileBytes = 1024 * 1024;
 
 constexpr std::pair<const char*, AuthenticationKind> kAuthentications[] = {
     {"none", AuthenticationKind::None},
@@ -266,15 +269,16 @@ http::Endpoint demandEndpoint(const std::string& place, const std::string& text)
 }
 
 DaemonConfig readDaemonConfig(const std::string& path) {
-  std::error_code error;
-  std::ifstream file;
-  if (!std::filesystem::is_directory(path, error)) {
-    file.open(path);
+  try {
+    return parseDaemonConfig(
+        path, platform::readPrivateFile(path, platform::Privacy::Secret, kMostFileBytes).content);
+  } catch (const platform::PrivateFileFault& fault) {
+    throw ConfigurationFault(std::string("the configuration file ") + fault.what());
   }
-  if (!file.is_open()) {
-    throw ConfigurationFault("the configuration file '" + path +
-                             "' cannot be read; check the path and its permissions");
-  }
+}
+
+DaemonConfig parseDaemonConfig(const std::string& path, const std::string& content) {
+  std::istringstream file(content);
   DaemonConfig config;
   std::set<std::string> seen;
   std::string text;
@@ -284,10 +288,6 @@ DaemonConfig readDaemonConfig(const std::string& path) {
       applyLine(config, path + ":" + std::to_string(number) + ": ", line, seen);
     }
   }
-  if (file.bad()) {
-    throw ConfigurationFault("the configuration file '" + path +
-                             "' could not be read to its end; check the disk it is on");
-  }
   return config;
 }
 
@@ -296,6 +296,27 @@ DaemonConfig readDefaultDaemonConfig(const std::string& path) {
   const std::filesystem::file_status status = std::filesystem::status(path, error);
   return status.type() == std::filesystem::file_type::not_found ? DaemonConfig{}
                                                                 : readDaemonConfig(path);
+}
+
+void demandPrivateFiles(const DaemonConfig& config) {
+  // Whoever uses them has words of his own for what cannot be read.
+  const std::tuple<const char*, std::string, platform::Privacy> files[] = {
+      {"key: ", config.key, platform::Privacy::Secret},
+      {"config: ",
+       config.agentConfig.empty() ? utils::QuorvelConfig::kDefaultPath : config.agentConfig,
+       platform::Privacy::Unchanged},
+  };
+  for (const auto& [setting, path, privacy] : files) {
+    const std::optional<platform::FileStamp> stamp = platform::findStamp(path);
+    if (!stamp) {
+      continue;
+    }
+    try {
+      platform::demandPrivate(path, *stamp, privacy);
+    } catch (const platform::PrivateFileFault& fault) {
+      throw ConfigurationFault(std::string(setting) + fault.what());
+    }
+  }
 }
 
 void completeConfig(DaemonConfig& config) {

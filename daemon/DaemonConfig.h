@@ -54,8 +54,11 @@ struct DaemonConfig {
   std::chrono::seconds idleTimeout{60};
 };
 
-// Reads a file that has to be there. Throws ConfigurationFault.
+// Reads a file that has to be there and private: it names the commands and files that the host
+// trusts. Throws ConfigurationFault.
 [[nodiscard]] DaemonConfig readDaemonConfig(const std::string& path);
+// Reads the content of such a file; faults name it by its path. Throws ConfigurationFault.
+[[nodiscard]] DaemonConfig parseDaemonConfig(const std::string& path, const std::string& content);
 // Reads the file at the default path, whose absence means that nothing is set. Throws
 // ConfigurationFault.
 [[nodiscard]] DaemonConfig readDefaultDaemonConfig(
@@ -65,6 +68,10 @@ struct DaemonConfig {
 // the host safe: no password in the clear on a network, no address of a network without a login.
 // Throws ConfigurationFault.
 void completeConfig(DaemonConfig& config);
+
+// Demands that no other user can read the key, or write the agents' settings, as far as they are
+// there. Throws ConfigurationFault.
+void demandPrivateFiles(const DaemonConfig& config);
 
 // Reads one listening address as the file and the command line have it. Throws ConfigurationFault,
 // whose text begins with `place`.

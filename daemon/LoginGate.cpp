@@ -67,10 +67,9 @@ LoginGate::Decision LoginGate::admit(std::string_view authorization, const Origi
   }
   std::string failure;
   std::tie(decision, failure) = check(login, origin.address);
-  // The system log may make its writers wait.
   if (!failure.empty()) {
     m_audit.write(
-        {{login ? login->user : "", origin.address, wbem::Role::Reader}, "Login", failure, ""});
+        {{login ? login->user : "", origin.address, std::nullopt}, "Login", failure, "", {}});
   }
   return decision;
 }

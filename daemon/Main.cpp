@@ -2,6 +2,7 @@
 #include <iostream>
 
 #include "Os/Environment.h"
+#include "Utils/Printable.h"
 #include "daemon/Daemon.h"
 
 int main(int argc, char** argv) {
@@ -9,7 +10,7 @@ int main(int argc, char** argv) {
   try {
     return static_cast<int>(quorveld::runDaemon(argc, argv, std::cout, std::cerr));
   } catch (const std::exception& exception) {
-    std::cerr << "quorveld: " << exception.what() << '\n';
+    std::cerr << "quorveld: " << utils::toPrintableLines(exception.what()) << '\n';
   } catch (...) {
     std::cerr << "quorveld: failed for an unknown reason\n";
   }

@@ -1,8 +1,8 @@
 #include "daemon/PasswordFile.h"
 
-#include <fstream>
+#include <chrono>
+#include <sstream>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 #include "Utils/Conversions.h"
@@ -13,11 +13,11 @@
 namespace quorveld {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr utils::LogSource kLog{"PasswordFile"};
 
-constexpr fs::perms kOfOthers = fs::perms::group_all | fs::perms::others_all;
+constexpr std::size_t kMostBytes = 4 * 1024 * 1024;
+// Some file systems keep whole seconds, or those of another machine's clock.
+constexpr std::int64_t kGrain = 3'000'000'000;
 
 constexpr std::pair<std::string_view, wbem::Role> kRoles[] = {
     {"reader", wbem::Role::Reader},
@@ -39,92 +39,14 @@ std::optional<wbem::Role> findRole(std::string_view text) {
   return std::nullopt;
 }
 
-// Throws ConfigurationFault for what is no regular file, cannot be read, or is not the owner's
-// alone.
-std::ifstream openPrivateFile(const std::string& path) {
-  std::error_code error;
-  const fs::file_status status = fs::status(path, error);
-  std::ifstream file;
-  // To open a pipe would wait for its writer.
-  if (fs::is_regular_file(status)) {
-    file.open(path);
-  }
-  if (!file.is_open()) {
-    throw ConfigurationFault("password-file: '" + path +
-                             "' cannot be read; check the path and its permissions");
-  }
-  if ((status.permissions() & kOfOthers) != fs::perms::none) {
-    throw ConfigurationFault("password-file: '" + path +
-                             "' can be read or changed by others than its owner; run: chmod 600 " +
-                             path);
-  }
-  return file;
+std::int64_t timeOfFiles() {
+  return std::chrono::duration_cast<std::chrono::nanoseconds>(
+             std::chrono::system_clock::now().time_since_epoch())
+      .count();
 }
 
-}  // namespace
-
-PasswordFileAuthenticator::PasswordFileAuthenticator(std::string path)
-    : m_path(std::move(path)), m_stamp(stampOf(m_path)), m_users(read(m_path)) {}
-
-std::optional<wbem::Role> PasswordFileAuthenticator::check(const std::string& user,
-                                                           const std::string& password,
-                                                           const std::string& /*address*/) {
-  std::string hash = kNobodysHash;
-  std::optional<wbem::Role> role;
-  {
-    const utils::ScopedLock lock(m_lock);
-    readIfChanged();
-    const auto found = m_users.find(user);
-    if (found != m_users.end()) {
-      hash = found->second.hash;
-      role = found->second.role;
-    } else if (!m_users.empty()) {
-      // As costly as the hashes of this file.
-      hash = m_users.begin()->second.hash;
-    }
-  }
-  // Outside of the lock: the check takes some hundred milliseconds, and revision() must not wait.
-  return matchesPasswordHash(password, hash) ? role : std::nullopt;
-}
-
-std::uint64_t PasswordFileAuthenticator::revision() {
-  const utils::ScopedLock lock(m_lock);
-  readIfChanged();
-  return m_revision;
-}
-
-std::optional<PasswordFileAuthenticator::Stamp> PasswordFileAuthenticator::stampOf(
-    const std::string& path) {
-  std::error_code error;
-  Stamp stamp;
-  stamp.time = fs::last_write_time(path, error);
-  if (error) {
-    return std::nullopt;
-  }
-  stamp.size = fs::file_size(path, error);
-  stamp.permissions = fs::status(path, error).permissions();
-  return stamp;
-}
-
-PasswordFileAuthenticator::Users PasswordFileAuthenticator::read(const std::string& path) {
-  std::ifstream file = openPrivateFile(path);
-  Users users;
-  std::string text;
-  for (unsigned number = 1; std::getline(file, text); ++number) {
-    const std::string line = utils::trim(text.substr(0, text.find('\r')));
-    if (!line.empty() && !line.starts_with('#')) {
-      addUser(users, line, "password-file: " + path + ":" + std::to_string(number) + ": ");
-    }
-  }
-  if (file.bad()) {
-    throw ConfigurationFault("password-file: '" + path +
-                             "' could not be read to its end; check the disk it is on");
-  }
-  return users;
-}
-
-void PasswordFileAuthenticator::addUser(Users& users, const std::string& line,
-                                        const std::string& place) {
+// Adds the user of a line; `place` is where that stands, for faults.
+void addUser(PasswordFileUsers& users, const std::string& line, const std::string& place) {
   // A hash may hold colons, names and roles do not.
   const std::size_t first = line.find(':');
   const std::size_t last = line.rfind(':');
@@ -143,24 +65,101 @@ void PasswordFileAuthenticator::addUser(Users& users, const std::string& line,
     throw ConfigurationFault(place + "'" + line.substr(last + 1) +
                              "' is no role; write reader or operator");
   }
-  if (!users.emplace(user, User{hash, *role}).second) {
+  if (!users.emplace(user, PasswordFileUser{hash, *role}).second) {
     throw ConfigurationFault(named + "is there a second time; leave one of the lines out");
   }
 }
 
+}  // namespace
+
+PasswordFileUsers parsePasswordFile(const std::string& path, const std::string& content) {
+  PasswordFileUsers users;
+  std::istringstream lines(content);
+  std::string text;
+  for (unsigned number = 1; std::getline(lines, text); ++number) {
+    const std::string line = utils::trim(text.substr(0, text.find('\r')));
+    if (!line.empty() && !line.starts_with('#')) {
+      addUser(users, line, "password-file: " + path + ":" + std::to_string(number) + ": ");
+    }
+  }
+  return users;
+}
+
+PasswordFileAuthenticator::PasswordFileAuthenticator(std::string path)
+    : PasswordFileAuthenticator(std::move(path), timeOfFiles) {}
+
+PasswordFileAuthenticator::PasswordFileAuthenticator(std::string path, Now now)
+    : m_path(std::move(path)), m_now(std::move(now)), m_reading(read(m_path, m_now)) {}
+
+std::optional<wbem::Role> PasswordFileAuthenticator::check(const std::string& user,
+                                                           const std::string& password,
+                                                           const std::string& /*address*/) {
+  std::string hash = kNobodysHash;
+  std::optional<wbem::Role> role;
+  {
+    const utils::ScopedLock lock(m_lock);
+    readIfChanged();
+    if (m_reading && !m_reading->users.empty()) {
+      const PasswordFileUsers& users = m_reading->users;
+      const auto found = users.find(user);
+      // An unknown user's check is as costly as those of this file's.
+      hash = found != users.end() ? found->second.hash : users.begin()->second.hash;
+      role = found != users.end() ? std::optional(found->second.role) : std::nullopt;
+    }
+  }
+  // Outside of the lock: the check takes some hundred milliseconds, and revision() must not wait.
+  return matchesPasswordHash(password, hash) ? role : std::nullopt;
+}
+
+std::uint64_t PasswordFileAuthenticator::revision() {
+  const utils::ScopedLock lock(m_lock);
+  readIfChanged();
+  return m_revision;
+}
+
+PasswordFileAuthenticator::Reading PasswordFileAuthenticator::read(const std::string& path,
+                                                                   const Now& now) {
+  Reading reading;
+  const std::int64_t begin = now();
+  try {
+    const platform::PrivateFile file =
+        platform::readPrivateFile(path, platform::Privacy::Secret, kMostBytes);
+    reading.stamp = file.stamp;
+    reading.users = parsePasswordFile(path, file.content);
+  } catch (const platform::PrivateFileFault& fault) {
+    throw ConfigurationFault(std::string("password-file: ") + fault.what());
+  }
+  reading.hasSettled = begin - reading.stamp.changed > kGrain;
+  return reading;
+}
+
 void PasswordFileAuthenticator::readIfChanged() {
-  std::optional<Stamp> stamp = stampOf(m_path);
-  if (stamp == m_stamp) {
+  if (m_reading && m_reading->hasSettled && platform::findStamp(m_path) == m_reading->stamp) {
     return;
   }
-  // Also of a file that turns out to be damaged: it is read, and logged, once.
-  m_stamp = std::move(stamp);
   try {
-    m_users = read(m_path);
-    ++m_revision;
+    Reading reading = read(m_path, m_now);
+    if (!m_reading || m_reading->users != reading.users) {
+      ++m_revision;
+    }
+    if (!m_fault.empty()) {
+      utils::logError(kLog, "quorveld::PasswordFileAuthenticator::readIfChanged",
+                      "password-file: '%s' is in order again. Its users can log in.",
+                      m_path.c_str());
+    }
+    m_reading = std::move(reading);
+    m_fault.clear();
   } catch (const ConfigurationFault& fault) {
-    utils::logError(kLog, "quorveld::PasswordFileAuthenticator::readIfChanged",
-                    "%s. The users that were read before stay in force.", fault.what());
+    if (m_reading) {
+      ++m_revision;
+    }
+    m_reading.reset();
+    // Once for each fault, however often the file is asked for.
+    if (m_fault != fault.what()) {
+      m_fault = fault.what();
+      utils::logError(kLog, "quorveld::PasswordFileAuthenticator::readIfChanged",
+                      "%s. Nobody can log in until then.", fault.what());
+    }
   }
 }
 

@@ -3,6 +3,7 @@
 #ifndef ORVEX_WBEM_CALLER_H_
 #define ORVEX_WBEM_CALLER_H_
 
+#include <optional>
 #include <string>
 
 namespace wbem {
@@ -13,9 +14,9 @@ enum class Role {
 };
 
 struct Caller {
-  std::string user;     // empty where nobody has to log in
-  std::string address;  // "192.0.2.7", of the peer
-  Role role = Role::Reader;
+  std::string user;          // empty where nobody has to log in
+  std::string address;       // "192.0.2.7", of the peer
+  std::optional<Role> role;  // null: of who may do nothing, such as a login that was refused
 };
 
 }  // namespace wbem

@@ -1,7 +1,6 @@
 #include "wbem/MethodOperations.h"
 
 #include <algorithm>
-#include <optional>
 #include <utility>
 #include <variant>
 
@@ -39,6 +38,11 @@ const core::MethodDeclaration& demandMethod(const core::ClassDeclaration& declar
                                                     declaration.name + ", not of the class");
   }
   return *method;
+}
+
+std::string idOf(core::CimInstance& instance) {
+  const core::CimProperty* id = instance.getProperty("InstanceID");
+  return id != nullptr && !id->isNull() ? id->toString() : instance.getPath();
 }
 
 void appendOutputs(const core::MethodDeclaration& method, core::CimPropertyList& outputs,
@@ -88,30 +92,44 @@ MethodArguments::MethodArguments(const core::MethodDeclaration& method,
   }
 }
 
-std::uint32_t invokeMethod(const cimxml::Request& request, core::CimBroker& broker,
-                           const Namespaces& namespaces, std::string& out) {
+void invokeMethod(const cimxml::Request& request, core::CimBroker& broker,
+                  const Namespaces& namespaces, Audit& audit, std::string& out,
+                  Invocation& invocation) {
   const Namespace& nameSpace = namespaces.demand(request.nameSpace);
   const core::ClassDeclaration& declaration = nameSpace.demandClass(request.target.className);
   const core::MethodDeclaration& method = demandMethod(declaration, request);
   MethodArguments arguments(method, request.parameters, namespaces);
   const InstanceFinder finder(namespaces, nameSpace, request.target);
-  std::optional<std::uint32_t> returnValue;
+  invocation.installation = describeInstallation(method.name, arguments.in());
+  if (invocation.installation) {
+    invocation.evidence = audit.watchFile(invocation.installation->file);
+  }
   const core::CimBroker::Request brokerRequest(broker);
+  if (invocation.installation) {
+    invocation.installation->oldVersions =
+        describeInstalled(broker, invocation.installation->adapter);
+  }
   const auto invoke = [&](const ServedClass& /*served*/, core::CimInstance& instance) {
     if (!instance.hasMethod(method.name)) {
       throw StatusFault(Status::MethodNotAvailable,
                         "instances of " + declaration.name + " do not offer " + method.name);
     }
     core::CimInstance* job = nullptr;
-    returnValue = instance.invokeMethod(method.name, &arguments.in(), &arguments.out(), &job);
-    cimxml::appendMethodReturnValue(out, *returnValue);
+    invocation.returnValue =
+        instance.invokeMethod(method.name, &arguments.in(), &arguments.out(), &job);
+    if (job != nullptr) {
+      invocation.job = job->getPath();
+    }
+    if (job != nullptr && invocation.installation) {
+      invocation.installation->job = idOf(*job);
+    }
+    cimxml::appendMethodReturnValue(out, *invocation.returnValue);
     appendOutputs(method, arguments.out(), job, nameSpace, out);
   };
   if (!finder.find(invoke)) {
     throw StatusFault(Status::NotFound,
                       "there is no instance " + cimxml::describeObject(request.target));
   }
-  return *returnValue;
 }
 
 }  // namespace wbem

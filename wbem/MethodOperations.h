@@ -4,12 +4,16 @@
 #define ORVEX_WBEM_METHODOPERATIONS_H_
 
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "cimxml/Request.h"
 #include "core/CimBroker.h"
 #include "core/OwningPropertyList.h"
+#include "wbem/Audit.h"
+#include "wbem/Installation.h"
 #include "wbem/Namespaces.h"
 
 namespace wbem {
@@ -31,12 +35,21 @@ class MethodArguments {
   core::OwningPropertyList m_out;
 };
 
+// What became of a call: as much of it as is known when it fails.
+struct Invocation {
+  std::optional<std::uint32_t> returnValue;
+  std::string job;                           // its object path; empty for none
+  std::optional<Installation> installation;  // of a method that installs
+  std::unique_ptr<FileEvidence> evidence;    // of the installation's file; null for none
+};
+
 // Invokes the method that the request names and appends its return value and its output arguments;
 // those that stay NULL are left out, since there are clients that take a NULL for the end of the
-// message. Returns the return value. Holds the broker's request. Throws StatusFault, and what the
-// method throws.
-[[nodiscard]] std::uint32_t invokeMethod(const cimxml::Request& request, core::CimBroker& broker,
-                                         const Namespaces& namespaces, std::string& out);
+// message. The audit is asked for the evidence alone. Holds the broker's request. Throws
+// StatusFault, and what the method throws.
+void invokeMethod(const cimxml::Request& request, core::CimBroker& broker,
+                  const Namespaces& namespaces, Audit& audit, std::string& out,
+                  Invocation& invocation);
 
 }  // namespace wbem
 

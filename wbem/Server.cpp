@@ -16,6 +16,7 @@
 #include "wbem/Namespaces.h"
 #include "wbem/Operations.h"
 #include "wbem/PullEnumerations.h"
+#include "wbem/StartedJobs.h"
 #include "wbem/Status.h"
 
 namespace wbem {
@@ -60,14 +61,19 @@ class Attempt {
  public:
   Attempt(Audit& audit, const Caller& caller, std::string action, std::string target)
       : m_audit(audit),
-        m_record{caller, std::move(action),
+        m_record{caller,
+                 std::move(action),
                  std::string(cimxml::getStatusName(Status::Failed)) + ": no answer",
-                 std::move(target)} {}
+                 std::move(target),
+                 {}} {}
   Attempt(const Attempt&) = delete;
   Attempt& operator=(const Attempt&) = delete;
   ~Attempt() { m_audit.write(m_record); }
 
   void setResult(std::string result) { m_record.result = std::move(result); }
+  void setInstallation(const Installation& installation) {
+    m_record.details = toDetails(installation);
+  }
 
  private:
   Audit& m_audit;
@@ -81,7 +87,8 @@ struct Server::Implementation {
       : broker(theBroker),
         audit(theAudit),
         options(std::move(theOptions)),
-        enumerations(options.clock) {}
+        enumerations(options.clock),
+        startedJobs(theBroker, theAudit) {}
 
   // Returns the namespaces with the classes of all agents.
   std::shared_ptr<const Namespaces> getNamespaces() {
@@ -141,19 +148,38 @@ struct Server::Implementation {
   }
 
   void answerMethod(const cimxml::Request& request, const Caller& caller, std::string& out) {
+    Invocation invocation;
+    recordMethod(request, caller, out, invocation);
+    // Its record is written, so that of its end comes behind it.
+    if (invocation.installation && !invocation.job.empty()) {
+      startedJobs.add(caller, invocation.job, *invocation.installation);
+    }
+  }
+
+  void recordMethod(const cimxml::Request& request, const Caller& caller, std::string& out,
+                    Invocation& invocation) {
     Attempt change(audit, caller, tell(request.name), cimxml::describeObject(request.target));
     cimxml::beginMethodAnswer(out, request.messageId, request.name);
     change.setResult(attempt(out, [&] {
       demandOperator(caller, request.name);
-      return std::to_string(invokeMethod(request, broker, *getNamespaces(), out));
+      invokeMethod(request, broker, *getNamespaces(), audit, out, invocation);
+      return std::to_string(*invocation.returnValue);
     }));
     cimxml::endMethodAnswer(out);
+    if (invocation.installation) {
+      // Reads the file, which is worth it where it is installed.
+      if (invocation.evidence != nullptr && !invocation.job.empty()) {
+        invocation.installation->sha256 = invocation.evidence->digest();
+      }
+      change.setInstallation(*invocation.installation);
+    }
   }
 
   core::CimBroker& broker;
   Audit& audit;
   const Options options;
   PullEnumerations enumerations;
+  StartedJobs startedJobs;
 
   utils::Mutex namespacesMutex;
   std::shared_ptr<const Namespaces> namespaces ORVEX_GUARDED_BY(namespacesMutex);
@@ -171,6 +197,10 @@ void Server::answer(const cimxml::Request& request, const Caller& caller, std::s
   } else {
     m_implementation->answerOperation(request, caller, out);
   }
+}
+
+void Server::recordEndedJobs() {
+  m_implementation->startedJobs.recordEnds();
 }
 
 unsigned Server::countRunningJobs() {

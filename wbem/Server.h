@@ -42,6 +42,10 @@ class Server {
   // std::bad_alloc alone.
   void answer(const cimxml::Request& request, const Caller& caller, std::string& out);
 
+  // Has the audit tell of each installation that was started here and has come to its end since the
+  // last call. To be called once in a while, and at the end. Throws what a provider throws.
+  void recordEndedJobs();
+
   // Returns how many jobs (instances of CIM_ConcreteJob) have not come to their end. Throws what a
   // provider throws.
   [[nodiscard]] unsigned countRunningJobs();

@@ -1,35 +1,33 @@
 #include <cstdio>
+#include <new>
 #include <syslog.h>
 
+#include "Os/Posix/SystemLogSink.h"
 #include "Utils/Log.h"
-#include "platform/Mutex.h"
+#include "Utils/Printable.h"
 
 namespace utils {
 namespace {
 
-constexpr const char* kIdent = "Zolan Quorvel Provider";
-
-// The connection is opened and closed for each entry: the process is the host's, which may use the
-// system log under a name of its own.
-void writeSystemLog(int priority, const std::string& line) noexcept {
-  static platform::Mutex mutex;
-  const platform::Lock lock(mutex);
-  openlog(kIdent, 0, LOG_USER);
-  syslog(LOG_USER | priority, "%s", line.c_str());
-  closelog();
-}
-
 class PosixLogSinks : public LogSinks {
  public:
-  void writeEventLog(const std::string& line) noexcept override { writeSystemLog(LOG_ERR, line); }
+  void writeEventLog(const std::string& line) noexcept override { m_log.write(LOG_ERR, line); }
 
   void writeDebugChannel(const std::string& line) noexcept override {
-    writeSystemLog(LOG_DEBUG, line);
+    m_log.write(LOG_DEBUG, line);
   }
 
   void writeStandardError(const std::string& text) noexcept override {
-    std::fwrite(text.data(), 1, text.size(), stderr);
+    try {
+      const std::string shown = toPrintableLines(text);
+      std::fwrite(shown.data(), 1, shown.size(), stderr);
+    } catch (const std::bad_alloc&) {
+      static_cast<void>(std::fputs("OrvexQuorvel: a record is lost for want of memory\n", stderr));
+    }
   }
+
+ private:
+  os::SystemLogSink m_log;
 };
 
 }  // namespace

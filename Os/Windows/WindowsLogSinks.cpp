@@ -4,6 +4,7 @@
 
 #include "Utils/Format.h"
 #include "Utils/Log.h"
+#include "Utils/Printable.h"
 
 namespace utils {
 namespace {
@@ -31,7 +32,12 @@ class WindowsLogSinks : public LogSinks {
   }
 
   void writeStandardError(const std::string& text) noexcept override {
-    std::fwrite(text.data(), 1, text.size(), stderr);
+    try {
+      const std::string shown = toPrintableLines(text);
+      std::fwrite(shown.data(), 1, shown.size(), stderr);
+    } catch (const std::bad_alloc&) {
+      std::fputs("OrvexQuorvel: a record is lost for want of memory\n", stderr);
+    }
   }
 
  private:

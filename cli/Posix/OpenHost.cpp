@@ -4,7 +4,8 @@
 #include <utility>
 
 #include "Os/QuorvelConfig.h"
-#include "cli/Password.h"
+#include "Utils/Printable.h"
+#include "cli/Posix/Password.h"
 #include "cli/Posix/PasswordPrompt.h"
 #include "client/Fault.h"
 #include "client/HostConnection.h"
@@ -36,7 +37,7 @@ std::string demandPassword(const client::HostAddress& address, const GlobalOptio
     return std::move(*password);
   }
   std::optional<std::string> typed = askPassword(
-      "Password of " + client::toPrintable(address.user) + " for " + address.url() + ": ");
+      utils::toPrintable("Password of " + address.user + " for " + address.url() + ": "));
   if (!typed) {
     throw client::Fault("there is no terminal to ask for the password of " + address.user +
                             "; give it by --password-file, or by the environment variable "

@@ -1,16 +1,19 @@
 #include "daemon/Posix/ServiceManager.h"
 
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 
 #include "Utils/Log.h"
-#include "daemon/Posix/LocalDatagram.h"
+#include "platform/Posix/SystemLog.h"
 
 namespace quorveld {
 namespace {
 
 constexpr utils::LogSource kLog{"ServiceManager"};
 constexpr const char* kVariable = "NOTIFY_SOCKET";
+// A manager that does not read must not keep the daemon from its work and its end.
+constexpr std::chrono::milliseconds kPatience{1000};
 
 }  // namespace
 
@@ -37,7 +40,8 @@ void ServiceManager::send(const std::string& state, const std::string& status) c
   if (m_socket.empty()) {
     return;
   }
-  if (const int error = sendLocalDatagram(m_socket, state + "STATUS=" + status + "\n")) {
+  if (const int error =
+          platform::sendLocalMessage(m_socket, state + "STATUS=" + status + "\n", kPatience)) {
     utils::logError(kLog, "quorveld::ServiceManager::send", "The service manager at %s: %s",
                     m_socket.c_str(), std::strerror(error));
   }

@@ -1,74 +1,23 @@
 #include "daemon/Posix/SystemLogAudit.h"
 
-#include <array>
-#include <cstdint>
+#include <algorithm>
+#include <cerrno>
 #include <cstring>
-#include <ctime>
 #include <exception>
+#include <optional>
+#include <poll.h>
+#include <string_view>
 #include <syslog.h>
 #include <unistd.h>
 
 #include "Utils/Format.h"
 #include "Utils/Log.h"
-#include "daemon/Posix/LocalDatagram.h"
+#include "Utils/Printable.h"
 
 namespace quorveld {
 namespace {
 
 constexpr utils::LogSource kLog{"SystemLogAudit"};
-
-constexpr unsigned char kFirstPrintable = 0x20;
-constexpr unsigned char kDelete = 0x7F;
-constexpr unsigned char kFirstOfMany = 0x80;
-
-// Lead bytes of UTF-8: what they look like under a mask, how many bytes follow, and from which code
-// point on that many are needed.
-struct Lead {
-  unsigned char mask;
-  unsigned char bits;
-  std::size_t following;
-  std::uint32_t least;
-};
-
-constexpr Lead kLeads[] = {
-    {0xE0, 0xC0, 1, 0x80},
-    {0xF0, 0xE0, 2, 0x800},
-    {0xF8, 0xF0, 3, 0x10000},
-};
-constexpr std::uint32_t kSurrogates = 0xD800;
-constexpr std::uint32_t kAfterSurrogates = 0xE000;
-constexpr std::uint32_t kLastCodePoint = 0x10FFFF;
-// Control characters above ASCII.
-constexpr std::uint32_t kLastControl = 0x9F;
-constexpr std::uint32_t kLineSeparator = 0x2028;
-constexpr std::uint32_t kParagraphSeparator = 0x2029;
-
-// Returns the length of the printable character beyond ASCII that the text begins with, 0 for none.
-std::size_t lengthOfCharacter(std::string_view text) {
-  constexpr unsigned kBits = 6;
-  constexpr unsigned char kContinuationMask = 0xC0;
-  constexpr unsigned char kContinuation = 0x80;
-  constexpr unsigned char kContinuationBits = 0x3F;
-  const auto first = static_cast<unsigned char>(text.front());
-  for (const Lead& lead : kLeads) {
-    if ((first & lead.mask) != lead.bits || text.size() <= lead.following) {
-      continue;
-    }
-    std::uint32_t point = first & static_cast<unsigned char>(~lead.mask);
-    for (std::size_t i = 1; i <= lead.following; ++i) {
-      const auto byte = static_cast<unsigned char>(text[i]);
-      if ((byte & kContinuationMask) != kContinuation) {
-        return 0;
-      }
-      point = (point << kBits) | (byte & kContinuationBits);
-    }
-    const bool isSound = point >= lead.least && point <= kLastCodePoint && point > kLastControl &&
-                         (point < kSurrogates || point >= kAfterSurrogates) &&
-                         point != kLineSeparator && point != kParagraphSeparator;
-    return isSound ? lead.following + 1 : 0;
-  }
-  return 0;
-}
 
 void appendField(std::string& line, const char* name, std::string_view text) {
   constexpr std::string_view kCut = "...";
@@ -79,29 +28,28 @@ void appendField(std::string& line, const char* name, std::string_view text) {
   line += "=\"";
   const std::size_t end = line.size() + SystemLogAudit::kMostBytes;
   while (!text.empty()) {
+    const std::size_t length = utils::lengthOfPrintable(text);
     const auto byte = static_cast<unsigned char>(text.front());
-    std::string piece(1, text.front());
+    std::string piece =
+        length > 0 ? std::string(text.substr(0, length)) : utils::format("\\x%02X", byte);
     if (byte == '"' || byte == '\\') {
       piece.insert(0, 1, '\\');
-    } else if (byte >= kFirstOfMany) {
-      const std::size_t length = lengthOfCharacter(text);
-      piece = length > 0 ? std::string(text.substr(0, length)) : utils::format("\\x%02X", byte);
-      text.remove_prefix(length > 0 ? length - 1 : 0);
-    } else if (byte < kFirstPrintable || byte == kDelete) {
-      piece = utils::format("\\x%02X", byte);
     }
     if (line.size() + piece.size() > end) {
       line += kCut;
       break;
     }
     line += piece;
-    text.remove_prefix(1);
+    text.remove_prefix(std::max<std::size_t>(length, 1));
   }
   line += '"';
 }
 
-const char* nameOf(wbem::Role role) {
-  switch (role) {
+const char* nameOf(std::optional<wbem::Role> role) {
+  if (!role) {
+    return "";
+  }
+  switch (*role) {
     case wbem::Role::Reader:
       return "reader";
     case wbem::Role::Operator:
@@ -110,15 +58,20 @@ const char* nameOf(wbem::Role role) {
   return "";
 }
 
-// The time as the log's socket takes it, in the C locale whatever the process has.
-std::string formatTime() {
-  constexpr std::array<const char*, 12> kMonths{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                                "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-  const std::time_t now = std::time(nullptr);
-  std::tm parts{};
-  localtime_r(&now, &parts);
-  return utils::format("%s %2d %02d:%02d:%02d", kMonths.at(static_cast<std::size_t>(parts.tm_mon)),
-                       parts.tm_mday, parts.tm_hour, parts.tm_min, parts.tm_sec);
+// Writes to standard error as long as that takes something at once.
+void writeToStandardError(std::string_view text) {
+  constexpr std::size_t kMostAtOnce = 4096;  // what a pipe takes when it takes anything
+  while (!text.empty()) {
+    pollfd source{STDERR_FILENO, POLLOUT, 0};
+    if (poll(&source, 1, 0) != 1 || (source.revents & POLLOUT) == 0) {
+      return;
+    }
+    const ssize_t written = ::write(STDERR_FILENO, text.data(), std::min(text.size(), kMostAtOnce));
+    if (written <= 0) {
+      return;
+    }
+    text.remove_prefix(static_cast<std::size_t>(written));
+  }
 }
 
 }  // namespace
@@ -131,22 +84,39 @@ std::string formatAudit(const wbem::AuditRecord& record) {
   appendField(line, "action", record.action);
   appendField(line, "result", record.result);
   appendField(line, "target", record.target);
+  for (const auto& [name, value] : record.details) {
+    appendField(line, name.c_str(), value);
+  }
   return line;
 }
 
-void SystemLogAudit::write(const wbem::AuditRecord& record) noexcept {
+bool SystemLogAudit::write(const wbem::AuditRecord& record,
+                           std::chrono::milliseconds patience) noexcept {
   try {
     const std::string line = formatAudit(record);
-    const std::string datagram =
-        utils::format("<%d>%s quorveld[%d]: %s", static_cast<int>(LOG_AUTHPRIV | LOG_NOTICE),
-                      formatTime().c_str(), static_cast<int>(getpid()), line.c_str());
-    if (const int error = sendLocalDatagram(m_socket, datagram)) {
+    const std::string tag = utils::format("quorveld[%d]", static_cast<int>(getpid()));
+    const int error =
+        platform::sendSystemLogMessage(m_socket, LOG_AUTHPRIV | LOG_NOTICE, tag, line, patience);
+    if (error == EAGAIN) {
+      return false;
+    }
+    if (error != 0) {
       utils::logError(kLog, "quorveld::SystemLogAudit::write", "audit: %s (%s: %s)", line.c_str(),
                       m_socket.c_str(), std::strerror(error));
+      writeElsewhere(record);
     }
   } catch (const std::exception& exception) {
     utils::logError(kLog, "quorveld::SystemLogAudit::write", "An audit record is lost: %s",
                     exception.what());
+  }
+  return true;
+}
+
+void SystemLogAudit::writeElsewhere(const wbem::AuditRecord& record) noexcept {
+  try {
+    writeToStandardError("quorveld: audit: " + formatAudit(record) + "\n");
+  } catch (const std::exception&) {
+    writeToStandardError("quorveld: an audit record is lost for want of memory\n");
   }
 }
 

@@ -6,30 +6,36 @@
 #ifndef ORVEX_DAEMON_POSIX_SYSTEMLOGAUDIT_H_
 #define ORVEX_DAEMON_POSIX_SYSTEMLOGAUDIT_H_
 
+#include <chrono>
+#include <cstddef>
 #include <string>
-#include <string_view>
+#include <utility>
 
-#include "wbem/Audit.h"
+#include "daemon/AuditQueue.h"
+#include "platform/Posix/SystemLog.h"
 
 namespace quorveld {
 
-class SystemLogAudit final : public wbem::Audit {
+class SystemLogAudit final : public AuditSink {
  public:
-  static constexpr const char* kSocket = "/dev/log";
   static constexpr std::size_t kMostBytes = 1024;  // of one text that comes from outside
 
-  explicit SystemLogAudit(std::string socket = kSocket) : m_socket(std::move(socket)) {}
+  explicit SystemLogAudit(std::string socket = platform::kSystemLogSocket)
+      : m_socket(std::move(socket)) {}
 
-  // A record that the system log does not take goes to the agents' log.
-  void write(const wbem::AuditRecord& record) noexcept override;
+  // A record that there is nobody to take goes to the agents' log and to standard error.
+  [[nodiscard]] bool write(const wbem::AuditRecord& record,
+                           std::chrono::milliseconds patience) noexcept override;
+  // To standard error: "quorveld: audit: ...".
+  void writeElsewhere(const wbem::AuditRecord& record) noexcept override;
 
  private:
   const std::string m_socket;
 };
 
 // Returns the record as one line: user="..." address="..." role="..." action="..." result="..."
-// target="...", with quotes, backslashes, control characters and bytes that are no UTF-8 escaped,
-// and what is too long cut.
+// target="..." and the details, each as name="...", with quotes, backslashes, what would disturb a
+// terminal (see Utils/Printable.h) and bytes that are no UTF-8 escaped, and what is too long cut.
 [[nodiscard]] std::string formatAudit(const wbem::AuditRecord& record);
 
 }  // namespace quorveld

@@ -41,4 +41,11 @@ TEST(JsonOutput, PrintsADocumentOnOneLine) {
   EXPECT_EQ(cli::toJsonLine(Value(3.0)), "3.0");
 }
 
+// A program reads the same text; a terminal shows it as it stands.
+TEST(JsonOutput, EscapesWhatWouldDisturbATerminal) {
+  EXPECT_EQ(cli::toJsonLine(Value("\xe2\x80\xae\xe2\x81\xa6\xe2\x80\xa8\xc2\x9b\x7f\x1b")),
+            R"("\u202e\u2066\u2028\u009b\u007f\u001b")");
+  EXPECT_EQ(cli::toJsonLine(Value("\xc3\xbc\xf0\x9f\x98\x80")), "\"\xc3\xbc\xf0\x9f\x98\x80\"");
+}
+
 }  // namespace

@@ -1,3 +1,5 @@
+#include <string>
+
 #include "tests/support/QuorvelFixture.h"
 #include "tests/support/Regex.h"
 
@@ -52,6 +54,22 @@ TEST_F(ProgramTest, RefusesGlobalOptionsWithoutSense) {
   }
   expectUsageFault({"adapters", "--adapters", ""}, HasSubstr("must not be empty"));
   expectUsageFault({"adapters", "--config"}, HasSubstr("--config"));
+}
+
+// The text of an error may quote a file, a host or whoever chose an argument.
+TEST_F(ProgramTest, LetsNoTextCommandTheTerminal) {
+  const std::string evil =
+      "a\x1b[2J\xc2\x9b"
+      "b\xe2\x80\xae"
+      "c";
+  const std::string shown =
+      "a\\x1b[2J\\xc2\\x9b"
+      "b\\xe2\\x80\\xae"
+      "c";
+  expectUsageFault({"dance" + evil}, HasSubstr("not expected: dance" + shown));
+  const ProgramResult unknown = run({"update", evil, "a.rom"});
+  EXPECT_EQ(unknown.exitStatus, 1);
+  EXPECT_THAT(unknown.errors, HasSubstr("no adapter or port '" + shown + "'"));
 }
 
 }  // namespace

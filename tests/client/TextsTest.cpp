@@ -10,13 +10,6 @@ TEST(JoinedTexts, HaveTheSeparatorBetweenThem) {
   EXPECT_EQ(client::join({}, ", "), "");
 }
 
-TEST(PrintableText, HasNoControlCharactersOfMoreBytes) {
-  EXPECT_EQ(client::toPrintable("a\xc2\x9b"
-                                "31m\xc2\x80\xc2\xa0\xc3\x9b\xc2"),
-            "a\\xc2\\x9b"
-            "31m\\xc2\\x80\xc2\xa0\xc3\x9b\xc2");
-}
-
 TEST(ShellWord, IsQuotedWhereItNeedsThat) {
   EXPECT_EQ(client::quoteForShell("http://a%20b@lab:5988"), "http://a%20b@lab:5988");
   EXPECT_EQ(client::quoteForShell(""), "''");

@@ -52,12 +52,12 @@ TEST_F(CommandLineTest, PrintsHelpAndVersion) {
 }
 
 TEST_F(CommandLineTest, PutsArgumentsBeforeTheSettingsOfTheFile) {
-  const std::string file =
-      m_directory
-          .write("quorveld.conf", std::string("listen = 127.0.0.1:1\nadapters = /file\n"
-                                              "module = /file.so\nlog-level = 1\n"
-                                              "max-connections = 7\n"))
-          .string();
+  const std::string file = m_directory
+                               .writePrivate("quorveld.conf",
+                                             "listen = 127.0.0.1:1\nadapters = /file\n"
+                                             "module = /file.so\nlog-level = 1\n"
+                                             "max-connections = 7\n")
+                               .string();
   const quorveld::CommandLine result =
       read({"--config", file, "--listen", "127.0.0.1:2", "--listen", "[::1]:3", "--adapters",
             "here", "--module", "one.so", "--module", "two.so", "--log-level", "3"});
@@ -72,7 +72,7 @@ TEST_F(CommandLineTest, PutsArgumentsBeforeTheSettingsOfTheFile) {
 }
 
 TEST_F(CommandLineTest, CompletesTheSettings) {
-  const std::string file = m_directory.write("quorveld.conf", std::string("\n")).string();
+  const std::string file = m_directory.writePrivate("quorveld.conf", "\n").string();
   const quorveld::CommandLine result = read({"--config", file});
   ASSERT_TRUE(result.config) << m_err.str();
   ASSERT_EQ(result.config->listen.size(), 1u);
@@ -91,7 +91,7 @@ TEST_F(CommandLineTest, RefusesWrongArguments) {
 }
 
 TEST_F(CommandLineTest, RefusesSettingsThatCannotBePutInForce) {
-  const std::string file = m_directory.write("quorveld.conf", std::string("\n")).string();
+  const std::string file = m_directory.writePrivate("quorveld.conf", "\n").string();
   EXPECT_THAT(
       [&] {
         static_cast<void>(read({"--config", file, "--listen", "5988"}));

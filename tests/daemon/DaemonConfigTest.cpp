@@ -9,6 +9,8 @@
 
 namespace {
 
+namespace fs = std::filesystem;
+
 using quorveld::ConfigurationFault;
 using quorveld::DaemonConfig;
 using test::ThrowsExactly;
@@ -33,7 +35,7 @@ std::vector<std::string> listenOf(const DaemonConfig& config) {
 class DaemonConfigTest : public testing::Test {
  protected:
   [[nodiscard]] std::string write(const std::string& content) const {
-    return m_directory.write("quorveld.conf", content).string();
+    return m_directory.writePrivate("quorveld.conf", content).string();
   }
 
   // Reads the settings and completes them.
@@ -213,6 +215,52 @@ TEST_F(DaemonConfigTest, DemandsWhatAWayToLogInNeedsAndNothingElse) {
                "operators is set, but nobody logs in by it");
   expectUnsafe("authentication = file\npassword-file = /users\nreaders = anna\n",
                "readers is set, but nobody logs in by it; set authentication = pam");
+}
+
+// Somebody else could have the host listen to him, or lead it to users of his.
+TEST_F(DaemonConfigTest, DemandsThatTheSettingsAreTheOwnersAlone) {
+  const std::string path = write("listen = 127.0.0.1:1\n");
+  for (const fs::perms others : {fs::perms::others_read, fs::perms::group_write}) {
+    fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write | others);
+    EXPECT_THAT([&] { static_cast<void>(quorveld::readDaemonConfig(path)); },
+                ThrowsExactly<ConfigurationFault>(
+                    "the configuration file '" + path +
+                    "' can be read or changed by others than its owner; run: chmod 600 " + path));
+  }
+}
+
+TEST_F(DaemonConfigTest, DemandsAKeyThatNobodyElseCanRead) {
+  DaemonConfig config;
+  config.key = m_directory.writePrivate("key.pem", "key\n").string();
+  EXPECT_NO_THROW(quorveld::demandPrivateFiles(config));
+  fs::permissions(config.key, fs::perms::group_read, fs::perm_options::add);
+  EXPECT_THAT(
+      [&] { quorveld::demandPrivateFiles(config); },
+      ThrowsExactly<ConfigurationFault>(
+          "key: '" + config.key +
+          "' can be read or changed by others than its owner; run: chmod 600 " + config.key));
+}
+
+// The command line of every user reads them.
+TEST_F(DaemonConfigTest, DemandsAgentSettingsThatNobodyElseCanChange) {
+  DaemonConfig config;
+  config.agentConfig = m_directory.writePrivate("agents.conf", "\n").string();
+  fs::permissions(config.agentConfig, fs::perms::others_read, fs::perm_options::add);
+  EXPECT_NO_THROW(quorveld::demandPrivateFiles(config));
+  fs::permissions(config.agentConfig, fs::perms::others_write, fs::perm_options::add);
+  EXPECT_THAT(
+      [&] { quorveld::demandPrivateFiles(config); },
+      ThrowsExactly<ConfigurationFault>(
+          "config: '" + config.agentConfig +
+          "' can be changed by others than its owner; run: chmod go-w " + config.agentConfig));
+}
+
+// Who uses them says what is wrong with them.
+TEST_F(DaemonConfigTest, LeavesFilesThatAreNotThereToTheirUsers) {
+  DaemonConfig config;
+  config.key = "/missing/key.pem";
+  config.agentConfig = "/missing/agents.conf";
+  EXPECT_NO_THROW(quorveld::demandPrivateFiles(config));
 }
 
 }  // namespace

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "daemon/Daemon.h"
-#include "tests/daemon/Posix/DatagramSocket.h"
 #include "tests/daemon/Posix/QuorveldFixture.h"
+#include "tests/support/Posix/DatagramSocket.h"
 #include "tests/support/Regex.h"
 #include "tests/support/WaitUntil.h"
 
@@ -33,7 +33,7 @@ class DaemonTest : public test::QuorveldFixture {
   }
 
   [[nodiscard]] std::string write(const std::string& name, const std::string& content) const {
-    return m_own.write(name, content).string();
+    return m_own.writePrivate(name, content).string();
   }
 
   [[nodiscard]] nlohmann::json healthReport() const {

@@ -71,7 +71,8 @@ class FakeAudit final : public wbem::Audit {
  public:
   void write(const wbem::AuditRecord& record) noexcept override {
     records.push_back(record.action + " of " + record.caller.user + " from " +
-                      record.caller.address + ": " + record.result);
+                      record.caller.address + ": " + record.result +
+                      (record.caller.role ? ", with a role" : ""));
   }
 
   std::vector<std::string> records;

@@ -1,12 +1,17 @@
 #include <filesystem>
 #include <gmock/gmock.h>
+#include <limits>
 #include <string>
+#include <unistd.h>
+#include <vector>
 
 #include "daemon/DaemonConfig.h"
 #include "daemon/PasswordFile.h"
+#include "platform/Posix/PrivateFile.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/Throws.h"
+#include "tests/support/WaitUntil.h"
 
 namespace {
 
@@ -115,28 +120,101 @@ TEST_F(PasswordFileTest, ReadsAFileAnewThatHasChanged) {
   EXPECT_EQ(users.check("bert", "geheim", kAddress), wbem::Role::Reader);
 }
 
-TEST_F(PasswordFileTest, KeepsWhatItHasWhereTheNewContentIsDamagedAndLogsItOnce) {
-  write("anna:" + kSecret + ":operator\n");
-  quorveld::PasswordFileAuthenticator users(path());
-  const std::uint64_t before = users.revision();
+// What a change of the file leaves behind, and what is logged of it.
+class SpoiltPasswordFile : public PasswordFileTest {
+ protected:
+  // Expects that nobody gets in, that a login is forgotten, and one record that says why.
+  void expectClosed(const std::string& reason) {
+    EXPECT_FALSE(m_users.check("anna", "secret", kAddress)) << reason;
+    EXPECT_NE(m_users.revision(), m_before) << reason;
+    EXPECT_FALSE(m_users.check("anna", "secret", kAddress)) << reason;
+    EXPECT_THAT(records(), ElementsAre(AllOf(StartsWith("password-file: "), HasSubstr(reason),
+                                             HasSubstr("Nobody can log in"))));
+  }
+  [[nodiscard]] std::string written(const std::string& content) {
+    write(content);
+    return path();
+  }
+  void expectOpenAgain() {
+    m_log.clear();
+    EXPECT_EQ(m_users.check("anna", "secret", kAddress), wbem::Role::Operator);
+    EXPECT_THAT(records(), ElementsAre(HasSubstr("is in order again")));
+  }
+  [[nodiscard]] std::vector<std::string> records() const {
+    return m_log.messages("quorveld::PasswordFileAuthenticator::readIfChanged");
+  }
 
-  const test::LogCapture log;
+  const std::string kAnna = "anna:" + kSecret + ":operator\n";
+  quorveld::PasswordFileAuthenticator m_users{written(kAnna)};
+  const std::uint64_t m_before = m_users.revision();
+  test::LogCapture m_log;
+};
+
+TEST_F(SpoiltPasswordFile, LetsNobodyInWhileItIsDamaged) {
   write("anna:broken:operator\n");
-  EXPECT_EQ(users.check("anna", "secret", kAddress), wbem::Role::Operator);
-  EXPECT_EQ(users.revision(), before);
-  EXPECT_THAT(log.messages("quorveld::PasswordFileAuthenticator::readIfChanged"),
-              ElementsAre(AllOf(HasSubstr(path() + ":1: user 'anna' has a hash that is damaged"),
-                                HasSubstr("stay in force"))));
+  expectClosed(path() + ":1: user 'anna' has a hash that is damaged");
+  write(kAnna);
+  expectOpenAgain();
 }
 
-TEST_F(PasswordFileTest, KeepsWhatItHasWhereTheFileIsGone) {
-  write("anna:" + kSecret + ":operator\n");
-  quorveld::PasswordFileAuthenticator users(path());
-  const test::LogCapture log;
+TEST_F(SpoiltPasswordFile, LetsNobodyInWhileItIsGone) {
   fs::remove(path());
-  EXPECT_EQ(users.check("anna", "secret", kAddress), wbem::Role::Operator);
-  EXPECT_THAT(log.messages("quorveld::PasswordFileAuthenticator::readIfChanged"),
-              ElementsAre(HasSubstr("cannot be read")));
+  expectClosed("'" + path() + "' cannot be read; check the path and its permissions");
+  write(kAnna);
+  expectOpenAgain();
+}
+
+TEST_F(SpoiltPasswordFile, LetsNobodyInWhileOthersCanReadIt) {
+  fs::permissions(path(), fs::perms::group_read, fs::perm_options::add);
+  expectClosed("can be read or changed by others than its owner; run: chmod 600 " + path());
+  fs::permissions(path(), fs::perms::group_read, fs::perm_options::remove);
+  expectOpenAgain();
+}
+
+TEST_F(SpoiltPasswordFile, LetsNobodyInWhileItIsAnotherUsers) {
+  constexpr uid_t kSomebody = 12'345;
+  if (geteuid() != 0) {
+    GTEST_SKIP() << "root alone gives files away";
+  }
+  ASSERT_EQ(chown(path().c_str(), kSomebody, 0), 0);
+  expectClosed("belongs to the user 12345, who could change it; run: chown 0 " + path());
+  ASSERT_EQ(chown(path().c_str(), 0, 0), 0);
+  expectOpenAgain();
+}
+
+TEST_F(SpoiltPasswordFile, LogsEachFaultOnce) {
+  fs::remove(path());
+  static_cast<void>(m_users.revision());
+  write("anna\n");
+  static_cast<void>(m_users.revision());
+  static_cast<void>(m_users.revision());
+  EXPECT_THAT(records(), ElementsAre(HasSubstr("cannot be read"), HasSubstr("USER:HASH:ROLE")));
+}
+
+// Neither the size nor the times of the new content tell it from the old one.
+TEST_F(PasswordFileTest, SeesAChangeThatKeepsSizeAndTime) {
+  write("anna:" + kSecret + ":operator\nbert:" + kSecret + ":reader\n");
+  quorveld::PasswordFileAuthenticator users(path());
+  const fs::file_time_type time = fs::last_write_time(path());
+  m_directory.write("users", "carl:" + kSecret + ":operator\nbert:" + kSecret + ":reader\n");
+  fs::last_write_time(path(), time);
+  EXPECT_FALSE(users.check("anna", "secret", kAddress));
+  EXPECT_EQ(users.check("carl", "secret", kAddress), wbem::Role::Operator);
+}
+
+// What has settled is told by its stamp alone, which the kernel sets.
+TEST_F(PasswordFileTest, SeesALateChangeThatKeepsSizeAndTime) {
+  write("anna:" + kSecret + ":operator\n");
+  constexpr std::int64_t kLongAfter = std::numeric_limits<std::int64_t>::max();
+  quorveld::PasswordFileAuthenticator users(path(), [] { return kLongAfter; });
+  const fs::file_time_type time = fs::last_write_time(path());
+  const auto stamp = platform::findStamp(path());
+  ASSERT_TRUE(test::waitUntil([&] {
+    m_directory.write("users", "carl:" + kSecret + ":operator\n");
+    return platform::findStamp(path())->changed != stamp->changed;
+  }));
+  fs::last_write_time(path(), time);
+  EXPECT_FALSE(users.check("anna", "secret", kAddress));
 }
 
 }  // namespace

@@ -39,6 +39,12 @@ fs::path TempDirectory::write(const fs::path& name, const std::string& content) 
   return path;
 }
 
+fs::path TempDirectory::writePrivate(const fs::path& name, const std::string& content) const {
+  fs::path path = write(name, content);
+  fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write);
+  return path;
+}
+
 std::vector<std::uint8_t> readBytes(const fs::path& path) {
   const std::string text = readText(path);
   return {text.begin(), text.end()};

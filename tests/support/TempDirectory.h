@@ -24,6 +24,9 @@ class TempDirectory {
   std::filesystem::path write(const std::filesystem::path& name,
                               const std::vector<std::uint8_t>& content) const;
   std::filesystem::path write(const std::filesystem::path& name, const std::string& content) const;
+  // The same for a file that its owner alone may read and write.
+  std::filesystem::path writePrivate(const std::filesystem::path& name,
+                                     const std::string& content) const;
 
  private:
   std::filesystem::path m_path;

@@ -1,5 +1,6 @@
 #include <atomic>
 #include <gmock/gmock.h>
+#include <memory>
 #include <new>
 #include <string>
 #include <thread>
@@ -20,6 +21,7 @@ using testing::ElementsAre;
 using testing::Field;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Pair;
 using testing::StartsWith;
 using wbem::AuditRecord;
 
@@ -188,6 +190,106 @@ TEST_F(Server, RecordsALongNameOfAMethodInShort) {
   m_server.answer(request, m_caller, out);
   ASSERT_EQ(m_audit.records.size(), 1U);
   EXPECT_LT(m_audit.records.front().action.size(), 4000U);
+}
+
+// Installs firmware: starts the job that the test has set, or refuses.
+class Installer : public CIM_ManagedElement {
+ public:
+  static constexpr const char* kClassName = "Test_Installer";
+  using Superclass = CIM_ManagedElement;
+
+  template <class Self>
+  static auto getKeys(Self& self) {
+    return core::keys(self.InstanceID);
+  }
+  [[nodiscard]] static std::vector<core::MethodDeclaration> getMethods() {
+    using enum core::ParameterDirection;
+    return {{"InstallFromURI",
+             core::kCimUint32,
+             {{"URI", core::kCimString, In, ""},
+              {"InstallOptions", core::kCimUint16Array, In, ""},
+              {"Job", core::kCimReference, Job, "CIM_ConcreteJob"}},
+             kClassName}};
+  }
+
+  Installer() {
+    InstanceID.setValue("i");
+    core::markKeys(*this);
+    addMethod("InstallFromURI", &core::CimInstance::InstallFromURI);
+  }
+
+  [[nodiscard]] std::string getClassName() const override { return kClassName; }
+  std::uint32_t InstallFromURI(core::CimPropertyList* /*in*/, core::CimPropertyList* /*out*/,
+                               core::CimInstance** job) override {
+    constexpr std::uint32_t kStarted = 4096;
+    constexpr std::uint32_t kRefused = 5;
+    *job = next;
+    return next != nullptr ? kStarted : kRefused;
+  }
+
+  core::CimInstance* next = nullptr;
+};
+
+class InstallerAgent : public test::FakeAgent {
+ public:
+  void declareClasses(core::CimSchema& schema) const override {
+    core::declareClass<Installer>(schema);
+  }
+  Installer& installer =
+      test::ModelAgent::add(serve(Installer::kClassName), std::make_unique<Installer>());
+};
+
+class InstallingServer : public Server {
+ protected:
+  InstallingServer() { m_broker.addAgent(&m_installers); }
+
+  void install() {
+    static_cast<void>(
+        invoke(objectName("Test_Installer.InstanceID=\"i\""), "InstallFromURI",
+               {given("URI", "file:///new.rom"), given("InstallOptions", texts({"5"}))}));
+  }
+  // Has the next installation start a job that runs.
+  test::Job& startNext() {
+    test::Job& job = test::ModelAgent::add(m_agent.jobs, std::make_unique<test::Job>("new", 4));
+    m_installers.installer.next = &job;
+    return job;
+  }
+
+  InstallerAgent m_installers;
+};
+
+TEST_F(InstallingServer, RecordsWhatIsInstalled) {
+  startNext();
+  install();
+  ASSERT_EQ(m_audit.records.size(), 1U);
+  EXPECT_EQ(m_audit.records.front().result, "4096");
+  EXPECT_THAT(m_audit.records.front().details,
+              ElementsAre(Pair("file", "/new.rom"), Pair("sha256", "digest of /new.rom"),
+                          Pair("options", "5"), Pair("job", "new")));
+}
+
+// Its file is not read for that.
+TEST_F(InstallingServer, RecordsWhatIsNotInstalled) {
+  install();
+  ASSERT_EQ(m_audit.records.size(), 1U);
+  EXPECT_EQ(m_audit.records.front().result, "5");
+  EXPECT_THAT(m_audit.records.front().details,
+              ElementsAre(Pair("file", "/new.rom"), Pair("options", "5")));
+  m_server.recordEndedJobs();
+  EXPECT_EQ(m_audit.records.size(), 1U);
+}
+
+TEST_F(InstallingServer, RecordsTheEndOfTheJobThoughNobodyAsksForIt) {
+  test::Job& job = startNext();
+  install();
+  m_server.recordEndedJobs();
+  EXPECT_EQ(m_audit.records.size(), 1U);
+  job.JobState.setValue(7);
+  m_server.recordEndedJobs();
+  m_server.recordEndedJobs();
+  ASSERT_EQ(m_audit.records.size(), 2U);
+  EXPECT_THAT(m_audit.records.back(),
+              IsRecord("JobEnd", "Test_Job.InstanceID=\"new\"", "Completed"));
 }
 
 // -- enumerations --

@@ -12,14 +12,13 @@ test::ProgramResult probe(const std::string& level) {
                           {{"ZOLAN_Quorvel_LOG_LEVEL", level}});
 }
 
-const std::string kOpen = "open 'Zolan Quorvel Provider' 0 user\n";  // NOLINT(cert-err58-cpp)
-const std::string kDebugLine =                                       // NOLINT(cert-err58-cpp)
+const std::string kDebugLine =  // NOLINT(cert-err58-cpp)
     "OrvexQuorvel: Probe:1:probe: debug: d %d%%\n";
 const std::string kErrorLine =  // NOLINT(cert-err58-cpp)
     "OrvexQuorvel: Probe:2:probe: error: e %n\n";
 
 std::string entry(const std::string& level, const std::string& line) {
-  return kOpen + level + " " + line + "close\n";
+  return "user." + level + " Zolan Quorvel Provider: " + line;
 }
 
 TEST(LogSinks, GetNothingAtLevelZero) {

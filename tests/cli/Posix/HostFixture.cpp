@@ -82,9 +82,9 @@ void HostFixture::expectSame(const Arguments& arguments, int exitStatus) const {
 }
 
 std::string HostFixture::passwordFile(const std::string& password) const {
-  const std::string file = path("password").string();
-  std::ofstream(file) << password << '\n';
-  return file;
+  const std::filesystem::path file = path("password");
+  writeSecret(file, password + "\n");
+  return file.string();
 }
 
 }  // namespace test

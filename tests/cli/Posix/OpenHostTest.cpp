@@ -72,7 +72,7 @@ class OpenHostTest : public testing::Test {
 
 TEST_F(OpenHostTest, LogsInWithThePasswordOfTheFile) {
   cli::GlobalOptions options = optionsFor("http://test@" + place());
-  options.passwordFile = m_directory.write("password", std::string("123\xc2\xa3\n")).string();
+  options.passwordFile = m_directory.writePrivate("password", "123\xc2\xa3\n").string();
   test::setVariable("QUORVEL_PASSWORD", "another");
   EXPECT_THAT(refusalOf(options, client::Fault::Kind::Refused),
               HasSubstr("refused the login of test"));
@@ -109,7 +109,7 @@ TEST_F(OpenHostTest, RefusesCertificatesThatCannotBeRead) {
 
 TEST_F(OpenHostTest, TellsTheCommandThatWatchesAJob) {
   cli::GlobalOptions options = optionsFor("http://a%20b@127.0.0.1");
-  options.passwordFile = m_directory.write("pass word", std::string("x\n")).string();
+  options.passwordFile = m_directory.writePrivate("pass word", "x\n").string();
   options.nameSpace = "root/x";
   EXPECT_EQ(cli::openHost(options)->watchCommand("Job#1"),
             "quorvel --host http://a%20b@127.0.0.1 --password-file '" + options.passwordFile +

@@ -131,10 +131,8 @@ void QuorveldFixture::startWithTls(const std::string& settings) {
 }
 
 std::string QuorveldFixture::writeUsers() const {
-  const std::filesystem::path file = m_files.write(
+  const std::filesystem::path file = m_files.writePrivate(
       "users", "anna:" + std::string(kHash) + ":operator\nbert:" + kHash + ":reader\n");
-  std::filesystem::permissions(
-      file, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
   return "authentication = file\npassword-file = " + file.string() + "\n";
 }
 
@@ -221,7 +219,7 @@ std::string QuorveldFixture::health() const {
 }
 
 std::string QuorveldFixture::writeSettings(const std::string& settings) const {
-  return m_files.write("quorveld.conf", settings).string();
+  return m_files.writePrivate("quorveld.conf", settings).string();
 }
 
 void QuorveldFixture::launch(const std::vector<std::string>& arguments) {

@@ -4,8 +4,8 @@
 #include <unistd.h>
 
 #include "daemon/Posix/ServiceManager.h"
-#include "tests/daemon/Posix/DatagramSocket.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Posix/DatagramSocket.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/Variables.h"
 

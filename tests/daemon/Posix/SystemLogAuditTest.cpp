@@ -1,10 +1,12 @@
+#include <chrono>
 #include <gmock/gmock.h>
+#include <optional>
 #include <string>
 #include <unistd.h>
 
 #include "daemon/Posix/SystemLogAudit.h"
-#include "tests/daemon/Posix/DatagramSocket.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Posix/DatagramSocket.h"
 #include "tests/support/Regex.h"
 #include "tests/support/TempDirectory.h"
 
@@ -18,14 +20,15 @@ using testing::IsEmpty;
 const wbem::AuditRecord kRecord{{"anna", "192.0.2.7", wbem::Role::Operator},
                                 "InstallFromURI",
                                 "4096",
-                                "Orvex_SoftwareInstallationService.Name=\"x\""};
+                                "Orvex_SoftwareInstallationService.Name=\"x\"",
+                                {}};
 const std::string kLine =
     R"(user="anna" address="192.0.2.7" role="operator" action="InstallFromURI" )"
     R"(result="4096" target="Orvex_SoftwareInstallationService.Name=\"x\"")";
 
 // Returns what is written of a user.
 std::string userOf(const std::string& user) {
-  const std::string line = quorveld::formatAudit({{user, "", wbem::Role::Reader}, "", "", ""});
+  const std::string line = quorveld::formatAudit({{user, "", wbem::Role::Reader}, "", "", "", {}});
   const std::string rest = R"(" address="" role="reader" action="" result="" target="")";
   EXPECT_THAT(line, EndsWith(rest));
   return line.substr(6, line.size() - 6 - rest.size());
@@ -33,6 +36,18 @@ std::string userOf(const std::string& user) {
 
 TEST(FormatAudit, NamesEverythingWithTheTargetLast) {
   EXPECT_EQ(quorveld::formatAudit(kRecord), kLine);
+}
+
+TEST(FormatAudit, HasTheDetailsBehindTheTarget) {
+  wbem::AuditRecord record = kRecord;
+  record.details = {{"adapter", "0000:03:00.0"}, {"file", "/a \"b\".rom"}};
+  EXPECT_EQ(quorveld::formatAudit(record),
+            kLine + R"( adapter="0000:03:00.0" file="/a \"b\".rom")");
+}
+
+TEST(FormatAudit, GivesNoRoleToWhoHasNone) {
+  EXPECT_THAT(quorveld::formatAudit({{"anna", "", std::nullopt}, "Login", "refused", "", {}}),
+              HasSubstr(R"(role="" action="Login")"));
 }
 
 TEST(FormatAudit, EscapesWhatCouldPassForSomethingElse) {
@@ -53,6 +68,9 @@ TEST(FormatAudit, LeavesUtf8AndEscapesOtherBytes) {
   EXPECT_EQ(userOf("\xC2\x85"), R"(\xC2\x85)");                  // a control character
   EXPECT_EQ(userOf("\xE2\x80\xA8"), R"(\xE2\x80\xA8)");          // a line separator
   EXPECT_EQ(userOf("\xF4\x90\x80\x80"), R"(\xF4\x90\x80\x80)");  // above the last one
+  EXPECT_EQ(userOf("\xE2\x80\xAE"), R"(\xE2\x80\xAE)");          // from right to left
+  EXPECT_EQ(userOf("\xE2\x81\xA6"), R"(\xE2\x81\xA6)");          // the same
+  EXPECT_EQ(userOf("\xEF\xBB\xBF"), R"(\xEF\xBB\xBF)");          // not to be seen
 }
 
 TEST(FormatAudit, CutsLongTexts) {
@@ -63,12 +81,14 @@ TEST(FormatAudit, CutsLongTexts) {
   EXPECT_EQ(userOf(most.substr(1) + "\xC3\xBC"), most.substr(1) + "...");
 }
 
+constexpr std::chrono::milliseconds kPatience{1};
+
 TEST(SystemLogAudit, WritesOneRecordToTheSystemLog) {
   const test::TempDirectory directory;
   const std::string path = (directory.path() / "log").string();
   const test::DatagramSocket socket(path);
   const test::LogCapture log;
-  quorveld::SystemLogAudit(path).write(kRecord);
+  EXPECT_TRUE(quorveld::SystemLogAudit(path).write(kRecord, kPatience));
   // Facility authpriv (10), severity notice (5).
   EXPECT_THAT(socket.receive(),
               test::MatchesRegex("<85>[A-Z][a-z][a-z] [ 1-3][0-9] [0-9:]{8} quorveld\\[" +
@@ -77,13 +97,47 @@ TEST(SystemLogAudit, WritesOneRecordToTheSystemLog) {
   EXPECT_THAT(log.lines(), IsEmpty());
 }
 
-TEST(SystemLogAudit, WritesToTheAgentsLogWhereTheSystemLogTakesNothing) {
+TEST(SystemLogAudit, SaysThatASystemLogThatDoesNotReadHasNoRoom) {
+  const test::TempDirectory directory;
+  const std::string path = (directory.path() / "log").string();
+  const test::DatagramSocket socket(path);
+  quorveld::SystemLogAudit audit(path);
+  unsigned taken = 0;
+  while (audit.write(kRecord, kPatience)) {
+    ++taken;
+  }
+  EXPECT_GT(taken, 0u);
+  EXPECT_NE(socket.receive(), "");
+  EXPECT_TRUE(audit.write(kRecord, kPatience));
+}
+
+TEST(SystemLogAudit, WritesToTheAgentsLogAndStandardErrorWhereThereIsNoSystemLog) {
   const test::TempDirectory directory;
   const test::LogCapture log;
-  quorveld::SystemLogAudit((directory.path() / "missing").string()).write(kRecord);
-  quorveld::SystemLogAudit("/" + std::string(200, 'x')).write(kRecord);
+  testing::internal::CaptureStderr();
+  EXPECT_TRUE(
+      quorveld::SystemLogAudit((directory.path() / "missing").string()).write(kRecord, kPatience));
+  EXPECT_TRUE(quorveld::SystemLogAudit("/" + std::string(200, 'x')).write(kRecord, kPatience));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "quorveld: audit: " + kLine + "\nquorveld: audit: " + kLine + "\n");
   EXPECT_THAT(log.messages("quorveld::SystemLogAudit::write"),
               ElementsAre(HasSubstr("audit: " + kLine), HasSubstr("audit: " + kLine)));
+}
+
+// Standard error may be a pipe to a log that does not read, either.
+TEST(SystemLogAudit, DoesNotWaitForStandardError) {
+  int ends[2] = {-1, -1};
+  ASSERT_EQ(pipe(ends), 0);
+  const int kept = dup(STDERR_FILENO);
+  dup2(ends[1], STDERR_FILENO);
+  quorveld::SystemLogAudit audit("/missing");
+  for (int i = 0; i < 2000; ++i) {
+    audit.writeElsewhere(kRecord);
+  }
+  dup2(kept, STDERR_FILENO);
+  for (const int descriptor : {kept, ends[0], ends[1]}) {
+    close(descriptor);
+  }
 }
 
 }  // namespace

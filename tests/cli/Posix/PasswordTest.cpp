@@ -1,7 +1,9 @@
+#include <filesystem>
 #include <gmock/gmock.h>
+#include <string>
 
 #include "cli/Context.h"
-#include "cli/Password.h"
+#include "cli/Posix/Password.h"
 #include "client/Fault.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/Variables.h"
@@ -13,7 +15,7 @@ class PasswordTest : public testing::Test {
   ~PasswordTest() override { test::unsetVariable("QUORVEL_PASSWORD"); }
 
   [[nodiscard]] std::string fileOf(const std::string& content) const {
-    return m_directory.write("password", content).string();
+    return m_directory.writePrivate("password", content).string();
   }
 
   static std::string refusalOf(const std::string& file) {
@@ -51,6 +53,20 @@ TEST_F(PasswordTest, IsNotFoundInAFileThatLacksIt) {
             "permissions");
   EXPECT_THAT(refusalOf(fileOf("\nsecret\n")), testing::HasSubstr("is empty"));
   EXPECT_THAT(refusalOf(fileOf("")), testing::HasSubstr("is empty"));
+}
+
+TEST_F(PasswordTest, IsNotTakenFromAFileOfOthers) {
+  const std::string file = fileOf("secret\n");
+  std::filesystem::permissions(file, std::filesystem::perms::others_read,
+                               std::filesystem::perm_options::add);
+  EXPECT_EQ(refusalOf(file), "--password-file: '" + file +
+                                 "' can be read or changed by others than its owner; run: "
+                                 "chmod 600 " +
+                                 file);
+}
+
+TEST_F(PasswordTest, IsNotLookedForInAWholeDisk) {
+  EXPECT_THAT(refusalOf(fileOf(std::string(100'000, 'x'))), testing::HasSubstr("is longer than"));
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "tests/daemon/Posix/DatagramSocket.h"
+#include "tests/support/Posix/DatagramSocket.h"
 
 #include <array>
 #include <cerrno>

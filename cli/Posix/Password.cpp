@@ -1,25 +1,24 @@
-#include "cli/Password.h"
+#include "cli/Posix/Password.h"
 
 #include <cstdlib>
-#include <fstream>
 
 #include "client/Fault.h"
-#include "platform/Texts.h"
+#include "platform/Posix/PrivateFile.h"
 
 namespace cli {
 namespace {
 
 constexpr const char* kVariable = "QUORVEL_PASSWORD";
+constexpr std::size_t kMostBytes = 64 * 1024;
 
 std::string readFirstLine(const std::string& file) {
-  std::ifstream stream(platform::toPath(file));
   std::string line;
-  if (!stream.is_open()) {
-    throw client::Fault(
-        "--password-file: '" + file + "' cannot be read; check the path and its permissions",
-        client::Fault::Kind::Usage);
+  try {
+    line = platform::readPrivateLine(file, kMostBytes);
+  } catch (const platform::PrivateFileFault& fault) {
+    throw client::Fault(std::string("--password-file: ") + fault.what(),
+                        client::Fault::Kind::Usage);
   }
-  std::getline(stream, line);
   if (line.ends_with('\r')) {
     line.pop_back();
   }

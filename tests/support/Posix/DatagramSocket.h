@@ -1,7 +1,7 @@
 // A local datagram socket that a test listens on, in the place of a system's service.
 
-#ifndef ORVEX_TESTS_DAEMON_POSIX_DATAGRAMSOCKET_H_
-#define ORVEX_TESTS_DAEMON_POSIX_DATAGRAMSOCKET_H_
+#ifndef ORVEX_TESTS_SUPPORT_POSIX_DATAGRAMSOCKET_H_
+#define ORVEX_TESTS_SUPPORT_POSIX_DATAGRAMSOCKET_H_
 
 #include <string>
 
@@ -23,4 +23,4 @@ class DatagramSocket {
 
 }  // namespace test
 
-#endif  // ORVEX_TESTS_DAEMON_POSIX_DATAGRAMSOCKET_H_
+#endif  // ORVEX_TESTS_SUPPORT_POSIX_DATAGRAMSOCKET_H_

@@ -1,0 +1,41 @@
+// Text that came from elsewhere (a file, a host, a client), made fit for a terminal, a record or a
+// line of a log: nothing in it can command the terminal, begin a line of its own, or show in
+// another order than it stands. Any thread.
+//
+// Escaped are
+//   U+0000..U+001F, U+007F, U+0080..U+009F    control characters
+//   U+061C, U+200E, U+200F, U+202A..U+202E,   what turns the direction of writing
+//     U+2066..U+2069
+//   U+2028, U+2029                            what begins a line or a paragraph
+//   U+FEFF                                    what is not seen at all
+//   and each byte that belongs to no character.
+
+#ifndef ORVEX_UTILS_PRINTABLE_H_
+#define ORVEX_UTILS_PRINTABLE_H_
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "Utils/Export.h"
+
+namespace utils {
+
+// Returns how many bytes of UTF-8 text its first character has, where that shows as itself; 0 for
+// one that has to be escaped, for a byte that begins none, and for no text.
+[[nodiscard]] ORVEX_CORE_API std::size_t lengthOfPrintable(std::string_view text);
+
+// Returns a text of the program (see platform/Texts.h) on one line, with escapes in the place of
+// what must not show as itself: "\n", "\t", "\r", and "\x1b" for each other byte.
+[[nodiscard]] ORVEX_CORE_API std::string toPrintable(std::string_view text);
+
+// The same for what this program has put together: its lines stay lines, its tabs tabs.
+[[nodiscard]] ORVEX_CORE_API std::string toPrintableLines(std::string_view text);
+
+// Returns JSON in UTF-8 with "\u202e" in the place of what must not show as itself: the same
+// document for a program that reads it. Its line ends stay.
+[[nodiscard]] ORVEX_CORE_API std::string toPrintableJson(std::string_view json);
+
+}  // namespace utils
+
+#endif  // ORVEX_UTILS_PRINTABLE_H_
