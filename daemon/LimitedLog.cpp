@@ -7,7 +7,8 @@
 namespace quorveld {
 namespace {
 
-constexpr const char* kOthers = "OrvexQuorvel: LimitedLog: error: ";
+// Of kinds that count as one.
+constexpr const char* kOthers = "OrvexQuorvel: LimitedLog:0:quorveld::LimitedLog::write: error: ";
 
 // Returns what a line has in front of its message: "OrvexQuorvel: SOURCE:LINE:FUNCTION: LEVEL: ".
 // Functions have colons in their names, but no blank behind one.

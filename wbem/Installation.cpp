@@ -20,7 +20,9 @@ namespace {
 constexpr std::string_view kMethods[] = {"InstallFromURI", "InstallFromSoftwareIdentity"};
 
 constexpr const char* kSoftwareClass = "Orvex_SoftwareIdentity";
-constexpr std::uint32_t kInstalledComponent = 2;  // a value of ImageKind
+// Values of ImageKind.
+constexpr std::uint32_t kInstalledComponent = 2;
+constexpr std::uint32_t kFirmwareFile = 4;
 
 // Each is the client's and may be long.
 constexpr std::size_t kMostBytesTold = 2048;
@@ -99,21 +101,42 @@ std::string join(const std::vector<std::string>& texts) {
   return joined;
 }
 
-std::string listInstalled(core::CimBroker& broker, const std::string& adapter) {
-  std::string text;
+// Appends the types and the version of a piece of software.
+void appendVersion(std::string& text, core::CimPropertyList& software) {
+  const auto* types =
+      find<core::CimPropertyString_arr>(software, "TargetTypes", core::kCimStringArray);
+  text += (text.empty() ? "" : ", ") + (types != nullptr ? join(types->getValue()) + " " : "") +
+          textOf(software, "VersionString");
+}
+
+struct Versions {
+  std::string installed;  // on the adapter
+  std::string offered;    // by the file
+};
+
+Versions listVersions(core::CimBroker& broker, const std::string& adapter,
+                      const std::string& file) {
+  Versions versions;
   for (core::CimInstance* const software : broker.getInstances(kSoftwareClass)) {
     core::CimPropertyList& properties = software->getProperties();
     const auto* kind = find<core::CimPropertyUint32>(properties, "ImageKind", core::kCimUint32);
-    if (kind == nullptr || kind->getValue() != kInstalledComponent ||
-        !isOn(textOf(properties, "Name"), adapter)) {
-      continue;
+    const std::string name = textOf(properties, "Name");
+    if (kind != nullptr && kind->getValue() == kInstalledComponent && isOn(name, adapter)) {
+      appendVersion(versions.installed, properties);
+    } else if (kind != nullptr && kind->getValue() == kFirmwareFile && name == file) {
+      appendVersion(versions.offered, properties);
     }
-    const auto* types =
-        find<core::CimPropertyString_arr>(properties, "TargetTypes", core::kCimStringArray);
-    text += (text.empty() ? "" : ", ") + (types != nullptr ? join(types->getValue()) + " " : "") +
-            textOf(properties, "VersionString");
   }
-  return text;
+  return versions;
+}
+
+Versions tellVersions(core::CimBroker& broker, const std::string& adapter,
+                      const std::string& file) {
+  try {
+    return listVersions(broker, adapter, file);
+  } catch (const std::exception& exception) {
+    return {std::string("not known: ") + exception.what(), ""};
+  }
 }
 
 }  // namespace
@@ -130,12 +153,14 @@ std::optional<Installation> describeInstallation(const std::string& method,
   return installation;
 }
 
+void fillInVersions(core::CimBroker& broker, Installation& installation) {
+  Versions versions = tellVersions(broker, installation.adapter, installation.file);
+  installation.oldVersions = std::move(versions.installed);
+  installation.newVersions = std::move(versions.offered);
+}
+
 std::string describeInstalled(core::CimBroker& broker, const std::string& adapter) {
-  try {
-    return listInstalled(broker, adapter);
-  } catch (const std::exception& exception) {
-    return std::string("not known: ") + exception.what();
-  }
+  return tellVersions(broker, adapter, "").installed;
 }
 
 std::vector<std::pair<std::string, std::string>> toDetails(const Installation& installation) {

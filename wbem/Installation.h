@@ -23,6 +23,7 @@ struct Installation {
   std::string sha256;       // of the file, or why there is none
   std::string options;      // "5, 32768=IMG_PXE": InstallOptions with their values
   std::string oldVersions;  // of the components of the adapter: "IMG_PXE 0.1, IMG_UEFI 1.2"
+  // Of the file, where the inventory lists it; when the job has ended, of the adapter.
   std::string newVersions;
   std::string job;  // its InstanceID
 };
@@ -31,8 +32,11 @@ struct Installation {
 [[nodiscard]] std::optional<Installation> describeInstallation(const std::string& method,
                                                                core::CimPropertyList& arguments);
 
-// Returns the versions of what is installed on an adapter, which a port of it may stand for; empty
-// where there is none, and why where they cannot be told. The caller holds the broker's request.
+// Fills in the versions: what is installed on the adapter, which a port of it may stand for, and
+// what the file holds. Where they cannot be told, why. The caller holds the broker's request.
+void fillInVersions(core::CimBroker& broker, Installation& installation);
+
+// Returns the versions of what is installed on an adapter, in the same way.
 [[nodiscard]] std::string describeInstalled(core::CimBroker& broker, const std::string& adapter);
 
 // Returns what is known as a record has it, each text with its name. Any thread.

@@ -106,8 +106,7 @@ void invokeMethod(const cimxml::Request& request, core::CimBroker& broker,
   }
   const core::CimBroker::Request brokerRequest(broker);
   if (invocation.installation) {
-    invocation.installation->oldVersions =
-        describeInstalled(broker, invocation.installation->adapter);
+    fillInVersions(broker, *invocation.installation);
   }
   const auto invoke = [&](const ServedClass& /*served*/, core::CimInstance& instance) {
     if (!instance.hasMethod(method.name)) {

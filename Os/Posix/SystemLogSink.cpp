@@ -4,6 +4,7 @@
 #include <syslog.h>
 #include <utility>
 
+#include "Utils/Format.h"
 #include "Utils/Printable.h"
 
 namespace os {
@@ -16,7 +17,9 @@ void SystemLogSink::write(int priority, const std::string& line) noexcept {
   try {
     if (m_dropped > 0 &&
         send(LOG_ERR,
-             "OrvexQuorvel: SystemLogSink: error: " + std::to_string(m_dropped) +
+             utils::format("OrvexQuorvel: SystemLogSink:%d:os::SystemLogSink::write: error: ",
+                           __LINE__) +
+                 std::to_string(m_dropped) +
                  " records before this one were dropped: the system log did not take them\n",
              std::chrono::milliseconds(0))) {
       m_dropped = 0;

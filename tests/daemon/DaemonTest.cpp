@@ -150,6 +150,18 @@ TEST_F(DaemonTest, RefusesWrongArguments) {
   expectUsage({"--config", write("bad.conf", "speed = 7\n")}, "bad.conf:1: there is no setting");
 }
 
+TEST_F(DaemonTest, RefusesSettingsAndAKeyThatOthersCanRead) {
+  const std::string settings = write("settings.conf", "");
+  const std::string key = write("key.pem", "no key");
+  for (const std::string& file : {settings, key}) {
+    std::filesystem::permissions(file, std::filesystem::perms::others_read,
+                                 std::filesystem::perm_options::add);
+  }
+  expectUsage({"--config", settings}, "run: chmod 600 " + settings);
+  expectUsage({"--config", write("tls.conf", "certificate = " + key + "\nkey = " + key + "\n")},
+              "run: chmod 600 " + key);
+}
+
 TEST_F(DaemonTest, RefusesWhatItCannotListenOn) {
   const std::string config = write("empty.conf", "");
   expectUsage({"--config", config, "--listen", "0.0.0.0:0"}, "in the clear");

@@ -105,6 +105,7 @@ class InstalledTest : public testing::Test {
     add("0001:03:00/0", 2, "IMG_PXE", "7.0");
     add("0000:03:0/0", 2, "IMG_PXE", "8.0");
     add("0000:03:00/file", 4, "IMG_PXE", "9.0");
+    add("/srv/new.rom", 4, "IMG_PXE", "0.2");
   }
 
   void add(const std::string& name, unsigned kind, const std::string& type,
@@ -123,6 +124,18 @@ TEST_F(InstalledTest, AreTheComponentsOfTheAdapter) {
   EXPECT_EQ(wbem::describeInstalled(m_broker, "0001:03:00.0"), "IMG_PXE 7.0");
   EXPECT_EQ(wbem::describeInstalled(m_broker, "0000:04:00"), "");
   EXPECT_EQ(wbem::describeInstalled(m_broker, ""), "");
+}
+
+TEST_F(InstalledTest, StandBesideThoseOfTheFile) {
+  Installation installation;
+  installation.adapter = "0001:03:00.0";
+  installation.file = "/srv/new.rom";
+  wbem::fillInVersions(m_broker, installation);
+  EXPECT_EQ(installation.oldVersions, "IMG_PXE 7.0");
+  EXPECT_EQ(installation.newVersions, "IMG_PXE 0.2");
+  installation.file = "/elsewhere/new.rom";
+  wbem::fillInVersions(m_broker, installation);
+  EXPECT_EQ(installation.newVersions, "");
 }
 
 TEST_F(InstalledTest, AreNotKnownWhereTheyCannotBeTold) {
