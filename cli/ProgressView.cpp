@@ -35,7 +35,7 @@ void ProgressView::show(unsigned percent, std::chrono::seconds elapsed) {
 }
 
 void ProgressView::showWait(const std::string& holder, std::chrono::seconds elapsed) {
-  const std::string text = "waiting for the flash: " + holder;
+  const std::string text = "waiting for the flash: " + utils::toPrintable(holder);
   if (m_style == ProgressStyle::Live) {
     showLive(m_label + "  " + text);
   }

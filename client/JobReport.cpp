@@ -16,7 +16,7 @@ std::string JobReport::outcome() const {
       text += ": " + utils::toPrintable(errorText);
     }
     if (!flashHolder.empty()) {
-      text += " (the flash was held by " + flashHolder + ")";
+      text += " (the flash was held by " + utils::toPrintable(flashHolder) + ")";
     }
   }
   return text;

@@ -88,6 +88,13 @@ TEST_F(ProgressViewTest, SaysWhoHasTheFlashEveryHalfMinuteElsewhere) {
             "x: waiting for the flash: tool, for 61\n");
 }
 
+// The name of a program is its owner's to choose.
+TEST_F(ProgressViewTest, TellsNoCommandsOfAHolderToATerminal) {
+  cli::ProgressView view(m_out, ProgressStyle::Lines, "updating x");
+  view.showWait("to\nol\x1b[2J", seconds(0));
+  EXPECT_EQ(m_out.str(), "updating x: waiting for the flash: to\\nol\\x1b[2J\n");
+}
+
 TEST_F(ProgressViewTest, SaysNothingOfAWaitWhenNotWanted) {
   cli::ProgressView view(m_out, ProgressStyle::None, "x");
   view.showWait("tool", seconds(0));

@@ -26,6 +26,10 @@ TEST(JobReport, TellsNoCommandsToATerminal) {
   report.state = cim::JobState::Exception;
   report.errorText = "\x1b[2J";
   EXPECT_EQ(report.outcome(), "Exception, error 0: \\x1b[2J");
+  // The name of a program is its owner's to choose.
+  report.flashHolder = "to\nol\x1b[2J, process 7";
+  EXPECT_EQ(report.outcome(),
+            "Exception, error 0: \\x1b[2J (the flash was held by to\\nol\\x1b[2J, process 7)");
 }
 
 TEST(JobReport, IsReadFromAnInstance) {
