@@ -64,7 +64,7 @@ UpdateJournal parseJournal(std::string_view text) {
   if (baseOfTemporary(journal.flashName) != "flash.rom") {
     refuseField("flash", "must be like \"flash.rom.new-0123456789abcdef\"");
   }
-  journal.flashSize = fields.number("flashSize", 1, std::numeric_limits<std::uint64_t>::max());
+  journal.flashSize = fields.number("flashSize", 0, std::numeric_limits<std::uint64_t>::max());
   journal.flashDigest = readDigest(fields);
   journal.change = readChange(fields);
   return journal;

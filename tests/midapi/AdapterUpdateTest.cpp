@@ -151,6 +151,15 @@ TEST_F(AdapterUpdateTest, KeepsWhatWasEditedMeanwhile) {
   EXPECT_EQ(m_adapters.get(kPci, "/name"), "\"Renamed\"");
 }
 
+TEST_F(AdapterUpdateTest, MayLeaveAnEmptyFlash) {
+  const auto update = begin();
+  update->writeFlash({}, m_progress);
+  update->setCapabilityWord(24);
+  update->commit();
+  EXPECT_EQ(m_adapters.flash(kPci), Bytes());
+  EXPECT_THAT(files(), testing::Not(Contains("update.json")));
+}
+
 TEST_F(AdapterUpdateTest, WritesNoDescriptionThatStaysTheSame) {
   const std::string before = m_adapters.description(kPci);
   const auto update = begin();
@@ -362,6 +371,22 @@ TEST_F(BrokenUpdate, IsCompletedAsOftenAsItTakes) {
   EXPECT_GE(deaths, 4);
   EXPECT_EQ(state(), "new");
   expectNextUpdateToTidyUp();
+}
+
+TEST_F(BrokenUpdate, IsCompletedWithAnEmptyFlash) {
+  m_files.afterStep = [&](const std::string& step, const Path& path) {
+    if (step == "replace" && path.filename() == "update.json") {
+      m_files.isDead = true;
+      throw Death{};
+    }
+  };
+  const auto update = begin();
+  update->writeFlash({}, m_progress);
+  update->setCapabilityWord(24);
+  EXPECT_THROW(update->commit(), Death);
+  forget();
+  EXPECT_EQ(folder().state().description.capabilityWord, 24U);
+  EXPECT_EQ(folder().flash().view().size(), 0U);
 }
 
 TEST_F(BrokenUpdate, IsReadByThoseWhoMayNotCompleteIt) {

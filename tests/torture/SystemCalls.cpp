@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdarg>
 #include <cstddef>
 #include <cstdlib>
@@ -10,7 +11,6 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <map>
-#include <signal.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -142,7 +142,8 @@ std::uint64_t watchedBytes() {
 
 }  // namespace test
 
-// What the libraries call. Names and types are the system's.
+// What the libraries call. Names and types are the system's; its names for the arguments are
+// reserved. NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
 extern "C" {
 
 int open(const char* path, int flags, ...) {
@@ -261,3 +262,4 @@ int fchmod(int file, mode_t mode) noexcept {
 }
 
 }  // extern "C"
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)

@@ -245,7 +245,9 @@ void Torture::sweep() {
 }
 
 void Torture::killAtRandom() {
-  const microseconds life(below(static_cast<std::uint64_t>(m_time.count()) * 5 / 4));
+  // All is decided near the end, so every other kill is meant for it.
+  const auto time = static_cast<std::uint64_t>(m_time.count());
+  const microseconds life(below(2) == 0 ? below(time) : time * 3 / 4 + below(time / 2));
   m_doing = "a kill after " + std::to_string(life.count()) + " us";
   torment(
       "kill at a moment", [] {}, life);

@@ -113,7 +113,7 @@ void Victim::makeAnother() const {
   const std::filesystem::path made = home / "0000-04-00";
   watchSystemCalls(m_adapters.directory().string(), {});
   ma::VirtualAdapters(home).add(spec);
-  const std::vector<std::string> calls = lastingCalls();
+  const std::vector<std::string>& calls = lastingCalls();
   std::filesystem::remove_all(home);
   // With the random part of the name cut off.
   std::string order;

@@ -148,4 +148,18 @@ TEST_F(CrashSafety, HoldsOneOfBothWhateverTheMomentOfTheKill) {
   EXPECT_THAT(m_adapters.filesOf(kPci), testing::ElementsAre("adapter.json", "flash.rom"));
 }
 
+TEST_F(CrashSafety, LeavesTheRunningUpdateOfAnotherProcessAlone) {
+  m_adapters.set(kPci, "/faults", R"({"hang": {"atPercent": 50}})");
+  startWriter();
+  waitForTemporaryOf(m_new.size() / 2);
+  const std::vector<std::string> files = m_adapters.filesOf(kPci);
+  EXPECT_THAT(files, testing::Contains("update.lock"));
+  expectOldOrNew();
+  EXPECT_EQ(m_adapters.filesOf(kPci), files);
+  killWriter();
+  m_adapters.set(kPci, "/faults", "{}");
+  EXPECT_TRUE(write());
+  EXPECT_THAT(m_adapters.filesOf(kPci), testing::ElementsAre("adapter.json", "flash.rom"));
+}
+
 }  // namespace
