@@ -128,9 +128,11 @@ void FirmwareSearch::Look::searchDirectory(const fs::path& directory) {
   const std::string shown = "Firmware directory '" + platform::toShownText(directory) + "' ";
   const auto listing = std::make_shared<Listing>();
   const std::size_t most = kMostFiles - m_seen.size();
+  // As for the files in it, whose paths have slashes on every platform.
+  const std::string place = os::directoryOf(
+      platform::toGenericText(absolute / "x").value_or(platform::toShownText(absolute)));
   const os::FileAnswer answer =
-      os::fileCalls().make(os::directoryOf(platform::toShownText(absolute / "x")),
-                           [listing, absolute, most] { list(absolute, most, *listing); });
+      os::fileCalls().make(place, [listing, absolute, most] { list(absolute, most, *listing); });
   if (answer != os::FileAnswer::InTime) {
     m_findings.addProblem(shown + "cannot be read: its file system does not answer");
     return;
