@@ -160,13 +160,16 @@ QuorvelConfig::Reading QuorvelConfig::readSettings() const {
 
 void QuorvelConfig::readFirmwarePaths(const std::string& text, const std::string& place,
                                       Reading& reading) {
+  const auto ignore = [&](const std::string& path, const char* reason) {
+    reading.problems.insert(
+        format("%s: FWFilePath: '%s' is ignored: %s", place.c_str(), path.c_str(), reason));
+  };
   for (std::string path : split(text, ';', kNoQuote)) {
-    const std::string ignored = place + ": FWFilePath: '" + path + "' is ignored: ";
     logDebug(kLog, kInitialize, "Candidate path : %s", path.c_str());
     if (path.size() < kShortestPath) {
       logDebug(kLog, kInitialize, "Path %s is too short", path.c_str());
       if (!path.empty()) {
-        reading.problems.insert(ignored + "it is too short; write it with a directory before it");
+        ignore(path, "it is too short; write it with a directory before it");
       }
       continue;
     }
@@ -178,7 +181,7 @@ void QuorvelConfig::readFirmwarePaths(const std::string& text, const std::string
       logDebug(kLog, kInitialize, "Read next FWFilePath : %s", path.c_str());
       reading.firmwarePaths.push_back(path);
     } else {
-      reading.problems.insert(ignored + "there is no such directory, or it does not answer");
+      ignore(path, "there is no such directory, or it does not answer");
     }
   }
 }

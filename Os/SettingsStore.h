@@ -22,8 +22,8 @@
 namespace utils {
 
 struct SettingName {
-  const char* key;   // the registry key
-  const char* name;  // the value under it
+  const char* key = nullptr;   // the registry key
+  const char* name = nullptr;  // the value under it
   bool isNumber = false;
 };
 

@@ -1,10 +1,12 @@
 #include "cli/Refusal.h"
 
 #include <filesystem>
+#include <memory>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
+#include "Os/FileCalls.h"
 #include "Utils/Printable.h"
 #include "Utils/RefusalTexts.h"
 #include "cim/MethodSignatures.h"
@@ -119,9 +121,15 @@ std::string adviseOnFile(const UpdateRequest& request) {
   if (path.empty() || request.isRemote) {
     return "";
   }
-  std::error_code error;
-  const std::filesystem::file_status status =
-      std::filesystem::status(platform::toPath(path), error);
+  const auto found = std::make_shared<std::filesystem::file_status>();
+  const os::FileAnswer answer = os::fileCalls().make(os::directoryOf(path), [found, path] {
+    std::error_code error;
+    *found = std::filesystem::status(platform::toPath(path), error);
+  });
+  if (answer != os::FileAnswer::InTime) {
+    return "the file system of '" + path + "' does not answer; try again when it does";
+  }
+  const std::filesystem::file_status status = *found;
   if (!std::filesystem::exists(status)) {
     return "there is no file '" + path + "'; check the path";
   }

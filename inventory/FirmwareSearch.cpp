@@ -70,12 +70,12 @@ void list(const fs::path& directory, std::size_t most, Listing& listing) {
   }
 }
 
-// Returns what stands at the path, a defect where nothing does or the file system does not answer.
-Entry lookInTime(const std::string& path) {
+// Returns what stands at the path, nothing where the file system does not answer.
+std::optional<Entry> lookInTime(const std::string& path) {
   const auto entry = std::make_shared<Entry>();
   const os::FileAnswer answer = os::fileCalls().make(
       os::directoryOf(path), [entry, path] { *entry = lookAt(platform::toPath(path)); });
-  return answer == os::FileAnswer::InTime ? *entry : Entry{{}, "it cannot be looked at", 0, {}};
+  return answer == os::FileAnswer::InTime ? std::optional(*entry) : std::nullopt;
 }
 
 std::vector<std::uint8_t> readAll(const std::string& path, std::size_t size) {
@@ -88,11 +88,17 @@ std::vector<std::uint8_t> readAll(const std::string& path, std::size_t size) {
 
 }  // namespace
 
-std::vector<std::uint8_t> readFirmwareFile(const std::string& path) {
-  const Entry entry = lookInTime(path);
-  const bool isReadable =
-      entry.defect.empty() && entry.size <= utils::QuorvelConfig::getInstance()->getMaxImageSize();
-  return isReadable ? readAll(path, entry.size) : std::vector<std::uint8_t>();
+std::optional<std::vector<std::uint8_t>> readFirmwareFile(const std::string& path) {
+  const std::optional<Entry> entry = lookInTime(path);
+  if (!entry) {
+    return std::nullopt;
+  }
+  if (!entry->defect.empty() ||
+      entry->size > utils::QuorvelConfig::getInstance()->getMaxImageSize()) {
+    return std::vector<std::uint8_t>();
+  }
+  std::vector<std::uint8_t> content = readAll(path, entry->size);
+  return content.size() == entry->size ? std::optional(std::move(content)) : std::nullopt;
 }
 
 class FirmwareSearch::Look {
@@ -128,9 +134,11 @@ void FirmwareSearch::Look::searchDirectory(const fs::path& directory) {
   const std::string shown = "Firmware directory '" + platform::toShownText(directory) + "' ";
   const auto listing = std::make_shared<Listing>();
   const std::size_t most = kMostFiles - m_seen.size();
+  // As for the files in it, whose paths have slashes on every platform.
+  const std::string place = os::directoryOf(
+      platform::toGenericText(absolute / "x").value_or(platform::toShownText(absolute)));
   const os::FileAnswer answer =
-      os::fileCalls().make(os::directoryOf(platform::toShownText(absolute / "x")),
-                           [listing, absolute, most] { list(absolute, most, *listing); });
+      os::fileCalls().make(place, [listing, absolute, most] { list(absolute, most, *listing); });
   if (answer != os::FileAnswer::InTime) {
     m_findings.addProblem(shown + "cannot be read: its file system does not answer");
     return;
@@ -202,7 +210,8 @@ FirmwareSearch::Known FirmwareSearch::Look::describe(const std::string& path, co
   if (made.problem.empty()) {
     made.file = std::move(file);
   }
-  if (entry.identity && lookInTime(path).identity == entry.identity) {
+  const std::optional<Entry> after = lookInTime(path);
+  if (entry.identity && after && after->identity == entry.identity) {
     made.identity = *entry.identity;
     m_known.emplace(path, made);
   }

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -40,9 +41,9 @@ class FirmwareFindings {
   [[nodiscard]] virtual bool isEnough() const = 0;
 };
 
-// The content of a file that is no larger than the setting MaxImageSize; fewer bytes where it
-// cannot be read, or not in time (see Os/Files.h), none where it is larger.
-[[nodiscard]] std::vector<std::uint8_t> readFirmwareFile(const std::string& path);
+// Returns the content of a file: no bytes where nothing is there, or more than the setting
+// MaxImageSize allows; nothing where it cannot be read, or not in time (see Os/Files.h).
+[[nodiscard]] std::optional<std::vector<std::uint8_t>> readFirmwareFile(const std::string& path);
 
 // One look at a time. What a look costs grows with the number of files and with the bytes of those
 // that have changed. Neither grows without bound: a look takes kMostFiles files, each within

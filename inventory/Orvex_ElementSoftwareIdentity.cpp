@@ -53,10 +53,11 @@ Orvex_ElementSoftwareIdentity::Orvex_ElementSoftwareIdentity(core::CimInstance* 
   Comparison.setValue(comparison);
 }
 
-Orvex_ElementSoftwareIdentityClass::Orvex_ElementSoftwareIdentityClass()
+Orvex_ElementSoftwareIdentityClass::Orvex_ElementSoftwareIdentityClass(platform::Clock& clock)
     : InstanceProvider(Orvex_ElementSoftwareIdentity::kClassName,
                        {kLog, "Orvex_ElementSoftwareIdentityClass::getInstances", "getInstances",
-                        "ElementSoftwareIdentity::getInstances"}) {}
+                        "ElementSoftwareIdentity::getInstances"}),
+      m_clock(clock) {}
 
 void Orvex_ElementSoftwareIdentityClass::refresh() {
   instances().clear();
@@ -64,12 +65,21 @@ void Orvex_ElementSoftwareIdentityClass::refresh() {
   const std::vector<core::CimInstance*> identities =
       core::GetCimBroker().getInstances(Orvex_SoftwareIdentity::kClassName);
   const Controllers controllers = findControllers();
+  const platform::Clock::TimePoint deadline = m_clock.now() + kPatience;
+  std::size_t uncompared = 0;
   for (core::CimInstance* identity : identities) {
     const auto* software = dynamic_cast<AdapterSoftware*>(identity);
     if (software == nullptr) {
       continue;
     }
-    const std::vector<std::string> comparisons = software->compareWith(controllers.adapters);
+    std::vector<std::string> comparisons(controllers.adapters.size(),
+                                         inventory::kUnknownComparison);
+    if (software->getImageKind() != Orvex_SoftwareIdentity::kFirmwareImage ||
+        m_clock.now() < deadline) {
+      comparisons = software->compareWith(controllers.adapters);
+    } else {
+      ++uncompared;
+    }
     for (std::size_t i = 0; i < comparisons.size(); ++i) {
       if (!comparisons[i].empty()) {
         instances().add(
@@ -77,4 +87,15 @@ void Orvex_ElementSoftwareIdentityClass::refresh() {
       }
     }
   }
+  report(uncompared);
+}
+
+void Orvex_ElementSoftwareIdentityClass::report(std::size_t uncompared) {
+  if (uncompared > 0 && !m_isReported) {
+    utils::logError(kLog, "Orvex_ElementSoftwareIdentityClass::getInstances",
+                    "%d firmware files were not compared with the adapters, since that took longer "
+                    "than %d s; keep fewer or smaller ones in the directories of FWFilePath",
+                    static_cast<int>(uncompared), static_cast<int>(kPatience.count()));
+  }
+  m_isReported = uncompared > 0;
 }

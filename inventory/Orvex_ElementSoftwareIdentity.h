@@ -3,11 +3,14 @@
 #ifndef ORVEX_INVENTORY_ORVEX_ELEMENTSOFTWAREIDENTITY_H_
 #define ORVEX_INVENTORY_ORVEX_ELEMENTSOFTWAREIDENTITY_H_
 
+#include <chrono>
+#include <cstddef>
 #include <string>
 
 #include "cim/CIM_Dependency.h"
 #include "core/CimPropertyTypes.h"
 #include "core/InstanceProvider.h"
+#include "platform/Clock.h"
 
 class Orvex_ElementSoftwareIdentity : public CIM_Dependency {
  public:
@@ -27,18 +30,28 @@ class Orvex_ElementSoftwareIdentity : public CIM_Dependency {
   //   same version   an image of the installed versions in other bytes
   //   other types    an image whose types are not those that the adapter holds
   //   not updatable  an image for an adapter whose firmware cannot be replaced
-  //   unknown        an image, where the adapter's flash could not be read
+  //   unknown        an image, where the adapter's flash or the image could not be read, or not in
+  //                  time
   core::CimPropertyString Comparison{"Comparison", this};
 };
 
 // Rebuilds the associations at every enumeration. There is none between an image and an adapter
-// that it is not for.
+// that it is not for. Files are read for it while other requests wait: so long and no longer, then
+// the comparisons of the rest are unknown, with an error record, once until all were compared.
 class Orvex_ElementSoftwareIdentityClass : public core::InstanceProvider {
  public:
-  Orvex_ElementSoftwareIdentityClass();
+  static constexpr std::chrono::seconds kPatience{10};
+
+  explicit Orvex_ElementSoftwareIdentityClass(platform::Clock& clock = platform::steadyClock());
 
  protected:
   void refresh() override;
+
+ private:
+  void report(std::size_t uncompared);
+
+  platform::Clock& m_clock;
+  bool m_isReported = false;  // guarded by the request, as the instances are
 };
 
 #endif  // ORVEX_INVENTORY_ORVEX_ELEMENTSOFTWAREIDENTITY_H_

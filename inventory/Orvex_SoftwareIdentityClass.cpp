@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -24,8 +25,14 @@ constexpr const char* kPciDevice = "Orvex:PCIDevice";
 constexpr const char* kInstalled = "installed";
 
 // Indexed by ma::ImageComparison.
-constexpr std::array<std::string_view, 8> kComparisonTexts = {
-    "", "not updatable", "other types", "older", "same version", "same", "newer", "unknown"};
+constexpr std::array<std::string_view, 8> kComparisonTexts = {"",
+                                                              "not updatable",
+                                                              "other types",
+                                                              "older",
+                                                              "same version",
+                                                              "same",
+                                                              "newer",
+                                                              inventory::kUnknownComparison};
 
 void setSoftwareValues(Orvex_SoftwareIdentity& software, const std::string& instanceId,
                        const std::string& caption) {
@@ -67,12 +74,13 @@ class ImageFile final : public AdapterSoftware {
 
   [[nodiscard]] Texts compareWith(const std::vector<Adapter>& adapters) const override {
     // Read anew: an identity outlives the enumeration, and megabytes are not kept for it.
-    const std::vector<std::uint8_t> content =
-        adapters.empty() ? std::vector<std::uint8_t>() : inventory::readFirmwareFile(m_path);
+    const auto content = adapters.empty() ? std::nullopt : inventory::readFirmwareFile(m_path);
     Texts texts;
     for (const Adapter& adapter : adapters) {
-      const ma::ImageComparison comparison = ma::compareFlashImage(
-          adapter.firstPort, content.data(), static_cast<std::uint32_t>(content.size()));
+      const ma::ImageComparison comparison =
+          content ? ma::compareFlashImage(adapter.firstPort, content->data(),
+                                          static_cast<std::uint32_t>(content->size()))
+                  : ma::ImageComparison::Unknown;
       texts.emplace_back(kComparisonTexts[static_cast<std::size_t>(comparison)]);
     }
     return texts;

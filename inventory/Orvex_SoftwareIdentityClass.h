@@ -14,6 +14,8 @@
 
 namespace inventory {
 
+inline constexpr const char* kUnknownComparison = "unknown";
+
 // What the provider's instances can tell beyond their properties.
 class AdapterSoftware : public Orvex_SoftwareIdentity {
  public:

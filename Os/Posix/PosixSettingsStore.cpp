@@ -76,7 +76,8 @@ std::string adviseOnName(const std::string& name, std::span<const SettingName> k
   std::string all;
   for (const SettingName& setting : known) {
     names.emplace_back(setting.name);
-    all += (all.empty() ? "" : ", ") + names.back();
+    all += all.empty() ? "" : ", ";
+    all += setting.name;
   }
   const std::string nearest = os::findNearestName(name, names);
   return nearest.empty() ? "the settings are " + all : "did you mean '" + nearest + "'?";

@@ -3,6 +3,7 @@
 
 #include "cli/Refusal.h"
 #include "client/BrokerConnection.h"
+#include "tests/Os/HungDirectory.h"
 #include "tests/support/Programs.h"
 #include "tests/support/TempDirectory.h"
 
@@ -47,6 +48,15 @@ TEST(RefusalAdvice, OnImageTypesDependsOnTheRequest) {
   EXPECT_THAT(adviceFor(kTypesDiffer), HasSubstr("--types IMG_PXE"));
   EXPECT_THAT(adviceFor(kTypesDiffer, true), HasSubstr("the file lacks a type"));
   EXPECT_THAT(adviceFor(kTypesDiffer, false, true), HasSubstr("OEMCustomizeable"));
+}
+
+TEST(RefusalAdvice, DoesNotWaitForAFileSystemThatDoesNotAnswer) {
+  const test::TempDirectory directory;
+  const std::string file = directory.path().generic_string() + "/a.rom";
+  const test::HungDirectory hung(directory.path().generic_string());
+
+  EXPECT_EQ(adviseOnRefusal(5, "EUriDoesNotExist:x", {file}),
+            "the file system of '" + file + "' does not answer; try again when it does");
 }
 
 TEST(RefusalAdvice, LooksAtTheFileFirst) {

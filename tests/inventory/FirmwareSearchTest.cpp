@@ -9,6 +9,7 @@
 
 #include "inventory/FirmwareSearch.h"
 #include "tests/inventory/InventoryFixture.h"
+#include "tests/support/TempDirectory.h"
 
 namespace {
 
@@ -21,6 +22,7 @@ using test::RomImage;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Optional;
 using testing::SizeIs;
 
 class Findings final : public inventory::FirmwareFindings {
@@ -69,8 +71,8 @@ TEST_F(FirmwareSearch, LeavesOutWhatIsLargerThanTheSetting) {
                                      " bytes are more than MaxImageSize allows (" +
                                      std::to_string(image.size()) + " in " +
                                      utils::QuorvelConfig::placeOf(m_settings.path()) + ")")));
-  EXPECT_THAT(inventory::readFirmwareFile(fits), SizeIs(image.size()));
-  EXPECT_THAT(inventory::readFirmwareFile(large), IsEmpty());
+  EXPECT_THAT(inventory::readFirmwareFile(fits), Optional(image));
+  EXPECT_THAT(inventory::readFirmwareFile(large), Optional(Bytes()));
 }
 
 TEST_F(FirmwareSearch, TakesAFileOf64MiBByDefault) {
@@ -111,6 +113,14 @@ TEST_F(FirmwareSearch, LooksAtABoundedNumberOfFiles) {
                   "' has too many files: the last 1 by name are left out, since no more than 1000 "
                   "are looked at in all directories");
   EXPECT_THAT(found.problems.back(), HasSubstr("the last 1 by name are left out"));
+}
+
+TEST(ReadFirmwareFile, HasNoBytesWhereNothingIs) {
+  const test::TempDirectory directory;
+
+  EXPECT_THAT(inventory::readFirmwareFile(directory.path().generic_string() + "/none"),
+              Optional(Bytes()));
+  EXPECT_THAT(inventory::readFirmwareFile(directory.path().generic_string()), Optional(Bytes()));
 }
 
 TEST_F(FirmwareSearch, EndsWhenNobodyWantsMore) {

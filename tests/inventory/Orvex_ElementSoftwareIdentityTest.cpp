@@ -1,6 +1,8 @@
+#include <chrono>
 #include <gmock/gmock.h>
 #include <string>
 #include <tuple>
+#include <vector>
 
 #include "core/CimBroker.h"
 #include "inventory/Orvex_ElementSoftwareIdentity.h"
@@ -63,6 +65,45 @@ TEST_F(ElementSoftwareIdentity, RefersToInstancesThatTheBrokerServes) {
 
   EXPECT_NE(m_broker.getInstanceByPath(core::CimPath(software)), nullptr);
   EXPECT_NE(m_broker.getInstanceByPath(core::CimPath(controller)), nullptr);
+}
+
+// A clock whose time passes with every look at it.
+class HurriedClock final : public platform::Clock {
+ public:
+  Duration step{0};
+
+  [[nodiscard]] TimePoint now() const override { return m_now += step; }
+  void sleepFor(Duration duration) override { m_now += duration; }
+
+ private:
+  mutable TimePoint m_now;
+};
+
+TEST_F(ElementSoftwareIdentity, OfFilesIsUnknownWhenComparingTakesTooLong) {
+  m_adapters.makeAdapter(kAdapter, firmware(2));
+  makeFile("first/a.rom", firmware(3));
+  makeFile("first/b.rom", firmware(3));
+  HurriedClock clock;
+  Orvex_ElementSoftwareIdentityClass provider(clock);
+  const auto comparisons = [&] {
+    m_log.clear();
+    std::vector<std::string> texts;
+    for (const auto* one : enumerate<Orvex_ElementSoftwareIdentity>(provider)) {
+      texts.push_back(one->Comparison.getValue());
+    }
+    return texts;
+  };
+  clock.step = std::chrono::seconds(6);
+
+  EXPECT_THAT(comparisons(), ElementsAre("newer", "unknown", "installed", "installed"));
+  EXPECT_THAT(m_log.records(test::LogSink::EventLog),
+              ElementsAre(test::IsRecord(
+                  test::LogLevel::Error, "Orvex_ElementSoftwareIdentityClass::getInstances",
+                  testing::StartsWith("1 firmware files were not compared with the adapters"))));
+  EXPECT_THAT(comparisons(), ElementsAre("newer", "unknown", "installed", "installed"));
+  EXPECT_THAT(m_log.records(test::LogSink::EventLog), IsEmpty());
+  clock.step = std::chrono::seconds(0);
+  EXPECT_THAT(comparisons(), ElementsAre("newer", "newer", "installed", "installed"));
 }
 
 TEST_F(ElementSoftwareIdentity, IsRebuiltAtEachEnumeration) {

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -62,12 +63,13 @@ TEST_F(PosixFirmwareSearch, ReadsAFileThatStandsInThePlaceOfAnother) {
 }
 
 TEST_F(PosixFirmwareSearch, LeavesADirectoryOutThatDoesNotAnswer) {
-  makeFile("first/a.rom", firmware(1));
+  const std::string away = makeFile("first/a.rom", firmware(1));
   const std::string here = makeFile("second/b.rom", firmware(1));
   configure(firstDirectory().string() + "/;" + secondDirectory().string());
   {
     const test::HungDirectory hung(firstDirectory().string());
 
+    EXPECT_EQ(inventory::readFirmwareFile(away), std::nullopt);
     EXPECT_THAT(find(), ElementsAre(here));
     EXPECT_THAT(problems(), ElementsAre("Firmware directory '" + firstDirectory().string() +
                                         "/' cannot be read: its file system does not answer"));
