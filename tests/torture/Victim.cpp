@@ -1,8 +1,10 @@
 #include "tests/torture/Victim.h"
 
+#include <fstream>
 #include <sched.h>
 #include <stdexcept>
 #include <sys/mount.h>
+#include <unistd.h>
 
 #include "midapi/MidApi.h"
 #include "midapi/VirtualAdapters.h"
@@ -20,6 +22,23 @@ Bytes iscsiImage() {
 }
 Bytes uefiImage() {
   return RomBuilder().add(RomImage::efi().units(300).seed(2)).build();
+}
+
+bool writeLine(const char* path, const std::string& line) {
+  return static_cast<bool>(std::ofstream(path) << line << std::flush);
+}
+
+// Gives this process mounts of its own; who is not the superuser becomes one of its own for that.
+bool ownMounts() {
+  if (::unshare(CLONE_NEWNS) == 0) {
+    return true;
+  }
+  const std::string user = std::to_string(::geteuid());
+  const std::string group = std::to_string(::getegid());
+  return ::unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0 &&
+         writeLine("/proc/self/uid_map", "0 " + user + " 1") &&
+         writeLine("/proc/self/setgroups", "deny") &&
+         writeLine("/proc/self/gid_map", "0 " + group + " 1");
 }
 
 }  // namespace
@@ -91,8 +110,7 @@ bool Victim::moveToSmallDisk(std::uint64_t room) const {
   const Bytes flash = m_adapters.flash(kPci);
   // A page for each of: the root, the folder, and the end of each file.
   const std::uint64_t size = description.size() + flash.size() + 4 * 4096 + room;
-  if ((::unshare(CLONE_NEWNS) != 0 && ::unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) ||
-      ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+  if (!ownMounts() || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
       ::mount("torture", m_adapters.directory().c_str(), "tmpfs", MS_NOSUID | MS_NODEV,
               ("size=" + std::to_string(size)).c_str()) != 0) {
     return false;

@@ -55,8 +55,7 @@ class KilledHost : public testing::Test {
   bool hasTemporaryOf(std::size_t size) const {
     for (const std::filesystem::path& path : temporaries()) {
       std::error_code gone;
-      if (m_leftBehind.count(path) == 0 && std::filesystem::file_size(path, gone) >= size &&
-          !gone) {
+      if (!m_leftBehind.contains(path) && std::filesystem::file_size(path, gone) >= size && !gone) {
         return true;
       }
     }
