@@ -8,6 +8,7 @@
 #include "Os/NearestName.h"
 #include "Os/SettingsStore.h"
 #include "Utils/Conversions.h"
+#include "Utils/Format.h"
 #include "Utils/Log.h"
 
 namespace utils {
@@ -110,7 +111,7 @@ SettingsStore::SettingsStore(const std::string& path) : m_path(path) {
       m_values[trim(line.substr(0, equals))] = {std::move(value), place};
     }
     if (!problem.empty() && m_problems.size() < kMostProblems) {
-      m_problems.push_back(place + ": " + problem);
+      m_problems.push_back(format("%s: %s", place.c_str(), problem.c_str()));
     }
   }
 }
