@@ -13,7 +13,6 @@
 namespace {
 
 using testing::HasSubstr;
-using testing::StartsWith;
 
 const std::string kAnna = "Basic YW5uYTpzZWNyZXQ=";  // anna:secret
 

@@ -56,9 +56,10 @@ TEST(AnswerMemory, LetsAnAnswerThroughAloneThatIsLargerThanTheRoom) {
 TEST(AnswerMemory, CountsAShareOnceThatIsMoved) {
   AnswerMemory memory(kLarge);
   {
-    std::optional<AnswerMemory::Share> share = memory.take(kLarge);
-    const AnswerMemory::Share moved = *std::move(share);
-    share.reset();
+    const AnswerMemory::Share moved = [&memory] {
+      std::optional<AnswerMemory::Share> share = memory.take(kLarge);
+      return *std::move(share);
+    }();
     EXPECT_EQ(memory.held(), kLarge);
   }
   EXPECT_EQ(memory.held(), 0U);

@@ -118,10 +118,10 @@ TEST_P(ConnectionHeadTest, AnswersAHandlersFailureAtTheHead) {
 }
 
 TEST_P(ConnectionHeadTest, TakesTheHandlersTimeAtTheHeadFromNoBody) {
-  m_options.requestTimeout = 300ms;
+  m_options.requestTimeout = 1000ms;
   start(&test::echo, [](Request& /*request*/, Response& /*response*/) {
     const auto begin = Clock::now();
-    return test::waitUntil([&] { return Clock::now() - begin > 500ms; });
+    return test::waitUntil([&] { return Clock::now() - begin > 1200ms; });
   });
   RawClient client = connect();
   const std::string request = post("hello", "Expect: 100-continue\r\n");
