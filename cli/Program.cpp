@@ -38,6 +38,7 @@ constexpr const char* kFooter =
     "  quorvel classes\n"
     "  quorvel instances Orvex_EthernetPort --json\n"
     "  quorvel update --help\n"
+    "  quorvel --host unix: jobs\n"
     "  quorvel --host https://admin@server1:5989 jobs\n"
     "\n"
     "With --host a command works in a host that runs elsewhere, or on this machine as a service.\n"
@@ -68,8 +69,10 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
          "Configuration file (/etc/OrvexQuorvelProvider.conf); Windows takes its registry instead")
       ->type_name("FILE");
   host::addLogLevelOption(app, options.logLevel);
-  app.add_option("--host", options.host, "Work in the host at this address, not in this process")
-      ->type_name("http(s)://[USER@]HOST:PORT")
+  app.add_option("--host", options.host,
+                 "Work in the host at this address, not in this process; unix: is the service of "
+                 "this machine")
+      ->type_name("http(s)://[USER@]HOST:PORT | unix:[PATH]")
       ->check(host::notEmpty());
   app.add_option("--password-file", options.passwordFile,
                  "File whose first line is the password for the host")

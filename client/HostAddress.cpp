@@ -7,6 +7,7 @@
 
 #include "cimxml/Ports.h"
 #include "client/Fault.h"
+#include "http/Endpoint.h"
 
 namespace client {
 namespace {
@@ -26,7 +27,7 @@ constexpr Scheme kSchemes[] = {
 
 [[noreturn]] void refuse(const std::string& text, const std::string& reason) {
   throw Fault("--host: '" + text + "' " + reason +
-                  "; write http://[USER@]HOST:PORT or https://[USER@]HOST:PORT",
+                  "; write http://[USER@]HOST:PORT, https://[USER@]HOST:PORT or unix:[PATH]",
               Fault::Kind::Usage);
 }
 
@@ -141,25 +142,43 @@ std::string parseUser(std::string_view user, const std::string& text) {
   return *decoded;
 }
 
+HostAddress parseLocalAddress(const std::string& text) {
+  HostAddress address;
+  address.path = text.substr(std::string_view(http::kLocalScheme).size());
+  if (address.path.empty()) {
+    address.path = HostAddress::kDefaultSocket;
+  } else if (!address.path.starts_with('/')) {
+    refuse(text, "has a path that does not begin with a '/'");
+  }
+  return address;
+}
+
 }  // namespace
 
 std::string HostAddress::url() const {
+  if (!path.empty()) {
+    return http::kLocalScheme + path;
+  }
   const bool isBracketed = host.find(':') != std::string::npos;
   return std::string(kSchemes[isTls ? 1 : 0].prefix) + (isBracketed ? "[" + host + "]" : host) +
          ":" + std::to_string(port);
 }
 
 bool HostAddress::isLoopback() const {
-  return host == "localhost" || host == "::1" || (host.starts_with("127.") && isIpv4(host));
+  return !path.empty() || host == "localhost" || host == "::1" ||
+         (host.starts_with("127.") && isIpv4(host));
 }
 
 HostAddress parseHostAddress(const std::string& text) {
+  if (text.starts_with(http::kLocalScheme)) {
+    return parseLocalAddress(text);
+  }
   const Scheme* const scheme = findScheme(text);
   if (scheme == nullptr) {
     if (text.find('@') != std::string::npos && text.find(':') != std::string::npos) {
       throw Fault("--host: an address begins with http:// or https://", Fault::Kind::Usage);
     }
-    refuse(text, "does not begin with http:// or https://");
+    refuse(text, "does not begin with http://, https:// or unix:");
   }
   HostAddress address;
   address.isTls = scheme->isTls;

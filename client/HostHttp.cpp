@@ -14,6 +14,7 @@ std::shared_ptr<http::Client> makeClient(const HostAddress& address, const std::
   http::ClientOptions options;
   options.host = address.host;
   options.port = address.port;
+  options.path = address.path;
   options.isTls = address.isTls;
   options.caFile = caFile;
   options.mustBeLoopback = address.isLoginReadable();

@@ -53,6 +53,10 @@ bool isLoopbackAddress(const std::string& address) {
 
 std::optional<http::Endpoint> parseEndpoint(std::string_view text) {
   http::Endpoint endpoint;
+  if (text.starts_with(http::kLocalScheme)) {
+    endpoint.path = text.substr(std::string_view(http::kLocalScheme).size());
+    return endpoint.path.starts_with('/') ? std::optional(endpoint) : std::nullopt;
+  }
   if (text.starts_with(kTls)) {
     endpoint.isTls = true;
     text.remove_prefix(kTls.size());

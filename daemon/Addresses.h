@@ -14,7 +14,8 @@ namespace quorveld {
 // Returns whether the text is an address of this machine alone: 127.0.0.0/8, ::1. A name is none.
 [[nodiscard]] bool isLoopbackAddress(const std::string& address);
 
-// Reads "[https:]ADDRESS:PORT", an IPv6 address in brackets. Returns null for anything else.
+// Reads "[https:]ADDRESS:PORT", an IPv6 address in brackets, or "unix:PATH" with an absolute path.
+// Returns null for anything else.
 [[nodiscard]] std::optional<http::Endpoint> parseEndpoint(std::string_view text);
 
 // Returns whether the Host field of a request names this machine by a loopback address, or by

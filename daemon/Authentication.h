@@ -20,8 +20,19 @@ class Authenticator {
   Authenticator& operator=(const Authenticator&) = delete;
   virtual ~Authenticator() = default;
 
-  // Returns false where nobody has to log in: everybody has the role that check() returns then.
+  // Who is let in without a login.
+  struct Guest {
+    std::string user;  // empty where that is not known
+    wbem::Role role = wbem::Role::Reader;
+  };
+
+  // Returns false where nobody has to log in: admit() is asked in the place of check() then.
   [[nodiscard]] virtual bool demandsLogin() const { return true; }
+  // Returns who comes in, nothing for one who does not. `peer` is the number of the user at the
+  // other end, where it is known.
+  [[nodiscard]] virtual std::optional<Guest> admit(std::optional<std::uint32_t> /*peer*/) {
+    return std::nullopt;
+  }
 
   // Returns null for a user that is unknown, a password that is wrong, and a user without a role.
   // It takes the same time for each, as far as that is in its hands. `address` is the client's.
@@ -33,10 +44,11 @@ class Authenticator {
   [[nodiscard]] virtual std::uint64_t revision() { return 0; }
 };
 
-// Lets everybody in as an operator: for a host that listens on loopback addresses alone.
+// Lets everybody in as an operator: for a host that listens on this machine alone.
 class NoAuthenticator final : public Authenticator {
  public:
   [[nodiscard]] bool demandsLogin() const override { return false; }
+  [[nodiscard]] std::optional<Guest> admit(std::optional<std::uint32_t> peer) override;
   [[nodiscard]] std::optional<wbem::Role> check(const std::string& user,
                                                 const std::string& password,
                                                 const std::string& address) override;

@@ -129,9 +129,9 @@ bool CimXmlHandler::admits(const http::Request& request, http::Response& respons
   if (!admitsHost(request, response)) {
     return false;
   }
-  LoginGate::Decision decision =
-      m_gate.admit(request.field("Authorization"),
-                   {request.peerAddress(), request.isLoopback(), request.isEncrypted()});
+  LoginGate::Decision decision = m_gate.admit(
+      request.field("Authorization"),
+      {request.peerAddress(), request.isLoopback(), request.isEncrypted(), request.peerUser()});
   response.delay = decision.delay;
   switch (decision.verdict) {
     case LoginGate::Verdict::Passed:
@@ -145,6 +145,10 @@ bool CimXmlHandler::admits(const http::Request& request, http::Response& respons
       refuse(response, http::kStatusServiceUnavailable,
              "Too many logins wait for their check. Try again later.");
       response.fields = "Retry-After: 1\r\n";
+      return false;
+    case LoginGate::Verdict::Unknown:
+      refuse(response, http::kStatusForbidden,
+             "Users of this machine alone are served here, and this connection tells of none.");
       return false;
     case LoginGate::Verdict::InTheClear:
       refuse(response, http::kStatusForbidden,

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Utils/Printable.h"
+#include "daemon/Posix/Privileges.h"
 #include "host/SharedOptions.h"
 
 namespace quorveld {
@@ -45,7 +46,8 @@ void addOptions(CLI::App& app, Arguments& arguments) {
       ->type_name("FILE")
       ->check(host::notEmpty());
   app.add_option("--listen", arguments.listen,
-                 "Where to listen (127.0.0.1:5988), https:ADDRESS:PORT for HTTPS; may be repeated")
+                 "Where to listen (127.0.0.1:5988), https:ADDRESS:PORT for HTTPS, unix:PATH for "
+                 "programs of this machine; may be repeated")
       ->type_name("ADDRESS:PORT")
       ->allow_extra_args(false);
   host::addAdaptersOption(app, arguments.adapters);
@@ -76,7 +78,7 @@ DaemonConfig merge(const Arguments& arguments) {
   if (!arguments.logLevel.empty()) {
     config.logLevel = arguments.logLevel;
   }
-  completeConfig(config);
+  completeConfig(config, readPrivileges());
   demandPrivateFiles(config);
   return config;
 }

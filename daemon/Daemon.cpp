@@ -25,8 +25,10 @@
 #include "daemon/PeriodicTask.h"
 #include "daemon/Posix/LargeBlocks.h"
 #include "daemon/Posix/LibraryLog.h"
+#include "daemon/Posix/LocalAuthenticator.h"
 #include "daemon/Posix/PamAuthenticator.h"
 #include "daemon/Posix/ServiceManager.h"
+#include "daemon/Posix/SocketOwner.h"
 #include "daemon/Posix/StopSignals.h"
 #include "daemon/Posix/SystemLogAudit.h"
 #include "host/ModuleLoader.h"
@@ -88,9 +90,11 @@ void loadAgents(const DaemonConfig& config) {
 }
 
 std::unique_ptr<Authenticator> makeAuthenticator(const DaemonConfig& config) {
-  switch (config.authentication.value_or(AuthenticationKind::None)) {
-    case AuthenticationKind::None:
+  switch (config.authentication.value_or(AuthenticationKind::Local)) {
+    case AuthenticationKind::Local:
       break;
+    case AuthenticationKind::None:
+      return std::make_unique<NoAuthenticator>();
     case AuthenticationKind::Pam:
       if (!isLibraryLogInForce()) {
         utils::logError(kLog, "quorveld::makeAuthenticator",
@@ -101,7 +105,7 @@ std::unique_ptr<Authenticator> makeAuthenticator(const DaemonConfig& config) {
     case AuthenticationKind::File:
       return std::make_unique<PasswordFileAuthenticator>(config.passwordFile);
   }
-  return std::make_unique<NoAuthenticator>();
+  return std::make_unique<LocalAuthenticator>(config.operators);
 }
 
 std::string findHostName() {
@@ -115,6 +119,9 @@ http::ServerOptions toServerOptions(const DaemonConfig& config) {
   // Logins that are held up take none of the threads that serve the others.
   options.threads += LoginGate::kMostInLine;
   options.endpoints = config.listen;
+  if (config.authentication == AuthenticationKind::Local) {
+    options.findUser = findClient;
+  }
   options.certificateFile = config.certificate;
   options.keyFile = config.key;
   options.maxConnections = config.maxConnections;
@@ -130,7 +137,10 @@ http::ServerOptions toServerOptions(const DaemonConfig& config) {
 std::string announce(const http::Server& server, std::ostream& out) {
   std::string list;
   for (const http::Endpoint& endpoint : server.endpoints()) {
-    const std::string place = (endpoint.isTls ? "https://" : "http://") + endpoint.text();
+    const std::string scheme = !endpoint.path.empty() ? ""
+                               : endpoint.isTls       ? "https://"
+                                                      : "http://";
+    const std::string place = scheme + endpoint.text();
     out << "quorveld: listening on " << place << '\n';
     list += (list.empty() ? "" : ", ") + place;
   }
@@ -152,7 +162,10 @@ void finishJobs(wbem::Server& server, const ServiceManager& manager) {
         utils::logDebug(kLog, "quorveld::finishJobs", "%s", text.c_str());
         manager.tellStatus(text);
       },
-      [] { std::this_thread::sleep_for(kJobsPeriod); });
+      [&manager] {
+        manager.tellAlive();
+        std::this_thread::sleep_for(kJobsPeriod);
+      });
 }
 
 void serve(const DaemonConfig& config, std::ostream& out) {
@@ -175,7 +188,9 @@ void serve(const DaemonConfig& config, std::ostream& out) {
   WbemService service(cimServer);
   LoginGate gate(*authenticator, audit);
   CimXmlHandler handler(service, gate, QUORVEL_VERSION);
-  http::Server httpServer(toServerOptions(config), handler);
+  http::ServerOptions serverOptions = toServerOptions(config);
+  serverOptions.onSweep = [&manager] { manager.tellAlive(); };
+  http::Server httpServer(std::move(serverOptions), handler);
 
   manager.tellReady("Serving on " + announce(httpServer, out));
   const StopSignals::Delivery delivery(signals, [&httpServer, &manager] {

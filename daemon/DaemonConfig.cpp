@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstdint>
 #include <filesystem>
+#include <initializer_list>
 #include <iterator>
 #include <set>
 #include <sstream>
@@ -31,6 +32,7 @@ constexpr std::uint32_t kMostSeconds = 86'400;
 constexpr std::size_t kMostFileBytes = 1024 * 1024;
 
 constexpr std::pair<const char*, AuthenticationKind> kAuthentications[] = {
+    {"local", AuthenticationKind::Local},
     {"none", AuthenticationKind::None},
     {"pam", AuthenticationKind::Pam},
     {"file", AuthenticationKind::File},
@@ -61,7 +63,7 @@ AuthenticationKind demandAuthentication(const Line& line) {
     }
   }
   throw ConfigurationFault(line.place + "'" + line.value +
-                           "' is no way to log in; write pam, file or none");
+                           "' is no way to log in; write local, pam, file or none");
 }
 
 std::string demandLogLevel(const Line& line) {
@@ -174,10 +176,12 @@ void applyLine(DaemonConfig& config, const std::string& place, const std::string
   setting.apply(config, line);
 }
 
+bool isOfThisMachine(const http::Endpoint& endpoint) {
+  return !endpoint.path.empty() || isLoopbackAddress(endpoint.address);
+}
+
 bool isLoopbackOnly(const DaemonConfig& config) {
-  return std::all_of(
-      config.listen.begin(), config.listen.end(),
-      [](const http::Endpoint& endpoint) { return isLoopbackAddress(endpoint.address); });
+  return std::all_of(config.listen.begin(), config.listen.end(), isOfThisMachine);
 }
 
 void demandTogether(const std::string& one, const char* oneName, const std::string& other,
@@ -188,7 +192,7 @@ void demandTogether(const std::string& one, const char* oneName, const std::stri
   }
 }
 
-void completeListen(DaemonConfig& config) {
+void completeListen(DaemonConfig& config, const Privileges& privileges) {
   demandTogether(config.certificate, "certificate", config.key, "key");
   demandTogether(config.key, "key", config.certificate, "certificate");
   if (config.listen.empty()) {
@@ -196,13 +200,18 @@ void completeListen(DaemonConfig& config) {
     if (!config.certificate.empty()) {
       config.listen.push_back({kLoopback, cimxml::kHttpsPort, true});
     }
+    const bool isLocal =
+        config.authentication.value_or(AuthenticationKind::Local) == AuthenticationKind::Local;
+    if (isLocal && privileges.mayUseDefaultSocket) {
+      config.listen.push_back({"", 0, false, DaemonConfig::kDefaultSocket});
+    }
   }
   for (const http::Endpoint& endpoint : config.listen) {
     if (endpoint.isTls && config.certificate.empty()) {
       throw ConfigurationFault("listen: https:" + endpoint.text() +
                                " needs a certificate; set certificate and key");
     }
-    if (!endpoint.isTls && !isLoopbackAddress(endpoint.address)) {
+    if (!endpoint.isTls && !isOfThisMachine(endpoint)) {
       throw ConfigurationFault("listen: " + endpoint.text() +
                                " would send passwords over the network in the clear; listen on "
                                "https:" +
@@ -211,34 +220,47 @@ void completeListen(DaemonConfig& config) {
   }
 }
 
-// A setting that only one way to log in uses.
-void demandUse(bool isSet, const char* name, const DaemonConfig& config, AuthenticationKind kind,
-               const char* kindName) {
-  if (isSet && config.authentication != kind) {
+// A setting that not every way to log in uses.
+void demandUse(bool isSet, const char* name, const DaemonConfig& config,
+               std::initializer_list<AuthenticationKind> kinds, const char* kindNames) {
+  if (isSet && std::find(kinds.begin(), kinds.end(), *config.authentication) == kinds.end()) {
     throw ConfigurationFault(std::string(name) + " is set, but nobody logs in by it; set " +
-                             "authentication = " + kindName + ", or leave it out");
+                             "authentication = " + kindNames + ", or leave it out");
   }
 }
 
-void completeAuthentication(DaemonConfig& config) {
+void completeAuthentication(DaemonConfig& config, const Privileges& privileges) {
   if (!config.authentication) {
     if (!isLoopbackOnly(config)) {
       throw ConfigurationFault(
           "authentication is not set, and the host would listen on a network; set authentication "
           "= pam or authentication = file");
     }
-    config.authentication = AuthenticationKind::None;
+    config.authentication = AuthenticationKind::Local;
   }
-  demandUse(!config.passwordFile.empty(), "password-file", config, AuthenticationKind::File,
-            "file");
-  demandUse(!config.operators.empty(), "operators", config, AuthenticationKind::Pam, "pam");
-  demandUse(!config.readers.empty(), "readers", config, AuthenticationKind::Pam, "pam");
+  using Kind = AuthenticationKind;
+  demandUse(!config.passwordFile.empty(), "password-file", config, {Kind::File}, "file");
+  demandUse(!config.operators.empty(), "operators", config, {Kind::Local, Kind::Pam},
+            "local or pam");
+  demandUse(!config.readers.empty(), "readers", config, {Kind::Pam}, "pam");
   switch (*config.authentication) {
+    case AuthenticationKind::Local:
+      if (!isLoopbackOnly(config)) {
+        throw ConfigurationFault(
+            "authentication = local knows the users of this machine alone; set pam or file, or "
+            "listen on a loopback address");
+      }
+      break;
     case AuthenticationKind::None:
       if (!isLoopbackOnly(config)) {
         throw ConfigurationFault(
             "authentication = none would let everybody on the network replace firmware; set pam "
             "or file, or listen on a loopback address");
+      }
+      if (privileges.isRoot) {
+        throw ConfigurationFault(
+            "authentication = none would let every user and program of this machine replace "
+            "firmware as root; set local, or run quorveld as a user of its own");
       }
       break;
     case AuthenticationKind::Pam:
@@ -262,8 +284,9 @@ http::Endpoint demandEndpoint(const std::string& place, const std::string& text)
   const std::optional<http::Endpoint> endpoint = parseEndpoint(text);
   if (!endpoint) {
     throw ConfigurationFault(place + "'" + text +
-                             "' is no address to listen on; write ADDRESS:PORT or "
-                             "https:ADDRESS:PORT, as 127.0.0.1:5988 or https:[::]:5989");
+                             "' is no address to listen on; write ADDRESS:PORT, "
+                             "https:ADDRESS:PORT or unix:PATH, as 127.0.0.1:5988, https:[::]:5989 "
+                             "or unix:/run/orvex/quorveld.sock");
   }
   return *endpoint;
 }
@@ -319,9 +342,9 @@ void demandPrivateFiles(const DaemonConfig& config) {
   }
 }
 
-void completeConfig(DaemonConfig& config) {
-  completeListen(config);
-  completeAuthentication(config);
+void completeConfig(DaemonConfig& config, const Privileges& privileges) {
+  completeListen(config, privileges);
+  completeAuthentication(config, privileges);
 }
 
 }  // namespace quorveld

@@ -29,18 +29,19 @@ class ConfigurationFault final : public std::exception {
   std::string m_text;
 };
 
-enum class AuthenticationKind { None, Pam, File };
+enum class AuthenticationKind { Local, None, Pam, File };
 
 // An empty text or list is a setting that was not made.
 struct DaemonConfig {
   static constexpr const char* kDefaultPath = "/etc/quorveld.conf";
+  static constexpr const char* kDefaultSocket = "/run/orvex/quorveld.sock";
 
   std::vector<http::Endpoint> listen;
   std::string certificate;
   std::string key;
   std::optional<AuthenticationKind> authentication;
   std::string passwordFile;
-  std::vector<std::string> operators;  // users and @groups, for PAM
+  std::vector<std::string> operators;  // users and @groups, for local users and PAM
   std::vector<std::string> readers;
   std::string adapters;
   std::string agentConfig;
@@ -64,10 +65,16 @@ struct DaemonConfig {
 [[nodiscard]] DaemonConfig readDefaultDaemonConfig(
     const std::string& path = DaemonConfig::kDefaultPath);
 
+// What completeConfig() needs to know of the process (see Posix/Privileges.h).
+struct Privileges {
+  bool isRoot = false;
+  bool mayUseDefaultSocket = false;  // make a socket at DaemonConfig::kDefaultSocket
+};
+
 // Fills in what follows from the rest (where to listen, how users log in) and demands what keeps
-// the host safe: no password in the clear on a network, no address of a network without a login.
-// Throws ConfigurationFault.
-void completeConfig(DaemonConfig& config);
+// the host safe: no password in the clear on a network, no address of a network without a login,
+// nobody who flashes as root unasked. Throws ConfigurationFault.
+void completeConfig(DaemonConfig& config, const Privileges& privileges);
 
 // Demands that no other user can read the key, or write the agents' settings, as far as they are
 // there. Throws ConfigurationFault.

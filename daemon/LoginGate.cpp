@@ -39,9 +39,11 @@ LoginGate::LoginGate(Authenticator& authenticator, wbem::Audit& audit, LoginThro
 LoginGate::Decision LoginGate::admit(std::string_view authorization, const Origin& origin) {
   Decision decision;
   if (!m_authenticator.demandsLogin()) {
-    const std::optional<wbem::Role> role = m_authenticator.check("", "", origin.address);
-    decision.verdict = role ? Verdict::Passed : Verdict::Unauthorized;
-    decision.caller = {"", origin.address, role.value_or(wbem::Role::Reader)};
+    const std::optional<Authenticator::Guest> guest = m_authenticator.admit(origin.user);
+    decision.verdict = guest ? Verdict::Passed : Verdict::Unknown;
+    if (guest) {
+      decision.caller = {guest->user, origin.address, guest->role};
+    }
     return decision;
   }
   if (!origin.isEncrypted && !origin.isLoopback) {

@@ -31,12 +31,14 @@ class LoginGate {
     std::string address;
     bool isLoopback = false;
     bool isEncrypted = false;
+    std::optional<std::uint32_t> user = {};  // at the other end, where it is known
   };
 
   enum class Verdict {
     Passed,
     Unauthorized,  // a login is missing, or was refused
     InTheClear,    // no password is taken from there
+    Unknown,       // nobody has to log in, but who it is cannot be told
     Busy,          // too many logins are in line for their check
   };
 

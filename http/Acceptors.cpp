@@ -2,12 +2,15 @@
 
 #include <boost/asio/error.hpp>
 #include <boost/asio/ip/v6_only.hpp>
+#include <boost/asio/local/stream_protocol.hpp>
 #include <boost/system/system_error.hpp>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <utility>
 
 #include "Utils/Log.h"
+#include "http/Peer.h"
 #include "http/ServerOptions.h"
 
 namespace http {
@@ -57,21 +60,43 @@ asio::ip::address readAddress(const Endpoint& endpoint) {
   return address;
 }
 
-error_code listen(Acceptor& acceptor, const tcp::endpoint& address) {
+error_code listen(Listener& listener) {
+  Acceptor& acceptor = listener.acceptor;
+  const asio::ip::address address = readAddress(listener.endpoint);
+  const tcp::endpoint endpoint(address, listener.endpoint.port);
   try {
-    acceptor.open(address.protocol());
+    acceptor.open(Protocol(endpoint.protocol()));
     // A restart need not wait until the system has forgotten the connections of the last run.
     acceptor.set_option(asio::socket_base::reuse_address(true));
     // One endpoint is one address: "::" leaves IPv4 to "0.0.0.0".
-    if (address.address().is_v6()) {
+    if (address.is_v6()) {
       acceptor.set_option(asio::ip::v6_only(true));
     }
-    acceptor.bind(address);
+    acceptor.bind(endpoint);
     acceptor.listen();
+    listener.endpoint.port = toTcpEndpoint(acceptor.local_endpoint()).port();
   } catch (const boost::system::system_error& fault) {
     return fault.code();
   }
   return {};
+}
+
+// Throws SetupFault.
+void listenLocally(Listener& listener) {
+  const std::string& path = listener.endpoint.path;
+  try {
+    SocketFile::makeWay(path);
+    const asio::local::stream_protocol::endpoint endpoint(path);
+    listener.acceptor.open(Protocol(endpoint.protocol()));
+    listener.acceptor.bind(endpoint);
+    listener.file = std::make_unique<SocketFile>(path);
+    listener.acceptor.listen();
+  } catch (const std::system_error& fault) {
+    throw SetupFault("Cannot listen on " + listener.endpoint.text() + ": " + fault.what() +
+                     ". Choose another path, or leave it out.");
+  } catch (const boost::system::system_error& fault) {
+    throw SetupFault(describe(listener.endpoint, fault.code()));
+  }
 }
 
 }  // namespace
@@ -81,9 +106,13 @@ std::vector<Listener> openListeners(asio::io_context& context,
   std::vector<Listener> listeners;
   std::vector<std::string> missing;
   for (const Endpoint& endpoint : endpoints) {
-    Listener listener{Acceptor(asio::make_strand(context)), endpoint};
-    const error_code fault =
-        listen(listener.acceptor, tcp::endpoint(readAddress(endpoint), endpoint.port));
+    Listener listener{Acceptor(asio::make_strand(context)), endpoint, nullptr};
+    if (!endpoint.path.empty()) {
+      listenLocally(listener);
+      listeners.push_back(std::move(listener));
+      continue;
+    }
+    const error_code fault = listen(listener);
     if (isAddressMissing(fault)) {
       missing.push_back(describe(endpoint, fault));
       continue;
@@ -91,7 +120,6 @@ std::vector<Listener> openListeners(asio::io_context& context,
     if (fault) {
       throw SetupFault(describe(endpoint, fault));
     }
-    listener.endpoint.port = listener.acceptor.local_endpoint().port();
     listeners.push_back(std::move(listener));
   }
   if (listeners.empty()) {

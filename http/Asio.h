@@ -13,6 +13,7 @@
 #include <boost/asio/basic_stream_socket.hpp>
 #include <boost/asio/basic_waitable_timer.hpp>
 #include <boost/asio/buffer.hpp>
+#include <boost/asio/generic/stream_protocol.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/strand.hpp>
@@ -28,8 +29,10 @@ using asio::ip::tcp;
 using boost::system::error_code;
 
 using Executor = asio::strand<asio::io_context::executor_type>;
-using Socket = asio::basic_stream_socket<tcp, Executor>;
-using Acceptor = asio::basic_socket_acceptor<tcp, Executor>;
+// Of TCP, or of this machine alone.
+using Protocol = asio::generic::stream_protocol;
+using Socket = asio::basic_stream_socket<Protocol, Executor>;
+using Acceptor = asio::basic_socket_acceptor<Protocol, Executor>;
 using Timer = asio::basic_waitable_timer<Clock, asio::wait_traits<Clock>, Executor>;
 
 template <class Result>

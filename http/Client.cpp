@@ -3,9 +3,12 @@
 #include <array>
 #include <boost/asio/connect.hpp>
 #include <boost/asio/error.hpp>
+#include <boost/asio/local/stream_protocol.hpp>
 #include <boost/asio/ssl/stream.hpp>
 #include <boost/asio/write.hpp>
+#include <boost/system/system_error.hpp>
 #include <optional>
+#include <vector>
 
 #include "http/Asio.h"
 #include "http/ClientTls.h"
@@ -38,6 +41,7 @@ struct Client::Implementation {
                       const SendOptions& sendOptions);
   [[nodiscard]] bool isStillOpen();
   void connect();
+  [[nodiscard]] std::vector<Protocol::endpoint> findEndpoints();
   [[nodiscard]] Results resolve();
   void demandLoopback();
   void handshake();
@@ -57,7 +61,10 @@ struct Client::Implementation {
   [[nodiscard]] Socket& socket() { return plain ? *plain : encrypted->next_layer(); }
 
   const ClientOptions options;
-  const std::string server = joinHostAndPort(options.host, options.port);
+  const std::string server = options.path.empty() ? joinHostAndPort(options.host, options.port)
+                                                  : kLocalScheme + options.path;
+  // A local socket has no name of a host.
+  const std::string hostField = options.path.empty() ? server : "localhost";
   asio::io_context context{1};
   Executor strand;
   std::optional<asio::ssl::context> tls;
@@ -130,7 +137,7 @@ void Client::Implementation::connect() {
     tls.emplace(makeClientTls(options.caFile));
   }
   deadline = Clock::now() + timeout;
-  const Results results = resolve();
+  const std::vector<Protocol::endpoint> endpoints = findEndpoints();
   // One of them is there from now on, so that await() can end the connecting by closing it.
   if (options.isTls) {
     encrypted.emplace(Socket(strand), *tls);
@@ -138,8 +145,8 @@ void Client::Implementation::connect() {
     plain.emplace(strand);
   }
   asio::async_connect(
-      socket(), results,
-      [this](const error_code& reason, const tcp::endpoint& /*endpoint*/) { finish(reason); });
+      socket(), endpoints,
+      [this](const error_code& reason, const Protocol::endpoint& /*endpoint*/) { finish(reason); });
   await("could not be reached");
   if (fault) {
     throw connectFault();
@@ -153,6 +160,24 @@ void Client::Implementation::connect() {
     handshake();
   }
   isConnected = true;
+}
+
+std::vector<Protocol::endpoint> Client::Implementation::findEndpoints() {
+  if (!options.path.empty()) {
+    try {
+      return {asio::local::stream_protocol::endpoint(options.path)};
+    } catch (const boost::system::system_error& reason) {
+      throw ClientFault(
+          "The path '" + options.path + "' is none of a socket: " + reason.code().message() + ".",
+          ClientFault::Kind::Usage);
+    }
+  }
+  const Results results = resolve();
+  std::vector<Protocol::endpoint> endpoints;
+  for (const auto& result : results) {
+    endpoints.emplace_back(result.endpoint());
+  }
+  return endpoints;
 }
 
 Results Client::Implementation::resolve() {
@@ -175,10 +200,10 @@ Results Client::Implementation::resolve() {
 
 void Client::Implementation::demandLoopback() {
   error_code reason;
-  const asio::ip::address address = socket().remote_endpoint(reason).address();
-  if (!describePeer(address).isLoopback) {
+  const Peer peer = describePeer(socket().remote_endpoint(reason), std::nullopt);
+  if (!peer.isLoopback) {
     close();
-    throw ClientFault("The name '" + options.host + "' leads to " + address.to_string() +
+    throw ClientFault("The name '" + options.host + "' leads to " + peer.address +
                           ", which is not this machine. Name the address 127.0.0.1 itself, or use "
                           "https.",
                       ClientFault::Kind::Usage);
@@ -261,6 +286,12 @@ ClientFault Client::Implementation::lateFault(const char* what, bool wasSent) co
 }
 
 ClientFault Client::Implementation::connectFault() const {
+  if (!options.path.empty()) {
+    const bool isNobodyThere = fault == asio::error::connection_refused ||
+                               fault == boost::system::errc::no_such_file_or_directory;
+    return ClientFault("Cannot connect to " + server + ": " + fault.message() + "." +
+                       (isNobodyThere ? " Check that quorveld runs and listens there." : ""));
+  }
   if (fault == asio::error::connection_refused) {
     return ClientFault("The server " + server +
                        " refused the connection. Check that it runs and listens on this port.");
@@ -298,7 +329,7 @@ ClientResponse Client::send(const std::string& method, const std::string& target
                             const Fields& fields, const std::string& body,
                             const SendOptions& options) {
   std::string head =
-      method + " " + target + " HTTP/1.1\r\nHost: " + m_implementation->server + "\r\n";
+      method + " " + target + " HTTP/1.1\r\nHost: " + m_implementation->hostField + "\r\n";
   for (const auto& [name, value] : fields) {
     head.append(name).append(": ").append(value).append("\r\n");
   }

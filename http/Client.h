@@ -18,6 +18,7 @@ namespace http {
 struct ClientOptions {
   std::string host;  // name or address
   std::uint16_t port = 0;
+  std::string path = {};  // of a local socket, in the place of host and port
   bool isTls = false;
   std::string caFile;                         // PEM; empty: what the system trusts
   std::chrono::milliseconds timeout{60'000};  // for connecting, and for each answer

@@ -8,7 +8,7 @@ std::string joinHostAndPort(const std::string& host, std::uint16_t port) {
 }
 
 std::string Endpoint::text() const {
-  return joinHostAndPort(address, port);
+  return path.empty() ? joinHostAndPort(address, port) : kLocalScheme + path;
 }
 
 }  // namespace http

@@ -34,6 +34,7 @@ class HandledRequest final : public Request {
   [[nodiscard]] std::any& memo() override { return m_exchange.memo; }
   [[nodiscard]] const std::string& peerAddress() const override { return m_peer.address; }
   [[nodiscard]] bool isLoopback() const override { return m_peer.isLoopback; }
+  [[nodiscard]] std::optional<std::uint32_t> peerUser() const override { return m_peer.user; }
   [[nodiscard]] bool isEncrypted() const override { return m_isEncrypted; }
 
  private:

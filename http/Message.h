@@ -6,6 +6,8 @@
 #include <any>
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -34,6 +36,8 @@ class Request {
   [[nodiscard]] virtual std::any& memo() = 0;
   [[nodiscard]] virtual const std::string& peerAddress() const = 0;  // "192.0.2.7"
   [[nodiscard]] virtual bool isLoopback() const = 0;                 // the peer's address
+  // The number of the user at the other end, as ServerOptions::findUser found it.
+  [[nodiscard]] virtual std::optional<std::uint32_t> peerUser() const = 0;
   [[nodiscard]] virtual bool isEncrypted() const = 0;
 };
 

@@ -153,15 +153,17 @@ void Server::Implementation::tryToTake(const Listener& listener, Socket socket) 
 
 void Server::Implementation::take(const Listener& listener, Socket socket) {
   error_code fault;
-  const tcp::endpoint peer = socket.remote_endpoint(fault);
+  const Protocol::endpoint peer = socket.remote_endpoint(fault);
   if (fault || service.isStopping) {
     return;
   }
   error_code ignored;
   // Head and body go out by one call each time: waiting for more to send would only cost time.
-  socket.set_option(tcp::no_delay(true), ignored);
+  socket.set_option(tcp::no_delay(true), ignored);  // of TCP alone
   socket.set_option(asio::socket_base::send_buffer_size(kSendBuffer), ignored);
-  Peer description = describePeer(peer.address());
+  const std::optional<std::uint32_t> user =
+      options.findUser ? options.findUser(socket.native_handle()) : std::nullopt;
+  Peer description = describePeer(peer, user);
   const Room room = connections.makeRoom(description.group, places);
   noteRoom(room, description);
   const bool isTooMany = room == Room::NoneAtAll || room == Room::NoneForGroup;
@@ -232,6 +234,9 @@ Awaitable<void> Server::Implementation::sweep() {
     sweepTimer.expires_after(service.isStopping ? std::min(interval, kStoppingSweep) : interval);
     co_await sweepTimer.async_wait(kAwait);
     tidyUp();
+    if (options.onSweep) {
+      options.onSweep();
+    }
   }
 }
 

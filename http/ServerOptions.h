@@ -5,7 +5,10 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <exception>
+#include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,6 +19,12 @@ namespace http {
 
 struct ServerOptions {
   std::vector<Endpoint> endpoints;
+  // Asked once for each connection, when it is new: which user of this machine is at its other end.
+  // Any thread calls; it throws nothing. Empty: nobody wants to know.
+  std::function<std::optional<std::uint32_t>(int socket)> findUser;
+  // Called again and again, at least every second, while the server looks after its connections. It
+  // throws nothing. Empty: nobody wants to know.
+  std::function<void()> onSweep;
   std::string certificateFile;  // PEM, with its chain; for TLS endpoints
   std::string keyFile;          // PEM
   unsigned threads = 2;

@@ -1,26 +1,17 @@
 #include "daemon/Posix/PamAuthenticator.h"
 
-#include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <cstring>
-#include <grp.h>
-#include <pwd.h>
 #include <security/pam_appl.h>
-#include <unistd.h>
 #include <utility>
 
 #include "Utils/Log.h"
+#include "daemon/Posix/SystemUsers.h"
 
 namespace quorveld {
 namespace {
 
 constexpr utils::LogSource kLog{"PamAuthenticator"};
-
-constexpr std::size_t kFirstRecordBytes = 1024;
-constexpr std::size_t kMostRecordBytes = 1024 * 1024;
-constexpr int kFirstGroups = 64;
-constexpr int kMostGroups = 65'536;
 
 extern "C" {
 
@@ -95,50 +86,7 @@ class Conversation {
   int m_result = PAM_SYSTEM_ERR;
 };
 
-std::optional<gid_t> findPrimaryGroup(const std::string& user) {
-  passwd entry{};
-  passwd* found = nullptr;
-  std::vector<char> buffer(kFirstRecordBytes);
-  while (getpwnam_r(user.c_str(), &entry, buffer.data(), buffer.size(), &found) == ERANGE &&
-         buffer.size() < kMostRecordBytes) {
-    buffer.resize(buffer.size() * 2);
-  }
-  return found == nullptr ? std::nullopt : std::optional(found->pw_gid);
-}
-
-std::optional<gid_t> findGroup(const std::string& name) {
-  group entry{};
-  group* found = nullptr;
-  std::vector<char> buffer(kFirstRecordBytes);
-  while (getgrnam_r(name.c_str(), &entry, buffer.data(), buffer.size(), &found) == ERANGE &&
-         buffer.size() < kMostRecordBytes) {
-    buffer.resize(buffer.size() * 2);
-  }
-  return found == nullptr ? std::nullopt : std::optional(found->gr_gid);
-}
-
-bool isMember(const std::string& user, const std::string& groupName) {
-  const std::optional<gid_t> primary = findPrimaryGroup(user);
-  const std::optional<gid_t> wanted = findGroup(groupName);
-  if (!primary || !wanted) {
-    return false;
-  }
-  int count = kFirstGroups;
-  std::vector<gid_t> groups(static_cast<std::size_t>(count));
-  while (getgrouplist(user.c_str(), *primary, groups.data(), &count) < 0 && count <= kMostGroups) {
-    groups.resize(static_cast<std::size_t>(count));
-  }
-  groups.resize(std::min(groups.size(), static_cast<std::size_t>(std::max(count, 0))));
-  return std::find(groups.begin(), groups.end(), *wanted) != groups.end();
-}
-
 }  // namespace
-
-bool isListed(const std::vector<std::string>& list, const std::string& user) {
-  return std::any_of(list.begin(), list.end(), [&user](const std::string& entry) {
-    return entry.starts_with('@') ? isMember(user, entry.substr(1)) : entry == user;
-  });
-}
 
 bool verifyByPam(const char* service, const std::string& user, const std::string& password,
                  const std::string& address, const char* directory) {

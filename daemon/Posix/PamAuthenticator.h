@@ -49,9 +49,6 @@ class PamAuthenticator final : public Authenticator {
                                const std::string& password, const std::string& address,
                                const char* directory = nullptr);
 
-// Returns whether the user is in the list: by his name, or as a member of a group of it.
-[[nodiscard]] bool isListed(const std::vector<std::string>& list, const std::string& user);
-
 }  // namespace quorveld
 
 #endif  // ORVEX_DAEMON_POSIX_PAMAUTHENTICATOR_H_

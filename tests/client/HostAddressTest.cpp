@@ -42,6 +42,15 @@ TEST(HostAddress, MayBeAnIpv6Address) {
   EXPECT_EQ(address.url(), "http://[fe80::1%eth0]:15988");
 }
 
+TEST(HostAddress, MayBeTheLocalSocketOfThisMachine) {
+  const HostAddress standard = parseHostAddress("unix:");
+  EXPECT_EQ(standard.url(), "unix:/run/orvex/quorveld.sock");
+  EXPECT_TRUE(standard.isLoopback());
+  EXPECT_FALSE(standard.isLoginReadable());
+  EXPECT_EQ(parseHostAddress("unix:/tmp/a b.sock").path, "/tmp/a b.sock");
+  EXPECT_THAT(refusalOf("unix:a.sock"), HasSubstr("has a path that does not begin with a '/'"));
+}
+
 TEST(HostAddress, MayHaveEscapesInTheUser) {
   EXPECT_EQ(parseHostAddress("http://a%40b%20c@lab").user, "a@b c");
   EXPECT_EQ(parseHostAddress("http://a@b@lab").user, "a@b");

@@ -38,6 +38,15 @@ TEST(ParseEndpoint, ReadsAddressAndPort) {
   }
 }
 
+TEST(ParseEndpoint, ReadsThePathOfALocalSocket) {
+  const auto endpoint = quorveld::parseEndpoint("unix:/run/orvex/quorveld.sock");
+  ASSERT_TRUE(endpoint);
+  EXPECT_EQ(endpoint->path, "/run/orvex/quorveld.sock");
+  EXPECT_EQ(endpoint->text(), "unix:/run/orvex/quorveld.sock");
+  EXPECT_FALSE(quorveld::parseEndpoint("unix:"));
+  EXPECT_FALSE(quorveld::parseEndpoint("unix:quorveld.sock"));
+}
+
 TEST(ParseEndpoint, TakesNothingElse) {
   for (const char* const text :
        {"", ":", "5988", "127.0.0.1", "127.0.0.1:", "127.0.0.1:65536", "127.0.0.1:-1",

@@ -7,6 +7,10 @@ namespace {
 TEST(NoAuthenticator, LetsEverybodyInAsAnOperator) {
   quorveld::NoAuthenticator authenticator;
   EXPECT_FALSE(authenticator.demandsLogin());
+  const auto guest = authenticator.admit(std::nullopt);
+  ASSERT_TRUE(guest.has_value());
+  EXPECT_EQ(guest->user, "");
+  EXPECT_EQ(guest->role, wbem::Role::Operator);
   EXPECT_EQ(authenticator.check("", "", "127.0.0.1"), wbem::Role::Operator);
 }
 

@@ -72,7 +72,7 @@ class Client {
  public:
   Client(std::uint16_t port, std::string job, std::string service, std::string target,
          std::string uri)
-      : m_client({"127.0.0.1", port, false, {}, seconds(60)}),
+      : m_client({.host = "127.0.0.1", .port = port}),
         m_job(std::move(job)),
         m_service(std::move(service)),
         m_target(std::move(target)),

@@ -41,7 +41,7 @@ class DaemonConfigTest : public testing::Test {
   // Reads the settings and completes them.
   [[nodiscard]] DaemonConfig complete(const std::string& content) const {
     DaemonConfig config = quorveld::readDaemonConfig(write(content));
-    quorveld::completeConfig(config);
+    quorveld::completeConfig(config, m_privileges);
     return config;
   }
 
@@ -61,6 +61,7 @@ class DaemonConfigTest : public testing::Test {
   }
 
   test::TempDirectory m_directory;
+  quorveld::Privileges m_privileges;
 };
 
 TEST_F(DaemonConfigTest, ReadsEverySetting) {
@@ -111,9 +112,9 @@ TEST_F(DaemonConfigTest, ReadsTheSampleFileWhoseNumbersAreTheDefaults) {
   EXPECT_THAT(quorveld::readDaemonConfig(write(sample)).listen, IsEmpty());
   const DaemonConfig config = quorveld::readDaemonConfig(
       write(std::regex_replace(sample, std::regex("\n#([a-z-]+ = )"), "\n$1")));
-  EXPECT_THAT(listenOf(config),
-              ElementsAre("127.0.0.1:5988", "https:0.0.0.0:5989", "https:[::]:5989"));
-  EXPECT_EQ(config.authentication, quorveld::AuthenticationKind::None);
+  EXPECT_THAT(listenOf(config), ElementsAre("127.0.0.1:5988", "unix:/run/orvex/quorveld.sock",
+                                            "https:0.0.0.0:5989", "https:[::]:5989"));
+  EXPECT_EQ(config.authentication, quorveld::AuthenticationKind::Local);
   EXPECT_THAT(config.operators, ElementsAre("root", "@wheel"));
   EXPECT_EQ(config.adapters, "/var/lib/orvex/adapters");
   EXPECT_EQ(config.logLevel, "1");
@@ -166,9 +167,9 @@ TEST_F(DaemonConfigTest, DemandsAFileThatWasNamed) {
 TEST_F(DaemonConfigTest, TakesTheDefaultsWhereTheDefaultFileIsMissing) {
   DaemonConfig config =
       quorveld::readDefaultDaemonConfig((m_directory.path() / "missing.conf").string());
-  quorveld::completeConfig(config);
+  quorveld::completeConfig(config, m_privileges);
   EXPECT_THAT(listenOf(config), ElementsAre("127.0.0.1:5988"));
-  EXPECT_EQ(config.authentication, quorveld::AuthenticationKind::None);
+  EXPECT_EQ(config.authentication, quorveld::AuthenticationKind::Local);
   EXPECT_EQ(config.maxConnections, 128u);
   EXPECT_EQ(config.maxBodyBytes, 1024u * 1024u);
   EXPECT_THAT(config.modules, IsEmpty());
@@ -261,6 +262,35 @@ TEST_F(DaemonConfigTest, LeavesFilesThatAreNotThereToTheirUsers) {
   config.key = "/missing/key.pem";
   config.agentConfig = "/missing/agents.conf";
   EXPECT_NO_THROW(quorveld::demandPrivateFiles(config));
+}
+
+TEST_F(DaemonConfigTest, LetsOperatorsBeNamedForLocalUsers) {
+  const DaemonConfig config = complete("operators = @wheel\n");
+  EXPECT_EQ(config.authentication, quorveld::AuthenticationKind::Local);
+  EXPECT_THAT(config.operators, ElementsAre("@wheel"));
+}
+
+TEST_F(DaemonConfigTest, KnowsLocalUsersOnThisMachineAlone) {
+  expectUnsafe(
+      "listen = https:0.0.0.0:5989\ncertificate = /c.pem\nkey = /k.pem\nauthentication = local\n",
+      "authentication = local knows the users of this machine alone; set pam or file");
+}
+
+TEST_F(DaemonConfigTest, LetsNobodyFlashAsRootUnasked) {
+  EXPECT_EQ(complete("authentication = none\n").authentication, quorveld::AuthenticationKind::None);
+  m_privileges.isRoot = true;
+  expectUnsafe("authentication = none\n",
+               "authentication = none would let every user and program of this machine replace "
+               "firmware as root; set local");
+}
+
+TEST_F(DaemonConfigTest, ListensOnTheLocalSocketForLocalUsers) {
+  m_privileges.mayUseDefaultSocket = true;
+  EXPECT_THAT(listenOf(complete("")),
+              ElementsAre("127.0.0.1:5988", "unix:/run/orvex/quorveld.sock"));
+  EXPECT_THAT(listenOf(complete("authentication = file\npassword-file = /users\n")),
+              ElementsAre("127.0.0.1:5988"));
+  EXPECT_THAT(listenOf(complete("listen = unix:/tmp/a.sock\n")), ElementsAre("unix:/tmp/a.sock"));
 }
 
 }  // namespace

@@ -5,7 +5,9 @@
 
 #include <any>
 #include <cstddef>
+#include <cstdint>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -32,11 +34,13 @@ class FakeHttpRequest final : public http::Request {
   [[nodiscard]] std::any& memo() override { return note; }
   [[nodiscard]] const std::string& peerAddress() const override { return peer; }
   [[nodiscard]] bool isLoopback() const override { return peer == "127.0.0.1"; }
+  [[nodiscard]] std::optional<std::uint32_t> peerUser() const override { return user; }
   [[nodiscard]] bool isEncrypted() const override { return isTls; }
 
   std::string httpMethod = "POST";
   std::string httpTarget = "/cimom";
   std::string peer = "127.0.0.1";
+  std::optional<std::uint32_t> user;
   bool isTls = false;
   std::any note;
   std::map<std::string, std::string> fields{

@@ -14,7 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   try {
     quorveld::DaemonConfig config = quorveld::parseDaemonConfig("settings", content);
     isRead = true;
-    quorveld::completeConfig(config);
+    quorveld::completeConfig(config, {});
     test::require(!config.listen.empty(), "there is an address to listen on");
     const bool isLocal =
         std::all_of(config.listen.begin(), config.listen.end(), [](const http::Endpoint& endpoint) {

@@ -1,8 +1,12 @@
+#include <filesystem>
 #include <gmock/gmock.h>
+#include <string>
 
 #include "http/Acceptors.h"
+#include "http/Peer.h"
 #include "http/ServerOptions.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/TempDirectory.h"
 #include "tests/support/Throws.h"
 
 namespace {
@@ -33,9 +37,40 @@ TEST_F(AcceptorsTest, TellThePortThatTheSystemChose) {
 
   ASSERT_THAT(listeners, SizeIs(2));
   EXPECT_NE(listeners[0].endpoint.port, 0);
-  EXPECT_EQ(listeners[0].endpoint.port, listeners[0].acceptor.local_endpoint().port());
+  EXPECT_EQ(listeners[0].endpoint.port,
+            http::toTcpEndpoint(listeners[0].acceptor.local_endpoint()).port());
   EXPECT_TRUE(listeners[0].endpoint.isTls);
   EXPECT_EQ(listeners[1].endpoint.address, "::1");
+}
+
+TEST_F(AcceptorsTest, ListenOnALocalSocketBesideAddresses) {
+  const test::TempDirectory directory;
+  const std::string path = (directory.path() / "run" / "a.sock").string();
+  {
+    const std::vector<Listener> listeners = open({{"127.0.0.1", 0, false}, {"", 0, false, path}});
+    ASSERT_THAT(listeners, SizeIs(2));
+    EXPECT_EQ(listeners[1].endpoint.text(), "unix:" + path);
+    EXPECT_TRUE(std::filesystem::is_socket(path));
+    EXPECT_THAT(
+        [&] {
+          static_cast<void>(open({{"", 0, false, path}}));
+        },
+        test::ThrowsExactly<SetupFault>(AllOf(HasSubstr("Cannot listen on unix:" + path),
+                                              HasSubstr("another server listens there"),
+                                              HasSubstr("another path"))));
+  }
+  EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+TEST_F(AcceptorsTest, NameALocalSocketThatCannotBe) {
+  for (const std::string& path :
+       {std::string("/nowhere/at/all/a.sock"), "/tmp/" + std::string(200, 'x')}) {
+    EXPECT_THAT(
+        [&] {
+          static_cast<void>(open({{"", 0, false, path}}));
+        },
+        test::ThrowsExactly<SetupFault>(HasSubstr("Cannot listen on unix:" + path)));
+  }
 }
 
 TEST_F(AcceptorsTest, LeaveTheOtherVersionOfIpAlone) {

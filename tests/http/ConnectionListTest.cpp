@@ -184,7 +184,9 @@ class ConnectionListTest : public testing::Test {
     m_acceptor.listen();
   }
 
-  [[nodiscard]] std::uint16_t port() const { return m_acceptor.local_endpoint().port(); }
+  [[nodiscard]] std::uint16_t port() const {
+    return http::toTcpEndpoint(m_acceptor.local_endpoint()).port();
+  }
   [[nodiscard]] std::shared_ptr<http::Connection> accept() {
     return http::makeConnection(m_service, m_acceptor.accept(asio::make_strand(m_context)),
                                 http::Peer());

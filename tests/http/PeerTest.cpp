@@ -1,3 +1,4 @@
+#include <boost/asio/local/stream_protocol.hpp>
 #include <gmock/gmock.h>
 
 #include "http/Peer.h"
@@ -33,5 +34,23 @@ INSTANTIATE_TEST_SUITE_P(, DescribePeer,
                                          PeerCase{"2001:db8::7", "2001:db8::7", false},
                                          PeerCase{"::ffff:192.0.2.7", "192.0.2.7", false},
                                          PeerCase{"::ffff:127.0.0.1", "127.0.0.1", true}));
+
+TEST(DescribeLocalPeer, GivesAUserOfThisMachineAGroupOfHisOwn) {
+  const http::Protocol::endpoint local{boost::asio::local::stream_protocol::endpoint("/tmp/a")};
+  const Peer anna = describePeer(local, 1000);
+  EXPECT_EQ(anna.address, "unix");
+  EXPECT_TRUE(anna.isLoopback);
+  EXPECT_EQ(anna.user, 1000u);
+  EXPECT_NE(anna.group, describePeer(local, 1001).group);
+  EXPECT_NE(anna.group, describePeer(local, std::nullopt).group);
+}
+
+TEST(DescribeLocalPeer, KeepsTheUserOfAConnectionByTcp) {
+  const auto address = boost::asio::ip::make_address("::ffff:127.0.0.1");
+  const Peer peer = describePeer(http::tcp::endpoint(address, 80), 1000);
+  EXPECT_EQ(peer.address, "127.0.0.1");
+  EXPECT_EQ(peer.group, describePeer(address).group);
+  EXPECT_EQ(peer.user, 1000u);
+}
 
 }  // namespace

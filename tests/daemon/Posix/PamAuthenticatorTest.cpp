@@ -16,34 +16,9 @@ namespace {
 
 const std::string kAddress = "192.0.2.7";
 
-std::string nameOfThisUser() {
-  const passwd* const entry = getpwuid(getuid());
-  return entry == nullptr ? "" : entry->pw_name;
-}
-
-std::string groupOfThisUser() {
-  const passwd* const user = getpwuid(getuid());
-  const group* const entry = user == nullptr ? nullptr : getgrgid(user->pw_gid);
-  return entry == nullptr ? "" : entry->gr_name;
-}
-
 bool passesSecret(const std::string& /*user*/, const std::string& password,
                   const std::string& /*address*/) {
   return password == "secret";
-}
-
-TEST(IsListed, KnowsUsersByName) {
-  EXPECT_TRUE(quorveld::isListed({"anna", "bert"}, "bert"));
-  EXPECT_FALSE(quorveld::isListed({"anna", "bert"}, "ber"));
-  EXPECT_FALSE(quorveld::isListed({}, "anna"));
-  EXPECT_FALSE(quorveld::isListed({"@anna"}, "@anna"));
-}
-
-TEST(IsListed, KnowsTheMembersOfGroups) {
-  ASSERT_NE(groupOfThisUser(), "");
-  EXPECT_TRUE(quorveld::isListed({"@" + groupOfThisUser()}, nameOfThisUser()));
-  EXPECT_FALSE(quorveld::isListed({"@" + groupOfThisUser()}, "no-such-user"));
-  EXPECT_FALSE(quorveld::isListed({"@no-such-group"}, nameOfThisUser()));
 }
 
 TEST(PamAuthenticator, GivesRolesByItsLists) {

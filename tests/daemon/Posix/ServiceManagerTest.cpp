@@ -1,9 +1,11 @@
+#include <chrono>
 #include <cstdlib>
 #include <gmock/gmock.h>
 #include <string>
 #include <unistd.h>
 
 #include "daemon/Posix/ServiceManager.h"
+#include "tests/support/FakeClock.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Posix/DatagramSocket.h"
 #include "tests/support/TempDirectory.h"
@@ -21,7 +23,7 @@ class ServiceManagerTest : public testing::Test {
 
   static quorveld::ServiceManager managerAt(const std::string& address) {
     test::setVariable("NOTIFY_SOCKET", address);
-    return {};
+    return quorveld::ServiceManager();
   }
 
   test::TempDirectory m_directory;
@@ -37,6 +39,37 @@ TEST_F(ServiceManagerTest, TellsHowTheDaemonDoes) {
   EXPECT_EQ(socket.receive(), "STOPPING=1\nSTATUS=Ending\n");
   manager.tellStatus("Waiting");
   EXPECT_EQ(socket.receive(), "STATUS=Waiting\n");
+}
+
+TEST_F(ServiceManagerTest, TellsThatItLivesThreeTimesInTheTimeThatItHas) {
+  const std::string path = (m_directory.path() / "notify").string();
+  const test::DatagramSocket socket(path);
+  test::setVariable("NOTIFY_SOCKET", path);
+  test::setVariable("WATCHDOG_USEC", "30000000");
+  test::FakeClock clock;
+  const quorveld::ServiceManager manager(clock);
+  EXPECT_EQ(std::getenv("WATCHDOG_USEC"), nullptr);
+  for (int second = 0; second <= 20; ++second) {
+    manager.tellAlive();
+    clock.sleepFor(std::chrono::seconds(1));
+  }
+  manager.tellStatus("end");
+  for (int sign = 0; sign < 3; ++sign) {
+    EXPECT_EQ(socket.receive(), "WATCHDOG=1\n");
+  }
+  EXPECT_EQ(socket.receive(), "STATUS=end\n");
+}
+
+TEST_F(ServiceManagerTest, TellsNobodyThatItLivesWhoDoesNotWatch) {
+  const std::string path = (m_directory.path() / "notify").string();
+  const test::DatagramSocket socket(path);
+  for (const char* const watchdog : {"", "0", "-5", "soon"}) {
+    test::setVariable("WATCHDOG_USEC", watchdog);
+    const quorveld::ServiceManager manager = managerAt(path);
+    manager.tellAlive();
+    manager.tellStatus("end");
+    EXPECT_EQ(socket.receive(), "STATUS=end\n") << watchdog;
+  }
 }
 
 TEST_F(ServiceManagerTest, SpeaksToAnAbstractSocket) {

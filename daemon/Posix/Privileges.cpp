@@ -1,0 +1,17 @@
+#include "daemon/Posix/Privileges.h"
+
+#include <filesystem>
+#include <string>
+#include <unistd.h>
+
+namespace quorveld {
+
+Privileges readPrivileges() {
+  const std::string folder =
+      std::filesystem::path(DaemonConfig::kDefaultSocket).parent_path().string();
+  const bool isRoot = ::geteuid() == 0;
+  // Where there is no folder, only root makes it.
+  return {isRoot, isRoot || ::access(folder.c_str(), W_OK) == 0};
+}
+
+}  // namespace quorveld

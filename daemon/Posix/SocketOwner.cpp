@@ -1,0 +1,145 @@
+#include "daemon/Posix/SocketOwner.h"
+
+#include <array>
+#include <cerrno>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <linux/inet_diag.h>
+#include <linux/netlink.h>
+#include <linux/sock_diag.h>
+#include <netinet/in.h>
+#include <sys/time.h>
+
+#include "platform/Posix/Descriptor.h"
+
+namespace quorveld {
+namespace {
+
+// TCP_ESTABLISHED of the kernel's include/net/tcp_states.h.
+constexpr std::uint8_t kEstablished = 1;
+// The kernel answers at once; this is for one that does not.
+constexpr timeval kPatience{2, 0};
+
+struct Request {
+  nlmsghdr header;
+  inet_diag_req_v2 body;
+};
+
+// Copies an address and its port as the kernel's request has them. Returns the family, AF_UNSPEC
+// for one that TCP does not know.
+sa_family_t copyEnd(const sockaddr_storage& address, __be32* words, __be16& port) {
+  if (address.ss_family == AF_INET) {
+    sockaddr_in end{};
+    std::memcpy(&end, &address, sizeof(end));
+    std::memcpy(words, &end.sin_addr, sizeof(end.sin_addr));
+    port = end.sin_port;
+    return AF_INET;
+  }
+  if (address.ss_family == AF_INET6) {
+    sockaddr_in6 end{};
+    std::memcpy(&end, &address, sizeof(end));
+    port = end.sin6_port;
+    if (IN6_IS_ADDR_V4MAPPED(&end.sin6_addr)) {
+      // The client's own socket is one of IPv4.
+      std::memcpy(words, end.sin6_addr.s6_addr + 12, 4);
+      return AF_INET;
+    }
+    std::memcpy(words, &end.sin6_addr, sizeof(end.sin6_addr));
+    return AF_INET6;
+  }
+  return AF_UNSPEC;
+}
+
+// Asks for one socket, by its own end first.
+bool ask(int netlink, sa_family_t family, const inet_diag_sockid& id) {
+  Request request{};
+  request.header.nlmsg_len = sizeof(request);
+  request.header.nlmsg_type = SOCK_DIAG_BY_FAMILY;
+  request.header.nlmsg_flags = NLM_F_REQUEST;
+  request.body.sdiag_family = static_cast<__u8>(family);
+  request.body.sdiag_protocol = IPPROTO_TCP;
+  request.body.idiag_states = 1U << kEstablished;
+  request.body.id = id;
+  sockaddr_nl kernel{};
+  kernel.nl_family = AF_NETLINK;
+  return ::sendto(netlink, &request, sizeof(request), 0, reinterpret_cast<const sockaddr*>(&kernel),
+                  sizeof(kernel)) == sizeof(request);
+}
+
+std::optional<uid_t> readOwner(int netlink) {
+  alignas(nlmsghdr) std::array<std::byte, 8192> buffer{};
+  ssize_t count = -1;
+  do {
+    count = ::recv(netlink, buffer.data(), buffer.size(), 0);
+  } while (count < 0 && errno == EINTR);
+  nlmsghdr header{};
+  inet_diag_msg message{};
+  constexpr std::size_t kBody = NLMSG_HDRLEN;
+  if (count < static_cast<ssize_t>(kBody + sizeof(message))) {
+    return std::nullopt;
+  }
+  std::memcpy(&header, buffer.data(), sizeof(header));
+  if (header.nlmsg_type != SOCK_DIAG_BY_FAMILY) {
+    return std::nullopt;  // an error: there is no such socket
+  }
+  std::memcpy(&message, buffer.data() + kBody, sizeof(message));
+  if (message.idiag_state != kEstablished || message.idiag_inode == 0) {
+    return std::nullopt;
+  }
+  return message.idiag_uid;
+}
+
+}  // namespace
+
+std::optional<uid_t> findTcpClient(const sockaddr_storage& client,
+                                   const sockaddr_storage& server) noexcept {
+  inet_diag_sockid id{};
+  const sa_family_t family = copyEnd(client, id.idiag_src, id.idiag_sport);
+  if (family == AF_UNSPEC || copyEnd(server, id.idiag_dst, id.idiag_dport) != family) {
+    return std::nullopt;
+  }
+  id.idiag_cookie[0] = INET_DIAG_NOCOOKIE;
+  id.idiag_cookie[1] = INET_DIAG_NOCOOKIE;
+  const platform::Descriptor netlink(
+      ::socket(AF_NETLINK, SOCK_DGRAM | SOCK_CLOEXEC, NETLINK_SOCK_DIAG));
+  if (!netlink.isOpen() ||
+      ::setsockopt(netlink.get(), SOL_SOCKET, SO_RCVTIMEO, &kPatience, sizeof(kPatience)) != 0 ||
+      !ask(netlink.get(), family, id)) {
+    return std::nullopt;
+  }
+  return readOwner(netlink.get());
+}
+
+std::optional<uid_t> findLocalClient(int socket) noexcept {
+  ucred credentials{};
+  socklen_t size = sizeof(credentials);
+  sockaddr_storage address{};
+  socklen_t addressSize = sizeof(address);
+  if (::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &addressSize) != 0 ||
+      address.ss_family != AF_UNIX ||
+      ::getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &credentials, &size) != 0 ||
+      credentials.pid == 0) {
+    return std::nullopt;
+  }
+  return credentials.uid;
+}
+
+std::optional<uid_t> findClient(int socket) noexcept {
+  sockaddr_storage own{};
+  sockaddr_storage other{};
+  socklen_t ownSize = sizeof(own);
+  socklen_t otherSize = sizeof(other);
+  if (::getsockname(socket, reinterpret_cast<sockaddr*>(&own), &ownSize) != 0) {
+    return std::nullopt;
+  }
+  if (own.ss_family == AF_UNIX) {
+    return findLocalClient(socket);
+  }
+  if (::getpeername(socket, reinterpret_cast<sockaddr*>(&other), &otherSize) != 0) {
+    return std::nullopt;
+  }
+  return findTcpClient(other, own);
+}
+
+}  // namespace quorveld
