@@ -41,15 +41,22 @@ TargetReservation reserveTarget(const std::string& target) {
   return TargetReservation(target);
 }
 
-FileBytes readImageFile(const std::string& text) {
+// The target is free before the refusal is told of: who reads that may ask again at once.
+template <class Error>
+[[noreturn]] void refuse(TargetReservation& reservation, const std::string& text) {
+  reservation.release();
+  throw Error(text);
+}
+
+FileBytes readImageFile(const std::string& text, TargetReservation& reservation) {
   utils::logDebug(kLog, kCheck, "Checking URI : '%s' ", text.c_str());
   const utils::Uri uri(text);
   const std::string invalid = utils::format("URI: %s is invalid", text.c_str());
   if (!uri.isSupported()) {
-    throw EInvalidUri(invalid);
+    refuse<EInvalidUri>(reservation, invalid);
   }
   if (!uri.exists()) {
-    throw EUriDoesNotExist(invalid);
+    refuse<EUriDoesNotExist>(reservation, invalid);
   }
   const std::string path = uri.getPath();
   const std::string readError =
@@ -58,32 +65,34 @@ FileBytes readImageFile(const std::string& text) {
   const std::string excess =
       utils::QuorvelConfig::getInstance()->findSizeExcess(static_cast<std::uint32_t>(size));
   if (!excess.empty()) {
-    throw EImageReadError(readError + ": " + excess);
+    refuse<EImageReadError>(reservation, readError + ": " + excess);
   }
   FileBytes file{std::make_unique_for_overwrite<std::uint8_t[]>(static_cast<std::size_t>(size)),
                  static_cast<std::uint32_t>(size)};
   if (os::readFile(path, file.data.get(), size) != size) {
-    throw EImageReadError(readError);
+    refuse<EImageReadError>(reservation, readError);
   }
   return file;
 }
 
-EDowngradeDetected downgradeDetected(const std::string& uri) {
-  return EDowngradeDetected(utils::format("%s for %s. Try to use FORCE_INSTALL option.",
-                                          utils::refusal::kDowngrade, uri.c_str()));
+[[noreturn]] void refuseDowngrade(TargetReservation& reservation, const std::string& uri) {
+  refuse<EDowngradeDetected>(reservation,
+                             utils::format("%s for %s. Try to use FORCE_INSTALL option.",
+                                           utils::refusal::kDowngrade, uri.c_str()));
 }
 
 // A change of image types needs the force option and the configuration's consent.
-void acceptOtherTypes(const std::string& uri, bool isForced) {
+void acceptOtherTypes(const std::string& uri, bool isForced, TargetReservation& reservation) {
   const bool isEnabled = utils::QuorvelConfig::getInstance()->getDowngradeEnable();
   utils::logDebug(kLog, kCheck, "DowngradeEnable: %d, ForceInstall: %d", isEnabled, isForced);
   if (isEnabled && isForced) {
     return;
   }
   if (isEnabled) {
-    throw downgradeDetected(uri);
+    refuseDowngrade(reservation, uri);
   }
-  throw EDowngradeDetected(
+  refuse<EDowngradeDetected>(
+      reservation,
       utils::format("The selected flash image cannot be used because it does not contain the %s. "
                     "Please select a flash file with matching image types.",
                     utils::refusal::kTypesDiffer));
@@ -91,28 +100,30 @@ void acceptOtherTypes(const std::string& uri, bool isForced) {
 
 // Returns for a status that lets the update go on, throws for any other.
 void actOnStatus(ma::PrepareStatus status, const std::string& target, const std::string& uri,
-                 bool isForced) {
+                 bool isForced, TargetReservation& reservation) {
   switch (status) {
     case ma::PrepareStatus::Ok:
       return;
     case ma::PrepareStatus::InvalidImage:
-      throw utils::EInvalidParameter(
-          utils::format("%s %s", utils::refusal::kInvalidParameter, uri.c_str()));
+      refuse<utils::EInvalidParameter>(
+          reservation, utils::format("%s %s", utils::refusal::kInvalidParameter, uri.c_str()));
     case ma::PrepareStatus::NotForAdapter:
-      throw EAdapterNotSupported(
+      refuse<EAdapterNotSupported>(
+          reservation,
           utils::format("Image %s is not supported for adapter %s", uri.c_str(), target.c_str()));
     case ma::PrepareStatus::Downgrade:
       if (!isForced) {
-        throw downgradeDetected(uri);
+        refuseDowngrade(reservation, uri);
       }
       return;
     case ma::PrepareStatus::TypesDiffer:
-      return acceptOtherTypes(uri, isForced);
+      return acceptOtherTypes(uri, isForced, reservation);
     case ma::PrepareStatus::NotUpdatable:
-      throw ENotApplicableForTarget(utils::format("Not applicable for %s", uri.c_str()));
+      refuse<ENotApplicableForTarget>(reservation,
+                                      utils::format("Not applicable for %s", uri.c_str()));
     case ma::PrepareStatus::InternalFault:
-      throw utils::EUnspecifiedError(
-          utils::format("Unspecified error occurred for %s", uri.c_str()));
+      refuse<utils::EUnspecifiedError>(
+          reservation, utils::format("Unspecified error occurred for %s", uri.c_str()));
   }
 }
 
@@ -129,45 +140,24 @@ std::optional<utils::FirmwareType> findType(const std::string& name) {
   return std::nullopt;
 }
 
-void addNamedTypes(const std::string& names, std::vector<utils::FirmwareType>& types) {
+void addNamedTypes(const std::string& names, std::vector<utils::FirmwareType>& types,
+                   TargetReservation& reservation) {
   for (const std::string& piece : utils::split(names, '+', utils::kNoQuote)) {
     const std::string name = utils::trim(piece);
     utils::logDebug(kLog, kTypes, "TeargetType: %s", name.c_str());
     const std::optional<utils::FirmwareType> type = findType(name);
     if (!type) {
-      throw utils::EInvalidParameter(utils::format("%s TargetTypes. %s %s",
-                                                   utils::refusal::kInvalidParameter, name.c_str(),
-                                                   utils::refusal::kUnknownType));
+      refuse<utils::EInvalidParameter>(
+          reservation, utils::format("%s TargetTypes. %s %s", utils::refusal::kInvalidParameter,
+                                     name.c_str(), utils::refusal::kUnknownType));
     }
     types.push_back(*type);
   }
 }
 
-}  // namespace
-
-VerifiedImage checkAndVerifyImage(const std::string& target, const std::string& uri,
-                                  const std::vector<std::uint16_t>& installOptions,
-                                  const std::vector<std::string>& installOptionsValues) {
-  VerifiedImage image;
-  image.reservation = reserveTarget(target);
-  const FileBytes file = readImageFile(uri);
-  // What is prepared is the file or a selection of its images, and so never larger.
-  image.bytes.resize(file.size);
-  image.targetTypes = getTargetTypes(installOptions, installOptionsValues);
-
-  utils::logDebug(kLog, kCheck, "Start preparing the image");
-  std::uint32_t size = file.size;
-  const ma::PrepareStatus status = ma::prepareFlashImage(
-      target, file.data.get(), file.size, image.bytes.data(), size, image.targetTypes);
-  utils::logDebug(kLog, kCheck, "Image prepared %d", static_cast<int>(status));
-  actOnStatus(status, target, uri, cim::hasOption(installOptions, cim::kForceInstallation));
-  image.bytes.resize(size);
-  return image;
-}
-
-std::vector<utils::FirmwareType> getTargetTypes(
+std::vector<utils::FirmwareType> readTargetTypes(
     const std::vector<std::uint16_t>& installOptions,
-    const std::vector<std::string>& installOptionsValues) {
+    const std::vector<std::string>& installOptionsValues, TargetReservation& reservation) {
   utils::logDebug(kLog, kTypes, "InstallOptions Size: %d", static_cast<int>(installOptions.size()));
   utils::logDebug(kLog, kTypes, "InstallOptionsValues Size: %d",
                   static_cast<int>(installOptionsValues.size()));
@@ -184,7 +174,7 @@ std::vector<utils::FirmwareType> getTargetTypes(
     }
     utils::logDebug(kLog, kTypes, "InstallOptionsValues contains %d elements",
                     static_cast<int>(installOptionsValues.size()));
-    addNamedTypes(installOptionsValues[position], types);
+    addNamedTypes(installOptionsValues[position], types, reservation);
     if (types.empty()) {
       utils::logDebug(kLog, kTypes, "Values does not contain any TargetTypes");
       return {};
@@ -198,6 +188,36 @@ std::vector<utils::FirmwareType> getTargetTypes(
     utils::logDebug(kLog, kTypes, "No TargetTypes defined");
   }
   return types;
+}
+
+}  // namespace
+
+VerifiedImage checkAndVerifyImage(const std::string& target, const std::string& uri,
+                                  const std::vector<std::uint16_t>& installOptions,
+                                  const std::vector<std::string>& installOptionsValues) {
+  VerifiedImage image;
+  image.reservation = reserveTarget(target);
+  const FileBytes file = readImageFile(uri, image.reservation);
+  // What is prepared is the file or a selection of its images, and so never larger.
+  image.bytes.resize(file.size);
+  image.targetTypes = readTargetTypes(installOptions, installOptionsValues, image.reservation);
+
+  utils::logDebug(kLog, kCheck, "Start preparing the image");
+  std::uint32_t size = file.size;
+  const ma::PrepareStatus status = ma::prepareFlashImage(
+      target, file.data.get(), file.size, image.bytes.data(), size, image.targetTypes);
+  utils::logDebug(kLog, kCheck, "Image prepared %d", static_cast<int>(status));
+  actOnStatus(status, target, uri, cim::hasOption(installOptions, cim::kForceInstallation),
+              image.reservation);
+  image.bytes.resize(size);
+  return image;
+}
+
+std::vector<utils::FirmwareType> getTargetTypes(
+    const std::vector<std::uint16_t>& installOptions,
+    const std::vector<std::string>& installOptionsValues) {
+  TargetReservation none;
+  return readTargetTypes(installOptions, installOptionsValues, none);
 }
 
 }  // namespace agent

@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <functional>
 #include <gmock/gmock.h>
 #include <optional>
 #include <string>
@@ -64,6 +65,47 @@ class ImageVerification : public testing::Test {
   std::filesystem::path m_file = m_directory.write("image.rom", std::string("firmware"));
   std::string m_uri = "file://" + m_file.string();
 };
+
+// Notes which target is in progress at each error record.
+class TargetWatch final : public utils::LogSinks {
+ public:
+  TargetWatch() : m_previous(utils::exchangeLogSinks(this)) {}
+  ~TargetWatch() override { utils::exchangeLogSinks(m_previous); }
+
+  void writeEventLog(const std::string& /*line*/) noexcept override {
+    targets.push_back(agent::getTargetInProgress());
+  }
+  void writeDebugChannel(const std::string& /*line*/) noexcept override {}
+  void writeStandardError(const std::string& /*text*/) noexcept override {}
+
+  std::vector<std::string> targets;
+
+ private:
+  utils::LogSinks* m_previous;
+};
+
+TEST_F(ImageVerification, FreesItsTargetBeforeItTellsOfARefusal) {
+  const auto expectFree = [](const std::function<void()>& act) {
+    TargetWatch watch;
+    EXPECT_ANY_THROW(act());
+    // The last record is the refusal's.
+    ASSERT_THAT(watch.targets, testing::Not(IsEmpty()));
+    EXPECT_EQ(watch.targets.back(), "");
+  };
+  for (const ma::PrepareStatus status :
+       {ma::PrepareStatus::InvalidImage, ma::PrepareStatus::NotForAdapter,
+        ma::PrepareStatus::Downgrade, ma::PrepareStatus::TypesDiffer,
+        ma::PrepareStatus::NotUpdatable, ma::PrepareStatus::InternalFault}) {
+    m_midApi.prepareStatus = status;
+    expectFree(checking());
+    m_config.isDowngradeEnabled = true;
+    expectFree(checking());
+    m_config.isDowngradeEnabled = false;
+  }
+  expectFree(checking({cim::kTargetTypes}, {"IMG_XXX"}));
+  expectFree(checkingUri("nonsense"));
+  expectFree(checkingUri("file:///nowhere/at/all"));
+}
 
 TEST_F(ImageVerification, HandsTheFileToTheLibraryAndReturnsWhatThatPrepared) {
   m_midApi.prepared = test::bytesOf("smaller");
