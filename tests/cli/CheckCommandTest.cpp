@@ -125,6 +125,8 @@ TEST_F(CheckCommandTest, RefusesWrongUsage) {
   expectUsageFault({"check"}, HasSubstr("TARGET is required"));
   expectUsageFault({"check", kAdapter}, HasSubstr("IDENTITY is required"));
   expectUsageFault({"check", kAdapter, "a.rom", "b.rom"}, HasSubstr("b.rom"));
+  expectUsageFault({"check", kAdapter, "a.rom", "--reserve"},
+                   HasSubstr("--reserve goes with --host"));
 }
 
 }  // namespace

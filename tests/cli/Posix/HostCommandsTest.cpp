@@ -106,7 +106,17 @@ TEST_F(HostCommandsTest, InstallFromIdentitiesAndWarnOfChecks) {
   EXPECT_THAT(listed.output, HasSubstr("newer"));
   EXPECT_EQ(run(onHost({"update", kAdapter, "--identity", "new.rom"})).exitStatus, 0);
   EXPECT_EQ(flash(), test::readBytes(file));
-  const ProgramResult checked = run(onHost({"check", kAdapter, "new.rom"}));
+  const ProgramResult compared = run(onHost({"check", kAdapter, "new.rom"}));
+  EXPECT_EQ(compared.exitStatus, 0);
+  EXPECT_EQ(compared.output, file + " can be installed on 0000:03:00: same\n");
+  EXPECT_EQ(compared.errors, "");
+  EXPECT_EQ(
+      runJson(onHost({"check", "0000:03:00.0", "new.rom"})),
+      Json(
+          {{"returnValue", 0}, {"returnText", "Completed with No Error"}, {"comparison", "same"}}));
+  // Nothing is reserved.
+  EXPECT_EQ(run(onHost({"update", kAdapter, file})).exitStatus, 0);
+  const ProgramResult checked = run(onHost({"check", kAdapter, "new.rom", "--reserve"}));
   EXPECT_EQ(checked.exitStatus, 0);
   EXPECT_EQ(checked.output, run({"check", kAdapter, "new.rom", "--config", agents}).output);
   EXPECT_THAT(checked.errors, HasSubstr("reserved for this installation"));
