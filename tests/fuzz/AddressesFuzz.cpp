@@ -13,7 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto again =
         quorveld::parseEndpoint((endpoint->isTls ? "https:" : "") + endpoint->text());
     test::require(again && again->address == endpoint->address && again->port == endpoint->port &&
-                      again->isTls == endpoint->isTls,
+                      again->isTls == endpoint->isTls && again->path == endpoint->path,
                   "what is written reads the same");
   }
   const std::string group = http::toPeerGroup(text);
