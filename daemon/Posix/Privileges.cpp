@@ -1,5 +1,6 @@
 #include "daemon/Posix/Privileges.h"
 
+#include <fcntl.h>
 #include <filesystem>
 #include <string>
 #include <unistd.h>
@@ -11,7 +12,7 @@ Privileges readPrivileges() {
       std::filesystem::path(DaemonConfig::kDefaultSocket).parent_path().string();
   const bool isRoot = ::geteuid() == 0;
   // Where there is no folder, only root makes it.
-  return {isRoot, isRoot || ::access(folder.c_str(), W_OK) == 0};
+  return {isRoot, isRoot || ::faccessat(AT_FDCWD, folder.c_str(), W_OK, AT_EACCESS) == 0};
 }
 
 }  // namespace quorveld

@@ -90,6 +90,7 @@ ImportPatch patch(SystemCall call) {
       return {kLibrary, "CreateSemaphoreA", &createSemaphore};
     case SystemCall::TellLocalTime:
       return {kLibrary, "_mkgmtime64", &tellTime};
+    case SystemCall::LockFile:  // no call of the library here
     case SystemCall::Allocate:
     case SystemCall::kCount:
       break;
