@@ -142,12 +142,12 @@ TEST_F(ConcreteJobClass, TakesAJobThatCannotStartBack) {
   {
     const test::NoMoreThreads noMoreThreads;
     EXPECT_EQ(create(), 106);
+    // The wait of its end is nobody's who asks.
+    EXPECT_THAT(clock.sleeps(), IsEmpty());
   }
   EXPECT_EQ(m_job, nullptr);
   EXPECT_THAT(enumerate(), IsEmpty());
   EXPECT_EQ(agent::getTargetInProgress(), "");
-  // The wait of its end is nobody's who asks.
-  EXPECT_THAT(clock.sleeps(), IsEmpty());
 
   createAndFinish();
   EXPECT_THAT(captions(), ElementsAre("Firmware Update Job 2"));
