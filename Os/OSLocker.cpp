@@ -26,15 +26,32 @@ std::string describe(const std::optional<LockHolder>& holder) {
 
 // Stands in for a lock that could not be made.
 class NoOSLocker final : public OSLocker {
+ public:
+  explicit NoOSLocker(std::string reason) : m_reason(std::move(reason)) {}
+
+  // Whoever asked for the update has it on his terminal, whatever the log's level is.
+  [[nodiscard]] std::int32_t Lock() override {
+    utils::platformLogSinks().writeStandardError(
+        "OrvexQuorvel: no update can be made, since the flash lock cannot be had: " + m_reason +
+        "\n");
+    return OSLocker::Lock();
+  }
+
  protected:
   [[nodiscard]] bool hasSemaphore() const override { return false; }
   [[nodiscard]] WaitResult waitForSemaphore(std::uint32_t /*milliseconds*/) override {
     return WaitResult::Failed;
   }
   [[nodiscard]] std::optional<SystemError> releaseSemaphore() override { return std::nullopt; }
+
+ private:
+  const std::string m_reason;
 };
 
 }  // namespace
+
+LockFault::LockFault(std::string reason)
+    : Exception("Could not create synchronisation sempahore"), m_reason(std::move(reason)) {}
 
 std::string LockHolder::toString(std::chrono::steady_clock::time_point now) const {
   const auto held = std::chrono::duration_cast<std::chrono::seconds>(now - since);
@@ -151,9 +168,11 @@ OSLocker::AutoOSLocker::~AutoOSLocker() {
 std::unique_ptr<OSLocker> createOSLockerOrSubstitute() {
   try {
     return createOSLocker();
-  } catch (const utils::Exception&) {
-    // Its text and its reason are in the log.
-    return std::make_unique<NoOSLocker>();
+  } catch (const LockFault& fault) {
+    utils::logError(OSLocker::kLog, "os::createOSLockerOrSubstitute",
+                    "The flash lock cannot be had, and no update can be made: %s",
+                    fault.reason().c_str());
+    return std::make_unique<NoOSLocker>(fault.reason());
   }
 }
 

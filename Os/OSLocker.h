@@ -16,6 +16,7 @@
 #include <optional>
 #include <string>
 
+#include "Utils/Exception.h"
 #include "Utils/Export.h"
 #include "Utils/Log.h"
 #include "Utils/Mutex.h"
@@ -53,6 +54,9 @@ class ORVEX_CORE_API OSLocker : public utils::Singleton<OSLocker> {
 
   // What Lock() answers.
   enum Result : std::int32_t { kLocked = 0, kError = 1, kInUse = 2, kTimeout = 3 };
+
+  // The name that the lock of this platform logs under. Defined per platform.
+  static const utils::LogSource kLog;
 
   // A derived locker releases the lock, when it is still held, in its own destructor.
   ~OSLocker() override;
@@ -93,9 +97,6 @@ class ORVEX_CORE_API OSLocker : public utils::Singleton<OSLocker> {
   [[nodiscard]] std::string describeWait() const;
 
  private:
-  // The name that the lock of this platform logs under. Defined per platform.
-  static const utils::LogSource kLog;
-
   // Returns whom it was in vain for, empty without a timeout.
   std::string endWait(WaitResult result);
 
@@ -119,13 +120,24 @@ class ORVEX_CORE_API OSLocker::AutoOSLocker {
   ~AutoOSLocker();
 };
 
-// Returns a new locker of the platform, which registers itself. Throws utils::Exception "Could not
-// create synchronisation sempahore", after a record of the reason where it knows one. Defined per
+// The lock cannot be had. The text is "Could not create synchronisation sempahore".
+class ORVEX_CORE_API LockFault final : public utils::Exception {
+ public:
+  explicit LockFault(std::string reason);
+  // Returns why, for a person.
+  [[nodiscard]] const std::string& reason() const { return m_reason; }
+
+ private:
+  std::string m_reason;
+};
+
+// Returns a new locker of the platform, which registers itself. Throws LockFault. Defined per
 // platform.
 [[nodiscard]] ORVEX_CORE_API std::unique_ptr<OSLocker> createOSLocker();
 
 // The same for a host that serves on without the lock: where it cannot be created, returns a locker
-// that has no semaphore, and so answers every Lock() by kError.
+// that has no semaphore, and so answers every Lock() by kError, after a line on standard error that
+// says why.
 [[nodiscard]] ORVEX_CORE_API std::unique_ptr<OSLocker> createOSLockerOrSubstitute();
 
 }  // namespace os

@@ -46,7 +46,7 @@ LogSinks& currentSinks() {
 }
 
 // What stands in for an entry. Made at the start, when there is memory.
-const std::string s_lostEntry = "OrvexQuorvel: an entry is lost, since there is no memory for it\n";
+const std::string kLostEntry = "OrvexQuorvel: an entry is lost, since there is no memory for it\n";
 
 // An entry, or what stands in for it.
 class Line {
@@ -62,7 +62,7 @@ class Line {
     }
   }
 
-  [[nodiscard]] const std::string& get() const noexcept { return m_isLost ? s_lostEntry : m_text; }
+  [[nodiscard]] const std::string& get() const noexcept { return m_isLost ? kLostEntry : m_text; }
 
  private:
   std::string m_text;
@@ -87,7 +87,7 @@ void writeStandardError(LogSinks& sinks, const std::string& line) noexcept {
   try {
     sinks.writeStandardError(interpretPercentSigns(line));
   } catch (const std::exception&) {
-    sinks.writeStandardError(s_lostEntry);
+    sinks.writeStandardError(kLostEntry);
   }
 }
 

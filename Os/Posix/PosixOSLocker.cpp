@@ -6,8 +6,6 @@
 #include <system_error>
 #include <utility>
 
-#include "Utils/Exception.h"
-
 namespace os {
 namespace {
 
@@ -21,9 +19,7 @@ LockFile openFile(const std::filesystem::path& folder) {
   try {
     return LockFile(folder);
   } catch (const std::runtime_error& error) {
-    utils::logError(kSource, "os::OSLockerPosix::OSLockerPosix",
-                    "The flash lock cannot be had, and no update can be made: %s", error.what());
-    throw utils::Exception("Could not create synchronisation sempahore");
+    throw LockFault(error.what());
   }
 }
 

@@ -18,8 +18,7 @@ class ORVEX_CORE_API OSLockerPosix : public OSLocker {
   // Where the programs of this maker have their lock.
   static constexpr const char* kFolder = "/run/lock";
 
-  // Opens the lock's file in `folder`, or makes it; waits by `clock`. Throws utils::Exception
-  // "Could not create synchronisation sempahore" after an error record of the reason.
+  // Opens the lock's file in `folder`, or makes it; waits by `clock`. Throws LockFault.
   explicit OSLockerPosix(const std::filesystem::path& folder = kFolder,
                          platform::Clock& clock = platform::steadyClock());
   ~OSLockerPosix() override;

@@ -31,7 +31,7 @@ const utils::LogSource OSLocker::kLog{"Os/Windows/WindowsOSLocker"};
 
 OSLockerWindows::OSLockerWindows() : m_semaphore(createSemaphore()) {
   if (!OSLockerWindows::hasSemaphore()) {
-    throw utils::Exception("Could not create synchronisation sempahore");
+    throw LockFault(getSystemText(GetLastError()));
   }
 }
 

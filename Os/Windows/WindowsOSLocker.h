@@ -11,7 +11,7 @@ namespace os {
 class ORVEX_CORE_API OSLockerWindows : public OSLocker {
  public:
   // Creates or opens the semaphore with count 1, maximum 1 and access for everyone. Throws
-  // utils::Exception "Could not create synchronisation sempahore".
+  // LockFault.
   OSLockerWindows();
   ~OSLockerWindows() override;
 

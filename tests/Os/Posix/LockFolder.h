@@ -63,7 +63,9 @@ class LockFolder::Stranger {
 class LockFolder::Blocker {
  public:
   explicit Blocker(std::filesystem::path file) : m_file(std::move(file)) {
-    const platform::Descriptor made(::open(m_file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+    std::filesystem::remove(m_file);
+    const platform::Descriptor made(
+        ::open(m_file.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
     if (!made.isOpen()) {
       throw std::runtime_error("cannot make " + m_file.string());
     }

@@ -166,8 +166,7 @@ TEST_F(WindowsOSLocker, ThrowsWhenTheSystemCannotCreateTheSemaphore) {
     const OSLockerWindows locker;
   };
 
-  EXPECT_THAT(create,
-              ThrowsExactly<utils::Exception>("Could not create synchronisation sempahore"));
+  EXPECT_THAT(create, ThrowsExactly<os::LockFault>("Could not create synchronisation sempahore"));
   EXPECT_THAT([] { static_cast<void>(os::OSLocker::getInstance()); },
               ThrowsExactly<utils::Exception>("No singleton instance found for OSLocker"));
 }
@@ -300,7 +299,7 @@ TEST_F(WindowsOSLockerCalls, ThrowWithoutAHandle) {
   m_semaphore.hasHandle = false;
 
   EXPECT_THAT([] { const OSLockerWindows locker; },
-              ThrowsExactly<utils::Exception>("Could not create synchronisation sempahore"));
+              ThrowsExactly<os::LockFault>("Could not create synchronisation sempahore"));
 }
 
 TEST_F(WindowsOSLockerCalls, WaitForTheConfiguredTimeout) {
