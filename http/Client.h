@@ -20,7 +20,7 @@ struct ClientOptions {
   std::uint16_t port = 0;
   std::string path = {};  // of a local socket, in the place of host and port
   bool isTls = false;
-  std::string caFile;                         // PEM; empty: what the system trusts
+  std::string caFile = {};                    // PEM; empty: what the system trusts
   std::chrono::milliseconds timeout{60'000};  // for connecting, and for each answer
   // What is sent is for this machine only: nothing is where the connection leads to another one.
   bool mustBeLoopback = false;
