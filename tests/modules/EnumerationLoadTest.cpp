@@ -123,7 +123,7 @@ TEST_F(EnumerationLoad, LeavesTheHeapAsItWas) {
   const auto enumerateAll = [&classes](std::size_t times) {
     for (std::size_t count = 0; count < times; ++count) {
       for (const std::string& className : classes) {
-        EXPECT_FALSE(test::enumerate(className).empty());
+        EXPECT_FALSE(test::enumerate(className).empty()) << className;
       }
     }
   };
