@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <string_view>
 #include <sys/file.h>
+#include <sys/random.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -79,15 +80,19 @@ void refuseOtherNames(const fs::path& path, const struct stat& status) {
   }
 }
 
-// Whoever can make entries in the folder can make one of this name before root does. It is moved,
-// where it cannot be removed: a folder may have anything in it.
-void putOutOfTheWay(const fs::path& path) {
-  if (::unlink(path.c_str()) == 0 || errno == ENOENT) {
-    return;
+// Returns a name in the folder that nobody can have taken before.
+fs::path makeName(const fs::path& path) {
+  std::uint64_t number = 0;
+  if (::getrandom(&number, sizeof(number), 0) != sizeof(number)) {
+    fail("no random number for " + path.string(), errno);
   }
-  const fs::path aside = path.string() + utils::format(".foreign.%d", static_cast<int>(getpid()));
-  if (::rename(path.c_str(), aside.c_str()) != 0 && errno != ENOENT) {
-    fail("cannot put a stranger's " + path.string() + " out of the way", errno);
+  return path.string() + utils::format(".%016llx", static_cast<unsigned long long>(number));
+}
+
+// Removes what a stranger made; a folder may have anything in it, and stays under its name.
+void removeStranger(const fs::path& path) {
+  if (::unlink(path.c_str()) != 0) {
+    static_cast<void>(::rmdir(path.c_str()));
   }
 }
 
@@ -98,6 +103,40 @@ void refuseOwner(const fs::path& path, const struct stat& status) {
            ? utils::format(" belongs to user %u", static_cast<unsigned>(status.st_uid))
            : std::string(" is no file")) +
       ": have it removed");
+}
+
+// Puts a new file of root's in the place of what a stranger made: whoever can make entries in the
+// folder can make one of this name before root does. Returns no descriptor where another program of
+// root has done it meanwhile. The new file is locked until it is known to stay, so that nobody
+// takes it for the lock before; who waits for it finds it removed otherwise, and looks again.
+Descriptor replaceStranger(const fs::path& path) {
+  const fs::path name = makeName(path);
+  Descriptor file = create(name);
+  if (!file.isOpen() || ::flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
+    fail("cannot make " + name.string(), errno);
+  }
+  if (::renameat2(AT_FDCWD, name.c_str(), AT_FDCWD, path.c_str(), RENAME_EXCHANGE) != 0) {
+    const int error = errno;
+    static_cast<void>(::unlink(name.c_str()));
+    if (error == ENOENT) {
+      return {};
+    }
+    fail("cannot put a stranger's " + path.string() + " out of the way", error);
+  }
+  struct stat status {};
+  if (::lstat(name.c_str(), &status) == 0 && isFileOf(status, kRoot)) {
+    // Another program of root was faster: its file comes back.
+    if (::renameat2(AT_FDCWD, name.c_str(), AT_FDCWD, path.c_str(), RENAME_EXCHANGE) != 0) {
+      fail("cannot put " + path.string() + " back", errno);
+    }
+    static_cast<void>(::unlink(name.c_str()));
+    return {};
+  }
+  removeStranger(name);
+  if (::flock(file.get(), LOCK_UN) != 0) {
+    fail("cannot unlock " + path.string(), errno);
+  }
+  return file;
 }
 
 // Opens a file of the effective user, or makes it.
@@ -128,7 +167,10 @@ Descriptor openOwn(const fs::path& path) {
       }
     }
     if (isRoot()) {
-      putOutOfTheWay(path);
+      Descriptor replacement = replaceStranger(path);
+      if (replacement.isOpen()) {
+        return replacement;
+      }
     } else if (file.isOpen()) {
       refuseOwner(path, status);
     } else {
@@ -228,15 +270,16 @@ void LockFile::open() {
   checkFolder(m_folder);
   m_path = m_folder / kName;
   m_file = isRoot() ? openOwn(m_path) : openAsMember(m_path);
-  if (!m_file.isOpen()) {
+  m_isMachines = m_file.isOpen();
+  if (!m_isMachines) {
     m_path += utils::format(".%u", static_cast<unsigned>(geteuid()));
     m_file = openOwn(m_path);
   }
 }
 
 bool LockFile::tryLock(Moment now) {
-  if (!m_file.isOpen()) {
-    open();  // which failed the last time
+  if (!m_file.isOpen() || !m_isMachines) {
+    open();  // it failed the last time, or the machine's may let this user in by now
   }
   for (;;) {
     while (::flock(m_file.get(), LOCK_EX | LOCK_NB) != 0) {

@@ -4,8 +4,8 @@
 // can open the file can take it. So the file decides who takes part:
 //
 //   RavlApplySemaphore       root's, and of those whom its group lets in: the programs that write
-//                            the machine's adapters. Opened to nobody else; found in another
-//                            user's ownership it is put out of the way and made anew by root.
+//                            the machine's adapters. Opened to nobody else; what another user put
+//                            there is replaced by root.
 //   RavlApplySemaphore.UID   of a user who may not open that one, for the programs of that user.
 //
 // The folder must be root's or the user's own, and sticky where others can write to it, so that
@@ -59,6 +59,7 @@ class ORVEX_CORE_API LockFile {
   const std::filesystem::path m_folder;
   std::filesystem::path m_path;
   platform::Descriptor m_file;
+  bool m_isMachines = false;
   std::string m_line;  // of the holder that was read last
   std::optional<LockHolder> m_holder;
 };

@@ -8,11 +8,13 @@
 #include <functional>
 #include <gmock/gmock.h>
 #include <grp.h>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 #include "Os/Posix/LockFile.h"
 #include "tests/Os/Posix/LockFolder.h"
@@ -268,6 +270,62 @@ INSTANTIATE_TEST_SUITE_P(
         Placed{"LinkToNothing",
                [](const fs::path& path) { return placeLink(path, "/nowhere/at/all"); }}),
     [](const testing::TestParamInfo<Placed>& entry) { return std::string(entry.param.what); });
+
+// Each finds the stranger's file, and all have to meet at one of root's.
+TEST_F(LockFileOfUsers, IsOneForAllProgramsOfRootThatReplaceAStrangers) {
+  constexpr int kProcesses = 8;
+  for (int round = 0; round < 20; ++round) {
+    fs::remove(m_folder.machinesFile());
+    ASSERT_TRUE(doAs(kUser, [&] {
+      return ::close(::open(m_folder.machinesFile().c_str(), O_RDWR | O_CREAT, 0666)) == 0;
+    }));
+    std::vector<std::unique_ptr<ChildProcess>> children;
+    for (int number = 0; number < kProcesses; ++number) {
+      children.push_back(std::make_unique<ChildProcess>([&](ChildProcess::Link& parent) {
+        parent.tell('r');
+        static_cast<void>(parent.await('g'));
+        LockFile file(m_folder.path());
+        const bool isMine = file.tryLock(Clock::now());
+        parent.tell(isMine ? 'l' : 'n');
+        return parent.await('q') ? 0 : 1;
+      }));
+    }
+    for (const auto& child : children) {
+      EXPECT_TRUE(child->link().await('r'));
+    }
+    for (const auto& child : children) {
+      child->link().tell('g');
+    }
+    int holders = 0;
+    for (const auto& child : children) {
+      holders += child->link().await('l') ? 1 : 0;
+    }
+    EXPECT_LE(holders, 1);
+    EXPECT_EQ(statusOf(m_folder.machinesFile()).st_uid, 0U);
+    for (const auto& child : children) {
+      child->link().tell('q');
+      EXPECT_EQ(child->wait(), 0);
+    }
+  }
+}
+
+TEST_F(LockFileOfUsers, BecomesTheMachinesOnceThatLetsThemIn) {
+  EXPECT_TRUE(doAs(kUser, kGroup, [&] {
+    LockFile file(m_folder.path());
+    if (file.path() != m_folder.fileOf(kUser)) {
+      return false;
+    }
+    ChildProcess root([&](ChildProcess::Link&) {
+      const bool isRoot = seteuid(0) == 0;
+      { const LockFile made(m_folder.path()); }
+      return isRoot && ::chown(m_folder.machinesFile().c_str(), 0, kGroup) == 0 &&
+                     ::chmod(m_folder.machinesFile().c_str(), 0660) == 0
+                 ? 0
+                 : 1;
+    });
+    return root.wait() == 0 && file.tryLock(Clock::now()) && file.path() == m_folder.machinesFile();
+  }));
+}
 
 TEST_F(LockFileOfUsers, DoesNotFollowALinkThatAStrangerMade) {
   const test::TempDirectory directory;
