@@ -86,9 +86,9 @@ ExitStatus invoke(const Context& context, const Options& options) {
   const core::CimPath path = client::parseObjectPath(options.path);
 
   std::optional<InterruptGuard> guard;
-  const client::MethodAnswer answer =
-      connection->invoke(path.getModelPath(), options.method, arguments.in(), arguments.out(),
-                         [&guard] { guard.emplace(); });
+  const client::MethodAnswer answer = connection->invoke(
+      path.getModelPath(), options.method, arguments.in(), arguments.out(),
+      [&guard, &connection] { guard.emplace(connection->isRemote() ? Stops::Let : Stops::Held); });
   if (!context.options.isJson) {
     printAnswer(context.out, answer);
   }

@@ -92,8 +92,12 @@ client::JobReport follow(Watch& watch, const client::Connection& connection, Pro
     if (guard.takeInterrupt() && !hasEnded) {
       view.endLine();
       watch.yieldToHost(report.has_value());
-      err << "quorvel: interrupted: the flash is being written and cannot be left half done; "
-             "waiting for its end"
+      err << (os::OSLocker::describeAwaited().empty() ? "quorvel: interrupted: the flash is being "
+                                                        "written and cannot be left half done; "
+                                                        "waiting for its end"
+                                                      : "quorvel: interrupted: the update waits "
+                                                        "for the flash and cannot be taken back; "
+                                                        "waiting for its end")
           << std::endl;
     }
     if (guard.takeStop()) {

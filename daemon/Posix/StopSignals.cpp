@@ -36,6 +36,9 @@ bool isIgnored(int signal) {
 
 StopSignals::StopSignals() {
   std::signal(SIGPIPE, SIG_IGN);
+  // A terminal's stop would keep the machine's flash lock, and the clients waiting.
+  std::signal(SIGTSTP, SIG_IGN);
+  std::signal(SIGTTOU, SIG_IGN);
   sigset_t signals;
   sigemptyset(&signals);
   for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
