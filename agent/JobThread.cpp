@@ -67,7 +67,7 @@ JobThread::~JobThread() {
   utils::logDebug(kLog, kFunction, "Destroying JobThread %p, waiting for terminate", self);
   JobThread::requestStop();
   if (!hasEnded()) {
-    agent::waitForFlag(m_done, kTerminationBudget, m_clock);
+    agent::waitForFlag(m_done, findTerminationBudget(), m_clock);
   }
   if (m_done.isSet()) {
     utils::logDebug(kLog, kFunction, "JobThread %p, terminated", self);
@@ -80,7 +80,19 @@ JobThread::~JobThread() {
   }
 }
 
+// A thread that never came to exist has used its time up since then.
+int JobThread::findTerminationBudget() const {
+  if (m_launched.isSet()) {
+    return kTerminationBudget;
+  }
+  const auto passed =
+      std::chrono::duration_cast<std::chrono::milliseconds>(m_clock.now() - m_launchTime);
+  return static_cast<int>(
+      std::max<std::chrono::milliseconds::rep>(kTerminationBudget - passed.count(), 0));
+}
+
 void JobThread::launch() {
+  m_launchTime = m_clock.now();
   m_started.set();
   start();
   m_launched.set();

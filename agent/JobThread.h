@@ -55,6 +55,7 @@ class JobThread : public utils::Thread {
 
  private:
   [[nodiscard]] bool flash();
+  [[nodiscard]] int findTerminationBudget() const;
   void disableIscsiBoot();
 
   agent::FlashJob* const m_job;
@@ -62,7 +63,8 @@ class JobThread : public utils::Thread {
   agent::LockedFlag m_done;
   agent::LockedFlag m_stopRequested;  // for a debugger; see requestStop()
   agent::LockedFlag m_started;
-  agent::LockedFlag m_launched;  // set once the thread exists
+  agent::LockedFlag m_launched;             // set once the thread exists
+  platform::Clock::TimePoint m_launchTime;  // of the attempt
 };
 
 #endif  // ORVEX_AGENT_JOBTHREAD_H_

@@ -1,6 +1,8 @@
 #include <chrono>
 #include <gmock/gmock.h>
 #include <memory>
+#include <utility>
+#include <vector>
 
 #include "agent/UnstartedJobs.h"
 #include "tests/agent/ConcreteJobFixture.h"
@@ -46,6 +48,7 @@ TEST_F(UnstartedJobsTest, EndWhileNobodyWaitsForThem) {
 TEST_F(UnstartedJobsTest, EndOneAfterTheOther) {
   agent::UnstartedJobs jobs;
   jobs.add(takeJobThatDidNotStart());
+  EXPECT_TRUE(awaitEnds(1));
   jobs.add(takeJobThatDidNotStart());
   EXPECT_TRUE(test::waitUntil([&] {
     jobs.tidyUp();
@@ -64,6 +67,23 @@ TEST_F(UnstartedJobsTest, WaitUntilThreadsCanBeStartedAgain) {
   }
   jobs.tidyUp();
   EXPECT_TRUE(awaitEnds(1));
+}
+
+// The time that a thread has to end begins when it should have been started.
+TEST_F(UnstartedJobsTest, EndTogetherWhereTheirTimeIsOver) {
+  auto jobs = std::make_unique<agent::UnstartedJobs>();
+  std::vector<std::unique_ptr<Orvex_ConcreteJob>> notStarted;
+  for (int count = 0; count < 5; ++count) {
+    notStarted.push_back(takeJobThatDidNotStart());
+  }
+  {
+    const test::NoMoreThreads noMoreThreads;
+    for (auto& job : notStarted) {
+      jobs->add(std::move(job));
+    }
+  }
+  jobs.reset();
+  EXPECT_EQ(countEnds(), 1);
 }
 
 TEST_F(UnstartedJobsTest, EndWithTheirOwner) {
