@@ -9,6 +9,7 @@
 #include <unistd.h>
 #include <utility>
 
+#include "Os/FileCalls.h"
 #include "Utils/Format.h"
 #include "platform/Posix/Descriptor.h"
 
@@ -16,6 +17,7 @@ namespace quorveld {
 namespace {
 
 constexpr const char* kUnreadable = "not known: the file cannot be read";
+constexpr const char* kSilent = "not known: the file system does not answer";
 constexpr const char* kChanged = "not known: the file has changed meanwhile";
 
 struct FreeContext {
@@ -55,24 +57,42 @@ std::optional<std::string> hash(const platform::Descriptor& file) {
   return text;
 }
 
-}  // namespace
-
-FileDigest::FileDigest(std::string path)
-    : m_path(std::move(path)), m_stamp(platform::findStamp(m_path)) {}
-
-std::string FileDigest::digest() const {
-  if (!m_stamp || !S_ISREG(m_stamp->mode)) {
-    return kUnreadable;
-  }
-  const platform::Descriptor file(open(m_path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+std::string digestOf(const std::string& path, const platform::FileStamp& stamp) {
+  const platform::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (!file.isOpen()) {
     return kUnreadable;
   }
   const std::optional<std::string> text = hash(file);
-  if (platform::findStamp(m_path) != m_stamp) {
+  if (platform::findStamp(path) != stamp) {
     return kChanged;
   }
   return text.value_or(kUnreadable);
+}
+
+}  // namespace
+
+FileDigest::FileDigest(std::string path) : m_path(std::move(path)) {
+  const auto stamp = std::make_shared<std::optional<platform::FileStamp>>();
+  m_isAnswered = os::fileCalls().make(os::directoryOf(m_path), [path = m_path, stamp] {
+    *stamp = platform::findStamp(path);
+  }) == os::FileAnswer::InTime;
+  if (m_isAnswered) {
+    m_stamp = *stamp;
+  }
+}
+
+std::string FileDigest::digest() const {
+  if (!m_isAnswered) {
+    return kSilent;
+  }
+  if (!m_stamp || !S_ISREG(m_stamp->mode)) {
+    return kUnreadable;
+  }
+  const auto text = std::make_shared<std::string>();
+  const os::FileAnswer answer = os::fileCalls().make(
+      os::directoryOf(m_path),
+      [path = m_path, stamp = *m_stamp, text] { *text = digestOf(path, stamp); });
+  return answer == os::FileAnswer::InTime ? *text : kSilent;
 }
 
 }  // namespace quorveld

@@ -15,14 +15,16 @@ namespace quorveld {
 // Any thread.
 class FileDigest final : public wbem::FileEvidence {
  public:
-  // Looks at the file, and does not open it yet.
+  // Looks at the file, and does not open it yet. A file system that does not answer is waited for a
+  // few seconds, here and below.
   explicit FileDigest(std::string path);
 
   [[nodiscard]] std::string digest() const override;
 
  private:
   const std::string m_path;
-  const std::optional<platform::FileStamp> m_stamp;  // null: it is not there
+  std::optional<platform::FileStamp> m_stamp;  // null: it is not there
+  bool m_isAnswered = false;                   // by the file system
 };
 
 }  // namespace quorveld

@@ -1,7 +1,9 @@
+#include <chrono>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <string>
 
+#include "Os/FileCalls.h"
 #include "daemon/Posix/FileDigest.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/WaitUntil.h"
@@ -26,6 +28,16 @@ TEST_F(FileDigest, IsTheSha256OfTheContent) {
             "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855");
   EXPECT_EQ(quorveld::FileDigest(write(std::string(1'000'000, 'a'))).digest(),
             "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
+}
+
+TEST_F(FileDigest, IsNotWaitedForWithoutEnd) {
+  const std::string path = write(std::string(32'000'000, 'a'));
+  const auto patience = os::fileCalls().setPatience(std::chrono::milliseconds(0));
+  EXPECT_THAT(quorveld::FileDigest(path).digest(), HasSubstr("the file system does not answer"));
+  os::fileCalls().setPatience(patience);
+  // The call that was given up comes back by itself.
+  EXPECT_TRUE(
+      test::waitUntil([&path] { return quorveld::FileDigest(path).digest().size() == 64; }));
 }
 
 TEST_F(FileDigest, IsNotThatOfAnotherContentThanTheFileHadBefore) {
