@@ -175,7 +175,11 @@ Awaitable<Connection::ReadEnd> Connection::readBody() {
       co_return ReadEnd::Refused;
     }
     if (isComplete) {
-      co_return ReadEnd::Complete;
+      co_return givingWay().allowFrom(GivingWay::kNever) ? ReadEnd::Complete : ReadEnd::Closed;
+    }
+    if (m_phase != Phase::Reading &&
+        !givingWay().allowFrom(Clock::now() + m_service.options.slowBodyTime)) {
+      co_return ReadEnd::Closed;
     }
     if (m_parser->expectsContinue() && !isContinueSent) {
       isContinueSent = true;

@@ -22,6 +22,9 @@ Peer describePeer(const Protocol::endpoint& endpoint, std::optional<std::uint32_
   }
   Peer peer = describePeer(toTcpEndpoint(endpoint).address());
   peer.user = user;
+  if (user) {
+    peer.group = "user " + std::to_string(*user);  // whichever way it comes
+  }
   return peer;
 }
 

@@ -21,8 +21,8 @@ struct Peer {
 };
 
 [[nodiscard]] Peer describePeer(const boost::asio::ip::address& address);
-// The same of the other end of a connection. A user has the connections over local sockets in a
-// group of his own.
+// The same of the other end of a connection. A user of this machine who is known is a group of his
+// own, whichever way he comes.
 [[nodiscard]] Peer describePeer(const Protocol::endpoint& endpoint,
                                 std::optional<std::uint32_t> user);
 

@@ -234,15 +234,15 @@ Awaitable<void> Server::Implementation::sweep() {
     sweepTimer.expires_after(service.isStopping ? std::min(interval, kStoppingSweep) : interval);
     co_await sweepTimer.async_wait(kAwait);
     tidyUp();
-    if (options.onSweep) {
-      options.onSweep();
-    }
   }
 }
 
 // What goes wrong once must not end the watch over the deadlines.
 void Server::Implementation::tidyUp() {
   try {
+    if (options.onSweep) {
+      options.onSweep();
+    }
     connections.checkDeadlines();
     service.exchanges.trim();
     if (Clock::now() >= stopDeadline) {

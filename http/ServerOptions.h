@@ -39,6 +39,8 @@ struct ServerOptions {
   // From a request's first byte to its last; also for the client to take 64 KiB of the answer.
   std::chrono::milliseconds requestTimeout{30'000};
   std::chrono::milliseconds idleTimeout{60'000};  // between requests
+  // From here on, a client whose body has not come may have to give way like one that is idle.
+  std::chrono::milliseconds slowBodyTime{5'000};
   // From here on, a client that has not taken its answer may have to give way like one that is
   // idle.
   std::chrono::milliseconds slowAnswerTime{10'000};

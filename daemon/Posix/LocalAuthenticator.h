@@ -1,8 +1,8 @@
 // Knows the users of this machine by their connections, as the kernel tells: nobody has to log in.
 //
 // Operators are root, the user that the service runs as, and those of a list; every other user of
-// this machine is a reader. Who is not known stays out. What is known of a user is asked anew after
-// a few seconds.
+// this machine is a reader, by his number where he has no name. Where the kernel tells of none,
+// nobody comes in. What is known of a user is asked anew after a few seconds.
 
 #ifndef ORVEX_DAEMON_POSIX_LOCALAUTHENTICATOR_H_
 #define ORVEX_DAEMON_POSIX_LOCALAUTHENTICATOR_H_

@@ -16,8 +16,10 @@
 namespace quorveld {
 namespace {
 
-// TCP_ESTABLISHED of the kernel's include/net/tcp_states.h.
-constexpr std::uint8_t kEstablished = 1;
+// States of the kernel's include/net/tcp_states.h: ESTABLISHED, and FIN_WAIT1 and FIN_WAIT2, of a
+// client that has sent all it has to say.
+constexpr std::uint32_t kConnected = (1U << 1) | (1U << 4) | (1U << 5);
+constexpr std::uint32_t kStates = 32;
 // The kernel answers at once; this is for one that does not.
 constexpr timeval kPatience{2, 0};
 
@@ -59,7 +61,7 @@ bool ask(int netlink, sa_family_t family, const inet_diag_sockid& id) {
   request.header.nlmsg_flags = NLM_F_REQUEST;
   request.body.sdiag_family = static_cast<__u8>(family);
   request.body.sdiag_protocol = IPPROTO_TCP;
-  request.body.idiag_states = 1U << kEstablished;
+  request.body.idiag_states = kConnected;
   request.body.id = id;
   sockaddr_nl kernel{};
   kernel.nl_family = AF_NETLINK;
@@ -84,7 +86,10 @@ std::optional<uid_t> readOwner(int netlink) {
     return std::nullopt;  // an error: there is no such socket
   }
   std::memcpy(&message, buffer.data() + kBody, sizeof(message));
-  if (message.idiag_state != kEstablished || message.idiag_inode == 0) {
+  // Without an inode it is nobody's any more.
+  const bool isOwned = message.idiag_inode != 0 && message.idiag_state < kStates &&
+                       (kConnected & (1U << message.idiag_state)) != 0;
+  if (!isOwned) {
     return std::nullopt;
   }
   return message.idiag_uid;

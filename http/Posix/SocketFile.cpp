@@ -45,7 +45,9 @@ bool isServed(const std::string& path) {
 
 void SocketFile::makeWay(const std::string& path) {
   const std::string folder = std::filesystem::path(path).parent_path().string();
-  if (::mkdir(folder.c_str(), kFolderMode) != 0 && errno != EEXIST) {
+  // Whatever the umask is, other users have to find the socket in it.
+  const bool isMade = ::mkdir(folder.c_str(), kFolderMode) == 0;
+  if (isMade ? ::chmod(folder.c_str(), kFolderMode) != 0 : errno != EEXIST) {
     fail(errno, "the folder " + folder + " cannot be made");
   }
   struct stat status {};

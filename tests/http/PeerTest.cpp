@@ -49,8 +49,10 @@ TEST(DescribeLocalPeer, KeepsTheUserOfAConnectionByTcp) {
   const auto address = boost::asio::ip::make_address("::ffff:127.0.0.1");
   const Peer peer = describePeer(http::tcp::endpoint(address, 80), 1000);
   EXPECT_EQ(peer.address, "127.0.0.1");
-  EXPECT_EQ(peer.group, describePeer(address).group);
+  EXPECT_EQ(peer.group, "user 1000");
   EXPECT_EQ(peer.user, 1000u);
+  const Peer unknown = describePeer(http::tcp::endpoint(address, 80), std::nullopt);
+  EXPECT_EQ(unknown.group, describePeer(address).group);
 }
 
 }  // namespace

@@ -45,7 +45,10 @@ class SocketFileTest : public testing::Test {
 };
 
 TEST_F(SocketFileTest, HasItsFolderMade) {
+  const mode_t before = umask(0077);
   EXPECT_EQ(errorOfWay(), 0);
+  umask(before);
+  EXPECT_EQ(fs::status(m_path.parent_path()).permissions(), fs::perms(0755));
   EXPECT_TRUE(fs::is_directory(m_path.parent_path()));
   EXPECT_EQ(errorOfWay(), 0);
 }

@@ -67,8 +67,9 @@ TEST_F(Unload, IsCleanAfterAnUpdateThatHadNoFlashLock) {
   EXPECT_EQ(result.output, kStarted + "state 10, error 'Timeout Error'\n");
   EXPECT_THAT(result.errors,
               HasSubstr(": error: The flash lock cannot be had, and no update can be made: "));
-  EXPECT_THAT(result.errors,
-              HasSubstr("\nOrvexQuorvel: no update can be made, since the flash lock cannot be had: "));
+  EXPECT_THAT(
+      result.errors,
+      HasSubstr("\nOrvexQuorvel: no update can be made, since the flash lock cannot be had: "));
   EXPECT_EQ(result.exitStatus, 0);
   EXPECT_EQ(flash(), m_old);
 }
