@@ -27,11 +27,25 @@ struct FileCalls::Call {
   std::shared_ptr<Away> away ORVEX_GUARDED_BY(mutex);
   std::string place;
 
+  // Returns false where no thread can be started.
+  [[nodiscard]] bool start(const std::shared_ptr<Call>& self);
   void perform();
   // Returns whether it ended by the deadline. Otherwise it is noted to be away.
   [[nodiscard]] bool await(std::chrono::steady_clock::time_point deadline,
                            const std::shared_ptr<Away>& notes);
 };
+
+bool FileCalls::Call::start(const std::shared_ptr<Call>& self) {
+  // The thread needs the lock to end: one that ends while it is being detached has been seen to
+  // hang, on Windows.
+  const platform::Lock lock(mutex);
+  try {
+    std::thread([self] { self->perform(); }).detach();
+    return true;
+  } catch (const std::system_error&) {
+    return false;
+  }
+}
 
 void FileCalls::Call::perform() {
   std::exception_ptr thrown;
@@ -88,9 +102,7 @@ FileAnswer FileCalls::make(const std::string& place, std::function<void()> call)
   made->run = std::move(call);
   made->place = place;
   const auto deadline = std::chrono::steady_clock::now() + Patience(m_patience.load());
-  try {
-    std::thread([made] { made->perform(); }).detach();
-  } catch (const std::system_error&) {
+  if (!made->start(made)) {
     made->run();
     return FileAnswer::InTime;
   }
