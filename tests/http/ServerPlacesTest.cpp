@@ -279,4 +279,37 @@ TEST_F(SilentClients, AreLoggedOnce) {
               testing::ElementsAre(HasSubstr("those give way to new ones that have been idle")));
 }
 
+// A server with one place, which a client holds whose body has not come whole.
+class BegunBody : public testing::Test {
+ protected:
+  void begin(std::chrono::milliseconds slowBodyTime) {
+    ServerOptions options = test::onFreePort();
+    options.maxConnections = 1;
+    options.slowBodyTime = slowBodyTime;
+    m_server.emplace(options);
+    // One whose head has not been read yet gives way: then another one begins.
+    EXPECT_TRUE(test::waitUntil([this] {
+      m_client.emplace(m_server->port());
+      m_client->send("POST / HTTP/1.1\r\nHost: a\r\nContent-Length: 10\r\n\r\nbegin");
+      return statusOf(askOnce(m_server->port())) == "503";
+    }));
+  }
+
+  std::optional<TestServer> m_server;
+  std::optional<RawClient> m_client;
+};
+
+// Who may send bodies could otherwise keep everybody out by heads alone.
+TEST_F(BegunBody, GivesItsPlaceUpWhereTheRestDoesNotCome) {
+  begin(200ms);
+  EXPECT_TRUE(test::waitUntil([this] { return statusOf(askOnce(m_server->port())) == "200"; }));
+  EXPECT_NE(statusOf(m_client->readToEnd()), "200");
+}
+
+TEST_F(BegunBody, KeepsItsPlaceWhereTheRestComesInTime) {
+  begin(60s);
+  m_client->send("ended");
+  EXPECT_EQ(bodyOf(m_client->readAnswer()), "beginended");
+}
+
 }  // namespace
