@@ -137,6 +137,20 @@ TEST_F(TakenFlashTest, IsWaitedForInTheProgress) {
                                  "00:0[0-9]\n"));
 }
 
+TEST_F(TakenFlashTest, IsNotCalledWrittenToOneWhoInterruptsTheWait) {
+  test::FakeJob& job = addJob({{kRunning, 0}, {kCompleted, 100}});
+  m_jobs.onEnumeration = [&job] {
+    job.moveOn();
+    if (job.JobState.getValue() == kRunning) {
+      std::raise(SIGINT);
+    }
+  };
+  m_locker.waitInVain([this] { EXPECT_TRUE(wait().isCompleted()); });
+  EXPECT_EQ(m_err.str(),
+            "quorvel: interrupted: the update waits for the flash and cannot be taken back; "
+            "waiting for its end\n");
+}
+
 TEST_F(TakenFlashTest, IsInTheTextOfAJobThatTimedOut) {
   test::FakeJob& job = addJob({{kRunning, 0}, {kException, 100}});
   job.ErrorCode.setValue(4);
