@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <stdexcept>
@@ -248,9 +249,28 @@ class SkippingIteratorImplementation : public SafeList<T>::SimpleIteratorImpleme
 // A cursor as callers hold it: a value that owns its implementation. A copy begins at the start.
 //
 //   for (T element = cursor.first(); element != nullptr; element = cursor.next())
+//   for (T element : cursor)    the same walk
 template <class T>
 class SafeList<T>::Iterator {
  public:
+  // A step of a walk with this cursor.
+  class Step {
+   public:
+    Step(Iterator& cursor, T element) : m_cursor(&cursor), m_element(element) {}
+    [[nodiscard]] T operator*() const { return m_element; }
+    Step& operator++() {
+      m_element = m_cursor->next();
+      return *this;
+    }
+    [[nodiscard]] bool operator==(std::default_sentinel_t /*end*/) const {
+      return m_element == nullptr;
+    }
+
+   private:
+    Iterator* m_cursor;
+    T m_element;
+  };
+
   // Without an implementation, every operation throws utils::Exception.
   explicit Iterator(std::unique_ptr<IteratorImplementation> cursor)
       : implementation(std::move(cursor)) {}
@@ -283,6 +303,10 @@ class SafeList<T>::Iterator {
     ORVEX_ASSERT(kContainersLog, implementation != NULL);
     return implementation->count();
   }
+
+  // Begins a walk from the first element on.
+  [[nodiscard]] Step begin() { return Step(*this, first()); }
+  [[nodiscard]] std::default_sentinel_t end() const { return {}; }
 
  private:
   std::unique_ptr<IteratorImplementation> implementation;

@@ -90,6 +90,22 @@ TEST_F(SafeList, IsWalkedInTheOrderOfAdding) {
   EXPECT_EQ(m_list.size(), 3U);
 }
 
+TEST_F(SafeList, IsWalkedByALoopOverItsCursor) {
+  fill({3, 1, 2});
+  List::Iterator cursor = m_list.iterator();
+  static_cast<void>(cursor.next());
+  std::vector<int> numbers;
+  for (const Item* item : cursor) {
+    numbers.push_back(item->number());
+  }
+  EXPECT_THAT(numbers, ElementsAre(3, 1, 2));
+
+  m_list.clear();
+  for (const Item* item : m_list.iterator()) {
+    ADD_FAILURE() << item->number();
+  }
+}
+
 TEST_F(SafeList, BeginsAWalkWithNextOnAFreshCursor) {
   fill({1, 2});
   List::Iterator cursor = m_list.iterator();

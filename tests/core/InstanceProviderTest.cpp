@@ -1,4 +1,8 @@
+#include <atomic>
+#include <chrono>
+#include <future>
 #include <gmock/gmock.h>
+#include <thread>
 
 #include "Utils/Exception.h"
 #include "core/InstanceProvider.h"
@@ -39,6 +43,53 @@ class ThingProvider : public core::InstanceProvider {
  private:
   int m_count;
 };
+
+// Where two threads meet that come to the same place. One that comes alone goes on after a moment.
+class Meeting {
+ public:
+  void attend() {
+    if (m_arrivals.fetch_add(1) == 1) {
+      m_both.set_value();
+    }
+    const std::shared_future<void> both = m_future;
+    both.wait_for(std::chrono::milliseconds(100));
+  }
+
+ private:
+  std::atomic<int> m_arrivals{0};
+  std::promise<void> m_both;
+  const std::shared_future<void> m_future{m_both.get_future().share()};
+};
+
+void enumerateOnTwoThreads(core::CimClass& provider) {
+  std::thread other([&] { static_cast<void>(provider.getInstances()); });
+  static_cast<void>(provider.getInstances());
+  other.join();
+}
+
+// A provider of one instance, in whose enumerations threads may meet.
+class MeetingProvider : public core::InstanceProvider {
+ public:
+  MeetingProvider() : InstanceProvider("Test_Thing", {kSource, kFunction}) {}
+
+ protected:
+  void refresh() override {
+    instances().clear();
+    m_meeting.attend();
+    instances().add(new Instance("only"));
+  }
+
+ private:
+  Meeting m_meeting;
+};
+
+TEST(InstanceProvider, IsEnumeratedByOneThreadAtATime) {
+  const LogCapture log;
+  MeetingProvider provider;
+  enumerateOnTwoThreads(provider);
+
+  EXPECT_THAT(log.messages(kFunction), ElementsAre("return 1", "return 1"));
+}
 
 class OnlyThing : public Instance {
  public:
@@ -113,6 +164,23 @@ TEST(SingleInstanceProvider, MakesItsInstanceOnceAndKeepsIt) {
   EXPECT_EQ(first, second);
   EXPECT_EQ(static_cast<OnlyThing*>(first)->Size.getValue(), 1);
   EXPECT_THAT(log.messages(kFunction), ElementsAre("create new instance", "return 1", "return 1"));
+}
+
+class MeetingThing : public Instance {
+ public:
+  MeetingThing() { ++s_made; }
+  void setPropertyValues() { s_meeting.attend(); }
+
+  static inline Meeting s_meeting;
+  static inline std::atomic<int> s_made{0};
+};
+
+TEST(SingleInstanceProvider, MakesItsInstanceOnceForTwoThreadsAtOnce) {
+  core::SingleInstanceProvider<MeetingThing> provider("Test_Thing", {kSource, kFunction});
+  enumerateOnTwoThreads(provider);
+
+  EXPECT_EQ(MeetingThing::s_made, 1);
+  EXPECT_EQ(provider.getInstances().count(), 1U);
 }
 
 TEST(SingleInstanceProvider, KeepsADeletedInstanceOutOfSight) {
