@@ -16,6 +16,11 @@ CimProperty* asSource(CimProperty* newValue) {
 
 }  // namespace
 
+bool CimProperty::hasText(const std::string& text) const {
+  return getType() == kCimString ? static_cast<const CimPropertyString*>(this)->getValue() == text
+                                 : toString() == text;
+}
+
 template <class Property>
 void modifyProperty(Property* property, CimProperty* newValue) {
   ORVEX_ASSERT(kLog, property != NULL);

@@ -85,7 +85,6 @@ class ORVEX_CORE_API CimPropertyString : public CimProperty {
   [[nodiscard]] std::uint32_t getMaxLength() const { return m_maxLength; }
 
   [[nodiscard]] std::string toString() const override;
-  [[nodiscard]] bool hasText(const std::string& text) const override { return m_value == text; }
   [[nodiscard]] std::uint32_t getType() const override { return kCimString; }
   void modify(CimProperty* newValue) override;
   void verify(CimProperty* newValue) override;

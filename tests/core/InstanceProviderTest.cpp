@@ -8,6 +8,7 @@
 #include "core/InstanceProvider.h"
 #include "tests/core/TestInstance.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/VirtualSlots.h"
 
 namespace {
 
@@ -95,6 +96,21 @@ class OnlyThing : public Instance {
  public:
   void setPropertyValues() { Size.setValue(static_cast<std::uint16_t>(Size.getValue() + 1)); }
 };
+
+// A provider with an operation of its own.
+class ExtendedProvider : public core::InstanceProvider {
+ public:
+  virtual int extend() { return 1; }
+
+ protected:
+  void refresh() override {}
+};
+
+TEST(InstanceProvider, KeepsTheOrderOfTheVirtualOperationsOfItsInterface) {
+  EXPECT_EQ(test::slotOf(&core::CimClass::getName), 0U);
+  EXPECT_EQ(test::slotOf(&core::CimClass::getInstances), 1U);
+  EXPECT_EQ(test::slotOf(&ExtendedProvider::extend), 4U);
+}
 
 TEST(InstanceProvider, ServesItsClassName) {
   EXPECT_EQ(ThingProvider({kSource, kFunction}, 0).getName(), "Test_Thing");
