@@ -16,7 +16,11 @@ using Instances = std::vector<core::CimInstance*>;
 
 // Returns all instances of the class.
 [[nodiscard]] inline Instances findInstances(const char* className) {
-  return core::GetCimBroker().getInstances(className);
+  Instances instances;
+  for (core::CimInstance* instance : core::GetCimBroker().getInstances(className)) {
+    instances.push_back(instance);
+  }
+  return instances;
 }
 
 // The same, and logs "CLASS return %d instances".
@@ -32,7 +36,7 @@ using Instances = std::vector<core::CimInstance*>;
 template <class T>
 [[nodiscard]] std::vector<T*> findInstancesOf() {
   std::vector<T*> found;
-  for (core::CimInstance* instance : findInstances(T::kClassName)) {
+  for (core::CimInstance* instance : core::GetCimBroker().getInstances(T::kClassName)) {
     if (auto* typed = dynamic_cast<T*>(instance)) {
       found.push_back(typed);
     }

@@ -259,6 +259,24 @@ TEST_F(QuorvelConfig, KeepsWhatItHadAndSaysSoWhenReadingFails) {
   EXPECT_TRUE(m_config.getDowngradeEnable());
 }
 
+TEST_F(QuorvelConfig, TakesAReadingWhole) {
+#ifdef QUORVEL_TEST_THREAD_SANITIZER
+  GTEST_SKIP() << "ThreadSanitizer lets no program have an operator new of its own";
+#endif
+  write({{"Timeout", 250U}, {"Namespace", "root/of/the/only/reading"}});
+  const LogCapture log;
+  {
+    const test::NoMemoryAfter noMemory("Getting Firmware File Paths from register - failed");
+    m_config.initialize();
+  }
+  const bool isTaken =
+      log.messages(kFunction).back() != "Reading config values from register - failed";
+  write({});
+
+  EXPECT_EQ(m_config.getTimeout(), isTaken ? 250U : 300'000U);
+  EXPECT_EQ(m_config.getNamespace(), isTaken ? "root/of/the/only/reading" : "root/DCIM/zolan");
+}
+
 TEST_F(QuorvelConfig, IsTheCurrentOneOnceConstructed) {
   write({{"Timeout", 250U}});
 
