@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "core/CimBroker.h"
-#include "core/InstanceProvider.h"
 
 namespace agent {
 
@@ -17,15 +16,6 @@ using Instances = std::vector<core::CimInstance*>;
 // Returns all instances of the class.
 [[nodiscard]] inline Instances findInstances(const char* className) {
   return core::GetCimBroker().getInstances(className);
-}
-
-// The same, and logs "CLASS return %d instances".
-[[nodiscard]] inline Instances findLoggedInstances(const core::EnumerationLog& log,
-                                                   const char* className) {
-  Instances instances = findInstances(className);
-  utils::logDebug(log.source, log.function, "%s return %d instances", className,
-                  static_cast<int>(instances.size()));
-  return instances;
 }
 
 // Returns the instances of T::kClassName that are a T.
