@@ -9,6 +9,7 @@
 #include "core/CimPath.h"
 #include "tests/agent/SingleInstanceFixture.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Throws.h"
 #include "tests/support/Variables.h"
 
 namespace {
@@ -123,6 +124,18 @@ TEST(InstallationService, TakesTheValuesAwayThatItDoesNotHave) {
                            "Started"}) {
     EXPECT_TRUE(service.getProperty(name)->isNull()) << name;
   }
+}
+
+// The schema gives every service this method; this one is always on.
+TEST(InstallationService, DoesNotSupportAChangeOfItsState) {
+  Orvex_SoftwareInstallationService service;
+  EXPECT_THAT(
+      [&] { service.invokeMethod("RequestStateChange", nullptr, nullptr, nullptr); },
+      test::ThrowsExactly<utils::ENotSupported>("Quorvel: ENotSupported:Method is not supported"));
+  EXPECT_THAT([&] { service.invokeMethod("requestStateChange", nullptr, nullptr, nullptr); },
+              test::ThrowsExactly<utils::ENotSupported>(
+                  "Quorvel: ENotSupported:Method requestStateChange is not support by "
+                  "Orvex_SoftwareInstallationService class"));
 }
 
 }  // namespace
