@@ -1,5 +1,5 @@
-// The steps that the methods of the installation service share. What differs between the methods is
-// passed in as data (see Method).
+// What the methods of the installation service do alike. Nothing here logs: the records of the
+// methods name the service's source file, and so stand in that.
 
 #ifndef ORVEX_AGENT_INSTALLSTEPS_H_
 #define ORVEX_AGENT_INSTALLSTEPS_H_
@@ -8,11 +8,9 @@
 #include <initializer_list>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "Utils/Exception.h"
-#include "cim/MethodSignatures.h"
 #include "core/CimPropertyList.h"
 #include "core/CimPropertyRef.h"
 #include "core/CimPropertyTypes.h"
@@ -42,49 +40,19 @@ class Arguments {
 // Throws utils::EUnspecifiedError when one of the arguments is null: the first of them.
 void expectValues(std::initializer_list<const core::CimProperty*> arguments);
 
-// What tells one method from another.
-struct Method {
-  const char* function;               // what it logs under
-  const char* bothTargets;            // the fault of a request with a target and a collection
-  std::string_view lookUp;            // what its records of things that cannot be found begin with
-  std::string_view jobResult;         // its record of the job class's answer; "%d" stands for that
-  std::string_view invalidParameter;  // its record of the answer "invalid parameter"
-  bool create;                        // whether it makes a job
-};
-
-extern const Method kInstallFromUri;
-extern const Method kInstallFromSoftwareIdentity;
-extern const Method kCheckSoftwareIdentity;
-
 // Returns whether the options ask for an update and for nothing that the service cannot do.
 [[nodiscard]] bool areOptionsSupported(const std::vector<std::uint16_t>& options);
 
-// Of a target and a collection exactly one must have a value, else throws utils::EUnspecifiedError.
-// Returns false for a collection, to which nothing can be installed.
-[[nodiscard]] bool isForTarget(const Method& method, const core::CimProperty& source,
-                               const core::CimProperty& target,
-                               const core::CimProperty& collection);
+// Returns the identity of the port that an update of the target is for: of a controller, its first.
+// Empty when it has none, nothing when the target is of a class that cannot be updated.
+[[nodiscard]] std::optional<std::string> findTargetPort(core::CimInstance& target);
 
-// Returns the URI of the file of the software identity at `sourcePath`; nothing when there is no
-// such identity, or it is no firmware image that can be installed. Throws utils::ESyntaxError for a
-// malformed path.
-[[nodiscard]] std::optional<std::string> findUri(const Method& method,
-                                                 const std::string& sourcePath);
+// Returns the URI of the resource of the firmware file, empty when there is none; the last one
+// counts.
+[[nodiscard]] std::string findResourceUri(const std::string& fileId);
 
-// A request whose arguments have been read.
-struct Update {
-  std::string uri;
-  std::string targetPath;
-  std::vector<std::uint16_t> installOptions;
-  std::vector<std::string> installOptionsValues;
-};
-
-// Resolves the target to a port, has the job class check the image and create the job where the
-// method does, and translates its answer. Returns a cim::InstallReturn, for a success kJobStarted
-// or, of a method that makes no job, kCompletedWithNoError. The job that was started is stored in
-// `job`, unless that is null. Throws utils::ESyntaxError for a malformed target path.
-[[nodiscard]] std::uint32_t processUpdate(const Method& method, const Update& update,
-                                          core::CimInstance** job);
+// Returns the texts with the separator between them.
+[[nodiscard]] std::string join(const std::vector<std::string>& texts, char separator);
 
 }  // namespace agent
 

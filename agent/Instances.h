@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "core/CimBroker.h"
-#include "core/InstanceProvider.h"
 
 namespace agent {
 
@@ -20,15 +19,6 @@ using Instances = std::vector<core::CimInstance*>;
   for (core::CimInstance* instance : core::GetCimBroker().getInstances(className)) {
     instances.push_back(instance);
   }
-  return instances;
-}
-
-// The same, and logs "CLASS return %d instances".
-[[nodiscard]] inline Instances findLoggedInstances(const core::EnumerationLog& log,
-                                                   const char* className) {
-  Instances instances = findInstances(className);
-  utils::logDebug(log.source, log.function, "%s return %d instances", className,
-                  static_cast<int>(instances.size()));
   return instances;
 }
 

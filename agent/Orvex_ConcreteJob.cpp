@@ -70,7 +70,7 @@ Orvex_ConcreteJob::~Orvex_ConcreteJob() {
 }
 
 void Orvex_ConcreteJob::setPropertyValues() {
-  Caption.setValue(utils::format("Firmware Update Job %u", m_number));
+  Caption.setValue(utils::format("Firmware Update Job %d", static_cast<int>(m_number)));
   Description.setValue(Caption.getValue());
   Name.setValue(Caption.getValue());
   InstanceID.setValue("Orvex:" + getInstanceId());
@@ -236,7 +236,7 @@ void Orvex_ConcreteJob::setError(std::uint32_t code, const std::string& text) no
 }
 
 std::string Orvex_ConcreteJob::getInstanceId() const {
-  return utils::format("FirmwareUpdate@Job#%u", m_number);
+  return utils::format("FirmwareUpdate@Job#%d", static_cast<int>(m_number));
 }
 
 std::int32_t Orvex_ConcreteJob::getPercentComplete() {

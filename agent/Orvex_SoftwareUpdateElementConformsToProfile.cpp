@@ -28,9 +28,13 @@ Orvex_SoftwareUpdateElementConformsToProfileClass::
 void Orvex_SoftwareUpdateElementConformsToProfileClass::refresh() {
   instances().clear();
   const agent::Instances profiles =
-      agent::findLoggedInstances(log(), Orvex_SoftwareUpdateRegisteredProfile::kClassName);
+      agent::findInstances(Orvex_SoftwareUpdateRegisteredProfile::kClassName);
+  utils::logDebug(kLog, kGetInstances, "Orvex_RegisteredProfile return %d instances",
+                  static_cast<int>(profiles.size()));
   const agent::Instances services =
-      agent::findLoggedInstances(log(), Orvex_SoftwareInstallationService::kClassName);
+      agent::findInstances(Orvex_SoftwareInstallationService::kClassName);
+  utils::logDebug(kLog, kGetInstances, "Orvex_SoftwareInstallationService return %d instances",
+                  static_cast<int>(services.size()));
   for (core::CimInstance* profile : profiles) {
     const std::string instanceId = agent::getPropertyText(*profile, "InstanceID");
     utils::logDebug(kLog, kGetInstances, "['%s']", instanceId.c_str());

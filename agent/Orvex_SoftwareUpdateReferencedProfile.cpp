@@ -25,10 +25,13 @@ Orvex_SoftwareUpdateReferencedProfileClass::Orvex_SoftwareUpdateReferencedProfil
 
 void Orvex_SoftwareUpdateReferencedProfileClass::refresh() {
   instances().clear();
+  const agent::Instances profiles =
+      agent::findInstances(Orvex_SoftwareUpdateRegisteredProfile::kClassName);
+  utils::logDebug(kLog, kGetInstances, "Orvex_RegisteredProfile return %d instances",
+                  static_cast<int>(profiles.size()));
   core::CimInstance* portProfile = nullptr;
   core::CimInstance* updateProfile = nullptr;
-  for (core::CimInstance* profile :
-       agent::findLoggedInstances(log(), Orvex_SoftwareUpdateRegisteredProfile::kClassName)) {
+  for (core::CimInstance* profile : profiles) {
     const std::string instanceId = agent::getPropertyText(*profile, "InstanceID");
     if (instanceId == kPortProfileId) {
       portProfile = profile;

@@ -2,7 +2,11 @@
 
 #include "cim/MethodSignatures.h"
 
-CIM_ConcreteJob::CIM_ConcreteJob() = default;
+CIM_ConcreteJob::CIM_ConcreteJob() {
+  for (const core::MethodDeclaration& method : CIM_ConcreteJob::getMethods()) {
+    declareMethod(method.name);
+  }
+}
 
 CIM_ConcreteJob::~CIM_ConcreteJob() = default;
 

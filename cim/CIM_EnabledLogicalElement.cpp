@@ -2,7 +2,11 @@
 
 #include "cim/MethodSignatures.h"
 
-CIM_EnabledLogicalElement::CIM_EnabledLogicalElement() = default;
+CIM_EnabledLogicalElement::CIM_EnabledLogicalElement() {
+  for (const core::MethodDeclaration& method : CIM_EnabledLogicalElement::getMethods()) {
+    declareMethod(method.name);
+  }
+}
 
 CIM_EnabledLogicalElement::~CIM_EnabledLogicalElement() = default;
 

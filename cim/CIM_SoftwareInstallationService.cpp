@@ -2,7 +2,11 @@
 
 #include "cim/MethodSignatures.h"
 
-CIM_SoftwareInstallationService::CIM_SoftwareInstallationService() = default;
+CIM_SoftwareInstallationService::CIM_SoftwareInstallationService() {
+  for (const core::MethodDeclaration& method : CIM_SoftwareInstallationService::getMethods()) {
+    declareMethod(method.name);
+  }
+}
 
 CIM_SoftwareInstallationService::~CIM_SoftwareInstallationService() = default;
 

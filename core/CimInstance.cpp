@@ -8,10 +8,6 @@ namespace {
 
 constexpr utils::LogSource kLog{"CimInstance"};
 
-std::uint32_t refuseMethod() {
-  throw utils::ENotSupported("Method is not supported");
-}
-
 bool isQuoted(const CimProperty& property) {
   return property.getType() == kCimString || property.getType() == kCimReference;
 }
@@ -20,18 +16,19 @@ bool isQuoted(const CimProperty& property) {
 
 CimInstance::CimInstance() = default;
 
-std::uint32_t CimInstance::InstallFromSoftwareIdentity(CimPropertyList*, CimPropertyList*,
-                                                       CimInstance**) {
-  return refuseMethod();
+std::uint32_t CimInstance::InstallFromSoftwareIdentity(CimPropertyList* in, CimPropertyList* out,
+                                                       CimInstance** job) {
+  return refuseMethod(in, out, job);
 }
 
-std::uint32_t CimInstance::InstallFromURI(CimPropertyList*, CimPropertyList*, CimInstance**) {
-  return refuseMethod();
+std::uint32_t CimInstance::InstallFromURI(CimPropertyList* in, CimPropertyList* out,
+                                          CimInstance** job) {
+  return refuseMethod(in, out, job);
 }
 
-std::uint32_t CimInstance::CheckSoftwareIdentity(CimPropertyList*, CimPropertyList*,
-                                                 CimInstance**) {
-  return refuseMethod();
+std::uint32_t CimInstance::CheckSoftwareIdentity(CimPropertyList* in, CimPropertyList* out,
+                                                 CimInstance** job) {
+  return refuseMethod(in, out, job);
 }
 
 void CimInstance::modify(CimPropertyList& newValues) {
@@ -90,6 +87,15 @@ void CimInstance::addMethod(const std::string& name, Method method) {
                     name.c_str(), getClassName().c_str());
   }
   m_methods[name] = method;
+}
+
+void CimInstance::declareMethod(const std::string& name) {
+  m_methods.try_emplace(name, &CimInstance::refuseMethod);
+}
+
+std::uint32_t CimInstance::refuseMethod(CimPropertyList* /*in*/, CimPropertyList* /*out*/,
+                                        CimInstance** /*job*/) {
+  throw utils::ENotSupported("Method is not supported");
 }
 
 }  // namespace core

@@ -46,13 +46,14 @@ class ORVEX_CORE_API CimInstance {
   virtual void modify(CimPropertyList& newValues);
 
   // Calls the method that is registered under the name, which is case-sensitive. Throws
-  // utils::ENotSupported when there is none, else what the method throws.
+  // utils::ENotSupported when there is none or when it is only declared, else what the method
+  // throws.
   virtual std::uint32_t invokeMethod(std::string name, CimPropertyList* in, CimPropertyList* out,
                                      CimInstance** job);
 
   virtual ~CimInstance();
 
-  // Returns whether a method is registered under the name.
+  // Returns whether a method is registered or declared under the name.
   [[nodiscard]] bool hasMethod(const std::string& name) const { return m_methods.contains(name); }
 
   // Returns the object path: "Class.Key=Value,...", in property order, string and reference values
@@ -71,8 +72,13 @@ class ORVEX_CORE_API CimInstance {
   // Registers a method of the class, replacing an earlier one of that name. For constructors of
   // concrete classes, since getClassName() must answer by then.
   void addMethod(const std::string& name, Method method);
+  // Notes that the class has the method, which throws utils::ENotSupported until one is registered.
+  // For constructors of schema classes; logs nothing, since those have no name yet.
+  void declareMethod(const std::string& name);
 
  private:
+  std::uint32_t refuseMethod(CimPropertyList* in, CimPropertyList* out, CimInstance** job);
+
   CimPropertyList m_properties;
   std::atomic<bool> m_isDeleted{false};
   std::map<std::string, Method> m_methods;

@@ -19,10 +19,11 @@
 
 namespace core {
 
-// The records of an enumeration. The texts must live as long as the provider.
+// The records of an enumeration. They name the place where this is made, in the provider's own
+// file, since the source is that file's. The texts must live as long as the provider.
 struct EnumerationLog {
   utils::LogSource source{};
-  const char* function = nullptr;
+  utils::LogOrigin function = nullptr;
   const char* firstRecord = nullptr;  // null: none
   const char* blockName = nullptr;    // the timed block round the enumeration; null: none
 };

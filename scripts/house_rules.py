@@ -98,7 +98,7 @@ CATCH_ALL_BOUNDARIES = {
     "agent/JobThread.cpp": "top of the job's thread",
     "agent/Orvex_ConcreteJob.cpp": "whatever keeps a thread from starting, the job has not started",
     "agent/Orvex_ConcreteJobClass.cpp": "one job's failure must not end the refresh of the others",
-    "agent/InstallSteps.cpp": "a method answers with a return code, whatever happened",
+    "agent/Orvex_SoftwareInstallationService.cpp": "a method answers with a return code, whatever happened",
     "cli/Main.cpp": "top of the program",
     "daemon/Main.cpp": "top of the program",
     "http/Connection.cpp": "a request's failure is answered, and ends neither its connection nor the server",

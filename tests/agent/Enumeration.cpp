@@ -7,6 +7,7 @@
 #include "core/CimPropertyRef.h"
 #include "core/CimPropertyTypes.h"
 #include "tests/support/Regex.h"
+#include "tests/support/SourcePlace.h"
 
 namespace test {
 namespace {
@@ -164,6 +165,7 @@ void expectEnumeration(const LogCapture& log, const EnumerationNames& names,
   std::vector<LogRecord> own;
   for (const LogRecord& record : log.records()) {
     if (record.source == names.source || record.source == blockSource) {
+      EXPECT_EQ(findMisplacement(record), "");
       own.push_back(record);
     }
   }

@@ -22,22 +22,28 @@ constexpr utils::LogSource kLog{"FakeSiblings"};
 
 class FakePort final : public Orvex_EthernetPort {
  public:
-  explicit FakePort(std::string identity) : m_identity(std::move(identity)) {}
+  FakePort(std::string identity, std::string className)
+      : m_identity(std::move(identity)), m_className(std::move(className)) {}
+  [[nodiscard]] std::string getClassName() const override { return m_className; }
   [[nodiscard]] std::string getIdentity() const override { return m_identity; }
 
  private:
   const std::string m_identity;
+  const std::string m_className;
 };
 
 class FakeController final : public Orvex_PortController {
  public:
-  explicit FakeController(std::vector<std::string> ports) : m_ports(std::move(ports)) {}
+  FakeController(std::vector<std::string> ports, std::string className)
+      : m_ports(std::move(ports)), m_className(std::move(className)) {}
+  [[nodiscard]] std::string getClassName() const override { return m_className; }
   [[nodiscard]] bool ownsPort(const Orvex_EthernetPort& port) const override {
     return std::find(m_ports.begin(), m_ports.end(), port.getIdentity()) != m_ports.end();
   }
 
  private:
   const std::vector<std::string> m_ports;
+  const std::string m_className;
 };
 
 class FakeSoftwareIdentity final : public Orvex_SoftwareIdentity {
@@ -163,12 +169,13 @@ FakeSiblings::~FakeSiblings() {
   agent().clear();
 }
 
-std::string FakeSiblings::addPort(const std::string& identity) {
-  return addNumbered(*this, std::make_unique<FakePort>(identity));
+std::string FakeSiblings::addPort(const std::string& identity, const std::string& className) {
+  return addNumbered(*this, std::make_unique<FakePort>(identity, className));
 }
 
-std::string FakeSiblings::addController(const std::vector<std::string>& ports) {
-  return addNumbered(*this, std::make_unique<FakeController>(ports));
+std::string FakeSiblings::addController(const std::vector<std::string>& ports,
+                                        const std::string& className) {
+  return addNumbered(*this, std::make_unique<FakeController>(ports, className));
 }
 
 std::string FakeSiblings::addSoftwareIdentity(const Software& software) {

@@ -33,9 +33,11 @@ class FakeSiblings {
   // Each returns the object path of what it adds.
 
   // A port with this identity text, which may be empty.
-  std::string addPort(const std::string& identity);
+  std::string addPort(const std::string& identity,
+                      const std::string& className = "Orvex_EthernetPort");
   // A controller that owns the ports with these identities.
-  std::string addController(const std::vector<std::string>& ports);
+  std::string addController(const std::vector<std::string>& ports,
+                            const std::string& className = "Orvex_PortController");
   std::string addSoftwareIdentity(const Software& software = {});
   // The resource of a file.
   std::string addResource(const std::string& fileId, const std::string& uri);

@@ -17,6 +17,7 @@
 #include "tests/agent/FakeJobFactory.h"
 #include "tests/agent/FakeSiblings.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/SourcePlace.h"
 #include "tests/support/Throws.h"
 
 namespace test {
@@ -171,6 +172,7 @@ class IdentityMethodFixture : public testing::Test {
       if (record.source == "Orvex_SoftwareInstallationService") {
         EXPECT_EQ(record.function, "Orvex_SoftwareInstallationService::" + m_method.name);
         EXPECT_EQ(record.level, LogLevel::Debug);
+        EXPECT_EQ(findMisplacement(record), "");
         messages.push_back(record.message);
       }
     }

@@ -1,194 +1,89 @@
 #include <gmock/gmock.h>
-#include <new>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "agent/InstallSteps.h"
-#include "agent/Orvex_SoftwareInstallationService.h"
-#include "cim/InstallOptions.h"
-#include "tests/agent/FakeJobFactory.h"
+#include "core/CimBroker.h"
 #include "tests/agent/FakeSiblings.h"
-#include "tests/agent/JobAnswers.h"
-#include "tests/support/LogCapture.h"
 #include "tests/support/Throws.h"
 
 namespace {
 
-using test::IsAssertion;
-using test::LogLevel;
 using test::ThrowsExactly;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
-constexpr const char* kSource = "Orvex_SoftwareInstallationService";
-constexpr const char* kFunction = "Orvex_SoftwareInstallationService::InstallFromURI";
 
 using Options = std::vector<std::uint16_t>;
 
-class UpdateTarget : public testing::Test {
+TEST(InstallArguments, AreMissingWithoutAListAndWhereTheyHaveAnotherType) {
+  core::CimPropertyString text("Number", nullptr);
+  core::CimPropertyList list;
+  list.add(&text);
+  for (core::CimPropertyList* given : {static_cast<core::CimPropertyList*>(nullptr), &list}) {
+    EXPECT_THAT([given] { agent::Arguments(given).expect<core::CimPropertyUint16>("Number"); },
+                ThrowsExactly<utils::EUnspecifiedError>(
+                    "Quorvel: EUnspecifiedError:Expected Number argument"));
+  }
+  EXPECT_EQ(&agent::Arguments(&list).expect<core::CimPropertyString>("Number"), &text);
+}
+
+TEST(InstallArguments, WantTheFirstOfTheirValues) {
+  core::CimPropertyString filled("First", nullptr);
+  core::CimPropertyString second("Second", nullptr);
+  core::CimPropertyString third("Third", nullptr);
+  filled.setValue("");
+  agent::expectValues({&filled});
+  EXPECT_THAT(
+      [&] {
+        agent::expectValues({&filled, &second, &third});
+      },
+      ThrowsExactly<utils::EUnspecifiedError>(
+          "Quorvel: EUnspecifiedError:Second argument is set to NULL. It is not allowed"));
+}
+
+class FindTargetPort : public testing::Test {
  protected:
-  std::uint32_t update(const std::string& targetPath) {
-    m_update.targetPath = targetPath;
-    return agent::processUpdate(agent::kInstallFromUri, m_update, &m_job);
+  static std::optional<std::string> find(const std::string& path) {
+    return agent::findTargetPort(*core::GetCimBroker().getInstanceByPath(core::CimPath(path)));
   }
 
-  // Returns an update for matchers of what it throws.
-  auto updating(const std::string& targetPath) {
-    return [this, targetPath] { static_cast<void>(update(targetPath)); };
-  }
-
-  // Returns the records of the installation service, which are all of one kind.
-  std::vector<std::string> messages() const {
-    std::vector<std::string> messages;
-    for (const test::LogRecord& record : m_log.records()) {
-      if (record.source == kSource) {
-        EXPECT_EQ(record.function, kFunction);
-        EXPECT_EQ(record.level, LogLevel::Debug);
-        messages.push_back(record.message);
-      }
-    }
-    return messages;
-  }
-
-  test::LogCapture m_log;
   test::FakeSiblings m_siblings;
-  std::optional<test::FakeJobFactory> m_factory{std::in_place};
-  Orvex_SoftwareInstallationService m_created;  // stands for a job
-  core::CimInstance* m_job = nullptr;
-  agent::Update m_update{"file:///image.rom", "", {cim::kUpdate}, {"IMG_PXE"}};
 };
 
-TEST_F(UpdateTarget, AsksForAJobForThePort) {
+TEST_F(FindTargetPort, IsThePortOrTheFirstOfAController) {
+  const std::string port = m_siblings.addPort("0000:03:00.1");
   m_siblings.addPort("0000:03:00.0");
-  const std::string target = m_siblings.addPort("0000:03:00.1");
-  m_factory->created = &m_created;
-  m_log.clear();
-
-  EXPECT_EQ(update(target), 4096u);
-
-  EXPECT_EQ(m_job, &m_created);
-  ASSERT_EQ(m_factory->requests.size(), 1u);
-  const test::FakeJobFactory::Request& request = m_factory->requests[0];
-  EXPECT_EQ(request.target, "0000:03:00.1");
-  EXPECT_EQ(request.uri, "file:///image.rom");
-  EXPECT_THAT(request.installOptions, ElementsAre(cim::kUpdate));
-  EXPECT_THAT(request.installOptionsValues, ElementsAre("IMG_PXE"));
-  EXPECT_TRUE(request.create);
-  EXPECT_THAT(messages(), ElementsAre("Creation of new job returns: 0"));
+  EXPECT_EQ(find(port), "0000:03:00.1");
+  EXPECT_EQ(find(m_siblings.addController({"0000:03:00.0", "0000:03:00.1"})), "0000:03:00.1");
+  EXPECT_EQ(find(m_siblings.addController({"0000:04:00.0"})), "");
 }
 
-TEST_F(UpdateTarget, NeedsNoPlaceForTheJob) {
-  m_update.targetPath = m_siblings.addPort("0000:03:00.0");
-  m_factory->created = &m_created;
-
-  EXPECT_EQ(agent::processUpdate(agent::kInstallFromUri, m_update, nullptr), 4096u);
-}
-
-TEST_F(UpdateTarget, TakesTheFirstPortOfAController) {
-  m_siblings.addPort("0000:02:00.0");
-  m_siblings.addPort("0000:03:00.1");
+TEST_F(FindTargetPort, GoesByTheExactNameOfTheClass) {
   m_siblings.addPort("0000:03:00.0");
-  const std::string target = m_siblings.addController({"0000:03:00.0", "0000:03:00.1"});
-
-  EXPECT_EQ(update(target), 4096u);
-
-  ASSERT_EQ(m_factory->requests.size(), 1u);
-  EXPECT_EQ(m_factory->requests[0].target, "0000:03:00.1");
-}
-
-TEST_F(UpdateTarget, RefusesAControllerWithoutPorts) {
-  m_siblings.addPort("0000:02:00.0");
-  const std::string target = m_siblings.addController({"0000:03:00.0"});
-  m_log.clear();
-
-  EXPECT_EQ(update(target), 5u);
-
-  EXPECT_THAT(messages(),
-              ElementsAre("Firmware Update does not support instance '" + target + "'"));
-  EXPECT_THAT(m_factory->requests, IsEmpty());
-}
-
-TEST_F(UpdateTarget, RefusesAPortWithoutIdentity) {
-  const std::string target = m_siblings.addPort("");
-  m_log.clear();
-
-  EXPECT_EQ(update(target), 5u);
-
-  EXPECT_THAT(messages(),
-              ElementsAre("Firmware Update does not support instance '" + target + "'"));
-}
-
-TEST_F(UpdateTarget, RefusesATargetOfAnotherClass) {
-  const std::string target = m_siblings.addSoftwareIdentity();
-  m_log.clear();
-
-  EXPECT_EQ(update(target), 4106u);
-
-  EXPECT_THAT(messages(), ElementsAre("Firmware Update does not support target '" + target + "'"));
-  EXPECT_THAT(m_factory->requests, IsEmpty());
-}
-
-TEST_F(UpdateTarget, RefusesATargetThatDoesNotExist) {
-  m_siblings.addPort("0000:03:00.0");
-  m_log.clear();
-  for (const char* target : {"Orvex_EthernetPort.DeviceID=\"7\"", "Orvex_Nothing.DeviceID=\"0\"",
-                             "orvex_ethernetport.DeviceID=\"0\""}) {
-    EXPECT_EQ(update(target), 5u);
-    EXPECT_EQ(messages().back(),
-              "Firmware Update cannot find instance '" + std::string(target) + "'");
+  for (const char* name : {"Orvex_ethernetport", "ORVEX_ETHERNETPORT", "Orvex_EthernetPort2"}) {
+    EXPECT_EQ(find(m_siblings.addPort("0000:03:00.1", name)), std::nullopt) << name;
   }
-  EXPECT_THAT(m_factory->requests, IsEmpty());
-}
-
-TEST_F(UpdateTarget, LeavesAMalformedTargetPathToTheCaller) {
-  for (const char* target : {"", "Orvex_EthernetPort", "Orvex_EthernetPort.DeviceID"}) {
-    EXPECT_THROW(updating(target)(), utils::ESyntaxError) << target;
-  }
-  EXPECT_THAT(m_factory->requests, IsEmpty());
-}
-
-TEST_F(UpdateTarget, WantsAJobClass) {
-  const std::string target = m_siblings.addPort("0000:03:00.0");
-  m_factory.reset();
-
-  EXPECT_THAT(updating(target),
-              ThrowsExactly<utils::Exception>(IsAssertion(kSource, "cimclass != NULL")));
-}
-
-TEST_F(UpdateTarget, AnswersWhatTheJobClassThrowsByAWantOfMemory) {
-  const std::string target = m_siblings.addPort("0000:03:00.0");
-  m_log.clear();
-  const std::vector<std::function<void()>> faults = {
-      [] { throw std::bad_alloc(); }, [] { throw std::runtime_error("x"); }, [] { throw 1; }};
-  for (const auto& fault : faults) {
-    m_factory->fault = fault;
-    EXPECT_EQ(update(target), 4100u);
-    EXPECT_THAT(messages(), ElementsAre("Allocation error occured for '" + target + "'"));
-    EXPECT_EQ(m_job, nullptr);
-    m_log.clear();
+  for (const char* name : {"orvex_PortController", "Orvex_PortControlle"}) {
+    EXPECT_EQ(find(m_siblings.addController({"0000:03:00.0"}, name)), std::nullopt) << name;
   }
 }
 
-class UpdateTargetResult : public UpdateTarget,
-                           public testing::WithParamInterface<test::JobAnswer> {};
-
-TEST_P(UpdateTargetResult, IsTranslated) {
-  const test::JobAnswer& answer = GetParam();
-  const std::string target = m_siblings.addPort("0000:03:00.0");
-  m_factory->result = answer.result;
-  m_factory->created = &m_created;
-  m_log.clear();
-
-  EXPECT_EQ(update(target), answer.isSuccess() ? 4096 : answer.returnValue);
-
-  EXPECT_EQ(messages(), answer.records("Creation of new job returns: ", target));
-  EXPECT_EQ(m_job, answer.isSuccess() ? &m_created : nullptr);
+TEST_F(FindTargetPort, IsNothingForAnotherClass) {
+  EXPECT_EQ(find(m_siblings.addSoftwareIdentity()), std::nullopt);
 }
 
-INSTANTIATE_TEST_SUITE_P(JobResults, UpdateTargetResult,
-                         testing::ValuesIn(test::allJobAnswers("Job creation")));
+TEST_F(FindTargetPort, TakesTheLastUriOfAFile) {
+  m_siblings.addResource("a", "file:///1");
+  m_siblings.addResource("b", "file:///2");
+  m_siblings.addResource("a", "file:///3");
+  EXPECT_EQ(agent::findResourceUri("a"), "file:///3");
+  EXPECT_EQ(agent::findResourceUri("A"), "");
+}
+
+TEST(InstallJoin, PutsTheSeparatorBetween) {
+  EXPECT_EQ(agent::join({}, '+'), "");
+  EXPECT_EQ(agent::join({"a"}, '+'), "a");
+  EXPECT_EQ(agent::join({"", "a", ""}, '+'), "+a+");
+}
 
 TEST(AreOptionsSupported, NeedsTheUpdateOption) {
   EXPECT_TRUE(agent::areOptionsSupported({5}));

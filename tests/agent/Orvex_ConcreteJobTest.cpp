@@ -454,6 +454,19 @@ TEST_F(ConcreteJob, KeepsOneStatusHoweverOftenItPublishes) {
   EXPECT_THAT(m_job->OperationalStatus.getValue(), ElementsAre(2));
 }
 
+// Its texts have always been those of a signed number.
+TEST_F(ConcreteJob, WritesItsNumberAsASignedOne) {
+  const std::pair<std::uint32_t, std::string> kNumbers[] = {
+      {1, "1"}, {2147483647, "2147483647"}, {2147483648, "-2147483648"}, {4294967295, "-1"}};
+  for (const auto& [number, text] : kNumbers) {
+    m_job = std::make_unique<Orvex_ConcreteJob>(kAdapter, number, agent::VerifiedImage{});
+    m_job->setPropertyValues();
+    EXPECT_EQ(m_job->getInstanceId(), "FirmwareUpdate@Job#" + text);
+    EXPECT_EQ(m_job->InstanceID.getValue(), "Orvex:FirmwareUpdate@Job#" + text);
+    EXPECT_EQ(m_job->Caption.getValue(), "Firmware Update Job " + text);
+  }
+}
+
 TEST_F(ConcreteJob, HasItsInstanceIdAsKey) {
   m_job->setPropertyValues();
   EXPECT_EQ(m_job->getPath(), "Orvex_ConcreteJob.InstanceID=\"Orvex:FirmwareUpdate@Job#7\"");

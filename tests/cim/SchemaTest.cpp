@@ -21,6 +21,7 @@
 #include "cim/CIM_ElementConformsToProfile.h"
 #include "cim/CIM_EnabledLogicalElement.h"
 #include "cim/CIM_Job.h"
+#include "cim/CIM_LogicalDevice.h"
 #include "cim/CIM_LogicalElement.h"
 #include "cim/CIM_ManagedElement.h"
 #include "cim/CIM_ManagedSystemElement.h"
@@ -33,6 +34,7 @@
 #include "cim/CIM_ServiceAffectsElement.h"
 #include "cim/CIM_SoftwareInstallationService.h"
 #include "cim/CIM_SoftwareInstallationServiceCapabilities.h"
+#include "tests/support/Throws.h"
 
 namespace {
 
@@ -303,6 +305,27 @@ TEST_P(Schema, SupportsNoMethod) {
   EXPECT_THROW(m_instance->CheckSoftwareIdentity(nullptr, nullptr, nullptr), utils::ENotSupported);
   EXPECT_THROW(m_instance->invokeMethod("InstallFromURI", nullptr, nullptr, nullptr),
                utils::ENotSupported);
+}
+
+TEST(SchemaMethods, AreNotSupportedByTheClassThatDeclaresThem) {
+  const auto refuse = [](core::CimInstance& instance, const std::string& name) {
+    EXPECT_THAT(
+        [&] { instance.invokeMethod(name, nullptr, nullptr, nullptr); },
+        test::ThrowsExactly<utils::ENotSupported>("Quorvel: ENotSupported:Method is not supported"))
+        << name;
+  };
+  Concrete<CIM_Service> service;
+  Concrete<CIM_SoftwareInstallationService> installationService;
+  Concrete<CIM_LogicalDevice> device;
+  Concrete<CIM_ConcreteJob> job;
+  for (core::CimInstance* instance :
+       std::initializer_list<core::CimInstance*>{&service, &installationService, &device, &job}) {
+    refuse(*instance, "RequestStateChange");
+  }
+  for (const char* name :
+       {"InstallFromSoftwareIdentity", "InstallFromURI", "CheckSoftwareIdentity"}) {
+    refuse(installationService, name);
+  }
 }
 
 TEST_P(Schema, PrintsNewReferencesAsEmptyTexts) {

@@ -26,6 +26,7 @@ class Machine : public CimInstance {
   }
   [[nodiscard]] std::string getClassName() const override { return "Test_Machine"; }
 
+  using CimInstance::declareMethod;
   void registerAgain() { addMethod("Start", static_cast<Method>(&Machine::stop)); }
 
   std::uint32_t start(CimPropertyList* in, CimPropertyList* out, CimInstance** job) {
@@ -153,6 +154,22 @@ TEST(CimInstanceMethods, OfAnInstallationServiceAreNotSupportedByDefault) {
   EXPECT_THAT([&] { machine.InstallFromSoftwareIdentity(nullptr, nullptr, nullptr); }, refuses);
   EXPECT_THAT([&] { machine.CheckSoftwareIdentity(nullptr, nullptr, nullptr); }, refuses);
   EXPECT_THAT([&] { machine.invokeMethod("InstallFromURI", nullptr, nullptr, nullptr); }, refuses);
+}
+
+TEST(CimInstanceMethods, AreNotSupportedWhereTheyAreOnlyDeclared) {
+  Machine machine;
+  const LogCapture log;
+  machine.declareMethod("Halt");
+  machine.declareMethod("Start");
+  EXPECT_THAT(log.records(), testing::IsEmpty());
+
+  EXPECT_TRUE(machine.hasMethod("Halt"));
+  EXPECT_THAT(
+      [&] { machine.invokeMethod("Halt", nullptr, nullptr, nullptr); },
+      ThrowsExactly<utils::ENotSupported>("Quorvel: ENotSupported:Method is not supported"));
+  EXPECT_THAT(log.messages("core::CimInstance::invokeMethod"),
+              ElementsAre("Checking, if Halt method is supported", "...is executed"));
+  EXPECT_EQ(machine.invokeMethod("Start", nullptr, nullptr, nullptr), 4096U);
 }
 
 TEST(CimInstanceMethods, AreThoseOfTheMostDerivedClass) {

@@ -148,6 +148,19 @@ TEST(InstanceProvider, LogsHowManyInstancesItHas) {
               ElementsAre(IsRecordOf(kSource.name, LogLevel::Debug, kFunction, "return 3")));
 }
 
+// A provider's source is the file in which its enumeration is named.
+TEST(InstanceProvider, LogsWhereItsEnumerationIsNamed) {
+  const int line = __LINE__ + 1;
+  core::SingleInstanceProvider<OnlyThing> provider("Test_Thing", {kSource, kFunction, "things"});
+  const LogCapture log;
+  static_cast<void>(provider.getInstances());
+
+  const auto standsThere = testing::Field(&test::LogRecord::line, line);
+  std::vector<test::LogRecord> own = log.records();
+  std::erase_if(own, [](const test::LogRecord& record) { return record.source != kSource.name; });
+  EXPECT_THAT(own, ElementsAre(standsThere, standsThere, standsThere));
+}
+
 TEST(InstanceProvider, LogsAFirstRecordAndTheTimedBlockWhenItHasThem) {
   ThingProvider provider({kSource, kFunction, "100% things", "things"}, 1);
   const LogCapture log;

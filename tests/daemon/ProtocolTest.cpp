@@ -349,6 +349,8 @@ TEST_F(ProtocolTest, KnowsItsNamespacesAlone) {
 
 TEST_F(ProtocolTest, AnswersErrorsOfMethods) {
   expectErrorOf(methodCall("MakeCoffee", ""), 17);
+  // The schema declares it, and the service does not support it.
+  expectErrorOf(methodCall("RequestStateChange", ""), 7);
   // Missing arguments.
   expectErrorOf(methodCall("InstallFromURI", ""), 1);
   // An argument of a wrong type, and one that the method does not know.

@@ -16,6 +16,7 @@
 #include "tests/modules/Firmware.h"
 #include "tests/modules/ModuleHost.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/SourcePlace.h"
 #include "tests/support/WaitUntil.h"
 
 namespace {
@@ -166,6 +167,20 @@ class GoldenLog : public testing::Test {
            (record.level == test::LogLevel::Error ? "error" : "debug") + ": " + text + "\n";
   }
 
+  // Expects that each record stands at the line that it names, and at none beside that.
+  void expectPlaces() const {
+    for (const std::vector<std::string>& lines : m_log.threads()) {
+      for (const std::string& line : lines) {
+        test::LogRecord record = test::parseLogLine(line);
+        EXPECT_EQ(test::findMisplacement(record), "") << line;
+        for (const int step : {-1, 2}) {
+          record.line += step;
+          EXPECT_NE(test::findMisplacement(record), "") << record.line << ", beside " << line;
+        }
+      }
+    }
+  }
+
   // Returns the log as the file has it.
   std::string log() const {
     std::string text;
@@ -195,6 +210,7 @@ TEST_F(GoldenLog, OfAnUpdateIsTheStoredOne) {
 
   EXPECT_EQ(m_log.threads().size(), 2u);
   EXPECT_TRUE(m_log.wentEverywhere());
+  expectPlaces();
   const std::filesystem::path stored = QUORVEL_TEST_GOLDEN_LOG;
   EXPECT_EQ(log(), test::readText(stored)) << "The log that was found:\n" << log();
 }

@@ -3,6 +3,7 @@
 #include <ostream>
 
 #include "tests/support/Regex.h"
+#include "tests/support/SourcePlace.h"
 
 namespace test {
 
@@ -27,9 +28,11 @@ bool ThrownMatcher::isExpected(const std::exception* error,
 }
 
 testing::Matcher<std::string> IsAssertion(const std::string& source, const std::string& condition) {
+  const auto misplacement = [](const std::string& text) { return findMisplacement(text); };
   return testing::AllOf(testing::StartsWith(source + ":"),
                         test::ContainsRegex("^[^:]+:[0-9]+: Assertion failed: '"),
-                        testing::EndsWith(": Assertion failed: '" + condition + "'"));
+                        testing::EndsWith(": Assertion failed: '" + condition + "'"),
+                        testing::ResultOf("the fault of its place", misplacement, ""));
 }
 
 }  // namespace test

@@ -56,7 +56,8 @@ ThrowsExactlyMatcher<Error> ThrowsExactly(const testing::Matcher<std::string>& t
   return ThrowsExactlyMatcher<Error>(text);
 }
 
-// Matches the text of an assertion of the source that has failed on the condition.
+// Matches the text of an assertion of the source that has failed on the condition, at the line
+// where that stands.
 [[nodiscard]] testing::Matcher<std::string> IsAssertion(const std::string& source,
                                                         const std::string& condition);
 
