@@ -113,6 +113,10 @@ FileCalls::Patience FileCalls::setPatience(Patience patience) {
   return Patience(m_patience.exchange(patience.count()));
 }
 
+FileCalls::Patience FileCalls::wholePatience() const {
+  return Patience(m_patience.load()) * kPatiencesOfAFile;
+}
+
 FileCalls& fileCalls() {
   static FileCalls& calls = *new FileCalls;
   return calls;

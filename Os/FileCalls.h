@@ -32,6 +32,8 @@ class ORVEX_CORE_API FileCalls {
 
   // A disk that stood still needs some seconds.
   static constexpr Patience kPatience{5000};
+  // How many times the patience a whole file may take that comes in pieces.
+  static constexpr int kPatiencesOfAFile = 6;
   // So many calls may be away; then none of any place is made until one comes back.
   static constexpr std::size_t kMostAway = 64;
 
@@ -47,6 +49,8 @@ class ORVEX_CORE_API FileCalls {
 
   // Changes the patience of later calls; returns the one of before.
   Patience setPatience(Patience patience);
+  // Returns the time for a whole file, which is read with several calls.
+  [[nodiscard]] Patience wholePatience() const;
 
  private:
   struct Away;

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "daemon/Posix/FileDigest.h"
+#include "daemon/ContentDigest.h"
 #include "http/PeerGroup.h"
 
 namespace quorveld {
@@ -113,11 +113,11 @@ void AuditQueue::write(const wbem::AuditRecord& record) noexcept {
   ++m_lost;
 }
 
-std::unique_ptr<wbem::FileEvidence> AuditQueue::watchFile(const std::string& path) noexcept {
+std::string AuditQueue::digest(std::span<const std::uint8_t> content) const noexcept {
   try {
-    return std::make_unique<FileDigest>(path);
+    return digestContent(content);
   } catch (const std::exception&) {
-    return nullptr;
+    return {};
   }
 }
 

@@ -15,7 +15,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <memory>
+#include <span>
 #include <string>
 #include <thread>
 #include <vector>
@@ -60,8 +60,7 @@ class AuditQueue final : public wbem::Audit {
   ~AuditQueue() override;
 
   void write(const wbem::AuditRecord& record) noexcept override;
-  [[nodiscard]] std::unique_ptr<wbem::FileEvidence> watchFile(
-      const std::string& path) noexcept override;
+  [[nodiscard]] std::string digest(std::span<const std::uint8_t> content) const noexcept override;
 
  private:
   void run();
