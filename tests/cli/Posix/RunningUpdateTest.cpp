@@ -93,6 +93,24 @@ TEST_F(RunningUpdateTest, EndsWithoutAWriteWhenItIsInterruptedWhileItWaitsForThe
   EXPECT_EQ(flash(), test::readBytes(rom));
 }
 
+TEST_F(RunningUpdateTest, WaitsForTheFlashAsLongAsItIsTold) {
+  addPxeAdapter(kAdapter);
+  const test::Bytes old = flash();
+  const std::string rom = writeRom("new.rom", {pxe(3)});
+  std::optional<OtherUpdater> other(std::in_place);
+  for (const char* time : {"0", "50ms"}) {
+    const ProgramResult result = run({"update", kPort, rom, "--lock-timeout", time});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_THAT(
+        result.errors,
+        AllOf(HasSubstr("Timeout Error (the flash was held by quorvel_program_test, process "),
+              HasSubstr("or --lock-timeout")));
+  }
+  other.reset();
+  EXPECT_EQ(flash(), old);
+  EXPECT_EQ(run({"update", kPort, rom, "--lock-timeout", "0"}).exitStatus, 0);
+}
+
 TEST_F(RunningUpdateTest, PrintsTheOutcomeOfAnInterruptedFlashThatFails) {
   const std::string rom = addSlowAdapter(kAdapter);
   describe("0000-03-00",
