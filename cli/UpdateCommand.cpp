@@ -8,6 +8,7 @@
 
 #include "Utils/ClockText.h"
 #include "cli/Command.h"
+#include "cli/Duration.h"
 #include "cli/JobWatch.h"
 #include "cli/JsonOutput.h"
 #include "cli/Refusal.h"
@@ -28,10 +29,13 @@ constexpr const char* kFooter =
     "is a file or a file: URI. With --identity, the image is one of the files that 'quorvel\n"
     "identities' lists, by its path, its name where no other file has that, its InstanceID or its\n"
     "object path. The flash then holds the images of the chosen types and no others.\n"
-    "An interrupt (Ctrl-C) does not abandon a flash that is being written: the command waits for\n"
-    "its end. With --host the update goes on in the host, and the command says how to follow it.\n"
+    "An interrupt (Ctrl-C) ends an update that still waits for the flash, and nothing is written;\n"
+    "a flash that is being written it does not abandon: the command waits for its end. With "
+    "--host\n"
+    "the update goes on in the host, and the command says how to follow it.\n"
     "IMAGE is a file on the machine of the host then; a relative path is taken from the directory\n"
     "where this command runs.\n"
+    "DURATION is a number of seconds, or has a unit: 500ms, 30s, 5m, 1h.\n"
     "\n"
     "With --json: {\"returnValue\", \"returnText\", \"job\"}, where job holds the properties of\n"
     "the finished Orvex_ConcreteJob, and is null when the update was refused.\n"
@@ -41,6 +45,7 @@ constexpr const char* kFooter =
     "  quorvel update 0000:03:00 firmware.rom --types IMG_PXE+IMG_UEFI\n"
     "  quorvel update 0000:03:00 file:///srv/older.rom --force --json\n"
     "  quorvel update 0000:03:00 --identity firmware.rom\n"
+    "  quorvel update 0000:03:00 firmware.rom --lock-timeout 30s\n"
     "  quorvel update 0000:03:00 /srv/firmware.rom --host https://admin@server1:5989\n";
 
 struct Options {
@@ -169,6 +174,10 @@ void addUpdateCommand(CLI::App& program, Context& context) {
                refuseNoType},
               options->update.types);
   command.addFlag("--force", "Install older firmware, too", options->update.isForced);
+  command.add(
+      {"--lock-timeout", "Wait so long for the flash, whatever Timeout says; 0 does not wait",
+       "DURATION", false, refuseNoDuration},
+      context.options.lockTimeout);
   command.addFlag("--no-progress", "Print no progress", options->isProgressHidden);
   command.setFooter(kFooter);
   command.onChosen([&context, options] {

@@ -144,6 +144,10 @@ TEST_F(UpdateCommandTest, WantsOneImage) {
                    AllOf(HasSubstr("IMAGE and --identity exclude each other"),
                          HasSubstr("Try 'quorvel update --help'.")));
   expectUsageFault({"update", kPort, "a.rom", "b.rom"}, HasSubstr("b.rom"));
+  expectUsageFault({"update", kPort, "a.rom", "--lock-timeout", "soon"},
+                   HasSubstr("'soon' is no length of time; write 30s"));
+  expectUsageFault({"update", kPort, "a.rom", "--lock-timeout", "1s", "--host", "unix:"},
+                   HasSubstr("--lock-timeout does not go with --host"));
   expectUsageFault({"update", kPort, "--identity", ""}, HasSubstr("must not be empty"));
   expectUsageFault({"update", kPort, "--identity", "a.rom", "--types", "IMG_PXE"},
                    HasSubstr("--types goes with IMAGE, not with --identity: name the file"));
