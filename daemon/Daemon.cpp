@@ -15,6 +15,7 @@
 #include "Utils/Log.h"
 #include "Utils/Printable.h"
 #include "core/CimBroker.h"
+#include "daemon/ActionNames.h"
 #include "daemon/AuditQueue.h"
 #include "daemon/Authentication.h"
 #include "daemon/CimXmlHandler.h"
@@ -180,7 +181,8 @@ void serve(const DaemonConfig& config, std::ostream& out) {
   loadAgents(config);
 
   SystemLogAudit systemLog;
-  AuditQueue audit(systemLog);
+  const ActionNames names(*core::GetCimBroker().getSchema());
+  AuditQueue audit(systemLog, [&names](const std::string& action) { return names.find(action); });
   wbem::Server::Options options;
   options.nameSpace = utils::QuorvelConfig::getInstance()->getNamespace();
   options.host = findHostName();
