@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <any>
 #include <iterator>
+#include <optional>
 #include <utility>
 
 #include "daemon/Addresses.h"
@@ -116,7 +117,10 @@ void CimXmlHandler::handle(http::Request& request, http::Response& response) {
 // A page of the web that a browser on this machine shows can send requests here, and have its own
 // name resolve to 127.0.0.1, but cannot change what the browser gives as Host.
 bool CimXmlHandler::admitsHost(const http::Request& request, http::Response& response) const {
-  if (m_gate.demandsLogin() || isLoopbackHost(request.field("Host"))) {
+  // Clients of HTTP/1.0 may leave the field out, which no browser does.
+  const bool isHost = request.countFields("Host") == 0 || isLoopbackHost(request.field("Host"));
+  const std::optional<std::string_view> authority = request.authority();
+  if (m_gate.demandsLogin() || (isHost && (!authority || isLoopbackHost(*authority)))) {
     return true;
   }
   refuse(response, http::kStatusForbidden,

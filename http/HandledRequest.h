@@ -6,6 +6,8 @@
 
 #include <any>
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -24,6 +26,9 @@ class HandledRequest final : public Request {
   // Request
   [[nodiscard]] std::string_view method() const override { return m_exchange.request.method(); }
   [[nodiscard]] std::string_view target() const override { return m_exchange.request.target(); }
+  [[nodiscard]] std::optional<std::string_view> authority() const override {
+    return m_exchange.request.authority();
+  }
   [[nodiscard]] std::string_view field(std::string_view name) const override {
     return m_exchange.request.field(name);
   }

@@ -25,6 +25,9 @@ class Request {
 
   [[nodiscard]] virtual std::string_view method() const = 0;  // "POST"
   [[nodiscard]] virtual std::string_view target() const = 0;  // "/cimom"
+  // Returns the server of a target that names it in front of the path, "lab:5988"; nothing where it
+  // does not. It counts beside the field Host.
+  [[nodiscard]] virtual std::optional<std::string_view> authority() const = 0;
   // Returns the value of a header field, without regard to the case of its name; empty for none.
   [[nodiscard]] virtual std::string_view field(std::string_view name) const = 0;
   // Returns how many header fields have that name: field() is the first of them. There is never

@@ -262,6 +262,27 @@ TEST_F(CimXmlHandlerTest, AnswersByALoopbackNameAloneWhereNobodyLogsIn) {
   EXPECT_EQ(ask(m_anna).status, 200u);
 }
 
+TEST_F(CimXmlHandlerTest, TakesNoEmptyHostAndMayDoWithoutAny) {
+  for (const char* const host : {"", ":5988"}) {
+    m_request.fields["Host"] = host;
+    EXPECT_EQ(ask().status, 403u) << host;
+  }
+  m_request.fields.erase("Host");
+  EXPECT_EQ(ask().status, 200u);
+}
+
+TEST_F(CimXmlHandlerTest, LooksAtTheServerOfTheTargetToo) {
+  for (const char* const server : {"evil.example", "evil.example:5988", "localhost@evil", ""}) {
+    m_request.server = server;
+    EXPECT_EQ(ask().status, 403u) << server;
+  }
+  m_request.fields["Authorization"] = kAnna;
+  EXPECT_EQ(ask(m_anna).status, 200u);
+  m_request.content = test::FakeHttpRequest().content;
+  m_request.server = "localhost:5988";
+  EXPECT_EQ(ask().status, 200u);
+}
+
 TEST_F(CimXmlHandlerTest, TellsMonitorsByALoopbackNameAloneWhereNobodyLogsIn) {
   m_request.httpTarget = "/health";
   m_request.fields["Host"] = "evil.example:5988";

@@ -23,6 +23,7 @@ class FakeHttpRequest final : public http::Request {
 
   [[nodiscard]] std::string_view method() const override { return httpMethod; }
   [[nodiscard]] std::string_view target() const override { return httpTarget; }
+  [[nodiscard]] std::optional<std::string_view> authority() const override { return server; }
   [[nodiscard]] std::string_view field(std::string_view name) const override {
     const auto found = fields.find(std::string(name));
     return found == fields.end() ? std::string_view() : std::string_view(found->second);
@@ -39,6 +40,7 @@ class FakeHttpRequest final : public http::Request {
 
   std::string httpMethod = "POST";
   std::string httpTarget = "/cimom";
+  std::optional<std::string> server;  // in front of the target
   std::string peer = "127.0.0.1";
   std::optional<std::uint32_t> user;
   bool isTls = false;
