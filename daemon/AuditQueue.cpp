@@ -47,9 +47,12 @@ std::string userOf(const wbem::AuditRecord& record) {
   return isOwn(record, kLogin) ? "" : record.caller.user;
 }
 
-// Returns who it is whose failures are counted together.
+// Returns who it is whose failures are counted together. Of a login, its details tell which user of
+// this machine it came from.
 std::string ownerOf(const wbem::AuditRecord& record) {
-  return http::toPeerGroup(record.caller.address) + '\0' + userOf(record);
+  const bool isLogin = isOwn(record, kLogin) && !record.details.empty();
+  return http::toPeerGroup(record.caller.address) + '\0' +
+         (isLogin ? record.details.front().second : userOf(record));
 }
 
 wbem::AuditRecord tellLoss(const std::string& what) {
@@ -223,6 +226,9 @@ wbem::AuditRecord AuditQueue::toRecord(const Limit::Rest& rest) const {
   wbem::AuditRecord record;
   record.caller = rest.example.caller;
   record.caller.user = userOf(rest.example);
+  if (isOwn(rest.example, kLogin)) {
+    record.details = rest.example.details;
+  }
   std::string kind;
   if (!rest.isMixed) {
     const std::string fullKind = kindOf(rest.example);

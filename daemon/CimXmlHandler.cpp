@@ -133,9 +133,10 @@ bool CimXmlHandler::admits(const http::Request& request, http::Response& respons
   if (!admitsHost(request, response)) {
     return false;
   }
-  LoginGate::Decision decision = m_gate.admit(
-      request.field("Authorization"),
-      {request.peerAddress(), request.isLoopback(), request.isEncrypted(), request.peerUser()});
+  LoginGate::Decision decision =
+      m_gate.admit(request.field("Authorization"),
+                   {request.peerAddress(), request.isLoopback(), request.isEncrypted(),
+                    request.peerUser(), request.peerGroup()});
   response.delay = decision.delay;
   switch (decision.verdict) {
     case LoginGate::Verdict::Passed:
@@ -147,7 +148,9 @@ bool CimXmlHandler::admits(const http::Request& request, http::Response& respons
       return false;
     case LoginGate::Verdict::Busy:
       refuse(response, http::kStatusServiceUnavailable,
-             "Too many logins wait for their check. Try again later.");
+             m_gate.demandsLogin() ? "Too many logins wait for their check. Try again later."
+                                   : "This machine's directory of users does not tell for now who "
+                                     "you are. Try again later.");
       response.fields = "Retry-After: 1\r\n";
       return false;
     case LoginGate::Verdict::Unknown:

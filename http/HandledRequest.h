@@ -38,6 +38,7 @@ class HandledRequest final : public Request {
   [[nodiscard]] std::string& body() override { return m_exchange.request.body(); }
   [[nodiscard]] std::any& memo() override { return m_exchange.memo; }
   [[nodiscard]] const std::string& peerAddress() const override { return m_peer.address; }
+  [[nodiscard]] const std::string& peerGroup() const override { return m_peer.group; }
   [[nodiscard]] bool isLoopback() const override { return m_peer.isLoopback; }
   [[nodiscard]] std::optional<std::uint32_t> peerUser() const override { return m_peer.user; }
   [[nodiscard]] bool isEncrypted() const override { return m_isEncrypted; }

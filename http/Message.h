@@ -38,7 +38,10 @@ class Request {
   // The handler's own, for what it knows when the head has been handled and wants to have again.
   [[nodiscard]] virtual std::any& memo() = 0;
   [[nodiscard]] virtual const std::string& peerAddress() const = 0;  // "192.0.2.7"
-  [[nodiscard]] virtual bool isLoopback() const = 0;                 // the peer's address
+  // What the peer counts as where something is allowed to each: an address as toPeerGroup() has it,
+  // or a user of this machine.
+  [[nodiscard]] virtual const std::string& peerGroup() const = 0;
+  [[nodiscard]] virtual bool isLoopback() const = 0;  // the peer's address
   // The number of the user at the other end, as ServerOptions::findUser found it.
   [[nodiscard]] virtual std::optional<std::uint32_t> peerUser() const = 0;
   [[nodiscard]] virtual bool isEncrypted() const = 0;

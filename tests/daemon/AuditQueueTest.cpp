@@ -54,7 +54,11 @@ class FakeSink final : public quorveld::AuditSink {
 
  private:
   static std::string textOf(const wbem::AuditRecord& record) {
-    return record.action + " of " + record.caller.user + ": " + record.result;
+    std::string text = record.action + " of " + record.caller.user + ": " + record.result;
+    for (const auto& [name, value] : record.details) {
+      text += ", " + name + " " + value;
+    }
+    return text;
   }
 
   mutable platform::Mutex m_mutex;
@@ -308,6 +312,21 @@ TEST_F(AuditQueueTest, TellsFewKindsOfAUserApart) {
   EXPECT_THAT(m_sink.written(), Contains("Try of bert: error"));
   EXPECT_EQ(m_sink.written().back(),
             " of anna: ... and " + std::to_string(100 - kPassed) + " more of these in 5 s");
+}
+
+TEST_F(AuditQueueTest, KeepsTheFailedLoginsOfTheUsersOfThisMachineApart) {
+  for (int i = 0; i < 20; ++i) {
+    wbem::AuditRecord login = recordOf("Login", "refused", "name" + std::to_string(i), "unix");
+    login.details = {{"peer", "user 1000"}};
+    m_queue->write(login);
+  }
+  wbem::AuditRecord login = recordOf("Login", "refused", "bert", "unix");
+  login.details = {{"peer", "user 1001"}};
+  m_queue->write(login);
+  end();
+  EXPECT_THAT(m_sink.written(), Contains("Login of bert: refused, peer user 1001"));
+  EXPECT_EQ(m_sink.written().back(),
+            "Login of : refused ... and 8 more of these in 5 s, peer user 1000");
 }
 
 TEST_F(AuditQueueTest, KeepsClientsAndUsersApart) {

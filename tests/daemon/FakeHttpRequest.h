@@ -34,7 +34,8 @@ class FakeHttpRequest final : public http::Request {
   [[nodiscard]] std::string& body() override { return content; }
   [[nodiscard]] std::any& memo() override { return note; }
   [[nodiscard]] const std::string& peerAddress() const override { return peer; }
-  [[nodiscard]] bool isLoopback() const override { return peer == "127.0.0.1"; }
+  [[nodiscard]] const std::string& peerGroup() const override { return group; }
+  [[nodiscard]] bool isLoopback() const override { return isLocal || peer == "127.0.0.1"; }
   [[nodiscard]] std::optional<std::uint32_t> peerUser() const override { return user; }
   [[nodiscard]] bool isEncrypted() const override { return isTls; }
 
@@ -42,7 +43,9 @@ class FakeHttpRequest final : public http::Request {
   std::string httpTarget = "/cimom";
   std::optional<std::string> server;  // in front of the target
   std::string peer = "127.0.0.1";
+  std::string group = "127.0.0.1";
   std::optional<std::uint32_t> user;
+  bool isLocal = false;
   bool isTls = false;
   std::any note;
   std::map<std::string, std::string> fields{
