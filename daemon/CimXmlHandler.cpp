@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <any>
 #include <iterator>
+#include <optional>
 #include <utility>
 
 #include "daemon/Addresses.h"
@@ -116,7 +117,10 @@ void CimXmlHandler::handle(http::Request& request, http::Response& response) {
 // A page of the web that a browser on this machine shows can send requests here, and have its own
 // name resolve to 127.0.0.1, but cannot change what the browser gives as Host.
 bool CimXmlHandler::admitsHost(const http::Request& request, http::Response& response) const {
-  if (m_gate.demandsLogin() || isLoopbackHost(request.field("Host"))) {
+  // Clients of HTTP/1.0 may leave the field out, which no browser does.
+  const bool isHost = request.countFields("Host") == 0 || isLoopbackHost(request.field("Host"));
+  const std::optional<std::string_view> authority = request.authority();
+  if (m_gate.demandsLogin() || (isHost && (!authority || isLoopbackHost(*authority)))) {
     return true;
   }
   refuse(response, http::kStatusForbidden,
@@ -129,9 +133,10 @@ bool CimXmlHandler::admits(const http::Request& request, http::Response& respons
   if (!admitsHost(request, response)) {
     return false;
   }
-  LoginGate::Decision decision = m_gate.admit(
-      request.field("Authorization"),
-      {request.peerAddress(), request.isLoopback(), request.isEncrypted(), request.peerUser()});
+  LoginGate::Decision decision =
+      m_gate.admit(request.field("Authorization"),
+                   {request.peerAddress(), request.isLoopback(), request.isEncrypted(),
+                    request.peerUser(), request.peerGroup()});
   response.delay = decision.delay;
   switch (decision.verdict) {
     case LoginGate::Verdict::Passed:
@@ -143,7 +148,9 @@ bool CimXmlHandler::admits(const http::Request& request, http::Response& respons
       return false;
     case LoginGate::Verdict::Busy:
       refuse(response, http::kStatusServiceUnavailable,
-             "Too many logins wait for their check. Try again later.");
+             m_gate.demandsLogin() ? "Too many logins wait for their check. Try again later."
+                                   : "This machine's directory of users does not tell for now who "
+                                     "you are. Try again later.");
       response.fields = "Retry-After: 1\r\n";
       return false;
     case LoginGate::Verdict::Unknown:

@@ -3,7 +3,8 @@
 //   request                          answer
 //   POST, any target but /health     the CIM answer, or a refusal with the field CIMError
 //   GET, HEAD /health                200 and JSON, without a login; as for a message, 403 where
-//                                    nobody logs in and Host names no loopback address
+//                                    nobody logs in and Host, or the server that stands in the
+//                                    target, is no loopback name
 //   OPTIONS                          200 with Allow
 //   another method that HTTP knows   405 with Allow
 //   M-POST and anything else         501
