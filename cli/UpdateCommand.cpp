@@ -5,8 +5,11 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <system_error>
 
 #include "Utils/ClockText.h"
+#include "Utils/Conversions.h"
 #include "cli/Command.h"
 #include "cli/Duration.h"
 #include "cli/JobWatch.h"
@@ -19,6 +22,7 @@
 #include "client/InstallationService.h"
 #include "client/Target.h"
 #include "host/SharedOptions.h"
+#include "platform/Paths.h"
 #include "platform/Texts.h"
 
 namespace cli {
@@ -75,11 +79,26 @@ std::string nameExactly(const std::filesystem::path& path) {
   return *text;
 }
 
+// Schemes are the same in any case.
+bool isFileUri(const std::string& image) {
+  constexpr std::string_view kScheme = "FILE:";
+  return utils::toUpper(image.substr(0, kScheme.size())) == kScheme;
+}
+
+std::filesystem::path makeAbsolute(const std::string& image) {
+  std::error_code error;
+  std::filesystem::path path = platform::makeAbsolute(platform::toPath(image), error);
+  if (error) {
+    throw client::Fault("the file '" + image + "' cannot be told from here: " + error.message() +
+                        "; name it by its whole path");
+  }
+  return path;
+}
+
 Start startFromFile(client::Connection& connection, const Options& options,
                     const client::Target& target, const client::OnStart& onStart) {
-  const bool isUri = options.image.starts_with("file:");
-  const std::filesystem::path path =
-      isUri ? std::filesystem::path() : std::filesystem::absolute(platform::toPath(options.image));
+  const bool isUri = isFileUri(options.image);
+  const std::filesystem::path path = isUri ? std::filesystem::path() : makeAbsolute(options.image);
   const std::string uri = isUri ? options.image : "file://" + nameExactly(path);
   return {client::installFromUri(connection, uri, target.path, options.update, onStart),
           {platform::toShownText(path), !options.update.types.empty(), options.update.isForced,

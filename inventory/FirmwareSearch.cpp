@@ -9,6 +9,7 @@
 
 #include "Os/FileCalls.h"
 #include "Os/Files.h"
+#include "platform/Paths.h"
 #include "platform/Texts.h"
 
 namespace inventory {
@@ -130,7 +131,7 @@ class FirmwareSearch::Look {
 
 void FirmwareSearch::Look::searchDirectory(const fs::path& directory) {
   std::error_code error;
-  const fs::path absolute = fs::absolute(directory, error).lexically_normal();
+  const fs::path absolute = platform::makeNormal(directory, error);
   const std::string shown = "Firmware directory '" + platform::toShownText(directory) + "' ";
   const auto listing = std::make_shared<Listing>();
   const std::size_t most = kMostFiles - m_seen.size();

@@ -47,6 +47,17 @@ TEST_F(UpdateCommandTest, InstallsAnImageAndSaysSo) {
   EXPECT_EQ(flash(), test::readBytes(rom));
 }
 
+TEST_F(UpdateCommandTest, KnowsTheSchemeOfAUriInAnyCase) {
+  addPxeAdapter(kAdapter);
+  const std::string rom = writeRom("new.rom", {pxe(3)});
+  for (const std::string scheme : {"FILE:", "File:"}) {
+    const ProgramResult result =
+        run({"update", kPort, scheme + uriOf(rom).substr(scheme.size()), "--force"});
+    EXPECT_EQ(result.exitStatus, 0) << result.errors;
+  }
+  EXPECT_EQ(flash(), test::readBytes(rom));
+}
+
 TEST_F(UpdateCommandTest, PrintsTheFinishedJobAsADocument) {
   addPxeAdapter(kAdapter);
   const Json document = runJson({"update", kAdapter, writeRom("new.rom", {pxe(3)})});
