@@ -24,20 +24,21 @@ struct Thread::State {
   bool isStopRequested ORVEX_GUARDED_BY(stopMutex) = false;
   Mutex startMutex;
   bool isStarted ORVEX_GUARDED_BY(startMutex) = false;
-  os::NativeThread thread;
+  os::NativeThread thread ORVEX_GUARDED_BY(startMutex);
 };
 
 Thread::Thread() : m_state(std::make_unique<State>()) {}
 
 Thread::~Thread() {
   cancel();
-  bool isStarted = false;
+  // Without the lock while it is awaited: its body may ask whether it has ended.
+  os::NativeThread* started = nullptr;
   {
     const ScopedLock lock(m_state->startMutex);
-    isStarted = m_state->isStarted;
+    started = m_state->isStarted ? &m_state->thread : nullptr;
   }
-  if (isStarted) {
-    const int error = m_state->thread.join();
+  if (started != nullptr) {
+    const int error = started->join();
     if (error != 0) {
       logError(kLog, "utils::Thread::~Thread", "Could not close thread %p. Error %d",
                static_cast<void*>(this), error);

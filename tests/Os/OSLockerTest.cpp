@@ -14,6 +14,7 @@
 #include "tests/support/Regex.h"
 #include "tests/support/Settings.h"
 #include "tests/support/Throws.h"
+#include "tests/support/VirtualSlots.h"
 
 namespace {
 
@@ -149,6 +150,11 @@ TEST_F(OSLockerRules, TellsWhomItWaitedForInVainUntilItLocksAgain) {
   m_locker.answer = FakeLocker::WaitResult::Signalled;
   EXPECT_EQ(m_locker.Lock(), 0);
   EXPECT_EQ(OSLocker::describeTimeout(), "");
+}
+
+TEST(OSLockerOperations, KeepTheOrderOfTheVirtualOnes) {
+  EXPECT_EQ(test::slotOf(&OSLocker::Lock), 2U);
+  EXPECT_EQ(test::slotOf(&OSLocker::UnLock), 3U);
 }
 
 TEST(OSLockerOfNobody, TellsOfNoWait) {
