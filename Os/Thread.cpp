@@ -25,19 +25,20 @@ struct Thread::State {
   Mutex startMutex;
   bool isStarted ORVEX_GUARDED_BY(startMutex) = false;
   os::NativeThread thread ORVEX_GUARDED_BY(startMutex);
+
+  // Returns the thread that was started, null when there is none. It is awaited without the lock,
+  // since its body may ask whether it has ended. (No analysis looks into a destructor.)
+  os::NativeThread* started() {
+    const ScopedLock lock(startMutex);
+    return isStarted ? &thread : nullptr;
+  }
 };
 
 Thread::Thread() : m_state(std::make_unique<State>()) {}
 
 Thread::~Thread() {
   cancel();
-  // Without the lock while it is awaited: its body may ask whether it has ended.
-  os::NativeThread* started = nullptr;
-  {
-    const ScopedLock lock(m_state->startMutex);
-    started = m_state->isStarted ? &m_state->thread : nullptr;
-  }
-  if (started != nullptr) {
+  if (os::NativeThread* const started = m_state->started()) {
     const int error = started->join();
     if (error != 0) {
       logError(kLog, "utils::Thread::~Thread", "Could not close thread %p. Error %d",
