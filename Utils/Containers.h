@@ -143,6 +143,8 @@ class SafeList {
     noteChange();
   }
 
+  const std::vector<T>& elements() const ORVEX_REQUIRES(m_lock) { return m_elements; }
+
   void noteChange() ORVEX_REQUIRES(m_lock) {
     ++m_changes;
     m_hasFirst.store(!m_elements.empty(), std::memory_order_relaxed);
@@ -203,7 +205,7 @@ class SafeList<T>::SimpleIteratorImplementation : public SafeList<T>::IteratorIm
 
  protected:
   // One step, made by a caller that holds the list's lock.
-  virtual T step() {
+  virtual T step() ORVEX_REQUIRES(m_list->m_lock) {
     if (m_list != nullptr && m_position != kEnd) {
       followElement();
     }
@@ -220,13 +222,10 @@ class SafeList<T>::SimpleIteratorImplementation : public SafeList<T>::IteratorIm
  private:
   static constexpr std::size_t kEnd = static_cast<std::size_t>(-1);
 
-  // The two below run under the list's lock. The analysis cannot be told so: it does not take
-  // m_list->m_lock for the lock of m_list's elements in a class within a template.
-
   // Makes the element of that number the one that the next step returns. A cursor that has come to
   // the end stays there, whatever is added.
-  void moveTo(std::size_t position) ORVEX_NO_THREAD_SAFETY_ANALYSIS {
-    const std::vector<T>& elements = m_list->m_elements;
+  void moveTo(std::size_t position) ORVEX_REQUIRES(m_list->m_lock) {
+    const std::vector<T>& elements = m_list->elements();
     const bool isEnd = position >= elements.size();
     m_position = isEnd ? kEnd : position;
     m_element = isEnd ? nullptr : elements[position];
@@ -234,8 +233,8 @@ class SafeList<T>::SimpleIteratorImplementation : public SafeList<T>::IteratorIm
 
   // Finds the element that is to be returned again, after others in front of it were taken out; the
   // one in its place when it was taken out itself.
-  void followElement() ORVEX_NO_THREAD_SAFETY_ANALYSIS {
-    const std::vector<T>& elements = m_list->m_elements;
+  void followElement() ORVEX_REQUIRES(m_list->m_lock) {
+    const std::vector<T>& elements = m_list->elements();
     std::size_t position = std::min(m_position + 1, elements.size());
     while (position > 0 && elements[position - 1] != m_element) {
       --position;

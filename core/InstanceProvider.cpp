@@ -27,6 +27,11 @@ InstanceList::Iterator InstanceProvider::getInstances() {
   return enumerate();
 }
 
+void InstanceProvider::withdraw(CimInstance* instance) {
+  const utils::ScopedLock lock(m_enumeration);
+  m_instances.remove(instance);
+}
+
 InstanceList::Iterator InstanceProvider::enumerate() {
   refresh();
   utils::logDebug(m_log.source, m_log.function, "return %d", static_cast<int>(m_instances.size()));

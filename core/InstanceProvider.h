@@ -53,6 +53,9 @@ class ORVEX_CORE_API InstanceProvider : public CimClass, protected InstanceSourc
 
  protected:
   [[nodiscard]] InstanceList& instances() { return m_instances; }
+  // Takes an instance out that the caller owns from then on. Waits for an enumeration on another
+  // thread, which may have come upon it.
+  void withdraw(CimInstance* instance);
   [[nodiscard]] const EnumerationLog& log() const { return m_log; }
 
  private:

@@ -14,6 +14,7 @@
 #include "tests/support/Regex.h"
 #include "tests/support/Settings.h"
 #include "tests/support/Throws.h"
+#include "tests/support/VirtualSlots.h"
 
 namespace {
 
@@ -187,6 +188,11 @@ TEST_F(OSLockerRules, IsNotGivenUpByOneWhoHasHadIt) {
 
 TEST(OSLockerOfNobody, IsNotGivenUp) {
   EXPECT_FALSE(OSLocker::giveUp());
+}
+
+TEST(OSLockerOperations, KeepTheOrderOfTheVirtualOnes) {
+  EXPECT_EQ(test::slotOf(&OSLocker::Lock), 2U);
+  EXPECT_EQ(test::slotOf(&OSLocker::UnLock), 3U);
 }
 
 TEST(OSLockerOfNobody, TellsOfNoWait) {

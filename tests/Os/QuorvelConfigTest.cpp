@@ -10,6 +10,7 @@
 #include "tests/support/LogCapture.h"
 #include "tests/support/Settings.h"
 #include "tests/support/TempDirectory.h"
+#include "tests/support/VirtualSlots.h"
 
 namespace {
 
@@ -282,6 +283,14 @@ TEST_F(QuorvelConfig, IsTheCurrentOneOnceConstructed) {
 
   EXPECT_EQ(utils::QuorvelConfig::getInstance(), &m_config);
   EXPECT_EQ(utils::QuorvelConfig::getInstance()->getTimeout(), 250U);
+}
+
+TEST(QuorvelConfigOperations, KeepTheOrderOfTheVirtualOnes) {
+  EXPECT_EQ(test::slotOf(&utils::QuorvelConfig::getNamespace), 2U);
+  EXPECT_EQ(test::slotOf(&utils::QuorvelConfig::getTimeout), 3U);
+  EXPECT_EQ(test::slotOf(&utils::QuorvelConfig::getDowngradeEnable), 4U);
+  EXPECT_EQ(test::slotOf(&utils::QuorvelConfig::getFWFilePaths), 5U);
+  EXPECT_EQ(test::slotOf(&utils::QuorvelConfig::initialize), 6U);
 }
 
 TEST(QuorvelConfigSingleton, IsMadeOnFirstUse) {

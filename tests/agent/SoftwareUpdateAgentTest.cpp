@@ -3,11 +3,13 @@
 #include <vector>
 
 #include "agent/ConcreteJobFactory.h"
+#include "agent/Orvex_ConcreteJobClass.h"
 #include "agent/SoftwareUpdateAgent.h"
 #include "tests/agent/FakeJobFactory.h"
 #include "tests/agent/ProviderMemory.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Throws.h"
+#include "tests/support/VirtualSlots.h"
 
 namespace {
 
@@ -63,6 +65,10 @@ TEST(SoftwareUpdateAgent, NamesItselfInItsRecords) {
   EXPECT_THAT(log.messages("core::CimAgent::getInstances"),
               ElementsAre("[Software Update] Finding class: Orvex_ConcreteJob",
                           "[Software Update] Get instance of Orvex_ConcreteJob class"));
+}
+
+TEST(SoftwareUpdateAgent, HasTheJobFactorysOperationBehindThoseOfAProvider) {
+  EXPECT_EQ(test::slotOf(&Orvex_ConcreteJobClass::verifyOrCreateNewJob), 4U);
 }
 
 TEST(SoftwareUpdateAgent, BringsTheJobFactory) {

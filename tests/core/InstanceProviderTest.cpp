@@ -1,8 +1,10 @@
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <future>
 #include <gmock/gmock.h>
 #include <thread>
+#include <utility>
 
 #include "Utils/Exception.h"
 #include "core/InstanceProvider.h"
@@ -110,6 +112,35 @@ TEST(InstanceProvider, KeepsTheOrderOfTheVirtualOperationsOfItsInterface) {
   EXPECT_EQ(test::slotOf(&core::CimClass::getName), 0U);
   EXPECT_EQ(test::slotOf(&core::CimClass::getInstances), 1U);
   EXPECT_EQ(test::slotOf(&ExtendedProvider::extend), 4U);
+}
+
+// A provider whose enumeration calls back.
+class CallingProvider : public core::InstanceProvider {
+ public:
+  explicit CallingProvider(std::function<void(CallingProvider&)> call)
+      : InstanceProvider("Test_Thing", {kSource, kFunction}), m_call(std::move(call)) {
+    instances().add(&m_thing);
+  }
+  void withdrawThing() { withdraw(&m_thing); }
+
+ protected:
+  void refresh() override { m_call(*this); }
+
+ private:
+  Instance m_thing;
+  const std::function<void(CallingProvider&)> m_call;
+};
+
+TEST(InstanceProvider, WithdrawsNoInstanceWhileItIsEnumerated) {
+  std::future<void> withdrawn;
+  CallingProvider provider([&withdrawn](CallingProvider& self) {
+    withdrawn = std::async(std::launch::async, [&self] { self.withdrawThing(); });
+    EXPECT_EQ(withdrawn.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+  });
+  core::InstanceList::Iterator cursor = provider.getInstances();
+  withdrawn.get();
+
+  EXPECT_EQ(cursor.count(), 0U);
 }
 
 TEST(InstanceProvider, ServesItsClassName) {
