@@ -31,6 +31,10 @@ std::string toText(core::CimProperty& property) {
     }
     return join(texts);
   }
+  if (const auto* time = dynamic_cast<core::CimPropertyDatetime*>(&property)) {
+    return std::to_string(time->getValue().value) +
+           (time->getValue().isTimestamp ? " since the epoch" : " microseconds");
+  }
   if (property.getType() == core::kCimBoolean) {
     return property.toString() == "1" ? "true" : "false";
   }
