@@ -71,14 +71,13 @@ class InstallFromUri : public testing::Test {
       if (record.source == kSource) {
         EXPECT_EQ(record.function, kFunction);
         EXPECT_EQ(record.level, LogLevel::Debug);
-        EXPECT_EQ(test::findMisplacement(record), "");
         messages.push_back(record.message);
       }
     }
     return messages;
   }
 
-  test::LogCapture m_log;
+  test::PlacedLog m_log;
   test::FakeSiblings m_siblings;
   std::optional<test::FakeJobFactory> m_factory{std::in_place};
   Orvex_SoftwareInstallationService m_service;

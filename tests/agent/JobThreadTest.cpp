@@ -16,6 +16,7 @@
 #include "tests/support/LogCapture.h"
 #include "tests/support/PointerPattern.h"
 #include "tests/support/Regex.h"
+#include "tests/support/SourcePlace.h"
 #include "tests/support/Throws.h"
 #include "tests/support/WaitUntil.h"
 
@@ -94,7 +95,7 @@ class JobThreadTest : public testing::Test {
     EXPECT_FALSE(m_locker->isHeld());
   }
 
-  test::LogCapture m_log;
+  test::PlacedLog m_log;
   test::FakeConfig m_config;
   std::optional<test::FakeLocker> m_locker{std::in_place};
   test::FakeMidApi m_midApi;

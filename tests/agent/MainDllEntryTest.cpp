@@ -4,6 +4,7 @@
 #include "agent/MainDllEntry.h"
 #include "core/CimBroker.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/SourcePlace.h"
 
 namespace {
 
@@ -36,7 +37,7 @@ class ModuleEntry : public testing::Test {
 
   static std::vector<core::CimAgent*> agents() { return core::GetCimBroker().getAgents(); }
 
-  test::LogCapture m_log;
+  test::PlacedLog m_log;
 
  private:
   static int s_built;

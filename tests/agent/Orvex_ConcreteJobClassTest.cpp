@@ -16,6 +16,7 @@
 #include "tests/agent/NoMoreThreads.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/SourcePlace.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/WaitUntil.h"
 
@@ -76,7 +77,7 @@ class ConcreteJobClass : public testing::Test {
     }));
   }
 
-  test::LogCapture m_log;
+  test::PlacedLog m_log;
   test::FakeConfig m_config;
   test::FakeLocker m_locker;
   test::FakeMidApi m_midApi;
