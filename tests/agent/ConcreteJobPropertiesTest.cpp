@@ -29,6 +29,8 @@ std::map<std::string, bool> nullStates(core::CimInstance& instance) {
 }
 
 TEST_F(ConcreteJobProperties, ArePublished) {
+  // A value that somebody set does not stay.
+  test::fillEveryProperty(*m_job);
   const std::uint64_t now = utils::currentMicroseconds();
   m_job->setError(5, "a text");
   change(4);
