@@ -1,6 +1,7 @@
 #include "agent/Orvex_SoftwareInstallationServiceCapabilities.h"
 
 #include <cstdint>
+#include <initializer_list>
 
 #include "Utils/FirmwareTypes.h"
 #include "Utils/Format.h"
@@ -41,6 +42,15 @@ void Orvex_SoftwareInstallationServiceCapabilities::setPropertyValues() {
   CanAddToCollection.setValue(false);
   SupportedInstallOptions.setValue({cim::kForceInstallation, cim::kUpdate, cim::kTargetTypes});
   SupportedURISchemes.setValue({kSchemeFile});
+  // Nothing is known of these; a value that somebody set does not stay.
+  for (core::CimProperty* property : std::initializer_list<core::CimProperty*>{
+           &Generation, &OtherSupportedExtendedResourceTypeDescriptions,
+           &SupportedExtendedResourceTypesMajorVersions,
+           &SupportedExtendedResourceTypesMinorVersions,
+           &SupportedExtendedResourceTypesRevisionNumbers,
+           &SupportedExtendedResourceTypesBuildNumbers}) {
+    property->setNull();
+  }
 }
 
 Orvex_SoftwareInstallationServiceCapabilitiesClass::

@@ -18,12 +18,14 @@ void Orvex_SoftwareUpdateRegisteredProfile::setPropertyValues() {
   core::markKeys(*this);
   SpecificationType.setValue(kSpecificationTypeProfile);
   RegisteredOrganization.setValue(kOrganizationDmtf);
+  OtherRegisteredOrganization.setNull();
   RegisteredName.setValue("Software Update Profile");
   RegisteredVersion.setValue("1.0.0");
   AdvertiseTypes.setValue({kAdvertiseOther});
   AdvertiseTypeDescriptions.setValue({"WS-Identify"});
   Caption.setValue(RegisteredName.getValue());
   Description.setValue("Software Update Profile for Zolan(R) Ethernet Adapters");
+  ElementName.setNull();
 }
 
 Orvex_SoftwareUpdateRegisteredProfileClass::Orvex_SoftwareUpdateRegisteredProfileClass()

@@ -13,6 +13,7 @@
 #include "tests/agent/FakeMidApi.h"
 #include "tests/agent/FakeSiblings.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/SourcePlace.h"
 
 namespace test {
 
@@ -40,7 +41,7 @@ class AssociationFixture : public testing::Test {
   // Expects that an enumeration that is refused leaves nothing of the one before.
   void expectRefusalEmptiesTheList(const std::string& condition);
 
-  LogCapture m_log;
+  PlacedLog m_log;
   FakeMidApi m_midApi;
   FakeSiblings m_siblings;
 

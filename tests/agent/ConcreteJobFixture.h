@@ -12,6 +12,7 @@
 #include "tests/agent/FakeSystem.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/SourcePlace.h"
 #include "tests/support/WaitUntil.h"
 
 namespace test {
@@ -62,7 +63,7 @@ class ConcreteJobFixture : public testing::Test {
 
   void change(int state) { m_job->setJobState(static_cast<cim::JobState>(state)); }
 
-  LogCapture m_log;
+  PlacedLog m_log;
   FakeConfig m_config;
   FakeLocker m_locker;
   FakeMidApi m_midApi;

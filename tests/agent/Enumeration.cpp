@@ -7,7 +7,6 @@
 #include "core/CimPropertyRef.h"
 #include "core/CimPropertyTypes.h"
 #include "tests/support/Regex.h"
-#include "tests/support/SourcePlace.h"
 
 namespace test {
 namespace {
@@ -30,6 +29,10 @@ std::string toText(core::CimProperty& property) {
       texts.push_back(std::to_string(number));
     }
     return join(texts);
+  }
+  if (const auto* time = dynamic_cast<core::CimPropertyDatetime*>(&property)) {
+    return std::to_string(time->getValue().value) +
+           (time->getValue().isTimestamp ? " since the epoch" : " microseconds");
   }
   if (property.getType() == core::kCimBoolean) {
     return property.toString() == "1" ? "true" : "false";
@@ -165,7 +168,6 @@ void expectEnumeration(const LogCapture& log, const EnumerationNames& names,
   std::vector<LogRecord> own;
   for (const LogRecord& record : log.records()) {
     if (record.source == names.source || record.source == blockSource) {
-      EXPECT_EQ(findMisplacement(record), "");
       own.push_back(record);
     }
   }

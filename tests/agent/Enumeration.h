@@ -47,8 +47,8 @@ struct EnumerationNames {
   std::string block = {};
 };
 
-// Expects that one enumeration was logged with just these messages, where they stand, and a timed
-// block that begins behind the first of them.
+// Expects that one enumeration was logged with just these messages, and a timed block that begins
+// behind the first of them.
 void expectEnumeration(const LogCapture& log, const EnumerationNames& names,
                        const std::vector<std::string>& messages);
 

@@ -71,14 +71,13 @@ class InstallFromUri : public testing::Test {
       if (record.source == kSource) {
         EXPECT_EQ(record.function, kFunction);
         EXPECT_EQ(record.level, LogLevel::Debug);
-        EXPECT_EQ(test::findMisplacement(record), "");
         messages.push_back(record.message);
       }
     }
     return messages;
   }
 
-  test::LogCapture m_log;
+  test::PlacedLog m_log;
   test::FakeSiblings m_siblings;
   std::optional<test::FakeJobFactory> m_factory{std::in_place};
   Orvex_SoftwareInstallationService m_service;
@@ -185,10 +184,22 @@ TEST_F(InstallFromUri, AcceptsNullValuesAndPassesWhatTheyHold) {
 }
 
 TEST_F(InstallFromUri, RefusesOptionsWithoutARecord) {
-  m_options.setValue({5, 4});
-  EXPECT_EQ(invoke(), 5u);
-  EXPECT_THAT(messages(), IsEmpty());
+  for (const std::vector<std::uint16_t>& options :
+       std::vector<std::vector<std::uint16_t>>{{}, {3}, {5, 4}, {4, 5}, {32768}, {2, 3, 5}}) {
+    m_options.setValue(options);
+    EXPECT_EQ(invoke(), 5u) << testing::PrintToString(options);
+    EXPECT_THAT(messages(), IsEmpty());
+  }
   EXPECT_THAT(m_factory->requests, IsEmpty());
+}
+
+TEST_F(InstallFromUri, PassesOnOptionsThatItDoesNotKnow) {
+  for (const std::vector<std::uint16_t>& options :
+       std::vector<std::vector<std::uint16_t>>{{5}, {3, 5}, {5, 32768}, {0, 1, 5, 13, 65535}}) {
+    m_options.setValue(options);
+    EXPECT_EQ(invoke(), 4096u) << testing::PrintToString(options);
+    EXPECT_EQ(m_factory->requests.back().installOptions, options);
+  }
 }
 
 TEST_F(InstallFromUri, LooksAtTheOptionsBeforeTheTarget) {
@@ -290,11 +301,11 @@ TEST_F(UpdateTarget, RefusesAPortWithoutIdentity) {
 }
 
 TEST_F(UpdateTarget, RefusesATargetOfAnotherClass) {
-  const std::string target = m_siblings.addSoftwareIdentity();
-
-  EXPECT_EQ(update(target), 4106u);
-
-  EXPECT_THAT(messages(), ElementsAre("Firmware Update does not support target '" + target + "'"));
+  for (const std::string& target : {m_siblings.addSoftwareIdentity(), m_siblings.addService()}) {
+    EXPECT_EQ(update(target), 4106u);
+    EXPECT_THAT(messages(),
+                ElementsAre("Firmware Update does not support target '" + target + "'"));
+  }
   EXPECT_THAT(m_factory->requests, IsEmpty());
 }
 

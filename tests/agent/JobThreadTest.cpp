@@ -16,6 +16,7 @@
 #include "tests/support/LogCapture.h"
 #include "tests/support/PointerPattern.h"
 #include "tests/support/Regex.h"
+#include "tests/support/SourcePlace.h"
 #include "tests/support/Throws.h"
 #include "tests/support/WaitUntil.h"
 
@@ -94,7 +95,7 @@ class JobThreadTest : public testing::Test {
     EXPECT_FALSE(m_locker->isHeld());
   }
 
-  test::LogCapture m_log;
+  test::PlacedLog m_log;
   test::FakeConfig m_config;
   std::optional<test::FakeLocker> m_locker{std::in_place};
   test::FakeMidApi m_midApi;
@@ -147,6 +148,55 @@ TEST_F(JobThreadTest, GoesThroughTheStatesInOrder) {
 
   EXPECT_THAT(m_log.messages("Orvex_ConcreteJob::setJobState"),
               ElementsAre("2 -> 3", "3 -> 4", "4 -> 7"));
+}
+
+// Notes whether its thread says that it is done when the job gets a state, and when the thread's
+// last record is written.
+class WatchedEnd final : public agent::FlashJob, private utils::LogSinks {
+ public:
+  WatchedEnd() : m_previous(utils::exchangeLogSinks(this)) {}
+  ~WatchedEnd() override { utils::exchangeLogSinks(m_previous); }
+
+  [[nodiscard]] std::string getTarget() const override { return kAdapter; }
+  [[nodiscard]] std::vector<FirmwareType> getTargetTypes() const override {
+    return {FirmwareType::Iscsi};
+  }
+  [[nodiscard]] const std::vector<std::uint8_t>& getImage() const override { return m_image; }
+  void setError(std::uint32_t /*code*/, const std::string& /*text*/) noexcept override {}
+  void setJobState(cim::JobState newState) noexcept override {
+    note("state " + std::to_string(static_cast<int>(newState)));
+  }
+
+  JobThread* thread = nullptr;
+  std::vector<std::string> events;  // of the thread alone
+
+ private:
+  void note(const std::string& event) {
+    events.push_back(event + (thread->getDone().isSet() ? ", done" : ""));
+  }
+  void writeEventLog(const std::string& /*line*/) noexcept override {}
+  void writeDebugChannel(const std::string& line) noexcept override {
+    if (line.ends_with(" finishing\n")) {
+      note("finishing");
+    }
+  }
+  void writeStandardError(const std::string& /*text*/) noexcept override {}
+
+  const std::vector<std::uint8_t> m_image = test::bytesOf("image");
+  utils::LogSinks* const m_previous;
+};
+
+TEST_F(JobThreadTest, IsDoneBetweenItsJobsEndAndItsLastRecord) {
+  for (const bool isWritten : {true, false}) {
+    m_midApi.writeAnswer.isDone = isWritten;
+    WatchedEnd job;
+    JobThread thread(&job, m_clock);
+    job.thread = &thread;
+    thread.run();
+
+    EXPECT_THAT(job.events,
+                ElementsAre("state 4", isWritten ? "state 7" : "state 10", "finishing, done"));
+  }
 }
 
 TEST_F(JobThreadTest, HoldsTheFlashLockFromTheBootTypesToTheCapabilityWord) {

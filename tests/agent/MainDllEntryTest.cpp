@@ -5,6 +5,7 @@
 #include "core/CimBroker.h"
 #include "tests/agent/ProviderMemory.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/SourcePlace.h"
 #include "tests/support/Throws.h"
 
 namespace {
@@ -38,7 +39,7 @@ class ModuleEntry : public testing::Test {
 
   static std::vector<core::CimAgent*> agents() { return core::GetCimBroker().getAgents(); }
 
-  test::LogCapture m_log;
+  test::PlacedLog m_log;
 
  private:
   static int s_built;

@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <functional>
 #include <gmock/gmock.h>
 #include <memory>
 #include <stdexcept>
@@ -15,6 +16,7 @@
 #include "tests/agent/NoMoreThreads.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/SourcePlace.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/WaitUntil.h"
 
@@ -75,7 +77,7 @@ class ConcreteJobClass : public testing::Test {
     }));
   }
 
-  test::LogCapture m_log;
+  test::PlacedLog m_log;
   test::FakeConfig m_config;
   test::FakeLocker m_locker;
   test::FakeMidApi m_midApi;
@@ -319,6 +321,161 @@ TEST_F(ConcreteJobClass, PublishesTheProgressOfARunningJob) {
   ASSERT_EQ(jobs.size(), 1u);
   EXPECT_EQ(jobs[0]->JobState.getValue(), 4);
   EXPECT_EQ(jobs[0]->PercentComplete.getValue(), 37);
+}
+
+// A provider whose jobs a test brings.
+class OpenJobClass : public Orvex_ConcreteJobClass {
+ public:
+  using InstanceProvider::instances;
+};
+
+class JobWithoutControl : public Orvex_ConcreteJob {
+ public:
+  JobWithoutControl(std::uint32_t number, std::function<void()> fault)
+      : Orvex_ConcreteJob(kAdapter, number, agent::VerifiedImage{}), m_fault(std::move(fault)) {}
+
+  bool threadControl(std::int32_t command, std::int32_t timeout) override {
+    m_fault();
+    return Orvex_ConcreteJob::threadControl(command, timeout);
+  }
+
+ private:
+  const std::function<void()> m_fault;
+};
+
+TEST_F(ConcreteJobClass, PublishesJobsWhoseThreadsCannotBeLookedAfter) {
+  m_provider.reset();
+  auto open = std::make_unique<OpenJobClass>();
+  const std::vector<std::function<void()>> faults = {[] { throw std::runtime_error("stuck"); },
+                                                     [] { throw 1; }, [] {}};
+  for (std::uint32_t number = 1; number <= faults.size(); ++number) {
+    open->instances().add(new JobWithoutControl(number, faults[number - 1]));
+  }
+  m_provider = std::move(open);
+  m_log.clear();
+
+  EXPECT_THAT(captions(), ElementsAre("Firmware Update Job 1", "Firmware Update Job 2",
+                                      "Firmware Update Job 3"));
+  EXPECT_THAT(
+      m_log.messages("ConcreteJob::getInstances"),
+      ElementsAre("All jobs: 3", "Refreshing job: FirmwareUpdate@Job#1", "Exception happened",
+                  "Refreshing job: FirmwareUpdate@Job#2", "Exception happened",
+                  "Refreshing job: FirmwareUpdate@Job#3", "return 3"));
+}
+
+// -- refusals, each by its type's text, and with the target free before it is told of --
+
+// Notes the error records, and which target is in progress at each.
+class RefusalWatch final : public utils::LogSinks {
+ public:
+  using Note = std::pair<std::string, std::string>;
+
+  RefusalWatch() : m_previous(utils::exchangeLogSinks(this)) {}
+  ~RefusalWatch() override { utils::exchangeLogSinks(m_previous); }
+
+  void writeEventLog(const std::string& line) noexcept override {
+    notes.emplace_back(test::parseLogLine(line).message, agent::getTargetInProgress());
+  }
+  void writeDebugChannel(const std::string& line) noexcept override {
+    m_previous->writeDebugChannel(line);
+  }
+  void writeStandardError(const std::string& /*text*/) noexcept override {}
+
+  std::vector<Note> notes;
+
+ private:
+  utils::LogSinks* m_previous;
+};
+
+class ConcreteJobClassRefusal : public ConcreteJobClass {
+ protected:
+  // Expects that both kinds of request are refused so, with this target in progress meanwhile.
+  void expectRefusal(std::int32_t result, const std::string& text,
+                     const std::string& inProgress = "") {
+    for (const bool isCreate : {true, false}) {
+      const RefusalWatch watch;
+      EXPECT_EQ(
+          m_provider->verifyOrCreateNewJob(kAdapter, m_uri, m_options, m_values, m_job, isCreate),
+          result);
+      ASSERT_GE(watch.notes.size(), 2u);
+      // The error itself, and what the job class says of it.
+      const std::vector<RefusalWatch::Note> last(watch.notes.end() - 2, watch.notes.end());
+      EXPECT_THAT(
+          last, ElementsAre(RefusalWatch::Note(text, inProgress),
+                            RefusalWatch::Note("Exception: 'Quorvel: " + text + "'", inProgress)));
+      EXPECT_EQ(m_job, nullptr);
+    }
+  }
+
+  void expectRefusalOf(ma::PrepareStatus status, std::int32_t result, const std::string& text) {
+    m_midApi.prepareStatus = status;
+    expectRefusal(result, text);
+  }
+
+  std::vector<std::string> m_values;
+};
+
+TEST_F(ConcreteJobClassRefusal, OfATargetInProgress) {
+  agent::setTargetInProgress(kAdapter);
+  expectRefusal(105, "ETargetInUse:Firmware update for 0000:03:00.0 is currently in progress",
+                kAdapter);
+  agent::setTargetInProgress(kOtherAdapter);
+  expectRefusal(104, "EJobIsRunning:Other job for 0000:04:00.0 is running at this moment",
+                kOtherAdapter);
+}
+
+TEST_F(ConcreteJobClassRefusal, OfAUri) {
+  m_uri = "http://host/image.rom";
+  expectRefusal(100, "EInvalidUri:URI: http://host/image.rom is invalid");
+  m_uri = "file:///nowhere/at/all.rom";
+  expectRefusal(101, "EUriDoesNotExist:URI: file:///nowhere/at/all.rom is invalid");
+}
+
+TEST_F(ConcreteJobClassRefusal, OfAFile) {
+  m_config.maxImageSize = 2;
+  const std::string path = m_uri.substr(std::string("file://").size());
+  expectRefusal(103, "EImageReadError:Image read error: " + m_uri + " (" + path +
+                         "): its 3 bytes are more than MaxImageSize allows (2 in " +
+                         utils::QuorvelConfig::placeOf("") + ")");
+}
+
+TEST_F(ConcreteJobClassRefusal, OfATypeThatIsUnknown) {
+  m_options = {cim::kUpdate, cim::kTargetTypes};
+  m_values = {"", "IMG_PXE+img_pxe"};
+  expectRefusal(1,
+                "EInvalidParameter:Invalid parameter detected for TargetTypes. img_pxe is not "
+                "recognized");
+}
+
+TEST_F(ConcreteJobClassRefusal, OfTheFlashLibrary) {
+  expectRefusalOf(ma::PrepareStatus::InvalidImage, 1,
+                  "EInvalidParameter:Invalid parameter detected for " + m_uri);
+  expectRefusalOf(
+      ma::PrepareStatus::NotForAdapter, 2,
+      "EAdapterNotSupported:Image " + m_uri + " is not supported for adapter 0000:03:00.0");
+  expectRefusalOf(ma::PrepareStatus::InternalFault, 4,
+                  "EUnspecifiedError:Unspecified error occurred for " + m_uri);
+  expectRefusalOf(ma::PrepareStatus::NotUpdatable, 5,
+                  "ENotApplicableForTarget:Not applicable for " + m_uri);
+}
+
+TEST_F(ConcreteJobClassRefusal, OfADowngrade) {
+  const std::string downgrade = "EDowngradeDetected:Downgrade was detected for " + m_uri +
+                                ". Try to use FORCE_INSTALL option.";
+  expectRefusalOf(ma::PrepareStatus::Downgrade, 3, downgrade);
+  expectRefusalOf(ma::PrepareStatus::TypesDiffer, 3,
+                  "EDowngradeDetected:The selected flash image cannot be used because it does not "
+                  "contain the same image types. Please select a flash file with matching image "
+                  "types.");
+  m_config.isDowngradeEnabled = true;
+  expectRefusalOf(ma::PrepareStatus::TypesDiffer, 3, downgrade);
+}
+
+TEST_F(ConcreteJobClassRefusal, LeavesTheTargetToTheNextRequest) {
+  expectRefusalOf(ma::PrepareStatus::InvalidImage, 1,
+                  "EInvalidParameter:Invalid parameter detected for " + m_uri);
+  m_midApi.prepareStatus = ma::PrepareStatus::Ok;
+  EXPECT_EQ(create(kOtherAdapter), 0);
 }
 
 TEST_F(ConcreteJobClass, WithoutJobsIsEmpty) {

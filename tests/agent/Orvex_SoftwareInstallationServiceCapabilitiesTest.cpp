@@ -61,4 +61,17 @@ TEST_F(InstallationServiceCapabilities, AreNamedByTheirInstanceId) {
             "Capabilities@FirmwareUpdate");
 }
 
+TEST(InstallationServiceCapabilitiesValues, AreTakenAwayWhereNothingIsKnown) {
+  Orvex_SoftwareInstallationServiceCapabilities capabilities;
+  test::fillEveryProperty(capabilities);
+  capabilities.setPropertyValues();
+  for (const char* name : {"Generation", "OtherSupportedExtendedResourceTypeDescriptions",
+                           "SupportedExtendedResourceTypesMajorVersions",
+                           "SupportedExtendedResourceTypesMinorVersions",
+                           "SupportedExtendedResourceTypesRevisionNumbers",
+                           "SupportedExtendedResourceTypesBuildNumbers"}) {
+    EXPECT_TRUE(capabilities.getProperty(name)->isNull()) << name;
+  }
+}
+
 }  // namespace

@@ -48,4 +48,12 @@ TEST_F(RegisteredProfile, IsNamedByItsInstanceId) {
             "Orvex_RegisteredProfile.InstanceID=\"Orvex:SoftwareUpdate_Profile\"");
 }
 
+TEST(RegisteredProfileValues, AreTakenAwayWhereNothingIsKnown) {
+  Orvex_SoftwareUpdateRegisteredProfile profile;
+  test::fillEveryProperty(profile);
+  profile.setPropertyValues();
+  EXPECT_TRUE(profile.getProperty("OtherRegisteredOrganization")->isNull());
+  EXPECT_TRUE(profile.getProperty("ElementName")->isNull());
+}
+
 }  // namespace

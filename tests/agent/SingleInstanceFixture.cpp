@@ -22,8 +22,10 @@ void SingleInstanceFixture::expectServedUnder(const std::string& className) {
 }
 
 void SingleInstanceFixture::expectTheFirstInstanceIsKept() {
-  const core::CimInstance* const first = &enumerate();
+  core::CimInstance* const first = &enumerate();
+  const std::vector<NamedValue> values = filledProperties(*first);
   EXPECT_EQ(&enumerate(), first);
+  EXPECT_EQ(filledProperties(*first), values);
 }
 
 void SingleInstanceFixture::expectRecords() {

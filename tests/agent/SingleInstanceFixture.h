@@ -10,6 +10,7 @@
 #include "core/CimClass.h"
 #include "tests/agent/Enumeration.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/SourcePlace.h"
 
 namespace test {
 
@@ -24,7 +25,7 @@ class SingleInstanceFixture : public testing::Test {
   void expectTheFirstInstanceIsKept();
   void expectRecords();
 
-  LogCapture m_log;
+  PlacedLog m_log;
 
  private:
   const EnumerationNames m_names;

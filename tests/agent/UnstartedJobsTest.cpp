@@ -1,6 +1,7 @@
 #include <chrono>
 #include <gmock/gmock.h>
 #include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -25,6 +26,14 @@ class UnstartedJobsTest : public test::ConcreteJobFixture {
 
   // Returns how many jobs have waited for their threads to the end.
   int countEnds() { return m_clock.sleeps()[milliseconds(50)] / 60; }
+  // Returns how many threads that never were have been given up.
+  int countGone() const {
+    int count = 0;
+    for (const std::string& message : m_log.messages("JobThread::~JobThread")) {
+      count += message.ends_with("terminating timeout error") ? 1 : 0;
+    }
+    return count;
+  }
   bool awaitEnds(int count) {
     return test::waitUntil([this, count] { return countEnds() == count; });
   }
@@ -53,6 +62,27 @@ TEST_F(UnstartedJobsTest, EndOneAfterTheOther) {
   EXPECT_TRUE(test::waitUntil([&] {
     jobs.tidyUp();
     return countEnds() == 2;
+  }));
+}
+
+TEST_F(UnstartedJobsTest, JoinThoseThatAreBeingEnded) {
+  bool isHeld = true;
+  agent::UnstartedJobs jobs;
+  std::unique_ptr<Orvex_ConcreteJob> second = takeJobThatDidNotStart();
+  m_clock.afterEachSleep([&](int) {
+    if (isHeld) {
+      EXPECT_TRUE(test::waitUntil([this] { return m_midApi.progress == 1; }));
+      isHeld = false;
+    }
+  });
+  jobs.add(takeJobThatDidNotStart());
+  EXPECT_TRUE(test::waitUntil([this] { return m_clock.sleeps()[milliseconds(50)] == 1; }));
+  jobs.add(std::move(second));
+  EXPECT_EQ(m_clock.sleeps()[milliseconds(50)], 1);  // who adds does not wait for the first
+  m_midApi.progress = 1;
+  EXPECT_TRUE(test::waitUntil([&] {
+    jobs.tidyUp();
+    return countGone() == 2;
   }));
 }
 

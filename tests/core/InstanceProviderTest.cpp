@@ -3,6 +3,7 @@
 #include <functional>
 #include <future>
 #include <gmock/gmock.h>
+#include <new>
 #include <thread>
 #include <utility>
 
@@ -241,6 +242,43 @@ TEST(SingleInstanceProvider, MakesItsInstanceOnceForTwoThreadsAtOnce) {
 
   EXPECT_EQ(MeetingThing::s_made, 1);
   EXPECT_EQ(provider.getInstances().count(), 1U);
+}
+
+// Cannot be built, or filled, before a number of attempts.
+template <bool kIsBuilt>
+class ReluctantThing : public Instance {
+ public:
+  static inline int refusals = 0;
+
+  ReluctantThing() { refuse(!kIsBuilt); }
+  void setPropertyValues() { refuse(kIsBuilt); }
+
+ private:
+  static void refuse(bool isHere) {
+    if (isHere && refusals > 0) {
+      --refusals;
+      throw std::bad_alloc();
+    }
+  }
+};
+
+template <bool kIsBuilt>
+void expectEachEnumerationTries() {
+  ReluctantThing<kIsBuilt>::refusals = 2;
+  core::SingleInstanceProvider<ReluctantThing<kIsBuilt>> provider("Test_Thing",
+                                                                  {kSource, kFunction});
+  const LogCapture log;
+  EXPECT_THROW(static_cast<void>(provider.getInstances()), std::bad_alloc);
+  EXPECT_THROW(static_cast<void>(provider.getInstances()), std::bad_alloc);
+  EXPECT_EQ(provider.getInstances().count(), 1U);
+  // That it tried the second time says that the first left nothing behind.
+  EXPECT_THAT(log.messages(kFunction), ElementsAre("create new instance", "create new instance",
+                                                   "create new instance", "return 1"));
+}
+
+TEST(SingleInstanceProvider, TriesAgainAfterAWantOfMemory) {
+  expectEachEnumerationTries<false>();
+  expectEachEnumerationTries<true>();
 }
 
 TEST(SingleInstanceProvider, KeepsADeletedInstanceOutOfSight) {

@@ -13,10 +13,16 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
+struct Source {
+  Lines lines;
+  std::string code;  // all of them
+};
+
 constexpr std::string_view kRoot = QUORVEL_TEST_SOURCE_ROOT;
 
 // The folders whose files are named without them.
-constexpr const char* kFolders[] = {"agent/", "cim/", "core/", "inventory/", "Os/", "Utils/"};
+constexpr const char* kFolders[] = {"agent/", "cim/",   "core/",       "inventory/",
+                                    "Os/",    "Utils/", "tests/agent/"};
 
 // Names that are known to those who read logs, and are not the file's: what such a record begins
 // with, "SOURCE:FUNCTION", and where it stands.
@@ -32,15 +38,17 @@ constexpr KnownName kKnownNames[] = {
     // What both platforms do alike is logged under the name of the platform's part.
     {"Os/Posix/PosixOSLocker:os::OSLocker::", "Os/OSLocker.cpp"},
     {"Os/Windows/WindowsOSLocker:os::OSLocker::", "Os/OSLocker.cpp"},
+    {"Os/Posix/PosixThread:utils::Thread::", "Os/Thread.cpp"},
+    {"Os/Windows/WindowsThread:utils::Thread::", "Os/Thread.cpp"},
     {"Os/Posix/PosixQuorvelConfig:utils::QuorvelConfig::", "Os/QuorvelConfig.cpp"},
     {"Os/Windows/WindowsQuorvelConfig:utils::QuorvelConfig::", "Os/QuorvelConfig.cpp"},
     {"Os/Windows/Windows:os::", "Os/Windows/WindowsFiles.cpp"},
     {"Os/Windows/Windows:utils::WindowsRegistry::", "Os/Windows/WindowsRegistry.cpp"},
 };
 
-// Returns the lines of a file below the root, none when there is no such file.
-const Lines& readSource(const std::string& file) {
-  static std::map<std::string, Lines> read;
+// Returns a file below the root, without lines when there is no such file.
+const Source& readSource(const std::string& file) {
+  static std::map<std::string, Source> read;
   const auto [entry, isNew] = read.try_emplace(file);
   if (isNew) {
     std::ifstream stream(std::filesystem::path(kRoot) / file);
@@ -48,7 +56,8 @@ const Lines& readSource(const std::string& file) {
       if (line.ends_with('\r')) {
         line.pop_back();
       }
-      entry->second.push_back(line);
+      entry->second.lines.push_back(line);
+      entry->second.code += line + "\n";
     }
   }
   return entry->second;
@@ -63,12 +72,12 @@ std::string findFile(const std::string& source, const std::string& function) {
     }
   }
   for (const char* ending : {".cpp", ".h"}) {
-    if (source.find('/') != std::string::npos && !readSource(source + ending).empty()) {
+    if (source.find('/') != std::string::npos && !readSource(source + ending).lines.empty()) {
       return source + ending;
     }
     for (const char* folder : kFolders) {
       std::string file = folder + source + ending;
-      if (!readSource(file).empty()) {
+      if (!readSource(file).lines.empty()) {
         return file;
       }
     }
@@ -118,7 +127,7 @@ std::vector<std::string> splitAtConversions(const std::string& format) {
 }
 
 // Returns whether the format can have made the message. One of nothing but conversions says nothing
-// about that.
+// about that; see isWholeMessage.
 bool canMake(const std::string& format, const std::string& message) {
   const std::vector<std::string> pieces = splitAtConversions(format);
   if (pieces.size() == 1) {
@@ -144,6 +153,12 @@ bool hasFormatOf(const std::string& code, const std::string& message) {
   const std::vector<std::string> literals = findLiterals(code);
   return std::any_of(literals.begin(), literals.end(),
                      [&message](const std::string& literal) { return canMake(literal, message); });
+}
+
+// Returns whether the code logs what it was given as it is.
+bool isWholeMessage(const std::string& code) {
+  const std::vector<std::string> literals = findLiterals(code);
+  return !literals.empty() && literals.back() == "%s";
 }
 
 bool hasCall(const std::string& code) {
@@ -179,14 +194,12 @@ bool hasWord(const std::string& text, const std::string& word) {
 }
 
 // Returns whether the line names the function, by its text or by a constant that has it.
-bool namesFunction(const Lines& lines, std::size_t index, const std::string& function) {
+bool namesFunction(const Source& source, std::size_t index, const std::string& function) {
+  const std::string& line = source.lines[index];
+  const std::string& code = source.code;
   const std::string literal = "\"" + function + "\"";
-  if (lines[index].find(literal) != std::string::npos) {
+  if (line.find(literal) != std::string::npos) {
     return true;
-  }
-  std::string code;
-  for (const std::string& line : lines) {
-    code += line + "\n";
   }
   for (std::size_t at = code.find(literal); at != std::string::npos;
        at = code.find(literal, at + 1)) {
@@ -199,7 +212,7 @@ bool namesFunction(const Lines& lines, std::size_t index, const std::string& fun
     while (begin > 0 && isNameSign(code[begin - 1])) {
       --begin;
     }
-    if (begin < end && hasWord(lines[index], code.substr(begin, end - begin))) {
+    if (begin < end && hasWord(line, code.substr(begin, end - begin))) {
       return true;
     }
   }
@@ -209,7 +222,7 @@ bool namesFunction(const Lines& lines, std::size_t index, const std::string& fun
 // Returns whether every provider logs this, under its own name.
 bool isOfEveryProvider(const std::string& message) {
   for (const char* file : {"core/InstanceProvider.cpp", "core/InstanceProvider.h"}) {
-    const Lines& lines = readSource(file);
+    const Lines& lines = readSource(file).lines;
     for (std::size_t index = 0; index < lines.size(); ++index) {
       if (hasCall(lines[index]) && hasFormatOf(statementFrom(lines, index), message)) {
         return true;
@@ -227,7 +240,8 @@ std::string describe(const std::string& file, int line, const std::string& fault
 
 std::string findMisplacement(const LogRecord& record) {
   const std::string file = findFile(record.source, record.function);
-  const Lines& lines = readSource(file);
+  const Source& source = readSource(file);
+  const Lines& lines = source.lines;
   if (file.empty()) {
     return "there is no source file of the name " + record.source;
   }
@@ -236,11 +250,12 @@ std::string findMisplacement(const LogRecord& record) {
   }
   const auto index = static_cast<std::size_t>(record.line) - 1;
   const std::string statement = statementFrom(lines, index);
-  const bool isNamed = namesFunction(lines, index, record.function);
+  const bool isNamed = namesFunction(source, index, record.function);
   if (hasFormatOf(statement, record.message) && (isNamed || hasCall(lines[index]))) {
     return {};
   }
-  if (isNamed && !hasCall(statement) && isOfEveryProvider(record.message)) {
+  if (isNamed &&
+      (hasCall(statement) ? isWholeMessage(statement) : isOfEveryProvider(record.message))) {
     return {};
   }
   return describe(file, record.line,
@@ -258,7 +273,7 @@ std::string findMisplacement(const std::string& assertion) {
   const std::size_t begin = assertion.find('\'', lineEnd) + 1;
   const std::string condition = assertion.substr(begin, assertion.size() - 1 - begin);
   const std::string file = findFile(source, {});
-  const Lines& lines = readSource(file);
+  const Lines& lines = readSource(file).lines;
   if (line < 1 || static_cast<std::size_t>(line) > lines.size()) {
     return describe(source, line, "is outside of any file");
   }
@@ -266,6 +281,21 @@ std::string findMisplacement(const std::string& assertion) {
   return text.find("ORVEX_ASSERT(") != std::string::npos && text.ends_with(", " + condition + ");")
              ? std::string()
              : describe(file, line, "does not hold the condition '" + condition + "': " + text);
+}
+
+PlacedLog::~PlacedLog() {
+  expectPlaces();
+}
+
+void PlacedLog::clear() {
+  expectPlaces();
+  LogCapture::clear();
+}
+
+void PlacedLog::expectPlaces() const {
+  for (const LogRecord& record : records()) {
+    EXPECT_EQ(findMisplacement(record), "") << testing::PrintToString(record);
+  }
 }
 
 }  // namespace test

@@ -21,6 +21,18 @@ namespace test {
 // the condition.
 [[nodiscard]] std::string findMisplacement(const std::string& assertion);
 
+// Expects of every record that it was logged in its place, when they go.
+class PlacedLog : public LogCapture {
+ public:
+  PlacedLog() = default;
+  ~PlacedLog() override;
+
+  void clear();
+
+ private:
+  void expectPlaces() const;
+};
+
 }  // namespace test
 
 #endif  // ORVEX_TESTS_SUPPORT_SOURCEPLACE_H_
