@@ -116,8 +116,8 @@ std::string findHostName() {
 
 http::ServerOptions toServerOptions(const DaemonConfig& config) {
   http::ServerOptions options;
-  // Logins that are held up take none of the threads that serve the others.
-  options.threads += LoginGate::kMostInLine;
+  // Neither logins that are held up nor messages that wait for their turn take the last threads.
+  options.threads += LoginGate::kMostInLine + CimXmlHandler::kMostAnswering;
   options.endpoints = config.listen;
   if (config.authentication == AuthenticationKind::Local) {
     options.findUser = findClient;

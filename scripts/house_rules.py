@@ -101,6 +101,7 @@ CATCH_ALL_BOUNDARIES = {
     "agent/InstallSteps.cpp": "a method answers with a return code, whatever happened",
     "cli/Main.cpp": "top of the program",
     "daemon/Main.cpp": "top of the program",
+    "daemon/RunningJobs.cpp": "top of a thread: whoever waits for the count gets what it throws",
     "http/Connection.cpp": "a request's failure is answered, and ends neither its connection nor the server",
 }
 
