@@ -5,7 +5,7 @@
 // platform/Texts.h).
 //
 // POSIX: no call waits for ever. What a file system does not answer in time (see Os/FileCalls.h) is
-// missing, an error record says so, and until it answers nothing more is asked of that directory.
+// missing, an error record says so, and until it answers nothing more is asked of that file system.
 // (Windows gives up such calls by itself.) A file that has been read ahead answers instead (see
 // Os/FileAhead.h).
 

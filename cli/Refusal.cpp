@@ -122,7 +122,7 @@ std::string adviseOnFile(const UpdateRequest& request) {
     return "";
   }
   const auto found = std::make_shared<std::filesystem::file_status>();
-  const os::FileAnswer answer = os::fileCalls().make(os::directoryOf(path), [found, path] {
+  const os::FileAnswer answer = os::fileCalls().make(path, [found, path] {
     std::error_code error;
     *found = std::filesystem::status(platform::toPath(path), error);
   });

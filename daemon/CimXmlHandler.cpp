@@ -8,6 +8,7 @@
 
 #include "daemon/Addresses.h"
 #include "daemon/MessageFields.h"
+#include "daemon/Place.h"
 #include "http/Status.h"
 
 namespace quorveld {
@@ -101,6 +102,13 @@ bool CimXmlHandler::handlePostHead(http::Request& request, http::Response& respo
 }
 
 void CimXmlHandler::handle(http::Request& request, http::Response& response) {
+  const Place place(m_answering, kMostAnswering);
+  if (!place.isTaken()) {
+    refuse(response, http::kStatusServiceUnavailable,
+           "Too many requests wait for their turn. Try again later.");
+    response.fields = "Retry-After: 1\r\n";
+    return;
+  }
   try {
     const cimxml::Request message = cimxml::parseRequest(request.body());
     demandSameFields(request, message);
@@ -168,10 +176,11 @@ bool CimXmlHandler::admits(const http::Request& request, http::Response& respons
 void CimXmlHandler::answerHealth(http::Response& response) {
   const auto uptime =
       std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - m_start);
+  const std::optional<unsigned> runningJobs = m_runningJobs.get();
   response.contentType = "application/json";
   response.body = R"({"version": ")" + m_version + R"(", "uptime": )" +
                   std::to_string(uptime.count()) + R"(, "runningJobs": )" +
-                  std::to_string(m_runningJobs.get()) + "}\n";
+                  (runningJobs ? std::to_string(*runningJobs) : "null") + "}\n";
 }
 
 }  // namespace quorveld

@@ -120,8 +120,9 @@ std::string findHostName() {
 http::ServerOptions toServerOptions(const DaemonConfig& config) {
   http::ServerOptions options;
   const bool isLocal = config.authentication == AuthenticationKind::Local;
-  // Logins that are held up take none of the threads that serve the others.
+  // Neither logins that are held up nor messages that wait for their turn take the last threads.
   options.threads += isLocal ? unsigned{LocalAuthenticator::kMostInLine} : LoginGate::kMostInLine;
+  options.threads += CimXmlHandler::kMostAnswering;
   options.endpoints = config.listen;
   // Where users log in, those of a local socket are told apart all the same, so that none of them
   // takes another one's share.

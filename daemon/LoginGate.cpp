@@ -5,24 +5,10 @@
 #include <utility>
 #include <vector>
 
+#include "daemon/Place.h"
+
 namespace quorveld {
 namespace {
-
-// A place in the line, held as long as the object.
-class Place {
- public:
-  Place(std::atomic<unsigned>& inLine, unsigned most)
-      : m_inLine(inLine), m_isTaken(inLine.fetch_add(1) < most) {}
-  Place(const Place&) = delete;
-  Place& operator=(const Place&) = delete;
-  ~Place() { m_inLine.fetch_sub(1); }
-
-  [[nodiscard]] bool isTaken() const { return m_isTaken; }
-
- private:
-  std::atomic<unsigned>& m_inLine;
-  const bool m_isTaken;
-};
 
 std::string describeFailure(unsigned unchecked) {
   return unchecked == 0 ? "refused" : "refused, " + std::to_string(unchecked) + " before unchecked";

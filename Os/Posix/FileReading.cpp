@@ -75,9 +75,9 @@ class Reading {
 
 }  // namespace
 
-FileLook lookAtFile(const std::string& place, const std::string& path) {
+FileLook lookAtFile(const std::string& path) {
   const auto found = std::make_shared<std::optional<struct stat>>();
-  const FileAnswer answer = fileCalls().make(place, [found, path] {
+  const FileAnswer answer = fileCalls().make(path, [found, path] {
     struct stat status {};
     if (stat(path.c_str(), &status) == 0) {
       *found = status;
@@ -99,8 +99,7 @@ FileBytes readFileBytes(const std::string& path, std::size_t count) {
       break;
     }
     const std::size_t size = std::min(kPiece, count - content.size);
-    const FileAnswer answer =
-        fileCalls().make(directoryOf(path), [reading, size] { reading->readNext(size); });
+    const FileAnswer answer = fileCalls().make(path, [reading, size] { reading->readNext(size); });
     content.silence = silenceOf(answer);
     if (answer != FileAnswer::InTime) {
       break;

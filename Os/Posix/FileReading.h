@@ -37,8 +37,7 @@ struct FileBytes {
   std::size_t size = 0;                         // what was read of what was asked for
 };
 
-// `place` is what hangs together (see Os/FileCalls.h).
-[[nodiscard]] ORVEX_CORE_API FileLook lookAtFile(const std::string& place, const std::string& path);
+[[nodiscard]] ORVEX_CORE_API FileLook lookAtFile(const std::string& path);
 
 // Reads up to `count` bytes of a regular file from its start; none of anything else.
 [[nodiscard]] ORVEX_CORE_API FileBytes readFileBytes(const std::string& path, std::size_t count);

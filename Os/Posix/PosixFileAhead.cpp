@@ -84,7 +84,7 @@ FileAhead::FileAhead(const std::string& path, std::uint32_t most)
     findings.content = FileBytes{FileSilence::NoTurn, nullptr, 0};
     return;
   }
-  findings.look = lookAtFile(directoryOf(path), path);
+  findings.look = lookAtFile(path);
   if (findings.look.silence != FileSilence::None) {
     findings.content = FileBytes{findings.look.silence, nullptr, 0};
     return;

@@ -52,9 +52,9 @@ void reportSilence(FileSilence silence, LogFunction function, const std::string&
   }
 }
 
-FileLook lookInTime(LogFunction function, const std::string& place, const std::string& path) {
+FileLook lookInTime(LogFunction function, const std::string& path) {
   const FileFindings* const ahead = findAhead(path);
-  FileLook look = ahead != nullptr ? ahead->look : lookAtFile(place, path);
+  FileLook look = ahead != nullptr ? ahead->look : lookAtFile(path);
   reportSilence(look.silence, function, path);
   return look;
 }
@@ -76,7 +76,7 @@ FileBytes readInTime(const std::string& path, std::size_t count) {
 
 std::int32_t getFileSize(const std::string& path) {
   constexpr LogFunction kFunction = "os::getFileSize";
-  const std::optional<struct stat> status = lookInTime(kFunction, directoryOf(path), path).status;
+  const std::optional<struct stat> status = lookInTime(kFunction, path).status;
   if (status && S_ISDIR(status->st_mode)) {
     throw utils::Exception("The specyfied URI '%s' %s ", path.c_str(),
                            utils::refusal::kIsDirectory);
@@ -109,7 +109,12 @@ std::int32_t readFile(const std::string& path, std::uint8_t* buffer, std::int32_
 bool isThisADir(const std::string& path) {
   utils::logDebug(kLog, "os::isThisADir", "Checking if the declared path %s points to a directory",
                   path.c_str());
-  const std::optional<struct stat> status = lookInTime("os::isThisADir", path, path).status;
+  const FileLook look = lookAtFile(path);
+  // Who asks for the directories of the settings asks often, and reports a change by itself.
+  if (look.silence == FileSilence::GivenUp) {
+    reportSilence(look.silence, "os::isThisADir", path);
+  }
+  const std::optional<struct stat>& status = look.status;
   if (!status || !S_ISDIR(status->st_mode)) {
     return false;
   }

@@ -141,6 +141,67 @@ TEST_F(CimXmlHandlerTest, TellsMonitorsHowItDoesWithoutALogin) {
                            "\n");
 }
 
+// Holds every message, and the count of jobs, until the test lets them go.
+class HeldService final : public quorveld::CimXmlHandler::Service {
+ public:
+  void answer(const cimxml::Request& /*request*/, const wbem::Caller& /*caller*/,
+              std::string& /*out*/) override {
+    ++answering;
+    m_released.wait();
+  }
+  [[nodiscard]] unsigned countRunningJobs() override {
+    m_released.wait();
+    return 3;
+  }
+  void release() { m_release.set_value(); }
+
+  std::atomic<unsigned> answering{0};
+
+ private:
+  std::promise<void> m_release;
+  const std::shared_future<void> m_released{m_release.get_future()};
+};
+
+TEST_F(CimXmlHandlerTest, AnswersMonitorsAndTurnsMessagesAwayWhereTooManyWaitForTheirTurn) {
+  HeldService service;
+  quorveld::LoginGate gate(m_nobody, m_audit);
+  quorveld::CimXmlHandler handler(service, gate, "1.2.3");
+  std::vector<std::thread> clients;
+  for (unsigned i = 0; i < quorveld::CimXmlHandler::kMostAnswering; ++i) {
+    clients.emplace_back([&] {
+      test::FakeHttpRequest request;
+      http::Response response;
+      handle(handler, request, response);
+      EXPECT_EQ(response.status, 200u);
+    });
+  }
+  EXPECT_TRUE(test::waitUntil(
+      [&] { return service.answering == quorveld::CimXmlHandler::kMostAnswering; }));
+
+  http::Response refused;
+  handle(handler, m_request, refused);
+  EXPECT_EQ(refused.status, 503u);
+  EXPECT_EQ(refused.fields, "Retry-After: 1\r\n");
+  EXPECT_THAT(refused.body, HasSubstr("Too many requests wait"));
+
+  test::FakeHttpRequest health;
+  health.httpMethod = "GET";
+  health.httpTarget = "/health";
+  http::Response response;
+  handle(handler, health, response);
+  EXPECT_EQ(response.status, 200u);
+  EXPECT_THAT(response.body, HasSubstr("\"runningJobs\": null}"));
+
+  service.release();
+  for (std::thread& client : clients) {
+    client.join();
+  }
+  m_request.content = test::FakeHttpRequest().content;
+  http::Response answered;
+  handle(handler, m_request, answered);
+  EXPECT_EQ(answered.status, 200u);
+}
+
 TEST_F(CimXmlHandlerTest, OffersWhatItsTableSays) {
   const std::string messages = "Allow: OPTIONS, POST\r\n";
   const std::string health = "Allow: GET, HEAD, OPTIONS\r\n";

@@ -20,11 +20,11 @@ class FileReading : public test::FilesFixture {
 
 TEST_F(FileReading, FindsTheStatusOfWhatIsThere) {
   const std::string path = file("image", "12345");
-  const os::FileLook look = os::lookAtFile(m_directory.path().string(), path);
+  const os::FileLook look = os::lookAtFile(path);
   EXPECT_EQ(look.silence, FileSilence::None);
   ASSERT_TRUE(look.status);
   EXPECT_EQ(look.status->st_size, 5);
-  EXPECT_FALSE(os::lookAtFile(m_directory.path().string(), path + "x").status);
+  EXPECT_FALSE(os::lookAtFile(path + "x").status);
 }
 
 TEST_F(FileReading, ReadsAsMuchAsThereIs) {
@@ -38,8 +38,7 @@ TEST_F(FileReading, ReadsAsMuchAsThereIs) {
 TEST_F(FileReading, AsksNothingWhereAQuestionIsAway) {
   const std::string path = file("away/image", "12345");
   const test::HungDirectory hung(m_directory.path().string() + "/away");
-  EXPECT_EQ(os::lookAtFile(m_directory.path().string() + "/away", path).silence,
-            FileSilence::StillAway);
+  EXPECT_EQ(os::lookAtFile(path).silence, FileSilence::StillAway);
   const os::FileBytes content = os::readFileBytes(path, 5);
   EXPECT_EQ(content.silence, FileSilence::StillAway);
   EXPECT_EQ(content.size, 0u);
