@@ -190,6 +190,7 @@ TEST(OSLockerOfNobody, IsNotGivenUp) {
 }
 
 TEST(OSLockerOfNobody, TellsOfNoWait) {
+  EXPECT_EQ(OSLocker::describeFailure(), "");
   EXPECT_EQ(OSLocker::describeAwaited(), "");
   EXPECT_EQ(OSLocker::describeTimeout(), "");
 }
