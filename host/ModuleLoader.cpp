@@ -6,6 +6,7 @@
 #include "Os/SharedLibrary.h"
 #include "Utils/Exception.h"
 #include "core/CimBroker.h"
+#include "host/MachineName.h"
 #include "platform/Texts.h"
 
 namespace host {
@@ -20,6 +21,7 @@ std::filesystem::path getModuleDirectory() {
 }
 
 void loadModule(const std::filesystem::path& path) {
+  nameMachine();
   const std::size_t agentsBefore = core::GetCimBroker().getAgents().size();
   os::loadSharedLibrary(path);
   if (core::GetCimBroker().getAgents().size() == agentsBefore) {
