@@ -14,6 +14,10 @@ namespace os {
 // empty.
 [[nodiscard]] ORVEX_CORE_API std::string getComputerName();
 
+// Returns the name that the system gives this machine; empty where it tells none. Defined per
+// platform.
+[[nodiscard]] ORVEX_CORE_API std::string getMachineName();
+
 // Sets an environment variable of this process, before other threads exist; Windows removes it for
 // an empty value. Defined per platform.
 ORVEX_CORE_API void setEnvironment(const std::string& name, const std::string& value);

@@ -29,12 +29,10 @@ class NoOSLocker final : public OSLocker {
  public:
   explicit NoOSLocker(std::string reason) : m_reason(std::move(reason)) {}
 
-  // Whoever asked for the update has it on his terminal, whatever the log's level is.
   [[nodiscard]] std::int32_t Lock() override {
-    utils::platformLogSinks().writeStandardError(
-        "OrvexQuorvel: no update can be made, since the flash lock cannot be had: " + m_reason +
-        "\n");
-    return OSLocker::Lock();
+    const std::int32_t result = OSLocker::Lock();
+    noteFailure(m_reason);
+    return result;
   }
 
  protected:
@@ -68,6 +66,7 @@ OSLocker::~OSLocker() = default;
 std::int32_t OSLocker::Lock() {
   constexpr const char* kFunction = "os::OSLocker::Lock";
   const utils::ScopedLock lock(m_lock);
+  forgetFailure();
   if (!hasSemaphore()) {
     return kError;
   }
@@ -141,6 +140,15 @@ std::string OSLocker::describeTimeout() {
   return locker->m_timeoutHolder;
 }
 
+std::string OSLocker::describeFailure() {
+  auto* const locker = static_cast<OSLocker*>(slot());
+  if (locker == nullptr) {
+    return {};
+  }
+  const platform::Lock lock(locker->m_waitMutex);
+  return locker->m_failure;
+}
+
 bool OSLocker::giveUp() {
   auto* const locker = static_cast<OSLocker*>(slot());
   if (locker == nullptr) {
@@ -155,6 +163,18 @@ void OSLocker::noteWait(std::optional<LockHolder> holder) {
   const platform::Lock lock(m_waitMutex);
   m_isWaiting = true;
   m_holder = std::move(holder);
+}
+
+void OSLocker::noteFailure(std::string reason) {
+  utils::platformLogSinks().writeStandardError(
+      "OrvexQuorvel: no update can be made, since the flash lock cannot be had: " + reason + "\n");
+  const platform::Lock lock(m_waitMutex);
+  m_failure = std::move(reason);
+}
+
+void OSLocker::forgetFailure() {
+  const platform::Lock lock(m_waitMutex);
+  m_failure.clear();
 }
 
 bool OSLocker::noteHad() {

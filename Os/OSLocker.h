@@ -71,6 +71,8 @@ class ORVEX_CORE_API OSLocker : public utils::Singleton<OSLocker> {
   [[nodiscard]] static std::string describeAwaited();
   // Returns the same of whom the last Lock() waited for in vain; empty where that had no timeout.
   [[nodiscard]] static std::string describeTimeout();
+  // Returns why the last Lock() answered 1, for a person; empty where it did not, or nobody knows.
+  [[nodiscard]] static std::string describeFailure();
 
   // Has this process write no flash from now on: a Lock() that waits ends as one whose time is up,
   // at once where the platform can end a wait (POSIX), and no later one takes the semaphore.
@@ -98,6 +100,9 @@ class ORVEX_CORE_API OSLocker : public utils::Singleton<OSLocker> {
   // To be called by waitForSemaphore() when it has to wait: for whom, nothing where it does not
   // know.
   void noteWait(std::optional<LockHolder> holder);
+  // To be called by whoever finds, within a Lock(), that the semaphore cannot be had, and why.
+  // Tells it on standard error, too: whoever asked for the update may read no log.
+  void noteFailure(std::string reason);
   // What describeAwaited() returns, of this locker.
   [[nodiscard]] std::string describeWait() const;
   [[nodiscard]] bool isGivenUp() const;
@@ -105,6 +110,7 @@ class ORVEX_CORE_API OSLocker : public utils::Singleton<OSLocker> {
  private:
   // Notes that the semaphore is had. Returns false where it must not be.
   [[nodiscard]] bool noteHad();
+  void forgetFailure();
   // Returns whom it was in vain for, empty without a timeout.
   std::string endWait(WaitResult result);
 
@@ -115,6 +121,7 @@ class ORVEX_CORE_API OSLocker : public utils::Singleton<OSLocker> {
   bool m_isWaiting ORVEX_GUARDED_BY(m_waitMutex) = false;
   std::optional<LockHolder> m_holder ORVEX_GUARDED_BY(m_waitMutex);
   std::string m_timeoutHolder ORVEX_GUARDED_BY(m_waitMutex);
+  std::string m_failure ORVEX_GUARDED_BY(m_waitMutex);
   bool m_wasHad ORVEX_GUARDED_BY(m_waitMutex) = false;
   bool m_isGivenUp ORVEX_GUARDED_BY(m_waitMutex) = false;  // then it never was had
 };

@@ -125,6 +125,7 @@ client::JobReport follow(Watch& watch, const client::Connection& connection, Pro
     if (hasEnded) {
       if (isOwnJob && !report->isCompleted()) {
         report->flashHolder = os::OSLocker::describeTimeout();
+        report->lockFailure = os::OSLocker::describeFailure();
       }
       return std::move(*report);
     }

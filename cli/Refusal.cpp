@@ -221,12 +221,20 @@ void reportRefusal(const Context& context, const std::string& what,
 }
 
 std::string adviseOnFailure(const client::JobReport& job, const client::Connection& connection) {
-  if (job.errorText == refusal::kTimeout) {
-    return "the flash could not be had for this process; another program may be using it. Try "
-           "again when that has ended, or wait longer (Timeout in the configuration, or "
-           "--lock-timeout)";
+  if (job.errorText != refusal::kTimeout) {
+    return nameProgram("'quorvel adapters' shows what the adapter holds now", connection.program());
   }
-  return nameProgram("'quorvel adapters' shows what the adapter holds now", connection.program());
+  if (connection.isRemote()) {
+    return "the host could not have the flash: another program on its machine had it for longer "
+           "than its Timeout, or its flash lock cannot be had; the log of the host tells which";
+  }
+  if (!job.lockFailure.empty()) {
+    return "nothing was written. Mend what keeps this user from the flash lock, then try again";
+  }
+  return job.flashHolder.empty()
+             ? "nothing tells why; update with --log-level 3 to see each step"
+             : "nothing was written. Try again when that program has ended, or wait longer "
+               "(Timeout in the configuration, or --lock-timeout)";
 }
 
 }  // namespace cli

@@ -18,6 +18,9 @@ std::string JobReport::outcome() const {
     if (!flashHolder.empty()) {
       text += " (the flash was held by " + utils::toPrintable(flashHolder) + ")";
     }
+    if (!lockFailure.empty()) {
+      text += " (the flash lock cannot be had: " + utils::toPrintable(lockFailure) + ")";
+    }
   }
   return text;
 }

@@ -19,7 +19,9 @@ struct JobReport {
   std::string errorText;
   Properties properties;            // all of them
   std::chrono::seconds elapsed{0};  // since the job began, as far as whoever looks knows
-  std::string flashHolder;          // whom it waited for in vain, as far as whoever looks knows
+  // Whom it waited for in vain, and why it could have no flash lock, as far as whoever looks knows.
+  std::string flashHolder;
+  std::string lockFailure;
 
   [[nodiscard]] bool isCompleted() const { return state == cim::JobState::Completed; }
   // Returns for example "Exception, error 17: Flash write failed", or "Exception, error 4: Timeout

@@ -7,6 +7,7 @@
 #include "Os/SharedLibrary.h"
 #include "Utils/Exception.h"
 #include "core/CimBroker.h"
+#include "host/MachineName.h"
 #include "platform/Paths.h"
 #include "platform/Texts.h"
 
@@ -24,6 +25,7 @@ std::filesystem::path getModuleDirectory() {
 }
 
 void loadModule(const std::filesystem::path& path) {
+  nameMachine();
   const std::size_t agentsBefore = core::GetCimBroker().getAgents().size();
   os::loadSharedLibrary(path);
   if (core::GetCimBroker().getAgents().size() == agentsBefore) {

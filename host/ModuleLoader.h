@@ -11,7 +11,8 @@ namespace host {
 // Windows, ../lib/quorvel from there elsewhere.
 [[nodiscard]] std::filesystem::path getModuleDirectory();
 
-// Loads one module for the life of the process; loading it registers its agent with the broker.
+// Loads one module for the life of the process; loading it registers its agent with the broker. The
+// machine has its name then (see MachineName.h).
 // Throws utils::Exception when it cannot be loaded or has registered no agent.
 void loadModule(const std::filesystem::path& path);
 

@@ -1,4 +1,7 @@
+#include <array>
+#include <climits>
 #include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
 #include <system_error>
 #include <unistd.h>
@@ -7,6 +10,16 @@
 #include "Utils/Exception.h"
 
 namespace os {
+
+std::string getMachineName() {
+  std::array<char, HOST_NAME_MAX + 1> name{};
+  // What a machine has that nobody has named.
+  constexpr const char* kNone = "(none)";
+  if (gethostname(name.data(), name.size() - 1) != 0 || std::strcmp(name.data(), kNone) == 0) {
+    return {};
+  }
+  return name.data();
+}
 
 void setEnvironment(const std::string& name, const std::string& value) {
   setenv(name.c_str(), value.c_str(), 1);

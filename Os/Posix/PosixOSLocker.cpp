@@ -58,6 +58,7 @@ OSLocker::WaitResult OSLockerPosix::waitForSemaphore(std::uint32_t milliseconds)
     }
   } catch (const std::runtime_error& error) {
     utils::logError(kSource, kFunction, "The flash lock cannot be taken: %s", error.what());
+    noteFailure(error.what());
     return WaitResult::Failed;
   }
   return WaitResult::Signalled;

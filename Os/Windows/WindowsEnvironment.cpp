@@ -1,3 +1,4 @@
+#include <array>
 #include <stdlib.h>
 #include <windows.h>
 
@@ -13,6 +14,13 @@ namespace {
 constexpr std::size_t kMaxPath = 32768;
 
 }  // namespace
+
+std::string getMachineName() {
+  std::array<char, MAX_COMPUTERNAME_LENGTH + 1> name{};
+  auto size = static_cast<DWORD>(name.size());
+  return GetComputerNameA(name.data(), &size) != FALSE ? std::string(name.data(), size)
+                                                       : std::string();
+}
 
 void setEnvironment(const std::string& name, const std::string& value) {
   _putenv_s(name.c_str(), value.c_str());

@@ -20,6 +20,11 @@ TEST(ComputerName, IsLocalhostWhenTheEnvironmentHasNone) {
   EXPECT_EQ(os::getComputerName(), "localhost");
 }
 
+TEST(MachineName, IsTheSameEachTime) {
+  EXPECT_NE(os::getMachineName(), "");
+  EXPECT_EQ(os::getMachineName(), os::getMachineName());
+}
+
 TEST(Environment, IsReplacedWhenSetAgain) {
   os::setEnvironment("QUORVEL_TEST", "one");
   os::setEnvironment("QUORVEL_TEST", "two");

@@ -196,6 +196,7 @@ TEST(OSLockerOperations, KeepTheOrderOfTheVirtualOnes) {
 }
 
 TEST(OSLockerOfNobody, TellsOfNoWait) {
+  EXPECT_EQ(OSLocker::describeFailure(), "");
   EXPECT_EQ(OSLocker::describeAwaited(), "");
   EXPECT_EQ(OSLocker::describeTimeout(), "");
 }

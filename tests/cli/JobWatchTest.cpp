@@ -111,6 +111,11 @@ class TakenLocker : public os::OSLocker {
     m_act = std::move(act);
     EXPECT_EQ(Lock(), 3);
   }
+  void fail(const std::string& reason) {
+    m_result = WaitResult::Failed;
+    m_act = [this, reason] { noteFailure(reason); };
+    EXPECT_EQ(Lock(), 1);
+  }
   void beHad() {
     m_result = WaitResult::Signalled;
     EXPECT_EQ(Lock(), 0);
@@ -119,7 +124,9 @@ class TakenLocker : public os::OSLocker {
  protected:
   [[nodiscard]] bool hasSemaphore() const override { return true; }
   [[nodiscard]] WaitResult waitForSemaphore(std::uint32_t /*milliseconds*/) override {
-    noteWait(os::LockHolder{"tool", 4711, "root", std::chrono::steady_clock::now()});
+    if (m_result == WaitResult::TimedOut) {
+      noteWait(os::LockHolder{"tool", 4711, "root", std::chrono::steady_clock::now()});
+    }
     m_act();
     return m_result;
   }
@@ -182,6 +189,15 @@ TEST_F(TakenFlashTest, IsInTheTextOfAJobThatTimedOut) {
   EXPECT_THAT(wait().outcome(),
               test::MatchesRegex("Exception, error 4: Timeout Error .the flash was held by tool, "
                                  "process 4711, user root, for 00:0[0-9]."));
+}
+
+TEST_F(TakenFlashTest, IsNotBlamedWhereNoLockCanBeHad) {
+  test::FakeJob& job = addJob({{kRunning, 0}, {kException, 100}});
+  job.ErrorCode.setValue(4);
+  job.ErrorDescription.setValue("Timeout Error");
+  m_locker.fail("no locks available");
+  EXPECT_EQ(wait().outcome(),
+            "Exception, error 4: Timeout Error (the flash lock cannot be had: no locks available)");
 }
 
 TEST_F(JobWatchTest, GivesUpOnAJobThatIsGone) {

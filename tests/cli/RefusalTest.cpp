@@ -167,11 +167,22 @@ TEST_F(RefusalReportTest, TellsWhyAnIdentityIsNoneToInstall) {
             begin + identity.name + " holds no image of a type that is known" + end);
 }
 
-TEST(FailureAdvice, TellsALockFromTheRest) {
+TEST(FailureAdvice, TellsAWaitInVainFromALockThatCannotBeHad) {
   client::JobReport job;
   job.errorText = "Timeout Error";
+  EXPECT_THAT(cli::adviseOnFailure(job, here()), HasSubstr("--log-level 3"));
+  job.flashHolder = "tool, process 4711, user root, for 00:12";
   EXPECT_THAT(cli::adviseOnFailure(job, here()),
-              AllOf(HasSubstr("another program"), HasSubstr("Timeout")));
+              AllOf(HasSubstr("when that program has ended"), HasSubstr("Timeout")));
+  job.flashHolder.clear();
+  job.lockFailure = "cannot lock x: No locks available";
+  EXPECT_THAT(cli::adviseOnFailure(job, here()),
+              AllOf(HasSubstr("Mend what keeps this user from the flash lock"),
+                    testing::Not(HasSubstr("program"))));
+}
+
+TEST(FailureAdvice, ShowsTheAdapterWhereTheFlashWasHad) {
+  client::JobReport job;
   job.errorText = "Sector stuck";
   EXPECT_THAT(cli::adviseOnFailure(job, here()), HasSubstr("quorvel adapters"));
 }

@@ -32,6 +32,17 @@ TEST(JobReport, TellsNoCommandsToATerminal) {
             "Exception, error 0: \\x1b[2J (the flash was held by to\\nol\\x1b[2J, process 7)");
 }
 
+TEST(JobReport, TellsWhyNoFlashLockCouldBeHad) {
+  JobReport report;
+  report.state = cim::JobState::Exception;
+  report.errorCode = 4;
+  report.errorText = "Timeout Error";
+  report.lockFailure = "cannot lock \x1b: No locks available";
+  EXPECT_EQ(report.outcome(),
+            "Exception, error 4: Timeout Error (the flash lock cannot be had: cannot lock \\x1b: "
+            "No locks available)");
+}
+
 TEST(JobReport, IsReadFromAnInstance) {
   const JobReport report = client::reportOf({"Orvex_ConcreteJob",
                                              kJobPath,

@@ -337,6 +337,23 @@ TEST_F(LastImageBit, StaysWhereTheLastByteEndsAnEmptyDeviceList) {
   expectRefusal();
 }
 
+// What is padding by its look may be the end of a text, which ends where a zero is, or the image.
+TEST_F(LastImageBit, StaysWhereTheProductTextReachesIntoThePadding) {
+  Bytes rom = RomBuilder().add(RomImage::legacy().padding(32, 0xFF)).build();
+  const std::size_t product = rom.size() - 1 - 32 - 4;
+  std::copy_n("Boot", 4, rom.begin() + static_cast<std::ptrdiff_t>(product));
+  const auto movePointer = [&rom](std::size_t at, std::uint8_t value) {
+    rom[0x49] = static_cast<std::uint8_t>(rom[0x49] - (value - rom[at]));
+    rom[at] = value;
+  };
+  movePointer(0x50, static_cast<std::uint8_t>(product & 0xFF));
+  movePointer(0x51, static_cast<std::uint8_t>(product >> 8));
+  rom[0x110] = static_cast<std::uint8_t>(rom[0x110] - byteSum(rom));
+  load(rom);
+  EXPECT_EQ(m_image.type, FirmwareType::Pxe);
+  expectRefusal();
+}
+
 TEST_F(LastImageBit, ChangesNothingThatIsAsWished) {
   load(RomImage::legacy().padding(0, 0));
   Bytes same = m_rom;

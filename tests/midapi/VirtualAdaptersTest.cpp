@@ -133,11 +133,24 @@ TEST_F(VirtualAdaptersTest, RefusesAnAddressThatIsTaken) {
   EXPECT_EQ(m_adapters.flash("0000:03:00"), flash);
 }
 
+TEST_F(VirtualAdaptersTest, MakesOnePortAndTheMostPorts) {
+  m_spec.ports = 1;
+  m_virtual.add(m_spec);
+  m_spec.pci.bus = 4;
+  m_spec.ports = kMaxPorts;
+  m_virtual.add(m_spec);
+  const AdapterList list = m_virtual.list();
+  ASSERT_THAT(list.adapters, SizeIs(2));
+  EXPECT_THAT(list.adapters[0].ports, SizeIs(1));
+  EXPECT_THAT(list.adapters[1].ports, SizeIs(kMaxPorts));
+}
+
 TEST_F(VirtualAdaptersTest, RefusesPortNumbersOutOfRange) {
   m_spec.ports = 0;
   EXPECT_THAT(refusal(), HasSubstr("cannot have 0 ports. Give a number from 1 to 8."));
   m_spec.ports = 9;
   EXPECT_THAT(refusal(), HasSubstr("cannot have 9 ports"));
+  EXPECT_TRUE(std::filesystem::is_empty(m_adapters.directory()));
 }
 
 TEST_F(VirtualAdaptersTest, RefusesANameThatNoDescriptionHolds) {

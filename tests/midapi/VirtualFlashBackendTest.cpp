@@ -181,6 +181,67 @@ TEST_F(VirtualFlashBackendTest, LosesNoChangeOfConcurrentCallers) {
   EXPECT_EQ(m_adapters.get("0000:03:00", "/ports/1/bootType"), "4");
 }
 
+// Each waits for the others, and none fails for want of the adapter, which all take by its lock.
+TEST_F(VirtualFlashBackendTest, SetsBootTypesAndCapabilityWordForManyAtOnce) {
+  m_adapters.makeAdapter("0000:03:00", {});
+  VirtualFlashBackend backend(
+      nativeFileSystem(), [this] { return m_adapters.directory(); }, m_clock);
+  std::atomic<int> failures{0};
+  const auto repeat = [&](auto change) {
+    for (std::uint32_t round = 1; round <= 20; ++round) {
+      failures += codeOf([&] { change(round); }) != 0 ? 1 : 0;
+    }
+  };
+  const auto setBootType = [&](std::uint8_t function) {
+    repeat([&backend, function](std::uint32_t round) {
+      backend.setBootType({kPort.adapter, function},
+                          round % 2 == 0 ? BootType::Uefi : BootType::None);
+    });
+  };
+  const auto setWord = [&] {
+    repeat([&](std::uint32_t round) { backend.setCapabilityWord(kPort, round); });
+  };
+  {
+    const std::jthread left(setBootType, std::uint8_t{0});
+    const std::jthread right(setBootType, std::uint8_t{1});
+    const std::jthread word(setWord);
+    const std::jthread sameWord(setWord);
+  }
+  EXPECT_EQ(failures, 0);
+  EXPECT_EQ(m_adapters.get("0000:03:00", "/ports/0/bootType"), "4");
+  EXPECT_EQ(m_adapters.get("0000:03:00", "/ports/1/bootType"), "4");
+  EXPECT_EQ(m_adapters.get("0000:03:00", "/capabilityWord"), "20");
+}
+
+// Within an update, too, which is one for all of its changes.
+TEST_F(VirtualFlashBackendTest, CollectsTheBootTypesOfManyForOneUpdate) {
+  m_adapters.makeAdapter("0000:03:00", {1});
+  VirtualFlashBackend backend(
+      nativeFileSystem(), [this] { return m_adapters.directory(); }, m_clock);
+  for (int round = 0; round < 20; ++round) {
+    EXPECT_TRUE(backend.beginUpdate(kPort.adapter));
+    std::atomic<int> failures{0};
+    const auto setBootType = [&](std::uint8_t function) {
+      failures += codeOf([&] {
+                    backend.setBootType({kPort.adapter, function},
+                                        round % 2 == 0 ? BootType::Uefi : BootType::None);
+                  }) != 0
+                      ? 1
+                      : 0;
+    };
+    {
+      const std::jthread left(setBootType, std::uint8_t{0});
+      const std::jthread right(setBootType, std::uint8_t{1});
+    }
+    backend.setCapabilityWord(kPort, 8);
+    backend.endUpdate(kPort.adapter);
+    EXPECT_EQ(failures, 0);
+    const char* const expected = round % 2 == 0 ? "4" : "0";
+    EXPECT_EQ(m_adapters.get("0000:03:00", "/ports/0/bootType"), expected);
+    EXPECT_EQ(m_adapters.get("0000:03:00", "/ports/1/bootType"), expected);
+  }
+}
+
 TEST_F(VirtualFlashBackendTest, ShowsReadersAWholeDescriptionWhileItIsChanged) {
   m_adapters.makeAdapter("0000:03:00", {});
   VirtualFlashBackend backend(

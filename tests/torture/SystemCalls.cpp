@@ -15,6 +15,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace test {
 namespace {
@@ -29,14 +30,25 @@ struct State {
   std::array<bool, 1024> files{};
 };
 
-// Of the descriptors that are open, and of the calls that made things lasting.
+// Of the descriptors that are open, and what the calls changed.
 std::map<int, std::string>& paths() {
   static std::map<int, std::string> theirs;
   return theirs;
 }
-std::vector<std::string>& lasting() {
-  static std::vector<std::string> calls;
-  return calls;
+std::vector<Change>& changes() {
+  static std::vector<Change> theirs;
+  return theirs;
+}
+
+// Notes what a call has done, where it has. Returns its result.
+template <class Result>
+Result noteChange(Result result, Change change) {
+  if (result >= 0) {
+    const int error = errno;
+    changes().push_back(std::move(change));
+    errno = error;
+  }
+  return result;
 }
 
 // Without a constructor: libraries open files before those of this program have run.
@@ -110,7 +122,7 @@ std::string wholePath(int folder, const char* path) {
 
 // Makes a call that opens a file.
 template <class Open>
-int openWatched(const std::string& path, Open open) {
+int openWatched(const std::string& path, int flags, Open open) {
   const bool isOfFolder = isWatched(path.c_str());
   if (isOfFolder && fails()) {
     return -1;
@@ -119,6 +131,9 @@ int openWatched(const std::string& path, Open open) {
   note(file, isOfFolder);
   if (isOfFolder) {
     paths()[file] = path;
+    if ((flags & O_CREAT) != 0) {
+      noteChange(file, {Change::Kind::Make, path, "", ""});
+    }
   }
   return file;
 }
@@ -143,11 +158,15 @@ void watchSystemCalls(const std::string& folder, const CallPlan& plan) {
   s_state.calls = 0;
   s_state.bytes = 0;
   s_state.isWatching = true;
-  lasting().clear();
+  changes().clear();
 }
 
-const std::vector<std::string>& lastingCalls() {
-  return lasting();
+void ignoreSystemCalls() {
+  s_state.isWatching = false;
+}
+
+const std::vector<Change>& watchedChanges() {
+  return changes();
 }
 
 std::uint64_t watchedCalls() {
@@ -170,7 +189,7 @@ int open(const char* path, int flags, ...) {
     return test::system<int(const char*, int, ...)>("open")(path, flags, mode);
   };
   // Before anything is watched there may be no memory to name it.
-  return test::s_state.isWatching ? test::openWatched(path, open) : open();
+  return test::s_state.isWatching ? test::openWatched(path, flags, open) : open();
 }
 
 int openat(int folder, const char* path, int flags, ...) {
@@ -178,7 +197,8 @@ int openat(int folder, const char* path, int flags, ...) {
   const auto open = [&] {
     return test::system<int(int, const char*, int, ...)>("openat")(folder, path, flags, mode);
   };
-  return test::s_state.isWatching ? test::openWatched(test::wholePath(folder, path), open) : open();
+  return test::s_state.isWatching ? test::openWatched(test::wholePath(folder, path), flags, open)
+                                  : open();
 }
 
 int close(int file) {
@@ -202,36 +222,46 @@ ssize_t read(int file, void* buffer, size_t size) {
 }
 
 ssize_t write(int file, const void* buffer, size_t size) {
-  if (test::isWatched(file)) {
-    if (const auto fault = test::count()) {
-      if (*fault == test::CallFault::ShortWrite) {
-        size = (size + 1) / 2;
-      } else {
-        errno = test::errorOf(*fault);
-        return -1;
-      }
-    }
-    if (test::s_state.plan.room) {
-      size = std::min<std::uint64_t>(size, *test::s_state.plan.room);
-      if (size == 0) {
-        errno = ENOSPC;
-        return -1;
-      }
-      *test::s_state.plan.room -= size;
-    }
-    test::s_state.bytes += size;
+  const auto write = [&] {
+    return test::system<ssize_t(int, const void*, size_t)>("write")(file, buffer, size);
+  };
+  if (!test::isWatched(file)) {
+    return write();
   }
-  return test::system<ssize_t(int, const void*, size_t)>("write")(file, buffer, size);
+  if (const auto fault = test::count()) {
+    if (*fault == test::CallFault::ShortWrite) {
+      size = (size + 1) / 2;
+    } else {
+      errno = test::errorOf(*fault);
+      return -1;
+    }
+  }
+  if (test::s_state.plan.room) {
+    size = std::min<std::uint64_t>(size, *test::s_state.plan.room);
+    if (size == 0) {
+      errno = ENOSPC;
+      return -1;
+    }
+    *test::s_state.plan.room -= size;
+  }
+  test::s_state.bytes += size;
+  return test::noteChange(write(), {test::Change::Kind::Write, test::paths()[file], "",
+                                    std::string(static_cast<const char*>(buffer), size)});
 }
 
 int fsync(int file) {
-  if (test::isWatched(file)) {
-    if (test::fails()) {
-      return -1;
-    }
-    test::lasting().push_back("fsync " + test::paths()[file]);
+  const auto sync = [&] { return test::system<int(int)>("fsync")(file); };
+  if (!test::isWatched(file)) {
+    return sync();
   }
-  return test::system<int(int)>("fsync")(file);
+  if (test::fails()) {
+    return -1;
+  }
+  struct stat state {};
+  test::system<int(int, struct stat*)>("fstat")(file, &state);
+  return test::noteChange(sync(), {S_ISDIR(state.st_mode) ? test::Change::Kind::SyncFolder
+                                                          : test::Change::Kind::SyncFile,
+                                   test::paths()[file], "", ""});
 }
 
 int flock(int file, int operation) {
@@ -259,24 +289,35 @@ int lstat(const char* path, struct stat* state) noexcept {
 }
 
 int rename(const char* from, const char* to) noexcept {
-  if (test::isWatched(to)) {
-    if (test::fails()) {
-      return -1;
-    }
-    test::lasting().push_back(std::string("rename ") + to);
+  const auto rename = [&] {
+    return test::system<int(const char*, const char*)>("rename")(from, to);
+  };
+  if (!test::isWatched(to)) {
+    return rename();
   }
-  return test::system<int(const char*, const char*)>("rename")(from, to);
+  return test::fails() ? -1
+                       : test::noteChange(rename(), {test::Change::Kind::Rename, to, from, ""});
 }
 
 int unlink(const char* path) noexcept {
-  return test::isWatched(path) && test::fails() ? -1
-                                                : test::system<int(const char*)>("unlink")(path);
+  const auto unlink = [&] { return test::system<int(const char*)>("unlink")(path); };
+  if (!test::isWatched(path)) {
+    return unlink();
+  }
+  return test::fails() ? -1
+                       : test::noteChange(unlink(), {test::Change::Kind::Remove, path, "", ""});
 }
 
 int unlinkat(int folder, const char* path, int flags) noexcept {
-  const bool isFailing = test::s_state.isWatching &&
-                         test::isWatched(test::wholePath(folder, path).c_str()) && test::fails();
-  return isFailing ? -1 : test::system<int(int, const char*, int)>("unlinkat")(folder, path, flags);
+  const auto unlink = [&] {
+    return test::system<int(int, const char*, int)>("unlinkat")(folder, path, flags);
+  };
+  if (!test::s_state.isWatching || !test::isWatched(test::wholePath(folder, path).c_str())) {
+    return unlink();
+  }
+  return test::fails() ? -1
+                       : test::noteChange(unlink(), {test::Change::Kind::Remove,
+                                                     test::wholePath(folder, path), "", ""});
 }
 
 // Closes its descriptor without a call that is seen here.

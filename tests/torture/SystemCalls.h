@@ -31,12 +31,22 @@ struct CallPlan {
   std::optional<std::uint64_t> room;
 };
 
+// What a call did to the files of the folder.
+struct Change {
+  enum class Kind { Make, Write, SyncFile, SyncFolder, Rename, Remove };
+  Kind kind{};
+  std::string path;   // of a rename the new one
+  std::string from;   // of a rename the old one
+  std::string bytes;  // that were written behind the others
+};
+
 // Watches the calls for what is in a folder from now on. The count starts at 0.
 void watchSystemCalls(const std::string& folder, const CallPlan& plan);
+// Watches them no more, and keeps what was seen.
+void ignoreSystemCalls();
 
-// Returns the calls that make things lasting, in their order: "fsync PATH" and "rename PATH" with
-// the new name. Not for a process whose calls fail.
-[[nodiscard]] const std::vector<std::string>& lastingCalls();
+// Returns what the calls changed that were done, in their order.
+[[nodiscard]] const std::vector<Change>& watchedChanges();
 
 // Returns how many calls there were, and how many bytes were written.
 [[nodiscard]] std::uint64_t watchedCalls();

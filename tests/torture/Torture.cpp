@@ -4,8 +4,9 @@
 //   torture [--rounds N] [--seed S]
 //
 // First every system call of an update fails in its turn, in each way, and is the last one of its
-// process; then come N rounds (200) of a kind and at a moment that the seed decides. Exit status: 0
-// when every adapter was whole, 1 when one was not, with the seed and the round, 2 for a usage.
+// process, and then of its machine, which loses what it has not synchronised; then come N rounds
+// (200) of a kind and at a moment that the seed decides. Exit status: 0 when every adapter was
+// whole, 1 when one was not, with the seed and the round, 2 for a usage.
 
 #include <algorithm>
 #include <chrono>
@@ -26,6 +27,8 @@
 #include <unistd.h>
 #include <vector>
 
+#include "tests/torture/Crowd.h"
+#include "tests/torture/PowerLoss.h"
 #include "tests/torture/SystemCalls.h"
 #include "tests/torture/Victim.h"
 
@@ -60,6 +63,8 @@ class Torture {
 
   // Each call of an update in its turn.
   void sweep();
+  // The power goes behind each call of an update in its turn.
+  void losePower();
   void round();
 
   void report(std::ostream& out) const;
@@ -81,7 +86,6 @@ class Torture {
   template <class Body>
   End runProcess(Body body, std::optional<microseconds> life);
   void breakCall(const CallPlan& plan);
-  void updateInPeace();
   void measure();
   void watch(const CallPlan& plan) const {
     test::watchSystemCalls(m_victim.folder().string(), plan);
@@ -201,20 +205,11 @@ void Torture::torment(const std::string& kind, Prepare prepare, std::optional<mi
   ++m_outcomes[kind][std::string(ended) + (end == End::Killed ? isNew ? ", new" : ", old" : "")];
 }
 
-void Torture::updateInPeace() {
-  const Firmware& wanted = m_victim.other(m_victim.look());
-  if (!m_victim.update(wanted)) {
-    throw std::runtime_error("an update in peace fails: " + m_victim.lastError());
-  }
-  if (&m_victim.look() != &wanted) {
-    throw std::runtime_error("an update in peace changes nothing");
-  }
-  m_victim.demandTidiness();
-}
-
 void Torture::measure() {
   m_doing = "a new adapter";
   m_victim.makeAnother();
+  m_doing = "a thousand adapters";
+  test::demandThatOneQuerySettles();
   m_doing = "updates in peace";
   m_time = microseconds::max();
   constexpr int kUpdates = 4;
@@ -224,7 +219,7 @@ void Torture::measure() {
     static_cast<void>(runProcess([&] { return tell(m_victim.update(wanted)); }, {}));
     m_time =
         std::min(m_time, std::chrono::duration_cast<microseconds>(steady_clock::now() - start));
-    updateInPeace();
+    m_victim.updateInPeace();
   }
   watch({});
   if (!m_victim.update(m_victim.other(m_victim.look()))) {
@@ -232,6 +227,7 @@ void Torture::measure() {
   }
   m_calls = test::watchedCalls();
   m_bytes = test::watchedBytes();
+  test::ignoreSystemCalls();
   if (m_calls < 20 || m_bytes < 100'000) {
     throw std::runtime_error("only " + std::to_string(m_calls) + " system calls are seen");
   }
@@ -248,11 +244,16 @@ void Torture::sweep() {
     for (std::uint64_t call = 0; call < m_calls; ++call) {
       breakCall({call, fault, std::nullopt});
       if (call % 8 == 0) {
-        updateInPeace();
+        m_victim.updateInPeace();
       }
     }
   }
-  updateInPeace();
+  m_victim.updateInPeace();
+}
+
+void Torture::losePower() {
+  const test::LossCounts counts = test::losePower(m_victim, m_random, m_doing);
+  m_outcomes["power loss"] = {{"old", counts.olds}, {"new", counts.news}};
 }
 
 void Torture::killAtRandom() {
@@ -396,7 +397,7 @@ void Torture::round() {
       break;
   }
   m_doing += ", and an update in peace then";
-  updateInPeace();
+  m_victim.updateInPeace();
 }
 
 void Torture::report(std::ostream& out) const {
@@ -439,6 +440,7 @@ int run(const Options& options) {
   std::uint64_t round = 0;
   try {
     torture.sweep();
+    torture.losePower();
     for (round = 1; round <= options.rounds; ++round) {
       torture.round();
     }

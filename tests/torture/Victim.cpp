@@ -24,6 +24,22 @@ Bytes uefiImage() {
   return RomBuilder().add(RomImage::efi().units(300).seed(2)).build();
 }
 
+// Returns the name of a call that makes things lasting; null for others.
+const char* nameOfLasting(Change::Kind kind) {
+  switch (kind) {
+    case Change::Kind::SyncFile:
+    case Change::Kind::SyncFolder:
+      return "fsync ";
+    case Change::Kind::Rename:
+      return "rename ";
+    case Change::Kind::Make:
+    case Change::Kind::Write:
+    case Change::Kind::Remove:
+      return nullptr;
+  }
+  return nullptr;
+}
+
 bool writeLine(const char* path, const std::string& line) {
   return static_cast<bool>(std::ofstream(path) << line << std::flush);
 }
@@ -75,6 +91,17 @@ bool Victim::update(const Firmware& firmware) {
          ma::updateCapabilityWord(kPorts[0], {}, code, m_error);
 }
 
+void Victim::updateInPeace() {
+  const Firmware& wanted = other(look());
+  if (!update(wanted)) {
+    throw std::runtime_error("an update in peace fails: " + m_error);
+  }
+  if (&look() != &wanted) {
+    throw std::runtime_error("an update in peace changes nothing");
+  }
+  demandTidiness();
+}
+
 const Victim::Firmware& Victim::look() const {
   const ma::AdapterList list = ma::VirtualAdapters(m_adapters.directory()).list();
   if (list.adapters.size() != 1 || !list.problems.empty()) {
@@ -105,6 +132,26 @@ const Victim::Firmware& Victim::look() const {
                            std::to_string(flash.size()) + " bytes, " + adapter.flashDefect);
 }
 
+std::map<std::string, std::string> Victim::files() const {
+  std::map<std::string, std::string> files;
+  for (const std::string& name : m_adapters.filesOf(kPci)) {
+    const std::string path = (folder() / name).string();
+    files[path] = readText(path);
+  }
+  return files;
+}
+
+void Victim::replaceFiles(const std::map<std::string, std::string>& files) const {
+  for (const auto& [path, content] : this->files()) {
+    std::filesystem::remove(path);
+  }
+  for (const auto& [path, content] : files) {
+    if (!(std::ofstream(path, std::ios::binary) << content << std::flush)) {
+      throw std::runtime_error("cannot write " + path);
+    }
+  }
+}
+
 bool Victim::moveToSmallDisk(std::uint64_t room) const {
   const std::string description = m_adapters.description(kPci);
   const Bytes flash = m_adapters.flash(kPci);
@@ -131,16 +178,18 @@ void Victim::makeAnother() const {
   const std::filesystem::path made = home / "0000-04-00";
   watchSystemCalls(m_adapters.directory().string(), {});
   ma::VirtualAdapters(home).add(spec);
-  const std::vector<std::string>& calls = lastingCalls();
+  ignoreSystemCalls();
   std::filesystem::remove_all(home);
-  // With the random part of the name cut off.
   std::string order;
-  for (std::string call : calls) {
-    const std::size_t mark = call.find(".new-");
-    if (mark != std::string::npos) {
-      call.erase(mark + 4, std::string("-0123456789abcdef").size());
+  for (const Change& change : watchedChanges()) {
+    if (const char* const call = nameOfLasting(change.kind)) {
+      std::string path = change.path;
+      // With the random part of the name cut off.
+      if (const std::size_t mark = path.find(".new-"); mark != std::string::npos) {
+        path.erase(mark + 4, std::string("-0123456789abcdef").size());
+      }
+      order += std::string(call) + path + "\n";
     }
-    order += call + "\n";
   }
   const std::string draft = (home / ".0000-04-00.new").string();
   const std::string expected = "fsync " + m_adapters.directory().string() + "\nfsync " + draft +

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -37,10 +38,19 @@ class Victim {
   [[nodiscard]] bool update(const Firmware& firmware);
   [[nodiscard]] const std::string& lastError() const { return m_error; }
 
+  // Updates the adapter to the firmware that it has not. Throws std::runtime_error where that does
+  // not work, or leaves anything behind.
+  void updateInPeace();
+
   // Asks for all that can be asked, and so completes what is left to be done. Returns the firmware
   // that the adapter has as a whole. Throws std::runtime_error, with what is wrong, where it has
   // none of both, or a part of each.
   [[nodiscard]] const Firmware& look() const;
+
+  // Returns the contents of the files in its folder, by their paths, and puts others in their
+  // place.
+  [[nodiscard]] std::map<std::string, std::string> files() const;
+  void replaceFiles(const std::map<std::string, std::string>& files) const;
 
   // Moves the adapter to a file system of its own with room for so much more, for this process
   // alone. Returns false where the system does not let it.

@@ -1,6 +1,6 @@
 // Shows what the platform's sinks hand to the system log: its socket is replaced by one of the
 // program's own, whose messages are printed on standard output without their time. Logs one debug
-// and one error entry.
+// and one error entry; with an argument, a hundred debug entries of each of two threads.
 
 #include <cstddef>
 #include <cstdio>
@@ -10,6 +10,7 @@
 #include <sys/syscall.h>
 #include <sys/un.h>
 #include <syslog.h>
+#include <thread>
 #include <unistd.h>
 
 #include "Utils/Log.h"
@@ -58,13 +59,44 @@ extern "C" int connect(int socket, const sockaddr* address, socklen_t length) {
 }
 #pragma GCC visibility pop
 
-int main() {
-  const test::DatagramSocket log("@quorvel-log-probe-" + std::to_string(getpid()));
-  constexpr utils::LogSource kLog{"Probe"};
-  utils::logDebug(kLog, {"probe", 1}, "%s", "d %d%%");
-  utils::logError(kLog, {"probe", 2}, "%s", "e %n");
+namespace {
+
+constexpr utils::LogSource kLog{"Probe"};
+
+void printReceived(const test::DatagramSocket& log) {
   for (std::string message = log.receive(); !message.empty(); message = log.receive()) {
     print(message);
   }
+}
+
+void logOnTwoThreads(const test::DatagramSocket& log) {
+  constexpr int kRounds = 25;
+  // As many as wait for a reader without any being dropped.
+  constexpr int kRecords = 4;
+  const auto write = [](char letter) {
+    for (int i = 0; i < kRecords; ++i) {
+      utils::logDebug(kLog, {"probe", 3}, "%s", std::string(40, letter).c_str());
+    }
+  };
+  for (int round = 0; round < kRounds; ++round) {
+    {
+      const std::jthread one(write, 'a');
+      const std::jthread other(write, 'b');
+    }
+    printReceived(log);
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** /*argv*/) {
+  const test::DatagramSocket log("@quorvel-log-probe-" + std::to_string(getpid()));
+  if (argc > 1) {
+    logOnTwoThreads(log);
+    return 0;
+  }
+  utils::logDebug(kLog, {"probe", 1}, "%s", "d %d%%");
+  utils::logError(kLog, {"probe", 2}, "%s", "e %n");
+  printReceived(log);
   return 0;
 }

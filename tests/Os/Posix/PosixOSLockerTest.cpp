@@ -320,16 +320,22 @@ TEST_F(PosixOSLocker, IsHadByAWaiterWhoseFileIsRemoved) {
 TEST_F(PosixOSLocker, AnswersOneWhenTheKernelRefusesTheLock) {
   OSLockerPosix locker(m_folder.path());
   const LogCapture log;
+  const std::string reason = "cannot lock " + m_folder.file().string() + ": No locks available";
+  testing::internal::CaptureStderr();
   {
     const test::FailingCall failing(test::SystemCall::LockFile, ENOLCK);
     EXPECT_EQ(locker.Lock(), 1);
   }
+  EXPECT_EQ(
+      testing::internal::GetCapturedStderr(),
+      "OrvexQuorvel: no update can be made, since the flash lock cannot be had: " + reason + "\n");
+  EXPECT_EQ(OSLocker::describeFailure(), reason);
   EXPECT_THAT(log.messages(kLock),
               ElementsAre("result = -1", "Some error occured when the Semaphore was locked"));
   EXPECT_THAT(log.records(), HasRecordOf("Os/Posix/PosixOSLocker", LogLevel::Error, kWait,
-                                         "The flash lock cannot be taken: cannot lock " +
-                                             m_folder.file().string() + ": No locks available"));
+                                         "The flash lock cannot be taken: " + reason));
   EXPECT_EQ(locker.Lock(), 0);
+  EXPECT_EQ(OSLocker::describeFailure(), "");
 }
 
 TEST_F(PosixOSLocker, TakesTheLockThroughAnInterruption) {
@@ -394,7 +400,9 @@ TEST_F(PosixOSLocker, IsSubstitutedByOneThatAnswersOneWhereItCannotBeMade) {
     const bool isRefused = locker->Lock() == 1 && locker->UnLock() == 1;
     const bool isExplained =
         testing::internal::GetCapturedStderr() ==
-        "OrvexQuorvel: no update can be made, since the flash lock cannot be had: " + reason + "\n";
+            "OrvexQuorvel: no update can be made, since the flash lock cannot be had: " + reason +
+                "\n" &&
+        OSLocker::describeFailure() == reason;
     return isLogged && isRegistered && isRefused && isExplained ? 0 : 1;
   });
   EXPECT_EQ(child.wait(), 0);

@@ -1,12 +1,16 @@
+#include <atomic>
 #include <chrono>
+#include <cstddef>
 #include <gmock/gmock.h>
 #include <string>
 #include <syslog.h>
+#include <thread>
 #include <vector>
 
 #include "Os/Posix/SystemLogSink.h"
 #include "tests/support/Posix/DatagramSocket.h"
 #include "tests/support/TempDirectory.h"
+#include "tests/support/WaitUntil.h"
 
 namespace {
 
@@ -71,6 +75,49 @@ TEST_F(SystemLogSink, SaysHowManyRecordsWereDropped) {
                                             std::to_string(kRecords - taken) +
                                             " records before this one were dropped"),
                                   EndsWith(": last\n"), EndsWith(": very last\n")));
+}
+
+// Returns how many records a message stands for: itself, or those of which it says that they were
+// dropped.
+std::size_t countOf(const std::string& message) {
+  constexpr const char* kMark = "::write: error: ";
+  const std::size_t mark = message.find(kMark);
+  return mark == std::string::npos ? 1
+                                   : std::stoul(message.substr(mark + std::string(kMark).size()));
+}
+
+// Each record is in the log or in one of its counts, whoever finds the log taking records again.
+TEST_F(SystemLogSink, CountsEachRecordOfManyThreadsOnce) {
+  constexpr std::size_t kThreads = 4;
+  constexpr std::size_t kRecords = 2000;
+  constexpr std::size_t kAll = kThreads * kRecords;
+  std::atomic<std::size_t> written{0};
+  std::size_t counted = 0;
+  const auto readAll = [&] {
+    for (const std::string& message : read()) {
+      counted += countOf(message);
+    }
+  };
+  {
+    std::vector<std::jthread> threads;
+    for (std::size_t thread = 0; thread < kThreads; ++thread) {
+      threads.emplace_back([&] {
+        for (std::size_t i = 0; i < kRecords; ++i) {
+          m_sink.write(LOG_ERR, "record\n");
+          ++written;
+        }
+      });
+    }
+    for (std::size_t part = kAll / 10; part < kAll; part += kAll / 10) {
+      EXPECT_TRUE(test::waitUntil([&] { return written >= part; }));
+      readAll();
+    }
+  }
+  readAll();
+  // The count of those that were dropped last.
+  m_sink.write(LOG_ERR, "last\n");
+  readAll();
+  EXPECT_EQ(counted, kAll + 1);
 }
 
 }  // namespace

@@ -1,13 +1,16 @@
+#include <cstdint>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <functional>
 #include <gmock/gmock.h>
+#include <limits>
 #include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
 #include "midapi/Posix/PosixFileSystem.h"
+#include "platform/Posix/FileStamps.h"
 #include "tests/support/Posix/ChildProcess.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/WaitUntil.h"
@@ -16,7 +19,6 @@ namespace {
 
 using ma::defaultAdaptersDirectory;
 using ma::FileFault;
-using ma::FileIdentity;
 using ma::makePosixFileSystem;
 using ma::nativeFileSystem;
 using testing::HasSubstr;
@@ -155,77 +157,19 @@ TEST_F(PosixFileSystemTest, TakesTheLockOfAProcessThatDied) {
   EXPECT_FALSE(std::filesystem::exists(path));
 }
 
-TEST_F(PosixFileSystemTest, GivesAnIdentityToAFileThatIsLeftAlone) {
+TEST_F(PosixFileSystemTest, GivesTheIdentityThatAFileHasByItsClock) {
   const auto path = m_directory.write("file", std::string("text"));
-  std::optional<FileIdentity> identity;
-  ASSERT_TRUE(test::waitUntil([&] {
-    identity = nativeFileSystem().identity(path);
-    return identity.has_value();
-  }));
-
-  EXPECT_EQ(nativeFileSystem().identity(path), identity);
-  EXPECT_EQ(nativeFileSystem().identity(m_directory.path() / "." / "file"), identity);
+  std::optional<std::int64_t> now = std::numeric_limits<std::int64_t>::max();
+  const auto files = makePosixFileSystem([&now] { return now; });
+  EXPECT_NE(files->identity(path), std::nullopt);
+  EXPECT_EQ(files->identity(path), platform::identifyFileAt(path, now));
+  now = 0;
+  EXPECT_EQ(files->identity(path), std::nullopt);
 }
 
-TEST_F(PosixFileSystemTest, GivesNoIdentityToAFileThatHasJustChanged) {
-  // The machine may stand still between the two calls once; not always.
-  EXPECT_TRUE(test::waitUntil([&] {
-    const auto path = m_directory.write("file", std::string("text"));
-    return !nativeFileSystem().identity(path).has_value();
-  }));
-}
-
-// A file, and a file system that takes it to be of an age that the test says.
-class AgedFile : public PosixFileSystemTest {
- protected:
-  static constexpr std::int64_t kMillisecond = 1'000'000;
-  static constexpr std::int64_t kSecond = 1000 * kMillisecond;
-
-  // Dates the file's content; the system dates that change to now.
-  void setModified(std::int64_t nanoseconds) {
-    const timespec time{nanoseconds / kSecond, nanoseconds % kSecond};
-    const timespec times[] = {time, time};
-    ASSERT_EQ(::utimensat(AT_FDCWD, m_path.c_str(), times, 0), 0);
-  }
-  [[nodiscard]] std::int64_t changed() const {
-    struct stat state {};
-    EXPECT_EQ(::stat(m_path.c_str(), &state), 0);
-    return std::int64_t{state.st_ctim.tv_sec} * kSecond + state.st_ctim.tv_nsec;
-  }
-  [[nodiscard]] bool hasIdentityAt(std::optional<std::int64_t> now) const {
-    return makePosixFileSystem([now] { return now; })->identity(m_path).has_value();
-  }
-  void expectIdentityFrom(std::int64_t moment) const {
-    EXPECT_FALSE(hasIdentityAt(moment - 1));
-    EXPECT_TRUE(hasIdentityAt(moment));
-  }
-
-  const std::filesystem::path m_path = m_directory.write("file", std::string("text"));
-};
-
-TEST_F(AgedFile, HasAnIdentityWhenItWasLeftAloneForSomeTicks) {
-  setModified(1000 * kSecond + 1);
-  expectIdentityFrom(changed() + 40 * kMillisecond);
-}
-
-TEST_F(AgedFile, IsWaitedForLongerWithTimesInWholeSeconds) {
-  setModified(1000 * kSecond);
-  expectIdentityFrom(changed() + 3 * kSecond);
-}
-
-TEST_F(AgedFile, IsAsOldAsItsLastChangeOfEitherKind) {
-  const std::int64_t future = changed() + 1000 * kSecond + 1;
-  setModified(future);
-  expectIdentityFrom(future + 40 * kMillisecond);
-}
-
-TEST_F(AgedFile, HasNoIdentityWhereTheTimeCannotBeTold) {
-  EXPECT_FALSE(hasIdentityAt(std::nullopt));
-}
-
-TEST_F(PosixFileSystemTest, GivesNoIdentityToWhatIsNotThere) {
-  EXPECT_EQ(nativeFileSystem().identity(m_directory.path() / "none"), std::nullopt);
-  EXPECT_EQ(nativeFileSystem().identity(""), std::nullopt);
+TEST_F(PosixFileSystemTest, GivesAnIdentityByTheClockOfTheMachine) {
+  const auto path = m_directory.write("file", std::string("text"));
+  EXPECT_TRUE(test::waitUntil([&] { return nativeFileSystem().identity(path).has_value(); }));
 }
 
 TEST_F(PosixFileSystemTest, SaysWhetherLinksStandBesideFolders) {

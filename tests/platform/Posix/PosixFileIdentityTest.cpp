@@ -73,8 +73,21 @@ TEST_F(PosixFileIdentity, IsWaitedForLongerWithTimesInWholeSeconds) {
   expectIdentityFrom(changed() + 3 * kSecond);
 }
 
+TEST_F(PosixFileIdentity, IsAsOldAsItsLastChangeOfEitherKind) {
+  const std::int64_t future = changed() + 1000 * kSecond + 1;
+  setModified(future);
+  expectIdentityFrom(future + 40 * kMillisecond);
+}
+
+TEST_F(PosixFileIdentity, IsMissingWhereTheFileHasJustChanged) {
+  // The machine may stand still between the two calls once; not always.
+  EXPECT_TRUE(test::waitUntil(
+      [&] { return !identifyFile(m_directory.write("file", std::string("text"))).has_value(); }));
+}
+
 TEST_F(PosixFileIdentity, IsMissingWhereNothingIsOrTheTimeCannotBeTold) {
   EXPECT_EQ(identifyFile(m_directory.path() / "none"), std::nullopt);
+  EXPECT_EQ(identifyFile(""), std::nullopt);
   EXPECT_EQ(platform::identifyFileAt(m_path, std::nullopt), std::nullopt);
 }
 
