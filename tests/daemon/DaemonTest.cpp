@@ -1,11 +1,14 @@
 #include <csignal>
+#include <fcntl.h>
 #include <filesystem>
 #include <future>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <unistd.h>
 
 #include "daemon/Daemon.h"
+#include "platform/Posix/Descriptor.h"
 #include "tests/daemon/Posix/QuorveldFixture.h"
 #include "tests/support/Posix/DatagramSocket.h"
 #include "tests/support/Regex.h"
@@ -146,6 +149,36 @@ TEST_F(DaemonTest, TellsTheServiceManager) {
   daemon.signal(SIGTERM);
   EXPECT_EQ(daemon.wait(), 0);
   EXPECT_THAT(socket.receive(), StartsWith("STOPPING=1\n"));
+}
+
+TEST_F(DaemonTest, TellsTheServiceManagerThatItLives) {
+  const std::string path = (m_own.path() / "notify").string();
+  const test::DatagramSocket socket(path);
+  std::vector<test::EnvironmentChange> variables = environment();
+  variables.push_back({"NOTIFY_SOCKET", path});
+  variables.push_back({"WATCHDOG_USEC", "300000"});
+  const test::RunningQuorveld daemon(
+      {"--config", write("empty.conf", ""), "--listen", "127.0.0.1:0"}, variables);
+  for (int sign = 0; sign < 2; ++sign) {
+    EXPECT_TRUE(test::waitUntil([&] { return socket.receive() == "WATCHDOG=1\n"; }));
+  }
+}
+
+// A log file on a full disk, that is: what is written there is lost, and nothing else.
+TEST_F(DaemonTest, ServesOnAndUpdatesWhereItsErrorsGoToAFullDisk) {
+  addPxeAdapter("0000:03:00", 2);
+  const platform::Descriptor kept(dup(STDERR_FILENO));
+  const platform::Descriptor full(open("/dev/full", O_WRONLY | O_CLOEXEC));
+  ASSERT_TRUE(full.isOpen());
+  dup2(full.get(), STDERR_FILENO);
+  start("log-level = 3\n");
+  dup2(kept.get(), STDERR_FILENO);
+  const std::string rom = writeRom("new.rom", {pxe(3)});
+  static_cast<void>(startUpdate(rom));
+  EXPECT_TRUE(test::waitUntil([this] { return healthReport()["runningJobs"] == 0; }));
+  daemon().signal(SIGTERM);
+  EXPECT_EQ(daemon().wait(), 0);
+  EXPECT_EQ(flash(), test::readBytes(rom));
 }
 
 TEST_F(DaemonTest, RefusesWrongArguments) {
