@@ -154,7 +154,6 @@ TEST_F(LargeAnswersTest, HoldNoThreadWhileNobodyTakesThem) {
     addLazy();
     addLazy();
     EXPECT_EQ(bodyOf(ask(kGetSmall)), "small");
-    EXPECT_EQ(m_lazy.back()->readBytes(kLarge).size(), kLarge);
     m_lazy.clear();
     m_server.reset();
   }
