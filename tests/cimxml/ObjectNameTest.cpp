@@ -185,6 +185,7 @@ constexpr Refusal kRefusals[] = {
     {"C.K.L=1", "too many classname separators: 'C.K.L=1'"},
     {"root/x:C.K=1.5", "too many classname separators: 'root/x:C.K=1.5'"},
     {".K=1", "empty class name: '.K=1'"},
+    {"root/x:.K=1", "empty class name: 'root/x:.K=1'"},
     {"x:", "too many classname separators: 'x:'"},
     {"1C.K=1", "invalid class name: '1C.K=1'"},
     {"C C.K=1", "invalid class name: 'C C.K=1'"},
