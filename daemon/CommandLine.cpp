@@ -79,7 +79,7 @@ DaemonConfig merge(const Arguments& arguments) {
     config.logLevel = arguments.logLevel;
   }
   completeConfig(config, readPrivileges());
-  demandPrivateFiles(config);
+  demandPrivateAgentSettings(config);
   return config;
 }
 

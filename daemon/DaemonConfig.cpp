@@ -10,7 +10,6 @@
 #include <sstream>
 #include <string_view>
 #include <system_error>
-#include <tuple>
 
 #include "Os/QuorvelConfig.h"
 #include "Utils/Conversions.h"
@@ -321,24 +320,17 @@ DaemonConfig readDefaultDaemonConfig(const std::string& path) {
                                                                 : readDaemonConfig(path);
 }
 
-void demandPrivateFiles(const DaemonConfig& config) {
-  // Whoever uses them has words of his own for what cannot be read.
-  const std::tuple<const char*, std::string, platform::Privacy> files[] = {
-      {"key: ", config.key, platform::Privacy::Secret},
-      {"config: ",
-       config.agentConfig.empty() ? utils::QuorvelConfig::kDefaultPath : config.agentConfig,
-       platform::Privacy::Unchanged},
-  };
-  for (const auto& [setting, path, privacy] : files) {
-    const std::optional<platform::FileStamp> stamp = platform::findStamp(path);
-    if (!stamp) {
-      continue;
-    }
-    try {
-      platform::demandPrivate(path, *stamp, privacy);
-    } catch (const platform::PrivateFileFault& fault) {
-      throw ConfigurationFault(std::string(setting) + fault.what());
-    }
+void demandPrivateAgentSettings(const DaemonConfig& config) {
+  const std::string path =
+      config.agentConfig.empty() ? utils::QuorvelConfig::kDefaultPath : config.agentConfig;
+  const std::optional<platform::FileStamp> stamp = platform::findStamp(path);
+  if (!stamp) {
+    return;  // whoever uses it says so
+  }
+  try {
+    platform::demandPrivate(path, *stamp, platform::Privacy::Unchanged);
+  } catch (const platform::PrivateFileFault& fault) {
+    throw ConfigurationFault(std::string("config: ") + fault.what());
   }
 }
 

@@ -76,9 +76,9 @@ struct Privileges {
 // nobody who flashes as root unasked. Throws ConfigurationFault.
 void completeConfig(DaemonConfig& config, const Privileges& privileges);
 
-// Demands that no other user can read the key, or write the agents' settings, as far as they are
-// there. Throws ConfigurationFault.
-void demandPrivateFiles(const DaemonConfig& config);
+// Demands that no other user can write the agents' settings, if they are there: the agents read
+// them by themselves. Throws ConfigurationFault.
+void demandPrivateAgentSettings(const DaemonConfig& config);
 
 // Reads one listening address as the file and the command line have it. Throws ConfigurationFault,
 // whose text begins with `place`.

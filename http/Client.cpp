@@ -14,6 +14,7 @@
 #include "http/ClientTls.h"
 #include "http/Endpoint.h"
 #include "http/Peer.h"
+#include "http/ResolveFault.h"
 #include "http/ResponseReader.h"
 
 namespace http {
@@ -190,10 +191,7 @@ Results Client::Implementation::resolve() {
                          });
   await("could not be found");
   if (fault) {
-    throw ClientFault("The name '" + options.host + "' cannot be resolved: " + fault.message() +
-                          ". Check its spelling, or use an address.",
-                      fault == asio::error::host_not_found_try_again ? ClientFault::Kind::Connection
-                                                                     : ClientFault::Kind::Usage);
+    throw describeResolveFault(options.host, fault);
   }
   return results;
 }

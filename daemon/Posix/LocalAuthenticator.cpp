@@ -30,13 +30,8 @@ LocalAuthenticator::Entry askSystem(std::uint32_t user, const std::vector<std::s
 // A place in the line, held as long as the object.
 class LocalAuthenticator::Place {
  public:
-  Place(LocalAuthenticator& line, std::uint32_t user) : m_line(line), m_user(user) {
-    const platform::Lock lock(line.m_mutex);
-    m_isTaken = line.m_inLine.size() < kMostInLine && line.m_inLine.count(user) < kMostOfUser;
-    if (m_isTaken) {
-      line.m_inLine.insert(user);
-    }
-  }
+  Place(LocalAuthenticator& line, std::uint32_t user)
+      : m_line(line), m_user(user), m_isTaken(take(line, user)) {}
   Place(const Place&) = delete;
   Place& operator=(const Place&) = delete;
   ~Place() {
@@ -49,9 +44,18 @@ class LocalAuthenticator::Place {
   [[nodiscard]] bool isTaken() const { return m_isTaken; }
 
  private:
+  static bool take(LocalAuthenticator& line, std::uint32_t user) {
+    const platform::Lock lock(line.m_mutex);
+    if (line.m_inLine.size() >= kMostInLine || line.m_inLine.count(user) >= kMostOfUser) {
+      return false;
+    }
+    line.m_inLine.insert(user);
+    return true;
+  }
+
   LocalAuthenticator& m_line;
   const std::uint32_t m_user;
-  bool m_isTaken = false;
+  const bool m_isTaken;
 };
 
 // That a user is asked about, as long as the object.
@@ -180,8 +184,9 @@ std::optional<Authenticator::Guest> LocalAuthenticator::findKnown(std::uint32_t 
   if (found == m_known.end()) {
     return std::nullopt;
   }
-  const auto until = found->second.until + (m_asked.contains(user) ? kGrace : kGrace * 0);
-  return m_clock.now() < until ? std::optional(found->second.guest) : std::nullopt;
+  const auto grace = m_asked.contains(user) ? kGrace : std::chrono::seconds(0);
+  return m_clock.now() < found->second.until + grace ? std::optional(found->second.guest)
+                                                     : std::nullopt;
 }
 
 }  // namespace quorveld

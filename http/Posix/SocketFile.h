@@ -1,6 +1,9 @@
 // The file by which programs of this machine find a local socket. Private to http/.
 //
 // It is removed when the object goes, unless another server has put one of its own there meanwhile.
+// Its folder has to be root's or the server's own, and nobody else's to write (or sticky, as /tmp
+// is): who could put another socket there would get what clients send. It is opened once, and the
+// file is found in what was opened.
 
 #ifndef ORVEX_HTTP_POSIX_SOCKETFILE_H_
 #define ORVEX_HTTP_POSIX_SOCKETFILE_H_
@@ -8,24 +11,27 @@
 #include <string>
 #include <sys/types.h>
 
+#include "platform/Posix/Descriptor.h"
+
 namespace http {
 
 class SocketFile {
  public:
   // Makes way for a socket at the path: makes its folder where that is missing, and removes what a
-  // server left behind that is no more. Throws std::system_error, whose text says what could not be
-  // done.
+  // server left behind that is no more. Throws SetupFault for a folder that others could change,
+  // std::system_error for what could not be done, whose text says what.
   static void makeWay(const std::string& path);
 
   // Takes over the file of a socket that is bound, and lets every user of the machine connect to
   // it: who that is, the kernel tells. Throws as makeWay().
-  explicit SocketFile(std::string path);
+  explicit SocketFile(const std::string& path);
   SocketFile(const SocketFile&) = delete;
   SocketFile& operator=(const SocketFile&) = delete;
   ~SocketFile();
 
  private:
-  const std::string m_path;
+  const platform::Descriptor m_folder;
+  const std::string m_name;
   dev_t m_device = 0;
   ino_t m_number = 0;
 };

@@ -2,9 +2,13 @@
 
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <fcntl.h>
+#include <poll.h>
 #include <pwd.h>
+#include <string_view>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 #include <vector>
 
@@ -43,8 +47,43 @@ std::string describeUser(uid_t user) {
   return found == nullptr ? number : std::string(found->pw_name) + " (" + number + ")";
 }
 
-[[noreturn]] void refuseUnreadable(const std::string& path) {
-  throw PrivateFileFault("'" + path + "' cannot be read; check the path and its permissions");
+[[noreturn]] void refuseUnreadable(const std::string& path, int error) {
+  throw PrivateFileFault("'" + path + "' cannot be read; check the path and its permissions",
+                         error);
+}
+
+// Returns the number of this process's descriptor that a path stands for.
+std::optional<int> findGiven(std::string_view path) {
+  if (path == "/dev/stdin") {
+    return STDIN_FILENO;
+  }
+  for (const std::string_view folder : {"/dev/fd/", "/proc/self/fd/"}) {
+    if (!path.starts_with(folder)) {
+      continue;
+    }
+    const std::string_view digits = path.substr(folder.size());
+    int number = -1;
+    const auto [stop, error] =
+        std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    if (error == std::errc() && stop == digits.data() + digits.size() && number >= 0) {
+      return number;
+    }
+  }
+  return std::nullopt;
+}
+
+Descriptor demandCopy(int number, const std::string& path) {
+  Descriptor copy(fcntl(number, F_DUPFD_CLOEXEC, 0));
+  if (!copy.isOpen()) {
+    refuseUnreadable(path, errno);
+  }
+  return copy;
+}
+
+// Waits for the other end of what is not to be waited for, as its giver has set it.
+void awaitInput(const Descriptor& file) {
+  pollfd source{file.get(), POLLIN, 0};
+  static_cast<void>(poll(&source, 1, -1));
 }
 
 Descriptor demandOpen(const std::string& path, int flags) {
@@ -53,7 +92,7 @@ Descriptor demandOpen(const std::string& path, int flags) {
     number = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | flags);
   } while (number < 0 && errno == EINTR);
   if (number < 0) {
-    refuseUnreadable(path);
+    refuseUnreadable(path, errno);
   }
   return Descriptor(number);
 }
@@ -61,7 +100,7 @@ Descriptor demandOpen(const std::string& path, int flags) {
 FileStamp demandStamp(const Descriptor& file, const std::string& path) {
   struct stat status {};
   if (fstat(file.get(), &status) != 0) {
-    refuseUnreadable(path);
+    refuseUnreadable(path, errno);
   }
   return toStamp(status);
 }
@@ -70,12 +109,15 @@ FileStamp demandStamp(const Descriptor& file, const std::string& path) {
 bool readOn(const Descriptor& file, const std::string& path, std::string& content) {
   constexpr std::size_t kPiece = 4096;
   std::array<char, kPiece> buffer{};
-  ssize_t got = -1;
-  do {
+  ssize_t got = read(file.get(), buffer.data(), buffer.size());
+  while (got < 0 && (errno == EINTR || errno == EAGAIN)) {
+    if (errno == EAGAIN) {
+      awaitInput(file);
+    }
     got = read(file.get(), buffer.data(), buffer.size());
-  } while (got < 0 && errno == EINTR);
+  }
   if (got < 0) {
-    refuseUnreadable(path);
+    refuseUnreadable(path, errno);
   }
   content.append(buffer.data(), static_cast<std::size_t>(got));
   return got > 0;
@@ -106,8 +148,11 @@ void demandPrivate(const std::string& path, const FileStamp& stamp, Privacy priv
                            path);
   }
   if (privacy == Privacy::Secret && (stamp.mode & kOfOthers) != 0) {
-    throw PrivateFileFault(
-        "'" + path + "' can be read or changed by others than its owner; run: chmod 600 " + path);
+    // Root's file that a group may read is one that this user could read no more.
+    const std::string owner =
+        stamp.owner == user ? "" : "chown " + std::to_string(user) + " " + path + " && ";
+    throw PrivateFileFault("'" + path + "' can be read or changed by others than its owner; run: " +
+                           owner + "chmod 600 " + path);
   }
   if (privacy == Privacy::Unchanged && (stamp.mode & kWritingOfOthers) != 0) {
     throw PrivateFileFault("'" + path +
@@ -120,7 +165,7 @@ PrivateFile readPrivateFile(const std::string& path, Privacy privacy, std::size_
   PrivateFile result;
   result.stamp = demandStamp(file, path);
   if (!S_ISREG(result.stamp.mode)) {
-    refuseUnreadable(path);
+    refuseUnreadable(path, S_ISDIR(result.stamp.mode) ? EISDIR : EOPNOTSUPP);
   }
   demandPrivate(path, result.stamp, privacy);
   while (readOn(file, path, result.content)) {
@@ -132,10 +177,11 @@ PrivateFile readPrivateFile(const std::string& path, Privacy privacy, std::size_
 }
 
 std::string readPrivateLine(const std::string& path, std::size_t most) {
-  const Descriptor file = demandOpen(path, 0);
+  const std::optional<int> given = findGiven(path);
+  const Descriptor file = given ? demandCopy(*given, path) : demandOpen(path, 0);
   const FileStamp stamp = demandStamp(file, path);
   // A terminal is others' to write messages to.
-  if (S_ISREG(stamp.mode) || S_ISFIFO(stamp.mode)) {
+  if (S_ISREG(stamp.mode) || (S_ISFIFO(stamp.mode) && !given)) {
     demandPrivate(path, stamp, Privacy::Secret);
   }
   std::string content;

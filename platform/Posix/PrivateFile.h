@@ -41,11 +41,15 @@ struct FileStamp {
 // A file that cannot be used: what() names it in quotes, says what is wrong with it and what to do.
 class PrivateFileFault final : public std::exception {
  public:
-  explicit PrivateFileFault(std::string text) : m_text(std::move(text)) {}
+  explicit PrivateFileFault(std::string text, int error = 0)
+      : m_text(std::move(text)), m_error(error) {}
   [[nodiscard]] const char* what() const noexcept override { return m_text.c_str(); }
+  // The system's error number where the file cannot be read, 0 where it is what must not be used.
+  [[nodiscard]] int error() const { return m_error; }
 
  private:
   std::string m_text;
+  int m_error;
 };
 
 // Returns the stamp of what the name leads to; null where that is not to be had.
@@ -68,8 +72,9 @@ struct PrivateFile {
                                           std::size_t most);
 
 // Reads the first line, without its end, of a private file, or of what a shell puts in the place of
-// one (a pipe, standard input), whose writer is waited for. Throws PrivateFileFault as
-// readPrivateFile().
+// one (a pipe, standard input), whose writer is waited for. A path that stands for a descriptor of
+// this process (/dev/stdin, /dev/fd/N, /proc/self/fd/N) reads on from that: whoever gave the
+// process a pipe may belong to another user. Throws PrivateFileFault as readPrivateFile().
 [[nodiscard]] std::string readPrivateLine(const std::string& path, std::size_t most);
 
 }  // namespace platform

@@ -174,13 +174,48 @@ TEST(ObjectName, ComesBackFromItsPath) {
   EXPECT_EQ(parseObjectPath(toObjectPath(name)), name);
 }
 
-TEST(ObjectName, TellsWhatIsWrong) {
+struct Refusal {
+  const char* path;
+  const char* text;
+};
+
+constexpr Refusal kRefusals[] = {
+    {"", "empty path"},
+    {"a:b:C.K=1", "model path not found: 'a:b:C.K=1'"},
+    {"C.K.L=1", "too many classname separators: 'C.K.L=1'"},
+    {"root/x:C.K=1.5", "too many classname separators: 'root/x:C.K=1.5'"},
+    {".K=1", "empty class name: '.K=1'"},
+    {"root/x:.K=1", "empty class name: 'root/x:.K=1'"},
+    {"x:", "too many classname separators: 'x:'"},
+    {"1C.K=1", "invalid class name: '1C.K=1'"},
+    {"C C.K=1", "invalid class name: 'C C.K=1'"},
+    {"C-1", "invalid class name: 'C-1'"},
+    {"C.", "no properties: 'C.'"},
+    {"root/x:C.", "no properties: 'root/x:C.'"},
+    {"C.K", "only one '=' allowed: 'K'"},
+    {"C.K=1=2", "only one '=' allowed: 'K=1=2'"},
+    {"C.J=1,K=1=2", "only one '=' allowed: 'K=1=2'"},
+    {"C.K=1,", "only one '=' allowed: ''"},
+    {"C.=1", "invalid property name: '=1'"},
+    {"C.K =1", "invalid property name: 'K =1'"},
+    {"C.J=1,2K=1", "invalid property name: '2K=1'"},
+    {"C.K=", "property value empty: 'K='"},
+    {"C.K=,L=1", "property value empty: 'K='"},
+    {"C.K=1,K=2", "property already exists: 'K=2'"},
+};
+
+class RefusedObjectName : public testing::TestWithParam<Refusal> {};
+
+TEST_P(RefusedObjectName, SaysWhatIsWrongAndWhere) {
   try {
-    static_cast<void>(parseObjectPath("C.K=1,K=2"));
-    FAIL();
+    static_cast<void>(parseObjectPath(GetParam().path));
+    FAIL() << GetParam().path;
   } catch (const utils::ESyntaxError& error) {
-    EXPECT_THAT(error.what(), testing::EndsWith("property already exists: 'K=2'"));
+    EXPECT_STREQ(error.what(), utils::ESyntaxError(GetParam().text).what());
   }
+  EXPECT_FALSE(readObjectPath(GetParam().path));
 }
+
+INSTANTIATE_TEST_SUITE_P(, RefusedObjectName, testing::ValuesIn(kRefusals));
 
 }  // namespace

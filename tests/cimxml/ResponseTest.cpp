@@ -159,6 +159,30 @@ TEST(Response, OfAMethodHoldsReturnValueAndOutputs) {
   EXPECT_TRUE(std::holds_alternative<std::monostate>(response.outputs[1].value));
 }
 
+TEST(Response, HoldsArraysOfReferences) {
+  const std::string two = std::string("<VALUE.REFARRAY><VALUE.REFERENCE>") + kName +
+                          "</VALUE.REFERENCE><VALUE.REFERENCE><CLASSNAME NAME=\"CIM_Job\"/>"
+                          "</VALUE.REFERENCE></VALUE.REFARRAY>";
+  ObjectName job;
+  job.className = "CIM_Job";
+  const Response method = parse(
+      message("<METHODRESPONSE NAME=\"M\"><PARAMVALUE NAME=\"All\" PARAMTYPE=\"reference\">" + two +
+              "</PARAMVALUE><PARAMVALUE NAME=\"None\" PARAMTYPE=\"reference\">"
+              "<VALUE.REFARRAY/></PARAMVALUE></METHODRESPONSE>"));
+  ASSERT_THAT(method.outputs, SizeIs(2));
+  EXPECT_THAT(std::get<std::vector<ObjectName>>(method.outputs[0].value),
+              ElementsAre(thing(), job));
+  EXPECT_THAT(std::get<std::vector<ObjectName>>(method.outputs[1].value), IsEmpty());
+  const Response instance = parseReturned(
+      "<INSTANCE CLASSNAME=\"Link\"><PROPERTY.REFARRAY NAME=\"Not one of CIM\"/>"
+      "<PROPERTY.REFERENCE NAME=\"All\">" +
+      two + "</PROPERTY.REFERENCE></INSTANCE>");
+  ASSERT_THAT(instance.instances, SizeIs(1));
+  ASSERT_THAT(instance.instances[0].properties, SizeIs(1));
+  EXPECT_THAT(std::get<std::vector<ObjectName>>(instance.instances[0].properties[0].value),
+              ElementsAre(thing(), job));
+}
+
 TEST(Response, KeepsTextThatIsBlank) {
   const Response response = parseReturned(
       "<INSTANCE CLASSNAME=\"Thing\"><PROPERTY NAME=\"A\" TYPE=\"string\"><VALUE>  </VALUE>"

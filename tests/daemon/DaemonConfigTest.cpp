@@ -230,27 +230,15 @@ TEST_F(DaemonConfigTest, DemandsThatTheSettingsAreTheOwnersAlone) {
   }
 }
 
-TEST_F(DaemonConfigTest, DemandsAKeyThatNobodyElseCanRead) {
-  DaemonConfig config;
-  config.key = m_directory.writePrivate("key.pem", "key\n").string();
-  EXPECT_NO_THROW(quorveld::demandPrivateFiles(config));
-  fs::permissions(config.key, fs::perms::group_read, fs::perm_options::add);
-  EXPECT_THAT(
-      [&] { quorveld::demandPrivateFiles(config); },
-      ThrowsExactly<ConfigurationFault>(
-          "key: '" + config.key +
-          "' can be read or changed by others than its owner; run: chmod 600 " + config.key));
-}
-
 // The command line of every user reads them.
 TEST_F(DaemonConfigTest, DemandsAgentSettingsThatNobodyElseCanChange) {
   DaemonConfig config;
   config.agentConfig = m_directory.writePrivate("agents.conf", "\n").string();
   fs::permissions(config.agentConfig, fs::perms::others_read, fs::perm_options::add);
-  EXPECT_NO_THROW(quorveld::demandPrivateFiles(config));
+  EXPECT_NO_THROW(quorveld::demandPrivateAgentSettings(config));
   fs::permissions(config.agentConfig, fs::perms::others_write, fs::perm_options::add);
   EXPECT_THAT(
-      [&] { quorveld::demandPrivateFiles(config); },
+      [&] { quorveld::demandPrivateAgentSettings(config); },
       ThrowsExactly<ConfigurationFault>(
           "config: '" + config.agentConfig +
           "' can be changed by others than its owner; run: chmod go-w " + config.agentConfig));
@@ -259,9 +247,8 @@ TEST_F(DaemonConfigTest, DemandsAgentSettingsThatNobodyElseCanChange) {
 // Who uses them says what is wrong with them.
 TEST_F(DaemonConfigTest, LeavesFilesThatAreNotThereToTheirUsers) {
   DaemonConfig config;
-  config.key = "/missing/key.pem";
   config.agentConfig = "/missing/agents.conf";
-  EXPECT_NO_THROW(quorveld::demandPrivateFiles(config));
+  EXPECT_NO_THROW(quorveld::demandPrivateAgentSettings(config));
 }
 
 TEST_F(DaemonConfigTest, LetsOperatorsBeNamedForLocalUsers) {

@@ -1,14 +1,19 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <fcntl.h>
 #include <filesystem>
 #include <future>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 #include "daemon/Daemon.h"
+#include "http/Client.h"
+#include "platform/Posix/Descriptor.h"
 #include "tests/Os/Posix/HungMount.h"
 #include "tests/daemon/Posix/QuorveldFixture.h"
 #include "tests/support/Posix/DatagramSocket.h"
@@ -21,6 +26,23 @@ using test::ContainsRegex;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::StartsWith;
+
+// Has the program that is started meanwhile write its errors to a file.
+class ErrorsTo {
+ public:
+  explicit ErrorsTo(const std::string& file)
+      : m_file(open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600)) {
+    EXPECT_TRUE(m_file.isOpen());
+    dup2(m_file.get(), STDERR_FILENO);
+  }
+  ErrorsTo(const ErrorsTo&) = delete;
+  ErrorsTo& operator=(const ErrorsTo&) = delete;
+  ~ErrorsTo() { dup2(m_before.get(), STDERR_FILENO); }
+
+ private:
+  const platform::Descriptor m_before{dup(STDERR_FILENO)};
+  const platform::Descriptor m_file;
+};
 
 class DaemonTest : public test::QuorveldFixture {
  protected:
@@ -90,6 +112,34 @@ TEST_F(DaemonTest, AsksForALoginBeforeTheBody) {
     EXPECT_THAT(exchange(head + login + "\r\n"), AllOf(StartsWith("HTTP/1.1 401 Unauthorized\r\n"),
                                                        HasSubstr("\r\nConnection: close\r\n")));
   }
+}
+
+// The users of a local socket have one address, and may give any name.
+TEST_F(DaemonTest, NamesTheLocalUserWhoseLoginItRefuses) {
+  if (std::filesystem::exists("/dev/log")) {
+    GTEST_SKIP() << "the records go to the log of this system";
+  }
+  const std::string socket = (m_own.path() / "a.sock").string();
+  const std::string errors = (m_own.path() / "errors").string();
+  const std::string config = write("users.conf", writeUsers());
+  std::optional<test::RunningQuorveld> running;
+  {
+    const ErrorsTo file(errors);
+    running.emplace(
+        Arguments{"--config", config, "--listen", "127.0.0.1:0", "--listen", "unix:" + socket},
+        environment());
+  }
+  http::ClientOptions options;
+  options.path = socket;
+  const std::string wrong = "Basic YW5uYTp3cm9uZw==";  // anna:wrong
+  EXPECT_EQ(http::Client(options).send("POST", "/cimom", {{"Authorization", wrong}}, "").status,
+            401U);
+  EXPECT_TRUE(test::waitUntil([&] {
+    return test::readText(errors).find(
+               "action=\"Login\" result=\"refused\" target=\"\" "
+               "peer=\"user " +
+               std::to_string(geteuid()) + "\"") != std::string::npos;
+  })) << test::readText(errors);
 }
 
 TEST_F(DaemonTest, EndsWithStatus0WhenAsked) {
@@ -208,6 +258,34 @@ TEST_F(DaemonTest, TellsTheServiceManager) {
   daemon.signal(SIGTERM);
   EXPECT_EQ(daemon.wait(), 0);
   EXPECT_THAT(socket.receive(), StartsWith("STOPPING=1\n"));
+}
+
+TEST_F(DaemonTest, TellsTheServiceManagerThatItLives) {
+  const std::string path = (m_own.path() / "notify").string();
+  const test::DatagramSocket socket(path);
+  std::vector<test::EnvironmentChange> variables = environment();
+  variables.push_back({"NOTIFY_SOCKET", path});
+  variables.push_back({"WATCHDOG_USEC", "300000"});
+  const test::RunningQuorveld daemon(
+      {"--config", write("empty.conf", ""), "--listen", "127.0.0.1:0"}, variables);
+  for (int sign = 0; sign < 2; ++sign) {
+    EXPECT_TRUE(test::waitUntil([&] { return socket.receive() == "WATCHDOG=1\n"; }));
+  }
+}
+
+// A log file on a full disk, that is: what is written there is lost, and nothing else.
+TEST_F(DaemonTest, ServesOnAndUpdatesWhereItsErrorsGoToAFullDisk) {
+  addPxeAdapter("0000:03:00", 2);
+  {
+    const ErrorsTo disk("/dev/full");
+    start("log-level = 3\n");
+  }
+  const std::string rom = writeRom("new.rom", {pxe(3)});
+  static_cast<void>(startUpdate(rom));
+  EXPECT_TRUE(test::waitUntil([this] { return healthReport()["runningJobs"] == 0; }));
+  daemon().signal(SIGTERM);
+  EXPECT_EQ(daemon().wait(), 0);
+  EXPECT_EQ(flash(), test::readBytes(rom));
 }
 
 TEST_F(DaemonTest, RefusesWrongArguments) {

@@ -29,12 +29,16 @@ std::string answerOfMessage(const std::string& field, const std::string& value) 
 TEST(DemandCimMessage, TakesXmlInUtf8) {
   for (const char* const type :
        {"application/xml", "text/xml", "Application/XML; Charset=UTF-8",
-        "text/xml;charset=\"utf-8\"", "application/xml; version=1.0; charset=utf8"}) {
+        "text/xml;charset=\"utf-8\"", "application/xml; version=1.0; charset=utf8", "text/xml;",
+        "text/xml; ", "text/xml;;charset=utf-8", "text/xml;charset=utf-8;", "text/xml;xcharset=a",
+        "text/xml;version=text/html", "text/xml;charset"}) {
     EXPECT_EQ(answerOfMessage("Content-Type", type), "200") << type;
   }
   for (const char* const type :
        {"", "text/html", "application/x-www-form-urlencoded", "text/plain; charset=utf-8",
-        "application/xml; charset=us-ascii", "text/xml; charset=", "xml"}) {
+        "application/xml; charset=us-ascii", "text/xml; charset=", "xml",
+        "text/xml;charset=iso-8859-1", "text/xml;;charset=iso-8859-1",
+        "application/xml;version=1.0;charset=iso-8859-1", ";text/xml", "text/xml charset=utf-8"}) {
     EXPECT_EQ(answerOfMessage("Content-Type", type), "415") << type;
   }
 }

@@ -75,7 +75,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (once.isComplete) {
     checkRequest(whole);
     test::require(once.taken == often.taken, "a request ends where it ends in pieces");
-    test::require(whole.target() == inPieces.target() && whole.body() == inPieces.body(),
+    test::require(whole.target() == inPieces.target() &&
+                      whole.authority() == inPieces.authority() && whole.body() == inPieces.body(),
                   "a request says the same in pieces");
   }
   return 0;

@@ -7,6 +7,7 @@
 #include <openssl/x509.h>
 #include <openssl/x509v3.h>
 #include <stdexcept>
+#include <sys/stat.h>
 
 namespace test {
 namespace {
@@ -80,6 +81,7 @@ Certificate makeCertificate(const Subject& subject, EVP_PKEY* key, X509* issuer,
 
 void writeCertificates(const std::string& path, std::initializer_list<X509*> certificates) {
   const File file = openFile(path);
+  check(fchmod(fileno(file.get()), S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH) == 0, "publish a file");
   for (X509* const certificate : certificates) {
     check(PEM_write_X509(file.get(), certificate) == 1, "write a certificate");
   }
@@ -87,6 +89,7 @@ void writeCertificates(const std::string& path, std::initializer_list<X509*> cer
 
 void writeKey(const std::string& path, EVP_PKEY* key, const char* passphrase) {
   const File file = openFile(path);
+  check(fchmod(fileno(file.get()), S_IRUSR | S_IWUSR) == 0, "keep a key to its owner");
   check(PEM_write_PKCS8PrivateKey(file.get(), key,
                                   passphrase != nullptr ? EVP_aes_256_cbc() : nullptr, nullptr, 0,
                                   nullptr, const_cast<char*>(passphrase)) == 1,

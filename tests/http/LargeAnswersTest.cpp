@@ -41,6 +41,7 @@ class LargeAnswersTest : public testing::Test {
   // Has a client ask for an answer that it does not take for now.
   void addLazy() {
     RawClient::Options lazy;
+    lazy.isTls = m_isTls;
     lazy.receiveBuffer = 4096;
     m_lazy.push_back(std::make_unique<RawClient>(m_server->port(), lazy));
     const int handled = m_handled;
@@ -50,7 +51,9 @@ class LargeAnswersTest : public testing::Test {
     EXPECT_THAT(m_lazy.back()->readHead(), StartsWith("HTTP/1.1 200"));
   }
   [[nodiscard]] std::string ask(const char* request) const {
-    RawClient client(m_server->port());
+    RawClient::Options options;
+    options.isTls = m_isTls;
+    RawClient client(m_server->port(), options);
     client.send(request);
     return client.readAnswer();
   }
@@ -59,6 +62,7 @@ class LargeAnswersTest : public testing::Test {
   }
 
   http::ServerOptions m_options = test::onFreePort();
+  bool m_isTls = false;
   std::atomic<int> m_handled{0};
   std::optional<test::TestServer> m_server;
   std::vector<std::unique_ptr<RawClient>> m_lazy;
@@ -136,6 +140,23 @@ TEST_F(LargeAnswersTest, LeaveNoMemoryToSmallOnesThatWouldCount) {
   addLazy();
 
   EXPECT_EQ(bodyOf(ask(kGetSmall)), "small");
+}
+
+// Whoever writes them must not wait for their clients.
+TEST_F(LargeAnswersTest, HoldNoThreadWhileNobodyTakesThem) {
+  m_options.threads = 1;
+  for (const bool isTls : {false, true}) {
+    m_options.endpoints = test::onFreePort(isTls).endpoints;
+    m_options.certificateFile = test::onFreePort(true).certificateFile;
+    m_options.keyFile = test::onFreePort(true).keyFile;
+    m_isTls = isTls;
+    start();
+    addLazy();
+    addLazy();
+    EXPECT_EQ(bodyOf(ask(kGetSmall)), "small");
+    m_lazy.clear();
+    m_server.reset();
+  }
 }
 
 TEST_F(LargeAnswersTest, AreLoggedOnceWhereThereIsNoRoom) {

@@ -328,6 +328,26 @@ TEST(Server, HandlesRequestsOfSeveralConnectionsAtTheSameTime) {
   EXPECT_EQ(bodyOf(waiting.readAnswer()), "done");
 }
 
+// What watches over the server learns by it that a request which hangs is not the end of all.
+TEST(Server, LooksAfterItsConnectionsWhileARequestHangs) {
+  Gate gate;
+  std::atomic<int> sweeps{0};
+  ServerOptions options = test::onFreePort();
+  options.idleTimeout = std::chrono::milliseconds(40);
+  options.onSweep = [&sweeps] { ++sweeps; };
+  const TestServer server(options, [&](Request& /*request*/, Response& response) {
+    gate.pass();
+    response.body = "done";
+  });
+  RawClient waiting(server.port());
+  waiting.send(kGet);
+  ASSERT_TRUE(gate.waitForArrivals(1));
+  const int before = sweeps;
+  EXPECT_TRUE(test::waitUntil([&] { return sweeps > before + 3; }));
+  gate.open();
+  EXPECT_EQ(bodyOf(waiting.readAnswer()), "done");
+}
+
 TEST(Server, EndsWhileClientsComeAndGo) {
   for (int round = 0; round < 20; ++round) {
     ServerOptions options = test::onFreePort();

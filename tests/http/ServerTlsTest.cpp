@@ -1,4 +1,6 @@
+#include <filesystem>
 #include <gmock/gmock.h>
+#include <string>
 
 #include "http/ServerOptions.h"
 #include "http/ServerTls.h"
@@ -6,6 +8,8 @@
 #include "tests/support/Throws.h"
 
 namespace {
+
+namespace fs = std::filesystem;
 
 using http::makeServerTls;
 using http::SetupFault;
@@ -57,12 +61,53 @@ TEST_F(ServerTlsTest, SaysThatNoFileIsConfigured) {
 }
 
 TEST_F(ServerTlsTest, NamesAFileThatIsNoPem) {
-  const std::string text = m_files.directory().write("text.pem", "no certificate").string();
-  const std::string empty = m_files.directory().write("empty.pem", "").string();
+  const std::string text = m_files.directory().writePrivate("text.pem", "no certificate").string();
+  const std::string empty = m_files.directory().writePrivate("empty.pem", "").string();
 
   expectFault([&] { make(text, m_key); }, text, "PEM");
   expectFault([&] { make(m_certificate, text); }, text, "PEM");
   expectFault([&] { make(empty, m_key); }, empty, "empty");
+  expectFault([&] { make(m_certificate, empty); }, empty, "empty");
+}
+
+TEST_F(ServerTlsTest, NamesACertificateBehindWhichThereIsNone) {
+  const std::string broken =
+      m_files.directory()
+          .writePrivate("broken.pem", test::readText(m_certificate) +
+                                          "-----BEGIN CERTIFICATE-----\nno base 64\n"
+                                          "-----END CERTIFICATE-----\n")
+          .string();
+  expectFault([&] { make(broken, m_key); }, broken, "PEM");
+}
+
+TEST_F(ServerTlsTest, SendsTheChainBehindTheCertificate) {
+  boost::asio::ssl::context context = makeServerTls(m_certificate, m_key);
+  STACK_OF(X509)* chain = nullptr;
+  ASSERT_EQ(SSL_CTX_get0_chain_certs(context.native_handle(), &chain), 1);
+  EXPECT_EQ(sk_X509_num(chain), 1);
+}
+
+TEST_F(ServerTlsTest, DemandsAKeyThatNobodyElseCanRead) {
+  const std::string key =
+      m_files.directory().writePrivate("shared.key", test::readText(m_key)).string();
+  EXPECT_NO_THROW(make(m_certificate, key));
+  fs::permissions(key, fs::perms::group_read, fs::perm_options::add);
+  EXPECT_THAT([&] { make(m_certificate, key); },
+              test::ThrowsExactly<SetupFault>(
+                  "The key '" + key +
+                  "' can be read or changed by others than its owner; run: chmod 600 " + key));
+}
+
+TEST_F(ServerTlsTest, DemandsACertificateThatNobodyElseCanChange) {
+  const std::string file =
+      m_files.directory().writePrivate("shared.pem", test::readText(m_certificate)).string();
+  fs::permissions(file, fs::perms::others_read, fs::perm_options::add);
+  EXPECT_NO_THROW(make(file, m_key));
+  fs::permissions(file, fs::perms::others_write, fs::perm_options::add);
+  EXPECT_THAT([&] { make(file, m_key); },
+              test::ThrowsExactly<SetupFault>(
+                  "The certificate '" + file +
+                  "' can be changed by others than its owner; run: chmod go-w " + file));
 }
 
 TEST_F(ServerTlsTest, NamesADirectory) {

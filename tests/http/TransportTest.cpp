@@ -1,9 +1,14 @@
 // What is different between plain and encrypted connections. What is the same: ConnectionTest.
 
+#include <atomic>
+#include <boost/asio/local/stream_protocol.hpp>
+#include <boost/asio/write.hpp>
 #include <gmock/gmock.h>
+#include <string>
 
 #include "http/Clock.h"
 #include "tests/http/TestServer.h"
+#include "tests/support/TempDirectory.h"
 #include "tests/support/Throws.h"
 
 namespace {
@@ -106,6 +111,38 @@ TEST(PlainTransport, RefusesAnEncryptedClientAndGoesOn) {
   RawClient client(server.port());
   client.send(kGet);
   EXPECT_EQ(test::statusOf(client.readAnswer()), "200");
+}
+
+// A client that asks on and on, and reads nothing: there is no room left for the beginning of an
+// answer, which a local socket takes whole or not at all.
+TEST(PlainTransport, HoldsNoThreadWhereTheSystemHasNoRoomForAnAnswer) {
+  constexpr int kRequests = 400;
+  const test::TempDirectory directory;
+  ServerOptions options = test::onFreePort();
+  options.threads = 1;
+  const std::string path = (directory.path() / "a.sock").string();
+  options.endpoints.push_back({"", 0, false, path});
+  std::atomic<int> handled{0};
+  const TestServer server(options, [&handled](http::Request& request, http::Response& response) {
+    response.body = request.target() == "/" ? "small" : std::string(8192, 'x');
+    ++handled;
+  });
+  boost::asio::io_context context;
+  boost::asio::local::stream_protocol::socket hasty(context);
+  hasty.connect(path);
+  std::string requests;
+  for (int i = 0; i < kRequests; ++i) {
+    requests += "GET /piece HTTP/1.1\r\nHost: a\r\n\r\n";
+  }
+  boost::asio::write(hasty, boost::asio::buffer(requests));
+  // Meanwhile the only thread comes to the end of the room.
+  for (int i = 0; i < 20; ++i) {
+    RawClient client(server.port());
+    client.send(kGet);
+    EXPECT_EQ(test::bodyOf(client.readAnswer()), "small");
+  }
+  EXPECT_GT(handled, 20 + 1);
+  EXPECT_LT(handled, 20 + kRequests);
 }
 
 }  // namespace

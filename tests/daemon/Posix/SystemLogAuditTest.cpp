@@ -1,10 +1,12 @@
 #include <chrono>
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <optional>
 #include <string>
 #include <unistd.h>
 
 #include "daemon/Posix/SystemLogAudit.h"
+#include "platform/Posix/Descriptor.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Posix/DatagramSocket.h"
 #include "tests/support/Regex.h"
@@ -138,6 +140,21 @@ TEST(SystemLogAudit, DoesNotWaitForStandardError) {
   for (const int descriptor : {kept, ends[0], ends[1]}) {
     close(descriptor);
   }
+}
+
+// Nor may a full disk that it goes to cost more than the record.
+TEST(SystemLogAudit, GoesOnWhereStandardErrorIsAFullDisk) {
+  const test::LogCapture log;
+  const platform::Descriptor kept(dup(STDERR_FILENO));
+  const platform::Descriptor full(open("/dev/full", O_WRONLY | O_CLOEXEC));
+  ASSERT_TRUE(full.isOpen());
+  dup2(full.get(), STDERR_FILENO);
+  quorveld::SystemLogAudit audit("/missing");
+  const bool isDone = audit.write(kRecord, kPatience);
+  audit.writeElsewhere(kRecord);
+  dup2(kept.get(), STDERR_FILENO);
+  EXPECT_TRUE(isDone);
+  EXPECT_THAT(log.messages("quorveld::SystemLogAudit::write"), ElementsAre(HasSubstr(kLine)));
 }
 
 }  // namespace

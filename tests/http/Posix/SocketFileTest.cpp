@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "http/Posix/SocketFile.h"
+#include "http/ServerOptions.h"
 #include "platform/Posix/Descriptor.h"
 #include "tests/support/TempDirectory.h"
 
@@ -40,6 +41,15 @@ class SocketFileTest : public testing::Test {
     }
   }
 
+  std::string faultOfWay() {
+    try {
+      SocketFile::makeWay(m_path);
+      return "none";
+    } catch (const http::SetupFault& fault) {
+      return fault.what();
+    }
+  }
+
   test::TempDirectory m_directory;
   fs::path m_path = m_directory.path() / "run" / "a.sock";
 };
@@ -61,6 +71,51 @@ TEST_F(SocketFileTest, IsOpenToEveryUserAndRemovedInTheEnd) {
     EXPECT_EQ(fs::status(m_path).permissions(), fs::perms(0666));
   }
   EXPECT_FALSE(fs::exists(m_path));
+}
+
+TEST_F(SocketFileTest, IsInNoFolderThatOthersCanChange) {
+  ASSERT_EQ(errorOfWay(), 0);
+  const std::string folder = m_path.parent_path();
+  for (const mode_t mode : {0775U, 0757U, 0777U}) {
+    ASSERT_EQ(chmod(folder.c_str(), mode), 0);
+    const std::string text = faultOfWay();
+    EXPECT_THAT(text, testing::StartsWith("Cannot listen on unix:" + m_path.string()));
+    EXPECT_THAT(text, testing::EndsWith("run: chmod go-w " + folder));
+  }
+  // As /tmp is: what is there is its owner's.
+  ASSERT_EQ(chmod(folder.c_str(), 01777), 0);
+  EXPECT_EQ(faultOfWay(), "none");
+}
+
+TEST_F(SocketFileTest, IsInNoFolderOfAnotherUser) {
+  if (geteuid() != 0) {
+    GTEST_SKIP() << "only root can give a folder away";
+  }
+  ASSERT_EQ(errorOfWay(), 0);
+  ASSERT_EQ(chown(m_path.parent_path().c_str(), 64242, 64242), 0);
+  EXPECT_THAT(faultOfWay(), testing::HasSubstr("belongs to the user 64242"));
+}
+
+// Somebody else could have put it there since the socket was bound.
+TEST_F(SocketFileTest, OpensNothingElseToEveryUser) {
+  SocketFile::makeWay(m_path);
+  const fs::path secret = m_directory.writePrivate("run/secret", "secret");
+  fs::create_symlink(secret, m_path);
+  EXPECT_THROW(SocketFile{m_path}, std::system_error);
+  fs::remove(m_path);
+  fs::create_hard_link(secret, m_path);
+  EXPECT_THROW(SocketFile{m_path}, std::system_error);
+  EXPECT_EQ(fs::status(secret).permissions(), fs::perms(0600));
+}
+
+TEST_F(SocketFileTest, IsRemovedFromItsFolderWhereverThatIs) {
+  SocketFile::makeWay(m_path);
+  const Descriptor socket = bindTo(m_path);
+  auto file = std::make_unique<SocketFile>(m_path);
+  const fs::path moved = m_directory.path() / "moved";
+  fs::rename(m_path.parent_path(), moved);
+  file.reset();
+  EXPECT_FALSE(fs::exists(moved / m_path.filename()));
 }
 
 TEST_F(SocketFileTest, TakesThePlaceOfOneThatNobodyServes) {

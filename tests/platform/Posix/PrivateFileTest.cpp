@@ -1,16 +1,25 @@
+#include <array>
+#include <cerrno>
+#include <fcntl.h>
 #include <filesystem>
+#include <future>
 #include <gmock/gmock.h>
+#include <optional>
 #include <string>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/Posix/Descriptor.h"
 #include "platform/Posix/PrivateFile.h"
 #include "tests/support/TempDirectory.h"
+#include "tests/support/WaitUntil.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
+using platform::Descriptor;
 using platform::FileStamp;
 using platform::Privacy;
 using platform::PrivateFileFault;
@@ -91,6 +100,30 @@ TEST_F(PrivateFile, BelongsToRootOrToTheUserOfTheProgram) {
   }
 }
 
+// With mode 600 alone, the service could not read it any more.
+TEST_F(PrivateFile, OfRootIsGivenToTheUserOfTheProgram) {
+  EXPECT_EQ(faultOfOwner(0, 0640, Privacy::Secret),
+            "'/f' can be read or changed by others than its owner; run: chown 1000 /f && chmod 600 "
+            "/f");
+  EXPECT_THAT(faultOfOwner(kSelf, 0640, Privacy::Secret), EndsWith("; run: chmod 600 /f"));
+  EXPECT_THAT(faultOfOwner(0, 0664, Privacy::Unchanged), EndsWith("; run: chmod go-w /f"));
+}
+
+TEST_F(PrivateFile, TellsTheSystemsReason) {
+  const auto errorOf = [](const std::string& path) {
+    try {
+      static_cast<void>(platform::readPrivateFile(path, Privacy::Secret, kMost));
+      return -1;
+    } catch (const PrivateFileFault& fault) {
+      return fault.error();
+    }
+  };
+  EXPECT_EQ(errorOf("/missing"), ENOENT);
+  EXPECT_EQ(errorOf(m_directory.path().string()), EISDIR);
+  EXPECT_EQ(errorOf("/dev/null"), EOPNOTSUPP);
+  EXPECT_EQ(errorOf(write("x", 0644)), 0);
+}
+
 TEST_F(PrivateFile, IsJudgedWhereALinkLeads) {
   const std::string path = write("x", 0644);
   const fs::path link = m_directory.path() / "link";
@@ -114,13 +147,101 @@ TEST_F(PrivateFile, IsNotReadBeyondItsBound) {
   EXPECT_THAT(lineFault(write(std::string(kMost + 1, 'x'))), HasSubstr("longer than 100 bytes"));
 }
 
+// A pipe with text in it, as a shell gives it to a program.
+class GivenPipe {
+ public:
+  explicit GivenPipe(const std::string& text) {
+    std::array<int, 2> ends{-1, -1};
+    EXPECT_EQ(pipe(ends.data()), 0);
+    m_out = Descriptor(ends[0]);
+    m_in = Descriptor(ends[1]);
+    EXPECT_EQ(::write(m_in.get(), text.data(), text.size()), static_cast<ssize_t>(text.size()));
+  }
+  [[nodiscard]] int out() const { return m_out.get(); }
+  [[nodiscard]] int in() const { return m_in.get(); }
+
+ private:
+  Descriptor m_out;
+  Descriptor m_in;
+};
+
+std::string lineOf(const GivenPipe& pipe) {
+  return platform::readPrivateLine("/dev/fd/" + std::to_string(pipe.out()), kMost);
+}
+
 TEST_F(PrivateFile, GivesALineThroughAPipeOfAShell) {
-  int ends[2] = {-1, -1};
-  ASSERT_EQ(pipe(ends), 0);
-  ASSERT_EQ(::write(ends[1], "one\ntwo\n", 8), 8);
-  EXPECT_EQ(platform::readPrivateLine("/proc/self/fd/" + std::to_string(ends[0]), kMost), "one");
-  close(ends[0]);
-  close(ends[1]);
+  for (const char* const folder : {"/proc/self/fd/", "/dev/fd/"}) {
+    const GivenPipe given("one\ntwo\n");
+    EXPECT_EQ(platform::readPrivateLine(folder + std::to_string(given.out()), kMost), "one");
+  }
+}
+
+TEST_F(PrivateFile, GivesALineOfStandardInput) {
+  const GivenPipe given("one\ntwo\n");
+  const Descriptor before(dup(STDIN_FILENO));
+  ASSERT_GE(dup2(given.out(), STDIN_FILENO), 0);
+  EXPECT_EQ(platform::readPrivateLine("/dev/stdin", kMost), "one");
+  if (before.isOpen()) {
+    dup2(before.get(), STDIN_FILENO);
+  }
+}
+
+TEST_F(PrivateFile, WaitsForAPipeThatIsNotToBeWaitedFor) {
+  const GivenPipe given("on");
+  ASSERT_EQ(fcntl(given.out(), F_SETFL, O_NONBLOCK), 0);
+  auto line = std::async(std::launch::async, [&given] {
+    return platform::readPrivateLine("/dev/fd/" + std::to_string(given.out()), kMost);
+  });
+  // The reader has taken the beginning, and finds nothing more.
+  EXPECT_TRUE(test::waitUntil([&given] {
+    int bytes = -1;
+    return ioctl(given.out(), FIONREAD, &bytes) == 0 && bytes == 0;
+  }));
+  EXPECT_EQ(::write(given.in(), "e\n", 2), 2);
+  EXPECT_EQ(line.get(), "one");
+}
+
+// Has the process act as another user, as long as the object.
+class AsUser {
+ public:
+  explicit AsUser(uid_t user) { EXPECT_EQ(seteuid(user), 0); }
+  AsUser(const AsUser&) = delete;
+  AsUser& operator=(const AsUser&) = delete;
+  ~AsUser() { EXPECT_EQ(seteuid(0), 0); }
+};
+
+// Whose they are, is decided by who started the program on their other end.
+TEST_F(PrivateFile, MayBeReadThroughAPipeOfAnotherUserThatIsGiven) {
+  if (geteuid() != 0) {
+    GTEST_SKIP() << "only root can become another user";
+  }
+  const GivenPipe ofRoot("one\n");
+  std::optional<GivenPipe> ofSomebody;
+  {
+    const AsUser somebody(kSomebody);
+    ofSomebody.emplace("two\n");
+    EXPECT_EQ(lineOf(ofRoot), "one");
+  }
+  EXPECT_EQ(lineOf(*ofSomebody), "two");
+}
+
+TEST_F(PrivateFile, OfAGivenDescriptorIsJudgedAsByItsName) {
+  const Descriptor file(open(write("x", 0644).c_str(), O_RDONLY | O_CLOEXEC));
+  EXPECT_THAT(lineFault("/dev/fd/" + std::to_string(file.get())), HasSubstr("chmod 600"));
+}
+
+TEST_F(PrivateFile, MayBeNoPipeOfOthersThatHasAName) {
+  const std::string pipe = (m_directory.path() / "pipe").string();
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  ASSERT_EQ(chmod(pipe.c_str(), 0622), 0);
+  const Descriptor writer(open(pipe.c_str(), O_RDWR | O_CLOEXEC));
+  EXPECT_THAT(lineFault(pipe), HasSubstr("can be read or changed by others"));
+}
+
+TEST_F(PrivateFile, IsNoneWhereNoSuchDescriptorWasGiven) {
+  for (const char* const path : {"/dev/fd/65535", "/dev/fd/", "/dev/fd/-1", "/dev/fd/0x"}) {
+    EXPECT_THAT(lineFault(path), HasSubstr("cannot be read")) << path;
+  }
 }
 
 TEST_F(PrivateFile, HasAnotherStampAfterEachChange) {
