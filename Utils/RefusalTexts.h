@@ -13,6 +13,7 @@ inline constexpr const char* kTypesDiffer = "same image types";
 inline constexpr const char* kUnknownType = "is not recognized";
 inline constexpr const char* kInvalidParameter = "Invalid parameter detected for";
 inline constexpr const char* kCouldNotOpen = "Could not open the file";
+inline constexpr const char* kFileInUse = "it is in use by another program";
 inline constexpr const char* kImageTooLarge = "more than MaxImageSize allows";
 inline constexpr const char* kIsDirectory = "points to a directory";
 

@@ -70,7 +70,9 @@ FileBytes readImageFile(const std::string& text, TargetReservation& reservation)
   FileBytes file{std::make_unique_for_overwrite<std::uint8_t[]>(static_cast<std::size_t>(size)),
                  static_cast<std::uint32_t>(size)};
   if (os::readFile(path, file.data.get(), size) != size) {
-    refuse<EImageReadError>(reservation, readError);
+    const bool isInUse = os::isInUse(path);
+    refuse<EImageReadError>(reservation,
+                            isInUse ? readError + ": " + utils::refusal::kFileInUse : readError);
   }
   return file;
 }

@@ -40,6 +40,8 @@ constexpr Advice kAdvice[] = {
     {refusal::kUriDoesNotExist, "check the path; an image is a regular file below 2 GiB"},
     {refusal::kImageTooLarge,
      "get the right file, or raise MaxImageSize in the configuration of the machine that installs"},
+    {refusal::kFileInUse,
+     "end the program that has the file open, or wait until it is done, then try again"},
     {refusal::kImageReadError, "check the file and its permissions"},
     {refusal::kCouldNotOpen, "check the file and its permissions"},
     {refusal::kIsDirectory, "name the image file in that directory"},
