@@ -1,11 +1,13 @@
 #include "midapi/Windows/AccessList.h"
 
 #include <cstddef>
-#include <sddl.h>
 #include <string>
 #include <system_error>
 #include <vector>
 #include <windows.h>
+
+// Needs the header above.
+#include <sddl.h>
 
 #include "platform/Windows/Handle.h"
 #include "platform/Windows/SystemPath.h"

@@ -1,9 +1,11 @@
 #include <cstddef>
 #include <gmock/gmock.h>
-#include <sddl.h>
 #include <string>
 #include <vector>
 #include <windows.h>
+
+// Needs the header above.
+#include <sddl.h>
 
 #include "midapi/Windows/AccessList.h"
 #include "tests/support/TempDirectory.h"
