@@ -10,6 +10,7 @@
 #include "Utils/Printable.h"
 #include "Utils/RefusalTexts.h"
 #include "cim/MethodSignatures.h"
+#include "cli/LocalWords.h"
 #include "client/ErrorRecords.h"
 #include "client/Texts.h"
 #include "platform/Texts.h"
@@ -211,7 +212,7 @@ UpdateRequest requestIdentity(const client::Identity& identity, bool isForced,
 
 std::string adviseOnRefusal(std::uint32_t returnValue, const std::string& reason,
                             const UpdateRequest& request) {
-  return nameProgram(findAdvice(returnValue, reason, request), request.program);
+  return toLocalWords(nameProgram(findAdvice(returnValue, reason, request), request.program));
 }
 
 void reportRefusal(const Context& context, const std::string& what,

@@ -200,6 +200,25 @@ TEST_F(WindowsProgramTest, UpdatesFromPathsOfAnyLength) {
   DeleteFileW((LR"(\\?\)" + rom.native()).c_str());
 }
 
+TEST_F(WindowsProgramTest, SpeaksInItsHelpOfWhatThereIsOnWindows) {
+  for (const std::string command : {"adapters", "associations", "check", "classes", "identities",
+                                    "instances", "invoke", "jobs", "update", "watch", ""}) {
+    const ProgramResult result = command.empty() ? run({"--help"}) : run({command, "--help"});
+    EXPECT_EQ(result.exitStatus, 0) << command;
+    for (const char* word : {"--host", "/srv", "/etc", "/var", "Linux"}) {
+      EXPECT_THAT(result.output, Not(HasSubstr(word))) << command;
+    }
+  }
+  EXPECT_THAT(run({"update", "--help"}).output, HasSubstr("file://C:/firmware/older.rom"));
+}
+
+TEST_F(WindowsProgramTest, TakesAPathThatBeginsWithASlashForAPath) {
+  for (const std::string image : {"/quorvel-none.rom", "/json", "/?"}) {
+    expectFailure({"update", kPort, image}, AllOf(HasSubstr("refused: 5, Invalid Parameter"),
+                                                  HasSubstr("there is no file '")));
+  }
+}
+
 TEST_F(WindowsProgramTest, WorksOnAdaptersInADirectoryWithAnUmlaut) {
   test::demandWesternCodePage();
   const std::filesystem::path folder = m_files.path() / test::kUmlautPath;
