@@ -1,3 +1,4 @@
+#include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
 #include <system_error>
@@ -9,7 +10,10 @@
 namespace os {
 
 void setEnvironment(const std::string& name, const std::string& value) {
-  setenv(name.c_str(), value.c_str(), 1);
+  if (setenv(name.c_str(), value.c_str(), 1) != 0) {
+    throw utils::Exception("The environment variable '%s' could not be set: error %d", name.c_str(),
+                           errno);
+  }
 }
 
 void demandExactArguments() {}

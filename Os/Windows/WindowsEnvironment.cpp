@@ -15,7 +15,10 @@ constexpr std::size_t kMaxPath = 32768;
 }  // namespace
 
 void setEnvironment(const std::string& name, const std::string& value) {
-  _putenv_s(name.c_str(), value.c_str());
+  if (const int error = _putenv_s(name.c_str(), value.c_str()); error != 0) {
+    throw utils::Exception("The environment variable '%s' could not be set: error %d", name.c_str(),
+                           error);
+  }
 }
 
 void demandExactArguments() {
