@@ -17,6 +17,9 @@ inline constexpr const char* kFileInUse = "it is in use by another program";
 inline constexpr const char* kImageTooLarge = "more than MaxImageSize allows";
 inline constexpr const char* kIsDirectory = "points to a directory";
 
+// What stands before the processes that may have the flash lock.
+inline constexpr const char* kSemaphoreIsOpenIn = "its semaphore is open in ";
+
 // Types of failures, as texts begin with them.
 inline constexpr const char* kTargetInUse = "ETargetInUse:";
 inline constexpr const char* kJobIsRunning = "EJobIsRunning:";

@@ -224,6 +224,12 @@ void reportRefusal(const Context& context, const std::string& what,
 }
 
 std::string adviseOnFailure(const client::JobReport& job, const client::Connection& connection) {
+  if (job.errorText == refusal::kTimeout &&
+      job.flashHolder.find(refusal::kSemaphoreIsOpenIn) != std::string::npos) {
+    return "wait until the program that updates an adapter is done, then try again. Where none of "
+           "those that are named does, one that has died left the flash taken: end them all, and "
+           "it is free";
+  }
   if (job.errorText == refusal::kTimeout) {
     return "the flash could not be had for this process; another program may be using it. Try "
            "again when that has ended, or raise Timeout in the configuration";

@@ -172,6 +172,8 @@ TEST(FailureAdvice, TellsALockFromTheRest) {
   job.errorText = "Timeout Error";
   EXPECT_THAT(cli::adviseOnFailure(job, here()),
               AllOf(HasSubstr("another program"), HasSubstr("Timeout")));
+  job.flashHolder = "another program; its semaphore is open in host.exe, process 12";
+  EXPECT_THAT(cli::adviseOnFailure(job, here()), HasSubstr("end them all"));
   job.errorText = "Sector stuck";
   EXPECT_THAT(cli::adviseOnFailure(job, here()), HasSubstr("quorvel adapters"));
 }
