@@ -19,7 +19,7 @@ namespace os {
 [[nodiscard]] ORVEX_CORE_API std::string getMachineName();
 
 // Sets an environment variable of this process, before other threads exist; Windows removes it for
-// an empty value. Defined per platform.
+// an empty value. Throws utils::Exception where the system refuses it. Defined per platform.
 ORVEX_CORE_API void setEnvironment(const std::string& name, const std::string& value);
 
 // Throws utils::Exception when the program's arguments are not those that it was given: on Windows

@@ -27,7 +27,8 @@ namespace os {
 [[nodiscard]] ORVEX_CORE_API std::int32_t getFileSize(const std::string& path);
 
 // Reads up to `count` bytes from the start of the file. Returns how many were read: fewer when the
-// file is shorter, 0 when it cannot be opened.
+// file is shorter, 0 when it cannot be opened. (Windows: one that another program keeps for itself
+// is waited for, 2 s at the most.)
 [[nodiscard]] ORVEX_CORE_API std::int32_t readFile(const std::string& path, std::uint8_t* buffer,
                                                    std::int32_t count);
 
@@ -39,6 +40,10 @@ struct FileContent {
 
 // Reads as readFile does, with the same records, into a buffer of its own.
 [[nodiscard]] ORVEX_CORE_API FileContent readContent(const std::string& path, std::int32_t count);
+
+// Returns true when the file cannot be opened because another program keeps it for itself, which
+// POSIX does not know.
+[[nodiscard]] ORVEX_CORE_API bool isInUse(const std::string& path);
 
 // Returns true when the path names a directory (Windows: one without any further attribute).
 [[nodiscard]] ORVEX_CORE_API bool isThisADir(const std::string& path);

@@ -6,6 +6,7 @@
 #include "Utils/ClockText.h"
 #include "Utils/Exception.h"
 #include "Utils/Log.h"
+#include "Utils/RefusalTexts.h"
 
 namespace utils {
 
@@ -188,11 +189,20 @@ bool OSLocker::isGivenUp() const {
   return m_isGivenUp;
 }
 
+void OSLocker::noteCandidates(std::string candidates) {
+  const platform::Lock lock(m_waitMutex);
+  m_candidates = std::move(candidates);
+}
+
 std::string OSLocker::endWait(WaitResult result) {
   const platform::Lock lock(m_waitMutex);
   m_timeoutHolder = result == WaitResult::TimedOut ? describe(m_holder) : std::string();
+  if (!m_timeoutHolder.empty() && !m_candidates.empty()) {
+    m_timeoutHolder += std::string("; ") + utils::refusal::kSemaphoreIsOpenIn + m_candidates;
+  }
   m_isWaiting = false;
   m_holder.reset();
+  m_candidates.clear();
   return m_timeoutHolder;
 }
 

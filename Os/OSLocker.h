@@ -70,6 +70,8 @@ class ORVEX_CORE_API OSLocker : public utils::Singleton<OSLocker> {
   // or "another program" where that is not known; empty while none waits. Logs nothing.
   [[nodiscard]] static std::string describeAwaited();
   // Returns the same of whom the last Lock() waited for in vain; empty where that had no timeout.
+  // Behind "another program" stand those that may be it, where they are known (see
+  // utils::refusal::kSemaphoreIsOpenIn).
   [[nodiscard]] static std::string describeTimeout();
   // Returns why the last Lock() answered 1, for a person; empty where it did not, or nobody knows.
   [[nodiscard]] static std::string describeFailure();
@@ -100,6 +102,9 @@ class ORVEX_CORE_API OSLocker : public utils::Singleton<OSLocker> {
   // To be called by waitForSemaphore() when it has to wait: for whom, nothing where it does not
   // know.
   void noteWait(std::optional<LockHolder> holder);
+  // The same of one who waited in vain for somebody that he does not know: the processes that may
+  // have it, in words; none where that is not known either.
+  void noteCandidates(std::string candidates);
   // To be called by whoever finds, within a Lock(), that the semaphore cannot be had, and why.
   // Tells it on standard error, too: whoever asked for the update may read no log.
   void noteFailure(std::string reason);
@@ -120,6 +125,7 @@ class ORVEX_CORE_API OSLocker : public utils::Singleton<OSLocker> {
   mutable platform::Mutex m_waitMutex;  // a leaf
   bool m_isWaiting ORVEX_GUARDED_BY(m_waitMutex) = false;
   std::optional<LockHolder> m_holder ORVEX_GUARDED_BY(m_waitMutex);
+  std::string m_candidates ORVEX_GUARDED_BY(m_waitMutex);
   std::string m_timeoutHolder ORVEX_GUARDED_BY(m_waitMutex);
   std::string m_failure ORVEX_GUARDED_BY(m_waitMutex);
   bool m_wasHad ORVEX_GUARDED_BY(m_waitMutex) = false;

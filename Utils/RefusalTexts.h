@@ -13,8 +13,12 @@ inline constexpr const char* kTypesDiffer = "same image types";
 inline constexpr const char* kUnknownType = "is not recognized";
 inline constexpr const char* kInvalidParameter = "Invalid parameter detected for";
 inline constexpr const char* kCouldNotOpen = "Could not open the file";
+inline constexpr const char* kFileInUse = "it is in use by another program";
 inline constexpr const char* kImageTooLarge = "more than MaxImageSize allows";
 inline constexpr const char* kIsDirectory = "points to a directory";
+
+// What stands before the processes that may have the flash lock.
+inline constexpr const char* kSemaphoreIsOpenIn = "its semaphore is open in ";
 
 // Types of failures, as texts begin with them.
 inline constexpr const char* kTargetInUse = "ETargetInUse:";

@@ -62,7 +62,9 @@ os::FileContent readImageFile(const std::string& text, TargetReservation& reserv
   }
   os::FileContent file = os::readContent(path, size);
   if (file.size != size) {
-    refuse<EImageReadError>(reservation, readError);
+    const bool isInUse = os::isInUse(path);
+    refuse<EImageReadError>(reservation,
+                            isInUse ? readError + ": " + utils::refusal::kFileInUse : readError);
   }
   return file;
 }

@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <utility>
 
+#include "cli/LocalWords.h"
+
 namespace cli {
 namespace {
 
@@ -54,7 +56,7 @@ void Command::takeOneCommandAtMost() {
 }
 
 void Command::setFooter(const char* text) {
-  m_app->footer(text);
+  m_app->footer(toLocalHelp(text));
 }
 
 void Command::onChosen(std::function<void()> run) {

@@ -9,6 +9,7 @@
 #include "Utils/Printable.h"
 #include "cli/Command.h"
 #include "cli/JsonOutput.h"
+#include "cli/LocalWords.h"
 #include "cli/Session.h"
 #include "cli/TextTable.h"
 #include "client/Identities.h"
@@ -98,8 +99,9 @@ void print(const Context& context, const std::vector<client::ComparedIdentity>& 
   if (files.empty()) {
     context.out << "No firmware file was found. FWFilePath in "
                 << utils::toPrintable(configurationPlace)
-                << " names the directories to look in, separated by ';' (FWFilePath = "
-                   "/srv/firmware); one that does not exist is passed over.\n";
+                << toLocalWords(
+                       " names the directories to look in, separated by ';' (FWFilePath = "
+                       "/srv/firmware); one that does not exist is passed over.\n");
   } else if (files.front().adapters.empty()) {
     printFiles(context.out, files);
   } else {

@@ -3,10 +3,12 @@
 
 #include "Os/Environment.h"
 #include "Utils/Printable.h"
+#include "cli/ConsoleText.h"
 #include "cli/Program.h"
 
 int main(int argc, char** argv) {
   os::reserveStandardStreams();
+  const cli::ConsoleText consoleText;
   try {
     os::demandExactArguments();
     return cli::runProgram(argc, argv, std::cout, std::cerr);

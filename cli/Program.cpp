@@ -18,6 +18,7 @@
 #include "cli/InstancesCommand.h"
 #include "cli/InvokeCommand.h"
 #include "cli/JobsCommand.h"
+#include "cli/LocalWords.h"
 #include "cli/UpdateCommand.h"
 #include "cli/WatchCommand.h"
 #include "client/Fault.h"
@@ -71,7 +72,8 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
   host::addAdaptersOption(app, options.adapters);
   app.add_option(
          "--config", options.config,
-         "Configuration file (/etc/OrvexQuorvelProvider.conf); Windows takes its registry instead")
+         toLocalWords("Configuration file (/etc/OrvexQuorvelProvider.conf); Windows takes its "
+                      "registry instead"))
       ->type_name("FILE");
   host::addLogLevelOption(app, options.logLevel);
   app.add_option("--host", options.host,
@@ -91,6 +93,11 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
       ->type_name("NAME")
       ->check(host::notEmpty());
   app.add_flag("--json", options.isJson, "Print the result as one JSON document");
+  if (!hasHosts()) {
+    for (const char* option : {"--host", "--password-file", "--cacert", "--namespace"}) {
+      app.get_option(option)->group("");
+    }
+  }
 }
 
 bool takesWords(const CLI::App& command) {
@@ -148,12 +155,14 @@ ExitStatus runCommand(const Context& context) {
 
 int runProgram(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
   Context context{out, err, {}, {}};
-  CLI::App app(kDescription, "quorvel");
+  CLI::App app(toLocalWords(kDescription), "quorvel");
+  // A path may begin with a slash on every system.
+  app.allow_windows_style_options(false);
   app.fallthrough();
   app.require_subcommand(0, 1);
   app.set_version_flag("--version", "quorvel " QUORVEL_VERSION);
   app.set_help_flag("-h,--help", "Print help, also for a command");
-  app.footer(kFooter);
+  app.footer(toLocalHelp(kFooter));
   app.failure_message(describeParseFailure);
   addGlobalOptions(app, context.options);
   for (const auto addCommand : kCommands) {

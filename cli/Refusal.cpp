@@ -10,6 +10,7 @@
 #include "Utils/Printable.h"
 #include "Utils/RefusalTexts.h"
 #include "cim/MethodSignatures.h"
+#include "cli/LocalWords.h"
 #include "client/ErrorRecords.h"
 #include "client/Texts.h"
 #include "platform/Texts.h"
@@ -40,6 +41,8 @@ constexpr Advice kAdvice[] = {
     {refusal::kUriDoesNotExist, "check the path; an image is a regular file below 2 GiB"},
     {refusal::kImageTooLarge,
      "get the right file, or raise MaxImageSize in the configuration of the machine that installs"},
+    {refusal::kFileInUse,
+     "end the program that has the file open, or wait until it is done, then try again"},
     {refusal::kImageReadError, "check the file and its permissions"},
     {refusal::kCouldNotOpen, "check the file and its permissions"},
     {refusal::kIsDirectory, "name the image file in that directory"},
@@ -209,7 +212,7 @@ UpdateRequest requestIdentity(const client::Identity& identity, bool isForced,
 
 std::string adviseOnRefusal(std::uint32_t returnValue, const std::string& reason,
                             const UpdateRequest& request) {
-  return nameProgram(findAdvice(returnValue, reason, request), request.program);
+  return toLocalWords(nameProgram(findAdvice(returnValue, reason, request), request.program));
 }
 
 void reportRefusal(const Context& context, const std::string& what,
@@ -223,6 +226,11 @@ void reportRefusal(const Context& context, const std::string& what,
 std::string adviseOnFailure(const client::JobReport& job, const client::Connection& connection) {
   if (job.errorText != refusal::kTimeout) {
     return nameProgram("'quorvel adapters' shows what the adapter holds now", connection.program());
+  }
+  if (job.flashHolder.find(refusal::kSemaphoreIsOpenIn) != std::string::npos) {
+    return "wait until the program that updates an adapter is done, then try again. Where none of "
+           "those that are named does, one that has died left the flash taken: end them all, and "
+           "it is free";
   }
   if (connection.isRemote()) {
     return "the host could not have the flash: another program on its machine had it for longer "

@@ -8,6 +8,9 @@ namespace {
 // The words of the portable error, where there is one: the same on every platform and in one
 // language.
 std::string describe(std::error_code code) {
+  if (code == std::errc::text_file_busy) {
+    return "it is in use by another program";
+  }
   return code.default_error_condition().message();
 }
 

@@ -12,6 +12,7 @@
 #include "midapi/VirtualFlashBackend.h"
 #include "midapi/WriteProgress.h"
 #include "platform/Clock.h"
+#include "platform/StayAwake.h"
 
 namespace ma {
 namespace {
@@ -272,6 +273,7 @@ bool writeFlashImage(const std::string& adapter, const std::uint8_t* image, std:
     if (imageSize == 0) {
       throw FlashFault(FlashError::EmptyImage, adapter + " keeps what it holds");
     }
+    const platform::StayAwake awake;
     backend().writeFlash(port, {image, imageSize}, progressTable().start(port.adapter));
   });
 }

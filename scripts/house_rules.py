@@ -115,6 +115,9 @@ NO_OWN_TEST = [
     ("cli/Main.cpp", "the program's entry point: one call", None),
     ("daemon/Main.cpp", "the program's entry point: one call", None),
     ("http/Libraries.cpp", "other people's code, compiled here", None),
+    ("platform/Posix/PosixStayAwake.cpp", "asks nothing of anybody", None),
+    ("cli/Posix/ConsoleText.cpp", "asks nothing of anybody", None),
+    ("cli/Posix/LocalWords.cpp", "the words are written for it", None),
     ("*/Posix/LoadHook.cpp", "runs when a module is loaded; the tests over the real modules load it", None),
     ("*/Windows/LoadHook.cpp", "as on POSIX", None),
 ]

@@ -1,4 +1,5 @@
 #include <array>
+#include <cerrno>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
@@ -22,7 +23,10 @@ std::string getMachineName() {
 }
 
 void setEnvironment(const std::string& name, const std::string& value) {
-  setenv(name.c_str(), value.c_str(), 1);
+  if (setenv(name.c_str(), value.c_str(), 1) != 0) {
+    throw utils::Exception("The environment variable '%s' could not be set: error %d", name.c_str(),
+                           errno);
+  }
 }
 
 void demandExactArguments() {}

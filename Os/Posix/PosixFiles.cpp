@@ -106,6 +106,10 @@ std::int32_t readFile(const std::string& path, std::uint8_t* buffer, std::int32_
   return content.size;
 }
 
+bool isInUse(const std::string& /*path*/) {
+  return false;
+}
+
 bool isThisADir(const std::string& path) {
   utils::logDebug(kLog, "os::isThisADir", "Checking if the declared path %s points to a directory",
                   path.c_str());

@@ -23,7 +23,10 @@ std::string getMachineName() {
 }
 
 void setEnvironment(const std::string& name, const std::string& value) {
-  _putenv_s(name.c_str(), value.c_str());
+  if (const int error = _putenv_s(name.c_str(), value.c_str()); error != 0) {
+    throw utils::Exception("The environment variable '%s' could not be set: error %d", name.c_str(),
+                           error);
+  }
 }
 
 void demandExactArguments() {

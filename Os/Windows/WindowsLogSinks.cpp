@@ -2,6 +2,7 @@
 #include <new>
 #include <windows.h>
 
+#include "Os/Windows/LateRecords.h"
 #include "Utils/Format.h"
 #include "Utils/Log.h"
 #include "Utils/Printable.h"
@@ -13,18 +14,13 @@ constexpr const char* kEventSource = "Zolan Quorvel Provider";
 
 class WindowsLogSinks : public LogSinks {
  public:
-  // The source is registered and deregistered for every entry: nothing is kept open in the host's
-  // process. Without a source the report is tried all the same.
   void writeEventLog(const std::string& line) noexcept override {
-    const HANDLE source = RegisterEventSourceA(nullptr, kEventSource);
-    if (source == nullptr) {
-      reportProblem("RegisterEventSource", "");
+    if (os::isInLoader()) {
+      os::keepRecord(line);
+      return;
     }
-    const char* text = line.c_str();
-    if (ReportEventA(source, EVENTLOG_ERROR_TYPE, 0, 0, nullptr, 1, 0, &text, nullptr) == FALSE) {
-      reportProblem("ReportEvent ", text);
-    }
-    DeregisterEventSource(source);
+    os::writeRecordsNow();
+    report(line);
   }
 
   void writeDebugChannel(const std::string& line) noexcept override {
@@ -41,6 +37,20 @@ class WindowsLogSinks : public LogSinks {
   }
 
  private:
+  // The source is registered and deregistered for every entry: nothing is kept open in the host's
+  // process. Without a source the report is tried all the same.
+  void report(const std::string& line) noexcept {
+    const HANDLE source = RegisterEventSourceA(nullptr, kEventSource);
+    if (source == nullptr) {
+      reportProblem("RegisterEventSource", "");
+    }
+    const char* text = line.c_str();
+    if (ReportEventA(source, EVENTLOG_ERROR_TYPE, 0, 0, nullptr, 1, 0, &text, nullptr) == FALSE) {
+      reportProblem("ReportEvent ", text);
+    }
+    DeregisterEventSource(source);
+  }
+
   // Tells the debugger of the system's last error; of its number alone where there is no memory.
   void reportProblem(const char* operation, const char* line) noexcept {
     const auto error = static_cast<unsigned>(GetLastError());

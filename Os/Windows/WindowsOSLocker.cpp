@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include "Os/Windows/HandleOwners.h"
 #include "Os/Windows/SystemText.h"
 #include "Os/Windows/WindowsSemaphoreWrapper.h"
 #include "Utils/Exception.h"
@@ -19,10 +20,22 @@ utils::WindowsSemaphoreWrapper& semaphores() {
 // Opens or creates the semaphore with access for everyone: a DACL that is there and null.
 platform::Handle createSemaphore() {
   SECURITY_DESCRIPTOR descriptor{};
-  InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION);
-  SetSecurityDescriptorDacl(&descriptor, TRUE, nullptr, FALSE);
+  if (InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION) == FALSE ||
+      SetSecurityDescriptorDacl(&descriptor, TRUE, nullptr, FALSE) == FALSE) {
+    throw LockFault(getSystemText(GetLastError()));
+  }
   SECURITY_ATTRIBUTES attributes{sizeof(SECURITY_ATTRIBUTES), &descriptor, TRUE};
   return platform::Handle(semaphores().create(&attributes, kCount, kCount, kSemaphoreName));
+}
+
+// Returns those who may have it. One who has died is none of them, and yet has it for as long as
+// others keep the semaphore open.
+std::string describeOwners(void* semaphore) {
+  std::string text;
+  for (const HandleOwner& owner : findOtherOwners(semaphore)) {
+    text += (text.empty() ? "" : "; ") + owner.toString();
+  }
+  return text;
 }
 
 }  // namespace
@@ -46,7 +59,11 @@ bool OSLockerWindows::hasSemaphore() const {
 OSLocker::WaitResult OSLockerWindows::waitForSemaphore(std::uint32_t milliseconds) {
   // A semaphore does not tell who has it.
   noteWait(std::nullopt);
-  return static_cast<WaitResult>(semaphores().wait(m_semaphore.get(), milliseconds));
+  const auto result = static_cast<WaitResult>(semaphores().wait(m_semaphore.get(), milliseconds));
+  if (result == WaitResult::TimedOut) {
+    noteCandidates(describeOwners(m_semaphore.get()));
+  }
+  return result;
 }
 
 std::optional<OSLocker::SystemError> OSLockerWindows::releaseSemaphore() {

@@ -18,7 +18,7 @@ namespace {
 
 constexpr LogSource kLog{"Os/Windows/Windows"};
 constexpr const char* kGetRegistryData = "utils::WindowsRegistry::getRegistryData";
-constexpr std::size_t kMaxData = 256;  // bytes of a value that is read
+constexpr std::size_t kMaxData = WindowsRegistry::kMaxValueSize;
 constexpr std::size_t kBytesOfUnit = 4;
 
 HKEY toHkey(WindowsRegistry::Hive hive) {
@@ -135,6 +135,19 @@ bool WindowsRegistry::getRegistryData(Hive hive, const std::string& path, ValueT
   const auto* characters = reinterpret_cast<const char*>(data.bytes.data());
   text.assign(characters, strnlen(characters, data.size));
   return true;
+}
+
+std::optional<WindowsRegistry::ValueFacts> WindowsRegistry::findValue(Hive hive,
+                                                                      const std::string& path,
+                                                                      const std::string& name) {
+  const Key key = openToRead(*this, hive, path);
+  DWORD type = REG_NONE;
+  DWORD size = 0;
+  if (!key.isOpen() || RegQueryValueExA(key.handle(), name.c_str(), nullptr, &type, nullptr,
+                                        &size) != ERROR_SUCCESS) {
+    return std::nullopt;
+  }
+  return ValueFacts{type, size};
 }
 
 bool WindowsRegistry::createTextValue(Hive hive, const std::string& path, const std::string& name,

@@ -3,7 +3,9 @@
 #ifndef ORVEX_OS_WINDOWS_WINDOWSREGISTRY_H_
 #define ORVEX_OS_WINDOWS_WINDOWSREGISTRY_H_
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,6 +37,20 @@ class ORVEX_CORE_API WindowsRegistry : public AutoSingleton<WindowsRegistry> {
                                      const std::string& name, std::uint32_t& number);
   [[nodiscard]] bool getRegistryData(Hive hive, const std::string& path, ValueType type,
                                      const std::string& name, std::string& text);
+
+  // What is known of a value before it is read.
+  struct ValueFacts {
+    ValueType type = 0;
+    std::size_t size = 0;  // bytes
+  };
+
+  // The most bytes of a value that is read.
+  static constexpr std::size_t kMaxValueSize = 256;
+
+  // Returns what kind of value there is, whatever that is; nothing where there is none. Logs
+  // nothing.
+  [[nodiscard]] std::optional<ValueFacts> findValue(Hive hive, const std::string& path,
+                                                    const std::string& name);
 
   // Creates a REG_SZ value, and its key where that is missing.
   [[nodiscard]] bool createTextValue(Hive hive, const std::string& path, const std::string& name,

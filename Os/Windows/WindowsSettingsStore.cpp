@@ -1,3 +1,4 @@
+#include <array>
 #include <windows.h>
 
 #include "Os/SettingsStore.h"
@@ -8,12 +9,50 @@ namespace {
 
 constexpr const char* kRoot = "SOFTWARE\\ZOLAN\\Network_Services\\";
 
+// Indexed by the number of the type.
+constexpr std::array<const char*, 12> kTypeNames = {"REG_NONE",
+                                                    "REG_SZ",
+                                                    "REG_EXPAND_SZ",
+                                                    "REG_BINARY",
+                                                    "REG_DWORD",
+                                                    "REG_DWORD_BIG_ENDIAN",
+                                                    "REG_LINK",
+                                                    "REG_MULTI_SZ",
+                                                    "REG_RESOURCE_LIST",
+                                                    "REG_FULL_RESOURCE_DESCRIPTOR",
+                                                    "REG_RESOURCE_REQUIREMENTS_LIST",
+                                                    "REG_QWORD"};
+
+std::string nameOf(WindowsRegistry::ValueType type) {
+  return type < kTypeNames.size() ? kTypeNames[type] : std::to_string(type);
+}
+
+WindowsRegistry::Hive machine() {
+  return reinterpret_cast<WindowsRegistry::Hive>(HKEY_LOCAL_MACHINE);
+}
+
+// Returns why a value is passed over that is there, empty where it is not or is read.
+std::string findDefect(const SettingName& setting) {
+  const auto facts = WindowsRegistry::getInstance()->findValue(
+      machine(), std::string(kRoot) + setting.key, setting.name);
+  if (!facts) {
+    return "";
+  }
+  const WindowsRegistry::ValueType needed = setting.isNumber ? REG_DWORD : REG_SZ;
+  if (facts->type != needed) {
+    return "its type is " + nameOf(facts->type) + "; write it as " + nameOf(needed);
+  }
+  return facts->size > WindowsRegistry::kMaxValueSize
+             ? "it has " + std::to_string(facts->size) + " bytes, more than the " +
+                   std::to_string(WindowsRegistry::kMaxValueSize) + " that are read"
+             : "";
+}
+
 template <class Value>
 bool readValue(const SettingName& setting, WindowsRegistry::ValueType type, Value& value) {
-  const auto hive = reinterpret_cast<WindowsRegistry::Hive>(HKEY_LOCAL_MACHINE);
   Value found{};
-  if (!WindowsRegistry::getInstance()->getRegistryData(hive, std::string(kRoot) + setting.key, type,
-                                                       setting.name, found)) {
+  if (!WindowsRegistry::getInstance()->getRegistryData(machine(), std::string(kRoot) + setting.key,
+                                                       type, setting.name, found)) {
     return false;
   }
   value = found;
@@ -42,8 +81,14 @@ std::string SettingsStore::placeOf(const SettingName& setting) const {
   return placeOf({}, setting.key) + "\\" + setting.name;
 }
 
-std::vector<std::string> SettingsStore::findProblems(std::span<const SettingName> /*known*/) const {
-  return {};
+std::vector<std::string> SettingsStore::findProblems(std::span<const SettingName> known) const {
+  std::vector<std::string> problems;
+  for (const SettingName& setting : known) {
+    if (const std::string defect = findDefect(setting); !defect.empty()) {
+      problems.push_back(placeOf(setting) + ": " + setting.name + " is ignored: " + defect);
+    }
+  }
+  return problems;
 }
 
 }  // namespace utils

@@ -2,6 +2,7 @@
 #include <windows.h>
 
 #include "Os/SharedLibrary.h"
+#include "Os/Windows/LateRecords.h"
 #include "Os/Windows/SystemText.h"
 #include "Utils/Exception.h"
 #include "platform/Paths.h"
@@ -29,10 +30,11 @@ void loadSharedLibrary(const std::filesystem::path& path) {
   const platform::NoErrorDialogs noDialogs;
   // Slashes are not defined here.
   const std::filesystem::path native = std::filesystem::path(path).make_preferred();
-  if (LoadLibraryExW(native.c_str(), nullptr,
-                     LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS) ==
-      nullptr) {
-    const auto error = static_cast<std::uint32_t>(GetLastError());
+  const HMODULE library = LoadLibraryExW(
+      native.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
+  const auto error = static_cast<std::uint32_t>(GetLastError());
+  writeRecordsNow();
+  if (library == nullptr) {
     throw utils::Exception("Could not load the library '%s': %s", shown.c_str(),
                            describeSystemError(error, shown).c_str());
   }

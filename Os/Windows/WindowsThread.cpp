@@ -42,8 +42,10 @@ int NativeThread::start(Entry entry, void* argument, const void* inModule) {
 }
 
 int NativeThread::join() {
-  if (GetCurrentThreadId() != m_state->identifier) {
-    WaitForSingleObject(m_state->handle, INFINITE);
+  if (GetCurrentThreadId() != m_state->identifier &&
+      WaitForSingleObject(m_state->handle, INFINITE) != WAIT_OBJECT_0) {
+    utils::logError(kLog, "utils::Thread::~Thread", "Could not wait for thread %u. Error %d",
+                    static_cast<unsigned>(m_state->identifier), static_cast<int>(GetLastError()));
   }
   return CloseHandle(m_state->handle) != FALSE ? 0 : static_cast<int>(GetLastError());
 }

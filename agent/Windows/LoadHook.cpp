@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "Os/OSLocker.h"
+#include "Os/Windows/LateRecords.h"
 #include "Os/Windows/WindowsRegistry.h"
 
 namespace {
@@ -21,6 +22,7 @@ void prepareFlashLock() {
 // destroyed after it. The agent is served without them, too: an update then ends with an error.
 [[maybe_unused]] const bool s_isPrepared =
     (os::runLoadHook(kLog, "The access to the registry could not be made", prepareRegistry),
-     os::runLoadHook(kLog, "The flash lock could not be made", prepareFlashLock), true);
+     os::runLoadHook(kLog, "The flash lock could not be made", prepareFlashLock),
+     os::writeRecordsSoon(), true);
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include "Os/Windows/LateRecords.h"
 #include "inventory/SoftwareInventoryAgent.h"
 
 namespace {
@@ -13,6 +14,7 @@ constexpr utils::LogSource kLog{"SoftwareInventoryAgent"};
 extern "C" BOOL WINAPI DllMain(HANDLE /*module*/, DWORD reason, LPVOID /*reserved*/) {
   if (reason == DLL_PROCESS_ATTACH) {
     os::runLoadHook(kLog, os::kNotRegistered, inventory::addSoftwareInventoryAgent);
+    os::writeRecordsSoon();
   }
   return TRUE;
 }

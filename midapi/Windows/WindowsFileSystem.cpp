@@ -1,81 +1,138 @@
 #include "midapi/Windows/WindowsFileSystem.h"
 
 #include <algorithm>
-#include <chrono>
+#include <exception>
 #include <limits>
 #include <optional>
 #include <span>
+#include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 #include <windows.h>
 
+#include "midapi/Windows/AccessList.h"
+#include "midapi/Windows/FolderEntries.h"
 #include "platform/Mutex.h"
+#include "platform/Paths.h"
 #include "platform/Windows/Handle.h"
+#include "platform/Windows/InUse.h"
 #include "platform/Windows/NoErrorDialogs.h"
+#include "platform/Windows/SystemPath.h"
 
 namespace ma {
 namespace {
 
 namespace fs = std::filesystem;
 
-[[noreturn]] void fail(const char* operation, const fs::path& path, DWORD error) {
-  throw FileFault(operation, path,
-                  std::error_code(static_cast<int>(error), std::system_category()));
+[[noreturn]] void fail(const char* operation, const fs::path& path, std::error_code error) {
+  throw FileFault(operation, path, error);
 }
 
 // For what is found out here and not by the system.
 [[noreturn]] void fail(const char* operation, const fs::path& path, std::errc error) {
-  throw FileFault(operation, path, std::make_error_code(error));
+  fail(operation, path, std::make_error_code(error));
 }
 
-// Returns whether the error is that of a file that somebody has open.
-bool isInUse(DWORD error) {
-  return error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION;
+[[noreturn]] void fail(const char* operation, const fs::path& path, DWORD error) {
+  if (platform::isInUse(error)) {
+    fail(operation, path, std::errc::text_file_busy);
+  }
+  fail(operation, path, std::error_code(static_cast<int>(error), std::system_category()));
 }
 
+bool isMissing(DWORD error) {
+  return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+}
+
+// Returns whether the error may be that of a file that somebody has open: what is shared in other
+// ways than replacing, or removing, needs is forbidden to do.
+bool mayBeInUse(DWORD error) {
+  return error == ERROR_ACCESS_DENIED || platform::isInUse(error);
+}
+
+// A link to a folder is one, too.
 bool isFolder(const fs::path& path) {
-  const DWORD attributes = GetFileAttributesW(path.c_str());
+  const DWORD attributes = GetFileAttributesW(platform::toSystemPath(path).c_str());
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
-
-// How long a file is waited for that others have open. They read a few megabytes at the most, and
-// what they hold longer they do not let go in the time that a caller waits.
-constexpr std::chrono::seconds kPatience{2};
-constexpr std::chrono::milliseconds kPause{1};
 
 // Moves a file or folder. A file in its way is replaced, which the system refuses for as long as
 // anybody has that open; `readers` is locked for each attempt. Returns the error, 0 for none.
 DWORD moveInto(const fs::path& from, const fs::path& to, platform::Mutex& readers,
                platform::Clock& clock) {
-  const platform::Clock::TimePoint deadline = clock.now() + kPatience;
-  for (;;) {
-    DWORD error = ERROR_SUCCESS;
-    {
-      const platform::Lock lock(readers);
-      if (MoveFileExW(from.c_str(), to.c_str(),
-                      MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) == FALSE) {
-        error = GetLastError();
-      }
-    }
-    if (error == ERROR_SUCCESS) {
-      return error;
-    }
-    if (!isInUse(error) || isFolder(to) || clock.now() >= deadline) {
-      return error;
-    }
-    clock.sleepFor(kPause);
-  }
+  const fs::path source = platform::toSystemPath(from);
+  const fs::path target = platform::toSystemPath(to);
+  return platform::retryWhile(
+      [&to](DWORD error) { return mayBeInUse(error) && !isFolder(to); }, clock,
+      [&source, &target, &readers]() -> platform::SystemError {
+        const platform::Lock lock(readers);
+        return MoveFileExW(source.c_str(), target.c_str(),
+                           MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) == FALSE
+                   ? GetLastError()
+                   : ERROR_SUCCESS;
+      });
 }
 
-platform::Handle openFile(const char* operation, const fs::path& path, DWORD access, DWORD creation,
-                          DWORD flags = 0) {
-  const HANDLE file =
-      CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                  nullptr, creation, FILE_ATTRIBUTE_NORMAL | flags, nullptr);
-  if (file == INVALID_HANDLE_VALUE) {
-    fail(operation, path, GetLastError());
+// Returns the system's error, 0 for none.
+DWORD openFile(const fs::path& path, DWORD access, DWORD creation, DWORD flags,
+               platform::Handle& file) {
+  const HANDLE opened = CreateFileW(platform::toSystemPath(path).c_str(), access,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    creation, FILE_ATTRIBUTE_NORMAL | flags, nullptr);
+  if (opened == INVALID_HANDLE_VALUE) {
+    return GetLastError();
   }
-  return platform::Handle(file);
+  file = platform::Handle(opened);
+  return ERROR_SUCCESS;
+}
+
+platform::Handle createFile(const fs::path& path) {
+  platform::Handle file;
+  if (const DWORD error =
+          openFile(path, GENERIC_WRITE, CREATE_NEW, FILE_FLAG_OPEN_REPARSE_POINT, file);
+      error != ERROR_SUCCESS) {
+    fail("create", path, error);
+  }
+  return file;
+}
+
+// Where the data of services stand.
+fs::path programData() {
+  const fs::path base = environmentPath("ProgramData");
+  return base.empty() ? fs::path("C:\\ProgramData") : base;
+}
+
+bool isInProgramData(const fs::path& path) {
+  const std::wstring base = programData().native();
+  const std::wstring& text = path.native();
+  return text.size() > base.size() && text[base.size()] == L'\\' &&
+         CompareStringOrdinal(text.data(), static_cast<int>(base.size()), base.data(),
+                              static_cast<int>(base.size()), TRUE) == CSTR_EQUAL;
+}
+
+// Makes a folder that must not exist. Returns the system's error, 0 for none.
+DWORD makeFolder(const fs::path& path, void* attributes) {
+  return CreateDirectoryW(platform::toSystemPath(path).c_str(),
+                          static_cast<SECURITY_ATTRIBUTES*>(attributes)) == FALSE
+             ? GetLastError()
+             : ERROR_SUCCESS;
+}
+
+// `path` is absolute. Somebody else may be making the same folders.
+void makeFolders(const fs::path& path) {
+  if (isFolder(path)) {
+    return;
+  }
+  if (const fs::path parent = path.parent_path(); parent != path && !parent.empty()) {
+    makeFolders(parent);
+  }
+  const std::unique_ptr<PrivateFolderAttributes> attributes =
+      isInProgramData(path) ? std::make_unique<PrivateFolderAttributes>() : nullptr;
+  const DWORD error = makeFolder(path, attributes != nullptr ? attributes->get() : nullptr);
+  if (error != ERROR_SUCCESS && !isFolder(path)) {
+    fail("create", path, error);
+  }
 }
 
 // Returns how many of the bytes one call may transfer.
@@ -85,9 +142,7 @@ DWORD portionOf(std::size_t size) {
 
 class WindowsWritableFile final : public WritableFile {
  public:
-  explicit WindowsWritableFile(const fs::path& path)
-      : m_path(path),
-        m_file(openFile("create", path, GENERIC_WRITE, CREATE_NEW, FILE_FLAG_OPEN_REPARSE_POINT)) {}
+  explicit WindowsWritableFile(const fs::path& path) : m_path(path), m_file(createFile(path)) {}
 
   void append(ConstBytes bytes) override {
     const platform::NoErrorDialogs noDialogs;
@@ -137,8 +192,155 @@ class WindowsFileSystem final : public FileSystem {
     if (isFolder(path)) {
       fail("read", path, std::errc::is_a_directory);
     }
+    FileBytes content;
+    if (const DWORD error = platform::retryWhile(platform::isInUse, m_clock,
+                                                 [&] { return readOnce(path, maxSize, content); });
+        error != ERROR_SUCCESS) {
+      fail("read", path, error);
+    }
+    return content;
+  }
+
+  Folders folders(const fs::path& path) override {
+    const platform::NoErrorDialogs noDialogs;
+    Folders found;
+    if (const DWORD error = forEachEntry(path,
+                                         [&found](const FolderEntry& entry) {
+                                           if (entry.isFolder) {
+                                             found.names.push_back(entry.name);
+                                           }
+                                           found.hasLinks = found.hasLinks || entry.isLink;
+                                           return true;
+                                         });
+        error != ERROR_SUCCESS) {
+      fail("read", path, error);
+    }
+    return found;
+  }
+
+  std::optional<FileIdentity> identity(const fs::path& path) const noexcept override {
+    return platform::identifyFile(path);
+  }
+
+  bool exists(const fs::path& path) override {
+    const platform::NoErrorDialogs noDialogs;
+    if (GetFileAttributesW(platform::toSystemPath(path).c_str()) != INVALID_FILE_ATTRIBUTES) {
+      return true;
+    }
+    if (const DWORD error = GetLastError(); !isMissing(error)) {
+      fail("look up", path, error);
+    }
+    return false;
+  }
+
+  std::vector<fs::path> entries(const fs::path& path, std::size_t max) override {
+    const platform::NoErrorDialogs noDialogs;
+    std::vector<fs::path> names;
+    if (const DWORD error = forEachEntry(path,
+                                         [&names, max](const FolderEntry& entry) {
+                                           if (names.size() < max) {
+                                             names.push_back(entry.name);
+                                           }
+                                           return names.size() < max;
+                                         });
+        error != ERROR_SUCCESS) {
+      fail("read", path, error);
+    }
+    return names;
+  }
+
+  std::unique_ptr<WritableFile> create(const fs::path& path) override {
+    const platform::NoErrorDialogs noDialogs;
+    return std::make_unique<WindowsWritableFile>(path);
+  }
+
+  void replace(const fs::path& from, const fs::path& to) override {
+    const platform::NoErrorDialogs noDialogs;
+    if (const DWORD error = copyAccessList(to, from); error != ERROR_SUCCESS) {
+      fail("replace", to, error);
+    }
+    const DWORD error = moveInto(from, to, m_readers, m_clock);
+    if (error == ERROR_ACCESS_DENIED && platform::isOpenElsewhere(to)) {
+      fail("replace", to, std::errc::text_file_busy);
+    }
+    if (error != ERROR_SUCCESS) {
+      fail("replace", to, error);
+    }
+  }
+
+  void createFolder(const fs::path& path) override {
+    const platform::NoErrorDialogs noDialogs;
+    if (const DWORD error = makeFolder(path, nullptr); error != ERROR_SUCCESS) {
+      fail("create", path, error);
+    }
+  }
+
+  void createFolders(const fs::path& path) override {
+    const platform::NoErrorDialogs noDialogs;
+    std::error_code error;
+    const fs::path whole = platform::makeAbsolute(path, error);
+    if (error) {
+      fail("create", path, error);
+    }
+    try {
+      makeFolders(whole);
+    } catch (const std::system_error& fault) {
+      fail("create", path, fault.code());
+    }
+  }
+
+  void syncFolder(const fs::path& /*path*/) override {}
+
+  void remove(const fs::path& path) override {
+    const platform::NoErrorDialogs noDialogs;
+    const fs::path native = platform::toSystemPath(path);
+    const DWORD error =
+        platform::retryWhile(platform::isInUse, m_clock, [&native]() -> platform::SystemError {
+          return DeleteFileW(native.c_str()) == FALSE ? GetLastError() : ERROR_SUCCESS;
+        });
+    if (error != ERROR_SUCCESS && !isMissing(error)) {
+      fail("remove", path, error);
+    }
+  }
+
+  std::unique_ptr<FileLock> lock(const fs::path& path) override {
+    const platform::NoErrorDialogs noDialogs;
+    if (isFolder(path)) {
+      fail("lock", path, std::errc::is_a_directory);
+    }
+    const HANDLE file = CreateFileW(
+        platform::toSystemPath(path).c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, 0, nullptr,
+        OPEN_ALWAYS, FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+    if (file == INVALID_HANDLE_VALUE) {
+      const DWORD error = GetLastError();
+      // One that is about to be removed cannot be opened either, and is said to be forbidden.
+      if (mayBeInUse(error)) {
+        return nullptr;
+      }
+      fail("lock", path, error);
+    }
+    return std::make_unique<WindowsFileLock>(platform::Handle(file));
+  }
+
+  void removeQuietly(const fs::path& path) noexcept override {
+    const platform::NoErrorDialogs noDialogs;
+    try {
+      removeTree(path);
+    } catch (const std::exception&) {
+      return;
+    }
+  }
+
+ private:
+  // Returns the error of the system where the file cannot be opened, 0 for none; throws where it
+  // cannot be read.
+  DWORD readOnce(const fs::path& path, std::size_t maxSize, FileBytes& content) {
     const platform::Lock lock(m_readers);
-    const platform::Handle file = openFile("read", path, GENERIC_READ, OPEN_EXISTING);
+    platform::Handle file;
+    if (const DWORD error = openFile(path, GENERIC_READ, OPEN_EXISTING, 0, file);
+        error != ERROR_SUCCESS) {
+      return error;
+    }
     LARGE_INTEGER size{};
     if (GetFileType(file.get()) != FILE_TYPE_DISK || GetFileSizeEx(file.get(), &size) == FALSE) {
       fail("read", path, std::errc::invalid_argument);
@@ -146,7 +348,7 @@ class WindowsFileSystem final : public FileSystem {
     if (static_cast<std::uintmax_t>(size.QuadPart) > maxSize) {
       fail("read", path, std::errc::file_too_large);
     }
-    FileBytes content(static_cast<std::size_t>(size.QuadPart));
+    content = FileBytes(static_cast<std::size_t>(size.QuadPart));
     std::span<std::uint8_t> rest = content.writable();
     while (!rest.empty()) {
       DWORD count = 0;
@@ -159,124 +361,9 @@ class WindowsFileSystem final : public FileSystem {
       rest = rest.subspan(count);
     }
     content.shorten(content.view().size() - rest.size());
-    return content;
+    return ERROR_SUCCESS;
   }
 
-  Folders folders(const fs::path& path) override {
-    const platform::NoErrorDialogs noDialogs;
-    Folders found;
-    std::error_code error;
-    fs::directory_iterator entry(path, error);
-    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-      std::error_code gone;
-      if (entry->is_directory(gone)) {
-        found.names.push_back(entry->path().filename());
-      }
-      found.hasLinks = found.hasLinks || entry->is_symlink(gone);
-    }
-    if (error) {
-      throw FileFault("read", path, error);
-    }
-    return found;
-  }
-
-  std::optional<FileIdentity> identity(const fs::path& path) const noexcept override {
-    return platform::identifyFile(path);
-  }
-
-  bool exists(const fs::path& path) override {
-    const platform::NoErrorDialogs noDialogs;
-    if (GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES) {
-      return true;
-    }
-    const DWORD error = GetLastError();
-    if (error != ERROR_FILE_NOT_FOUND && error != ERROR_PATH_NOT_FOUND) {
-      fail("look up", path, error);
-    }
-    return false;
-  }
-
-  std::vector<fs::path> entries(const fs::path& path, std::size_t max) override {
-    const platform::NoErrorDialogs noDialogs;
-    std::vector<fs::path> names;
-    std::error_code error;
-    fs::directory_iterator entry(path, error);
-    for (; !error && entry != fs::directory_iterator() && names.size() < max;
-         entry.increment(error)) {
-      names.push_back(entry->path().filename());
-    }
-    if (error) {
-      throw FileFault("read", path, error);
-    }
-    return names;
-  }
-
-  std::unique_ptr<WritableFile> create(const fs::path& path) override {
-    const platform::NoErrorDialogs noDialogs;
-    return std::make_unique<WindowsWritableFile>(path);
-  }
-
-  void replace(const fs::path& from, const fs::path& to) override {
-    const platform::NoErrorDialogs noDialogs;
-    if (const DWORD error = moveInto(from, to, m_readers, m_clock); error != ERROR_SUCCESS) {
-      fail("replace", to, error);
-    }
-  }
-
-  void createFolder(const fs::path& path) override {
-    const platform::NoErrorDialogs noDialogs;
-    if (CreateDirectoryW(path.c_str(), nullptr) == FALSE) {
-      fail("create", path, GetLastError());
-    }
-  }
-
-  void createFolders(const fs::path& path) override {
-    const platform::NoErrorDialogs noDialogs;
-    std::error_code error;
-    fs::create_directories(path, error);
-    if (error) {
-      throw FileFault("create", path, error);
-    }
-  }
-
-  void syncFolder(const fs::path& /*path*/) override {}
-
-  void remove(const fs::path& path) override {
-    const platform::NoErrorDialogs noDialogs;
-    if (DeleteFileW(path.c_str()) == FALSE) {
-      const DWORD error = GetLastError();
-      if (error != ERROR_FILE_NOT_FOUND && error != ERROR_PATH_NOT_FOUND) {
-        fail("remove", path, error);
-      }
-    }
-  }
-
-  std::unique_ptr<FileLock> lock(const fs::path& path) override {
-    const platform::NoErrorDialogs noDialogs;
-    if (isFolder(path)) {
-      fail("lock", path, std::errc::is_a_directory);
-    }
-    const HANDLE file =
-        CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, 0, nullptr, OPEN_ALWAYS,
-                    FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
-    if (file == INVALID_HANDLE_VALUE) {
-      const DWORD error = GetLastError();
-      // One that is about to be removed cannot be opened either, and is said to be forbidden.
-      if (isInUse(error)) {
-        return nullptr;
-      }
-      fail("lock", path, error);
-    }
-    return std::make_unique<WindowsFileLock>(platform::Handle(file));
-  }
-
-  void removeQuietly(const fs::path& path) noexcept override {
-    const platform::NoErrorDialogs noDialogs;
-    std::error_code ignored;
-    fs::remove_all(path, ignored);
-  }
-
- private:
   platform::Clock& m_clock;
   // Held while a file is open for reading, so that a client of this process that reads over and
   // over is never in the way of a replacement.
@@ -295,10 +382,8 @@ FileSystem& nativeFileSystem() {
   return files;
 }
 
-// %ProgramData%, where the data of services stand.
 fs::path defaultAdaptersDirectory() {
-  const fs::path base = environmentPath("ProgramData");
-  return (base.empty() ? fs::path("C:\\ProgramData") : base) / "Orvex" / "adapters";
+  return programData() / "Orvex" / "adapters";
 }
 
 // Not by the C runtime, whose wide environment may be made from its narrow one.

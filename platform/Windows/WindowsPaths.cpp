@@ -44,8 +44,7 @@ std::wstring withoutSign(std::wstring path) {
   if (path.starts_with(kVerbatimServer)) {
     return std::wstring(kServer) + path.substr(kVerbatimServer.size());
   }
-  if (path.starts_with(kVerbatim) &&
-      isDrive(std::wstring_view(path).substr(kVerbatim.size()))) {
+  if (path.starts_with(kVerbatim) && isDrive(std::wstring_view(path).substr(kVerbatim.size()))) {
     return path.substr(kVerbatim.size());
   }
   return path;
@@ -79,9 +78,8 @@ std::filesystem::path toSystemPath(const std::filesystem::path& path) {
   if (full.size() < kShortPath || full.starts_with(kDevice) || full.starts_with(kVerbatim)) {
     return path;
   }
-  return full.starts_with(kServer)
-             ? std::wstring(kVerbatimServer) + full.substr(kServer.size())
-             : std::wstring(kVerbatim) + full;
+  return full.starts_with(kServer) ? std::wstring(kVerbatimServer) + full.substr(kServer.size())
+                                   : std::wstring(kVerbatim) + full;
 }
 
 }  // namespace platform

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 
 #include "Os/Environment.h"
+#include "Utils/Exception.h"
+#include "tests/support/Throws.h"
 #include "tests/support/Variables.h"
 
 namespace {
@@ -30,6 +32,12 @@ TEST(Environment, IsReplacedWhenSetAgain) {
   os::setEnvironment("QUORVEL_TEST", "two");
 
   EXPECT_STREQ(std::getenv("QUORVEL_TEST"), "two");
+}
+
+TEST(Environment, IsNotSetWithoutAName) {
+  EXPECT_THAT([] { os::setEnvironment("", "one"); },
+              test::ThrowsExactly<utils::Exception>(
+                  testing::HasSubstr("The environment variable '' could not be set: error ")));
 }
 
 TEST(ProgramPath, IsAbsoluteAndNamesThisProgram) {

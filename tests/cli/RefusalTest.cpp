@@ -174,6 +174,8 @@ TEST(FailureAdvice, TellsAWaitInVainFromALockThatCannotBeHad) {
   job.flashHolder = "tool, process 4711, user root, for 00:12";
   EXPECT_THAT(cli::adviseOnFailure(job, here()),
               AllOf(HasSubstr("when that program has ended"), HasSubstr("Timeout")));
+  job.flashHolder = "another program; its semaphore is open in host.exe, process 12";
+  EXPECT_THAT(cli::adviseOnFailure(job, here()), HasSubstr("end them all"));
   job.flashHolder.clear();
   job.lockFailure = "cannot lock x: No locks available";
   EXPECT_THAT(cli::adviseOnFailure(job, here()),

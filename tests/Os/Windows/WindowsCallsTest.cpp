@@ -9,6 +9,8 @@
 #include "Utils/Format.h"
 #include "Utils/Mutex.h"
 #include "Utils/Thread.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/Regex.h"
 #include "tests/support/Windows/ImportPatch.h"
 
 namespace {
@@ -24,6 +26,7 @@ std::vector<std::string> s_calls;
 DWORD s_testThread = 0;
 // The thread that was started last.
 std::atomic<HANDLE> s_startedThread{nullptr};
+bool s_isThreadWaitFailing = false;
 
 void record(const std::string& call) {
   if (GetCurrentThreadId() == s_testThread) {
@@ -53,7 +56,12 @@ HANDLE WINAPI createThread(SECURITY_ATTRIBUTES* attributes, SIZE_T stack,
 DWORD WINAPI waitForObject(HANDLE handle, DWORD milliseconds) {
   record(format("%s: wait %x", handle == s_startedThread ? "thread" : "other",
                 static_cast<unsigned>(milliseconds)));
-  return WaitForSingleObject(handle, milliseconds);
+  const DWORD result = WaitForSingleObject(handle, milliseconds);
+  if (s_isThreadWaitFailing && handle == s_startedThread) {
+    SetLastError(ERROR_INVALID_HANDLE);
+    return WAIT_FAILED;
+  }
+  return result;
 }
 
 class EmptyThread : public utils::Thread {
@@ -105,6 +113,20 @@ TEST_F(WindowsCalls, WaitForThreadsWithoutLimit) {
   }
 
   EXPECT_THAT(s_calls, Contains("thread: wait ffffffff").Times(1));
+}
+
+TEST_F(WindowsCalls, LogThatAThreadCouldNotBeWaitedFor) {
+  const test::LogCapture log;
+  {
+    EmptyThread thread;
+    thread.cancel();
+    thread.start();
+    s_isThreadWaitFailing = true;
+  }
+  s_isThreadWaitFailing = false;
+
+  EXPECT_THAT(log.messages("utils::Thread::~Thread"),
+              ElementsAre(test::MatchesRegex("Could not wait for thread [0-9]+. Error 6")));
 }
 
 }  // namespace

@@ -1,20 +1,28 @@
 // Files and directories with what only Windows gives them.
 
-#include <cstdio>
+#include <chrono>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <io.h>
+#include <memory>
 #include <string>
 #include <vector>
 #include <windows.h>
 
 #include "Os/Files.h"
 #include "Os/Uri.h"
+#include "Os/Windows/WindowsFiles.h"
 #include "tests/Os/FilesFixture.h"
+#include "tests/support/FakeClock.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Windows/ImportPatch.h"
 #include "tests/support/Windows/Umlauts.h"
 
 namespace {
+
+using std::chrono::milliseconds;
+using testing::ElementsAre;
+using testing::Pair;
 
 constexpr const char* kLibrary = "OrvexCimCore.dll";
 constexpr DWORD kNoDialogs = SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX;
@@ -36,17 +44,19 @@ class KeptFile {
 
 // How the core library looked a file up and opened it.
 std::vector<DWORD> s_errorModes;
-std::string s_openMode;
+bool s_isInherited = true;
 
-intptr_t __cdecl findFirst(const char* path, __finddata64_t* entry) {
+intptr_t __cdecl findFirst(const wchar_t* path, _wfinddata64_t* entry) {
   s_errorModes.push_back(GetThreadErrorMode());
-  return _findfirst64(path, entry);
+  return _wfindfirst64(path, entry);
 }
 
-std::FILE* __cdecl openFile(const char* path, const char* mode) {
+HANDLE WINAPI openFile(const wchar_t* path, DWORD access, DWORD share,
+                       SECURITY_ATTRIBUTES* attributes, DWORD creation, DWORD flags,
+                       HANDLE pattern) {
   s_errorModes.push_back(GetThreadErrorMode());
-  s_openMode = mode;
-  return std::fopen(path, mode);
+  s_isInherited = attributes != nullptr && attributes->bInheritHandle != FALSE;
+  return CreateFileW(path, access, share, attributes, creation, flags, pattern);
 }
 
 class WindowsFiles : public test::FilesFixture {
@@ -124,12 +134,58 @@ TEST_F(WindowsFiles, AreNotFoundBehindATrailingSeparator) {
 TEST_F(WindowsFiles, ThatSomebodyKeepsHaveASizeAndNoContent) {
   const std::string made = file("full", "12345");
   const KeptFile kept(made);
+  test::FakeClock clock;
+  std::uint8_t buffer[16];
   const test::LogCapture log;
 
   EXPECT_EQ(os::getFileSize(made), 5);
-  EXPECT_EQ(read(made, 16), "");
+  EXPECT_EQ(os::readFileBy(clock, made, buffer, sizeof buffer), 0);
+  EXPECT_TRUE(os::isInUse(made));
   EXPECT_THAT(log.messages("os::readFile"),
               testing::ElementsAre("Reading 16 bytes from file " + made, "Read 0 bytes"));
+  EXPECT_THAT(clock.sleeps(), ElementsAre(Pair(milliseconds(1), 2000)));
+}
+
+TEST_F(WindowsFiles, ThatSomebodyKeepsForAWhileAreWaitedFor) {
+  const std::string made = file("full", "12345");
+  auto kept = std::make_unique<KeptFile>(made);
+  test::FakeClock clock;
+  clock.afterEachSleep([&kept](int count) {
+    if (count == 5) {
+      kept.reset();
+    }
+  });
+  std::uint8_t buffer[16];
+
+  EXPECT_EQ(os::readFileBy(clock, made, buffer, sizeof buffer), 5);
+  EXPECT_FALSE(os::isInUse(made));
+  EXPECT_THAT(clock.sleeps(), ElementsAre(Pair(milliseconds(1), 5)));
+}
+
+TEST_F(WindowsFiles, ThatAreMissingAreNotWaitedFor) {
+  test::FakeClock clock;
+  std::uint8_t buffer[16];
+
+  EXPECT_EQ(os::readFileBy(clock, path("none"), buffer, sizeof buffer), 0);
+  EXPECT_FALSE(os::isInUse(path("none")));
+  EXPECT_THAT(clock.sleeps(), testing::IsEmpty());
+}
+
+TEST_F(WindowsFiles, MayHavePathsOfAnyLength) {
+  const std::filesystem::path folder = m_directory.path() / std::string(150, 'a');
+  const std::string named = (folder / (std::string(150, 'b') + ".rom")).string();
+  ASSERT_GT(named.size(), std::size_t{MAX_PATH});
+  std::filesystem::create_directory(folder);
+  HANDLE made = CreateFileW((L"\\\\?\\" + std::filesystem::path(named).wstring()).c_str(),
+                            GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
+  DWORD written = 0;
+  ASSERT_NE(WriteFile(made, "12345", 5, &written, nullptr), FALSE);
+  CloseHandle(made);
+
+  EXPECT_EQ(os::getFileSize(named), 5);
+  EXPECT_EQ(read(named, 16), "12345");
+  EXPECT_TRUE(utils::Uri("file://" + named).exists());
+  DeleteFileW((L"\\\\?\\" + std::filesystem::path(named).wstring()).c_str());
 }
 
 TEST_F(WindowsFiles, AreNamedInTheCodePage) {
@@ -148,8 +204,8 @@ TEST_F(WindowsFiles, OnADriveWithoutAMediumAskNobodyForOne) {
   ASSERT_NE(before & kNoDialogs, kNoDialogs);
   s_errorModes.clear();
   {
-    const test::ImportPatch find(kLibrary, "_findfirst64", &findFirst);
-    const test::ImportPatch open(kLibrary, "fopen", &openFile);
+    const test::ImportPatch find(kLibrary, "_wfindfirst64", &findFirst);
+    const test::ImportPatch open(kLibrary, "CreateFileW", &openFile);
     EXPECT_EQ(os::getFileSize(made), 5);
     EXPECT_EQ(read(made, 16), "12345");
     EXPECT_FALSE(os::isThisADir(made));
@@ -161,10 +217,10 @@ TEST_F(WindowsFiles, OnADriveWithoutAMediumAskNobodyForOne) {
 
 TEST_F(WindowsFiles, AreNotInheritedByOtherProcessesWhileTheyAreRead) {
   const std::string made = file("full", "12345");
-  const test::ImportPatch open(kLibrary, "fopen", &openFile);
+  const test::ImportPatch open(kLibrary, "CreateFileW", &openFile);
   EXPECT_EQ(read(made, 16), "12345");
 
-  EXPECT_EQ(s_openMode, "rbN");
+  EXPECT_FALSE(s_isInherited);
 }
 
 }  // namespace

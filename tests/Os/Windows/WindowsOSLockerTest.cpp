@@ -8,16 +8,20 @@
 #include <windows.h>
 
 #include "Os/QuorvelConfig.h"
+#include "Os/Windows/SystemText.h"
 #include "Os/Windows/WindowsOSLocker.h"
 #include "Os/Windows/WindowsSemaphoreWrapper.h"
 #include "Utils/Exception.h"
 #include "platform/Windows/Handle.h"
 #include "tests/Os/SystemFaults.h"
+#include "tests/Os/Windows/NamedEvent.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Programs.h"
+#include "tests/support/Regex.h"
 #include "tests/support/Settings.h"
 #include "tests/support/Throws.h"
 #include "tests/support/WaitUntil.h"
+#include "tests/support/Windows/ImportPatch.h"
 #include "tests/support/Windows/OtherProgram.h"
 
 namespace {
@@ -101,30 +105,10 @@ TEST_F(WindowsOSLocker, GivesUpAfterTheTimeoutWhileAnotherProgramHoldsIt) {
               ThrowsExactly<utils::Exception>("Locking access to the Fennelbrook returns 3"));
 }
 
-// An event that a program started by this one knows by its name.
-class NamedEvent {
- public:
-  explicit NamedEvent(const std::string& purpose)
-      : m_name("quorvel-test-" + std::to_string(GetCurrentProcessId()) + purpose),
-        m_event(CreateEventA(nullptr, TRUE, FALSE, m_name.c_str())) {}
-  NamedEvent(const NamedEvent&) = delete;
-  NamedEvent& operator=(const NamedEvent&) = delete;
-  [[nodiscard]] const std::string& name() const { return m_name; }
-  void set() { SetEvent(m_event.get()); }
-  [[nodiscard]] bool await() const {
-    const std::chrono::milliseconds limit(test::kDeadline);
-    return WaitForSingleObject(m_event.get(), static_cast<DWORD>(limit.count())) == WAIT_OBJECT_0;
-  }
-
- private:
-  const std::string m_name;
-  const platform::Handle m_event;
-};
-
 TEST_F(WindowsOSLocker, IsHadOnceAnotherProcessHasGivenItBack) {
   OSLockerWindows locker;
-  NamedEvent ready("ready");
-  NamedEvent go("go");
+  test::NamedEvent ready("ready");
+  test::NamedEvent go("go");
   auto holder = std::async(std::launch::async, [&] {
     return test::runProgram(test::programBeside("semaphore_holder"), {ready.name(), go.name()});
   });
@@ -132,6 +116,9 @@ TEST_F(WindowsOSLocker, IsHadOnceAnotherProcessHasGivenItBack) {
 
   setTimeout(100);
   EXPECT_EQ(locker.Lock(), 3);
+  EXPECT_THAT(os::OSLocker::describeTimeout(),
+              test::MatchesRegex("another program; its semaphore is open in "
+                                 "semaphore_holder.exe, process [0-9]+"));
   setTimeout(30'000);
   go.set();
   EXPECT_EQ(locker.Lock(), 0);
@@ -169,6 +156,35 @@ TEST_F(WindowsOSLocker, ThrowsWhenTheSystemCannotCreateTheSemaphore) {
   EXPECT_THAT(create, ThrowsExactly<os::LockFault>("Could not create synchronisation sempahore"));
   EXPECT_THAT([] { static_cast<void>(os::OSLocker::getInstance()); },
               ThrowsExactly<utils::Exception>("No singleton instance found for OSLocker"));
+}
+
+template <class... Arguments>
+BOOL WINAPI refuse(Arguments...) {
+  SetLastError(ERROR_UNKNOWN_REVISION);
+  return FALSE;
+}
+
+TEST_F(WindowsOSLocker, ThrowsWhenItCannotBeMadeForEveryone) {
+  const auto reasonOf = [] {
+    try {
+      const OSLockerWindows locker;
+    } catch (const os::LockFault& fault) {
+      return fault.reason();
+    }
+    return std::string("no fault");
+  };
+  constexpr const char* kLibrary = "OrvexCimCore.dll";
+  {
+    const test::ImportPatch patch(kLibrary, "InitializeSecurityDescriptor",
+                                  &refuse<PSECURITY_DESCRIPTOR, DWORD>);
+    EXPECT_EQ(reasonOf(), os::getSystemText(ERROR_UNKNOWN_REVISION));
+  }
+  {
+    const test::ImportPatch patch(kLibrary, "SetSecurityDescriptorDacl",
+                                  &refuse<PSECURITY_DESCRIPTOR, BOOL, PACL, BOOL>);
+    EXPECT_EQ(reasonOf(), os::getSystemText(ERROR_UNKNOWN_REVISION));
+  }
+  EXPECT_EQ(reasonOf(), "no fault");
 }
 
 // Makes the semaphore under a name of the test's own, so that nobody has made it before.

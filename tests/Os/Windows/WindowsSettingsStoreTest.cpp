@@ -1,4 +1,6 @@
 #include <gmock/gmock.h>
+#include <string>
+#include <vector>
 #include <windows.h>
 
 #include "Os/SettingsStore.h"
@@ -8,6 +10,9 @@ namespace {
 
 constexpr const char* kQuorvelKey = "SOFTWARE\\ZOLAN\\Network_Services\\Quorvel";
 constexpr const char* kRavlKey = "SOFTWARE\\ZOLAN\\Network_Services\\RAVL";
+
+using testing::ElementsAre;
+using testing::IsEmpty;
 
 class WindowsSettingsStore : public testing::Test {
  protected:
@@ -41,6 +46,33 @@ TEST_F(WindowsSettingsStore, LeavesTheOutputAloneWhereAValueIsMissingOrOfAnother
   EXPECT_FALSE(m_store.read({"Quorvel", "Namespace"}, text));
   EXPECT_EQ(number, 99U);
   EXPECT_EQ(text, "before");
+}
+
+TEST_F(WindowsSettingsStore, NamesValuesOfAnotherTypeWithBothTypes) {
+  const std::vector<utils::SettingName> known = {
+      {"Quorvel", "Timeout", true}, {"Quorvel", "Namespace"}, {"Quorvel", "FWFilePath"}};
+  EXPECT_THAT(m_store.findProblems(known), IsEmpty());
+  m_machine.writeText(kQuorvelKey, "Timeout", "250");
+  m_machine.write(kQuorvelKey, "Namespace", REG_EXPAND_SZ, std::string("root\0", 5));
+  m_machine.writeText(kQuorvelKey, "FWFilePath", "C:\\firmware");
+  m_machine.writeText(kQuorvelKey, "Unknown", "1");
+
+  const std::string place = std::string("HKEY_LOCAL_MACHINE\\") + kQuorvelKey + "\\";
+  EXPECT_THAT(m_store.findProblems(known),
+              ElementsAre(place + "Timeout: Timeout is ignored: its type is REG_SZ; write it as "
+                                  "REG_DWORD",
+                          place + "Namespace: Namespace is ignored: its type is REG_EXPAND_SZ; "
+                                  "write it as REG_SZ"));
+}
+
+TEST_F(WindowsSettingsStore, NamesATextThatIsTooLong) {
+  const std::vector<utils::SettingName> known = {{"Quorvel", "FWFilePath"}};
+  m_machine.writeText(kQuorvelKey, "FWFilePath", std::string(255, 'x'));
+  EXPECT_THAT(m_store.findProblems(known), IsEmpty());
+  m_machine.writeText(kQuorvelKey, "FWFilePath", std::string(256, 'x'));
+  EXPECT_THAT(m_store.findProblems(known),
+              ElementsAre(testing::EndsWith("FWFilePath is ignored: it has 257 bytes, more than "
+                                            "the 256 that are read")));
 }
 
 }  // namespace

@@ -3,8 +3,13 @@
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <process.h>
+#include <string>
+#include <vector>
+#include <windows.h>
 
 #include "platform/Texts.h"
+#include "platform/Windows/Handle.h"
 #include "tests/support/CurrentDirectory.h"
 #include "tests/support/QuorvelFixture.h"
 #include "tests/support/Settings.h"
@@ -32,6 +37,23 @@ class WindowsProgramTest : public test::QuorvelFixture {
     EXPECT_EQ(result.errors, "");
     EXPECT_THAT(result.output, EndsWith("\nCompleted: 0000:03:00.0 is updated (00:00)\n"));
     EXPECT_EQ(flash(), test::readBytes(rom));
+  }
+
+  // Runs the program with arguments that the code page of this test may lack. Returns its status.
+  [[nodiscard]] intptr_t runWide(const std::vector<std::wstring>& arguments) const {
+    for (const test::EnvironmentChange& change : environment()) {
+      SetEnvironmentVariableA(change.name.c_str(), change.value ? change.value->c_str() : nullptr);
+    }
+    std::vector<std::wstring> quoted{L"quorvel"};
+    for (const std::wstring& argument : arguments) {
+      quoted.push_back(L"\"" + argument + L"\"");
+    }
+    std::vector<const wchar_t*> pointers;
+    for (const std::wstring& argument : quoted) {
+      pointers.push_back(argument.c_str());
+    }
+    pointers.push_back(nullptr);
+    return _wspawnv(_P_WAIT, test::programBeside("quorvel").c_str(), pointers.data());
   }
 
   // Writes a file whose name may be any, and returns its path.
@@ -119,7 +141,7 @@ TEST_F(WindowsProgramTest, NamesAMissingFileWithAnUmlautAsItWasGiven) {
   test::demandWesternCodePage();
   const std::string missing = path("").string() + test::kUmlautText;
   expectFailure({"update", kPort, missing},
-                HasSubstr("there is no file '" + missing + "'; check the path"));
+                HasSubstr("there is no file '" + platform::toUtf8(missing) + "'; check the path"));
 }
 
 TEST_F(WindowsProgramTest, RefusesAFileInADirectoryThatTheCodePageHasNoNameFor) {
@@ -127,9 +149,74 @@ TEST_F(WindowsProgramTest, RefusesAFileInADirectoryThatTheCodePageHasNoNameFor) 
   const std::filesystem::path rom = write(std::filesystem::path(L"\u0101") / "new.rom");
   write("a/new.rom");
   const test::CurrentDirectory inside(rom.parent_path());
-  expectFailure({"update", kPort, "new.rom"},
-                HasSubstr("has characters that the code page of this system lacks; put the image "
-                          "into a directory with another name"));
+  const ProgramResult result = test::runProgram(test::programBeside("quorvel_in_code_page"),
+                                                {"update", kPort, "new.rom"}, environment());
+  EXPECT_EQ(result.exitStatus, 1);
+  EXPECT_THAT(result.errors,
+              HasSubstr("has characters that the code page of this system lacks; put the image "
+                        "into a directory with another name"));
+}
+
+TEST_F(WindowsProgramTest, UpdatesFromNamesInAnyScript) {
+  const std::filesystem::path name = L"\u0101 \u0436\u6F22";
+  const std::filesystem::path rom = write(name / "new.rom");
+  write("a/new.rom");
+  {
+    const test::CurrentDirectory inside(rom.parent_path());
+    expectUpdate("new.rom", rom);
+  }
+  const std::filesystem::path other =
+      m_files.write(name / L"\u6F22.rom", test::RomBuilder().add(pxe(4)).build());
+  EXPECT_EQ(runWide({L"update", L"0000:03:00.0", other.native()}), 0);
+  EXPECT_EQ(flash(), test::readBytes(other));
+}
+
+TEST_F(WindowsProgramTest, ListsFirmwareFilesWithNamesInAnyScript) {
+  test::Settings settings(test::SettingsScope::Machine);
+  const std::filesystem::path rom = write(L"\u0436\u6F22.rom");
+  settings.write({{"FWFilePath", m_files.path().string()}});
+
+  EXPECT_EQ(runJson({"identities"})[0]["file"],
+            rom.parent_path().generic_string() + "/\xD0\xB6\xE6\xBC\xA2.rom");
+}
+
+TEST_F(WindowsProgramTest, SaysThatTheImageIsInUse) {
+  const std::string rom = writeRom("new.rom", {pxe(3)});
+  const platform::Handle kept(CreateFileW(platform::toPath(rom).c_str(), GENERIC_READ, 0, nullptr,
+                                          OPEN_EXISTING, 0, nullptr));
+  ASSERT_NE(kept.get(), INVALID_HANDLE_VALUE);
+  expectFailure({"update", kPort, rom},
+                AllOf(HasSubstr("it is in use by another program"),
+                      HasSubstr("next: end the program that has the file open")));
+}
+
+TEST_F(WindowsProgramTest, UpdatesFromPathsOfAnyLength) {
+  const std::filesystem::path folder = m_files.path() / std::string(150, 'a');
+  const std::filesystem::path rom = folder / (std::string(150, 'b') + ".rom");
+  const std::filesystem::path image = write("new.rom");
+  std::filesystem::create_directory(folder);
+  ASSERT_NE(CopyFileW(image.c_str(), (LR"(\\?\)" + rom.native()).c_str(), TRUE), FALSE);
+  expectUpdate(rom.string(), image);
+  DeleteFileW((LR"(\\?\)" + rom.native()).c_str());
+}
+
+TEST_F(WindowsProgramTest, SpeaksInItsHelpOfWhatThereIsOnWindows) {
+  for (const std::string command : {"adapters", "associations", "check", "classes", "identities",
+                                    "instances", "invoke", "jobs", "update", "watch", ""}) {
+    const ProgramResult result = command.empty() ? run({"--help"}) : run({command, "--help"});
+    EXPECT_EQ(result.exitStatus, 0) << command;
+    for (const char* word : {"--host", "/srv", "/etc", "/var", "Linux"}) {
+      EXPECT_THAT(result.output, Not(HasSubstr(word))) << command;
+    }
+  }
+  EXPECT_THAT(run({"update", "--help"}).output, HasSubstr("file://C:/firmware/older.rom"));
+}
+
+TEST_F(WindowsProgramTest, TakesAPathThatBeginsWithASlashForAPath) {
+  for (const std::string image : {"/quorvel-none.rom", "/json", "/?"}) {
+    expectFailure({"update", kPort, image}, AllOf(HasSubstr("refused: 5, Invalid Parameter"),
+                                                  HasSubstr("there is no file '")));
+  }
 }
 
 TEST_F(WindowsProgramTest, WorksOnAdaptersInADirectoryWithAnUmlaut) {
@@ -140,9 +227,9 @@ TEST_F(WindowsProgramTest, WorksOnAdaptersInADirectoryWithAnUmlaut) {
   const Arguments add{"adapters", "add",  "--adapters", text,   "--pci",  "0000:05:00",
                       "--vendor", "1af4", "--device",   "1041", "--name", test::kUmlautText,
                       "--rom",    rom};
-  EXPECT_THAT(run(add).output, HasSubstr("Added to " + text + ":\n"));
+  EXPECT_THAT(run(add).output, HasSubstr("Added to " + platform::toUtf8(text) + ":\n"));
   EXPECT_TRUE(std::filesystem::exists(folder / "0000-05-00" / "flash.rom"));
-  EXPECT_THAT(run({"adapters", "--adapters", text}).output, HasSubstr(test::kUmlautText));
+  EXPECT_THAT(run({"adapters", "--adapters", text}).output, HasSubstr(test::kUmlautUtf8));
   EXPECT_EQ(runJson({"adapters", "--adapters", text})[0]["name"], test::kUmlautUtf8);
 }
 

@@ -2,12 +2,16 @@
 #include <gmock/gmock.h>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 #include <windows.h>
 
 #include "midapi/AdapterFolder.h"
+#include "midapi/Windows/AccessList.h"
 #include "midapi/Windows/WindowsFileSystem.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/TempDirectory.h"
+#include "tests/support/Windows/DirectoryLink.h"
 #include "tests/support/Windows/ImportPatch.h"
 #include "tests/support/Windows/Umlauts.h"
 
@@ -35,13 +39,13 @@ std::string faultOf(Operation operation) {
   return "no fault";
 }
 
-// A file that somebody has open, with others free to do what they like.
+constexpr DWORD kShared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+// A file that somebody has open, with others free to do what they like, or what he lets them.
 class OpenFile {
  public:
-  explicit OpenFile(const std::filesystem::path& path)
-      : m_file(CreateFileW(path.c_str(), GENERIC_READ,
-                           FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                           OPEN_EXISTING, 0, nullptr)) {
+  explicit OpenFile(const std::filesystem::path& path, DWORD share = kShared)
+      : m_file(CreateFileW(path.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING, 0, nullptr)) {
     EXPECT_NE(m_file, INVALID_HANDLE_VALUE);
   }
   OpenFile(const OpenFile&) = delete;
@@ -62,6 +66,34 @@ HANDLE WINAPI openFile(const wchar_t* path, DWORD access, DWORD share,
   auto* const open = reinterpret_cast<Open*>(
       reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernel32.dll"), "CreateFileW")));
   return open(path, access, share, attributes, creation, flags, pattern);
+}
+
+// The folders that were made, and whether with an access list of their own.
+std::vector<std::pair<std::filesystem::path, bool>> s_madeFolders;
+
+BOOL WINAPI makeFolder(const wchar_t* path, SECURITY_ATTRIBUTES* attributes) {
+  s_madeFolders.emplace_back(path, attributes != nullptr);
+  using Make = decltype(CreateDirectoryW);
+  auto* const make = reinterpret_cast<Make*>(reinterpret_cast<void*>(
+      GetProcAddress(GetModuleHandleA("kernel32.dll"), "CreateDirectoryW")));
+  return make(path, attributes);
+}
+
+// The access list of a file, as bytes.
+std::string listOf(const std::filesystem::path& path) {
+  DWORD size = 0;
+  GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
+  std::string list(size, '\0');
+  EXPECT_NE(GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, list.data(), size, &size),
+            FALSE);
+  return list;
+}
+
+void givePrivateList(const std::filesystem::path& path) {
+  const ma::PrivateFolderAttributes attributes;
+  const auto* const list = static_cast<const SECURITY_ATTRIBUTES*>(attributes.get());
+  EXPECT_NE(SetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, list->lpSecurityDescriptor),
+            FALSE);
 }
 
 class WindowsFileSystemTest : public testing::Test {
@@ -127,10 +159,107 @@ TEST_F(WindowsFileSystemTest, WaitsToReplaceAFileUntilItsReaderIsDone) {
 
 TEST_F(WindowsFileSystemTest, LeavesAFileThatAReaderKeepsOpen) {
   const OpenFile reader(m_old);
-  EXPECT_EQ(replaceFault(), "cannot replace " + m_old.string() + ": Permission denied");
+  EXPECT_EQ(replaceFault(),
+            "cannot replace " + m_old.string() + ": it is in use by another program");
   EXPECT_EQ(test::readText(m_old), "old");
   EXPECT_EQ(test::readText(m_new), "new");
   EXPECT_THAT(m_clock.sleeps(), ElementsAre(Pair(milliseconds(1), 2000)));
+}
+
+TEST_F(WindowsFileSystemTest, WaitsToReadAFileUntilNobodyKeepsIt) {
+  auto kept = std::make_unique<OpenFile>(m_old, 0);
+  m_clock.afterEachSleep([&kept](int count) {
+    if (count == 5) {
+      kept.reset();
+    }
+  });
+  EXPECT_EQ(readFault(m_old), "no fault");
+  EXPECT_THAT(m_clock.sleeps(), ElementsAre(Pair(milliseconds(1), 5)));
+}
+
+TEST_F(WindowsFileSystemTest, SaysThatAFileIsInUseThatSomebodyKeeps) {
+  const OpenFile kept(m_old, 0);
+  EXPECT_EQ(readFault(m_old),
+            "cannot read " + m_old.string() + ": it is in use by another program");
+  EXPECT_EQ(faultOf([&] { files().remove(m_old); }),
+            "cannot remove " + m_old.string() + ": it is in use by another program");
+  EXPECT_THAT(m_clock.sleeps(), ElementsAre(Pair(milliseconds(1), 4000)));
+}
+
+TEST_F(WindowsFileSystemTest, ReplacesNoFileByOneThatMoreMayRead) {
+  givePrivateList(m_old);
+  const std::string list = listOf(m_old);
+  ASSERT_NE(list, listOf(m_new));
+  EXPECT_EQ(replaceFault(), "no fault");
+  EXPECT_EQ(test::readText(m_old), "new");
+  EXPECT_EQ(listOf(m_old), list);
+}
+
+TEST_F(WindowsFileSystemTest, LeavesWhatALinkLeadsTo) {
+  const auto kept = m_directory.write("kept/file", std::string("kept"));
+  const auto link = m_directory.path() / "flash.rom.new";
+  const test::DirectoryLink made(link, kept.parent_path());
+  files().removeQuietly(link);
+  EXPECT_EQ(test::readText(kept), "kept");
+}
+
+TEST_F(WindowsFileSystemTest, FindsLinksAmongTheFolders) {
+  EXPECT_FALSE(files().folders(m_directory.path()).hasLinks);
+  m_directory.write("folder/file", std::string());
+  const test::DirectoryLink made(m_directory.path() / "link", m_directory.path() / "folder");
+  const ma::Folders found = files().folders(m_directory.path());
+  EXPECT_TRUE(found.hasLinks);
+  EXPECT_THAT(found.names, testing::UnorderedElementsAre("folder", "link"));
+}
+
+TEST_F(WindowsFileSystemTest, MakesFoldersForDataOfServicesThatUsersOnlyRead) {
+  const std::wstring before = ma::environmentPath("ProgramData").native();
+  SetEnvironmentVariableW(L"ProgramData", m_directory.path().c_str());
+  s_madeFolders.clear();
+  {
+    const test::ImportPatch make("midapi_test.exe", "CreateDirectoryW", &makeFolder);
+    files().createFolders(ma::defaultAdaptersDirectory());
+    files().createFolders(m_directory.path() / "Orvex" / "adapters");
+  }
+  SetEnvironmentVariableW(L"ProgramData", before.c_str());
+  EXPECT_THAT(s_madeFolders, ElementsAre(Pair(m_directory.path() / "Orvex", true),
+                                         Pair(m_directory.path() / "Orvex" / "adapters", true)));
+  EXPECT_TRUE(files().exists(m_directory.path() / "Orvex" / "adapters"));
+}
+
+TEST_F(WindowsFileSystemTest, MakesOtherFoldersAsTheFolderRoundThemSays) {
+  s_madeFolders.clear();
+  const test::ImportPatch make("midapi_test.exe", "CreateDirectoryW", &makeFolder);
+  files().createFolders(m_directory.path() / "a" / "b");
+  EXPECT_THAT(s_madeFolders, ElementsAre(Pair(m_directory.path() / "a", false),
+                                         Pair(m_directory.path() / "a" / "b", false)));
+}
+
+TEST_F(WindowsFileSystemTest, WorksOnPathsOfAnyLength) {
+  const auto folder = m_directory.path() / std::string(150, 'a') / std::string(150, 'b');
+  files().createFolders(folder);
+  const std::string content = "content";
+  const ma::ConstBytes bytes(reinterpret_cast<const std::uint8_t*>(content.data()), content.size());
+  {
+    const auto file = files().create(folder / "new");
+    file->append(bytes);
+    file->close();
+  }
+  files().replace(folder / "new", folder / "file");
+  EXPECT_NE(files().lock(folder / "lock"), nullptr);
+  EXPECT_TRUE(files().exists(folder / "file"));
+  EXPECT_EQ(files().read(folder / "file", 1000).view().size(), content.size());
+  EXPECT_THAT(files().entries(folder, 10), ElementsAre("file"));
+  EXPECT_THAT(files().folders(folder.parent_path()).names, ElementsAre(folder.filename()));
+  files().remove(folder / "file");
+  files().removeQuietly(folder.parent_path());
+  EXPECT_FALSE(files().exists(folder.parent_path()));
+}
+
+TEST_F(WindowsFileSystemTest, MakesNoFolderOfTheCurrentDriveForThatOfAServer) {
+  EXPECT_THAT(faultOf([&] { files().createFolders("\\\\quorvel-no-server\\share\\adapters"); }),
+              HasSubstr("cannot create"));
+  EXPECT_FALSE(files().exists(m_directory.path().root_path() / "quorvel-no-server"));
 }
 
 TEST_F(WindowsFileSystemTest, CreatesAFolderOnce) {

@@ -1,0 +1,29 @@
+// Which processes have an object of the system open.
+
+#ifndef ORVEX_OS_WINDOWS_HANDLEOWNERS_H_
+#define ORVEX_OS_WINDOWS_HANDLEOWNERS_H_
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "Utils/Export.h"
+
+namespace os {
+
+struct HandleOwner {
+  std::string program;  // the name of its file; empty where the system does not tell
+  std::uint32_t process = 0;
+
+  // Returns for example "host.exe, process 4711".
+  [[nodiscard]] ORVEX_CORE_API std::string toString() const;
+};
+
+// Returns the other processes that have the object open behind this handle of the process, the
+// lowest number first. Looks at all handles of the machine, which takes a moment; what the system
+// does not show to this user is missing. Any thread may call.
+[[nodiscard]] ORVEX_CORE_API std::vector<HandleOwner> findOtherOwners(void* handle);
+
+}  // namespace os
+
+#endif  // ORVEX_OS_WINDOWS_HANDLEOWNERS_H_

@@ -1,0 +1,9 @@
+#include "cli/ConsoleText.h"
+
+namespace cli {
+
+ConsoleText::ConsoleText() = default;
+
+ConsoleText::~ConsoleText() = default;
+
+}  // namespace cli

@@ -1,0 +1,121 @@
+#include "midapi/Windows/AccessList.h"
+
+#include <cstddef>
+#include <string>
+#include <system_error>
+#include <vector>
+#include <windows.h>
+
+// Needs the header above.
+#include <sddl.h>
+
+#include "platform/Windows/Handle.h"
+#include "platform/Windows/SystemPath.h"
+
+namespace ma {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Not inherited from above (P), but inherited by files and folders below (OICI): all for the system
+// and the administrators, reading for users.
+constexpr const wchar_t* kList = L"D:P(A;OICI;FA;;;SY)(A;OICI;FA;;;BA)(A;OICI;0x1200a9;;;BU)";
+
+[[noreturn]] void fail(const char* operation) {
+  throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), operation);
+}
+
+struct LocalMemory {
+  void operator()(void* memory) const { LocalFree(memory); }
+};
+
+// Returns the identifier of the process's user, for example S-1-5-21-1004.
+std::wstring userIdentifier() {
+  HANDLE token = nullptr;
+  if (OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token) == FALSE) {
+    fail("OpenProcessToken");
+  }
+  const platform::Handle owner(token);
+  DWORD size = 0;
+  GetTokenInformation(token, TokenUser, nullptr, 0, &size);
+  std::vector<std::max_align_t> memory(size / sizeof(std::max_align_t) + 1);
+  if (GetTokenInformation(token, TokenUser, memory.data(), size, &size) == FALSE) {
+    fail("GetTokenInformation");
+  }
+  wchar_t* text = nullptr;
+  if (ConvertSidToStringSidW(reinterpret_cast<TOKEN_USER*>(memory.data())->User.Sid, &text) ==
+      FALSE) {
+    fail("ConvertSidToStringSid");
+  }
+  const std::unique_ptr<wchar_t, LocalMemory> textOwner(text);
+  return text;
+}
+
+bool isMissing(DWORD error) {
+  return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+}
+
+bool isWithoutLists(DWORD error) {
+  return error == ERROR_NOT_SUPPORTED || error == ERROR_INVALID_FUNCTION ||
+         error == ERROR_CALL_NOT_IMPLEMENTED;
+}
+
+// Returns what the parts of a list say that are to be written back: whether it takes over what is
+// said above it.
+SECURITY_INFORMATION inheritanceOf(SECURITY_DESCRIPTOR_CONTROL control) {
+  return (control & SE_DACL_PROTECTED) != 0 ? PROTECTED_DACL_SECURITY_INFORMATION
+                                            : UNPROTECTED_DACL_SECURITY_INFORMATION;
+}
+
+}  // namespace
+
+struct PrivateFolderAttributes::State {
+  std::unique_ptr<void, LocalMemory> descriptor;
+  SECURITY_ATTRIBUTES attributes{sizeof(SECURITY_ATTRIBUTES), nullptr, FALSE};
+};
+
+PrivateFolderAttributes::PrivateFolderAttributes() : m_state(std::make_unique<State>()) {
+  const std::wstring list = std::wstring(kList) + L"(A;OICI;FA;;;" + userIdentifier() + L")";
+  void* descriptor = nullptr;
+  if (ConvertStringSecurityDescriptorToSecurityDescriptorW(list.c_str(), SDDL_REVISION_1,
+                                                           &descriptor, nullptr) == FALSE) {
+    fail("ConvertStringSecurityDescriptorToSecurityDescriptor");
+  }
+  m_state->descriptor.reset(descriptor);
+  m_state->attributes.lpSecurityDescriptor = descriptor;
+}
+
+PrivateFolderAttributes::~PrivateFolderAttributes() = default;
+
+void* PrivateFolderAttributes::get() const {
+  return &m_state->attributes;
+}
+
+std::uint32_t copyAccessList(const fs::path& from, const fs::path& to) {
+  const fs::path source = platform::toSystemPath(from);
+  const fs::path target = platform::toSystemPath(to);
+  DWORD size = 0;
+  GetFileSecurityW(source.c_str(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
+  std::vector<std::max_align_t> memory(size / sizeof(std::max_align_t) + 1);
+  PSECURITY_DESCRIPTOR const descriptor = memory.data();
+  SECURITY_DESCRIPTOR_CONTROL control = 0;
+  DWORD revision = 0;
+  if (GetFileSecurityW(source.c_str(), DACL_SECURITY_INFORMATION, descriptor, size, &size) ==
+          FALSE ||
+      GetSecurityDescriptorControl(descriptor, &control, &revision) == FALSE) {
+    const DWORD error = GetLastError();
+    return isMissing(error) || isWithoutLists(error) ? ERROR_SUCCESS : error;
+  }
+  // Else the system takes what was inherited for the file's own.
+  constexpr SECURITY_DESCRIPTOR_CONTROL kInherit = SE_DACL_AUTO_INHERIT_REQ;
+  if (((control & SE_DACL_AUTO_INHERITED) != 0 &&
+       SetSecurityDescriptorControl(descriptor, kInherit, kInherit) == FALSE) ||
+      SetFileSecurityW(target.c_str(), DACL_SECURITY_INFORMATION | inheritanceOf(control),
+                       descriptor) == FALSE) {
+    const DWORD error = GetLastError();
+    return isWithoutLists(error) ? ERROR_SUCCESS : error;
+  }
+  return ERROR_SUCCESS;
+}
+
+}  // namespace ma

@@ -1,0 +1,20 @@
+#include <gmock/gmock.h>
+
+#include "platform/StayAwake.h"
+#include "tests/support/Windows/ExecutionStates.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+TEST(WindowsStayAwake, IsAskedOfTheSystemAndTakenBack) {
+  constexpr EXECUTION_STATE kAwake = ES_CONTINUOUS | ES_SYSTEM_REQUIRED;
+  const test::ExecutionStates states("platform_tests.exe");
+  {
+    const platform::StayAwake awake;
+    EXPECT_THAT(states.all(), ElementsAre(kAwake));
+  }
+  EXPECT_THAT(states.all(), ElementsAre(kAwake, ES_CONTINUOUS));
+}
+
+}  // namespace
