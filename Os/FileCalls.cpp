@@ -7,32 +7,45 @@
 #include <thread>
 #include <utility>
 
+#include "Os/FilePlace.h"
 #include "platform/Mutex.h"
 
 namespace os {
 
-// The places of calls that were given up and have not come back.
+// The places of calls that were given up and have not come back: one for each.
 struct FileCalls::Away {
   platform::Mutex mutex;
-  std::set<std::string> places ORVEX_GUARDED_BY(mutex);
+  std::multiset<std::string> places ORVEX_GUARDED_BY(mutex);
 };
 
 struct FileCalls::Call {
+  Call(std::function<void()> theCall, std::string thePath, std::string thePlace,
+       std::shared_ptr<Away> theAway)
+      : run(std::move(theCall)),
+        path(std::move(thePath)),
+        away(std::move(theAway)),
+        place(std::move(thePlace)) {}
+
   std::function<void()> run;
-  platform::Mutex mutex;
+  const std::string path;  // empty: the call has one place, which is known
+  const std::shared_ptr<Away> away;
+
+  platform::Mutex mutex;  // taken before that of what is away
   std::condition_variable_any ended;
+  std::string place ORVEX_GUARDED_BY(mutex);  // where it is
   bool isEnded ORVEX_GUARDED_BY(mutex) = false;
+  bool isRefused ORVEX_GUARDED_BY(mutex) = false;
+  bool isGivenUp ORVEX_GUARDED_BY(mutex) = false;  // and so among those that are away
   std::exception_ptr failure ORVEX_GUARDED_BY(mutex);
-  // Whom it is to be taken off when it comes back; null while somebody waits for it.
-  std::shared_ptr<Away> away ORVEX_GUARDED_BY(mutex);
-  std::string place;
 
   // Returns false where no thread can be started.
   [[nodiscard]] bool start(const std::shared_ptr<Call>& self);
   void perform();
-  // Returns whether it ended by the deadline. Otherwise it is noted to be away.
-  [[nodiscard]] bool await(std::chrono::steady_clock::time_point deadline,
-                           const std::shared_ptr<Away>& notes);
+  // Goes to where it is to be made. Returns false when it is not to be made.
+  [[nodiscard]] bool goThere();
+  [[nodiscard]] bool enter(const std::string& fileSystem, const std::string& directory);
+  // Waits for the end until the deadline. What has not ended by then is noted to be away.
+  [[nodiscard]] FileAnswer await(std::chrono::steady_clock::time_point deadline);
 };
 
 bool FileCalls::Call::start(const std::shared_ptr<Call>& self) {
@@ -50,7 +63,9 @@ bool FileCalls::Call::start(const std::shared_ptr<Call>& self) {
 void FileCalls::Call::perform() {
   std::exception_ptr thrown;
   try {
-    run();
+    if (goThere()) {
+      run();
+    }
   } catch (...) {
     thrown = std::current_exception();
   }
@@ -59,30 +74,55 @@ void FileCalls::Call::perform() {
   const platform::Lock lock(mutex);
   isEnded = true;
   failure = std::move(thrown);
-  if (away != nullptr) {
+  if (isGivenUp) {
     Away& list = *away;
     const platform::Lock listLock(list.mutex);
-    list.places.erase(place);
+    list.places.erase(list.places.find(place));
   }
   ended.notify_all();
 }
 
-bool FileCalls::Call::await(std::chrono::steady_clock::time_point deadline,
-                            const std::shared_ptr<Away>& notes) {
+bool FileCalls::Call::goThere() {
+  const auto go = [this](const std::string& fileSystem, const std::string& directory) {
+    return enter(fileSystem, directory);
+  };
+  if (!path.empty()) {
+    walkPlaces(path, go);
+  }
+  const platform::Lock lock(mutex);
+  return !isRefused;
+}
+
+bool FileCalls::Call::enter(const std::string& fileSystem, const std::string& directory) {
+  const platform::Lock lock(mutex);
+  Away& list = *away;
+  const platform::Lock listLock(list.mutex);
+  if (isGivenUp) {
+    list.places.erase(list.places.find(place));  // it has come on from there
+  }
+  isRefused = list.places.contains(fileSystem) || list.places.contains(directory);
+  place = fileSystem;
+  if (isGivenUp) {
+    list.places.insert(place);
+  }
+  return !isRefused;
+}
+
+FileAnswer FileCalls::Call::await(std::chrono::steady_clock::time_point deadline) {
   const platform::Lock lock(mutex);
   while (!isEnded) {
     if (ended.wait_until(mutex, deadline) == std::cv_status::timeout && !isEnded) {
-      away = notes;
-      Away& list = *notes;
+      isGivenUp = true;
+      Away& list = *away;
       const platform::Lock listLock(list.mutex);
       list.places.insert(place);
-      return false;
+      return FileAnswer::GivenUp;
     }
   }
   if (failure != nullptr) {
     std::rethrow_exception(std::exchange(failure, nullptr));
   }
-  return true;
+  return isRefused ? FileAnswer::StillAway : FileAnswer::InTime;
 }
 
 FileCalls::FileCalls(Patience patience)
@@ -90,40 +130,48 @@ FileCalls::FileCalls(Patience patience)
 
 FileCalls::~FileCalls() = default;
 
-FileAnswer FileCalls::make(const std::string& place, std::function<void()> call) {
+FileAnswer FileCalls::make(const std::string& path, std::function<void()> call) {
+  return run(std::make_shared<Call>(std::move(call), path, path, m_away));
+}
+
+FileAnswer FileCalls::makeAt(const std::string& place, std::function<void()> call) {
   {
     Away& away = *m_away;
     const platform::Lock lock(away.mutex);
-    if (away.places.contains(place) || away.places.size() >= kMostAway) {
+    if (away.places.contains(place)) {
       return FileAnswer::StillAway;
     }
   }
-  const auto made = std::make_shared<Call>();
-  made->run = std::move(call);
-  made->place = place;
+  return run(std::make_shared<Call>(std::move(call), "", place, m_away));
+}
+
+FileAnswer FileCalls::run(const std::shared_ptr<Call>& call) {
+  {
+    Away& away = *m_away;
+    const platform::Lock lock(away.mutex);
+    if (away.places.size() >= kMostAway) {
+      return FileAnswer::StillAway;
+    }
+  }
   const auto deadline = std::chrono::steady_clock::now() + Patience(m_patience.load());
-  if (!made->start(made)) {
-    made->run();
+  if (!call->start(call)) {
+    call->run();
     return FileAnswer::InTime;
   }
-  return made->await(deadline, m_away) ? FileAnswer::InTime : FileAnswer::GivenUp;
+  return call->await(deadline);
 }
 
 FileCalls::Patience FileCalls::setPatience(Patience patience) {
   return Patience(m_patience.exchange(patience.count()));
 }
 
+FileCalls::Patience FileCalls::wholePatience() const {
+  return Patience(m_patience.load()) * kPatiencesOfAFile;
+}
+
 FileCalls& fileCalls() {
   static FileCalls& calls = *new FileCalls;
   return calls;
-}
-
-std::string directoryOf(const std::string& path) {
-  const std::size_t slash = path.rfind('/');
-  if (slash == std::string::npos) {
-    return ".";
-  }
-  return slash == 0 ? "/" : path.substr(0, slash);
 }
 
 }  // namespace os

@@ -22,7 +22,7 @@ enum class FileAnswer {
   InTime,
   // The call was given up: it goes on alone, so it must own all that it uses.
   GivenUp,
-  // Not called, since an earlier call at the same place has not come back yet.
+  // Not called, since an earlier call at a place that it needs has not come back yet.
   StillAway,
 };
 
@@ -32,6 +32,8 @@ class ORVEX_CORE_API FileCalls {
 
   // A disk that stood still needs some seconds.
   static constexpr Patience kPatience{5000};
+  // How many times the patience a whole file may take that comes in pieces.
+  static constexpr int kPatiencesOfAFile = 6;
   // So many calls may be away; then none of any place is made until one comes back.
   static constexpr std::size_t kMostAway = 64;
 
@@ -40,17 +42,25 @@ class ORVEX_CORE_API FileCalls {
   FileCalls& operator=(const FileCalls&) = delete;
   ~FileCalls();
 
-  // Runs `call`, and waits for it no longer than the patience. `place` is what hangs together: the
-  // directory. Where no thread can be started, the caller's runs it, however long it takes. Throws
-  // what the call throws in time.
-  [[nodiscard]] FileAnswer make(const std::string& place, std::function<void()> call);
+  // Runs `call`, which asks something of `path`, and waits for it no longer than the patience. Its
+  // places are what the path leads through, by whichever spelling (see Os/FilePlace.h); one that
+  // is away is so in the file system that has not answered. Where no thread can be started, the
+  // caller's runs it, however long it takes. Throws what the call throws in time.
+  [[nodiscard]] FileAnswer make(const std::string& path, std::function<void()> call);
+  // The same for a call that needs one place, which the caller names: a directory, and then it
+  // holds up all calls that lead through that, or any other text.
+  [[nodiscard]] FileAnswer makeAt(const std::string& place, std::function<void()> call);
 
   // Changes the patience of later calls; returns the one of before.
   Patience setPatience(Patience patience);
+  // Returns the time for a whole file, which is read with several calls.
+  [[nodiscard]] Patience wholePatience() const;
 
  private:
   struct Away;
   struct Call;
+
+  [[nodiscard]] FileAnswer run(const std::shared_ptr<Call>& call);
 
   std::atomic<Patience::rep> m_patience;  // milliseconds
   const std::shared_ptr<Away> m_away;
@@ -58,9 +68,6 @@ class ORVEX_CORE_API FileCalls {
 
 // Returns those of the process, which the functions of Os/Files.h make. Never destroyed.
 [[nodiscard]] ORVEX_CORE_API FileCalls& fileCalls();
-
-// Returns the directory part of a path, which is a place.
-[[nodiscard]] ORVEX_CORE_API std::string directoryOf(const std::string& path);
 
 }  // namespace os
 

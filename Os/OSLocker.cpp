@@ -75,7 +75,11 @@ std::int32_t OSLocker::Lock() {
     utils::logDebug(kLog, kFunction, "Locker is in use at this moment");
     return kInUse;
   }
-  const WaitResult result = waitForSemaphore(utils::QuorvelConfig::getInstance()->getTimeout());
+  WaitResult result = waitForSemaphore(utils::QuorvelConfig::getInstance()->getTimeout());
+  if (result == WaitResult::Signalled && !noteHad()) {
+    static_cast<void>(releaseSemaphore());
+    result = WaitResult::TimedOut;
+  }
   const std::string timeoutHolder = endWait(result);
   utils::logDebug(kLog, kFunction, "result = %d", static_cast<int>(result));
   switch (result) {
@@ -87,7 +91,11 @@ std::int32_t OSLocker::Lock() {
       utils::logDebug(kLog, kFunction,
                       "Timeout occured when the Semaphore was locked. Other application uses "
                       "Fennelbrook SDK at this moment");
-      utils::logError(kLog, kFunction, "The flash lock is held by %s", timeoutHolder.c_str());
+      if (isGivenUp()) {
+        utils::logDebug(kLog, kFunction, "This process has given the flash lock up");
+      } else {
+        utils::logError(kLog, kFunction, "The flash lock is held by %s", timeoutHolder.c_str());
+      }
       return kTimeout;
     case WaitResult::Failed:
       break;
@@ -133,10 +141,31 @@ std::string OSLocker::describeTimeout() {
   return locker->m_timeoutHolder;
 }
 
+bool OSLocker::giveUp() {
+  auto* const locker = static_cast<OSLocker*>(slot());
+  if (locker == nullptr) {
+    return false;
+  }
+  const platform::Lock lock(locker->m_waitMutex);
+  locker->m_isGivenUp = !locker->m_wasHad;
+  return locker->m_isGivenUp;
+}
+
 void OSLocker::noteWait(std::optional<LockHolder> holder) {
   const platform::Lock lock(m_waitMutex);
   m_isWaiting = true;
   m_holder = std::move(holder);
+}
+
+bool OSLocker::noteHad() {
+  const platform::Lock lock(m_waitMutex);
+  m_wasHad = !m_isGivenUp;
+  return m_wasHad;
+}
+
+bool OSLocker::isGivenUp() const {
+  const platform::Lock lock(m_waitMutex);
+  return m_isGivenUp;
 }
 
 std::string OSLocker::endWait(WaitResult result) {

@@ -72,6 +72,11 @@ class ORVEX_CORE_API OSLocker : public utils::Singleton<OSLocker> {
   // Returns the same of whom the last Lock() waited for in vain; empty where that had no timeout.
   [[nodiscard]] static std::string describeTimeout();
 
+  // Has this process write no flash from now on: a Lock() that waits ends as one whose time is up,
+  // at once where the platform can end a wait (POSIX), and no later one takes the semaphore.
+  // Returns false, and changes nothing, where a Lock() of this process has had it already.
+  [[nodiscard]] static bool giveUp();
+
  protected:
   // What waiting for the semaphore came to, with the numbers that Windows gives.
   enum class WaitResult : std::int32_t { Signalled = 0, TimedOut = 258, Failed = -1 };
@@ -85,7 +90,7 @@ class ORVEX_CORE_API OSLocker : public utils::Singleton<OSLocker> {
 
   // Returns whether the semaphore could be created or opened.
   [[nodiscard]] virtual bool hasSemaphore() const = 0;
-  // Takes the semaphore; waits for `milliseconds` at the most.
+  // Takes the semaphore; waits for `milliseconds` at the most, and no longer once isGivenUp().
   [[nodiscard]] virtual WaitResult waitForSemaphore(std::uint32_t milliseconds) = 0;
   // Adds 1 to the semaphore. Returns nothing on success.
   [[nodiscard]] virtual std::optional<SystemError> releaseSemaphore() = 0;
@@ -95,8 +100,11 @@ class ORVEX_CORE_API OSLocker : public utils::Singleton<OSLocker> {
   void noteWait(std::optional<LockHolder> holder);
   // What describeAwaited() returns, of this locker.
   [[nodiscard]] std::string describeWait() const;
+  [[nodiscard]] bool isGivenUp() const;
 
  private:
+  // Notes that the semaphore is had. Returns false where it must not be.
+  [[nodiscard]] bool noteHad();
   // Returns whom it was in vain for, empty without a timeout.
   std::string endWait(WaitResult result);
 
@@ -107,6 +115,8 @@ class ORVEX_CORE_API OSLocker : public utils::Singleton<OSLocker> {
   bool m_isWaiting ORVEX_GUARDED_BY(m_waitMutex) = false;
   std::optional<LockHolder> m_holder ORVEX_GUARDED_BY(m_waitMutex);
   std::string m_timeoutHolder ORVEX_GUARDED_BY(m_waitMutex);
+  bool m_wasHad ORVEX_GUARDED_BY(m_waitMutex) = false;
+  bool m_isGivenUp ORVEX_GUARDED_BY(m_waitMutex) = false;  // then it never was had
 };
 
 // Holds the flash lock for the span of a block.

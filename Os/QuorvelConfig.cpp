@@ -195,9 +195,12 @@ void QuorvelConfig::takeOver(std::uint64_t number, Reading reading) {
     }
     std::set_difference(reading.problems.begin(), reading.problems.end(), m_reported.begin(),
                         m_reported.end(), std::back_inserter(news));
+    // Nothing fails from here on: a reading is taken whole or not at all.
     m_lastTaken = number;
     m_timeout = reading.timeout.value_or(m_timeout);
-    m_namespace = reading.nameSpace.value_or(m_namespace);
+    if (reading.nameSpace) {
+      m_namespace = std::move(*reading.nameSpace);
+    }
     m_isDowngradeEnabled = reading.isDowngradeEnabled.value_or(m_isDowngradeEnabled);
     m_firmwarePaths = std::move(reading.firmwarePaths);
     m_reported = std::move(reading.problems);

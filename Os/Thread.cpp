@@ -24,20 +24,22 @@ struct Thread::State {
   bool isStopRequested ORVEX_GUARDED_BY(stopMutex) = false;
   Mutex startMutex;
   bool isStarted ORVEX_GUARDED_BY(startMutex) = false;
-  os::NativeThread thread;
+  os::NativeThread thread ORVEX_GUARDED_BY(startMutex);
+
+  // Returns the thread that was started, null when there is none. It is awaited without the lock,
+  // since its body may ask whether it has ended. (No analysis looks into a destructor.)
+  os::NativeThread* started() {
+    const ScopedLock lock(startMutex);
+    return isStarted ? &thread : nullptr;
+  }
 };
 
 Thread::Thread() : m_state(std::make_unique<State>()) {}
 
 Thread::~Thread() {
   cancel();
-  bool isStarted = false;
-  {
-    const ScopedLock lock(m_state->startMutex);
-    isStarted = m_state->isStarted;
-  }
-  if (isStarted) {
-    const int error = m_state->thread.join();
+  if (os::NativeThread* const started = m_state->started()) {
+    const int error = started->join();
     if (error != 0) {
       logError(kLog, "utils::Thread::~Thread", "Could not close thread %p. Error %d",
                static_cast<void*>(this), error);

@@ -9,7 +9,9 @@
 #define ORVEX_UTILS_CONTAINERS_H_
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <stdexcept>
@@ -35,7 +37,7 @@ class SafeList {
   explicit SafeList(bool ownsElements) : m_ownsElements(ownsElements) {}
   SafeList(const SafeList&) = delete;
   SafeList& operator=(const SafeList&) = delete;
-  virtual ~SafeList() { SafeList::clear(); }
+  virtual ~SafeList() { clear(); }
 
   // Returns a cursor over all elements.
   virtual Iterator iterator();
@@ -52,13 +54,13 @@ class SafeList {
   void add(T element, Complete complete) {
     const ScopedLock lock(m_lock);
     append(element);
-    Addition addition(m_elements);
+    Addition addition(*this);
     complete();
     addition.keep();
   }
 
   // Empties the list.
-  virtual void clear() {
+  void clear() {
     const ScopedLock lock(m_lock);
     if (m_ownsElements) {
       for (T element : m_elements) {
@@ -66,12 +68,17 @@ class SafeList {
       }
     }
     m_elements.clear();
+    noteChange();
   }
 
   // Takes `element` out of the list without deleting it. Returns whether it was there.
-  virtual bool remove(T element) {
+  bool remove(T element) {
     const ScopedLock lock(m_lock);
-    return std::erase(m_elements, element) != 0;
+    const bool isRemoved = std::erase(m_elements, element) != 0;
+    if (isRemoved) {
+      noteChange();
+    }
+    return isRemoved;
   }
 
   [[nodiscard]] std::size_t size() const {
@@ -80,42 +87,75 @@ class SafeList {
   }
 
  protected:
-  // What add() does.
-  void append(T element) ORVEX_REQUIRES(m_lock) {
+  // Makes room for one more element, so that adding it does not fail.
+  void reserveOne() {
+    const ScopedLock lock(m_lock);
+    makeRoom();
+  }
+
+  // Returns how often an element was added or taken out, or the list cleared.
+  [[nodiscard]] std::size_t changes() const {
+    const ScopedLock lock(m_lock);
+    return m_changes;
+  }
+
+  // Makes `elements` those of which isTaken(element), in their order, under one lock.
+  template <class IsTaken>
+  void copyThose(std::vector<T>& elements, IsTaken isTaken) const {
+    const ScopedLock lock(m_lock);
+    elements.clear();
+    std::copy_if(m_elements.begin(), m_elements.end(), std::back_inserter(elements), isTaken);
+  }
+
+ private:
+  // Takes the last element out again, unless it is kept. The list is locked throughout.
+  class Addition {
+   public:
+    explicit Addition(SafeList& list) : m_list(&list) {}
+    Addition(const Addition&) = delete;
+    Addition& operator=(const Addition&) = delete;
+    ~Addition() ORVEX_NO_THREAD_SAFETY_ANALYSIS {
+      if (m_list != nullptr) {
+        m_list->m_elements.pop_back();
+        m_list->noteChange();
+      }
+    }
+    void keep() { m_list = nullptr; }
+
+   private:
+    SafeList* m_list;
+  };
+
+  static constexpr std::size_t kFirstCapacity = 8;
+
+  void makeRoom() ORVEX_REQUIRES(m_lock) {
     if (m_elements.size() == m_elements.max_size()) {
       throw std::length_error("list<T> too long");
     }
     if (m_elements.size() == m_elements.capacity()) {
       m_elements.reserve(std::max(kFirstCapacity, 2 * m_elements.size()));
     }
-    m_elements.push_back(element);
   }
 
-  // For what a derived list keeps beside the elements, too.
-  mutable Mutex m_lock;
+  void append(T element) ORVEX_REQUIRES(m_lock) {
+    makeRoom();
+    m_elements.push_back(element);
+    noteChange();
+  }
 
- private:
-  // Takes the last element out again, unless it is kept.
-  class Addition {
-   public:
-    explicit Addition(std::vector<T>& elements) : m_elements(&elements) {}
-    Addition(const Addition&) = delete;
-    Addition& operator=(const Addition&) = delete;
-    ~Addition() {
-      if (m_elements != nullptr) {
-        m_elements->pop_back();
-      }
-    }
-    void keep() { m_elements = nullptr; }
+  const std::vector<T>& elements() const ORVEX_REQUIRES(m_lock) { return m_elements; }
 
-   private:
-    std::vector<T>* m_elements;
-  };
-
-  static constexpr std::size_t kFirstCapacity = 8;
+  void noteChange() ORVEX_REQUIRES(m_lock) {
+    ++m_changes;
+    m_hasFirst.store(!m_elements.empty(), std::memory_order_relaxed);
+  }
 
   const bool m_ownsElements;
   std::vector<T> m_elements ORVEX_GUARDED_BY(m_lock);
+  std::size_t m_changes ORVEX_GUARDED_BY(m_lock) = 0;
+  // Whether there is an element, for a cursor that is made without the lock.
+  std::atomic<bool> m_hasFirst{false};
+  mutable Mutex m_lock;
 };
 
 // What a cursor does. Null is the end, so a null element ends a walk.
@@ -130,17 +170,15 @@ class SafeList<T>::IteratorImplementation {
   [[nodiscard]] virtual std::unique_ptr<IteratorImplementation> clone() = 0;
 };
 
-// The cursor over all elements. Its position is the element that the next step returns. It does not
-// own its list, which may be null: then every answer is the one of an empty list.
+// The cursor over all elements. Its position is the element that the next step returns; it is made,
+// without the list's lock, at the first one. It does not own its list, which may be null: then
+// every answer is the one of an empty list.
 template <class T>
 class SafeList<T>::SimpleIteratorImplementation : public SafeList<T>::IteratorImplementation {
  public:
-  explicit SimpleIteratorImplementation(SafeList<T>* list) : m_list(list) {
-    if (m_list != nullptr) {
-      const ScopedLock lock(m_list->m_lock);
-      moveTo(0);
-    }
-  }
+  explicit SimpleIteratorImplementation(SafeList<T>* list)
+      : m_position(list != nullptr && list->m_hasFirst.load(std::memory_order_relaxed) ? 0 : kEnd),
+        m_list(list) {}
 
   T next() override {
     if (m_list == nullptr) {
@@ -167,7 +205,7 @@ class SafeList<T>::SimpleIteratorImplementation : public SafeList<T>::IteratorIm
 
  protected:
   // One step, made by a caller that holds the list's lock.
-  virtual T step() {
+  virtual T step() ORVEX_REQUIRES(m_list->m_lock) {
     if (m_list != nullptr && m_position != kEnd) {
       followElement();
     }
@@ -184,13 +222,10 @@ class SafeList<T>::SimpleIteratorImplementation : public SafeList<T>::IteratorIm
  private:
   static constexpr std::size_t kEnd = static_cast<std::size_t>(-1);
 
-  // The two below run under the list's lock. The analysis cannot be told so: it does not take
-  // m_list->m_lock for the lock of m_list's elements in a class within a template.
-
   // Makes the element of that number the one that the next step returns. A cursor that has come to
   // the end stays there, whatever is added.
-  void moveTo(std::size_t position) ORVEX_NO_THREAD_SAFETY_ANALYSIS {
-    const std::vector<T>& elements = m_list->m_elements;
+  void moveTo(std::size_t position) ORVEX_REQUIRES(m_list->m_lock) {
+    const std::vector<T>& elements = m_list->elements();
     const bool isEnd = position >= elements.size();
     m_position = isEnd ? kEnd : position;
     m_element = isEnd ? nullptr : elements[position];
@@ -198,8 +233,8 @@ class SafeList<T>::SimpleIteratorImplementation : public SafeList<T>::IteratorIm
 
   // Finds the element that is to be returned again, after others in front of it were taken out; the
   // one in its place when it was taken out itself.
-  void followElement() ORVEX_NO_THREAD_SAFETY_ANALYSIS {
-    const std::vector<T>& elements = m_list->m_elements;
+  void followElement() ORVEX_REQUIRES(m_list->m_lock) {
+    const std::vector<T>& elements = m_list->elements();
     std::size_t position = std::min(m_position + 1, elements.size());
     while (position > 0 && elements[position - 1] != m_element) {
       --position;
@@ -207,19 +242,35 @@ class SafeList<T>::SimpleIteratorImplementation : public SafeList<T>::IteratorIm
     moveTo(position > 0 ? position - 1 : m_position);
   }
 
-  SafeList<T>* m_list;
-  std::size_t m_position = kEnd;  // of the element that the next step returns
+  // Of the element that the next step returns, and that element; null for the first one of a cursor
+  // that has made no step.
+  std::size_t m_position;
   T m_element = nullptr;
+  SafeList<T>* m_list;
 };
 
 // A cursor that passes over elements. Derived is the concrete cursor; its static isSkipped(element)
-// says which, and it is constructible from the list alone. It is asked under the list's lock.
+// says which, and it is constructible from the list alone. It is asked without the list's lock,
+// which is taken again for each element.
 template <class T, class Derived>
 class SkippingIteratorImplementation : public SafeList<T>::SimpleIteratorImplementation {
   using Base = typename SafeList<T>::SimpleIteratorImplementation;
 
  public:
   using Base::Base;
+
+  T next() override {
+    T element = Base::next();
+    while (element != nullptr && Derived::isSkipped(element)) {
+      element = Base::next();
+    }
+    return element;
+  }
+
+  T first() override {
+    T element = Base::first();
+    return element != nullptr && Derived::isSkipped(element) ? next() : element;
+  }
 
   // Walks the list.
   std::size_t count() override {
@@ -234,23 +285,33 @@ class SkippingIteratorImplementation : public SafeList<T>::SimpleIteratorImpleme
   std::unique_ptr<typename SafeList<T>::IteratorImplementation> clone() override {
     return std::make_unique<Derived>(this->list());
   }
-
- protected:
-  T step() override {
-    T element = Base::step();
-    while (element != nullptr && Derived::isSkipped(element)) {
-      element = Base::step();
-    }
-    return element;
-  }
 };
 
 // A cursor as callers hold it: a value that owns its implementation. A copy begins at the start.
 //
 //   for (T element = cursor.first(); element != nullptr; element = cursor.next())
+//   for (T element : cursor)    the same walk
 template <class T>
 class SafeList<T>::Iterator {
  public:
+  // A step of a walk with this cursor.
+  class Step {
+   public:
+    Step(Iterator& cursor, T element) : m_cursor(&cursor), m_element(element) {}
+    [[nodiscard]] T operator*() const { return m_element; }
+    Step& operator++() {
+      m_element = m_cursor->next();
+      return *this;
+    }
+    [[nodiscard]] bool operator==(std::default_sentinel_t /*end*/) const {
+      return m_element == nullptr;
+    }
+
+   private:
+    Iterator* m_cursor;
+    T m_element;
+  };
+
   // Without an implementation, every operation throws utils::Exception.
   explicit Iterator(std::unique_ptr<IteratorImplementation> cursor)
       : implementation(std::move(cursor)) {}
@@ -284,12 +345,17 @@ class SafeList<T>::Iterator {
     return implementation->count();
   }
 
+  // Begins a walk from the first element on.
+  [[nodiscard]] Step begin() { return Step(*this, first()); }
+  [[nodiscard]] std::default_sentinel_t end() const { return {}; }
+
  private:
   std::unique_ptr<IteratorImplementation> implementation;
 };
 
 template <class T>
 typename SafeList<T>::Iterator SafeList<T>::iterator() {
+  const ScopedLock lock(m_lock);
   return Iterator(std::make_unique<SimpleIteratorImplementation>(this));
 }
 

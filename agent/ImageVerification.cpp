@@ -1,6 +1,5 @@
 #include "agent/ImageVerification.h"
 
-#include <memory>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -22,12 +21,6 @@ constexpr utils::LogSource kLog{"Orvex_ConcreteJob"};
 constexpr const char* kCheck = "Orvex_ConcreteJob::checkAndVerifyImage";
 constexpr const char* kTypes = "Orvex_ConcreteJob::getTargetTypes";
 
-// The bytes of a file; not filled before they are read, for there are megabytes of them.
-struct FileBytes {
-  std::unique_ptr<std::uint8_t[]> data;
-  std::uint32_t size = 0;
-};
-
 TargetReservation reserveTarget(const std::string& target) {
   const std::string inProgress = getTargetInProgress();
   if (inProgress == target && !inProgress.empty()) {
@@ -48,7 +41,7 @@ template <class Error>
   throw Error(text);
 }
 
-FileBytes readImageFile(const std::string& text, TargetReservation& reservation) {
+os::FileContent readImageFile(const std::string& text, TargetReservation& reservation) {
   utils::logDebug(kLog, kCheck, "Checking URI : '%s' ", text.c_str());
   const utils::Uri uri(text);
   const std::string invalid = utils::format("URI: %s is invalid", text.c_str());
@@ -67,9 +60,8 @@ FileBytes readImageFile(const std::string& text, TargetReservation& reservation)
   if (!excess.empty()) {
     refuse<EImageReadError>(reservation, readError + ": " + excess);
   }
-  FileBytes file{std::make_unique_for_overwrite<std::uint8_t[]>(static_cast<std::size_t>(size)),
-                 static_cast<std::uint32_t>(size)};
-  if (os::readFile(path, file.data.get(), size) != size) {
+  os::FileContent file = os::readContent(path, size);
+  if (file.size != size) {
     refuse<EImageReadError>(reservation, readError);
   }
   return file;
@@ -197,15 +189,16 @@ VerifiedImage checkAndVerifyImage(const std::string& target, const std::string& 
                                   const std::vector<std::string>& installOptionsValues) {
   VerifiedImage image;
   image.reservation = reserveTarget(target);
-  const FileBytes file = readImageFile(uri, image.reservation);
+  const os::FileContent file = readImageFile(uri, image.reservation);
+  const auto fileSize = static_cast<std::uint32_t>(file.size);
   // What is prepared is the file or a selection of its images, and so never larger.
-  image.bytes.resize(file.size);
+  image.bytes.resize(fileSize);
   image.targetTypes = readTargetTypes(installOptions, installOptionsValues, image.reservation);
 
   utils::logDebug(kLog, kCheck, "Start preparing the image");
-  std::uint32_t size = file.size;
+  std::uint32_t size = fileSize;
   const ma::PrepareStatus status = ma::prepareFlashImage(
-      target, file.data.get(), file.size, image.bytes.data(), size, image.targetTypes);
+      target, file.bytes.get(), fileSize, image.bytes.data(), size, image.targetTypes);
   utils::logDebug(kLog, kCheck, "Image prepared %d", static_cast<int>(status));
   actOnStatus(status, target, uri, cim::hasOption(installOptions, cim::kForceInstallation),
               image.reservation);

@@ -22,11 +22,12 @@ struct VerifiedImage {
 
 // Reads the image that `uri` names and has the flash library check it against the adapter `target`.
 //
-// The file is read once, into a buffer that is gone when this returns; one that is larger than the
-// setting MaxImageSize is not read at all (EImageReadError, with the size, the limit and its
-// place). Sets the target in progress; it stays set for the life of the returned reservation.
-// Throws the types of JobErrors.h, utils::EInvalidParameter or utils::EUnspecifiedError; the target
-// in progress is cleared first, unless an update was in progress before.
+// The file is read once, into a buffer that is gone when this returns, or has been read ahead (see
+// Os/FileAhead.h); one that is larger than the setting MaxImageSize is not read at all
+// (EImageReadError, with the size, the limit and its place). Sets the target in progress; it stays
+// set for the life of the returned reservation. Throws the types of JobErrors.h,
+// utils::EInvalidParameter or utils::EUnspecifiedError; the target in progress is cleared first,
+// unless an update was in progress before.
 [[nodiscard]] VerifiedImage checkAndVerifyImage(
     const std::string& target, const std::string& uri,
     const std::vector<std::uint16_t>& installOptions,

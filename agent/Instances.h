@@ -15,14 +15,18 @@ using Instances = std::vector<core::CimInstance*>;
 
 // Returns all instances of the class.
 [[nodiscard]] inline Instances findInstances(const char* className) {
-  return core::GetCimBroker().getInstances(className);
+  Instances instances;
+  for (core::CimInstance* instance : core::GetCimBroker().getInstances(className)) {
+    instances.push_back(instance);
+  }
+  return instances;
 }
 
 // Returns the instances of T::kClassName that are a T.
 template <class T>
 [[nodiscard]] std::vector<T*> findInstancesOf() {
   std::vector<T*> found;
-  for (core::CimInstance* instance : findInstances(T::kClassName)) {
+  for (core::CimInstance* instance : core::GetCimBroker().getInstances(T::kClassName)) {
     if (auto* typed = dynamic_cast<T*>(instance)) {
       found.push_back(typed);
     }

@@ -131,7 +131,7 @@ std::int32_t Orvex_ConcreteJobClass::startNewJob(std::unique_ptr<Orvex_ConcreteJ
   Orvex_ConcreteJob* const newJob = created.get();
   instances().add(newJob, [newJob] { newJob->setPropertyValues(); });
   if (!start(*newJob)) {
-    instances().remove(newJob);
+    withdraw(newJob);
     m_unstartedJobs.add(std::move(created));
     return agent::kJobStartFailed;
   }

@@ -10,6 +10,7 @@
 #include "Utils/TimeStamp.h"
 #include "agent/ConcreteJobFactory.h"
 #include "agent/InstallSteps.h"
+#include "agent/PathArguments.h"
 #include "cim/InstallCharacteristics.h"
 #include "cim/InstallOptions.h"
 #include "cim/MethodSignatures.h"
@@ -265,6 +266,7 @@ std::uint32_t Orvex_SoftwareInstallationService::InstallFromSoftwareIdentity(
     return cim::kCollectionNotSupported;
   }
   agent::expectValues({&options, &source, &target});
+  agent::expectPaths({&source, &target});
   utils::logDebug(kLog, method.function, "Starting arguments verification success");
   // The identity says which image types it holds, so a request may not choose among them.
   if (!agent::areOptionsSupported(options.getValue()) ||
@@ -290,6 +292,7 @@ std::uint32_t Orvex_SoftwareInstallationService::InstallFromURI(core::CimPropert
   const auto& options = arguments.expect<core::CimPropertyUint16_arr>("InstallOptions");
   const auto& values = arguments.expect<core::CimPropertyString_arr>("InstallOptionsValues");
   agent::expectValues({&uri, &target, &options});
+  agent::expectPaths({&target});
   if (!agent::areOptionsSupported(options.getValue())) {
     return cim::kInvalidParameter;
   }
@@ -313,6 +316,7 @@ std::uint32_t Orvex_SoftwareInstallationService::CheckSoftwareIdentity(core::Cim
     return cim::kCollectionNotSupported;
   }
   agent::expectValues({&source, &target});
+  agent::expectPaths({&source, &target});
   utils::logDebug(kLog, method.function, "Starting arguments verification success");
   if (!characteristics.getValue().empty()) {
     utils::logDebug(kLog, method.function,

@@ -1,5 +1,8 @@
 #include "agent/SoftwareUpdateAgent.h"
 
+#include <memory>
+#include <new>
+
 #include "agent/Orvex_AffectedJobElement.h"
 #include "agent/Orvex_ConcreteJob.h"
 #include "agent/Orvex_ConcreteJobClass.h"
@@ -19,13 +22,14 @@ namespace {
 // A literal: the load hook may run before the initialisers of other files.
 constexpr const char* kAgentName = "Software Update";
 
+// Returns null where there is no memory, which the registry refuses.
 template <class Provider>
-CimClass* make() {
-  return new Provider;
+std::unique_ptr<CimClass> make() {
+  return std::unique_ptr<CimClass>(new (std::nothrow) Provider);
 }
 
 // The providers, in the order of their registration.
-constexpr CimClass* (*kProviders[])() = {
+constexpr std::unique_ptr<CimClass> (*kProviders[])() = {
     make<Orvex_SoftwareInstallationServiceClass>,
     make<Orvex_SoftwareInstallationServiceCapabilitiesClass>,
     make<Orvex_SoftwareUpdateRegisteredProfileClass>,
@@ -42,7 +46,9 @@ constexpr CimClass* (*kProviders[])() = {
 
 SoftwareUpdateAgent::SoftwareUpdateAgent() : CimAgent(kAgentName) {
   for (const auto& makeProvider : kProviders) {
-    getClasses().add(makeProvider());
+    std::unique_ptr<CimClass> provider = makeProvider();
+    getClasses().add(provider.get());
+    static_cast<void>(provider.release());
   }
 }
 

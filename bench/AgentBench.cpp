@@ -168,7 +168,7 @@ Orvex_ConcreteJob& startUpdate(const bench::Adapters& adapters) {
   core::CimPropertyString uri("URI", nullptr);
   uri.setValue(adapters.romUri());
   core::CimPropertyRef target("Target", nullptr);
-  target.setText(broker.getInstances(Orvex_EthernetPort::kClassName).front()->getPath());
+  target.setText(broker.getInstances(Orvex_EthernetPort::kClassName).first()->getPath());
   core::CimPropertyUint16_arr options("InstallOptions", nullptr);
   options.setValue({cim::kUpdate});
   core::CimPropertyString_arr values("InstallOptionsValues", nullptr);
@@ -180,7 +180,7 @@ Orvex_ConcreteJob& startUpdate(const bench::Adapters& adapters) {
   }
   core::CimInstance* job = nullptr;
   core::CimInstance* service =
-      broker.getInstances(Orvex_SoftwareInstallationService::kClassName).front();
+      broker.getInstances(Orvex_SoftwareInstallationService::kClassName).first();
   if (service->invokeMethod("InstallFromURI", &in, &out, &job) != cim::kJobStarted) {
     throw std::runtime_error("the update was refused");
   }

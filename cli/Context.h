@@ -22,7 +22,8 @@ struct GlobalOptions {
   std::string config;
   std::string logLevel;
   bool isJson = false;
-  std::string host;  // where to find the instances; empty: in this process
+  std::string lockTimeout;  // of an update: how long it waits for the flash; see Duration.h
+  std::string host;         // where to find the instances; empty: in this process
   // With a host only.
   std::string passwordFile;
   std::string caFile;

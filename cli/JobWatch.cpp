@@ -83,6 +83,19 @@ void Watch::leave(const std::string& reason, const char* job, client::Fault::Kin
   throw client::Fault(reason + job + "; to follow it again:\n  " + m_command, kind);
 }
 
+// Ends the process where its update has not begun to write, and then never will.
+void yieldUnlessWriting(InterruptGuard& guard, std::ostream& err) {
+  if (os::OSLocker::giveUp()) {
+    err << "quorvel: interrupted: the flash was not to be had yet, so nothing was written"
+        << std::endl;
+    guard.yieldToInterrupt();
+    throw client::Fault("the update was given up");
+  }
+  err << "quorvel: interrupted: the flash is being written and cannot be left half done; waiting "
+         "for its end"
+      << std::endl;
+}
+
 client::JobReport follow(Watch& watch, const client::Connection& connection, ProgressView& view,
                          InterruptGuard& guard, std::ostream& err, Clock::time_point start) {
   const bool isOwnJob = !connection.isRemote();
@@ -92,13 +105,7 @@ client::JobReport follow(Watch& watch, const client::Connection& connection, Pro
     if (guard.takeInterrupt() && !hasEnded) {
       view.endLine();
       watch.yieldToHost(report.has_value());
-      err << (os::OSLocker::describeAwaited().empty() ? "quorvel: interrupted: the flash is being "
-                                                        "written and cannot be left half done; "
-                                                        "waiting for its end"
-                                                      : "quorvel: interrupted: the update waits "
-                                                        "for the flash and cannot be taken back; "
-                                                        "waiting for its end")
-          << std::endl;
+      yieldUnlessWriting(guard, err);
     }
     if (guard.takeStop()) {
       view.endLine();

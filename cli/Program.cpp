@@ -1,8 +1,10 @@
 #include "cli/Program.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "Utils/Exception.h"
 #include "Utils/Printable.h"
@@ -11,6 +13,7 @@
 #include "cli/CheckCommand.h"
 #include "cli/ClassesCommand.h"
 #include "cli/Context.h"
+#include "cli/HostArgument.h"
 #include "cli/IdentitiesCommand.h"
 #include "cli/InstancesCommand.h"
 #include "cli/InvokeCommand.h"
@@ -38,10 +41,12 @@ constexpr const char* kFooter =
     "  quorvel classes\n"
     "  quorvel instances Orvex_EthernetPort --json\n"
     "  quorvel update --help\n"
-    "  quorvel --host unix: jobs\n"
+    "  quorvel --host jobs\n"
     "  quorvel --host https://admin@server1:5989 jobs\n"
     "\n"
     "With --host a command works in a host that runs elsewhere, or on this machine as a service.\n"
+    "Behind the command, --host takes what follows for its ADDRESS only where it begins with\n"
+    "http://, https:// or unix:; --host=ADDRESS leaves no doubt.\n"
     "The password of the USER comes from --password-file, from the environment variable\n"
     "QUORVEL_PASSWORD, or from a prompt on the terminal.\n";
 
@@ -70,9 +75,9 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
       ->type_name("FILE");
   host::addLogLevelOption(app, options.logLevel);
   app.add_option("--host", options.host,
-                 "Work in the host at this address, not in this process; unix: is the service of "
-                 "this machine")
-      ->type_name("http(s)://[USER@]HOST:PORT | unix:[PATH]")
+                 "Work in the host at this address, http(s)://[USER@]HOST:PORT or unix:[PATH], not "
+                 "in this process; without an address in the service of this machine (unix:)")
+      ->type_name("[ADDRESS]")
       ->check(host::notEmpty());
   app.add_option("--password-file", options.passwordFile,
                  "File whose first line is the password for the host")
@@ -86,6 +91,34 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
       ->type_name("NAME")
       ->check(host::notEmpty());
   app.add_flag("--json", options.isJson, "Print the result as one JSON document");
+}
+
+bool takesWords(const CLI::App& command) {
+  const auto any = [](const auto* /*each*/) { return true; };
+  return !command.get_subcommands(any).empty() ||
+         !command.get_options([](const CLI::Option* each) { return each->get_positional(); })
+              .empty();
+}
+
+HostArgument completeHostOf(const CLI::App& app, int argc, const char* const* argv) {
+  return completeHost({argv + std::min(argc, 1), argv + argc}, [&app](const std::string& text) {
+    for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+      if (command->get_name() == text) {
+        return takesWords(*command) ? Word::CommandWithWords : Word::Command;
+      }
+    }
+    return Word::NoCommand;
+  });
+}
+
+// Returns what may have been meant by arguments that nobody expects; empty where nobody knows.
+std::string hintAtAddress(const HostArgument& host, const CLI::Error& error) {
+  if (host.follower.empty() ||
+      error.get_exit_code() != static_cast<int>(CLI::ExitCodes::ExtrasError)) {
+    return "";
+  }
+  return "If '" + utils::toPrintable(host.follower) +
+         "' is meant for --host: an address begins with http://, https:// or unix:.\n";
 }
 
 // The prefix says which system it is about, which is plain here.
@@ -127,15 +160,18 @@ int runProgram(int argc, const char* const* argv, std::ostream& out, std::ostrea
     addCommand(app, context);
   }
 
+  const HostArgument host = completeHostOf(app, argc, argv);
   ExitStatus status = ExitStatus::Done;
   try {
-    app.parse(argc, argv);
+    // The parser takes them from the back.
+    app.parse(std::vector<std::string>(host.arguments.rbegin(), host.arguments.rend()));
     if (!context.command) {
       throw CLI::RequiredError("A command");
     }
     status = runCommand(context);
   } catch (const CLI::ParseError& error) {
     status = app.exit(error, out, err) == 0 ? ExitStatus::Done : ExitStatus::Usage;
+    err << hintAtAddress(host, error);
   }
 
   out.flush();

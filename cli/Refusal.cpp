@@ -122,7 +122,7 @@ std::string adviseOnFile(const UpdateRequest& request) {
     return "";
   }
   const auto found = std::make_shared<std::filesystem::file_status>();
-  const os::FileAnswer answer = os::fileCalls().make(os::directoryOf(path), [found, path] {
+  const os::FileAnswer answer = os::fileCalls().make(path, [found, path] {
     std::error_code error;
     *found = std::filesystem::status(platform::toPath(path), error);
   });
@@ -223,7 +223,8 @@ void reportRefusal(const Context& context, const std::string& what,
 std::string adviseOnFailure(const client::JobReport& job, const client::Connection& connection) {
   if (job.errorText == refusal::kTimeout) {
     return "the flash could not be had for this process; another program may be using it. Try "
-           "again when that has ended, or raise Timeout in the configuration";
+           "again when that has ended, or wait longer (Timeout in the configuration, or "
+           "--lock-timeout)";
   }
   return nameProgram("'quorvel adapters' shows what the adapter holds now", connection.program());
 }

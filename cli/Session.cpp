@@ -3,10 +3,12 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <system_error>
 
 #include "Os/Environment.h"
 #include "Os/QuorvelConfig.h"
+#include "cli/Duration.h"
 #include "cli/OpenHost.h"
 #include "client/BrokerConnection.h"
 #include "client/Fault.h"
@@ -30,6 +32,8 @@ constexpr OptionPlace kOptionPlaces[] = {
      " does not go with --host: the host has adapters of its own"},
     {&GlobalOptions::config, "--config", false,
      " does not go with --host: the host has a configuration of its own"},
+    {&GlobalOptions::lockTimeout, "--lock-timeout", false,
+     " does not go with --host: the host has a configuration of its own (Timeout)"},
     {&GlobalOptions::passwordFile, "--password-file", true, " goes with --host alone"},
     {&GlobalOptions::caFile, "--cacert", true, " goes with --host alone"},
     {&GlobalOptions::nameSpace, "--namespace", true, " goes with --host alone"},
@@ -50,11 +54,27 @@ void demandReadable(const std::string& path) {
   }
 }
 
+// The configuration, but for what the command line says of the flash lock.
+class SessionConfig final : public utils::QuorvelConfig {
+ public:
+  SessionConfig(const std::string& path, std::optional<std::uint32_t> timeout)
+      : QuorvelConfig(path), m_timeout(timeout) {}
+
+  std::uint32_t getTimeout() override {
+    return m_timeout ? *m_timeout : QuorvelConfig::getTimeout();
+  }
+
+ private:
+  const std::optional<std::uint32_t> m_timeout;
+};
+
 // Never destroyed: jobs and the modules' objects may ask it until the process has ended, and in
 // which order programs and modules lose their objects differs by platform.
-void useConfiguration(const std::string& path) {
+void useConfiguration(const GlobalOptions& options) {
   static auto& config = *new std::unique_ptr<utils::QuorvelConfig>;
-  config = std::make_unique<utils::QuorvelConfig>(path);
+  config = std::make_unique<SessionConfig>(
+      options.config.empty() ? utils::QuorvelConfig::kDefaultPath : options.config,
+      parseMilliseconds(options.lockTimeout));
 }
 
 }  // namespace
@@ -77,7 +97,9 @@ void applyOptions(const GlobalOptions& options) {
   }
   if (!options.config.empty()) {
     demandReadable(options.config);
-    useConfiguration(options.config);
+  }
+  if (!options.config.empty() || !options.lockTimeout.empty()) {
+    useConfiguration(options);
   }
 }
 

@@ -15,7 +15,8 @@ namespace cli {
 // the other way round.
 void demandConsistent(const GlobalOptions& options);
 
-// Puts the options into force for this process: adapters directory, configuration file, log level.
+// Puts the options into force for this process: adapters directory, configuration file, time limit
+// of the flash lock, log level.
 // To be called before anything logs. Throws Fault (usage) for a configuration file that cannot be
 // opened. Windows opens it only, and takes the settings from the registry.
 void applyOptions(const GlobalOptions& options);

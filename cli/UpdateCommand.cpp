@@ -5,9 +5,13 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <system_error>
 
 #include "Utils/ClockText.h"
+#include "Utils/Conversions.h"
 #include "cli/Command.h"
+#include "cli/Duration.h"
 #include "cli/JobWatch.h"
 #include "cli/JsonOutput.h"
 #include "cli/Refusal.h"
@@ -18,6 +22,7 @@
 #include "client/InstallationService.h"
 #include "client/Target.h"
 #include "host/SharedOptions.h"
+#include "platform/Paths.h"
 #include "platform/Texts.h"
 
 namespace cli {
@@ -28,10 +33,13 @@ constexpr const char* kFooter =
     "is a file or a file: URI. With --identity, the image is one of the files that 'quorvel\n"
     "identities' lists, by its path, its name where no other file has that, its InstanceID or its\n"
     "object path. The flash then holds the images of the chosen types and no others.\n"
-    "An interrupt (Ctrl-C) does not abandon a flash that is being written: the command waits for\n"
-    "its end. With --host the update goes on in the host, and the command says how to follow it.\n"
+    "An interrupt (Ctrl-C) ends an update that still waits for the flash, and nothing is written;\n"
+    "a flash that is being written it does not abandon: the command waits for its end. With "
+    "--host\n"
+    "the update goes on in the host, and the command says how to follow it.\n"
     "IMAGE is a file on the machine of the host then; a relative path is taken from the directory\n"
     "where this command runs.\n"
+    "DURATION is a number of seconds, or has a unit: 500ms, 30s, 5m, 1h.\n"
     "\n"
     "With --json: {\"returnValue\", \"returnText\", \"job\"}, where job holds the properties of\n"
     "the finished Orvex_ConcreteJob, and is null when the update was refused.\n"
@@ -41,6 +49,7 @@ constexpr const char* kFooter =
     "  quorvel update 0000:03:00 firmware.rom --types IMG_PXE+IMG_UEFI\n"
     "  quorvel update 0000:03:00 file:///srv/older.rom --force --json\n"
     "  quorvel update 0000:03:00 --identity firmware.rom\n"
+    "  quorvel update 0000:03:00 firmware.rom --lock-timeout 30s\n"
     "  quorvel update 0000:03:00 /srv/firmware.rom --host https://admin@server1:5989\n";
 
 struct Options {
@@ -70,11 +79,26 @@ std::string nameExactly(const std::filesystem::path& path) {
   return *text;
 }
 
+// Schemes are the same in any case.
+bool isFileUri(const std::string& image) {
+  constexpr std::string_view kScheme = "FILE:";
+  return utils::toUpper(image.substr(0, kScheme.size())) == kScheme;
+}
+
+std::filesystem::path makeAbsolute(const std::string& image) {
+  std::error_code error;
+  std::filesystem::path path = platform::makeAbsolute(platform::toPath(image), error);
+  if (error) {
+    throw client::Fault("the file '" + image + "' cannot be told from here: " + error.message() +
+                        "; name it by its whole path");
+  }
+  return path;
+}
+
 Start startFromFile(client::Connection& connection, const Options& options,
                     const client::Target& target, const client::OnStart& onStart) {
-  const bool isUri = options.image.starts_with("file:");
-  const std::filesystem::path path =
-      isUri ? std::filesystem::path() : std::filesystem::absolute(platform::toPath(options.image));
+  const bool isUri = isFileUri(options.image);
+  const std::filesystem::path path = isUri ? std::filesystem::path() : makeAbsolute(options.image);
   const std::string uri = isUri ? options.image : "file://" + nameExactly(path);
   return {client::installFromUri(connection, uri, target.path, options.update, onStart),
           {platform::toShownText(path), !options.update.types.empty(), options.update.isForced,
@@ -169,6 +193,10 @@ void addUpdateCommand(CLI::App& program, Context& context) {
                refuseNoType},
               options->update.types);
   command.addFlag("--force", "Install older firmware, too", options->update.isForced);
+  command.add(
+      {"--lock-timeout", "Wait so long for the flash, whatever Timeout says; 0 does not wait",
+       "DURATION", false, refuseNoDuration},
+      context.options.lockTimeout);
   command.addFlag("--no-progress", "Print no progress", options->isProgressHidden);
   command.setFooter(kFooter);
   command.onChosen([&context, options] {

@@ -14,11 +14,11 @@ constexpr utils::LogSource kLog{"CimAgent"};
 
 CimAgent::CimAgent(std::string name) : m_name(std::move(name)) {}
 
-bool CimAgent::hasClass(const std::string& className) {
+bool CimAgent::hasClass(std::string className) {
   return m_classes.contains(className);
 }
 
-InstanceList::Iterator CimAgent::getInstances(const std::string& className) {
+InstanceList::Iterator CimAgent::getInstances(std::string className) {
   constexpr const char* kFunction = "core::CimAgent::getInstances";
   utils::logDebug(kLog, kFunction, "[%s] Finding class: %s", m_name.c_str(), className.c_str());
   if (!m_classes.contains(className)) {

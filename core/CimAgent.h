@@ -23,10 +23,10 @@ class ORVEX_CORE_API CimAgent {
   CimAgent& operator=(const CimAgent&) = delete;
 
   // Returns whether the agent serves the class; names are case-sensitive.
-  [[nodiscard]] virtual bool hasClass(const std::string& className);
+  [[nodiscard]] virtual bool hasClass(std::string className);
   // Returns the provider's cursor. Throws utils::Exception "class %s does not exists", else what
   // the provider throws.
-  [[nodiscard]] virtual InstanceList::Iterator getInstances(const std::string& className);
+  [[nodiscard]] virtual InstanceList::Iterator getInstances(std::string className);
 
   virtual ~CimAgent();
 

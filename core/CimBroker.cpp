@@ -1,6 +1,6 @@
 #include "core/CimBroker.h"
 
-#include <algorithm>
+#include <utility>
 
 #include "Utils/Assert.h"
 
@@ -22,6 +22,56 @@ bool hasKeys(const std::vector<CimProperty*>& properties, const CimPath& path) {
   }
   return keys == path.size();
 }
+
+// Walks what several agents serve of one class, one behind the other.
+class JoinedCursor : public InstanceList::IteratorImplementation {
+ public:
+  explicit JoinedCursor(std::vector<InstanceList::Iterator> cursors)
+      : m_cursors(std::move(cursors)) {}
+
+  CimInstance* next() override {
+    if (!m_isBegun) {
+      return first();
+    }
+    if (m_current == m_cursors.size()) {
+      return nullptr;
+    }
+    CimInstance* const instance = m_cursors[m_current].next();
+    return instance != nullptr ? instance : firstFrom(m_current + 1);
+  }
+
+  CimInstance* first() override {
+    m_isBegun = true;
+    return firstFrom(0);
+  }
+
+  std::size_t count() override {
+    std::size_t counted = 0;
+    for (InstanceList::Iterator& cursor : m_cursors) {
+      counted += cursor.count();
+    }
+    return counted;
+  }
+
+  std::unique_ptr<InstanceList::IteratorImplementation> clone() override {
+    return std::make_unique<JoinedCursor>(m_cursors);
+  }
+
+ private:
+  // Goes to the first instance of the first cursor from that number on that has one.
+  CimInstance* firstFrom(std::size_t number) {
+    for (m_current = number; m_current < m_cursors.size(); ++m_current) {
+      if (CimInstance* const instance = m_cursors[m_current].first()) {
+        return instance;
+      }
+    }
+    return nullptr;
+  }
+
+  std::vector<InstanceList::Iterator> m_cursors;
+  std::size_t m_current = 0;  // behind the last one at the end
+  bool m_isBegun = false;
+};
 
 }  // namespace
 
@@ -62,28 +112,28 @@ std::shared_ptr<const CimSchema> CimBroker::getSchema() {
   return m_schema;
 }
 
-std::vector<CimInstance*> CimBroker::getInstances(const std::string& className) {
-  const Request request(*this);
-  std::vector<CimInstance*> instances;
+InstanceList::Iterator CimBroker::getInstances(const std::string& className) {
+  std::vector<InstanceList::Iterator> cursors;
   for (std::size_t index = 0; CimAgent* agent = findAgent(index); ++index) {
     if (agent->hasClass(className)) {
-      InstanceList::Iterator cursor = agent->getInstances(className);
-      for (CimInstance* instance = cursor.first(); instance != nullptr; instance = cursor.next()) {
-        instances.push_back(instance);
-      }
+      cursors.push_back(agent->getInstances(className));
     }
   }
-  return instances;
+  if (cursors.size() == 1) {
+    return std::move(cursors.front());
+  }
+  return InstanceList::Iterator(std::make_unique<JoinedCursor>(std::move(cursors)));
 }
 
 CimInstance* CimBroker::getInstanceByPath(const CimPath& path) {
-  const std::vector<CimInstance*> instances = getInstances(path.getClassName());
   std::vector<CimProperty*> properties;
-  const auto found = std::find_if(instances.begin(), instances.end(), [&](CimInstance* instance) {
+  for (CimInstance* instance : getInstances(path.getClassName())) {
     instance->getProperties().copyTo(properties);
-    return hasKeys(properties, path);
-  });
-  return found != instances.end() ? *found : nullptr;
+    if (hasKeys(properties, path)) {
+      return instance;
+    }
+  }
+  return nullptr;
 }
 
 CimBroker& GetCimBroker() {

@@ -1,9 +1,11 @@
 // The host's broker: routes requests to the agents that serve the classes asked for.
 //
 // One broker lives as long as the process. Agents register when their module is loaded and stay
-// theirs: the broker deletes none. Requests are serialised, because an instance pointer is valid
-// only until the next enumeration of its class: whoever uses instances holds a Request meanwhile.
-// Job threads never take it, so a slow flash holds nobody up.
+// theirs: the broker deletes none. Requests are serialised, because a cursor and the instances that
+// it gives are valid only until the next enumeration of their class: whoever asks for instances
+// holds a Request for as long as he uses them. Job threads never take it, so a slow flash holds
+// nobody up. The broker itself takes none: a provider, which has locks of its own, asks it for the
+// instances of other classes.
 
 #ifndef ORVEX_CORE_CIMBROKER_H_
 #define ORVEX_CORE_CIMBROKER_H_
@@ -51,9 +53,10 @@ class ORVEX_CORE_API CimBroker {
   // declareClasses throws.
   [[nodiscard]] std::shared_ptr<const CimSchema> getSchema();
 
-  // Returns the instances of the class from all agents that serve it, agent by agent; none for a
-  // class that nobody serves. Throws what a provider throws.
-  [[nodiscard]] std::vector<CimInstance*> getInstances(const std::string& className);
+  // Asks all agents that serve the class, and returns a cursor over what they give, agent by agent,
+  // in the order in which they were added; an empty one for a class that nobody serves. Throws what
+  // a provider throws.
+  [[nodiscard]] InstanceList::Iterator getInstances(const std::string& className);
   // Returns the first instance of the path's class whose keys are exactly those of the path, null
   // when there is none. Throws what a provider throws.
   [[nodiscard]] CimInstance* getInstanceByPath(const CimPath& path);

@@ -1,4 +1,5 @@
-// The provider of one served class: the broker reaches the instances of a class through it.
+// The provider of one served class: the broker reaches the instances of a class through it. Any
+// thread may call; a provider guards what it keeps.
 
 #ifndef ORVEX_CORE_CIMCLASS_H_
 #define ORVEX_CORE_CIMCLASS_H_

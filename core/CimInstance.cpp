@@ -45,8 +45,8 @@ void CimInstance::modify(CimPropertyList& newValues) {
   }
 }
 
-std::uint32_t CimInstance::invokeMethod(const std::string& name, CimPropertyList* in,
-                                        CimPropertyList* out, CimInstance** job) {
+std::uint32_t CimInstance::invokeMethod(std::string name, CimPropertyList* in, CimPropertyList* out,
+                                        CimInstance** job) {
   constexpr const char* kFunction = "core::CimInstance::invokeMethod";
   utils::logDebug(kLog, kFunction, "Checking, if %s method is supported", name.c_str());
   const auto method = m_methods.find(name);

@@ -48,8 +48,8 @@ class ORVEX_CORE_API CimInstance {
   // Calls the method that is registered under the name, which is case-sensitive. Throws
   // utils::ENotSupported when there is none or when it is only declared, else what the method
   // throws.
-  virtual std::uint32_t invokeMethod(const std::string& name, CimPropertyList* in,
-                                     CimPropertyList* out, CimInstance** job);
+  virtual std::uint32_t invokeMethod(std::string name, CimPropertyList* in, CimPropertyList* out,
+                                     CimInstance** job);
 
   virtual ~CimInstance();
 

@@ -45,10 +45,6 @@ std::string CimProperty::toString() const {
   refuseOperation(*this, "core::CimProperty::toString");
 }
 
-bool CimProperty::hasText(const std::string& text) const {
-  return toString() == text;
-}
-
 void CimProperty::modify(CimProperty*) {
   refuseOperation(*this, "core::CimProperty::modify");
 }

@@ -74,8 +74,6 @@ class ORVEX_CORE_API CimProperty {
 
   // Returns the value as text.
   [[nodiscard]] virtual std::string toString() const;
-  // Returns whether toString() is the text.
-  [[nodiscard]] virtual bool hasText(const std::string& text) const;
   // Returns a CimType.
   [[nodiscard]] virtual std::uint32_t getType() const = 0;
   // Takes the value and the null state of `newValue`, without a check.
@@ -83,6 +81,10 @@ class ORVEX_CORE_API CimProperty {
   // Throws utils::EForbidden or utils::EInvalidParameter when the property may not become
   // `newValue`; changes nothing.
   virtual void verify(CimProperty* newValue);
+
+  // Returns whether toString() is the text. Defined beside the typed properties, since it spares a
+  // string the copy.
+  [[nodiscard]] bool hasText(const std::string& text) const;
 
   [[nodiscard]] const std::string& getName() const { return m_name.text(); }
   // Returns whether the other property has the same name.

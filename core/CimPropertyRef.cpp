@@ -6,6 +6,9 @@ namespace core {
 
 CimPropertyRef::CimPropertyRef(const char* name, CimInstance* owner) : CimProperty(name, owner) {}
 
+CimPropertyRef::CimPropertyRef(const char* name, CimInstance* owner, const char* referenceClass)
+    : CimProperty(name, owner), m_referenceClass(referenceClass) {}
+
 CimPropertyRef::~CimPropertyRef() = default;
 
 std::string CimPropertyRef::toString() const {

@@ -36,11 +36,16 @@ class ORVEX_CORE_API CimPropertyRef : public CimProperty {
   [[nodiscard]] std::uint32_t getType() const override { return kCimReference; }
 
   // Returns the name of the class to which the target belongs; empty where none is fixed.
-  [[nodiscard]] virtual std::string_view getReferenceClass() const { return {}; }
+  [[nodiscard]] std::string_view getReferenceClass() const { return m_referenceClass; }
+
+ protected:
+  // `referenceClass` is a text that stays.
+  CimPropertyRef(const char* name, CimInstance* owner, const char* referenceClass);
 
  private:
   CimInstance* m_target = nullptr;
   std::string m_text;
+  const char* const m_referenceClass = "";
 };
 
 // A reference to an instance of T, a schema class, which must be complete where the reference is
@@ -48,15 +53,17 @@ class ORVEX_CORE_API CimPropertyRef : public CimProperty {
 template <class T>
 class CimPropertyRefT : public CimPropertyRef {
  public:
-  using CimPropertyRef::CimPropertyRef;
+  CimPropertyRefT(const char* name, CimInstance* owner)
+      : CimPropertyRef(name, owner, className()) {}
 
-  [[nodiscard]] std::string_view getReferenceClass() const override {
+ private:
+  static constexpr const char* className() {
     static_assert(
         requires { sizeof(T); }, "include the header of the class");
     if constexpr (requires { T::kClassName; }) {
       return T::kClassName;
     } else {
-      return {};
+      return "";
     }
   }
 };

@@ -1,5 +1,7 @@
 #include "core/CimPropertyTypes.h"
 
+#include <cstddef>
+
 #include "Utils/Assert.h"
 #include "Utils/Format.h"
 
@@ -8,13 +10,26 @@ namespace {
 
 constexpr utils::LogSource kLog{"CimPropertyTypes"};
 
-// Returns the property when it is of the type that modify() can copy from, null otherwise.
-template <class Property>
-CimProperty* asSource(CimProperty* newValue) {
-  return dynamic_cast<Property*>(newValue);
+template <class Property, class Value>
+bool copyFrom(const CimProperty& source, Value& value) {
+  const auto* typed = dynamic_cast<const Property*>(&source);
+  if (typed != nullptr) {
+    value = static_cast<Value>(typed->getValue());
+  }
+  return typed != nullptr;
+}
+
+template <class... Properties, class Value>
+void copyFromAny(const CimProperty& source, Value& value) {
+  static_cast<void>((copyFrom<Properties>(source, value) || ...));
 }
 
 }  // namespace
+
+bool CimProperty::hasText(const std::string& text) const {
+  return getType() == kCimString ? static_cast<const CimPropertyString*>(this)->getValue() == text
+                                 : toString() == text;
+}
 
 template <class Property>
 void modifyProperty(Property* property, CimProperty* newValue) {
@@ -42,12 +57,18 @@ std::string CimPropertyScalar<Value, kType>::toString() const {
 
 template <class Value, std::uint32_t kType>
 void CimPropertyScalar<Value, kType>::modify(CimProperty* newValue) {
-  modifyProperty(this, asSource<CimPropertyScalar>(newValue));
+  modifyProperty(this, newValue);
 }
 
 template <class Value, std::uint32_t kType>
 void CimPropertyScalar<Value, kType>::verify(CimProperty* newValue) {
   verifyProperty(this, newValue);
+}
+
+template <class Value, std::uint32_t kType>
+void CimPropertyScalar<Value, kType>::copyValue(const CimProperty& source) {
+  copyFromAny<CimPropertyScalar, CimPropertyUint8, CimPropertySint8, CimPropertyUint16,
+              CimPropertyUint32, CimPropertyUint64, CimPropertyBoolean>(source, m_value);
 }
 
 #define ORVEX_INSTANTIATE(Value, kType)                                         \
@@ -72,8 +93,9 @@ void CimPropertyString::CheckMinLengthListener::onVerify(CimProperty* property,
                                                          CimProperty* newValue) {
   ORVEX_ASSERT(kLog, property != NULL);
   ORVEX_ASSERT(kLog, newValue != NULL);
+  const std::size_t length = newValue->toString().size();
   const std::uint32_t minimum = static_cast<CimPropertyString*>(property)->getMinLength();
-  if (minimum != 0 && newValue->toString().size() < minimum) {
+  if (minimum != 0 && length < minimum) {
     throw utils::EInvalidParameter(utils::format("Length of %s property cannot be smaller then %d",
                                                  property->getName().c_str(),
                                                  static_cast<int>(minimum)));
@@ -84,8 +106,9 @@ void CimPropertyString::CheckMaxLengthListener::onVerify(CimProperty* property,
                                                          CimProperty* newValue) {
   ORVEX_ASSERT(kLog, property != NULL);
   ORVEX_ASSERT(kLog, newValue != NULL);
+  const std::size_t length = newValue->toString().size();
   const std::uint32_t maximum = static_cast<CimPropertyString*>(property)->getMaxLength();
-  if (maximum != 0 && newValue->toString().size() > maximum) {
+  if (maximum != 0 && length > maximum) {
     throw utils::EInvalidParameter(utils::format("Length of %s property cannot be biger then %d",
                                                  property->getName().c_str(),
                                                  static_cast<int>(maximum)));

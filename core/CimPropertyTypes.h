@@ -31,10 +31,9 @@ class CimPropertyScalar : public CimProperty {
   void modify(CimProperty* newValue) override;
   void verify(CimProperty* newValue) override;
 
-  // Takes over the value of a property of the same type.
-  void copyValue(const CimProperty& source) {
-    m_value = static_cast<const CimPropertyScalar&>(source).m_value;
-  }
+  // Takes over the value of a property that has a number or a truth value; of another type, as much
+  // of it as there is room for. Leaves the value as it is for any other property.
+  void copyValue(const CimProperty& source);
 
  private:
   Value m_value{};
@@ -85,7 +84,6 @@ class ORVEX_CORE_API CimPropertyString : public CimProperty {
   [[nodiscard]] std::uint32_t getMaxLength() const { return m_maxLength; }
 
   [[nodiscard]] std::string toString() const override;
-  [[nodiscard]] bool hasText(const std::string& text) const override { return m_value == text; }
   [[nodiscard]] std::uint32_t getType() const override { return kCimString; }
   void modify(CimProperty* newValue) override;
   void verify(CimProperty* newValue) override;

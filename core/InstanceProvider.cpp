@@ -16,6 +16,7 @@ std::string InstanceProvider::getName() const {
 }
 
 InstanceList::Iterator InstanceProvider::getInstances() {
+  const utils::ScopedLock lock(m_enumeration);
   if (m_log.firstRecord != nullptr) {
     utils::logDebug(m_log.source, m_log.function, "%s", m_log.firstRecord);
   }
@@ -24,6 +25,11 @@ InstanceList::Iterator InstanceProvider::getInstances() {
   }
   const utils::TimeStamp timeStamp(m_log.blockName);
   return enumerate();
+}
+
+void InstanceProvider::withdraw(CimInstance* instance) {
+  const utils::ScopedLock lock(m_enumeration);
+  m_instances.remove(instance);
 }
 
 InstanceList::Iterator InstanceProvider::enumerate() {

@@ -1,5 +1,10 @@
 // What the providers of served classes share: a class name and the instances last built. One
 // provider differs from another in what its enumeration does (see refresh) and in what it logs.
+//
+// Any thread may call. One thread enumerates a provider at a time, so that what two of them build
+// is never in the list together; the instances stay valid until the next enumeration all the same.
+// An enumeration may ask for other classes: the locks follow the classes, of which none asks for
+// one that asks for it.
 
 #ifndef ORVEX_CORE_INSTANCEPROVIDER_H_
 #define ORVEX_CORE_INSTANCEPROVIDER_H_
@@ -9,6 +14,7 @@
 
 #include "Utils/Export.h"
 #include "Utils/Log.h"
+#include "Utils/Mutex.h"
 #include "core/CimClass.h"
 
 namespace core {
@@ -22,7 +28,22 @@ struct EnumerationLog {
   const char* blockName = nullptr;    // the timed block round the enumeration; null: none
 };
 
-class ORVEX_CORE_API InstanceProvider : public CimClass {
+// What an enumeration does. Apart from CimClass, so that what a provider adds to the operations of
+// that follows them directly.
+class InstanceSource {
+ public:
+  InstanceSource(const InstanceSource&) = delete;
+  InstanceSource& operator=(const InstanceSource&) = delete;
+
+ protected:
+  InstanceSource() = default;
+  ~InstanceSource() = default;
+
+  // Brings the instances up to date.
+  virtual void refresh() = 0;
+};
+
+class ORVEX_CORE_API InstanceProvider : public CimClass, protected InstanceSource {
  public:
   InstanceProvider(std::string className, const EnumerationLog& log);
   ~InstanceProvider() override;
@@ -31,17 +52,18 @@ class ORVEX_CORE_API InstanceProvider : public CimClass {
   [[nodiscard]] InstanceList::Iterator getInstances() override;
 
  protected:
-  // Brings the instances up to date.
-  virtual void refresh() = 0;
-
   [[nodiscard]] InstanceList& instances() { return m_instances; }
+  // Takes an instance out that the caller owns from then on. Waits for an enumeration on another
+  // thread, which may have come upon it.
+  void withdraw(CimInstance* instance);
   [[nodiscard]] const EnumerationLog& log() const { return m_log; }
 
  private:
-  InstanceList::Iterator enumerate();
+  InstanceList::Iterator enumerate() ORVEX_REQUIRES(m_enumeration);
 
   const std::string m_className;
   const EnumerationLog m_log;
+  utils::Mutex m_enumeration;  // held while the instances are brought up to date
   InstanceList m_instances;
 };
 

@@ -81,7 +81,7 @@ bool isLoopbackHost(std::string_view hostField) {
   if (colon != std::string_view::npos && parsePort(name.substr(colon + 1))) {
     name = name.substr(0, colon);
   }
-  if (name.empty() || utils::isSameIgnoringCase(name, "localhost")) {
+  if (utils::isSameIgnoringCase(name, "localhost")) {
     return true;
   }
   if (name.starts_with('[') && name.ends_with(']')) {

@@ -19,8 +19,7 @@ namespace quorveld {
 [[nodiscard]] std::optional<http::Endpoint> parseEndpoint(std::string_view text);
 
 // Returns whether the Host field of a request names this machine by a loopback address, or by
-// "localhost", or names nothing: what a web page that has its own name point to this machine cannot
-// send.
+// "localhost": what a web page that has its own name point to this machine cannot send.
 [[nodiscard]] bool isLoopbackHost(std::string_view hostField);
 
 }  // namespace quorveld

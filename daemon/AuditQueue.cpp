@@ -1,34 +1,40 @@
 #include "daemon/AuditQueue.h"
 
 #include <algorithm>
-#include <exception>
 #include <iterator>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-#include "daemon/Posix/FileDigest.h"
+#include "daemon/ContentDigest.h"
 #include "http/PeerGroup.h"
 
 namespace quorveld {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-using Limit = RecordLimit<wbem::AuditRecord>;
 
 // How often counts that are due are looked for.
 constexpr std::chrono::seconds kPeriod{1};
 
 constexpr const char* kLogin = "Login";
+constexpr const char* kJobEnd = "JobEnd";
+constexpr const char* kUnknownAction = "unknown method";
 
 // What methods and operations that did what they were asked for answer.
 constexpr std::string_view kSuccesses[] = {"0", "4096", "CIM_ERR_SUCCESS"};
 
+// Returns whether the record is of something that the host itself calls so, rather than of a method
+// that a client has given this name.
+bool isOwn(const wbem::AuditRecord& record, const char* action) {
+  return record.action == action && !record.result.starts_with("CIM_ERR_");
+}
+
 // Returns whether the record must not become one of many: of what has changed something.
 bool isAlwaysWritten(const wbem::AuditRecord& record) {
-  return record.action == "JobEnd" || std::find(std::begin(kSuccesses), std::end(kSuccesses),
-                                                record.result) != std::end(kSuccesses);
+  return isOwn(record, kJobEnd) || std::find(std::begin(kSuccesses), std::end(kSuccesses),
+                                             record.result) != std::end(kSuccesses);
 }
 
 // Returns a result without what it says of this one request.
@@ -38,27 +44,15 @@ std::string toResultKind(const std::string& result) {
 
 // Names of a login that is refused are the client's invention.
 std::string userOf(const wbem::AuditRecord& record) {
-  return record.action == kLogin ? "" : record.caller.user;
+  return isOwn(record, kLogin) ? "" : record.caller.user;
 }
 
-std::string kindOf(const wbem::AuditRecord& record) {
-  std::string kind;
-  for (const std::string& part : {record.action, http::toPeerGroup(record.caller.address),
-                                  userOf(record), toResultKind(record.result)}) {
-    kind += part;
-    kind += '\0';
-  }
-  return kind;
-}
-
-wbem::AuditRecord toRecord(const Limit::Rest& rest) {
-  wbem::AuditRecord record;
-  record.caller = rest.example.caller;
-  record.caller.user = userOf(rest.example);
-  record.action = rest.example.action;
-  const std::string kind = toResultKind(rest.example.result);
-  record.result = kind + (kind.empty() ? "" : " ") + describeRest(rest.count, Limit::kPeriod);
-  return record;
+// Returns who it is whose failures are counted together. Of a login, its details tell which user of
+// this machine it came from.
+std::string ownerOf(const wbem::AuditRecord& record) {
+  const bool isLogin = isOwn(record, kLogin) && !record.details.empty();
+  return http::toPeerGroup(record.caller.address) + '\0' +
+         (isLogin ? record.details.front().second : userOf(record));
 }
 
 wbem::AuditRecord tellLoss(const std::string& what) {
@@ -68,14 +62,20 @@ wbem::AuditRecord tellLoss(const std::string& what) {
   return record;
 }
 
+std::string countLost(std::uint64_t lost) {
+  return std::to_string(lost) + " records lost";
+}
+
 }  // namespace
 
-AuditQueue::AuditQueue(AuditSink& sink) : AuditQueue(sink, Limits()) {}
+AuditQueue::AuditQueue(AuditSink& sink, FindAction findAction)
+    : AuditQueue(sink, std::move(findAction), Limits()) {}
 
-AuditQueue::AuditQueue(AuditSink& sink, Limits limits)
+AuditQueue::AuditQueue(AuditSink& sink, FindAction findAction, Limits limits)
     : m_sink(sink),
+      m_findAction(std::move(findAction)),
       m_limits(std::move(limits)),
-      m_limit(kMostOfAKind, m_limits.now),
+      m_limit(kMostOfAKind, m_limits.now, kMostKinds),
       m_thread([this] { run(); }) {}
 
 AuditQueue::~AuditQueue() {
@@ -92,78 +92,157 @@ AuditQueue::~AuditQueue() {
     m_sink.writeElsewhere(record);
   }
   if (m_lost > 0) {
-    m_sink.writeElsewhere(tellLoss(std::to_string(m_lost) + " records lost"));
+    m_sink.writeElsewhere(tellLoss(countLost(m_lost)));
   }
 }
 
 void AuditQueue::write(const wbem::AuditRecord& record) noexcept {
-  const platform::Lock lock(m_mutex);
-  try {
-    if (!isAlwaysWritten(record) && !m_limit.admits(kindOf(record), record)) {
+  const bool isAlways = isAlwaysWritten(record);
+  {
+    const platform::Lock lock(m_mutex);
+    try {
+      if (!isAlways && !m_limit.admits(ownerOf(record), kindOf(record), record)) {
+        return;
+      }
+      if (m_waiting.size() < (isAlways ? m_limits.mostOfAll : m_limits.mostWaiting)) {
+        m_waiting.push_back(record);
+        m_changed.notify_all();
+        return;
+      }
+    } catch (...) {
+      // There is no memory for it.
+    }
+    if (!isAlways) {
+      ++m_lost;
       return;
     }
-    if (m_waiting.size() < m_limits.mostWaiting) {
-      m_waiting.push_back(record);
-      m_changed.notify_all();
-      return;
-    }
-  } catch (const std::exception&) {
-    // There is no memory for it.
   }
-  ++m_lost;
+  m_sink.writeElsewhere(record);
 }
 
-std::unique_ptr<wbem::FileEvidence> AuditQueue::watchFile(const std::string& path) noexcept {
+std::string AuditQueue::digest(std::span<const std::uint8_t> content) const noexcept {
   try {
-    return std::make_unique<FileDigest>(path);
-  } catch (const std::exception&) {
-    return nullptr;
+    return digestContent(content);
+  } catch (...) {
+    return {};
   }
 }
 
 void AuditQueue::run() {
-  while (handOver()) {
+  bool goesOn = true;
+  while (goesOn) {
+    try {
+      goesOn = handOver();
+    } catch (...) {
+      // For want of memory, of which there may be more in a moment.
+      goesOn = pauseAfterFault();
+    }
   }
 }
 
 bool AuditQueue::handOver() {
-  wbem::AuditRecord record;
-  bool isOver = false;
-  if (!waitForRecord(record, isOver)) {
-    return !isOver;
+  const Next next = awaitNext();
+  if (!next.loss && next.waiting == nullptr) {
+    return !next.isOver;
   }
-  const bool isDone = m_sink.write(record, m_limits.patience);
-  bool isLossNew = false;
-  {
-    const platform::Lock lock(m_mutex);
-    if (isDone) {
-      m_waiting.pop_front();
-      if (m_lost > 0) {
-        m_waiting.push_back(tellLoss(std::to_string(std::exchange(m_lost, 0)) + " records lost"));
-        m_isLossTold = false;
-      }
-    }
-    isLossNew = m_lost > 0 && !std::exchange(m_isLossTold, m_lost > 0);
-  }
-  if (isLossNew) {
+  const Clock::time_point begin = Clock::now();
+  const bool isDone = m_sink.write(next.loss ? *next.loss : *next.waiting, m_limits.patience);
+  if (noteWritten(next, isDone)) {
     m_sink.writeElsewhere(tellLoss("records are being lost"));
+  }
+  if (!isDone) {
+    // A sink that did not wait itself is not asked again and again.
+    pauseUntil(begin + m_limits.patience);
   }
   return true;
 }
 
-bool AuditQueue::waitForRecord(wbem::AuditRecord& record, bool& isOver) {
+AuditQueue::Next AuditQueue::awaitNext() {
+  Next next;
   const platform::Lock lock(m_mutex);
   const Clock::time_point turn = Clock::now() + kPeriod;
   while (!m_isOver && m_waiting.empty() &&
          m_changed.wait_until(m_mutex, turn) == std::cv_status::no_timeout) {
   }
-  append(m_limit.takeEnded());
-  isOver = m_isOver && (m_waiting.empty() || Clock::now() >= m_end);
-  if (isOver || m_waiting.empty()) {
-    return false;
+  if (m_waiting.size() < m_limits.mostWaiting) {
+    append(m_limit.takeEnded(m_limits.mostWaiting - m_waiting.size()));
   }
-  record = m_waiting.front();
+  if (isLossDue()) {
+    next.loss = tellLoss(countLost(m_lost));
+    next.lost = m_lost;
+  }
+  next.isOver = m_isOver && ((m_waiting.empty() && !next.loss) || Clock::now() >= m_end);
+  if (next.isOver) {
+    next.loss.reset();
+  } else if (!m_waiting.empty()) {
+    next.waiting = &m_waiting.front();
+  }
+  return next;
+}
+
+bool AuditQueue::noteWritten(const Next& next, bool isDone) {
+  const platform::Lock lock(m_mutex);
+  m_isSinkTaking = isDone;
+  if (isDone && next.loss) {
+    m_lost -= next.lost;
+    m_isLossTold = false;
+    m_nextLoss = m_limits.now() + Limit::kPeriod;
+  } else if (isDone) {
+    m_waiting.pop_front();
+  }
+  return m_lost > 0 && !std::exchange(m_isLossTold, m_lost > 0);
+}
+
+void AuditQueue::pauseUntil(Clock::time_point end) {
+  const platform::Lock lock(m_mutex);
+  while (true) {
+    const Clock::time_point last = m_isOver ? std::min(end, m_end) : end;
+    if (Clock::now() >= last) {
+      return;
+    }
+    static_cast<void>(m_changed.wait_until(m_mutex, last));
+  }
+}
+
+bool AuditQueue::pauseAfterFault() noexcept {
+  {
+    const platform::Lock lock(m_mutex);
+    ++m_lost;
+    if (m_isOver && Clock::now() >= m_end) {
+      return false;
+    }
+  }
+  pauseUntil(Clock::now() + m_limits.patience);
   return true;
+}
+
+std::string AuditQueue::kindOf(const wbem::AuditRecord& record) const {
+  const bool isClients = !isOwn(record, kLogin);
+  const std::string action = isClients ? m_findAction(record.action) : record.action;
+  return (action.empty() ? kUnknownAction : action) + '\0' + toResultKind(record.result);
+}
+
+wbem::AuditRecord AuditQueue::toRecord(const Limit::Rest& rest) const {
+  wbem::AuditRecord record;
+  record.caller = rest.example.caller;
+  record.caller.user = userOf(rest.example);
+  if (isOwn(rest.example, kLogin)) {
+    record.details = rest.example.details;
+  }
+  std::string kind;
+  if (!rest.isMixed) {
+    const std::string fullKind = kindOf(rest.example);
+    record.action = fullKind.substr(0, fullKind.find('\0'));
+    kind = fullKind.substr(record.action.size() + 1);
+  }
+  record.result = kind + (kind.empty() ? "" : " ") + describeRest(rest.count, rest.time);
+  return record;
+}
+
+// One record of a loss in a period: a flood that goes on would else get one for each that is lost.
+bool AuditQueue::isLossDue() const {
+  return m_lost > 0 && (m_isSinkTaking || m_waiting.empty()) &&
+         (m_isOver || m_limits.now() >= m_nextLoss);
 }
 
 void AuditQueue::append(const std::vector<Limit::Rest>& rests) {

@@ -2,8 +2,8 @@
 
 namespace quorveld {
 
-std::optional<Authenticator::Guest> NoAuthenticator::admit(std::optional<std::uint32_t> /*peer*/) {
-  return Guest{"", wbem::Role::Operator};
+Authenticator::Admission NoAuthenticator::admit(std::optional<std::uint32_t> /*peer*/) {
+  return {Guest{"", wbem::Role::Operator}};
 }
 
 std::optional<wbem::Role> NoAuthenticator::check(const std::string& /*user*/,

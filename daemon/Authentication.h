@@ -12,7 +12,7 @@
 namespace quorveld {
 
 // Any thread calls: check() one at a time for each object, the others also meanwhile. check() alone
-// may take long.
+// may take long; admit() may take some seconds, for a few threads at a time.
 class Authenticator {
  public:
   Authenticator() = default;
@@ -26,13 +26,16 @@ class Authenticator {
     wbem::Role role = wbem::Role::Reader;
   };
 
+  // Whether somebody is let in without a login.
+  struct Admission {
+    std::optional<Guest> guest = {};  // nothing for one who does not come in
+    bool isBusy = false;              // since it cannot be told for now whether he may
+  };
+
   // Returns false where nobody has to log in: admit() is asked in the place of check() then.
   [[nodiscard]] virtual bool demandsLogin() const { return true; }
-  // Returns who comes in, nothing for one who does not. `peer` is the number of the user at the
-  // other end, where it is known.
-  [[nodiscard]] virtual std::optional<Guest> admit(std::optional<std::uint32_t> /*peer*/) {
-    return std::nullopt;
-  }
+  // Returns who comes in. `peer` is the number of the user at the other end, where it is known.
+  [[nodiscard]] virtual Admission admit(std::optional<std::uint32_t> /*peer*/) { return {}; }
 
   // Returns null for a user that is unknown, a password that is wrong, and a user without a role.
   // It takes the same time for each, as far as that is in its hands. `address` is the client's.
@@ -48,7 +51,7 @@ class Authenticator {
 class NoAuthenticator final : public Authenticator {
  public:
   [[nodiscard]] bool demandsLogin() const override { return false; }
-  [[nodiscard]] std::optional<Guest> admit(std::optional<std::uint32_t> peer) override;
+  [[nodiscard]] Admission admit(std::optional<std::uint32_t> peer) override;
   [[nodiscard]] std::optional<wbem::Role> check(const std::string& user,
                                                 const std::string& password,
                                                 const std::string& address) override;

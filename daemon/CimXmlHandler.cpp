@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <any>
 #include <iterator>
+#include <optional>
 #include <utility>
 
 #include "daemon/Addresses.h"
 #include "daemon/MessageFields.h"
+#include "daemon/Place.h"
 #include "http/Status.h"
 
 namespace quorveld {
@@ -100,6 +102,13 @@ bool CimXmlHandler::handlePostHead(http::Request& request, http::Response& respo
 }
 
 void CimXmlHandler::handle(http::Request& request, http::Response& response) {
+  const Place place(m_answering, kMostAnswering);
+  if (!place.isTaken()) {
+    refuse(response, http::kStatusServiceUnavailable,
+           "Too many requests wait for their turn. Try again later.");
+    response.fields = "Retry-After: 1\r\n";
+    return;
+  }
   try {
     const cimxml::Request message = cimxml::parseRequest(request.body());
     demandSameFields(request, message);
@@ -116,7 +125,10 @@ void CimXmlHandler::handle(http::Request& request, http::Response& response) {
 // A page of the web that a browser on this machine shows can send requests here, and have its own
 // name resolve to 127.0.0.1, but cannot change what the browser gives as Host.
 bool CimXmlHandler::admitsHost(const http::Request& request, http::Response& response) const {
-  if (m_gate.demandsLogin() || isLoopbackHost(request.field("Host"))) {
+  // Clients of HTTP/1.0 may leave the field out, which no browser does.
+  const bool isHost = request.countFields("Host") == 0 || isLoopbackHost(request.field("Host"));
+  const std::optional<std::string_view> authority = request.authority();
+  if (m_gate.demandsLogin() || (isHost && (!authority || isLoopbackHost(*authority)))) {
     return true;
   }
   refuse(response, http::kStatusForbidden,
@@ -129,9 +141,10 @@ bool CimXmlHandler::admits(const http::Request& request, http::Response& respons
   if (!admitsHost(request, response)) {
     return false;
   }
-  LoginGate::Decision decision = m_gate.admit(
-      request.field("Authorization"),
-      {request.peerAddress(), request.isLoopback(), request.isEncrypted(), request.peerUser()});
+  LoginGate::Decision decision =
+      m_gate.admit(request.field("Authorization"),
+                   {request.peerAddress(), request.isLoopback(), request.isEncrypted(),
+                    request.peerUser(), request.peerGroup()});
   response.delay = decision.delay;
   switch (decision.verdict) {
     case LoginGate::Verdict::Passed:
@@ -143,7 +156,9 @@ bool CimXmlHandler::admits(const http::Request& request, http::Response& respons
       return false;
     case LoginGate::Verdict::Busy:
       refuse(response, http::kStatusServiceUnavailable,
-             "Too many logins wait for their check. Try again later.");
+             m_gate.demandsLogin() ? "Too many logins wait for their check. Try again later."
+                                   : "This machine's directory of users does not tell for now who "
+                                     "you are. Try again later.");
       response.fields = "Retry-After: 1\r\n";
       return false;
     case LoginGate::Verdict::Unknown:
@@ -161,10 +176,11 @@ bool CimXmlHandler::admits(const http::Request& request, http::Response& respons
 void CimXmlHandler::answerHealth(http::Response& response) {
   const auto uptime =
       std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - m_start);
+  const std::optional<unsigned> runningJobs = m_runningJobs.get();
   response.contentType = "application/json";
   response.body = R"({"version": ")" + m_version + R"(", "uptime": )" +
                   std::to_string(uptime.count()) + R"(, "runningJobs": )" +
-                  std::to_string(m_runningJobs.get()) + "}\n";
+                  (runningJobs ? std::to_string(*runningJobs) : "null") + "}\n";
 }
 
 }  // namespace quorveld

@@ -3,10 +3,15 @@
 //   request                          answer
 //   POST, any target but /health     the CIM answer, or a refusal with the field CIMError
 //   GET, HEAD /health                200 and JSON, without a login; as for a message, 403 where
-//                                    nobody logs in and Host names no loopback address
+//                                    nobody logs in and Host, or the server that stands in the
+//                                    target, is no loopback name
 //   OPTIONS                          200 with Allow
 //   another method that HTTP knows   405 with Allow
 //   M-POST and anything else         501
+//
+// Messages take turns with one another for the agents, and one may take long: kMostAnswering are
+// answered or wait for their turn at a time, and more are refused by 503 with Retry-After, so that
+// a server with more threads than that has one for /health and its own upkeep at any time.
 //
 // All but messages of those who may send them are answered by their heads alone: nobody has a body
 // read who has not logged in.
@@ -14,6 +19,7 @@
 #ifndef ORVEX_DAEMON_CIMXMLHANDLER_H_
 #define ORVEX_DAEMON_CIMXMLHANDLER_H_
 
+#include <atomic>
 #include <chrono>
 #include <string>
 #include <string_view>
@@ -28,6 +34,8 @@ namespace quorveld {
 
 class CimXmlHandler final : public http::Handler {
  public:
+  static constexpr unsigned kMostAnswering = 32;
+
   // What answers the messages. Any thread calls.
   class Service {
    public:
@@ -59,6 +67,7 @@ class CimXmlHandler final : public http::Handler {
   Service& m_service;
   RunningJobs m_runningJobs;
   LoginGate& m_gate;
+  std::atomic<unsigned> m_answering{0};
   const std::string m_version;
   const std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
 };

@@ -1,5 +1,6 @@
 #include "daemon/Daemon.h"
 
+#include <algorithm>
 #include <boost/asio/ip/host_name.hpp>
 #include <chrono>
 #include <filesystem>
@@ -15,6 +16,7 @@
 #include "Utils/Log.h"
 #include "Utils/Printable.h"
 #include "core/CimBroker.h"
+#include "daemon/ActionNames.h"
 #include "daemon/AuditQueue.h"
 #include "daemon/Authentication.h"
 #include "daemon/CimXmlHandler.h"
@@ -27,6 +29,7 @@
 #include "daemon/Posix/LibraryLog.h"
 #include "daemon/Posix/LocalAuthenticator.h"
 #include "daemon/Posix/PamAuthenticator.h"
+#include "daemon/Posix/Privileges.h"
 #include "daemon/Posix/ServiceManager.h"
 #include "daemon/Posix/SocketOwner.h"
 #include "daemon/Posix/StopSignals.h"
@@ -116,11 +119,18 @@ std::string findHostName() {
 
 http::ServerOptions toServerOptions(const DaemonConfig& config) {
   http::ServerOptions options;
-  // Logins that are held up take none of the threads that serve the others.
-  options.threads += LoginGate::kMostInLine;
+  const bool isLocal = config.authentication == AuthenticationKind::Local;
+  // Neither logins that are held up nor messages that wait for their turn take the last threads.
+  options.threads += isLocal ? unsigned{LocalAuthenticator::kMostInLine} : LoginGate::kMostInLine;
+  options.threads += CimXmlHandler::kMostAnswering;
   options.endpoints = config.listen;
-  if (config.authentication == AuthenticationKind::Local) {
-    options.findUser = findClient;
+  // Where users log in, those of a local socket are told apart all the same, so that none of them
+  // takes another one's share.
+  options.findUser = isLocal ? findClient : findLocalClient;
+  if (isLocal ||
+      std::any_of(config.listen.begin(), config.listen.end(),
+                  [](const http::Endpoint& endpoint) { return !endpoint.path.empty(); })) {
+    options.trustedUsers = findTrustedUsers();
   }
   options.certificateFile = config.certificate;
   options.keyFile = config.key;
@@ -180,7 +190,8 @@ void serve(const DaemonConfig& config, std::ostream& out) {
   loadAgents(config);
 
   SystemLogAudit systemLog;
-  AuditQueue audit(systemLog);
+  const ActionNames names(*core::GetCimBroker().getSchema());
+  AuditQueue audit(systemLog, [&names](const std::string& action) { return names.find(action); });
   wbem::Server::Options options;
   options.nameSpace = utils::QuorvelConfig::getInstance()->getNamespace();
   options.host = findHostName();

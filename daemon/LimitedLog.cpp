@@ -78,7 +78,7 @@ void LimitedLog::writeStandardError(const std::string& text) noexcept {
 void LimitedLog::write(const Rests& rests) {
   for (const RecordLimit<std::string>::Rest& rest : rests) {
     m_sinks.writeEventLog((rest.example.empty() ? kOthers : rest.example) +
-                          describeRest(rest.count, RecordLimit<std::string>::kPeriod) + "\n");
+                          describeRest(rest.count, rest.time) + "\n");
   }
 }
 

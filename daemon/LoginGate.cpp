@@ -3,28 +3,28 @@
 #include <string>
 #include <tuple>
 #include <utility>
+#include <vector>
+
+#include "daemon/Place.h"
 
 namespace quorveld {
 namespace {
 
-// A place in the line, held as long as the object.
-class Place {
- public:
-  Place(std::atomic<unsigned>& inLine, unsigned most)
-      : m_inLine(inLine), m_isTaken(inLine.fetch_add(1) < most) {}
-  Place(const Place&) = delete;
-  Place& operator=(const Place&) = delete;
-  ~Place() { m_inLine.fetch_sub(1); }
-
-  [[nodiscard]] bool isTaken() const { return m_isTaken; }
-
- private:
-  std::atomic<unsigned>& m_inLine;
-  const bool m_isTaken;
-};
-
 std::string describeFailure(unsigned unchecked) {
   return unchecked == 0 ? "refused" : "refused, " + std::to_string(unchecked) + " before unchecked";
+}
+
+// Whom failures are counted for.
+const std::string& groupOf(const LoginGate::Origin& origin) {
+  return origin.group.empty() ? origin.address : origin.group;
+}
+
+// What a record says beside the name that was given, which is anybody's invention.
+std::vector<std::pair<std::string, std::string>> toDetails(const LoginGate::Origin& origin) {
+  if (!origin.user) {
+    return {};
+  }
+  return {{"peer", "user " + std::to_string(*origin.user)}};
 }
 
 }  // namespace
@@ -39,10 +39,13 @@ LoginGate::LoginGate(Authenticator& authenticator, wbem::Audit& audit, LoginThro
 LoginGate::Decision LoginGate::admit(std::string_view authorization, const Origin& origin) {
   Decision decision;
   if (!m_authenticator.demandsLogin()) {
-    const std::optional<Authenticator::Guest> guest = m_authenticator.admit(origin.user);
-    decision.verdict = guest ? Verdict::Passed : Verdict::Unknown;
-    if (guest) {
-      decision.caller = {guest->user, origin.address, guest->role};
+    const Authenticator::Admission admission = m_authenticator.admit(origin.user);
+    if (admission.guest) {
+      decision.verdict = Verdict::Passed;
+      decision.caller = {admission.guest->user, origin.address, admission.guest->role};
+    } else {
+      decision.verdict = admission.isBusy ? Verdict::Busy : Verdict::Unknown;
+      decision.delay = admission.isBusy ? kBusyDelay : decision.delay;
     }
     return decision;
   }
@@ -57,7 +60,7 @@ LoginGate::Decision LoginGate::admit(std::string_view authorization, const Origi
   const Login login = parseBasicCredentials(authorization);
   {
     const utils::ScopedLock lock(m_lock);
-    if (std::optional<Decision> known = decideUnchecked(login, origin.address)) {
+    if (std::optional<Decision> known = decideUnchecked(login, origin)) {
       return *std::move(known);
     }
   }
@@ -68,18 +71,21 @@ LoginGate::Decision LoginGate::admit(std::string_view authorization, const Origi
     return decision;
   }
   std::string failure;
-  std::tie(decision, failure) = check(login, origin.address);
+  std::tie(decision, failure) = check(login, origin);
   if (!failure.empty()) {
-    m_audit.write(
-        {{login ? login->user : "", origin.address, std::nullopt}, "Login", failure, "", {}});
+    m_audit.write({{login ? login->user : "", origin.address, std::nullopt},
+                   "Login",
+                   failure,
+                   "",
+                   toDetails(origin)});
   }
   return decision;
 }
 
 std::optional<LoginGate::Decision> LoginGate::decideUnchecked(const Login& login,
-                                                              const std::string& address) {
+                                                              const Origin& origin) {
   Decision decision;
-  if (const auto delay = m_throttle.findRefusal(address)) {
+  if (const auto delay = m_throttle.findRefusal(groupOf(origin))) {
     decision.delay = *delay;
     return decision;
   }
@@ -89,38 +95,39 @@ std::optional<LoginGate::Decision> LoginGate::decideUnchecked(const Login& login
     return std::nullopt;
   }
   decision.verdict = Verdict::Passed;
-  decision.caller = {login->user, address, *role};
+  decision.caller = {login->user, origin.address, *role};
   return decision;
 }
 
 std::pair<LoginGate::Decision, std::string> LoginGate::check(const Login& login,
-                                                             const std::string& address) {
+                                                             const Origin& origin) {
   const utils::ScopedLock checkLock(m_checkLock);
   std::uint64_t revision = 0;
   {
     // The check that this one has waited for may have settled it.
     const utils::ScopedLock lock(m_lock);
-    if (std::optional<Decision> known = decideUnchecked(login, address)) {
+    if (std::optional<Decision> known = decideUnchecked(login, origin)) {
       return {*std::move(known), ""};
     }
     revision = m_revision;
   }
   std::optional<wbem::Role> role;
   if (login) {
-    role = m_authenticator.check(login->user, login->password, address);
+    role = m_authenticator.check(login->user, login->password, origin.address);
   }
   Decision decision;
   const utils::ScopedLock lock(m_lock);
   if (!role) {
-    decision.delay = m_throttle.addFailure(address);
-    return {std::move(decision), describeFailure(m_throttle.takeUnchecked(address))};
+    const std::string& group = groupOf(origin);
+    decision.delay = m_throttle.addFailure(group);
+    return {std::move(decision), describeFailure(m_throttle.takeUnchecked(group))};
   }
   forgetIfChanged();
   if (revision == m_revision) {
     m_verified.add(*login, *role);
   }
   decision.verdict = Verdict::Passed;
-  decision.caller = {login->user, address, *role};
+  decision.caller = {login->user, origin.address, *role};
   return {std::move(decision), ""};
 }
 

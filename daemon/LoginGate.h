@@ -32,6 +32,7 @@ class LoginGate {
     bool isLoopback = false;
     bool isEncrypted = false;
     std::optional<std::uint32_t> user = {};  // at the other end, where it is known
+    std::string group = {};                  // that failures are counted for; empty: the address
   };
 
   enum class Verdict {
@@ -39,7 +40,7 @@ class LoginGate {
     Unauthorized,  // a login is missing, or was refused
     InTheClear,    // no password is taken from there
     Unknown,       // nobody has to log in, but who it is cannot be told
-    Busy,          // too many logins are in line for their check
+    Busy,          // too many logins are in line for their check, or it takes too long
   };
 
   struct Decision {
@@ -67,13 +68,11 @@ class LoginGate {
   using Login = std::optional<BasicCredentials>;  // null: damaged
 
   // Returns null where the authenticator has to be asked.
-  [[nodiscard]] std::optional<Decision> decideUnchecked(const Login& login,
-                                                        const std::string& address)
+  [[nodiscard]] std::optional<Decision> decideUnchecked(const Login& login, const Origin& origin)
       ORVEX_REQUIRES(m_lock);
   // Asks the authenticator when the turn has come. Returns with the decision what the audit is to
   // say, empty for nothing.
-  [[nodiscard]] std::pair<Decision, std::string> check(const Login& login,
-                                                       const std::string& address);
+  [[nodiscard]] std::pair<Decision, std::string> check(const Login& login, const Origin& origin);
   void forgetIfChanged() ORVEX_REQUIRES(m_lock);
 
   Authenticator& m_authenticator;

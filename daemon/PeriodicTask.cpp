@@ -1,6 +1,7 @@
 #include "daemon/PeriodicTask.h"
 
 #include <exception>
+#include <new>
 #include <utility>
 
 #include "Utils/Log.h"
@@ -29,12 +30,22 @@ void PeriodicTask::run() {
     try {
       m_task();
     } catch (const std::exception& exception) {
-      if (m_logged != exception.what()) {
-        m_logged = exception.what();
-        utils::logError(kLog, "quorveld::PeriodicTask::run", "It is tried again: %s",
-                        exception.what());
-      }
+      logOnce(exception.what());
+    } catch (...) {
+      logOnce("exception of no standard type");
     }
+  }
+}
+
+void PeriodicTask::logOnce(const char* text) noexcept {
+  if (m_logged == text) {
+    return;
+  }
+  utils::logError(kLog, "quorveld::PeriodicTask::run", "It is tried again: %s", text);
+  try {
+    m_logged = text;
+  } catch (const std::bad_alloc&) {
+    m_logged.clear();  // rather once too often
   }
 }
 

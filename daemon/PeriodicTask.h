@@ -25,6 +25,7 @@ class PeriodicTask {
 
  private:
   void run();
+  void logOnce(const char* text) noexcept;
   // Returns false when it is over.
   [[nodiscard]] bool waitForTurn();
 

@@ -9,40 +9,73 @@ constexpr std::chrono::seconds kLongestAge{1};
 
 }  // namespace
 
-RunningJobs::RunningJobs(Count count, Clock clock)
-    : m_count(std::move(count)), m_clock(std::move(clock)) {}
+RunningJobs::RunningJobs(Count count, Clock clock, std::chrono::milliseconds patience)
+    : m_count(std::move(count)),
+      m_clock(std::move(clock)),
+      m_patience(patience),
+      m_thread([this] { run(); }) {}
 
-RunningJobs::~RunningJobs() = default;
-
-unsigned RunningJobs::get() {
-  if (const std::optional<unsigned> known = findOrBegin()) {
-    return *known;
+RunningJobs::~RunningJobs() {
+  {
+    const platform::Lock lock(m_mutex);
+    m_isOver = true;
   }
-  // Ends the counting, also when it fails.
-  struct Counting {
-    RunningJobs& jobs;
-    std::optional<unsigned> number;
-    ~Counting() {
-      const utils::ScopedLock lock(jobs.m_mutex);
-      --jobs.m_counting;
-      if (number) {
-        jobs.m_last = number;
-        jobs.m_taken = jobs.m_clock();
-      }
-    }
-  };
-  Counting counting{*this, std::nullopt};
-  counting.number = m_count();
-  return *counting.number;
+  m_changed.notify_all();
+  m_thread.join();
 }
 
-std::optional<unsigned> RunningJobs::findOrBegin() {
-  const utils::ScopedLock lock(m_mutex);
-  if (m_last && (m_counting > 0 || m_clock() - m_taken < kLongestAge)) {
+std::optional<unsigned> RunningJobs::get() {
+  const platform::Lock lock(m_mutex);
+  if (m_last && m_clock() - m_taken < kLongestAge) {
     return m_last;
   }
-  ++m_counting;
-  return std::nullopt;
+  m_isWanted = true;
+  m_changed.notify_all();
+  const std::uint64_t before = m_tries;
+  const auto deadline = std::chrono::steady_clock::now() + m_patience;
+  while (m_tries == before) {
+    if (m_changed.wait_until(m_mutex, deadline) == std::cv_status::timeout) {
+      return m_last;
+    }
+  }
+  if (m_failure != nullptr) {
+    std::rethrow_exception(m_failure);
+  }
+  return m_last;
+}
+
+void RunningJobs::run() {
+  while (waitForWish()) {
+    count();
+  }
+}
+
+bool RunningJobs::waitForWish() {
+  const platform::Lock lock(m_mutex);
+  while (!m_isWanted && !m_isOver) {
+    m_changed.wait(m_mutex);
+  }
+  return !m_isOver;
+}
+
+void RunningJobs::count() {
+  std::optional<unsigned> number;
+  std::exception_ptr failure;
+  try {
+    number = m_count();
+  } catch (...) {
+    failure = std::current_exception();
+  }
+  const platform::Lock lock(m_mutex);
+  // Who has come while it was counted has it, too.
+  m_isWanted = false;
+  if (number) {
+    m_last = number;
+    m_taken = m_clock();
+  }
+  m_failure = std::move(failure);
+  ++m_tries;
+  m_changed.notify_all();
 }
 
 }  // namespace quorveld

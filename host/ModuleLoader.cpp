@@ -1,11 +1,13 @@
 #include "host/ModuleLoader.h"
 
 #include <string>
+#include <system_error>
 
 #include "Os/Environment.h"
 #include "Os/SharedLibrary.h"
 #include "Utils/Exception.h"
 #include "core/CimBroker.h"
+#include "platform/Paths.h"
 #include "platform/Texts.h"
 
 namespace host {
@@ -16,7 +18,9 @@ constexpr const char* kModules[] = {"OrvexSoftwareInventoryAgent", "OrvexSoftwar
 }  // namespace
 
 std::filesystem::path getModuleDirectory() {
-  return (os::getProgramPath().parent_path() / os::modulesFromPrograms()).lexically_normal();
+  std::error_code error;
+  return platform::makeNormal(os::getProgramPath().parent_path() / os::modulesFromPrograms(),
+                              error);
 }
 
 void loadModule(const std::filesystem::path& path) {

@@ -6,6 +6,8 @@
 
 #include <any>
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -24,6 +26,9 @@ class HandledRequest final : public Request {
   // Request
   [[nodiscard]] std::string_view method() const override { return m_exchange.request.method(); }
   [[nodiscard]] std::string_view target() const override { return m_exchange.request.target(); }
+  [[nodiscard]] std::optional<std::string_view> authority() const override {
+    return m_exchange.request.authority();
+  }
   [[nodiscard]] std::string_view field(std::string_view name) const override {
     return m_exchange.request.field(name);
   }
@@ -33,6 +38,7 @@ class HandledRequest final : public Request {
   [[nodiscard]] std::string& body() override { return m_exchange.request.body(); }
   [[nodiscard]] std::any& memo() override { return m_exchange.memo; }
   [[nodiscard]] const std::string& peerAddress() const override { return m_peer.address; }
+  [[nodiscard]] const std::string& peerGroup() const override { return m_peer.group; }
   [[nodiscard]] bool isLoopback() const override { return m_peer.isLoopback; }
   [[nodiscard]] std::optional<std::uint32_t> peerUser() const override { return m_peer.user; }
   [[nodiscard]] bool isEncrypted() const override { return m_isEncrypted; }

@@ -25,6 +25,9 @@ class Request {
 
   [[nodiscard]] virtual std::string_view method() const = 0;  // "POST"
   [[nodiscard]] virtual std::string_view target() const = 0;  // "/cimom"
+  // Returns the server of a target that names it in front of the path, "lab:5988"; nothing where it
+  // does not. It counts beside the field Host.
+  [[nodiscard]] virtual std::optional<std::string_view> authority() const = 0;
   // Returns the value of a header field, without regard to the case of its name; empty for none.
   [[nodiscard]] virtual std::string_view field(std::string_view name) const = 0;
   // Returns how many header fields have that name: field() is the first of them. There is never
@@ -35,7 +38,10 @@ class Request {
   // The handler's own, for what it knows when the head has been handled and wants to have again.
   [[nodiscard]] virtual std::any& memo() = 0;
   [[nodiscard]] virtual const std::string& peerAddress() const = 0;  // "192.0.2.7"
-  [[nodiscard]] virtual bool isLoopback() const = 0;                 // the peer's address
+  // What the peer counts as where something is allowed to each: an address as toPeerGroup() has it,
+  // or a user of this machine.
+  [[nodiscard]] virtual const std::string& peerGroup() const = 0;
+  [[nodiscard]] virtual bool isLoopback() const = 0;  // the peer's address
   // The number of the user at the other end, as ServerOptions::findUser found it.
   [[nodiscard]] virtual std::optional<std::uint32_t> peerUser() const = 0;
   [[nodiscard]] virtual bool isEncrypted() const = 0;

@@ -7,15 +7,17 @@
 namespace http {
 namespace {
 
-// A request may name its target with the server in front of it.
-std::string_view withoutServer(std::string_view target) {
-  for (const std::string_view scheme : {"http://", "https://"}) {
+constexpr std::string_view kSchemes[] = {"http://", "https://"};
+
+// Takes off the scheme of a target that names its server, if it does.
+bool removeScheme(std::string_view& target) {
+  for (const std::string_view scheme : kSchemes) {
     if (utils::isSameIgnoringCase(target.substr(0, scheme.size()), scheme)) {
-      const std::size_t path = target.find('/', scheme.size());
-      return path == std::string_view::npos ? std::string_view("/") : target.substr(path);
+      target.remove_prefix(scheme.size());
+      return true;
     }
   }
-  return target;
+  return false;
 }
 
 }  // namespace
@@ -35,13 +37,24 @@ void RequestMessage::clear() {
   m_text.clear();
   m_method = {};
   m_target = {};
+  m_authority.reset();
   m_fields.clear();
   m_body.clear();
 }
 
 void RequestMessage::setRequestLine(std::string_view method, std::string_view target) {
   m_method = append(method);
-  m_target = append(withoutServer(target));
+  m_authority.reset();
+  if (!removeScheme(target)) {
+    m_target = append(target);
+    return;
+  }
+  const std::string_view authority = target.substr(0, target.find_first_of("/?#"));
+  const std::string_view path = target.substr(authority.size());
+  m_authority = append(authority);
+  const bool isRooted = path.starts_with('/');
+  m_target = append(isRooted ? "" : "/");
+  m_target.length += append(path).length;
 }
 
 void RequestMessage::addField(std::string_view name, std::string_view value) {

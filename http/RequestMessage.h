@@ -4,6 +4,7 @@
 #define ORVEX_HTTP_REQUESTMESSAGE_H_
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,7 +15,12 @@ namespace http {
 class RequestMessage {
  public:
   [[nodiscard]] std::string_view method() const { return view(m_method); }
+  // The path; what the request's target has in front of it is the authority.
   [[nodiscard]] std::string_view target() const { return view(m_target); }
+  // Returns the server that the target names; nothing where it names none.
+  [[nodiscard]] std::optional<std::string_view> authority() const {
+    return m_authority ? std::optional(view(*m_authority)) : std::nullopt;
+  }
   // Returns the value of the first field of that name, without regard to case; empty for none.
   [[nodiscard]] std::string_view field(std::string_view name) const;
   [[nodiscard]] bool hasField(std::string_view name) const { return find(name) != nullptr; }
@@ -46,6 +52,7 @@ class RequestMessage {
   std::string m_text;  // what the spans are of
   Span m_method;
   Span m_target;
+  std::optional<Span> m_authority;
   std::vector<Field> m_fields;
   std::string m_body;
 };

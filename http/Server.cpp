@@ -42,9 +42,27 @@ std::chrono::milliseconds sweepInterval(const ServerOptions& options) {
                     kLongestSweep);
 }
 
+// Returns the places of those for whom none are kept.
+Places findPlacesOfOthers(const ServerOptions& options) {
+  constexpr std::size_t kMostKept = 4;
+  constexpr std::size_t kShareKept = 16;
+  const std::size_t kept = options.findUser && !options.trustedUsers.empty()
+                               ? std::min(kMostKept, options.maxConnections / kShareKept)
+                               : 0;
+  return {options.maxConnections - kept, options.maxConnectionsPerAddress};
+}
+
 bool hasTls(const ServerOptions& options) {
   return std::any_of(options.endpoints.begin(), options.endpoints.end(),
                      [](const Endpoint& endpoint) { return endpoint.isTls; });
+}
+
+std::string describeLack(Room room, const Places& places) {
+  const bool isOfGroup = room == Room::NoneForGroup;
+  return std::string("The server has as many connections ") +
+         (isOfGroup ? "from this address " : "") +
+         "as it takes: " + std::to_string(isOfGroup ? places.perGroup : places.all) +
+         ". Try again later.";
 }
 
 }  // namespace
@@ -59,8 +77,8 @@ struct Server::Implementation {
   Awaitable<void> accept(Listener& listener);
   void tryToTake(const Listener& listener, Socket socket);
   void take(const Listener& listener, Socket socket);
-  void noteRoom(Room room, const Peer& peer);
-  [[nodiscard]] std::string describeLack(Room room) const;
+  [[nodiscard]] const Places& findPlaces(const Peer& peer) const;
+  void noteRoom(Room room, const Peer& peer, const Places& ofPeer);
   void noteAcceptFault(const Listener& listener, const error_code& fault);
   Awaitable<void> sweep();
   void tidyUp();
@@ -80,6 +98,7 @@ struct Server::Implementation {
   Clock::time_point stopDeadline = Clock::time_point::max();
 
   const Places places;
+  const Places placesOfOthers;
   Reminder acceptFault;
   Reminder givingWay;
   Reminder tooMany;
@@ -91,7 +110,8 @@ Server::Implementation::Implementation(ServerOptions serverOptions, Handler& han
       context(static_cast<int>(std::max(options.threads, 1U))),  // a hint for its locks
       strand(asio::make_strand(context)),
       sweepTimer(strand),
-      places{options.maxConnections, options.maxConnectionsPerAddress} {
+      places{options.maxConnections, options.maxConnectionsPerAddress},
+      placesOfOthers(findPlacesOfOthers(options)) {
   if (hasTls(options)) {
     tls.emplace(makeServerTls(options.certificateFile, options.keyFile));
   }
@@ -164,8 +184,9 @@ void Server::Implementation::take(const Listener& listener, Socket socket) {
   const std::optional<std::uint32_t> user =
       options.findUser ? options.findUser(socket.native_handle()) : std::nullopt;
   Peer description = describePeer(peer, user);
-  const Room room = connections.makeRoom(description.group, places);
-  noteRoom(room, description);
+  const Places& ofPeer = findPlaces(description);
+  const Room room = connections.makeRoom(description.group, ofPeer);
+  noteRoom(room, description, ofPeer);
   const bool isTooMany = room == Room::NoneAtAll || room == Room::NoneForGroup;
   // To say so over TLS would cost the handshake that there is no room for.
   if (isTooMany && (listener.endpoint.isTls || connections.countRefused() >= kMostRefused)) {
@@ -176,13 +197,20 @@ void Server::Implementation::take(const Listener& listener, Socket socket) {
           ? makeConnection(service, std::move(socket), std::move(description), *tls)
           : makeConnection(service, std::move(socket), std::move(description));
   if (isTooMany) {
-    Connection::refuse(connection, describeLack(room));
+    Connection::refuse(connection, describeLack(room, ofPeer));
   } else {
     Connection::serve(connection);
   }
 }
 
-void Server::Implementation::noteRoom(Room room, const Peer& peer) {
+const Places& Server::Implementation::findPlaces(const Peer& peer) const {
+  const std::vector<std::uint32_t>& trusted = options.trustedUsers;
+  const bool isTrusted =
+      peer.user && std::find(trusted.begin(), trusted.end(), *peer.user) != trusted.end();
+  return isTrusted ? places : placesOfOthers;
+}
+
+void Server::Implementation::noteRoom(Room room, const Peer& peer, const Places& ofPeer) {
   switch (room) {
     case Room::There:
       break;
@@ -197,7 +225,7 @@ void Server::Implementation::noteRoom(Room room, const Peer& peer) {
     case Room::NoneAtAll:
       if (tooMany.isDue()) {
         utils::logError(kLog, "http::Server::take",
-                        "%zu connections, no further ones are taken until one ends", places.all);
+                        "%zu connections, no further ones are taken until one ends", ofPeer.all);
       }
       break;
     case Room::NoneForGroup:
@@ -205,18 +233,10 @@ void Server::Implementation::noteRoom(Room room, const Peer& peer) {
         utils::logError(
             kLog, "http::Server::take",
             "%zu connections from %s, no further ones are taken from there until one ends",
-            places.perGroup, peer.address.c_str());
+            ofPeer.perGroup, peer.address.c_str());
       }
       break;
   }
-}
-
-std::string Server::Implementation::describeLack(Room room) const {
-  const bool isOfGroup = room == Room::NoneForGroup;
-  return std::string("The server has as many connections ") +
-         (isOfGroup ? "from this address " : "") +
-         "as it takes: " + std::to_string(isOfGroup ? places.perGroup : places.all) +
-         ". Try again later.";
 }
 
 void Server::Implementation::noteAcceptFault(const Listener& listener, const error_code& fault) {

@@ -22,6 +22,9 @@ struct ServerOptions {
   // Asked once for each connection, when it is new: which user of this machine is at its other end.
   // Any thread calls; it throws nothing. Empty: nobody wants to know.
   std::function<std::optional<std::uint32_t>(int socket)> findUser;
+  // Users of this machine, as findUser tells of them, for whom some of the connections are kept
+  // where there are many: a sixteenth, four at the most.
+  std::vector<std::uint32_t> trustedUsers;
   // Called again and again, at least every second, while the server looks after its connections. It
   // throws nothing. Empty: nobody wants to know.
   std::function<void()> onSweep;

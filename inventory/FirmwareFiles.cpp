@@ -74,7 +74,7 @@ FirmwareFiles::~FirmwareFiles() {
 
 std::vector<FirmwareFilePtr> FirmwareFiles::find() {
   utils::QuorvelConfig* const config = utils::QuorvelConfig::getInstance();
-  const os::FileAnswer answer = m_looks.make(
+  const os::FileAnswer answer = m_looks.makeAt(
       "the firmware directories", [catalogue = m_catalogue, config] { catalogue->look(*config); });
   Findings findings = m_catalogue->latest();
   if (answer != os::FileAnswer::InTime) {

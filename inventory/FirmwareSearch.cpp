@@ -9,6 +9,7 @@
 
 #include "Os/FileCalls.h"
 #include "Os/Files.h"
+#include "platform/Paths.h"
 #include "platform/Texts.h"
 
 namespace inventory {
@@ -73,8 +74,8 @@ void list(const fs::path& directory, std::size_t most, Listing& listing) {
 // Returns what stands at the path, nothing where the file system does not answer.
 std::optional<Entry> lookInTime(const std::string& path) {
   const auto entry = std::make_shared<Entry>();
-  const os::FileAnswer answer = os::fileCalls().make(
-      os::directoryOf(path), [entry, path] { *entry = lookAt(platform::toPath(path)); });
+  const os::FileAnswer answer =
+      os::fileCalls().make(path, [entry, path] { *entry = lookAt(platform::toPath(path)); });
   return answer == os::FileAnswer::InTime ? std::optional(*entry) : std::nullopt;
 }
 
@@ -130,15 +131,13 @@ class FirmwareSearch::Look {
 
 void FirmwareSearch::Look::searchDirectory(const fs::path& directory) {
   std::error_code error;
-  const fs::path absolute = fs::absolute(directory, error).lexically_normal();
+  const fs::path absolute = platform::makeNormal(directory, error);
   const std::string shown = "Firmware directory '" + platform::toShownText(directory) + "' ";
   const auto listing = std::make_shared<Listing>();
   const std::size_t most = kMostFiles - m_seen.size();
-  // As for the files in it, whose paths have slashes on every platform.
-  const std::string place = os::directoryOf(
-      platform::toGenericText(absolute / "x").value_or(platform::toShownText(absolute)));
-  const os::FileAnswer answer =
-      os::fileCalls().make(place, [listing, absolute, most] { list(absolute, most, *listing); });
+  const os::FileAnswer answer = os::fileCalls().make(
+      platform::toGenericText(absolute).value_or(platform::toShownText(absolute)),
+      [listing, absolute, most] { list(absolute, most, *listing); });
   if (answer != os::FileAnswer::InTime) {
     m_findings.addProblem(shown + "cannot be read: its file system does not answer");
     return;

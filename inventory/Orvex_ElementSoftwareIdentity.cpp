@@ -62,7 +62,7 @@ Orvex_ElementSoftwareIdentityClass::Orvex_ElementSoftwareIdentityClass(platform:
 void Orvex_ElementSoftwareIdentityClass::refresh() {
   instances().clear();
   // Once for each class: asking again would end the instances that the associations refer to.
-  const std::vector<core::CimInstance*> identities =
+  core::InstanceList::Iterator identities =
       core::GetCimBroker().getInstances(Orvex_SoftwareIdentity::kClassName);
   const Controllers controllers = findControllers();
   const platform::Clock::TimePoint deadline = m_clock.now() + kPatience;

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "inventory/FirmwareContent.h"
 #include "midapi/MidApi.h"
 #include "platform/Texts.h"
 
@@ -93,16 +94,10 @@ class ImageFile final : public AdapterSoftware {
 };
 
 void ImageFile::describeImages(const std::vector<ma::FlashImageInfo>& images) {
-  std::vector<utils::FirmwareVersionInfo> firmware;  // the first image of each type
+  const std::vector<utils::FirmwareVersionInfo> firmware = inventory::findFirstOfEachType(images);
   std::vector<std::string> devices;
   std::set<std::string_view> named;
   for (const ma::FlashImageInfo& image : images) {
-    const auto isOfType = [&image](const utils::FirmwareVersionInfo& known) {
-      return known.type == image.firmware.type;
-    };
-    if (std::none_of(firmware.begin(), firmware.end(), isOfType)) {
-      firmware.push_back(image.firmware);
-    }
     for (const std::string& device : image.devices) {
       if (named.insert(device).second) {
         devices.push_back(device);

@@ -5,6 +5,7 @@
 
 #include "core/CimBroker.h"
 #include "core/DeclareClass.h"
+#include "inventory/FirmwareContent.h"
 #include "inventory/Orvex_ElementSoftwareIdentity.h"
 #include "inventory/Orvex_EthernetPort.h"
 #include "inventory/Orvex_EthernetPortClass.h"
@@ -58,6 +59,10 @@ SoftwareInventoryAgent::SoftwareInventoryAgent() : core::CimAgent("Software Inve
 }
 
 SoftwareInventoryAgent::~SoftwareInventoryAgent() = default;
+
+std::string SoftwareInventoryAgent::describeFirmware(std::span<const std::uint8_t> content) const {
+  return describeContent(content);
+}
 
 void SoftwareInventoryAgent::declareClasses(core::CimSchema& schema) const {
   core::declareClass<Orvex_EthernetPort, AnyPort>(schema);

@@ -3,17 +3,25 @@
 #ifndef ORVEX_INVENTORY_SOFTWAREINVENTORYAGENT_H_
 #define ORVEX_INVENTORY_SOFTWAREINVENTORYAGENT_H_
 
+#include <cstdint>
+#include <span>
+#include <string>
+
 #include "core/CimAgent.h"
+#include "core/FirmwareReader.h"
 #include "inventory/FirmwareFiles.h"
 
 namespace inventory {
 
-class SoftwareInventoryAgent : public core::CimAgent {
+class SoftwareInventoryAgent : public core::CimAgent, public core::FirmwareReader {
  public:
   SoftwareInventoryAgent();
   ~SoftwareInventoryAgent() override;
 
   void declareClasses(core::CimSchema& schema) const override;
+
+  // core::FirmwareReader
+  [[nodiscard]] std::string describeFirmware(std::span<const std::uint8_t> content) const override;
 
  private:
   FirmwareFiles m_files;

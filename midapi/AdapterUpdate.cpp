@@ -118,10 +118,11 @@ void AdapterUpdate::commit() {
     if (flash != nullptr && changed != text) {
       replaceAll(*flash, change, changed);
     } else if (flash != nullptr) {
-      m_files.replace(flash->file.path(), m_folder.flashPath());
-      flash->file.keep();
+      putInPlace(m_files, flash->file, m_folder.flashPath());
     } else if (changed != text) {
-      replaceContent(m_files, m_folder.descriptionPath(), bytesOf(changed));
+      TemporaryPath newDescription(m_files, temporaryName(m_folder.descriptionPath()));
+      writeNewFile(m_files, newDescription.path(), bytesOf(changed));
+      putInPlace(m_files, newDescription, m_folder.descriptionPath());
     }
   } catch (const FileFault& fault) {
     throw FlashFault(FlashError::InputOutput, fault.what());
@@ -171,20 +172,11 @@ void AdapterUpdate::decide(const NewFlash& flash, const DescriptionChange& chang
   try {
     m_files.replace(flash.file.path(), m_folder.flashPath());
   } catch (const FileFault&) {
-    if (!mayBePlaced(flash)) {
+    // Where that cannot be told, the journal stays and decides.
+    if (isStillThere(m_files, flash.file.path()).value_or(false)) {
       giveUpJournal();
       throw;
     }
-  }
-}
-
-// The disk may be slow to confirm a flash that is in its place: then there is no way back. Where
-// that cannot be told, the journal stays and decides.
-bool AdapterUpdate::mayBePlaced(const NewFlash& flash) const noexcept {
-  try {
-    return !m_files.exists(flash.file.path());
-  } catch (const FileFault&) {
-    return true;
   }
 }
 

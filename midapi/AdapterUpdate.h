@@ -52,7 +52,7 @@ class AdapterUpdate {
 
   // Makes the changes that were asked for since the last commit. When it fails, none is made; only
   // where the disk fails to take even that back, all may be. What fails after the decision is left
-  // to whoever comes next.
+  // to whoever comes next; a disk that does not confirm a new file in its place is no failure.
   void commit();
 
  private:
@@ -68,7 +68,6 @@ class AdapterUpdate {
                                                const DescriptionChange& change) const;
   void replaceAll(NewFlash& flash, const DescriptionChange& change, const std::string& description);
   void decide(const NewFlash& flash, const DescriptionChange& change);
-  [[nodiscard]] bool mayBePlaced(const NewFlash& flash) const noexcept;
   void giveUpJournal() noexcept;
 
   FileSystem& m_files;

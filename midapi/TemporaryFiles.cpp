@@ -65,6 +65,25 @@ std::optional<std::string> baseOfTemporary(const std::filesystem::path& name) {
   return shown.substr(0, mark);
 }
 
+std::optional<bool> isStillThere(FileSystem& files, const std::filesystem::path& path) noexcept {
+  try {
+    return files.exists(path);
+  } catch (const FileFault&) {
+    return std::nullopt;
+  }
+}
+
+void putInPlace(FileSystem& files, TemporaryPath& temporary, const std::filesystem::path& path) {
+  try {
+    files.replace(temporary.path(), path);
+  } catch (const FileFault&) {
+    if (isStillThere(files, temporary.path()).value_or(true)) {
+      throw;
+    }
+  }
+  temporary.keep();
+}
+
 void writeNewFile(FileSystem& files, const std::filesystem::path& path, ConstBytes content) {
   const auto file = files.create(path);
   file->append(content);

@@ -48,11 +48,20 @@ class TemporaryPath {
   bool m_kept = false;
 };
 
+// Returns whether something has the path of a temporary file or folder; nothing where that cannot
+// be told.
+[[nodiscard]] std::optional<bool> isStillThere(FileSystem& files,
+                                               const std::filesystem::path& path) noexcept;
+
+// Puts a temporary file or folder in the place of another, and keeps it. What the disk is slow to
+// confirm is in its place all the same, and no failure: there is no way back.
+void putInPlace(FileSystem& files, TemporaryPath& temporary, const std::filesystem::path& path);
+
 // Makes a file that does not exist; returns when the disk has its content.
 void writeNewFile(FileSystem& files, const std::filesystem::path& path, ConstBytes content);
 
 // Gives a file another content such that any reader, and the disk after a crash, sees the old one
-// or the new one.
+// or the new one. Fails, too, where the disk does not confirm it, and then either may be there.
 void replaceContent(FileSystem& files, const std::filesystem::path& path, ConstBytes content);
 
 // Takes the lock of that path, and waits some seconds for those who have it. Returns null when one

@@ -110,8 +110,7 @@ void createAdapterFolder(FileSystem& files, const std::filesystem::path& directo
   writeNewFile(files, temporary.path() / "adapter.json", bytesOf(formatDescription(description)));
   writeNewFile(files, temporary.path() / "flash.rom", rom);
   files.syncFolder(temporary.path());
-  files.replace(temporary.path(), directory / name);
-  temporary.keep();
+  putInPlace(files, temporary, directory / name);
 }
 
 }  // namespace

@@ -22,9 +22,7 @@ namespace platform {
 [[nodiscard]] std::optional<std::string> toText(const std::filesystem::path& path);
 
 // Returns the same with slashes between the names, as in a URI.
-[[nodiscard]] inline std::optional<std::string> toGenericText(const std::filesystem::path& path) {
-  return toText(path.generic_string<std::filesystem::path::value_type>());
-}
+[[nodiscard]] std::optional<std::string> toGenericText(const std::filesystem::path& path);
 
 // Returns a text for people, which finds no file.
 [[nodiscard]] std::string toShownText(const std::filesystem::path& path);

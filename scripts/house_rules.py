@@ -101,6 +101,9 @@ CATCH_ALL_BOUNDARIES = {
     "agent/Orvex_SoftwareInstallationService.cpp": "a method answers with a return code, whatever happened",
     "cli/Main.cpp": "top of the program",
     "daemon/Main.cpp": "top of the program",
+    "daemon/AuditQueue.cpp": "top of a thread: what it meets is counted as a record that is lost",
+    "daemon/PeriodicTask.cpp": "top of a thread: what the task throws is logged",
+    "daemon/RunningJobs.cpp": "top of a thread: whoever waits for the count gets what it throws",
     "http/Connection.cpp": "a request's failure is answered, and ends neither its connection nor the server",
 }
 

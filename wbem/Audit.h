@@ -4,7 +4,8 @@
 #ifndef ORVEX_WBEM_AUDIT_H_
 #define ORVEX_WBEM_AUDIT_H_
 
-#include <memory>
+#include <cstdint>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,19 +26,6 @@ struct AuditRecord {
   std::vector<std::pair<std::string, std::string>> details;
 };
 
-// What a file holds at one time.
-class FileEvidence {
- public:
-  FileEvidence() = default;
-  FileEvidence(const FileEvidence&) = delete;
-  FileEvidence& operator=(const FileEvidence&) = delete;
-  virtual ~FileEvidence() = default;
-
-  // Returns the SHA-256 of what the file has held since this was made, in hexadecimal digits; why
-  // there is none where it has changed, or cannot be read. Reads the whole file.
-  [[nodiscard]] virtual std::string digest() const = 0;
-};
-
 // Any thread calls; implementations neither throw nor wait.
 class Audit {
  public:
@@ -48,10 +36,11 @@ class Audit {
 
   virtual void write(const AuditRecord& record) noexcept = 0;
 
-  // Returns what a record can say of the content of a file; null for nothing.
-  [[nodiscard]] virtual std::unique_ptr<FileEvidence> watchFile(
-      const std::string& /*path*/) noexcept {
-    return nullptr;
+  // Returns how a record names a content: its SHA-256 in hexadecimal digits; empty where there is
+  // no such name.
+  [[nodiscard]] virtual std::string digest(
+      std::span<const std::uint8_t> /*content*/) const noexcept {
+    return {};
   }
 };
 

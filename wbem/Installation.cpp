@@ -13,11 +13,13 @@
 #include "core/CimPath.h"
 #include "core/CimPropertyRef.h"
 #include "core/CimPropertyTypes.h"
+#include "core/FirmwareReader.h"
 
 namespace wbem {
 namespace {
 
 constexpr std::string_view kMethods[] = {"InstallFromURI", "InstallFromSoftwareIdentity"};
+constexpr std::string_view kCheck = "CheckSoftwareIdentity";
 
 constexpr const char* kSoftwareClass = "Orvex_SoftwareIdentity";
 // Values of ImageKind.
@@ -139,11 +141,19 @@ Versions tellVersions(core::CimBroker& broker, const std::string& adapter,
   }
 }
 
+bool installs(const std::string& method) {
+  return std::find(std::begin(kMethods), std::end(kMethods), method) != std::end(kMethods);
+}
+
 }  // namespace
+
+std::string findFile(const std::string& method, core::CimPropertyList& arguments) {
+  return installs(method) || method == kCheck ? fileOf(arguments) : "";
+}
 
 std::optional<Installation> describeInstallation(const std::string& method,
                                                  core::CimPropertyList& arguments) {
-  if (std::find(std::begin(kMethods), std::end(kMethods), method) == std::end(kMethods)) {
+  if (!installs(method)) {
     return std::nullopt;
   }
   Installation installation;
@@ -157,6 +167,18 @@ void fillInVersions(core::CimBroker& broker, Installation& installation) {
   Versions versions = tellVersions(broker, installation.adapter, installation.file);
   installation.oldVersions = std::move(versions.installed);
   installation.newVersions = std::move(versions.offered);
+}
+
+void fillInContent(core::CimBroker& broker, std::span<const std::uint8_t> content,
+                   Installation& installation) {
+  for (const core::CimAgent* agent : broker.getAgents()) {
+    const auto* reader = dynamic_cast<const core::FirmwareReader*>(agent);
+    const std::string versions = reader != nullptr ? reader->describeFirmware(content) : "";
+    if (!versions.empty()) {
+      installation.newVersions = versions;
+      return;
+    }
+  }
 }
 
 std::string describeInstalled(core::CimBroker& broker, const std::string& adapter) {

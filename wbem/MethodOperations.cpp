@@ -4,6 +4,7 @@
 #include <utility>
 #include <variant>
 
+#include "Os/QuorvelConfig.h"
 #include "cimxml/AnswerWriter.h"
 #include "wbem/InstanceFinder.h"
 #include "wbem/PropertyValues.h"
@@ -93,17 +94,18 @@ MethodArguments::MethodArguments(const core::MethodDeclaration& method,
 }
 
 void invokeMethod(const cimxml::Request& request, core::CimBroker& broker,
-                  const Namespaces& namespaces, Audit& audit, std::string& out,
-                  Invocation& invocation) {
+                  const Namespaces& namespaces, std::string& out, Invocation& invocation) {
   const Namespace& nameSpace = namespaces.demand(request.nameSpace);
   const core::ClassDeclaration& declaration = nameSpace.demandClass(request.target.className);
   const core::MethodDeclaration& method = demandMethod(declaration, request);
   MethodArguments arguments(method, request.parameters, namespaces);
   const InstanceFinder finder(namespaces, nameSpace, request.target);
   invocation.installation = describeInstallation(method.name, arguments.in());
-  if (invocation.installation) {
-    invocation.evidence = audit.watchFile(invocation.installation->file);
+  if (const std::string file = findFile(method.name, arguments.in()); !file.empty()) {
+    invocation.file = std::make_unique<os::FileAhead>(
+        file, utils::QuorvelConfig::getInstance()->getMaxImageSize());
   }
+  const os::FileAhead::InForce inForce(invocation.file.get());
   const core::CimBroker::Request brokerRequest(broker);
   if (invocation.installation) {
     fillInVersions(broker, *invocation.installation);

@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
+#include "Os/FileAhead.h"
 #include "cimxml/Request.h"
 #include "core/CimBroker.h"
 #include "core/OwningPropertyList.h"
-#include "wbem/Audit.h"
 #include "wbem/Installation.h"
 #include "wbem/Namespaces.h"
 
@@ -40,16 +40,15 @@ struct Invocation {
   std::optional<std::uint32_t> returnValue;
   std::string job;                           // its object path; empty for none
   std::optional<Installation> installation;  // of a method that installs
-  std::unique_ptr<FileEvidence> evidence;    // of the installation's file; null for none
+  std::unique_ptr<os::FileAhead> file;       // that the method reads; null for none
 };
 
 // Invokes the method that the request names and appends its return value and its output arguments;
 // those that stay NULL are left out, since there are clients that take a NULL for the end of the
-// message. The audit is asked for the evidence alone. Holds the broker's request. Throws
+// message. Reads the file that the method reads, and then holds the broker's request. Throws
 // StatusFault, and what the method throws.
 void invokeMethod(const cimxml::Request& request, core::CimBroker& broker,
-                  const Namespaces& namespaces, Audit& audit, std::string& out,
-                  Invocation& invocation);
+                  const Namespaces& namespaces, std::string& out, Invocation& invocation);
 
 }  // namespace wbem
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <exception>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <utility>
 #include <variant>
@@ -23,6 +24,7 @@ namespace wbem {
 namespace {
 
 constexpr const char* kJobClass = "CIM_ConcreteJob";
+constexpr const char* kNotSeen = "not known: the method has read another file than it was given";
 constexpr const char* kSuccess = "CIM_ERR_SUCCESS";
 
 // Of what a client sent, in the text of an error and in a record: there may be a whole message.
@@ -162,17 +164,31 @@ struct Server::Implementation {
     cimxml::beginMethodAnswer(out, request.messageId, request.name);
     change.setResult(attempt(out, [&] {
       demandOperator(caller, request.name);
-      invokeMethod(request, broker, *getNamespaces(), audit, out, invocation);
+      invokeMethod(request, broker, *getNamespaces(), out, invocation);
       return std::to_string(*invocation.returnValue);
     }));
     cimxml::endMethodAnswer(out);
     if (invocation.installation) {
-      // Reads the file, which is worth it where it is installed.
-      if (invocation.evidence != nullptr && !invocation.job.empty()) {
-        invocation.installation->sha256 = invocation.evidence->digest();
-      }
+      describeFile(invocation);
       change.setInstallation(*invocation.installation);
     }
+  }
+
+  // What is hashed are the bytes that the method was handed, however the file has changed since; it
+  // is worth it where they are installed.
+  void describeFile(Invocation& invocation) {
+    if (invocation.file == nullptr) {
+      return;
+    }
+    const std::span<const std::uint8_t> content = invocation.file->content();
+    if (!content.empty()) {
+      fillInContent(broker, content, *invocation.installation);
+    }
+    if (!invocation.job.empty()) {
+      invocation.installation->sha256 =
+          invocation.file->isTaken() ? audit.digest(content) : kNotSeen;
+    }
+    invocation.file.reset();  // there may be megabytes of it
   }
 
   core::CimBroker& broker;

@@ -1,101 +1,82 @@
 #include <algorithm>
-#include <cerrno>
-#include <fcntl.h>
+#include <chrono>
 #include <limits>
-#include <memory>
 #include <optional>
-#include <span>
 #include <sys/stat.h>
-#include <unistd.h>
-#include <utility>
 
 #include "Os/FileCalls.h"
 #include "Os/Files.h"
+#include "Os/Posix/FileReading.h"
 #include "Utils/Exception.h"
 #include "Utils/Log.h"
 #include "Utils/RefusalTexts.h"
-#include "platform/Posix/Descriptor.h"
 
 namespace os {
 namespace {
 
 constexpr utils::LogSource kLog{"Os/Posix/PosixFiles"};
-constexpr const char* kNoAnswer =
-    "The file system of '%s' does not answer; what is there counts as missing until it does";
-// What is read with one call: slow file systems send as much while it is waited for.
-constexpr std::size_t kPiece = std::size_t{4} << 20;
 
 using LogFunction = const char*;
 
-// Opens a regular file; a pipe must not hold the caller up, so it is opened without waiting.
-platform::Descriptor openRegularFile(const std::string& path) {
-  platform::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-  struct stat status {};
-  if (!file.isOpen() || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
-    return {};
+// Logs why nothing is known of a file, where that is so.
+void reportSilence(FileSilence silence, LogFunction function, const std::string& path) {
+  switch (silence) {
+    case FileSilence::None:
+      break;
+    case FileSilence::GivenUp:
+      utils::logError(kLog, function,
+                      "The file system of '%s' does not answer; what is there counts as missing "
+                      "until it does",
+                      path.c_str());
+      break;
+    case FileSilence::StillAway:
+      utils::logError(kLog, function,
+                      "The file system of '%s' has not answered an earlier question yet; what is "
+                      "there counts as missing until it does",
+                      path.c_str());
+      break;
+    case FileSilence::TooSlow:
+      utils::logError(kLog, function,
+                      "The file system of '%s' is too slow; the file was given up after %d seconds",
+                      path.c_str(),
+                      static_cast<int>(std::chrono::duration_cast<std::chrono::seconds>(
+                                           fileCalls().wholePatience())
+                                           .count()));
+      break;
+    case FileSilence::NoTurn:
+      utils::logError(kLog, function,
+                      "'%s' was not read, since too many files were read at the same time; try "
+                      "again later",
+                      path.c_str());
+      break;
   }
-  return file;
 }
 
-// Logs, once, that a call has not come back; the next ones at the place are not even made.
-void reportAway(FileAnswer answer, LogFunction function, const std::string& path) {
-  if (answer == FileAnswer::GivenUp) {
-    utils::logError(kLog, function, kNoAnswer, path.c_str());
-  }
+FileLook lookInTime(LogFunction function, const std::string& path) {
+  const FileFindings* const ahead = findAhead(path);
+  FileLook look = ahead != nullptr ? ahead->look : lookAtFile(path);
+  reportSilence(look.silence, function, path);
+  return look;
 }
 
-// Returns the status, nothing where there is none or no answer.
-std::optional<struct stat> findStatus(LogFunction function, const std::string& place,
-                                      const std::string& path) {
-  const auto found = std::make_shared<std::optional<struct stat>>();
-  const FileAnswer answer = fileCalls().make(place, [found, path] {
-    struct stat status {};
-    if (stat(path.c_str(), &status) == 0) {
-      *found = status;
-    }
-  });
-  reportAway(answer, function, path);
-  return answer == FileAnswer::InTime ? *found : std::nullopt;
-}
-
-// A file as it is read, piece by piece. Outlives its reader where the file system does not answer,
-// and so has a buffer of its own.
-class FileReading {
- public:
-  explicit FileReading(std::string path) : m_path(std::move(path)) {}
-
-  // Reads the next piece; the first time, opens the file.
-  void readNext(std::size_t size) {
-    m_count = 0;
-    if (m_piece == nullptr) {
-      m_file = openRegularFile(m_path);
-      m_piece = std::make_unique_for_overwrite<std::uint8_t[]>(size);
-    }
-    while (m_file.isOpen() && m_count < size) {
-      const ssize_t got = read(m_file.get(), m_piece.get() + m_count, size - m_count);
-      if (got < 0 && errno == EINTR) {
-        continue;
-      }
-      if (got <= 0) {
-        break;
-      }
-      m_count += static_cast<std::size_t>(got);
-    }
+// Returns what is there of the first bytes of a file.
+FileBytes readInTime(const std::string& path, std::size_t count) {
+  FileFindings* const ahead = findAhead(path);
+  if (ahead == nullptr || !ahead->content) {
+    return readFileBytes(path, count);
   }
-  [[nodiscard]] std::span<const std::uint8_t> piece() const { return {m_piece.get(), m_count}; }
-
- private:
-  const std::string m_path;
-  platform::Descriptor m_file;
-  std::unique_ptr<std::uint8_t[]> m_piece;  // as large as the first, which is the largest
-  std::size_t m_count = 0;
-};
+  FileBytes content = *ahead->content;
+  content.size = std::min(content.size, count);
+  const std::optional<struct stat>& status = ahead->look.status;
+  ahead->isTaken = status && content.size == static_cast<std::size_t>(status->st_size);
+  return content;
+}
 
 }  // namespace
 
 std::int32_t getFileSize(const std::string& path) {
   constexpr LogFunction kFunction = "os::getFileSize";
-  const std::optional<struct stat> status = findStatus(kFunction, directoryOf(path), path);
+  const std::optional<struct stat> status = lookInTime(kFunction, path).status;
   if (status && S_ISDIR(status->st_mode)) {
     throw utils::Exception("The specyfied URI '%s' %s ", path.c_str(),
                            utils::refusal::kIsDirectory);
@@ -109,34 +90,31 @@ std::int32_t getFileSize(const std::string& path) {
   return size;
 }
 
-std::int32_t readFile(const std::string& path, std::uint8_t* buffer, std::int32_t count) {
+FileContent readContent(const std::string& path, std::int32_t count) {
   constexpr LogFunction kFunction = "os::readFile";
   utils::logDebug(kLog, kFunction, "Reading %d bytes from file %s", count, path.c_str());
-  const auto reading = std::make_shared<FileReading>(path);
-  std::int32_t total = 0;
-  while (total < count) {
-    const std::size_t size = std::min(kPiece, static_cast<std::size_t>(count - total));
-    const FileAnswer answer =
-        fileCalls().make(directoryOf(path), [reading, size] { reading->readNext(size); });
-    reportAway(answer, kFunction, path);
-    if (answer != FileAnswer::InTime) {
-      break;
-    }
-    const std::span<const std::uint8_t> piece = reading->piece();
-    std::copy(piece.begin(), piece.end(), buffer + total);
-    total += static_cast<std::int32_t>(piece.size());
-    if (piece.size() < size) {
-      break;
-    }
-  }
+  const FileBytes read = readInTime(path, static_cast<std::size_t>(std::max(count, 0)));
+  reportSilence(read.silence, kFunction, path);
+  const auto total = static_cast<std::int32_t>(read.size);
   utils::logDebug(kLog, kFunction, "Read %d bytes", total);
-  return total;
+  return {read.bytes, total};
+}
+
+std::int32_t readFile(const std::string& path, std::uint8_t* buffer, std::int32_t count) {
+  const FileContent content = readContent(path, count);
+  std::copy_n(content.bytes.get(), content.size, buffer);
+  return content.size;
 }
 
 bool isThisADir(const std::string& path) {
   utils::logDebug(kLog, "os::isThisADir", "Checking if the declared path %s points to a directory",
                   path.c_str());
-  const std::optional<struct stat> status = findStatus("os::isThisADir", path, path);
+  const FileLook look = lookAtFile(path);
+  // Who asks for the directories of the settings asks often, and reports a change by itself.
+  if (look.silence == FileSilence::GivenUp) {
+    reportSilence(look.silence, "os::isThisADir", path);
+  }
+  const std::optional<struct stat>& status = look.status;
   if (!status || !S_ISDIR(status->st_mode)) {
     return false;
   }

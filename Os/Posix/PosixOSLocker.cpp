@@ -51,7 +51,7 @@ OSLocker::WaitResult OSLockerPosix::waitForSemaphore(std::uint32_t milliseconds)
                         describeWait().c_str());
       }
       const Clock::Duration left = deadline - m_clock.now();
-      if (left <= Clock::Duration::zero()) {
+      if (left <= Clock::Duration::zero() || isGivenUp()) {
         return WaitResult::TimedOut;
       }
       m_clock.sleepFor(std::min<Clock::Duration>(left, kPoll));

@@ -98,6 +98,13 @@ std::int32_t readFile(const std::string& path, std::uint8_t* buffer, std::int32_
   return total;
 }
 
+FileContent readContent(const std::string& path, std::int32_t count) {
+  const auto bytes = std::make_shared_for_overwrite<std::uint8_t[]>(
+      count > 0 ? static_cast<std::size_t>(count) : 0);
+  const std::int32_t total = readFile(path, bytes.get(), count);
+  return {bytes, total};
+}
+
 bool isThisADir(const std::string& path) {
   utils::logDebug(kLog, "os::isThisADir", "Checking if the declared path %s points to a directory",
                   path.c_str());

@@ -4,6 +4,7 @@
 #include "Os/SharedLibrary.h"
 #include "Os/Windows/SystemText.h"
 #include "Utils/Exception.h"
+#include "platform/Paths.h"
 #include "platform/Texts.h"
 #include "platform/Windows/NoErrorDialogs.h"
 
@@ -21,7 +22,7 @@ const char* modulesFromPrograms() {
 // neither in the current directory nor in those of PATH, where anybody may have put one.
 void loadSharedLibrary(const std::filesystem::path& path) {
   const std::string shown = platform::toShownText(path);
-  if (!path.is_absolute()) {
+  if (!platform::isAbsolute(path)) {
     throw utils::Exception("Could not load the library '%s': its path is not absolute",
                            shown.c_str());
   }

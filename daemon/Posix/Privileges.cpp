@@ -15,4 +15,8 @@ Privileges readPrivileges() {
   return {isRoot, isRoot || ::faccessat(AT_FDCWD, folder.c_str(), W_OK, AT_EACCESS) == 0};
 }
 
+std::vector<std::uint32_t> findTrustedUsers() {
+  return {0, ::geteuid()};
+}
+
 }  // namespace quorveld

@@ -3,11 +3,17 @@
 #ifndef ORVEX_DAEMON_POSIX_PRIVILEGES_H_
 #define ORVEX_DAEMON_POSIX_PRIVILEGES_H_
 
+#include <cstdint>
+#include <vector>
+
 #include "daemon/DaemonConfig.h"
 
 namespace quorveld {
 
 [[nodiscard]] Privileges readPrivileges();
+
+// Returns the users whom no other one may keep out: root, and the one that the process runs as.
+[[nodiscard]] std::vector<std::uint32_t> findTrustedUsers();
 
 }  // namespace quorveld
 

@@ -81,30 +81,51 @@ void syncFolder(const fs::path& path) {
   }
 }
 
-// Removes a name, and minds neither that it is gone nor that it cannot go.
-void unlinkQuietly(const fs::path& path) {
-  static_cast<void>(::unlink(path.c_str()));
-}
+// The folder that a lock's file stands in, whatever its path is made to lead to meanwhile.
+class LockFolder {
+ public:
+  explicit LockFolder(const fs::path& path) : m_name(path.filename()) {
+    const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
+    m_folder = platform::Descriptor(
+        retry([&] { return ::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC); }));
+    if (!m_folder.isOpen()) {
+      fail("lock", path, errno);
+    }
+  }
+
+  // Opens the file; without a descriptor errno tells why.
+  [[nodiscard]] platform::Descriptor openFile(int flags) const {
+    return platform::Descriptor(
+        retry([&] { return ::openat(m_folder.get(), m_name.c_str(), flags, 0600); }));
+  }
+  // Removes the file, and minds neither that it is gone nor that it cannot go.
+  void removeFile() const { static_cast<void>(::unlinkat(m_folder.get(), m_name.c_str(), 0)); }
+  [[nodiscard]] bool look(struct stat& state) const { return ::fstat(m_folder.get(), &state) == 0; }
+
+ private:
+  fs::path m_name;
+  platform::Descriptor m_folder;
+};
 
 class PosixFileLock final : public FileLock {
  public:
-  PosixFileLock(fs::path path, platform::Descriptor file)
-      : m_path(std::move(path)), m_file(std::move(file)) {}
+  PosixFileLock(LockFolder folder, platform::Descriptor file)
+      : m_folder(std::move(folder)), m_file(std::move(file)) {}
   PosixFileLock(const PosixFileLock&) = delete;
   PosixFileLock& operator=(const PosixFileLock&) = delete;
   // While it is still held: nobody may remove a lock that is another's by now.
-  ~PosixFileLock() override { unlinkQuietly(m_path); }
+  ~PosixFileLock() override { m_folder.removeFile(); }
 
  private:
-  fs::path m_path;
+  LockFolder m_folder;
   platform::Descriptor m_file;
 };
 
 // Gives a new lock file to those who may write its folder. A program of the superuser must not keep
 // out those to whom the folder belongs; where that cannot be done, they wait for such a program.
-void shareWithOwners(const platform::Descriptor& file, const fs::path& path) {
+void shareWithOwners(const platform::Descriptor& file, const LockFolder& itsFolder) {
   struct stat folder {};
-  if (::stat(path.parent_path().c_str(), &folder) != 0) {
+  if (!itsFolder.look(folder)) {
     return;
   }
   const bool isSuperuser = ::geteuid() == 0;
@@ -117,21 +138,18 @@ void shareWithOwners(const platform::Descriptor& file, const fs::path& path) {
 
 // Opens the file of a lock, made where it is missing. Nobody else's file is made over to others: it
 // may have got this name to that end.
-platform::Descriptor openLock(const fs::path& path) {
+platform::Descriptor openLock(const LockFolder& folder, const fs::path& path) {
   constexpr int kFlags = O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-  const auto open = [&path](int flags) {
-    return platform::Descriptor(retry([&] { return ::open(path.c_str(), flags, 0600); }));
-  };
   for (;;) {
-    platform::Descriptor made = open(kFlags | O_CREAT | O_EXCL);
+    platform::Descriptor made = folder.openFile(kFlags | O_CREAT | O_EXCL);
     if (made.isOpen()) {
-      shareWithOwners(made, path);
+      shareWithOwners(made, folder);
       return made;
     }
     if (errno != EEXIST) {
       fail("lock", path, errno);
     }
-    platform::Descriptor found = open(kFlags);
+    platform::Descriptor found = folder.openFile(kFlags);
     if (found.isOpen()) {
       return found;
     }
@@ -275,7 +293,8 @@ class PosixFileSystem final : public FileSystem {
 
   std::unique_ptr<FileLock> lock(const fs::path& path) override {
     for (;;) {
-      platform::Descriptor file = openLock(path);
+      LockFolder folder(path);
+      platform::Descriptor file = openLock(folder, path);
       struct stat opened {};
       if (::fstat(file.get(), &opened) != 0) {
         fail("lock", path, errno);
@@ -289,11 +308,12 @@ class PosixFileSystem final : public FileSystem {
         }
         fail("lock", path, errno);
       }
-      // Its last holder may have removed it since it was opened: then it is nobody's lock.
+      // Its last holder may have removed it since it was opened, or its folder have another path:
+      // then it is nobody's lock.
       struct stat named {};
       if (::lstat(path.c_str(), &named) == 0 && named.st_dev == opened.st_dev &&
           named.st_ino == opened.st_ino) {
-        return std::make_unique<PosixFileLock>(path, std::move(file));
+        return std::make_unique<PosixFileLock>(std::move(folder), std::move(file));
       }
     }
   }

@@ -10,6 +10,10 @@ std::optional<std::string> toText(const std::filesystem::path& path) {
   return path.native();
 }
 
+std::optional<std::string> toGenericText(const std::filesystem::path& path) {
+  return toText(path);
+}
+
 std::string toShownText(const std::filesystem::path& path) {
   return path.native();
 }

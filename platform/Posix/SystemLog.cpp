@@ -6,9 +6,11 @@
 #include <cstddef>
 #include <cstdio>
 #include <ctime>
+#include <fcntl.h>
 #include <iterator>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <sys/un.h>
 
 #include "platform/Posix/Descriptor.h"
@@ -37,19 +39,58 @@ Address toAddress(const std::string& socket) {
   return address;
 }
 
+std::chrono::milliseconds timeUntil(Clock::time_point end) {
+  const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+  return std::max(left, std::chrono::milliseconds(0));
+}
+
 // Waits until the receiver may have room, not beyond the time.
 void awaitRoom(const Descriptor& sender, Clock::time_point end) {
-  const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
   pollfd source{sender.get(), POLLOUT, 0};
-  static_cast<void>(poll(&source, 1, std::max(static_cast<int>(left.count()), 0)));
+  static_cast<void>(poll(&source, 1, static_cast<int>(timeUntil(end).count())));
+}
+
+// Has the calls that follow wait no longer than that.
+bool limitWaiting(const Descriptor& sender, std::chrono::milliseconds time) {
+  const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
+  const std::chrono::microseconds rest = time - seconds;
+  timeval limit{};
+  limit.tv_sec = static_cast<decltype(limit.tv_sec)>(seconds.count());
+  limit.tv_usec = static_cast<decltype(limit.tv_usec)>(rest.count());
+  return setsockopt(sender.get(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof(limit)) == 0;
+}
+
+// Returns 0 or the error number. A receiver of connections that accepts none for now refuses them
+// with EAGAIN, and poll() cannot wait for it to accept: the call itself has to.
+int connectBy(const Descriptor& sender, const Address& address, Clock::time_point end) {
+  while (true) {
+    const std::chrono::milliseconds left = timeUntil(end);
+    // A limit of zero would be none.
+    const bool isWaiting = left.count() > 0;
+    if (isWaiting && !limitWaiting(sender, left)) {
+      return errno;
+    }
+    if (fcntl(sender.get(), F_SETFL, isWaiting ? 0 : O_NONBLOCK) != 0) {
+      return errno;
+    }
+    if (connect(sender.get(), reinterpret_cast<const sockaddr*>(&address.place), address.length) ==
+        0) {
+      return 0;
+    }
+    if (errno != EINTR) {
+      return errno;
+    }
+  }
 }
 
 // Returns 0 or the error number.
 int sendBy(int kind, const Address& address, const std::string& text, Clock::time_point end) {
-  const Descriptor sender(::socket(AF_UNIX, kind | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-  if (!sender.isOpen() || connect(sender.get(), reinterpret_cast<const sockaddr*>(&address.place),
-                                  address.length) != 0) {
+  const Descriptor sender(::socket(AF_UNIX, kind | SOCK_CLOEXEC, 0));
+  if (!sender.isOpen()) {
     return errno;
+  }
+  if (const int error = connectBy(sender, address, end)) {
+    return error;
   }
   for (std::size_t sent = 0; sent < text.size();) {
     const ssize_t count =

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <utility>
 #include <windows.h>
 
@@ -33,6 +34,13 @@ std::filesystem::path toPath(const std::string& text) {
 std::optional<std::string> toText(const std::filesystem::path& path) {
   std::string text = narrow(CP_ACP, path.native());
   return widen(CP_ACP, text) == path.native() ? std::optional(std::move(text)) : std::nullopt;
+}
+
+// Sign by sign: taken apart into its names, the path would lose the root of a server.
+std::optional<std::string> toGenericText(const std::filesystem::path& path) {
+  std::wstring generic = path.native();
+  std::replace(generic.begin(), generic.end(), L'\\', L'/');
+  return toText(generic);
 }
 
 std::string toShownText(const std::filesystem::path& path) {

@@ -1,5 +1,6 @@
 #include <atomic>
 #include <chrono>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <memory>
 #include <stdexcept>
@@ -8,7 +9,9 @@
 #include <vector>
 
 #include "Os/FileCalls.h"
+#include "Os/FilePlace.h"
 #include "tests/Os/HungDirectory.h"
+#include "tests/support/TempDirectory.h"
 #include "tests/support/Throws.h"
 #include "tests/support/WaitUntil.h"
 
@@ -23,14 +26,15 @@ class FileCalls : public testing::Test {
  protected:
   FileAnswer makeHeld(const HeldCall& held, const std::string& place = "/mnt") {
     m_calls.setPatience(milliseconds(1));
-    const FileAnswer answer = m_calls.make(place, held.call());
+    const FileAnswer answer = m_calls.makeAt(place, held.call());
     m_calls.setPatience(test::kDeadline);
     return answer;
   }
   FileAnswer makeQuick(const std::string& place) {
-    return m_calls.make(place, [count = m_count] { ++*count; });
+    return m_calls.makeAt(place, [count = m_count] { ++*count; });
   }
 
+  test::TempDirectory m_directory;
   os::FileCalls m_calls{test::kDeadline};
   std::shared_ptr<std::atomic<int>> m_count = std::make_shared<std::atomic<int>>(0);
 };
@@ -38,7 +42,7 @@ class FileCalls : public testing::Test {
 TEST_F(FileCalls, AreMadeOnAThreadOfTheirOwn) {
   std::thread::id thread;
 
-  EXPECT_EQ(m_calls.make("/fw", [&thread] { thread = std::this_thread::get_id(); }),
+  EXPECT_EQ(m_calls.makeAt("/fw", [&thread] { thread = std::this_thread::get_id(); }),
             FileAnswer::InTime);
   EXPECT_NE(thread, std::thread::id());
   EXPECT_NE(thread, std::this_thread::get_id());
@@ -47,7 +51,7 @@ TEST_F(FileCalls, AreMadeOnAThreadOfTheirOwn) {
 TEST_F(FileCalls, ThrowWhatTheCallThrows) {
   EXPECT_THAT(
       [this] {
-        static_cast<void>(m_calls.make("/fw", [] { throw std::runtime_error("no disk"); }));
+        static_cast<void>(m_calls.makeAt("/fw", [] { throw std::runtime_error("no disk"); }));
       },
       test::ThrowsExactly<std::runtime_error>("no disk"));
   EXPECT_EQ(makeQuick("/fw"), FileAnswer::InTime);
@@ -94,17 +98,50 @@ TEST_F(FileCalls, MayOutliveTheirMaker) {
   HeldCall held;
   {
     os::FileCalls calls(milliseconds(1));
-    ASSERT_EQ(calls.make("/mnt", held.call()), FileAnswer::GivenUp);
+    ASSERT_EQ(calls.makeAt("/mnt", held.call()), FileAnswer::GivenUp);
   }
   held.release();
   EXPECT_TRUE(test::waitUntil([&held] { return held.hasReturned(); }));
 }
 
-TEST(DirectoryOf, IsWhatStandsBeforeTheName) {
-  EXPECT_EQ(os::directoryOf("/srv/fw/image.rom"), "/srv/fw");
-  EXPECT_EQ(os::directoryOf("/image.rom"), "/");
-  EXPECT_EQ(os::directoryOf("image.rom"), ".");
-  EXPECT_EQ(os::directoryOf("fw/image.rom"), "fw");
+TEST_F(FileCalls, ByPathLeadToTheFileSystemThatIsAway) {
+  std::string fileSystem;
+  os::walkPlaces("/", [&fileSystem](const std::string& name, const std::string&) {
+    fileSystem = name;
+    return false;
+  });
+  HeldCall held;
+  ASSERT_EQ(makeHeld(held, fileSystem), FileAnswer::GivenUp);
+
+  EXPECT_EQ(m_calls.make("/", [count = m_count] { ++*count; }), FileAnswer::StillAway);
+  EXPECT_EQ(*m_count, 0);
+  held.release();
+  EXPECT_TRUE(test::waitUntil(
+      [this] { return m_calls.make("/", [count = m_count] { ++*count; }) == FileAnswer::InTime; }));
+}
+
+TEST_F(FileCalls, ByPathAreAwayInTheirFileSystem) {
+  HeldCall held;
+  m_calls.setPatience(milliseconds(1));
+  // It may not even have come there in that time.
+  ASSERT_EQ(m_calls.make(m_directory.path().string(), held.call()), FileAnswer::GivenUp);
+  m_calls.setPatience(test::kDeadline);
+  held.release();
+  EXPECT_TRUE(test::waitUntil(
+      [this] { return m_calls.make(m_directory.path().string(), [] {}) == FileAnswer::InTime; }));
+}
+
+TEST_F(FileCalls, ByPathAreNotMadeBelowADirectoryThatIsAway) {
+  std::filesystem::create_directories(m_directory.path() / "away" / "deep");
+  std::filesystem::create_directory(m_directory.path() / "here");
+  const auto ask = [](const std::string& path) { return os::fileCalls().make(path, [] {}); };
+  const std::string root = m_directory.path().string();
+  const test::HungDirectory hung(root + "/away");
+  EXPECT_EQ(ask(root + "/away"), FileAnswer::StillAway);
+  EXPECT_EQ(ask(root + "/away/deep/file"), FileAnswer::StillAway);
+  EXPECT_EQ(ask(root + "/./here/..//away/file"), FileAnswer::StillAway);
+  EXPECT_EQ(ask(root + "/here/file"), FileAnswer::InTime);
+  EXPECT_EQ(ask(root), FileAnswer::InTime);
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include <string>
 
 #include "Os/FileCalls.h"
+#include "Os/FilePlace.h"
 #include "tests/support/WaitUntil.h"
 
 namespace test {
@@ -48,9 +49,9 @@ class HeldCall {
 // when a first question was given up.
 class HungDirectory {
  public:
-  explicit HungDirectory(const std::string& directory) : m_directory(directory) {
+  explicit HungDirectory(const std::string& directory) : m_directory(endOf(directory)) {
     const auto before = os::fileCalls().setPatience(std::chrono::milliseconds(1));
-    EXPECT_EQ(os::fileCalls().make(directory, m_held.call()), os::FileAnswer::GivenUp);
+    EXPECT_EQ(os::fileCalls().makeAt(m_directory, m_held.call()), os::FileAnswer::GivenUp);
     os::fileCalls().setPatience(before);
   }
   HungDirectory(const HungDirectory&) = delete;
@@ -58,10 +59,20 @@ class HungDirectory {
   ~HungDirectory() {
     m_held.release();
     EXPECT_TRUE(waitUntil(
-        [this] { return os::fileCalls().make(m_directory, [] {}) == os::FileAnswer::InTime; }));
+        [this] { return os::fileCalls().makeAt(m_directory, [] {}) == os::FileAnswer::InTime; }));
   }
 
  private:
+  // Returns the directory as calls come to it.
+  static std::string endOf(const std::string& path) {
+    std::string end;
+    os::walkPlaces(path, [&end](const std::string&, const std::string& directory) {
+      end = directory;
+      return true;
+    });
+    return end;
+  }
+
   const std::string m_directory;
   HeldCall m_held;
 };

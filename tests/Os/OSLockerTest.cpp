@@ -14,6 +14,7 @@
 #include "tests/support/Regex.h"
 #include "tests/support/Settings.h"
 #include "tests/support/Throws.h"
+#include "tests/support/VirtualSlots.h"
 
 namespace {
 
@@ -149,6 +150,49 @@ TEST_F(OSLockerRules, TellsWhomItWaitedForInVainUntilItLocksAgain) {
   m_locker.answer = FakeLocker::WaitResult::Signalled;
   EXPECT_EQ(m_locker.Lock(), 0);
   EXPECT_EQ(OSLocker::describeTimeout(), "");
+}
+
+TEST_F(OSLockerRules, IsGivenUpByOneWhoWaits) {
+  m_locker.answer = FakeLocker::WaitResult::TimedOut;
+  m_locker.whileWaiting = [this] {
+    m_locker.noteWait(os::LockHolder{"tool", 4711, "root", std::chrono::steady_clock::now()});
+    EXPECT_TRUE(OSLocker::giveUp());
+  };
+  const LogCapture log;
+
+  EXPECT_EQ(m_locker.Lock(), 3);
+  EXPECT_THAT(log.messages(kLock),
+              ElementsAre("result = 258",
+                          "Timeout occured when the Semaphore was locked. Other application uses "
+                          "Fennelbrook SDK at this moment",
+                          "This process has given the flash lock up"));
+}
+
+TEST_F(OSLockerRules, IsNotHadOnceItIsGivenUp) {
+  m_locker.whileWaiting = [] { EXPECT_TRUE(OSLocker::giveUp()); };
+  EXPECT_EQ(m_locker.Lock(), 3);
+  EXPECT_EQ(m_locker.releases, 1);
+  EXPECT_EQ(m_locker.Lock(), 3);
+  EXPECT_EQ(m_locker.releases, 2);
+  EXPECT_EQ(m_locker.UnLock(), 0);
+  EXPECT_EQ(m_locker.releases, 2);
+}
+
+TEST_F(OSLockerRules, IsNotGivenUpByOneWhoHasHadIt) {
+  ASSERT_EQ(m_locker.Lock(), 0);
+  EXPECT_FALSE(OSLocker::giveUp());
+  ASSERT_EQ(m_locker.UnLock(), 0);
+  EXPECT_FALSE(OSLocker::giveUp());
+  EXPECT_EQ(m_locker.Lock(), 0);
+}
+
+TEST(OSLockerOfNobody, IsNotGivenUp) {
+  EXPECT_FALSE(OSLocker::giveUp());
+}
+
+TEST(OSLockerOperations, KeepTheOrderOfTheVirtualOnes) {
+  EXPECT_EQ(test::slotOf(&OSLocker::Lock), 2U);
+  EXPECT_EQ(test::slotOf(&OSLocker::UnLock), 3U);
 }
 
 TEST(OSLockerOfNobody, TellsOfNoWait) {

@@ -10,6 +10,7 @@
 #include "tests/support/LogCapture.h"
 #include "tests/support/Settings.h"
 #include "tests/support/TempDirectory.h"
+#include "tests/support/VirtualSlots.h"
 
 namespace {
 
@@ -259,11 +260,37 @@ TEST_F(QuorvelConfig, KeepsWhatItHadAndSaysSoWhenReadingFails) {
   EXPECT_TRUE(m_config.getDowngradeEnable());
 }
 
+TEST_F(QuorvelConfig, TakesAReadingWhole) {
+#ifdef QUORVEL_TEST_THREAD_SANITIZER
+  GTEST_SKIP() << "ThreadSanitizer lets no program have an operator new of its own";
+#endif
+  write({{"Timeout", 250U}, {"Namespace", "root/of/the/only/reading"}});
+  const LogCapture log;
+  {
+    const test::NoMemoryAfter noMemory("Getting Firmware File Paths from register - failed");
+    m_config.initialize();
+  }
+  const bool isTaken =
+      log.messages(kFunction).back() != "Reading config values from register - failed";
+  write({});
+
+  EXPECT_EQ(m_config.getTimeout(), isTaken ? 250U : 300'000U);
+  EXPECT_EQ(m_config.getNamespace(), isTaken ? "root/of/the/only/reading" : "root/DCIM/zolan");
+}
+
 TEST_F(QuorvelConfig, IsTheCurrentOneOnceConstructed) {
   write({{"Timeout", 250U}});
 
   EXPECT_EQ(utils::QuorvelConfig::getInstance(), &m_config);
   EXPECT_EQ(utils::QuorvelConfig::getInstance()->getTimeout(), 250U);
+}
+
+TEST(QuorvelConfigOperations, KeepTheOrderOfTheVirtualOnes) {
+  EXPECT_EQ(test::slotOf(&utils::QuorvelConfig::getNamespace), 2U);
+  EXPECT_EQ(test::slotOf(&utils::QuorvelConfig::getTimeout), 3U);
+  EXPECT_EQ(test::slotOf(&utils::QuorvelConfig::getDowngradeEnable), 4U);
+  EXPECT_EQ(test::slotOf(&utils::QuorvelConfig::getFWFilePaths), 5U);
+  EXPECT_EQ(test::slotOf(&utils::QuorvelConfig::initialize), 6U);
 }
 
 TEST(QuorvelConfigSingleton, IsMadeOnFirstUse) {

@@ -13,6 +13,7 @@
 #include "tests/Os/SystemFaults.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Throws.h"
+#include "tests/support/VirtualSlots.h"
 #include "tests/support/WaitUntil.h"
 
 namespace {
@@ -51,6 +52,10 @@ class BodyThread : public utils::Thread {
   bool m_isAwaited = false;
   std::atomic<bool> m_isEntered{false};
 };
+
+TEST(Thread, KeepsTheOrderOfItsVirtualOperations) {
+  EXPECT_EQ(test::slotOf(&utils::Thread::run), 2U);
+}
 
 TEST(Thread, RunsItsBodyOnAnotherThread) {
   std::thread::id runner;

@@ -1,5 +1,6 @@
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <future>
 #include <gmock/gmock.h>
 #include <memory>
@@ -8,6 +9,7 @@
 
 #include "Utils/Containers.h"
 #include "tests/support/Throws.h"
+#include "tests/support/VirtualSlots.h"
 
 namespace {
 
@@ -30,6 +32,8 @@ class Item {
 };
 
 using List = utils::SafeList<Item*>;
+
+using Cursor = List::SimpleIteratorImplementation;
 
 class OddSkippingCursor : public utils::SkippingIteratorImplementation<Item*, OddSkippingCursor> {
  public:
@@ -88,6 +92,22 @@ TEST_F(SafeList, IsWalkedInTheOrderOfAdding) {
   EXPECT_THAT(walk(m_list), ElementsAre(3, 1, 2));
   EXPECT_EQ(m_list.iterator().count(), 3U);
   EXPECT_EQ(m_list.size(), 3U);
+}
+
+TEST_F(SafeList, IsWalkedByALoopOverItsCursor) {
+  fill({3, 1, 2});
+  List::Iterator cursor = m_list.iterator();
+  static_cast<void>(cursor.next());
+  std::vector<int> numbers;
+  for (const Item* item : cursor) {
+    numbers.push_back(item->number());
+  }
+  EXPECT_THAT(numbers, ElementsAre(3, 1, 2));
+
+  m_list.clear();
+  for (const Item* item : m_list.iterator()) {
+    ADD_FAILURE() << item->number();
+  }
 }
 
 TEST_F(SafeList, BeginsAWalkWithNextOnAFreshCursor) {
@@ -314,6 +334,65 @@ TEST(SafeListIterator, WithoutACursorAssertsInEveryOperation) {
   EXPECT_THAT([&] { static_cast<void>(iterator.count()); }, asserts);
   List::Iterator copy(iterator);
   EXPECT_THAT([&] { copy.first(); }, asserts);
+}
+
+// Returns whether `act` ends on another thread before this one goes on.
+class Meanwhile {
+ public:
+  bool ends(const std::function<void()>& act) {
+    m_acts.push_back(std::async(std::launch::async, act));
+    return m_acts.back().wait_for(std::chrono::milliseconds(100)) == std::future_status::ready;
+  }
+
+ private:
+  std::vector<std::future<void>> m_acts;
+};
+
+TEST_F(SafeList, IsLockedWhileItMakesACursorButNotByACursorAlone) {
+  Meanwhile meanwhile;
+  Item item(1, m_deaths);
+  m_list.add(&item, [&] {
+    EXPECT_FALSE(meanwhile.ends([this] { static_cast<void>(m_list.iterator()); }));
+    EXPECT_TRUE(meanwhile.ends([this] { const OddSkippingCursor cursor(&m_list); }));
+  });
+}
+
+// Asks the test which elements it passes over.
+class AskingCursor : public utils::SkippingIteratorImplementation<Item*, AskingCursor> {
+ public:
+  using SkippingIteratorImplementation::SkippingIteratorImplementation;
+
+  static bool isSkipped(const Item* item) { return s_ask(item); }
+
+  static inline std::function<bool(const Item*)> s_ask;
+};
+
+TEST_F(SafeList, IsLockedForEachStepOfASkippingCursorAlone) {
+  fill({1, 3, 4});
+  Meanwhile meanwhile;
+  bool isFree = true;
+  AskingCursor::s_ask = [&](const Item* item) {
+    isFree = isFree && meanwhile.ends([this] { static_cast<void>(m_list.size()); });
+    return item->number() != 4;
+  };
+  AskingCursor cursor(&m_list);
+
+  EXPECT_EQ(cursor.first(), m_kept[2]);
+  EXPECT_TRUE(isFree);
+  AskingCursor::s_ask = nullptr;
+}
+
+TEST(SafeListOperations, KeepTheOrderOfTheVirtualOnes) {
+  struct Open : Cursor {
+    using Cursor::step;
+  };
+  EXPECT_EQ(test::slotOf(&List::iterator), 2U);
+  EXPECT_EQ(test::slotOf(&List::Iterator::first), 0U);
+  EXPECT_EQ(test::slotOf(&Cursor::next), 0U);
+  EXPECT_EQ(test::slotOf(&Cursor::first), 1U);
+  EXPECT_EQ(test::slotOf(&Cursor::count), 2U);
+  EXPECT_EQ(test::slotOf(&Cursor::clone), 5U);
+  EXPECT_EQ(test::slotOf(&Open::step), 6U);
 }
 
 TEST_F(SafeList, IsWalkedPastSkippedElements) {

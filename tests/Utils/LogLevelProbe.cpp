@@ -4,20 +4,26 @@
 //   log_level_probe          one debug and one error entry
 //   log_level_probe change   the same, then again after the variable was set to 3
 //   log_level_probe race     one error entry from each of eight threads that all log first
+//   log_level_probe format   says of both whether their line was built; the error entry's is lost
 
 #include <atomic>
+#include <cerrno>
 #include <cstdio>
+#include <new>
 #include <string>
 #include <string_view>
 #include <thread>
 #include <vector>
 
 #include "Os/Environment.h"
+#include "Utils/Format.h"
 #include "Utils/Log.h"
+#include "tests/Os/SystemFaults.h"
 
 namespace {
 
 constexpr utils::LogSource kLog{"Probe"};
+constexpr const char* kLongText = "a text that is longer than a string has room for by itself";
 
 class PrintingSinks : public utils::LogSinks {
  public:
@@ -55,6 +61,31 @@ void race() {
   }
 }
 
+// Returns whether `act` asks for memory: it then gets none.
+template <class Act>
+bool asksForMemory(Act act) {
+  const test::FailingCall noMemory(test::SystemCall::Allocate, ENOMEM);
+  act();
+  try {
+    static_cast<void>(utils::format("%s", kLongText));
+    return true;
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+}
+
+void sayWhatIsBuilt() {
+  utils::logDebug(kLog, {"probe", 1}, "d");  // the level is read
+  const bool isDebugBuilt = asksForMemory([] {
+    utils::logDebug(kLog, {"probe", 1}, "%s", kLongText);
+  });
+  const bool isErrorBuilt = asksForMemory([] {
+    utils::logError(kLog, {"probe", 2}, "%s", kLongText);
+  });
+  std::printf("debug is %s, error is %s\n", isDebugBuilt ? "built" : "not built",
+              isErrorBuilt ? "built" : "not built");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -63,6 +94,8 @@ int main(int argc, char** argv) {
   utils::exchangeLogSinks(&sinks);
   if (mode == "race") {
     race();
+  } else if (mode == "format") {
+    sayWhatIsBuilt();
   } else {
     logBoth();
   }

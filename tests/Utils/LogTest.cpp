@@ -69,6 +69,13 @@ INSTANTIATE_TEST_SUITE_P(TheVariable, LogLevelOf,
                                          LevelCase{"-1", 1}, LevelCase{" 3", 1},
                                          LevelCase{"debug", 1}));
 
+TEST(LogLevel, OfZeroHasErrorsBuiltAllTheSame) {
+#ifdef QUORVEL_TEST_THREAD_SANITIZER
+  GTEST_SKIP() << "ThreadSanitizer lets no program have an operator new of its own";
+#endif
+  EXPECT_EQ(probe("0", {"format"}), "debug is not built, error is built\n");
+}
+
 TEST(LogLevel, IsReadOnce) {
   EXPECT_EQ(probe("0", {"change"}), std::string(kAtLevel[0]) + kAtLevel[0]);
   EXPECT_EQ(probe(std::nullopt, {"change"}), std::string(kAtLevel[1]) + kAtLevel[1]);

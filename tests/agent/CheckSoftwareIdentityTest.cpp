@@ -61,7 +61,7 @@ TEST_F(CheckSoftwareIdentity, RefusesCharacteristicsThatHoldSomething) {
 }
 
 TEST_F(CheckSoftwareIdentity, LooksAtTheCharacteristicsBeforeTheSource) {
-  m_source.setText("malformed");
+  m_source.setText("Orvex_SoftwareIdentity.InstanceID=\"nowhere\"");
   expectCharacteristicsRefused({0});
 }
 

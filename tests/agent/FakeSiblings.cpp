@@ -104,7 +104,7 @@ class FakeAgent final : public core::CimAgent {
   FakeAgent() : CimAgent("Siblings") {}
 
   // The broker asks this first, of every agent and for every class.
-  [[nodiscard]] bool hasClass(const std::string& className) override {
+  [[nodiscard]] bool hasClass(std::string className) override {
     m_requests.push_back(className);
     return CimAgent::hasClass(className);
   }

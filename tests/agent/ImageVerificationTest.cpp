@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "Os/FileAhead.h"
 #include "agent/ImageVerification.h"
 #include "agent/JobErrors.h"
 #include "cim/InstallOptions.h"
@@ -117,6 +118,18 @@ TEST_F(ImageVerification, HandsTheFileToTheLibraryAndReturnsWhatThatPrepared) {
   EXPECT_THAT(image.targetTypes, ElementsAre(FirmwareType::Pxe, FirmwareType::Uefi));
   EXPECT_THAT(m_midApi.calls(),
               ElementsAre("prepareFlashImage 0000:03:00.0 'firmware' into 8 [3 4]"));
+}
+
+// Where nothing is read ahead, on Windows, what is there at the time counts.
+TEST_F(ImageVerification, TakesTheFileThatWasReadAhead) {
+  os::FileAhead ahead(m_file.string(), 1000);
+  const std::string expected = ahead.content().empty() ? "another one" : "firmware";
+  m_directory.write("image.rom", std::string("another one"));
+  const os::FileAhead::InForce inForce(&ahead);
+
+  static_cast<void>(check());
+
+  EXPECT_THAT(m_midApi.calls(), ElementsAre(HasSubstr("'" + expected + "'")));
 }
 
 TEST_F(ImageVerification, LogsItsSteps) {

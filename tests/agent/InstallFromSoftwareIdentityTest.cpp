@@ -79,7 +79,7 @@ TEST_F(InstallFromSoftwareIdentity, LetsOtherOptionsPass) {
 }
 
 TEST_F(InstallFromSoftwareIdentity, LooksAtTheOptionsBeforeTheSource) {
-  m_source.setText("malformed");
+  m_source.setText("Orvex_SoftwareIdentity.InstanceID=\"nowhere\"");
   expectOptionsRefused({3});
 }
 

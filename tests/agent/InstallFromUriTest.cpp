@@ -203,9 +203,18 @@ TEST_F(InstallFromUri, PassesOnOptionsThatItDoesNotKnow) {
 }
 
 TEST_F(InstallFromUri, LooksAtTheOptionsBeforeTheTarget) {
-  m_target.setText("malformed");
+  m_target.setText("Orvex_EthernetPort.DeviceID=\"nowhere\"");
   m_options.setValue({});
   EXPECT_EQ(invoke(), 5u);
+  EXPECT_THAT(messages(), IsEmpty());
+}
+
+// Its path is an argument, and arguments are read before anything is decided.
+TEST_F(InstallFromUri, ReadsTheTargetBeforeTheOptions) {
+  m_target.setText("malformed");
+  m_options.setValue({});
+  EXPECT_THROW(invoke(), utils::ESyntaxError);
+  EXPECT_THAT(messages(), IsEmpty());
 }
 
 TEST_F(InstallFromUri, LeavesAMalformedTargetToTheCaller) {

@@ -3,8 +3,10 @@
 
 #include "agent/MainDllEntry.h"
 #include "core/CimBroker.h"
+#include "tests/agent/ProviderMemory.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/SourcePlace.h"
+#include "tests/support/Throws.h"
 
 namespace {
 
@@ -45,6 +47,28 @@ class ModuleEntry : public testing::Test {
 
 int ModuleEntry::s_built = 0;
 
+// The first: it needs a process without an agent.
+TEST_F(ModuleEntry, BuildsTheAgentAgainAfterAFailure) {
+#ifdef QUORVEL_TEST_THREAD_SANITIZER
+  GTEST_SKIP() << "ThreadSanitizer lets no program have an operator new of its own";
+#endif
+  const std::size_t before = agents().size();
+  {
+    const test::ProviderMemory memory(2);
+    EXPECT_THAT(
+        [] { DllMain(nullptr, 1, nullptr); },
+        test::ThrowsExactly<utils::Exception>(test::IsAssertion("CimClasses", "cimClass != NULL")));
+  }
+  EXPECT_EQ(agents().size(), before);
+  EXPECT_THAT(records(), ElementsAre(IsRecordOf(kSource, LogLevel::Debug, "DllMain",
+                                                "SoftwareUpdate Agent DllMain(1)")));
+  EXPECT_EQ(countBuilt(), 0);
+
+  EXPECT_EQ(DllMain(nullptr, 1, nullptr), 1);
+  EXPECT_EQ(agents().size(), before + 1);
+  EXPECT_EQ(countBuilt(), 1);
+}
+
 TEST_F(ModuleEntry, BuildsTheAgentOnceAndLogsEachRegistration) {
   core::SoftwareUpdateAgent* const agent = RegisterSoftwareUpdateAgent();
 
@@ -70,6 +94,16 @@ TEST_F(ModuleEntry, AddsTheAgentWhenTheProcessAttaches) {
           IsRecordOf(kSource, LogLevel::Debug, "RegisterSoftwareUpdateAgent", kRegistering)));
   ASSERT_EQ(agents().size(), before + 1);
   EXPECT_EQ(agents().back(), RegisterSoftwareUpdateAgent());
+}
+
+TEST_F(ModuleEntry, LeavesTheAgentToTheBrokerWhenTheProcessDetaches) {
+  DllMain(nullptr, 1, nullptr);
+  const std::vector<core::CimAgent*> before = agents();
+
+  EXPECT_EQ(DllMain(nullptr, 0, nullptr), 1);
+
+  EXPECT_EQ(agents(), before);
+  EXPECT_TRUE(agents().back()->hasClass("Orvex_ConcreteJob"));
 }
 
 TEST_F(ModuleEntry, OnlyLogsAnyOtherReason) {

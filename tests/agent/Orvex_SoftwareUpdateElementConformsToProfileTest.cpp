@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 #include <memory>
 
+#include "agent/Instances.h"
 #include "agent/Orvex_SoftwareUpdateElementConformsToProfile.h"
-#include "core/CimBroker.h"
 #include "tests/agent/AssociationFixture.h"
 
 namespace {
@@ -57,8 +57,8 @@ TEST_F(ElementConformsToProfile, ConnectsEveryServiceWithEveryMatchingProfile) {
   m_siblings.addRegisteredProfile(kUpdateProfile);
   m_siblings.addService();
   m_siblings.addService();
-  const auto profiles = core::GetCimBroker().getInstances(kProfileClass);
-  const auto services = core::GetCimBroker().getInstances(kServiceClass);
+  const auto profiles = agent::findInstances(kProfileClass);
+  const auto services = agent::findInstances(kServiceClass);
   m_log.clear();
 
   EXPECT_THAT(enumerateTargets(),

@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 #include <memory>
 
+#include "agent/Instances.h"
 #include "agent/Orvex_SoftwareUpdateReferencedProfile.h"
-#include "core/CimBroker.h"
 #include "tests/agent/AssociationFixture.h"
 
 namespace {
@@ -51,7 +51,7 @@ TEST_F(ReferencedProfile, TakesTheLastOfEachProfile) {
   for (const char* profile : {kPortProfile, kUpdateProfile, kUpdateProfile, kPortProfile}) {
     m_siblings.addRegisteredProfile(profile);
   }
-  const auto profiles = core::GetCimBroker().getInstances(kProfileClass);
+  const auto profiles = agent::findInstances(kProfileClass);
   EXPECT_THAT(enumerateTargets(), ElementsAre(Targets(profiles[3], profiles[2])));
 }
 

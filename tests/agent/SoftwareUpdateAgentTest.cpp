@@ -3,9 +3,13 @@
 #include <vector>
 
 #include "agent/ConcreteJobFactory.h"
+#include "agent/Orvex_ConcreteJobClass.h"
 #include "agent/SoftwareUpdateAgent.h"
+#include "tests/agent/FakeJobFactory.h"
+#include "tests/agent/ProviderMemory.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Throws.h"
+#include "tests/support/VirtualSlots.h"
 
 namespace {
 
@@ -63,6 +67,10 @@ TEST(SoftwareUpdateAgent, NamesItselfInItsRecords) {
                           "[Software Update] Get instance of Orvex_ConcreteJob class"));
 }
 
+TEST(SoftwareUpdateAgent, HasTheJobFactorysOperationBehindThoseOfAProvider) {
+  EXPECT_EQ(test::slotOf(&Orvex_ConcreteJobClass::verifyOrCreateNewJob), 4U);
+}
+
 TEST(SoftwareUpdateAgent, BringsTheJobFactory) {
   EXPECT_FALSE(ConcreteJobFactory::hasInstance());
   {
@@ -70,6 +78,35 @@ TEST(SoftwareUpdateAgent, BringsTheJobFactory) {
     EXPECT_TRUE(ConcreteJobFactory::hasInstance());
   }
   EXPECT_FALSE(ConcreteJobFactory::hasInstance());
+}
+
+TEST(SoftwareUpdateAgent, IsNotBuiltWithoutMemoryForAProvider) {
+#ifdef QUORVEL_TEST_THREAD_SANITIZER
+  GTEST_SKIP() << "ThreadSanitizer lets no program have an operator new of its own";
+#endif
+  const int count = static_cast<int>(kClasses.size());
+  for (int refused = 0; refused < count; ++refused) {
+    SCOPED_TRACE(kClasses[static_cast<std::size_t>(refused)]);
+    const test::LogCapture log;
+    const test::ProviderMemory memory(refused);
+    EXPECT_THAT(
+        [] { const core::SoftwareUpdateAgent agent; },
+        test::ThrowsExactly<utils::Exception>(test::IsAssertion("CimClasses", "cimClass != NULL")));
+    EXPECT_EQ(memory.getRequests(), refused + 1);
+    EXPECT_EQ(memory.getLive(), 0);
+    EXPECT_EQ(log.messages("core::CimClasses::add").size(), static_cast<std::size_t>(refused));
+  }
+}
+
+TEST(SoftwareUpdateAgent, LeavesTheFactoryOfBeforeWhenItIsNotBuilt) {
+#ifdef QUORVEL_TEST_THREAD_SANITIZER
+  GTEST_SKIP() << "ThreadSanitizer lets no program have an operator new of its own";
+#endif
+  test::FakeJobFactory factory;
+  const test::ProviderMemory memory(static_cast<int>(kClasses.size()) - 1);
+  EXPECT_THROW(core::SoftwareUpdateAgent(), utils::Exception);
+
+  EXPECT_EQ(ConcreteJobFactory::getInstance(), &factory);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <functional>
 #include <gmock/gmock.h>
+#include <iostream>
 #include <sstream>
 
 #include "Os/OSLocker.h"
@@ -9,6 +10,7 @@
 #include "cli/JobWatch.h"
 #include "client/BrokerConnection.h"
 #include "client/Fault.h"
+#include "tests/cli/EndedBySignal.h"
 #include "tests/client/FakeAgent.h"
 #include "tests/support/Regex.h"
 
@@ -109,18 +111,23 @@ class TakenLocker : public os::OSLocker {
     m_act = std::move(act);
     EXPECT_EQ(Lock(), 3);
   }
+  void beHad() {
+    m_result = WaitResult::Signalled;
+    EXPECT_EQ(Lock(), 0);
+  }
 
  protected:
   [[nodiscard]] bool hasSemaphore() const override { return true; }
   [[nodiscard]] WaitResult waitForSemaphore(std::uint32_t /*milliseconds*/) override {
     noteWait(os::LockHolder{"tool", 4711, "root", std::chrono::steady_clock::now()});
     m_act();
-    return WaitResult::TimedOut;
+    return m_result;
   }
   [[nodiscard]] std::optional<SystemError> releaseSemaphore() override { return std::nullopt; }
 
  private:
-  std::function<void()> m_act;
+  std::function<void()> m_act = [] {};
+  WaitResult m_result = WaitResult::TimedOut;
 };
 
 class TakenFlashTest : public JobWatchTest {
@@ -137,18 +144,34 @@ TEST_F(TakenFlashTest, IsWaitedForInTheProgress) {
                                  "00:0[0-9]\n"));
 }
 
-TEST_F(TakenFlashTest, IsNotCalledWrittenToOneWhoInterruptsTheWait) {
-  test::FakeJob& job = addJob({{kRunning, 0}, {kCompleted, 100}});
+class TakenFlashDeathTest : public TakenFlashTest {};
+
+TEST_F(TakenFlashDeathTest, LetsAnInterruptEndTheProcess) {
+  addJob({{kRunning, 0}, {kRunning, 0}});
+  m_jobs.onEnumeration = [] { std::raise(SIGINT); };
+  const auto waitForTheFlash = [this] {
+    std::signal(SIGINT, SIG_DFL);  // whoever started the test may have it ignored
+    cli::ProgressView view(m_out, cli::ProgressStyle::Lines, "job");
+    cli::InterruptGuard guard(cli::Stops::Held);
+    m_locker.waitInVain([&] {
+      static_cast<void>(cli::waitForJob(m_connection, kJobPath, view, guard, std::cerr));
+    });
+  };
+  EXPECT_EXIT(waitForTheFlash(), test::EndedBySignal(SIGINT),
+              "quorvel: interrupted: the flash was not to be had yet, so nothing was written");
+}
+
+TEST_F(TakenFlashTest, IsWrittenToItsEndOnceItIsHad) {
+  test::FakeJob& job = addJob({{kRunning, 10}, {kCompleted, 100}});
   m_jobs.onEnumeration = [&job] {
     job.moveOn();
     if (job.JobState.getValue() == kRunning) {
       std::raise(SIGINT);
     }
   };
-  m_locker.waitInVain([this] { EXPECT_TRUE(wait().isCompleted()); });
-  EXPECT_EQ(m_err.str(),
-            "quorvel: interrupted: the update waits for the flash and cannot be taken back; "
-            "waiting for its end\n");
+  m_locker.beHad();
+  EXPECT_TRUE(wait().isCompleted());
+  EXPECT_THAT(m_err.str(), StartsWith("quorvel: interrupted: the flash is being written"));
 }
 
 TEST_F(TakenFlashTest, IsInTheTextOfAJobThatTimedOut) {

@@ -44,6 +44,11 @@ TEST_F(ProgramTest, RefusesWrongUsage) {
   expectUsageFault({"instances"}, HasSubstr("CLASS is required"));
   expectUsageFault({"instances", "A", "B"}, HasSubstr("B"));
   expectUsageFault({"invoke", "A.b=c"}, HasSubstr("METHOD is required"));
+  expectUsageFault({"instances", "X", "--host", "server1"},
+                   AllOf(HasSubstr("not expected: server1"),
+                         HasSubstr("If 'server1' is meant for --host: an address begins with")));
+  expectUsageFault({"instances", "X", "--host", "http://server1", "extra"},
+                   testing::Not(HasSubstr("is meant for")));
   expectUsageFault({"update", "0000:03:00", "a.rom", "--types"}, HasSubstr("--types"));
   expectUsageFault({"update", "0000:03:00", "a.rom", "--types", ""}, HasSubstr("name a type"));
 }

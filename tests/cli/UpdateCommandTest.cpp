@@ -47,6 +47,17 @@ TEST_F(UpdateCommandTest, InstallsAnImageAndSaysSo) {
   EXPECT_EQ(flash(), test::readBytes(rom));
 }
 
+TEST_F(UpdateCommandTest, KnowsTheSchemeOfAUriInAnyCase) {
+  addPxeAdapter(kAdapter);
+  const std::string rom = writeRom("new.rom", {pxe(3)});
+  for (const std::string scheme : {"FILE:", "File:"}) {
+    const ProgramResult result =
+        run({"update", kPort, scheme + uriOf(rom).substr(scheme.size()), "--force"});
+    EXPECT_EQ(result.exitStatus, 0) << result.errors;
+  }
+  EXPECT_EQ(flash(), test::readBytes(rom));
+}
+
 TEST_F(UpdateCommandTest, PrintsTheFinishedJobAsADocument) {
   addPxeAdapter(kAdapter);
   const Json document = runJson({"update", kAdapter, writeRom("new.rom", {pxe(3)})});
@@ -144,6 +155,10 @@ TEST_F(UpdateCommandTest, WantsOneImage) {
                    AllOf(HasSubstr("IMAGE and --identity exclude each other"),
                          HasSubstr("Try 'quorvel update --help'.")));
   expectUsageFault({"update", kPort, "a.rom", "b.rom"}, HasSubstr("b.rom"));
+  expectUsageFault({"update", kPort, "a.rom", "--lock-timeout", "soon"},
+                   HasSubstr("'soon' is no length of time; write 30s"));
+  expectUsageFault({"update", kPort, "a.rom", "--lock-timeout", "1s", "--host", "unix:"},
+                   HasSubstr("--lock-timeout does not go with --host"));
   expectUsageFault({"update", kPort, "--identity", ""}, HasSubstr("must not be empty"));
   expectUsageFault({"update", kPort, "--identity", "a.rom", "--types", "IMG_PXE"},
                    HasSubstr("--types goes with IMAGE, not with --identity: name the file"));

@@ -135,9 +135,9 @@ TEST_F(AssociationsTest, CopyWhatTheNextEnumerationInvalidates) {
   m_links.onEnumeration = [this] {
     m_links.clear();
     auto association = std::make_unique<Link>("Link", "1");
-    const std::vector<core::CimInstance*> things = m_broker.getInstances("Thing");
-    association->Left.setTarget(things[0]);
-    association->Right.setTarget(things[1]);
+    core::InstanceList::Iterator things = m_broker.getInstances("Thing");
+    association->Left.setTarget(things.first());
+    association->Right.setTarget(things.next());
     m_links.add(std::move(association));
   };
   const client::ObjectReferences object = find(kA);

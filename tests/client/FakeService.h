@@ -25,7 +25,7 @@ class FakeService : public FakeInstance {
 
   FakeService() : FakeInstance("Orvex_SoftwareInstallationService", "1") {}
 
-  std::uint32_t invokeMethod(const std::string& name, core::CimPropertyList* in,
+  std::uint32_t invokeMethod(std::string name, core::CimPropertyList* in,
                              core::CimPropertyList* out, core::CimInstance** /*job*/) override {
     calls.push_back({name, describe(*in), describe(*out)});
     if (auto* output = out->get("InstallCharacteristics"); output != nullptr && answer == 0) {

@@ -5,6 +5,7 @@
 #include "tests/core/TestInstance.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Throws.h"
+#include "tests/support/VirtualSlots.h"
 
 namespace {
 
@@ -140,6 +141,11 @@ TEST_F(CimAgentTest, DeclaresNoClassUnlessToldHow) {
   core::CimSchema schema;
   m_agent.declareClasses(schema);
   EXPECT_THAT(schema.getDescendants(""), testing::IsEmpty());
+}
+
+TEST(CimAgentOperations, KeepTheOrderOfTheVirtualOnes) {
+  EXPECT_EQ(test::slotOf(&core::CimAgent::hasClass), 0U);
+  EXPECT_EQ(test::slotOf(&core::CimAgent::getInstances), 1U);
 }
 
 TEST(CimAgentLife, EndsWithThatOfItsProvidersInTheOrderOfTheirNames) {

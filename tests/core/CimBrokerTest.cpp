@@ -1,12 +1,15 @@
 #include <atomic>
+#include <future>
 #include <gmock/gmock.h>
 #include <string>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "core/CimBroker.h"
 #include "tests/core/TestInstance.h"
 #include "tests/support/Throws.h"
+#include "tests/support/WaitUntil.h"
 
 namespace {
 
@@ -101,6 +104,9 @@ class CimBroker : public testing::Test {
   core::CimInstance* find(const std::string& path) {
     return m_broker.getInstanceByPath(core::CimPath(path));
   }
+  std::vector<core::CimInstance*> walk(const std::string& className) {
+    return test::walk(m_broker.getInstances(className));
+  }
 
   core::CimBroker m_broker;
 };
@@ -134,7 +140,94 @@ TEST_F(CimBroker, GivesTheInstancesOfAllAgentsThatServeAClassAgentByAgent) {
   m_broker.addAgent(&other);
   m_broker.addAgent(&second);
 
-  EXPECT_THAT(m_broker.getInstances("Test_Fan"), ElementsAre(a1, a2, b1));
+  EXPECT_THAT(walk("Test_Fan"), ElementsAre(a1, a2, b1));
+}
+
+// Two agents that serve fans, one that serves none of them and one that serves something else.
+class CimBrokerCursor : public CimBroker {
+ protected:
+  CimBrokerCursor() {
+    for (Agent* agent : {&m_first, &m_other, &m_without, &m_second}) {
+      m_broker.addAgent(agent);
+    }
+    m_without.serve("Test_Fan");
+  }
+
+  Agent m_first;
+  Agent m_other;
+  Agent m_without;
+  Agent m_second;
+  Provider* const m_firstFans = m_first.serve("Test_Fan");
+  Provider* const m_disks = m_other.serve("Test_Disk");
+  Instance* const m_disk = m_disks->serve("d");
+  Provider* const m_secondFans = m_second.serve("Test_Fan");
+  Instance* const m_a1 = m_firstFans->serve("a1");
+  Instance* const m_a2 = m_firstFans->serve("a2");
+  Instance* const m_b1 = m_secondFans->serve("b1");
+};
+
+TEST_F(CimBrokerCursor, BeginsWithNextWhereNobodyHasBegun) {
+  core::InstanceList::Iterator cursor = m_broker.getInstances("Test_Fan");
+
+  EXPECT_EQ(cursor.next(), m_a1);
+  EXPECT_EQ(cursor.next(), m_a2);
+  EXPECT_EQ(cursor.next(), m_b1);
+  EXPECT_EQ(cursor.next(), nullptr);
+  EXPECT_EQ(cursor.next(), nullptr);
+}
+
+TEST_F(CimBrokerCursor, RewindsOverAllAgents) {
+  core::InstanceList::Iterator cursor = m_broker.getInstances("Test_Fan");
+  static_cast<void>(test::walk(cursor));
+  for (int i = 0; i < 3; ++i) {
+    static_cast<void>(cursor.next());
+  }
+
+  EXPECT_EQ(cursor.first(), m_a1);
+  EXPECT_EQ(cursor.next(), m_a2);
+  EXPECT_EQ(cursor.next(), m_b1);
+}
+
+TEST_F(CimBrokerCursor, CountsAndCopiesWithoutMoving) {
+  core::InstanceList::Iterator cursor = m_broker.getInstances("Test_Fan");
+  ASSERT_EQ(cursor.first(), m_a1);
+
+  EXPECT_EQ(cursor.count(), 3U);
+  EXPECT_THAT(test::walk(cursor), ElementsAre(m_a1, m_a2, m_b1));
+  EXPECT_EQ(cursor.next(), m_a2);
+}
+
+TEST_F(CimBrokerCursor, ReadsTheMarksOfDeletedInstancesAfresh) {
+  core::InstanceList::Iterator cursor = m_broker.getInstances("Test_Fan");
+  m_a1->setDeleted(true);
+  ASSERT_EQ(cursor.first(), m_a2);
+  m_b1->setDeleted(true);
+
+  EXPECT_EQ(cursor.next(), nullptr);
+  EXPECT_EQ(cursor.count(), 1U);
+}
+
+TEST_F(CimBrokerCursor, ShowsAWalkWhatAnAgentAddsBeforeItsEnd) {
+  core::InstanceList::Iterator disks = m_broker.getInstances("Test_Disk");
+  core::InstanceList::Iterator fans = m_broker.getInstances("Test_Fan");
+  Instance* const disk = m_disks->serve("e");
+  Instance* const fan = m_firstFans->serve("a3");
+
+  EXPECT_THAT(test::walk(std::move(disks)), ElementsAre(m_disk, disk));
+  EXPECT_THAT(test::walk(std::move(fans)), ElementsAre(m_a1, m_a2, fan, m_b1));
+}
+
+TEST_F(CimBroker, AsksForInstancesWhileARequestIsHeldElsewhere) {
+  Agent agent;
+  Instance* const fan = agent.serve("Test_Fan")->serve("1");
+  m_broker.addAgent(&agent);
+  std::future<std::vector<core::CimInstance*>> fans;
+  {
+    const core::CimBroker::Request request(m_broker);
+    fans = std::async(std::launch::async, [this] { return walk("Test_Fan"); });
+    EXPECT_EQ(fans.wait_for(test::kDeadline), std::future_status::ready);
+  }
+  EXPECT_THAT(fans.get(), ElementsAre(fan));
 }
 
 TEST_F(CimBroker, PassesOverDeletedInstances) {
@@ -144,7 +237,7 @@ TEST_F(CimBroker, PassesOverDeletedInstances) {
   Instance* second = fans->serve("2");
   m_broker.addAgent(&agent);
 
-  EXPECT_THAT(m_broker.getInstances("Test_Fan"), ElementsAre(second));
+  EXPECT_THAT(walk("Test_Fan"), ElementsAre(second));
   EXPECT_EQ(find("Test_Fan.Name=\"1\""), nullptr);
 }
 
@@ -153,14 +246,14 @@ TEST_F(CimBroker, GivesNothingForAClassThatNobodyServes) {
   agent.serve("Test_Fan")->serve("1");
   m_broker.addAgent(&agent);
 
-  EXPECT_THAT(m_broker.getInstances("Test_Disk"), IsEmpty());
-  EXPECT_THAT(m_broker.getInstances("test_fan"), IsEmpty());
-  EXPECT_THAT(m_broker.getInstances(""), IsEmpty());
+  EXPECT_THAT(walk("Test_Disk"), IsEmpty());
+  EXPECT_THAT(walk("test_fan"), IsEmpty());
+  EXPECT_THAT(walk(""), IsEmpty());
   EXPECT_EQ(find("Test_Disk.Name=1"), nullptr);
 }
 
 TEST_F(CimBroker, GivesNothingWithoutAgents) {
-  EXPECT_THAT(m_broker.getInstances("Test_Fan"), IsEmpty());
+  EXPECT_THAT(walk("Test_Fan"), IsEmpty());
 }
 
 TEST_F(CimBroker, PassesOnWhatAProviderThrows) {
@@ -247,7 +340,7 @@ TEST_F(CimBroker, HoldsARequestAgainOnTheSameThread) {
 
   const core::CimBroker::Request outer(m_broker);
   const core::CimBroker::Request inner(m_broker);
-  EXPECT_THAT(m_broker.getInstances("Test_Port"), ElementsAre(port));
+  EXPECT_THAT(walk("Test_Port"), ElementsAre(port));
 }
 
 TEST_F(CimBroker, AdmitsOneThreadsRequestAtATime) {
@@ -266,7 +359,7 @@ TEST_F(CimBroker, AdmitsOneThreadsRequestAtATime) {
         const core::CimBroker::Request request(m_broker);
         overlaps += inside.fetch_add(1) != 0 ? 1 : 0;
         { const core::CimBroker::Request again(m_broker); }
-        unguarded += static_cast<int>(m_broker.getInstances("Test_Fan").size());
+        unguarded += static_cast<int>(m_broker.getInstances("Test_Fan").count());
         inside.fetch_sub(1);
       }
     });

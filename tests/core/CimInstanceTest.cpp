@@ -5,6 +5,7 @@
 #include "tests/core/TestInstance.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Throws.h"
+#include "tests/support/VirtualSlots.h"
 
 namespace {
 
@@ -255,6 +256,47 @@ TEST_F(CimInstanceModify, FromAnotherTypeIsRefused) {
                   "Quorvel: EForbidden:Property type 4 doesn't support assigning value from "
                   "property type 16"));
   EXPECT_EQ(m_machine.Speed.getValue(), 10);
+}
+
+// Takes a property of the machine away when another one is changed.
+class Thief : public core::CimProperty::Listener {
+ public:
+  explicit Thief(Machine& machine) : m_machine(machine) {}
+
+  void onModify(core::CimProperty* /*property*/, core::CimProperty* /*newValue*/) override {
+    m_machine.getProperties().remove(&m_machine.Speed);
+  }
+
+ private:
+  Machine& m_machine;
+};
+
+TEST_F(CimInstanceModify, AssertsAgainThatItHasThePropertyBeforeItIsChanged) {
+  Thief thief(m_machine);
+  m_machine.Caption.attachListener(&thief);
+  send("new");
+  send(20);
+  const LogCapture log;
+  const auto asserts =
+      ThrowsExactly<utils::Exception>(test::IsAssertion("CimInstance", "property != NULL"));
+  EXPECT_THAT([&] { m_machine.modify(m_values); }, asserts);
+  EXPECT_EQ(m_machine.Caption.getValue(), "new");
+  EXPECT_EQ(m_machine.Speed.getValue(), 10);
+
+  // The property is missed from the start now, which is another line.
+  EXPECT_THAT([&] { m_machine.modify(m_values); }, asserts);
+  const std::vector<std::string> texts = log.messages("utils::Exception::Exception");
+  ASSERT_EQ(texts.size(), 2U);
+  EXPECT_NE(texts[0], texts[1]);
+}
+
+TEST(CimInstance, KeepsTheOrderOfItsVirtualOperations) {
+  EXPECT_EQ(test::slotOf(&CimInstance::InstallFromSoftwareIdentity), 0U);
+  EXPECT_EQ(test::slotOf(&CimInstance::InstallFromURI), 1U);
+  EXPECT_EQ(test::slotOf(&CimInstance::CheckSoftwareIdentity), 2U);
+  EXPECT_EQ(test::slotOf(&CimInstance::getClassName), 3U);
+  EXPECT_EQ(test::slotOf(&CimInstance::modify), 4U);
+  EXPECT_EQ(test::slotOf(&CimInstance::invokeMethod), 5U);
 }
 
 // An instance with a key of each kind that a path prints.

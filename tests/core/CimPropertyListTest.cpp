@@ -1,9 +1,13 @@
+#include <chrono>
+#include <future>
 #include <gmock/gmock.h>
+#include <vector>
 
 #include "core/CimPropertyList.h"
 #include "core/CimPropertyTypes.h"
 #include "tests/core/TestInstance.h"
 #include "tests/support/Throws.h"
+#include "tests/support/VirtualSlots.h"
 
 namespace {
 
@@ -12,9 +16,22 @@ using core::CimPropertyUint16;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+// A list whose index the test may write to.
+class OpenList : public core::CimPropertyList {
+ public:
+  using core::CimPropertyList::index;
+};
+
 class CimPropertyList : public testing::Test {
  protected:
-  core::CimPropertyList m_list;
+  std::vector<core::CimProperty*> copy() {
+    std::vector<core::CimProperty*> properties{nullptr};
+    m_list.copyTo(properties);
+    return properties;
+  }
+
+  OpenList m_list;
+  utils::SafeList<core::CimProperty*>& m_base = m_list;
   CimPropertyString m_name{"Name", nullptr};
   CimPropertyUint16 m_size{"Size", nullptr};
 };
@@ -102,13 +119,63 @@ TEST_F(CimPropertyList, FindsNothingMoreWhenItIsCleared) {
 TEST_F(CimPropertyList, FindsNothingThatIsTakenOut) {
   m_list.add(&m_name);
   m_list.add(&m_size);
-  utils::SafeList<core::CimProperty*>& base = m_list;
-  EXPECT_TRUE(base.remove(&m_name));
+  EXPECT_TRUE(m_list.remove(&m_name));
+  EXPECT_FALSE(m_list.remove(&m_name));
 
   EXPECT_EQ(m_list.get("Name"), nullptr);
-  std::vector<core::CimProperty*> properties;
-  m_list.copyTo(properties);
-  EXPECT_THAT(properties, ElementsAre(&m_size));
+  EXPECT_THAT(test::walk(m_list.iterator()), ElementsAre(&m_size));
+  EXPECT_THAT(copy(), ElementsAre(&m_size));
+}
+
+TEST_F(CimPropertyList, CopiesWhatAWalkGivesWhenItIsChangedThroughItsBase) {
+  m_list.add(&m_name);
+  m_base.add(&m_size);
+  EXPECT_THAT(test::walk(m_list.iterator()), ElementsAre(&m_name, &m_size));
+  EXPECT_THAT(copy(), ElementsAre(&m_name, &m_size));
+
+  m_base.remove(&m_name);
+  EXPECT_THAT(copy(), ElementsAre(&m_size));
+  CimPropertyString later("Later", nullptr);
+  m_base.add(&later);
+  EXPECT_THAT(copy(), ElementsAre(&m_size, &later));
+  m_base.clear();
+  EXPECT_THAT(copy(), IsEmpty());
+}
+
+TEST_F(CimPropertyList, DoesNotNameWhatIsAddedThroughItsBase) {
+  CimPropertyString later("Name", nullptr);
+  m_list.add(&m_name);
+  m_base.add(&later);
+
+  EXPECT_EQ(m_list.get("Name"), &m_name);
+  EXPECT_FALSE(m_name.isOverridden());
+  EXPECT_THAT(copy(), ElementsAre(&m_name, &later));
+}
+
+TEST_F(CimPropertyList, FindsByNameWhileTheListItselfIsLocked) {
+  m_list.add(&m_name);
+  std::future<core::CimProperty*> found;
+  m_base.add(&m_size, [&] {
+    found = std::async(std::launch::async, [this] { return m_list.get("Name"); });
+    EXPECT_EQ(found.wait_for(std::chrono::seconds(30)), std::future_status::ready);
+  });
+  EXPECT_EQ(found.get(), &m_name);
+}
+
+TEST_F(CimPropertyList, RefusesANameUnderWhichThereIsNull) {
+  m_list.add(&m_size);
+  m_list.index().set(m_name, nullptr);
+  CimPropertyString later("Name", nullptr);
+
+  EXPECT_THAT([&] { m_list.add(&later); }, test::ThrowsExactly<utils::Exception>(test::IsAssertion(
+                                               "CimPropertyList", "overridenProperty != NULL")));
+  EXPECT_EQ(m_list.get("Name"), nullptr);
+  EXPECT_THAT(copy(), ElementsAre(&m_size));
+  EXPECT_EQ(m_list.size(), 1U);
+}
+
+TEST_F(CimPropertyList, KeepsTheOrderOfItsVirtualOperations) {
+  EXPECT_EQ(test::slotOf(&core::CimPropertyList::iterator), 2U);
 }
 
 TEST_F(CimPropertyList, CopiesNoPropertyThatSomebodyMarkedOverridden) {
@@ -143,9 +210,8 @@ TEST_F(CimPropertyList, SkipsThroughTheBaseListToo) {
   CimPropertyString later("Name", nullptr);
   m_list.add(&m_name);
   m_list.add(&later);
-  utils::SafeList<core::CimProperty*>& base = m_list;
 
-  EXPECT_THAT(test::walk(base.iterator()), ElementsAre(&later));
+  EXPECT_THAT(test::walk(m_base.iterator()), ElementsAre(&later));
 }
 
 TEST_F(CimPropertyList, DeletesNoneOfItsProperties) {

@@ -4,6 +4,7 @@
 #include "tests/core/TestInstance.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Throws.h"
+#include "tests/support/VirtualSlots.h"
 
 namespace {
 
@@ -94,6 +95,14 @@ class Fan : public test::Instance {
 TEST(CimPropertyRefT, KnowsTheClassOfItsTarget) {
   const core::CimPropertyRefT<Fan> reference("Dependent", nullptr);
   EXPECT_EQ(reference.getReferenceClass(), "Test_Fan");
+}
+
+TEST(CimPropertyRefT, OverridesNoOperation) {
+  using Reference = core::CimPropertyRefT<Fan>;
+  const auto slotOfText =
+      test::slotOf(static_cast<std::string (CimPropertyRef::*)() const>(&Reference::toString));
+  EXPECT_EQ(slotOfText, 2U);
+  EXPECT_EQ(test::slotOf(&CimPropertyRef::getType), 3U);
 }
 
 TEST(CimPropertyRefT, FixesNoClassWhereItHasNoName) {

@@ -7,6 +7,7 @@
 #include "tests/core/TestInstance.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Throws.h"
+#include "tests/support/VirtualSlots.h"
 
 namespace {
 
@@ -55,6 +56,17 @@ TEST(CimProperty, LosesItsValueWhenSetToNull) {
 
   property.setNull();
   EXPECT_TRUE(property.isNull());
+}
+
+TEST(CimProperty, KeepsTheOrderOfItsVirtualOperations) {
+  EXPECT_EQ(test::slotOf(&CimProperty::toString), 2U);
+  EXPECT_EQ(test::slotOf(&CimProperty::getType), 3U);
+  EXPECT_EQ(test::slotOf(&CimProperty::modify), 4U);
+  EXPECT_EQ(test::slotOf(&CimProperty::verify), 5U);
+  EXPECT_EQ(test::slotOf(&core::CimPropertyUint16_arr::clear), 6U);
+  EXPECT_EQ(test::slotOf(&core::CimPropertyString_arr::clear), 6U);
+  EXPECT_EQ(test::slotOf(&CimProperty::Listener::onModify), 0U);
+  EXPECT_EQ(test::slotOf(&CimProperty::Listener::onVerify), 1U);
 }
 
 // A listener that writes down what it is told.

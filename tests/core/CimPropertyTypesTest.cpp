@@ -213,13 +213,40 @@ TYPED_TEST(Scalar, IsNotModifiedByNull) {
   EXPECT_EQ(this->m_property.getValue(), typename TestFixture::Value{});
 }
 
-TEST(CimPropertyScalar, IsNotModifiedByAnotherType) {
+template <class Property, class Source, class Value>
+auto valueFrom(Value value) {
+  Property property("Some", nullptr);
+  Source source("Some", nullptr);
+  source.setValue(value);
+  property.modify(&source);
+  EXPECT_FALSE(property.isNull());
+  return property.getValue();
+}
+
+TEST(CimPropertyScalar, TakesWhatItHasRoomForOfANumberOfAnotherType) {
+  EXPECT_EQ((valueFrom<core::CimPropertyUint8, core::CimPropertyBoolean>(std::uint8_t{1})), 1U);
+  EXPECT_EQ((valueFrom<core::CimPropertyBoolean, core::CimPropertyUint8>(std::uint8_t{2})), 2U);
+  EXPECT_EQ((valueFrom<core::CimPropertySint8, core::CimPropertyUint8>(std::uint8_t{255})), -1);
+  EXPECT_EQ((valueFrom<core::CimPropertyUint16, core::CimPropertyUint64>(0x123456789AULL)),
+            0x789AU);
+  EXPECT_EQ((valueFrom<core::CimPropertyUint32, core::CimPropertyUint16>(std::uint16_t{7})), 7U);
+  EXPECT_EQ((valueFrom<core::CimPropertyUint64, core::CimPropertyUint32>(3000000000U)),
+            3000000000U);
+}
+
+TEST(CimPropertyScalar, KeepsItsValueWhereTheNewOneHasNoNumberButIsNullLikeIt) {
   core::CimPropertyUint8 number("Some", nullptr);
   number.setValue(3);
-  core::CimPropertyBoolean truth("Some", nullptr);
-  truth.setValue(1);
-
-  EXPECT_THROW(number.modify(&truth), utils::Exception);
+  core::CimPropertyString text("Some", nullptr);
+  core::CimPropertyUint16_arr array("Some", nullptr);
+  for (CimProperty* source : std::initializer_list<CimProperty*>{&text, &array}) {
+    EXPECT_NO_THROW(number.modify(source));
+    EXPECT_TRUE(number.isNull());
+    EXPECT_EQ(number.getValue(), 3);
+  }
+  text.setValue("7");
+  EXPECT_NO_THROW(number.modify(&text));
+  EXPECT_FALSE(number.isNull());
   EXPECT_EQ(number.getValue(), 3);
 }
 
@@ -325,6 +352,15 @@ TYPED_TEST(LengthListener, NeedsBothProperties) {
   expectFailedAssertion([&] { listener.onVerify(nullptr, &text); }, "property != NULL");
   expectFailedAssertion([&] { listener.onVerify(&text, nullptr); }, "newValue != NULL");
   EXPECT_NO_THROW(listener.onVerify(&text, &text));
+}
+
+TYPED_TEST(LengthListener, TakesTheLengthOfTheNewTextWhateverTheLimit) {
+  TypeParam listener;
+  core::CimPropertyString text("Caption", nullptr);
+  core::CimPropertyUint16_arr without("Caption", nullptr);
+  ASSERT_EQ(text.getMinLength() + text.getMaxLength(), 0U);
+
+  expectNotSupported([&] { listener.onVerify(&text, &without); });
 }
 
 TEST(CimPropertyArray, GrowsElementByElement) {

@@ -1,9 +1,12 @@
 #include <atomic>
+#include <chrono>
+#include <future>
 #include <gmock/gmock.h>
 #include <thread>
 
 #include "core/InstanceList.h"
 #include "tests/core/TestInstance.h"
+#include "tests/support/VirtualSlots.h"
 
 namespace {
 
@@ -89,6 +92,34 @@ TEST_F(InstanceList, DeletesItsInstancesOnceWhenCleared) {
 
   m_list.clear();
   EXPECT_EQ(m_deaths, 2);
+}
+
+TEST_F(InstanceList, IsLockedForACursorOverAllAlone) {
+  Instance* const deleted = add("1");
+  deleted->setDeleted(true);
+  Instance added("2");
+  std::future<core::InstanceList::Iterator> all;
+  std::future<core::InstanceList::Iterator> visible;
+  m_list.add(&added, [&] {
+    all = std::async(std::launch::async, [this] { return m_list.iterator(true); });
+    visible = std::async(std::launch::async, [this] { return m_list.iterator(false); });
+    EXPECT_EQ(visible.wait_for(std::chrono::seconds(30)), std::future_status::ready);
+    EXPECT_EQ(all.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+  });
+
+  EXPECT_EQ(all.get().next(), deleted);
+  EXPECT_EQ(visible.get().next(), &added);
+  m_list.remove(&added);
+}
+
+TEST_F(InstanceList, KeepsTheOrderOfItsVirtualOperations) {
+  using Iterator = core::InstanceList::Iterator;
+  EXPECT_EQ(
+      test::slotOf(static_cast<Iterator (core::InstanceList::*)()>(&core::InstanceList::iterator)),
+      2U);
+  EXPECT_EQ(test::slotOf(
+                static_cast<Iterator (core::InstanceList::*)(bool)>(&core::InstanceList::iterator)),
+            3U);
 }
 
 TEST(InstanceListLife, EndsWithThatOfItsInstances) {

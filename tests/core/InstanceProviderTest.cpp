@@ -1,10 +1,17 @@
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <future>
 #include <gmock/gmock.h>
 #include <new>
+#include <thread>
+#include <utility>
 
 #include "Utils/Exception.h"
 #include "core/InstanceProvider.h"
 #include "tests/core/TestInstance.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/VirtualSlots.h"
 
 namespace {
 
@@ -41,10 +48,101 @@ class ThingProvider : public core::InstanceProvider {
   int m_count;
 };
 
+// Where two threads meet that come to the same place. One that comes alone goes on after a moment.
+class Meeting {
+ public:
+  void attend() {
+    if (m_arrivals.fetch_add(1) == 1) {
+      m_both.set_value();
+    }
+    const std::shared_future<void> both = m_future;
+    both.wait_for(std::chrono::milliseconds(100));
+  }
+
+ private:
+  std::atomic<int> m_arrivals{0};
+  std::promise<void> m_both;
+  const std::shared_future<void> m_future{m_both.get_future().share()};
+};
+
+void enumerateOnTwoThreads(core::CimClass& provider) {
+  std::thread other([&] { static_cast<void>(provider.getInstances()); });
+  static_cast<void>(provider.getInstances());
+  other.join();
+}
+
+// A provider of one instance, in whose enumerations threads may meet.
+class MeetingProvider : public core::InstanceProvider {
+ public:
+  MeetingProvider() : InstanceProvider("Test_Thing", {kSource, kFunction}) {}
+
+ protected:
+  void refresh() override {
+    instances().clear();
+    m_meeting.attend();
+    instances().add(new Instance("only"));
+  }
+
+ private:
+  Meeting m_meeting;
+};
+
+TEST(InstanceProvider, IsEnumeratedByOneThreadAtATime) {
+  const LogCapture log;
+  MeetingProvider provider;
+  enumerateOnTwoThreads(provider);
+
+  EXPECT_THAT(log.messages(kFunction), ElementsAre("return 1", "return 1"));
+}
+
 class OnlyThing : public Instance {
  public:
   void setPropertyValues() { Size.setValue(static_cast<std::uint16_t>(Size.getValue() + 1)); }
 };
+
+// A provider with an operation of its own.
+class ExtendedProvider : public core::InstanceProvider {
+ public:
+  virtual int extend() { return 1; }
+
+ protected:
+  void refresh() override {}
+};
+
+TEST(InstanceProvider, KeepsTheOrderOfTheVirtualOperationsOfItsInterface) {
+  EXPECT_EQ(test::slotOf(&core::CimClass::getName), 0U);
+  EXPECT_EQ(test::slotOf(&core::CimClass::getInstances), 1U);
+  EXPECT_EQ(test::slotOf(&ExtendedProvider::extend), 4U);
+}
+
+// A provider whose enumeration calls back.
+class CallingProvider : public core::InstanceProvider {
+ public:
+  explicit CallingProvider(std::function<void(CallingProvider&)> call)
+      : InstanceProvider("Test_Thing", {kSource, kFunction}), m_call(std::move(call)) {
+    instances().add(&m_thing);
+  }
+  void withdrawThing() { withdraw(&m_thing); }
+
+ protected:
+  void refresh() override { m_call(*this); }
+
+ private:
+  Instance m_thing;
+  const std::function<void(CallingProvider&)> m_call;
+};
+
+TEST(InstanceProvider, WithdrawsNoInstanceWhileItIsEnumerated) {
+  std::future<void> withdrawn;
+  CallingProvider provider([&withdrawn](CallingProvider& self) {
+    withdrawn = std::async(std::launch::async, [&self] { self.withdrawThing(); });
+    EXPECT_EQ(withdrawn.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+  });
+  core::InstanceList::Iterator cursor = provider.getInstances();
+  withdrawn.get();
+
+  EXPECT_EQ(cursor.count(), 0U);
+}
 
 TEST(InstanceProvider, ServesItsClassName) {
   EXPECT_EQ(ThingProvider({kSource, kFunction}, 0).getName(), "Test_Thing");
@@ -127,6 +225,23 @@ TEST(SingleInstanceProvider, MakesItsInstanceOnceAndKeepsIt) {
   EXPECT_EQ(first, second);
   EXPECT_EQ(static_cast<OnlyThing*>(first)->Size.getValue(), 1);
   EXPECT_THAT(log.messages(kFunction), ElementsAre("create new instance", "return 1", "return 1"));
+}
+
+class MeetingThing : public Instance {
+ public:
+  MeetingThing() { ++s_made; }
+  void setPropertyValues() { s_meeting.attend(); }
+
+  static inline Meeting s_meeting;
+  static inline std::atomic<int> s_made{0};
+};
+
+TEST(SingleInstanceProvider, MakesItsInstanceOnceForTwoThreadsAtOnce) {
+  core::SingleInstanceProvider<MeetingThing> provider("Test_Thing", {kSource, kFunction});
+  enumerateOnTwoThreads(provider);
+
+  EXPECT_EQ(MeetingThing::s_made, 1);
+  EXPECT_EQ(provider.getInstances().count(), 1U);
 }
 
 // Cannot be built, or filled, before a number of attempts.

@@ -1,8 +1,11 @@
+#include <algorithm>
 #include <atomic>
 #include <gmock/gmock.h>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "Utils/Ascii.h"
 #include "daemon/AuditQueue.h"
 #include "platform/Mutex.h"
 #include "tests/support/WaitUntil.h"
@@ -51,13 +54,22 @@ class FakeSink final : public quorveld::AuditSink {
 
  private:
   static std::string textOf(const wbem::AuditRecord& record) {
-    return record.action + " of " + record.caller.user + ": " + record.result;
+    std::string text = record.action + " of " + record.caller.user + ": " + record.result;
+    for (const auto& [name, value] : record.details) {
+      text += ", " + name + " " + value;
+    }
+    return text;
   }
 
   mutable platform::Mutex m_mutex;
   std::vector<std::string> m_written ORVEX_GUARDED_BY(m_mutex);
   std::vector<std::string> m_elsewhere ORVEX_GUARDED_BY(m_mutex);
 };
+
+// Knows one method, under its name in any case.
+std::string findAction(const std::string& action) {
+  return utils::isSameIgnoringCase(action, "Try") ? "Try" : "";
+}
 
 wbem::AuditRecord recordOf(const std::string& action, const std::string& result,
                            const std::string& user = "anna",
@@ -74,13 +86,45 @@ class AuditQueueTest : public testing::Test {
   // A queue that ends hands over all that it has.
   void end() { m_queue.reset(); }
 
+  // Fails as one user after the other, so that each failure has a record.
+  void failAsUsers(int count) {
+    for (int i = 0; i < count; ++i) {
+      m_queue->write(recordOf("Try", "5", "user" + std::to_string(i)));
+    }
+  }
+  // Waits until the queue has looked at everything again.
+  void awaitTries() const {
+    const unsigned tries = m_sink.tries;
+    EXPECT_TRUE(test::waitUntil([&] { return m_sink.tries > tries + 2; }));
+  }
+  void awaitRecord(const std::string& text) const {
+    EXPECT_TRUE(test::waitUntil([&] {
+      const std::vector<std::string> written = m_sink.written();
+      return std::find(written.begin(), written.end(), text) != written.end();
+    })) << text
+        << testing::PrintToString(m_sink.written());
+  }
+
+  static constexpr int kMostWaiting = 20;
+  static constexpr int kMostOfAll = 60;
+
+  std::atomic<bool> m_isClockBroken{false};
+  std::atomic<unsigned> m_faults{0};
   std::atomic<std::int64_t> m_seconds{3600};
   FakeSink m_sink;
   AuditQueue::Limits m_limits{
-      .mostWaiting = 20, .patience = milliseconds(1), .farewell = milliseconds(50), .now = [this] {
+      .mostWaiting = kMostWaiting,
+      .mostOfAll = kMostOfAll,
+      .patience = milliseconds(1),
+      .farewell = milliseconds(50),
+      .now = [this] {
+        if (m_isClockBroken) {
+          ++m_faults;
+          throw 7;  // NOLINT(hicpp-exception-baseclass): whatever it is
+        }
         return std::chrono::steady_clock::time_point(std::chrono::seconds(m_seconds));
       }};
-  std::unique_ptr<AuditQueue> m_queue = std::make_unique<AuditQueue>(m_sink, m_limits);
+  std::unique_ptr<AuditQueue> m_queue = std::make_unique<AuditQueue>(m_sink, findAction, m_limits);
 };
 
 TEST_F(AuditQueueTest, HandsRecordsOverInTheirOrder) {
@@ -105,9 +149,7 @@ TEST_F(AuditQueueTest, HoldsNobodyUpWhileTheSinkIsStuck) {
 
 TEST_F(AuditQueueTest, TellsOfRecordsThatItHadNoRoomFor) {
   m_sink.isStuck = true;
-  for (int i = 0; i < 27; ++i) {
-    m_queue->write(recordOf("Try", "0"));
-  }
+  failAsUsers(kMostWaiting + 7);
   EXPECT_TRUE(test::waitUntil([this] { return !m_sink.elsewhere().empty(); }));
   EXPECT_THAT(m_sink.elsewhere(),
               ElementsAre("Audit of : records are being lost: the system log does not take them "
@@ -115,6 +157,77 @@ TEST_F(AuditQueueTest, TellsOfRecordsThatItHadNoRoomFor) {
   m_sink.isStuck = false;
   awaitRecords(21);
   EXPECT_THAT(m_sink.written(), Contains(HasSubstr("Audit of : 7 records lost")));
+}
+
+// A flood that goes on while the log takes one record after the other.
+TEST_F(AuditQueueTest, TellsOfLossesOnceInAWhile) {
+  m_sink.isStuck = true;
+  failAsUsers(kMostWaiting + 7);
+  m_sink.isStuck = false;
+  awaitRecords(kMostWaiting + 1);
+  for (int i = 0; i < 2; ++i) {
+    m_sink.isStuck = true;
+    failAsUsers(kMostWaiting + 3);
+    m_sink.isStuck = false;
+    awaitRecords(static_cast<std::size_t>(kMostWaiting) * (static_cast<std::size_t>(i) + 2) + 1);
+  }
+  EXPECT_THAT(m_sink.written(), SizeIs(3 * kMostWaiting + 1));
+  m_seconds += 5;
+  awaitRecord("Audit of : 6 records lost: the system log does not take them in time");
+  EXPECT_THAT(m_sink.written(), SizeIs(3 * kMostWaiting + 2));
+}
+
+TEST_F(AuditQueueTest, DropsNothingThatHasChangedSomething) {
+  m_sink.isStuck = true;
+  failAsUsers(kMostWaiting);
+  for (int i = 0; i < kMostOfAll - kMostWaiting; ++i) {
+    m_queue->write(recordOf("Try", i % 2 == 0 ? "0" : "4096"));
+  }
+  m_sink.isStuck = false;
+  awaitRecords(kMostOfAll);
+  EXPECT_THAT(m_sink.elsewhere(), IsEmpty());
+}
+
+TEST_F(AuditQueueTest, WritesElsewhereAtOnceWhatHasChangedSomethingBeyondAllRoom) {
+  m_sink.isStuck = true;
+  for (int i = 0; i < kMostOfAll; ++i) {
+    m_queue->write(recordOf("Try", "0"));
+  }
+  EXPECT_THAT(m_sink.elsewhere(), IsEmpty());
+  m_queue->write(recordOf("JobEnd", "Completed"));
+  EXPECT_THAT(m_sink.elsewhere(), ElementsAre("JobEnd of anna: Completed"));
+}
+
+TEST_F(AuditQueueTest, KeepsCountsUntilThereIsRoomForThem) {
+  m_sink.isStuck = true;
+  for (unsigned i = 0; i <= AuditQueue::kMostOfAKind; ++i) {
+    m_queue->write(recordOf("Try", "5"));
+  }
+  failAsUsers(kMostWaiting - int{AuditQueue::kMostOfAKind});
+  m_seconds += 5;
+  awaitTries();
+  m_queue->write(recordOf("Try", "5"));
+  m_seconds += 5;
+  m_sink.isStuck = false;
+  awaitRecord("Try of anna: 5 ... and 2 more of these in 10 s");
+}
+
+TEST_F(AuditQueueTest, GoesOnWhenItsThreadMeetsAFault) {
+  m_isClockBroken = true;
+  m_queue->write(recordOf("Try", "0"));
+  EXPECT_TRUE(test::waitUntil([this] { return m_faults > 1; }));
+  m_isClockBroken = false;
+  awaitRecord("Try of anna: 0");
+}
+
+TEST_F(AuditQueueTest, DoesNotAskASinkAgainAndAgainThatRefusesAtOnce) {
+  m_limits.patience = std::chrono::hours(1);
+  m_queue = std::make_unique<AuditQueue>(m_sink, findAction, m_limits);
+  m_sink.isStuck = true;
+  m_queue->write(recordOf("Try", "0"));
+  EXPECT_TRUE(test::waitUntil([this] { return m_sink.tries > 0; }));
+  end();
+  EXPECT_EQ(m_sink.tries, 1U);
 }
 
 TEST_F(AuditQueueTest, EndsInTimeAndWritesElsewhereWhatTheSinkDoesNotTake) {
@@ -149,6 +262,73 @@ TEST_F(AuditQueueTest, CountsTheFailedLoginsOfAllNamesOfAClientAsOneKind) {
   EXPECT_EQ(m_sink.written().back(), "Login of : refused ... and 8 more of these in 5 s");
 }
 
+TEST_F(AuditQueueTest, CountsMethodsThatNoClassHasAsOneKind) {
+  for (int i = 0; i < 1000; ++i) {
+    m_queue->write(recordOf("Invented" + std::to_string(i), "CIM_ERR_ACCESS_DENIED: no", "bert"));
+  }
+  m_queue->write(recordOf("Try", "5"));
+  end();
+  EXPECT_THAT(m_sink.written(), SizeIs(AuditQueue::kMostOfAKind + 2));
+  EXPECT_THAT(m_sink.written(), Contains("Try of anna: 5"));
+  EXPECT_EQ(m_sink.written().back(),
+            "unknown method of bert: CIM_ERR_ACCESS_DENIED ... and 988 more of these in 5 s");
+}
+
+TEST_F(AuditQueueTest, CountsAMethodInAnyCaseAsOneKind) {
+  for (int i = 0; i < 10; ++i) {
+    for (const char* const name : {"Try", "try", "TRY", "tRy"}) {
+      m_queue->write(recordOf(name, "5"));
+    }
+    awaitRecords(std::min<std::size_t>(4 * (static_cast<std::size_t>(i) + 1), 12));
+  }
+  end();
+  EXPECT_EQ(m_sink.written().back(), "Try of anna: 5 ... and 28 more of these in 5 s");
+  EXPECT_THAT(m_sink.written(), SizeIs(AuditQueue::kMostOfAKind + 1));
+}
+
+// Nor do methods of the names that the host itself gives to what it records.
+TEST_F(AuditQueueTest, IsNotDeceivedByTheNameOfAMethod) {
+  for (const char* const name : {"JobEnd", "Login"}) {
+    for (int i = 0; i < 10; ++i) {
+      m_queue->write(recordOf(name, "CIM_ERR_ACCESS_DENIED: no", "bert"));
+    }
+  }
+  end();
+  EXPECT_THAT(m_sink.written(), SizeIs(AuditQueue::kMostOfAKind + 1));
+  EXPECT_EQ(m_sink.written().back(),
+            "unknown method of bert: CIM_ERR_ACCESS_DENIED ... and 8 more of these in 5 s");
+}
+
+TEST_F(AuditQueueTest, TellsFewKindsOfAUserApart) {
+  m_limits.mostWaiting = 1000;
+  m_queue = std::make_unique<AuditQueue>(m_sink, findAction, m_limits);
+  for (int i = 0; i < 100; ++i) {
+    m_queue->write(recordOf("Try", "error " + std::to_string(i)));
+  }
+  m_queue->write(recordOf("Try", "error", "bert"));
+  end();
+  constexpr std::size_t kPassed = AuditQueue::kMostKinds + AuditQueue::kMostOfAKind;
+  EXPECT_THAT(m_sink.written(), SizeIs(kPassed + 2));
+  EXPECT_THAT(m_sink.written(), Contains("Try of bert: error"));
+  EXPECT_EQ(m_sink.written().back(),
+            " of anna: ... and " + std::to_string(100 - kPassed) + " more of these in 5 s");
+}
+
+TEST_F(AuditQueueTest, KeepsTheFailedLoginsOfTheUsersOfThisMachineApart) {
+  for (int i = 0; i < 20; ++i) {
+    wbem::AuditRecord login = recordOf("Login", "refused", "name" + std::to_string(i), "unix");
+    login.details = {{"peer", "user 1000"}};
+    m_queue->write(login);
+  }
+  wbem::AuditRecord login = recordOf("Login", "refused", "bert", "unix");
+  login.details = {{"peer", "user 1001"}};
+  m_queue->write(login);
+  end();
+  EXPECT_THAT(m_sink.written(), Contains("Login of bert: refused, peer user 1001"));
+  EXPECT_EQ(m_sink.written().back(),
+            "Login of : refused ... and 8 more of these in 5 s, peer user 1000");
+}
+
 TEST_F(AuditQueueTest, KeepsClientsAndUsersApart) {
   for (int i = 0; i < 10; ++i) {
     const std::string number = std::to_string(i);
@@ -172,10 +352,9 @@ TEST_F(AuditQueueTest, WritesEachRecordOfWhatSucceededAndOfTheEndOfAJob) {
   EXPECT_THAT(m_sink.written(), SizeIs(30));
 }
 
-TEST_F(AuditQueueTest, GivesEvidenceOfFiles) {
-  const std::unique_ptr<wbem::FileEvidence> evidence = m_queue->watchFile("/dev/null");
-  ASSERT_TRUE(evidence);
-  EXPECT_THAT(evidence->digest(), HasSubstr("cannot be read"));
+TEST_F(AuditQueueTest, NamesContentsByTheirSha256) {
+  EXPECT_EQ(m_queue->digest({}),
+            "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855");
 }
 
 }  // namespace

@@ -7,7 +7,7 @@ namespace {
 TEST(NoAuthenticator, LetsEverybodyInAsAnOperator) {
   quorveld::NoAuthenticator authenticator;
   EXPECT_FALSE(authenticator.demandsLogin());
-  const auto guest = authenticator.admit(std::nullopt);
+  const auto guest = authenticator.admit(std::nullopt).guest;
   ASSERT_TRUE(guest.has_value());
   EXPECT_EQ(guest->user, "");
   EXPECT_EQ(guest->role, wbem::Role::Operator);

@@ -55,6 +55,20 @@ class HeldUp final : public quorveld::Authenticator {
   const std::shared_future<void> m_released{m_release.get_future()};
 };
 
+// Cannot tell for now who anybody is.
+class Unsure final : public quorveld::Authenticator {
+ public:
+  [[nodiscard]] bool demandsLogin() const override { return false; }
+  [[nodiscard]] Admission admit(std::optional<std::uint32_t> /*peer*/) override {
+    return {std::nullopt, true};
+  }
+  [[nodiscard]] std::optional<wbem::Role> check(const std::string& /*user*/,
+                                                const std::string& /*password*/,
+                                                const std::string& /*address*/) override {
+    return std::nullopt;
+  }
+};
+
 class NoAudit final : public wbem::Audit {
  public:
   void write(const wbem::AuditRecord& /*record*/) noexcept override {}
@@ -125,6 +139,67 @@ TEST_F(CimXmlHandlerTest, TellsMonitorsHowItDoesWithoutALogin) {
   EXPECT_EQ(response.contentType, "application/json");
   EXPECT_EQ(response.body, R"({"version": "1.2.3", "uptime": 0, "runningJobs": 3})"
                            "\n");
+}
+
+// Holds every message, and the count of jobs, until the test lets them go.
+class HeldService final : public quorveld::CimXmlHandler::Service {
+ public:
+  void answer(const cimxml::Request& /*request*/, const wbem::Caller& /*caller*/,
+              std::string& /*out*/) override {
+    ++answering;
+    m_released.wait();
+  }
+  [[nodiscard]] unsigned countRunningJobs() override {
+    m_released.wait();
+    return 3;
+  }
+  void release() { m_release.set_value(); }
+
+  std::atomic<unsigned> answering{0};
+
+ private:
+  std::promise<void> m_release;
+  const std::shared_future<void> m_released{m_release.get_future()};
+};
+
+TEST_F(CimXmlHandlerTest, AnswersMonitorsAndTurnsMessagesAwayWhereTooManyWaitForTheirTurn) {
+  HeldService service;
+  quorveld::LoginGate gate(m_nobody, m_audit);
+  quorveld::CimXmlHandler handler(service, gate, "1.2.3");
+  std::vector<std::thread> clients;
+  for (unsigned i = 0; i < quorveld::CimXmlHandler::kMostAnswering; ++i) {
+    clients.emplace_back([&] {
+      test::FakeHttpRequest request;
+      http::Response response;
+      handle(handler, request, response);
+      EXPECT_EQ(response.status, 200u);
+    });
+  }
+  EXPECT_TRUE(test::waitUntil(
+      [&] { return service.answering == quorveld::CimXmlHandler::kMostAnswering; }));
+
+  http::Response refused;
+  handle(handler, m_request, refused);
+  EXPECT_EQ(refused.status, 503u);
+  EXPECT_EQ(refused.fields, "Retry-After: 1\r\n");
+  EXPECT_THAT(refused.body, HasSubstr("Too many requests wait"));
+
+  test::FakeHttpRequest health;
+  health.httpMethod = "GET";
+  health.httpTarget = "/health";
+  http::Response response;
+  handle(handler, health, response);
+  EXPECT_EQ(response.status, 200u);
+  EXPECT_THAT(response.body, HasSubstr("\"runningJobs\": null}"));
+
+  service.release();
+  for (std::thread& client : clients) {
+    client.join();
+  }
+  m_request.content = test::FakeHttpRequest().content;
+  http::Response answered;
+  handle(handler, m_request, answered);
+  EXPECT_EQ(answered.status, 200u);
 }
 
 TEST_F(CimXmlHandlerTest, OffersWhatItsTableSays) {
@@ -262,6 +337,27 @@ TEST_F(CimXmlHandlerTest, AnswersByALoopbackNameAloneWhereNobodyLogsIn) {
   EXPECT_EQ(ask(m_anna).status, 200u);
 }
 
+TEST_F(CimXmlHandlerTest, TakesNoEmptyHostAndMayDoWithoutAny) {
+  for (const char* const host : {"", ":5988"}) {
+    m_request.fields["Host"] = host;
+    EXPECT_EQ(ask().status, 403u) << host;
+  }
+  m_request.fields.erase("Host");
+  EXPECT_EQ(ask().status, 200u);
+}
+
+TEST_F(CimXmlHandlerTest, LooksAtTheServerOfTheTargetToo) {
+  for (const char* const server : {"evil.example", "evil.example:5988", "localhost@evil", ""}) {
+    m_request.server = server;
+    EXPECT_EQ(ask().status, 403u) << server;
+  }
+  m_request.fields["Authorization"] = kAnna;
+  EXPECT_EQ(ask(m_anna).status, 200u);
+  m_request.content = test::FakeHttpRequest().content;
+  m_request.server = "localhost:5988";
+  EXPECT_EQ(ask().status, 200u);
+}
+
 TEST_F(CimXmlHandlerTest, TellsMonitorsByALoopbackNameAloneWhereNobodyLogsIn) {
   m_request.httpTarget = "/health";
   m_request.fields["Host"] = "evil.example:5988";
@@ -272,6 +368,34 @@ TEST_F(CimXmlHandlerTest, TellsMonitorsByALoopbackNameAloneWhereNobodyLogsIn) {
   }
   m_request.fields["Host"] = "localhost:5988";
   EXPECT_EQ(ask().status, 200u);
+}
+
+TEST_F(CimXmlHandlerTest, TellsWhoCannotBeToldForNowToComeAgain) {
+  Unsure unsure;
+  const http::Response response = ask(unsure);
+  EXPECT_EQ(response.status, 503u);
+  EXPECT_EQ(response.fields, "Retry-After: 1\r\n");
+  EXPECT_THAT(response.body, HasSubstr("directory of users"));
+  EXPECT_EQ(m_service.answers, 0u);
+}
+
+// Users of this machine who come by the local socket have one address.
+TEST_F(CimXmlHandlerTest, CountsFailedLoginsForTheGroupOfThePeer) {
+  quorveld::LoginGate gate(m_anna, m_audit);
+  quorveld::CimXmlHandler handler(m_service, gate, "1.2.3");
+  m_request.peer = "unix";
+  m_request.isLocal = true;
+  const auto statusOf = [&](const std::string& group, const std::string& login) {
+    m_request.group = group;
+    m_request.fields["Authorization"] = login;
+    m_request.content = test::FakeHttpRequest().content;
+    http::Response response;
+    handle(handler, m_request, response);
+    return response.status;
+  };
+  EXPECT_EQ(statusOf("user 1000", "Basic !"), 401u);
+  EXPECT_EQ(statusOf("user 1000", kAnna), 401u);
+  EXPECT_EQ(statusOf("user 1001", kAnna), 200u);
 }
 
 TEST_F(CimXmlHandlerTest, RefusesFieldsThatComeTwice) {

@@ -1,11 +1,15 @@
+#include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <future>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <vector>
 
 #include "daemon/Daemon.h"
+#include "tests/Os/Posix/HungMount.h"
 #include "tests/daemon/Posix/QuorveldFixture.h"
 #include "tests/support/Posix/DatagramSocket.h"
 #include "tests/support/Regex.h"
@@ -117,6 +121,64 @@ TEST_F(DaemonTest, LetsARunningUpdateEndWhenAsked) {
   daemon().signal(SIGTERM);
   EXPECT_EQ(daemon().wait(), 0);
   EXPECT_EQ(flash(), test::readBytes(rom));
+}
+
+TEST_F(DaemonTest, AnswersOthersWhileTheFileOfAnUpdateHangs) {
+  const std::string directory = (m_own.path() / "hung").string();
+  std::filesystem::create_directory(directory);
+  const test::HungMount mount(directory);
+  if (!mount.isMounted()) {
+    GTEST_SKIP() << "this user may mount no file system of a program";
+  }
+  const std::string rom = addSlowAdapter("0000:03:00");
+  start();
+  const auto install = [this](const std::string& file) {
+    return ask({"cm"}, service(),
+               {"InstallFromURI.URI=\"" + uriOf(file) + "\",Target=" + port() +
+                R"(,InstallOptions=5,InstallOptionsValues="")"});
+  };
+  std::future<std::string> hung =
+      std::async(std::launch::async, [&] { return install(directory + "/image.rom"); });
+  unsigned answers = 0;
+  std::chrono::steady_clock::duration longest{};
+  while (hung.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_THAT(ask({"ein"}, "Orvex_EthernetPort"), HasSubstr("0000:03:00.0"));
+    EXPECT_THAT(health(), StartsWith("HTTP/1.1 200 OK\r\n"));
+    longest = std::max(longest, std::chrono::steady_clock::now() - begin);
+    ++answers;
+  }
+  // It waits five seconds for the file system, the others for nobody.
+  EXPECT_GE(answers, 2u);
+  EXPECT_LT(longest, std::chrono::seconds(4));
+  EXPECT_THAT(hung.get(), HasSubstr("InstallFromURI: 5"));
+  EXPECT_THAT(install(rom), HasSubstr("InstallFromURI: 4096"));
+}
+
+TEST_F(DaemonTest, AnswersMonitorsWhileAllClientsWait) {
+  const std::string directory = (m_own.path() / "hung").string();
+  std::filesystem::create_directory(directory);
+  start("config = " + write("agent.conf", "FWFilePath = " + directory + "\n") + "\n");
+  const test::HungMount mount(directory);
+  if (!mount.isMounted()) {
+    GTEST_SKIP() << "this user may mount no file system of a program";
+  }
+  // The first of them waits for the directory, and the others for the first.
+  constexpr unsigned kClients = 12;
+  std::vector<std::future<std::string>> clients;
+  while (clients.size() < kClients) {
+    clients.push_back(
+        std::async(std::launch::async, [this] { return ask({"ein"}, "Orvex_SoftwareIdentity"); }));
+  }
+  const auto begin = std::chrono::steady_clock::now();
+  std::chrono::steady_clock::duration longest{};
+  while (clients.front().wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
+    const auto asked = std::chrono::steady_clock::now();
+    EXPECT_THAT(health(), StartsWith("HTTP/1.1 200 OK\r\n"));
+    longest = std::max(longest, std::chrono::steady_clock::now() - asked);
+  }
+  EXPECT_GT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(4));
+  EXPECT_LT(longest, std::chrono::seconds(3));
 }
 
 TEST_F(DaemonTest, TakesNoNewRequestWhileItWaitsForAnUpdate) {

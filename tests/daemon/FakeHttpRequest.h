@@ -23,6 +23,7 @@ class FakeHttpRequest final : public http::Request {
 
   [[nodiscard]] std::string_view method() const override { return httpMethod; }
   [[nodiscard]] std::string_view target() const override { return httpTarget; }
+  [[nodiscard]] std::optional<std::string_view> authority() const override { return server; }
   [[nodiscard]] std::string_view field(std::string_view name) const override {
     const auto found = fields.find(std::string(name));
     return found == fields.end() ? std::string_view() : std::string_view(found->second);
@@ -33,14 +34,18 @@ class FakeHttpRequest final : public http::Request {
   [[nodiscard]] std::string& body() override { return content; }
   [[nodiscard]] std::any& memo() override { return note; }
   [[nodiscard]] const std::string& peerAddress() const override { return peer; }
-  [[nodiscard]] bool isLoopback() const override { return peer == "127.0.0.1"; }
+  [[nodiscard]] const std::string& peerGroup() const override { return group; }
+  [[nodiscard]] bool isLoopback() const override { return isLocal || peer == "127.0.0.1"; }
   [[nodiscard]] std::optional<std::uint32_t> peerUser() const override { return user; }
   [[nodiscard]] bool isEncrypted() const override { return isTls; }
 
   std::string httpMethod = "POST";
   std::string httpTarget = "/cimom";
+  std::optional<std::string> server;  // in front of the target
   std::string peer = "127.0.0.1";
+  std::string group = "127.0.0.1";
   std::optional<std::uint32_t> user;
+  bool isLocal = false;
   bool isTls = false;
   std::any note;
   std::map<std::string, std::string> fields{

@@ -73,6 +73,9 @@ class FakeAudit final : public wbem::Audit {
     records.push_back(record.action + " of " + record.caller.user + " from " +
                       record.caller.address + ": " + record.result +
                       (record.caller.role ? ", with a role" : ""));
+    for (const auto& [name, value] : record.details) {
+      records.back() += ", " + name + " " + value;
+    }
   }
 
   std::vector<std::string> records;
@@ -179,6 +182,22 @@ TEST_F(LoginGateTest, TakesNoPasswordInTheClearFromANetwork) {
   EXPECT_EQ(m_authenticator.checks, 0u);
 }
 
+// A login is not looked at, right or wrong, and wherever it comes from.
+TEST_F(LoginGateTest, PassesAnyLoginWhereNobodyHasToLogIn) {
+  quorveld::NoAuthenticator nobody;
+  LoginGate gate(nobody, m_audit);
+  for (const std::string& login : {kRight, kWrong, std::string("Basic !"), std::string("x")}) {
+    for (const LoginGate::Origin& origin : {kLoopback, kInTheClear}) {
+      const LoginGate::Decision decision = gate.admit(login, origin);
+      EXPECT_EQ(decision.verdict, Verdict::Passed) << login;
+      EXPECT_EQ(decision.caller.user, "") << login;
+      EXPECT_EQ(decision.caller.role, wbem::Role::Operator) << login;
+      EXPECT_EQ(decision.delay, milliseconds(0)) << login;
+    }
+  }
+  EXPECT_THAT(m_audit.records, IsEmpty());
+}
+
 TEST_F(LoginGateTest, PassesEverybodyWhereNobodyHasToLogIn) {
   quorveld::NoAuthenticator nobody;
   LoginGate gate(nobody, m_audit);
@@ -188,6 +207,40 @@ TEST_F(LoginGateTest, PassesEverybodyWhereNobodyHasToLogIn) {
   EXPECT_EQ(decision.caller.user, "");
   EXPECT_EQ(decision.caller.address, "127.0.0.1");
   EXPECT_EQ(decision.caller.role, wbem::Role::Operator);
+}
+
+// The users of this machine who come by the local socket all have the same address.
+TEST_F(LoginGateTest, KeepsTheFailuresOfLocalUsersApart) {
+  const LoginGate::Origin first{"unix", true, false, 1000, "user 1000"};
+  const LoginGate::Origin second{"unix", true, false, 1001, "user 1001"};
+  EXPECT_EQ(m_gate.admit(kWrong, first).delay, milliseconds(500));
+  EXPECT_EQ(m_gate.admit(kRight, second).verdict, Verdict::Passed);
+  EXPECT_EQ(m_gate.admit(kRight, first).verdict, Verdict::Unauthorized);
+  EXPECT_THAT(m_audit.records, ElementsAre("Login of anna from unix: refused, peer user 1000"));
+}
+
+// Whether it can be told who somebody is, is another's to say.
+class HalfKnowing final : public quorveld::Authenticator {
+ public:
+  [[nodiscard]] bool demandsLogin() const override { return false; }
+  [[nodiscard]] Admission admit(std::optional<std::uint32_t> peer) override {
+    return peer ? Admission{std::nullopt, true} : Admission{};
+  }
+  [[nodiscard]] std::optional<wbem::Role> check(const std::string& /*user*/,
+                                                const std::string& /*password*/,
+                                                const std::string& /*address*/) override {
+    return std::nullopt;
+  }
+};
+
+TEST_F(LoginGateTest, TellsWhoIsUnknownFromWhoIsNotKnownYet) {
+  HalfKnowing users;
+  LoginGate gate(users, m_audit);
+  EXPECT_EQ(gate.admit("", kLoopback).verdict, Verdict::Unknown);
+  const LoginGate::Decision decision = gate.admit("", {"unix", true, false, 1000, "user 1000"});
+  EXPECT_EQ(decision.verdict, Verdict::Busy);
+  EXPECT_EQ(decision.delay, LoginGate::kBusyDelay);
+  EXPECT_THAT(m_audit.records, IsEmpty());
 }
 
 // Many ask at a time, and the authenticator holds some of them up.

@@ -41,4 +41,18 @@ TEST(PeriodicTask, GoesOnAfterAFailureAndLogsItOnce) {
               testing::ElementsAre(testing::HasSubstr("no luck")));
 }
 
+TEST(PeriodicTask, GoesOnAfterAFailureOfNoStandardType) {
+  const test::LogCapture log;
+  std::atomic<unsigned> times{0};
+  {
+    const quorveld::PeriodicTask task(milliseconds(1), [&times] {
+      ++times;
+      throw 7;  // NOLINT(hicpp-exception-baseclass): whatever it is
+    });
+    EXPECT_TRUE(test::waitUntil([&times] { return times >= 3; }));
+  }
+  EXPECT_THAT(log.messages("quorveld::PeriodicTask::run"),
+              testing::ElementsAre(testing::HasSubstr("exception of no standard type")));
+}
+
 }  // namespace

@@ -279,10 +279,15 @@ TEST_F(ProtocolTest, RefusesFieldsThatComeTwice) {
 TEST_F(ProtocolTest, AnswersByALoopbackNameAlone) {
   for (const char* const target : {"/health", "/cimom"}) {
     const std::string method = std::string(target) == "/health" ? "GET " : "POST ";
-    expectStatusOf(method + target +
-                       " HTTP/1.1\r\nHost: evil.example\r\nConnection: close\r\n"
-                       "Content-Length: 0\r\n\r\n",
-                   403);
+    const auto expectRefused = [&](const std::string& server, const std::string& host) {
+      expectStatusOf(method + server + target + " HTTP/1.1\r\nHost: " + host +
+                         "\r\nConnection: close\r\nContent-Length: 0\r\n\r\n",
+                     403);
+    };
+    expectRefused("", "evil.example");
+    expectRefused("", "");
+    expectRefused("http://evil.example", "127.0.0.1");
+    expectRefused("http://127.0.0.1", "evil.example");
   }
 }
 

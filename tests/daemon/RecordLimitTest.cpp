@@ -69,6 +69,39 @@ TEST_F(RecordLimit, CountsTooManyKindsAsOne) {
   EXPECT_EQ(rests[0].example, "");
 }
 
+TEST_F(RecordLimit, CountsTheFurtherKindsOfAnOwnerAsOne) {
+  Limit limit(
+      kMost, [this] { return m_now; }, 2);
+  const auto admits = [&limit](const std::string& owner, const std::string& kind) {
+    return limit.admits(owner, kind, owner + kind);
+  };
+  for (int i = 0; i < 10; ++i) {
+    const std::string kind = std::to_string(i);
+    EXPECT_EQ(admits("a", kind), i < 2 + int{kMost}) << i;
+    EXPECT_EQ(admits("b" + kind, kind), true);
+  }
+  EXPECT_TRUE(admits("a", "0"));
+  const auto rests = limit.takeAll();
+  ASSERT_THAT(rests, SizeIs(1));
+  EXPECT_EQ(rests[0].count, 10 - 2 - kMost);
+  EXPECT_EQ(rests[0].example, "a5");
+  EXPECT_TRUE(rests[0].isMixed);
+  EXPECT_TRUE(admits("a", "9"));
+}
+
+TEST_F(RecordLimit, GivesNoMoreRestsThanThereIsRoomFor) {
+  for (const char* const kind : {"a", "b", "c"}) {
+    static_cast<void>(offer(kind, kMost + 1));
+  }
+  m_now += Limit::kPeriod;
+  EXPECT_THAT(m_limit.takeEnded(2), SizeIs(2));
+  EXPECT_THAT(m_limit.takeEnded(0), IsEmpty());
+  m_now += 2 * Limit::kPeriod - std::chrono::milliseconds(1);
+  const auto rests = m_limit.takeEnded(2);
+  ASSERT_THAT(rests, SizeIs(1));
+  EXPECT_EQ(rests[0].time, 2 * Limit::kPeriod);
+}
+
 TEST(DescribeRest, SaysHowManyAndHowLong) {
   EXPECT_EQ(quorveld::describeRest(5988, std::chrono::seconds(5)),
             "... and 5988 more of these in 5 s");

@@ -1,9 +1,12 @@
 #include <chrono>
 #include <functional>
+#include <future>
 #include <gtest/gtest.h>
+#include <optional>
 #include <stdexcept>
 
 #include "daemon/RunningJobs.h"
+#include "tests/support/WaitUntil.h"
 
 namespace {
 
@@ -14,7 +17,8 @@ class RunningJobs : public testing::Test {
   std::function<unsigned()> m_count = [this] { return ++m_counts; };
   unsigned m_counts = 0;
   std::chrono::steady_clock::time_point m_now = std::chrono::steady_clock::now();
-  quorveld::RunningJobs m_jobs{[this] { return m_count(); }, [this] { return m_now; }};
+  quorveld::RunningJobs m_jobs{[this] { return m_count(); }, [this] { return m_now; },
+                               test::kDeadline};
 };
 
 TEST_F(RunningJobs, AreCountedOnceASecond) {
@@ -28,17 +32,27 @@ TEST_F(RunningJobs, AreCountedOnceASecond) {
 }
 
 TEST_F(RunningJobs, AreToldAsBeforeWhileTheyAreCounted) {
-  EXPECT_EQ(m_jobs.get(), 1U);
-  m_now += milliseconds(1000);
-  unsigned meanwhile = 0;
-  m_count = [this, &meanwhile] {
-    m_now += milliseconds(5000);  // the count waits for its turn
-    meanwhile = m_jobs.get();
+  quorveld::RunningJobs jobs([this] { return m_count(); }, [this] { return m_now; },
+                             milliseconds(1));
+  std::promise<void> turn;
+  m_count = [&turn] {
+    turn.get_future().wait();
     return 7U;
   };
-  EXPECT_EQ(m_jobs.get(), 7U);
-  EXPECT_EQ(meanwhile, 1U);
-  EXPECT_EQ(m_jobs.get(), 7U);
+  EXPECT_EQ(jobs.get(), std::nullopt);
+  EXPECT_EQ(jobs.get(), std::nullopt);
+  turn.set_value();
+  EXPECT_TRUE(test::waitUntil([&jobs] { return jobs.get() == 7U; }));
+
+  std::promise<void> next;
+  m_count = [&next] {
+    next.get_future().wait();
+    return 8U;
+  };
+  m_now += milliseconds(1000);
+  EXPECT_EQ(jobs.get(), 7U);
+  next.set_value();
+  EXPECT_TRUE(test::waitUntil([&jobs] { return jobs.get() == 8U; }));
 }
 
 TEST_F(RunningJobs, AreCountedAnewWhenACountFailed) {

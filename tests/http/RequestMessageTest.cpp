@@ -42,17 +42,36 @@ TEST(RequestMessage, TakesTheServerOutOfTheTarget) {
   EXPECT_EQ(targetOf("HTTPS://a"), "/");
   EXPECT_EQ(targetOf("/cimom"), "/cimom");
   EXPECT_EQ(targetOf("*"), "*");
+  EXPECT_EQ(targetOf("http://a?b=/c"), "/?b=/c");
+  EXPECT_EQ(targetOf("http:///cimom"), "/cimom");
+}
+
+TEST(RequestMessage, TellsTheServerOfTheTarget) {
+  const auto authorityOf = [](const std::string& requested) {
+    RequestMessage message;
+    message.setRequestLine("GET", "http://before/");
+    message.setRequestLine("GET", requested);
+    return std::string(message.authority().value_or("none"));
+  };
+  EXPECT_EQ(authorityOf("http://a:5988/cimom"), "a:5988");
+  EXPECT_EQ(authorityOf("HTTPS://[::1]"), "[::1]");
+  EXPECT_EQ(authorityOf("http://a?b=/c"), "a");
+  EXPECT_EQ(authorityOf("http:///cimom"), "");
+  EXPECT_EQ(authorityOf("/cimom"), "none");
+  EXPECT_EQ(authorityOf("/http://a/"), "none");
+  EXPECT_EQ(authorityOf("*"), "none");
 }
 
 TEST(RequestMessage, IsEmptyWhenItHasBeenCleared) {
   RequestMessage message;
-  message.setRequestLine("POST", "/cimom");
+  message.setRequestLine("POST", "http://a/cimom");
   message.addField("A", "b");
   message.body() = "body";
   message.clear();
 
   EXPECT_EQ(message.method(), "");
   EXPECT_EQ(message.target(), "");
+  EXPECT_FALSE(message.authority());
   EXPECT_FALSE(message.hasField("A"));
   EXPECT_EQ(message.body(), "");
 }

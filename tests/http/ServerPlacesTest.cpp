@@ -119,6 +119,28 @@ TEST(ServerPlaces, TellsWhoComesTooManyFromOneAddress) {
   EXPECT_EQ(busy.finish(), 2U);
 }
 
+TEST(ServerPlaces, KeepsSomeForTrustedUsers) {
+  constexpr std::uint32_t kOther = 1001;
+  Busy busy;
+  ServerOptions options = Busy::makeRoomFor(test::onFreePort(), 16);
+  options.maxConnections = 16;
+  std::atomic<std::uint32_t> user{kOther};
+  options.findUser = [&user](int /*socket*/) { return std::optional<std::uint32_t>(user); };
+  options.trustedUsers = {0};
+  const TestServer server(options, busy.handler());
+  for (int i = 0; i < 15; ++i) {
+    busy.add(server.port());
+  }
+
+  const std::string refusal = askOnce(server.port());
+  EXPECT_EQ(statusOf(refusal), "503");
+  EXPECT_THAT(refusal, HasSubstr("takes: 15"));
+  user = 0;
+  busy.add(server.port());
+  EXPECT_THAT(askOnce(server.port()), HasSubstr("takes: 16"));
+  EXPECT_EQ(busy.finish(), 16U);
+}
+
 TEST(ServerPlaces, ClosesEncryptedConnectionsThatAreTooMany) {
   Busy busy;
   ServerOptions options = Busy::makeRoomFor(test::onFreePort(true), 1);

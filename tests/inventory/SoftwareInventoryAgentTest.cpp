@@ -25,12 +25,12 @@ TEST_F(InventoryAgent, IsReachedThroughTheBrokerOnceItWasAdded) {
   core::CimBroker& broker = test::brokerWithInventory();
 
   EXPECT_EQ(broker.getAgents().size(), 1u);
-  EXPECT_EQ(broker.getInstances("Orvex_EthernetPort").size(), 2u);
-  EXPECT_EQ(broker.getInstances("Orvex_PortController").size(), 1u);
-  EXPECT_EQ(broker.getInstances("Orvex_RegisteredProfile").size(), 1u);
-  EXPECT_EQ(broker.getInstances("Orvex_SoftwareIdentity").size(), 3u);
-  EXPECT_EQ(broker.getInstances("Orvex_SoftwareIdentityResource").size(), 1u);
-  EXPECT_EQ(broker.getInstances("Orvex_ElementSoftwareIdentity").size(), 3u);
+  EXPECT_EQ(broker.getInstances("Orvex_EthernetPort").count(), 2u);
+  EXPECT_EQ(broker.getInstances("Orvex_PortController").count(), 1u);
+  EXPECT_EQ(broker.getInstances("Orvex_RegisteredProfile").count(), 1u);
+  EXPECT_EQ(broker.getInstances("Orvex_SoftwareIdentity").count(), 3u);
+  EXPECT_EQ(broker.getInstances("Orvex_SoftwareIdentityResource").count(), 1u);
+  EXPECT_EQ(broker.getInstances("Orvex_ElementSoftwareIdentity").count(), 3u);
 }
 
 }  // namespace

@@ -319,6 +319,50 @@ TEST_F(BrokenUpdate, ChangesNothingWhereItFailsAndAllWhereItDoesNot) {
   }
 }
 
+// A change of one file has no journal: a disk that is slow to confirm the new one has it all the
+// same.
+TEST_F(BrokenUpdate, TellsTheTruthOfAFlashAlone) {
+  int failures = 0;
+  const int moments = atEachMoment(
+      [&](const std::string& step, const Path& path) {
+        throw FileFault(step, path, std::make_error_code(std::errc::io_error));
+      },
+      [&] {
+        const auto [code, text] = faultOf([&] {
+          const auto update = begin();
+          update->writeFlash(m_new, m_progress);
+          update->commit();
+        });
+        forget();
+        failures += code != 0 ? 1 : 0;
+        EXPECT_TRUE(m_adapters.flash(kPci) == (code == 0 ? m_new : m_old)) << text;
+        expectNextUpdateToTidyUp();
+      });
+  EXPECT_GE(failures, 8);
+  EXPECT_LT(failures, moments);
+}
+
+TEST_F(BrokenUpdate, TellsTheTruthOfADescriptionAlone) {
+  int failures = 0;
+  const int moments = atEachMoment(
+      [&](const std::string& step, const Path& path) {
+        throw FileFault(step, path, std::make_error_code(std::errc::io_error));
+      },
+      [&] {
+        const auto [code, text] = faultOf([&] {
+          const auto update = begin();
+          update->setCapabilityWord(24);
+          update->commit();
+        });
+        forget();
+        failures += code != 0 ? 1 : 0;
+        EXPECT_EQ(m_adapters.get(kPci, "/capabilityWord"), code == 0 ? "24" : "") << text;
+        expectNextUpdateToTidyUp();
+      });
+  EXPECT_GE(failures, 8);
+  EXPECT_LT(failures, moments);
+}
+
 // The disk takes nothing from that moment on.
 TEST_F(BrokenUpdate, IsWhollyDoneOrNotAtAllOnADiskThatBreaks) {
   bool isBroken = false;

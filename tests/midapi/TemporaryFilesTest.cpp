@@ -12,10 +12,13 @@ namespace {
 
 using ma::baseOfTemporary;
 using ma::FileFault;
+using ma::isStillThere;
+using ma::putInPlace;
 using ma::replaceContent;
 using ma::sweepTemporaryFiles;
 using ma::sweepTemporaryFolders;
 using ma::temporaryName;
+using ma::TemporaryPath;
 using ma::waitForLock;
 using Bytes = std::vector<std::uint8_t>;
 using test::TempDirectory;
@@ -58,6 +61,43 @@ TEST(TemporaryFiles, AreNotTakenForOthers) {
                            "flash.rom.new-0123456789abcdef0", "flash.rom.newer", "flash.rom.old"}) {
     EXPECT_EQ(baseOfTemporary(name), std::nullopt) << name;
   }
+}
+
+class PutInPlace : public testing::Test {
+ protected:
+  PutInPlace() {
+    m_directory.write("file", std::string("old"));
+    m_directory.write("file.new", std::string("new"));
+  }
+  // Returns what went wrong.
+  std::string put() {
+    return faultOf([this] {
+      TemporaryPath temporary(m_files, m_directory.path() / "file.new");
+      putInPlace(m_files, temporary, m_directory.path() / "file");
+    });
+  }
+  [[nodiscard]] std::string content() const { return test::readText(m_directory.path() / "file"); }
+
+  WatchedFileSystem m_files;
+  TempDirectory m_directory;
+};
+
+TEST_F(PutInPlace, ReplacesAFile) {
+  EXPECT_EQ(put(), "no fault");
+  EXPECT_EQ(content(), "new");
+}
+
+TEST_F(PutInPlace, FailsWhereTheOldFileStays) {
+  m_files.beforeStep = WatchedFileSystem::failAsFullDisk;
+  EXPECT_THAT(put(), HasSubstr("No space left"));
+  EXPECT_EQ(content(), "old");
+  EXPECT_EQ(isStillThere(m_files, m_directory.path() / "file.new"), false);
+}
+
+TEST_F(PutInPlace, DoesNotFailWhereTheDiskIsSlowToConfirm) {
+  m_files.afterStep = WatchedFileSystem::failAsFullDisk;
+  EXPECT_EQ(put(), "no fault");
+  EXPECT_EQ(content(), "new");
 }
 
 class SweepTemporaries : public testing::Test {

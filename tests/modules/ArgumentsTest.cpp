@@ -144,7 +144,7 @@ TEST(UnknownMethod, IsRefusedByItsName) {
   host.load();
   core::CimPropertyList in;
   core::CimInstance* const service =
-      core::GetCimBroker().getInstances("Orvex_SoftwareInstallationService").at(0);
+      core::GetCimBroker().getInstances("Orvex_SoftwareInstallationService").first();
   EXPECT_THROWS(utils::ENotSupported,
                 "Quorvel: ENotSupported:Method Nothing is not support by "
                 "Orvex_SoftwareInstallationService class",

@@ -161,7 +161,7 @@ class ClassPages {
   void printMethods(const std::string& name) const {
     core::CimBroker& broker = core::GetCimBroker();
     const core::CimBroker::Request request(broker);
-    const core::CimInstance& instance = *broker.getInstances(name).at(0);
+    const core::CimInstance& instance = *broker.getInstances(name).first();
     std::string rows;
     for (const core::MethodDeclaration& method : m_schema->find(name)->methods) {
       if (instance.offersMethod(method.name)) {

@@ -107,14 +107,14 @@ std::string ModuleHost::pathOf(const std::string& className, const std::string& 
 
 std::string ModuleHost::onlyPathOf(const std::string& className) const {
   const core::CimBroker::Request request(broker());
-  return broker().getInstances(className).at(0)->getPath();
+  return broker().getInstances(className).first()->getPath();
 }
 
 std::uint32_t ModuleHost::call(const std::string& method,
                                const std::vector<core::CimProperty*>& inputs,
                                const std::vector<core::CimProperty*>& outputs) {
   const core::CimBroker::Request request(broker());
-  core::CimInstance* const service = broker().getInstances(kService).at(0);
+  core::CimInstance* const service = broker().getInstances(kService).first();
   core::CimPropertyList in;
   for (core::CimProperty* argument : inputs) {
     in.add(argument);

@@ -161,7 +161,7 @@ TEST_F(ServedSchema, HasTheMethodsThatTheServiceOffers) {
   core::CimBroker& broker = core::GetCimBroker();
   const core::CimBroker::Request request(broker);
   const core::CimInstance& service =
-      *broker.getInstances("Orvex_SoftwareInstallationService").front();
+      *broker.getInstances("Orvex_SoftwareInstallationService").first();
   std::vector<std::string> offered;
   for (const core::MethodDeclaration& method :
        m_schema->find("Orvex_SoftwareInstallationService")->methods) {

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <map>
@@ -102,18 +103,35 @@ bool fails() {
   return false;
 }
 
-int openWatched(const char* path, int flags, mode_t mode) {
-  const bool isOfFolder = isWatched(path);
+// Returns the whole path of what a call names by a folder and a path from there.
+std::string wholePath(int folder, const char* path) {
+  return path[0] != '/' && isWatched(folder) ? paths()[folder] + "/" + path : path;
+}
+
+// Makes a call that opens a file.
+template <class Open>
+int openWatched(const std::string& path, Open open) {
+  const bool isOfFolder = isWatched(path.c_str());
   if (isOfFolder && fails()) {
     return -1;
   }
-  const int file = system<int(const char*, int, ...)>("open")(path, flags, mode);
+  const int file = open();
   note(file, isOfFolder);
   if (isOfFolder) {
     paths()[file] = path;
   }
   return file;
 }
+
+// Reads the mode off the arguments behind the flags, where a file may be made.
+#define ORVEX_TAKE_MODE(flags, mode)  \
+  mode_t mode = 0;                    \
+  if (((flags)&O_CREAT) != 0) {       \
+    va_list arguments;                \
+    va_start(arguments, flags);       \
+    mode = va_arg(arguments, mode_t); \
+    va_end(arguments);                \
+  }
 
 }  // namespace
 
@@ -147,14 +165,20 @@ std::uint64_t watchedBytes() {
 extern "C" {
 
 int open(const char* path, int flags, ...) {
-  mode_t mode = 0;
-  if ((flags & O_CREAT) != 0) {
-    va_list arguments;
-    va_start(arguments, flags);
-    mode = va_arg(arguments, mode_t);
-    va_end(arguments);
-  }
-  return test::openWatched(path, flags, mode);
+  ORVEX_TAKE_MODE(flags, mode)
+  const auto open = [&] {
+    return test::system<int(const char*, int, ...)>("open")(path, flags, mode);
+  };
+  // Before anything is watched there may be no memory to name it.
+  return test::s_state.isWatching ? test::openWatched(path, open) : open();
+}
+
+int openat(int folder, const char* path, int flags, ...) {
+  ORVEX_TAKE_MODE(flags, mode)
+  const auto open = [&] {
+    return test::system<int(int, const char*, int, ...)>("openat")(folder, path, flags, mode);
+  };
+  return test::s_state.isWatching ? test::openWatched(test::wholePath(folder, path), open) : open();
 }
 
 int close(int file) {
@@ -247,6 +271,18 @@ int rename(const char* from, const char* to) noexcept {
 int unlink(const char* path) noexcept {
   return test::isWatched(path) && test::fails() ? -1
                                                 : test::system<int(const char*)>("unlink")(path);
+}
+
+int unlinkat(int folder, const char* path, int flags) noexcept {
+  const bool isFailing = test::s_state.isWatching &&
+                         test::isWatched(test::wholePath(folder, path).c_str()) && test::fails();
+  return isFailing ? -1 : test::system<int(int, const char*, int)>("unlinkat")(folder, path, flags);
+}
+
+// Closes its descriptor without a call that is seen here.
+int closedir(DIR* folder) {
+  test::note(::dirfd(folder), false);
+  return test::system<int(DIR*)>("closedir")(folder);
 }
 
 int fchown(int file, uid_t user, gid_t group) noexcept {

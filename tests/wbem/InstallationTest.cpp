@@ -1,10 +1,13 @@
 #include <gmock/gmock.h>
 #include <memory>
+#include <span>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "core/CimPropertyRef.h"
 #include "core/CimPropertyTypes.h"
+#include "core/FirmwareReader.h"
 #include "core/OwningPropertyList.h"
 #include "tests/client/FakeAgent.h"
 #include "wbem/Installation.h"
@@ -55,6 +58,16 @@ TEST_F(InstallationTest, IsReadOffTheArgumentsOfASoftwareIdentity) {
 TEST_F(InstallationTest, IsNoneOfAnotherMethod) {
   EXPECT_FALSE(describeInstallation("CheckSoftwareIdentity", m_arguments.list()));
   EXPECT_FALSE(describeInstallation("RequestStateChange", m_arguments.list()));
+}
+
+TEST_F(InstallationTest, ReadsAFileAsACheckDoes) {
+  EXPECT_EQ(wbem::findFile("InstallFromURI", m_arguments.list()), "");
+  m_arguments.add<core::CimPropertyRef>("Source").setText(
+      "Orvex_SoftwareIdentity.InstanceID=\"Orvex:FirmwareFile:/srv/b.rom\"");
+  for (const char* const method : {"InstallFromSoftwareIdentity", "CheckSoftwareIdentity"}) {
+    EXPECT_EQ(wbem::findFile(method, m_arguments.list()), "/srv/b.rom");
+  }
+  EXPECT_EQ(wbem::findFile("RequestStateChange", m_arguments.list()), "");
 }
 
 TEST_F(InstallationTest, TakesArgumentsAsTheyCome) {
@@ -136,6 +149,34 @@ TEST_F(InstalledTest, StandBesideThoseOfTheFile) {
   installation.file = "/elsewhere/new.rom";
   wbem::fillInVersions(m_broker, installation);
   EXPECT_EQ(installation.newVersions, "");
+}
+
+class FakeReader final : public test::FakeAgent, public core::FirmwareReader {
+ public:
+  explicit FakeReader(std::string known) : m_known(std::move(known)) {}
+
+  [[nodiscard]] std::string describeFirmware(std::span<const std::uint8_t> content) const override {
+    return std::string(content.begin(), content.end()) == m_known ? "IMG_PXE 0.3" : "";
+  }
+
+ private:
+  const std::string m_known;
+};
+
+TEST_F(InstalledTest, AreThoseOfTheContentWhereAnAgentKnowsIt) {
+  FakeReader first("another");
+  FakeReader second("new");
+  m_broker.addAgent(&first);
+  m_broker.addAgent(&second);
+  const std::string content = "new";
+  Installation installation;
+  installation.newVersions = "IMG_PXE 0.2";
+  wbem::fillInContent(m_broker, {}, installation);
+  EXPECT_EQ(installation.newVersions, "IMG_PXE 0.2");
+  wbem::fillInContent(m_broker,
+                      {reinterpret_cast<const std::uint8_t*>(content.data()), content.size()},
+                      installation);
+  EXPECT_EQ(installation.newVersions, "IMG_PXE 0.3");
 }
 
 TEST_F(InstalledTest, AreNotKnownWhereTheyCannotBeTold) {

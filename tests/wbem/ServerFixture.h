@@ -5,7 +5,7 @@
 
 #include <chrono>
 #include <gmock/gmock.h>
-#include <memory>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -22,22 +22,11 @@ inline constexpr const char* kInterop = "root/interop";
 class RecordingAudit final : public wbem::Audit {
  public:
   void write(const wbem::AuditRecord& record) noexcept override { records.push_back(record); }
-  [[nodiscard]] std::unique_ptr<wbem::FileEvidence> watchFile(
-      const std::string& path) noexcept override {
-    return std::make_unique<Evidence>(path);
+  [[nodiscard]] std::string digest(std::span<const std::uint8_t> content) const noexcept override {
+    return "digest of " + std::string(content.begin(), content.end());
   }
 
   std::vector<wbem::AuditRecord> records;
-
- private:
-  class Evidence final : public wbem::FileEvidence {
-   public:
-    explicit Evidence(std::string path) : m_path(std::move(path)) {}
-    [[nodiscard]] std::string digest() const override { return "digest of " + m_path; }
-
-   private:
-    const std::string m_path;
-  };
 };
 
 // ---- what requests are made of ----

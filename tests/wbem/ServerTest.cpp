@@ -1,11 +1,19 @@
 #include <atomic>
+#include <cstring>
+#include <functional>
+#include <future>
 #include <gmock/gmock.h>
 #include <memory>
 #include <new>
+#include <span>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "Os/FileAhead.h"
+#include "Os/Files.h"
+#include "core/FirmwareReader.h"
+#include "tests/support/TempDirectory.h"
 #include "tests/wbem/ServerFixture.h"
 
 namespace {
@@ -219,35 +227,50 @@ class Installer : public CIM_ManagedElement {
   }
 
   [[nodiscard]] std::string getClassName() const override { return kClassName; }
-  std::uint32_t InstallFromURI(core::CimPropertyList* /*in*/, core::CimPropertyList* /*out*/,
+  std::uint32_t InstallFromURI(core::CimPropertyList* in, core::CimPropertyList* /*out*/,
                                core::CimInstance** job) override {
     constexpr std::uint32_t kStarted = 4096;
     constexpr std::uint32_t kRefused = 5;
+    onCall();
+    const auto& uri = dynamic_cast<core::CimPropertyString&>(*in->get("URI")).getValue();
+    if (next != nullptr) {
+      const os::FileContent file = os::readContent(uri.substr(std::strlen("file://")), kMostRead);
+      content.assign(file.bytes.get(), file.bytes.get() + file.size);
+    }
     *job = next;
     return next != nullptr ? kStarted : kRefused;
   }
 
+  static constexpr std::int32_t kMostRead = 1000;
   core::CimInstance* next = nullptr;
+  std::string content;  // of the file, as it was read
+  std::function<void()> onCall = [] {};
 };
 
-class InstallerAgent : public test::FakeAgent {
+class InstallerAgent : public test::FakeAgent, public core::FirmwareReader {
  public:
   void declareClasses(core::CimSchema& schema) const override {
+    onDeclaration();  // at the first request
     core::declareClass<Installer>(schema);
+  }
+  [[nodiscard]] std::string describeFirmware(std::span<const std::uint8_t> content) const override {
+    return "version of " + std::string(content.begin(), content.end());
   }
   Installer& installer =
       test::ModelAgent::add(serve(Installer::kClassName), std::make_unique<Installer>());
+  std::function<void()> onDeclaration = [] {};
 };
 
 class InstallingServer : public Server {
  protected:
   InstallingServer() { m_broker.addAgent(&m_installers); }
 
-  void install() {
+  void install(const std::string& file) {
     static_cast<void>(
         invoke(objectName("Test_Installer.InstanceID=\"i\""), "InstallFromURI",
-               {given("URI", "file:///new.rom"), given("InstallOptions", texts({"5"}))}));
+               {given("URI", "file://" + file), given("InstallOptions", texts({"5"}))}));
   }
+  void install() { install("/new.rom"); }
   // Has the next installation start a job that runs.
   test::Job& startNext() {
     test::Job& job = test::ModelAgent::add(m_agent.jobs, std::make_unique<test::Job>("new", 4));
@@ -256,27 +279,67 @@ class InstallingServer : public Server {
   }
 
   InstallerAgent m_installers;
+  test::TempDirectory m_directory;
 };
 
-TEST_F(InstallingServer, RecordsWhatIsInstalled) {
+TEST_F(InstallingServer, RecordsTheVeryBytesThatAreInstalled) {
+  startNext();
+  const std::string path = m_directory.write("new.rom", std::string("image")).string();
+  // Somebody puts another file there while it is installed.
+  m_installers.installer.onCall = [this] { m_directory.write("new.rom", std::string("another")); };
+  install(path);
+  EXPECT_EQ(m_installers.installer.content, "image");
+  ASSERT_EQ(m_audit.records.size(), 1U);
+  EXPECT_EQ(m_audit.records.front().result, "4096");
+  EXPECT_THAT(
+      m_audit.records.front().details,
+      ElementsAre(Pair("file", path), Pair("sha256", "digest of image"), Pair("options", "5"),
+                  Pair("new", "version of image"), Pair("job", "new")));
+}
+
+TEST_F(InstallingServer, RecordsThatItDoesNotKnowTheBytesOfAnUnreadFile) {
   startNext();
   install();
   ASSERT_EQ(m_audit.records.size(), 1U);
-  EXPECT_EQ(m_audit.records.front().result, "4096");
   EXPECT_THAT(m_audit.records.front().details,
-              ElementsAre(Pair("file", "/new.rom"), Pair("sha256", "digest of /new.rom"),
+              ElementsAre(Pair("file", "/new.rom"), Pair("sha256", HasSubstr("not known: ")),
                           Pair("options", "5"), Pair("job", "new")));
 }
 
-// Its file is not read for that.
 TEST_F(InstallingServer, RecordsWhatIsNotInstalled) {
-  install();
+  const std::string path = m_directory.write("new.rom", std::string("image")).string();
+  install(path);
   ASSERT_EQ(m_audit.records.size(), 1U);
   EXPECT_EQ(m_audit.records.front().result, "5");
-  EXPECT_THAT(m_audit.records.front().details,
-              ElementsAre(Pair("file", "/new.rom"), Pair("options", "5")));
+  EXPECT_THAT(m_audit.records.front().details, ElementsAre(Pair("file", path), Pair("options", "5"),
+                                                           Pair("new", "version of image")));
   m_server.recordEndedJobs();
   EXPECT_EQ(m_audit.records.size(), 1U);
+}
+
+// The test takes all turns of reading, so that an installation waits for one of them.
+TEST_F(InstallingServer, AnswersOthersWhileAFileIsRead) {
+  startNext();
+  const std::string path = m_directory.write("new.rom", std::string("image")).string();
+  std::vector<std::unique_ptr<os::FileAhead>> turns;
+  while (turns.size() < os::FileAhead::kMostAtATime) {
+    turns.push_back(std::make_unique<os::FileAhead>(path, 0));
+  }
+  std::atomic<bool> isCalled{false};
+  m_installers.installer.onCall = [&isCalled] { isCalled = true; };
+  std::promise<void> begun;
+  m_installers.onDeclaration = [&begun] { begun.set_value(); };
+  std::thread installation([this, &path] { install(path); });
+  begun.get_future().wait();
+  for (int round = 0; round < 100; ++round) {
+    EXPECT_THAT(ask("EnumerateInstances", {given("ClassName", className("Test_Port"))}),
+                HasSubstr("Test_Port"));
+  }
+  EXPECT_FALSE(isCalled);
+  turns.clear();
+  installation.join();
+  EXPECT_TRUE(isCalled);
+  EXPECT_EQ(m_installers.installer.content, "image");
 }
 
 TEST_F(InstallingServer, RecordsTheEndOfTheJobThoughNobodyAsksForIt) {

@@ -179,6 +179,19 @@ TEST_F(PosixOSLocker, WaitsForAProgramThatDoesNotTellItsName) {
   EXPECT_EQ(result.get(), 0);
 }
 
+TEST_F(PosixOSLocker, EndsAWaitThatIsGivenUp) {
+  const auto other = startHolder();
+  OSLockerPosix locker(m_folder.path());
+  auto result = lockLater(locker);
+  EXPECT_TRUE(OSLocker::giveUp());
+
+  EXPECT_EQ(result.get(), 3);
+  EXPECT_THAT(OSLocker::describeTimeout(), testing::StartsWith("os_tests, process "));
+  other->kill();
+  EXPECT_EQ(locker.Lock(), 3);
+  EXPECT_FALSE(m_folder.isTaken());
+}
+
 TEST_F(PosixOSLocker, IsHadAfterItsHolderWasKilled) {
   const auto other = startHolder();
   OSLockerPosix locker(m_folder.path());

@@ -2,6 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "client/HostAddress.h"
 #include "tests/cli/Posix/HostFixture.h"
 
 namespace {
@@ -83,6 +84,16 @@ TEST_F(HostLoginTest, RefusesOptionsThatHaveNoMeaning) {
   expectUsageFault({"--host", "http://127.0.0.1:1", "adapters", "add", "--pci", "0000:03:00",
                     "--vendor", "1af4", "--device", "1041", "--rom", "x"},
                    HasSubstr("does not go with --host"));
+}
+
+TEST_F(HostLoginTest, GoesToTheServiceOfThisMachineWithoutAnAddress) {
+  if (std::filesystem::exists(client::HostAddress::kDefaultSocket)) {
+    GTEST_SKIP() << "a service runs on this machine";
+  }
+  for (const Arguments& arguments :
+       {Arguments{"--host", "jobs"}, {"jobs", "--host"}, {"update", "--host", "0000:03:00", "x"}}) {
+    expectFailure(arguments, HasSubstr("unix:/run/orvex/quorveld.sock"));
+  }
 }
 
 TEST_F(HostLoginTest, SaysThatNobodyAnswers) {

@@ -1,11 +1,16 @@
 // `quorvel update` as it is watched, interrupted and abandoned while it runs.
 
+#include <chrono>
 #include <csignal>
 #include <nlohmann/json.hpp>
+#include <optional>
 
+#include "Os/Posix/LockFile.h"
+#include "Os/Posix/PosixOSLocker.h"
 #include "tests/cli/Posix/RunningQuorvel.h"
 #include "tests/support/QuorvelFixture.h"
 #include "tests/support/Regex.h"
+#include "tests/support/WaitUntil.h"
 
 namespace {
 
@@ -51,6 +56,59 @@ TEST_F(RunningUpdateTest, WaitsForTheFlashWhenItIsInterrupted) {
     EXPECT_THAT(result.output, HasSubstr("Completed: "));
     EXPECT_EQ(flash(), test::readBytes(rom));
   }
+}
+
+// The machine's flash lock, had by another program.
+class OtherUpdater {
+ public:
+  OtherUpdater() {
+    EXPECT_TRUE(
+        test::waitUntil([this] { return m_lock.tryLock(std::chrono::steady_clock::now()); }));
+  }
+  OtherUpdater(const OtherUpdater&) = delete;
+  OtherUpdater& operator=(const OtherUpdater&) = delete;
+  ~OtherUpdater() { EXPECT_EQ(m_lock.unlock(), 0); }
+
+ private:
+  os::LockFile m_lock{os::OSLockerPosix::kFolder};
+};
+
+TEST_F(RunningUpdateTest, EndsWithoutAWriteWhenItIsInterruptedWhileItWaitsForTheFlash) {
+  addPxeAdapter(kAdapter);
+  const test::Bytes old = flash();
+  const std::string rom = writeRom("new.rom", {pxe(3)});
+  std::optional<OtherUpdater> other(std::in_place);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    RunningQuorvel quorvel({"update", kPort, rom}, OutputTo::Pipe, environment());
+    ASSERT_TRUE(quorvel.awaitOutput("waiting for the flash: quorvel_program_test")) << signal;
+    quorvel.signal(signal);
+    const ProgramResult result = quorvel.finish();
+    EXPECT_EQ(result.exitStatus, 128 + signal);
+    EXPECT_EQ(result.errors,
+              "quorvel: interrupted: the flash was not to be had yet, so nothing was written\n");
+  }
+  other.reset();
+  EXPECT_EQ(flash(), old);
+  EXPECT_EQ(run({"update", kPort, rom}).exitStatus, 0);
+  EXPECT_EQ(flash(), test::readBytes(rom));
+}
+
+TEST_F(RunningUpdateTest, WaitsForTheFlashAsLongAsItIsTold) {
+  addPxeAdapter(kAdapter);
+  const test::Bytes old = flash();
+  const std::string rom = writeRom("new.rom", {pxe(3)});
+  std::optional<OtherUpdater> other(std::in_place);
+  for (const char* time : {"0", "50ms"}) {
+    const ProgramResult result = run({"update", kPort, rom, "--lock-timeout", time});
+    EXPECT_EQ(result.exitStatus, 1);
+    EXPECT_THAT(
+        result.errors,
+        AllOf(HasSubstr("Timeout Error (the flash was held by quorvel_program_test, process "),
+              HasSubstr("or --lock-timeout")));
+  }
+  other.reset();
+  EXPECT_EQ(flash(), old);
+  EXPECT_EQ(run({"update", kPort, rom, "--lock-timeout", "0"}).exitStatus, 0);
 }
 
 TEST_F(RunningUpdateTest, PrintsTheOutcomeOfAnInterruptedFlashThatFails) {

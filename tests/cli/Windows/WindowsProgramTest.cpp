@@ -88,6 +88,23 @@ TEST_F(WindowsProgramTest, UpdatesFromARelativePath) {
   expectUpdate("..\\new.rom", rom);
 }
 
+// The names that stand for a server and its share are also those of folders on the current drive.
+TEST_F(WindowsProgramTest, TakesNoFileOfTheCurrentDriveForThatOfAServer) {
+  const test::CurrentDirectory onDrive(m_files.path());
+  const std::filesystem::path names = std::filesystem::path("quorvel-test-server") / "share";
+  const std::filesystem::path root = m_files.path().root_path();
+  const std::filesystem::path folder = root / names;
+  std::filesystem::create_directories(folder);
+  std::filesystem::copy(write("new.rom"), folder / "new.rom",
+                        std::filesystem::copy_options::overwrite_existing);
+  const test::Bytes before = flash();
+
+  const std::string image = "\\\\quorvel-test-server\\share\\new.rom";
+  expectFailure({"update", kPort, image}, HasSubstr("there is no file '" + image + "'"));
+  EXPECT_EQ(flash(), before);
+  std::filesystem::remove_all(folder.parent_path());
+}
+
 TEST_F(WindowsProgramTest, UpdatesFromPathsAndUrisWithUmlauts) {
   test::demandWesternCodePage();
   const std::filesystem::path rom =

@@ -1,6 +1,6 @@
 // The test that becomes another user needs root.
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <unistd.h>
 
 #include "daemon/Posix/Privileges.h"
@@ -14,6 +14,10 @@ TEST(Privileges, AreThoseOfTheUser) {
   const quorveld::Privileges privileges = quorveld::readPrivileges();
   EXPECT_EQ(privileges.isRoot, geteuid() == 0);
   EXPECT_TRUE(privileges.mayUseDefaultSocket || geteuid() != 0);
+}
+
+TEST(Privileges, OfRootAndOfTheUserLetNobodyKeepThemOut) {
+  EXPECT_THAT(quorveld::findTrustedUsers(), testing::UnorderedElementsAre(0U, geteuid()));
 }
 
 TEST(Privileges, AreNoneOfAUserWhoIsNotLetIn) {

@@ -38,7 +38,7 @@ void enumerate() {
   core::CimBroker& broker = core::GetCimBroker();
   const core::CimBroker::Request request(broker);
   for (const char* name : {"Orvex_SoftwareInstallationService", "Orvex_RegisteredProfile"}) {
-    std::printf("%s: %d\n", name, static_cast<int>(broker.getInstances(name).size()));
+    std::printf("%s: %d\n", name, static_cast<int>(broker.getInstances(name).count()));
   }
 }
 

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/Os/HungDirectory.h"
@@ -62,17 +63,29 @@ TEST_F(PosixFirmwareSearch, ReadsAFileThatStandsInThePlaceOfAnother) {
   EXPECT_EQ(m_files.find().at(0)->images.at(0).firmware.version, (utils::FirmwareVersion{2, 0}));
 }
 
+// Settings whose directories answered when they were asked for.
+class AnsweringConfig final : public utils::QuorvelConfig {
+ public:
+  explicit AnsweringConfig(std::vector<std::string> directories)
+      : m_directories(std::move(directories)) {}
+
+  std::vector<std::string> getFWFilePaths() override { return m_directories; }
+
+ private:
+  const std::vector<std::string> m_directories;
+};
+
 TEST_F(PosixFirmwareSearch, LeavesADirectoryOutThatDoesNotAnswer) {
   const std::string away = makeFile("first/a.rom", firmware(1));
   const std::string here = makeFile("second/b.rom", firmware(1));
-  configure(firstDirectory().string() + "/;" + secondDirectory().string());
+  const AnsweringConfig config({firstDirectory().string(), secondDirectory().string()});
   {
     const test::HungDirectory hung(firstDirectory().string());
 
     EXPECT_EQ(inventory::readFirmwareFile(away), std::nullopt);
     EXPECT_THAT(find(), ElementsAre(here));
     EXPECT_THAT(problems(), ElementsAre("Firmware directory '" + firstDirectory().string() +
-                                        "/' cannot be read: its file system does not answer"));
+                                        "' cannot be read: its file system does not answer"));
   }
   EXPECT_EQ(find().size(), 2u);
   EXPECT_THAT(problems(), IsEmpty());

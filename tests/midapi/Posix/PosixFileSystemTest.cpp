@@ -1,8 +1,11 @@
+#include <dlfcn.h>
 #include <fcntl.h>
+#include <functional>
 #include <gmock/gmock.h>
 #include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 #include "midapi/Posix/PosixFileSystem.h"
 #include "tests/support/Posix/ChildProcess.h"
@@ -17,6 +20,29 @@ using ma::FileIdentity;
 using ma::makePosixFileSystem;
 using ma::nativeFileSystem;
 using testing::HasSubstr;
+
+// Called once, before the library's next look at a file or folder; set and called by one thread.
+std::function<void()> s_beforeLook;  // NOLINT(cert-err58-cpp)
+
+template <class Function, class... Arguments>
+int look(Function*, const char* name, Arguments... arguments) {
+  if (const auto act = std::exchange(s_beforeLook, nullptr)) {
+    act();
+  }
+  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name))(arguments...);
+}
+
+}  // namespace
+
+// The library's objects in this program call these.
+extern "C" int stat(const char* path, struct stat* state) noexcept {
+  return look(&stat, "stat", path, state);
+}
+extern "C" int fstat(int file, struct stat* state) noexcept {
+  return look(&fstat, "fstat", file, state);
+}
+
+namespace {
 
 class PosixFileSystemTest : public testing::Test {
  protected:
@@ -83,6 +109,34 @@ TEST_F(PosixFileSystemTest, SharesALockWithTheGroupThatMayWriteItsFolder) {
   struct stat state {};
   ASSERT_EQ(::stat(path.c_str(), &state), 0);
   EXPECT_EQ(state.st_mode & 0777, 0660u);
+}
+
+// Who may rename the folder must not be made the owner of a file in it by another's rights.
+TEST_F(PosixFileSystemTest, SharesALockAsTheFolderIsSharedThatItStandsIn) {
+  const auto folder = m_directory.path() / "folder";
+  const auto aside = m_directory.path() / "aside";
+  const auto shared = m_directory.path() / "shared";
+  std::filesystem::create_directory(folder);
+  std::filesystem::create_directory(shared);
+  std::filesystem::permissions(shared, std::filesystem::perms::group_write,
+                               std::filesystem::perm_options::add);
+  s_beforeLook = [&] {
+    std::filesystem::rename(folder, aside);
+    std::filesystem::rename(shared, folder);
+  };
+  const auto lock = nativeFileSystem().lock(folder / "lock");
+  ASSERT_FALSE(s_beforeLook) << "nothing was looked at";
+  struct stat state {};
+  ASSERT_EQ(::stat((aside / "lock").c_str(), &state), 0);
+  EXPECT_EQ(state.st_mode & 0777, 0600u);
+  ASSERT_EQ(::stat((folder / "lock").c_str(), &state), 0);
+  EXPECT_EQ(state.st_mode & 0777, 0660u);
+}
+
+TEST_F(PosixFileSystemTest, NamesTheLockWhoseFolderIsMissing) {
+  const auto path = m_directory.path() / "none" / "lock";
+  EXPECT_THAT(faultOf([&] { static_cast<void>(nativeFileSystem().lock(path)); }),
+              HasSubstr("cannot lock " + path.string() + ": No such file or directory"));
 }
 
 TEST_F(PosixFileSystemTest, TakesTheLockOfAProcessThatDied) {

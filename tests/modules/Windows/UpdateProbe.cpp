@@ -65,7 +65,7 @@ std::string install(const char* uri) {
   core::CimPropertyString image("URI", nullptr);
   image.setValue(uri);
   core::CimPropertyRef target("Target", nullptr);
-  target.setTarget(broker().getInstances("Orvex_EthernetPort").at(0));
+  target.setTarget(broker().getInstances("Orvex_EthernetPort").first());
   core::CimPropertyUint16_arr options("InstallOptions", nullptr);
   options.setValue({5});  // Update
   core::CimPropertyString_arr values("InstallOptionsValues", nullptr);
@@ -78,7 +78,7 @@ std::string install(const char* uri) {
   core::CimPropertyList out;
   core::CimInstance* job = nullptr;
   core::CimInstance* const service =
-      broker().getInstances("Orvex_SoftwareInstallationService").at(0);
+      broker().getInstances("Orvex_SoftwareInstallationService").first();
   std::printf("InstallFromURI: %u\n", service->invokeMethod("InstallFromURI", &in, &out, &job));
   if (job == nullptr) {
     std::exit(EXIT_FAILURE);

@@ -1,10 +1,16 @@
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
+#include <future>
 #include <gmock/gmock.h>
 #include <string>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <syslog.h>
 #include <unistd.h>
 
+#include "platform/Posix/Descriptor.h"
 #include "platform/Posix/SystemLog.h"
 #include "tests/support/Posix/DatagramSocket.h"
 #include "tests/support/Regex.h"
@@ -60,6 +66,50 @@ TEST(LocalMessage, WaitsForAReceiverThatDoesNotReadNoLongerThanItIsTold) {
   // Room for one is enough.
   EXPECT_EQ(socket.receive(), "text");
   EXPECT_EQ(sendLocalMessage(path, "last", kLongWait), 0);
+}
+
+// A log of connections that accepts none: its queue of them is full.
+class FullBacklog : public testing::Test {
+ protected:
+  FullBacklog() : m_listener(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    m_path.copy(address.sun_path, sizeof(address.sun_path) - 1);
+    EXPECT_EQ(bind(m_listener.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)),
+              0);
+    EXPECT_EQ(listen(m_listener.get(), 0), 0);
+    while (sendLocalMessage(m_path, "text", kNoWait) == 0) {
+    }
+  }
+
+  // Accepts a connection and returns what came over it.
+  [[nodiscard]] std::string accept() const {
+    const platform::Descriptor connection(::accept(m_listener.get(), nullptr, nullptr));
+    std::array<char, 64> buffer{};
+    const ssize_t count = recv(connection.get(), buffer.data(), buffer.size(), 0);
+    return {buffer.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0))};
+  }
+
+  const test::TempDirectory m_directory;
+  const std::string m_path = (m_directory.path() / "socket").string();
+  const platform::Descriptor m_listener;
+};
+
+TEST_F(FullBacklog, IsWaitedForNoLongerThanItIsTold) {
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(sendLocalMessage(m_path, "text", milliseconds(30)), EAGAIN);
+  EXPECT_GE(std::chrono::steady_clock::now() - start, milliseconds(30));
+}
+
+TEST_F(FullBacklog, IsSentToAsSoonAsThereIsRoom) {
+  auto sent = std::async(std::launch::async,
+                         [this] { return sendLocalMessage(m_path, "last", kLongWait); });
+  std::string received;
+  while (received != std::string("last", 5)) {
+    received = accept();
+    ASSERT_THAT(received, testing::AnyOf(std::string("text", 5), std::string("last", 5)));
+  }
+  EXPECT_EQ(sent.get(), 0);
 }
 
 TEST(SystemLogMessage, SaysPriorityTimeAndTag) {

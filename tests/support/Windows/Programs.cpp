@@ -103,6 +103,23 @@ std::string makeEnvironment(const std::vector<EnvironmentChange>& changes) {
   return result + '\0';
 }
 
+// Starts the program, whose environment is the block of variables. The caller closes both handles.
+PROCESS_INFORMATION start(const std::filesystem::path& program, std::wstring command,
+                          std::string& variables, STARTUPINFOW& startup) {
+  // An emulation of the system that is under load loses a process now and then before it has begun,
+  // and says so by this error; the system itself never does.
+  constexpr int kMostStarts = 5;
+  PROCESS_INFORMATION process{};
+  for (int starts = 1; CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, TRUE, 0,
+                                      variables.data(), nullptr, &startup, &process) == FALSE;
+       ++starts) {
+    if (GetLastError() != ERROR_INTERNAL_ERROR || starts == kMostStarts) {
+      fail("CreateProcess");
+    }
+  }
+  return process;
+}
+
 }  // namespace
 
 ProgramResult runProgram(const std::filesystem::path& program,
@@ -121,12 +138,8 @@ ProgramResult runProgram(const std::filesystem::path& program,
     command += " " + quoteArgument(argument);
   }
   std::string variables = makeEnvironment(environment);
-  PROCESS_INFORMATION process{};
-  std::wstring wideCommand = platform::toPath(command).native();
-  if (CreateProcessW(program.c_str(), wideCommand.data(), nullptr, nullptr, TRUE, 0,
-                     variables.data(), nullptr, &startup, &process) == FALSE) {
-    fail("CreateProcess");
-  }
+  const PROCESS_INFORMATION process =
+      start(program, platform::toPath(command).native(), variables, startup);
   output.closeIn();
   errors.closeIn();
   ProgramResult result;
