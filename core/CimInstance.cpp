@@ -60,6 +60,11 @@ std::uint32_t CimInstance::invokeMethod(std::string name, CimPropertyList* in, C
 
 CimInstance::~CimInstance() = default;
 
+bool CimInstance::offersMethod(const std::string& name) const {
+  const auto method = m_methods.find(name);
+  return method != m_methods.end() && method->second != &CimInstance::refuseMethod;
+}
+
 void CimProperty::enterOwner() {
   m_owner->getProperties().add(this);
 }

@@ -55,6 +55,8 @@ class ORVEX_CORE_API CimInstance {
 
   // Returns whether a method is registered or declared under the name.
   [[nodiscard]] bool hasMethod(const std::string& name) const { return m_methods.contains(name); }
+  // Returns whether one is registered, so that it does something.
+  [[nodiscard]] bool offersMethod(const std::string& name) const;
 
   // Returns the object path: "Class.Key=Value,...", in property order, string and reference values
   // quoted; "Class." without keys. CimPath parses it.

@@ -164,6 +164,9 @@ TEST(CimInstanceMethods, AreNotSupportedWhereTheyAreOnlyDeclared) {
   EXPECT_THAT(log.records(), testing::IsEmpty());
 
   EXPECT_TRUE(machine.hasMethod("Halt"));
+  EXPECT_FALSE(machine.offersMethod("Halt"));
+  EXPECT_TRUE(machine.offersMethod("Start"));
+  EXPECT_FALSE(machine.offersMethod("Stop"));
   EXPECT_THAT(
       [&] { machine.invokeMethod("Halt", nullptr, nullptr, nullptr); },
       ThrowsExactly<utils::ENotSupported>("Quorvel: ENotSupported:Method is not supported"));

@@ -164,7 +164,7 @@ class ClassPages {
     const core::CimInstance& instance = *broker.getInstances(name).first();
     std::string rows;
     for (const core::MethodDeclaration& method : m_schema->find(name)->methods) {
-      if (instance.hasMethod(method.name)) {
+      if (instance.offersMethod(method.name)) {
         rows += rowsOf(method);
       }
     }

@@ -165,7 +165,7 @@ TEST_F(ServedSchema, HasTheMethodsThatTheServiceOffers) {
   std::vector<std::string> offered;
   for (const core::MethodDeclaration& method :
        m_schema->find("Orvex_SoftwareInstallationService")->methods) {
-    if (service.hasMethod(method.name)) {
+    if (service.offersMethod(method.name)) {
       offered.push_back(method.name);
     }
   }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -269,7 +270,7 @@ std::string findMisplacement(const std::string& assertion) {
     return "no assertion: " + assertion;
   }
   const std::string source = assertion.substr(0, sourceEnd);
-  const int line = std::atoi(assertion.substr(sourceEnd + 1, lineEnd - sourceEnd - 1).c_str());
+  const int line = static_cast<int>(std::strtol(assertion.c_str() + sourceEnd + 1, nullptr, 10));
   const std::size_t begin = assertion.find('\'', lineEnd) + 1;
   const std::string condition = assertion.substr(begin, assertion.size() - 1 - begin);
   const std::string file = findFile(source, {});
