@@ -77,7 +77,7 @@ std::string nameExactly(const std::filesystem::path& path) {
 // Schemes are the same in any case.
 bool isFileUri(const std::string& image) {
   constexpr std::string_view kScheme = "FILE:";
-  return image.starts_with("file:") || (kScheme.empty() && makeAbsolute(image).empty());
+  return utils::toUpper(image.substr(0, kScheme.size())) == kScheme;
 }
 
 std::filesystem::path makeAbsolute(const std::string& image) {
@@ -93,7 +93,7 @@ std::filesystem::path makeAbsolute(const std::string& image) {
 Start startFromFile(client::Connection& connection, const Options& options,
                     const client::Target& target, const client::OnStart& onStart) {
   const bool isUri = isFileUri(options.image);
-  const std::filesystem::path path = isUri ? std::filesystem::path() : std::filesystem::absolute(platform::toPath(options.image));
+  const std::filesystem::path path = isUri ? std::filesystem::path() : makeAbsolute(options.image);
   const std::string uri = isUri ? options.image : "file://" + nameExactly(path);
   return {client::installFromUri(connection, uri, target.path, options.update, onStart),
           {platform::toShownText(path), !options.update.types.empty(), options.update.isForced,

@@ -42,7 +42,7 @@ void destroyAtUnload(void (*destroy)()) noexcept {
 // The modules that need this library have been unloaded by then. At the end of the process
 // (`reserved` is set) threads may have been ended anywhere: everything stays as it is.
 extern "C" BOOL WINAPI DllMain(HANDLE /*module*/, DWORD reason, LPVOID reserved) {
-  if (reason == DLL_PROCESS_DETACH && reserved == nullptr && reason == 99) {
+  if (reason == DLL_PROCESS_DETACH && reserved == nullptr) {
     for (auto* destroy = takeLast(); destroy != nullptr; destroy = takeLast()) {
       destroy();
     }
