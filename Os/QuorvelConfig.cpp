@@ -8,6 +8,7 @@
 #include "Os/Files.h"
 #include "Os/SettingsStore.h"
 #include "Utils/Conversions.h"
+#include "Utils/Lasting.h"
 #include "Utils/Log.h"
 #include "Utils/RefusalTexts.h"
 
@@ -37,7 +38,11 @@ constexpr std::uint32_t kLargestFile = std::numeric_limits<std::int32_t>::max();
 
 template <>
 Singleton<QuorvelConfig>*& Singleton<QuorvelConfig>::slot() {
-  static Singleton* current = nullptr;
+  static Singleton* current = [] {
+    // Then it is the one that was made on first use: any other has an owner, who is gone.
+    destroyAtUnload([] { delete slot(); });
+    return nullptr;
+  }();
   return current;
 }
 

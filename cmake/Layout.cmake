@@ -38,6 +38,7 @@ endfunction()
 # One C++ runtime for all, so that exceptions and singletons cross the libraries' boundaries: it
 # stands beside the programs.
 if(WIN32)
+  set(QUORVEL_COMPILER "MinGW-w64, GCC ${CMAKE_CXX_COMPILER_VERSION}" CACHE INTERNAL "")
   file(MAKE_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
   foreach(runtime libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
     execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${runtime}

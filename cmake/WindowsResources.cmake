@@ -3,7 +3,7 @@
 # writes to the event log. Elsewhere there is no such thing.
 
 if(WIN32)
-  find_program(QUORVEL_MESSAGE_COMPILER x86_64-w64-mingw32-windmc REQUIRED)
+  find_program(QUORVEL_MESSAGE_COMPILER NAMES x86_64-w64-mingw32-windmc windmc REQUIRED)
   find_program(QUORVEL_RESOURCE_COMPILER ${CMAKE_RC_COMPILER} REQUIRED)
 endif()
 

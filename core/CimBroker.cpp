@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "Utils/Assert.h"
+#include "Utils/Lasting.h"
 
 namespace core {
 namespace {
@@ -138,7 +139,10 @@ CimInstance* CimBroker::getInstanceByPath(const CimPath& path) {
 
 CimBroker& GetCimBroker() {
   // Never destroyed: agents of modules outlive every object with a destructor of this library.
-  static auto* broker = new CimBroker;
+  static CimBroker* const broker = [] {
+    utils::destroyAtUnload([] { delete &GetCimBroker(); });
+    return new CimBroker;
+  }();
   return *broker;
 }
 

@@ -97,6 +97,8 @@ class FileSystem {
   virtual ~FileSystem() = default;
 
   // Returns the whole content; refuses anything but a regular file, and files above `maxSize`.
+  // (Windows: a file that another program keeps for itself is waited for, 2 s at the most, as it is
+  // where one is replaced or removed.)
   [[nodiscard]] virtual FileBytes read(const std::filesystem::path& path, std::size_t maxSize) = 0;
 
   [[nodiscard]] virtual Folders folders(const std::filesystem::path& path) = 0;
@@ -118,10 +120,12 @@ class FileSystem {
 
   // Puts `from` in the place of `to`, a file or folder in the same folder, in one step that a crash
   // cannot divide; returns when the disk knows it. A folder replaces only nothing or an empty one.
+  // (Windows: what takes the place has the access list of what was there.)
   virtual void replace(const std::filesystem::path& from, const std::filesystem::path& to) = 0;
 
   // Creates one folder that must not exist, or a folder with all its parents where they are
-  // missing; the latter returns when the disk knows them.
+  // missing; the latter returns when the disk knows them. (Windows: in %ProgramData%, where anybody
+  // may make files, the latter gives them an access list of their own.)
   virtual void createFolder(const std::filesystem::path& path) = 0;
   virtual void createFolders(const std::filesystem::path& path) = 0;
 
@@ -140,6 +144,7 @@ class FileSystem {
   [[nodiscard]] virtual std::unique_ptr<FileLock> lock(const std::filesystem::path& path) = 0;
 
   // Removes a file or a folder with its content as far as possible; for tidying up after a failure.
+  // What links lead to stays.
   virtual void removeQuietly(const std::filesystem::path& path) noexcept = 0;
 };
 

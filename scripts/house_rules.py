@@ -79,7 +79,7 @@ OS_FOLDERS = (
     "platform/Posix/", "platform/Windows/", "Os/Posix/", "Os/Windows/", "midapi/Posix/", "midapi/Windows/",
     "daemon/Posix/", "http/Posix/",
     "cli/Posix/", "cli/Windows/", "agent/Posix/", "agent/Windows/", "inventory/Posix/",
-    "inventory/Windows/", "bench/Posix/",
+    "inventory/Windows/", "bench/Posix/", "packaging/windows/",
 )
 # Tests may include an OS header anywhere; conditionals stay in folders named for a platform.
 OS_HEADERS_ALSO_IN = ("tests/",)

@@ -17,7 +17,7 @@ namespace {
 
 // The system's table of handles, as ntdll.dll gives it out.
 struct TableEntry {
-  void* object;  // null, or the same for all, for users who are not to know
+  void* object;  // null for users who are not to know
   ULONG_PTR process;
   ULONG_PTR handle;
   ULONG access;

@@ -48,7 +48,9 @@ class WindowsLogSinks : public LogSinks {
     if (ReportEventA(source, EVENTLOG_ERROR_TYPE, 0, 0, nullptr, 1, 0, &text, nullptr) == FALSE) {
       reportProblem("ReportEvent ", text);
     }
-    DeregisterEventSource(source);
+    if (DeregisterEventSource(source) == FALSE && source != nullptr) {
+      reportProblem("DeregisterEventSource", "");
+    }
   }
 
   // Tells the debugger of the system's last error; of its number alone where there is no memory.

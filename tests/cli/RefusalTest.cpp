@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <sstream>
 
+#include "cli/LocalWords.h"
 #include "cli/Refusal.h"
 #include "client/BrokerConnection.h"
 #include "tests/Os/HungDirectory.h"
@@ -38,7 +39,7 @@ TEST(RefusalAdvice, FollowsTheReason) {
               HasSubstr("IMG_UEFI"));
   EXPECT_THAT(adviceFor("EInvalidParameter:Invalid parameter detected for file:///x"),
               HasSubstr("damaged"));
-  EXPECT_THAT(adviceFor("EInvalidUri:x"), HasSubstr("file:///"));
+  EXPECT_THAT(adviceFor("EInvalidUri:x"), HasSubstr(cli::toLocalWords("file:///path/to/image")));
   EXPECT_THAT(adviceFor("EUriDoesNotExist:x"), HasSubstr("check the path"));
   EXPECT_THAT(adviceFor("EAdapterNotSupported:x"), HasSubstr("another device"));
   EXPECT_THAT(adviceFor("ENotApplicableForTarget:x"), HasSubstr("cannot be replaced"));

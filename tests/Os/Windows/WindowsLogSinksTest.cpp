@@ -27,6 +27,7 @@ constexpr const char* kErrorLine = "OrvexQuorvel: Some:2:act: error: e %n\n";
 std::vector<std::string> s_calls;
 DWORD s_registerError = 0;
 DWORD s_reportError = 0;
+DWORD s_deregisterError = 0;
 std::optional<test::FailingCall> s_noMemory;
 
 HANDLE sourceHandle() {
@@ -66,7 +67,8 @@ BOOL WINAPI reportWithoutMemory(HANDLE, WORD, WORD, DWORD, PSID, WORD, DWORD, co
 
 BOOL WINAPI deregisterSource(HANDLE source) {
   s_calls.push_back(format("deregister %s", nameOf(source)));
-  return source != nullptr ? TRUE : FALSE;
+  SetLastError(s_deregisterError);
+  return source != nullptr && s_deregisterError == 0 ? TRUE : FALSE;
 }
 
 void WINAPI debugOutput(const char* text) {
@@ -85,6 +87,7 @@ class WindowsLogSinks : public testing::Test {
     s_calls.clear();
     s_registerError = 0;
     s_reportError = 0;
+    s_deregisterError = 0;
   }
   ~WindowsLogSinks() override { utils::exchangeLogSinks(m_previous); }
 
@@ -145,6 +148,16 @@ TEST_F(WindowsLogSinks, TellTheDebuggerOfAReportThatFailed) {
                           reportOf("the source", kErrorLine),
                           std::string("debugger: Problem 5 with ReportEvent ") + kErrorLine + "\n",
                           "deregister the source", std::string("debugger: ") + kErrorLine));
+}
+
+TEST_F(WindowsLogSinks, TellTheDebuggerOfASourceThatStaysRegistered) {
+  s_deregisterError = ERROR_INVALID_HANDLE;
+  utils::logError(kLog, {"act", 2}, "%s", "e %n");
+
+  EXPECT_THAT(s_calls, ElementsAre("register Zolan Quorvel Provider on this machine",
+                                   reportOf("the source", kErrorLine), "deregister the source",
+                                   "debugger: Problem 6 with DeregisterEventSource\n",
+                                   std::string("debugger: ") + kErrorLine));
 }
 
 TEST_F(WindowsLogSinks, TellTheDebuggerOfTheNumberAloneWithoutMemory) {

@@ -13,6 +13,7 @@
 #include "tests/support/CurrentDirectory.h"
 #include "tests/support/QuorvelFixture.h"
 #include "tests/support/Settings.h"
+#include "tests/support/Windows/OtherProgram.h"
 #include "tests/support/Windows/Umlauts.h"
 
 namespace {
@@ -188,6 +189,21 @@ TEST_F(WindowsProgramTest, SaysThatTheImageIsInUse) {
   expectFailure({"update", kPort, rom},
                 AllOf(HasSubstr("it is in use by another program"),
                       HasSubstr("next: end the program that has the file open")));
+}
+
+TEST_F(WindowsProgramTest, NamesThoseWhoHaveTheFlashLockOpen) {
+  test::Settings settings(test::SettingsScope::Machine);
+  settings.write({{"Timeout", 100U}});
+  const platform::Handle semaphore(CreateSemaphoreA(nullptr, 1, 1, "Global\\RavlApplySemaphore"));
+  test::OtherProgram other;
+  ASSERT_TRUE(other.lock());
+  const ProgramResult result = run({"update", kPort, writeRom("new.rom", {pxe(3)})});
+  EXPECT_EQ(result.exitStatus, 1);
+  EXPECT_THAT(result.errors,
+              AllOf(HasSubstr("the flash was held by another program; its semaphore is open in "
+                              "quorvel_program_test.exe, process " +
+                              std::to_string(GetCurrentProcessId())),
+                    HasSubstr("next: wait until"), HasSubstr("end them all")));
 }
 
 TEST_F(WindowsProgramTest, UpdatesFromPathsOfAnyLength) {

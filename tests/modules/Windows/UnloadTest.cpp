@@ -2,7 +2,10 @@
 // go again.
 
 #include <gmock/gmock.h>
+#include <string>
+#include <vector>
 
+#include "Utils/Conversions.h"
 #include "tests/modules/Firmware.h"
 #include "tests/modules/ModuleHost.h"
 #include "tests/support/Programs.h"
@@ -72,6 +75,17 @@ TEST_F(Unload, IsCleanAfterAnUpdateThatHadNoFlashLock) {
       HasSubstr("\nOrvexQuorvel: no update can be made, since the flash lock cannot be had: "));
   EXPECT_EQ(result.exitStatus, 0);
   EXPECT_EQ(flash(), m_old);
+}
+
+TEST(UnloadOfTheCore, LeavesNoHandles) {
+  const test::ProgramResult result = test::runProgram(
+      test::programBeside("handles_probe"),
+      {"handles_module.dll", "OrvexSoftwareInventoryAgent.dll", "OrvexSoftwareUpdateAgent.dll"});
+  EXPECT_EQ(result.exitStatus, 0) << result.output << result.errors;
+  // What the system opens on the first use stays.
+  const std::vector<std::string> counts = utils::split(result.output, '\n', utils::kNoQuote);
+  ASSERT_EQ(counts.size(), 6U) << result.output;
+  EXPECT_EQ(counts[4], counts[1]) << result.output;
 }
 
 }  // namespace

@@ -1,0 +1,7 @@
+#include "Utils/Lasting.h"
+
+namespace utils {
+
+void destroyAtUnload(void (* /*destroy*/)()) noexcept {}
+
+}  // namespace utils
