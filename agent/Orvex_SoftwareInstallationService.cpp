@@ -71,23 +71,25 @@ bool isForTarget(const UpdateMethod& method, const core::CimProperty& source,
   return !target.isNull();
 }
 
-// Returns the instance at the path, null when there is none.
-core::CimInstance* findInstance(const UpdateMethod& method, const std::string& path) {
-  core::CimInstance* instance = core::GetCimBroker().getInstanceByPath(core::CimPath(path));
+// Returns the instance that the argument names, null when there is none.
+core::CimInstance* findInstance(const UpdateMethod& method, const agent::PathArgument& argument) {
+  core::CimInstance* instance = core::GetCimBroker().getInstanceByPath(argument.path);
   if (instance == nullptr) {
     utils::logDebug(kLog, method.function, "%sFirmware Update cannot find instance '%s'",
-                    method.lookUp, path.c_str());
+                    method.lookUp, argument.text.c_str());
   }
   return instance;
 }
 
-// Returns the URI of the file of the software identity at the path; nothing when there is no such
-// identity, or it is no firmware image that can be installed.
-std::optional<std::string> findUri(const UpdateMethod& method, const std::string& path) {
-  core::CimInstance* instance = findInstance(method, path);
+// Returns the URI of the file of a software identity; nothing when there is no such identity, or it
+// is no firmware image that can be installed.
+std::optional<std::string> findUri(const UpdateMethod& method,
+                                   const agent::PathArgument& argument) {
+  core::CimInstance* instance = findInstance(method, argument);
   if (instance == nullptr) {
     return std::nullopt;
   }
+  const std::string& path = argument.text;
   const auto* source = dynamic_cast<Orvex_SoftwareIdentity*>(instance);
   if (source == nullptr || instance->getClassName() != Orvex_SoftwareIdentity::kClassName) {
     utils::logDebug(kLog, method.function, "%sFirmware Update does not support source '%s'",
@@ -127,11 +129,12 @@ struct Target {
   cim::InstallReturn refusal = cim::kInvalidParameter;
 };
 
-Target resolveTarget(const UpdateMethod& method, const std::string& path) {
-  core::CimInstance* instance = findInstance(method, path);
+Target resolveTarget(const UpdateMethod& method, const agent::PathArgument& argument) {
+  core::CimInstance* instance = findInstance(method, argument);
   if (instance == nullptr) {
     return {};
   }
+  const std::string& path = argument.text;
   const std::optional<std::string> port = agent::findTargetPort(*instance);
   if (!port) {
     utils::logDebug(kLog, method.function, "Firmware Update does not support target '%s'",
@@ -197,7 +200,7 @@ cim::InstallReturn translate(const UpdateMethod& method, std::int32_t result,
 // A request whose arguments have been read.
 struct Update {
   std::string uri;
-  std::string targetPath;
+  const agent::PathArgument& target;
   std::vector<std::uint16_t> installOptions;
   std::vector<std::string> installOptionsValues;
 };
@@ -207,7 +210,7 @@ struct Update {
 // is null.
 std::uint32_t processUpdate(const UpdateMethod& method, const Update& update,
                             core::CimInstance** job) {
-  const Target target = resolveTarget(method, update.targetPath);
+  const Target target = resolveTarget(method, update.target);
   if (target.identity.empty()) {
     return target.refusal;
   }
@@ -223,7 +226,7 @@ std::uint32_t processUpdate(const UpdateMethod& method, const Update& update,
   } catch (...) {
     // The job class answers refusals by numbers; what it throws is a want of memory.
     utils::logDebug(kLog, method.function, "Allocation error occured for '%s'",
-                    update.targetPath.c_str());
+                    update.target.text.c_str());
     return cim::kNotEnoughMemory;
   }
   if (method.create) {
@@ -231,7 +234,7 @@ std::uint32_t processUpdate(const UpdateMethod& method, const Update& update,
   } else {
     utils::logDebug(kLog, method.function, "Verification of image returns: %d", result);
   }
-  const cim::InstallReturn code = translate(method, result, update.targetPath);
+  const cim::InstallReturn code = translate(method, result, update.target.text);
   if (code == cim::kJobStarted && job != nullptr) {
     *job = created;
   }
@@ -266,7 +269,8 @@ std::uint32_t Orvex_SoftwareInstallationService::InstallFromSoftwareIdentity(
     return cim::kCollectionNotSupported;
   }
   agent::expectValues({&options, &source, &target});
-  agent::expectPaths({&source, &target});
+  const agent::PathArgument sourcePath(source);
+  const agent::PathArgument targetPath(target);
   utils::logDebug(kLog, method.function, "Starting arguments verification success");
   // The identity says which image types it holds, so a request may not choose among them.
   if (!agent::areOptionsSupported(options.getValue()) ||
@@ -274,12 +278,11 @@ std::uint32_t Orvex_SoftwareInstallationService::InstallFromSoftwareIdentity(
     utils::logDebug(kLog, method.function, "One of value of InstallOptions value is not supported");
     return cim::kInvalidParameter;
   }
-  const std::optional<std::string> uri = findUri(method, source.toString());
+  const std::optional<std::string> uri = findUri(method, sourcePath);
   if (!uri) {
     return cim::kInvalidParameter;
   }
-  return processUpdate(method, {*uri, target.toString(), options.getValue(), values.getValue()},
-                       job);
+  return processUpdate(method, {*uri, targetPath, options.getValue(), values.getValue()}, job);
 }
 
 std::uint32_t Orvex_SoftwareInstallationService::InstallFromURI(core::CimPropertyList* in,
@@ -292,13 +295,12 @@ std::uint32_t Orvex_SoftwareInstallationService::InstallFromURI(core::CimPropert
   const auto& options = arguments.expect<core::CimPropertyUint16_arr>("InstallOptions");
   const auto& values = arguments.expect<core::CimPropertyString_arr>("InstallOptionsValues");
   agent::expectValues({&uri, &target, &options});
-  agent::expectPaths({&target});
+  const agent::PathArgument targetPath(target);
   if (!agent::areOptionsSupported(options.getValue())) {
     return cim::kInvalidParameter;
   }
   return processUpdate(kInstallFromUri,
-                       {uri.getValue(), target.toString(), options.getValue(), values.getValue()},
-                       job);
+                       {uri.getValue(), targetPath, options.getValue(), values.getValue()}, job);
 }
 
 std::uint32_t Orvex_SoftwareInstallationService::CheckSoftwareIdentity(core::CimPropertyList* in,
@@ -316,7 +318,8 @@ std::uint32_t Orvex_SoftwareInstallationService::CheckSoftwareIdentity(core::Cim
     return cim::kCollectionNotSupported;
   }
   agent::expectValues({&source, &target});
-  agent::expectPaths({&source, &target});
+  const agent::PathArgument sourcePath(source);
+  const agent::PathArgument targetPath(target);
   utils::logDebug(kLog, method.function, "Starting arguments verification success");
   if (!characteristics.getValue().empty()) {
     utils::logDebug(kLog, method.function,
@@ -324,11 +327,11 @@ std::uint32_t Orvex_SoftwareInstallationService::CheckSoftwareIdentity(core::Cim
                     "value is not supported.");
     return cim::kInvalidParameter;
   }
-  const std::optional<std::string> uri = findUri(method, source.toString());
+  const std::optional<std::string> uri = findUri(method, sourcePath);
   if (!uri) {
     return cim::kInvalidParameter;
   }
-  const std::uint32_t code = processUpdate(method, {*uri, target.toString(), {}, {}}, job);
+  const std::uint32_t code = processUpdate(method, {*uri, targetPath, {}, {}}, job);
   if (code == cim::kCompletedWithNoError) {
     characteristics.setValue({cim::kNoRebootRequired});
   }

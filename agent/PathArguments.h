@@ -3,15 +3,22 @@
 #ifndef ORVEX_AGENT_PATHARGUMENTS_H_
 #define ORVEX_AGENT_PATHARGUMENTS_H_
 
-#include <initializer_list>
+#include <string>
 
+#include "core/CimPath.h"
 #include "core/CimPropertyRef.h"
 
 namespace agent {
 
-// Throws utils::ESyntaxError when one of the arguments is no object path: the first of them. To be
-// called where a method reads its arguments: what it finds out later is told by its return value.
-void expectPaths(std::initializer_list<const core::CimPropertyRef*> arguments);
+// An argument that names an instance, read once: what a method finds out later is told by its
+// return value.
+struct PathArgument {
+  // Throws utils::ESyntaxError when the argument is no object path.
+  explicit PathArgument(const core::CimPropertyRef& argument);
+
+  const std::string text;
+  const core::CimPath path;
+};
 
 }  // namespace agent
 

@@ -16,8 +16,10 @@ TEST(PathArguments, AreObjectPathsOrFaults) {
   path.setText("Test_Class.Key=\"value\"");
   core::CimPropertyRef text("Target", nullptr);
   text.setText("malformed");
-  EXPECT_NO_THROW(agent::expectPaths({&path, &path}));
-  EXPECT_THROW(agent::expectPaths({&path, &text}), utils::ESyntaxError);
+  const agent::PathArgument argument(path);
+  EXPECT_EQ(argument.text, "Test_Class.Key=\"value\"");
+  EXPECT_EQ(argument.path.getClassName(), "Test_Class");
+  EXPECT_THROW(const agent::PathArgument wrong(text), utils::ESyntaxError);
 }
 
 class PathArgumentsOf : public test::IdentityMethodFixture,
