@@ -14,6 +14,9 @@ constexpr utils::LogSource kLog{"CimAgent"};
 
 CimAgent::CimAgent(std::string name) : m_name(std::move(name)) {}
 
+// The interface passes names by value, and these operations only look at them.
+// NOLINTBEGIN(performance-unnecessary-value-param)
+
 bool CimAgent::hasClass(std::string className) {
   return m_classes.contains(className);
 }
@@ -29,6 +32,8 @@ InstanceList::Iterator CimAgent::getInstances(std::string className) {
                   className.c_str());
   return cimClass->getInstances();
 }
+
+// NOLINTEND(performance-unnecessary-value-param)
 
 CimAgent::~CimAgent() = default;
 

@@ -45,6 +45,7 @@ void CimInstance::modify(CimPropertyList& newValues) {
   }
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the interface passes it by value
 std::uint32_t CimInstance::invokeMethod(std::string name, CimPropertyList* in, CimPropertyList* out,
                                         CimInstance** job) {
   constexpr const char* kFunction = "core::CimInstance::invokeMethod";

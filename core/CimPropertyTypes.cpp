@@ -14,6 +14,7 @@ template <class Property, class Value>
 bool copyFrom(const CimProperty& source, Value& value) {
   const auto* typed = dynamic_cast<const Property*>(&source);
   if (typed != nullptr) {
+    // NOLINTNEXTLINE(bugprone-signed-char-misuse): the number is taken, with its sign
     value = static_cast<Value>(typed->getValue());
   }
   return typed != nullptr;

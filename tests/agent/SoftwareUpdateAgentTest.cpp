@@ -1,5 +1,8 @@
+#include <atomic>
+#include <cstddef>
 #include <gmock/gmock.h>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "agent/ConcreteJobFactory.h"
@@ -55,6 +58,31 @@ TEST(SoftwareUpdateAgent, EnumeratesItsClasses) {
   EXPECT_EQ(agent.getInstances("Orvex_ConcreteJob").first(), nullptr);
   EXPECT_THAT([&agent] { static_cast<void>(agent.getInstances("Orvex_Nothing")); },
               test::ThrowsExactly<utils::Exception>("class Orvex_Nothing does not exists"));
+}
+
+TEST(SoftwareUpdateAgent, IsEnumeratedByManyThreadsAtOnce) {
+  constexpr int kThreads = 4;
+  std::atomic<int> ready{0};
+  std::atomic<int> wrong{0};
+  core::SoftwareUpdateAgent agent;
+  std::vector<std::thread> threads;
+  for (int i = 0; i < kThreads; ++i) {
+    threads.emplace_back([&] {
+      ++ready;
+      while (ready < kThreads) {
+        std::this_thread::yield();
+      }
+      for (std::size_t number = 0; number < 3; ++number) {
+        wrong += agent.getInstances(kClasses[number]).count() == 1 ? 0 : 1;
+      }
+      wrong += agent.getInstances("Orvex_ConcreteJob").count() == 0 ? 0 : 1;
+    });
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+
+  EXPECT_EQ(wrong, 0);
 }
 
 TEST(SoftwareUpdateAgent, NamesItselfInItsRecords) {
