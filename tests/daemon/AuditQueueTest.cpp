@@ -80,6 +80,13 @@ wbem::AuditRecord recordOf(const std::string& action, const std::string& result,
 
 class AuditQueueTest : public testing::Test {
  protected:
+  ~AuditQueueTest() override { m_sink.isStuck = false; }
+
+  // Has the queue give up soon at its end.
+  void shortenFarewell() {
+    m_limits.farewell = milliseconds(50);
+    m_queue = std::make_unique<AuditQueue>(m_sink, findAction, m_limits);
+  }
   void awaitRecords(std::size_t count) const {
     EXPECT_TRUE(test::waitUntil([&] { return m_sink.written().size() >= count; }))
         << m_sink.written().size();
@@ -128,7 +135,7 @@ class AuditQueueTest : public testing::Test {
       .mostWaiting = kMostWaiting,
       .mostOfAll = kMostOfAll,
       .patience = milliseconds(1),
-      .farewell = milliseconds(50),
+      .farewell = test::kDeadline,
       .now = [this] {
         if (m_isClockBroken) {
           ++m_faults;
@@ -265,7 +272,7 @@ TEST_F(AuditQueueTest, GoesOnWhenItsThreadMeetsAFault) {
 
 TEST_F(AuditQueueTest, DoesNotAskASinkAgainAndAgainThatRefusesAtOnce) {
   m_limits.patience = std::chrono::hours(1);
-  m_queue = std::make_unique<AuditQueue>(m_sink, findAction, m_limits);
+  shortenFarewell();
   m_sink.isStuck = true;
   m_queue->write(recordOf("Try", "0"));
   EXPECT_TRUE(test::waitUntil([this] { return m_sink.tries > 0; }));
@@ -274,6 +281,7 @@ TEST_F(AuditQueueTest, DoesNotAskASinkAgainAndAgainThatRefusesAtOnce) {
 }
 
 TEST_F(AuditQueueTest, EndsInTimeAndWritesElsewhereWhatTheSinkDoesNotTake) {
+  shortenFarewell();
   m_sink.isStuck = true;
   m_queue->write(recordOf("Try", "0"));
   m_queue->write(recordOf("Try", "4096"));
