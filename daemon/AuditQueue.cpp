@@ -76,12 +76,14 @@ AuditQueue::AuditQueue(AuditSink& sink, FindAction findAction, Limits limits)
       m_findAction(std::move(findAction)),
       m_limits(std::move(limits)),
       m_limit(kMostOfAKind, m_limits.now, kMostKinds),
+      m_loginLimit(kMostOfAKind, m_limits.now, kMostKinds),
       m_thread([this] { run(); }) {}
 
 AuditQueue::~AuditQueue() {
   {
     const platform::Lock lock(m_mutex);
     append(m_limit.takeAll());
+    append(m_loginLimit.takeAll());
     m_isOver = true;
     m_end = Clock::now() + m_limits.farewell;
   }
@@ -98,13 +100,18 @@ AuditQueue::~AuditQueue() {
 
 void AuditQueue::write(const wbem::AuditRecord& record) noexcept {
   const bool isAlways = isAlwaysWritten(record);
+  const bool isLogin = isOwn(record, kLogin);
+  const std::size_t room = isAlways  ? m_limits.mostOfAll
+                           : isLogin ? m_limits.mostWaiting / 2
+                                     : m_limits.mostWaiting;
   {
     const platform::Lock lock(m_mutex);
     try {
-      if (!isAlways && !m_limit.admits(ownerOf(record), kindOf(record), record)) {
+      Limit& limit = isLogin ? m_loginLimit : m_limit;
+      if (!isAlways && !limit.admits(ownerOf(record), kindOf(record), record)) {
         return;
       }
-      if (m_waiting.size() < (isAlways ? m_limits.mostOfAll : m_limits.mostWaiting)) {
+      if (m_waiting.size() < room) {
         m_waiting.push_back(record);
         m_changed.notify_all();
         return;
@@ -164,9 +171,8 @@ AuditQueue::Next AuditQueue::awaitNext() {
   while (!m_isOver && m_waiting.empty() &&
          m_changed.wait_until(m_mutex, turn) == std::cv_status::no_timeout) {
   }
-  if (m_waiting.size() < m_limits.mostWaiting) {
-    append(m_limit.takeEnded(m_limits.mostWaiting - m_waiting.size()));
-  }
+  appendEnded(m_limit);
+  appendEnded(m_loginLimit);
   if (isLossDue()) {
     next.loss = tellLoss(countLost(m_lost));
     next.lost = m_lost;
@@ -243,6 +249,12 @@ wbem::AuditRecord AuditQueue::toRecord(const Limit::Rest& rest) const {
 bool AuditQueue::isLossDue() const {
   return m_lost > 0 && (m_isSinkTaking || m_waiting.empty()) &&
          (m_isOver || m_limits.now() >= m_nextLoss);
+}
+
+void AuditQueue::appendEnded(Limit& limit) {
+  if (m_waiting.size() < m_limits.mostWaiting) {
+    append(limit.takeEnded(m_limits.mostWaiting - m_waiting.size()));
+  }
 }
 
 void AuditQueue::append(const std::vector<Limit::Rest>& rests) {

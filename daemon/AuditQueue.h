@@ -8,6 +8,9 @@
 // record each, and the rest one with their number. Of one client and user, few kinds are told
 // apart, and all actions that no class knows are one kind, since he can invent them.
 //
+// Logins that are refused, which anybody may try from anywhere, have kinds of their own and half of
+// the room.
+//
 // What has changed something always has its record: failures leave room for very many of these, and
 // what waits beyond that goes to the last resort at once.
 
@@ -98,6 +101,8 @@ class AuditQueue final : public wbem::Audit {
   [[nodiscard]] std::string kindOf(const wbem::AuditRecord& record) const;
   [[nodiscard]] wbem::AuditRecord toRecord(const Limit::Rest& rest) const;
   [[nodiscard]] bool isLossDue() const ORVEX_REQUIRES(m_mutex);
+  // Appends the counts of a limit that are due, as far as there is room for them.
+  void appendEnded(Limit& limit) ORVEX_REQUIRES(m_mutex);
   void append(const std::vector<Limit::Rest>& rests) ORVEX_REQUIRES(m_mutex);
 
   AuditSink& m_sink;
@@ -106,6 +111,7 @@ class AuditQueue final : public wbem::Audit {
   platform::Mutex m_mutex;
   std::condition_variable_any m_changed;
   Limit m_limit ORVEX_GUARDED_BY(m_mutex);
+  Limit m_loginLimit ORVEX_GUARDED_BY(m_mutex);
   // The thread alone takes records away, and only the first one.
   std::deque<wbem::AuditRecord> m_waiting ORVEX_GUARDED_BY(m_mutex);
   std::uint64_t m_lost ORVEX_GUARDED_BY(m_mutex) = 0;     // and not told of in a record

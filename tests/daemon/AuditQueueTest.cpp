@@ -80,6 +80,13 @@ wbem::AuditRecord recordOf(const std::string& action, const std::string& result,
 
 class AuditQueueTest : public testing::Test {
  protected:
+  ~AuditQueueTest() override { m_sink.isStuck = false; }
+
+  // Has the queue give up soon at its end.
+  void shortenFarewell() {
+    m_limits.farewell = milliseconds(50);
+    m_queue = std::make_unique<AuditQueue>(m_sink, findAction, m_limits);
+  }
   void awaitRecords(std::size_t count) const {
     EXPECT_TRUE(test::waitUntil([&] { return m_sink.written().size() >= count; }))
         << m_sink.written().size();
@@ -117,8 +124,8 @@ class AuditQueueTest : public testing::Test {
         << testing::PrintToString(m_sink.written());
   }
 
-  static constexpr int kMostWaiting = 20;
-  static constexpr int kMostOfAll = 60;
+  static constexpr int kMostWaiting = 40;
+  static constexpr int kMostOfAll = 120;
 
   std::atomic<bool> m_isClockBroken{false};
   std::atomic<unsigned> m_faults{0};
@@ -128,7 +135,7 @@ class AuditQueueTest : public testing::Test {
       .mostWaiting = kMostWaiting,
       .mostOfAll = kMostOfAll,
       .patience = milliseconds(1),
-      .farewell = milliseconds(50),
+      .farewell = test::kDeadline,
       .now = [this] {
         if (m_isClockBroken) {
           ++m_faults;
@@ -192,6 +199,34 @@ TEST_F(AuditQueueTest, TellsOfLossesOnceInAWhile) {
   EXPECT_EQ(failed + losses[0] + losses[1], std::size_t{kRounds * kFailures});
 }
 
+TEST_F(AuditQueueTest, LeavesRoomToOthersThanRefusedLogins) {
+  m_sink.isStuck = true;
+  for (int i = 0; i < kMostWaiting; ++i) {
+    m_queue->write(recordOf("Login", "refused", "anna", "192.0.2." + std::to_string(i)));
+  }
+  failAsUsers(kMostWaiting / 2);
+  m_sink.isStuck = false;
+  awaitRecord("Try of user19: 5");
+  EXPECT_THAT(lossesTold(), ElementsAre(unsigned{kMostWaiting / 2}));
+}
+
+// A client with addresses of many networks.
+TEST_F(AuditQueueTest, TellsTheFailuresOfOthersApartHoweverManyLoginsAreRefused) {
+  constexpr int kNetworks = 2000;
+  m_limits.mostWaiting = 10 * std::size_t{kNetworks};
+  m_queue = std::make_unique<AuditQueue>(m_sink, findAction, m_limits);
+  for (int i = 0; i < kNetworks; ++i) {
+    const std::string number = std::to_string(i);
+    m_queue->write(recordOf("Login", "refused", "anna", "2001:db8:0:" + number + "::1"));
+  }
+  for (int i = 0; i < 100; ++i) {
+    m_queue->write(recordOf("Try", "5", "bert"));
+  }
+  end();
+  EXPECT_THAT(m_sink.written(), Contains("Try of bert: 5 ... and 88 more of these in 5 s"));
+  EXPECT_THAT(m_sink.written(), Contains(testing::StartsWith(" of : ... and ")));
+}
+
 TEST_F(AuditQueueTest, DropsNothingThatHasChangedSomething) {
   m_sink.isStuck = true;
   failAsUsers(kMostWaiting);
@@ -237,7 +272,7 @@ TEST_F(AuditQueueTest, GoesOnWhenItsThreadMeetsAFault) {
 
 TEST_F(AuditQueueTest, DoesNotAskASinkAgainAndAgainThatRefusesAtOnce) {
   m_limits.patience = std::chrono::hours(1);
-  m_queue = std::make_unique<AuditQueue>(m_sink, findAction, m_limits);
+  shortenFarewell();
   m_sink.isStuck = true;
   m_queue->write(recordOf("Try", "0"));
   EXPECT_TRUE(test::waitUntil([this] { return m_sink.tries > 0; }));
@@ -246,6 +281,7 @@ TEST_F(AuditQueueTest, DoesNotAskASinkAgainAndAgainThatRefusesAtOnce) {
 }
 
 TEST_F(AuditQueueTest, EndsInTimeAndWritesElsewhereWhatTheSinkDoesNotTake) {
+  shortenFarewell();
   m_sink.isStuck = true;
   m_queue->write(recordOf("Try", "0"));
   m_queue->write(recordOf("Try", "4096"));
