@@ -70,7 +70,7 @@ std::optional<Entry> find(const std::string& text) {
   return Entry{found.attrib, found.size};
 }
 
-// The entry's own size is cut to 32 bits for who asks.
+// Sizes have 32 bits in the interface.
 bool isBelowLimit(const Entry& entry) {
   return entry.size <= std::numeric_limits<std::int32_t>::max();
 }

@@ -45,8 +45,8 @@ bool isMissing(DWORD error) {
   return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
 }
 
-// Returns whether the error may be that of a file that somebody has open: what is shared in other
-// ways than replacing, or removing, needs is forbidden to do.
+// Returns whether the error may be that of a file that somebody has open: to replace one is
+// forbidden then, as it is for whoever has no right to.
 bool mayBeInUse(DWORD error) {
   return error == ERROR_ACCESS_DENIED || platform::isInUse(error);
 }
