@@ -171,9 +171,9 @@ void AdapterUpdate::decide(const NewFlash& flash, const DescriptionChange& chang
   }
   try {
     m_files.replace(flash.file.path(), m_folder.flashPath());
-  } catch (const FileFault&) {
+  } catch (const FileFault& fault) {
     // Where that cannot be told, the journal stays and decides.
-    if (isStillThere(m_files, flash.file.path()).value_or(false)) {
+    if (!wasPlaced(m_files, flash.file.path(), fault).value_or(true)) {
       giveUpJournal();
       throw;
     }

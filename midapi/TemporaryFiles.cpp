@@ -65,9 +65,14 @@ std::optional<std::string> baseOfTemporary(const std::filesystem::path& name) {
   return shown.substr(0, mark);
 }
 
-std::optional<bool> isStillThere(FileSystem& files, const std::filesystem::path& path) noexcept {
+std::optional<bool> wasPlaced(FileSystem& files, const std::filesystem::path& temporary,
+                              const FileFault& fault) noexcept {
+  // Where it was missing, somebody else has taken it away.
+  if (fault.isMissingFile()) {
+    return false;
+  }
   try {
-    return files.exists(path);
+    return !files.exists(temporary);
   } catch (const FileFault&) {
     return std::nullopt;
   }
@@ -76,8 +81,8 @@ std::optional<bool> isStillThere(FileSystem& files, const std::filesystem::path&
 void putInPlace(FileSystem& files, TemporaryPath& temporary, const std::filesystem::path& path) {
   try {
     files.replace(temporary.path(), path);
-  } catch (const FileFault&) {
-    if (isStillThere(files, temporary.path()).value_or(true)) {
+  } catch (const FileFault& fault) {
+    if (!wasPlaced(files, temporary.path(), fault).value_or(false)) {
       throw;
     }
   }

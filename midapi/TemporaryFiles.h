@@ -48,10 +48,11 @@ class TemporaryPath {
   bool m_kept = false;
 };
 
-// Returns whether something has the path of a temporary file or folder; nothing where that cannot
-// be told.
-[[nodiscard]] std::optional<bool> isStillThere(FileSystem& files,
-                                               const std::filesystem::path& path) noexcept;
+// Returns whether a temporary file or folder has the place of another although replace() failed so:
+// where the disk did not confirm it. Nothing where that cannot be told.
+[[nodiscard]] std::optional<bool> wasPlaced(FileSystem& files,
+                                            const std::filesystem::path& temporary,
+                                            const FileFault& fault) noexcept;
 
 // Puts a temporary file or folder in the place of another, and keeps it. What the disk is slow to
 // confirm is in its place all the same, and no failure: there is no way back.

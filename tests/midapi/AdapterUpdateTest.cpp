@@ -12,6 +12,7 @@
 
 #include "midapi/AdapterUpdate.h"
 #include "midapi/BoundedJson.h"
+#include "midapi/TemporaryFiles.h"
 #include "tests/midapi/AdapterFixture.h"
 #include "tests/midapi/WatchedFileSystem.h"
 #include "tests/support/FakeClock.h"
@@ -317,6 +318,28 @@ TEST_F(BrokenUpdate, ChangesNothingWhereItFailsAndAllWhereItDoesNot) {
         });
     EXPECT_GE(failures, 20);
   }
+}
+
+// Who cleans a disk may know the endings of temporary files.
+TEST_F(BrokenUpdate, FailsWhereItsNewFilesAreTakenAway) {
+  int failures = 0;
+  atEachMoment(
+      [&](const std::string&, const Path&) {
+        for (const std::string& name : files()) {
+          if (ma::baseOfTemporary(name)) {
+            std::filesystem::remove(folder().path() / name);
+          }
+        }
+      },
+      [&] {
+        const auto [code, text] = faultOf([&] { runUpdate(); });
+        forget();
+        failures += code != 0 ? 1 : 0;
+        settleUpdate(nativeFileSystem(), folder());
+        EXPECT_EQ(state(), code == 0 ? "new" : "old") << text;
+        expectNextUpdateToTidyUp();
+      });
+  EXPECT_GE(failures, 10);
 }
 
 // A change of one file has no journal: a disk that is slow to confirm the new one has it all the

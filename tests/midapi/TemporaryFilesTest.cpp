@@ -12,7 +12,6 @@ namespace {
 
 using ma::baseOfTemporary;
 using ma::FileFault;
-using ma::isStillThere;
 using ma::putInPlace;
 using ma::replaceContent;
 using ma::sweepTemporaryFiles;
@@ -91,7 +90,13 @@ TEST_F(PutInPlace, FailsWhereTheOldFileStays) {
   m_files.beforeStep = WatchedFileSystem::failAsFullDisk;
   EXPECT_THAT(put(), HasSubstr("No space left"));
   EXPECT_EQ(content(), "old");
-  EXPECT_EQ(isStillThere(m_files, m_directory.path() / "file.new"), false);
+  EXPECT_FALSE(m_files.exists(m_directory.path() / "file.new"));
+}
+
+TEST_F(PutInPlace, FailsWhereTheNewFileHasBeenTakenAway) {
+  m_files.beforeReplace = [this] { std::filesystem::remove(m_directory.path() / "file.new"); };
+  EXPECT_THAT(put(), HasSubstr("No such file"));
+  EXPECT_EQ(content(), "old");
 }
 
 TEST_F(PutInPlace, DoesNotFailWhereTheDiskIsSlowToConfirm) {
