@@ -16,7 +16,7 @@ std::string getMachineName() {
   std::array<char, HOST_NAME_MAX + 1> name{};
   // What a machine has that nobody has named.
   constexpr const char* kNone = "(none)";
-  if (gethostname(name.data(), name.size() - 1) != 0 || std::strcmp(name.data(), kNone) == 0) {
+  if (gethostname(name.data(), name.size()) != 0 || std::strcmp(name.data(), kNone) == 0) {
     return {};
   }
   return name.data();

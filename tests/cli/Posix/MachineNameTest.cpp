@@ -1,5 +1,6 @@
 // What machines are called that only their system names.
 
+#include <climits>
 #include <nlohmann/json.hpp>
 #include <sched.h>
 #include <string>
@@ -39,7 +40,9 @@ class MachineNameTest : public test::QuorvelFixture {
 };
 
 TEST_F(MachineNameTest, AreTwoOfTwoMachines) {
-  for (const char* name : {"server1", "server2.example"}) {
+  const std::string longest(HOST_NAME_MAX, 'h');
+  for (const std::string& name :
+       {std::string("server1"), std::string("server2.example"), longest}) {
     test::ChildProcess machine([&](test::ChildProcess::Link&) { return nameOf(name); });
     const int answer = machine.wait();
     if (answer == kNotPossible) {
