@@ -96,6 +96,17 @@ void yieldUnlessWriting(InterruptGuard& guard, std::ostream& err) {
       << std::endl;
 }
 
+// Tells why the program goes on although the terminal wanted to stop it.
+void refuseStop(std::ostream& err, bool isWaiting) {
+  err << "quorvel: the stop is refused: "
+      << (isWaiting
+              ? "a program that waits for the flash could be given it while it is stopped, and "
+                "would keep it from all others"
+              : "a stopped program would keep the machine's flash from all others, and this "
+                "one half written")
+      << std::endl;
+}
+
 client::JobReport follow(Watch& watch, const client::Connection& connection, ProgressView& view,
                          InterruptGuard& guard, std::ostream& err, Clock::time_point start) {
   const bool isOwnJob = !connection.isRemote();
@@ -109,9 +120,7 @@ client::JobReport follow(Watch& watch, const client::Connection& connection, Pro
     }
     if (guard.takeStop()) {
       view.endLine();
-      err << "quorvel: the stop is refused: a stopped program would keep the machine's flash from "
-             "all others, and this one half written"
-          << std::endl;
+      refuseStop(err, isOwnJob && !os::OSLocker::describeAwaited().empty());
     }
     if (report) {
       report->elapsed = std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - start);

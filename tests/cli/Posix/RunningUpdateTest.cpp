@@ -93,6 +93,22 @@ TEST_F(RunningUpdateTest, EndsWithoutAWriteWhenItIsInterruptedWhileItWaitsForThe
   EXPECT_EQ(flash(), test::readBytes(rom));
 }
 
+TEST_F(RunningUpdateTest, GoesOnWaitingForTheFlashWhenItIsToStop) {
+  addPxeAdapter(kAdapter);
+  const std::string rom = writeRom("new.rom", {pxe(3)});
+  std::optional<OtherUpdater> other(std::in_place);
+  RunningQuorvel quorvel({"update", kPort, rom}, OutputTo::Pipe, environment());
+  ASSERT_TRUE(quorvel.awaitOutput("waiting for the flash: quorvel_program_test"));
+  quorvel.signal(SIGTSTP);
+  EXPECT_TRUE(
+      quorvel.awaitErrors("quorvel: the stop is refused: a program that waits for the flash "
+                          "could be given it while it is stopped, and would keep it from "
+                          "all others\n"));
+  other.reset();
+  EXPECT_EQ(quorvel.finish().exitStatus, 0);
+  EXPECT_EQ(flash(), test::readBytes(rom));
+}
+
 TEST_F(RunningUpdateTest, WaitsForTheFlashAsLongAsItIsTold) {
   addPxeAdapter(kAdapter);
   const test::Bytes old = flash();
