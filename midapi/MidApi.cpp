@@ -292,6 +292,8 @@ bool updateCapabilityWord(const std::string& adapter, std::vector<utils::Firmwar
       types = typesToBe(port);
       word = capabilityWordOf(types);
     }
+    // In a FlashUpdate, the new image takes its place now.
+    const platform::StayAwake awake;
     backend().setCapabilityWord(port, word);
   });
 }

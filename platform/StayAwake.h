@@ -1,6 +1,7 @@
 // Keeps the machine from going to sleep by itself, for want of a user, while this object lives.
 //
-// Whoever sends it to sleep on purpose is not kept from it. Belongs to the thread that made it.
+// Whoever sends it to sleep on purpose is not kept from it. Belongs to the thread that made it,
+// which asks afterwards for what it asked for before.
 // Defined per platform: on POSIX nothing is asked of anybody, for a system puts itself to sleep
 // only on behalf of a desktop's session, which whoever updates there can hold off
 // (systemd-inhibit).
@@ -16,6 +17,9 @@ class StayAwake {
   StayAwake(const StayAwake&) = delete;
   StayAwake& operator=(const StayAwake&) = delete;
   ~StayAwake();
+
+ private:
+  [[maybe_unused]] const unsigned long m_before;  // what the thread asked for
 };
 
 }  // namespace platform

@@ -2,7 +2,7 @@
 
 namespace platform {
 
-StayAwake::StayAwake() = default;
+StayAwake::StayAwake() : m_before(0) {}
 
 StayAwake::~StayAwake() = default;
 

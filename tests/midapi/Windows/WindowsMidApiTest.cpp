@@ -25,6 +25,9 @@ TEST(WindowsMidApi, KeepsTheMachineAwakeWhileItWritesAFlash) {
                                   static_cast<std::uint32_t>(image.size()), code, text));
   constexpr EXECUTION_STATE kAwake = ES_CONTINUOUS | ES_SYSTEM_REQUIRED;
   EXPECT_THAT(states.all(), ElementsAre(kAwake, ES_CONTINUOUS));
+
+  EXPECT_TRUE(ma::updateCapabilityWord("0000:03:00.0", {}, code, text));
+  EXPECT_THAT(states.all(), ElementsAre(kAwake, ES_CONTINUOUS, kAwake, ES_CONTINUOUS));
 }
 
 }  // namespace

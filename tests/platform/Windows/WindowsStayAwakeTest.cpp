@@ -17,4 +17,11 @@ TEST(WindowsStayAwake, IsAskedOfTheSystemAndTakenBack) {
   EXPECT_THAT(states.all(), ElementsAre(kAwake, ES_CONTINUOUS));
 }
 
+TEST(WindowsStayAwake, LeavesWhatWasAskedForBefore) {
+  constexpr EXECUTION_STATE kDisplay = ES_CONTINUOUS | ES_DISPLAY_REQUIRED;
+  const EXECUTION_STATE before = SetThreadExecutionState(kDisplay);
+  { const platform::StayAwake awake; }
+  EXPECT_EQ(SetThreadExecutionState(ES_CONTINUOUS | before), kDisplay);
+}
+
 }  // namespace

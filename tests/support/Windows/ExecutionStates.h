@@ -27,8 +27,9 @@ class ExecutionStates {
     return states;
   }
   static EXECUTION_STATE WINAPI note(EXECUTION_STATE state) {
+    const EXECUTION_STATE before = noted().empty() ? ES_CONTINUOUS : noted().back();
     noted().push_back(state);
-    return ES_CONTINUOUS;
+    return before;
   }
 
   ImportPatch m_patch;
