@@ -3,9 +3,13 @@
 
 #include <functional>
 #include <gmock/gmock.h>
+#include <netinet/in.h>
 #include <string>
+#include <sys/socket.h>
 #include <unistd.h>
+#include <vector>
 
+#include "platform/Posix/Descriptor.h"
 #include "tests/daemon/Posix/QuorveldFixture.h"
 #include "tests/support/Posix/ChildProcess.h"
 
@@ -50,6 +54,23 @@ class LocalUsersTest : public test::QuorveldFixture {
     start();
   }
 
+  // Sends a request but its body, and returns when the server has said something: that it waits for
+  // the rest, or that there is no place.
+  [[nodiscard]] platform::Descriptor beginRequest() {
+    platform::Descriptor connection(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(daemon().port());
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    EXPECT_EQ(
+        connect(connection.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0);
+    std::string head = kEnumerate.substr(0, kEnumerate.find("\r\n\r\n"));
+    head += "\r\nExpect: 100-continue\r\n\r\n";
+    static_cast<void>(::send(connection.get(), head.data(), head.size(), MSG_NOSIGNAL));
+    char byte = 0;
+    static_cast<void>(::recv(connection.get(), &byte, 1, 0));
+    return connection;
+  }
   // Returns whether another user gets an answer with that in it.
   [[nodiscard]] bool isAnswered(const std::string& request, const std::string& text) const {
     ChildProcess child([&](ChildProcess::Link&) {
@@ -71,6 +92,30 @@ TEST_F(LocalUsersTest, OfOtherNumbersRead) {
   }
   EXPECT_TRUE(isAnswered(kEnumerate, "0000:03:00.0"));
   EXPECT_TRUE(isAnswered(kInvoke, "ERROR CODE=\"2\""));
+}
+
+// One of them who begins as many requests as there are places.
+TEST_F(LocalUsersTest, OfOtherNumbersLeaveAPlaceToRoot) {
+  if (geteuid() != 0) {
+    GTEST_SKIP() << "only root can become another user";
+  }
+  constexpr int kPlaces = 16;
+  start("max-connections = " + std::to_string(kPlaces) + "\n");
+  ChildProcess child([&](ChildProcess::Link& parent) {
+    if (seteuid(kUser) != 0) {
+      return 2;
+    }
+    std::vector<platform::Descriptor> begun;
+    for (int i = 0; i < kPlaces; ++i) {
+      begun.push_back(beginRequest());
+    }
+    parent.tell('b');
+    return parent.await('e') ? 0 : 3;
+  });
+  ASSERT_TRUE(child.link().await('b'));
+  EXPECT_THAT(health(), HasSubstr("HTTP/1.1 200 OK"));
+  child.link().tell('e');
+  EXPECT_EQ(child.wait(), 0);
 }
 
 TEST_F(LocalUsersTest, AreServedByALocalNameAlone) {
