@@ -20,13 +20,14 @@ namespace test {
 constexpr const char* kAdapter = "0000:03:00.0";
 
 class ConcreteJobFixture : public testing::Test {
- protected:
+ public:
   ~ConcreteJobFixture() override {
     m_midApi.releaseWrites();
     m_job.reset();
     agent::clearTargetInProgress();
   }
 
+ protected:
   std::unique_ptr<Orvex_ConcreteJob> makeJob(platform::Clock& clock = platform::steadyClock()) {
     return std::make_unique<Orvex_ConcreteJob>(
         kAdapter, 7,

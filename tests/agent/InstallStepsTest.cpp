@@ -71,10 +71,11 @@ TEST_F(FindTargetPort, IsNothingForAnotherClass) {
   EXPECT_EQ(find(m_siblings.addSoftwareIdentity()), std::nullopt);
 }
 
-TEST_F(FindTargetPort, TakesTheLastUriOfAFile) {
-  m_siblings.addResource("a", "file:///1");
-  m_siblings.addResource("b", "file:///2");
-  m_siblings.addResource("a", "file:///3");
+TEST(FindResourceUri, TakesTheLastOfAFile) {
+  test::FakeSiblings siblings;
+  siblings.addResource("a", "file:///1");
+  siblings.addResource("b", "file:///2");
+  siblings.addResource("a", "file:///3");
   EXPECT_EQ(agent::findResourceUri("a"), "file:///3");
   EXPECT_EQ(agent::findResourceUri("A"), "");
 }

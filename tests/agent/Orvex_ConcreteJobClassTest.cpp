@@ -34,7 +34,7 @@ constexpr const char* kSource = "Orvex_ConcreteJobClass";
 constexpr const char* kVerifyOrCreate = "Orvex_ConcreteJobClass::verifyOrCreateNewJob";
 
 class ConcreteJobClass : public testing::Test {
- protected:
+ public:
   ConcreteJobClass() { m_provider = std::make_unique<Orvex_ConcreteJobClass>(); }
   ~ConcreteJobClass() override {
     m_midApi.releaseWrites();
@@ -42,6 +42,7 @@ class ConcreteJobClass : public testing::Test {
     agent::clearTargetInProgress();
   }
 
+ protected:
   std::int32_t create(const std::string& target = kAdapter) { return call(target, true); }
   std::int32_t verify(const std::string& target = kAdapter) { return call(target, false); }
 

@@ -102,9 +102,9 @@ TEST_F(UnstartedJobsTest, WaitUntilThreadsCanBeStartedAgain) {
 // The time that a thread has to end begins when it should have been started.
 TEST_F(UnstartedJobsTest, EndTogetherWhereTheirTimeIsOver) {
   auto jobs = std::make_unique<agent::UnstartedJobs>();
-  std::vector<std::unique_ptr<Orvex_ConcreteJob>> notStarted;
-  for (int count = 0; count < 5; ++count) {
-    notStarted.push_back(takeJobThatDidNotStart());
+  std::vector<std::unique_ptr<Orvex_ConcreteJob>> notStarted(5);
+  for (auto& job : notStarted) {
+    job = takeJobThatDidNotStart();
   }
   {
     const test::NoMoreThreads noMoreThreads;
