@@ -1,12 +1,12 @@
 #include "tests/torture/Crowd.h"
 
 #include <cstdint>
-#include <cstdio>
 #include <fstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "midapi/Hex.h"
 #include "midapi/VirtualAdapters.h"
 #include "tests/midapi/AdapterFixture.h"
 #include "tests/torture/SystemCalls.h"
@@ -27,9 +27,8 @@ using Bytes = std::vector<std::uint8_t>;
 
 void makeAdapters(const AdapterFixture& adapters) {
   for (unsigned number = 0; number < kAdapters; ++number) {
-    char pci[sizeof("0000:00:00")];
-    std::snprintf(pci, sizeof(pci), "0000:%02x:%02x", (number / 32) & 0xFF, number % 32);
-    adapters.makeAdapter(pci, Bytes(512, 0xFF));
+    adapters.makeAdapter("0000:" + ma::hexText(number / 32, 2) + ":" + ma::hexText(number % 32, 2),
+                         Bytes(512, 0xFF));
   }
 }
 

@@ -12,11 +12,14 @@ bool toss(Disk::Random& random) {
 
 }  // namespace
 
-Disk::Disk(const Files& files) {
+Disk::Disk(const Files& files) : m_names(namesOf(files)), m_keptNames(m_names) {}
+
+Disk::Names Disk::namesOf(const Files& files) {
+  Names names;
   for (const auto& [path, content] : files) {
-    m_names[path] = std::make_shared<File>(File{content, content});
+    names[path] = std::make_shared<File>(File{content, content});
   }
-  m_keptNames = m_names;
+  return names;
 }
 
 void Disk::apply(const Change& change) {

@@ -45,6 +45,7 @@ class Disk {
   };
   using Names = std::map<std::string, std::shared_ptr<File>>;
 
+  [[nodiscard]] static Names namesOf(const Files& files);
   // Makes a change of names, of that file.
   static void apply(const Change& change, const std::shared_ptr<File>& file, Names& names);
   [[nodiscard]] static std::string contentAfter(const File& file, Loss loss, Random& random);
