@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <boost/asio/ip/host_name.hpp>
 #include <chrono>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -178,6 +179,17 @@ void finishJobs(wbem::Server& server, const ServiceManager& manager) {
       });
 }
 
+// An agent that cannot declare its classes does not keep the others from being served.
+ActionNames findActionNames() {
+  try {
+    return ActionNames(*core::GetCimBroker().getSchema());
+  } catch (const std::exception& fault) {
+    utils::logError(kLog, "quorveld::findActionNames",
+                    "The audit tells the methods of the agents not apart: %s", fault.what());
+    return ActionNames(core::CimSchema());
+  }
+}
+
 void serve(const DaemonConfig& config, std::ostream& out) {
   // All before anything that may start a thread.
   giveLargeBlocksBack();
@@ -190,7 +202,7 @@ void serve(const DaemonConfig& config, std::ostream& out) {
   loadAgents(config);
 
   SystemLogAudit systemLog;
-  const ActionNames names(*core::GetCimBroker().getSchema());
+  const ActionNames names = findActionNames();
   AuditQueue audit(systemLog, [&names](const std::string& action) { return names.find(action); });
   wbem::Server::Options options;
   options.nameSpace = utils::QuorvelConfig::getInstance()->getNamespace();
