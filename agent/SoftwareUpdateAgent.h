@@ -4,14 +4,16 @@
 #define ORVEX_AGENT_SOFTWAREUPDATEAGENT_H_
 
 #include "core/CimAgent.h"
+#include "core/ClassDeclarer.h"
 
 namespace core {
 
-class SoftwareUpdateAgent : public CimAgent {
+class SoftwareUpdateAgent : public CimAgent, public ClassDeclarer {
  public:
   SoftwareUpdateAgent();
   ~SoftwareUpdateAgent() override;
 
+  // ClassDeclarer
   void declareClasses(CimSchema& schema) const override;
 };
 

@@ -37,8 +37,6 @@ InstanceList::Iterator CimAgent::getInstances(std::string className) {
 
 CimAgent::~CimAgent() = default;
 
-void CimAgent::declareClasses(CimSchema&) const {}
-
 std::vector<std::string> CimAgent::getClassNames() const {
   std::vector<std::string> names;
   for (const CimClass* cimClass : m_classes.values()) {

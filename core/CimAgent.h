@@ -1,5 +1,8 @@
 // An agent: what the broker talks to. It has a name and a registry of class providers.
 //
+// The broker calls its three virtual operations. What an agent offers beside them is an interface
+// of its own, which it implements too: core/ClassDeclarer.h, core/FirmwareReader.h.
+//
 // Any thread may call. The registry is filled while the agent is constructed; look-ups lock it, the
 // provider's own work runs without that lock.
 
@@ -14,8 +17,6 @@
 
 namespace core {
 
-class CimSchema;
-
 class ORVEX_CORE_API CimAgent {
  public:
   explicit CimAgent(std::string name);
@@ -29,10 +30,6 @@ class ORVEX_CORE_API CimAgent {
   [[nodiscard]] virtual InstanceList::Iterator getInstances(std::string className);
 
   virtual ~CimAgent();
-
-  // Adds the classes that the agent serves to the schema, with those that they derive from or refer
-  // to (see core/DeclareClass.h); here none. Asks the broker for nothing.
-  virtual void declareClasses(CimSchema& schema) const;
 
   [[nodiscard]] const std::string& getName() const { return m_name; }
   // Returns the names of the classes that the agent serves, in order.

@@ -4,6 +4,7 @@
 
 #include "Utils/Assert.h"
 #include "Utils/Lasting.h"
+#include "core/ClassDeclarer.h"
 
 namespace core {
 namespace {
@@ -106,7 +107,9 @@ std::shared_ptr<const CimSchema> CimBroker::getSchema() {
   if (m_schema == nullptr) {
     const auto schema = std::make_shared<CimSchema>();
     for (const CimAgent* agent : m_agents) {
-      agent->declareClasses(*schema);
+      if (const auto* declarer = dynamic_cast<const ClassDeclarer*>(agent)) {
+        declarer->declareClasses(*schema);
+      }
     }
     m_schema = schema;
   }

@@ -48,9 +48,9 @@ class ORVEX_CORE_API CimBroker {
   // Returns the agents in the order in which they were added.
   [[nodiscard]] std::vector<CimAgent*> getAgents() const;
 
-  // Returns the declarations of the classes of all agents. The schema is complete and never
-  // changes: agents added later make the broker answer with another one. Throws what an agent's
-  // declareClasses throws.
+  // Returns the declarations of the classes of all agents that declare theirs (see
+  // core/ClassDeclarer.h). The schema never changes: agents added later make the broker answer with
+  // another one. Throws what an agent's declareClasses throws.
   [[nodiscard]] std::shared_ptr<const CimSchema> getSchema();
 
   // Asks all agents that serve the class, and returns a cursor over what they give, agent by agent,

@@ -196,16 +196,16 @@ FirmwareSearch::Known FirmwareSearch::Look::describe(const std::string& path, co
     return before->second;
   }
   Known made;
-  const std::vector<std::uint8_t> content = readAll(path, entry.size);
-  if (content.size() < entry.size) {
-    made.problem = "only " + std::to_string(content.size()) + " of its " +
-                   std::to_string(entry.size) + " bytes could be read";
+  const os::FileContent content = os::readContent(path, static_cast<std::int32_t>(entry.size));
+  const auto size = static_cast<std::uint32_t>(content.size);
+  if (size < entry.size) {  // it may have shrunk since
+    made.problem = "only " + std::to_string(size) + " of its " + std::to_string(entry.size) +
+                   " bytes could be read";
     return made;
   }
   auto file = std::make_shared<FirmwareFile>();
   file->path = path;
-  made.problem = ma::describeFlashImage(content.data(), static_cast<std::uint32_t>(content.size()),
-                                        file->images);
+  made.problem = ma::describeFlashImage(content.bytes.get(), size, file->images);
   if (made.problem.empty()) {
     made.file = std::move(file);
   }

@@ -8,16 +8,20 @@
 #include <string>
 
 #include "core/CimAgent.h"
+#include "core/ClassDeclarer.h"
 #include "core/FirmwareReader.h"
 #include "inventory/FirmwareFiles.h"
 
 namespace inventory {
 
-class SoftwareInventoryAgent : public core::CimAgent, public core::FirmwareReader {
+class SoftwareInventoryAgent : public core::CimAgent,
+                               public core::ClassDeclarer,
+                               public core::FirmwareReader {
  public:
   SoftwareInventoryAgent();
   ~SoftwareInventoryAgent() override;
 
+  // core::ClassDeclarer
   void declareClasses(core::CimSchema& schema) const override;
 
   // core::FirmwareReader

@@ -141,6 +141,14 @@ Versions tellVersions(core::CimBroker& broker, const std::string& adapter,
   }
 }
 
+std::string tellContent(const core::FirmwareReader& reader, std::span<const std::uint8_t> content) {
+  try {
+    return reader.describeFirmware(content);
+  } catch (const std::exception& exception) {
+    return std::string("not known: ") + exception.what();
+  }
+}
+
 bool installs(const std::string& method) {
   return std::find(std::begin(kMethods), std::end(kMethods), method) != std::end(kMethods);
 }
@@ -173,7 +181,7 @@ void fillInContent(core::CimBroker& broker, std::span<const std::uint8_t> conten
                    Installation& installation) {
   for (const core::CimAgent* agent : broker.getAgents()) {
     const auto* reader = dynamic_cast<const core::FirmwareReader*>(agent);
-    const std::string versions = reader != nullptr ? reader->describeFirmware(content) : "";
+    const std::string versions = reader != nullptr ? tellContent(*reader, content) : "";
     if (!versions.empty()) {
       installation.newVersions = versions;
       return;

@@ -36,10 +36,11 @@ bool isCrossing(const core::CimSchema& schema, const core::ClassDeclaration& dec
          std::all_of(declaration.properties.begin(), declaration.properties.end(), isReference);
 }
 
-std::vector<ServedClass> findServed(core::CimBroker& broker, const core::CimSchema& schema) {
+std::vector<ServedClass> findServed(const core::CimBroker& broker, const ShownClasses& shown) {
+  const core::CimSchema& schema = *shown.schema();
   std::vector<ServedClass> served;
   for (core::CimAgent* agent : broker.getAgents()) {
-    for (const std::string& className : agent->getClassNames()) {
+    for (const std::string& className : shown.getServed(*agent)) {
       const core::ClassDeclaration* declaration = schema.find(className);
       if (declaration == nullptr) {
         continue;  // nobody can ask for it
@@ -96,9 +97,12 @@ std::string toQualifiedPath(const Namespaces& namespaces, const std::string& pat
 
 }  // namespace
 
-Namespaces::Namespaces(core::CimBroker& broker, const std::string& agentsName)
-    : m_schema(broker.getSchema()) {
-  std::vector<ServedClass> served = findServed(broker, *m_schema);
+Namespaces::Namespaces(core::CimBroker& broker, const std::string& agentsName,
+                       const std::set<std::string>& named)
+    : m_declared(broker.getSchema()),
+      m_shown(broker, m_declared, named),
+      m_schema(m_shown.schema()) {
+  std::vector<ServedClass> served = findServed(broker, m_shown);
   m_agents = std::make_unique<Namespace>(agentsName, m_schema, served);
 
   const auto interopSchema = std::make_shared<core::CimSchema>();
@@ -129,6 +133,10 @@ Namespaces::Namespaces(core::CimBroker& broker, const std::string& agentsName)
 }
 
 Namespaces::~Namespaces() = default;
+
+bool Namespaces::isUpToDate(core::CimBroker& broker) const {
+  return m_declared == broker.getSchema() && !m_shown.hasNews(broker);
+}
 
 std::vector<std::string> Namespaces::names() const {
   return {m_agents->name(), m_interop->name()};

@@ -6,18 +6,20 @@
 // there, everything else of the agents is at home in the agents' namespace: references say so,
 // whichever namespace they are read in, so a client follows the conformance across both.
 //
-// Constant: a server makes another one when agents have been added.
+// Constant: a server makes another one when it is out of date.
 
 #ifndef ORVEX_WBEM_NAMESPACES_H_
 #define ORVEX_WBEM_NAMESPACES_H_
 
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "core/CimBroker.h"
 #include "wbem/Namespace.h"
+#include "wbem/ShownClasses.h"
 
 namespace wbem {
 
@@ -25,14 +27,20 @@ inline constexpr const char* kInteropName = "root/interop";
 
 class Namespaces {
  public:
-  // `agentsName` is the name of the agents' namespace.
-  Namespaces(core::CimBroker& broker, const std::string& agentsName);
+  // `agentsName` is the name of the agents' namespace. `named` are classes that requests have named
+  // (see wbem/ShownClasses.h). Throws what a provider throws.
+  Namespaces(core::CimBroker& broker, const std::string& agentsName,
+             const std::set<std::string>& named = {});
   Namespaces(const Namespaces&) = delete;
   Namespaces& operator=(const Namespaces&) = delete;
   ~Namespaces();
 
-  // Returns the broker's schema of which it was made.
-  [[nodiscard]] const core::CimSchema* schema() const { return m_schema.get(); }
+  // Returns whether what the agents declare and show is what it was made of.
+  [[nodiscard]] bool isUpToDate(core::CimBroker& broker) const;
+  // Returns the agents that declare none of their classes.
+  [[nodiscard]] const std::vector<core::CimAgent*>& silentAgents() const {
+    return m_shown.agents();
+  }
   [[nodiscard]] const Namespace& agents() const { return *m_agents; }
   [[nodiscard]] const Namespace& interop() const { return *m_interop; }
   // Returns the names of both.
@@ -44,7 +52,9 @@ class Namespaces {
   [[nodiscard]] const Namespace& homeOf(std::string_view className) const;
 
  private:
-  std::shared_ptr<const core::CimSchema> m_schema;
+  const std::shared_ptr<const core::CimSchema> m_declared;  // the broker's
+  const ShownClasses m_shown;
+  const std::shared_ptr<const core::CimSchema> m_schema;
   std::vector<std::unique_ptr<core::CimInstance>> m_ownInstances;
   std::unique_ptr<Namespace> m_agents;
   std::unique_ptr<Namespace> m_interop;

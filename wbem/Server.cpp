@@ -3,11 +3,13 @@
 #include <cstdint>
 #include <exception>
 #include <optional>
+#include <set>
 #include <span>
 #include <string_view>
 #include <utility>
 #include <variant>
 
+#include "Utils/Log.h"
 #include "Utils/Mutex.h"
 #include "cim/JobState.h"
 #include "cimxml/AnswerWriter.h"
@@ -17,14 +19,19 @@
 #include "wbem/Namespaces.h"
 #include "wbem/Operations.h"
 #include "wbem/PullEnumerations.h"
+#include "wbem/ShownClasses.h"
 #include "wbem/StartedJobs.h"
 #include "wbem/Status.h"
 
 namespace wbem {
 namespace {
 
+constexpr utils::LogSource kLog{"WbemServer"};
+
 constexpr const char* kJobClass = "CIM_ConcreteJob";
 constexpr const char* kNotSeen = "not known: the method has read another file than it was given";
+// Classes that no agent tells of and requests have named.
+constexpr std::size_t kMostNamed = 1000;
 constexpr const char* kSuccess = "CIM_ERR_SUCCESS";
 
 // Of what a client sent, in the text of an error and in a record: there may be a whole message.
@@ -94,12 +101,46 @@ struct Server::Implementation {
 
   // Returns the namespaces with the classes of all agents.
   std::shared_ptr<const Namespaces> getNamespaces() {
-    const std::shared_ptr<const core::CimSchema> schema = broker.getSchema();
     const utils::ScopedLock lock(namespacesMutex);
-    if (namespaces == nullptr || namespaces->schema() != schema.get()) {
-      namespaces = std::make_shared<const Namespaces>(broker, options.nameSpace);
+    if (namespaces == nullptr || !namespaces->isUpToDate(broker)) {
+      namespaces = std::make_shared<const Namespaces>(broker, options.nameSpace, namedClasses);
+      reportSilentAgents();
     }
     return namespaces;
+  }
+
+  void reportSilentAgents() ORVEX_REQUIRES(namespacesMutex) {
+    for (const core::CimAgent* agent : namespaces->silentAgents()) {
+      if (reportedAgents.insert(agent).second) {
+        utils::logError(kLog, "wbem::Server::getNamespaces",
+                        "Agent '%s' declares none of its classes; clients see of them what their "
+                        "instances show, and no methods",
+                        agent->getName().c_str());
+      }
+    }
+  }
+
+  // Returns the same, with the classes that the request names.
+  std::shared_ptr<const Namespaces> getNamespaces(const cimxml::Request& request) {
+    noteName(request.target.className);
+    for (const cimxml::Parameter& parameter : request.parameters) {
+      if (const auto* name = std::get_if<cimxml::ObjectName>(&parameter.value)) {
+        noteName(name->className);
+      }
+    }
+    return getNamespaces();
+  }
+
+  // Takes note of a class that an agent serves without having told of it.
+  void noteName(const std::string& className) {
+    if (className.empty() || getNamespaces()->agents().schema().find(className) != nullptr ||
+        !ShownClasses::isServed(broker, className)) {
+      return;
+    }
+    const utils::ScopedLock lock(namespacesMutex);
+    if (namedClasses.size() < kMostNamed && namedClasses.insert(className).second) {
+      namespaces = nullptr;
+    }
   }
 
   // Runs `run`; a failure becomes an error in the place of what was appended. Returns what the
@@ -126,7 +167,7 @@ struct Server::Implementation {
     if (operation->isChange) {
       demandOperator(caller, request.name);
     }
-    const std::shared_ptr<const Namespaces> all = getNamespaces();
+    const std::shared_ptr<const Namespaces> all = getNamespaces(request);
     const Namespace& nameSpace = all->demand(request.nameSpace);
     const OperationParameters parameters(request, operation->parameters);
     operation->run(
@@ -164,7 +205,7 @@ struct Server::Implementation {
     cimxml::beginMethodAnswer(out, request.messageId, request.name);
     change.setResult(attempt(out, [&] {
       demandOperator(caller, request.name);
-      invokeMethod(request, broker, *getNamespaces(), out, invocation);
+      invokeMethod(request, broker, *getNamespaces(request), out, invocation);
       return std::to_string(*invocation.returnValue);
     }));
     cimxml::endMethodAnswer(out);
@@ -199,6 +240,8 @@ struct Server::Implementation {
 
   utils::Mutex namespacesMutex;
   std::shared_ptr<const Namespaces> namespaces ORVEX_GUARDED_BY(namespacesMutex);
+  std::set<std::string> namedClasses ORVEX_GUARDED_BY(namespacesMutex);
+  std::set<const core::CimAgent*> reportedAgents ORVEX_GUARDED_BY(namespacesMutex);
 };
 
 Server::Server(core::CimBroker& broker, Audit& audit, Options options)

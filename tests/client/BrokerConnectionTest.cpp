@@ -3,6 +3,7 @@
 #include "client/BrokerConnection.h"
 #include "client/Fault.h"
 #include "core/CimPropertyRef.h"
+#include "core/ClassDeclarer.h"
 #include "tests/client/FakeService.h"
 #include "tests/support/LogCapture.h"
 
@@ -108,7 +109,7 @@ TEST_F(BrokerConnectionTest, CallsNoMethodOfAnInstanceThatIsNotThere) {
 }
 
 // Serves classes below one that it declares only: Base, then Second and First.
-class DeclaringAgent : public test::FakeAgent {
+class DeclaringAgent : public test::FakeAgent, public core::ClassDeclarer {
  public:
   DeclaringAgent() : FakeAgent("Declaring") {
     m_second.add(std::make_unique<test::FakeInstance>("Second_Part", "2"));

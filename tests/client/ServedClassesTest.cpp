@@ -3,6 +3,7 @@
 #include "client/BrokerConnection.h"
 #include "client/Fault.h"
 #include "client/ServedClasses.h"
+#include "core/ClassDeclarer.h"
 #include "tests/client/FakeAgent.h"
 
 namespace {
@@ -11,7 +12,7 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 // Declares a class that it does not serve, above one that it does.
-class DeclaringAgent : public test::FakeAgent {
+class DeclaringAgent : public test::FakeAgent, public core::ClassDeclarer {
  public:
   using FakeAgent::FakeAgent;
 

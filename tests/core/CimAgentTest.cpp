@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include "core/CimAgent.h"
-#include "core/CimSchema.h"
 #include "tests/core/TestInstance.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Throws.h"
@@ -135,12 +134,6 @@ TEST_F(CimAgentTest, PassesOnWhatTheProviderThrows) {
 
   EXPECT_THAT([&] { static_cast<void>(broken.getInstances("Test_Broken")); },
               ThrowsExactly<utils::EForbidden>("Quorvel: EForbidden:not today"));
-}
-
-TEST_F(CimAgentTest, DeclaresNoClassUnlessToldHow) {
-  core::CimSchema schema;
-  m_agent.declareClasses(schema);
-  EXPECT_THAT(schema.getDescendants(""), testing::IsEmpty());
 }
 
 TEST(CimAgentOperations, KeepTheOrderOfTheVirtualOnes) {

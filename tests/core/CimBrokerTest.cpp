@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/CimBroker.h"
+#include "core/ClassDeclarer.h"
 #include "tests/core/TestInstance.h"
 #include "tests/support/Throws.h"
 #include "tests/support/WaitUntil.h"
@@ -84,7 +85,7 @@ class BrokenAgent : public core::CimAgent {
 };
 
 // An agent that declares a class of the test's choice.
-class DeclaringAgent : public core::CimAgent {
+class DeclaringAgent : public core::CimAgent, public core::ClassDeclarer {
  public:
   explicit DeclaringAgent(std::string className)
       : CimAgent("Declaring"), m_className(std::move(className)) {}
@@ -322,6 +323,19 @@ TEST_F(CimBroker, KnowsTheDeclarationsOfAllAgents) {
   EXPECT_NE(schema->find("Test_Fan"), nullptr);
   EXPECT_NE(schema->find("Test_Disk"), nullptr);
   EXPECT_EQ(m_broker.getSchema(), schema);
+}
+
+TEST_F(CimBroker, TakesAnAgentThatDeclaresNothing) {
+  Agent silent;
+  DeclaringAgent fans("Test_Fan");
+  DeclaringAgent disks("Test_Disk");
+  silent.serve("Test_Cpu");
+  m_broker.addAgent(&silent);
+  m_broker.addAgent(&fans);
+
+  EXPECT_EQ(m_broker.getSchema()->getDescendants("").size(), 1U);
+  m_broker.addAgent(&disks);
+  EXPECT_EQ(m_broker.getSchema()->getDescendants("").size(), 2U);
 }
 
 TEST_F(CimBroker, LeavesASchemaThatWasGivenOutAsItIs) {

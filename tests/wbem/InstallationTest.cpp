@@ -156,6 +156,9 @@ class FakeReader final : public test::FakeAgent, public core::FirmwareReader {
   explicit FakeReader(std::string known) : m_known(std::move(known)) {}
 
   [[nodiscard]] std::string describeFirmware(std::span<const std::uint8_t> content) const override {
+    if (content.empty()) {
+      throw std::runtime_error("no content");
+    }
     return std::string(content.begin(), content.end()) == m_known ? "IMG_PXE 0.3" : "";
   }
 
@@ -168,15 +171,17 @@ TEST_F(InstalledTest, AreThoseOfTheContentWhereAnAgentKnowsIt) {
   FakeReader second("new");
   m_broker.addAgent(&first);
   m_broker.addAgent(&second);
-  const std::string content = "new";
   Installation installation;
   installation.newVersions = "IMG_PXE 0.2";
-  wbem::fillInContent(m_broker, {}, installation);
-  EXPECT_EQ(installation.newVersions, "IMG_PXE 0.2");
-  wbem::fillInContent(m_broker,
-                      {reinterpret_cast<const std::uint8_t*>(content.data()), content.size()},
-                      installation);
-  EXPECT_EQ(installation.newVersions, "IMG_PXE 0.3");
+  const auto fillIn = [&](const std::string& content) {
+    wbem::fillInContent(m_broker,
+                        {reinterpret_cast<const std::uint8_t*>(content.data()), content.size()},
+                        installation);
+    return installation.newVersions;
+  };
+  EXPECT_EQ(fillIn("unknown"), "IMG_PXE 0.2");
+  EXPECT_EQ(fillIn("new"), "IMG_PXE 0.3");
+  EXPECT_EQ(fillIn(""), "not known: no content");
 }
 
 TEST_F(InstalledTest, AreNotKnownWhereTheyCannotBeTold) {

@@ -18,6 +18,7 @@
 #include "cim/CIM_RegisteredProfile.h"
 #include "core/CimKeys.h"
 #include "core/CimPropertyTypes.h"
+#include "core/ClassDeclarer.h"
 #include "core/DeclareClass.h"
 #include "tests/client/FakeAgent.h"
 
@@ -154,7 +155,7 @@ class Job : public CIM_ConcreteJob {
 
 // Serves two devices ("a" in slot 1, "b" in slot 2), a port ("p" in slot 1), links a-p and a-b, the
 // profile "profile" to which "a" conforms, and one job of each state from 2 to 12.
-class ModelAgent : public FakeAgent {
+class ModelAgent : public FakeAgent, public core::ClassDeclarer {
  public:
   ModelAgent() {
     Device& first = add(devices, std::make_unique<Device>("a", std::uint16_t{1}, &invocation));

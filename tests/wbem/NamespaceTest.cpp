@@ -92,8 +92,13 @@ TEST_F(NamespaceTest, KeepsTheFormatOfAClassForEachWayToAsk) {
   EXPECT_NE(agents().format(port, {false, false, &device}), agents().format(port, {}));
 }
 
-TEST_F(NamespaceTest, LeavesOutAClassThatIsServedButNotDeclared) {
-  test::FakeAgent other;
+class SecretiveAgent final : public test::FakeAgent, public core::ClassDeclarer {
+ public:
+  void declareClasses(core::CimSchema& /*schema*/) const override {}
+};
+
+TEST_F(NamespaceTest, LeavesOutAClassThatItsAgentDoesNotDeclareWithTheOthers) {
+  SecretiveAgent other;
   other.serve("Test_Secret");
   m_broker.addAgent(&other);
   EXPECT_EQ(agents().findServed("Test_Secret"), nullptr);

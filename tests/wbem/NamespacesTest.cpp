@@ -82,7 +82,15 @@ TEST_F(NamespacesTest, StandWithoutAnyAgent) {
   const wbem::Namespaces namespaces(broker, "root/test");
   EXPECT_TRUE(namespaces.agents().served().empty());
   EXPECT_EQ(namespaces.interop().served().size(), 2U);
-  EXPECT_EQ(namespaces.schema(), broker.getSchema().get());
+  EXPECT_EQ(&namespaces.agents().schema(), broker.getSchema().get());
+}
+
+TEST_F(NamespacesTest, AreOutOfDateWhenAnAgentHasBeenAdded) {
+  core::CimBroker broker;
+  const wbem::Namespaces namespaces(broker, "root/test");
+  EXPECT_TRUE(namespaces.isUpToDate(broker));
+  broker.addAgent(&m_agent);
+  EXPECT_FALSE(namespaces.isUpToDate(broker));
 }
 
 TEST_F(NamespacesTest, AreNamedInTheReferencesThatCrossThem) {

@@ -247,7 +247,9 @@ class Installer : public CIM_ManagedElement {
   std::function<void()> onCall = [] {};
 };
 
-class InstallerAgent : public test::FakeAgent, public core::FirmwareReader {
+class InstallerAgent : public test::FakeAgent,
+                       public core::ClassDeclarer,
+                       public core::FirmwareReader {
  public:
   void declareClasses(core::CimSchema& schema) const override {
     onDeclaration();  // at the first request
