@@ -81,7 +81,11 @@ AuditQueue::AuditQueue(AuditSink& sink, FindAction findAction, Limits limits)
 AuditQueue::~AuditQueue() {
   {
     const platform::Lock lock(m_mutex);
-    append(m_limit.takeAll());
+    try {
+      append(m_limit.takeAll());
+    } catch (...) {
+      m_lost += m_limit.countLeftOut();
+    }
     m_isOver = true;
     m_end = Clock::now() + m_limits.farewell;
   }
@@ -207,7 +211,6 @@ void AuditQueue::pauseUntil(Clock::time_point end) {
 bool AuditQueue::pauseAfterFault() noexcept {
   {
     const platform::Lock lock(m_mutex);
-    ++m_lost;
     if (m_isOver && Clock::now() >= m_end) {
       return false;
     }
@@ -245,9 +248,13 @@ bool AuditQueue::isLossDue() const {
          (m_isOver || m_limits.now() >= m_nextLoss);
 }
 
-void AuditQueue::append(const std::vector<Limit::Rest>& rests) {
+void AuditQueue::append(const std::vector<Limit::Rest>& rests) noexcept {
   for (const Limit::Rest& rest : rests) {
-    m_waiting.push_back(toRecord(rest));
+    try {
+      m_waiting.push_back(toRecord(rest));
+    } catch (...) {
+      m_lost += rest.count;  // for want of memory: it cannot be told what they were
+    }
   }
 }
 

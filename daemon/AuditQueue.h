@@ -98,7 +98,7 @@ class AuditQueue final : public wbem::Audit {
   [[nodiscard]] std::string kindOf(const wbem::AuditRecord& record) const;
   [[nodiscard]] wbem::AuditRecord toRecord(const Limit::Rest& rest) const;
   [[nodiscard]] bool isLossDue() const ORVEX_REQUIRES(m_mutex);
-  void append(const std::vector<Limit::Rest>& rests) ORVEX_REQUIRES(m_mutex);
+  void append(const std::vector<Limit::Rest>& rests) noexcept ORVEX_REQUIRES(m_mutex);
 
   AuditSink& m_sink;
   const FindAction m_findAction;
