@@ -82,8 +82,13 @@ AuditQueue::AuditQueue(AuditSink& sink, FindAction findAction, Limits limits)
 AuditQueue::~AuditQueue() {
   {
     const platform::Lock lock(m_mutex);
-    append(m_limit.takeAll());
-    append(m_loginLimit.takeAll());
+    for (Limit* const limit : {&m_limit, &m_loginLimit}) {
+      try {
+        append(limit->takeAll());
+      } catch (...) {
+        m_lost += limit->countLeftOut();
+      }
+    }
     m_isOver = true;
     m_end = Clock::now() + m_limits.farewell;
   }
@@ -213,7 +218,6 @@ void AuditQueue::pauseUntil(Clock::time_point end) {
 bool AuditQueue::pauseAfterFault() noexcept {
   {
     const platform::Lock lock(m_mutex);
-    ++m_lost;
     if (m_isOver && Clock::now() >= m_end) {
       return false;
     }
@@ -257,9 +261,13 @@ void AuditQueue::appendEnded(Limit& limit) {
   }
 }
 
-void AuditQueue::append(const std::vector<Limit::Rest>& rests) {
+void AuditQueue::append(const std::vector<Limit::Rest>& rests) noexcept {
   for (const Limit::Rest& rest : rests) {
-    m_waiting.push_back(toRecord(rest));
+    try {
+      m_waiting.push_back(toRecord(rest));
+    } catch (...) {
+      m_lost += rest.count;  // for want of memory: it cannot be told what they were
+    }
   }
 }
 

@@ -103,7 +103,7 @@ class AuditQueue final : public wbem::Audit {
   [[nodiscard]] bool isLossDue() const ORVEX_REQUIRES(m_mutex);
   // Appends the counts of a limit that are due, as far as there is room for them.
   void appendEnded(Limit& limit) ORVEX_REQUIRES(m_mutex);
-  void append(const std::vector<Limit::Rest>& rests) ORVEX_REQUIRES(m_mutex);
+  void append(const std::vector<Limit::Rest>& rests) noexcept ORVEX_REQUIRES(m_mutex);
 
   AuditSink& m_sink;
   const FindAction m_findAction;

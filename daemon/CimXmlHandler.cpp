@@ -8,7 +8,6 @@
 
 #include "daemon/Addresses.h"
 #include "daemon/MessageFields.h"
-#include "daemon/Place.h"
 #include "http/Status.h"
 
 namespace quorveld {
@@ -58,11 +57,13 @@ std::string_view pathOf(std::string_view target) {
 
 }  // namespace
 
-CimXmlHandler::CimXmlHandler(Service& service, LoginGate& gate, std::string version)
+CimXmlHandler::CimXmlHandler(Service& service, LoginGate& gate, std::string version,
+                             std::vector<std::uint32_t> trustedUsers)
     : m_service(service),
       m_runningJobs([&service] { return service.countRunningJobs(); }),
       m_gate(gate),
-      m_version(std::move(version)) {}
+      m_version(std::move(version)),
+      m_trustedUsers(std::move(trustedUsers)) {}
 
 bool CimXmlHandler::handleHead(http::Request& request, http::Response& response) {
   const bool isHealth = pathOf(request.target()) == kHealth;
@@ -102,7 +103,10 @@ bool CimXmlHandler::handlePostHead(http::Request& request, http::Response& respo
 }
 
 void CimXmlHandler::handle(http::Request& request, http::Response& response) {
-  const Place place(m_answering, kMostAnswering);
+  const auto& caller = std::any_cast<const wbem::Caller&>(request.memo());
+  // Users who have logged in from one address are not to take one another's places.
+  const AnswerPlaces::Place place(m_places, request.peerGroup() + '\0' + caller.user,
+                                  isTrusted(request));
   if (!place.isTaken()) {
     refuse(response, http::kStatusServiceUnavailable,
            "Too many requests wait for their turn. Try again later.");
@@ -114,12 +118,17 @@ void CimXmlHandler::handle(http::Request& request, http::Response& response) {
     demandSameFields(request, message);
     response.contentType = kXml;
     response.fields = "CIMOperation: MethodResponse\r\n";
-    m_service.answer(message, std::any_cast<const wbem::Caller&>(request.memo()), response.body);
+    m_service.answer(message, caller, response.body);
   } catch (const FieldsFault& fault) {
     refuseMessage(response, fault.status(), fault.cimError(), fault.what());
   } catch (const cimxml::RequestFault& fault) {
     refuseMessage(response, statusOf(fault.kind()), fault.cimError(), fault.what());
   }
+}
+
+bool CimXmlHandler::isTrusted(const http::Request& request) const {
+  const std::optional<std::uint32_t> user = request.peerUser();
+  return user && std::ranges::find(m_trustedUsers, *user) != m_trustedUsers.end();
 }
 
 // A page of the web that a browser on this machine shows can send requests here, and have its own

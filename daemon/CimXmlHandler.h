@@ -10,8 +10,9 @@
 //   M-POST and anything else         501
 //
 // Messages take turns with one another for the agents, and one may take long: kMostAnswering are
-// answered or wait for their turn at a time, and more are refused by 503 with Retry-After, so that
-// a server with more threads than that has one for /health and its own upkeep at any time.
+// answered or wait for their turn at a time, those of one client at an address no more than its
+// share (see AnswerPlaces.h), and more are refused by 503 with Retry-After. So a server with more
+// threads than that has one for /health and its own upkeep at any time.
 //
 // All but messages of those who may send them are answered by their heads alone: nobody has a body
 // read who has not logged in.
@@ -19,12 +20,14 @@
 #ifndef ORVEX_DAEMON_CIMXMLHANDLER_H_
 #define ORVEX_DAEMON_CIMXMLHANDLER_H_
 
-#include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "cimxml/Request.h"
+#include "daemon/AnswerPlaces.h"
 #include "daemon/LoginGate.h"
 #include "daemon/RunningJobs.h"
 #include "http/Message.h"
@@ -34,7 +37,7 @@ namespace quorveld {
 
 class CimXmlHandler final : public http::Handler {
  public:
-  static constexpr unsigned kMostAnswering = 32;
+  static constexpr unsigned kMostAnswering = AnswerPlaces::kMost + AnswerPlaces::kKept;
 
   // What answers the messages. Any thread calls.
   class Service {
@@ -49,8 +52,10 @@ class CimXmlHandler final : public http::Handler {
     [[nodiscard]] virtual unsigned countRunningJobs() = 0;
   };
 
-  // Service and gate are the caller's and outlive the handler.
-  CimXmlHandler(Service& service, LoginGate& gate, std::string version);
+  // Service and gate are the caller's and outlive the handler. For the trusted users, by the number
+  // of a request's peerUser(), places are kept.
+  CimXmlHandler(Service& service, LoginGate& gate, std::string version,
+                std::vector<std::uint32_t> trustedUsers = {});
 
   // http::Handler
   [[nodiscard]] bool handleHead(http::Request& request, http::Response& response) override;
@@ -59,6 +64,7 @@ class CimXmlHandler final : public http::Handler {
 
  private:
   [[nodiscard]] bool handlePostHead(http::Request& request, http::Response& response);
+  [[nodiscard]] bool isTrusted(const http::Request& request) const;
   void answerHealth(http::Response& response);
   [[nodiscard]] bool admitsHost(const http::Request& request, http::Response& response) const;
   [[nodiscard]] bool admits(const http::Request& request, http::Response& response,
@@ -67,8 +73,9 @@ class CimXmlHandler final : public http::Handler {
   Service& m_service;
   RunningJobs m_runningJobs;
   LoginGate& m_gate;
-  std::atomic<unsigned> m_answering{0};
+  AnswerPlaces m_places;
   const std::string m_version;
+  const std::vector<std::uint32_t> m_trustedUsers;
   const std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
 };
 

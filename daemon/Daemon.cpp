@@ -210,8 +210,8 @@ void serve(const DaemonConfig& config, std::ostream& out) {
   wbem::Server cimServer(core::GetCimBroker(), audit, options);
   WbemService service(cimServer);
   LoginGate gate(*authenticator, audit);
-  CimXmlHandler handler(service, gate, QUORVEL_VERSION);
   http::ServerOptions serverOptions = toServerOptions(config);
+  CimXmlHandler handler(service, gate, QUORVEL_VERSION, serverOptions.trustedUsers);
   serverOptions.onSweep = [&manager] { manager.tellAlive(); };
   http::Server httpServer(std::move(serverOptions), handler);
 

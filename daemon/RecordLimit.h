@@ -62,7 +62,7 @@ class RecordLimit {
   }
 
   // Returns what was left out in periods that are over, of no more than `most` kinds, and forgets
-  // these. What there was no room for goes on being counted.
+  // these. What there was no room for goes on being counted, and all of it where this throws.
   [[nodiscard]] std::vector<Rest> takeEnded(
       std::size_t most = std::numeric_limits<std::size_t>::max()) {
     const Clock::time_point now = m_now();
@@ -72,6 +72,17 @@ class RecordLimit {
   [[nodiscard]] std::vector<Rest> takeAll() {
     return take(m_now(), std::numeric_limits<std::size_t>::max(),
                 [](const Kind& /*kind*/) { return true; });
+  }
+
+  // Returns how many were left out and not taken yet.
+  [[nodiscard]] std::uint64_t countLeftOut() const noexcept {
+    std::uint64_t count = m_others.rest.count;
+    for (const auto& [owner, kinds] : m_owners) {
+      for (const auto& [name, kind] : kinds) {
+        count += kind.rest.count;
+      }
+    }
+    return count;
   }
 
  private:
@@ -115,6 +126,7 @@ class RecordLimit {
   template <class IsMeant>
   std::vector<Rest> take(Clock::time_point now, std::size_t most, IsMeant isMeant) {
     std::vector<Rest> rests;
+    rests.reserve(std::min(most, m_count + 1));
     const auto takeOne = [&](Kind& kind) {
       if (!isMeant(kind) || (kind.rest.count > 0 && rests.size() >= most)) {
         return false;

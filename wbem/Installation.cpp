@@ -26,6 +26,8 @@ constexpr const char* kSoftwareClass = "Orvex_SoftwareIdentity";
 constexpr std::uint32_t kInstalledComponent = 2;
 constexpr std::uint32_t kFirmwareFile = 4;
 
+constexpr const char* kNotKnown = "not known: ";
+
 // Each is the client's and may be long.
 constexpr std::size_t kMostBytesTold = 2048;
 
@@ -137,15 +139,7 @@ Versions tellVersions(core::CimBroker& broker, const std::string& adapter,
   try {
     return listVersions(broker, adapter, file);
   } catch (const std::exception& exception) {
-    return {std::string("not known: ") + exception.what(), ""};
-  }
-}
-
-std::string tellContent(const core::FirmwareReader& reader, std::span<const std::uint8_t> content) {
-  try {
-    return reader.describeFirmware(content);
-  } catch (const std::exception& exception) {
-    return std::string("not known: ") + exception.what();
+    return {std::string(kNotKnown) + exception.what(), ""};
   }
 }
 
@@ -181,10 +175,14 @@ void fillInContent(core::CimBroker& broker, std::span<const std::uint8_t> conten
                    Installation& installation) {
   for (const core::CimAgent* agent : broker.getAgents()) {
     const auto* reader = dynamic_cast<const core::FirmwareReader*>(agent);
-    const std::string versions = reader != nullptr ? tellContent(*reader, content) : "";
-    if (!versions.empty()) {
-      installation.newVersions = versions;
-      return;
+    try {
+      const std::string versions = reader != nullptr ? reader->describeFirmware(content) : "";
+      if (!versions.empty()) {
+        installation.newVersions = versions;
+        return;
+      }
+    } catch (const std::exception& exception) {
+      installation.newVersions = std::string(kNotKnown) + exception.what();
     }
   }
 }

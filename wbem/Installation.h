@@ -44,7 +44,7 @@ struct Installation {
 void fillInVersions(core::CimBroker& broker, Installation& installation);
 
 // Fills in what the content of the file holds, where an agent knows such content (see
-// core/FirmwareReader.h); why not, where that fails. Any thread.
+// core/FirmwareReader.h). Where none does and one has failed, why. Any thread.
 void fillInContent(core::CimBroker& broker, std::span<const std::uint8_t> content,
                    Installation& installation);
 

@@ -158,7 +158,7 @@ std::optional<Authenticator::Guest> LocalAuthenticator::ask(std::uint32_t user) 
 std::optional<Authenticator::Guest> LocalAuthenticator::lookUp(std::uint32_t user) {
   // The call may outlive this object.
   const auto entry = std::make_shared<Entry>();
-  const os::FileAnswer answer = m_calls.make(
+  const os::FileAnswer answer = m_calls.makeAt(
       std::to_string(user), [entry, user, lookUpUser = m_lookUp, operators = m_operators] {
         *entry = lookUpUser(user, operators);
       });

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <gmock/gmock.h>
 #include <memory>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -268,6 +269,46 @@ TEST_F(AuditQueueTest, GoesOnWhenItsThreadMeetsAFault) {
   EXPECT_TRUE(test::waitUntil([this] { return m_faults > 1; }));
   m_isClockBroken = false;
   awaitRecord("Try of anna: 0");
+  end();
+  EXPECT_THAT(lossesTold(), IsEmpty());
+}
+
+TEST_F(AuditQueueTest, TellsHowManyFailuresTheCountsStoodForThatItCouldNotKeep) {
+  std::atomic<bool> isMemoryShort{false};
+  std::atomic<unsigned> faults{0};
+  m_queue = std::make_unique<AuditQueue>(
+      m_sink,
+      [&](const std::string& action) {
+        if (isMemoryShort) {
+          ++faults;
+          throw std::bad_alloc();
+        }
+        return findAction(action);
+      },
+      m_limits);
+  std::size_t passed = 0;
+  for (const char* const user : {"anna", "bert"}) {
+    for (unsigned i = 0; i < AuditQueue::kMostOfAKind + 3; ++i) {
+      m_queue->write(recordOf("Try", "5", user));
+    }
+    passed += AuditQueue::kMostOfAKind;
+    awaitRecords(passed);
+  }
+  isMemoryShort = true;
+  m_seconds += 5;
+  EXPECT_TRUE(test::waitUntil([&] { return faults > 0; }));
+  end();
+  EXPECT_THAT(lossesTold(), ElementsAre(6U));
+}
+
+TEST_F(AuditQueueTest, TellsInTheEndHowManyFailuresItCannotCountByTheirKinds) {
+  for (unsigned i = 0; i < AuditQueue::kMostOfAKind + 3; ++i) {
+    m_queue->write(recordOf("Try", "5"));
+  }
+  awaitRecords(AuditQueue::kMostOfAKind);
+  m_isClockBroken = true;
+  end();
+  EXPECT_THAT(m_sink.elsewhere(), Contains(HasSubstr("Audit of : 3 records lost")));
 }
 
 TEST_F(AuditQueueTest, DoesNotAskASinkAgainAndAgainThatRefusesAtOnce) {

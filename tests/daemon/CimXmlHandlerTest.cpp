@@ -1,4 +1,5 @@
 #include <atomic>
+#include <cstdint>
 #include <future>
 #include <gmock/gmock.h>
 #include <string>
@@ -15,6 +16,7 @@ namespace {
 using testing::HasSubstr;
 
 const std::string kAnna = "Basic YW5uYTpzZWNyZXQ=";  // anna:secret
+const std::string kBert = "Basic YmVydDpzZWNyZXQ=";  // bert:secret
 
 class FakeService final : public quorveld::CimXmlHandler::Service {
  public:
@@ -36,6 +38,16 @@ class Anna final : public quorveld::Authenticator {
                                                 const std::string& /*address*/) override {
     return user == "anna" && password == "secret" ? std::optional(wbem::Role::Reader)
                                                   : std::nullopt;
+  }
+};
+
+// Lets everybody read who gives a name.
+class AnyUser final : public quorveld::Authenticator {
+ public:
+  [[nodiscard]] std::optional<wbem::Role> check(const std::string& /*user*/,
+                                                const std::string& /*password*/,
+                                                const std::string& /*address*/) override {
+    return wbem::Role::Reader;
   }
 };
 
@@ -116,6 +128,7 @@ class CimXmlHandlerTest : public testing::Test {
   NoAudit m_audit;
   quorveld::NoAuthenticator m_nobody;
   Anna m_anna;
+  AnyUser m_anyUser;
   test::FakeHttpRequest m_request;
 };
 
@@ -167,16 +180,17 @@ TEST_F(CimXmlHandlerTest, AnswersMonitorsAndTurnsMessagesAwayWhereTooManyWaitFor
   quorveld::LoginGate gate(m_nobody, m_audit);
   quorveld::CimXmlHandler handler(service, gate, "1.2.3");
   std::vector<std::thread> clients;
-  for (unsigned i = 0; i < quorveld::CimXmlHandler::kMostAnswering; ++i) {
-    clients.emplace_back([&] {
+  for (unsigned i = 0; i < quorveld::AnswerPlaces::kMost; ++i) {
+    clients.emplace_back([&handler, i] {
       test::FakeHttpRequest request;
+      request.group = "192.0.2." + std::to_string(i);
       http::Response response;
       handle(handler, request, response);
       EXPECT_EQ(response.status, 200u);
     });
   }
-  EXPECT_TRUE(test::waitUntil(
-      [&] { return service.answering == quorveld::CimXmlHandler::kMostAnswering; }));
+  EXPECT_TRUE(
+      test::waitUntil([&] { return service.answering == quorveld::AnswerPlaces::kMost; }));
 
   http::Response refused;
   handle(handler, m_request, refused);
@@ -200,6 +214,69 @@ TEST_F(CimXmlHandlerTest, AnswersMonitorsAndTurnsMessagesAwayWhereTooManyWaitFor
   http::Response answered;
   handle(handler, m_request, answered);
   EXPECT_EQ(answered.status, 200u);
+}
+
+// A user who may but read keeps neither root nor an operator out.
+TEST_F(CimXmlHandlerTest, AnswersOthersWhileOneUserSendsAllThatHeCan) {
+  HeldService service;
+  quorveld::LoginGate gate(m_nobody, m_audit);
+  quorveld::CimXmlHandler handler(service, gate, "1.2.3", {0});
+  std::vector<std::thread> clients;
+  std::atomic<unsigned> refused{0};
+  const auto send = [&](std::uint32_t user, unsigned count) {
+    for (unsigned i = 0; i < count; ++i) {
+      clients.emplace_back([&handler, &refused, user] {
+        test::FakeHttpRequest request;
+        request.user = user;
+        request.group = "user " + std::to_string(user);
+        http::Response response;
+        handle(handler, request, response);
+        refused += response.status == 503 ? 1 : 0;
+      });
+    }
+  };
+  const auto awaitAnswering = [&](unsigned count) {
+    EXPECT_TRUE(test::waitUntil([&] { return service.answering == count; })) << service.answering;
+  };
+  send(1234, 60);
+  EXPECT_TRUE(test::waitUntil([&] { return service.answering + refused == 60; }));
+  awaitAnswering(16);
+  send(1000, 8);
+  awaitAnswering(24);
+  send(0, 16);
+  awaitAnswering(40);
+  EXPECT_EQ(refused, 44U);
+
+  service.release();
+  for (std::thread& client : clients) {
+    client.join();
+  }
+}
+
+TEST_F(CimXmlHandlerTest, KeepsThoseApartWhoHaveLoggedInFromOneAddress) {
+  HeldService service;
+  quorveld::LoginGate gate(m_anyUser, m_audit);
+  quorveld::CimXmlHandler handler(service, gate, "1.2.3");
+  std::vector<std::thread> clients;
+  const auto send = [&](const std::string& login) {
+    clients.emplace_back([&handler, login] {
+      test::FakeHttpRequest request;
+      request.fields["Authorization"] = login;
+      http::Response response;
+      handle(handler, request, response);
+      EXPECT_EQ(response.status, 200u);
+    });
+  };
+  for (unsigned i = 0; i < 16; ++i) {
+    send(kBert);
+    EXPECT_TRUE(test::waitUntil([&] { return service.answering == i + 1; }));
+  }
+  send(kAnna);
+  EXPECT_TRUE(test::waitUntil([&] { return service.answering == 17; }));
+  service.release();
+  for (std::thread& client : clients) {
+    client.join();
+  }
 }
 
 TEST_F(CimXmlHandlerTest, OffersWhatItsTableSays) {

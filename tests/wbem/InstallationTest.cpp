@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <memory>
+#include <new>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -151,6 +152,15 @@ TEST_F(InstalledTest, StandBesideThoseOfTheFile) {
   EXPECT_EQ(installation.newVersions, "");
 }
 
+// Has no memory for any content.
+class FailingReader final : public test::FakeAgent, public core::FirmwareReader {
+ public:
+  [[nodiscard]] std::string describeFirmware(
+      std::span<const std::uint8_t> /*content*/) const override {
+    throw std::bad_alloc();
+  }
+};
+
 class FakeReader final : public test::FakeAgent, public core::FirmwareReader {
  public:
   explicit FakeReader(std::string known) : m_known(std::move(known)) {}
@@ -165,6 +175,22 @@ class FakeReader final : public test::FakeAgent, public core::FirmwareReader {
  private:
   const std::string m_known;
 };
+
+TEST_F(InstalledTest, AreToldByAnotherAgentWhereOneFails) {
+  FailingReader first;
+  FakeReader second("new");
+  m_broker.addAgent(&first);
+  m_broker.addAgent(&second);
+  const auto describe = [this](const std::string& content) {
+    Installation installation;
+    wbem::fillInContent(m_broker,
+                        {reinterpret_cast<const std::uint8_t*>(content.data()), content.size()},
+                        installation);
+    return installation.newVersions;
+  };
+  EXPECT_EQ(describe("new"), "IMG_PXE 0.3");
+  EXPECT_EQ(describe("another"), std::string("not known: ") + std::bad_alloc().what());
+}
 
 TEST_F(InstalledTest, AreThoseOfTheContentWhereAnAgentKnowsIt) {
   FakeReader first("another");

@@ -256,11 +256,13 @@ class InstallerAgent : public test::FakeAgent,
     core::declareClass<Installer>(schema);
   }
   [[nodiscard]] std::string describeFirmware(std::span<const std::uint8_t> content) const override {
+    onDescription();
     return "version of " + std::string(content.begin(), content.end());
   }
   Installer& installer =
       test::ModelAgent::add(serve(Installer::kClassName), std::make_unique<Installer>());
   std::function<void()> onDeclaration = [] {};
+  std::function<void()> onDescription = [] {};
 };
 
 class InstallingServer : public Server {
@@ -306,6 +308,22 @@ TEST_F(InstallingServer, RecordsThatItDoesNotKnowTheBytesOfAnUnreadFile) {
   EXPECT_THAT(m_audit.records.front().details,
               ElementsAre(Pair("file", "/new.rom"), Pair("sha256", HasSubstr("not known: ")),
                           Pair("options", "5"), Pair("job", "new")));
+}
+
+TEST_F(InstallingServer, RecordsTheInstallationAndItsEndWhereNoAgentCanTellTheVersion) {
+  test::Job& job = startNext();
+  const std::string path = m_directory.write("new.rom", std::string("image")).string();
+  m_installers.onDescription = [] { throw std::bad_alloc(); };
+  install(path);
+  ASSERT_EQ(m_audit.records.size(), 1U);
+  EXPECT_THAT(m_audit.records.front().details,
+              ElementsAre(Pair("file", path), Pair("sha256", "digest of image"),
+                          Pair("options", "5"), Pair("new", StartsWith("not known: ")),
+                          Pair("job", "new")));
+  job.JobState.setValue(7);
+  m_server.recordEndedJobs();
+  ASSERT_EQ(m_audit.records.size(), 2U);
+  EXPECT_EQ(m_audit.records.back().action, "JobEnd");
 }
 
 TEST_F(InstallingServer, RecordsWhatIsNotInstalled) {

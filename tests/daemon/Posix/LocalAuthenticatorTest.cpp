@@ -4,6 +4,7 @@
 #include <future>
 #include <gmock/gmock.h>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -77,7 +78,7 @@ class Directory {
   LocalAuthenticator::Entry find(std::uint32_t user, const std::vector<std::string>& operators) {
     const platform::Lock lock(m_mutex);
     ++m_questions;
-    while (m_isSilent) {
+    while (m_isSilent || m_silentAbout == user) {
       m_changed.wait(m_mutex);
     }
     const std::string name = "user" + std::to_string(user);
@@ -86,6 +87,12 @@ class Directory {
   void setSilent(bool isSilent) {
     const platform::Lock lock(m_mutex);
     m_isSilent = isSilent;
+    m_changed.notify_all();
+  }
+  // Silent about one user alone, where one is given.
+  void setSilentAbout(std::optional<std::uint32_t> user) {
+    const platform::Lock lock(m_mutex);
+    m_silentAbout = user;
     m_changed.notify_all();
   }
   [[nodiscard]] unsigned questions() const {
@@ -97,12 +104,16 @@ class Directory {
   mutable platform::Mutex m_mutex;
   std::condition_variable_any m_changed;
   bool m_isSilent ORVEX_GUARDED_BY(m_mutex) = false;
+  std::optional<std::uint32_t> m_silentAbout ORVEX_GUARDED_BY(m_mutex);
   unsigned m_questions ORVEX_GUARDED_BY(m_mutex) = 0;
 };
 
 class UsersOfADirectory : public testing::Test {
  protected:
-  ~UsersOfADirectory() override { m_directory->setSilent(false); }
+  ~UsersOfADirectory() override {
+    m_directory->setSilentAbout(std::nullopt);
+    m_directory->setSilent(false);
+  }
 
   [[nodiscard]] std::unique_ptr<LocalAuthenticator> make(milliseconds patience,
                                                          std::vector<std::string> operators = {
@@ -189,6 +200,13 @@ TEST_F(UsersOfADirectory, AreToldToComeAgainWhileItDoesNotAnswer) {
               testing::ElementsAre(HasSubstr("within 20 ms who user 1001 is")));
   m_directory->setSilent(false);
   EXPECT_TRUE(test::waitUntil([&] { return users->admit(1001).guest.has_value(); }));
+  EXPECT_EQ(roleOf(*users, 1001), Role::Operator);
+}
+
+TEST_F(UsersOfADirectory, AreKnownWhileItIsSilentAboutAnother) {
+  const auto users = make(milliseconds(200));
+  m_directory->setSilentAbout(1000);
+  EXPECT_TRUE(users->admit(1000).isBusy);  // whose question stays away
   EXPECT_EQ(roleOf(*users, 1001), Role::Operator);
 }
 
