@@ -9,6 +9,7 @@
 #include "Utils/ClockText.h"
 #include "cli/Command.h"
 #include "cli/JsonOutput.h"
+#include "cli/LocalWords.h"
 #include "cli/Session.h"
 #include "cli/TextTable.h"
 #include "client/Jobs.h"
@@ -75,8 +76,9 @@ ExitStatus showJobs(const Context& context) {
   } else if (connection->isRemote()) {
     context.out << "The host has had no job since it was started.\n";
   } else {
-    context.out << "There are no jobs: those of 'quorvel update' run in that process and end with "
-                   "it. --host names a host whose jobs can be listed.\n";
+    context.out << toLocalHelp(
+        "There are no jobs: those of 'quorvel update' run in that process and end with it. --host "
+        "names a host whose jobs can be listed.\n");
   }
   return ExitStatus::Done;
 }

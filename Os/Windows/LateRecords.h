@@ -3,7 +3,8 @@
 // The loader of the system holds a lock while it loads or unloads a library and runs what is in it
 // for that. The event log is a service, and who calls one with that lock may wait for ever. Such
 // records are kept, and written by the next call that may: that of a later record, of whoever has
-// loaded a library (os::loadSharedLibrary), or of a thread of its own. Any thread may call.
+// loaded a library (os::loadSharedLibrary), or of a thread of its own. Those of the end of a
+// process, which the loader sees to as well, are lost. Any thread may call.
 
 #ifndef ORVEX_OS_WINDOWS_LATERECORDS_H_
 #define ORVEX_OS_WINDOWS_LATERECORDS_H_

@@ -13,7 +13,8 @@ class JobsCommandTest : public test::QuorvelFixture {};
 TEST_F(JobsCommandTest, SaysWhereJobsAreWhereThereIsNone) {
   const ProgramResult result = run({"jobs"});
   EXPECT_EQ(result.exitStatus, 0) << result.errors;
-  EXPECT_THAT(result.output, HasSubstr("--host names a host whose jobs can be listed"));
+  EXPECT_THAT(result.output, HasSubstr("There are no jobs: those of 'quorvel update' run in that "
+                                       "process and end with it."));
   EXPECT_THAT(runJson({"jobs"}), IsEmpty());
 }
 

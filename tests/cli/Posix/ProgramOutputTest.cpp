@@ -18,4 +18,10 @@ TEST_F(ProgramOutputTest, FailsWhenItsOutputCannotBeWritten) {
   }
 }
 
+// There are hosts on POSIX alone.
+TEST_F(ProgramOutputTest, SaysWhichJobsCanBeListedWhereThereIsNone) {
+  EXPECT_THAT(run({"jobs"}).output,
+              testing::EndsWith(" --host names a host whose jobs can be listed.\n"));
+}
+
 }  // namespace

@@ -226,6 +226,7 @@ TEST_F(WindowsProgramTest, SpeaksInItsHelpOfWhatThereIsOnWindows) {
     }
   }
   EXPECT_THAT(run({"update", "--help"}).output, HasSubstr("file://C:/firmware/older.rom"));
+  EXPECT_THAT(run({"jobs"}).output, EndsWith(" and end with it.\n"));
 }
 
 TEST_F(WindowsProgramTest, TakesAPathThatBeginsWithASlashForAPath) {
