@@ -34,8 +34,8 @@ class BareAgent final : public core::CimAgent {
  public:
   BareAgent() : CimAgent("Bare") {}
 
-  bool hasClass(const std::string& name) override { return name == "Vendor_Hidden"; }
-  core::InstanceList::Iterator getInstances(const std::string& /*name*/) override {
+  bool hasClass(std::string name) override { return name == "Vendor_Hidden"; }
+  core::InstanceList::Iterator getInstances(std::string /*name*/) override {
     return m_hidden.getInstances();
   }
 
