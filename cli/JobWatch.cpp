@@ -86,8 +86,7 @@ void Watch::leave(const std::string& reason, const char* job, client::Fault::Kin
 // Ends the process where its update has not begun to write, and then never will.
 void yieldUnlessWriting(InterruptGuard& guard, std::ostream& err) {
   if (os::OSLocker::giveUp()) {
-    err << "quorvel: interrupted: the flash was not to be had yet, so nothing was written"
-        << std::endl;
+    err << "quorvel: interrupted before the flash could be had: nothing was written" << std::endl;
     guard.yieldToInterrupt();
     throw client::Fault("the update was given up");
   }

@@ -165,7 +165,7 @@ TEST_F(TakenFlashDeathTest, LetsAnInterruptEndTheProcess) {
     });
   };
   EXPECT_EXIT(waitForTheFlash(), test::EndedBySignal(SIGINT),
-              "quorvel: interrupted: the flash was not to be had yet, so nothing was written");
+              "quorvel: interrupted before the flash could be had: nothing was written");
 }
 
 TEST_F(TakenFlashTest, IsWrittenToItsEndOnceItIsHad) {

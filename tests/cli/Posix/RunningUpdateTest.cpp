@@ -29,6 +29,9 @@ constexpr const char* kInterrupted =
     "quorvel: interrupted: the flash is being written and cannot be left half done; waiting for "
     "its end\n";
 
+// Once the flash is being written: the first line may stand before it is had.
+constexpr const char* kSecondLine = "\nupdating";
+
 class RunningUpdateTest : public test::QuorvelFixture {};
 
 TEST_F(RunningUpdateTest, RewritesOneLineOnATerminal) {
@@ -47,7 +50,7 @@ TEST_F(RunningUpdateTest, WaitsForTheFlashWhenItIsInterrupted) {
   const std::string rom = addSlowAdapter(kAdapter);
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
     RunningQuorvel quorvel({"update", kPort, rom}, OutputTo::Pipe, environment());
-    ASSERT_TRUE(quorvel.awaitOutput("updating"));
+    ASSERT_TRUE(quorvel.awaitOutput(kSecondLine));
     quorvel.signal(signal);
     ASSERT_TRUE(quorvel.awaitErrors(kInterrupted)) << signal;
     const ProgramResult result = quorvel.finish();
@@ -85,7 +88,7 @@ TEST_F(RunningUpdateTest, EndsWithoutAWriteWhenItIsInterruptedWhileItWaitsForThe
     const ProgramResult result = quorvel.finish();
     EXPECT_EQ(result.exitStatus, 128 + signal);
     EXPECT_EQ(result.errors,
-              "quorvel: interrupted: the flash was not to be had yet, so nothing was written\n");
+              "quorvel: interrupted before the flash could be had: nothing was written\n");
   }
   other.reset();
   EXPECT_EQ(flash(), old);
@@ -132,7 +135,7 @@ TEST_F(RunningUpdateTest, PrintsTheOutcomeOfAnInterruptedFlashThatFails) {
   describe("0000-03-00",
            {{"faults", {{"write", {{"atPercent", 90}, {"code", 17}, {"text", "Stuck"}}}}}});
   RunningQuorvel quorvel({"update", kPort, rom}, OutputTo::Pipe, environment());
-  ASSERT_TRUE(quorvel.awaitOutput("updating"));
+  ASSERT_TRUE(quorvel.awaitOutput(kSecondLine));
   quorvel.signal(SIGINT);
   const ProgramResult result = quorvel.finish();
   EXPECT_EQ(result.exitStatus, 1);

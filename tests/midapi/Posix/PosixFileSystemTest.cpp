@@ -36,13 +36,15 @@ int look(Function*, const char* name, Arguments... arguments) {
 
 }  // namespace
 
-// The library's objects in this program call these.
+// The library's objects in this program call these. The system's names for the arguments are
+// reserved. NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
 extern "C" int stat(const char* path, struct stat* state) noexcept {
   return look(&stat, "stat", path, state);
 }
 extern "C" int fstat(int file, struct stat* state) noexcept {
   return look(&fstat, "fstat", file, state);
 }
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)
 
 namespace {
 
