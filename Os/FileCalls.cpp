@@ -155,6 +155,9 @@ FileAnswer FileCalls::run(const std::shared_ptr<Call>& call) {
   }
   const auto deadline = std::chrono::steady_clock::now() + Patience(m_patience.load());
   if (!call->start(call)) {
+    if (!call->goThere()) {
+      return FileAnswer::StillAway;
+    }
     call->run();
     return FileAnswer::InTime;
   }

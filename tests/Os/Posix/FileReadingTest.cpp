@@ -1,3 +1,4 @@
+#include <cerrno>
 #include <chrono>
 #include <gmock/gmock.h>
 #include <string>
@@ -6,6 +7,7 @@
 #include "Os/Posix/FileReading.h"
 #include "tests/Os/FilesFixture.h"
 #include "tests/Os/HungDirectory.h"
+#include "tests/Os/SystemFaults.h"
 
 namespace {
 
@@ -42,6 +44,18 @@ TEST_F(FileReading, AsksNothingWhereAQuestionIsAway) {
   const os::FileBytes content = os::readFileBytes(path, 5);
   EXPECT_EQ(content.silence, FileSilence::StillAway);
   EXPECT_EQ(content.size, 0u);
+}
+
+TEST_F(FileReading, AsksNothingThereWithoutAThreadEither) {
+  const std::string away = file("away/image", "12345");
+  const std::string here = file("image", "12345");
+  const test::HungDirectory hung(m_directory.path().string() + "/away");
+  {
+    const test::FailingCall failing(test::SystemCall::StartThread, EAGAIN);
+    EXPECT_EQ(os::lookAtFile(away).silence, FileSilence::StillAway);
+  }
+  const test::FailingCall failing(test::SystemCall::StartThread, EAGAIN);
+  EXPECT_TRUE(os::lookAtFile(here).status);
 }
 
 TEST_F(FileReading, HasOneTimeForAWholeFile) {
