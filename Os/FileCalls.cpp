@@ -168,8 +168,12 @@ FileCalls::Patience FileCalls::setPatience(Patience patience) {
   return Patience(m_patience.exchange(patience.count()));
 }
 
+int FileCalls::setPatiencesOfAFile(int count) {
+  return m_patiencesOfAFile.exchange(count);
+}
+
 FileCalls::Patience FileCalls::wholePatience() const {
-  return Patience(m_patience.load()) * kPatiencesOfAFile;
+  return Patience(m_patience.load()) * m_patiencesOfAFile.load();
 }
 
 FileCalls& fileCalls() {

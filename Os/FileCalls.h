@@ -51,8 +51,10 @@ class ORVEX_CORE_API FileCalls {
   // holds up all calls that lead through that, or any other text.
   [[nodiscard]] FileAnswer makeAt(const std::string& place, std::function<void()> call);
 
-  // Changes the patience of later calls; returns the one of before.
+  // Change the patience of later calls, and how many times that a whole file may take; return what
+  // was before.
   Patience setPatience(Patience patience);
+  int setPatiencesOfAFile(int count);
   // Returns the time for a whole file, which is read with several calls.
   [[nodiscard]] Patience wholePatience() const;
 
@@ -63,6 +65,7 @@ class ORVEX_CORE_API FileCalls {
   [[nodiscard]] FileAnswer run(const std::shared_ptr<Call>& call);
 
   std::atomic<Patience::rep> m_patience;  // milliseconds
+  std::atomic<int> m_patiencesOfAFile{kPatiencesOfAFile};
   const std::shared_ptr<Away> m_away;
 };
 
