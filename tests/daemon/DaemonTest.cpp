@@ -233,7 +233,7 @@ TEST_F(DaemonTest, AnswersMonitorsWhileAllClientsWait) {
   EXPECT_LT(longest, std::chrono::seconds(3));
 }
 
-TEST_F(DaemonTest, InstallsWhileTheFirmwareDirectoryHangs) {
+TEST_F(DaemonTest, AnswersOthersWhileAnUpdateWaitsForTheFirmwareDirectory) {
   const std::string directory = (m_own.path() / "hung").string();
   std::filesystem::create_directory(directory);
   const std::string rom = addSlowAdapter("0000:03:00");
@@ -242,13 +242,16 @@ TEST_F(DaemonTest, InstallsWhileTheFirmwareDirectoryHangs) {
   if (!mount.isMounted()) {
     GTEST_SKIP() << "this user may mount no file system of a program";
   }
-  // The first to ask of the directory learns that it does not answer.
-  std::future<std::string> first =
-      std::async(std::launch::async, [this] { return ask({"ein"}, "Orvex_SoftwareIdentity"); });
-  EXPECT_THAT(first.get(), HasSubstr("Orvex_SoftwareIdentity"));
-  const auto begin = std::chrono::steady_clock::now();
-  static_cast<void>(startUpdate(rom));
-  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(4));
+  // It is the first to ask for the directory, and learns alone that it does not answer.
+  std::future<void> installation =
+      std::async(std::launch::async, [&] { static_cast<void>(startUpdate(rom)); });
+  std::chrono::steady_clock::duration longest{};
+  while (installation.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
+    const auto asked = std::chrono::steady_clock::now();
+    EXPECT_THAT(ask({"ein"}, "Orvex_EthernetPort"), HasSubstr("0000:03:00.0"));
+    longest = std::max(longest, std::chrono::steady_clock::now() - asked);
+  }
+  EXPECT_LT(longest, std::chrono::seconds(3));
 }
 
 TEST_F(DaemonTest, TakesNoNewRequestWhileItWaitsForAnUpdate) {
