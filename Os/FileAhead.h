@@ -6,9 +6,11 @@
 // found, refusals included, and write their records as if they looked at that moment. What was read
 // is one content, however the file changes meanwhile.
 //
-// A few exist at a time in a process, so they have a bound in memory; another one waits for its
-// turn, as long as a file may take, and then counts as one that cannot be read. One thread at a
-// time uses an object, and it outlives what has it in force. Windows: nothing is read ahead, and
+// One at a time holds the content of a file of each file system, and a few in a process; another
+// one waits for its turn, as long as a file may take, and then counts as one that cannot be read.
+// That bounds their memory, but for the buffers of readings that were given up, which stay until
+// their file systems answer: one each, since nothing more is asked there. One thread at a time uses
+// an object, and it outlives what has it in force. Windows: nothing is read ahead, and
 // the functions look at the file when they are called.
 
 #ifndef ORVEX_OS_FILEAHEAD_H_

@@ -155,6 +155,9 @@ FileAnswer FileCalls::run(const std::shared_ptr<Call>& call) {
   }
   const auto deadline = std::chrono::steady_clock::now() + Patience(m_patience.load());
   if (!call->start(call)) {
+    if (!call->goThere()) {
+      return FileAnswer::StillAway;
+    }
     call->run();
     return FileAnswer::InTime;
   }
@@ -165,8 +168,12 @@ FileCalls::Patience FileCalls::setPatience(Patience patience) {
   return Patience(m_patience.exchange(patience.count()));
 }
 
+int FileCalls::setPatiencesOfAFile(int count) {
+  return m_patiencesOfAFile.exchange(count);
+}
+
 FileCalls::Patience FileCalls::wholePatience() const {
-  return Patience(m_patience.load()) * kPatiencesOfAFile;
+  return Patience(m_patience.load()) * m_patiencesOfAFile.load();
 }
 
 FileCalls& fileCalls() {

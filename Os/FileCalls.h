@@ -45,14 +45,16 @@ class ORVEX_CORE_API FileCalls {
   // Runs `call`, which asks something of `path`, and waits for it no longer than the patience. Its
   // places are what the path leads through, by whichever spelling (see Os/FilePlace.h); one that
   // is away is so in the file system that has not answered. Where no thread can be started, the
-  // caller's runs it, however long it takes. Throws what the call throws in time.
+  // caller's goes there and runs it, however long it takes. Throws what the call throws in time.
   [[nodiscard]] FileAnswer make(const std::string& path, std::function<void()> call);
   // The same for a call that needs one place, which the caller names: a directory, and then it
   // holds up all calls that lead through that, or any other text.
   [[nodiscard]] FileAnswer makeAt(const std::string& place, std::function<void()> call);
 
-  // Changes the patience of later calls; returns the one of before.
+  // Change the patience of later calls, and how many times that a whole file may take; return what
+  // was before.
   Patience setPatience(Patience patience);
+  int setPatiencesOfAFile(int count);
   // Returns the time for a whole file, which is read with several calls.
   [[nodiscard]] Patience wholePatience() const;
 
@@ -63,6 +65,7 @@ class ORVEX_CORE_API FileCalls {
   [[nodiscard]] FileAnswer run(const std::shared_ptr<Call>& call);
 
   std::atomic<Patience::rep> m_patience;  // milliseconds
+  std::atomic<int> m_patiencesOfAFile{kPatiencesOfAFile};
   const std::shared_ptr<Away> m_away;
 };
 

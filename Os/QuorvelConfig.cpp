@@ -113,6 +113,22 @@ std::uint32_t QuorvelConfig::getMaxImageSize() {
   return size;
 }
 
+void QuorvelConfig::askFirmwarePaths() const {
+  std::string paths;
+  if (!SettingsStore(m_path).read(kFirmwarePaths, paths)) {
+    return;
+  }
+  for (std::string path : split(paths, ';', kNoQuote)) {
+    if (path.size() < kShortestPath) {
+      continue;
+    }
+    if (path.ends_with('\\')) {
+      path.pop_back();
+    }
+    static_cast<void>(os::isThisADir(path));
+  }
+}
+
 std::string QuorvelConfig::findSizeExcess(std::uint64_t size) {
   const std::uint32_t limit = getMaxImageSize();
   return size <= limit ? ""

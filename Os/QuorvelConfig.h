@@ -58,6 +58,11 @@ class ORVEX_CORE_API QuorvelConfig : public AutoSingleton<QuorvelConfig> {
   // Reads its one setting alone, without the records of initialize().
   virtual std::uint32_t getMaxImageSize();  // bytes
 
+  // Asks each directory of FWFilePath whether it is there, as initialize() does, and changes
+  // nothing: one whose file system does not answer is known then (see Os/FileCalls.h), so who needs
+  // a setting next does not wait for it.
+  void askFirmwarePaths() const;
+
   // Returns why a firmware file of that many bytes is too large, with the limit and where it is
   // set; an empty text where it is not.
   [[nodiscard]] std::string findSizeExcess(std::uint64_t size);

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "Utils/Log.h"
+#include "core/LookAhead.h"
 #include "platform/Mutex.h"
 
 namespace inventory {
@@ -72,16 +73,22 @@ FirmwareFiles::~FirmwareFiles() {
   m_catalogue->close();
 }
 
-std::vector<FirmwareFilePtr> FirmwareFiles::find() {
+void FirmwareFiles::look() {
   utils::QuorvelConfig* const config = utils::QuorvelConfig::getInstance();
   const os::FileAnswer answer = m_looks.makeAt(
       "the firmware directories", [catalogue = m_catalogue, config] { catalogue->look(*config); });
-  Findings findings = m_catalogue->latest();
+  std::set<std::string> problems = m_catalogue->latest().problems;
   if (answer != os::FileAnswer::InTime) {
-    findings.problems.insert(kUnfinished);
+    problems.insert(kUnfinished);
   }
-  report(std::move(findings.problems));
-  return std::move(findings.files);
+  report(std::move(problems));
+}
+
+std::vector<FirmwareFilePtr> FirmwareFiles::find() {
+  if (!core::LookAhead::isInForce()) {
+    look();
+  }
+  return m_catalogue->latest().files;
 }
 
 void FirmwareFiles::report(std::set<std::string> problems) {

@@ -15,12 +15,12 @@
 
 namespace inventory {
 
-// Looks for the files at each request, on a thread of its own: a request waits so long and no
-// longer. The look goes on then, and until it has ended requests get at once what was last known.
-// Any thread may call. Destruction waits for nobody.
+// Looks for the files on a thread of its own: who asks waits so long and no longer. The look goes
+// on then, and until it has ended all get at once what was last known. Any thread may call.
+// Destruction waits for nobody.
 class FirmwareFiles {
  public:
-  // Other requests wait meanwhile; who lists files for the first time wants to see them all.
+  // Who lists files for the first time wants to see them all.
   static constexpr os::FileCalls::Patience kPatience{10'000};
 
   explicit FirmwareFiles(os::FileCalls::Patience patience = kPatience);
@@ -28,14 +28,15 @@ class FirmwareFiles {
   FirmwareFiles& operator=(const FirmwareFiles&) = delete;
   ~FirmwareFiles();
 
+  // Looks for the files. What is left out is reported to the log: once, until the problem has
+  // changed or was gone. That files may be missing, since a look has not ended, is such a problem.
+  void look();
   // Returns the files, directory by directory in the order of the configuration and in each by
-  // name: those of this look, or where it takes too long those of the last one; before any has
-  // ended, those that were found so far. What is left out is reported to the log: once, until the
-  // problem has changed or was gone. That files may be missing, since a look has not ended, is such
-  // a problem.
+  // name: those of the last look that has ended; before any has, those that were found so far.
+  // Looks for them first, unless this thread has had that done (see core/LookAhead.h).
   [[nodiscard]] std::vector<FirmwareFilePtr> find();
 
-  // Changes how long later requests wait.
+  // Changes how long later looks are waited for.
   void setPatience(os::FileCalls::Patience patience) { m_looks.setPatience(patience); }
 
  private:

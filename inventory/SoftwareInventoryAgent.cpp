@@ -1,6 +1,8 @@
 #include "inventory/SoftwareInventoryAgent.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <string>
 
 #include "core/CimBroker.h"
@@ -18,6 +20,11 @@
 
 namespace inventory {
 namespace {
+
+// Whose enumeration lists the firmware files, or asks for a class that does.
+constexpr const char* kClassesOfFiles[] = {Orvex_SoftwareIdentity::kClassName,
+                                           Orvex_SoftwareIdentityResource::kClassName,
+                                           Orvex_ElementSoftwareIdentity::kClassName};
 
 // What stands in for instances where only their properties count.
 
@@ -62,6 +69,13 @@ SoftwareInventoryAgent::~SoftwareInventoryAgent() = default;
 
 std::string SoftwareInventoryAgent::describeFirmware(std::span<const std::uint8_t> content) const {
   return describeContent(content);
+}
+
+void SoftwareInventoryAgent::lookAhead(const std::set<std::string>& classNames) {
+  if (std::any_of(std::begin(kClassesOfFiles), std::end(kClassesOfFiles),
+                  [&](const char* name) { return classNames.contains(name); })) {
+    m_files.look();
+  }
 }
 
 void SoftwareInventoryAgent::declareClasses(core::CimSchema& schema) const {

@@ -4,19 +4,22 @@
 #define ORVEX_INVENTORY_SOFTWAREINVENTORYAGENT_H_
 
 #include <cstdint>
+#include <set>
 #include <span>
 #include <string>
 
 #include "core/CimAgent.h"
 #include "core/ClassDeclarer.h"
 #include "core/FirmwareReader.h"
+#include "core/LookAhead.h"
 #include "inventory/FirmwareFiles.h"
 
 namespace inventory {
 
 class SoftwareInventoryAgent : public core::CimAgent,
                                public core::ClassDeclarer,
-                               public core::FirmwareReader {
+                               public core::FirmwareReader,
+                               public core::FileLooker {
  public:
   SoftwareInventoryAgent();
   ~SoftwareInventoryAgent() override;
@@ -26,6 +29,9 @@ class SoftwareInventoryAgent : public core::CimAgent,
 
   // core::FirmwareReader
   [[nodiscard]] std::string describeFirmware(std::span<const std::uint8_t> content) const override;
+
+  // core::FileLooker
+  void lookAhead(const std::set<std::string>& classNames) override;
 
  private:
   FirmwareFiles m_files;

@@ -1,10 +1,13 @@
 #include "wbem/AssociationOperations.h"
 
 #include <algorithm>
+#include <set>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include "cimxml/AnswerWriter.h"
+#include "core/LookAhead.h"
 #include "wbem/Associations.h"
 #include "wbem/InstanceFinder.h"
 #include "wbem/Status.h"
@@ -83,6 +86,16 @@ void collectAssociatedClasses(const OperationCall& call, const core::ClassDeclar
   classes.addTo(results);
 }
 
+// Returns the classes that are enumerated to find the object and the associations.
+std::set<std::string> namesOf(const InstanceFinder& finder,
+                              const std::vector<AssociationRoles>& associations) {
+  std::set<std::string> names = finder.classNames();
+  for (const AssociationRoles& association : associations) {
+    names.insert(association.served->declaration->name);
+  }
+  return names;
+}
+
 // Adds an instance that the association holds itself.
 void addTarget(const OperationCall& call, const AssociationFilter& filter,
                core::CimInstance& target, InstanceResults& results) {
@@ -120,9 +133,11 @@ void collectReferences(const OperationCall& call, InstanceResults& results) {
   }
   results.passOverRepeated();
   const InstanceFinder finder(call.namespaces, call.nameSpace, object);
+  const std::vector<AssociationRoles> associations = findRoles(call, source, filter);
+  const core::LookAhead ahead(call.broker, namesOf(finder, associations));
   const core::CimBroker::Request request(call.broker);
   demandInstance(finder, object);
-  visitReferences(call, object, source, filter, [&](const ReferenceHit& hit) {
+  visitReferences(associations, object, [&](const ReferenceHit& hit) {
     results.add(call.nameSpace, hit.served, hit.association);
   });
 }
@@ -137,11 +152,13 @@ void collectAssociators(const OperationCall& call, InstanceResults& results) {
   }
   results.passOverRepeated();
   const InstanceFinder finder(call.namespaces, call.nameSpace, object);
+  const std::vector<AssociationRoles> associations = findRoles(call, source, filter);
+  const core::LookAhead ahead(call.broker, namesOf(finder, associations));
   const core::CimBroker::Request request(call.broker);
   demandInstance(finder, object);
   // Looked up when all associations are done with: an enumeration of their class may end targets.
   std::vector<cimxml::ObjectName> named;
-  visitReferences(call, object, source, filter, [&](const ReferenceHit& hit) {
+  visitReferences(associations, object, [&](const ReferenceHit& hit) {
     visitOtherEnds(hit, filter, [&](const core::CimPropertyRef& reference) {
       if (core::CimInstance* target = reference.getTarget(); target != nullptr) {
         addTarget(call, filter, *target, results);

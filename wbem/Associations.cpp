@@ -1,6 +1,6 @@
 #include "wbem/Associations.h"
 
-#include <vector>
+#include <utility>
 
 #include "wbem/Status.h"
 
@@ -69,22 +69,11 @@ AssociationFilter readReferenceFilter(const OperationCall& call) {
   return {readClass(call, "ResultClass"), nullptr, readRole(call, "Role"), {}};
 }
 
-void visitReferences(const OperationCall& call, const cimxml::ObjectName& object,
-                     const core::ClassDeclaration& source, const AssociationFilter& filter,
-                     const std::function<void(const ReferenceHit&)>& visit) {
+std::vector<AssociationRoles> findRoles(const OperationCall& call,
+                                        const core::ClassDeclaration& source,
+                                        const AssociationFilter& filter) {
   const core::CimSchema& schema = call.nameSpace.schema();
-  const auto visitClass = [&](const ServedClass& served,
-                              const std::vector<const core::PropertyDeclaration*>& roles) {
-    served.visitInstances([&](core::CimInstance& association) {
-      for (const core::PropertyDeclaration* role : roles) {
-        const core::CimPropertyRef* reference = findReference(association, role->name);
-        if (reference != nullptr && leadsTo(*reference, object)) {
-          visit({served, association, *role});
-        }
-      }
-      return true;
-    });
-  };
+  std::vector<AssociationRoles> found;
   for (const ServedClass* served : call.nameSpace.served()) {
     const core::ClassDeclaration& declaration = *served->declaration;
     if (!isWanted(schema, filter, declaration)) {
@@ -97,8 +86,25 @@ void visitReferences(const OperationCall& call, const cimxml::ObjectName& object
       }
     }
     if (!roles.empty()) {
-      visitClass(*served, roles);
+      found.push_back({served, std::move(roles)});
     }
+  }
+  return found;
+}
+
+void visitReferences(const std::vector<AssociationRoles>& associations,
+                     const cimxml::ObjectName& object,
+                     const std::function<void(const ReferenceHit&)>& visit) {
+  for (const AssociationRoles& wanted : associations) {
+    wanted.served->visitInstances([&](core::CimInstance& association) {
+      for (const core::PropertyDeclaration* role : wanted.roles) {
+        const core::CimPropertyRef* reference = findReference(association, role->name);
+        if (reference != nullptr && leadsTo(*reference, object)) {
+          visit({*wanted.served, association, *role});
+        }
+      }
+      return true;
+    });
   }
 }
 

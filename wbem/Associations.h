@@ -1,7 +1,7 @@
 // Finding associations: which lead to an object, and what is at their other ends.
 //
-// Callers hold the broker's request. The instances that a visitor gets are valid while it runs: the
-// next enumeration may end them.
+// Who visits instances holds the broker's request. Those that a visitor gets are valid while it
+// runs: the next enumeration may end them.
 
 #ifndef ORVEX_WBEM_ASSOCIATIONS_H_
 #define ORVEX_WBEM_ASSOCIATIONS_H_
@@ -9,6 +9,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "core/CimPropertyRef.h"
 #include "wbem/OperationCall.h"
@@ -29,6 +30,17 @@ struct AssociationFilter {
 [[nodiscard]] AssociationFilter readAssociatorFilter(const OperationCall& call);
 [[nodiscard]] AssociationFilter readReferenceFilter(const OperationCall& call);
 
+// A class of associations, and those of its references that may lead to the object in question.
+struct AssociationRoles {
+  const ServedClass* served = nullptr;
+  std::vector<const core::PropertyDeclaration*> roles;
+};
+
+// Returns the served classes whose associations may lead to an instance of the class.
+[[nodiscard]] std::vector<AssociationRoles> findRoles(const OperationCall& call,
+                                                      const core::ClassDeclaration& source,
+                                                      const AssociationFilter& filter);
+
 // An association's reference that leads to the object in question.
 struct ReferenceHit {
   const ServedClass& served;
@@ -37,9 +49,9 @@ struct ReferenceHit {
 };
 
 // Calls visit(hit) for each reference that leads to the instance of that name; an association that
-// leads there twice comes twice. `source` is the declaration of the instance's class.
-void visitReferences(const OperationCall& call, const cimxml::ObjectName& object,
-                     const core::ClassDeclaration& source, const AssociationFilter& filter,
+// leads there twice comes twice. Throws what a provider throws.
+void visitReferences(const std::vector<AssociationRoles>& associations,
+                     const cimxml::ObjectName& object,
                      const std::function<void(const ReferenceHit&)>& visit);
 
 // Calls visit(reference) for each other end of the association that the filter lets through; its

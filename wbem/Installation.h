@@ -40,7 +40,7 @@ struct Installation {
 
 // Fills in the versions: what is installed on the adapter, which a port of it may stand for, and
 // what the file holds, where the inventory lists it. Where they cannot be told, why. The caller
-// holds the broker's request.
+// holds the broker's request, and has a core::LookAhead on this thread where it must not wait.
 void fillInVersions(core::CimBroker& broker, Installation& installation);
 
 // Fills in what the content of the file holds, where an agent knows such content (see

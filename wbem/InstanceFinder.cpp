@@ -13,4 +13,8 @@ InstanceFinder::InstanceFinder(const Namespaces& namespaces, const Namespace& na
   }
 }
 
+std::set<std::string> InstanceFinder::classNames() const {
+  return m_served != nullptr ? std::set{m_served->declaration->name} : std::set<std::string>();
+}
+
 }  // namespace wbem

@@ -7,6 +7,8 @@
 #define ORVEX_WBEM_INSTANCEFINDER_H_
 
 #include <optional>
+#include <set>
+#include <string>
 
 #include "wbem/Namespaces.h"
 
@@ -19,6 +21,9 @@ class InstanceFinder {
   // this. Throws as Namespace::demandClass.
   InstanceFinder(const Namespaces& namespaces, const Namespace& nameSpace,
                  const cimxml::ObjectName& name);
+
+  // Returns the class that find() enumerates, for core::LookAhead; empty where it asks nobody.
+  [[nodiscard]] std::set<std::string> classNames() const;
 
   // Calls use(served, instance) for the instance of the name, when there is one, and returns
   // whether there is. The caller holds the broker's request. Throws what a provider throws.

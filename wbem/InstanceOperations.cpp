@@ -1,10 +1,12 @@
 #include "wbem/InstanceOperations.h"
 
 #include <set>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include "cimxml/AnswerWriter.h"
+#include "core/LookAhead.h"
 #include "core/OwningPropertyList.h"
 #include "wbem/InstanceFinder.h"
 #include "wbem/PropertyValues.h"
@@ -73,6 +75,11 @@ void collectInstances(const OperationCall& call, InstanceResults& results) {
   if (!call.parameters.getBoolean("DeepInheritance", true)) {
     results.setAncestor(call.nameSpace.demandClass(className));
   }
+  std::set<std::string> names;
+  for (const ServedClass* served : classes) {
+    names.insert(served->declaration->name);
+  }
+  const core::LookAhead ahead(call.broker, names);
   const core::CimBroker::Request request(call.broker);
   for (const ServedClass* served : classes) {
     served->visitInstances([&](core::CimInstance& instance) {
@@ -96,6 +103,7 @@ void getInstance(const OperationCall& call) {
   const InstanceFinder finder(call.namespaces, call.nameSpace, name);
   cimxml::beginReturnValue(call.out);
   {
+    const core::LookAhead ahead(call.broker, finder.classNames());
     const core::CimBroker::Request request(call.broker);
     const bool isFound = finder.find([&](const ServedClass& served, core::CimInstance& instance) {
       results.add(call.nameSpace, served, instance);
@@ -114,6 +122,7 @@ void modifyInstance(const OperationCall& call) {
   core::OwningPropertyList values;
   readNewValues(call, declaration, values);
   const InstanceFinder finder(call.namespaces, call.nameSpace, name);
+  const core::LookAhead ahead(call.broker, finder.classNames());
   const core::CimBroker::Request request(call.broker);
   const bool isFound =
       finder.find([&values](const ServedClass& /*served*/, core::CimInstance& instance) {

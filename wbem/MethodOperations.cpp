@@ -1,11 +1,15 @@
 #include "wbem/MethodOperations.h"
 
 #include <algorithm>
+#include <set>
+#include <string>
 #include <utility>
 #include <variant>
 
 #include "Os/QuorvelConfig.h"
 #include "cimxml/AnswerWriter.h"
+#include "cimxml/ObjectName.h"
+#include "core/LookAhead.h"
 #include "wbem/InstanceFinder.h"
 #include "wbem/PropertyValues.h"
 #include "wbem/Status.h"
@@ -44,6 +48,22 @@ const core::MethodDeclaration& demandMethod(const core::ClassDeclaration& declar
 std::string idOf(core::CimInstance& instance) {
   const core::CimProperty* id = instance.getProperty("InstanceID");
   return id != nullptr && !id->isNull() ? id->toString() : instance.getPath();
+}
+
+// Returns the classes of the instances for which the method may ask the broker, by its arguments.
+std::set<std::string> classesOf(const core::MethodDeclaration& method,
+                                core::CimPropertyList& arguments) {
+  std::set<std::string> names;
+  for (const core::ParameterDeclaration& parameter : method.parameters) {
+    const core::CimProperty* argument = arguments.get(parameter.name);
+    if (argument == nullptr || argument->isNull() || argument->getType() != core::kCimReference) {
+      continue;
+    }
+    if (const auto object = cimxml::readObjectPath(argument->toString()); object) {
+      names.insert(object->className);
+    }
+  }
+  return names;
 }
 
 void appendOutputs(const core::MethodDeclaration& method, core::CimPropertyList& outputs,
@@ -102,10 +122,14 @@ void invokeMethod(const cimxml::Request& request, core::CimBroker& broker,
   const InstanceFinder finder(namespaces, nameSpace, request.target);
   invocation.installation = describeInstallation(method.name, arguments.in());
   if (const std::string file = findFile(method.name, arguments.in()); !file.empty()) {
-    invocation.file = std::make_unique<os::FileAhead>(
-        file, utils::QuorvelConfig::getInstance()->getMaxImageSize());
+    utils::QuorvelConfig* const config = utils::QuorvelConfig::getInstance();
+    config->askFirmwarePaths();  // whose silence the method would wait for where it needs a setting
+    invocation.file = std::make_unique<os::FileAhead>(file, config->getMaxImageSize());
   }
   const os::FileAhead::InForce inForce(invocation.file.get());
+  std::set<std::string> names = classesOf(method, arguments.in());
+  names.merge(finder.classNames());
+  const core::LookAhead ahead(broker, names);
   const core::CimBroker::Request brokerRequest(broker);
   if (invocation.installation) {
     fillInVersions(broker, *invocation.installation);

@@ -45,8 +45,8 @@ struct Invocation {
 
 // Invokes the method that the request names and appends its return value and its output arguments;
 // those that stay NULL are left out, since there are clients that take a NULL for the end of the
-// message. Reads the file that the method reads, and then holds the broker's request. Throws
-// StatusFault, and what the method throws.
+// message. Reads the file that the method reads, has the agents look for those that its arguments
+// stand for, and then holds the broker's request. Throws StatusFault, and what the method throws.
 void invokeMethod(const cimxml::Request& request, core::CimBroker& broker,
                   const Namespaces& namespaces, std::string& out, Invocation& invocation);
 

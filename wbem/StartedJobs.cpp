@@ -6,6 +6,7 @@
 #include "cimxml/Characters.h"
 #include "core/CimPath.h"
 #include "core/CimPropertyTypes.h"
+#include "core/LookAhead.h"
 
 namespace wbem {
 namespace {
@@ -39,6 +40,8 @@ void StartedJobs::recordEnds() {
   for (Job& job : getJobs()) {
     std::string end;
     {
+      // Of the software, what is installed is of interest alone.
+      const core::LookAhead none(m_broker, {});
       const core::CimBroker::Request request(m_broker);
       end = findEnd(job);
       if (end.empty()) {

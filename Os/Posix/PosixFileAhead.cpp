@@ -1,5 +1,8 @@
 #include <chrono>
 #include <condition_variable>
+#include <optional>
+#include <set>
+#include <sys/stat.h>
 #include <utility>
 
 #include "Os/FileAhead.h"
@@ -15,30 +18,33 @@ FileFindings*& inForce() {
   return current;
 }
 
-// The places of those that exist.
+// Of those that hold content: one for each device, so that a slow one has its own wait alone.
 class Turns {
  public:
-  [[nodiscard]] bool await(std::chrono::steady_clock::time_point deadline) {
+  [[nodiscard]] bool await(dev_t device, std::chrono::steady_clock::time_point deadline) {
     const platform::Lock lock(m_mutex);
-    while (m_taken == FileAhead::kMostAtATime) {
-      if (m_left.wait_until(m_mutex, deadline) == std::cv_status::timeout &&
-          m_taken == FileAhead::kMostAtATime) {
+    while (isHeldUp(device)) {
+      if (m_left.wait_until(m_mutex, deadline) == std::cv_status::timeout && isHeldUp(device)) {
         return false;
       }
     }
-    ++m_taken;
+    m_taken.insert(device);
     return true;
   }
-  void leave() {
+  void leave(dev_t device) {
     const platform::Lock lock(m_mutex);
-    --m_taken;
-    m_left.notify_one();
+    m_taken.erase(device);
+    m_left.notify_all();
   }
 
  private:
+  [[nodiscard]] bool isHeldUp(dev_t device) const ORVEX_REQUIRES(m_mutex) {
+    return m_taken.size() == FileAhead::kMostAtATime || m_taken.contains(device);
+  }
+
   platform::Mutex m_mutex;
   std::condition_variable_any m_left;
-  std::size_t m_taken ORVEX_GUARDED_BY(m_mutex) = 0;
+  std::set<dev_t> m_taken ORVEX_GUARDED_BY(m_mutex);
 };
 
 // Never destroyed: a thread may leave at the end of the process.
@@ -49,18 +55,21 @@ Turns& turns() {
 
 class Turn {
  public:
-  Turn()
-      : m_isMine(turns().await(std::chrono::steady_clock::now() + fileCalls().wholePatience())) {}
+  explicit Turn(dev_t device)
+      : m_device(device),
+        m_isMine(turns().await(device,
+                               std::chrono::steady_clock::now() + fileCalls().wholePatience())) {}
   Turn(const Turn&) = delete;
   Turn& operator=(const Turn&) = delete;
   ~Turn() {
     if (m_isMine) {
-      turns().leave();
+      turns().leave(m_device);
     }
   }
   [[nodiscard]] bool isMine() const { return m_isMine; }
 
  private:
+  const dev_t m_device;
   const bool m_isMine;
 };
 
@@ -72,26 +81,42 @@ FileFindings* findAhead(const std::string& path) {
 }
 
 struct FileAhead::Findings : FileFindings {
-  Turn turn;
+  std::optional<Turn> turn;
+
+  // Returns whether that leaves a file to be read.
+  [[nodiscard]] bool lookAt(std::uint32_t most);
+  void silence(FileSilence why);
 };
+
+bool FileAhead::Findings::lookAt(std::uint32_t most) {
+  look = lookAtFile(path);
+  if (look.silence != FileSilence::None) {
+    silence(look.silence);
+    return false;
+  }
+  return look.status && S_ISREG(look.status->st_mode) && look.status->st_size <= most;
+}
+
+void FileAhead::Findings::silence(FileSilence why) {
+  look = {why, std::nullopt};
+  content = FileBytes{why, nullptr, 0};
+}
 
 FileAhead::FileAhead(const std::string& path, std::uint32_t most)
     : m_findings(std::make_unique<Findings>()) {
   Findings& findings = *m_findings;
   findings.path = path;
-  if (!findings.turn.isMine()) {
-    findings.look.silence = FileSilence::NoTurn;
-    findings.content = FileBytes{FileSilence::NoTurn, nullptr, 0};
+  if (!findings.lookAt(most)) {
     return;
   }
-  findings.look = lookAtFile(path);
-  if (findings.look.silence != FileSilence::None) {
-    findings.content = FileBytes{findings.look.silence, nullptr, 0};
+  findings.turn.emplace(findings.look.status->st_dev);
+  if (!findings.turn->isMine()) {
+    findings.silence(FileSilence::NoTurn);
     return;
   }
-  const std::optional<struct stat>& status = findings.look.status;
-  if (status && S_ISREG(status->st_mode) && status->st_size <= most) {
-    findings.content = readFileBytes(path, static_cast<std::size_t>(status->st_size));
+  // It may have become another file while this waited.
+  if (findings.lookAt(most)) {
+    findings.content = readFileBytes(path, static_cast<std::size_t>(findings.look.status->st_size));
   }
 }
 

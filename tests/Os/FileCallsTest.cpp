@@ -123,9 +123,13 @@ TEST_F(FileCalls, ByPathLeadToTheFileSystemThatIsAway) {
 TEST_F(FileCalls, ByPathAreAwayInTheirFileSystem) {
   HeldCall held;
   m_calls.setPatience(milliseconds(1));
-  // It may not even have come there in that time.
   ASSERT_EQ(m_calls.make(m_directory.path().string(), held.call()), FileAnswer::GivenUp);
   m_calls.setPatience(test::kDeadline);
+  // It may not even have come there in that time.
+  ASSERT_TRUE(test::waitUntil([&held] { return held.hasBegun(); }));
+  const std::string other = (m_directory.path() / "other").string();
+  EXPECT_EQ(m_calls.make(other, [count = m_count] { ++*count; }), FileAnswer::StillAway);
+  EXPECT_EQ(*m_count, 0);
   held.release();
   EXPECT_TRUE(test::waitUntil(
       [this] { return m_calls.make(m_directory.path().string(), [] {}) == FileAnswer::InTime; }));

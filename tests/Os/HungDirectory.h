@@ -24,6 +24,7 @@ class HeldCall {
 
   [[nodiscard]] std::function<void()> call() const {
     return [state = m_state] {
+      state->hasBegun = true;
       state->released.get_future().wait();
       state->hasReturned = true;
     };
@@ -34,11 +35,13 @@ class HeldCall {
       m_state->released.set_value();
     }
   }
+  [[nodiscard]] bool hasBegun() const { return m_state->hasBegun; }
   [[nodiscard]] bool hasReturned() const { return m_state->hasReturned; }
 
  private:
   struct State {
     std::promise<void> released;
+    std::atomic<bool> hasBegun{false};
     std::atomic<bool> hasReturned{false};
   };
   std::shared_ptr<State> m_state = std::make_shared<State>();

@@ -161,6 +161,20 @@ TEST_F(QuorvelConfig, KeepsUsableFirmwareFoldersOnly) {
                           "Path x is too short", "Candidate path : " + missing));
 }
 
+TEST_F(QuorvelConfig, AsksForFirmwareFoldersWithoutTakingThemOver) {
+  const std::string directory = folder("fw");
+  write({{"FWFilePath", directory + "\\;x;;" + directory + "-missing"}});
+  const LogCapture log;
+
+  m_config.askFirmwarePaths();
+  EXPECT_THAT(
+      log.messages("os::isThisADir"),
+      ElementsAre("Checking if the declared path " + directory + " points to a directory",
+                  "It is a directory",
+                  "Checking if the declared path " + directory + "-missing points to a directory"));
+  EXPECT_THAT(log.messages(kFunction), IsEmpty());
+}
+
 TEST_F(QuorvelConfig, KeepsFirmwareFoldersInTheirOrder) {
   const std::string second = folder("b");
   const std::string first = folder("a");

@@ -208,12 +208,13 @@ TEST_F(DaemonTest, AnswersOthersWhileTheFileOfAnUpdateHangs) {
 TEST_F(DaemonTest, AnswersMonitorsWhileAllClientsWait) {
   const std::string directory = (m_own.path() / "hung").string();
   std::filesystem::create_directory(directory);
+  static_cast<void>(addSlowAdapter("0000:03:00"));
   start("config = " + write("agent.conf", "FWFilePath = " + directory + "\n") + "\n");
   const test::HungMount mount(directory);
   if (!mount.isMounted()) {
     GTEST_SKIP() << "this user may mount no file system of a program";
   }
-  // The first of them waits for the directory, and the others for the first.
+  // They wait for the directory, and nobody for them.
   constexpr unsigned kClients = 12;
   std::vector<std::future<std::string>> clients;
   while (clients.size() < kClients) {
@@ -225,9 +226,31 @@ TEST_F(DaemonTest, AnswersMonitorsWhileAllClientsWait) {
   while (clients.front().wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
     const auto asked = std::chrono::steady_clock::now();
     EXPECT_THAT(health(), StartsWith("HTTP/1.1 200 OK\r\n"));
+    EXPECT_THAT(ask({"ein"}, "Orvex_EthernetPort"), HasSubstr("0000:03:00.0"));
     longest = std::max(longest, std::chrono::steady_clock::now() - asked);
   }
   EXPECT_GT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(4));
+  EXPECT_LT(longest, std::chrono::seconds(3));
+}
+
+TEST_F(DaemonTest, AnswersOthersWhileAnUpdateWaitsForTheFirmwareDirectory) {
+  const std::string directory = (m_own.path() / "hung").string();
+  std::filesystem::create_directory(directory);
+  const std::string rom = addSlowAdapter("0000:03:00");
+  start("config = " + write("agent.conf", "FWFilePath = " + directory + "\n") + "\n");
+  const test::HungMount mount(directory);
+  if (!mount.isMounted()) {
+    GTEST_SKIP() << "this user may mount no file system of a program";
+  }
+  // It is the first to ask for the directory, and learns alone that it does not answer.
+  std::future<void> installation =
+      std::async(std::launch::async, [&] { static_cast<void>(startUpdate(rom)); });
+  std::chrono::steady_clock::duration longest{};
+  while (installation.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
+    const auto asked = std::chrono::steady_clock::now();
+    EXPECT_THAT(ask({"ein"}, "Orvex_EthernetPort"), HasSubstr("0000:03:00.0"));
+    longest = std::max(longest, std::chrono::steady_clock::now() - asked);
+  }
   EXPECT_LT(longest, std::chrono::seconds(3));
 }
 

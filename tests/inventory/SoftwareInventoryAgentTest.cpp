@@ -1,6 +1,9 @@
+#include <cstddef>
 #include <gmock/gmock.h>
+#include <string>
 
 #include "core/CimBroker.h"
+#include "core/LookAhead.h"
 #include "inventory/SoftwareInventoryAgent.h"
 #include "tests/inventory/InventoryFixture.h"
 
@@ -31,6 +34,33 @@ TEST_F(InventoryAgent, IsReachedThroughTheBrokerOnceItWasAdded) {
   EXPECT_EQ(broker.getInstances("Orvex_SoftwareIdentity").count(), 3u);
   EXPECT_EQ(broker.getInstances("Orvex_SoftwareIdentityResource").count(), 1u);
   EXPECT_EQ(broker.getInstances("Orvex_ElementSoftwareIdentity").count(), 3u);
+}
+
+TEST_F(InventoryAgent, LooksForTheFilesOfItsClassesBeforeARequest) {
+  core::CimBroker& broker = test::brokerWithInventory();
+  for (const std::string className : {"Orvex_SoftwareIdentity", "Orvex_SoftwareIdentityResource",
+                                      "Orvex_ElementSoftwareIdentity"}) {
+    makeFile("first/" + className, firmware(1));
+    const std::size_t before = m_log.messages("os::readFile").size();
+    const core::LookAhead ahead(broker, {"Orvex_EthernetPort", className});
+    EXPECT_GT(m_log.messages("os::readFile").size(), before) << className;
+  }
+  EXPECT_EQ(broker.getInstances("Orvex_SoftwareIdentity").count(), 3u);
+}
+
+TEST_F(InventoryAgent, ListsWhatWasLastFoundUnderARequest) {
+  core::CimBroker& broker = test::brokerWithInventory();
+  makeFile("first/a.rom", firmware(1));
+  EXPECT_EQ(broker.getInstances("Orvex_SoftwareIdentity").count(), 1u);
+  makeFile("first/b.rom", firmware(2));
+  {
+    const core::LookAhead ahead(broker, {"Orvex_EthernetPort"});
+    m_log.clear();
+    EXPECT_EQ(broker.getInstances("Orvex_SoftwareIdentity").count(), 1u);
+    EXPECT_EQ(broker.getInstances("Orvex_SoftwareIdentityResource").count(), 1u);
+    EXPECT_THAT(m_log.messages("utils::QuorvelConfig::initialize"), testing::IsEmpty());
+  }
+  EXPECT_EQ(broker.getInstances("Orvex_SoftwareIdentity").count(), 2u);
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/wbem/ServerFixture.h"
+#include "tests/wbem/LookingFixture.h"
 
 namespace {
 
@@ -269,6 +269,20 @@ TEST_F(AssociationOperations, RefuseWrongRequests) {
   EXPECT_THAT(ask("AssociatorNames", {given("ObjectName", objectName(kFirst)),
                                       given("AssocClass", className("Test_No"))}),
               IsError(4, _));
+}
+
+// -- what is looked for ahead --
+
+using LookingAssociationOperations = test::LookingFixture;
+
+TEST_F(LookingAssociationOperations, HaveTheFilesOfTheirClassesLookedForBeforeTheRequest) {
+  ask("References", {given("ObjectName", objectName(kFirst))});
+  ask("AssociatorNames",
+      {given("ObjectName", objectName(kPort)), given("AssocClass", className("Test_Link"))});
+  EXPECT_THAT(m_looking.lookedFor,
+              testing::ElementsAre(
+                  testing::ElementsAre("Test_Device", "Test_ElementConformsToProfile", "Test_Link"),
+                  testing::ElementsAre("Test_Link", "Test_Port")));
 }
 
 }  // namespace

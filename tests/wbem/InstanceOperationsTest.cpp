@@ -2,7 +2,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/wbem/ServerFixture.h"
+#include "tests/wbem/LookingFixture.h"
 
 namespace {
 
@@ -247,6 +247,20 @@ TEST_F(InstanceOperations, RefuseAWrongModifyInstance) {
               IsError(4, "property Slot is given twice"));
   EXPECT_THAT(modify({}, {}, "Test_Device.InstanceID=\"z\",Slot=1"), IsError(6, _));
   EXPECT_THAT(modify({}, {}, "Test_No.InstanceID=\"z\""), IsError(5, _));
+}
+
+// -- what is looked for ahead --
+
+using LookingInstanceOperations = test::LookingFixture;
+
+TEST_F(LookingInstanceOperations, HaveTheFilesOfTheirClassesLookedForBeforeTheRequest) {
+  ask("EnumerateInstances", {given("ClassName", className("Test_Device"))});
+  ask("GetInstance", {given("InstanceName", objectName(kPort))});
+  ask("ModifyInstance", {given("ModifiedInstance", cimxml::InstanceValue{objectName(kFirst), {}})});
+  EXPECT_THAT(
+      m_looking.lookedFor,
+      testing::ElementsAre(testing::ElementsAre("Test_Device", "Test_Port"),
+                           testing::ElementsAre("Test_Port"), testing::ElementsAre("Test_Device")));
 }
 
 }  // namespace

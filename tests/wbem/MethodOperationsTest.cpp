@@ -5,7 +5,7 @@
 
 #include "Utils/Exception.h"
 #include "core/CimPropertyRef.h"
-#include "tests/wbem/ServerFixture.h"
+#include "tests/wbem/LookingFixture.h"
 
 namespace {
 
@@ -203,6 +203,18 @@ TEST_F(MethodOperations, AnswerWhatTheMethodThrows) {
   EXPECT_THAT(invokeTry(), IsError(1, "Quorvel: EUnspecifiedError:it &lt;broke&gt;"));
   m_agent.invocation = throwing<std::runtime_error>();
   EXPECT_THAT(invokeTry(), IsError(1, "it &lt;broke&gt;"));
+}
+
+// -- what is looked for ahead --
+
+using LookingMethodOperations = test::LookingFixture;
+
+TEST_F(LookingMethodOperations, HaveTheFilesOfTheirArgumentsLookedForBeforeTheRequest) {
+  invoke(objectName(kFirst), "Try",
+         {given("Peer", objectName("Test_Port.InstanceID=\"p\",Slot=1"))});
+  invoke(objectName(kFirst), "Try", {given("Text", "Test_Port.InstanceID=\"p\",Slot=1")});
+  EXPECT_THAT(m_looking.lookedFor,
+              ElementsAre(ElementsAre("Test_Device", "Test_Port"), ElementsAre("Test_Device")));
 }
 
 }  // namespace

@@ -337,14 +337,11 @@ TEST_F(InstallingServer, RecordsWhatIsNotInstalled) {
   EXPECT_EQ(m_audit.records.size(), 1U);
 }
 
-// The test takes all turns of reading, so that an installation waits for one of them.
+// The test takes the turn of reading, so that an installation waits for it.
 TEST_F(InstallingServer, AnswersOthersWhileAFileIsRead) {
   startNext();
   const std::string path = m_directory.write("new.rom", std::string("image")).string();
-  std::vector<std::unique_ptr<os::FileAhead>> turns;
-  while (turns.size() < os::FileAhead::kMostAtATime) {
-    turns.push_back(std::make_unique<os::FileAhead>(path, 0));
-  }
+  auto turn = std::make_unique<os::FileAhead>(path, Installer::kMostRead);
   std::atomic<bool> isCalled{false};
   m_installers.installer.onCall = [&isCalled] { isCalled = true; };
   std::promise<void> begun;
@@ -356,7 +353,7 @@ TEST_F(InstallingServer, AnswersOthersWhileAFileIsRead) {
                 HasSubstr("Test_Port"));
   }
   EXPECT_FALSE(isCalled);
-  turns.clear();
+  turn.reset();
   installation.join();
   EXPECT_TRUE(isCalled);
   EXPECT_EQ(m_installers.installer.content, "image");

@@ -1,4 +1,6 @@
-#include <chrono>
+#include <cerrno>
+#include <cstddef>
+#include <cstdint>
 #include <gmock/gmock.h>
 #include <string>
 
@@ -6,6 +8,9 @@
 #include "Os/Posix/FileReading.h"
 #include "tests/Os/FilesFixture.h"
 #include "tests/Os/HungDirectory.h"
+#include "tests/Os/Platform.h"
+#include "tests/Os/SystemFaults.h"
+#include "tests/support/LogCapture.h"
 
 namespace {
 
@@ -44,16 +49,45 @@ TEST_F(FileReading, AsksNothingWhereAQuestionIsAway) {
   EXPECT_EQ(content.size, 0u);
 }
 
-TEST_F(FileReading, HasOneTimeForAWholeFile) {
-  const std::string path = file("long", std::string(std::size_t{64} << 20, 'x'));
-  const auto before = os::fileCalls().setPatience(std::chrono::milliseconds(2));
-  const os::FileBytes content = os::readFileBytes(path, std::size_t{64} << 20);
-  os::fileCalls().setPatience(before);
-  // Each piece may be in time, and all of them together are not.
-  EXPECT_NE(content.silence, FileSilence::None);
-  EXPECT_LT(content.size, std::size_t{64} << 20);
-  EXPECT_TRUE(
-      test::waitUntil([&path] { return os::readFileBytes(path, 1).silence == FileSilence::None; }));
+TEST_F(FileReading, AsksNothingThereWithoutAThreadEither) {
+  const std::string away = file("away/image", "12345");
+  const std::string here = file("image", "12345");
+  const test::HungDirectory hung(m_directory.path().string() + "/away");
+  {
+    const test::FailingCall failing(test::SystemCall::StartThread, EAGAIN);
+    EXPECT_EQ(os::lookAtFile(away).silence, FileSilence::StillAway);
+  }
+  const test::FailingCall failing(test::SystemCall::StartThread, EAGAIN);
+  EXPECT_TRUE(os::lookAtFile(here).status);
+}
+
+// A whole file has no time: each piece is in time, and all of them together are not.
+class SlowReading : public FileReading {
+ protected:
+  static constexpr std::size_t kSize = std::size_t{64} << 20;
+
+  ~SlowReading() override { os::fileCalls().setPatiencesOfAFile(m_before); }
+
+  const std::string m_path = sparseFile("long", kSize);
+
+ private:
+  const int m_before = os::fileCalls().setPatiencesOfAFile(0);
+};
+
+TEST_F(SlowReading, EndsWithWhatItHasByThen) {
+  const os::FileBytes content = os::readFileBytes(m_path, kSize);
+  EXPECT_EQ(content.silence, FileSilence::TooSlow);
+  EXPECT_LT(content.size, kSize);
+}
+
+TEST_F(SlowReading, IsReportedByWhoReadsTheFile) {
+  const test::LogCapture log;
+  EXPECT_LT(os::readContent(m_path, static_cast<std::int32_t>(kSize)).size,
+            static_cast<std::int32_t>(kSize));
+  EXPECT_THAT(log.records(test::LogSink::EventLog),
+              test::HasRecordOf(test::kFilesSource, test::LogLevel::Error, "os::readFile",
+                                "The file system of '" + m_path +
+                                    "' is too slow; the file was given up after 0 seconds"));
 }
 
 }  // namespace

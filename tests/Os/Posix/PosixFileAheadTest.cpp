@@ -1,4 +1,3 @@
-#include <chrono>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <memory>
@@ -123,26 +122,56 @@ TEST_F(PosixFileAhead, TellsOfASilentFileSystemWhenItIsAskedFor) {
                                     "counts as missing until it does"));
 }
 
-TEST_F(PosixFileAhead, WaitsForItsTurnAndNoLonger) {
+// Those that come wait for nobody.
+class PosixFileAheadWithoutTime : public PosixFileAhead {
+ protected:
+  ~PosixFileAheadWithoutTime() override { os::fileCalls().setPatiencesOfAFile(m_before); }
+
+ private:
+  const int m_before = os::fileCalls().setPatiencesOfAFile(0);
+};
+
+TEST_F(PosixFileAheadWithoutTime, IsNotReadOutOfItsTurn) {
+  const std::string path = file("image", "12345");
+  const FileAhead first(path, kMost);
+  FileAhead second(file("other", "67"), kMost);
+  const test::LogCapture log;
+  const FileAhead::InForce inForce(&second);
+  expectNotOpened(this->path("other"));
+  EXPECT_THAT(log.messages("os::getFileSize"),
+              ElementsAre("'" + this->path("other") +
+                          "' was not read, since too many files were read at the same time; try "
+                          "again later"));
+}
+
+TEST_F(PosixFileAheadWithoutTime, IsReadThoughAnotherFileSystemHasItsTurn) {
+  const std::string elsewhere = "/proc/version";  // regular, and empty by its status
+  ASSERT_TRUE(std::filesystem::is_regular_file(elsewhere));
   const std::string path = file("image", "12345");
   std::vector<std::unique_ptr<FileAhead>> others;
   while (others.size() < FileAhead::kMostAtATime) {
     others.push_back(std::make_unique<FileAhead>(path, kMost));
   }
-  const auto before = os::fileCalls().setPatience(std::chrono::milliseconds(1));
-  FileAhead tooMany(path, kMost);
-  os::fileCalls().setPatience(before);
-  {
-    const test::LogCapture log;
-    const FileAhead::InForce inForce(&tooMany);
-    expectNotOpened(path);
-    EXPECT_THAT(log.messages("os::getFileSize"),
-                ElementsAre("'" + path +
-                            "' was not read, since too many files were read at the same time; try "
-                            "again later"));
-  }
-  std::thread next([&path] { EXPECT_EQ(contentOf(FileAhead(path, kMost)), "12345"); });
-  others.pop_back();
+  FileAhead ahead(elsewhere, kMost);
+  const FileAhead::InForce inForce(&ahead);
+  EXPECT_EQ(os::getFileSize(elsewhere), 0);
+}
+
+TEST_F(PosixFileAheadWithoutTime, TakesNoTurnForWhatItDoesNotRead) {
+  const std::string path = file("image", "12345");
+  const FileAhead unread(path, 4);
+  const FileAhead directory(m_directory.path().string(), kMost);
+  FileAhead ahead(path, kMost);
+  const FileAhead::InForce inForce(&ahead);
+  EXPECT_EQ(os::getFileSize(path), 5);
+}
+
+TEST_F(PosixFileAhead, WaitsForItsTurnAndLooksThen) {
+  const std::string path = file("image", "12345");
+  auto first = std::make_unique<FileAhead>(path, kMost);
+  std::thread next([&path] { EXPECT_EQ(contentOf(FileAhead(path, kMost)), "another"); });
+  file("image", "another");
+  first.reset();
   next.join();
 }
 
