@@ -250,8 +250,7 @@ void SocketFile::makeWay(const std::string& path) {
   }
 }
 
-SocketFile::SocketFile(const std::string& path)
-    : m_folder(openFolder(path)), m_name(nameOf(path)) {
+SocketFile::SocketFile(const std::string& path) : m_folder(openFolder(path)), m_name(nameOf(path)) {
   const std::string unopened = "it cannot be opened to all users";
   const platform::Descriptor file = openPath(m_folder.get(), m_name, O_NOFOLLOW);
   if (!file.isOpen()) {

@@ -143,8 +143,8 @@ TEST_F(SocketFileTest, IsBehindNoLinkOfAnotherUser) {
   fs::create_directory_symlink("real", link);
   ASSERT_EQ(lchown(link.c_str(), 64242, 64242), 0);
   m_path = link / "a.sock";
-  EXPECT_THAT(faultOfWay(), testing::HasSubstr("the link '" + link.string() +
-                                               "' belongs to the user 64242"));
+  EXPECT_THAT(faultOfWay(),
+              testing::HasSubstr("the link '" + link.string() + "' belongs to the user 64242"));
 }
 
 TEST_F(SocketFileTest, MayBeBehindLinksOfItsOwn) {
