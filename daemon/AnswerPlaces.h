@@ -26,9 +26,7 @@ class AnswerPlaces {
   class Place {
    public:
     Place(AnswerPlaces& places, std::string peer, bool isTrusted)
-        : m_places(places),
-          m_peer(std::move(peer)),
-          m_isTaken(places.take(m_peer, isTrusted)) {}
+        : m_places(places), m_peer(std::move(peer)), m_isTaken(places.take(m_peer, isTrusted)) {}
     Place(const Place&) = delete;
     Place& operator=(const Place&) = delete;
     ~Place() {

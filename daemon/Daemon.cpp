@@ -35,6 +35,7 @@
 #include "daemon/Posix/SocketOwner.h"
 #include "daemon/Posix/StopSignals.h"
 #include "daemon/Posix/SystemLogAudit.h"
+#include "host/MachineName.h"
 #include "host/ModuleLoader.h"
 #include "http/Server.h"
 #include "wbem/Server.h"
@@ -62,8 +63,10 @@ class WbemService final : public CimXmlHandler::Service {
   wbem::Server& m_server;
 };
 
-// Puts what concerns the agents in force, before their modules are loaded.
+// Puts what concerns the agents in force, before their modules are loaded. To be called while there
+// is one thread: nothing else may read the environment meanwhile.
 void applyAgentSettings(const DaemonConfig& config) {
+  host::nameMachine();
   if (!config.logLevel.empty()) {
     os::setEnvironment("ZOLAN_Quorvel_LOG_LEVEL", config.logLevel);
   }
@@ -198,6 +201,7 @@ void serve(const DaemonConfig& config, std::ostream& out) {
   // Never destroyed: the modules' objects may log until the process has ended.
   static auto& log = *new LimitedLog;
   applyAgentSettings(config);
+  // May ask the system on a thread of its own who this process runs as.
   const std::unique_ptr<Authenticator> authenticator = makeAuthenticator(config);
   loadAgents(config);
 

@@ -15,8 +15,8 @@ namespace quorveld {
 
 class PeriodicTask {
  public:
-  // Does `task` on a thread of its own, once in each period. What it throws is logged, once for
-  // each text, and it is done again. Throws std::system_error.
+  // Does `task` on a thread of its own, once in each period. What it throws is logged where its
+  // text is not that of the last failure, and it is done again. Throws std::system_error.
   PeriodicTask(std::chrono::milliseconds period, std::function<void()> task);
   PeriodicTask(const PeriodicTask&) = delete;
   PeriodicTask& operator=(const PeriodicTask&) = delete;

@@ -33,7 +33,7 @@ using Certificate = std::unique_ptr<X509, decltype(&X509_free)>;
 using Key = std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)>;
 
 // The content of a file, judged as it was read, so that nobody puts another file in its place in
-// between. Its memory is wiped.
+// between. Its memory is wiped in the end.
 class Pem {
  public:
   // `what` is for faults.

@@ -116,6 +116,9 @@ Authenticator::Admission LocalAuthenticator::admit(std::optional<std::uint32_t> 
   }
   const Place place(*this, *peer);
   std::optional<Guest> guest = place.isTaken() ? ask(*peer) : std::nullopt;
+  if (!guest) {
+    guest = findNameless(*peer);
+  }
   const bool isBusy = !guest;
   return {std::move(guest), isBusy};
 }
@@ -174,7 +177,11 @@ std::optional<Authenticator::Guest> LocalAuthenticator::lookUp(std::uint32_t use
         static_cast<long long>(m_patience.count()), user,
         m_operators.empty() ? "his number stands for his name" : "his requests are refused");
   }
-  // Where there is no list, the name is all that is missing.
+  return findNameless(user);
+}
+
+// Where there is no list, the name is all that is missing.
+std::optional<Authenticator::Guest> LocalAuthenticator::findNameless(std::uint32_t user) const {
   return m_operators.empty() ? std::optional(Guest{std::to_string(user), wbem::Role::Reader})
                              : std::nullopt;
 }

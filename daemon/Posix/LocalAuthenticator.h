@@ -7,8 +7,8 @@
 // What the system knows of users may be on a directory server that does not answer. Root and the
 // service's own user depend on none. Of each other user one question at a time is asked, and few in
 // all; who has to wait for the answer longer than some seconds, or would be one too many who waits,
-// is told to come again. A question that never ends holds up nobody else, nor the end of the
-// program.
+// is told to come again, or, where the list of operators is empty, reads by his number. A question
+// that never ends holds up nobody else, nor the end of the program.
 
 #ifndef ORVEX_DAEMON_POSIX_LOCALAUTHENTICATOR_H_
 #define ORVEX_DAEMON_POSIX_LOCALAUTHENTICATOR_H_
@@ -71,6 +71,8 @@ class LocalAuthenticator final : public Authenticator {
   // Returns nothing where no answer came in time. To be called with a place in the line.
   [[nodiscard]] std::optional<Guest> ask(std::uint32_t user);
   [[nodiscard]] std::optional<Guest> lookUp(std::uint32_t user);
+  // Returns as whom the user is served while the system does not tell; nothing where he is not.
+  [[nodiscard]] std::optional<Guest> findNameless(std::uint32_t user) const;
   // Returns what is known of the user. While he is asked about, it may be a little older.
   [[nodiscard]] std::optional<Guest> findKnown(std::uint32_t user) ORVEX_REQUIRES(m_mutex);
 

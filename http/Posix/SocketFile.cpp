@@ -1,6 +1,9 @@
 #include "http/Posix/SocketFile.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
+#include <climits>
 #include <fcntl.h>
 #include <filesystem>
 #include <iterator>
@@ -9,6 +12,8 @@
 #include <sys/un.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
+#include <vector>
 
 #include "http/Endpoint.h"
 #include "http/ServerOptions.h"
@@ -21,10 +26,6 @@ constexpr mode_t kEverybody = 0666;
 
 [[noreturn]] void fail(int error, const std::string& what) {
   throw std::system_error(error, std::generic_category(), what);
-}
-
-std::string folderOf(const std::string& path) {
-  return std::filesystem::path(path).parent_path().string();
 }
 
 std::string nameOf(const std::string& path) {
@@ -49,50 +50,162 @@ platform::Descriptor openPath(int folder, const std::string& path, int flags) {
   return platform::Descriptor(::openat(folder, path.c_str(), O_PATH | O_CLOEXEC | flags));
 }
 
-// Throws SetupFault for a folder in which others could replace a file.
-void demandSafe(const struct stat& folder, const std::string& path) {
-  const std::string subject =
-      "Cannot listen on " + (kLocalScheme + path) + ": the folder '" + folderOf(path) + "' ";
-  if (folder.st_uid != 0 && folder.st_uid != ::geteuid()) {
-    throw SetupFault(subject + "belongs to the user " + std::to_string(folder.st_uid) +
-                     ", who could put a socket of his own there. Choose another path.");
+// The way from the root of the file system to a folder. Each folder and each link on it is judged
+// when it is gone through, since its owner decides what is behind it.
+class Way {
+ public:
+  // `socket` is the path that faults name.
+  explicit Way(const std::string& socket)
+      : m_subject("Cannot listen on " + (kLocalScheme + socket) + ": the ") {
+    goToRoot();
   }
-  const bool isOthers = (folder.st_mode & (S_IWGRP | S_IWOTH)) != 0;
-  if (isOthers && (folder.st_mode & S_ISVTX) == 0) {
-    throw SetupFault(subject +
-                     "can be changed by others than its owner, who could put sockets of "
-                     "their own there. Choose another path, or run: chmod go-w " +
-                     folderOf(path));
+
+  // Goes on from here; from the root where the path is absolute. Throws SetupFault for what others
+  // could change, std::system_error for what cannot be opened.
+  void go(const std::filesystem::path& path) {
+    // The name to take next is the last one.
+    std::vector<std::filesystem::path> names;
+    push(names, path);
+    for (unsigned links = 0; !names.empty();) {
+      const std::filesystem::path name = std::move(names.back());
+      names.pop_back();
+      if (name.is_absolute()) {
+        goToRoot();
+      } else if (const std::filesystem::path target = enter(name); !target.empty()) {
+        if (++links > kMostLinks) {
+          fail(ELOOP, unopened(m_path / name));
+        }
+        push(names, target);
+      }
+    }
   }
+
+  // Makes a folder here and goes into it; into the one that is there already, perhaps.
+  void make(const std::filesystem::path& name) {
+    const std::string unmade = "the folder " + (m_path / name).string() + " cannot be made";
+    if (::mkdirat(m_folder.get(), name.c_str(), kFolderMode) != 0) {
+      if (errno != EEXIST) {
+        fail(errno, unmade);
+      }
+      go(name);
+      return;
+    }
+    if (!enter(name).empty()) {
+      fail(EEXIST, unmade);  // somebody else has put a link in its place
+    }
+    // Whatever the umask is, other users have to find the socket in it.
+    if (!setMode(m_folder, kFolderMode)) {
+      fail(errno, unmade);
+    }
+  }
+
+  [[nodiscard]] platform::Descriptor take() { return std::move(m_folder); }
+
+ private:
+  // As many as the system goes through.
+  static constexpr unsigned kMostLinks = 40;
+
+  static std::string unopened(const std::filesystem::path& folder) {
+    return "the folder " + folder.string() + " cannot be opened";
+  }
+
+  static void push(std::vector<std::filesystem::path>& names, const std::filesystem::path& path) {
+    const std::vector<std::filesystem::path> parts(path.begin(), path.end());
+    std::copy_if(parts.rbegin(), parts.rend(), std::back_inserter(names),
+                 [](const std::filesystem::path& part) { return !part.empty() && part != "."; });
+  }
+
+  void goToRoot() {
+    m_path = "/";
+    m_folder = openPath(AT_FDCWD, m_path, O_DIRECTORY);
+    if (!m_folder.isOpen()) {
+      fail(errno, unopened(m_path));
+    }
+    demandSafe(demandStatus(m_folder, unopened(m_path)));
+  }
+
+  // Goes into a folder. Returns where it leads to if it is a link, and stays then.
+  [[nodiscard]] std::filesystem::path enter(const std::filesystem::path& name) {
+    // Has the system mount what it mounts at its first use.
+    platform::Descriptor next = openPath(m_folder.get(), name, O_NOFOLLOW | O_DIRECTORY);
+    if (!next.isOpen()) {
+      const int error = errno;
+      if (error != ENOTDIR && error != ELOOP) {
+        fail(error, unopened(m_path / name));
+      }
+      return readLink(name);
+    }
+    m_path /= name;
+    m_folder = std::move(next);
+    demandSafe(demandStatus(m_folder, unopened(m_path)));
+    return {};
+  }
+
+  [[nodiscard]] std::filesystem::path readLink(const std::filesystem::path& name) const {
+    const std::string what = unopened(m_path / name);
+    const platform::Descriptor link = openPath(m_folder.get(), name, O_NOFOLLOW);
+    if (!link.isOpen()) {
+      fail(errno, what);
+    }
+    const struct stat status = demandStatus(link, what);
+    if (!S_ISLNK(status.st_mode)) {
+      fail(ENOTDIR, what);
+    }
+    if (!isTrusted(status.st_uid)) {
+      throw SetupFault(m_subject + "link '" + (m_path / name).string() + "' belongs to the user " +
+                       std::to_string(status.st_uid) +
+                       ", who could lead it to a socket of his own. Choose another path.");
+    }
+    std::array<char, PATH_MAX> target{};
+    const ssize_t size = ::readlinkat(link.get(), "", target.data(), target.size());
+    if (size <= 0) {
+      fail(size < 0 ? errno : ENOENT, what);
+    }
+    return std::string(target.data(), static_cast<std::size_t>(size));
+  }
+
+  void demandSafe(const struct stat& folder) const {
+    const std::string subject = m_subject + "folder '" + m_path.string() + "' ";
+    if (!isTrusted(folder.st_uid)) {
+      throw SetupFault(subject + "belongs to the user " + std::to_string(folder.st_uid) +
+                       ", who could put a socket of his own there. Choose another path.");
+    }
+    const bool isOthers = (folder.st_mode & (S_IWGRP | S_IWOTH)) != 0;
+    if (isOthers && (folder.st_mode & S_ISVTX) == 0) {
+      throw SetupFault(subject +
+                       "can be changed by others than its owner, who could put sockets of "
+                       "their own there. Choose another path, or run: chmod go-w " +
+                       m_path.string());
+    }
+  }
+
+  static bool isTrusted(uid_t user) { return user == 0 || user == ::geteuid(); }
+
+  const std::string m_subject;
+  std::filesystem::path m_path;
+  platform::Descriptor m_folder;
+};
+
+std::filesystem::path folderOf(const std::string& path) {
+  return std::filesystem::absolute(path).parent_path();
 }
 
 // Returns the folder of a socket, which has to be safe.
-platform::Descriptor openFolder(const std::string& path, int flags) {
-  const std::string unopened = "the folder " + folderOf(path) + " cannot be opened";
-  platform::Descriptor folder = openPath(AT_FDCWD, folderOf(path), O_DIRECTORY | flags);
-  if (!folder.isOpen()) {
-    fail(errno, unopened);
-  }
-  demandSafe(demandStatus(folder, unopened), path);
-  return folder;
+platform::Descriptor openFolder(const std::string& path) {
+  Way way(path);
+  way.go(folderOf(path));
+  return way.take();
 }
 
 // Returns the folder of a socket, made where it is missing.
 platform::Descriptor makeFolder(const std::string& path) {
-  const std::string name = folderOf(path);
-  const std::string unmade = "the folder " + name + " cannot be made";
-  if (::mkdir(name.c_str(), kFolderMode) != 0) {
-    if (errno != EEXIST) {
-      fail(errno, unmade);
-    }
-    return openFolder(path, 0);
+  const std::filesystem::path folder = folderOf(path);
+  Way way(path);
+  way.go(folder.parent_path());
+  if (folder.has_filename()) {
+    way.make(folder.filename());
   }
-  platform::Descriptor folder = openFolder(path, O_NOFOLLOW);
-  // Whatever the umask is, other users have to find the socket in it.
-  if (!setMode(folder, kFolderMode)) {
-    fail(errno, unmade);
-  }
-  return folder;
+  return way.take();
 }
 
 // Returns whether a server takes connections there.
@@ -137,8 +250,7 @@ void SocketFile::makeWay(const std::string& path) {
   }
 }
 
-SocketFile::SocketFile(const std::string& path)
-    : m_folder(openFolder(path, 0)), m_name(nameOf(path)) {
+SocketFile::SocketFile(const std::string& path) : m_folder(openFolder(path)), m_name(nameOf(path)) {
   const std::string unopened = "it cannot be opened to all users";
   const platform::Descriptor file = openPath(m_folder.get(), m_name, O_NOFOLLOW);
   if (!file.isOpen()) {

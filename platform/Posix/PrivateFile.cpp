@@ -1,6 +1,6 @@
 #include "platform/Posix/PrivateFile.h"
 
-#include <array>
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <fcntl.h>
@@ -14,6 +14,8 @@
 
 namespace platform {
 namespace {
+
+constexpr std::size_t kPiece = 4096;  // that is read at a time
 
 constexpr mode_t kOfOthers = S_IRWXG | S_IRWXO;
 constexpr mode_t kWritingOfOthers = S_IWGRP | S_IWOTH;
@@ -107,19 +109,20 @@ FileStamp demandStamp(const Descriptor& file, const std::string& path) {
 
 // Appends what comes next. Returns false at the end.
 bool readOn(const Descriptor& file, const std::string& path, std::string& content) {
-  constexpr std::size_t kPiece = 4096;
-  std::array<char, kPiece> buffer{};
-  ssize_t got = read(file.get(), buffer.data(), buffer.size());
+  const std::size_t size = content.size();
+  // Where it is to stay: no second copy of a secret is left behind.
+  content.resize(size + kPiece);
+  ssize_t got = read(file.get(), content.data() + size, kPiece);
   while (got < 0 && (errno == EINTR || errno == EAGAIN)) {
     if (errno == EAGAIN) {
       awaitInput(file);
     }
-    got = read(file.get(), buffer.data(), buffer.size());
+    got = read(file.get(), content.data() + size, kPiece);
   }
   if (got < 0) {
     refuseUnreadable(path, errno);
   }
-  content.append(buffer.data(), static_cast<std::size_t>(got));
+  content.resize(size + static_cast<std::size_t>(got));
   return got > 0;
 }
 
@@ -168,6 +171,10 @@ PrivateFile readPrivateFile(const std::string& path, Privacy privacy, std::size_
     refuseUnreadable(path, S_ISDIR(result.stamp.mode) ? EISDIR : EOPNOTSUPP);
   }
   demandPrivate(path, result.stamp, privacy);
+  // With room for the read that meets the end: a string that grows leaves its old memory behind.
+  const auto size = static_cast<std::uint64_t>(std::max<std::int64_t>(result.stamp.size, 0));
+  result.content.reserve(static_cast<std::size_t>(std::min<std::uint64_t>(size, most)) +
+                         2 * kPiece);
   while (readOn(file, path, result.content)) {
     if (result.content.size() > most) {
       refuseLong(path, most);

@@ -66,7 +66,8 @@ struct PrivateFile {
   FileStamp stamp;
 };
 
-// Reads a regular file whole; does not wait for the other end of a pipe. Throws PrivateFileFault
+// Reads a regular file whole; does not wait for the other end of a pipe. The content is in no other
+// memory than the caller gets, unless the file grows meanwhile. Throws PrivateFileFault
 // for one that cannot be read, is not private, or has more than `most` bytes.
 [[nodiscard]] PrivateFile readPrivateFile(const std::string& path, Privacy privacy,
                                           std::size_t most);

@@ -189,8 +189,7 @@ TEST_F(CimXmlHandlerTest, AnswersMonitorsAndTurnsMessagesAwayWhereTooManyWaitFor
       EXPECT_EQ(response.status, 200u);
     });
   }
-  EXPECT_TRUE(
-      test::waitUntil([&] { return service.answering == quorveld::AnswerPlaces::kMost; }));
+  EXPECT_TRUE(test::waitUntil([&] { return service.answering == quorveld::AnswerPlaces::kMost; }));
 
   http::Response refused;
   handle(handler, m_request, refused);

@@ -57,6 +57,16 @@ TEST_F(RecordLimit, TellsTheRestAtOnceAtTheEnd) {
   EXPECT_EQ(rests[0].count, 2u);
 }
 
+TEST_F(RecordLimit, CountsWhatNobodyHasTaken) {
+  EXPECT_EQ(m_limit.countLeftOut(), 0U);
+  static_cast<void>(offer("a", kMost + 2));
+  m_now += Limit::kPeriod;
+  static_cast<void>(offer("b", kMost + 3));
+  EXPECT_EQ(m_limit.countLeftOut(), 5U);
+  EXPECT_THAT(m_limit.takeEnded(), SizeIs(1));
+  EXPECT_EQ(m_limit.countLeftOut(), 3U);
+}
+
 TEST_F(RecordLimit, CountsTooManyKindsAsOne) {
   for (std::size_t i = 0; i < Limit::kMostKinds; ++i) {
     EXPECT_EQ(offer(std::to_string(i), 1), 1u);

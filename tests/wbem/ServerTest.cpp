@@ -316,10 +316,10 @@ TEST_F(InstallingServer, RecordsTheInstallationAndItsEndWhereNoAgentCanTellTheVe
   m_installers.onDescription = [] { throw std::bad_alloc(); };
   install(path);
   ASSERT_EQ(m_audit.records.size(), 1U);
-  EXPECT_THAT(m_audit.records.front().details,
-              ElementsAre(Pair("file", path), Pair("sha256", "digest of image"),
-                          Pair("options", "5"), Pair("new", StartsWith("not known: ")),
-                          Pair("job", "new")));
+  EXPECT_THAT(
+      m_audit.records.front().details,
+      ElementsAre(Pair("file", path), Pair("sha256", "digest of image"), Pair("options", "5"),
+                  Pair("new", StartsWith("not known: ")), Pair("job", "new")));
   job.JobState.setValue(7);
   m_server.recordEndedJobs();
   ASSERT_EQ(m_audit.records.size(), 2U);

@@ -217,6 +217,18 @@ TEST_F(UsersOfADirectory, ReadByTheirNumbersWhereNobodyIsListed) {
   EXPECT_EQ(users->admit(1000).guest->user, "1000");
 }
 
+TEST_F(UsersOfADirectory, ReadByTheirNumbersWhereNobodyIsListedAndTooManyWait) {
+  const auto users = make(test::kDeadline, {});
+  m_directory->setSilent(true);
+  Admissions admissions;
+  for (std::uint32_t user = 1000; user <= 1000 + LocalAuthenticator::kMostInLine; ++user) {
+    admissions.push_back(admitLater(*users, user));
+  }
+  EXPECT_TRUE(test::waitUntil([&] { return countReady(admissions) == 1; }));
+  m_directory->setSilent(false);
+  EXPECT_EQ(countGuests(admissions), LocalAuthenticator::kMostInLine + 1);
+}
+
 TEST_F(UsersOfADirectory, AreAskedAboutOnceForAllWhoWaitAndNotTooManyWait) {
   const auto users = make(test::kDeadline);
   m_directory->setSilent(true);

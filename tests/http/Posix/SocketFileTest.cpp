@@ -96,6 +96,83 @@ TEST_F(SocketFileTest, IsInNoFolderOfAnotherUser) {
   EXPECT_THAT(faultOfWay(), testing::HasSubstr("belongs to the user 64242"));
 }
 
+// Who owns a folder on the way, or a link, decides what is behind it.
+TEST_F(SocketFileTest, IsBehindNoFolderThatOthersCanChange) {
+  m_path = m_directory.path() / "middle" / "run" / "a.sock";
+  const fs::path middle = m_directory.path() / "middle";
+  fs::create_directory(middle);
+  ASSERT_EQ(chmod(middle.c_str(), 0777), 0);
+  EXPECT_THAT(faultOfWay(), testing::EndsWith("run: chmod go-w " + middle.string()));
+  EXPECT_FALSE(fs::exists(m_path.parent_path()));
+  ASSERT_EQ(chmod(middle.c_str(), 01777), 0);
+  EXPECT_EQ(faultOfWay(), "none");
+}
+
+TEST_F(SocketFileTest, IsBehindNoFolderOfAnotherUser) {
+  if (geteuid() != 0) {
+    GTEST_SKIP() << "only root can give a folder away";
+  }
+  const fs::path strangers = m_directory.path() / "strangers";
+  m_path = strangers / "run" / "a.sock";
+  fs::create_directories(m_path.parent_path());
+  ASSERT_EQ(chown(strangers.c_str(), 64242, 64242), 0);
+  EXPECT_THAT(faultOfWay(), testing::HasSubstr("the folder '" + strangers.string() +
+                                               "' belongs to the user 64242"));
+  EXPECT_THROW(SocketFile{m_path}, http::SetupFault);
+}
+
+TEST_F(SocketFileTest, IsBehindNoLinkInAFolderOfAnotherUser) {
+  if (geteuid() != 0) {
+    GTEST_SKIP() << "only root can give a folder away";
+  }
+  const fs::path strangers = m_directory.path() / "strangers";
+  fs::create_directory(strangers);
+  fs::create_directory(m_directory.path() / "real");
+  fs::create_directory_symlink(m_directory.path() / "real", strangers / "run");
+  ASSERT_EQ(chown(strangers.c_str(), 64242, 64242), 0);
+  m_path = strangers / "run" / "a.sock";
+  EXPECT_THAT(faultOfWay(), testing::HasSubstr("belongs to the user 64242"));
+}
+
+TEST_F(SocketFileTest, IsBehindNoLinkOfAnotherUser) {
+  if (geteuid() != 0) {
+    GTEST_SKIP() << "only root can give a link away";
+  }
+  const fs::path link = m_directory.path() / "link";
+  fs::create_directory(m_directory.path() / "real");
+  fs::create_directory_symlink("real", link);
+  ASSERT_EQ(lchown(link.c_str(), 64242, 64242), 0);
+  m_path = link / "a.sock";
+  EXPECT_THAT(faultOfWay(),
+              testing::HasSubstr("the link '" + link.string() + "' belongs to the user 64242"));
+}
+
+TEST_F(SocketFileTest, MayBeBehindLinksOfItsOwn) {
+  fs::create_directories(m_directory.path() / "real" / "deep");
+  fs::create_directory_symlink("real/deep", m_directory.path() / "relative");
+  fs::create_directory_symlink(m_directory.path() / "relative" / "..",
+                               m_directory.path() / "absolute");
+  m_path = m_directory.path() / "absolute" / "." / "run" / "a.sock";
+  ASSERT_EQ(errorOfWay(), 0);
+  EXPECT_TRUE(fs::is_directory(m_directory.path() / "real" / "run"));
+  const Descriptor socket = bindTo(m_path);
+  const SocketFile file(m_path);
+  EXPECT_EQ(fs::status(m_path).permissions(), fs::perms(0666));
+}
+
+TEST_F(SocketFileTest, IsFoundThroughABoundedNumberOfLinks) {
+  fs::create_directory_symlink("loop", m_directory.path() / "loop");
+  m_path = m_directory.path() / "loop" / "a.sock";
+  EXPECT_EQ(errorOfWay(), ELOOP);
+  m_path = m_directory.path() / "loop" / "run" / "a.sock";
+  EXPECT_EQ(errorOfWay(), ELOOP);
+}
+
+TEST_F(SocketFileTest, IsInNoFolderThatIsAFile) {
+  m_directory.write("run", std::string("content"));
+  EXPECT_EQ(errorOfWay(), ENOTDIR);
+}
+
 // Somebody else could have put it there since the socket was bound.
 TEST_F(SocketFileTest, OpensNothingElseToEveryUser) {
   SocketFile::makeWay(m_path);
