@@ -66,7 +66,7 @@ std::string MountTable::findAt(const std::string& directory) const {
 
 std::string MountTable::findHolding(std::string directory) const {
   while (directory.size() > 1) {
-    if (const std::string device = findAt(directory); !device.empty()) {
+    if (std::string device = findAt(directory); !device.empty()) {
       return device;
     }
     directory.resize(std::max<std::size_t>(directory.rfind('/'), 1));

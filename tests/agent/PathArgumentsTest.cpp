@@ -7,9 +7,7 @@
 namespace {
 
 using test::IdentityMethodTraits;
-using testing::Contains;
 using testing::ElementsAre;
-using testing::Not;
 
 TEST(PathArguments, AreObjectPathsOrFaults) {
   core::CimPropertyRef path("Source", nullptr);
