@@ -36,7 +36,6 @@ void CimPropertyList::add(CimProperty* newProperty) {
   ORVEX_ASSERT(kLog, newProperty != NULL);
   // All that may fail comes before the first change.
   reserveOne();
-  m_index.reserveOne();
   m_index.enter(newProperty);
   SafeList::add(newProperty);
 }
@@ -62,15 +61,11 @@ CimPropertyList::Index::Index() = default;
 
 CimPropertyList::Index::~Index() = default;
 
-void CimPropertyList::Index::reserveOne() {
+void CimPropertyList::Index::enter(CimProperty* newProperty) {
   const utils::ScopedLock lock(m_lock);
   if (m_entries.size() == m_entries.capacity()) {
     m_entries.reserve(std::max(kFirstListCapacity, 2 * m_entries.size()));
   }
-}
-
-void CimPropertyList::Index::enter(CimProperty* newProperty) {
-  const utils::ScopedLock lock(m_lock);
   const auto entry = find(*newProperty);
   if (entry != m_entries.end()) {
     CimProperty* const overridenProperty = entry->property;

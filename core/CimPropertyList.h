@@ -58,8 +58,6 @@ class ORVEX_CORE_API CimPropertyList : public utils::SafeList<CimProperty*> {
     Index& operator=(const Index&) = delete;
     ~Index();
 
-    // Makes room for one more name, so that entering it does not fail.
-    void reserveOne();
     // Has the property override the one in force under its name, if there is one. Throws
     // utils::Exception where that is null, and changes nothing.
     void enter(CimProperty* newProperty);
