@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 
@@ -94,6 +95,8 @@ TEST_F(IdentitiesCommandTest, ListsTheFilesWhereThereIsNoAdapter) {
 
 TEST_F(IdentitiesCommandTest, SaysWhereItLooksWhenItFindsNone) {
   addPxeAdapter("0000:03:00");
+  const bool isPosix = std::filesystem::path::preferred_separator == '/';
+  const std::string example = isPosix ? "/srv/firmware" : "C:\\firmware";
   for (const std::string& directories :
        {path("firmware").string(), path("missing").string(), std::string()}) {
     lookIn(directories);
@@ -101,8 +104,8 @@ TEST_F(IdentitiesCommandTest, SaysWhereItLooksWhenItFindsNone) {
     EXPECT_EQ(result.exitStatus, 0);
     EXPECT_EQ(result.output,
               "No firmware file was found. FWFilePath in " + settings().place() +
-                  " names the directories to look in, separated by ';' (FWFilePath = "
-                  "/srv/firmware); one that does not exist is passed over.\n");
+                  " names the directories to look in, separated by ';' (FWFilePath = " + example +
+                  "); one that does not exist is passed over.\n");
     EXPECT_THAT(showJson(), IsEmpty());
   }
 }
