@@ -123,7 +123,8 @@ TEST_F(FileCalls, ByPathLeadToTheFileSystemThatIsAway) {
 TEST_F(FileCalls, ByPathAreAwayInTheirFileSystem) {
   HeldCall held;
   m_calls.setPatience(milliseconds(1));
-  ASSERT_EQ(m_calls.make(m_directory.path().string(), held.call()), FileAnswer::GivenUp);
+  const std::string path = (m_directory.path() / "held").string();
+  ASSERT_EQ(m_calls.make(path, held.call()), FileAnswer::GivenUp);
   m_calls.setPatience(test::kDeadline);
   // It may not even have come there in that time.
   ASSERT_TRUE(test::waitUntil([&held] { return held.hasBegun(); }));
@@ -131,8 +132,7 @@ TEST_F(FileCalls, ByPathAreAwayInTheirFileSystem) {
   EXPECT_EQ(m_calls.make(other, [count = m_count] { ++*count; }), FileAnswer::StillAway);
   EXPECT_EQ(*m_count, 0);
   held.release();
-  EXPECT_TRUE(test::waitUntil(
-      [this] { return m_calls.make(m_directory.path().string(), [] {}) == FileAnswer::InTime; }));
+  EXPECT_TRUE(test::waitUntil([&] { return m_calls.make(path, [] {}) == FileAnswer::InTime; }));
 }
 
 TEST_F(FileCalls, ByPathAreNotMadeBelowADirectoryThatIsAway) {
