@@ -58,7 +58,7 @@ class FakeSink final : public quorveld::AuditSink {
   static std::string textOf(const wbem::AuditRecord& record) {
     std::string text = record.action + " of " + record.caller.user + ": " + record.result;
     for (const auto& [name, value] : record.details) {
-      text += ", " + name + " " + value;
+      text.append(", ").append(name).append(" ").append(value);
     }
     return text;
   }

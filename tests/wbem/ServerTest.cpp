@@ -469,6 +469,7 @@ TEST_F(Server, AnswersManyThreadsAtATime) {
     }
   };
   std::vector<std::thread> threads;
+  threads.reserve(kThreads);
   for (int number = 0; number < kThreads; ++number) {
     threads.emplace_back(work, number);
   }

@@ -110,7 +110,7 @@ class Directory {
 
 class UsersOfADirectory : public testing::Test {
  protected:
-  ~UsersOfADirectory() override {
+  void TearDown() override {
     m_directory->setSilentAbout(std::nullopt);
     m_directory->setSilent(false);
   }
