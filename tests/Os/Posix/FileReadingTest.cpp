@@ -63,10 +63,11 @@ TEST_F(FileReading, AsksNothingThereWithoutAThreadEither) {
 
 // A whole file has no time: each piece is in time, and all of them together are not.
 class SlowReading : public FileReading {
+ public:
+  ~SlowReading() override { os::fileCalls().setPatiencesOfAFile(m_before); }
+
  protected:
   static constexpr std::size_t kSize = std::size_t{64} << 20;
-
-  ~SlowReading() override { os::fileCalls().setPatiencesOfAFile(m_before); }
 
   const std::string m_path = sparseFile("long", kSize);
 

@@ -124,7 +124,7 @@ TEST_F(PosixFileAhead, TellsOfASilentFileSystemWhenItIsAskedFor) {
 
 // Those that come wait for nobody.
 class PosixFileAheadWithoutTime : public PosixFileAhead {
- protected:
+ public:
   ~PosixFileAheadWithoutTime() override { os::fileCalls().setPatiencesOfAFile(m_before); }
 
  private:
