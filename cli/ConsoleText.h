@@ -15,6 +15,7 @@ class ConsoleText {
   ConsoleText();
   ConsoleText(const ConsoleText&) = delete;
   ConsoleText& operator=(const ConsoleText&) = delete;
+  // NOLINTNEXTLINE(performance-trivially-destructible): on Windows it does something
   ~ConsoleText();
 };
 

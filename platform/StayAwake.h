@@ -16,6 +16,7 @@ class StayAwake {
   StayAwake();
   StayAwake(const StayAwake&) = delete;
   StayAwake& operator=(const StayAwake&) = delete;
+  // NOLINTNEXTLINE(performance-trivially-destructible): on Windows it does something
   ~StayAwake();
 
  private:
