@@ -78,6 +78,14 @@ class ConcreteJobClass : public testing::Test {
     }));
   }
 
+  // Enumerates until the finished job has lost its thread, which ends after the job does.
+  bool loseTheThread() {
+    return test::waitUntil([this] {
+      enumerate();
+      return !m_log.messages("JobThread::~JobThread").empty();
+    });
+  }
+
   test::PlacedLog m_log;
   test::FakeConfig m_config;
   test::FakeLocker m_locker;
@@ -287,7 +295,7 @@ TEST_F(ConcreteJobClass, AnswersWhatIsNoExceptionAsUnspecifiedToo) {
 TEST_F(ConcreteJobClass, RefreshesItsJobsWhenItIsEnumerated) {
   createAndFinish();
   const std::string function = "ConcreteJob::getInstances";
-  enumerate();
+  ASSERT_TRUE(loseTheThread());
   m_log.clear();
 
   const std::vector<Orvex_ConcreteJob*> jobs = enumerate();
@@ -308,10 +316,7 @@ TEST_F(ConcreteJobClass, RefreshesItsJobsWhenItIsEnumerated) {
 
 TEST_F(ConcreteJobClass, DeletesTheThreadsOfFinishedJobsWhenItIsEnumerated) {
   createAndFinish();
-  EXPECT_TRUE(test::waitUntil([this] {
-    enumerate();
-    return !m_log.messages("JobThread::~JobThread").empty();
-  }));
+  EXPECT_TRUE(loseTheThread());
 }
 
 TEST_F(ConcreteJobClass, PublishesTheProgressOfARunningJob) {
