@@ -28,6 +28,9 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr const char* kLock = "os::OSLocker::Lock";
+constexpr const char* kTimeout =
+    "Timeout occured when the Semaphore was locked. Other application uses Fennelbrook SDK at this "
+    "moment";
 constexpr const char* kUnLock = "os::OSLocker::UnLock";
 
 class FakeLocker : public OSLocker {
@@ -111,10 +114,7 @@ TEST_F(OSLockerRules, AnswersThreeWhenTheWaitTimesOut) {
 
   EXPECT_EQ(m_locker.Lock(), 3);
   EXPECT_THAT(log.messages(kLock),
-              ElementsAre("result = 258",
-                          "Timeout occured when the Semaphore was locked. Other application uses "
-                          "Fennelbrook SDK at this moment",
-                          "The flash lock is held by another program"));
+              ElementsAre("result = 258", kTimeout, "The flash lock is held by another program"));
 }
 
 TEST_F(OSLockerRules, TellsWhomItWaitsFor) {
@@ -162,10 +162,7 @@ TEST_F(OSLockerRules, IsGivenUpByOneWhoWaits) {
 
   EXPECT_EQ(m_locker.Lock(), 3);
   EXPECT_THAT(log.messages(kLock),
-              ElementsAre("result = 258",
-                          "Timeout occured when the Semaphore was locked. Other application uses "
-                          "Fennelbrook SDK at this moment",
-                          "This process has given the flash lock up"));
+              ElementsAre("result = 258", kTimeout, "This process has given the flash lock up"));
 }
 
 TEST_F(OSLockerRules, IsNotHadOnceItIsGivenUp) {

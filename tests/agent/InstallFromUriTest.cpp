@@ -247,6 +247,12 @@ class UpdateTarget : public InstallFromUri {
   auto updating(const std::string& target) {
     return [this, target] { static_cast<void>(update(target)); };
   }
+
+  void expectUnsupported(const std::string& target) {
+    EXPECT_EQ(update(target), 4106u);
+    EXPECT_THAT(messages(),
+                ElementsAre("Firmware Update does not support target '" + target + "'"));
+  }
 };
 
 TEST_F(UpdateTarget, AsksForAJobForThePort) {
@@ -311,9 +317,7 @@ TEST_F(UpdateTarget, RefusesAPortWithoutIdentity) {
 
 TEST_F(UpdateTarget, RefusesATargetOfAnotherClass) {
   for (const std::string& target : {m_siblings.addSoftwareIdentity(), m_siblings.addService()}) {
-    EXPECT_EQ(update(target), 4106u);
-    EXPECT_THAT(messages(),
-                ElementsAre("Firmware Update does not support target '" + target + "'"));
+    expectUnsupported(target);
   }
   EXPECT_THAT(m_factory->requests, IsEmpty());
 }
@@ -323,9 +327,7 @@ TEST_F(UpdateTarget, GoesByTheExactNameOfTheClass) {
   for (const std::string& target :
        {m_siblings.addPort("0000:03:00.0", "Orvex_ethernetPort"),
         m_siblings.addController({"0000:03:00.0"}, "Orvex_Portcontroller")}) {
-    EXPECT_EQ(update(target), 4106u);
-    EXPECT_THAT(messages(),
-                ElementsAre("Firmware Update does not support target '" + target + "'"));
+    expectUnsupported(target);
   }
   EXPECT_THAT(m_factory->requests, IsEmpty());
 }
