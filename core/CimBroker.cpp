@@ -141,7 +141,7 @@ CimInstance* CimBroker::getInstanceByPath(const CimPath& path) {
 }
 
 CimBroker& GetCimBroker() {
-  // Never destroyed: agents of modules outlive every object with a destructor of this library.
+  // Not destroyed before the library goes: agents of modules outlive every static object.
   static CimBroker* const broker = [] {
     utils::destroyAtUnload([] { delete &GetCimBroker(); });
     return new CimBroker;
