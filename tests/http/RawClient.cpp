@@ -7,6 +7,7 @@
 #include <csignal>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <poll.h>
 #include <stdexcept>
 #include <sys/socket.h>
 #include <sys/time.h>
@@ -134,6 +135,11 @@ std::string RawClient::readHead() {
     }
   }
   return readBytes(m_received.find(kHeadEnd) + kHeadEnd.size());
+}
+
+bool RawClient::isReadable() const {
+  pollfd asked{m_socket, POLLIN, 0};
+  return !m_received.empty() || poll(&asked, 1, 0) == 1;
 }
 
 std::string RawClient::readToEnd() {

@@ -43,6 +43,8 @@ class RawClient {
   // Returns what comes until the connection ends.
   [[nodiscard]] std::string readToEnd();
   [[nodiscard]] std::string readBytes(std::size_t count);
+  // Returns whether a read would end at once: by bytes, or by the end. Without TLS alone.
+  [[nodiscard]] bool isReadable() const;
   // Returns whether the connection ends without anything further to read.
   [[nodiscard]] bool isAtEnd() { return readToEnd().empty(); }
   // Whether it ended by a reset, which may have cost an answer.
