@@ -1,6 +1,5 @@
 #include "cli/UpdateCommand.h"
 
-#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <memory>
 #include <optional>
