@@ -18,7 +18,7 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
   add_compile_options(-Wno-restrict)
 endif()
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
-  add_compile_options(-Wthread-safety)
+  add_compile_options(-Wthread-safety -Wreserved-identifier -Wreserved-macro-identifier)
 endif()
 
 if(QUORVEL_SANITIZE)
@@ -60,3 +60,9 @@ if(CCACHE_PROGRAM)
     add_compile_options("SHELL:-Xclang -fno-pch-timestamp")
   endif()
 endif()
+
+# What nearly every source includes, compiled once: reading it takes the compiler half of its time. A source
+# includes what it needs all the same, and clang-tidy reads it without this.
+set(QUORVEL_COMMON_HEADERS
+  <algorithm> <array> <atomic> <chrono> <cstdint> <exception> <filesystem> <functional> <map> <memory> <optional>
+  <set> <span> <string> <string_view> <system_error> <utility> <vector>)
