@@ -1,14 +1,14 @@
 // The fixture of the tests that write an adapter's flash.
 
-#ifndef ORVEX_TESTS_MIDAPI_FLASHWRITEFIXTURE_H_
-#define ORVEX_TESTS_MIDAPI_FLASHWRITEFIXTURE_H_
+#ifndef ORVEX_TESTS_MIDAPI_VIRTUAL_FLASHWRITEFIXTURE_H_
+#define ORVEX_TESTS_MIDAPI_VIRTUAL_FLASHWRITEFIXTURE_H_
 
 #include <cstdint>
 #include <gmock/gmock.h>
 #include <string>
 #include <vector>
 
-#include "midapi/AdapterUpdate.h"
+#include "midapi/Virtual/AdapterUpdate.h"
 #include "tests/midapi/AdapterFixture.h"
 #include "tests/midapi/WatchedFileSystem.h"
 #include "tests/support/FakeClock.h"
@@ -65,4 +65,4 @@ class FlashWriteFixture : public testing::Test {
 
 }  // namespace test
 
-#endif  // ORVEX_TESTS_MIDAPI_FLASHWRITEFIXTURE_H_
+#endif  // ORVEX_TESTS_MIDAPI_VIRTUAL_FLASHWRITEFIXTURE_H_

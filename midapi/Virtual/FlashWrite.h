@@ -1,16 +1,16 @@
 // The write of a virtual adapter's new flash, beside the old one: paced, watched, and failing on
 // demand.
 
-#ifndef ORVEX_MIDAPI_FLASHWRITE_H_
-#define ORVEX_MIDAPI_FLASHWRITE_H_
+#ifndef ORVEX_MIDAPI_VIRTUAL_FLASHWRITE_H_
+#define ORVEX_MIDAPI_VIRTUAL_FLASHWRITE_H_
 
 #include <cstddef>
 #include <filesystem>
 #include <vector>
 
-#include "midapi/AdapterDescription.h"
-#include "midapi/AdapterFolder.h"
 #include "midapi/FileSystem.h"
+#include "midapi/Virtual/AdapterDescription.h"
+#include "midapi/Virtual/AdapterFolder.h"
 #include "midapi/WriteProgress.h"
 #include "platform/Clock.h"
 
@@ -57,4 +57,4 @@ class FlashWrite {
 
 }  // namespace ma
 
-#endif  // ORVEX_MIDAPI_FLASHWRITE_H_
+#endif  // ORVEX_MIDAPI_VIRTUAL_FLASHWRITE_H_

@@ -1,7 +1,5 @@
-#include "midapi/UpdateJournal.h"
+#include "midapi/Virtual/UpdateJournal.h"
 
-#include <charconv>
-#include <cstddef>
 #include <limits>
 #include <optional>
 
@@ -13,20 +11,6 @@
 
 namespace ma {
 namespace {
-
-constexpr std::size_t kDigestDigits = 16;
-
-std::uint64_t readDigest(const FieldReader& fields) {
-  const std::string digits = fields.text("flashDigest");
-  std::uint64_t digest = 0;
-  const auto [end, fault] =
-      std::from_chars(digits.data(), digits.data() + digits.size(), digest, 16);
-  if (digits.size() != kDigestDigits || fault != std::errc() ||
-      end != digits.data() + digits.size()) {
-    refuseField("flashDigest", "must be sixteen hexadecimal digits");
-  }
-  return digest;
-}
 
 DescriptionChange readChange(const FieldReader& fields) {
   DescriptionChange change;
@@ -65,7 +49,7 @@ UpdateJournal parseJournal(std::string_view text) {
     refuseField("flash", "must be like \"flash.rom.new-0123456789abcdef\"");
   }
   journal.flashSize = fields.number("flashSize", 0, std::numeric_limits<std::uint64_t>::max());
-  journal.flashDigest = readDigest(fields);
+  journal.flashDigest = fields.digest("flashDigest");
   journal.change = readChange(fields);
   return journal;
 }

@@ -1,4 +1,4 @@
-#include "midapi/FlashWrite.h"
+#include "midapi/Virtual/FlashWrite.h"
 
 #include <algorithm>
 #include <chrono>

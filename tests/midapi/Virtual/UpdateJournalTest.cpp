@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "midapi/DescriptionFault.h"
-#include "midapi/UpdateJournal.h"
+#include "midapi/Virtual/UpdateJournal.h"
 
 namespace {
 

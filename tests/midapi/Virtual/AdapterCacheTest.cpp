@@ -4,8 +4,8 @@
 #include <thread>
 #include <vector>
 
-#include "midapi/AdapterCache.h"
 #include "midapi/FlashBackend.h"
+#include "midapi/Virtual/AdapterCache.h"
 #include "tests/midapi/AdapterFixture.h"
 #include "tests/midapi/WatchedFileSystem.h"
 

@@ -5,8 +5,8 @@
 // changed, or has no identity, is read again. Any thread may call; none waits for another's
 // reading.
 
-#ifndef ORVEX_MIDAPI_ADAPTERCACHE_H_
-#define ORVEX_MIDAPI_ADAPTERCACHE_H_
+#ifndef ORVEX_MIDAPI_VIRTUAL_ADAPTERCACHE_H_
+#define ORVEX_MIDAPI_VIRTUAL_ADAPTERCACHE_H_
 
 #include <filesystem>
 #include <memory>
@@ -14,8 +14,8 @@
 #include <vector>
 
 #include "Utils/FirmwareTypes.h"
-#include "midapi/AdapterDescription.h"
 #include "midapi/FileSystem.h"
+#include "midapi/Virtual/AdapterDescription.h"
 #include "platform/Mutex.h"
 
 namespace ma {
@@ -56,4 +56,4 @@ class AdapterCache {
 
 }  // namespace ma
 
-#endif  // ORVEX_MIDAPI_ADAPTERCACHE_H_
+#endif  // ORVEX_MIDAPI_VIRTUAL_ADAPTERCACHE_H_

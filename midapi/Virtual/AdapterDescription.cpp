@@ -1,4 +1,4 @@
-#include "midapi/AdapterDescription.h"
+#include "midapi/Virtual/AdapterDescription.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,9 +1,9 @@
-#include "midapi/AdapterCache.h"
+#include "midapi/Virtual/AdapterCache.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "midapi/AdapterFolder.h"
+#include "midapi/Virtual/AdapterFolder.h"
 
 namespace ma {
 namespace {

@@ -1,12 +1,9 @@
-#include "midapi/VirtualAdapters.h"
+#include "midapi/Virtual/VirtualAdapters.h"
 
 #include <algorithm>
 #include <string_view>
 #include <utility>
 
-#include "midapi/AdapterDescription.h"
-#include "midapi/AdapterFolder.h"
-#include "midapi/AdapterUpdate.h"
 #include "midapi/Digest.h"
 #include "midapi/FileSystem.h"
 #include "midapi/FlashBackend.h"
@@ -14,6 +11,9 @@
 #include "midapi/ImagePreparation.h"
 #include "midapi/OptionRom.h"
 #include "midapi/TemporaryFiles.h"
+#include "midapi/Virtual/AdapterDescription.h"
+#include "midapi/Virtual/AdapterFolder.h"
+#include "midapi/Virtual/AdapterUpdate.h"
 #include "platform/Clock.h"
 #include "platform/Texts.h"
 

@@ -2,7 +2,7 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 
-#include "tests/midapi/FlashWriteFixture.h"
+#include "tests/midapi/Virtual/FlashWriteFixture.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
-#include "midapi/AdapterUpdate.h"
+#include "midapi/Virtual/AdapterUpdate.h"
 
 #include <utility>
 
 #include "midapi/Digest.h"
-#include "midapi/FlashWrite.h"
+#include "midapi/Virtual/FlashWrite.h"
 #include "platform/Texts.h"
 
 namespace ma {

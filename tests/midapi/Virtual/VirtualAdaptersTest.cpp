@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <set>
 
-#include "midapi/VirtualAdapters.h"
+#include "midapi/Virtual/VirtualAdapters.h"
 #include "tests/midapi/AdapterFixture.h"
 #include "tests/support/RomBuilder.h"
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "midapi/Hex.h"
-#include "midapi/VirtualFlashBackend.h"
+#include "midapi/Virtual/VirtualFlashBackend.h"
 #include "tests/midapi/AdapterFixture.h"
 #include "tests/midapi/WatchedFileSystem.h"
 #include "tests/support/FakeClock.h"

@@ -1,4 +1,4 @@
-#include "midapi/VirtualFlashBackend.h"
+#include "midapi/Virtual/VirtualFlashBackend.h"
 
 #include <string>
 #include <utility>

@@ -3,8 +3,8 @@
 // Works on a directory of adapters without keeping anything in memory, so any thread may use it at
 // any time, also beside the flash library's own operations. Failures are thrown as AdapterFault.
 
-#ifndef ORVEX_MIDAPI_VIRTUALADAPTERS_H_
-#define ORVEX_MIDAPI_VIRTUALADAPTERS_H_
+#ifndef ORVEX_MIDAPI_VIRTUAL_VIRTUALADAPTERS_H_
+#define ORVEX_MIDAPI_VIRTUAL_VIRTUALADAPTERS_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -124,4 +124,4 @@ class ORVEX_MIDAPI_API VirtualAdapters {
 
 }  // namespace ma
 
-#endif  // ORVEX_MIDAPI_VIRTUALADAPTERS_H_
+#endif  // ORVEX_MIDAPI_VIRTUAL_VIRTUALADAPTERS_H_

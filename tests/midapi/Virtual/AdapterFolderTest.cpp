@@ -4,8 +4,8 @@
 #include <utility>
 #include <vector>
 
-#include "midapi/AdapterFolder.h"
 #include "midapi/Digest.h"
+#include "midapi/Virtual/AdapterFolder.h"
 #include "tests/midapi/AdapterFixture.h"
 #include "tests/midapi/WatchedFileSystem.h"
 

@@ -4,8 +4,8 @@
 // Reads alone, and keeps nothing in memory; AdapterUpdate.h is what changes a folder. Failures are
 // FlashFaults whose texts name the file.
 
-#ifndef ORVEX_MIDAPI_ADAPTERFOLDER_H_
-#define ORVEX_MIDAPI_ADAPTERFOLDER_H_
+#ifndef ORVEX_MIDAPI_VIRTUAL_ADAPTERFOLDER_H_
+#define ORVEX_MIDAPI_VIRTUAL_ADAPTERFOLDER_H_
 
 #include <cstddef>
 #include <filesystem>
@@ -13,10 +13,10 @@
 #include <string>
 #include <vector>
 
-#include "midapi/AdapterDescription.h"
 #include "midapi/FileSystem.h"
 #include "midapi/FlashBackend.h"
-#include "midapi/UpdateJournal.h"
+#include "midapi/Virtual/AdapterDescription.h"
+#include "midapi/Virtual/UpdateJournal.h"
 
 namespace ma {
 
@@ -92,4 +92,4 @@ struct AdapterFolders {
 
 }  // namespace ma
 
-#endif  // ORVEX_MIDAPI_ADAPTERFOLDER_H_
+#endif  // ORVEX_MIDAPI_VIRTUAL_ADAPTERFOLDER_H_

@@ -16,8 +16,8 @@
 // Fields that are not listed are ignored, and kept when a description is changed. The text is
 // bounded (see BoundedJson.h): what is written here can be read here. Pure: no I/O.
 
-#ifndef ORVEX_MIDAPI_ADAPTERDESCRIPTION_H_
-#define ORVEX_MIDAPI_ADAPTERDESCRIPTION_H_
+#ifndef ORVEX_MIDAPI_VIRTUAL_ADAPTERDESCRIPTION_H_
+#define ORVEX_MIDAPI_VIRTUAL_ADAPTERDESCRIPTION_H_
 
 #include <cstdint>
 #include <map>
@@ -90,4 +90,4 @@ struct DescriptionChange {
 
 }  // namespace ma
 
-#endif  // ORVEX_MIDAPI_ADAPTERDESCRIPTION_H_
+#endif  // ORVEX_MIDAPI_VIRTUAL_ADAPTERDESCRIPTION_H_

@@ -10,15 +10,15 @@
 //
 // Pure: no I/O.
 
-#ifndef ORVEX_MIDAPI_UPDATEJOURNAL_H_
-#define ORVEX_MIDAPI_UPDATEJOURNAL_H_
+#ifndef ORVEX_MIDAPI_VIRTUAL_UPDATEJOURNAL_H_
+#define ORVEX_MIDAPI_VIRTUAL_UPDATEJOURNAL_H_
 
 #include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
 
-#include "midapi/AdapterDescription.h"
+#include "midapi/Virtual/AdapterDescription.h"
 
 namespace ma {
 
@@ -43,4 +43,4 @@ struct UpdateJournal {
 
 }  // namespace ma
 
-#endif  // ORVEX_MIDAPI_UPDATEJOURNAL_H_
+#endif  // ORVEX_MIDAPI_VIRTUAL_UPDATEJOURNAL_H_

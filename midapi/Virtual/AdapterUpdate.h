@@ -10,19 +10,19 @@
 // A lock of the kernel, which ends with its holder, tells an update that runs from one whose
 // process has died. Failures are thrown as FlashFault.
 
-#ifndef ORVEX_MIDAPI_ADAPTERUPDATE_H_
-#define ORVEX_MIDAPI_ADAPTERUPDATE_H_
+#ifndef ORVEX_MIDAPI_VIRTUAL_ADAPTERUPDATE_H_
+#define ORVEX_MIDAPI_VIRTUAL_ADAPTERUPDATE_H_
 
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 
-#include "midapi/AdapterDescription.h"
-#include "midapi/AdapterFolder.h"
 #include "midapi/FileSystem.h"
 #include "midapi/TemporaryFiles.h"
-#include "midapi/UpdateJournal.h"
+#include "midapi/Virtual/AdapterDescription.h"
+#include "midapi/Virtual/AdapterFolder.h"
+#include "midapi/Virtual/UpdateJournal.h"
 #include "midapi/WriteProgress.h"
 #include "platform/Clock.h"
 #include "platform/Mutex.h"
@@ -87,4 +87,4 @@ void settleUpdate(FileSystem& files, const AdapterFolder& folder);
 
 }  // namespace ma
 
-#endif  // ORVEX_MIDAPI_ADAPTERUPDATE_H_
+#endif  // ORVEX_MIDAPI_VIRTUAL_ADAPTERUPDATE_H_

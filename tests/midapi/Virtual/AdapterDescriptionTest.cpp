@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-#include "midapi/AdapterDescription.h"
+#include "midapi/Virtual/AdapterDescription.h"
 #include "midapi/BoundedJson.h"
 
 namespace {

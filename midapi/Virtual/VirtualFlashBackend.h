@@ -1,24 +1,24 @@
 // The back end of virtual adapters: folders with a description and a flash file, see
 // AdapterDescription.h. An adapter is found by its folder's name, never by a search.
 
-#ifndef ORVEX_MIDAPI_VIRTUALFLASHBACKEND_H_
-#define ORVEX_MIDAPI_VIRTUALFLASHBACKEND_H_
+#ifndef ORVEX_MIDAPI_VIRTUAL_VIRTUALFLASHBACKEND_H_
+#define ORVEX_MIDAPI_VIRTUAL_VIRTUALFLASHBACKEND_H_
 
 #include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
 
-#include "midapi/AdapterCache.h"
-#include "midapi/AdapterFolder.h"
-#include "midapi/AdapterUpdate.h"
-#include "midapi/FlashBackend.h"
+#include "midapi/ChainFlashBackend.h"
+#include "midapi/Virtual/AdapterCache.h"
+#include "midapi/Virtual/AdapterFolder.h"
+#include "midapi/Virtual/AdapterUpdate.h"
 #include "platform/Clock.h"
 #include "platform/Mutex.h"
 
 namespace ma {
 
-class VirtualFlashBackend final : public FlashBackend {
+class VirtualFlashBackend final : public ChainFlashBackend {
  public:
   // `directory` gives the adapters directory and is asked at each operation. A directory that does
   // not exist holds no adapters. Writes are paced by `clock`.
@@ -27,13 +27,15 @@ class VirtualFlashBackend final : public FlashBackend {
 
   // FlashBackend
   utils::StringArray enumerateAdapters() override;
-  AdapterFacts facts(const PortId& port) override;
-  FileBytes readFlash(const PortId& port) override;
   bool beginUpdate(const AdapterAddress& adapter) override;
   void endUpdate(const AdapterAddress& adapter) noexcept override;
-  FileBytes readFlashToBe(const PortId& port) override;
   void setBootType(const PortId& port, BootType bootType) override;
   void writeFlash(const PortId& port, ConstBytes image, WriteProgress& progress) override;
+
+  // ChainFlashBackend
+  AdapterFacts facts(const PortId& port) override;
+  FileBytes readFlash(const PortId& port) override;
+  FileBytes readFlashToBe(const PortId& port) override;
   void setCapabilityWord(const PortId& port, std::uint32_t word) override;
 
  private:
@@ -57,4 +59,4 @@ class VirtualFlashBackend final : public FlashBackend {
 
 }  // namespace ma
 
-#endif  // ORVEX_MIDAPI_VIRTUALFLASHBACKEND_H_
+#endif  // ORVEX_MIDAPI_VIRTUAL_VIRTUALFLASHBACKEND_H_

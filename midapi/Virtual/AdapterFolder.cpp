@@ -1,4 +1,4 @@
-#include "midapi/AdapterFolder.h"
+#include "midapi/Virtual/AdapterFolder.h"
 
 #include <algorithm>
 #include <cstddef>
