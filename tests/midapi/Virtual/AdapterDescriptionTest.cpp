@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-#include "midapi/Virtual/AdapterDescription.h"
 #include "midapi/BoundedJson.h"
+#include "midapi/Virtual/AdapterDescription.h"
 
 namespace {
 

@@ -10,9 +10,9 @@
 #include <utility>
 #include <vector>
 
+#include "midapi/BoundedJson.h"
 #include "midapi/TemporaryFiles.h"
 #include "midapi/Virtual/AdapterUpdate.h"
-#include "midapi/BoundedJson.h"
 #include "tests/midapi/AdapterFixture.h"
 #include "tests/midapi/WatchedFileSystem.h"
 #include "tests/support/FakeClock.h"
