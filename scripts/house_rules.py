@@ -78,7 +78,7 @@ PLAIN_MUTEX = {
 # Folders that speak to one operating system.
 OS_FOLDERS = (
     "platform/Posix/", "platform/Windows/", "Os/Posix/", "Os/Windows/", "midapi/Posix/", "midapi/Windows/",
-    "midapi/Kernel/",    "daemon/Posix/", "http/Posix/",
+    "midapi/Kernel/", "daemon/Posix/", "http/Posix/",
     "cli/Posix/", "cli/Windows/", "agent/Posix/", "agent/Windows/", "inventory/Posix/",
     "inventory/Windows/", "bench/Posix/", "packaging/windows/",
 )
