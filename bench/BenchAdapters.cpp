@@ -4,7 +4,7 @@
 #include "agent/SoftwareUpdateAgent.h"
 #include "core/CimBroker.h"
 #include "inventory/SoftwareInventoryAgent.h"
-#include "midapi/VirtualAdapters.h"
+#include "midapi/Virtual/VirtualAdapters.h"
 #include "tests/support/RomBuilder.h"
 
 namespace bench {

@@ -18,7 +18,7 @@
 #include "cli/TextTable.h"
 #include "client/Fault.h"
 #include "midapi/AdapterId.h"
-#include "midapi/VirtualAdapters.h"
+#include "midapi/Virtual/VirtualAdapters.h"
 #include "platform/Texts.h"
 
 namespace cli {

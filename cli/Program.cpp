@@ -23,7 +23,7 @@
 #include "cli/WatchCommand.h"
 #include "client/Fault.h"
 #include "host/SharedOptions.h"
-#include "midapi/VirtualAdapters.h"
+#include "midapi/Virtual/VirtualAdapters.h"
 
 namespace cli {
 namespace {

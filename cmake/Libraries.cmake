@@ -19,6 +19,16 @@ function(quorvel_header_library target folder)
   target_include_directories(${target} SYSTEM INTERFACE ${headers})
 endfunction()
 
+# quorvel_system_library(TARGET NAME HEADER): makes TARGET of a library that has no file for CMake.
+function(quorvel_system_library target name header)
+  find_library(QUORVEL_${name}_LIBRARY ${name} REQUIRED)
+  find_path(QUORVEL_${name}_HEADERS ${header} REQUIRED)
+  add_library(${target} UNKNOWN IMPORTED GLOBAL)
+  set_target_properties(${target} PROPERTIES
+    IMPORTED_LOCATION ${QUORVEL_${name}_LIBRARY}
+    INTERFACE_INCLUDE_DIRECTORIES ${QUORVEL_${name}_HEADERS})
+endfunction()
+
 if(CMAKE_CROSSCOMPILING)
   quorvel_header_library(nlohmann_json::nlohmann_json nlohmann)
   quorvel_header_library(CLI11::CLI11 CLI)
@@ -29,6 +39,10 @@ else()
   find_package(Boost 1.81 REQUIRED)
   find_package(OpenSSL REQUIRED)
   find_package(pugixml REQUIRED)
+  if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
+    # Of the adapters that the kernel drives.
+    quorvel_system_library(mnl::mnl mnl libmnl/libmnl.h)
+  endif()
 endif()
 
 if(BUILD_TESTING AND CMAKE_CROSSCOMPILING)

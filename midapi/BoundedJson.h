@@ -1,4 +1,4 @@
-// JSON texts of adapter folders, read and written within bounds.
+// JSON texts in the folders of adapters, read and written within bounds.
 //
 // Whoever may write a folder decides what stands in it, so a text costs its readers no more than it
 // is worth: its size, its nesting and the members of its objects are bounded, and what is written

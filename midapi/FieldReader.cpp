@@ -1,5 +1,7 @@
 #include "midapi/FieldReader.h"
 
+#include <charconv>
+#include <system_error>
 #include <utility>
 
 #include "midapi/DescriptionFault.h"
@@ -58,6 +60,17 @@ std::uint16_t FieldReader::pciId(const char* field) const {
     refuseField(nameOf(field), "must be four hexadecimal digits, like \"1af4\"");
   }
   return static_cast<std::uint16_t>(*value);
+}
+
+std::uint64_t FieldReader::digest(const char* field) const {
+  const std::string digits = text(field);
+  const char* const end = digits.data() + digits.size();
+  std::uint64_t value = 0;
+  const auto [stop, fault] = std::from_chars(digits.data(), end, value, 16);
+  if (digits.size() != kDigestDigits || fault != std::errc() || stop != end) {
+    refuseField(nameOf(field), "must be sixteen hexadecimal digits");
+  }
+  return value;
 }
 
 std::optional<FieldReader> FieldReader::object(const char* field) const {

@@ -3,6 +3,7 @@
 #ifndef ORVEX_MIDAPI_FIELDREADER_H_
 #define ORVEX_MIDAPI_FIELDREADER_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <optional>
@@ -12,6 +13,7 @@
 
 namespace ma {
 
+inline constexpr std::size_t kDigestDigits = 16;
 inline constexpr std::uint64_t kMaxUint32 = std::numeric_limits<std::uint32_t>::max();
 
 // Throws DescriptionFault: "field ports[1].mac: " and the demand.
@@ -35,6 +37,8 @@ class FieldReader {
   [[nodiscard]] std::uint64_t numberOr(const char* field, std::uint64_t max,
                                        std::uint64_t fallback) const;
   [[nodiscard]] std::uint16_t pciId(const char* field) const;
+  // Reads sixteen hexadecimal digits.
+  [[nodiscard]] std::uint64_t digest(const char* field) const;
   // Returns nothing where there is no such field.
   [[nodiscard]] std::optional<FieldReader> object(const char* field) const;
 

@@ -1,15 +1,22 @@
 // What stands behind the flash library: one kind of adapter hardware, or its stand-in.
 //
-// The library checks and prepares images and keeps the progress of writes; a back end knows which
-// adapters there are, reads and replaces their flash and keeps their settings. Any thread may call;
-// writes to one adapter never overlap. Every failure is thrown as FlashFault.
+// The library knows who asks and keeps the progress of writes; a back end knows which adapters
+// there are, what they hold and what may be put on them, and puts it there. A back end of another
+// kind of adapter derives from this class, or from ChainFlashBackend where a flash is a chain of
+// option ROMs that is written as a whole, and gets its place in BackendSet.cpp.
+//
+// Any thread may call; writes to one adapter never overlap. Every failure is thrown as FlashFault.
+// Nothing but a preparation, a comparison and the operations of an update may wait for an adapter:
+// one that is being written is answered for at once, by what was last known of it.
 
 #ifndef ORVEX_MIDAPI_FLASHBACKEND_H_
 #define ORVEX_MIDAPI_FLASHBACKEND_H_
 
 #include <cstdint>
 #include <exception>
+#include <span>
 #include <string>
+#include <vector>
 
 #include "Utils/FirmwareTypes.h"
 #include "midapi/AdapterId.h"
@@ -47,11 +54,11 @@ class FlashFault final : public std::exception {
   std::string m_text;
 };
 
-// What decides whether an image is for an adapter.
-struct AdapterFacts {
-  std::uint16_t vendor = 0;
-  std::uint16_t device = 0;
-  bool isUpdatable = false;
+// What a check of a firmware file against an adapter came to.
+struct Preparation {
+  PrepareStatus status = PrepareStatus::Ok;
+  // Bytes of the caller's buffer that hold what is to be written.
+  std::uint32_t filled = 0;
 };
 
 class FlashBackend {
@@ -64,29 +71,39 @@ class FlashBackend {
   // Returns the identifiers of all ports, ordered by PCI address; leaves out what cannot be read.
   [[nodiscard]] virtual utils::StringArray enumerateAdapters() = 0;
 
-  [[nodiscard]] virtual AdapterFacts facts(const PortId& port) = 0;
+  // Returns whether the adapter's firmware may be replaced.
+  [[nodiscard]] virtual bool isUpdatable(const PortId& port) = 0;
 
-  // Returns the content of the flash; empty when it was never written.
-  [[nodiscard]] virtual FileBytes readFlash(const PortId& port) = 0;
+  // Returns the firmware components of known types that the adapter holds, in flash order.
+  [[nodiscard]] virtual std::vector<utils::FirmwareVersionInfo> installedFirmware(
+      const PortId& port) = 0;
+
+  // Checks a firmware file as prepareFlashImage says, and fills `buffer`, which has room for the
+  // file, with what writeFlash is to be given.
+  [[nodiscard]] virtual Preparation prepare(const PortId& port, ConstBytes file,
+                                            std::span<std::uint8_t> buffer,
+                                            const std::vector<utils::FirmwareType>& types) = 0;
+
+  // Compares a firmware file as a whole with what the adapter holds.
+  [[nodiscard]] virtual ImageComparison compare(const PortId& port, ConstBytes file) = 0;
 
   // Begins an update of an adapter: its changes from now on, by this process, are made together by
-  // setCapabilityWord. Returns false, and does nothing, when one has begun already.
+  // recordInstalled. Returns false, and does nothing, when one has begun already.
   [[nodiscard]] virtual bool beginUpdate(const AdapterAddress& adapter) = 0;
 
   // Ends it. What was not made is taken back.
   virtual void endUpdate(const AdapterAddress& adapter) noexcept = 0;
 
-  // Returns what the flash will hold when the update is made; without one, what it holds.
-  [[nodiscard]] virtual FileBytes readFlashToBe(const PortId& port) = 0;
-
   virtual void setBootType(const PortId& port, BootType bootType) = 0;
 
-  // Replaces the flash and reports to `progress`, which the caller has started; returns when the
+  // Replaces the firmware and reports to `progress`, which the caller has started; returns when the
   // new content was read back and compared.
   virtual void writeFlash(const PortId& port, ConstBytes image, WriteProgress& progress) = 0;
 
-  // Stores the capability word: bit n stands for image type number n.
-  virtual void setCapabilityWord(const PortId& port, std::uint32_t word) = 0;
+  // Records which image types are installed from now on: those of the list, or without a type in it
+  // those that the adapter then holds.
+  virtual void recordInstalled(const PortId& port,
+                               const std::vector<utils::FirmwareType>& types) = 0;
 };
 
 }  // namespace ma

@@ -1,6 +1,6 @@
 // The checks of an image file against an adapter, and the image that is to be written.
 //
-// Pure: works on parsed chains and on what the back end knows of the adapter. Throws nothing but
+// Pure: works on parsed chains and on what a back end knows of the adapter. Throws nothing but
 // std::bad_alloc.
 
 #ifndef ORVEX_MIDAPI_IMAGEPREPARATION_H_
@@ -12,11 +12,17 @@
 #include <vector>
 
 #include "Utils/FirmwareTypes.h"
-#include "midapi/FlashBackend.h"
 #include "midapi/FlashTypes.h"
 #include "midapi/OptionRom.h"
 
 namespace ma {
+
+// What decides whether an image is for an adapter.
+struct AdapterFacts {
+  std::uint16_t vendor = 0;
+  std::uint16_t device = 0;
+  bool isUpdatable = false;
+};
 
 // Returns whether the library counts an image as firmware of the adapter: it is for its vendor and
 // device and of a known type.

@@ -9,7 +9,7 @@
 #include "midapi/Hex.h"
 #include "midapi/ImagePreparation.h"
 #include "midapi/OptionRom.h"
-#include "midapi/VirtualFlashBackend.h"
+#include "midapi/Virtual/VirtualFlashBackend.h"
 #include "midapi/WriteProgress.h"
 #include "platform/Clock.h"
 #include "platform/StayAwake.h"
@@ -57,83 +57,19 @@ std::string toDeviceName(std::uint16_t vendor, std::uint16_t device) {
   return hexText(vendor, 4) + ":" + hexText(device, 4);
 }
 
-std::vector<utils::FirmwareVersionInfo> firmwareOf(const AdapterFacts& facts, RomBytes rom) {
-  std::vector<utils::FirmwareVersionInfo> versions;
-  for (const OptionRomImage& image : parseRomChain(rom).images) {
-    if (isFirmwareOf(facts, image)) {
-      versions.push_back({image.type, image.version});
-    }
-  }
-  return versions;
-}
-
-std::vector<utils::FirmwareVersionInfo> installedFirmware(const PortId& port) {
-  return firmwareOf(backend().facts(port), backend().readFlash(port).view());
-}
-
-// Returns the types of what the flash holds when the update is made that has begun, if any.
-std::vector<utils::FirmwareType> typesToBe(const PortId& port) {
-  std::vector<utils::FirmwareType> types;
-  for (const utils::FirmwareVersionInfo& component :
-       firmwareOf(backend().facts(port), backend().readFlashToBe(port).view())) {
-    types.push_back(component.type);
-  }
-  return types;
-}
-
 bool beginUpdate(const std::string& adapter) {
   const auto port = parseCanonicalPortId(adapter);
   return port && backend().beginUpdate(port->adapter);
 }
 
-// Fills `buffer` as prepareFlashImage does; `filled` is the number of bytes.
-PrepareStatus prepare(const std::string& adapter, RomBytes file, std::span<std::uint8_t> buffer,
-                      std::uint32_t& filled, const std::vector<utils::FirmwareType>& types) {
-  const RomChain chain = parseRomChain(file);
-  if (!chain.isValid()) {
-    return PrepareStatus::InvalidImage;
-  }
+// As FlashBackend::prepare, for whatever adapter is named.
+Preparation prepare(const std::string& adapter, ConstBytes file, std::span<std::uint8_t> buffer,
+                    const std::vector<utils::FirmwareType>& types) {
   try {
-    const PortId port = needPort(adapter);
-    const AdapterFacts facts = backend().facts(port);
-    if (const PrepareStatus status = checkAdapter(chain, facts); status != PrepareStatus::Ok) {
-      return status;
-    }
-    const FileBytes flash = backend().readFlash(port);
-    const ImageSelection selection = selectImages(chain, parseRomChain(flash.view()), facts, types);
-    const auto size = copyImages(file, selection.images, buffer);
-    if (!size) {
-      return PrepareStatus::InternalFault;
-    }
-    filled = *size;
-    return selection.status;
+    return backend().prepare(needPort(adapter), file, buffer, types);
   } catch (const FlashFault&) {
-    return PrepareStatus::InternalFault;
+    return {PrepareStatus::InternalFault};
   }
-}
-
-// Compares an image that may be installed with what the flash holds.
-ImageComparison compareWithFlash(const PortId& port, RomBytes image) {
-  const FileBytes flash = backend().readFlash(port);
-  const RomBytes installed = flash.view().first(parseRomChain(flash.view()).length);
-  if (std::ranges::equal(image, installed)) {
-    return ImageComparison::SameContent;
-  }
-  const AdapterFacts facts = backend().facts(port);
-  return firmwareOf(facts, image) == firmwareOf(facts, installed) ? ImageComparison::SameVersion
-                                                                  : ImageComparison::Newer;
-}
-
-// Returns the capability word of a list of types; numbers that stand for no type add nothing to it.
-std::uint32_t capabilityWordOf(const std::vector<utils::FirmwareType>& types) {
-  std::uint32_t word = 0;
-  for (const utils::FirmwareType type : types) {
-    const auto number = static_cast<std::int32_t>(type);
-    if (type > utils::FirmwareType::None && type <= utils::FirmwareType::Fcoe) {
-      word |= std::uint32_t{1} << number;
-    }
-  }
-  return word;
 }
 
 }  // namespace
@@ -150,7 +86,7 @@ void getAdapterFirmwareVersion(const std::string& adapter,
                                std::vector<utils::FirmwareVersionInfo>& versions) {
   versions.clear();
   try {
-    versions = installedFirmware(needPort(adapter));
+    versions = backend().installedFirmware(needPort(adapter));
   } catch (const FlashFault&) {
     return;
   }
@@ -170,7 +106,7 @@ bool isSameAdapter(const std::string& one, const std::string& other) {
 
 bool getCanBeUpdated(const std::string& adapter) {
   try {
-    return backend().facts(needPort(adapter)).isUpdatable;
+    return backend().isUpdatable(needPort(adapter));
   } catch (const FlashFault&) {
     return false;
   }
@@ -202,8 +138,9 @@ PrepareStatus prepareFlashImage(const std::string& adapter, const std::uint8_t* 
                                 std::uint32_t& imageSize,
                                 const std::vector<utils::FirmwareType>& types) {
   const std::span<std::uint8_t> buffer(image, imageSize);
-  imageSize = 0;
-  const PrepareStatus status = prepare(adapter, {file, fileSize}, buffer, imageSize, types);
+  const Preparation preparation = prepare(adapter, {file, fileSize}, buffer, types);
+  imageSize = preparation.filled;
+  const PrepareStatus status = preparation.status;
   if (status == PrepareStatus::Ok || status == PrepareStatus::Downgrade ||
       status == PrepareStatus::TypesDiffer) {
     // Whoever prepares goes on to write, and watches from now on.
@@ -239,25 +176,8 @@ std::string describeFlashImage(const std::uint8_t* file, std::uint32_t fileSize,
 
 ImageComparison compareFlashImage(const std::string& adapter, const std::uint8_t* file,
                                   std::uint32_t fileSize) {
-  FileBytes image(fileSize);
-  std::uint32_t filled = 0;
-  switch (prepare(adapter, {file, fileSize}, image.writable(), filled, {})) {
-    case PrepareStatus::InvalidImage:
-    case PrepareStatus::NotForAdapter:
-      return ImageComparison::NotForAdapter;
-    case PrepareStatus::NotUpdatable:
-      return ImageComparison::NotUpdatable;
-    case PrepareStatus::TypesDiffer:
-      return ImageComparison::TypesDiffer;
-    case PrepareStatus::Downgrade:
-      return ImageComparison::Older;
-    case PrepareStatus::InternalFault:
-      return ImageComparison::Unknown;
-    case PrepareStatus::Ok:
-      break;
-  }
   try {
-    return compareWithFlash(needPort(adapter), image.view().first(filled));
+    return backend().compare(needPort(adapter), {file, fileSize});
   } catch (const FlashFault&) {
     return ImageComparison::Unknown;
   }
@@ -267,7 +187,7 @@ bool writeFlashImage(const std::string& adapter, const std::uint8_t* image, std:
                      std::uint32_t& errorCode, std::string& errorText) {
   return report(errorCode, errorText, [&] {
     const PortId port = needPort(adapter);
-    if (!backend().facts(port).isUpdatable) {
+    if (!backend().isUpdatable(port)) {
       throw FlashFault(FlashError::NotUpdatable, adapter);
     }
     if (imageSize == 0) {
@@ -287,14 +207,9 @@ bool updateCapabilityWord(const std::string& adapter, std::vector<utils::Firmwar
                           std::uint32_t& errorCode, std::string& errorText) {
   return report(errorCode, errorText, [&] {
     const PortId port = needPort(adapter);
-    std::uint32_t word = capabilityWordOf(types);
-    if (word == 0) {
-      types = typesToBe(port);
-      word = capabilityWordOf(types);
-    }
     // In a FlashUpdate, the new image takes its place now.
     const platform::StayAwake awake;
-    backend().setCapabilityWord(port, word);
+    backend().recordInstalled(port, types);
   });
 }
 

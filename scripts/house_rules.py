@@ -65,6 +65,7 @@ GLOBAL_NAMES = {
         ("RegisterSoftwareUpdateAgent", "the module's entry"),
         ("DllMain", "the module's entry, as the loader calls it"),
     ],
+    "midapi/Kernel": [("mnl_socket", "declares libmnl's socket without its header")],
     "tests/fuzz": [("LLVMFuzzer*", "what libFuzzer calls")],
 }
 
@@ -77,7 +78,7 @@ PLAIN_MUTEX = {
 # Folders that speak to one operating system.
 OS_FOLDERS = (
     "platform/Posix/", "platform/Windows/", "Os/Posix/", "Os/Windows/", "midapi/Posix/", "midapi/Windows/",
-    "daemon/Posix/", "http/Posix/",
+    "midapi/Kernel/", "daemon/Posix/", "http/Posix/",
     "cli/Posix/", "cli/Windows/", "agent/Posix/", "agent/Windows/", "inventory/Posix/",
     "inventory/Windows/", "bench/Posix/", "packaging/windows/",
 )

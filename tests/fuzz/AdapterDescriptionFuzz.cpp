@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "midapi/AdapterDescription.h"
+#include "midapi/Virtual/AdapterDescription.h"
 #include "tests/fuzz/Fuzz.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -23,7 +23,8 @@ std::string refusalOf(Read read) {
 class FieldReaderTest : public testing::Test {
  protected:
   const Json m_json =
-      Json::parse(R"({"text": "x", "number": 7, "id": "1AF4", "object": {"inner": 5}})");
+      Json::parse(R"({"text": "x", "number": 7, "id": "1AF4", "object": {"inner": 5},
+                      "digest": "af63dc4c8601ec8c", "short": "af63dc4c8601ec8", "long": "0xaf63dc4c8601ec"})");
   const FieldReader m_fields{m_json, "outer."};
 };
 
@@ -31,6 +32,7 @@ TEST_F(FieldReaderTest, ReadsFieldsOfEachKind) {
   EXPECT_EQ(m_fields.text("text"), "x");
   EXPECT_EQ(m_fields.number("number", 0, 7), 7U);
   EXPECT_EQ(m_fields.pciId("id"), 0x1AF4);
+  EXPECT_EQ(m_fields.digest("digest"), 0xAF63DC4C8601EC8CU);
   EXPECT_EQ(m_fields.object("object")->number("inner", 5, 5), 5U);
 }
 
@@ -48,6 +50,10 @@ TEST_F(FieldReaderTest, SaysWhereWhatIsWrong) {
             "field outer.number: must be a whole number from 8 to 9");
   EXPECT_EQ(refusalOf([&] { return m_fields.pciId("text"); }),
             "field outer.text: must be four hexadecimal digits, like \"1af4\"");
+  for (const char* field : {"text", "short", "long"}) {
+    EXPECT_EQ(refusalOf([&] { return m_fields.digest(field); }),
+              "field outer." + std::string(field) + ": must be sixteen hexadecimal digits");
+  }
   EXPECT_EQ(refusalOf([&] { return m_fields.object("number")->nameOf(""); }),
             "field outer.number: must be an object");
   EXPECT_EQ(refusalOf([&] { return m_fields.object("object")->text("inner"); }),

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "midapi/Hex.h"
-#include "midapi/VirtualAdapters.h"
+#include "midapi/Virtual/VirtualAdapters.h"
 #include "tests/midapi/AdapterFixture.h"
 #include "tests/torture/SystemCalls.h"
 

@@ -7,7 +7,7 @@
 #include <unistd.h>
 
 #include "midapi/MidApi.h"
-#include "midapi/VirtualAdapters.h"
+#include "midapi/Virtual/VirtualAdapters.h"
 #include "tests/torture/SystemCalls.h"
 
 namespace test {

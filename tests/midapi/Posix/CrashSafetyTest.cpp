@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "midapi/MidApi.h"
-#include "midapi/VirtualAdapters.h"
+#include "midapi/Virtual/VirtualAdapters.h"
 #include "tests/midapi/AdapterFixture.h"
 #include "tests/midapi/AdaptersVariable.h"
 #include "tests/support/RomBuilder.h"

@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "tests/midapi/FlashWriteFixture.h"
+#include "tests/midapi/Virtual/FlashWriteFixture.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include "midapi/AdapterCache.h"
 #include "midapi/FlashBackend.h"
+#include "midapi/Virtual/AdapterCache.h"
 #include "tests/midapi/AdapterFixture.h"
 #include "tests/midapi/WatchedFileSystem.h"
 #include "tests/support/WaitUntil.h"

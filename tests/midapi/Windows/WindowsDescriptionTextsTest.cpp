@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <string>
 
-#include "midapi/AdapterDescription.h"
+#include "midapi/Virtual/AdapterDescription.h"
 #include "tests/support/Windows/Umlauts.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <vector>
 #include <windows.h>
 
-#include "midapi/AdapterFolder.h"
+#include "midapi/Virtual/AdapterFolder.h"
 #include "midapi/Windows/AccessList.h"
 #include "midapi/Windows/WindowsFileSystem.h"
 #include "tests/support/FakeClock.h"

@@ -1,0 +1,116 @@
+#include "midapi/ChainFlashBackend.h"
+
+#include <algorithm>
+
+#include "midapi/OptionRom.h"
+
+namespace ma {
+namespace {
+
+std::vector<utils::FirmwareVersionInfo> firmwareOf(const AdapterFacts& facts, RomBytes rom) {
+  std::vector<utils::FirmwareVersionInfo> versions;
+  for (const OptionRomImage& image : parseRomChain(rom).images) {
+    if (isFirmwareOf(facts, image)) {
+      versions.push_back({image.type, image.version});
+    }
+  }
+  return versions;
+}
+
+std::vector<utils::FirmwareType> typesOf(const std::vector<utils::FirmwareVersionInfo>& firmware) {
+  std::vector<utils::FirmwareType> types;
+  for (const utils::FirmwareVersionInfo& component : firmware) {
+    types.push_back(component.type);
+  }
+  return types;
+}
+
+// Returns the capability word of a list of types; numbers that stand for no type add nothing to it.
+std::uint32_t capabilityWordOf(const std::vector<utils::FirmwareType>& types) {
+  std::uint32_t word = 0;
+  for (const utils::FirmwareType type : types) {
+    const auto number = static_cast<std::int32_t>(type);
+    if (type > utils::FirmwareType::None && type <= utils::FirmwareType::Fcoe) {
+      word |= std::uint32_t{1} << number;
+    }
+  }
+  return word;
+}
+
+// Compares an image that may be installed with what the flash holds.
+ImageComparison compareChains(const AdapterFacts& facts, RomBytes image, RomBytes flash) {
+  const RomBytes installed = flash.first(parseRomChain(flash).length);
+  if (std::ranges::equal(image, installed)) {
+    return ImageComparison::SameContent;
+  }
+  return firmwareOf(facts, image) == firmwareOf(facts, installed) ? ImageComparison::SameVersion
+                                                                  : ImageComparison::Newer;
+}
+
+ImageComparison comparisonOf(PrepareStatus refusal) {
+  switch (refusal) {
+    case PrepareStatus::InvalidImage:
+    case PrepareStatus::NotForAdapter:
+      return ImageComparison::NotForAdapter;
+    case PrepareStatus::NotUpdatable:
+      return ImageComparison::NotUpdatable;
+    case PrepareStatus::TypesDiffer:
+      return ImageComparison::TypesDiffer;
+    case PrepareStatus::Downgrade:
+      return ImageComparison::Older;
+    case PrepareStatus::InternalFault:
+    case PrepareStatus::Ok:
+      break;
+  }
+  return ImageComparison::Unknown;
+}
+
+}  // namespace
+
+bool ChainFlashBackend::isUpdatable(const PortId& port) {
+  return facts(port).isUpdatable;
+}
+
+std::vector<utils::FirmwareVersionInfo> ChainFlashBackend::installedFirmware(const PortId& port) {
+  return firmwareOf(facts(port), readFlash(port).view());
+}
+
+Preparation ChainFlashBackend::prepare(const PortId& port, ConstBytes file,
+                                       std::span<std::uint8_t> buffer,
+                                       const std::vector<utils::FirmwareType>& types) {
+  const RomChain chain = parseRomChain(file);
+  if (!chain.isValid()) {
+    return {PrepareStatus::InvalidImage};
+  }
+  const AdapterFacts adapter = facts(port);
+  if (const PrepareStatus status = checkAdapter(chain, adapter); status != PrepareStatus::Ok) {
+    return {status};
+  }
+  const FileBytes flash = readFlash(port);
+  const ImageSelection selection = selectImages(chain, parseRomChain(flash.view()), adapter, types);
+  const auto size = copyImages(file, selection.images, buffer);
+  if (!size) {
+    return {PrepareStatus::InternalFault};
+  }
+  return {selection.status, *size};
+}
+
+ImageComparison ChainFlashBackend::compare(const PortId& port, ConstBytes file) {
+  FileBytes image(file.size());
+  const Preparation preparation = prepare(port, file, image.writable(), {});
+  if (preparation.status != PrepareStatus::Ok) {
+    return comparisonOf(preparation.status);
+  }
+  return compareChains(facts(port), image.view().first(preparation.filled), readFlash(port).view());
+}
+
+void ChainFlashBackend::recordInstalled(const PortId& port,
+                                        const std::vector<utils::FirmwareType>& types) {
+  std::uint32_t word = capabilityWordOf(types);
+  if (word == 0) {
+    word = capabilityWordOf(typesOf(firmwareOf(facts(port), readFlashToBe(port).view())));
+  }
+  setCapabilityWord(port, word);
+}
+
+}  // namespace ma

@@ -1,0 +1,44 @@
+// A back end whose adapters hold a chain of PCI Expansion ROM images, which is read and replaced as
+// a whole.
+//
+// Checks, prepares and compares for such adapters; a derived class knows them and their flash. As
+// FlashBackend in everything else.
+
+#ifndef ORVEX_MIDAPI_CHAINFLASHBACKEND_H_
+#define ORVEX_MIDAPI_CHAINFLASHBACKEND_H_
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "Utils/FirmwareTypes.h"
+#include "midapi/FlashBackend.h"
+#include "midapi/ImagePreparation.h"
+
+namespace ma {
+
+class ChainFlashBackend : public FlashBackend {
+ public:
+  [[nodiscard]] virtual AdapterFacts facts(const PortId& port) = 0;
+
+  // Returns the content of the flash; empty when it was never written.
+  [[nodiscard]] virtual FileBytes readFlash(const PortId& port) = 0;
+
+  // Returns what the flash will hold when the update is made; without one, what it holds.
+  [[nodiscard]] virtual FileBytes readFlashToBe(const PortId& port) = 0;
+
+  // Stores the capability word: bit n stands for image type number n.
+  virtual void setCapabilityWord(const PortId& port, std::uint32_t word) = 0;
+
+  // FlashBackend
+  bool isUpdatable(const PortId& port) override;
+  std::vector<utils::FirmwareVersionInfo> installedFirmware(const PortId& port) override;
+  Preparation prepare(const PortId& port, ConstBytes file, std::span<std::uint8_t> buffer,
+                      const std::vector<utils::FirmwareType>& types) override;
+  ImageComparison compare(const PortId& port, ConstBytes file) override;
+  void recordInstalled(const PortId& port, const std::vector<utils::FirmwareType>& types) override;
+};
+
+}  // namespace ma
+
+#endif  // ORVEX_MIDAPI_CHAINFLASHBACKEND_H_

@@ -1,0 +1,150 @@
+#include "midapi/Kernel/FlashJournal.h"
+
+#include <cstddef>
+#include <limits>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "midapi/BoundedJson.h"
+#include "midapi/DescriptionFault.h"
+#include "midapi/FieldReader.h"
+#include "midapi/FlashBackend.h"
+#include "midapi/Hex.h"
+#include "midapi/TemporaryFiles.h"
+#include "platform/Texts.h"
+
+namespace ma {
+namespace {
+
+std::vector<NamedVersion> readVersions(const FieldReader& fields, const char* field) {
+  const Json& versions = fields.need(field);
+  if (!versions.is_object()) {
+    refuseField(field, "must be an object");
+  }
+  std::vector<NamedVersion> list;
+  for (const auto& [name, value] : versions.items()) {
+    if (!value.is_string()) {
+      refuseField(std::string(field) + "." + name, "must be a text");
+    }
+    list.push_back({name, value.get<std::string>()});
+  }
+  return list;
+}
+
+Json toJson(const std::vector<NamedVersion>& versions) {
+  Json json = Json::object();
+  for (const NamedVersion& version : versions) {
+    json[version.name] = version.value;
+  }
+  return json;
+}
+
+FlashEntry parseEntry(std::string_view text) {
+  const Json json = parseJsonObject(text);
+  const FieldReader fields(json, "");
+  FlashEntry entry;
+  entry.size = fields.number("size", 0, std::numeric_limits<std::uint64_t>::max());
+  entry.digest = fields.digest("digest");
+  entry.before = readVersions(fields, "before");
+  entry.expected = readVersions(fields, "expected");
+  return entry;
+}
+
+std::string formatEntry(const FlashEntry& entry) {
+  return formatJson(Json{{"size", entry.size},
+                         {"digest", hexText(entry.digest, kDigestDigits)},
+                         {"before", toJson(entry.before)},
+                         {"expected", toJson(entry.expected)}});
+}
+
+std::optional<FlashEntry> readEntry(FileSystem& files, const std::filesystem::path& path) {
+  try {
+    const FileBytes bytes = files.read(path, kMaxJsonSize);
+    return parseEntry({reinterpret_cast<const char*>(bytes.view().data()), bytes.view().size()});
+  } catch (const FileFault& fault) {
+    if (fault.isMissingFile()) {
+      return std::nullopt;
+    }
+    throw FlashFault(FlashError::InputOutput, fault.what());
+  } catch (const DescriptionFault& fault) {
+    throw FlashFault(FlashError::InputOutput,
+                     platform::toShownText(path) + " is no entry of a flash: " + fault.what() +
+                         "; compare the adapter's firmware with what it should be, and remove "
+                         "the file");
+  }
+}
+
+}  // namespace
+
+FlashJournal::Claim::Claim(FileSystem& files, std::filesystem::path entry,
+                           std::unique_ptr<FileLock> lock)
+    : m_files(&files), m_entry(std::move(entry)), m_lock(std::move(lock)) {}
+
+std::optional<FlashEntry> FlashJournal::Claim::leftOver() const {
+  return readEntry(*m_files, m_entry);
+}
+
+void FlashJournal::Claim::enter(const FlashEntry& entry) const {
+  try {
+    const std::string text = formatEntry(entry);
+    replaceContent(*m_files, m_entry,
+                   {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+  } catch (const FileFault& fault) {
+    throw FlashFault(FlashError::InputOutput, fault.what());
+  } catch (const DescriptionFault& fault) {
+    throw FlashFault(FlashError::InputOutput, fault.what());
+  }
+}
+
+void FlashJournal::Claim::clear() const {
+  try {
+    m_files->remove(m_entry);
+  } catch (const FileFault& fault) {
+    throw FlashFault(FlashError::InputOutput, fault.what());
+  }
+}
+
+FlashJournal::FlashJournal(FileSystem& files, std::filesystem::path folder, platform::Clock& clock)
+    : m_files(files), m_folder(std::move(folder)), m_clock(clock) {}
+
+FlashJournal::Claim FlashJournal::claim(const AdapterAddress& adapter) const {
+  const std::filesystem::path path = lockPath(adapter);
+  try {
+    m_files.createFolders(m_folder);
+    auto lock = waitForLock(m_files, path, m_clock);
+    if (lock == nullptr) {
+      throw FlashFault(FlashError::InputOutput, "another program is writing the adapter (" +
+                                                    platform::toShownText(path) +
+                                                    "); try again when it is done");
+    }
+    return {m_files, entryPath(adapter), std::move(lock)};
+  } catch (const FileFault& fault) {
+    throw FlashFault(FlashError::InputOutput, fault.what());
+  }
+}
+
+std::optional<FlashJournal::Claim> FlashJournal::tryClaim(const AdapterAddress& adapter) const {
+  try {
+    auto lock = m_files.lock(lockPath(adapter));
+    return lock == nullptr
+               ? std::nullopt
+               : std::optional<Claim>(std::in_place, m_files, entryPath(adapter), std::move(lock));
+  } catch (const FileFault&) {
+    return std::nullopt;
+  }
+}
+
+std::optional<FlashEntry> FlashJournal::entry(const AdapterAddress& adapter) const {
+  return readEntry(m_files, entryPath(adapter));
+}
+
+std::filesystem::path FlashJournal::lockPath(const AdapterAddress& adapter) const {
+  return m_folder / (toFolderName(adapter) + ".lock");
+}
+
+std::filesystem::path FlashJournal::entryPath(const AdapterAddress& adapter) const {
+  return m_folder / (toFolderName(adapter) + ".json");
+}
+
+}  // namespace ma

@@ -1,0 +1,89 @@
+// What is being written to an adapter of the kernel's, kept where it survives the writer.
+//
+// The kernel goes on with a flash whose process was killed, and nobody is told how it ends. So a
+// flash is entered in the journal before it begins, and the entry goes when its outcome is known.
+// An entry whose writer is gone is a flash with an unknown outcome: whoever finds it compares.
+// Nothing is kept in memory, and any thread may call. Failures are FlashFaults that name the file.
+//
+//   /var/lib/orvex/kernel/0000-03-00.json   the entry, {"size": 80063,
+//                                           "digest": "af63dc4c8601ec8c",
+//                                           "before": {"fw.undi": "1.0.0"},
+//                                           "expected": {"fw.undi": "1.1.0"}}
+//   /var/lib/orvex/kernel/0000-03-00.lock   the writer's lock
+
+#ifndef ORVEX_MIDAPI_KERNEL_FLASHJOURNAL_H_
+#define ORVEX_MIDAPI_KERNEL_FLASHJOURNAL_H_
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "midapi/AdapterId.h"
+#include "midapi/FileSystem.h"
+#include "midapi/Kernel/DevlinkMessages.h"
+#include "platform/Clock.h"
+
+namespace ma {
+
+struct FlashEntry {
+  std::uint64_t size = 0;              // bytes of what is written
+  std::uint64_t digest = 0;            // FNV-1a of it
+  std::vector<NamedVersion> before;    // the stored versions until then
+  std::vector<NamedVersion> expected;  // those that the file holds; none where it does not say
+
+  friend bool operator==(const FlashEntry&, const FlashEntry&) = default;
+};
+
+class FlashJournal {
+ public:
+  // The right to write one adapter, for a scope: nobody else has it, in this process or another.
+  class Claim {
+   public:
+    Claim(FileSystem& files, std::filesystem::path entry, std::unique_ptr<FileLock> lock);
+    Claim(Claim&&) noexcept = default;
+    Claim(const Claim&) = delete;
+    Claim& operator=(const Claim&) = delete;
+    Claim& operator=(Claim&&) = delete;
+    ~Claim() = default;
+
+    // Returns the entry that a writer left that is gone; nothing where all ended well.
+    [[nodiscard]] std::optional<FlashEntry> leftOver() const;
+    // Returns when the disk has the entry.
+    void enter(const FlashEntry& entry) const;
+    // The outcome is known: removes the entry.
+    void clear() const;
+
+   private:
+    FileSystem* m_files;
+    std::filesystem::path m_entry;
+    std::unique_ptr<FileLock> m_lock;
+  };
+
+  // Referents outlive the journal. The folder need not exist.
+  FlashJournal(FileSystem& files, std::filesystem::path folder, platform::Clock& clock);
+
+  // Waits some seconds for others who write the adapter.
+  [[nodiscard]] Claim claim(const AdapterAddress& adapter) const;
+
+  // Returns the right where it is free now, without waiting; nothing where somebody writes the
+  // adapter, and where the caller may not have it.
+  [[nodiscard]] std::optional<Claim> tryClaim(const AdapterAddress& adapter) const;
+
+  // Returns the adapter's entry, whoever may have made it: a flash that is under way, or one whose
+  // outcome is unknown.
+  [[nodiscard]] std::optional<FlashEntry> entry(const AdapterAddress& adapter) const;
+
+ private:
+  [[nodiscard]] std::filesystem::path lockPath(const AdapterAddress& adapter) const;
+  [[nodiscard]] std::filesystem::path entryPath(const AdapterAddress& adapter) const;
+
+  FileSystem& m_files;
+  const std::filesystem::path m_folder;
+  platform::Clock& m_clock;
+};
+
+}  // namespace ma
+
+#endif  // ORVEX_MIDAPI_KERNEL_FLASHJOURNAL_H_

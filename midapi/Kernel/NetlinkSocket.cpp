@@ -1,0 +1,75 @@
+#include "midapi/Kernel/NetlinkSocket.h"
+
+#include <cerrno>
+#include <cstddef>
+#include <libmnl/libmnl.h>
+#include <linux/netlink.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <system_error>
+
+namespace ma {
+namespace {
+
+// The kernel sends no datagram above 32 KiB, see libmnl's MNL_SOCKET_DUMP_SIZE.
+constexpr std::size_t kLargestDatagram = 32768;
+
+[[noreturn]] void fail(const char* tried) {
+  throw std::system_error(errno, std::generic_category(), tried);
+}
+
+}  // namespace
+
+void NetlinkSocket::Closer::operator()(mnl_socket* socket) const {
+  mnl_socket_close(socket);
+}
+
+NetlinkSocket::NetlinkSocket() : m_socket(mnl_socket_open2(NETLINK_GENERIC, SOCK_CLOEXEC)) {
+  if (m_socket == nullptr) {
+    fail("cannot open a netlink socket");
+  }
+  // A kernel that knows none of the two says less, and that is no failure.
+  for (const int option : {NETLINK_EXT_ACK, NETLINK_CAP_ACK}) {
+    int on = 1;
+    static_cast<void>(mnl_socket_setsockopt(m_socket.get(), option, &on, sizeof on));
+  }
+  if (mnl_socket_bind(m_socket.get(), 0, MNL_SOCKET_AUTOPID) != 0) {
+    fail("cannot bind a netlink socket");
+  }
+}
+
+void NetlinkSocket::join(std::uint32_t group) {
+  if (mnl_socket_setsockopt(m_socket.get(), NETLINK_ADD_MEMBERSHIP, &group, sizeof group) != 0) {
+    fail("cannot join a netlink group");
+  }
+}
+
+void NetlinkSocket::send(std::span<const std::uint8_t> message) {
+  if (mnl_socket_sendto(m_socket.get(), message.data(), message.size()) < 0) {
+    fail("cannot send to the kernel");
+  }
+}
+
+std::optional<std::vector<std::uint8_t>> NetlinkSocket::receive(
+    std::chrono::milliseconds patience) {
+  pollfd awaited{mnl_socket_get_fd(m_socket.get()), POLLIN, 0};
+  const int ready = ::poll(&awaited, 1, static_cast<int>(patience.count()));
+  if (ready < 0 && errno != EINTR) {
+    fail("cannot wait for the kernel");
+  }
+  if (ready <= 0) {
+    return std::nullopt;
+  }
+  std::vector<std::uint8_t> datagram(kLargestDatagram);
+  const ssize_t size = mnl_socket_recvfrom(m_socket.get(), datagram.data(), datagram.size());
+  if (size < 0 && errno != ENOBUFS && errno != EINTR && errno != EAGAIN) {
+    fail("cannot receive from the kernel");
+  }
+  if (size < 0) {
+    return std::nullopt;
+  }
+  datagram.resize(static_cast<std::size_t>(size));
+  return datagram;
+}
+
+}  // namespace ma

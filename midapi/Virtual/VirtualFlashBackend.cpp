@@ -1,0 +1,145 @@
+#include "midapi/Virtual/VirtualFlashBackend.h"
+
+#include <string>
+#include <utility>
+
+#include "platform/Texts.h"
+
+namespace ma {
+namespace {
+
+// Refuses a port that the description of its adapter does not list.
+void demandPort(const AdapterDescription& description, const AdapterFolder& folder,
+                const PortId& port) {
+  if (description.findPort(port.function) == nullptr) {
+    throw FlashFault(FlashError::UnknownAdapter,
+                     toString(port) + " (" + platform::toShownText(folder.descriptionPath()) +
+                         " lists no such function)");
+  }
+}
+
+// Returns the description of the port's adapter, read for whoever is about to change something.
+AdapterDescription describePort(const AdapterFolder& folder, const PortId& port) {
+  AdapterDescription description = folder.description();
+  demandPort(description, folder, port);
+  return description;
+}
+
+}  // namespace
+
+VirtualFlashBackend::VirtualFlashBackend(FileSystem& files,
+                                         std::function<std::filesystem::path()> directory,
+                                         platform::Clock& clock)
+    : m_files(files), m_directory(std::move(directory)), m_clock(clock), m_cache(files) {}
+
+utils::StringArray VirtualFlashBackend::enumerateAdapters() {
+  return m_cache.ports(m_directory());
+}
+
+AdapterFacts VirtualFlashBackend::facts(const PortId& port) {
+  const std::filesystem::path directory = m_directory();
+  const auto description = m_cache.description(directory, port.adapter);
+  demandPort(*description, {m_files, directory, port.adapter}, port);
+  return {description->vendor, description->device, description->isUpdatable};
+}
+
+FileBytes VirtualFlashBackend::readFlash(const PortId& port) {
+  const AdapterFolder folder = folderOf(port);
+  settleUpdate(m_files, folder);
+  return folder.flash();
+}
+
+bool VirtualFlashBackend::beginUpdate(const AdapterAddress& adapter) {
+  const platform::Lock lock(m_mutex);
+  return m_updates.try_emplace(adapter).second;
+}
+
+void VirtualFlashBackend::endUpdate(const AdapterAddress& adapter) noexcept {
+  std::shared_ptr<AdapterUpdate> update;
+  const platform::Lock lock(m_mutex);
+  if (const auto found = m_updates.find(adapter); found != m_updates.end()) {
+    update = std::move(found->second);
+    m_updates.erase(found);
+  }
+}
+
+FileBytes VirtualFlashBackend::readFlashToBe(const PortId& port) {
+  std::shared_ptr<AdapterUpdate> update;
+  {
+    const platform::Lock lock(m_mutex);
+    if (const auto found = m_updates.find(port.adapter); found != m_updates.end()) {
+      update = found->second;
+    }
+  }
+  return update != nullptr ? update->flashToBe() : readFlash(port);
+}
+
+void VirtualFlashBackend::setBootType(const PortId& port, BootType bootType) {
+  const AdapterFolder folder = folderOf(port);
+  const platform::Lock lock(m_mutex);
+  static_cast<void>(describePort(folder, port));
+  if (const auto running = runningUpdate(port)) {
+    running->setBootType(port.function, bootType);
+    return;
+  }
+  AdapterUpdate update(m_files, folder, m_clock);
+  update.setBootType(port.function, bootType);
+  update.commit();
+}
+
+void VirtualFlashBackend::writeFlash(const PortId& port, ConstBytes image,
+                                     WriteProgress& progress) {
+  const AdapterFolder folder = folderOf(port);
+  static_cast<void>(describePort(folder, port));
+  if (image.size() > kMaxFlash) {
+    throw FlashFault(FlashError::ImageTooLarge,
+                     toString(port) + " takes " + std::to_string(kMaxFlash) +
+                         " bytes, and the image has " + std::to_string(image.size()));
+  }
+  std::shared_ptr<AdapterUpdate> running;
+  {
+    const platform::Lock lock(m_mutex);
+    running = runningUpdate(port);
+  }
+  if (running != nullptr) {
+    running->writeFlash(image, progress);
+  } else {
+    AdapterUpdate update(m_files, folder, m_clock);
+    update.writeFlash(image, progress);
+    update.commit();
+  }
+  progress.complete();
+}
+
+void VirtualFlashBackend::setCapabilityWord(const PortId& port, std::uint32_t word) {
+  const AdapterFolder folder = folderOf(port);
+  const platform::Lock lock(m_mutex);
+  const AdapterDescription description = describePort(folder, port);
+  if (description.capabilityWordFault) {
+    throw FlashFault(description.capabilityWordFault->code, description.capabilityWordFault->text);
+  }
+  auto update = runningUpdate(port);
+  if (update == nullptr) {
+    update = std::make_shared<AdapterUpdate>(m_files, folder, m_clock);
+  }
+  update->setCapabilityWord(word);
+  update->commit();
+}
+
+// Returns null where no update has begun.
+std::shared_ptr<AdapterUpdate> VirtualFlashBackend::runningUpdate(const PortId& port) {
+  const auto found = m_updates.find(port.adapter);
+  if (found == m_updates.end()) {
+    return nullptr;
+  }
+  if (found->second == nullptr) {
+    found->second = std::make_shared<AdapterUpdate>(m_files, folderOf(port), m_clock);
+  }
+  return found->second;
+}
+
+AdapterFolder VirtualFlashBackend::folderOf(const PortId& port) const {
+  return {m_files, m_directory(), port.adapter};
+}
+
+}  // namespace ma

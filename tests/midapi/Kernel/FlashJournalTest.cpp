@@ -1,0 +1,118 @@
+#include <gmock/gmock.h>
+#include <string>
+#include <utility>
+
+#include "midapi/FlashBackend.h"
+#include "midapi/Kernel/FlashJournal.h"
+#include "tests/midapi/WatchedFileSystem.h"
+#include "tests/support/FakeClock.h"
+#include "tests/support/TempDirectory.h"
+
+namespace {
+
+using ma::AdapterAddress;
+using ma::FlashEntry;
+using ma::FlashFault;
+using ma::FlashJournal;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Optional;
+
+constexpr AdapterAddress kAdapter{0, 3, 0};
+constexpr AdapterAddress kOther{0, 4, 0};
+
+FlashEntry twoComponents() {
+  return {80063,
+          0xAF63DC4C8601EC8C,
+          {{"fw.undi", "1.0.0"}, {"fw.mgmt", "7.1.0"}},
+          {{"fw.undi", "1.1.0"}, {"fw.mgmt", "7.2.0"}}};
+}
+
+class FlashJournalTest : public testing::Test {
+ protected:
+  template <class Operation>
+  static std::string failureOf(Operation operation) {
+    try {
+      operation();
+    } catch (const FlashFault& fault) {
+      return fault.what();
+    }
+    return {};
+  }
+
+  test::TempDirectory m_directory;
+  test::WatchedFileSystem m_files;
+  test::FakeClock m_clock;
+  const std::filesystem::path m_folder = m_directory.path() / "kernel";
+  FlashJournal m_journal{m_files, m_folder, m_clock};
+};
+
+TEST_F(FlashJournalTest, HasAnEntryForAsLongAsTheOutcomeIsUnknown) {
+  {
+    const FlashJournal::Claim claim = m_journal.claim(kAdapter);
+    EXPECT_FALSE(claim.leftOver());
+    claim.enter(twoComponents());
+    EXPECT_THAT(m_journal.entry(kAdapter), Optional(twoComponents()));
+    EXPECT_FALSE(m_journal.entry(kOther));
+    claim.clear();
+    EXPECT_FALSE(m_journal.entry(kAdapter));
+    claim.enter(twoComponents());
+  }
+  EXPECT_THAT(m_journal.claim(kAdapter).leftOver(), Optional(twoComponents()));
+  EXPECT_THAT(m_journal.entry(kAdapter), Optional(twoComponents()));
+}
+
+TEST_F(FlashJournalTest, LetsOneWriteAnAdapterAtATime) {
+  {
+    const FlashJournal::Claim claim = m_journal.claim(kAdapter);
+    EXPECT_FALSE(m_journal.tryClaim(kAdapter));
+    EXPECT_THAT(
+        failureOf([&] { static_cast<void>(m_journal.claim(kAdapter)); }),
+        AllOf(HasSubstr("another program is writing the adapter"), HasSubstr("0000-03-00.lock")));
+    EXPECT_TRUE(m_journal.tryClaim(kOther));
+  }
+  EXPECT_TRUE(m_journal.tryClaim(kAdapter));
+}
+
+TEST_F(FlashJournalTest, IsEmptyWhereNothingWasEverWritten) {
+  EXPECT_FALSE(m_journal.entry(kAdapter));
+  EXPECT_FALSE(m_journal.tryClaim(kAdapter));
+}
+
+TEST_F(FlashJournalTest, KeepsTextsOfDriversWhateverBytesTheyAre) {
+  FlashEntry entry = twoComponents();
+  entry.before[0].value = "1.0\x80\n";
+  m_journal.claim(kAdapter).enter(entry);
+  const auto read = m_journal.entry(kAdapter);
+  ASSERT_TRUE(read);
+  EXPECT_EQ(read->before[0].name, "fw.undi");
+  EXPECT_THAT(read->before[0].value, testing::StartsWith("1.0"));
+}
+
+TEST_F(FlashJournalTest, NamesAnEntryThatIsNone) {
+  for (const char* text :
+       {"x", "{}", R"({"size": 1, "digest": "0", "before": {}, "expected": {}})",
+        R"({"size": 1, "digest": "af63dc4c8601ec8c", "before": [], "expected": {}})",
+        R"({"size": 1, "digest": "af63dc4c8601ec8c", "before": {"fw": 1},
+                               "expected": {}})"}) {
+    m_directory.write("kernel/0000-03-00.json", std::string(text));
+    EXPECT_THAT(failureOf([&] { static_cast<void>(m_journal.entry(kAdapter)); }),
+                AllOf(HasSubstr("0000-03-00.json is no entry of a flash"),
+                      HasSubstr("compare the adapter's firmware")))
+        << text;
+  }
+}
+
+TEST_F(FlashJournalTest, FailsBeforeTheFlashWhereNothingCanBeEntered) {
+  const FlashJournal::Claim claim = m_journal.claim(kAdapter);
+  m_files.beforeStep = [](const std::string& step, const std::filesystem::path& path) {
+    if (step == "append") {
+      test::WatchedFileSystem::failAsFullDisk("write", path);
+    }
+  };
+  EXPECT_THAT(failureOf([&] { claim.enter(twoComponents()); }),
+              HasSubstr("No space left on device"));
+  EXPECT_FALSE(m_journal.entry(kAdapter));
+}
+
+}  // namespace

@@ -1,0 +1,98 @@
+#include <gmock/gmock.h>
+#include <string>
+#include <vector>
+
+#include "midapi/Kernel/PciFunctions.h"
+#include "tests/midapi/Kernel/SysfsFixture.h"
+
+namespace {
+
+using ma::findPciFunctions;
+using ma::NetworkInterface;
+using ma::PciFunction;
+using ma::PciIds;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class PciFunctions : public testing::Test {
+ protected:
+  std::vector<PciFunction> find() const { return findPciFunctions(m_sysfs.root()); }
+  std::vector<std::string> ids() const {
+    std::vector<std::string> ids;
+    for (const PciFunction& function : find()) {
+      ids.push_back(toString(function.id));
+    }
+    return ids;
+  }
+
+  test::SysfsFixture m_sysfs;
+};
+
+TEST_F(PciFunctions, TellsWhatAnAdapterIs) {
+  m_sysfs.addFunction("0000:03:00.0");
+  m_sysfs.bindDriver("0000:03:00.0", "e1000e");
+  m_sysfs.addInterface("0000:03:00.0", "eth0", "02:54:4e:00:00:30");
+  m_sysfs.setAttribute("0000:03:00.0", "rom", "");
+  const std::vector<PciFunction> functions = find();
+  ASSERT_EQ(functions.size(), 1U);
+  EXPECT_EQ(functions[0].ids, (PciIds{0x8086, 0x10D3, 0x1AF4, 0x1100}));
+  EXPECT_EQ(functions[0].driver, "e1000e");
+  EXPECT_THAT(functions[0].interfaces, ElementsAre(NetworkInterface{"eth0", "02:54:4e:00:00:30"}));
+  EXPECT_TRUE(functions[0].hasRom);
+  EXPECT_FALSE(functions[0].hasVpd);
+  EXPECT_TRUE(std::filesystem::exists(functions[0].folder / "rom"));
+}
+
+TEST_F(PciFunctions, OrdersPortsByAddress) {
+  for (const char* pci : {"0001:00:00.0", "0000:0a:00.0", "0000:03:00.1", "0000:03:00.0"}) {
+    m_sysfs.addFunction(pci);
+  }
+  EXPECT_THAT(ids(), ElementsAre("0000:03:00.0", "0000:03:00.1", "0000:0a:00.0", "0001:00:00.0"));
+}
+
+TEST_F(PciFunctions, FindsTheInterfacesOfVirtioOneLevelUp) {
+  m_sysfs.addFunction("0000:00:04.0");
+  m_sysfs.bindDriver("0000:00:04.0", "virtio-pci");
+  m_sysfs.addInterface("0000:00:04.0", "ens4", "52:54:00:12:34:56", "virtio2");
+  ASSERT_THAT(ids(), ElementsAre("0000:00:04.0"));
+  EXPECT_THAT(find()[0].interfaces, ElementsAre(NetworkInterface{"ens4", "52:54:00:12:34:56"}));
+}
+
+TEST_F(PciFunctions, KnowsTwoInterfacesOfOneFunction) {
+  m_sysfs.addFunction("0000:03:00.0");
+  m_sysfs.addInterface("0000:03:00.0", "eth1", "02:00:00:00:00:01");
+  m_sysfs.addInterface("0000:03:00.0", "eth0", "02:00:00:00:00:00");
+  EXPECT_THAT(find()[0].interfaces, ElementsAre(NetworkInterface{"eth0", "02:00:00:00:00:00"},
+                                                NetworkInterface{"eth1", "02:00:00:00:00:01"}));
+}
+
+TEST_F(PciFunctions, LeavesOutWhatIsNoAdapterOfItsOwn) {
+  m_sysfs.addFunction("0000:03:00.0");
+  m_sysfs.addFunction("0000:00:1f.2");
+  m_sysfs.setAttribute("0000:00:1f.2", "class", "0x010601");
+  m_sysfs.addFunction("0000:03:10.0");
+  std::filesystem::create_directory_symlink(m_sysfs.folder("0000:03:00.0"),
+                                            m_sysfs.folder("0000:03:10.0") / "physfn");
+  m_sysfs.addFunction("10000:01:00.0");
+  m_sysfs.addVirtualInterface("br0");
+  EXPECT_THAT(ids(), ElementsAre("0000:03:00.0"));
+  EXPECT_THAT(find()[0].interfaces, IsEmpty());
+  EXPECT_EQ(find()[0].driver, "");
+}
+
+TEST_F(PciFunctions, LeavesOutWhatIsUnpluggedMeanwhile) {
+  m_sysfs.addFunction("0000:03:00.0");
+  m_sysfs.addFunction("0000:04:00.0");
+  std::filesystem::remove(m_sysfs.folder("0000:04:00.0") / "subsystem_device");
+  m_sysfs.addFunction("0000:05:00.0");
+  m_sysfs.setAttribute("0000:05:00.0", "vendor", "0x80861");
+  m_sysfs.addFunction("0000:06:00.0");
+  std::filesystem::remove_all(m_sysfs.folder("0000:06:00.0"));
+  EXPECT_THAT(ids(), ElementsAre("0000:03:00.0"));
+}
+
+TEST_F(PciFunctions, FindsNoneWhereThereIsNoPci) {
+  EXPECT_THAT(findPciFunctions(m_sysfs.root() / "none"), IsEmpty());
+}
+
+}  // namespace
