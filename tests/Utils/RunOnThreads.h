@@ -4,6 +4,7 @@
 #define ORVEX_TESTS_UTILS_RUNONTHREADS_H_
 
 #include <atomic>
+#include <cstddef>
 #include <thread>
 #include <vector>
 
@@ -14,6 +15,7 @@ template <class Body>
 void runOnThreads(int count, Body body) {
   std::atomic<int> ready{0};
   std::vector<std::thread> threads;
+  threads.reserve(static_cast<std::size_t>(count));
   for (int i = 0; i < count; ++i) {
     threads.emplace_back([&, i] {
       ready.fetch_add(1);

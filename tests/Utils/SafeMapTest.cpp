@@ -80,7 +80,7 @@ TEST(SafeMapThreads, StoreAndLookUpAtTheSameTime) {
       const std::string key = std::to_string(thread) + "." + std::to_string(i);
       map.set(key, i);
       wrong += map.contains(key) && map.get(key) == i ? 0 : 1;
-      wrong += map.values().size() >= static_cast<std::size_t>(i + 1) ? 0 : 1;
+      wrong += map.values().size() >= static_cast<std::size_t>(i) + 1 ? 0 : 1;
     }
   });
 

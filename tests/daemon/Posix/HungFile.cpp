@@ -11,7 +11,6 @@
 #include <poll.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
-#include <sys/uio.h>
 #include <unistd.h>
 #include <utility>
 
@@ -191,8 +190,11 @@ void HungFile::reply(const Request& request, const void* body, std::size_t size,
   head.len = static_cast<std::uint32_t>(sizeof head + size);
   head.error = -error;
   head.unique = request.head().unique;
-  const iovec parts[] = {{&head, sizeof head}, {const_cast<void*>(body), size}};
-  static_cast<void>(::writev(m_device.get(), parts, 2));  // who asked may have gone
+  std::vector<char> message(head.len);
+  std::memcpy(message.data(), &head, sizeof head);
+  std::copy_n(static_cast<const char*>(body), size, message.data() + sizeof head);
+  // Who asked may have gone.
+  [[maybe_unused]] const ssize_t written = ::write(m_device.get(), message.data(), message.size());
 }
 
 }  // namespace test
