@@ -119,6 +119,7 @@ void AuditQueue::write(const wbem::AuditRecord& record) noexcept {
       if (m_waiting.size() < room) {
         m_waiting.push_back(record);
         m_changed.notify_all();
+        awaitSink();
         return;
       }
     } catch (...) {
@@ -130,6 +131,14 @@ void AuditQueue::write(const wbem::AuditRecord& record) noexcept {
     }
   }
   m_sink.writeElsewhere(record);
+}
+
+void AuditQueue::awaitSink() {
+  const std::uint64_t last = m_taken + m_waiting.size();
+  const Clock::time_point end = Clock::now() + m_limits.courtesy;
+  while (m_taken < last && !m_isStuck &&
+         m_changed.wait_until(m_mutex, end) == std::cv_status::no_timeout) {
+  }
 }
 
 std::string AuditQueue::digest(std::span<const std::uint8_t> content) const noexcept {
@@ -200,7 +209,10 @@ bool AuditQueue::noteWritten(const Next& next, bool isDone) {
     m_nextLoss = m_limits.now() + Limit::kPeriod;
   } else if (isDone) {
     m_waiting.pop_front();
+    ++m_taken;
   }
+  m_isStuck = !isDone;
+  m_changed.notify_all();
   return m_lost > 0 && !std::exchange(m_isLossTold, m_lost > 0);
 }
 
@@ -218,6 +230,8 @@ void AuditQueue::pauseUntil(Clock::time_point end) {
 bool AuditQueue::pauseAfterFault() noexcept {
   {
     const platform::Lock lock(m_mutex);
+    m_isStuck = true;
+    m_changed.notify_all();
     if (m_isOver && Clock::now() >= m_end) {
       return false;
     }

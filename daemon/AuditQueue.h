@@ -1,12 +1,14 @@
-// The audit of the host: takes records without a wait, and has a thread hand them to a sink, in
-// their order.
+// The audit of the host: has a thread hand records to a sink, in their order.
 //
-// A sink that takes nothing holds up nobody but that thread. Records wait for it, a bounded number
-// of them; failures that there is no room for are counted, and a record of their own says so as
-// soon as the sink takes one again, as does the sink's last resort at once. Of failures of one kind
-// (one client's and user's, with one action and result) the first ones within some seconds have a
-// record each, and the rest one with their number. Of one client and user, few kinds are told
-// apart, and all actions that no class knows are one kind, since he can invent them.
+// Who writes goes on when the sink has the record, so that it is there before the client has an
+// answer, and is lost by no end of the process then. A sink that takes nothing holds up nobody but
+// that thread: who writes waits a moment for it, and not at all where it has not taken the last
+// record. Records wait for it, a bounded number of them; failures that there is no room for are
+// counted, and a record of their own says so as soon as the sink takes one again, as does the
+// sink's last resort at once. Of failures of one kind (one client's and user's, with one action and
+// result) the first ones within some seconds have a record each, and the rest one with their
+// number. Of one client and user, few kinds are told apart, and all actions that no class knows are
+// one kind, since he can invent them.
 //
 // Logins that are refused, which anybody may try from anywhere, have kinds of their own and half of
 // the room.
@@ -65,6 +67,7 @@ class AuditQueue final : public wbem::Audit {
     std::size_t mostWaiting = 2048;            // with failures among them
     std::size_t mostOfAll = 32'768;            // with what has changed something
     std::chrono::milliseconds patience{200};   // of one try
+    std::chrono::milliseconds courtesy{1000};  // of who writes, for the sink to have the record
     std::chrono::milliseconds farewell{2000};  // of all, at the end
     Limit::Now now = Limit::Clock::now;
   };
@@ -104,6 +107,8 @@ class AuditQueue final : public wbem::Audit {
   // Appends the counts of a limit that are due, as far as there is room for them.
   void appendEnded(Limit& limit) ORVEX_REQUIRES(m_mutex);
   void append(const std::vector<Limit::Rest>& rests) noexcept ORVEX_REQUIRES(m_mutex);
+  // Returns when the sink has all that waits now, or not in time.
+  void awaitSink() ORVEX_REQUIRES(m_mutex);
 
   AuditSink& m_sink;
   const FindAction m_findAction;
@@ -117,6 +122,8 @@ class AuditQueue final : public wbem::Audit {
   std::uint64_t m_lost ORVEX_GUARDED_BY(m_mutex) = 0;     // and not told of in a record
   bool m_isLossTold ORVEX_GUARDED_BY(m_mutex) = false;    // by the last resort
   bool m_isSinkTaking ORVEX_GUARDED_BY(m_mutex) = false;  // the last record that it was given
+  bool m_isStuck ORVEX_GUARDED_BY(m_mutex) = false;     // the last record could not be handed over
+  std::uint64_t m_taken ORVEX_GUARDED_BY(m_mutex) = 0;  // of those that waited, by the sink
   Limit::Clock::time_point m_nextLoss ORVEX_GUARDED_BY(m_mutex) = Limit::Clock::time_point::min();
   bool m_isOver ORVEX_GUARDED_BY(m_mutex) = false;
   std::chrono::steady_clock::time_point m_end ORVEX_GUARDED_BY(m_mutex);

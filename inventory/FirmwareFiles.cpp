@@ -88,6 +88,10 @@ std::vector<FirmwareFilePtr> FirmwareFiles::find() {
   if (!core::LookAhead::isInForce()) {
     look();
   }
+  return latest();
+}
+
+std::vector<FirmwareFilePtr> FirmwareFiles::latest() {
   return m_catalogue->latest().files;
 }
 

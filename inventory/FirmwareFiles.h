@@ -35,6 +35,8 @@ class FirmwareFiles {
   // name: those of the last look that has ended; before any has, those that were found so far.
   // Looks for them first, unless this thread has had that done (see core/LookAhead.h).
   [[nodiscard]] std::vector<FirmwareFilePtr> find();
+  // The same without a look.
+  [[nodiscard]] std::vector<FirmwareFilePtr> latest();
 
   // Changes how long later looks are waited for.
   void setPatience(os::FileCalls::Patience patience) { m_looks.setPatience(patience); }

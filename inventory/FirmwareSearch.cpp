@@ -102,6 +102,11 @@ std::optional<std::vector<std::uint8_t>> readFirmwareFile(const std::string& pat
   return content.size() == entry->size ? std::optional(std::move(content)) : std::nullopt;
 }
 
+std::optional<FileIdentity> identifyFirmwareFile(const std::string& path) {
+  const std::optional<Entry> entry = lookInTime(path);
+  return entry ? entry->identity : std::nullopt;
+}
+
 class FirmwareSearch::Look {
  public:
   Look(utils::QuorvelConfig& config, const std::map<std::string, Known>& before,
@@ -206,12 +211,14 @@ FirmwareSearch::Known FirmwareSearch::Look::describe(const std::string& path, co
   auto file = std::make_shared<FirmwareFile>();
   file->path = path;
   made.problem = ma::describeFlashImage(content.bytes.get(), size, file->images);
-  if (made.problem.empty()) {
-    made.file = std::move(file);
+  if (entry.identity && identifyFirmwareFile(path) == entry.identity) {
+    file->identity = entry.identity;
   }
-  const std::optional<Entry> after = lookInTime(path);
-  if (entry.identity && after && after->identity == entry.identity) {
-    made.identity = *entry.identity;
+  if (made.problem.empty()) {
+    made.file = file;
+  }
+  if (file->identity) {
+    made.identity = *file->identity;
     m_known.emplace(path, made);
   }
   return made;

@@ -22,6 +22,7 @@ namespace inventory {
 struct FirmwareFile {
   std::string path;  // absolute, with slashes
   std::vector<ma::FlashImageInfo> images;
+  std::optional<platform::FileIdentity> identity;  // of what was read; nothing where in doubt
 };
 
 using FirmwareFilePtr = std::shared_ptr<const FirmwareFile>;
@@ -44,6 +45,10 @@ class FirmwareFindings {
 // Returns the content of a file: no bytes where nothing is there, or more than the setting
 // MaxImageSize allows; nothing where it cannot be read, or not in time (see Os/Files.h).
 [[nodiscard]] std::optional<std::vector<std::uint8_t>> readFirmwareFile(const std::string& path);
+
+// Returns what identifies the content of a file (see platform/FileIdentity.h); nothing, too, where
+// its file system does not answer in time.
+[[nodiscard]] std::optional<platform::FileIdentity> identifyFirmwareFile(const std::string& path);
 
 // One look at a time. What a look costs grows with the number of files and with the bytes of those
 // that have changed. Neither grows without bound: a look takes kMostFiles files, each within

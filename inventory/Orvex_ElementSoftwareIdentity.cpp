@@ -1,10 +1,14 @@
 #include "inventory/Orvex_ElementSoftwareIdentity.h"
 
+#include <array>
+#include <chrono>
 #include <map>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "core/CimBroker.h"
+#include "core/LookAhead.h"
 #include "inventory/Adapters.h"
 #include "inventory/Orvex_PortController.h"
 #include "inventory/Orvex_SoftwareIdentityClass.h"
@@ -15,6 +19,15 @@ constexpr utils::LogSource kLog{"Orvex_ElementSoftwareIdentity"};
 
 using inventory::Adapter;
 using inventory::AdapterSoftware;
+using inventory::AdapterState;
+using inventory::FirmwareComparisons;
+using inventory::FirmwareFilePtr;
+
+constexpr std::string_view kInstalled = "installed";
+
+// Indexed by ma::ImageComparison.
+constexpr std::array<std::string_view, 8> kComparisonTexts = {
+    "", "not updatable", "other types", "older", "same version", "same", "newer", "unknown"};
 
 // The controllers, and the adapter of each at the same place.
 struct Controllers {
@@ -42,6 +55,36 @@ Controllers findControllers() {
   return controllers;
 }
 
+std::vector<FirmwareFilePtr> findFiles(core::InstanceList::Iterator& identities) {
+  std::vector<FirmwareFilePtr> files;
+  for (core::CimInstance* identity : identities) {
+    const auto* software = dynamic_cast<AdapterSoftware*>(identity);
+    if (FirmwareFilePtr file = software != nullptr ? software->getFile() : nullptr) {
+      files.push_back(std::move(file));
+    }
+  }
+  return files;
+}
+
+std::vector<std::string_view> toTexts(const std::vector<ma::ImageComparison>& comparisons) {
+  std::vector<std::string_view> texts;
+  texts.reserve(comparisons.size());
+  for (const ma::ImageComparison comparison : comparisons) {
+    texts.push_back(kComparisonTexts[static_cast<std::size_t>(comparison)]);
+  }
+  return texts;
+}
+
+std::vector<std::string_view> relateToItsAdapter(const AdapterSoftware& component,
+                                                 const std::vector<Adapter>& adapters) {
+  std::vector<std::string_view> texts;
+  texts.reserve(adapters.size());
+  for (const Adapter& adapter : adapters) {
+    texts.push_back(adapter.identity == component.getAdapter() ? kInstalled : std::string_view());
+  }
+  return texts;
+}
+
 }  // namespace
 
 Orvex_ElementSoftwareIdentity::Orvex_ElementSoftwareIdentity(core::CimInstance* software,
@@ -53,11 +96,12 @@ Orvex_ElementSoftwareIdentity::Orvex_ElementSoftwareIdentity(core::CimInstance* 
   Comparison.setValue(comparison);
 }
 
-Orvex_ElementSoftwareIdentityClass::Orvex_ElementSoftwareIdentityClass(platform::Clock& clock)
+Orvex_ElementSoftwareIdentityClass::Orvex_ElementSoftwareIdentityClass(
+    FirmwareComparisons& comparisons)
     : InstanceProvider(Orvex_ElementSoftwareIdentity::kClassName,
                        {kLog, "Orvex_ElementSoftwareIdentityClass::getInstances", "getInstances",
                         "ElementSoftwareIdentity::getInstances"}),
-      m_clock(clock) {}
+      m_comparisons(comparisons) {}
 
 void Orvex_ElementSoftwareIdentityClass::refresh() {
   instances().clear();
@@ -65,37 +109,39 @@ void Orvex_ElementSoftwareIdentityClass::refresh() {
   core::InstanceList::Iterator identities =
       core::GetCimBroker().getInstances(Orvex_SoftwareIdentity::kClassName);
   const Controllers controllers = findControllers();
-  const platform::Clock::TimePoint deadline = m_clock.now() + kPatience;
-  std::size_t uncompared = 0;
+  const std::vector<FirmwareFilePtr> files = findFiles(identities);
+  if (!core::LookAhead::isInForce()) {
+    m_comparisons.look(files);
+  }
+  const std::vector<AdapterState> states =
+      files.empty() ? std::vector<AdapterState>() : inventory::digestAdapters(controllers.adapters);
   for (core::CimInstance* identity : identities) {
     const auto* software = dynamic_cast<AdapterSoftware*>(identity);
     if (software == nullptr) {
       continue;
     }
-    std::vector<std::string> comparisons(controllers.adapters.size(),
-                                         inventory::kUnknownComparison);
-    if (software->getImageKind() != Orvex_SoftwareIdentity::kFirmwareImage ||
-        m_clock.now() < deadline) {
-      comparisons = software->compareWith(controllers.adapters);
-    } else {
-      ++uncompared;
-    }
+    const FirmwareFilePtr file = software->getFile();
+    const std::vector<std::string_view> comparisons =
+        file != nullptr ? toTexts(m_comparisons.find(*file, states))
+                        : relateToItsAdapter(*software, controllers.adapters);
     for (std::size_t i = 0; i < comparisons.size(); ++i) {
       if (!comparisons[i].empty()) {
-        instances().add(
-            new Orvex_ElementSoftwareIdentity(identity, controllers.instances[i], comparisons[i]));
+        instances().add(new Orvex_ElementSoftwareIdentity(identity, controllers.instances[i],
+                                                          std::string(comparisons[i])));
       }
     }
   }
-  report(uncompared);
+  report(m_comparisons.countUncompared());
 }
 
 void Orvex_ElementSoftwareIdentityClass::report(std::size_t uncompared) {
   if (uncompared > 0 && !m_isReported) {
+    constexpr auto kSeconds =
+        std::chrono::duration_cast<std::chrono::seconds>(FirmwareComparisons::kPatience);
     utils::logError(kLog, "Orvex_ElementSoftwareIdentityClass::getInstances",
                     "%d firmware files were not compared with the adapters, since that took longer "
                     "than %d s; keep fewer or smaller ones in the directories of FWFilePath",
-                    static_cast<int>(uncompared), static_cast<int>(kPatience.count()));
+                    static_cast<int>(uncompared), static_cast<int>(kSeconds.count()));
   }
   m_isReported = uncompared > 0;
 }

@@ -3,14 +3,13 @@
 #ifndef ORVEX_INVENTORY_ORVEX_ELEMENTSOFTWAREIDENTITY_H_
 #define ORVEX_INVENTORY_ORVEX_ELEMENTSOFTWAREIDENTITY_H_
 
-#include <chrono>
 #include <cstddef>
 #include <string>
 
 #include "cim/CIM_Dependency.h"
 #include "core/CimPropertyTypes.h"
 #include "core/InstanceProvider.h"
-#include "platform/Clock.h"
+#include "inventory/FirmwareComparisons.h"
 
 class Orvex_ElementSoftwareIdentity : public CIM_Dependency {
  public:
@@ -36,13 +35,13 @@ class Orvex_ElementSoftwareIdentity : public CIM_Dependency {
 };
 
 // Rebuilds the associations at every enumeration. There is none between an image and an adapter
-// that it is not for. Files are read for it while other requests wait: so long and no longer, then
-// the comparisons of the rest are unknown, with an error record, once until all were compared.
+// that it is not for. Files are compared first, unless this thread has had that done (see
+// core/LookAhead.h), since others must not wait for them. Comparisons that take too long are
+// unknown, with an error record, once until all were compared.
 class Orvex_ElementSoftwareIdentityClass : public core::InstanceProvider {
  public:
-  static constexpr std::chrono::seconds kPatience{10};
-
-  explicit Orvex_ElementSoftwareIdentityClass(platform::Clock& clock = platform::steadyClock());
+  // `comparisons` must live as long as the provider.
+  explicit Orvex_ElementSoftwareIdentityClass(inventory::FirmwareComparisons& comparisons);
 
  protected:
   void refresh() override;
@@ -50,7 +49,7 @@ class Orvex_ElementSoftwareIdentityClass : public core::InstanceProvider {
  private:
   void report(std::size_t uncompared);
 
-  platform::Clock& m_clock;
+  inventory::FirmwareComparisons& m_comparisons;
   bool m_isReported = false;  // guarded by the request, as the instances are
 };
 

@@ -1,14 +1,13 @@
 #include "inventory/Orvex_SoftwareIdentityClass.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
-#include <optional>
 #include <set>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "inventory/Adapters.h"
 #include "inventory/FirmwareContent.h"
 #include "midapi/MidApi.h"
 #include "platform/Texts.h"
@@ -17,23 +16,11 @@ namespace {
 
 using inventory::Adapter;
 using inventory::AdapterSoftware;
-using inventory::FirmwareFile;
-using Texts = std::vector<std::string>;
+using inventory::FirmwareFilePtr;
 
 constexpr utils::LogSource kLog{"Orvex_SoftwareIdentity"};
 constexpr std::uint16_t kFirmware = 10;  // DMTF CIM_SoftwareIdentity.Classifications
 constexpr const char* kPciDevice = "Orvex:PCIDevice";
-constexpr const char* kInstalled = "installed";
-
-// Indexed by ma::ImageComparison.
-constexpr std::array<std::string_view, 8> kComparisonTexts = {"",
-                                                              "not updatable",
-                                                              "other types",
-                                                              "older",
-                                                              "same version",
-                                                              "same",
-                                                              "newer",
-                                                              inventory::kUnknownComparison};
 
 void setSoftwareValues(Orvex_SoftwareIdentity& software, const std::string& instanceId,
                        const std::string& caption) {
@@ -63,34 +50,22 @@ std::string joinVersions(const std::vector<utils::FirmwareVersionInfo>& firmware
 // A firmware image that can be installed.
 class ImageFile final : public AdapterSoftware {
  public:
-  explicit ImageFile(const FirmwareFile& file) : m_path(file.path) {
+  explicit ImageFile(FirmwareFilePtr file) : m_file(std::move(file)) {
     setSoftwareValues(
-        *this, "Orvex:FirmwareFile:" + m_path,
-        "Firmware image " + platform::toShownText(platform::toPath(m_path).filename()));
-    describeImages(file.images);
+        *this, "Orvex:FirmwareFile:" + m_file->path,
+        "Firmware image " + platform::toShownText(platform::toPath(m_file->path).filename()));
+    describeImages(m_file->images);
   }
 
-  [[nodiscard]] std::string getIdentity() const override { return m_path; }
+  [[nodiscard]] std::string getIdentity() const override { return m_file->path; }
   [[nodiscard]] std::uint32_t getImageKind() const override { return kFirmwareImage; }
 
-  [[nodiscard]] Texts compareWith(const std::vector<Adapter>& adapters) const override {
-    // Read anew: an identity outlives the enumeration, and megabytes are not kept for it.
-    const auto content = adapters.empty() ? std::nullopt : inventory::readFirmwareFile(m_path);
-    Texts texts;
-    for (const Adapter& adapter : adapters) {
-      const ma::ImageComparison comparison =
-          content ? ma::compareFlashImage(adapter.firstPort, content->data(),
-                                          static_cast<std::uint32_t>(content->size()))
-                  : ma::ImageComparison::Unknown;
-      texts.emplace_back(kComparisonTexts[static_cast<std::size_t>(comparison)]);
-    }
-    return texts;
-  }
+  [[nodiscard]] FirmwareFilePtr getFile() const override { return m_file; }
 
  private:
   void describeImages(const std::vector<ma::FlashImageInfo>& images);
 
-  const std::string m_path;
+  const FirmwareFilePtr m_file;
 };
 
 void ImageFile::describeImages(const std::vector<ma::FlashImageInfo>& images) {
@@ -132,13 +107,7 @@ class InstalledComponent final : public AdapterSoftware {
   [[nodiscard]] std::string getIdentity() const override { return m_identity; }
   [[nodiscard]] std::uint32_t getImageKind() const override { return kInstalledComponent; }
 
-  [[nodiscard]] Texts compareWith(const std::vector<Adapter>& adapters) const override {
-    Texts texts;
-    for (const Adapter& adapter : adapters) {
-      texts.emplace_back(adapter.identity == m_adapter ? kInstalled : "");
-    }
-    return texts;
-  }
+  [[nodiscard]] std::string getAdapter() const override { return m_adapter; }
 
  private:
   const std::string m_adapter;
@@ -155,8 +124,8 @@ Orvex_SoftwareIdentityClass::Orvex_SoftwareIdentityClass(inventory::FirmwareFile
 
 void Orvex_SoftwareIdentityClass::refresh() {
   instances().clear();
-  for (const inventory::FirmwareFilePtr& file : m_files.find()) {
-    instances().add(new ImageFile(*file));
+  for (const FirmwareFilePtr& file : m_files.find()) {
+    instances().add(new ImageFile(file));
   }
   std::vector<utils::FirmwareVersionInfo> components;
   for (const Adapter& adapter : inventory::findAdapters()) {

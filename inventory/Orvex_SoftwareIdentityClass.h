@@ -5,24 +5,20 @@
 #define ORVEX_INVENTORY_ORVEX_SOFTWAREIDENTITYCLASS_H_
 
 #include <string>
-#include <vector>
 
 #include "core/InstanceProvider.h"
-#include "inventory/Adapters.h"
 #include "inventory/FirmwareFiles.h"
 #include "inventory/Orvex_SoftwareIdentity.h"
 
 namespace inventory {
 
-inline constexpr const char* kUnknownComparison = "unknown";
-
 // What the provider's instances can tell beyond their properties.
 class AdapterSoftware : public Orvex_SoftwareIdentity {
  public:
-  // Returns what the software is to each adapter (see Orvex_ElementSoftwareIdentity); empty when it
-  // has nothing to do with it. Reads a file once.
-  [[nodiscard]] virtual std::vector<std::string> compareWith(
-      const std::vector<Adapter>& adapters) const = 0;
+  // Returns the file of an image, null for a component in a flash.
+  [[nodiscard]] virtual FirmwareFilePtr getFile() const { return nullptr; }
+  // Returns the identity of the adapter that holds a component, empty for an image.
+  [[nodiscard]] virtual std::string getAdapter() const { return {}; }
 };
 
 }  // namespace inventory

@@ -62,7 +62,7 @@ SoftwareInventoryAgent::SoftwareInventoryAgent() : core::CimAgent("Software Inve
   getClasses().add(new Orvex_EthernetPortRegisteredProfileClass);
   getClasses().add(new Orvex_SoftwareIdentityClass(m_files));
   getClasses().add(new Orvex_SoftwareIdentityResourceClass(m_files));
-  getClasses().add(new Orvex_ElementSoftwareIdentityClass);
+  getClasses().add(new Orvex_ElementSoftwareIdentityClass(m_comparisons));
 }
 
 SoftwareInventoryAgent::~SoftwareInventoryAgent() = default;
@@ -75,6 +75,9 @@ void SoftwareInventoryAgent::lookAhead(const std::set<std::string>& classNames) 
   if (std::any_of(std::begin(kClassesOfFiles), std::end(kClassesOfFiles),
                   [&](const char* name) { return classNames.contains(name); })) {
     m_files.look();
+  }
+  if (classNames.contains(Orvex_ElementSoftwareIdentity::kClassName)) {
+    m_comparisons.look(m_files.latest());
   }
 }
 

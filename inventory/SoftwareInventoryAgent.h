@@ -12,6 +12,7 @@
 #include "core/ClassDeclarer.h"
 #include "core/FirmwareReader.h"
 #include "core/LookAhead.h"
+#include "inventory/FirmwareComparisons.h"
 #include "inventory/FirmwareFiles.h"
 
 namespace inventory {
@@ -35,6 +36,7 @@ class SoftwareInventoryAgent : public core::CimAgent,
 
  private:
   FirmwareFiles m_files;
+  FirmwareComparisons m_comparisons;
 };
 
 // Adds the one agent of the process to the broker. For the module's load hook.

@@ -8,9 +8,10 @@
 
 namespace ma {
 
-// Returns the 64-bit FNV-1a digest.
-[[nodiscard]] inline std::uint64_t digestOf(std::span<const std::uint8_t> bytes) {
-  std::uint64_t digest = 0xCBF29CE484222325;
+// Returns the 64-bit FNV-1a digest; with that of other bytes, the digest of those and these behind
+// them.
+[[nodiscard]] inline std::uint64_t digestOf(std::span<const std::uint8_t> bytes,
+                                            std::uint64_t digest = 0xCBF29CE484222325) {
   for (const std::uint8_t byte : bytes) {
     digest = (digest ^ byte) * 0x100000001B3;
   }

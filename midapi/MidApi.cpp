@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "midapi/AdapterId.h"
+#include "midapi/Digest.h"
 #include "midapi/FlashBackend.h"
 #include "midapi/Hex.h"
 #include "midapi/ImagePreparation.h"
@@ -180,6 +181,19 @@ ImageComparison compareFlashImage(const std::string& adapter, const std::uint8_t
     return backend().compare(needPort(adapter), {file, fileSize});
   } catch (const FlashFault&) {
     return ImageComparison::Unknown;
+  }
+}
+
+std::uint64_t digestAdapter(const std::string& adapter) {
+  try {
+    const PortId port = needPort(adapter);
+    const AdapterFacts facts = backend().facts(port);
+    const auto low = [](int number) { return static_cast<std::uint8_t>(number & 0xFF); };
+    const std::uint8_t decisive[] = {low(facts.vendor), low(facts.vendor >> 8), low(facts.device),
+                                     low(facts.device >> 8), low(facts.isUpdatable ? 1 : 0)};
+    return digestOf(decisive, digestOf(backend().readFlash(port).view()));
+  } catch (const FlashFault&) {
+    return 0;
   }
 }
 

@@ -123,6 +123,10 @@ inline constexpr std::size_t kMostDescribedDevices = 1024;
                                                                  const std::uint8_t* file,
                                                                  std::uint32_t fileSize);
 
+// Returns a digest of all of the adapter that decides what compareFlashImage answers: as long as it
+// stays the same, each file compares as before. 0 where the adapter is unknown or unreadable.
+[[nodiscard]] ORVEX_MIDAPI_API std::uint64_t digestAdapter(const std::string& adapter);
+
 // Replaces the adapter's flash by `image`, at the adapter's write rate; returns when it is done. In
 // a FlashUpdate the image is written beside the old one, which it replaces when the update is made.
 //

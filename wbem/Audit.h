@@ -26,7 +26,8 @@ struct AuditRecord {
   std::vector<std::pair<std::string, std::string>> details;
 };
 
-// Any thread calls; implementations neither throw nor wait.
+// Any thread calls, without the broker's request: it may be held up for a moment, so that the
+// record is where it belongs before the client has an answer. Implementations do not throw.
 class Audit {
  public:
   Audit() = default;

@@ -4,10 +4,10 @@
 #include <future>
 #include <gmock/gmock.h>
 #include <memory>
-#include <string>
-#include <thread>
+#include <vector>
 
 #include "Utils/Containers.h"
+#include "tests/Utils/RunOnThreads.h"
 #include "tests/support/Throws.h"
 #include "tests/support/VirtualSlots.h"
 #include "tests/support/WaitUntil.h"
@@ -428,25 +428,6 @@ TEST_F(SafeList, HasNothingToWalkWhenAllIsSkipped) {
   EXPECT_EQ(m_list.iterator().count(), 2U);
 }
 
-// Runs `body` on `count` threads, which all begin at the same moment.
-template <class Body>
-void runOnThreads(int count, Body body) {
-  std::atomic<int> ready{0};
-  std::vector<std::thread> threads;
-  for (int i = 0; i < count; ++i) {
-    threads.emplace_back([&, i] {
-      ready.fetch_add(1);
-      while (ready.load() < count) {
-        std::this_thread::yield();
-      }
-      body(i);
-    });
-  }
-  for (std::thread& thread : threads) {
-    thread.join();
-  }
-}
-
 TEST(SafeListThreads, AddAndWalkAtTheSameTime) {
   constexpr int kWriters = 3;
   constexpr int kThreads = 6;
@@ -455,7 +436,7 @@ TEST(SafeListThreads, AddAndWalkAtTheSameTime) {
   std::atomic<int> disorder{0};
   {
     List list(true);
-    runOnThreads(kThreads, [&](int thread) {
+    test::runOnThreads(kThreads, [&](int thread) {
       for (int i = 0; i < kItems / 10; ++i) {
         if (thread < kWriters) {
           for (int k = 0; k < 10; ++k) {
@@ -481,91 +462,6 @@ TEST(SafeListThreads, AddAndWalkAtTheSameTime) {
   }
 
   EXPECT_EQ(deaths.size(), static_cast<std::size_t>(kWriters * kItems));
-}
-
-TEST(SafeMap, KnowsWhatItHolds) {
-  utils::SafeMap<std::string, int*> map;
-  int value = 1;
-  map.set("a", &value);
-
-  EXPECT_TRUE(map.contains("a"));
-  EXPECT_FALSE(map.contains("A"));
-  EXPECT_FALSE(map.contains(""));
-  EXPECT_EQ(map.get("a"), &value);
-}
-
-TEST(SafeMap, EntersNullForAnAbsentKeyThatIsFetched) {
-  utils::SafeMap<std::string, int*> map;
-
-  EXPECT_EQ(map.get("absent"), nullptr);
-  EXPECT_TRUE(map.contains("absent"));
-  EXPECT_THAT(map.values(), ElementsAre(nullptr));
-}
-
-TEST(SafeMap, StoresThroughAFetchedReference) {
-  utils::SafeMap<std::string, int> map;
-  map.get("a") = 7;
-
-  EXPECT_EQ(map.get("a"), 7);
-}
-
-TEST(SafeMap, ReplacesAnEarlierValue) {
-  utils::SafeMap<std::string, int> map;
-  map.set("a", 1);
-  map.set("a", 2);
-
-  EXPECT_THAT(map.values(), ElementsAre(2));
-}
-
-TEST(SafeMap, GivesItsValuesInKeyOrder) {
-  utils::SafeMap<std::string, int> map;
-  map.set("b", 2);
-  map.set("a", 1);
-  map.set("B", 3);
-
-  EXPECT_THAT(map.values(), ElementsAre(3, 1, 2));
-  EXPECT_THAT((utils::SafeMap<std::string, int>().values()), IsEmpty());
-}
-
-TEST(SafeMap, LeavesItsValuesAlive) {
-  std::vector<int> deaths;
-  const Item item(1, deaths);
-  {
-    utils::SafeMap<std::string, const Item*> map;
-    map.set("a", &item);
-  }
-
-  EXPECT_THAT(deaths, IsEmpty());
-}
-
-TEST(SafeMapThreads, StoreAndLookUpAtTheSameTime) {
-  constexpr int kThreads = 6;
-  constexpr int kKeys = 200;
-  utils::SafeMap<std::string, int> map;
-  std::atomic<int> wrong{0};
-
-  runOnThreads(kThreads, [&](int thread) {
-    for (int i = 0; i < kKeys; ++i) {
-      const std::string key = std::to_string(thread) + "." + std::to_string(i);
-      map.set(key, i);
-      wrong += map.contains(key) && map.get(key) == i ? 0 : 1;
-      wrong += map.values().size() >= static_cast<std::size_t>(i + 1) ? 0 : 1;
-    }
-  });
-
-  EXPECT_EQ(wrong.load(), 0);
-  EXPECT_EQ(map.values().size(), static_cast<std::size_t>(kThreads * kKeys));
-}
-
-TEST(Map, IsAnOrderedMapWithAVirtualDestructor) {
-  utils::Map<std::string, std::string> map;
-  map["b"] = "2";
-  map["a"] = "1";
-  const utils::Map<std::string, std::string> copy(map);
-
-  EXPECT_EQ(copy.begin()->first, "a");
-  EXPECT_EQ(copy, map);
-  EXPECT_TRUE((std::has_virtual_destructor_v<utils::Map<std::string, std::string>>));
 }
 
 }  // namespace

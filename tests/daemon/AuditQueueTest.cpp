@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <atomic>
+#include <condition_variable>
 #include <cstring>
 #include <gmock/gmock.h>
 #include <memory>
@@ -34,6 +35,9 @@ class FakeSink final : public quorveld::AuditSink {
       return false;
     }
     const platform::Lock lock(m_mutex);
+    while (m_isHeld) {
+      m_changed.wait(m_mutex);
+    }
     m_written.push_back(textOf(record));
     return true;
   }
@@ -51,6 +55,13 @@ class FakeSink final : public quorveld::AuditSink {
     return m_elsewhere;
   }
 
+  // A sink that is held comes back with the record when it is let go.
+  void hold(bool isHeld) {
+    const platform::Lock lock(m_mutex);
+    m_isHeld = isHeld;
+    m_changed.notify_all();
+  }
+
   std::atomic<bool> isStuck{false};
   std::atomic<unsigned> tries{0};
 
@@ -66,6 +77,8 @@ class FakeSink final : public quorveld::AuditSink {
   mutable platform::Mutex m_mutex;
   std::vector<std::string> m_written ORVEX_GUARDED_BY(m_mutex);
   std::vector<std::string> m_elsewhere ORVEX_GUARDED_BY(m_mutex);
+  std::condition_variable_any m_changed;
+  bool m_isHeld ORVEX_GUARDED_BY(m_mutex) = false;
 };
 
 // Knows one method, under its name in any case.
@@ -136,6 +149,7 @@ class AuditQueueTest : public testing::Test {
       .mostWaiting = kMostWaiting,
       .mostOfAll = kMostOfAll,
       .patience = milliseconds(1),
+      .courtesy = test::kDeadline,
       .farewell = test::kDeadline,
       .now = [this] {
         if (m_isClockBroken) {
@@ -153,6 +167,23 @@ TEST_F(AuditQueueTest, HandsRecordsOverInTheirOrder) {
   awaitRecords(2);
   EXPECT_THAT(m_sink.written(), ElementsAre("InstallFromURI of anna: 4096",
                                             "ModifyInstance of bert: CIM_ERR_SUCCESS"));
+}
+
+TEST_F(AuditQueueTest, HasARecordHandedOverBeforeItsWriterGoesOn) {
+  for (std::size_t count = 1; count <= 100; ++count) {
+    m_queue->write(recordOf("Try", "0"));
+    ASSERT_THAT(m_sink.written(), SizeIs(count));
+  }
+}
+
+TEST_F(AuditQueueTest, LetsAWriterGoOnWhoseRecordIsNotTakenInAMoment) {
+  m_limits.courtesy = milliseconds(1);
+  m_queue = std::make_unique<AuditQueue>(m_sink, findAction, m_limits);
+  m_sink.hold(true);
+  m_queue->write(recordOf("Try", "0"));
+  EXPECT_THAT(m_sink.written(), IsEmpty());
+  m_sink.hold(false);
+  awaitRecords(1);
 }
 
 TEST_F(AuditQueueTest, HoldsNobodyUpWhileTheSinkIsStuck) {

@@ -15,6 +15,7 @@
 #include "http/Client.h"
 #include "platform/Posix/Descriptor.h"
 #include "tests/Os/Posix/HungMount.h"
+#include "tests/daemon/Posix/HungFile.h"
 #include "tests/daemon/Posix/QuorveldFixture.h"
 #include "tests/support/Posix/DatagramSocket.h"
 #include "tests/support/Regex.h"
@@ -251,6 +252,34 @@ TEST_F(DaemonTest, AnswersOthersWhileAnUpdateWaitsForTheFirmwareDirectory) {
     EXPECT_THAT(ask({"ein"}, "Orvex_EthernetPort"), HasSubstr("0000:03:00.0"));
     longest = std::max(longest, std::chrono::steady_clock::now() - asked);
   }
+  EXPECT_LT(longest, std::chrono::seconds(3));
+}
+
+TEST_F(DaemonTest, AnswersOthersWhileAFileHangsThatIsCompared) {
+  const std::string directory = (m_own.path() / "hung").string();
+  std::filesystem::create_directory(directory);
+  addPxeAdapter("0000:03:00");
+  start("config = " + write("agent.conf", "FWFilePath = " + directory + "\n") + "\n");
+  test::HungFile file(directory, "image.rom", test::readBytes(writeRom("new.rom", {pxe(3)})));
+  if (!file.isMounted()) {
+    GTEST_SKIP() << "this user may mount no file system of a program";
+  }
+  EXPECT_THAT(ask({"ein"}, "Orvex_SoftwareIdentity"), HasSubstr("image.rom"));
+  file.hang();
+  std::future<std::string> hung = std::async(
+      std::launch::async, [this] { return ask({"ei"}, "Orvex_ElementSoftwareIdentity"); });
+  unsigned answers = 0;
+  std::chrono::steady_clock::duration longest{};
+  while (hung.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
+    const auto asked = std::chrono::steady_clock::now();
+    EXPECT_THAT(ask({"ein"}, "Orvex_EthernetPort"), HasSubstr("0000:03:00.0"));
+    longest = std::max(longest, std::chrono::steady_clock::now() - asked);
+    ++answers;
+  }
+  // It waits five seconds for the file, the others for nobody.
+  EXPECT_THAT(hung.get(), AllOf(HasSubstr("image.rom"), HasSubstr("unknown")));
+  EXPECT_GE(file.countHung(), 1u);
+  EXPECT_GE(answers, 2u);
   EXPECT_LT(longest, std::chrono::seconds(3));
 }
 

@@ -6,7 +6,7 @@
 
 #include "core/CimBroker.h"
 #include "inventory/Orvex_ElementSoftwareIdentity.h"
-#include "tests/inventory/InventoryFixture.h"
+#include "tests/inventory/FirmwareComparisonsFixture.h"
 
 namespace {
 
@@ -14,13 +14,15 @@ using test::kAdapter;
 using test::kOtherAdapter;
 using test::RomBuilder;
 using test::RomImage;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 // The keys of the software and of the controller, and what the one is to the other.
 using Relation = std::tuple<std::string, std::string, std::string>;
+using Texts = std::vector<std::string>;
 
-class ElementSoftwareIdentity : public test::InventoryFixture {
+class ElementSoftwareIdentity : public test::FirmwareComparisonsFixture {
  protected:
   std::vector<Relation> relations() {
     std::vector<Relation> relations;
@@ -34,8 +36,18 @@ class ElementSoftwareIdentity : public test::InventoryFixture {
     return relations;
   }
 
+  // Returns what all are to each other, and leaves the records of that alone.
+  Texts comparisons() {
+    m_log.clear();
+    Texts texts;
+    for (const auto* one : enumerate<Orvex_ElementSoftwareIdentity>(m_provider)) {
+      texts.push_back(one->Comparison.getValue());
+    }
+    return texts;
+  }
+
   core::CimBroker& m_broker = test::brokerWithInventory();
-  Orvex_ElementSoftwareIdentityClass m_provider;
+  Orvex_ElementSoftwareIdentityClass m_provider{m_comparisons};
 };
 
 TEST_F(ElementSoftwareIdentity, RelatesSoftwareToTheControllersThatItIsFor) {
@@ -67,43 +79,42 @@ TEST_F(ElementSoftwareIdentity, RefersToInstancesThatTheBrokerServes) {
   EXPECT_NE(m_broker.getInstanceByPath(core::CimPath(controller)), nullptr);
 }
 
-// A clock whose time passes with every look at it.
-class HurriedClock final : public platform::Clock {
- public:
-  Duration step{0};
-
-  [[nodiscard]] TimePoint now() const override { return m_now += step; }
-  void sleepFor(Duration duration) override { m_now += duration; }
-
- private:
-  mutable TimePoint m_now;
-};
+TEST_F(ElementSoftwareIdentity, SaysInAWordWhatAFileIsToAnAdapter) {
+  m_adapters.makeAdapter(kAdapter, firmware(2));
+  makeFile("first/1-older", firmware(1));
+  makeFile("first/2-same", firmware(2));
+  makeFile("first/3-newer", firmware(3));
+  makeFile("first/4-types", RomBuilder().add(RomImage::legacy().version(3, 0)).build());
+  makeFile("first/5-content", RomBuilder()
+                                  .add(RomImage::legacy().version(2, 0).seed(77))
+                                  .add(RomImage::efi().version(2, 0))
+                                  .build());
+  makeFile("first/6-foreign", RomBuilder().add(RomImage::legacy().device(1, 2)).build());
+  EXPECT_THAT(comparisons(), ElementsAre("older", "same", "newer", "other types", "same version",
+                                         "installed", "installed"));
+  m_adapters.set(kAdapter, "/updatable", "false");
+  EXPECT_THAT(comparisons(), Contains("not updatable").Times(5));
+}
 
 TEST_F(ElementSoftwareIdentity, OfFilesIsUnknownWhenComparingTakesTooLong) {
   m_adapters.makeAdapter(kAdapter, firmware(2));
   makeFile("first/a.rom", firmware(3));
-  makeFile("first/b.rom", firmware(3));
-  HurriedClock clock;
-  Orvex_ElementSoftwareIdentityClass provider(clock);
-  const auto comparisons = [&] {
-    m_log.clear();
-    std::vector<std::string> texts;
-    for (const auto* one : enumerate<Orvex_ElementSoftwareIdentity>(provider)) {
-      texts.push_back(one->Comparison.getValue());
-    }
-    return texts;
-  };
-  clock.step = std::chrono::seconds(6);
+  EXPECT_THAT(comparisons(), ElementsAre("newer", "installed", "installed"));
+  m_reading.hold(makeFile("first/b.rom", firmware(3)));
+  m_comparisons.setPatience(std::chrono::milliseconds(1));
 
   EXPECT_THAT(comparisons(), ElementsAre("newer", "unknown", "installed", "installed"));
   EXPECT_THAT(m_log.records(test::LogSink::EventLog),
               ElementsAre(test::IsRecord(
                   test::LogLevel::Error, "Orvex_ElementSoftwareIdentityClass::getInstances",
-                  testing::StartsWith("1 firmware files were not compared with the adapters"))));
+                  "1 firmware files were not compared with the adapters, since that took longer "
+                  "than 10 s; keep fewer or smaller ones in the directories of FWFilePath")));
   EXPECT_THAT(comparisons(), ElementsAre("newer", "unknown", "installed", "installed"));
   EXPECT_THAT(m_log.records(test::LogSink::EventLog), IsEmpty());
-  clock.step = std::chrono::seconds(0);
-  EXPECT_THAT(comparisons(), ElementsAre("newer", "newer", "installed", "installed"));
+  m_reading.release();
+  EXPECT_TRUE(test::waitUntil([this] {
+    return comparisons() == Texts{"newer", "newer", "installed", "installed"};
+  }));
 }
 
 TEST_F(ElementSoftwareIdentity, IsRebuiltAtEachEnumeration) {

@@ -5,7 +5,6 @@
 
 namespace {
 
-using inventory::Adapter;
 using inventory::AdapterSoftware;
 using test::kAdapter;
 using test::kOtherAdapter;
@@ -16,9 +15,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-const Adapter kFirst{kAdapter, "0000:03:00.0"};
-const Adapter kOther{kOtherAdapter, "0000:04:00.0"};
-
 class SoftwareIdentityClass : public test::InventoryFixture {
  protected:
   std::vector<AdapterSoftware*> identities() { return enumerate<AdapterSoftware>(m_provider); }
@@ -27,10 +23,6 @@ class SoftwareIdentityClass : public test::InventoryFixture {
   AdapterSoftware& identityOf(const test::Bytes& content) {
     makeFile("first/image.rom", content);
     return *identities().at(0);
-  }
-
-  static std::string compare(const AdapterSoftware& software, const Adapter& adapter) {
-    return software.compareWith({adapter}).at(0);
   }
 
   inventory::FirmwareFiles m_files;
@@ -108,51 +100,16 @@ TEST_F(SoftwareIdentityClass, DescribesAnInstalledComponent) {
   EXPECT_TRUE(component.IdentityInfoValue.isNull());
 }
 
-TEST_F(SoftwareIdentityClass, ComparesAFileWithAnAdapter) {
+TEST_F(SoftwareIdentityClass, TellsWhatIsBehindASoftware) {
   m_adapters.makeAdapter(kAdapter, firmware(2));
-  makeFile("first/1-older", firmware(1));
-  makeFile("first/2-same", firmware(2));
-  makeFile("first/3-newer", firmware(3));
-  makeFile("first/4-types", RomBuilder().add(RomImage::legacy().version(3, 0)).build());
-  makeFile("first/5-content", RomBuilder()
-                                  .add(RomImage::legacy().version(2, 0).seed(77))
-                                  .add(RomImage::efi().version(2, 0))
-                                  .build());
-  makeFile("first/6-foreign", RomBuilder().add(RomImage::legacy().device(1, 2)).build());
+  const std::string path = makeFile("first/image.rom", firmware(3));
+  const std::vector<AdapterSoftware*> software = identities();
 
-  std::vector<std::string> comparisons;
-  for (const AdapterSoftware* software : identities()) {
-    comparisons.push_back(compare(*software, kFirst));
-  }
-  EXPECT_THAT(comparisons, ElementsAre("older", "same", "newer", "other types", "same version", "",
-                                       "installed", "installed"));
-  m_adapters.set(kAdapter, "/updatable", "false");
-  EXPECT_EQ(compare(*identities().at(2), kFirst), "not updatable");
-  EXPECT_EQ(compare(*identities().at(2), kOther), "unknown");
-}
-
-TEST_F(SoftwareIdentityClass, ReadsAFileOnceForAllAdapters) {
-  m_adapters.makeAdapter(kAdapter, firmware(2));
-  m_adapters.makeAdapter(kOtherAdapter, firmware(4));
-  const AdapterSoftware& file = identityOf(firmware(3));
-  m_log.clear();
-
-  EXPECT_THAT(file.compareWith({kFirst, kOther}), ElementsAre("newer", "older"));
-  EXPECT_THAT(m_log.messages("os::readFile"), SizeIs(2));  // one reading has two records
-}
-
-TEST_F(SoftwareIdentityClass, RelatesAComponentToItsAdapterOnly) {
-  m_adapters.makeAdapter(kAdapter, firmware(2));
-  const AdapterSoftware& component = *identities().at(0);
-  EXPECT_EQ(compare(component, kFirst), "installed");
-  EXPECT_EQ(compare(component, kOther), "");
-}
-
-TEST_F(SoftwareIdentityClass, RelatesAFileThatIsGoneToNothing) {
-  m_adapters.makeAdapter(kAdapter, firmware(2));
-  const AdapterSoftware& file = identityOf(firmware(3));
-  std::filesystem::remove(file.getIdentity());
-  EXPECT_EQ(compare(file, kFirst), "");
+  EXPECT_EQ(software.at(0)->getFile(), m_files.latest().at(0));
+  EXPECT_EQ(software.at(0)->getFile()->path, path);
+  EXPECT_EQ(software.at(0)->getAdapter(), "");
+  EXPECT_EQ(software.at(1)->getFile(), nullptr);
+  EXPECT_EQ(software.at(1)->getAdapter(), kAdapter);
 }
 
 TEST_F(SoftwareIdentityClass, IsRebuiltAtEachEnumeration) {

@@ -48,6 +48,20 @@ TEST_F(InventoryAgent, LooksForTheFilesOfItsClassesBeforeARequest) {
   EXPECT_EQ(broker.getInstances("Orvex_SoftwareIdentity").count(), 3u);
 }
 
+TEST_F(InventoryAgent, ReadsNoFileUnderARequest) {
+  m_adapters.makeAdapter(test::kAdapter, firmware(2));
+  makeFile("first/a.rom", firmware(3));
+  core::CimBroker& broker = test::brokerWithInventory();
+  const core::LookAhead ahead(broker, {"Orvex_ElementSoftwareIdentity"});
+  EXPECT_THAT(m_log.messages("os::readFile"), testing::Not(testing::IsEmpty()));
+  m_log.clear();
+
+  auto related = broker.getInstances("Orvex_ElementSoftwareIdentity");
+  EXPECT_EQ(related.count(), 3u);
+  EXPECT_EQ(related.first()->getProperty("Comparison")->toString(), "newer");
+  EXPECT_THAT(m_log.messages("os::readFile"), testing::IsEmpty());
+}
+
 TEST_F(InventoryAgent, ListsWhatWasLastFoundUnderARequest) {
   core::CimBroker& broker = test::brokerWithInventory();
   makeFile("first/a.rom", firmware(1));

@@ -20,6 +20,7 @@ namespace {
 using ma::BootType;
 using ma::compareFlashImage;
 using ma::describeFlashImage;
+using ma::digestAdapter;
 using ma::enumerateAdapters;
 using ma::FlashImageInfo;
 using ma::getAdapterFirmwareVersion;
@@ -290,6 +291,30 @@ TEST_F(MidApi, ComparesAFileWithTheFlash) {
   EXPECT_EQ(compare(installed), ImageComparison::SameContent);
   m_adapters.set(kPci, "/updatable", "false");
   EXPECT_EQ(compare(installed), ImageComparison::NotUpdatable);
+}
+
+TEST_F(MidApi, HasADigestOfAllThatAComparisonDependsOn) {
+  const std::uint64_t before = digestAdapter(kPort);
+  EXPECT_NE(before, 0u);
+  EXPECT_EQ(digestAdapter(kSibling), before);
+  EXPECT_TRUE(setBootType(kPort, BootType::Uefi));
+  EXPECT_EQ(digestAdapter(kPort), before);
+  EXPECT_EQ(digestAdapter("0000:09:00.0"), 0u);
+
+  std::set<std::uint64_t> digests{before};
+  for (const char* const fact : {"/vendorId", "/deviceId"}) {
+    for (const char* const value : {"\"0001\"", "\"0100\""}) {
+      const std::string old = m_adapters.get(kPci, fact);
+      m_adapters.set(kPci, fact, value);
+      EXPECT_TRUE(digests.insert(digestAdapter(kPort)).second) << fact << value;
+      m_adapters.set(kPci, fact, old);
+    }
+  }
+  m_adapters.set(kPci, "/updatable", "false");
+  EXPECT_TRUE(digests.insert(digestAdapter(kPort)).second);
+  m_adapters.set(kPci, "/updatable", "true");
+  m_adapters.makeAdapter(kPci, RomBuilder().add(pxe(2).seed(9)).add(uefi(2)).build());
+  EXPECT_TRUE(digests.insert(digestAdapter(kPort)).second);
 }
 
 TEST_F(MidApi, ComparesWithoutATraceInTheProgress) {
