@@ -117,7 +117,9 @@ class Copy:
                    "--ro-bind", self.place, self.root, *self._process_of_its_own(folder)]
         if os.geteuid() == 0:
             machine += ["--cap-add", "ALL"]  # some tests become other users
-        return self._run(machine, ["prlimit", f"--data={MOST_BYTES}", *command], seconds,
+        # Programs in the background may have been started without these signals, which tests send.
+        wrapped = ["env", "--default-signal=HUP,INT,QUIT", "prlimit", f"--data={MOST_BYTES}", *command]
+        return self._run(machine, wrapped, seconds,
                          dict(os.environ, GTEST_FAIL_FAST="1", GTEST_COLOR="no", **environment))
 
     def _workshop(self):
