@@ -14,7 +14,8 @@ LEAST_FREE = 1 << 30  # bytes of the disk: a build tree has about as many
 MOST_BYTES = 4 << 30  # of one process: an endless loop that allocates must not take the machine's memory
 TREE = "build/dev"
 # What a test leaves must not meet the next one, and one machine's flash lock is not that of another.
-_OWN_PLACES = ("--perms", "1777", "--tmpfs", "/tmp", "--tmpfs", "/run", "--unshare-net", "--unshare-ipc")
+_OWN_PLACES = ("--perms", "1777", "--tmpfs", "/tmp", "--tmpfs", "/run", "--perms", "1777", "--dir", "/run/lock",
+               "--unshare-net", "--unshare-ipc")
 
 
 class CannotRun(Exception):
