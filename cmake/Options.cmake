@@ -2,6 +2,7 @@
 
 option(QUORVEL_BENCHMARKS "Build the benchmark programs" OFF)
 option(QUORVEL_FUZZ "Build the programs that libFuzzer drives; needs clang" OFF)
+option(QUORVEL_WHOLE_SUITES "Make one test of ctest of a suite, not of each case" OFF)
 set(QUORVEL_SANITIZE "" CACHE STRING "Value for -fsanitize, for example address,undefined")
 
 # The folder of the platform's definitions, beside the portable files of a folder.

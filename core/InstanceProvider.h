@@ -52,6 +52,7 @@ class ORVEX_CORE_API InstanceProvider : public CimClass, protected InstanceSourc
   [[nodiscard]] InstanceList::Iterator getInstances() override;
 
  protected:
+  // For refresh(), during which the enumeration is held; elsewhere the lock of the list has to do.
   [[nodiscard]] InstanceList& instances() { return m_instances; }
   // Takes an instance out that the caller owns from then on. Waits for an enumeration on another
   // thread, which may have come upon it.
@@ -64,7 +65,7 @@ class ORVEX_CORE_API InstanceProvider : public CimClass, protected InstanceSourc
   const std::string m_className;
   const EnumerationLog m_log;
   utils::Mutex m_enumeration;  // held while the instances are brought up to date
-  InstanceList m_instances;
+  InstanceList m_instances ORVEX_GUARDED_BY(m_enumeration);
 };
 
 // The provider of a class with one instance, which is made by the first enumeration and then kept.

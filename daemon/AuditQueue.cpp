@@ -80,6 +80,12 @@ AuditQueue::AuditQueue(AuditSink& sink, FindAction findAction, Limits limits)
       m_thread([this] { run(); }) {}
 
 AuditQueue::~AuditQueue() {
+  beginFarewell();
+  m_thread.join();
+  writeRestElsewhere();
+}
+
+void AuditQueue::beginFarewell() {
   {
     const platform::Lock lock(m_mutex);
     for (Limit* const limit : {&m_limit, &m_loginLimit}) {
@@ -93,7 +99,9 @@ AuditQueue::~AuditQueue() {
     m_end = Clock::now() + m_limits.farewell;
   }
   m_changed.notify_all();
-  m_thread.join();
+}
+
+void AuditQueue::writeRestElsewhere() {
   const platform::Lock lock(m_mutex);
   for (const wbem::AuditRecord& record : m_waiting) {
     m_sink.writeElsewhere(record);

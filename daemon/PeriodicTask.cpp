@@ -17,12 +17,16 @@ PeriodicTask::PeriodicTask(std::chrono::milliseconds period, std::function<void(
     : m_period(period), m_task(std::move(task)), m_thread([this] { run(); }) {}
 
 PeriodicTask::~PeriodicTask() {
+  end();
+  m_thread.join();
+}
+
+void PeriodicTask::end() {
   {
     const platform::Lock lock(m_mutex);
     m_isOver = true;
   }
   m_changed.notify_all();
-  m_thread.join();
 }
 
 void PeriodicTask::run() {

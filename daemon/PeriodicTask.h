@@ -24,6 +24,8 @@ class PeriodicTask {
   ~PeriodicTask();
 
  private:
+  // Of the destructor, in which the compiler does not look for locks.
+  void end();
   void run();
   void logOnce(const char* text) noexcept;
   // Returns false when it is over.

@@ -16,12 +16,16 @@ RunningJobs::RunningJobs(Count count, Clock clock, std::chrono::milliseconds pat
       m_thread([this] { run(); }) {}
 
 RunningJobs::~RunningJobs() {
+  end();
+  m_thread.join();
+}
+
+void RunningJobs::end() {
   {
     const platform::Lock lock(m_mutex);
     m_isOver = true;
   }
   m_changed.notify_all();
-  m_thread.join();
 }
 
 std::optional<unsigned> RunningJobs::get() {

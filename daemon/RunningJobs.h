@@ -37,6 +37,8 @@ class RunningJobs {
   [[nodiscard]] std::optional<unsigned> get();
 
  private:
+  // Of the destructor, in which the compiler does not look for locks.
+  void end();
   void run();
   // Returns false when it is over.
   [[nodiscard]] bool waitForWish();

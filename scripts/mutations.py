@@ -14,12 +14,17 @@ _BINARY = re.compile(r"(?<=[\w)\]}'\"]) (==|!=|<=|>=|<|>|&&|\|\||\+|-|\+=|-=) (?
 _CONDITION = re.compile(r"\b(?:if|while) \(")
 _NOT = re.compile(r"(?<=[ (])!(?=[\w(])")
 _NUMBER = re.compile(r"(?<![\w.'])(?:0x[0-9a-fA-F']+|[0-9][0-9']*)(?=[uUlLzZ]*(?![\w.']))|\b(?:true|false)\b")
-_RETURN = re.compile(r"\breturn (?!\{\};|\*this;)([^;]+);")
+# A literal that is empty itself is left alone.
+_RETURN = re.compile(r"\breturn (?!(?:\{\}|\*this|false|0|nullptr|std::nullopt);)([^;]+);")
 _LOCK = re.compile(r"^[ ]+const (?:utils::ScopedLock|platform::Lock|ScopedLock) \w+[({][^;]*;", re.MULTILINE)
 # An expression that stands as a statement of its own: no blank before its first parenthesis, where a
 # declaration has one and so have if, while and return.
 _CALL = re.compile(r"(?<=[;{}]\n)[ ]+(?!static_cast<void>|ORVEX_|QUORVEL_)[A-Za-z_][\w:]*(?:(?:\.|->)\w+|\[[^\]\n]*\]|\(\)(?:\.|->)\w+)*"
                    r"\([^;{}]*\);")
+# Stands before a source that was changed: a warning is no refusal, but for what the analysis of locks says. Lines
+# keep their numbers.
+WARNINGS = ('#pragma clang diagnostic ignored "-Weverything"\n'
+            '#pragma clang diagnostic error "-Wthread-safety"\n#line 1\n')
 
 
 @dataclasses.dataclass(frozen=True)

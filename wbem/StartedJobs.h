@@ -38,8 +38,8 @@ class StartedJobs {
 
   // Returns how the job ended; empty while it runs. The caller holds the broker's request.
   [[nodiscard]] std::string findEnd(const Job& job);
-  [[nodiscard]] std::vector<Job> getJobs();
-  void forget(const std::string& path);
+  [[nodiscard]] std::vector<Job> getJobs() ORVEX_REQUIRES(m_recordMutex);
+  void forget(const std::string& path) ORVEX_REQUIRES(m_recordMutex);
 
   core::CimBroker& m_broker;
   Audit& m_audit;

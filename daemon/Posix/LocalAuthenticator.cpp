@@ -36,8 +36,7 @@ class LocalAuthenticator::Place {
   Place& operator=(const Place&) = delete;
   ~Place() {
     if (m_isTaken) {
-      const platform::Lock lock(m_line.m_mutex);
-      m_line.m_inLine.erase(m_line.m_inLine.find(m_user));
+      leave(m_line, m_user);
     }
   }
 
@@ -52,6 +51,11 @@ class LocalAuthenticator::Place {
     line.m_inLine.insert(user);
     return true;
   }
+  // Not in the destructor, in which the compiler does not look for locks.
+  static void leave(LocalAuthenticator& line, std::uint32_t user) {
+    const platform::Lock lock(line.m_mutex);
+    line.m_inLine.erase(line.m_inLine.find(user));
+  }
 
   LocalAuthenticator& m_line;
   const std::uint32_t m_user;
@@ -65,15 +69,18 @@ class LocalAuthenticator::Question {
   Question(LocalAuthenticator& asker, std::uint32_t user) : m_asker(asker), m_user(user) {}
   Question(const Question&) = delete;
   Question& operator=(const Question&) = delete;
-  ~Question() {
-    {
-      const platform::Lock lock(m_asker.m_mutex);
-      m_asker.m_asked.erase(m_user);
-    }
-    m_asker.m_answered.notify_all();
-  }
+  ~Question() { end(m_asker, m_user); }
 
  private:
+  // Not in the destructor, in which the compiler does not look for locks.
+  static void end(LocalAuthenticator& asker, std::uint32_t user) {
+    {
+      const platform::Lock lock(asker.m_mutex);
+      asker.m_asked.erase(user);
+    }
+    asker.m_answered.notify_all();
+  }
+
   LocalAuthenticator& m_asker;
   const std::uint32_t m_user;
 };

@@ -37,8 +37,8 @@ class PamAuthenticator final : public Authenticator {
 
  private:
   const Roles m_roles;
-  const Verify m_verify;
   utils::Mutex m_lock;  // modules of PAM need not bear several threads
+  const Verify m_verify ORVEX_GUARDED_BY(m_lock);
 };
 
 // Asks PAM: the password is given once, every other question is left unanswered, and no time is let

@@ -333,6 +333,7 @@ TEST_F(AuditQueueTest, TellsHowManyFailuresTheCountsStoodForThatItCouldNotKeep) 
 }
 
 TEST_F(AuditQueueTest, TellsInTheEndHowManyFailuresItCannotCountByTheirKinds) {
+  shortenFarewell();
   for (unsigned i = 0; i < AuditQueue::kMostOfAKind + 3; ++i) {
     m_queue->write(recordOf("Try", "5"));
   }

@@ -147,6 +147,14 @@ TEST_F(DaemonConfigTest, RefusesWhatCannotBeUsedAndSaysWhereAndWhatToDo) {
   expectRefused("idle-timeout = 86401", "idle-timeout: '86401' is no whole number from 1 to 86400");
 }
 
+TEST_F(DaemonConfigTest, ReadsAFileOfAMegabyteAndNothingLarger) {
+  const std::string content(1024UL * 1024, '\n');
+  EXPECT_NO_THROW(static_cast<void>(quorveld::readDaemonConfig(write(content))));
+  const std::string path = write(content + '\n');
+  EXPECT_THAT([&path] { static_cast<void>(quorveld::readDaemonConfig(path)); },
+              ThrowsExactly<ConfigurationFault>(HasSubstr("is longer than 1048576 bytes")));
+}
+
 TEST_F(DaemonConfigTest, RefusesASettingThatIsMadeTwice) {
   const std::string path = write("log-level = 1\nlog-level = 1\n");
   EXPECT_THAT(

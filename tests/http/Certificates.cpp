@@ -30,8 +30,8 @@ File openFile(const std::string& path) {
   return file;
 }
 
-Key makeKey() {
-  Key key(EVP_EC_gen("P-256"), &EVP_PKEY_free);
+Key makeKey(const char* curve = "P-256") {
+  Key key(EVP_EC_gen(curve), &EVP_PKEY_free);
   check(key != nullptr, "make a key");
   return key;
 }
@@ -117,6 +117,13 @@ Certificates::Certificates() {
   writeServer(certificateFile(), {"localhost", kOwnNames, -1, 30});
   writeServer(otherNameFile(), {"elsewhere.example", "DNS:elsewhere.example", -1, 30});
   writeServer(expiredFile(), {"localhost", kOwnNames, -2, -1});
+
+  const Key weakKey = makeKey("secp112r1");
+  const Certificate weak =
+      makeCertificate({"Weak authority", nullptr, -1, 30}, weakKey.get(), nullptr, weakKey.get());
+  const Certificate server = makeCertificate({"localhost", kOwnNames, -1, 30}, key.get(),
+                                             authority.get(), authorityKey.get());
+  writeCertificates(weakChainFile(), {server.get(), weak.get()});
 
   const Key strangerKey = makeKey();
   const Certificate stranger = makeCertificate({"Test stranger", nullptr, -1, 30},

@@ -25,6 +25,8 @@ class Certificates {
   [[nodiscard]] std::string otherNameFile() const { return file("other-name.pem"); }
   // Was good for a day, two days ago.
   [[nodiscard]] std::string expiredFile() const { return file("expired.pem"); }
+  // With an authority behind it whose key is too short to be trusted.
+  [[nodiscard]] std::string weakChainFile() const { return file("weak-chain.pem"); }
   // An authority and a key that nobody else knows.
   [[nodiscard]] std::string strangerFile() const { return file("stranger.pem"); }
   [[nodiscard]] std::string strangerKeyFile() const { return file("stranger.key"); }

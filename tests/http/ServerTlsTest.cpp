@@ -80,6 +80,11 @@ TEST_F(ServerTlsTest, NamesACertificateBehindWhichThereIsNone) {
   expectFault([&] { make(broken, m_key); }, broken, "PEM");
 }
 
+TEST_F(ServerTlsTest, NamesAnAuthorityInTheChainWhoseKeyIsTooShort) {
+  expectFault([&] { make(m_files.weakChainFile(), m_key); }, m_files.weakChainFile(),
+              "ca key too small");
+}
+
 TEST_F(ServerTlsTest, SendsTheChainBehindTheCertificate) {
   boost::asio::ssl::context context = makeServerTls(m_certificate, m_key);
   STACK_OF(X509)* chain = nullptr;

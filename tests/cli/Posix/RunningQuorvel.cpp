@@ -110,6 +110,12 @@ void RunningQuorvel::signal(int number) const {
   demand(kill(m_process, number), "kill");
 }
 
+std::filesystem::path RunningQuorvel::openFile(int number) const {
+  std::error_code error;
+  return std::filesystem::read_symlink(
+      "/proc/" + std::to_string(m_process) + "/fd/" + std::to_string(number), error);
+}
+
 void RunningQuorvel::abandonOutput() {
   closeEnd(m_output);
 }

@@ -4,6 +4,7 @@
 #ifndef ORVEX_TESTS_CLI_POSIX_RUNNINGQUORVEL_H_
 #define ORVEX_TESTS_CLI_POSIX_RUNNINGQUORVEL_H_
 
+#include <filesystem>
 #include <string>
 #include <sys/types.h>
 #include <vector>
@@ -38,6 +39,8 @@ class RunningQuorvel {
   [[nodiscard]] const std::string& output() const { return m_result.output; }
 
   void signal(int number) const;
+  // What the process has open under a number; empty for nothing.
+  [[nodiscard]] std::filesystem::path openFile(int number) const;
   // Stops reading its output, as a pager that is left does.
   void abandonOutput();
 

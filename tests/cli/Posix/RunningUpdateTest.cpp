@@ -4,6 +4,7 @@
 #include <csignal>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <unistd.h>
 
 #include "Os/Posix/LockFile.h"
 #include "Os/Posix/PosixOSLocker.h"
@@ -94,6 +95,16 @@ TEST_F(RunningUpdateTest, EndsWithoutAWriteWhenItIsInterruptedWhileItWaitsForThe
   EXPECT_EQ(flash(), old);
   EXPECT_EQ(run({"update", kPort, rom}).exitStatus, 0);
   EXPECT_EQ(flash(), test::readBytes(rom));
+}
+
+// What it says must not get into a file that it opens.
+TEST_F(RunningUpdateTest, OpensNoFileInThePlaceOfAStreamThatIsMissing) {
+  addPxeAdapter(kAdapter);
+  const std::string rom = writeRom("new.rom", {pxe(3)});
+  const OtherUpdater other;
+  const RunningQuorvel quorvel({"update", kPort, rom}, OutputTo::Nowhere, environment());
+  EXPECT_TRUE(
+      test::waitUntil([&quorvel] { return quorvel.openFile(STDOUT_FILENO) == "/dev/null"; }));
 }
 
 TEST_F(RunningUpdateTest, GoesOnWaitingForTheFlashWhenItIsToStop) {

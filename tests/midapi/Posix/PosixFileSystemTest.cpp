@@ -1,3 +1,4 @@
+#include <cerrno>
 #include <cstdint>
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -26,6 +27,9 @@ using testing::HasSubstr;
 // Called once, before the library's next look at a file or folder; set and called by one thread.
 std::function<void()> s_beforeLook;  // NOLINT(cert-err58-cpp)
 
+// While it is set, no folder can be synchronised.
+bool s_isDiskBroken = false;
+
 template <class Function, class... Arguments>
 int look(Function*, const char* name, Arguments... arguments) {
   if (const auto act = std::exchange(s_beforeLook, nullptr)) {
@@ -43,6 +47,13 @@ extern "C" int stat(const char* path, struct stat* state) noexcept {
 }
 extern "C" int fstat(int file, struct stat* state) noexcept {
   return look(&fstat, "fstat", file, state);
+}
+extern "C" int fsync(int file) {
+  if (s_isDiskBroken) {
+    errno = EIO;
+    return -1;
+  }
+  return reinterpret_cast<decltype(&fsync)>(dlsym(RTLD_NEXT, "fsync"))(file);
 }
 // NOLINTEND(readability-inconsistent-declaration-parameter-name)
 
@@ -179,6 +190,13 @@ TEST_F(PosixFileSystemTest, SaysWhetherLinksStandBesideFolders) {
   EXPECT_FALSE(nativeFileSystem().folders(m_directory.path()).hasLinks);
   std::filesystem::create_symlink("none", m_directory.path() / "link");
   EXPECT_TRUE(nativeFileSystem().folders(m_directory.path()).hasLinks);
+}
+
+TEST_F(PosixFileSystemTest, NamesTheFolderThatCannotBeSynchronised) {
+  s_isDiskBroken = true;
+  const std::string fault = faultOf([this] { nativeFileSystem().syncFolder(m_directory.path()); });
+  s_isDiskBroken = false;
+  EXPECT_THAT(fault, HasSubstr(m_directory.path().string() + ": Input/output error"));
 }
 
 TEST_F(PosixFileSystemTest, RefusesADevice) {
