@@ -3,11 +3,11 @@
 #include <condition_variable>
 #include <exception>
 #include <set>
-#include <system_error>
-#include <thread>
+#include <typeinfo>
 #include <utility>
 
 #include "Os/FilePlace.h"
+#include "Os/NativeThread.h"
 #include "platform/Mutex.h"
 
 namespace os {
@@ -49,15 +49,19 @@ struct FileCalls::Call {
 };
 
 bool FileCalls::Call::start(const std::shared_ptr<Call>& self) {
-  // The thread needs the lock to end: one that ends while it is being detached has been seen to
-  // hang, on Windows.
-  const platform::Lock lock(mutex);
-  try {
-    std::thread([self] { self->perform(); }).detach();
-    return true;
-  } catch (const std::system_error&) {
+  using Self = std::shared_ptr<Call>;
+  auto argument = std::make_unique<Self>(self);
+  const auto enter = [](void* call) {
+    const std::unique_ptr<Self> own(static_cast<Self*>(call));
+    (*own)->perform();
+  };
+  // What is called is code of a module that may be unloaded while the call is away: that which
+  // knows its type.
+  if (NativeThread::startAlone(enter, argument.get(), &run.target_type()) != 0) {
     return false;
   }
+  static_cast<void>(argument.release());
+  return true;
 }
 
 void FileCalls::Call::perform() {

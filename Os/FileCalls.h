@@ -2,7 +2,8 @@
 //
 // A network file system whose server is gone, or one that a program serves that hangs, holds a call
 // for as long as it likes, and with it whoever waits. Each call runs on a thread of its own here,
-// which alone stays behind then. Any thread may call.
+// which alone stays behind then. On Windows the module of the call stays loaded until it has ended.
+// Any thread may call.
 
 #ifndef ORVEX_OS_FILECALLS_H_
 #define ORVEX_OS_FILECALLS_H_

@@ -1,4 +1,5 @@
-// The thread of the platform that utils::Thread starts and waits for. Defined per platform.
+// The threads of the platform: that which utils::Thread starts and waits for, and those that nobody
+// waits for. Defined per platform.
 //
 // Constructed (no thread), start() once, join() once. Whoever calls them does so from one thread at
 // a time; hasEnded() may be asked from any.
@@ -31,6 +32,8 @@ class NativeThread {
   // Waits for the end of the thread that was started, without limit, and gives its handle back; on
   // the thread itself it does not wait. Returns 0, else the platform's error number.
   [[nodiscard]] int join();
+  // Starts `entry(argument)` on a thread that nobody waits for. Else as start().
+  [[nodiscard]] static int startAlone(Entry entry, void* argument, const void* inModule);
   // Returns whether a thread was started and is no more, even where its entry has not returned:
   // Windows ends all threads but one before the process's objects are destroyed. On POSIX, where
   // a thread lives until its entry has returned, the answer is always false.

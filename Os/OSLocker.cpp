@@ -1,5 +1,6 @@
 #include "Os/OSLocker.h"
 
+#include <exception>
 #include <utility>
 
 #include "Os/QuorvelConfig.h"
@@ -21,8 +22,11 @@ Singleton<os::OSLocker>*& Singleton<os::OSLocker>::slot() {
 namespace os {
 namespace {
 
+// So short that a string has room for it by itself, when there is no memory.
+constexpr const char* kSomebody = "another program";
+
 std::string describe(const std::optional<LockHolder>& holder) {
-  return holder ? holder->toString(std::chrono::steady_clock::now()) : "another program";
+  return holder ? holder->toString(std::chrono::steady_clock::now()) : kSomebody;
 }
 
 // Stands in for a lock that could not be made.
@@ -194,16 +198,27 @@ void OSLocker::noteCandidates(std::string candidates) {
   m_candidates = std::move(candidates);
 }
 
+// What the wait came to stands, whether or not there is memory to say for whom it was.
 std::string OSLocker::endWait(WaitResult result) {
   const platform::Lock lock(m_waitMutex);
-  m_timeoutHolder = result == WaitResult::TimedOut ? describe(m_holder) : std::string();
-  if (!m_timeoutHolder.empty() && !m_candidates.empty()) {
-    m_timeoutHolder += std::string("; ") + utils::refusal::kSemaphoreIsOpenIn + m_candidates;
+  std::string holder;
+  m_timeoutHolder.clear();
+  if (result == WaitResult::TimedOut) {
+    try {
+      holder = describe(m_holder);
+      if (!m_candidates.empty()) {
+        holder += std::string("; ") + utils::refusal::kSemaphoreIsOpenIn + m_candidates;
+      }
+      m_timeoutHolder = holder;
+    } catch (const std::exception&) {
+      holder = kSomebody;
+      m_timeoutHolder = kSomebody;
+    }
   }
   m_isWaiting = false;
   m_holder.reset();
   m_candidates.clear();
-  return m_timeoutHolder;
+  return holder;
 }
 
 std::string OSLocker::describeWait() const {

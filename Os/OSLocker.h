@@ -70,8 +70,8 @@ class ORVEX_CORE_API OSLocker : public utils::Singleton<OSLocker> {
   // or "another program" where that is not known; empty while none waits. Logs nothing.
   [[nodiscard]] static std::string describeAwaited();
   // Returns the same of whom the last Lock() waited for in vain; empty where that had no timeout.
-  // Behind "another program" stand those that may be it, where they are known (see
-  // utils::refusal::kSemaphoreIsOpenIn).
+  // Behind "another program" stand those that may be it, or keep it from being given back by one
+  // that died, where they are known (see utils::refusal::kSemaphoreIsOpenIn).
   [[nodiscard]] static std::string describeTimeout();
   // Returns why the last Lock() answered 1, for a person; empty where it did not, or nobody knows.
   [[nodiscard]] static std::string describeFailure();
@@ -116,7 +116,8 @@ class ORVEX_CORE_API OSLocker : public utils::Singleton<OSLocker> {
   // Notes that the semaphore is had. Returns false where it must not be.
   [[nodiscard]] bool noteHad();
   void forgetFailure();
-  // Returns whom it was in vain for, empty without a timeout.
+  // Returns whom it was in vain for, empty without a timeout; "another program" where there is no
+  // memory for more.
   std::string endWait(WaitResult result);
 
   utils::Mutex m_lock;

@@ -47,8 +47,8 @@ class ORVEX_CORE_API SettingsStore {
 
   // Returns what somebody should mend who wrote the settings, each with its place: lines that are
   // none, names that are not among the known ones, numbers that are none. A bounded number of them.
-  // Windows: values of another type, or too long; names that are not known are none, since the keys
-  // are not this program's alone.
+  // Windows: values of another type or a size that it does not have, or too long; names that are
+  // not known are none, since the keys are not this program's alone.
   [[nodiscard]] std::vector<std::string> findProblems(std::span<const SettingName> known) const;
 
  private:

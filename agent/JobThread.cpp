@@ -10,6 +10,7 @@
 #include "Utils/Assert.h"
 #include "Utils/RefusalTexts.h"
 #include "midapi/MidApi.h"
+#include "platform/StayAwake.h"
 
 namespace {
 
@@ -124,6 +125,8 @@ void JobThread::run() {
 
 bool JobThread::flash() {
   const os::OSLocker::AutoOSLocker flashLock;
+  // Between the writes, too: a machine that was kept awake for long falls asleep at once.
+  const platform::StayAwake awake;
   const std::string target = m_job->getTarget();
   const std::vector<utils::FirmwareType> types = m_job->getTargetTypes();
   // Boot types that are taken away before a write that fails are put back with its end.

@@ -24,8 +24,8 @@ enum LoadReason : std::uint32_t {
 core::SoftwareUpdateAgent* RegisterSoftwareUpdateAgent();
 
 // Adds the agent to the broker when the process attaches, and does nothing for any other reason.
-// Always returns 1; throws what building the agent throws. On Windows the loader calls it (its name
-// and linkage are fixed there) and fails to load a module whose call throws.
+// Always returns 1; throws what building the agent throws. On Windows the runtime calls it (its
+// name and linkage are fixed there), and a module whose call throws is not loaded.
 extern "C" std::int32_t DllMain(void* module, std::uint32_t reason, void* reserved);
 
 #endif  // ORVEX_AGENT_MAINDLLENTRY_H_

@@ -1,5 +1,7 @@
 #include "agent/TargetInProgress.h"
 
+#include <utility>
+
 #include "Utils/Mutex.h"
 
 namespace agent {
@@ -10,10 +12,15 @@ struct State {
   std::string target ORVEX_GUARDED_BY(mutex);
 };
 
+State* s_state = nullptr;  // for dropTargetInProgress()
+
 State& state() {
-  // Never destroyed: jobs that end with the process still clear the name.
-  static auto* state = new State;
-  return *state;
+  // Not destroyed with the process: jobs that end with it still clear the name.
+  static State& state = *[] {
+    s_state = new State;
+    return s_state;
+  }();
+  return state;
 }
 
 }  // namespace
@@ -31,6 +38,10 @@ void setTargetInProgress(const std::string& target) {
 void clearTargetInProgress() noexcept {
   const utils::ScopedLock lock(state().mutex);
   state().target.clear();
+}
+
+void dropTargetInProgress() noexcept {
+  delete std::exchange(s_state, nullptr);
 }
 
 }  // namespace agent

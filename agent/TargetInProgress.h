@@ -15,6 +15,10 @@ namespace agent {
 void setTargetInProgress(const std::string& target);
 void clearTargetInProgress() noexcept;
 
+// Gives back what the name has of the system, for a module that is unloaded from a process that
+// goes on: nothing of the above may be called any more.
+void dropTargetInProgress() noexcept;
+
 // Holds the name in progress from image checking to the end of the job, or to the refusal.
 class TargetReservation {
  public:

@@ -4,7 +4,8 @@
 // paths of Os/Files.h are texts in the ANSI code page; std::filesystem would take their bytes for
 // characters, and gives out UTF-8, as the descriptions of adapters do. So every text that names a
 // file becomes a path here, and every path a text. What the code page lacks appears as a likeness
-// or a question mark, unless an operation says otherwise. Any thread may call.
+// or a question mark, unless an operation says otherwise. Any thread may call. Where the system
+// cannot convert a text (one of 2 GiB, say), Windows throws std::system_error.
 
 #ifndef ORVEX_PLATFORM_TEXTS_H_
 #define ORVEX_PLATFORM_TEXTS_H_

@@ -147,6 +147,10 @@ OS_MACROS = (
     "__unix__", "__unix", "__APPLE__", "__MACH__", "__FreeBSD__", "__ANDROID__", "_POSIX_VERSION",
 )
 
+# Calls of Windows that return nothing.
+WITHOUT_RESULT = ("AcquireSRWLockExclusive", "FreeLibraryAndExitThread", "OutputDebugStringA",
+                  "ReleaseSRWLockExclusive")
+
 FILE_LENGTH_WARNING = 500
 FILE_LENGTH_FAULT = 1000
 
@@ -173,6 +177,7 @@ RULES = {
     "include-circle": "no two units of a folder include each other in a circle",
     "namespace": "a file's namespace says the folder that it stands in",
     "plain-mutex": "mutexes are annotated, so that the compiler sees what they guard",
+    "system-call": "what Windows returns is looked at, or dropped on purpose",
     "using-namespace": "no using-directive in a header",
     "catch-all": "catch-alls only at the listed boundaries",
     "sleep-in-test": "tests wait for conditions, never for time",

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <new>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
@@ -45,10 +46,14 @@ OSLocker::WaitResult OSLockerPosix::waitForSemaphore(std::uint32_t milliseconds)
   bool hasWaited = false;
   try {
     while (!m_file.tryLock(m_clock.now())) {
-      noteWait(m_file.readHolder());
-      if (!std::exchange(hasWaited, true)) {
-        utils::logDebug(kSource, kFunction, "Waiting for the flash lock, which is held by %s",
-                        describeWait().c_str());
+      try {
+        noteWait(m_file.readHolder());
+        if (!std::exchange(hasWaited, true)) {
+          utils::logDebug(kSource, kFunction, "Waiting for the flash lock, which is held by %s",
+                          describeWait().c_str());
+        }
+      } catch (const std::bad_alloc&) {
+        noteWait(std::nullopt);  // that somebody holds it needs no memory
       }
       const Clock::Duration left = deadline - m_clock.now();
       if (left <= Clock::Duration::zero() || isGivenUp()) {

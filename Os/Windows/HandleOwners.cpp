@@ -85,6 +85,9 @@ class Comparison {
     }
   }
 
+  // Returns whether the table has the own handle, without which no other is the same.
+  [[nodiscard]] bool isKnown() const { return m_isKnown; }
+
   bool isSame(const TableEntry& entry) {
     if (!m_isKnown || entry.type != m_own.type) {
       return false;
@@ -147,9 +150,12 @@ std::string HandleOwner::toString() const {
   return program.empty() ? number : program + ", " + number;
 }
 
-std::vector<HandleOwner> findOtherOwners(void* handle) {
+std::vector<HandleOwner> findOwners(void* handle) {
   const std::vector<TableEntry> table = readTable();
   Comparison comparison(handle, table);
+  if (!comparison.isKnown()) {
+    return {};
+  }
   std::set<DWORD> processes;
   for (const TableEntry& entry : table) {
     const auto process = static_cast<DWORD>(entry.process);
@@ -158,14 +164,15 @@ std::vector<HandleOwner> findOtherOwners(void* handle) {
       processes.insert(process);
     }
   }
-  if (processes.empty()) {
-    return {};
+  std::map<DWORD, std::string> names;
+  if (!processes.empty()) {
+    names = programNames();
   }
-  std::map<DWORD, std::string> names = programNames();
   std::vector<HandleOwner> owners;
   for (const DWORD process : processes) {
     owners.push_back({names[process], process});
   }
+  owners.push_back({"this program", GetCurrentProcessId()});
   return owners;
 }
 

@@ -12,17 +12,20 @@
 namespace os {
 
 struct HandleOwner {
-  std::string program;  // the name of its file; empty where the system does not tell
+  // The name of its file, or "this program" for the one that asks; empty where the system does not
+  // tell.
+  std::string program;
   std::uint32_t process = 0;
 
   // Returns for example "host.exe, process 4711".
   [[nodiscard]] ORVEX_CORE_API std::string toString() const;
 };
 
-// Returns the other processes that have the object open behind this handle of the process, the
-// lowest number first. Looks at all handles of the machine, which takes a moment; what the system
-// does not show to this user is missing. Any thread may call.
-[[nodiscard]] ORVEX_CORE_API std::vector<HandleOwner> findOtherOwners(void* handle);
+// Returns the processes that have the object open behind this handle of the process: the others,
+// the lowest number first, and then this one. Looks at all handles of the machine, which takes a
+// moment; what the system does not show to this user is missing, and where it shows nothing, all
+// are. Any thread may call.
+[[nodiscard]] ORVEX_CORE_API std::vector<HandleOwner> findOwners(void* handle);
 
 }  // namespace os
 

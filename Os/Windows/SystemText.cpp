@@ -10,7 +10,7 @@ namespace {
 constexpr std::string_view kSubjectMark = "%1";
 
 struct LocalMemory {
-  void operator()(char* text) const { LocalFree(text); }
+  void operator()(char* text) const { static_cast<void>(LocalFree(text)); }  // else it stays
 };
 
 }  // namespace

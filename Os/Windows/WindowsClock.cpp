@@ -7,7 +7,7 @@ namespace utils {
 
 std::uint64_t currentMicroseconds() {
   struct __timeb64 now {};
-  _ftime64_s(&now);
+  static_cast<void>(_ftime64_s(&now));  // it fails for a null pointer alone
   return (static_cast<std::uint64_t>(now.time) * 1000 + now.millitm) * 1000;
 }
 

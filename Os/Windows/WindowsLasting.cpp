@@ -2,6 +2,7 @@
 #include <cstddef>
 #include <windows.h>
 
+#include "Os/Windows/LateRecords.h"
 #include "Utils/Lasting.h"
 #include "platform/Mutex.h"
 
@@ -46,6 +47,7 @@ extern "C" BOOL WINAPI DllMain(HANDLE /*module*/, DWORD reason, LPVOID reserved)
     for (auto* destroy = takeLast(); destroy != nullptr; destroy = takeLast()) {
       destroy();
     }
+    os::abandonRecords();
   }
   return TRUE;
 }

@@ -1,3 +1,4 @@
+#include <cstddef>
 #include <cstdio>
 #include <new>
 #include <windows.h>
@@ -69,9 +70,11 @@ class WindowsLogSinks : public LogSinks {
 }  // namespace
 
 LogSinks& platformLogSinks() {
-  // Never destroyed: objects that are destroyed at the end of the process still log.
-  static auto* sinks = new WindowsLogSinks;
-  return *sinks;
+  // Never destroyed: objects that are destroyed at the end of the process still log. Whoever logs
+  // first may have no memory.
+  alignas(WindowsLogSinks) static std::byte place[sizeof(WindowsLogSinks)];
+  static LogSinks& sinks = *new (place) WindowsLogSinks;
+  return sinks;
 }
 
 }  // namespace utils

@@ -1,5 +1,6 @@
 #include "Os/Windows/WindowsOSLocker.h"
 
+#include <exception>
 #include <windows.h>
 
 #include "Os/Windows/HandleOwners.h"
@@ -29,13 +30,18 @@ platform::Handle createSemaphore() {
 }
 
 // Returns those who may have it. One who has died is none of them, and yet has it for as long as
-// others keep the semaphore open.
-std::string describeOwners(void* semaphore) {
-  std::string text;
-  for (const HandleOwner& owner : findOtherOwners(semaphore)) {
-    text += (text.empty() ? "" : "; ") + owner.toString();
+// others keep the semaphore open; this process is one that does. Returns none where there is no
+// memory for the machine's handles.
+std::string describeOwners(void* semaphore) noexcept {
+  try {
+    std::string text;
+    for (const HandleOwner& owner : findOwners(semaphore)) {
+      text += (text.empty() ? "" : "; ") + owner.toString();
+    }
+    return text;
+  } catch (const std::exception&) {
+    return {};
   }
-  return text;
 }
 
 }  // namespace

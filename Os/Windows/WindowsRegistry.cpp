@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include "Utils/Log.h"
+#include "platform/Texts.h"
 
 namespace utils {
 
@@ -83,6 +84,7 @@ bool query(WindowsRegistry& registry, WindowsRegistry::Hive hive, const std::str
 
 // The names that an enumeration function of the registry gives for 0, 1, 2, ... `longest` counts
 // UTF-16 units; in a code page of several bytes for a character, up to kBytesOfUnit stand for one.
+// What somebody removes meanwhile is left out.
 template <class Enumerate>
 std::vector<std::string> collect(DWORD count, DWORD longest, Enumerate enumerate) {
   std::vector<std::string> names;
@@ -109,7 +111,7 @@ bool WindowsRegistry::openKey(Hive hive, const std::string& path, std::uint32_t 
 }
 
 void WindowsRegistry::closeKey(Handle key) {
-  RegCloseKey(static_cast<HKEY>(key));
+  static_cast<void>(RegCloseKey(static_cast<HKEY>(key)));  // what was read or written stands
 }
 
 bool WindowsRegistry::getRegistryData(Hive hive, const std::string& path, ValueType type,
@@ -143,11 +145,15 @@ std::optional<WindowsRegistry::ValueFacts> WindowsRegistry::findValue(Hive hive,
   const Key key = openToRead(*this, hive, path);
   DWORD type = REG_NONE;
   DWORD size = 0;
-  if (!key.isOpen() || RegQueryValueExA(key.handle(), name.c_str(), nullptr, &type, nullptr,
-                                        &size) != ERROR_SUCCESS) {
+  DWORD storedSize = 0;
+  if (!key.isOpen() ||
+      RegQueryValueExA(key.handle(), name.c_str(), nullptr, &type, nullptr, &size) !=
+          ERROR_SUCCESS ||
+      RegQueryValueExW(key.handle(), platform::toPath(name).c_str(), nullptr, nullptr, nullptr,
+                       &storedSize) != ERROR_SUCCESS) {
     return std::nullopt;
   }
-  return ValueFacts{type, size};
+  return ValueFacts{type, size, storedSize};
 }
 
 bool WindowsRegistry::createTextValue(Hive hive, const std::string& path, const std::string& name,

@@ -41,7 +41,8 @@ class ORVEX_CORE_API WindowsRegistry : public AutoSingleton<WindowsRegistry> {
   // What is known of a value before it is read.
   struct ValueFacts {
     ValueType type = 0;
-    std::size_t size = 0;  // bytes
+    std::size_t size = 0;        // bytes, as it is read
+    std::size_t storedSize = 0;  // bytes: a text is stored with two or more for a character
   };
 
   // The most bytes of a value that is read.

@@ -1,4 +1,5 @@
 #include <array>
+#include <optional>
 #include <windows.h>
 
 #include "Os/SettingsStore.h"
@@ -31,16 +32,33 @@ WindowsRegistry::Hive machine() {
   return reinterpret_cast<WindowsRegistry::Hive>(HKEY_LOCAL_MACHINE);
 }
 
+std::optional<WindowsRegistry::ValueFacts> findValue(const SettingName& setting) {
+  return WindowsRegistry::getInstance()->findValue(machine(), std::string(kRoot) + setting.key,
+                                                   setting.name);
+}
+
+// Reading it would make another text of it.
+bool isCut(const WindowsRegistry::ValueFacts& text) {
+  return text.storedSize % sizeof(wchar_t) != 0;
+}
+
 // Returns why a value is passed over that is there, empty where it is not or is read.
 std::string findDefect(const SettingName& setting) {
-  const auto facts = WindowsRegistry::getInstance()->findValue(
-      machine(), std::string(kRoot) + setting.key, setting.name);
+  const auto facts = findValue(setting);
   if (!facts) {
     return "";
   }
   const WindowsRegistry::ValueType needed = setting.isNumber ? REG_DWORD : REG_SZ;
   if (facts->type != needed) {
     return "its type is " + nameOf(facts->type) + "; write it as " + nameOf(needed);
+  }
+  if (setting.isNumber && facts->storedSize != sizeof(std::uint32_t)) {
+    return "its type is " + nameOf(needed) + ", but it has " + std::to_string(facts->storedSize) +
+           " bytes, not 4; write it as " + nameOf(needed) + " again";
+  }
+  if (!setting.isNumber && isCut(*facts)) {
+    return "its type is " + nameOf(needed) + ", but its " + std::to_string(facts->storedSize) +
+           " bytes are no whole characters; write it as " + nameOf(needed) + " again";
   }
   return facts->size > WindowsRegistry::kMaxValueSize
              ? "it has " + std::to_string(facts->size) + " bytes, more than the " +
@@ -74,6 +92,10 @@ bool SettingsStore::read(const SettingName& setting, std::uint32_t& value) const
 }
 
 bool SettingsStore::read(const SettingName& setting, std::string& value) const {
+  const auto facts = findValue(setting);
+  if (facts && isCut(*facts)) {
+    return false;
+  }
   return readValue(setting, REG_SZ, value);
 }
 

@@ -9,12 +9,14 @@ namespace {
 
 constexpr utils::LogSource kLog{"SoftwareInventoryAgent"};
 
+// Made before the agent, and so destroyed after it.
+[[maybe_unused]] const os::LateRecordWriter s_recordWriter;
+
 }  // namespace
 
 extern "C" BOOL WINAPI DllMain(HANDLE /*module*/, DWORD reason, LPVOID /*reserved*/) {
   if (reason == DLL_PROCESS_ATTACH) {
     os::runLoadHook(kLog, os::kNotRegistered, inventory::addSoftwareInventoryAgent);
-    os::writeRecordsSoon();
   }
   return TRUE;
 }

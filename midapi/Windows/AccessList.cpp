@@ -26,7 +26,7 @@ constexpr const wchar_t* kList = L"D:P(A;OICI;FA;;;SY)(A;OICI;FA;;;BA)(A;OICI;0x
 }
 
 struct LocalMemory {
-  void operator()(void* memory) const { LocalFree(memory); }
+  void operator()(void* memory) const { static_cast<void>(LocalFree(memory)); }  // else it stays
 };
 
 // Returns the identifier of the process's user, for example S-1-5-21-1004.
@@ -37,7 +37,8 @@ std::wstring userIdentifier() {
   }
   const platform::Handle owner(token);
   DWORD size = 0;
-  GetTokenInformation(token, TokenUser, nullptr, 0, &size);
+  // Fails, for there is no room, and tells how much it needs.
+  static_cast<void>(GetTokenInformation(token, TokenUser, nullptr, 0, &size));
   std::vector<std::max_align_t> memory(size / sizeof(std::max_align_t) + 1);
   if (GetTokenInformation(token, TokenUser, memory.data(), size, &size) == FALSE) {
     fail("GetTokenInformation");
@@ -95,7 +96,9 @@ std::uint32_t copyAccessList(const fs::path& from, const fs::path& to) {
   const fs::path source = platform::toSystemPath(from);
   const fs::path target = platform::toSystemPath(to);
   DWORD size = 0;
-  GetFileSecurityW(source.c_str(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
+  // Fails, for there is no room, and tells how much it needs; any other failure is that of the
+  // second call, too.
+  static_cast<void>(GetFileSecurityW(source.c_str(), DACL_SECURITY_INFORMATION, nullptr, 0, &size));
   std::vector<std::max_align_t> memory(size / sizeof(std::max_align_t) + 1);
   PSECURITY_DESCRIPTOR const descriptor = memory.data();
   SECURITY_DESCRIPTOR_CONTROL control = 0;

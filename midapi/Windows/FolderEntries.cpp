@@ -19,7 +19,7 @@ class Search {
   Search& operator=(const Search&) = delete;
   ~Search() {
     if (isOpen()) {
-      FindClose(m_handle);
+      static_cast<void>(FindClose(m_handle));  // what was found is true all the same
     }
   }
 

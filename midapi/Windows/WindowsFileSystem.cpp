@@ -389,10 +389,17 @@ fs::path defaultAdaptersDirectory() {
 // Not by the C runtime, whose wide environment may be made from its narrow one.
 fs::path environmentPath(const char* variable) {
   const std::wstring name = fs::path(variable).native();
-  std::wstring value(GetEnvironmentVariableW(name.c_str(), nullptr, 0), L'\0');
-  value.resize(
-      GetEnvironmentVariableW(name.c_str(), value.data(), static_cast<DWORD>(value.size())));
-  return value;
+  std::wstring value;
+  // Somebody may set the variable between the calls. One that is not there has the length 0.
+  for (DWORD size = MAX_PATH; size > value.size();) {
+    value.resize(size);
+    size = GetEnvironmentVariableW(name.c_str(), value.data(), static_cast<DWORD>(value.size()));
+    if (size < value.size()) {
+      value.resize(size);
+      return value;
+    }
+  }
+  return {};
 }
 
 }  // namespace ma

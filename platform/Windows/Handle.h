@@ -21,7 +21,7 @@ class Handle {
   }
   ~Handle() {
     if (isOpen()) {
-      static_cast<void>(close());
+      static_cast<void>(close());  // who has to know of a failure closes it himself
     }
   }
 

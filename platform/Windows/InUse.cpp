@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include "platform/Windows/Handle.h"
 #include "platform/Windows/SystemPath.h"
 
 namespace platform {
@@ -17,7 +18,7 @@ bool isOpenElsewhere(const std::filesystem::path& path) {
   if (file == INVALID_HANDLE_VALUE) {
     return isInUse(GetLastError());
   }
-  CloseHandle(file);
+  const Handle owner(file);
   return false;
 }
 

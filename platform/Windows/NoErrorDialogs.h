@@ -10,16 +10,23 @@ namespace platform {
 
 class NoErrorDialogs {
  public:
-  NoErrorDialogs() {
-    SetThreadErrorMode(GetThreadErrorMode() | SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX,
-                       &m_before);
-  }
+  // A refusal is no reason to do without what somebody might be asked about.
+  NoErrorDialogs()
+      : m_isSet(SetThreadErrorMode(
+                    GetThreadErrorMode() | SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX,
+                    &m_before) != FALSE) {}
   NoErrorDialogs(const NoErrorDialogs&) = delete;
   NoErrorDialogs& operator=(const NoErrorDialogs&) = delete;
-  ~NoErrorDialogs() { SetThreadErrorMode(m_before, nullptr); }
+  ~NoErrorDialogs() {
+    if (m_isSet) {
+      // The system refuses modes that it does not know; it had this one.
+      static_cast<void>(SetThreadErrorMode(m_before, nullptr));
+    }
+  }
 
  private:
   DWORD m_before = 0;
+  const bool m_isSet;
 };
 
 }  // namespace platform

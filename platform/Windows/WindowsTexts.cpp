@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <system_error>
 #include <utility>
 #include <windows.h>
 
@@ -7,20 +8,40 @@
 namespace platform {
 namespace {
 
+// Returns a length that the system gave, which is 0 where it could not convert. An empty text in
+// the place of another one could name another file.
+int demandLength(int length, const char* operation) {
+  if (length <= 0) {
+    throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), operation);
+  }
+  return length;
+}
+
 std::wstring widen(UINT codePage, const std::string& text) {
-  const auto size = static_cast<int>(text.size());
-  const int length = MultiByteToWideChar(codePage, 0, text.data(), size, nullptr, 0);
-  std::wstring wide(static_cast<std::size_t>(length), L'\0');
-  MultiByteToWideChar(codePage, 0, text.data(), size, wide.data(), length);
+  const auto convert = [&](wchar_t* wide, int room) {
+    return demandLength(
+        MultiByteToWideChar(codePage, 0, text.data(), static_cast<int>(text.size()), wide, room),
+        "MultiByteToWideChar");
+  };
+  if (text.empty()) {
+    return {};
+  }
+  std::wstring wide(static_cast<std::size_t>(convert(nullptr, 0)), L'\0');
+  wide.resize(static_cast<std::size_t>(convert(wide.data(), static_cast<int>(wide.size()))));
   return wide;
 }
 
 std::string narrow(UINT codePage, const std::wstring& wide) {
-  const auto size = static_cast<int>(wide.size());
-  const int length =
-      WideCharToMultiByte(codePage, 0, wide.data(), size, nullptr, 0, nullptr, nullptr);
-  std::string text(static_cast<std::size_t>(length), '\0');
-  WideCharToMultiByte(codePage, 0, wide.data(), size, text.data(), length, nullptr, nullptr);
+  const auto convert = [&](char* text, int room) {
+    return demandLength(WideCharToMultiByte(codePage, 0, wide.data(), static_cast<int>(wide.size()),
+                                            text, room, nullptr, nullptr),
+                        "WideCharToMultiByte");
+  };
+  if (wide.empty()) {
+    return {};
+  }
+  std::string text(static_cast<std::size_t>(convert(nullptr, 0)), '\0');
+  text.resize(static_cast<std::size_t>(convert(text.data(), static_cast<int>(text.size()))));
   return text;
 }
 

@@ -1,5 +1,6 @@
 // The flash lock's own rules, over a semaphore that does as the test says.
 
+#include <cerrno>
 #include <chrono>
 #include <functional>
 #include <gmock/gmock.h>
@@ -10,6 +11,7 @@
 #include "Utils/Exception.h"
 #include "Utils/Format.h"
 #include "tests/Os/Platform.h"
+#include "tests/Os/SystemFaults.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Regex.h"
 #include "tests/support/Settings.h"
@@ -150,6 +152,23 @@ TEST_F(OSLockerRules, TellsWhomItWaitedForInVainUntilItLocksAgain) {
   m_locker.answer = FakeLocker::WaitResult::Signalled;
   EXPECT_EQ(m_locker.Lock(), 0);
   EXPECT_EQ(OSLocker::describeTimeout(), "");
+}
+
+TEST_F(OSLockerRules, AnswersThreeWithoutMemoryForWhomItWaitedFor) {
+#ifdef QUORVEL_TEST_THREAD_SANITIZER
+  GTEST_SKIP() << "ThreadSanitizer lets no program have an operator new of its own";
+#endif
+  std::optional<test::FailingCall> noMemory;
+  m_locker.answer = FakeLocker::WaitResult::TimedOut;
+  m_locker.whileWaiting = [&] {
+    m_locker.noteWait(os::LockHolder{"tool", 4711, "root", std::chrono::steady_clock::now()});
+    noMemory.emplace(test::SystemCall::Allocate, ENOMEM);
+  };
+
+  EXPECT_EQ(m_locker.Lock(), 3);
+  noMemory.reset();
+  EXPECT_EQ(OSLocker::describeTimeout(), "another program");
+  EXPECT_EQ(OSLocker::describeAwaited(), "");
 }
 
 TEST_F(OSLockerRules, IsGivenUpByOneWhoWaits) {

@@ -19,6 +19,7 @@
 #include "Os/QuorvelConfig.h"
 #include "Utils/Exception.h"
 #include "Utils/Format.h"
+#include "tests/Os/NoMemoryAfter.h"
 #include "tests/Os/Posix/LockFolder.h"
 #include "tests/Os/SystemFaults.h"
 #include "tests/support/FakeClock.h"
@@ -177,6 +178,21 @@ TEST_F(PosixOSLocker, WaitsForAProgramThatDoesNotTellItsName) {
   EXPECT_EQ(OSLocker::describeAwaited(), "another program");
   other.unlock();
   EXPECT_EQ(result.get(), 0);
+}
+
+TEST_F(PosixOSLocker, WaitsOnWithoutMemoryToTellForWhom) {
+#ifdef QUORVEL_TEST_THREAD_SANITIZER
+  GTEST_SKIP() << "ThreadSanitizer lets no program have an operator new of its own";
+#endif
+  const auto other = startHolder();
+  setTimeout(130);
+  test::FakeClock clock;
+  OSLockerPosix locker(m_folder.path(), clock);
+  const test::NoMemoryAfter noMemory("Waiting for the flash lock, which is held by os_tests");
+
+  EXPECT_EQ(locker.Lock(), 3);
+  EXPECT_EQ(OSLocker::describeAwaited(), "");
+  EXPECT_THAT(OSLocker::describeTimeout(), MatchesRegex("os_tests, process [0-9]+, .*"));
 }
 
 TEST_F(PosixOSLocker, EndsAWaitThatIsGivenUp) {

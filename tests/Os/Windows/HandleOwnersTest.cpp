@@ -10,14 +10,22 @@
 
 namespace {
 
-using os::findOtherOwners;
+using os::findOwners;
 using os::HandleOwner;
 using testing::IsEmpty;
 
-TEST(HandleOwners, AreNoneOfWhatNobodyElseHasOpen) {
+void expectThisAlone(const std::vector<HandleOwner>& owners) {
+  ASSERT_EQ(owners.size(), 1U);
+  EXPECT_EQ(owners[0].toString(), "this program, process " + std::to_string(GetCurrentProcessId()));
+}
+
+TEST(HandleOwners, AreThisProcessAloneOfWhatNobodyElseHasOpen) {
   const platform::Handle event(test::makeEvent());
-  EXPECT_THAT(findOtherOwners(event.get()), IsEmpty());
-  EXPECT_THAT(findOtherOwners(nullptr), IsEmpty());
+  expectThisAlone(findOwners(event.get()));
+}
+
+TEST(HandleOwners, AreNoneOfWhatIsNoHandle) {
+  EXPECT_THAT(findOwners(nullptr), IsEmpty());
 }
 
 TEST(HandleOwners, AreTheOtherProcessesThatHaveItOpen) {
@@ -29,14 +37,15 @@ TEST(HandleOwners, AreTheOtherProcessesThatHaveItOpen) {
   });
   ASSERT_TRUE(ready.await());
 
-  const std::vector<HandleOwner> owners = findOtherOwners(semaphore.get());
+  const std::vector<HandleOwner> owners = findOwners(semaphore.get());
   go.set();
   EXPECT_EQ(holder.get().exitStatus, 0);
-  ASSERT_EQ(owners.size(), 1U);
+  ASSERT_EQ(owners.size(), 2U);
   EXPECT_EQ(owners[0].program, "semaphore_holder.exe");
   EXPECT_EQ(owners[0].toString(),
             "semaphore_holder.exe, process " + std::to_string(owners[0].process));
-  EXPECT_THAT(findOtherOwners(semaphore.get()), IsEmpty());
+  EXPECT_EQ(owners[1].program, "this program");
+  expectThisAlone(findOwners(semaphore.get()));
 }
 
 TEST(HandleOwners, AreNamedByTheirNumberWhereThatIsAllThatIsKnown) {

@@ -19,20 +19,9 @@
 namespace {
 
 using platform::Handle;
-using test::isOpen;
+using test::countHandles;
 using test::makeEvent;
 using utils::WindowsRegistry;
-
-// Returns how many handles the process has open. The system's own count is 0 under an emulation.
-int countHandles() {
-  constexpr std::uintptr_t kStep = 4;  // from one handle to the next
-  constexpr std::uintptr_t kEnd = kStep * 4096;
-  int count = 0;
-  for (std::uintptr_t value = kStep; value < kEnd; value += kStep) {
-    count += isOpen(reinterpret_cast<HANDLE>(value)) ? 1 : 0;
-  }
-  return count;
-}
 
 // What the layer does over and over, with a registry and files to do it with.
 class HandlesLeft : public testing::Test {

@@ -170,6 +170,12 @@ TEST_F(WindowsLogSinks, TellTheDebuggerOfTheNumberAloneWithoutMemory) {
                                    std::string("debugger: ") + kErrorLine));
 }
 
+// A suite of its own, and so a process: they have not been used before.
+TEST(FirstLogSinks, NeedNoMemory) {
+  const test::FailingCall noMemory(test::SystemCall::Allocate, ENOMEM);
+  EXPECT_NO_THROW(static_cast<void>(utils::platformLogSinks()));
+}
+
 TEST_F(WindowsLogSinks, TellTheDebuggerOfBothFailures) {
   s_registerError = 0x6BA;
   s_reportError = ERROR_INVALID_HANDLE;

@@ -1,8 +1,10 @@
 // The flash lock on the machine's semaphore, with a second handle in the part of another program.
 
+#include <cerrno>
 #include <chrono>
 #include <future>
 #include <gmock/gmock.h>
+#include <optional>
 #include <string>
 #include <vector>
 #include <windows.h>
@@ -100,7 +102,9 @@ TEST_F(WindowsOSLocker, GivesUpAfterTheTimeoutWhileAnotherProgramHoldsIt) {
               ElementsAre("result = 258",
                           "Timeout occured when the Semaphore was locked. Other application uses "
                           "Fennelbrook SDK at this moment",
-                          "The flash lock is held by another program"));
+                          "The flash lock is held by another program; its semaphore is open in "
+                          "this program, process " +
+                              std::to_string(GetCurrentProcessId())));
   EXPECT_THAT([] { const os::OSLocker::AutoOSLocker lock; },
               ThrowsExactly<utils::Exception>("Locking access to the Fennelbrook returns 3"));
 }
@@ -118,7 +122,8 @@ TEST_F(WindowsOSLocker, IsHadOnceAnotherProcessHasGivenItBack) {
   EXPECT_EQ(locker.Lock(), 3);
   EXPECT_THAT(os::OSLocker::describeTimeout(),
               test::MatchesRegex("another program; its semaphore is open in "
-                                 "semaphore_holder.exe, process [0-9]+"));
+                                 "semaphore_holder.exe, process [0-9]+; this program, "
+                                 "process [0-9]+"));
   setTimeout(30'000);
   go.set();
   EXPECT_EQ(locker.Lock(), 0);
@@ -259,6 +264,9 @@ class FakeSemaphore : public utils::WindowsSemaphoreWrapper {
   }
   std::uint32_t wait(Handle /*semaphore*/, std::uint32_t milliseconds) override {
     waits.push_back(milliseconds);
+    if (isMemoryOut) {
+      m_noMemory.emplace(test::SystemCall::Allocate, ENOMEM);
+    }
     return answer;
   }
   bool release(Handle /*semaphore*/, std::int32_t count, std::int32_t* /*previousCount*/) override {
@@ -268,6 +276,7 @@ class FakeSemaphore : public utils::WindowsSemaphoreWrapper {
   }
 
   bool hasHandle = true;
+  bool isMemoryOut = false;  // with the end of a wait, once
   std::uint32_t answer = 0;
   DWORD releaseError = 0;
 
@@ -281,6 +290,9 @@ class FakeSemaphore : public utils::WindowsSemaphoreWrapper {
   ACL* dacl = reinterpret_cast<ACL*>(this);
   std::vector<std::uint32_t> waits;
   std::vector<std::int32_t> releases;
+
+ private:
+  std::optional<test::FailingCall> m_noMemory;
 };
 
 class WindowsOSLockerCalls : public WindowsOSLocker {
@@ -339,6 +351,21 @@ TEST_F(WindowsOSLockerCalls, LogAnyOtherResultOfAWait) {
     EXPECT_THAT(log.messages(kLock),
                 ElementsAre(row.text, "Some error occured when the Semaphore was locked"));
   }
+}
+
+TEST_F(WindowsOSLockerCalls, TimeOutWithoutMemoryForTheOwnersOfTheSemaphore) {
+  OSLockerWindows locker;
+  m_semaphore.answer = WAIT_TIMEOUT;
+  m_semaphore.isMemoryOut = true;
+
+  EXPECT_EQ(locker.Lock(), 3);
+  EXPECT_EQ(os::OSLocker::describeTimeout(), "another program");
+  EXPECT_EQ(os::OSLocker::describeAwaited(), "");
+  EXPECT_EQ(locker.UnLock(), 0);
+  EXPECT_THAT(m_semaphore.releases, testing::IsEmpty());
+
+  m_semaphore.answer = WAIT_OBJECT_0;
+  EXPECT_EQ(locker.Lock(), 0);
 }
 
 TEST_F(WindowsOSLockerCalls, ReleaseOne) {

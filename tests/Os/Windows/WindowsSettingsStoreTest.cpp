@@ -65,6 +65,33 @@ TEST_F(WindowsSettingsStore, NamesValuesOfAnotherTypeWithBothTypes) {
                                   "write it as REG_SZ"));
 }
 
+TEST_F(WindowsSettingsStore, NamesANumberOfAnotherSize) {
+  const std::vector<utils::SettingName> known = {{"Quorvel", "Timeout", true}};
+  std::uint32_t number = 99;
+  for (const std::size_t size : {std::size_t{0}, std::size_t{2}, std::size_t{8}}) {
+    m_machine.write(kQuorvelKey, "Timeout", REG_DWORD, std::string(size, '\1'));
+    EXPECT_FALSE(m_store.read(known[0], number));
+    EXPECT_THAT(m_store.findProblems(known),
+                ElementsAre(testing::EndsWith(
+                    "Timeout: Timeout is ignored: its type is REG_DWORD, but it has " +
+                    std::to_string(size) + " bytes, not 4; write it as REG_DWORD again")));
+  }
+  EXPECT_EQ(number, 99U);
+}
+
+TEST_F(WindowsSettingsStore, NamesATextOfHalfACharacter) {
+  const std::vector<utils::SettingName> known = {{"Quorvel", "Namespace"}};
+  m_machine.writeStored(kQuorvelKey, "Namespace", REG_SZ, std::string("r\0o\0o\0t\0/", 9));
+  std::string text = "before";
+
+  EXPECT_FALSE(m_store.read(known[0], text));
+  EXPECT_EQ(text, "before");
+  EXPECT_THAT(m_store.findProblems(known),
+              ElementsAre(testing::EndsWith(
+                  "Namespace: Namespace is ignored: its type is REG_SZ, but its 9 bytes are no "
+                  "whole characters; write it as REG_SZ again")));
+}
+
 TEST_F(WindowsSettingsStore, NamesATextThatIsTooLong) {
   const std::vector<utils::SettingName> known = {{"Quorvel", "FWFilePath"}};
   m_machine.writeText(kQuorvelKey, "FWFilePath", std::string(255, 'x'));

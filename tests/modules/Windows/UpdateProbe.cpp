@@ -12,9 +12,7 @@
 #include <string>
 #include <windows.h>
 
-#include "core/CimBroker.h"
-#include "core/CimPropertyRef.h"
-#include "core/CimPropertyTypes.h"
+#include "tests/modules/Windows/SmallHost.h"
 #include "tests/support/WaitUntil.h"
 
 namespace {
@@ -22,14 +20,6 @@ namespace {
 constexpr const char* kInventory = "OrvexSoftwareInventoryAgent";
 constexpr const char* kAgent = "OrvexSoftwareUpdateAgent";
 constexpr const char* kLibraries[] = {"OrvexCimCore", "OrvexMidApi", kInventory, kAgent};
-
-// Values of JobState.
-constexpr const char* kCompleted = "7";
-constexpr const char* kException = "10";
-
-core::CimBroker& broker() {
-  return core::GetCimBroker();
-}
 
 void printLibraries(const char* moment) {
   std::printf("%s:", moment);
@@ -61,43 +51,12 @@ void unload(HMODULE module, const char* name) {
 
 // Starts the update. Returns the object path of its job.
 std::string install(const char* uri) {
-  const core::CimBroker::Request request(broker());
-  core::CimPropertyString image("URI", nullptr);
-  image.setValue(uri);
-  core::CimPropertyRef target("Target", nullptr);
-  target.setTarget(broker().getInstances("Orvex_EthernetPort").first());
-  core::CimPropertyUint16_arr options("InstallOptions", nullptr);
-  options.setValue({5});  // Update
-  core::CimPropertyString_arr values("InstallOptionsValues", nullptr);
-  values.clear();
-  core::CimPropertyList in;
-  in.add(&image);
-  in.add(&target);
-  in.add(&options);
-  in.add(&values);
-  core::CimPropertyList out;
-  core::CimInstance* job = nullptr;
-  core::CimInstance* const service =
-      broker().getInstances("Orvex_SoftwareInstallationService").first();
-  std::printf("InstallFromURI: %u\n", service->invokeMethod("InstallFromURI", &in, &out, &job));
-  if (job == nullptr) {
+  const test::Installation result = test::install(uri);
+  std::printf("InstallFromURI: %u\n", result.answer);
+  if (!result.job) {
     std::exit(EXIT_FAILURE);
   }
-  return job->getPath();
-}
-
-std::string valueOf(const std::string& job, const char* property) {
-  const core::CimBroker::Request request(broker());
-  return broker().getInstanceByPath(core::CimPath(job))->getProperty(property)->toString();
-}
-
-void awaitEnd(const std::string& job) {
-  static_cast<void>(test::waitUntil([&job] {
-    const std::string state = valueOf(job, "JobState");
-    return state == kCompleted || state == kException;
-  }));
-  std::printf("state %s, error '%s'\n", valueOf(job, "JobState").c_str(),
-              valueOf(job, "ErrorDescription").c_str());
+  return *result.job;
 }
 
 }  // namespace
@@ -116,7 +75,7 @@ int main(int argc, char** argv) {
   printLibraries("with the agents");
   const std::string job = install(argv[3]);
   if (task == "unload" || task == "no-lock") {
-    awaitEnd(job);
+    std::puts(test::awaitEnd(job).c_str());
   }
   if (task == "unload" || task == "unload-running") {
     unload(agent, kAgent);

@@ -17,6 +17,17 @@ TEST(WindowsStayAwake, IsAskedOfTheSystemAndTakenBack) {
   EXPECT_THAT(states.all(), ElementsAre(kAwake, ES_CONTINUOUS));
 }
 
+TEST(WindowsStayAwake, TakesNothingBackThatTheSystemHasRefused) {
+  static int s_calls = 0;
+  const auto refuse = +[](EXECUTION_STATE) -> EXECUTION_STATE {
+    ++s_calls;
+    return 0;
+  };
+  const test::ImportPatch patch("platform_tests.exe", "SetThreadExecutionState", refuse);
+  { const platform::StayAwake awake; }
+  EXPECT_EQ(s_calls, 1);
+}
+
 TEST(WindowsStayAwake, LeavesWhatWasAskedForBefore) {
   constexpr EXECUTION_STATE kDisplay = ES_CONTINUOUS | ES_DISPLAY_REQUIRED;
   const EXECUTION_STATE before = SetThreadExecutionState(kDisplay);

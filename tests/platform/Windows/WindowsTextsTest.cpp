@@ -1,8 +1,10 @@
 // Texts in the code page.
 
 #include <gmock/gmock.h>
+#include <system_error>
 
 #include "platform/Texts.h"
+#include "tests/support/Windows/ImportPatch.h"
 #include "tests/support/Windows/Umlauts.h"
 
 namespace {
@@ -39,6 +41,26 @@ TEST_F(WindowsTexts, AreNoneForPathsWithCharactersThatItLacks) {
 TEST_F(WindowsTexts, HaveSlashesForBackslashesWhereThatIsAskedFor) {
   EXPECT_THAT(platform::toText(L"C:\\m\u00FC\\a"), Optional(std::string("C:\\m\xFC\\a")));
   EXPECT_THAT(platform::toGenericText(L"C:\\m\u00FC\\a"), Optional(std::string("C:/m\xFC/a")));
+}
+
+template <class... Arguments>
+int WINAPI refuse(Arguments...) {
+  SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+  return 0;
+}
+
+TEST_F(WindowsTexts, AreNeverEmptyBecauseTheSystemCannotConvertThem) {
+  {
+    const test::ImportPatch patch("platform_tests.exe", "MultiByteToWideChar",
+                                  &refuse<UINT, DWORD, const char*, int, wchar_t*, int>);
+    EXPECT_EQ(platform::toPath(""), "");
+    EXPECT_THROW(static_cast<void>(platform::toPath("a")), std::system_error);
+  }
+  const test::ImportPatch patch(
+      "platform_tests.exe", "WideCharToMultiByte",
+      &refuse<UINT, DWORD, const wchar_t*, int, char*, int, const char*, BOOL*>);
+  EXPECT_EQ(platform::toShownText(L""), "");
+  EXPECT_THROW(static_cast<void>(platform::toShownText(L"a")), std::system_error);
 }
 
 TEST_F(WindowsTexts, OfAnyByteNameAFile) {

@@ -43,6 +43,16 @@ void MachineRegistry::write(const std::string& key, const std::string& name, std
                 "RegSetValueEx");
 }
 
+void MachineRegistry::writeStored(const std::string& key, const std::string& name,
+                                  std::uint32_t type, const std::string& bytes) {
+  const Key opened(HKEY_LOCAL_MACHINE, key);
+  const std::wstring wideName(name.begin(), name.end());
+  expectSuccess(
+      RegSetValueExW(opened.handle(), wideName.c_str(), 0, type,
+                     reinterpret_cast<const BYTE*>(bytes.data()), static_cast<DWORD>(bytes.size())),
+      "RegSetValueEx");
+}
+
 void MachineRegistry::writeNumber(const std::string& key, const std::string& name,
                                   std::uint32_t number) {
   write(key, name, REG_DWORD, std::string(reinterpret_cast<const char*>(&number), sizeof number));

@@ -14,6 +14,9 @@ class MachineRegistry {
   // Write a value, under a key that is made where it is missing. `bytes` are stored as they stand.
   static void write(const std::string& key, const std::string& name, std::uint32_t type,
                     const std::string& bytes);
+  // The same, for a text of UTF-16 that need not have whole characters.
+  static void writeStored(const std::string& key, const std::string& name, std::uint32_t type,
+                          const std::string& bytes);
   static void writeNumber(const std::string& key, const std::string& name, std::uint32_t number);
   static void writeText(const std::string& key, const std::string& name, const std::string& text);
 
