@@ -1,5 +1,5 @@
 // What every update request goes through before it is a job: the image is read and checked against
-// the adapter, and prepared.
+// the adapter, and prepared. Defined beside the job: the records bear its name, and so its lines.
 
 #ifndef ORVEX_AGENT_IMAGEVERIFICATION_H_
 #define ORVEX_AGENT_IMAGEVERIFICATION_H_

@@ -13,6 +13,7 @@
 #include "tests/Os/SystemFaults.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Throws.h"
+#include "tests/support/VirtualSlots.h"
 
 namespace {
 
@@ -54,6 +55,13 @@ TEST(Mutex, AdmitsOneThreadAtATime) {
   }
 
   EXPECT_EQ(count, kThreads * kRounds);
+}
+
+TEST(Mutex, HasNoVirtualOperationButItsDestructor) {
+  struct Extended : utils::Mutex {
+    virtual void extend() {}
+  };
+  EXPECT_EQ(test::slotOf(&Extended::extend), 2U);
 }
 
 TEST(Mutex, IsRecursiveForItsOwner) {

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <chrono>
 #include <functional>
+#include <future>
 #include <gmock/gmock.h>
 #include <optional>
 
@@ -108,6 +109,17 @@ TEST_F(OSLockerRules, AnswersTwoWhileItIsHeldWithoutWaiting) {
                                                     "Locker is in use at this moment")));
   EXPECT_EQ(m_locker.waits.size(), 1U);
   EXPECT_EQ(m_locker.releases, 0);
+}
+
+TEST_F(OSLockerRules, IsUnlockedByNobodyWhileSomebodyWaitsForIt) {
+  std::future<std::int32_t> unlocked;
+  m_locker.whileWaiting = [&] {
+    unlocked = std::async(std::launch::async, [this] { return m_locker.UnLock(); });
+    EXPECT_EQ(unlocked.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+  };
+  EXPECT_EQ(m_locker.Lock(), 0);
+  EXPECT_EQ(unlocked.get(), 0);
+  EXPECT_EQ(m_locker.releases, 1);
 }
 
 TEST_F(OSLockerRules, AnswersThreeWhenTheWaitTimesOut) {

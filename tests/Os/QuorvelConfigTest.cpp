@@ -256,7 +256,8 @@ TEST_F(QuorvelConfig, KeepsWhatItHadAndSaysSoWhenReadingFails) {
 #ifdef QUORVEL_TEST_THREAD_SANITIZER
   GTEST_SKIP() << "ThreadSanitizer lets no program have an operator new of its own";
 #endif
-  write({{"Namespace", "root/of/the/first/reading"}, {"OEMCustomizeable", 0x20U}});
+  write(
+      {{"Timeout", 250U}, {"Namespace", "root/of/the/first/reading"}, {"OEMCustomizeable", 0x20U}});
   m_config.initialize();
   write({{"Namespace", "root/of/the/second/reading"}, {"OEMCustomizeable", 0U}});
   const LogCapture log;
@@ -270,7 +271,7 @@ TEST_F(QuorvelConfig, KeepsWhatItHadAndSaysSoWhenReadingFails) {
                           "Reading config values from register - failed"));
   write({});
   EXPECT_EQ(m_config.getNamespace(), "root/of/the/first/reading");
-  EXPECT_EQ(m_config.getTimeout(), 300'000U);
+  EXPECT_EQ(m_config.getTimeout(), 250U);
   EXPECT_TRUE(m_config.getDowngradeEnable());
 }
 

@@ -5,6 +5,7 @@
 #include "Os/Uri.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TempDirectory.h"
+#include "tests/support/VirtualSlots.h"
 
 namespace {
 
@@ -115,6 +116,13 @@ TEST_F(UriOfAFile, DoesNotExistUnderAnotherScheme) {
 
   EXPECT_FALSE(Uri("http://" + file.string()).exists());
   EXPECT_FALSE(Uri("nfs://" + file.string()).exists());
+}
+
+TEST(Uri, HasNoVirtualOperationButItsDestructor) {
+  struct Extended : Uri {
+    virtual void extend() {}
+  };
+  EXPECT_EQ(test::slotOf(&Extended::extend), 2U);
 }
 
 TEST(Uri, IsAPlainValue) {

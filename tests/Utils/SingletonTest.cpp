@@ -6,6 +6,7 @@
 #include "Utils/Singleton.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Throws.h"
+#include "tests/support/VirtualSlots.h"
 
 namespace {
 
@@ -84,6 +85,13 @@ TEST(Singleton, LogsItsConstructionAndEveryUse) {
                                      "utils::Singleton<class factory::Widget>::Singleton",
                                      "New singleton instance for Widget"),
                           used, used));
+}
+
+TEST(Singleton, HasNoVirtualOperationButItsDestructor) {
+  struct Extended : Widget {
+    virtual void extend() {}
+  };
+  EXPECT_EQ(test::slotOf(&Extended::extend), 2U);
 }
 
 class Settings : public utils::AutoSingleton<Settings> {

@@ -196,6 +196,18 @@ TEST_F(ImageVerification, RefusesAFileThatIsCutWhileItIsRead) {
   EXPECT_THAT(m_midApi.calls(), IsEmpty());
 }
 
+TEST_F(ImageVerification, LooksAtTheFileBeforeTheNamesOfItsTypes) {
+  const Options options{cim::kUpdate, cim::kTargetTypes};
+  const Values values{"", "IMG_XXX"};
+  {
+    const test::FileCuttingSinks sinks(m_file);
+    EXPECT_THROW(checking(options, values)(), EImageReadError);
+  }
+  m_uri += ".missing";
+  EXPECT_THROW(checking(options, values)(), EUriDoesNotExist);
+  EXPECT_THAT(m_log.messages("Orvex_ConcreteJob::getTargetTypes"), IsEmpty());
+}
+
 TEST_F(ImageVerification, RefusesAFileThatIsLargerThanTheSetting) {
   m_config.maxImageSize = 7;
 

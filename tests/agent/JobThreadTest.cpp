@@ -18,6 +18,7 @@
 #include "tests/support/Regex.h"
 #include "tests/support/SourcePlace.h"
 #include "tests/support/Throws.h"
+#include "tests/support/VirtualSlots.h"
 #include "tests/support/WaitUntil.h"
 
 namespace {
@@ -106,6 +107,13 @@ class JobThreadTest : public testing::Test {
 TEST_F(JobThreadTest, WantsAJob) {
   EXPECT_THAT([] { const JobThread thread(nullptr, platform::steadyClock()); },
               test::ThrowsExactly<utils::Exception>(test::IsAssertion(kSource, "NULL != myJob")));
+  EXPECT_THAT(m_log.messages("JobThread::JobThread"),
+              ElementsAre(MatchesRegex("Creating JobThread " + test::kPointerPattern)));
+}
+
+TEST_F(JobThreadTest, KeepsTheOrderOfItsVirtualOperations) {
+  EXPECT_EQ(test::slotOf(&JobThread::run), 2u);
+  EXPECT_EQ(test::slotOf(&JobThread::requestStop), 3u);
 }
 
 TEST_F(JobThreadTest, WritesTheImageAndTheCapabilityWord) {
@@ -409,10 +417,13 @@ TEST_F(JobThreadBootTypes, StayWhenBisectionFindsTheIscsiOfAnUnorderedList) {
   EXPECT_THAT(bootTypeCalls(), testing::IsEmpty());
 }
 
-TEST_F(JobThreadTest, WaitsAMomentBeforeItRuns) {
+TEST_F(JobThreadTest, WaitsAMomentBetweenItsFirstRecordAndItsRunningState) {
+  m_clock.afterEachSleep([this](int) {
+    EXPECT_GE(placeOf(" starting"), 0);
+    EXPECT_EQ(placeOf("3 -> 4"), -1);
+  });
   run({FirmwareType::Iscsi});
-
-  EXPECT_THAT(m_clock.sleeps(), Contains(Pair(milliseconds(10), 1)));
+  EXPECT_THAT(m_clock.sleeps(), ElementsAre(Pair(milliseconds(10), 1)));
 }
 
 TEST_F(JobThreadTest, ThatHangsHoldsItsJobsDestructionUpAfterAnErrorRecord) {
@@ -455,38 +466,6 @@ TEST_F(JobThreadTest, ThatEndsInTimeEndsItsJobsDestruction) {
   EXPECT_GE(placeOf(", terminated"), 0);
   EXPECT_EQ(placeOf("terminating timeout error"), -1);
   EXPECT_THAT(m_midApi.calls(), Contains(StartsWith("updateCapabilityWord")));
-}
-
-class WaitForFlag : public testing::Test {
- protected:
-  int wait(int budget) { return agent::waitForFlag(m_flag, budget, m_clock); }
-
-  agent::LockedFlag m_flag;
-  test::FakeClock m_clock;
-};
-
-TEST_F(WaitForFlag, ReturnsTheWholeBudgetForASetFlag) {
-  m_flag.set();
-  EXPECT_EQ(wait(100), 100);
-  EXPECT_EQ(wait(0), 0);
-  EXPECT_THAT(m_clock.sleeps(), testing::IsEmpty());
-}
-
-TEST_F(WaitForFlag, UsesTheBudgetUpInStepsOfFiftyMilliseconds) {
-  EXPECT_EQ(wait(100), 0);
-  EXPECT_EQ(wait(30), -20);
-  EXPECT_EQ(wait(0), 0);
-  EXPECT_EQ(wait(-5), -5);
-  EXPECT_THAT(m_clock.sleeps(), ElementsAre(Pair(milliseconds(50), 3)));
-}
-
-TEST_F(WaitForFlag, ReturnsWhatIsLeftWhenTheFlagIsSetMeanwhile) {
-  m_clock.afterEachSleep([this](int number) {
-    if (number == 2) {
-      m_flag.set();
-    }
-  });
-  EXPECT_EQ(wait(3000), 2900);
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include "tests/support/Regex.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/Throws.h"
+#include "tests/support/VirtualSlots.h"
 
 namespace {
 
@@ -58,9 +59,17 @@ TEST_F(ConcreteJob, ChecksItsImage) {
 
 TEST_F(ConcreteJob, DoesNotComeToExistWithABadImage) {
   m_job.reset();
+  m_log.clear();
   const auto construct = [] { const Orvex_ConcreteJob job(kAdapter, 1, "nonsense", {5}, {}); };
   EXPECT_THROW(construct(), utils::Exception);
   EXPECT_EQ(agent::getTargetInProgress(), "");
+  // Nor does its thread.
+  EXPECT_THAT(m_log.messages("JobThread::JobThread"), testing::IsEmpty());
+}
+
+TEST_F(ConcreteJob, KeepsTheOrderOfItsVirtualOperations) {
+  EXPECT_EQ(test::slotOf(&Orvex_ConcreteJob::setPropertyValues), 8u);
+  EXPECT_EQ(test::slotOf(&Orvex_ConcreteJob::threadControl), 9u);
 }
 
 TEST_F(ConcreteJob, CountsTheCheckOfItsImageAsItsTime) {
@@ -312,6 +321,7 @@ TEST_F(ConcreteJob, IsDestroyedAfterTheWholeWaitForAThreadThatDidNotStart) {
 TEST_F(ConcreteJob, WaitsForItsThread) {
   startAndHold();
   EXPECT_FALSE(m_job->threadControl(2, 30));
+  EXPECT_THAT(m_log.messages(kControl), ElementsAre("New threadControl 1", "New threadControl 2"));
   m_midApi.releaseWrites();
   EXPECT_TRUE(m_job->threadControl(2, 30'000));
   EXPECT_EQ(m_job->getJobState(), cim::JobState::Completed);
@@ -323,6 +333,19 @@ TEST_F(ConcreteJob, CountsATimeoutThatIsUsedUpExactlyAsWaited) {
   EXPECT_TRUE(m_job->threadControl(2, 50));
   EXPECT_THAT(m_clock.sleeps(), Contains(Pair(milliseconds(50), 1)));
   EXPECT_EQ(m_job->getJobState(), cim::JobState::Running);
+}
+
+TEST_F(ConcreteJob, ControlsItsThreadForOneAtATime) {
+  makeJobByTheClock();
+  startAndHold();
+  std::future<bool> deleted;
+  m_clock.afterEachSleep([&](int) {
+    deleted = std::async(std::launch::async, [this] { return deleteThread(); });
+    EXPECT_EQ(deleted.wait_for(milliseconds(100)), std::future_status::timeout);
+  });
+  EXPECT_TRUE(m_job->threadControl(2, 50));
+  m_clock.afterEachSleep([](int) {});
+  EXPECT_FALSE(deleted.get());
 }
 
 TEST_F(ConcreteJob, DeletesItsThreadWhenThatIsDone) {

@@ -3,6 +3,7 @@
 
 #include "agent/Orvex_SoftwareInstallationServiceCapabilities.h"
 #include "tests/agent/SingleInstanceFixture.h"
+#include "tests/support/VirtualSlots.h"
 
 namespace {
 
@@ -59,6 +60,12 @@ TEST_F(InstallationServiceCapabilities, AreNamedByTheirInstanceId) {
             "InstanceID=\"Orvex:Capabilities@FirmwareUpdate\"");
   EXPECT_EQ(dynamic_cast<Orvex_SoftwareInstallationServiceCapabilities&>(enumerate()).getIdentity(),
             "Capabilities@FirmwareUpdate");
+}
+
+TEST(InstallationServiceCapabilitiesOperations, KeepTheOrderOfTheVirtualOnes) {
+  using Capabilities = Orvex_SoftwareInstallationServiceCapabilities;
+  EXPECT_EQ(test::slotOf(&Capabilities::getIdentity), 8u);
+  EXPECT_EQ(test::slotOf(&Capabilities::setPropertyValues), 9u);
 }
 
 TEST(InstallationServiceCapabilitiesValues, AreTakenAwayWhereNothingIsKnown) {

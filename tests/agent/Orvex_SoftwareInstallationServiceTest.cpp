@@ -11,6 +11,7 @@
 #include "tests/support/LogCapture.h"
 #include "tests/support/Throws.h"
 #include "tests/support/Variables.h"
+#include "tests/support/VirtualSlots.h"
 
 namespace {
 
@@ -83,6 +84,15 @@ TEST_F(InstallationServiceClass, CallsAComputerWithoutANameLocalhost) {
 TEST_F(InstallationServiceClass, CallsAComputerWhoseNameIsNotDefinedLocalhost) {
   test::unsetVariable("COMPUTERNAME");
   EXPECT_EQ(systemName(), "localhost");
+}
+
+TEST(InstallationService, KeepsTheOrderOfItsVirtualOperations) {
+  using Service = Orvex_SoftwareInstallationService;
+  EXPECT_EQ(test::slotOf(&Service::InstallFromSoftwareIdentity), 0u);
+  EXPECT_EQ(test::slotOf(&Service::InstallFromURI), 1u);
+  EXPECT_EQ(test::slotOf(&Service::CheckSoftwareIdentity), 2u);
+  EXPECT_EQ(test::slotOf(&Service::getClassName), 3u);
+  EXPECT_EQ(test::slotOf(&Service::setPropertyValues), 8u);
 }
 
 TEST(InstallationService, RegistersItsMethods) {

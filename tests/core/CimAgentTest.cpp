@@ -1,3 +1,4 @@
+#include <future>
 #include <gmock/gmock.h>
 
 #include "core/CimAgent.h"
@@ -5,6 +6,7 @@
 #include "tests/support/LogCapture.h"
 #include "tests/support/Throws.h"
 #include "tests/support/VirtualSlots.h"
+#include "tests/support/WaitUntil.h"
 
 namespace {
 
@@ -45,6 +47,27 @@ class ThrowingProvider : public Provider {
 class BrokenAgent : public core::CimAgent {
  public:
   BrokenAgent() : CimAgent("Broken") { getClasses().add(new ThrowingProvider); }
+};
+
+// Enumerates while another thread asks its agent for its classes.
+class AskedProvider : public Provider {
+ public:
+  explicit AskedProvider(core::CimAgent& agent) : Provider("Test_Asked"), m_agent(agent) {}
+
+  [[nodiscard]] core::InstanceList::Iterator getInstances() override {
+    m_answer = std::async(std::launch::async, [this] { return m_agent.hasClass("Test_Asked"); });
+    EXPECT_EQ(m_answer.wait_for(test::kDeadline), std::future_status::ready);
+    return Provider::getInstances();
+  }
+
+ private:
+  core::CimAgent& m_agent;
+  std::future<bool> m_answer;
+};
+
+class AskedAgent : public core::CimAgent {
+ public:
+  AskedAgent() : CimAgent("Asked") { getClasses().add(new AskedProvider(*this)); }
 };
 
 class CimAgentTest : public testing::Test {
@@ -136,9 +159,18 @@ TEST_F(CimAgentTest, PassesOnWhatTheProviderThrows) {
               ThrowsExactly<utils::EForbidden>("Quorvel: EForbidden:not today"));
 }
 
+TEST(CimAgentLock, IsFreeWhileAProviderEnumerates) {
+  AskedAgent agent;
+  EXPECT_EQ(agent.getInstances("Test_Asked").count(), 0U);
+}
+
 TEST(CimAgentOperations, KeepTheOrderOfTheVirtualOnes) {
+  struct Extended : core::CimAgent {
+    virtual void extend() {}
+  };
   EXPECT_EQ(test::slotOf(&core::CimAgent::hasClass), 0U);
   EXPECT_EQ(test::slotOf(&core::CimAgent::getInstances), 1U);
+  EXPECT_EQ(test::slotOf(&Extended::extend), 4U);
 }
 
 TEST(CimAgentLife, EndsWithThatOfItsProvidersInTheOrderOfTheirNames) {

@@ -5,6 +5,7 @@
 #include "tests/core/TestInstance.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Throws.h"
+#include "tests/support/VirtualSlots.h"
 
 namespace {
 
@@ -31,6 +32,32 @@ TEST(CimClasses, LogsTheNameOfAProviderThatIsAdded) {
   EXPECT_THAT(log.records(),
               ElementsAre(IsRecordOf("CimClasses", LogLevel::Debug, "core::CimClasses::add",
                                      "Adding new class: Test_Fan")));
+}
+
+// A provider whose name is another one each time.
+class FickleProvider : public Provider {
+ public:
+  FickleProvider() : Provider("Test_Fan") {}
+
+  [[nodiscard]] std::string getName() const override { return "Test_" + std::to_string(++m_asked); }
+
+ private:
+  mutable int m_asked = 0;
+};
+
+TEST(CimClasses, AsksAProviderForTheNameOfItsRecordAndThenForThatOfItsEntry) {
+  core::CimClasses classes;
+  const test::LogCapture log;
+  classes.add(new FickleProvider);
+  EXPECT_THAT(log.messages("core::CimClasses::add"), ElementsAre("Adding new class: Test_1"));
+  EXPECT_TRUE(classes.contains("Test_2"));
+}
+
+TEST(CimClasses, HasNoVirtualOperationButItsDestructor) {
+  struct Extended : core::CimClasses {
+    virtual void extend() {}
+  };
+  EXPECT_EQ(test::slotOf(&Extended::extend), 2U);
 }
 
 TEST(CimClasses, RefusesNull) {

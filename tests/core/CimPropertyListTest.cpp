@@ -3,11 +3,13 @@
 #include <gmock/gmock.h>
 #include <vector>
 
+#include "Utils/Log.h"
 #include "core/CimPropertyList.h"
 #include "core/CimPropertyTypes.h"
 #include "tests/core/TestInstance.h"
 #include "tests/support/Throws.h"
 #include "tests/support/VirtualSlots.h"
+#include "tests/support/WaitUntil.h"
 
 namespace {
 
@@ -174,8 +176,45 @@ TEST_F(CimPropertyList, RefusesANameUnderWhichThereIsNull) {
   EXPECT_EQ(m_list.size(), 1U);
 }
 
+// Asks for the number of a list's properties on another thread when an error is recorded.
+class CountingSinks final : private utils::LogSinks {
+ public:
+  explicit CountingSinks(core::CimPropertyList& list)
+      : m_list(list), m_previous(utils::exchangeLogSinks(this)) {}
+  ~CountingSinks() override { utils::exchangeLogSinks(m_previous); }
+
+  // Returns whether there was an error, and the number at once.
+  [[nodiscard]] bool isAnswered() const { return m_isAnswered; }
+
+ private:
+  void writeEventLog(const std::string& /*line*/) noexcept override {
+    m_answer = std::async(std::launch::async, [this] { return m_list.size(); });
+    m_isAnswered = m_answer.wait_for(test::kDeadline) == std::future_status::ready;
+  }
+  void writeDebugChannel(const std::string& /*line*/) noexcept override {}
+  void writeStandardError(const std::string& /*text*/) noexcept override {}
+
+  core::CimPropertyList& m_list;
+  bool m_isAnswered = false;
+  std::future<std::size_t> m_answer;
+  utils::LogSinks* const m_previous;
+};
+
+// What is wrong with a name is told while the names are locked.
+TEST_F(CimPropertyList, IsNotLockedWhileItsNamesAre) {
+  m_list.index().set(m_name, nullptr);
+  CimPropertyString later("Name", nullptr);
+  const CountingSinks sinks(m_list);
+  EXPECT_THROW(m_list.add(&later), utils::Exception);
+  EXPECT_TRUE(sinks.isAnswered());
+}
+
 TEST_F(CimPropertyList, KeepsTheOrderOfItsVirtualOperations) {
+  struct Extended : core::CimPropertyList {
+    virtual void extend() {}
+  };
   EXPECT_EQ(test::slotOf(&core::CimPropertyList::iterator), 2U);
+  EXPECT_EQ(test::slotOf(&Extended::extend), 3U);
 }
 
 TEST_F(CimPropertyList, CopiesNoPropertyThatSomebodyMarkedOverridden) {

@@ -1,4 +1,5 @@
 #include <gmock/gmock.h>
+#include <type_traits>
 
 #include "core/CimPropertyRef.h"
 #include "tests/core/TestInstance.h"
@@ -97,12 +98,25 @@ TEST(CimPropertyRefT, KnowsTheClassOfItsTarget) {
   EXPECT_EQ(reference.getReferenceClass(), "Test_Fan");
 }
 
+// A pointer to an operation has the type of the class that defines it last.
 TEST(CimPropertyRefT, OverridesNoOperation) {
   using Reference = core::CimPropertyRefT<Fan>;
-  const auto slotOfText =
-      test::slotOf(static_cast<std::string (CimPropertyRef::*)() const>(&Reference::toString));
-  EXPECT_EQ(slotOfText, 2U);
+  EXPECT_TRUE(
+      (std::is_same_v<decltype(&Reference::toString), std::string (CimPropertyRef::*)() const>));
+  EXPECT_TRUE(
+      (std::is_same_v<decltype(&Reference::getType), std::uint32_t (CimPropertyRef::*)() const>));
+  using Change = void (core::CimProperty::*)(core::CimProperty*);
+  EXPECT_TRUE((std::is_same_v<decltype(&Reference::modify), Change>));
+  EXPECT_TRUE((std::is_same_v<decltype(&Reference::verify), Change>));
+  EXPECT_EQ(test::slotOf(&CimPropertyRef::toString), 2U);
   EXPECT_EQ(test::slotOf(&CimPropertyRef::getType), 3U);
+}
+
+TEST(CimPropertyRef, HasTheVirtualOperationsOfAPropertyAndNoOther) {
+  struct Extended : CimPropertyRef {
+    virtual void extend() {}
+  };
+  EXPECT_EQ(test::slotOf(&Extended::extend), 6U);
 }
 
 TEST(CimPropertyRefT, FixesNoClassWhereItHasNoName) {

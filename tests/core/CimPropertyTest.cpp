@@ -67,6 +67,10 @@ TEST(CimProperty, KeepsTheOrderOfItsVirtualOperations) {
   EXPECT_EQ(test::slotOf(&core::CimPropertyString_arr::clear), 6U);
   EXPECT_EQ(test::slotOf(&CimProperty::Listener::onModify), 0U);
   EXPECT_EQ(test::slotOf(&CimProperty::Listener::onVerify), 1U);
+  struct Extended : CimProperty::Listener {
+    virtual void extend() {}
+  };
+  EXPECT_EQ(test::slotOf(&Extended::extend), 4U);
 }
 
 // A listener that writes down what it is told.
@@ -89,6 +93,7 @@ class Witness : public CimProperty::Listener {
 
 class Objector : public CimProperty::Listener {
  public:
+  void onModify(CimProperty*, CimProperty*) override { throw utils::EForbidden("too late"); }
   void onVerify(CimProperty*, CimProperty*) override { throw utils::EForbidden("I object"); }
 };
 
@@ -136,6 +141,18 @@ TEST_F(CimPropertyListeners, EndAVerificationByThrowing) {
               ThrowsExactly<utils::EForbidden>("Quorvel: EForbidden:I object"));
   EXPECT_THAT(m_notes, ElementsAre("first verify old to new"));
   EXPECT_EQ(m_property.getValue(), "old");
+}
+
+TEST_F(CimPropertyListeners, EndAChangeByThrowing) {
+  m_property.attachListener(&m_first);
+  m_property.attachListener(&m_objector);
+  m_property.attachListener(&m_second);
+  m_newValue.setNull();
+  EXPECT_THAT([&] { m_property.modify(&m_newValue); },
+              ThrowsExactly<utils::EForbidden>("Quorvel: EForbidden:too late"));
+  EXPECT_THAT(m_notes, ElementsAre("first modify old to new"));
+  EXPECT_EQ(m_property.getValue(), "old");
+  EXPECT_FALSE(m_property.isNull());
 }
 
 TEST_F(CimPropertyListeners, ComeBehindTheTwoGeneralOnes) {

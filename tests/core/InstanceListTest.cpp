@@ -120,6 +120,14 @@ TEST_F(InstanceList, KeepsTheOrderOfItsVirtualOperations) {
   EXPECT_EQ(test::slotOf(
                 static_cast<Iterator (core::InstanceList::*)(bool)>(&core::InstanceList::iterator)),
             3U);
+  struct Extended : core::InstanceList {
+    virtual void extend() {}
+  };
+  struct ExtendedIterator : Iterator {
+    virtual void extend() {}
+  };
+  EXPECT_EQ(test::slotOf(&Extended::extend), 4U);
+  EXPECT_EQ(test::slotOf(&ExtendedIterator::extend), 3U);
 }
 
 TEST(InstanceListLife, EndsWithThatOfItsInstances) {

@@ -33,8 +33,6 @@ struct KnownName {
 };
 constexpr KnownName kKnownNames[] = {
     {"Debug:utils::TimeStamp::", "Utils/TimeStamp.cpp"},
-    {"Orvex_ConcreteJob:Orvex_ConcreteJob::checkAndVerifyImage", "agent/ImageVerification.cpp"},
-    {"Orvex_ConcreteJob:Orvex_ConcreteJob::getTargetTypes", "agent/ImageVerification.cpp"},
     {"Orvex_EthernetPort:Orvex_EthernetPortClass::", "inventory/Orvex_EthernetPortClass.cpp"},
     // What both platforms do alike is logged under the name of the platform's part.
     {"Os/Posix/PosixOSLocker:os::OSLocker::", "Os/OSLocker.cpp"},

@@ -2,6 +2,7 @@
 #include <windows.h>
 
 #include "Os/Windows/WindowsSemaphoreWrapper.h"
+#include "tests/support/VirtualSlots.h"
 
 namespace {
 
@@ -43,6 +44,12 @@ TEST_F(SemaphoreWrapper, FailsWithoutASemaphore) {
   EXPECT_EQ(m_wrapper.wait(nullptr, 0), WAIT_FAILED);
   EXPECT_FALSE(m_wrapper.release(nullptr, 1, nullptr));
   EXPECT_EQ(m_wrapper.create(nullptr, 2, 1, nullptr), nullptr);
+}
+
+TEST(SemaphoreWrapperOperations, KeepTheOrderOfTheVirtualOnes) {
+  EXPECT_EQ(test::slotOf(&WindowsSemaphoreWrapper::create), 2U);
+  EXPECT_EQ(test::slotOf(&WindowsSemaphoreWrapper::wait), 3U);
+  EXPECT_EQ(test::slotOf(&WindowsSemaphoreWrapper::release), 4U);
 }
 
 TEST(SemaphoreWrapperSingleton, IsReplacedByTheNewestAndMadeOnFirstUse) {
