@@ -18,6 +18,7 @@
 
 #include "Os/Posix/LockFile.h"
 #include "tests/Os/Posix/LockFolder.h"
+#include "tests/Os/SystemFaults.h"
 #include "tests/support/Posix/ChildProcess.h"
 #include "tests/support/Throws.h"
 
@@ -114,6 +115,23 @@ TEST_F(LockFileTest, TellsWhoHasIt) {
   }
   EXPECT_EQ(file.unlock(), 0);
   EXPECT_EQ(waiter.readHolder(), std::nullopt);
+}
+
+TEST_F(LockFileTest, IsHadWithoutMemoryToTellWhoHasIt) {
+#ifdef QUORVEL_TEST_THREAD_SANITIZER
+  GTEST_SKIP() << "the sanitizer's allocator is in force";
+#endif
+  LockFile file(m_folder.path());
+  LockFile waiter(m_folder.path());
+  ASSERT_TRUE(canBeTaken());                            // the test's own flock needs memory once
+  std::ofstream(file.path()) << "4711 0 12 quorvel\n";  // of one that was killed
+  {
+    const test::FailingCall noMemory(test::SystemCall::Allocate, ENOMEM);
+    EXPECT_TRUE(file.tryLock(Clock::now()));
+  }
+  EXPECT_EQ(waiter.readHolder(), std::nullopt);
+  EXPECT_EQ(file.unlock(), 0);
+  EXPECT_TRUE(canBeTaken());
 }
 
 TEST_F(LockFileTest, TakesALineThatIsNotWholeForNone) {
