@@ -201,6 +201,11 @@ void serve(const DaemonConfig& config, std::ostream& out) {
   // Never destroyed: the modules' objects may log until the process has ended.
   static auto& log = *new LimitedLog;
   applyAgentSettings(config);
+  if (config.authentication == AuthenticationKind::Local &&
+      std::any_of(config.listen.begin(), config.listen.end(),
+                  [](const http::Endpoint& endpoint) { return endpoint.path.empty(); })) {
+    checkTcpClients();
+  }
   // May ask the system on a thread of its own who this process runs as.
   const std::unique_ptr<Authenticator> authenticator = makeAuthenticator(config);
   loadAgents(config);
