@@ -79,7 +79,7 @@ std::int32_t OSLocker::Lock() {
     utils::logDebug(kLog, kFunction, "Locker is in use at this moment");
     return kInUse;
   }
-  WaitResult result = waitForSemaphore(utils::QuorvelConfig::getInstance()->getTimeout());
+  WaitResult result = awaitSemaphore();
   if (result == WaitResult::Signalled && !noteHad()) {
     static_cast<void>(releaseSemaphore());
     result = WaitResult::TimedOut;
@@ -196,6 +196,15 @@ bool OSLocker::isGivenUp() const {
 void OSLocker::noteCandidates(std::string candidates) {
   const platform::Lock lock(m_waitMutex);
   m_candidates = std::move(candidates);
+}
+
+OSLocker::WaitResult OSLocker::awaitSemaphore() {
+  try {
+    return waitForSemaphore(utils::QuorvelConfig::getInstance()->getTimeout());
+  } catch (const std::exception&) {
+    endWait(WaitResult::Failed);
+    throw;
+  }
 }
 
 // What the wait came to stands, whether or not there is memory to say for whom it was.

@@ -113,6 +113,8 @@ class ORVEX_CORE_API OSLocker : public utils::Singleton<OSLocker> {
   [[nodiscard]] bool isGivenUp() const;
 
  private:
+  // Waits for the time of the settings. Throws what waitForSemaphore() does.
+  [[nodiscard]] WaitResult awaitSemaphore();
   // Notes that the semaphore is had. Returns false where it must not be.
   [[nodiscard]] bool noteHad();
   void forgetFailure();

@@ -6,6 +6,7 @@
 
 #include "Os/Environment.h"
 #include "Os/OSLocker.h"
+#include "Utils/Datetime.h"
 #include "Utils/Printable.h"
 #include "client/Fault.h"
 
@@ -32,6 +33,10 @@ class Watch {
   // when there is no such job, and when the host could not be asked for too long.
   std::optional<client::JobReport> look();
 
+  // Returns whether it is the job of the first look: a host that was started again gives the names
+  // of its jobs to others.
+  bool isTheJob(const client::InstanceSnapshot& job);
+
   // To be called on an interrupt. Throws Fault where the job goes on without this process.
   void yieldToHost(bool isAnswered) const;
 
@@ -43,6 +48,7 @@ class Watch {
   const std::string m_path;
   const std::string m_command;  // follows the job again; empty where it ends with this process
   Clock::time_point m_lastAnswer = Clock::now();
+  std::optional<utils::Datetime> m_begin;
 };
 
 std::optional<client::JobReport> Watch::look() {
@@ -58,11 +64,19 @@ std::optional<client::JobReport> Watch::look() {
     leave(fault.what(), "\nThe job may go on in the host", fault.kind());
   }
   m_lastAnswer = Clock::now();
-  if (!job) {
+  if (!job || !isTheJob(*job)) {
     throw client::Fault("the job " + utils::toPrintable(m_path) + " is gone; '" +
                         m_connection.program() + " adapters' shows what the adapter holds");
   }
   return client::reportOf(*job);
+}
+
+bool Watch::isTheJob(const client::InstanceSnapshot& job) {
+  const auto begin = utils::Datetime::fromCimText(job.value<std::string>("StartTime"));
+  if (!m_begin) {
+    m_begin = begin;
+  }
+  return !begin || begin->value == m_begin->value;
 }
 
 void Watch::yieldToHost(bool isAnswered) const {

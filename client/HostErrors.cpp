@@ -29,15 +29,38 @@ std::string describeLoginRefusal(const HostAddress& address) {
          "; check the name and the password";
 }
 
+// Media types are compared without regard to case (RFC 9110, 8.3.1).
+bool isOfType(std::string contentType, std::string_view type) {
+  std::transform(contentType.begin(), contentType.end(), contentType.begin(), utils::toLowerAscii);
+  return contentType.starts_with(type);
+}
+
+// Returns the first line of an answer that is meant for a person; empty for any other.
+std::string reasonOf(const http::ClientResponse& answer) {
+  constexpr std::size_t kLongest = 300;
+  if (!isOfType(fieldOf(answer, "content-type"), "text/plain")) {
+    return "";
+  }
+  const std::string line = answer.body.substr(0, answer.body.find('\n'));
+  return utils::toPrintable(line.substr(0, kLongest)) + (line.size() > kLongest ? "..." : "");
+}
+
+std::string describeProhibition(const HostAddress& address, const std::string& reason) {
+  const std::string text = address.url() + " does not allow this";
+  if (!address.user.empty()) {
+    return text + " to " + address.user + (reason.empty() ? "" : ": " + reason);
+  }
+  return text + (reason.empty() ? " without a login" : ": " + reason);
+}
+
 // Returns the text of a status that says enough by itself; empty for the others. Throws
 // PassingFault for one that will not last.
-std::string describeStatus(const HostAddress& address, unsigned status) {
-  switch (status) {
+std::string describeStatus(const HostAddress& address, const http::ClientResponse& answer) {
+  switch (answer.status) {
     case http::kStatusUnauthorized:
       return describeLoginRefusal(address);
     case http::kStatusForbidden:
-      return address.url() + " does not allow this" +
-             (address.user.empty() ? " without a login" : " to " + address.user);
+      return describeProhibition(address, reasonOf(answer));
     case http::kStatusNotFound:
       return address.url() + " answers, but serves no CIM-XML; check the port";
     case http::kStatusTooManyRequests:
@@ -48,10 +71,8 @@ std::string describeStatus(const HostAddress& address, unsigned status) {
   }
 }
 
-// Media types are compared without regard to case (RFC 9110, 8.3.1).
-bool isXml(std::string contentType) {
-  std::transform(contentType.begin(), contentType.end(), contentType.begin(), utils::toLowerAscii);
-  return contentType.starts_with("application/xml") || contentType.starts_with("text/xml");
+bool isXml(const std::string& contentType) {
+  return isOfType(contentType, "application/xml") || isOfType(contentType, "text/xml");
 }
 
 }  // namespace
@@ -79,13 +100,14 @@ void demandAnswered(const HostAddress& address, const http::ClientResponse& answ
     }
     return;
   }
-  if (const std::string text = describeStatus(address, answer.status); !text.empty()) {
+  if (const std::string text = describeStatus(address, answer); !text.empty()) {
     throw Fault(text);
   }
   const std::string error = fieldOf(answer, "cimerror");
+  const std::string reason = reasonOf(answer);
   throw Fault(address.url() + " refused the request with the HTTP status " +
               std::to_string(answer.status) + (error.empty() ? "" : ", " + error) +
-              "; its log may tell more");
+              (reason.empty() ? "; its log may tell more" : ", and says: " + reason));
 }
 
 void refuseAnswer(const HostAddress& address, const std::string& reason) {

@@ -193,14 +193,18 @@ ActionNames findActionNames() {
   }
 }
 
-void serve(const DaemonConfig& config, std::ostream& out) {
+void serve(const DaemonConfig& config, const ServiceManager& manager, std::ostream& out) {
   // All before anything that may start a thread.
   giveLargeBlocksBack();
-  const ServiceManager manager;
   const StopSignals signals;
   // Never destroyed: the modules' objects may log until the process has ended.
   static auto& log = *new LimitedLog;
   applyAgentSettings(config);
+  if (config.authentication == AuthenticationKind::Local &&
+      std::any_of(config.listen.begin(), config.listen.end(),
+                  [](const http::Endpoint& endpoint) { return endpoint.path.empty(); })) {
+    checkTcpClients();
+  }
   // May ask the system on a thread of its own who this process runs as.
   const std::unique_ptr<Authenticator> authenticator = makeAuthenticator(config);
   loadAgents(config);
@@ -239,19 +243,27 @@ void serve(const DaemonConfig& config, std::ostream& out) {
 }  // namespace
 
 ExitStatus runDaemon(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
+  const ServiceManager manager;
+  const auto refuse = [&](const std::exception& fault) {
+    err << "quorveld: " << utils::toPrintableLines(fault.what()) << '\n';
+    manager.tellStatus(fault.what());
+    return ExitStatus::Usage;
+  };
   try {
     const CommandLine commandLine = readCommandLine(argc, argv, out, err);
     if (!commandLine.config) {
       return commandLine.status;
     }
-    serve(*commandLine.config, out);
+    serve(*commandLine.config, manager, out);
     return ExitStatus::Done;
   } catch (const ConfigurationFault& fault) {
-    err << "quorveld: " << utils::toPrintableLines(fault.what()) << '\n';
+    return refuse(fault);
   } catch (const http::SetupFault& fault) {
-    err << "quorveld: " << utils::toPrintableLines(fault.what()) << '\n';
+    return refuse(fault);
+  } catch (const std::exception& fault) {
+    manager.tellStatus(fault.what());
+    throw;
   }
-  return ExitStatus::Usage;
 }
 
 }  // namespace quorveld

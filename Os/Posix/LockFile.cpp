@@ -319,20 +319,21 @@ std::optional<LockHolder> LockFile::readHolder() {
   return m_holder;
 }
 
-// The lock is had without the line, too.
-void LockFile::writeHolder(Moment now) {
-  std::string line;
+void LockFile::writeHolder(Moment now) noexcept {
+  bool isWritten = false;
   try {
     const auto since =
         std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch());
-    line = utils::format("%d %u %lld %s\n", static_cast<int>(getpid()),
-                         static_cast<unsigned>(geteuid()), static_cast<long long>(since.count()),
-                         toPlain(nameOfProgram()).c_str());
-  } catch (const std::bad_alloc&) {
-    line.clear();
+    const std::string line = utils::format(
+        "%d %u %lld %s\n", static_cast<int>(getpid()), static_cast<unsigned>(geteuid()),
+        static_cast<long long>(since.count()), toPlain(nameOfProgram()).c_str());
+    isWritten =
+        ::ftruncate(m_file.get(), 0) == 0 &&
+        ::pwrite(m_file.get(), line.data(), line.size(), 0) == static_cast<ssize_t>(line.size());
+  } catch (const std::exception&) {
+    isWritten = false;
   }
-  if (::ftruncate(m_file.get(), 0) != 0 ||
-      ::pwrite(m_file.get(), line.data(), line.size(), 0) != static_cast<ssize_t>(line.size())) {
+  if (!isWritten) {
     // Those who wait are told of "another program" then.
     static_cast<void>(::ftruncate(m_file.get(), 0));
   }

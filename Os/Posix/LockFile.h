@@ -11,7 +11,7 @@
 // The folder must be root's or the user's own, and sticky where others can write to it, so that
 // nobody can remove what is another's. In the file stands who holds the lock, for those who wait:
 // the process, the user's number, since when (milliseconds of the steady clock) and the program. A
-// disk that is full costs that line, not the lock.
+// disk that is full, or a want of memory, costs that line, not the lock.
 //
 // One object is used by one thread at a time.
 
@@ -54,7 +54,7 @@ class ORVEX_CORE_API LockFile {
 
  private:
   void open();
-  void writeHolder(std::chrono::steady_clock::time_point now);
+  void writeHolder(std::chrono::steady_clock::time_point now) noexcept;
 
   const std::filesystem::path m_folder;
   std::filesystem::path m_path;

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "Utils/Log.h"
+#include "Utils/Printable.h"
 #include "platform/Posix/SystemLog.h"
 
 namespace quorveld {
@@ -26,6 +27,11 @@ std::string takeVariable(const char* name) {
   return text;
 }
 
+// A line behind it would be a field of its own.
+std::string toField(const std::string& status) {
+  return "STATUS=" + utils::toPrintable(status) + "\n";
+}
+
 }  // namespace
 
 ServiceManager::ServiceManager(platform::Clock& clock) : m_clock(clock) {
@@ -37,11 +43,11 @@ ServiceManager::ServiceManager(platform::Clock& clock) : m_clock(clock) {
 }
 
 void ServiceManager::tellReady(const std::string& status) const {
-  send("READY=1\nSTATUS=" + status + "\n");
+  send("READY=1\n" + toField(status));
 }
 
 void ServiceManager::tellStopping(const std::string& status) const {
-  send("STOPPING=1\nSTATUS=" + status + "\n");
+  send("STOPPING=1\n" + toField(status));
 }
 
 void ServiceManager::tellAlive() const {
@@ -55,7 +61,7 @@ void ServiceManager::tellAlive() const {
 }
 
 void ServiceManager::tellStatus(const std::string& status) const {
-  send("STATUS=" + status + "\n");
+  send(toField(status));
 }
 
 void ServiceManager::send(const std::string& text) const {

@@ -23,7 +23,8 @@ class ServiceManager {
   void tellStopping(const std::string& status) const;
   // To be called often while all is well: tells so in time, and not more often than that takes.
   void tellAlive() const;
-  // One line for a person.
+  // What a person reads, on one line: where the daemon has failed, the manager shows it longer than
+  // its own records, which come behind those of the daemon.
   void tellStatus(const std::string& status) const;
 
  private:

@@ -1,5 +1,6 @@
 #include "daemon/Posix/SocketOwner.h"
 
+#include <arpa/inet.h>
 #include <array>
 #include <cerrno>
 #include <cstddef>
@@ -11,10 +12,13 @@
 #include <netinet/in.h>
 #include <sys/time.h>
 
+#include "Utils/Log.h"
 #include "platform/Posix/Descriptor.h"
 
 namespace quorveld {
 namespace {
+
+constexpr utils::LogSource kLog{"SocketOwner"};
 
 // States of the kernel's include/net/tcp_states.h: ESTABLISHED, and FIN_WAIT1 and FIN_WAIT2, of a
 // client that has sent all it has to say.
@@ -69,6 +73,11 @@ bool ask(int netlink, sa_family_t family, const inet_diag_sockid& id) {
                   sizeof(kernel)) == sizeof(request);
 }
 
+bool readOwnEnd(const platform::Descriptor& socket, sockaddr_storage& address) {
+  socklen_t size = sizeof(address);
+  return ::getsockname(socket.get(), reinterpret_cast<sockaddr*>(&address), &size) == 0;
+}
+
 std::optional<uid_t> readOwner(int netlink) {
   alignas(nlmsghdr) std::array<std::byte, 8192> buffer{};
   ssize_t count = -1;
@@ -114,6 +123,29 @@ std::optional<uid_t> findTcpClient(const sockaddr_storage& client,
     return std::nullopt;
   }
   return readOwner(netlink.get());
+}
+
+void checkTcpClients(FindTcpClient find) noexcept {
+  const platform::Descriptor server(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  const platform::Descriptor client(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  sockaddr_in loopback{};
+  loopback.sin_family = AF_INET;
+  loopback.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  sockaddr_storage serverEnd{};
+  sockaddr_storage clientEnd{};
+  if (::bind(server.get(), reinterpret_cast<const sockaddr*>(&loopback), sizeof(loopback)) != 0 ||
+      ::listen(server.get(), 1) != 0 || !readOwnEnd(server, serverEnd) ||
+      ::connect(client.get(), reinterpret_cast<const sockaddr*>(&serverEnd), sizeof(loopback)) !=
+          0 ||
+      !readOwnEnd(client, clientEnd)) {
+    return;
+  }
+  if (!find(clientEnd, serverEnd)) {
+    utils::logError(
+        kLog, "quorveld::checkTcpClients",
+        "The kernel does not tell which users connect to loopback addresses, so none of "
+        "them is served there; load its module tcp_diag, or use the local socket");
+  }
 }
 
 std::optional<uid_t> findLocalClient(int socket) noexcept {

@@ -18,6 +18,14 @@ namespace quorveld {
 [[nodiscard]] std::optional<uid_t> findTcpClient(const sockaddr_storage& client,
                                                  const sockaddr_storage& server) noexcept;
 
+// How the user of a TCP connection is found.
+using FindTcpClient = std::optional<uid_t> (*)(const sockaddr_storage& client,
+                                               const sockaddr_storage& server) noexcept;
+
+// Logs an error where the kernel does not tell whose TCP connections are: it needs modules for it.
+// Tries that with a connection to this process, and says nothing where none can be made.
+void checkTcpClients(FindTcpClient find = findTcpClient) noexcept;
+
 // Returns the user who connected a local stream socket, nothing where `socket` is none.
 [[nodiscard]] std::optional<uid_t> findLocalClient(int socket) noexcept;
 

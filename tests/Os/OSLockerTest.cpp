@@ -5,6 +5,7 @@
 #include <functional>
 #include <future>
 #include <gmock/gmock.h>
+#include <new>
 #include <optional>
 
 #include "Os/OSLocker.h"
@@ -145,6 +146,15 @@ TEST_F(OSLockerRules, TellsWhomItWaitsFor) {
   EXPECT_EQ(m_locker.Lock(), 0);
   EXPECT_EQ(OSLocker::describeAwaited(), "");
   EXPECT_EQ(OSLocker::describeTimeout(), "");
+}
+
+TEST_F(OSLockerRules, WaitsForNobodyAnyMoreWhenItsWaitIsBrokenOff) {
+  m_locker.whileWaiting = [this] {
+    m_locker.noteWait(std::nullopt);
+    throw std::bad_alloc();
+  };
+  EXPECT_THROW(static_cast<void>(m_locker.Lock()), std::bad_alloc);
+  EXPECT_EQ(OSLocker::describeAwaited(), "");
 }
 
 TEST_F(OSLockerRules, TellsWhomItWaitedForInVainUntilItLocksAgain) {

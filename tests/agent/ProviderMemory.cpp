@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdlib>
 #include <new>
@@ -14,6 +15,8 @@ thread_local bool s_isWatched = false;
 thread_local int s_refused = 0;
 thread_local int s_requests = 0;
 thread_local std::array<void*, 32> s_live{};
+thread_local int s_passed = -1;
+std::atomic<int> s_refusedOnce{0};
 
 }  // namespace
 
@@ -37,7 +40,23 @@ int ProviderMemory::getLive() const {
       std::count_if(s_live.begin(), s_live.end(), [](void* object) { return object != nullptr; }));
 }
 
+void refuseMemoryOnce(int passed) {
+  s_passed = passed;
+}
+
+int countRefusedMemory() {
+  return s_refusedOnce;
+}
+
 namespace {
+
+[[maybe_unused]] bool takeRefusal() {
+  if (s_passed < 0 || s_passed-- != 0) {
+    return false;
+  }
+  ++s_refusedOnce;
+  return true;
+}
 
 [[maybe_unused]] void* allocate(std::size_t size) {
   return std::malloc(size != 0 ? size : 1);
@@ -65,7 +84,7 @@ namespace {
 #pragma GCC visibility push(default)
 
 void* operator new(std::size_t size) {
-  if (void* memory = test::allocate(size)) {
+  if (void* memory = test::takeRefusal() ? nullptr : test::allocate(size)) {
     return memory;
   }
   throw std::bad_alloc();

@@ -1,5 +1,5 @@
-// The memory of objects that the agent allocates without wanting an exception, as it does with its
-// providers.
+// Memory that there is not: for objects that the agent allocates without wanting an exception, as
+// it does with its providers, and for any others.
 
 #ifndef ORVEX_TESTS_AGENT_PROVIDERMEMORY_H_
 #define ORVEX_TESTS_AGENT_PROVIDERMEMORY_H_
@@ -21,6 +21,12 @@ class ProviderMemory {
   // Returns how many of the objects live.
   [[nodiscard]] int getLive() const;
 };
+
+// Has one allocation of this thread throw std::bad_alloc, that behind `passed` others; none where
+// the number is negative. Of none but those of the program that has this.
+void refuseMemoryOnce(int passed);
+// Returns how many have been refused so, of all threads.
+[[nodiscard]] int countRefusedMemory();
 
 }  // namespace test
 

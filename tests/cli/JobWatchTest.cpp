@@ -264,6 +264,12 @@ class FakeHostConnection : public client::Connection {
 class HostJobWatchTest : public testing::Test {
  protected:
   void endJob() { m_host.properties[0].value = client::Value(kCompleted); }
+  // Says when the job began.
+  void begin(const char* time) {
+    m_host.properties.resize(1);
+    m_host.properties.push_back(
+        {"StartTime", client::PropertySnapshot::Kind::Datetime, client::Value(std::string(time))});
+  }
 
   // Returns the message of the fault that ends the wait.
   std::string faultOfWait() {
@@ -292,6 +298,31 @@ TEST_F(HostJobWatchTest, GoesOnWhenTheHostAnswersAgain) {
   };
   EXPECT_EQ(faultOfWait(), "");
   EXPECT_EQ(m_host.looks, 6);
+}
+
+// A host that was started again begins to count its jobs anew.
+TEST_F(HostJobWatchTest, DoesNotFollowAnotherJobOfThatName) {
+  begin("20261122160600.480000+000");
+  m_host.onLook = [this] {
+    if (m_host.looks == 2) {
+      begin("20261122160631.120000+000");
+      endJob();
+    }
+  };
+  EXPECT_EQ(faultOfWait(), "the job " + std::string(kJobPath) +
+                               " is gone; 'quorvel --host x adapters' shows what the adapter "
+                               "holds");
+}
+
+TEST_F(HostJobWatchTest, KnowsItsJobWhereTheClocksAreChanged) {
+  begin("20261025025900.480000+120");
+  m_host.onLook = [this] {
+    if (m_host.looks == 2) {
+      begin("20261025015900.480000+060");
+      endJob();
+    }
+  };
+  EXPECT_EQ(faultOfWait(), "");
 }
 
 TEST_F(HostJobWatchTest, SaysHowToGoOnWhenTheHostAnswersNoMore) {

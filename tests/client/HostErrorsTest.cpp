@@ -43,6 +43,21 @@ TEST(HostErrors, SayWhoseLoginWasRefused) {
   EXPECT_EQ(faultOf(answer(403)), "https://lab:5989 does not allow this without a login");
 }
 
+TEST(HostErrors, SayTheReasonThatTheHostGives) {
+  http::ClientResponse refused{403, {{"content-type", "Text/Plain"}}, "Not \x1bhere.\nRead on."};
+  EXPECT_EQ(faultOf(refused), "https://lab:5989 does not allow this: Not \\x1bhere.");
+  EXPECT_EQ(faultOf(refused, "admin"),
+            "https://lab:5989 does not allow this to admin: Not \\x1bhere.");
+  refused.status = 400;
+  EXPECT_EQ(
+      faultOf(refused),
+      "https://lab:5989 refused the request with the HTTP status 400, and says: Not \\x1bhere.");
+  refused.body = std::string(1000, 'x');
+  EXPECT_THAT(faultOf(refused), testing::EndsWith(" says: " + std::string(300, 'x') + "..."));
+  refused.fields["content-type"] = "text/html";
+  EXPECT_THAT(faultOf(refused), testing::EndsWith("; its log may tell more"));
+}
+
 TEST(HostErrors, SayWhatAnswersThere) {
   EXPECT_THAT(faultOf(answer(404)), HasSubstr("serves no CIM-XML"));
   EXPECT_THAT(faultOf(answer(503)), HasSubstr("too busy"));

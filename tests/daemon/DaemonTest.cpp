@@ -312,6 +312,18 @@ TEST_F(DaemonTest, TellsTheServiceManager) {
   EXPECT_THAT(socket.receive(), StartsWith("STOPPING=1\n"));
 }
 
+TEST_F(DaemonTest, TellsTheServiceManagerWhyItDoesNotServe) {
+  const std::string path = (m_own.path() / "notify").string();
+  const test::DatagramSocket socket(path);
+  std::vector<test::EnvironmentChange> variables = environment();
+  variables.push_back({"NOTIFY_SOCKET", path});
+  const std::string config = write("bad.conf", "speed = 7\n");
+  EXPECT_EQ(
+      test::runProgram(test::programBeside("quorveld"), {"--config", config}, variables).exitStatus,
+      2);
+  EXPECT_THAT(socket.receive(), StartsWith("STATUS=" + config + ":1: there is no setting"));
+}
+
 TEST_F(DaemonTest, TellsTheServiceManagerThatItLives) {
   const std::string path = (m_own.path() / "notify").string();
   const test::DatagramSocket socket(path);

@@ -41,6 +41,13 @@ TEST_F(ServiceManagerTest, TellsHowTheDaemonDoes) {
   EXPECT_EQ(socket.receive(), "STATUS=Waiting\n");
 }
 
+TEST_F(ServiceManagerTest, TellsNothingButAStatusByItsText) {
+  const std::string path = (m_directory.path() / "notify").string();
+  const test::DatagramSocket socket(path);
+  managerAt(path).tellStatus("a\nMAINPID=1\x1b");
+  EXPECT_EQ(socket.receive(), "STATUS=a\\nMAINPID=1\\x1b\n");
+}
+
 TEST_F(ServiceManagerTest, TellsThatItLivesThreeTimesInTheTimeThatItHas) {
   const std::string path = (m_directory.path() / "notify").string();
   const test::DatagramSocket socket(path);

@@ -13,6 +13,7 @@
 
 #include "daemon/Posix/SocketOwner.h"
 #include "platform/Posix/Descriptor.h"
+#include "tests/support/LogCapture.h"
 #include "tests/support/Posix/ChildProcess.h"
 
 namespace {
@@ -167,6 +168,25 @@ INSTANTIATE_TEST_SUITE_P(Routes, SocketOwner,
                          [](const testing::TestParamInfo<Route>& entry) {
                            return "Route" + std::to_string(entry.index);
                          });
+
+TEST(TcpClient, IsToldByTheKernel) {
+  const test::LogCapture log;
+  quorveld::checkTcpClients();
+  EXPECT_THAT(log.records(), testing::IsEmpty());
+}
+
+TEST(TcpClient, IsMissedInTheLogWhereTheKernelTellsNone) {
+  const test::LogCapture log;
+  quorveld::checkTcpClients([](const sockaddr_storage& client,
+                               const sockaddr_storage& server) noexcept -> std::optional<uid_t> {
+    EXPECT_EQ(findTcpClient(client, server), geteuid());
+    return std::nullopt;
+  });
+  EXPECT_THAT(log.messages("quorveld::checkTcpClients"),
+              testing::ElementsAre("The kernel does not tell which users connect to loopback "
+                                   "addresses, so none of them is served there; load its module "
+                                   "tcp_diag, or use the local socket"));
+}
 
 TEST(TcpClient, IsNobodyOfAnotherFamily) {
   sockaddr_storage local{};

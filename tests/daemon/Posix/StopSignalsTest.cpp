@@ -74,6 +74,16 @@ TEST(StopSignals, LeavesASignalThatIsIgnoredIgnored) {
   EXPECT_EQ(child.wait(), 0);
 }
 
+// It would keep the flash lock that it has.
+TEST(StopSignals, IsNotStoppedByATerminal) {
+  test::ChildProcess child([](test::ChildProcess::Link&) {
+    const quorveld::StopSignals signals;
+    return std::signal(SIGTSTP, SIG_DFL) == SIG_IGN && std::signal(SIGTTOU, SIG_DFL) == SIG_IGN ? 0
+                                                                                                : 1;
+  });
+  EXPECT_EQ(child.wait(), 0);
+}
+
 TEST(StopSignals, BearsAReaderThatGoesAway) {
   test::ChildProcess child([](test::ChildProcess::Link&) {
     const quorveld::StopSignals signals;
