@@ -12,7 +12,8 @@
 #include <windows.h>
 
 #include "midapi/Windows/AccessList.h"
-#include "midapi/Windows/FolderEntries.h"
+#include "midapi/Windows/FolderTree.h"
+#include "platform/Directory.h"
 #include "platform/Mutex.h"
 #include "platform/Paths.h"
 #include "platform/Windows/Handle.h"
@@ -202,18 +203,16 @@ class WindowsFileSystem final : public FileSystem {
   }
 
   Folders folders(const fs::path& path) override {
-    const platform::NoErrorDialogs noDialogs;
     Folders found;
-    if (const DWORD error = forEachEntry(path,
-                                         [&found](const FolderEntry& entry) {
-                                           if (entry.isFolder) {
-                                             found.names.push_back(entry.name);
-                                           }
-                                           found.hasLinks = found.hasLinks || entry.isLink;
-                                           return true;
-                                         });
-        error != ERROR_SUCCESS) {
-      fail("read", path, error);
+    if (const std::error_code error =
+            platform::forEachEntry(path, [&found](const platform::DirectoryEntry& entry) {
+              if (entry.isDirectory) {
+                found.names.push_back(entry.name);
+              }
+              found.hasLinks = found.hasLinks || entry.isLink;
+              return true;
+            })) {
+      fail("read", path, static_cast<DWORD>(error.value()));
     }
     return found;
   }
@@ -234,17 +233,15 @@ class WindowsFileSystem final : public FileSystem {
   }
 
   std::vector<fs::path> entries(const fs::path& path, std::size_t max) override {
-    const platform::NoErrorDialogs noDialogs;
     std::vector<fs::path> names;
-    if (const DWORD error = forEachEntry(path,
-                                         [&names, max](const FolderEntry& entry) {
-                                           if (names.size() < max) {
-                                             names.push_back(entry.name);
-                                           }
-                                           return names.size() < max;
-                                         });
-        error != ERROR_SUCCESS) {
-      fail("read", path, error);
+    if (const std::error_code error =
+            platform::forEachEntry(path, [&names, max](const platform::DirectoryEntry& entry) {
+              if (names.size() < max) {
+                names.push_back(entry.name);
+              }
+              return names.size() < max;
+            })) {
+      fail("read", path, static_cast<DWORD>(error.value()));
     }
     return names;
   }
