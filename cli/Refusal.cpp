@@ -1,9 +1,7 @@
 #include "cli/Refusal.h"
 
-#include <filesystem>
 #include <memory>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 #include "Os/FileCalls.h"
@@ -13,6 +11,7 @@
 #include "cli/LocalWords.h"
 #include "client/ErrorRecords.h"
 #include "client/Texts.h"
+#include "platform/FileLook.h"
 #include "platform/Texts.h"
 
 namespace cli {
@@ -124,23 +123,21 @@ std::string adviseOnFile(const UpdateRequest& request) {
   if (path.empty() || request.isRemote) {
     return "";
   }
-  const auto found = std::make_shared<std::filesystem::file_status>();
-  const os::FileAnswer answer = os::fileCalls().make(path, [found, path] {
-    std::error_code error;
-    *found = std::filesystem::status(platform::toPath(path), error);
-  });
+  const auto found = std::make_shared<platform::FileKind>();
+  const os::FileAnswer answer = os::fileCalls().make(
+      path, [found, path] { *found = platform::lookAtFile(platform::toPath(path)).kind; });
   if (answer != os::FileAnswer::InTime) {
     return "the file system of '" + path + "' does not answer; try again when it does";
   }
-  const std::filesystem::file_status status = *found;
-  if (!std::filesystem::exists(status)) {
-    return "there is no file '" + path + "'; check the path";
-  }
-  if (std::filesystem::is_directory(status)) {
-    return "'" + path + "' is a directory; name the image file in it";
-  }
-  if (!std::filesystem::is_regular_file(status)) {
-    return "'" + path + "' is no regular file; name an image file";
+  switch (*found) {
+    case platform::FileKind::Missing:
+      return "there is no file '" + path + "'; check the path";
+    case platform::FileKind::Directory:
+      return "'" + path + "' is a directory; name the image file in it";
+    case platform::FileKind::Other:
+      return "'" + path + "' is no regular file; name an image file";
+    case platform::FileKind::Regular:
+      break;
   }
   return "";
 }

@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <map>
 #include <optional>
-#include <system_error>
 #include <utility>
 
 #include "Utils/Exception.h"
@@ -14,6 +13,7 @@
 #include "client/Fault.h"
 #include "client/ServedClasses.h"
 #include "core/CimPath.h"
+#include "platform/FileLook.h"
 #include "platform/Texts.h"
 
 namespace client {
@@ -72,9 +72,8 @@ bool isItsName(const Identity& identity, const std::string& text) {
 }
 
 bool isItsFile(const Identity& identity, const std::string& text) {
-  std::error_code error;
-  return identity.isFile && std::filesystem::equivalent(platform::toPath(identity.name),
-                                                        platform::toPath(text), error);
+  return identity.isFile &&
+         platform::areOneFile(platform::toPath(identity.name), platform::toPath(text));
 }
 
 bool isItsFileName(const Identity& identity, const std::string& text) {

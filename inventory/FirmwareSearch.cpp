@@ -9,6 +9,9 @@
 
 #include "Os/FileCalls.h"
 #include "Os/Files.h"
+#include "Utils/RefusalTexts.h"
+#include "platform/Directory.h"
+#include "platform/FileLook.h"
 #include "platform/Paths.h"
 #include "platform/Texts.h"
 
@@ -36,14 +39,13 @@ struct Listing {
 
 Entry lookAt(fs::path path) {
   Entry entry{std::move(path), {}, 0, {}};
-  std::error_code error;
-  const fs::file_status status = fs::status(entry.path, error);
-  if (!fs::exists(status)) {
+  const platform::FileLook look = platform::lookAtFile(entry.path);
+  if (look.kind == platform::FileKind::Missing) {
     entry.defect = "it cannot be found";
-  } else if (!fs::is_regular_file(status)) {
+  } else if (look.kind != platform::FileKind::Regular) {
     entry.defect = "it is no regular file";
   } else {
-    entry.size = fs::file_size(entry.path, error);
+    entry.size = look.size;
     entry.identity = platform::identifyFile(entry.path);
   }
   return entry;
@@ -53,19 +55,18 @@ Entry lookAt(fs::path path) {
 // have any number of them.
 void list(const fs::path& directory, std::size_t most, Listing& listing) {
   std::set<fs::path::string_type> names;
-  std::error_code ignored;
-  for (fs::directory_iterator entry(directory, listing.error), end; !listing.error && entry != end;
-       entry.increment(listing.error)) {
-    // A directory is left out in silence: an operator may keep files that are not offered in one.
-    if (entry->is_directory(ignored)) {
-      continue;
+  listing.error = platform::forEachEntry(directory, [&names, &listing, most](const auto& entry) {
+    // A directory is left out in silence: an operator may keep files that are not offered in
+    // one.
+    if (!entry.isDirectory) {
+      names.insert(entry.name.native());
     }
-    names.insert(entry->path().filename().native());
     if (names.size() > most) {
       names.erase(std::prev(names.end()));
       ++listing.leftOut;
     }
-  }
+    return true;
+  });
   for (const fs::path::string_type& name : names) {
     listing.entries.push_back(lookAt(directory / name));
   }
@@ -148,7 +149,8 @@ void FirmwareSearch::Look::searchDirectory(const fs::path& directory) {
     return;
   }
   if (listing->error) {
-    m_findings.addProblem(shown + "cannot be read: " + listing->error.message());
+    m_findings.addProblem(shown +
+                          "cannot be read: " + listing->error.default_error_condition().message());
   }
   if (listing->leftOut > 0) {
     m_findings.addProblem(shown + "has too many files: the last " +
@@ -204,8 +206,9 @@ FirmwareSearch::Known FirmwareSearch::Look::describe(const std::string& path, co
   const os::FileContent content = os::readContent(path, static_cast<std::int32_t>(entry.size));
   const auto size = static_cast<std::uint32_t>(content.size);
   if (size < entry.size) {  // it may have shrunk since
-    made.problem = "only " + std::to_string(size) + " of its " + std::to_string(entry.size) +
-                   " bytes could be read";
+    made.problem = os::isInUse(path) ? utils::refusal::kFileInUse
+                                     : "only " + std::to_string(size) + " of its " +
+                                           std::to_string(entry.size) + " bytes could be read";
     return made;
   }
   auto file = std::make_shared<FirmwareFile>();

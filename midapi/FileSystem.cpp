@@ -18,8 +18,14 @@ std::string describe(std::error_code code) {
 
 FileFault::FileFault(const std::string& operation, const std::filesystem::path& path,
                      std::error_code code)
-    : m_code(code),
-      m_text("cannot " + operation + " " + platform::toShownText(path) + ": " + describe(code)) {}
+    : FileFault(operation, path, describe(code)) {
+  m_code = code;
+}
+
+FileFault::FileFault(const std::string& operation, const std::filesystem::path& path,
+                     const std::string& reason)
+    : m_code(std::make_error_code(std::errc::operation_not_permitted)),
+      m_text("cannot " + operation + " " + platform::toShownText(path) + ": " + reason) {}
 
 bool FileFault::isMissingFile() const {
   return m_code == std::errc::no_such_file_or_directory;

@@ -1,8 +1,11 @@
-// Firmware files with names beyond ASCII.
+// Firmware files with names beyond ASCII, with long paths, and that are in use.
 
 #include <gmock/gmock.h>
 #include <string>
+#include <windows.h>
 
+#include "platform/Windows/Handle.h"
+#include "platform/Windows/SystemPath.h"
 #include "tests/inventory/FirmwareFilesFixture.h"
 #include "tests/support/Windows/Umlauts.h"
 
@@ -41,6 +44,31 @@ TEST_F(WindowsFirmwareFiles, WithoutATextAreReportedInsteadOfTheirLikenesses) {
   EXPECT_THAT(problems(),
               ElementsAre(leftOut(
                   shown, "its path has characters that the code page of this system lacks")));
+}
+
+TEST_F(WindowsFirmwareFiles, MayHavePathsOfAnyLength) {
+  const auto folder = firstDirectory() / std::string(150, 'a');
+  const auto file = folder / (std::string(150, 'b') + ".rom");
+  std::filesystem::create_directory(folder);
+  const auto native = platform::toSystemPath(file);
+  ASSERT_NE(CopyFileW(m_directory.write("image", firmware(1)).c_str(), native.c_str(), TRUE),
+            FALSE);
+  configure(folder.string());
+
+  EXPECT_THAT(find(), ElementsAre(file.generic_string()));
+  EXPECT_THAT(problems(), IsEmpty());
+  EXPECT_THAT(inventory::readFirmwareFile(file.string()), testing::Optional(firmware(1)));
+  DeleteFileW(native.c_str());
+}
+
+TEST_F(WindowsFirmwareFiles, ThatAreInUseAreReportedAsSuch) {
+  const std::string file = makeFile("first/a.rom", firmware(1));
+  const platform::Handle kept(
+      CreateFileA(file.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+  ASSERT_NE(kept.get(), INVALID_HANDLE_VALUE);
+
+  EXPECT_THAT(find(), IsEmpty());
+  EXPECT_THAT(problems(), ElementsAre(leftOut(file, "it is in use by another program")));
 }
 
 }  // namespace
