@@ -2,13 +2,8 @@
 // line of a log: nothing in it can command the terminal, begin a line of its own, or show in
 // another order than it stands. Any thread.
 //
-// Escaped are
-//   U+0000..U+001F, U+007F, U+0080..U+009F    control characters
-//   U+061C, U+200E, U+200F, U+202A..U+202E,   what turns the direction of writing
-//     U+2066..U+2069
-//   U+2028, U+2029                            what begins a line or a paragraph
-//   U+FEFF                                    what is not seen at all
-//   and each byte that belongs to no character.
+// Escaped is each character that platform::isPrintable (platform/Utf8.h) says does not show as
+// itself, and each byte that belongs to no character.
 
 #ifndef ORVEX_UTILS_PRINTABLE_H_
 #define ORVEX_UTILS_PRINTABLE_H_

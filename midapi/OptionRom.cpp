@@ -120,7 +120,7 @@ class ImageParser {
     if (!holds(m_rest, 0, header::kSize)) {
       return "only " + std::to_string(m_rest.size()) + " bytes are left, too few for a ROM header";
     }
-    if (m_rest[0] != 0x55 || m_rest[1] != 0xAA) {
+    if (!isOptionRom(m_rest)) {
       return "no 55 AA signature";
     }
     m_image.dataStructure = word(m_rest, header::kDataStructure);
@@ -287,6 +287,10 @@ bool OptionRomImage::isFor(std::uint16_t vendorId, std::uint16_t deviceId) const
 
 std::string RomDefect::toString() const {
   return "image " + std::to_string(image) + " at " + hex(offset) + ": " + reason;
+}
+
+bool isOptionRom(RomBytes bytes) {
+  return bytes.size() >= 2 && bytes[0] == 0x55 && bytes[1] == 0xAA;
 }
 
 RomChain parseRomChain(RomBytes bytes) {

@@ -62,6 +62,9 @@ struct RomChain {
   [[nodiscard]] bool isValid() const { return !defect.has_value(); }
 };
 
+// Returns whether the bytes begin as a ROM does, sound or not.
+[[nodiscard]] bool isOptionRom(RomBytes bytes);
+
 // Reads and checks a whole chain: signatures, lengths, PCI Data Structures, byte sums, expansion
 // headers, device lists, last-image bits, and that only padding follows the last image.
 [[nodiscard]] RomChain parseRomChain(RomBytes bytes);

@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "platform/Utf8.h"
+
 // Inputs that are refused fill no system log.
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
   return setenv("ZOLAN_Quorvel_LOG_LEVEL", "0", 1);
@@ -15,6 +17,14 @@ void require(bool condition, const char* what, int line) {
   if (!condition) {
     std::fprintf(stderr, "line %d: not so: %s\n", line, what);
     std::abort();
+  }
+}
+
+void requirePrintable(std::string_view text) {
+  while (!text.empty()) {
+    const auto character = platform::readCharacter(text);
+    require(character && platform::isPrintable(character->point), "a text is fit for a terminal");
+    text.remove_prefix(character->length);
   }
 }
 

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include "cimxml/ObjectName.h"
 
@@ -16,6 +17,9 @@ namespace test {
 
 // Ends the program, which counts as a crash, unless the condition holds that `what` states.
 void require(bool condition, const char* what, int line = __builtin_LINE());
+
+// Requires UTF-8 that shows as itself on a terminal.
+void requirePrintable(std::string_view text);
 
 // Returns whether a text in the name has a backslash: a path cannot tell it from one that escapes.
 [[nodiscard]] bool hasBackslash(const cimxml::ObjectName& name);

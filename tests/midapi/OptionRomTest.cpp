@@ -106,6 +106,14 @@ TEST(OptionRom, AcceptsPaddingBehindTheLastImageOnly) {
   EXPECT_FALSE(parseRomChain(withTrailing(0x00).trailing(1, 0xFF).build()).isValid());
 }
 
+TEST(OptionRom, BeginsWithItsSignature) {
+  EXPECT_TRUE(ma::isOptionRom(Bytes({0x55, 0xAA})));
+  EXPECT_FALSE(ma::isOptionRom(Bytes({0x55})));
+  EXPECT_FALSE(ma::isOptionRom(Bytes({0xAA, 0x55})));
+  EXPECT_FALSE(ma::isOptionRom(Bytes({0x55, 0x55})));
+  EXPECT_FALSE(ma::isOptionRom({}));
+}
+
 TEST(OptionRom, RefusesBlankAndEmptyInput) {
   EXPECT_THAT(parseRomChain({}).defect->toString(), HasSubstr("there are no bytes"));
   EXPECT_FALSE(parseRomChain(Bytes(4096, 0xFF)).isValid());

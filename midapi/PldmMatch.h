@@ -1,0 +1,42 @@
+// Which of a package's records are for an adapter, by the rule of the kernel's own reader
+// (pldmfw_op_pci_match_record of lib/pldmfw, Linux 6.1).
+//
+// Pure functions; they throw nothing but std::bad_alloc.
+
+#ifndef ORVEX_MIDAPI_PLDMMATCH_H_
+#define ORVEX_MIDAPI_PLDMMATCH_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "midapi/PldmPackage.h"
+
+namespace ma {
+
+// What PCI says of a function.
+struct PciIds {
+  std::uint16_t vendor = 0;
+  std::uint16_t device = 0;
+  std::uint16_t subsystemVendor = 0;
+  std::uint16_t subsystemDevice = 0;
+
+  friend bool operator==(const PciIds&, const PciIds&) = default;
+};
+
+// Returns whether each of the four ids that the record names is the function's. An id that is 0 or
+// absent means any, and of one that is named twice the last counts; descriptors of other types do
+// not matter. So a record that names none of the four is for every adapter: namesDevice tells.
+[[nodiscard]] bool isFor(const PldmRecord& record, const PciIds& ids);
+
+// Returns whether the record names a vendor and a device, neither of them any.
+[[nodiscard]] bool namesDevice(const PldmRecord& record);
+
+// Returns the indexes of the device records that are for the adapter, in their order. The kernel
+// takes the first, and writes the components that it names.
+[[nodiscard]] std::vector<std::size_t> findRecordsFor(const PldmPackage& package,
+                                                      const PciIds& ids);
+
+}  // namespace ma
+
+#endif  // ORVEX_MIDAPI_PLDMMATCH_H_
