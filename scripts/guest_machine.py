@@ -9,6 +9,8 @@ EMULATOR = "qemu-system-x86_64"
 PASSED, FAILED = 65, 33   # the emulator's status for the verdicts 32 and 16 of tests/guest/run-stories
 MEMORY = "384"            # MiB
 CONSOLE_LINES = 40        # that are shown of a machine that has not come to its end
+# What the emulator says of every adapter that is connected with nothing, and of the settings of its firmware.
+USUAL = ("has no peer", "externally provided fw_cfg item names")
 
 
 class Result:
@@ -65,7 +67,7 @@ class Machine:
         seconds = time.monotonic() - began
         complaint = self.complaint(status, limit, {result.name for result in results}, stories)
         if complaint:
-            text = "".join([complaint, "\n", tail(log), tail(self.console)])
+            text = "".join([complaint, "\n", self.last_story(results, stories), tail(log), tail(self.console)])
             results.append(Result("machine", False, seconds, text))
         elif all(result.passed for result in results) != (status == PASSED):
             results.append(Result("machine", False, seconds, f"the verdict {status} is not that of the results\n"))
@@ -80,6 +82,15 @@ class Machine:
             return f"the machine has ended without a verdict (status {status} of {EMULATOR})"
         if missing and status == PASSED:
             return f"these stories were not run: {' '.join(missing)}"
+        return ""
+
+    def last_story(self, results, stories):
+        """Returns in which story the machine was, and what that has said."""
+        named = {result.name for result in results}
+        for name in stories:
+            said = os.path.join(self.folder, f"{name}.log")
+            if name not in named and os.path.exists(said):
+                return f"it was in the story {name}:\n{tail(said)}"
         return ""
 
     def read_results(self):
@@ -109,4 +120,5 @@ def tail(path, lines=CONSOLE_LINES):
             text = "".join(letter for letter in stream.read() if letter >= " " or letter in "\n\t")
     except FileNotFoundError:
         return ""
-    return "".join(line + "\n" for line in text.splitlines()[-lines:])
+    shown = [line for line in text.splitlines() if line.strip() and not any(usual in line for usual in USUAL)]
+    return "".join(line + "\n" for line in shown[-lines:])
