@@ -56,32 +56,21 @@ adapters() {
   done
 }
 
-# describe NAME: sets, of any adapter, `address` (of function 0), `slot` and `driver`; of a stock adapter `rom`
-# and `modules`; of a board `functions`, `ports` (of each function), `serial`, `undi` and `mgmt` (the versions
-# that it comes with).
+# describe NAME: sets, of any adapter, `slot`, `address` (of function 0), `addresses` (an array, of all functions)
+# and `driver`; of a stock adapter `rom` and `modules`; of a board `ports` (of each function), `serial`, `undi`
+# and `mgmt` (the versions that it comes with).
 describe() {
-  [ -n "${adapter_lines[$1]:-}" ] || fail "there is no adapter $1"
-  if [ "${adapter_kinds[$1]}" = stock ]; then
-    read -r slot driver rom modules <<<"${adapter_lines[$1]}"
-  else
-    read -r slot driver functions ports serial undi mgmt <<<"${adapter_lines[$1]}"
-  fi
-  address=$slot.0
-}
-
-# address_of NAME [FUNCTION]
-address_of() {
-  describe "$1"
-  echo "$slot.${2:-0}"
-}
-
-# functions_of NAME: prints the addresses of a board's functions.
-functions_of() {
-  local function
-  describe "$1"
+  local functions=1 function
+  case ${adapter_kinds[$1]:-} in
+    stock) read -r slot driver rom modules <<<"${adapter_lines[$1]}" ;;
+    board) read -r slot driver functions ports serial undi mgmt <<<"${adapter_lines[$1]}" ;;
+    *) fail "there is no adapter $1" ;;
+  esac
+  addresses=()
   for ((function = 0; function < functions; function++)); do
-    echo "$slot.$function"
+    addresses+=("$slot.$function")
   done
+  address=${addresses[0]}
 }
 
 # ports_of ADDRESS: prints the network devices of a function. Those of virtio have a device between.
@@ -99,7 +88,7 @@ load() { [ -e "/sys/module/$1" ] || insmod "$modules_folder/$1.ko"; }
 bind() {
   local function
   describe "$1"
-  for function in $(functions_of "$1"); do
+  for function in "${addresses[@]}"; do
     echo "$driver" >"$devices/$function/driver_override"
     echo "$function" >/sys/bus/pci/drivers_probe
     [ -e "$devices/$function/driver" ] || fail "$1: $driver has not taken $function: $(dmesg | tail -n 5)"
@@ -109,7 +98,8 @@ bind() {
 # unbind NAME: takes them away from it.
 unbind() {
   local function
-  for function in $(functions_of "$1"); do
+  describe "$1"
+  for function in "${addresses[@]}"; do
     [ ! -e "$devices/$function/driver" ] || echo "$function" >"$devices/$function/driver/unbind"
   done
 }
@@ -134,7 +124,7 @@ prepare_machine() {
 
 # ---- boards ----
 
-# fresh_board NAME: sets a board back to what it comes with.
+# fresh_board NAME: sets a board back to what it comes with, and describes it.
 fresh_board() {
   unbind "$1"
   dd if="$flashes/$1.new" of="$flashes/$1.flash" bs=64k conv=notrunc status=none
