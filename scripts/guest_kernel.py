@@ -35,7 +35,8 @@ class Kernel:
             with open(os.path.join(self.packages, "list"), encoding="utf-8") as stream:
                 self.version, *self.files = stream.read().split()
         except (OSError, ValueError):
-            raise CannotPrepare(f"{self.packages} holds no packages of a kernel; run scripts/setup --for guest") from None
+            raise CannotPrepare(f"{self.packages} holds no packages of a kernel; run scripts/setup --for "
+                                "guest") from None
         self.folder = os.path.join(folder, self.version)
         self.vmlinux = os.path.join(self.folder, "vmlinux")
         self.modules = os.path.join(self.folder, "modules")

@@ -37,7 +37,8 @@ class Board:
     serial: str
     undi: str        # versions that it comes with
     mgmt: str
-    driver: str = "testnic"
+    driver: str = "testnic"     # the module takes any name
+    has_devlink: bool = True    # else the driver knows ETHTOOL_FLASHDEV alone
 
 
 STOCK = (
@@ -71,7 +72,7 @@ BOARDS = (
     Board("kept", 16, "rtl8139", "pxe-rtl8139.rom", 2, 1, "TN-0001", "1.0.0", "7.1.0"),
     Board("pair", 17, "rtl8139", "pxe-rtl8139.rom", 2, 1, "TN-0002", "1.0.0", "7.1.0"),
     Board("dual", 18, "e1000e", "pxe-e1000e.rom", 1, 2, "TN-0003", "1.4.2", "7.3.0"),
-    Board("plain", 19, "e1000e", "pxe-e1000e.rom", 1, 2, "TN-0004", "1.0.0", "6.0.1", "testnic_ethtool"),
+    Board("plain", 19, "e1000e", "pxe-e1000e.rom", 1, 2, "TN-0004", "1.0.0", "6.0.1", "testnic_ethtool", False),
 )
 
 
@@ -128,6 +129,16 @@ def emulator_arguments(start, flashes, folder):
             arguments += ["-device", f"{board.device},addr={board.slot:x}.{function},romfile="]
         arguments += ["-device", f"ivshmem-plain,addr={board.slot:x}.{board.functions},memdev={board.name}"]
     return arguments
+
+
+def driver_parameters():
+    """Returns the parameters of the test driver's module, which give it its names."""
+    parameters = []
+    for parameter, has_devlink in (("devlink_drivers", True), ("ethtool_drivers", False)):
+        names = sorted({board.driver for board in BOARDS if board.has_devlink == has_devlink})
+        if names:
+            parameters.append(f"{parameter}={','.join(names)}")
+    return " ".join(parameters)
 
 
 def escape(path):

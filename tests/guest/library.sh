@@ -84,6 +84,11 @@ ports_of() {
 # load MODULE
 load() { [ -e "/sys/module/$1" ] || insmod "$modules_folder/$1.ko"; }
 
+load_test_driver() {
+  # shellcheck disable=SC2086 # one word for each parameter
+  insmod "$test_driver" $driver_parameters
+}
+
 # bind NAME: gives all functions of a board to its driver.
 bind() {
   local function
@@ -109,7 +114,7 @@ prepare_machine() {
   local name module
   mkdir -p /lib/firmware
   ln -s "$firmware" /lib/firmware/guest
-  insmod "$test_driver"
+  load_test_driver
   # Before the stock modules, which would take the boards, too.
   for name in $(adapters board); do
     bind "$name"

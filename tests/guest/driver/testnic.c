@@ -15,8 +15,8 @@
  * have; whoever makes the file writes it. What runs is what the flash held when the first function of the
  * board was bound, or at the last activation.
  *
- * There are two drivers: one with devlink, and one that knows ETHTOOL_FLASHDEV alone. Their names are
- * parameters, since users decide by a driver's name what they may send to it.
+ * It is several drivers: some have devlink, and some know ETHTOOL_FLASHDEV alone. Their names are parameters,
+ * since users decide by a driver's name what they may send to it.
  *
  * In the folder testnic/SLOT of debugfs, for each board:
  *   step_ms   what each of the 20 steps of a write takes
@@ -49,13 +49,17 @@
 #define TESTNIC_NEVER		101		/* percent */
 #define TESTNIC_MGMT_MAGIC	"MGMT"		/* what a file for fw.mgmt alone begins with */
 
-static char *devlink_driver = "testnic";
-module_param(devlink_driver, charp, 0444);
-MODULE_PARM_DESC(devlink_driver, "name of the driver that has devlink");
+#define TESTNIC_MAX_DRIVERS	4	/* of each kind */
 
-static char *ethtool_driver = "testnic_ethtool";
-module_param(ethtool_driver, charp, 0444);
-MODULE_PARM_DESC(ethtool_driver, "name of the driver that has ETHTOOL_FLASHDEV alone");
+static char *devlink_drivers[TESTNIC_MAX_DRIVERS] = { "testnic" };
+static int devlink_driver_count = 1;
+module_param_array(devlink_drivers, charp, &devlink_driver_count, 0444);
+MODULE_PARM_DESC(devlink_drivers, "names of the drivers that have devlink");
+
+static char *ethtool_drivers[TESTNIC_MAX_DRIVERS] = { "testnic_ethtool" };
+static int ethtool_driver_count = 1;
+module_param_array(ethtool_drivers, charp, &ethtool_driver_count, 0444);
+MODULE_PARM_DESC(ethtool_drivers, "names of the drivers that have ETHTOOL_FLASHDEV alone");
 
 static uint step_ms = 2;
 module_param(step_ms, uint, 0644);
@@ -386,7 +390,7 @@ static void testnic_get_drvinfo(struct net_device *netdev, struct ethtool_drvinf
 	struct testnic_port *port = netdev_priv(netdev);
 	char running[TESTNIC_TEXT], stored[TESTNIC_TEXT];
 
-	strscpy(info->driver, ethtool_driver, sizeof(info->driver));
+	strscpy(info->driver, dev_driver_string(&port->nic->pdev->dev), sizeof(info->driver));
 	strscpy(info->bus_info, pci_name(port->nic->pdev), sizeof(info->bus_info));
 	testnic_get_versions(port->nic->board, TESTNIC_MGMT, running, stored);
 	strscpy(info->fw_version, running, sizeof(info->fw_version));
@@ -502,7 +506,7 @@ static int testnic_info_get(struct devlink *devlink, struct devlink_info_req *re
 	char text[TESTNIC_TEXT], running[TESTNIC_TEXT], stored[TESTNIC_TEXT];
 	int i, err;
 
-	err = devlink_info_driver_name_put(req, devlink_driver);
+	err = devlink_info_driver_name_put(req, dev_driver_string(&nic->pdev->dev));
 	if (err)
 		return err;
 	testnic_get_text(text, testnic_record(nic->board)->serial);
@@ -770,7 +774,7 @@ static int testnic_init(struct testnic *nic, struct pci_dev *pdev)
 	return 0;
 }
 
-/* ---- the driver that has devlink ---- */
+/* ---- drivers that have devlink ---- */
 
 static int testnic_probe(struct pci_dev *pdev, const struct pci_device_id *id)
 {
@@ -814,13 +818,7 @@ static void testnic_remove(struct pci_dev *pdev)
 	devlink_free(devlink);
 }
 
-static struct pci_driver testnic_driver = {
-	.probe = testnic_probe,
-	.remove = testnic_remove,
-	.dev_groups = testnic_groups,
-};
-
-/* ---- the driver that has none ---- */
+/* ---- drivers that have none ---- */
 
 static int testnic_ethtool_probe(struct pci_dev *pdev, const struct pci_device_id *id)
 {
@@ -853,42 +851,51 @@ static void testnic_ethtool_remove(struct pci_dev *pdev)
 	kfree(nic);
 }
 
-static struct pci_driver testnic_ethtool_driver = {
-	.probe = testnic_ethtool_probe,
-	.remove = testnic_ethtool_remove,
-	.dev_groups = testnic_groups,
-};
-
 /* ---- the module ---- */
+
+static struct pci_driver testnic_drivers[2 * TESTNIC_MAX_DRIVERS];
+static int testnic_driver_count;
+
+static void testnic_remove_drivers(void)
+{
+	while (testnic_driver_count > 0)
+		pci_unregister_driver(&testnic_drivers[--testnic_driver_count]);
+	debugfs_remove_recursive(testnic_debugfs);
+}
+
+static int __init testnic_add_driver(const char *name, bool has_devlink)
+{
+	struct pci_driver *driver = &testnic_drivers[testnic_driver_count];
+	int err;
+
+	driver->name = name;
+	driver->probe = has_devlink ? testnic_probe : testnic_ethtool_probe;
+	driver->remove = has_devlink ? testnic_remove : testnic_ethtool_remove;
+	driver->dev_groups = testnic_groups;
+	err = pci_register_driver(driver);
+	if (!err)
+		testnic_driver_count++;
+	return err;
+}
 
 static int __init testnic_module_init(void)
 {
-	int err;
+	int i, err = 0;
 
 	testnic_debugfs = debugfs_create_dir("testnic", NULL);
-	testnic_driver.name = devlink_driver;
-	testnic_ethtool_driver.name = ethtool_driver;
-	err = pci_register_driver(&testnic_driver);
+	for (i = 0; i < devlink_driver_count && !err; i++)
+		err = testnic_add_driver(devlink_drivers[i], true);
+	for (i = 0; i < ethtool_driver_count && !err; i++)
+		err = testnic_add_driver(ethtool_drivers[i], false);
 	if (err)
-		goto err_debugfs;
-	err = pci_register_driver(&testnic_ethtool_driver);
-	if (err)
-		goto err_driver;
-	return 0;
-
-err_driver:
-	pci_unregister_driver(&testnic_driver);
-err_debugfs:
-	debugfs_remove_recursive(testnic_debugfs);
+		testnic_remove_drivers();
 	return err;
 }
 module_init(testnic_module_init);
 
 static void __exit testnic_module_exit(void)
 {
-	pci_unregister_driver(&testnic_ethtool_driver);
-	pci_unregister_driver(&testnic_driver);
-	debugfs_remove_recursive(testnic_debugfs);
+	testnic_remove_drivers();
 }
 module_exit(testnic_module_exit);
 
