@@ -109,8 +109,8 @@ class Machine:
         return results
 
     def open_shell(self):
-        """Runs it with its console here, until its user ends it."""
-        return subprocess.run(self.command("stdio"), check=False).returncode
+        """Runs it with its console here, until its user ends it there, or the emulator with Ctrl-A X."""
+        return subprocess.run(self.command("mon:stdio"), check=False).returncode
 
 
 def tail(path, lines=CONSOLE_LINES):
