@@ -1,0 +1,127 @@
+"""One start of the guest: the emulator as a child of ours, with a time limit, and what came of it."""
+
+import os
+import shlex
+import subprocess
+import time
+
+EMULATOR = "qemu-system-x86_64"
+PASSED, FAILED = 65, 33   # the emulator's status for the verdicts 32 and 16 of tests/guest/run-stories
+MEMORY = "384"            # MiB
+# With panic=-1 a panic ends the emulator. A busy host lets the check of the timer fail, and tearing network devices
+# down waits for grace periods.
+KERNEL_ARGUMENTS = "console=ttyS0 quiet panic=-1 no_timer_check rcupdate.rcu_expedited=1 nowatchdog"
+CONSOLE_LINES = 40        # that are shown of a machine that has not come to its end
+# What the emulator says of every adapter that is connected with nothing, and of the settings of its firmware.
+USUAL = ("has no peer", "externally provided fw_cfg item names")
+
+
+class Result:
+    """What a story came to."""
+
+    def __init__(self, name, passed, seconds, text):
+        self.name, self.passed, self.seconds, self.text = name, passed, seconds, text
+
+
+def escape(path):
+    """Returns a path as the emulator's options take it."""
+    return path.replace(",", ",,")
+
+
+class Machine:
+    """A start of the guest. Its files are in `folder`, which the guest has under the same path."""
+
+    def __init__(self, run, folder, kernel, adapters):
+        self.run, self.folder, self.kernel, self.adapters = run, folder, kernel, adapters
+        self.console = os.path.join(folder, "console.log")
+        self.results = os.path.join(folder, "results")
+        self.first = os.path.join(folder, "first.gz")
+
+    def settings(self, **more):
+        """Returns what init and run-stories read, as the shell does."""
+        values = {"run": self.run, "here": self.folder, "results": self.results, **more}
+        return "".join(f"{name}={shlex.quote(str(value))}\n" for name, value in values.items())
+
+    def command(self, serial):
+        share = "local,security_model=none"
+        return [
+            EMULATOR, "-accel", "tcg", "-machine", "pc,graphics=off", "-m", MEMORY, "-nodefaults", "-display", "none",
+            "-no-reboot", "-serial", serial, "-kernel", self.kernel.vmlinux, "-initrd", self.first,
+            "-append", KERNEL_ARGUMENTS,
+            "-device", "isa-debug-exit,iobase=0xf4,iosize=1",
+            "-fsdev", f"{share},id=host,path=/,readonly=on,multidevs=remap",
+            "-device", "virtio-9p-pci,addr=2,fsdev=host,mount_tag=host",
+            "-fsdev", f"{share},id=run,path={escape(self.run)}",
+            "-device", "virtio-9p-pci,addr=3,fsdev=run,mount_tag=run",
+            *self.adapters]
+
+    def start(self, stories, limit):
+        """Runs it to its end, for `limit` seconds at the most; returns a result for each story, and one more,
+        `machine`, for the start itself."""
+        began = time.monotonic()
+        log = os.path.join(self.folder, "emulator.log")
+        with open(log, "wb") as output:
+            try:
+                status = subprocess.run(self.command(f"file:{self.console}"), stdin=subprocess.DEVNULL,
+                                        stdout=output, stderr=output, timeout=limit, check=False).returncode
+            except subprocess.TimeoutExpired:
+                status = None
+        results = self.read_results()
+        seconds = time.monotonic() - began
+        complaint = self.complaint(status, limit, {result.name for result in results}, stories)
+        if complaint:
+            text = "".join([complaint, "\n", self.last_story(results, stories), tail(log), tail(self.console)])
+            results.append(Result("machine", False, seconds, text))
+        elif all(result.passed for result in results) != (status == PASSED):
+            results.append(Result("machine", False, seconds, f"the verdict {status} is not that of the results\n"))
+        return results
+
+    def complaint(self, status, limit, named, stories):
+        """Returns what is wrong with the start as a whole, nothing where it came to its end."""
+        missing = [name for name in stories if name not in named]
+        if status is None:
+            return f"the machine has not ended after {limit} s and was switched off"
+        if status not in (PASSED, FAILED):
+            return f"the machine has ended without a verdict (status {status} of {EMULATOR})"
+        if missing and status == PASSED:
+            return f"these stories were not run: {' '.join(missing)}"
+        return ""
+
+    def last_story(self, results, stories):
+        """Returns in which story the machine was, and what that has said."""
+        named = {result.name for result in results}
+        for name in stories:
+            said = os.path.join(self.folder, f"{name}.log")
+            if name not in named and os.path.exists(said):
+                return f"it was in the story {name}:\n{tail(said)}"
+        return ""
+
+    def read_results(self):
+        results = []
+        try:
+            with open(self.results, encoding="utf-8") as stream:
+                lines = stream.read().splitlines()
+        except FileNotFoundError:
+            return results
+        for line in lines:
+            status, milliseconds, name = line.split()
+            text = tail(os.path.join(self.folder, f"{name}.log"))
+            if status == "124":
+                text += "stopped: it took too long\n"
+            results.append(Result(name, status == "0", int(milliseconds) / 1000, text))
+        return results
+
+    def open_shell(self):
+        """Runs it with its console here, until its user ends it there, or the emulator with Ctrl-A X."""
+        return subprocess.run(self.command("mon:stdio"), check=False).returncode
+
+
+def tail(path, lines=CONSOLE_LINES):
+    """Returns a text's last lines, fit to be shown."""
+    try:
+        with open(path, encoding="utf-8", errors="replace") as stream:
+            text = "".join(letter for letter in stream.read() if letter >= " " or letter in "\n\t")
+    except FileNotFoundError:
+        return ""
+    shown = [line for line in text.splitlines() if line.strip() and not any(usual in line for usual in USUAL)]
+    return "".join(line + "\n" for line in shown[-lines:])
