@@ -30,7 +30,7 @@ class Orvex_ElementSoftwareIdentity : public CIM_Dependency {
   //   other types    an image whose types are not those that the adapter holds
   //   not updatable  an image for an adapter whose firmware cannot be replaced
   //   unknown        an image, where the adapter's flash or the image could not be read, or not in
-  //                  time
+  //                  time, or the adapter has changed since
   core::CimPropertyString Comparison{"Comparison", this};
 };
 

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <string>
 
+#include "tests/daemon/Posix/ErrorsTo.h"
 #include "tests/daemon/Posix/OwnSystemLog.h"
 #include "tests/daemon/Posix/QuorveldFixture.h"
 #include "tests/support/WaitUntil.h"
@@ -56,6 +57,20 @@ TEST_F(AuditEnd, WritesWhatWaitsWhenItIsStopped) {
   }));
   EXPECT_EQ(daemon().wait(), 0);
   EXPECT_THAT(records + m_log.takeAll(), HasSubstr(kRecord));
+}
+
+TEST_F(AuditEnd, WritesToStandardErrorWhatTheLogHasNotTakenInTheEnd) {
+  const std::string errors = path("errors").string();
+  {
+    const test::ErrorsTo file(errors);
+    EXPECT_TRUE(m_log.run([this] { start(); }));
+  }
+  m_log.fill();
+  install();
+  EXPECT_THAT(test::readText(errors), Not(HasSubstr(kRecord)));
+  daemon().signal(SIGTERM);
+  EXPECT_EQ(daemon().wait(), 0);
+  EXPECT_THAT(test::readText(errors), HasSubstr(kRecord));
 }
 
 TEST_F(AuditEnd, LosesByAKillWhatALogThatDoesNotReadHasNotTaken) {

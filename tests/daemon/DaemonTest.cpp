@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
-#include <fcntl.h>
 #include <filesystem>
 #include <future>
 #include <gmock/gmock.h>
@@ -13,8 +12,8 @@
 
 #include "daemon/Daemon.h"
 #include "http/Client.h"
-#include "platform/Posix/Descriptor.h"
 #include "tests/Os/Posix/HungMount.h"
+#include "tests/daemon/Posix/ErrorsTo.h"
 #include "tests/daemon/Posix/HungFile.h"
 #include "tests/daemon/Posix/QuorveldFixture.h"
 #include "tests/support/Posix/DatagramSocket.h"
@@ -27,23 +26,6 @@ using test::ContainsRegex;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::StartsWith;
-
-// Has the program that is started meanwhile write its errors to a file.
-class ErrorsTo {
- public:
-  explicit ErrorsTo(const std::string& file)
-      : m_file(open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600)) {
-    EXPECT_TRUE(m_file.isOpen());
-    dup2(m_file.get(), STDERR_FILENO);
-  }
-  ErrorsTo(const ErrorsTo&) = delete;
-  ErrorsTo& operator=(const ErrorsTo&) = delete;
-  ~ErrorsTo() { dup2(m_before.get(), STDERR_FILENO); }
-
- private:
-  const platform::Descriptor m_before{dup(STDERR_FILENO)};
-  const platform::Descriptor m_file;
-};
 
 class DaemonTest : public test::QuorveldFixture {
  protected:
@@ -125,7 +107,7 @@ TEST_F(DaemonTest, NamesTheLocalUserWhoseLoginItRefuses) {
   const std::string config = write("users.conf", writeUsers());
   std::optional<test::RunningQuorveld> running;
   {
-    const ErrorsTo file(errors);
+    const test::ErrorsTo file(errors);
     running.emplace(
         Arguments{"--config", config, "--listen", "127.0.0.1:0", "--listen", "unix:" + socket},
         environment());
@@ -341,7 +323,7 @@ TEST_F(DaemonTest, TellsTheServiceManagerThatItLives) {
 TEST_F(DaemonTest, ServesOnAndUpdatesWhereItsErrorsGoToAFullDisk) {
   addPxeAdapter("0000:03:00", 2);
   {
-    const ErrorsTo disk("/dev/full");
+    const test::ErrorsTo disk("/dev/full");
     start("log-level = 3\n");
   }
   const std::string rom = writeRom("new.rom", {pxe(3)});
