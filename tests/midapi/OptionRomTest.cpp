@@ -157,6 +157,34 @@ TEST(OptionRom, FindsThePnpHeaderBehindAnotherExpansionHeader) {
   EXPECT_EQ(chain.images[0].type, FirmwareType::Iscsi);
 }
 
+// Returns the type of an image whose $PnP header stands behind so many others.
+FirmwareType typeBehind(std::size_t others) {
+  constexpr std::size_t kFirst = 0x1F0;
+  Bytes rom = RomBuilder().add(RomImage::legacy().product("iSCSI")).build();
+  rom[0x1A] = kFirst & 0xFFU;
+  rom[0x1B] = kFirst >> 8U;
+  for (std::size_t i = 0; i < others; ++i) {
+    const std::size_t next = i + 1 < others ? kFirst + 8 * (i + 1) : 0x40;
+    const Bytes other = {'$',
+                         'A',
+                         'B',
+                         'C',
+                         1,
+                         1,
+                         static_cast<std::uint8_t>(next & 0xFFU),
+                         static_cast<std::uint8_t>(next >> 8U)};
+    std::copy(other.begin(), other.end(),
+              rom.begin() + kFirst + static_cast<std::ptrdiff_t>(8 * i));
+  }
+  rom.back() = static_cast<std::uint8_t>(rom.back() - byteSum(rom));
+  return parseRomChain(rom).images.at(0).type;
+}
+
+TEST(OptionRom, FollowsSixtyFourExpansionHeadersAndNoMore) {
+  EXPECT_EQ(typeBehind(63), FirmwareType::Iscsi);
+  EXPECT_EQ(typeBehind(64), FirmwareType::Pxe);
+}
+
 struct DamageCase {
   RomDamage damage;
   bool isEfi;
