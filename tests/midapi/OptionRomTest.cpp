@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <random>
+#include <string_view>
 #include <tuple>
 
 #include "midapi/OptionRom.h"
@@ -155,6 +156,27 @@ TEST(OptionRom, FindsThePnpHeaderBehindAnotherExpansionHeader) {
   const RomChain chain = parseRomChain(rom);
   ASSERT_TRUE(chain.isValid()) << chain.defect->toString();
   EXPECT_EQ(chain.images[0].type, FirmwareType::Iscsi);
+}
+
+TEST(OptionRom, EndsAProductStringWhereItsImageEnds) {
+  constexpr std::size_t kLength = 1024;
+  Bytes rom = RomBuilder().add(RomImage::legacy()).add(RomImage::legacy()).build();
+  const auto put = [&rom](std::size_t at, std::string_view text) {
+    std::copy(text.begin(), text.end(), rom.begin() + static_cast<std::ptrdiff_t>(at));
+  };
+  const auto takeSumInto = [&rom](std::size_t at, std::size_t first, std::size_t length) {
+    rom[at] = static_cast<std::uint8_t>(rom[at] - byteSum(RomBytes(rom).subspan(first, length)));
+  };
+  put(kLength - 4, "Boot");
+  put(kLength + 3, "iSCSI");
+  rom[0x50] = 0xFC;  // the product string of the $PnP header
+  rom[0x51] = 0x03;
+  takeSumInto(0x49, 0x40, 0x20);
+  takeSumInto(0x1F0, 0, kLength);
+  takeSumInto(2 * kLength - 1, kLength, kLength);
+  const RomChain chain = parseRomChain(rom);
+  ASSERT_TRUE(chain.isValid()) << chain.defect->toString();
+  EXPECT_EQ(chain.images[0].type, FirmwareType::Pxe);
 }
 
 // Returns the type of an image whose $PnP header stands behind so many others.
