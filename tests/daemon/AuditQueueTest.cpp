@@ -210,6 +210,17 @@ TEST_F(AuditQueueTest, TellsOfRecordsThatItHadNoRoomFor) {
   EXPECT_THAT(m_sink.written(), Contains(HasSubstr("Audit of : 7 records lost")));
 }
 
+TEST_F(AuditQueueTest, SaysAtOnceThatRecordsAreBeingLostWheneverThatBegins) {
+  for (const std::size_t times : {1U, 2U}) {
+    m_sink.isStuck = true;
+    failAsUsers(kMostWaiting + 7);
+    EXPECT_TRUE(test::waitUntil([&] { return m_sink.elsewhere().size() == times; }));
+    m_sink.isStuck = false;
+    m_seconds += 5;
+    EXPECT_TRUE(test::waitUntil([&] { return lossesTold().size() == times; }));
+  }
+}
+
 // A flood that goes on while the log takes one record after the other.
 TEST_F(AuditQueueTest, TellsOfLossesOnceInAWhile) {
   constexpr int kRounds = 3;

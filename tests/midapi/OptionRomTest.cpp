@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <random>
+#include <string_view>
 #include <tuple>
 
 #include "midapi/OptionRom.h"
@@ -163,6 +164,55 @@ TEST(OptionRom, FindsThePnpHeaderBehindAnotherExpansionHeader) {
   const RomChain chain = parseRomChain(rom);
   ASSERT_TRUE(chain.isValid()) << chain.defect->toString();
   EXPECT_EQ(chain.images[0].type, FirmwareType::Iscsi);
+}
+
+TEST(OptionRom, EndsAProductStringWhereItsImageEnds) {
+  constexpr std::size_t kLength = 1024;
+  Bytes rom = RomBuilder().add(RomImage::legacy()).add(RomImage::legacy()).build();
+  const auto put = [&rom](std::size_t at, std::string_view text) {
+    std::copy(text.begin(), text.end(), rom.begin() + static_cast<std::ptrdiff_t>(at));
+  };
+  const auto takeSumInto = [&rom](std::size_t at, std::size_t first, std::size_t length) {
+    rom[at] = static_cast<std::uint8_t>(rom[at] - byteSum(RomBytes(rom).subspan(first, length)));
+  };
+  put(kLength - 4, "Boot");
+  put(kLength + 3, "iSCSI");
+  rom[0x50] = 0xFC;  // the product string of the $PnP header
+  rom[0x51] = 0x03;
+  takeSumInto(0x49, 0x40, 0x20);
+  takeSumInto(0x1F0, 0, kLength);
+  takeSumInto(2 * kLength - 1, kLength, kLength);
+  const RomChain chain = parseRomChain(rom);
+  ASSERT_TRUE(chain.isValid()) << chain.defect->toString();
+  EXPECT_EQ(chain.images[0].type, FirmwareType::Pxe);
+}
+
+// Returns the type of an image whose $PnP header stands behind so many others.
+FirmwareType typeBehind(std::size_t others) {
+  constexpr std::size_t kFirst = 0x1F0;
+  Bytes rom = RomBuilder().add(RomImage::legacy().product("iSCSI")).build();
+  rom[0x1A] = kFirst & 0xFFU;
+  rom[0x1B] = kFirst >> 8U;
+  for (std::size_t i = 0; i < others; ++i) {
+    const std::size_t next = i + 1 < others ? kFirst + 8 * (i + 1) : 0x40;
+    const Bytes other = {'$',
+                         'A',
+                         'B',
+                         'C',
+                         1,
+                         1,
+                         static_cast<std::uint8_t>(next & 0xFFU),
+                         static_cast<std::uint8_t>(next >> 8U)};
+    std::copy(other.begin(), other.end(),
+              rom.begin() + kFirst + static_cast<std::ptrdiff_t>(8 * i));
+  }
+  rom.back() = static_cast<std::uint8_t>(rom.back() - byteSum(rom));
+  return parseRomChain(rom).images.at(0).type;
+}
+
+TEST(OptionRom, FollowsSixtyFourExpansionHeadersAndNoMore) {
+  EXPECT_EQ(typeBehind(63), FirmwareType::Iscsi);
+  EXPECT_EQ(typeBehind(64), FirmwareType::Pxe);
 }
 
 struct DamageCase {
