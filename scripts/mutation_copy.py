@@ -72,11 +72,21 @@ class Copy:
                 shutil.copy(source, target)
         if not os.path.exists(self.path(TREE)) and os.path.exists(os.path.join(tree, "build.ninja")):
             os.makedirs(self.path("build"), exist_ok=True)
-            # Under its name when it is whole: what a kill leaves is no tree.
-            part = self.path(TREE) + ".part"
-            shutil.rmtree(part, ignore_errors=True)
-            subprocess.run(["cp", "--archive", "--reflink=auto", tree, part], check=True)
-            os.rename(part, self.path(TREE))
+            copied = subprocess.run(["cp", "--archive", "--reflink=auto", tree, self._part()], check=False,
+                                    stderr=subprocess.PIPE, text=True, errors="replace")
+            if copied.returncode != 0:
+                self.discard_part()
+                raise CannotRun(f"{tree} cannot be copied to {self.path(TREE)}; where there is no space left, make "
+                                f"room there, then start again\n{copied.stderr[-1000:].strip()}")
+            os.rename(self._part(), self.path(TREE))
+
+    def _part(self):
+        # Under the name of a tree when it is whole: what a kill leaves is none.
+        return self.path(TREE) + ".part"
+
+    def discard_part(self):
+        """Removes what was left of a tree that could not be taken over; it may fill the disk."""
+        shutil.rmtree(self._part(), ignore_errors=True)
 
     def change(self, name, text):
         _write(self.path(name), text)
