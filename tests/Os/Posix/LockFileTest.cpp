@@ -122,6 +122,8 @@ TEST_F(LockFileTest, IsTakenWithoutMemoryToTellByWhom) {
   GTEST_SKIP() << "ThreadSanitizer lets no program have an operator new of its own";
 #endif
   LockFile file(m_folder.path());
+  ASSERT_TRUE(file.tryLock(Clock::now()));
+  ASSERT_EQ(file.unlock(), 0);
   {
     const test::FailingCall noMemory(test::SystemCall::Allocate, ENOMEM);
     EXPECT_TRUE(file.tryLock(Clock::now()));
