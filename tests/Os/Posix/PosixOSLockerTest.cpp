@@ -186,8 +186,7 @@ TEST_F(PosixOSLocker, WaitsOnWithoutMemoryToTellForWhom) {
 #endif
   const auto other = startHolder();
   setTimeout(130);
-  test::FakeClock clock;
-  OSLockerPosix locker(m_folder.path(), clock);
+  OSLockerPosix locker(m_folder.path());
   const test::NoMemoryAfter noMemory("Waiting for the flash lock, which is held by os_tests");
 
   EXPECT_EQ(locker.Lock(), 3);
