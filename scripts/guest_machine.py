@@ -3,6 +3,7 @@
 import os
 import shlex
 import subprocess
+import threading
 import time
 
 EMULATOR = "qemu-system-x86_64"
@@ -36,6 +37,9 @@ class Machine:
         self.console = os.path.join(folder, "console.log")
         self.results = os.path.join(folder, "results")
         self.first = os.path.join(folder, "first.gz")
+        self.lock = threading.Lock()
+        self.process = None   # guarded by the lock, as is what follows
+        self.is_off = False
 
     def settings(self, **more):
         """Returns what init and run-stories read, as the shell does."""
@@ -61,11 +65,7 @@ class Machine:
         began = time.monotonic()
         log = os.path.join(self.folder, "emulator.log")
         with open(log, "wb") as output:
-            try:
-                status = subprocess.run(self.command(f"file:{self.console}"), stdin=subprocess.DEVNULL,
-                                        stdout=output, stderr=output, timeout=limit, check=False).returncode
-            except subprocess.TimeoutExpired:
-                status = None
+            status = self.run_emulator(output, limit)
         results = self.read_results()
         seconds = time.monotonic() - began
         complaint = self.complaint(status, limit, {result.name for result in results}, stories)
@@ -75,6 +75,27 @@ class Machine:
         elif all(result.passed for result in results) != (status == PASSED):
             results.append(Result("machine", False, seconds, f"the verdict {status} is not that of the results\n"))
         return results
+
+    def run_emulator(self, output, limit):
+        """Returns the emulator's status, None when it took too long."""
+        with self.lock:
+            if self.is_off:
+                return None
+            self.process = subprocess.Popen(self.command(f"file:{self.console}"), stdin=subprocess.DEVNULL,
+                                            stdout=output, stderr=output)
+        with self.process:
+            try:
+                return self.process.wait(limit)
+            except subprocess.TimeoutExpired:
+                self.process.kill()
+                return None
+
+    def switch_off(self):
+        """Ends it, from any thread; it does not start any more."""
+        with self.lock:
+            self.is_off = True
+            if self.process is not None:
+                self.process.kill()
 
     def complaint(self, status, limit, named, stories):
         """Returns what is wrong with the start as a whole, nothing where it came to its end."""

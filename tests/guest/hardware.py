@@ -52,27 +52,37 @@ STOCK = (
     Stock("tulip", 11, "tulip", "tulip", "tulip"),
 )
 
-# The starts of the machine, which are folders of stories, in their order. Running the option ROMs of all
-# adapters takes longer than starting the kernel.
-@dataclasses.dataclass(frozen=True)
-class Start:
-    name: str
-    has_stock: bool   # beside the boards, which are always there
-    runs_roms: bool   # when the machine starts: then they name themselves on the console
-
-
-STARTS = (
-    Start("1-first-start", has_stock=True, runs_roms=False),
-    Start("2-after-restart", has_stock=False, runs_roms=True),
-)
-
-# `kept` goes through all starts as it is left; the others a story sets back to what they come with before it
-# uses them (fresh_board in library.sh).
 BOARDS = (
     Board("kept", 16, "rtl8139", "pxe-rtl8139.rom", 2, 1, "TN-0001", "1.0.0", "7.1.0"),
     Board("pair", 17, "rtl8139", "pxe-rtl8139.rom", 2, 1, "TN-0002", "1.0.0", "7.1.0"),
     Board("dual", 18, "e1000e", "pxe-e1000e.rom", 1, 2, "TN-0003", "1.4.2", "7.3.0"),
     Board("plain", 19, "e1000e", "pxe-e1000e.rom", 1, 2, "TN-0004", "1.0.0", "6.0.1", "testnic_ethtool", False),
+)
+
+
+# A start of a machine. Its name is the folder of its stories; what is before a slash is the machine, whose starts
+# follow each other and find the flash of the boards as it was left. Machines run beside each other.
+@dataclasses.dataclass(frozen=True)
+class Start:
+    name: str
+    stock: bool = False       # has the stock adapters
+    boards: tuple = ()        # and these boards
+    runs_roms: bool = False   # when it starts: then they name themselves on the console, which takes its time
+
+    @property
+    def machine(self):
+        return self.name.split("/")[0]
+
+    def adapters(self):
+        """Returns its stock adapters and its boards."""
+        return STOCK if self.stock else (), [board for board in BOARDS if board.name in self.boards]
+
+
+STARTS = (
+    Start("boards", boards=("pair", "dual", "plain")),
+    Start("stock", stock=True),
+    Start("restart/1-before", boards=("kept",)),
+    Start("restart/2-after", boards=("kept",), runs_roms=True),
 )
 
 
@@ -98,10 +108,10 @@ def flash_of(board):
             b"MGMT".ljust(TAIL_SIZE - RECORD_ROOM, b"\xff"))
 
 
-def make_flash_files(folder):
-    """Writes the flash of each test board, and beside it what `fresh_board` sets it back to."""
+def make_flash_files(folder, starts):
+    """Writes the flash of each board of these starts, and beside it what `fresh_board` sets it back to."""
     os.makedirs(folder)
-    for board in BOARDS:
+    for board in {board for start in starts for board in start.adapters()[1]}:
         flash = flash_of(board)
         for name in (f"{board.name}.flash", f"{board.name}.new"):
             with open(os.path.join(folder, name), "wb") as stream:
@@ -118,10 +128,11 @@ def emulator_arguments(start, flashes, folder):
         with open(none, "wb") as stream:
             stream.write(bytes(8))
         arguments += ["-fw_cfg", f"name=etc/pci-optionrom-exec,file={escape(none)}"]
-    for stock in STOCK if start.has_stock else ():
+    all_stock, boards = start.adapters()
+    for stock in all_stock:
         rom = os.path.join(ROMS, stock.rom) if stock.rom else ""
         arguments += ["-device", f"{stock.device},addr={stock.slot:x}.0,romfile={escape(rom)}"]
-    for board in BOARDS:
+    for board in boards:
         flash = escape(os.path.join(flashes, f"{board.name}.flash"))
         arguments += ["-object", f"memory-backend-file,id={board.name},share=on,mem-path={flash},size={FLASH_SIZE}"]
         arguments += ["-device", f"{board.device},addr={board.slot:x}.0,multifunction=on,romfile={flash}"]
@@ -149,8 +160,9 @@ def escape(path):
 def table(start):
     """Returns the lines of a start by which library.sh knows adapters: kind, name, address and driver, and for a stock
     adapter its ROM and modules, for a board functions, ports, serial number and versions."""
+    all_stock, boards = start.adapters()
     lines = [f"stock {stock.name} 0000:00:{stock.slot:02x} {stock.driver} "
-             f"{os.path.join(ROMS, stock.rom) if stock.rom else '-'} {stock.modules}" for stock in STOCK if start.has_stock]
+             f"{os.path.join(ROMS, stock.rom) if stock.rom else '-'} {stock.modules}" for stock in all_stock]
     lines += [f"board {board.name} 0000:00:{board.slot:02x} {board.driver} {board.functions} {board.ports} "
-              f"{board.serial} {board.undi} {board.mgmt}" for board in BOARDS]
+              f"{board.serial} {board.undi} {board.mgmt}" for board in boards]
     return "".join(line + "\n" for line in lines)

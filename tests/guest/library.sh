@@ -6,7 +6,6 @@ source /run/guest/settings
 
 devices=/sys/bus/pci/devices
 firmware=$run/firmware
-flashes=$run/flash
 
 # fail TEXT...: ends the story.
 fail() {
