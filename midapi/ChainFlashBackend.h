@@ -36,6 +36,7 @@ class ChainFlashBackend : public FlashBackend {
   Preparation prepare(const PortId& port, ConstBytes file, std::span<std::uint8_t> buffer,
                       const std::vector<utils::FirmwareType>& types) override;
   ImageComparison compare(const PortId& port, ConstBytes file) override;
+  std::uint64_t digest(const PortId& port) override;
   void recordInstalled(const PortId& port, const std::vector<utils::FirmwareType>& types) override;
 };
 

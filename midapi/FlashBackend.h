@@ -87,6 +87,9 @@ class FlashBackend {
   // Compares a firmware file as a whole with what the adapter holds.
   [[nodiscard]] virtual ImageComparison compare(const PortId& port, ConstBytes file) = 0;
 
+  // Returns a digest of all of the adapter that decides what compare() answers.
+  [[nodiscard]] virtual std::uint64_t digest(const PortId& port) = 0;
+
   // Begins an update of an adapter: its changes from now on, by this process, are made together by
   // recordInstalled. Returns false, and does nothing, when one has begun already.
   [[nodiscard]] virtual bool beginUpdate(const AdapterAddress& adapter) = 0;

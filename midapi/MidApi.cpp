@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "midapi/AdapterId.h"
-#include "midapi/Digest.h"
 #include "midapi/FlashBackend.h"
 #include "midapi/Hex.h"
 #include "midapi/ImagePreparation.h"
@@ -186,12 +185,7 @@ ImageComparison compareFlashImage(const std::string& adapter, const std::uint8_t
 
 std::uint64_t digestAdapter(const std::string& adapter) {
   try {
-    const PortId port = needPort(adapter);
-    const AdapterFacts facts = backend().facts(port);
-    const auto low = [](int number) { return static_cast<std::uint8_t>(number & 0xFF); };
-    const std::uint8_t decisive[] = {low(facts.vendor), low(facts.vendor >> 8), low(facts.device),
-                                     low(facts.device >> 8), low(facts.isUpdatable ? 1 : 0)};
-    return digestOf(decisive, digestOf(backend().readFlash(port).view()));
+    return backend().digest(needPort(adapter));
   } catch (const FlashFault&) {
     return 0;
   }

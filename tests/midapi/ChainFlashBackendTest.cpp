@@ -138,6 +138,16 @@ TEST_F(ChainFlashBackend, ComparesVersionsAndThenBytes) {
   EXPECT_EQ(m_backend.compare(kPort, Bytes(10, 'x')), ImageComparison::NotForAdapter);
 }
 
+TEST_F(ChainFlashBackend, HasAnotherDigestWhenFlashOrRightIsAnother) {
+  const std::uint64_t before = m_backend.digest(kPort);
+  EXPECT_EQ(m_backend.digest(kPort), before);
+  m_backend.isReplaceable = false;
+  EXPECT_NE(m_backend.digest(kPort), before);
+  m_backend.isReplaceable = true;
+  m_backend.flash = RomBuilder().add(pxe(2)).add(uefi(3)).build();
+  EXPECT_NE(m_backend.digest(kPort), before);
+}
+
 TEST_F(ChainFlashBackend, RecordsTheTypesThatItIsToldOrThoseThatTheFlashWillHold) {
   m_backend.flashToBe = RomBuilder().add(uefi(3)).build();
   m_backend.recordInstalled(kPort, {FirmwareType::Iscsi, FirmwareType::Pxe});
