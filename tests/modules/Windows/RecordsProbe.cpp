@@ -2,7 +2,7 @@
 // agents from the directory, and prints what reaches the event log: "event: " and the line, or
 // "event within the loader: " and the line.
 //
-// initialisers  the update agent finds the flash lock's name taken by something else
+// initialisers  the update agent is given no semaphore for the flash lock
 // entry         the update agent's entry is given no mutexes, so that it is not loaded
 // end           no mutex can be closed when the agents are unloaded, and with them all libraries
 
@@ -53,6 +53,12 @@ HANDLE WINAPI refuseFurtherMutexes(SECURITY_ATTRIBUTES* attributes, BOOL isOwned
   return nullptr;
 }
 
+HANDLE WINAPI refuseSemaphore(SECURITY_ATTRIBUTES* /*attributes*/, LONG /*count*/, LONG /*maximum*/,
+                              const char* /*name*/) {
+  SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+  return nullptr;
+}
+
 BOOL WINAPI closeAndComplain(HANDLE handle) {
   CloseHandle(handle);
   SetLastError(ERROR_INVALID_HANDLE);
@@ -83,7 +89,7 @@ int main(int argc, char** argv) {
   }
   patch("ReportEventA", &report);
   if (task == "initialisers") {
-    CreateMutexA(nullptr, FALSE, "Global\\RavlApplySemaphore");
+    patch("CreateSemaphoreA", &refuseSemaphore);
   } else if (task == "entry") {
     patch("CreateMutexA", &refuseFurtherMutexes);
   }
