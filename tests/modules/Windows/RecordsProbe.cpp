@@ -1,6 +1,6 @@
 // records_probe TASK DIRECTORY: a host that is linked with no library of the project loads the
 // agents from the directory, and prints what reaches the event log: "event: " and the line, or
-// "event within the loader: " and the line.
+// "event within the loader: " and the line. Then all libraries have to go.
 //
 // initialisers  the update agent is given no semaphore for the flash lock
 // entry         the update agent's entry is given no mutexes, so that it is not loaded
@@ -97,12 +97,15 @@ int main(int argc, char** argv) {
   std::printf("the update agent is %s\n", agent == nullptr ? "not loaded" : "loaded");
   if (task == "end") {
     patch("CloseHandle", &closeAndComplain);
-    FreeLibrary(agent);
-    FreeLibrary(inventory);
+  } else if (!test::waitUntil([] { return s_events != 0; })) {
+    return EXIT_FAILURE;
   }
-  const bool isWritten = test::waitUntil([] { return s_events != 0; });
-  if (task == "end" && !test::waitUntil([] { return GetModuleHandleA(kCore) == nullptr; })) {
+  if (agent != nullptr) {
+    FreeLibrary(agent);
+  }
+  FreeLibrary(inventory);
+  if (!test::waitUntil([] { return GetModuleHandleA(kCore) == nullptr; })) {
     std::printf("%s stays\n", kCore);
   }
-  return isWritten ? EXIT_SUCCESS : EXIT_FAILURE;
+  return s_events != 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
