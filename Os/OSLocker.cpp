@@ -198,12 +198,12 @@ void OSLocker::noteCandidates(std::string candidates) {
   m_candidates = std::move(candidates);
 }
 
-// What the wait came to stands, whether or not there is memory to say for whom it was.
 std::string OSLocker::endWait(WaitResult result) {
   const platform::Lock lock(m_waitMutex);
   std::string holder;
   m_timeoutHolder.clear();
   if (result == WaitResult::TimedOut) {
+    // That it was in vain stands, whether or not there is memory to say for whom it was.
     try {
       holder = describe(m_holder);
       if (!m_candidates.empty()) {

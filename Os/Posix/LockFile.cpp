@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <fcntl.h>
-#include <new>
 #include <pwd.h>
 #include <sstream>
 #include <stdexcept>
@@ -319,18 +318,11 @@ std::optional<LockHolder> LockFile::readHolder() {
   return m_holder;
 }
 
-// The lock is had without the line, too.
 void LockFile::writeHolder(Moment now) {
-  std::string line;
-  try {
-    const auto since =
-        std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch());
-    line = utils::format("%d %u %lld %s\n", static_cast<int>(getpid()),
-                         static_cast<unsigned>(geteuid()), static_cast<long long>(since.count()),
-                         toPlain(nameOfProgram()).c_str());
-  } catch (const std::bad_alloc&) {
-    line.clear();
-  }
+  const auto since = std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch());
+  const std::string line =
+      utils::format("%d %u %lld %s\n", static_cast<int>(getpid()), static_cast<unsigned>(geteuid()),
+                    static_cast<long long>(since.count()), toPlain(nameOfProgram()).c_str());
   if (::ftruncate(m_file.get(), 0) != 0 ||
       ::pwrite(m_file.get(), line.data(), line.size(), 0) != static_cast<ssize_t>(line.size())) {
     // Those who wait are told of "another program" then.

@@ -18,7 +18,6 @@
 
 #include "Os/Posix/LockFile.h"
 #include "tests/Os/Posix/LockFolder.h"
-#include "tests/Os/SystemFaults.h"
 #include "tests/support/Posix/ChildProcess.h"
 #include "tests/support/Throws.h"
 
@@ -115,23 +114,6 @@ TEST_F(LockFileTest, TellsWhoHasIt) {
   }
   EXPECT_EQ(file.unlock(), 0);
   EXPECT_EQ(waiter.readHolder(), std::nullopt);
-}
-
-TEST_F(LockFileTest, IsTakenWithoutMemoryToTellByWhom) {
-#ifdef QUORVEL_TEST_THREAD_SANITIZER
-  GTEST_SKIP() << "ThreadSanitizer lets no program have an operator new of its own";
-#endif
-  LockFile file(m_folder.path());
-  ASSERT_TRUE(file.tryLock(Clock::now()));
-  ASSERT_EQ(file.unlock(), 0);
-  {
-    const test::FailingCall noMemory(test::SystemCall::Allocate, ENOMEM);
-    EXPECT_TRUE(file.tryLock(Clock::now()));
-  }
-  EXPECT_FALSE(canBeTaken());
-  EXPECT_EQ(file.readHolder(), std::nullopt);
-  EXPECT_EQ(file.unlock(), 0);
-  EXPECT_TRUE(canBeTaken());
 }
 
 TEST_F(LockFileTest, TakesALineThatIsNotWholeForNone) {
