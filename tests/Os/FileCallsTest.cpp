@@ -1,4 +1,5 @@
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -11,6 +12,7 @@
 #include "Os/FileCalls.h"
 #include "Os/FilePlace.h"
 #include "tests/Os/HungDirectory.h"
+#include "tests/Os/SystemFaults.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/Throws.h"
 #include "tests/support/WaitUntil.h"
@@ -46,6 +48,15 @@ TEST_F(FileCalls, AreMadeOnAThreadOfTheirOwn) {
             FileAnswer::InTime);
   EXPECT_NE(thread, std::thread::id());
   EXPECT_NE(thread, std::this_thread::get_id());
+}
+
+TEST_F(FileCalls, AreMadeByWhoeverAsksWhereNoThreadCanBeStarted) {
+  std::thread::id thread;
+  const test::FailingCall noThread(test::SystemCall::StartThread, EAGAIN);
+
+  EXPECT_EQ(m_calls.makeAt("/fw", [&thread] { thread = std::this_thread::get_id(); }),
+            FileAnswer::InTime);
+  EXPECT_EQ(thread, std::this_thread::get_id());
 }
 
 TEST_F(FileCalls, ThrowWhatTheCallThrows) {

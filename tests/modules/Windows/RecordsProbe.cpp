@@ -1,8 +1,8 @@
 // records_probe TASK DIRECTORY: a host that is linked with no library of the project loads the
 // agents from the directory, and prints what reaches the event log: "event: " and the line, or
-// "event within the loader: " and the line.
+// "event within the loader: " and the line. Then all libraries have to go.
 //
-// initialisers  the update agent finds the flash lock's name taken by something else
+// initialisers  the update agent is given no semaphore for the flash lock
 // entry         the update agent's entry is given no mutexes, so that it is not loaded
 // end           no mutex can be closed when the agents are unloaded, and with them all libraries
 
@@ -53,6 +53,12 @@ HANDLE WINAPI refuseFurtherMutexes(SECURITY_ATTRIBUTES* attributes, BOOL isOwned
   return nullptr;
 }
 
+HANDLE WINAPI refuseSemaphore(SECURITY_ATTRIBUTES* /*attributes*/, LONG /*count*/, LONG /*maximum*/,
+                              const char* /*name*/) {
+  SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+  return nullptr;
+}
+
 BOOL WINAPI closeAndComplain(HANDLE handle) {
   CloseHandle(handle);
   SetLastError(ERROR_INVALID_HANDLE);
@@ -83,7 +89,7 @@ int main(int argc, char** argv) {
   }
   patch("ReportEventA", &report);
   if (task == "initialisers") {
-    CreateMutexA(nullptr, FALSE, "Global\\RavlApplySemaphore");
+    patch("CreateSemaphoreA", &refuseSemaphore);
   } else if (task == "entry") {
     patch("CreateMutexA", &refuseFurtherMutexes);
   }
@@ -91,12 +97,15 @@ int main(int argc, char** argv) {
   std::printf("the update agent is %s\n", agent == nullptr ? "not loaded" : "loaded");
   if (task == "end") {
     patch("CloseHandle", &closeAndComplain);
-    FreeLibrary(agent);
-    FreeLibrary(inventory);
+  } else if (!test::waitUntil([] { return s_events != 0; })) {
+    return EXIT_FAILURE;
   }
-  const bool isWritten = test::waitUntil([] { return s_events != 0; });
-  if (task == "end" && !test::waitUntil([] { return GetModuleHandleA(kCore) == nullptr; })) {
+  if (agent != nullptr) {
+    FreeLibrary(agent);
+  }
+  FreeLibrary(inventory);
+  if (!test::waitUntil([] { return GetModuleHandleA(kCore) == nullptr; })) {
     std::printf("%s stays\n", kCore);
   }
-  return isWritten ? EXIT_SUCCESS : EXIT_FAILURE;
+  return s_events != 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
