@@ -5,14 +5,34 @@
 #include <cstdlib>
 #include <ctime>
 #include <dlfcn.h>
+#include <future>
 #include <new>
 #include <pthread.h>
 #include <string>
 #include <sys/file.h>
 #include <utility>
 
+#include "tests/Os/Posix/LateThread.h"
+
 namespace test {
+
+struct LateThread::Start {
+  void* (*body)(void*) = nullptr;
+  void* argument = nullptr;
+  std::promise<void> isAwaited;
+  std::future<void> toBeAwaited = isAwaited.get_future();
+};
+
 namespace {
+
+// Null where no thread is to be late.
+thread_local LateThread::Start* s_lateStart = nullptr;
+
+void* runLate(void* start) {
+  auto* const late = static_cast<LateThread::Start*>(start);
+  late->toBeAwaited.wait();
+  return late->body(late->argument);
+}
 
 // By call; 0 for one that is to succeed.
 thread_local int s_errors[static_cast<std::size_t>(SystemCall::kCount)];
@@ -43,6 +63,14 @@ FailingCall::~FailingCall() {
   takeError(m_call);
 }
 
+LateThread::LateThread() : m_start(std::make_unique<Start>()) {
+  s_lateStart = m_start.get();
+}
+
+LateThread::~LateThread() {
+  s_lateStart = nullptr;
+}
+
 }  // namespace test
 
 #define SYSTEM_FUNCTION(name) static auto* const system = test::systemFunction(&name, #name)
@@ -55,12 +83,24 @@ int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*
                    void* argument) noexcept {
   SYSTEM_FUNCTION(pthread_create);
   const int error = test::takeError(test::SystemCall::StartThread);
-  return error != 0 ? error : system(thread, attributes, body, argument);
+  if (error != 0) {
+    return error;
+  }
+  test::LateThread::Start* const late = test::s_lateStart;
+  if (late == nullptr || late->body != nullptr) {
+    return system(thread, attributes, body, argument);
+  }
+  late->body = body;
+  late->argument = argument;
+  return system(thread, attributes, test::runLate, late);
 }
 
 int pthread_join(pthread_t thread, void** result) {
   SYSTEM_FUNCTION(pthread_join);
   const int error = test::takeError(test::SystemCall::CloseThread);
+  if (test::s_lateStart != nullptr) {
+    test::s_lateStart->isAwaited.set_value();
+  }
   const int outcome = system(thread, result);
   return error != 0 ? error : outcome;
 }
