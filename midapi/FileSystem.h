@@ -29,6 +29,9 @@ using ConstBytes = std::span<const std::uint8_t>;
 class FileFault final : public std::exception {
  public:
   FileFault(const std::string& operation, const std::filesystem::path& path, std::error_code code);
+  // For what the system would do and this program does not, for a reason of its own.
+  FileFault(const std::string& operation, const std::filesystem::path& path,
+            const std::string& reason);
 
   [[nodiscard]] const char* what() const noexcept override { return m_text.c_str(); }
   [[nodiscard]] bool isMissingFile() const;
@@ -125,7 +128,8 @@ class FileSystem {
 
   // Creates one folder that must not exist, or a folder with all its parents where they are
   // missing; the latter returns when the disk knows them. (Windows: in %ProgramData%, where anybody
-  // may make files, the latter gives them an access list of their own.)
+  // may make files, the latter gives them an access list of their own, and fails where one that is
+  // there is somebody else's; see midapi/Windows/ProgramData.h.)
   virtual void createFolder(const std::filesystem::path& path) = 0;
   virtual void createFolders(const std::filesystem::path& path) = 0;
 
@@ -140,7 +144,8 @@ class FileSystem {
   // holder's process however that ends; on POSIX the file may then stay behind, and hinders nobody.
   // Only who may write the folder can take the lock, and nobody else can keep it from being taken;
   // it belongs to the folder's owner and, where those may write there, its group. Fails where
-  // something else has the name.
+  // something else has the name. (Windows: and in somebody else's folder of %ProgramData%, as
+  // createFolders() does.)
   [[nodiscard]] virtual std::unique_ptr<FileLock> lock(const std::filesystem::path& path) = 0;
 
   // Removes a file or a folder with its content as far as possible; for tidying up after a failure.

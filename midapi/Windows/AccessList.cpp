@@ -9,7 +9,8 @@
 // Needs the header above.
 #include <sddl.h>
 
-#include "platform/Windows/Handle.h"
+#include "midapi/Windows/LocalMemory.h"
+#include "midapi/Windows/Users.h"
 #include "platform/Windows/SystemPath.h"
 
 namespace ma {
@@ -23,32 +24,6 @@ constexpr const wchar_t* kList = L"D:P(A;OICI;FA;;;SY)(A;OICI;FA;;;BA)(A;OICI;0x
 
 [[noreturn]] void fail(const char* operation) {
   throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), operation);
-}
-
-struct LocalMemory {
-  void operator()(void* memory) const { LocalFree(memory); }
-};
-
-// Returns the identifier of the process's user, for example S-1-5-21-1004.
-std::wstring userIdentifier() {
-  HANDLE token = nullptr;
-  if (OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token) == FALSE) {
-    fail("OpenProcessToken");
-  }
-  const platform::Handle owner(token);
-  DWORD size = 0;
-  GetTokenInformation(token, TokenUser, nullptr, 0, &size);
-  std::vector<std::max_align_t> memory(size / sizeof(std::max_align_t) + 1);
-  if (GetTokenInformation(token, TokenUser, memory.data(), size, &size) == FALSE) {
-    fail("GetTokenInformation");
-  }
-  wchar_t* text = nullptr;
-  if (ConvertSidToStringSidW(reinterpret_cast<TOKEN_USER*>(memory.data())->User.Sid, &text) ==
-      FALSE) {
-    fail("ConvertSidToStringSid");
-  }
-  const std::unique_ptr<wchar_t, LocalMemory> textOwner(text);
-  return text;
 }
 
 bool isMissing(DWORD error) {
@@ -75,7 +50,7 @@ struct PrivateFolderAttributes::State {
 };
 
 PrivateFolderAttributes::PrivateFolderAttributes() : m_state(std::make_unique<State>()) {
-  const std::wstring list = std::wstring(kList) + L"(A;OICI;FA;;;" + userIdentifier() + L")";
+  const std::wstring list = std::wstring(kList) + L"(A;OICI;FA;;;" + identifierOfProcess() + L")";
   void* descriptor = nullptr;
   if (ConvertStringSecurityDescriptorToSecurityDescriptorW(list.c_str(), SDDL_REVISION_1,
                                                            &descriptor, nullptr) == FALSE) {

@@ -13,6 +13,7 @@
 
 #include "midapi/Windows/AccessList.h"
 #include "midapi/Windows/FolderTree.h"
+#include "midapi/Windows/ProgramData.h"
 #include "platform/Directory.h"
 #include "platform/Mutex.h"
 #include "platform/Paths.h"
@@ -98,20 +99,6 @@ platform::Handle createFile(const fs::path& path) {
   return file;
 }
 
-// Where the data of services stand.
-fs::path programData() {
-  const fs::path base = environmentPath("ProgramData");
-  return base.empty() ? fs::path("C:\\ProgramData") : base;
-}
-
-bool isInProgramData(const fs::path& path) {
-  const std::wstring base = programData().native();
-  const std::wstring& text = path.native();
-  return text.size() > base.size() && text[base.size()] == L'\\' &&
-         CompareStringOrdinal(text.data(), static_cast<int>(base.size()), base.data(),
-                              static_cast<int>(base.size()), TRUE) == CSTR_EQUAL;
-}
-
 // Makes a folder that must not exist. Returns the system's error, 0 for none.
 DWORD makeFolder(const fs::path& path, void* attributes) {
   return CreateDirectoryW(platform::toSystemPath(path).c_str(),
@@ -120,20 +107,44 @@ DWORD makeFolder(const fs::path& path, void* attributes) {
              : ERROR_SUCCESS;
 }
 
-// `path` is absolute. Somebody else may be making the same folders.
+// Nothing may be made or changed in a folder that somebody else can put another in the place of.
+// `folder` is absolute.
+void demandNoStranger(const char* operation, const fs::path& path, const fs::path& folder) {
+  std::string objection;
+  try {
+    objection = objectionTo(folder);
+  } catch (const std::system_error& fault) {
+    fail(operation, path, fault.code());
+  }
+  if (!objection.empty()) {
+    throw FileFault(operation, path, objection);
+  }
+}
+
+// `path` is absolute. Somebody else may be making the same folders, or may have made them.
 void makeFolders(const fs::path& path) {
-  if (isFolder(path)) {
-    return;
+  if (!isFolder(path)) {
+    if (const fs::path parent = path.parent_path(); parent != path && !parent.empty()) {
+      makeFolders(parent);
+    }
+    const std::unique_ptr<PrivateFolderAttributes> attributes =
+        isInProgramData(path) ? std::make_unique<PrivateFolderAttributes>() : nullptr;
+    const DWORD error = makeFolder(path, attributes != nullptr ? attributes->get() : nullptr);
+    if (error != ERROR_SUCCESS && !isFolder(path)) {
+      fail("create", path, error);
+    }
   }
-  if (const fs::path parent = path.parent_path(); parent != path && !parent.empty()) {
-    makeFolders(parent);
+  demandNoStranger("create", path, path);
+}
+
+// Returns the absolute path.
+fs::path wholeOf(const char* operation, const fs::path& path) {
+  std::error_code error;
+  fs::path whole = platform::makeAbsolute(path, error);
+  if (error) {
+    fail(operation, path, error);
   }
-  const std::unique_ptr<PrivateFolderAttributes> attributes =
-      isInProgramData(path) ? std::make_unique<PrivateFolderAttributes>() : nullptr;
-  const DWORD error = makeFolder(path, attributes != nullptr ? attributes->get() : nullptr);
-  if (error != ERROR_SUCCESS && !isFolder(path)) {
-    fail("create", path, error);
-  }
+  return whole;
 }
 
 // Returns how many of the bytes one call may transfer.
@@ -274,11 +285,7 @@ class WindowsFileSystem final : public FileSystem {
 
   void createFolders(const fs::path& path) override {
     const platform::NoErrorDialogs noDialogs;
-    std::error_code error;
-    const fs::path whole = platform::makeAbsolute(path, error);
-    if (error) {
-      fail("create", path, error);
-    }
+    const fs::path whole = wholeOf("create", path);
     try {
       makeFolders(whole);
     } catch (const std::system_error& fault) {
@@ -305,6 +312,7 @@ class WindowsFileSystem final : public FileSystem {
     if (isFolder(path)) {
       fail("lock", path, std::errc::is_a_directory);
     }
+    demandNoStranger("lock", path, wholeOf("lock", path).parent_path());
     const HANDLE file = CreateFileW(
         platform::toSystemPath(path).c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, 0, nullptr,
         OPEN_ALWAYS, FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);

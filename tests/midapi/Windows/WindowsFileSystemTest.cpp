@@ -9,6 +9,7 @@
 #include "midapi/AdapterFolder.h"
 #include "midapi/Windows/AccessList.h"
 #include "midapi/Windows/WindowsFileSystem.h"
+#include "tests/midapi/Windows/ServiceData.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/Windows/DirectoryLink.h"
@@ -213,18 +214,49 @@ TEST_F(WindowsFileSystemTest, FindsLinksAmongTheFolders) {
 }
 
 TEST_F(WindowsFileSystemTest, MakesFoldersForDataOfServicesThatUsersOnlyRead) {
-  const std::wstring before = ma::environmentPath("ProgramData").native();
-  SetEnvironmentVariableW(L"ProgramData", m_directory.path().c_str());
+  const test::OwnProgramData own(m_directory.path().native() + L"\\");
   s_madeFolders.clear();
   {
     const test::ImportPatch make("midapi_test.exe", "CreateDirectoryW", &makeFolder);
     files().createFolders(ma::defaultAdaptersDirectory());
     files().createFolders(m_directory.path() / "Orvex" / "adapters");
   }
-  SetEnvironmentVariableW(L"ProgramData", before.c_str());
   EXPECT_THAT(s_madeFolders, ElementsAre(Pair(m_directory.path() / "Orvex", true),
                                          Pair(m_directory.path() / "Orvex" / "adapters", true)));
   EXPECT_TRUE(files().exists(m_directory.path() / "Orvex" / "adapters"));
+}
+
+TEST_F(WindowsFileSystemTest, MakesNothingInAFolderForServicesThatIsSomebodyElses) {
+  const test::OwnProgramData own(m_directory.path().native());
+  const auto folder = m_directory.path() / "Orvex";
+  files().createFolder(folder);
+  const test::PlayedOwner owner(L"Orvex", test::kStranger);
+
+  EXPECT_THAT(faultOf([&] { files().createFolders(folder / "adapters"); }),
+              HasSubstr(folder.string() + " belongs to S-1-5-21-1-2-3-4567"));
+  EXPECT_FALSE(files().exists(folder / "adapters"));
+  const std::string fault = faultOf([&] { static_cast<void>(files().lock(folder / "lock")); });
+  EXPECT_THAT(fault, testing::StartsWith("cannot lock " + (folder / "lock").string() + ": " +
+                                         folder.string() + " belongs to"));
+  EXPECT_FALSE(files().exists(folder / "lock"));
+}
+
+TEST_F(WindowsFileSystemTest, MakesNothingForServicesWhereALinkLeadsTo) {
+  const test::OwnProgramData own(m_directory.path().native());
+  const auto elsewhere = m_directory.write("elsewhere/file", std::string()).parent_path();
+  const test::DirectoryLink made(m_directory.path() / "Orvex", elsewhere);
+
+  EXPECT_THAT(faultOf([&] { files().createFolders(ma::defaultAdaptersDirectory()); }),
+              HasSubstr("Orvex is a link to another place"));
+  EXPECT_FALSE(files().exists(elsewhere / "adapters"));
+}
+
+TEST_F(WindowsFileSystemTest, SaysThatTheOwnerOfAFolderCannotBeTold) {
+  const test::OwnProgramData own(m_directory.path().native());
+  files().createFolder(m_directory.path() / "Orvex");
+  const test::PlayedOwner owner(L"Orvex", L"");
+  EXPECT_THAT(faultOf([&] { files().createFolders(m_directory.path() / "Orvex"); }),
+              EndsWith(": Permission denied"));
 }
 
 TEST_F(WindowsFileSystemTest, MakesOtherFoldersAsTheFolderRoundThemSays) {
