@@ -1,27 +1,26 @@
 #include <algorithm>
 #include <cstddef>
 #include <filesystem>
-#include <windows.h>
+#include <system_error>
 
 #include "Os/FilePlace.h"
 #include "Utils/Ascii.h"
+#include "platform/Paths.h"
 #include "platform/Texts.h"
 
 namespace os {
 namespace {
 
-// Asks the system, which knows the current directory of each drive and asks no file system. Names
-// do not differ by case here.
-std::string makeAbsolute(const std::string& path) {
-  const std::wstring text = platform::toPath(path).wstring();
-  std::wstring full(GetFullPathNameW(text.c_str(), 0, nullptr, nullptr), L'\0');
-  full.resize(
-      GetFullPathNameW(text.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
-  std::string absolute = platform::toShownText(std::filesystem::path(full));
-  for (char& sign : absolute) {
+// The system knows the current directory of each drive and asks no file system. Names do not differ
+// by case here.
+std::string toPlace(const std::string& path) {
+  std::error_code error;
+  const std::filesystem::path whole = platform::makeAbsolute(platform::toPath(path), error);
+  std::string place = platform::toShownText(whole);
+  for (char& sign : place) {
     sign = sign == '\\' ? '/' : utils::toLowerAscii(sign);
   }
-  return absolute;
+  return place;
 }
 
 // Returns how long the drive or the share in front of the path is.
@@ -36,7 +35,7 @@ std::size_t lengthOfRoot(const std::string& path) {
 }  // namespace
 
 void walkPlaces(const std::string& path, const EnterPlace& enter) {
-  const std::string absolute = makeAbsolute(path);
+  const std::string absolute = toPlace(path);
   std::size_t end = lengthOfRoot(absolute);
   const std::string root = absolute.substr(0, end);
   while (enter(root, absolute.substr(0, end)) && end < absolute.size()) {

@@ -24,12 +24,14 @@ TEST(WindowsFilePlace, IsTheDriveByEachSpelling) {
       ElementsAre(Pair("c:", "c:"), Pair("c:", "c:/fw"), Pair("c:", "c:/fw/a.rom"));
   EXPECT_THAT(wayTo("C:\\FW\\a.rom"), expected);
   EXPECT_THAT(wayTo("c:/fw/x/../A.ROM"), expected);
+  EXPECT_THAT(wayTo("\\\\?\\C:\\FW\\a.rom"), expected);
 }
 
 TEST(WindowsFilePlace, IsTheShare) {
-  EXPECT_THAT(wayTo("\\\\Server\\Share\\a.rom"),
-              ElementsAre(Pair("//server/share", "//server/share"),
-                          Pair("//server/share", "//server/share/a.rom")));
+  for (const char* path : {"\\\\Server\\Share\\a.rom", "\\\\?\\UNC\\Server\\Share\\a.rom"}) {
+    EXPECT_THAT(wayTo(path), ElementsAre(Pair("//server/share", "//server/share"),
+                                         Pair("//server/share", "//server/share/a.rom")));
+  }
 }
 
 }  // namespace
