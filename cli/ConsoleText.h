@@ -19,6 +19,12 @@ class ConsoleText {
   ~ConsoleText();
 };
 
+// Gives the console its own back now, before the process ends in a way that destroys no object.
+void giveConsoleBack() noexcept;
+
+// Says whether the program goes on when it is interrupted: then its texts do.
+void keepConsoleOnInterrupt(bool isKept) noexcept;
+
 }  // namespace cli
 
 #endif  // ORVEX_CLI_CONSOLETEXT_H_

@@ -3,6 +3,8 @@
 #include <atomic>
 #include <csignal>
 
+#include "cli/ConsoleText.h"
+
 namespace cli {
 namespace {
 
@@ -45,6 +47,7 @@ InterruptGuard::InterruptGuard(Stops stops) {
   s_lastSignal = 0;
   s_isNew = false;
   s_isStopNew = false;
+  keepConsoleOnInterrupt(true);
   for (const int signal : kEndingSignals) {
     hold(signal, noteSignal);
   }
@@ -77,6 +80,8 @@ bool InterruptGuard::takeStop() {
 void InterruptGuard::yieldToInterrupt() {
   release();
   if (s_lastSignal != 0) {
+    // The signal that a program raises itself asks nobody else first.
+    giveConsoleBack();
     std::raise(s_lastSignal);
   }
 }
@@ -99,6 +104,7 @@ void InterruptGuard::release() {
     std::signal(previous.signal, previous.handler);
   }
   m_previous.clear();
+  keepConsoleOnInterrupt(false);
 }
 
 }  // namespace cli

@@ -6,4 +6,8 @@ ConsoleText::ConsoleText() = default;
 
 ConsoleText::~ConsoleText() = default;
 
+void giveConsoleBack() noexcept {}
+
+void keepConsoleOnInterrupt(bool /*isKept*/) noexcept {}
+
 }  // namespace cli

@@ -1,8 +1,13 @@
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
 #include <gmock/gmock.h>
 #include <vector>
 #include <windows.h>
 
 #include "cli/ConsoleText.h"
+#include "cli/Interrupt.h"
+#include "tests/cli/EndedBySignal.h"
 #include "tests/support/Windows/ImportPatch.h"
 
 namespace {
@@ -24,6 +29,11 @@ UINT WINAPI getCodePage() {
 BOOL WINAPI setCodePage(UINT codePage) {
   s_given.push_back(codePage);
   s_codePage = codePage;
+  return TRUE;
+}
+
+BOOL WINAPI printCodePage(UINT codePage) {
+  std::fprintf(stderr, "code page %u\n", codePage);
   return TRUE;
 }
 
@@ -59,6 +69,51 @@ TEST_F(ConsoleText, IsGivenBackWhenAnInterruptEndsTheProgram) {
   const cli::ConsoleText text;
   ASSERT_NE(s_handler, nullptr);
   EXPECT_EQ(s_handler(CTRL_C_EVENT), FALSE);
+  EXPECT_THAT(s_given, ElementsAre(GetACP(), 437U));
+}
+
+TEST_F(ConsoleText, StaysWhereAnInterruptIsHeldOff) {
+  const cli::ConsoleText text;
+  {
+    const cli::InterruptGuard guard;
+    for (const DWORD event : {CTRL_C_EVENT, CTRL_BREAK_EVENT}) {
+      EXPECT_EQ(s_handler(event), FALSE);
+      EXPECT_THAT(s_given, ElementsAre(GetACP()));
+    }
+  }
+  EXPECT_EQ(s_handler(CTRL_C_EVENT), FALSE);
+  EXPECT_THAT(s_given, ElementsAre(GetACP(), 437U));
+}
+
+TEST_F(ConsoleText, IsGivenBackWhenTheConsoleEnds) {
+  const cli::ConsoleText text;
+  const cli::InterruptGuard guard;
+  EXPECT_EQ(s_handler(CTRL_CLOSE_EVENT), FALSE);
+  EXPECT_THAT(s_given, ElementsAre(GetACP(), 437U));
+}
+
+using ConsoleTextDeathTest = ConsoleText;
+
+TEST_F(ConsoleTextDeathTest, IsGivenBackBeforeTheProgramEndsItselfForASignal) {
+  EXPECT_EXIT(
+      {
+        const test::ImportPatch print(kProgram, "SetConsoleOutputCP", &printCodePage);
+        const cli::ConsoleText text;
+        cli::InterruptGuard guard;
+        std::raise(SIGINT);
+        std::fputs("to end\n", stderr);
+        guard.yieldToInterrupt();
+        std::exit(0);
+      },
+      test::EndedBySignal(SIGINT), "to end\r?\ncode page 437");
+}
+
+TEST_F(ConsoleText, IsGivenBackOnce) {
+  {
+    const cli::ConsoleText text;
+    cli::giveConsoleBack();
+    cli::giveConsoleBack();
+  }
   EXPECT_THAT(s_given, ElementsAre(GetACP(), 437U));
 }
 
