@@ -129,6 +129,7 @@ void addCheckCommand(CLI::App& program, Context& context) {
   command.add({"TARGET", "Port, adapter or object path", "", true}, options->target);
   command.add({"IDENTITY", "The firmware file", "", true}, options->identity);
   command.addFlag("--reserve", "Have the host reserve the target", options->isReserving);
+  command.showOnlyWithHosts("--reserve");
   command.setFooter(kFooter);
   command.onChosen([&context, options] {
     if (options->isReserving && context.options.host.empty()) {

@@ -51,6 +51,18 @@ void Command::addFlag(const char* name, const char* description, bool& value) {
   m_app->add_flag(name, value, description);
 }
 
+void Command::showOnlyWithHosts() {
+  if (!hasHosts()) {
+    m_app->group("");
+  }
+}
+
+void Command::showOnlyWithHosts(const char* option) {
+  if (!hasHosts()) {
+    m_app->get_option(option)->group("");
+  }
+}
+
 void Command::takeOneCommandAtMost() {
   m_app->require_subcommand(0, 1);
 }

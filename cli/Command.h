@@ -40,6 +40,10 @@ class Command {
   void add(const Argument& argument, unsigned& value, unsigned least, unsigned most);
   void addFlag(const char* name, const char* description, bool& value);
 
+  // Leave the command, or one of its options, out of the help where the program speaks to no hosts.
+  void showOnlyWithHosts();
+  void showOnlyWithHosts(const char* option);
+
   // Has no more than one of the commands below this one be named.
   void takeOneCommandAtMost();
   void setFooter(const char* text);

@@ -18,8 +18,8 @@ namespace cli {
 namespace {
 
 constexpr const char* kFooter =
-    "A host (--host) lists every job since it was started, the oldest first. Without --host there\n"
-    "is none to list: the jobs of 'quorvel update' run in that process and end with it.\n"
+    "A host (--host) lists every job since it was started, the oldest first. This program itself\n"
+    "has none to list: the jobs of 'quorvel update' run in that process and end with it.\n"
     "\n"
     "With --json: [{\"path\", \"id\", \"state\", \"stateText\", \"percent\", \"elapsed\",\n"
     "\"errorCode\", \"errorText\"}]; elapsed is \"mm:ss\".\n"
@@ -87,6 +87,7 @@ ExitStatus showJobs(const Context& context) {
 
 void addJobsCommand(CLI::App& program, Context& context) {
   Command command(program, "jobs", "Show the updates of a host and what became of them");
+  command.showOnlyWithHosts();
   command.setFooter(kFooter);
   command.onChosen([&context] { context.command = [&context] { return showJobs(context); }; });
 }

@@ -15,8 +15,9 @@ namespace cli {
 // Returns a sentence or a part of one, with the paths of the platform.
 [[nodiscard]] std::string toLocalWords(std::string text);
 
-// Returns a text of paragraphs, with empty lines between them. Lines that begin with two blanks are
-// examples.
+// Returns a text of paragraphs, with empty lines between them. A paragraph that begins with
+// "Example" is a heading and examples, which are the lines that begin with two blanks; another one
+// with such lines is a table.
 [[nodiscard]] std::string toLocalHelp(const std::string& text);
 
 // Returns whether options that are about hosts are shown.

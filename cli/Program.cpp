@@ -48,7 +48,7 @@ constexpr const char* kFooter =
     "With --host a command works in a host that runs elsewhere, or on this machine as a service.\n"
     "Behind the command, --host takes what follows for its ADDRESS only where it begins with\n"
     "http://, https:// or unix:; --host=ADDRESS leaves no doubt.\n"
-    "The password of the USER comes from --password-file, from the environment variable\n"
+    "The password for the host comes from --password-file, from the environment variable\n"
     "QUORVEL_PASSWORD, or from a prompt on the terminal.\n";
 
 // Added one by one, so that a further command is one line here and one pair of files.
@@ -72,8 +72,7 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
   host::addAdaptersOption(app, options.adapters);
   app.add_option(
          "--config", options.config,
-         toLocalWords("Configuration file (/etc/OrvexQuorvelProvider.conf); Windows takes its "
-                      "registry instead"))
+         "Configuration file (/etc/OrvexQuorvelProvider.conf); Windows takes its registry instead")
       ->type_name("FILE");
   host::addLogLevelOption(app, options.logLevel);
   app.add_option("--host", options.host,
@@ -93,6 +92,9 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
       ->type_name("NAME")
       ->check(host::notEmpty());
   app.add_flag("--json", options.isJson, "Print the result as one JSON document");
+  for (CLI::Option* option : app.get_options()) {
+    option->description(toLocalWords(option->get_description()));
+  }
   if (!hasHosts()) {
     for (const char* option : {"--host", "--password-file", "--cacert", "--namespace"}) {
       app.get_option(option)->group("");

@@ -6,6 +6,7 @@
 #include "Utils/Printable.h"
 #include "cli/Command.h"
 #include "cli/JsonOutput.h"
+#include "cli/LocalWords.h"
 #include "cli/Refusal.h"
 #include "cli/Session.h"
 #include "client/Jobs.h"
@@ -44,7 +45,8 @@ void reportEnd(const Context& context, const client::Connection& connection, con
 
 ExitStatus watch(const Context& context, const Options& options) {
   const std::unique_ptr<client::Connection> connection = openConnection(context.options);
-  const client::Job job = client::findJob(*connection, options.job);
+  const client::Job job = client::findJob(
+      *connection, options.job, hasHosts() ? ": --host names a host whose jobs go on" : "");
   InterruptGuard guard;
   ProgressView view(context.out, chooseProgressStyle(context.options, !options.isProgressHidden),
                     utils::toPrintable(job.id));
@@ -67,6 +69,7 @@ void addWatchCommand(CLI::App& program, Context& context) {
   const auto options = std::make_shared<Options>();
   command.add({"JOB", "The job, as 'quorvel jobs' prints it", "", true}, options->job);
   command.addFlag("--no-progress", "Print no progress", options->isProgressHidden);
+  command.showOnlyWithHosts();
   command.setFooter(kFooter);
   command.onChosen([&context, options] {
     context.command = [&context, options] { return watch(context, *options); };

@@ -33,7 +33,7 @@ std::vector<Job> readJobs(Connection& connection) {
   return jobs;
 }
 
-Job findJob(Connection& connection, const std::string& text) {
+Job findJob(Connection& connection, const std::string& text, const std::string& hint) {
   std::vector<Job> jobs = readJobs(connection);
   const auto found = std::find_if(jobs.begin(), jobs.end(),
                                   [&text](const Job& job) { return isMeant(job, text); });
@@ -42,9 +42,8 @@ Job findJob(Connection& connection, const std::string& text) {
   }
   std::string message = "there is no job '" + text + "'";
   if (jobs.empty()) {
-    message += connection.isRemote()
-                   ? "; the host has had no job since it was started"
-                   : "; jobs of this program end with it: --host names a host whose jobs go on";
+    message += connection.isRemote() ? "; the host has had no job since it was started"
+                                     : "; jobs of this program end with it" + hint;
     throw Fault(message);
   }
   message += "; the jobs are:";

@@ -25,8 +25,10 @@ struct Job {
 [[nodiscard]] std::vector<Job> readJobs(Connection& connection);
 
 // Returns the one that a text names: by its InstanceID, its object path, or its number, which is
-// what stands behind '#' in the InstanceID. Throws Fault, which lists the jobs, when there is none.
-[[nodiscard]] Job findJob(Connection& connection, const std::string& text);
+// what stands behind '#' in the InstanceID. Throws Fault, which lists the jobs, when there is none;
+// where that is because this program has none, with `hint` at its end.
+[[nodiscard]] Job findJob(Connection& connection, const std::string& text,
+                          const std::string& hint = "");
 
 // Returns the whole seconds of an interval in CIM form (DSP0004: "00000000000042.000000:000");
 // nothing for a text that is none, and for one of more than a year, which no job takes.

@@ -9,16 +9,24 @@
 namespace cli {
 namespace {
 
-// The first that fits at a place counts.
+// Wherever they stand.
 constexpr std::pair<std::string_view, std::string_view> kWords[] = {
     {"file:///srv/older.rom", "file://C:/firmware/older.rom"},
     {"file:///path/to/image", "file://C:/path/to/image"},
+    {"file:///tmp/firmware.rom", "file://C:/firmware/firmware.rom"},
     {"/srv/firmware/firmware.rom", "C:\\firmware\\firmware.rom"},
+    {"/usr/lib/ipxe/qemu/pxe-virtio.rom", "C:\\firmware\\firmware.rom"},
+    {"/tmp/adapters", "C:\\adapters"},
+    {"  quorvel identities --config ./quorvel.conf --json", "  quorvel identities --json"},
     {"FWFilePath = /srv/firmware", "FWFilePath = C:\\firmware"},
     {"Configuration file (/etc/OrvexQuorvelProvider.conf); Windows takes its registry instead",
      "Not read: the settings are in the registry, under "
      "HKEY_LOCAL_MACHINE\\SOFTWARE\\ZOLAN\\Network_Services"},
     {" of this machine, or of a host's.", " of this machine."},
+    {"errors to the system log, 2 everything there,",
+     "errors to the event log, 2 everything to the debugger,"},
+    {"prints object paths)", "prints object paths; write \\\" for each \" in one)"},
+    {"prints the object path)", "prints the object path; write \\\" for each \" in it)"},
 };
 
 constexpr std::size_t kWidth = 95;
@@ -90,14 +98,42 @@ std::string withoutHosts(std::string paragraph) {
   return wrap(kept);
 }
 
-// At the prompt of the system, only double quotes hold an argument together.
-std::string toExample(std::string line) {
-  std::replace(line.begin(), line.end(), '\'', '"');
-  return line;
+// At the prompt of the system, only double quotes hold an argument together, variables stand
+// between percent signs, and a caret at the end of a line continues it.
+std::string toExample(std::string_view line) {
+  std::string example;
+  bool isQuoted = false;
+  for (std::size_t place = 0; place < line.size(); ++place) {
+    const char sign = line[place];
+    if (sign == '\'') {
+      isQuoted = !isQuoted;
+      example += '"';
+    } else if (sign == '"' && isQuoted) {
+      example += "\\\"";
+    } else if (sign == '$') {
+      const std::size_t end = std::min(line.find('"', place), line.size());
+      example += '%' + std::string(line.substr(place + 1, end - place - 1)) + '%';
+      place = end - 1;
+    } else {
+      example += sign == '\\' && place + 1 == line.size() ? '^' : sign;
+    }
+  }
+  return example;
 }
 
 bool isExample(const std::string& line) {
   return line.starts_with("  ");
+}
+
+// A heading and examples, those of hosts left out; nothing where there are no others.
+std::string toLocalExamples(const std::vector<std::string>& lines) {
+  std::string kept;
+  for (const std::string& line : lines) {
+    if (isExample(line) && !isAboutHosts(line)) {
+      kept += "\n" + toExample(line);
+    }
+  }
+  return kept.empty() ? "" : lines.front() + kept;
 }
 
 std::string toLocalParagraph(const std::string& paragraph) {
@@ -105,20 +141,15 @@ std::string toLocalParagraph(const std::string& paragraph) {
   if (std::none_of(lines.begin(), lines.end(), isExample)) {
     return withoutHosts(paragraph);
   }
-  std::string kept;
-  for (const std::string& line : lines) {
-    if (!isExample(line) || !isAboutHosts(line)) {
-      kept += (kept.empty() ? "" : "\n") + (isExample(line) ? toExample(line) : line);
-    }
-  }
-  return kept;
+  return paragraph.starts_with("Example") ? toLocalExamples(lines) : paragraph;
 }
 
 }  // namespace
 
 std::string toLocalWords(std::string text) {
   for (const auto& [from, to] : kWords) {
-    if (const std::size_t place = text.find(from); place != std::string::npos) {
+    for (std::size_t place = text.find(from); place != std::string::npos;
+         place = text.find(from, place + to.size())) {
       text.replace(place, from.size(), to);
     }
   }

@@ -46,7 +46,7 @@ class JobsTest : public testing::Test {
   // Returns the InstanceID of the job that a text names, or the message of the fault.
   std::string find(const std::string& text) {
     try {
-      return client::findJob(m_connection, text).id;
+      return client::findJob(m_connection, text, ": ask a host").id;
     } catch (const client::Fault& fault) {
       EXPECT_EQ(fault.kind(), client::Fault::Kind::Refused);
       return fault.what();
@@ -98,9 +98,7 @@ TEST_F(JobsTest, AreListedWithoutCommandsToTheTerminal) {
 
 TEST_F(JobsTest, AreMissedWhereThereIsNone) {
   m_jobs.clear();
-  EXPECT_EQ(find("1"),
-            "there is no job '1'; jobs of this program end with it: --host names a host whose jobs "
-            "go on");
+  EXPECT_EQ(find("1"), "there is no job '1'; jobs of this program end with it: ask a host");
 }
 
 TEST(JobInterval, IsReadInCimForm) {

@@ -11,6 +11,7 @@ TEST(LocalWords, HaveThePathsOfWindows) {
   EXPECT_EQ(toLocalWords("name a file, or a URI like file:///path/to/image"),
             "name a file, or a URI like file://C:/path/to/image");
   EXPECT_EQ(toLocalWords("(FWFilePath = /srv/firmware)"), "(FWFilePath = C:\\firmware)");
+  EXPECT_EQ(toLocalWords("/tmp/adapters /tmp/adapters"), "C:\\adapters C:\\adapters");
   EXPECT_EQ(toLocalWords("check the path"), "check the path");
 }
 
@@ -36,6 +37,25 @@ TEST(LocalWords, AreQuotedInExamplesAsThePromptTakesThem) {
             "\n"
             "Examples:\n"
             "  quorvel watch \"Orvex:Job#1\"\n");
+}
+
+TEST(LocalWords, HaveVariablesAndContinuedLinesAsThePromptTakesThem) {
+  EXPECT_EQ(toLocalHelp("Examples ('quorvel instances X' prints object paths):\n"
+                        "  quorvel invoke \"$SERVICE\" A=1 \\\n"
+                        "      B='C.ID=\"x\"' D=\"$PORT\"\n"),
+            "Examples ('quorvel instances X' prints object paths; write \\\" for each \" in one):\n"
+            "  quorvel invoke \"%SERVICE%\" A=1 ^\n"
+            "      B=\"C.ID=\\\"x\\\"\" D=\"%PORT%\"\n");
+}
+
+TEST(LocalWords, LeaveNoHeadingWithoutExamples) {
+  EXPECT_EQ(toLocalHelp("A text.\n\nExamples:\n  quorvel jobs --host http://127.0.0.1:5988\n"),
+            "A text.\n");
+}
+
+TEST(LocalWords, LeaveTablesAsTheyAre) {
+  EXPECT_EQ(toLocalHelp("STATE is one of:\n  same   'quorvel update' does $nothing\n"),
+            "STATE is one of:\n  same   'quorvel update' does $nothing\n");
 }
 
 TEST(LocalWords, AreWrappedWhereASentenceIsLeftOut) {

@@ -221,12 +221,35 @@ TEST_F(WindowsProgramTest, SpeaksInItsHelpOfWhatThereIsOnWindows) {
                                     "instances", "invoke", "jobs", "update", "watch", ""}) {
     const ProgramResult result = command.empty() ? run({"--help"}) : run({command, "--help"});
     EXPECT_EQ(result.exitStatus, 0) << command;
-    for (const char* word : {"--host", "/srv", "/etc", "/var", "Linux"}) {
+    for (const char* word :
+         {"--host", "--reserve", "/srv", "/etc", "/var", "/tmp", "/usr", "Linux", "system log",
+          "\"$", "\\\n", "'Orvex", "assword", "./quorvel.conf", "Examples:\n\n"}) {
       EXPECT_THAT(result.output, Not(HasSubstr(word))) << command;
     }
   }
   EXPECT_THAT(run({"update", "--help"}).output, HasSubstr("file://C:/firmware/older.rom"));
   EXPECT_THAT(run({"jobs"}).output, EndsWith(" and end with it.\n"));
+  EXPECT_THAT(run({"--help"}).output, AllOf(HasSubstr("event log"), Not(HasSubstr("watch"))));
+  EXPECT_THAT(run({"adapters", "add", "--help"}).output, Not(HasSubstr("/usr")));
+}
+
+TEST_F(WindowsProgramTest, TakesNamesOfAdaptersInAnyScript) {
+  const std::filesystem::path folder = m_files.path() / L"\u6F22";
+  const std::filesystem::path rom = write("new.rom");
+  EXPECT_EQ(runWide({L"adapters", L"add", L"--adapters", folder.native(), L"--pci", L"0000:05:00",
+                     L"--vendor", L"1af4", L"--device", L"1041", L"--name", L"\u0436\u6F22",
+                     L"--rom", rom.native()}),
+            0);
+  EXPECT_TRUE(std::filesystem::exists(folder / "0000-05-00" / "adapter.json"));
+  std::filesystem::copy(folder / "0000-05-00", adapters() / "0000-05-00");
+
+  constexpr const char* kName = "\xD0\xB6\xE6\xBC\xA2";
+  EXPECT_EQ(runJson({"adapters"})[1]["name"], kName);
+  EXPECT_THAT(run({"adapters"}).output, HasSubstr(kName));
+}
+
+TEST_F(WindowsProgramTest, NamesNoHostsWhereAJobIsMissing) {
+  expectFailure({"watch", "1"}, EndsWith("jobs of this program end with it\n"));
 }
 
 TEST_F(WindowsProgramTest, TakesAPathThatBeginsWithASlashForAPath) {
