@@ -14,18 +14,21 @@ std::string describe(std::error_code code) {
   return code.default_error_condition().message();
 }
 
+std::string textOf(const std::string& operation, const std::filesystem::path& path,
+                   const std::string& reason) {
+  return "cannot " + operation + " " + platform::toShownText(path) + ": " + reason;
+}
+
 }  // namespace
 
 FileFault::FileFault(const std::string& operation, const std::filesystem::path& path,
                      std::error_code code)
-    : FileFault(operation, path, describe(code)) {
-  m_code = code;
-}
+    : m_code(code), m_text(textOf(operation, path, describe(code))) {}
 
 FileFault::FileFault(const std::string& operation, const std::filesystem::path& path,
                      const std::string& reason)
     : m_code(std::make_error_code(std::errc::operation_not_permitted)),
-      m_text("cannot " + operation + " " + platform::toShownText(path) + ": " + reason) {}
+      m_text(textOf(operation, path, reason)) {}
 
 bool FileFault::isMissingFile() const {
   return m_code == std::errc::no_such_file_or_directory;

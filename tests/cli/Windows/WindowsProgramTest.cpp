@@ -181,6 +181,20 @@ TEST_F(WindowsProgramTest, ListsFirmwareFilesWithNamesInAnyScript) {
             rom.parent_path().generic_string() + "/\xD0\xB6\xE6\xBC\xA2.rom");
 }
 
+TEST_F(WindowsProgramTest, LooksIntoDirectoriesWithNamesInAnyScript) {
+  test::Settings settings(test::SettingsScope::Machine);
+  settings.write({{"Timeout", 100U}});
+  const std::filesystem::path folder = write(L"\u0436\u6F22/new.rom").parent_path();
+  const std::wstring text = folder.native();
+  ASSERT_EQ(RegSetKeyValueW(HKEY_LOCAL_MACHINE, L"SOFTWARE\\ZOLAN\\Network_Services\\Quorvel",
+                            L"FWFilePath", REG_SZ, text.c_str(),
+                            static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
+            ERROR_SUCCESS);
+
+  EXPECT_EQ(runJson({"identities"})[0]["file"],
+            m_files.path().generic_string() + "/\xD0\xB6\xE6\xBC\xA2/new.rom");
+}
+
 TEST_F(WindowsProgramTest, SaysThatTheImageIsInUse) {
   const std::string rom = writeRom("new.rom", {pxe(3)});
   const platform::Handle kept(CreateFileW(platform::toPath(rom).c_str(), GENERIC_READ, 0, nullptr,

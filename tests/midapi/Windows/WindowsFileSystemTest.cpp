@@ -80,6 +80,12 @@ BOOL WINAPI makeFolder(const wchar_t* path, SECURITY_ATTRIBUTES* attributes) {
   return make(path, attributes);
 }
 
+BOOL WINAPI refuseFolder(const wchar_t* path, SECURITY_ATTRIBUTES* attributes) {
+  s_madeFolders.emplace_back(path, attributes != nullptr);
+  SetLastError(ERROR_BAD_NETPATH);
+  return FALSE;
+}
+
 // The access list of a file, as bytes.
 std::string listOf(const std::filesystem::path& path) {
   DWORD size = 0;
@@ -289,8 +295,14 @@ TEST_F(WindowsFileSystemTest, WorksOnPathsOfAnyLength) {
 }
 
 TEST_F(WindowsFileSystemTest, MakesNoFolderOfTheCurrentDriveForThatOfAServer) {
-  EXPECT_THAT(faultOf([&] { files().createFolders("\\\\quorvel-no-server\\share\\adapters"); }),
-              HasSubstr("cannot create"));
+  const std::string folder = "\\\\quorvel-no-server\\share\\adapters";
+  s_madeFolders.clear();
+  const test::ImportPatch make("midapi_test.exe", "CreateDirectoryW", &refuseFolder);
+  EXPECT_THAT(faultOf([&] { files().createFolders(folder); }), HasSubstr("cannot create"));
+  EXPECT_THAT(s_madeFolders, testing::Not(testing::IsEmpty()));
+  for (const auto& [path, isPrivate] : s_madeFolders) {
+    EXPECT_TRUE(folder.starts_with(path.string())) << path.string();
+  }
   EXPECT_FALSE(files().exists(m_directory.path().root_path() / "quorvel-no-server"));
 }
 
