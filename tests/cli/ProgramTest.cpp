@@ -43,6 +43,7 @@ TEST_F(ProgramTest, RefusesWrongUsage) {
                    AllOf(HasSubstr("extra"), HasSubstr("Try 'quorvel adapters list --help'.")));
   expectUsageFault({"instances"}, HasSubstr("CLASS is required"));
   expectUsageFault({"instances", "A", "B"}, HasSubstr("B"));
+  expectUsageFault({"invoke"}, HasSubstr("OBJECTPATH is required"));
   expectUsageFault({"invoke", "A.b=c"}, HasSubstr("METHOD is required"));
   expectUsageFault({"instances", "X", "--host", "server1"},
                    AllOf(HasSubstr("not expected: server1"),

@@ -190,6 +190,8 @@ TEST_F(HostConnectionTest, AsksTheClassWhatAKeyIsThatReadsAsAPath) {
   const std::string path = R"(Thing.Id="A.b=\"c\"")";
   EXPECT_EQ(connection.findInstance(path).value().path, path);
   EXPECT_EQ(requests[0].name, "GetClass");
+  // A key may be one that it inherits.
+  EXPECT_EQ(std::get<std::string>(requests[0].find("LocalOnly")->value), "FALSE");
   EXPECT_EQ(askedKey(), (KeyBinding{"Id", KeyBinding::Kind::String, "A.b=\"c\"", {}}));
   // The class is known from now on, and a string may stand without quotes.
   answerReturned("<INSTANCE CLASSNAME=\"Thing\"/>");

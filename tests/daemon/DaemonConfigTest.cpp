@@ -156,10 +156,28 @@ TEST_F(DaemonConfigTest, ReadsAFileOfAMegabyteAndNothingLarger) {
 }
 
 TEST_F(DaemonConfigTest, RefusesASettingThatIsMadeTwice) {
-  const std::string path = write("log-level = 1\nlog-level = 1\n");
-  EXPECT_THAT(
-      [&path] { static_cast<void>(quorveld::readDaemonConfig(path)); },
-      ThrowsExactly<ConfigurationFault>(StartsWith(path + ":2: log-level: is set a second")));
+  const std::pair<std::string, std::string> settings[] = {{"certificate", "/c.pem"},
+                                                          {"key", "/k.pem"},
+                                                          {"authentication", "none"},
+                                                          {"password-file", "/passwords"},
+                                                          {"operators", "anna"},
+                                                          {"readers", "anna"},
+                                                          {"adapters", "/adapters"},
+                                                          {"config", "/config"},
+                                                          {"log-level", "1"},
+                                                          {"max-connections", "10"},
+                                                          {"max-connections-per-address", "10"},
+                                                          {"max-body", "1024"},
+                                                          {"max-answers", "1048576"},
+                                                          {"request-timeout", "10"},
+                                                          {"idle-timeout", "10"}};
+  for (const auto& [name, value] : settings) {
+    const std::string line = name + " = " + value + "\n";
+    const std::string path = write(line + line);
+    EXPECT_THAT(
+        [&path] { static_cast<void>(quorveld::readDaemonConfig(path)); },
+        ThrowsExactly<ConfigurationFault>(StartsWith(path + ":2: " + name + ": is set a second")));
+  }
 }
 
 TEST_F(DaemonConfigTest, DemandsAFileThatWasNamed) {

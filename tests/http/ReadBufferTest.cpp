@@ -26,6 +26,19 @@ TEST(ReadBuffer, HandsOutWhatWasReadInOrder) {
   }
 }
 
+TEST(ReadBuffer, NeedsNoMoreMemoryWhereAByteWasTaken) {
+  ReadBuffer buffer;
+  buffer.add(buffer.space().size());
+  buffer.remove(1);
+  EXPECT_EQ(buffer.space().size(), 1U);
+}
+
+TEST(ReadBuffer, KeepsItsSizeWhereNothingCame) {
+  ReadBuffer buffer;
+  const std::size_t size = buffer.space().size();
+  EXPECT_EQ(buffer.space().size(), size);
+}
+
 TEST(ReadBuffer, ReadsMoreAtOnceWhereMuchComesAndGivesThatUp) {
   ReadBuffer buffer;
   for (int i = 0; i < 10; ++i) {

@@ -141,6 +141,26 @@ TEST(ServerPlaces, KeepsSomeForTrustedUsers) {
   EXPECT_EQ(busy.finish(), 16U);
 }
 
+TEST(ServerPlaces, TellsSomeOfAFloodAndClosesTheOthersAtOnce) {
+  constexpr int kFlood = 200;
+  Busy busy;
+  ServerOptions options = Busy::makeRoomFor(test::onFreePort(), 1);
+  options.maxConnections = 1;
+  const TestServer server(options, busy.handler());
+  busy.add(server.port());
+
+  std::vector<std::unique_ptr<RawClient>> flood;
+  for (int i = 0; i < kFlood; ++i) {
+    flood.push_back(std::make_unique<RawClient>(server.port()));
+  }
+  const auto told = std::count_if(flood.begin(), flood.end(), [](const auto& client) {
+    return statusOf(client->readToEnd()) == "503";
+  });
+  EXPECT_GE(told, 32);
+  EXPECT_LT(told, kFlood);
+  EXPECT_EQ(busy.finish(), 1U);
+}
+
 TEST(ServerPlaces, ClosesEncryptedConnectionsThatAreTooMany) {
   Busy busy;
   ServerOptions options = Busy::makeRoomFor(test::onFreePort(true), 1);

@@ -70,6 +70,13 @@ TEST(BoundedJson, IndentsWhatFitsThen) {
   EXPECT_EQ(formatJson({{"b", 1}, {"a", 2}}), "{\n  \"b\": 1,\n  \"a\": 2\n}\n");
 }
 
+TEST(BoundedJson, FillsTheLastByteWithWhiteSpace) {
+  const std::size_t without = formatJson({{"text", ""}}).size();
+  const std::string text = formatJson({{"text", std::string(kMaxJsonSize - without, 'x')}});
+  EXPECT_EQ(text.size(), kMaxJsonSize);
+  EXPECT_TRUE(text.starts_with("{\n  "));
+}
+
 TEST(BoundedJson, LeavesWhiteSpaceOutWhereItWouldNotFit) {
   const Json large = {{"list", Json(300'000, 0)}};
   const std::string text = formatJson(large);

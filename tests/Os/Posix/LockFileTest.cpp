@@ -71,6 +71,22 @@ class LockFileTest : public testing::Test {
   const test::LockFolder m_folder;
 };
 
+TEST_F(LockFileTest, SaysWhyItCannotBeMade) {
+  if (geteuid() != 0) {
+    GTEST_SKIP() << "only root can become another user";
+  }
+  ::chmod(m_folder.path().c_str(), 0755);
+  EXPECT_TRUE(doAs(kUser, [this] {
+    try {
+      const LockFile file(m_folder.path());
+    } catch (const std::runtime_error& fault) {
+      const std::string text = fault.what();
+      return text.starts_with("cannot make ") && text.ends_with(": Permission denied");
+    }
+    return false;
+  }));
+}
+
 TEST_F(LockFileTest, ExcludesAndFrees) {
   LockFile file(m_folder.path());
   EXPECT_TRUE(file.tryLock(Clock::now()));

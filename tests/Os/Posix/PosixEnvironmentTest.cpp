@@ -4,6 +4,9 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <iterator>
+#include <sched.h>
+#include <string>
+#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -45,6 +48,29 @@ TEST(OutputTerminal, IsRecognised) {
     GTEST_SKIP() << "this system gives no pseudo terminal";
   }
   EXPECT_EQ(answer, 1);
+}
+
+constexpr int kNotAllowed = 77;
+
+// Answers 1 where a machine with that name is said to have this one; kNotAllowed where none can be
+// had.
+int askMachine(std::string_view name, const std::string& expected) {
+  ChildProcess child([&](ChildProcess::Link&) {
+    if (unshare(CLONE_NEWUTS) != 0 || sethostname(name.data(), name.size()) != 0) {
+      return kNotAllowed;
+    }
+    return os::getMachineName() == expected ? 1 : 0;
+  });
+  return child.wait();
+}
+
+TEST(MachineName, IsNoneWhereNobodyHasGivenOne) {
+  const int answer = askMachine("(none)", "");
+  if (answer == kNotAllowed) {
+    GTEST_SKIP() << "only root can name a machine";
+  }
+  EXPECT_EQ(answer, 1);
+  EXPECT_EQ(askMachine("lab", "lab"), 1);
 }
 
 constexpr int kStreams[] = {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO};

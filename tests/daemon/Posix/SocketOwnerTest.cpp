@@ -1,8 +1,11 @@
 // Over real connections of this machine. The tests that become other users need root.
 
 #include <arpa/inet.h>
+#include <atomic>
+#include <cerrno>
 #include <cstdint>
 #include <cstring>
+#include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <netinet/in.h>
 #include <optional>
@@ -24,6 +27,24 @@ using quorveld::findTcpClient;
 using test::ChildProcess;
 
 constexpr uid_t kUser = 64242;
+
+// Whether a signal interrupts the next wait for an answer of the kernel.
+std::atomic<bool> s_isInterrupted{false};
+
+}  // namespace
+
+// The host's objects in this program call it.
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
+extern "C" ssize_t recv(int socket, void* buffer, std::size_t size, int flags) {
+  if (s_isInterrupted.exchange(false)) {
+    errno = EINTR;
+    return -1;
+  }
+  return reinterpret_cast<decltype(&recv)>(dlsym(RTLD_NEXT, "recv"))(socket, buffer, size, flags);
+}
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)
+
+namespace {
 
 sockaddr_storage parse(const std::string& address, std::uint16_t port) {
   sockaddr_storage storage{};
@@ -119,6 +140,14 @@ TEST_P(SocketOwner, IsTheUserWhoConnected) {
   const Descriptor client = connectTo(server());
   const Descriptor served = m_listener.accept();
   EXPECT_EQ(ownerOf(served), geteuid());
+}
+
+TEST_P(SocketOwner, IsFoundThroughAnInterruption) {
+  const Descriptor client = connectTo(server());
+  const Descriptor served = m_listener.accept();
+  s_isInterrupted = true;
+  EXPECT_EQ(ownerOf(served), geteuid());
+  EXPECT_FALSE(s_isInterrupted);
 }
 
 TEST_P(SocketOwner, IsAnotherUser) {

@@ -211,6 +211,16 @@ TEST_F(SocketFileTest, LeavesOneThatIsServed) {
   EXPECT_TRUE(fs::exists(m_path));
 }
 
+TEST_F(SocketFileTest, SaysHowLongThePathOfASocketMayBe) {
+  SocketFile::makeWay(m_path);
+  const Descriptor socket = bindTo(m_path);
+  const fs::path longer = m_path.parent_path() / std::string(150, 'a');
+  fs::rename(m_path, longer);
+  EXPECT_THAT([&longer] { SocketFile::makeWay(longer); },
+              testing::ThrowsMessage<std::system_error>(
+                  testing::HasSubstr("the path of a socket has 107 characters at most")));
+}
+
 TEST_F(SocketFileTest, LeavesWhatIsNoSocket) {
   m_directory.write("run/a.sock", std::string("content"));
   EXPECT_EQ(errorOfWay(), EEXIST);
