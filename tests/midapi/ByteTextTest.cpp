@@ -61,6 +61,9 @@ TEST(ByteText, LeavesTheFillingAtTheEndOut) {
   EXPECT_EQ(decodedUnits({u"A \0", 3}, false), "A");
   EXPECT_EQ(decoded({"\0 \0", 3}, TextEncoding::Utf8), "");
   EXPECT_EQ(decoded("", TextEncoding::Utf16), "");
+  EXPECT_EQ(decoded("\xFE\xFF", TextEncoding::Utf16), "");
+  EXPECT_EQ(decoded("A \xff", TextEncoding::Ascii), "A \\xff");
+  EXPECT_EQ(decodedUnits({u'A', u' ', 0xD800}, true), "A \\ud800");
 }
 
 TEST(ByteText, EscapesWhatCommandsATerminal) {
