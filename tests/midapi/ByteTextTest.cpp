@@ -68,7 +68,8 @@ TEST(ByteText, LeavesTheFillingAtTheEndOut) {
 
 TEST(ByteText, EscapesWhatCommandsATerminal) {
   EXPECT_EQ(decoded("a\x1b[2J\n\x7f", TextEncoding::Ascii), "a\\x1b[2J\\x0a\\x7f");
-  EXPECT_EQ(decoded("\xe2\x80\xae", TextEncoding::Utf8), "\\xe2\\x80\\xae");
+  const std::string rightToLeft = {'\xe2', '\x80', '\xae'};
+  EXPECT_EQ(decoded(rightToLeft, TextEncoding::Utf8), "\\xe2\\x80\\xae");
   EXPECT_EQ(decodedUnits(u"\u009b\u202e", false), "\\xc2\\x9b\\xe2\\x80\\xae");
 }
 

@@ -18,6 +18,7 @@ using Bytes = std::vector<std::uint8_t>;
 
 std::vector<std::string> textsOf(const std::vector<VpdField>& fields) {
   std::vector<std::string> texts;
+  texts.reserve(fields.size());
   for (const VpdField& field : fields) {
     texts.push_back(field.keyword + "=" + field.text);
   }

@@ -5,7 +5,6 @@
 
 namespace {
 
-using ma::PldmTime;
 using Fields = std::array<std::uint8_t, ma::kPldmTimeSize>;
 
 // 21 November 2026, 18:04:05, one hour in the east of UTC.
@@ -34,6 +33,7 @@ TEST(PldmTime, IsWrittenAsRfc3339Says) {
 
 TEST(PldmTime, IsNoneWhereTheFieldsAreNoTime) {
   EXPECT_EQ(textOf({}), "none");
+  EXPECT_EQ(textOf({0, 0, 0x40, 0x42, 0x0F, 0, 0, 0, 1, 1, 0xEA, 0x07, 0}), "none");
   for (const auto& [place, value] :
        {std::pair(4, 0x10), std::pair(5, 61), std::pair(6, 60), std::pair(7, 24), std::pair(8, 0),
         std::pair(8, 31), std::pair(9, 0), std::pair(9, 13), std::pair(11, 0x28),
