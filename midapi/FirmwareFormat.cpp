@@ -39,7 +39,7 @@ constexpr std::array kQedDrivers = {"qede"sv};
 struct Description {
   std::string_view name;
   std::span<const std::string_view> drivers;
-  bool namesDevices;
+  bool tellsDevices;
 };
 // By the formats' numbers.
 constexpr std::array<Description, 7> kDescriptions = {{
@@ -87,8 +87,8 @@ std::span<const std::string_view> driversOf(FirmwareFormat format) {
   return descriptionOf(format).drivers;
 }
 
-bool namesDevices(FirmwareFormat format) {
-  return descriptionOf(format).namesDevices;
+bool tellsDevices(FirmwareFormat format) {
+  return descriptionOf(format).tellsDevices;
 }
 
 }  // namespace ma

@@ -35,7 +35,7 @@ enum class FirmwareFormat {
 [[nodiscard]] std::span<const std::string_view> driversOf(FirmwareFormat format);
 
 // Returns whether the file says which devices it is for, and this library can read that.
-[[nodiscard]] bool namesDevices(FirmwareFormat format);
+[[nodiscard]] bool tellsDevices(FirmwareFormat format);
 
 }  // namespace ma
 

@@ -3,8 +3,8 @@
 //
 // Pure functions on bytes: no I/O, no shared state, and no read outside the bytes they are given,
 // whatever those hold. They throw nothing but std::bad_alloc. Their time is linear in the bytes
-// (sorting the components aside), and what they return is within a small multiple of the header,
-// which is 64 KiB at the most; components are not copied.
+// (sorting the components aside), and what they return is some MiB at the most, since a header has
+// at most 64 KiB; components are not copied.
 //
 // All texts are UTF-8 and fit for a terminal (see midapi/ByteText.h).
 

@@ -68,6 +68,7 @@ TEST_F(ByteReaderTest, RefusesThePartThatDoesNotFit) {
             "records[1].length at 0x2: is 0xb, but 0xa bytes are left of the header");
   EXPECT_EQ(faultOf([&] { static_cast<void>(m_reader.part("length", 0, 1, "record")); }),
             "records[1].length at 0x2: is 0x0, must be at least 0x1");
+  EXPECT_EQ(m_reader.part("length", 1, 1, "record").left(), 0U);
   EXPECT_EQ(m_reader.part("length", 10, 1, "record").prefix(), "records[1].");
   EXPECT_EQ(m_reader.left(), 0U);
 }

@@ -61,11 +61,15 @@ TEST(ByteText, LeavesTheFillingAtTheEndOut) {
   EXPECT_EQ(decodedUnits({u"A \0", 3}, false), "A");
   EXPECT_EQ(decoded({"\0 \0", 3}, TextEncoding::Utf8), "");
   EXPECT_EQ(decoded("", TextEncoding::Utf16), "");
+  EXPECT_EQ(decoded("\xFE\xFF", TextEncoding::Utf16), "");
+  EXPECT_EQ(decoded("A \xff", TextEncoding::Ascii), "A \\xff");
+  EXPECT_EQ(decodedUnits({u'A', u' ', 0xD800}, true), "A \\ud800");
 }
 
 TEST(ByteText, EscapesWhatCommandsATerminal) {
   EXPECT_EQ(decoded("a\x1b[2J\n\x7f", TextEncoding::Ascii), "a\\x1b[2J\\x0a\\x7f");
-  EXPECT_EQ(decoded("\xe2\x80\xae", TextEncoding::Utf8), "\\xe2\\x80\\xae");
+  const std::string rightToLeft = {'\xe2', '\x80', '\xae'};
+  EXPECT_EQ(decoded(rightToLeft, TextEncoding::Utf8), "\\xe2\\x80\\xae");
   EXPECT_EQ(decodedUnits(u"\u009b\u202e", false), "\\xc2\\x9b\\xe2\\x80\\xae");
 }
 

@@ -50,6 +50,14 @@ TEST(FirmwareFormat, IsThatOfADefectiveFile) {
   EXPECT_EQ(firmwareFormatOf(package), FirmwareFormat::PldmPackage);
 }
 
+TEST(FirmwareFormat, IsThatOfTheSmallestFileWithTheMark) {
+  EXPECT_EQ(firmwareFormatOf(fileWith("MLNX.MFA2.XZ.00!", 0, 16)), FirmwareFormat::Mfa2);
+  EXPECT_EQ(firmwareFormatOf(fileWith("BCM\x1A", 0, 28)), FirmwareFormat::BnxtPart);
+  EXPECT_EQ(firmwareFormatOf(fileWith({"\x00\x11\x22\x18", 4}, 8, 1024)), FirmwareFormat::Hinic);
+  EXPECT_EQ(firmwareFormatOf(fileWith("\x87\x56\x43\x12", 0, 12)), FirmwareFormat::QedNvm);
+  EXPECT_EQ(firmwareFormatOf(fileWith("\x87\x56\x43\x12", 0, 11)), FirmwareFormat::Unknown);
+}
+
 TEST(FirmwareFormat, IsUnknownWithoutTheWholeMark) {
   EXPECT_EQ(firmwareFormatOf({}), FirmwareFormat::Unknown);
   EXPECT_EQ(firmwareFormatOf(Bytes({0x55})), FirmwareFormat::Unknown);
@@ -82,7 +90,7 @@ TEST(FirmwareFormat, KnowsTheDriversThatTakeIt) {
   for (const FirmwareFormat format : kFormats) {
     const auto drivers = driversOf(format);
     EXPECT_EQ(std::count(drivers.begin(), drivers.end(), "i40e"), 0);
-    EXPECT_EQ(ma::namesDevices(format),
+    EXPECT_EQ(ma::tellsDevices(format),
               format == FirmwareFormat::OptionRom || format == FirmwareFormat::PldmPackage);
   }
 }

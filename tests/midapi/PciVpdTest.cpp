@@ -18,6 +18,7 @@ using Bytes = std::vector<std::uint8_t>;
 
 std::vector<std::string> textsOf(const std::vector<VpdField>& fields) {
   std::vector<std::string> texts;
+  texts.reserve(fields.size());
   for (const VpdField& field : fields) {
     texts.push_back(field.keyword + "=" + field.text);
   }
@@ -92,7 +93,7 @@ TEST(PciVpd, PassesOverOtherResourcesAndWhatFollowsTheEnd) {
   Bytes bytes = VpdBuilder()
                     .name("A")
                     .add(0x84, "other")
-                    .raw(std::string("\x2A\x01\x02", 3))
+                    .raw(std::string("\x2A\x01\x02\x29\x01", 5))
                     .readOnly({{"SN", "1"}})
                     .build();
   bytes.insert(bytes.end(), 1000, 0xFF);
@@ -151,6 +152,15 @@ TEST(PciVpd, SaysWhatIsWrong) {
             "RV checksum at 0x6: takes 0x1 bytes, but 0x0 are left of the area");
   EXPECT_EQ(defectOfRaw({"\x82\x01\0A\x2C\x78", 6}),
             "tag at 0x4: is 0x4, but 0x1 bytes are left of the data");
+}
+
+TEST(PciVpd, HasKeywordsOfCapitalLettersAndDigits) {
+  for (const std::string keyword : {"A0", "Z9", "0A", "9Z"}) {
+    EXPECT_EQ(defectOf(VpdBuilder().readOnly({{keyword, "1"}}).build()), "none") << keyword;
+  }
+  for (const std::string keyword : {"A/", "A:", "A@", "A[", "/A", "aA", "A\xff"}) {
+    EXPECT_NE(defectOf(VpdBuilder().readOnly({{keyword, "1"}}).build()), "none") << keyword;
+  }
 }
 
 TEST(PciVpd, ReadsNothingOfAnAreaBehindItsChecksum) {

@@ -19,7 +19,7 @@ PldmPackage packageFor(const std::vector<PldmDevice>& devices) {
   for (const PldmDevice& device : devices) {
     builder.add(device);
   }
-  const PldmPackage package = ma::parsePldmPackage(builder.build().bytes);
+  PldmPackage package = ma::parsePldmPackage(builder.build().bytes);
   EXPECT_TRUE(package.isValid()) << package.defect->toString();
   return package;
 }

@@ -2,6 +2,7 @@
 #include <iterator>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "midapi/PldmPackage.h"
@@ -214,6 +215,17 @@ TEST(PldmPackage, HasAHeaderThatFits) {
   EXPECT_EQ(defectWith("headerSize", 0xFFFF, 1),
             "headerSize at 0x11: is 0xffff, but the file has only 0x149 bytes");
   EXPECT_THAT(defectWith("headerSize", 0x80, 1), HasSubstr("headerChecksum at 0x7c: is 0x"));
+  EXPECT_EQ(defectWith("componentCount", 1, 1),
+            "headerSize at 0x11: is 0xbd, but the header's fields end at 0x9e");
+}
+
+TEST(PldmPackage, HasAHeaderThatIsNeverTooSmallForItsFirstFields) {
+  for (const std::uint8_t format : kFormats) {
+    const std::size_t least = 0x13 + (format < 4 ? 4 : 8);
+    EXPECT_THAT(defectWith("headerSize", least - 1, format), HasSubstr("too small for any header"));
+    EXPECT_THAT(defectWith("headerSize", least, format),
+                HasSubstr("headerChecksum at 0x13: is 0x"));
+  }
 }
 
 TEST(PldmPackage, SaysThatItIsDamagedWhereTheHeaderChecksumIsWrong) {
@@ -224,6 +236,12 @@ TEST(PldmPackage, SaysThatItIsDamagedWhereTheHeaderChecksumIsWrong) {
   EXPECT_THAT(defectOf(changed), HasSubstr(": the file is damaged"));
   EXPECT_THAT(defectWith("headerChecksum", 0x530E592E, 1),
               HasSubstr(": is 0x530e592e, but the header's bytes have 0x"));
+  for (const std::uint8_t format : kFormats) {
+    const PldmFile broken = wholePackage(format).breakField("headerChecksum", 1).build();
+    const auto defect = parsePldmPackage(broken.bytes).defect;
+    ASSERT_TRUE(defect);
+    EXPECT_EQ(defect->offset, broken.offsetOf("headerChecksum"));
+  }
 }
 
 TEST(PldmPackage, ChecksComponentsInFormat4Alone) {
@@ -298,6 +316,20 @@ TEST(PldmPackage, RefusesDescriptorsThatDoNotFit) {
   EXPECT_THAT(defectOf(wholePackage(1).add(PldmDevice().descriptor(0x0100, {1, 2, 3}))),
               HasSubstr("is 0x3, must be 0x2 for descriptors of type 0x100"));
   EXPECT_EQ(defectOf(wholePackage(1).add(PldmDevice().descriptor(0x4242, {1, 2, 3}))), "none");
+}
+
+TEST(PldmPackage, KnowsTheSizesOfDescriptors) {
+  const std::pair<std::uint16_t, std::size_t> sizes[] = {
+      {0x0000, 2}, {0x0001, 4}, {0x0002, 16}, {0x0003, 3}, {0x0004, 4}, {0x0100, 2},
+      {0x0101, 2}, {0x0102, 2}, {0x0103, 1},  {0x0104, 4}, {0x0105, 4}};
+  for (const auto& [type, size] : sizes) {
+    const auto packageWith = [kind = type](std::size_t count) {
+      return wholePackage(1).add(PldmDevice().descriptor(kind, Bytes(count, 1)));
+    };
+    EXPECT_EQ(defectOf(packageWith(size)), "none") << type;
+    EXPECT_NE(defectOf(packageWith(size - 1)), "none") << type;
+    EXPECT_NE(defectOf(packageWith(size + 1)), "none") << type;
+  }
 }
 
 TEST(PldmPackage, RefusesBitsOfComponentsThatThereAreNot) {

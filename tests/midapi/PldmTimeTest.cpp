@@ -5,7 +5,6 @@
 
 namespace {
 
-using ma::PldmTime;
 using Fields = std::array<std::uint8_t, ma::kPldmTimeSize>;
 
 // 21 November 2026, 18:04:05, one hour in the east of UTC.
@@ -25,6 +24,8 @@ std::string textWith(std::size_t place, std::uint8_t value) {
 TEST(PldmTime, IsWrittenAsRfc3339Says) {
   EXPECT_EQ(textOf(kTime), "2026-11-21T18:04:05+01:00");
   EXPECT_EQ(textWith(0, 0), "2026-11-21T18:04:05Z");
+  EXPECT_EQ(textOf({0, 0, 0, 0, 0, 0, 0, 0, 31, 12, 0x0F, 0x27, 0}), "9999-12-31T00:00:00Z");
+  EXPECT_EQ(textOf({0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 0x10, 0x27, 0}), "none");
   EXPECT_EQ(textWith(2, 7), "2026-11-21T18:04:05.000007+01:00");
   EXPECT_EQ(textOf({0xB6, 0xFE, 0x3F, 0x42, 0x0F, 60, 59, 23, 29, 2, 0xE8, 0x07, 0x16}),
             "2024-02-29T23:59:60.999999-05:30");
@@ -32,6 +33,7 @@ TEST(PldmTime, IsWrittenAsRfc3339Says) {
 
 TEST(PldmTime, IsNoneWhereTheFieldsAreNoTime) {
   EXPECT_EQ(textOf({}), "none");
+  EXPECT_EQ(textOf({0, 0, 0x40, 0x42, 0x0F, 0, 0, 0, 1, 1, 0xEA, 0x07, 0}), "none");
   for (const auto& [place, value] :
        {std::pair(4, 0x10), std::pair(5, 61), std::pair(6, 60), std::pair(7, 24), std::pair(8, 0),
         std::pair(8, 31), std::pair(9, 0), std::pair(9, 13), std::pair(11, 0x28),

@@ -65,6 +65,20 @@ TEST(VersionText, KnowsWhatIsTheSame) {
   }
 }
 
+TEST(VersionText, KnowsTheWordsThatAnnounce) {
+  for (const std::string word :
+       {"alpha", "Beta", "dev", "pre", "preview", "RC", "snapshot", "test"}) {
+    EXPECT_TRUE(compareVersions("1.2-" + word, "1.2") < 0) << word;
+    EXPECT_TRUE(compareVersions("1.2-" + word + "x", "1.2") > 0) << word;
+  }
+}
+
+TEST(VersionText, TakesBytesThatAreNotAsciiForLetters) {
+  EXPECT_TRUE(compareVersions("1\x80", "1") > 0);
+  EXPECT_TRUE(compareVersions("1\xff", "1\x80") > 0);
+  EXPECT_TRUE(compareVersions("1\x80", "1z") > 0);
+}
+
 TEST(VersionText, TakesNoNumberFromHexadecimalDigitsThatAreTooMany) {
   EXPECT_TRUE(compareVersions("0x10000000000000000", "0") > 0);
   EXPECT_TRUE(compareVersions("0x10000000000000000", "1") < 0);

@@ -57,7 +57,8 @@ TEST(Utf8, FindsNoCharacterInBytesThatAreNone) {
 }
 
 TEST(Utf8, KnowsWhatShowsAsItself) {
-  for (const std::uint32_t point : {0x20U, 0x7EU, 0xA0U, 0x2027U, 0x202FU, 0x2065U, 0x1F600U}) {
+  for (const std::uint32_t point :
+       {0x20U, 0x7EU, 0xA0U, 0x2027U, 0x202FU, 0x2065U, 0x206AU, 0x1F600U, 0x10FFFFU}) {
     EXPECT_TRUE(isPrintable(point)) << point;
   }
   for (const std::uint32_t point : {0x00U, 0x1BU, 0x7FU, 0x9BU, 0x61CU, 0x200EU, 0x2028U, 0x202EU,

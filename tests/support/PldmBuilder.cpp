@@ -316,7 +316,7 @@ class PldmLayout {
 
   void breakFields(bool isOfChecksums) {
     for (const auto& [field, value] : m_from.m_broken) {
-      if (m_file.fields.count(field) == 0) {
+      if (!m_file.fields.contains(field)) {
         throw std::invalid_argument("the package has no field " + field);
       }
       if (field.ends_with("Checksum") == isOfChecksums) {

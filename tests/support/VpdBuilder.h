@@ -66,7 +66,9 @@ class VpdBuilder {
   static std::string join(const Fields& fields) {
     std::string content;
     for (const auto& [keyword, data] : fields) {
-      content += keyword + lengthOf(data.size()) + data;
+      content += keyword;
+      content += lengthOf(data.size());
+      content += data;
     }
     return content;
   }
