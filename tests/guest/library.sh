@@ -19,12 +19,13 @@ expect_equal() { [ "$2" = "$3" ] || fail "$1: expected \"$2\", got \"$3\""; }
 # expect_text WHAT PART TEXT: the text has that part.
 expect_text() { [[ $3 == *"$2"* ]] || fail "$1: expected \"$2\" in \"$3\""; }
 
-# expect_failure STATUS COMMAND...: the command ends with that status; prints what it says.
+# expect_failure STATUS WORDS COMMAND...: the command ends with that status, and says these words.
 expect_failure() {
-  local expected=$1 status=0
-  shift
-  "$@" 2>&1 || status=$?
-  expect_equal "status of $*" "$expected" "$status" >&2
+  local expected=$1 words=$2 status=0 answer
+  shift 2
+  answer=$("$@" 2>&1) || status=$?
+  expect_equal "status of $*" "$expected" "$status"
+  expect_text "answer of $*" "$words" "$answer"
 }
 
 # await COMMAND...: waits until the command succeeds, 10 seconds at the most.

@@ -21,7 +21,7 @@
  * In the folder testnic/SLOT of debugfs, for each board:
  *   step_ms   what each of the 20 steps of a write takes
  *   fail_at   at how many percent of a component a write fails; 101 for never
- *   pause_at  at how many percent it waits until this is raised; 101 for never
+ *   pause_at  at how many percent it waits until this is raised, for 20 seconds at the most; 101 for never
  *   percent   where the write is that runs; 101 when none does
  */
 #include <linux/debugfs.h>
@@ -30,6 +30,7 @@
 #include <linux/ethtool.h>
 #include <linux/firmware.h>
 #include <linux/io.h>
+#include <linux/jiffies.h>
 #include <linux/list.h>
 #include <linux/module.h>
 #include <linux/mutex.h>
@@ -47,6 +48,7 @@
 #define TESTNIC_MAX_PORTS	2
 #define TESTNIC_STEPS		20
 #define TESTNIC_NEVER		101		/* percent */
+#define TESTNIC_LONGEST_PAUSE	(20 * HZ)
 #define TESTNIC_MGMT_MAGIC	"MGMT"		/* what a file for fw.mgmt alone begins with */
 
 #define TESTNIC_MAX_DRIVERS	4	/* of each kind */
@@ -207,8 +209,10 @@ static void testnic_notify(struct testnic_update *update, const char *text,
 /* Lets a step of the write pass, at the pace that debugfs says. */
 static void testnic_step(struct testnic_board *board, unsigned int percent)
 {
+	unsigned long end = jiffies + TESTNIC_LONGEST_PAUSE;
+
 	WRITE_ONCE(board->percent, percent);
-	while (percent >= READ_ONCE(board->pause_at))
+	while (percent >= READ_ONCE(board->pause_at) && time_before(jiffies, end))
 		msleep(10);
 	msleep(READ_ONCE(board->step_ms));
 }
