@@ -20,6 +20,7 @@ std::vector<utils::FirmwareVersionInfo> firmwareOf(const AdapterFacts& facts, Ro
 
 std::vector<utils::FirmwareType> typesOf(const std::vector<utils::FirmwareVersionInfo>& firmware) {
   std::vector<utils::FirmwareType> types;
+  types.reserve(firmware.size());
   for (const utils::FirmwareVersionInfo& component : firmware) {
     types.push_back(component.type);
   }

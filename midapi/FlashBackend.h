@@ -3,7 +3,7 @@
 // The library knows who asks and keeps the progress of writes; a back end knows which adapters
 // there are, what they hold and what may be put on them, and puts it there. A back end of another
 // kind of adapter derives from this class, or from ChainFlashBackend where a flash is a chain of
-// option ROMs that is written as a whole, and gets its place in BackendSet.cpp.
+// option ROMs that is written as a whole; MidApi.cpp has the one that is used.
 //
 // Any thread may call; writes to one adapter never overlap. Every failure is thrown as FlashFault.
 // Nothing but a preparation, a comparison and the operations of an update may wait for an adapter:

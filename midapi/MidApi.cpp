@@ -1,13 +1,11 @@
 #include "midapi/MidApi.h"
 
-#include <algorithm>
 #include <span>
 #include <utility>
 
 #include "midapi/AdapterId.h"
 #include "midapi/FlashBackend.h"
 #include "midapi/Hex.h"
-#include "midapi/ImagePreparation.h"
 #include "midapi/OptionRom.h"
 #include "midapi/Virtual/VirtualFlashBackend.h"
 #include "midapi/WriteProgress.h"
@@ -62,10 +60,18 @@ bool beginUpdate(const std::string& adapter) {
   return port && backend().beginUpdate(port->adapter);
 }
 
-// As FlashBackend::prepare, for whatever adapter is named.
+bool isImage(ConstBytes file) {
+  return parseRomChain(file).isValid();
+}
+
+// As FlashBackend::prepare, for whatever adapter is named: the file is looked at first, whatever
+// the name is.
 Preparation prepare(const std::string& adapter, ConstBytes file, std::span<std::uint8_t> buffer,
                     const std::vector<utils::FirmwareType>& types) {
   try {
+    if (!parseCanonicalPortId(adapter) && !isImage(file)) {
+      return {PrepareStatus::InvalidImage};
+    }
     return backend().prepare(needPort(adapter), file, buffer, types);
   } catch (const FlashFault&) {
     return {PrepareStatus::InternalFault};
@@ -177,6 +183,9 @@ std::string describeFlashImage(const std::uint8_t* file, std::uint32_t fileSize,
 ImageComparison compareFlashImage(const std::string& adapter, const std::uint8_t* file,
                                   std::uint32_t fileSize) {
   try {
+    if (!parseCanonicalPortId(adapter) && !isImage({file, fileSize})) {
+      return ImageComparison::NotForAdapter;
+    }
     return backend().compare(needPort(adapter), {file, fileSize});
   } catch (const FlashFault&) {
     return ImageComparison::Unknown;

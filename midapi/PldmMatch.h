@@ -7,22 +7,12 @@
 #define ORVEX_MIDAPI_PLDMMATCH_H_
 
 #include <cstddef>
-#include <cstdint>
 #include <vector>
 
+#include "midapi/PciIds.h"
 #include "midapi/PldmPackage.h"
 
 namespace ma {
-
-// What PCI says of a function.
-struct PciIds {
-  std::uint16_t vendor = 0;
-  std::uint16_t device = 0;
-  std::uint16_t subsystemVendor = 0;
-  std::uint16_t subsystemDevice = 0;
-
-  friend bool operator==(const PciIds&, const PciIds&) = default;
-};
 
 // Returns whether each of the four ids that the record names is the function's. An id that is 0 or
 // absent means any, and of one that is named twice the last counts; descriptors of other types do

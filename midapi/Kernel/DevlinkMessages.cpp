@@ -8,6 +8,7 @@
 #include <linux/devlink.h>
 #include <linux/genetlink.h>
 #include <linux/netlink.h>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 
@@ -33,14 +34,11 @@ class Request {
     generic->version = kFamilyVersion;
   }
 
-  // Leaves out what has no room: names are short, the kernel takes 127 bytes of a file's.
   Request& put(std::uint16_t attribute, const std::string& text) {
-    static_cast<void>(mnl_attr_put_strz_check(header(), m_buffer.size(), attribute, text.c_str()));
-    return *this;
+    return demandRoom(mnl_attr_put_strz_check(header(), m_buffer.size(), attribute, text.c_str()));
   }
   Request& put(std::uint16_t attribute, std::uint8_t number) {
-    static_cast<void>(mnl_attr_put_u8_check(header(), m_buffer.size(), attribute, number));
-    return *this;
+    return demandRoom(mnl_attr_put_u8_check(header(), m_buffer.size(), attribute, number));
   }
 
   [[nodiscard]] std::vector<std::uint8_t> bytes() {
@@ -49,6 +47,13 @@ class Request {
 
  private:
   nlmsghdr* header() { return reinterpret_cast<nlmsghdr*>(m_buffer.data()); }
+  // Names are short: the kernel takes 127 bytes of a file's. A request that lacks one is another.
+  Request& demandRoom(bool hasRoom) {
+    if (!hasRoom) {
+      throw std::length_error("a name is too long for a netlink message");
+    }
+    return *this;
+  }
 
   alignas(nlmsghdr) std::array<std::uint8_t, 1024> m_buffer{};
 };
@@ -68,7 +73,10 @@ void visitMessages(NetlinkBytes datagram, Visitor visit) {
   // What the caller hands in may be aligned for nothing; a vector's memory is for everything.
   const std::vector<std::uint8_t> bytes(datagram.begin(), datagram.end());
   const auto* message = reinterpret_cast<const nlmsghdr*>(bytes.data());
-  for (int left = static_cast<int>(bytes.size()); mnl_nlmsg_ok(message, left);
+  // libmnl compares lengths with a sign: it takes the largest for small ones.
+  for (int left = static_cast<int>(bytes.size());
+       left >= static_cast<int>(sizeof(nlmsghdr)) &&
+       message->nlmsg_len <= static_cast<std::uint32_t>(left) && mnl_nlmsg_ok(message, left);
        message = mnl_nlmsg_next(message, &left)) {
     visit(*message);
   }

@@ -18,12 +18,12 @@ void FlashProgress::note(const DevlinkFlashEvent& event) {
   const bool isComplete = m_ofComponent != 0 && m_done == m_ofComponent;
   if (event.component != m_component || (isComplete && event.done == 0)) {
     // A driver need not tell the end of a component; that another one begins does.
-    m_finished += m_ofComponent;
+    m_finished += std::max(m_done, m_ofComponent);
     m_component = event.component;
     m_done = 0;
   }
-  m_ofComponent = event.total;
   m_done = std::max(m_done, std::min(event.done, event.total));
+  m_ofComponent = std::max(event.total, m_done);
 }
 
 std::uint64_t FlashProgress::total() const {

@@ -1,8 +1,8 @@
 // How far a devlink flash has come, from what the driver tells while it goes on.
 //
 // A driver tells bytes of one component at a time, begins each at 0 again, and says things between
-// that are no progress. Here all of it is one measure over all components, which never falls. Keeps
-// no reference; not for several threads.
+// that are no progress. Here all of it is one measure over all components: done() never falls,
+// total() may grow. Keeps no reference; not for several threads.
 
 #ifndef ORVEX_MIDAPI_KERNEL_FLASHPROGRESS_H_
 #define ORVEX_MIDAPI_KERNEL_FLASHPROGRESS_H_

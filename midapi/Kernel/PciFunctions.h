@@ -7,12 +7,12 @@
 #ifndef ORVEX_MIDAPI_KERNEL_PCIFUNCTIONS_H_
 #define ORVEX_MIDAPI_KERNEL_PCIFUNCTIONS_H_
 
-#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
 
 #include "midapi/AdapterId.h"
+#include "midapi/PciIds.h"
 
 namespace ma {
 
@@ -22,16 +22,6 @@ struct NetworkInterface {
   std::string mac;   // "02:54:4e:00:00:30"; empty where the kernel tells none
 
   friend bool operator==(const NetworkInterface&, const NetworkInterface&) = default;
-};
-
-// The four numbers by which firmware is for a function.
-struct PciIds {
-  std::uint16_t vendor = 0;
-  std::uint16_t device = 0;
-  std::uint16_t subsystemVendor = 0;
-  std::uint16_t subsystemDevice = 0;
-
-  friend bool operator==(const PciIds&, const PciIds&) = default;
 };
 
 struct PciFunction {

@@ -13,7 +13,8 @@ FileLook lookAtFile(const fs::path& path) {
     return {};
   }
   if (fs::is_regular_file(status)) {
-    return {FileKind::Regular, fs::file_size(path, error)};
+    const std::uintmax_t size = fs::file_size(path, error);
+    return error ? FileLook{} : FileLook{FileKind::Regular, size};
   }
   return {fs::is_directory(status) ? FileKind::Directory : FileKind::Other, 0};
 }

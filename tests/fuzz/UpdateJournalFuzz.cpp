@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "midapi/DescriptionFault.h"
-#include "midapi/UpdateJournal.h"
+#include "midapi/Virtual/UpdateJournal.h"
 #include "tests/fuzz/Fuzz.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -233,6 +233,7 @@ TEST_F(MidApi, ReportsAFaultOfItsOwn) {
   EXPECT_EQ(prepareInto(file.size(), file), PrepareStatus::Ok);
   EXPECT_EQ(prepare(file, {}, "0000:03:00.5"), PrepareStatus::InternalFault);
   EXPECT_EQ(prepare(file, {}, "0000:03:00"), PrepareStatus::InternalFault);
+  EXPECT_EQ(prepare(Bytes(100, 'x'), {}, "0000:03:00"), PrepareStatus::InvalidImage);
   m_adapters.set(kPci, "/ports", "[]");
   EXPECT_EQ(prepare(file), PrepareStatus::InternalFault);
 }
@@ -286,6 +287,8 @@ TEST_F(MidApi, ComparesAFileWithTheFlash) {
             ImageComparison::NotForAdapter);
   EXPECT_EQ(compare(Bytes(100, 'x')), ImageComparison::NotForAdapter);
   EXPECT_EQ(compare(installed, "0000:09:00.0"), ImageComparison::Unknown);
+  EXPECT_EQ(compare(installed, "nonsense"), ImageComparison::Unknown);
+  EXPECT_EQ(compare(Bytes(100, 'x'), "nonsense"), ImageComparison::NotForAdapter);
 
   m_adapters.makeAdapter(kPci, padded);
   EXPECT_EQ(compare(installed), ImageComparison::SameContent);

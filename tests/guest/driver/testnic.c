@@ -102,7 +102,7 @@ struct testnic_board {
 	struct mutex writing;	/* who writes or activates */
 	spinlock_t versions;	/* guards the versions in the record, and running */
 	char running[TESTNIC_COMPONENTS][TESTNIC_TEXT];
-	u8 vpd[128];
+	u8 vpd[160];	/* five texts of 31 bytes, and what stands round them */
 	size_t vpd_size;
 	u32 step_ms, fail_at, pause_at, percent;
 	struct dentry *debugfs;

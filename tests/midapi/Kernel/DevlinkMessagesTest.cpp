@@ -4,6 +4,7 @@
 #include <linux/devlink.h>
 #include <linux/genetlink.h>
 #include <linux/netlink.h>
+#include <stdexcept>
 #include <string>
 
 #include "midapi/Kernel/DevlinkMessages.h"
@@ -222,6 +223,26 @@ TEST(DevlinkMessages, TakesNumbersOfAnotherSizeForNone) {
   EXPECT_EQ(events[0].done, 0U);
   EXPECT_EQ(events[0].total, 0U);
   EXPECT_EQ(events[0].text, "Fl");
+}
+
+TEST(DevlinkMessages, MakesNoRequestThatLacksAName) {
+  const std::string name(2000, 'n');
+  EXPECT_THROW(static_cast<void>(ma::makeFlashRequest(kFamily, kDevice, "a", name, kSequence)),
+               std::length_error);
+  EXPECT_THROW(static_cast<void>(ma::makeFlashRequest(kFamily, kDevice, name, "", kSequence)),
+               std::length_error);
+}
+
+TEST(DevlinkMessages, ReadsNothingBeyondAMessageThatLiesAboutItsLength) {
+  const Bytes answer =
+      genericMessage(kFamily.id, DEVLINK_CMD_INFO_GET, kSequence, infoOfTwoComponents());
+  for (const std::uint32_t length : {0U, 15U, static_cast<std::uint32_t>(answer.size() + 1),
+                                     0x7FFFFFFFU, 0x80000010U, 0xFFFFFFFFU}) {
+    Bytes lying = answer;
+    std::memcpy(lying.data(), &length, sizeof length);
+    EXPECT_FALSE(findInfo(lying, kFamily, kSequence)) << length;
+    EXPECT_THAT(findFlashEvents(lying, kFamily), IsEmpty()) << length;
+  }
 }
 
 TEST(DevlinkMessages, ReadsNothingBeyondACutDatagram) {

@@ -67,6 +67,17 @@ TEST(FlashProgress, FollowsADriverThatWritesMoreThanTheFileSays) {
   EXPECT_EQ(progress.done(), 400U);
 }
 
+TEST(FlashProgress, DoesNotFallWithATotalThatShrinks) {
+  ma::FlashProgress progress(0);
+  progress.note(status("fw.undi", 80, 100));
+  progress.note(status("fw.undi", 10, 50));
+  EXPECT_EQ(progress.done(), 80U);
+  EXPECT_EQ(progress.total(), 80U);
+  progress.note(status("fw.mgmt", 0, 50));
+  EXPECT_EQ(progress.done(), 80U);
+  EXPECT_EQ(progress.total(), 130U);
+}
+
 TEST(FlashProgress, PassesOverNonsense) {
   ma::FlashProgress progress(100);
   progress.note(status("fw.undi", 50, UINT64_MAX));
