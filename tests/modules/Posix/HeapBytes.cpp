@@ -1,14 +1,13 @@
 #include "tests/modules/HeapBytes.h"
 
 #include <malloc.h>
-
-// A sanitizer's runtime has a heap of its own, and is slow.
 #ifdef QUORVEL_TEST_SANITIZER
-extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
+#include <sanitizer/allocator_interface.h>
 #endif
 
 namespace test {
 
+// A sanitizer's runtime has a heap of its own, and is slow.
 #ifdef QUORVEL_TEST_SANITIZER
 const std::size_t kEnumerations = 100;
 
