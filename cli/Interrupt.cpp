@@ -47,7 +47,6 @@ InterruptGuard::InterruptGuard(Stops stops) {
   s_lastSignal = 0;
   s_isNew = false;
   s_isStopNew = false;
-  keepConsoleOnInterrupt(true);
   for (const int signal : kEndingSignals) {
     hold(signal, noteSignal);
   }
@@ -63,6 +62,8 @@ InterruptGuard::InterruptGuard(Stops stops) {
 #else
   static_cast<void>(stops);
 #endif
+  // Behind the handlers: an interrupt that comes between ends the program, which gives it back.
+  keepConsoleOnInterrupt(true);
 }
 
 InterruptGuard::~InterruptGuard() {
@@ -100,11 +101,11 @@ void InterruptGuard::hold(int signal, Handler handler) {
 }
 
 void InterruptGuard::release() {
+  keepConsoleOnInterrupt(false);
   for (const Previous& previous : m_previous) {
     std::signal(previous.signal, previous.handler);
   }
   m_previous.clear();
-  keepConsoleOnInterrupt(false);
 }
 
 }  // namespace cli

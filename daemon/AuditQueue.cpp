@@ -127,7 +127,10 @@ void AuditQueue::write(const wbem::AuditRecord& record) noexcept {
       if (m_waiting.size() < room) {
         m_waiting.push_back(record);
         m_changed.notify_all();
-        awaitSink();
+        // A refusal is no change that has to be told of first, and holds a place in the line.
+        if (!isLogin) {
+          awaitSink();
+        }
         return;
       }
     } catch (...) {

@@ -1,14 +1,14 @@
 // The audit of the host: has a thread hand records to a sink, in their order.
 //
-// Who writes goes on when the sink has the record, so that it is there before the client has an
-// answer, and is lost by no end of the process then. A sink that takes nothing holds up nobody but
-// that thread: who writes waits a moment for it, and not at all where it has not taken the last
-// record. Records wait for it, a bounded number of them; failures that there is no room for are
-// counted, and a record of their own says so as soon as the sink takes one again, as does the
-// sink's last resort at once. Of failures of one kind (one client's and user's, with one action and
-// result) the first ones within some seconds have a record each, and the rest one with their
-// number. Of one client and user, few kinds are told apart, and all actions that no class knows are
-// one kind, since he can invent them.
+// Who writes goes on when the sink has the record, but for a login's refusal, so that it is there
+// before the client has an answer, and is lost by no end of the process then. A sink that takes
+// nothing holds up nobody but that thread: who writes waits a moment for it, and not at all where
+// it has not taken the last record. Records wait for it, a bounded number of them; failures that
+// there is no room for are counted, and a record of their own says so as soon as the sink takes one
+// again, as does the sink's last resort at once. Of failures of one kind (one client's and user's,
+// with one action and result) the first ones within some seconds have a record each, and the rest
+// one with their number. Of one client and user, few kinds are told apart, and all actions that no
+// class knows are one kind, since he can invent them.
 //
 // Logins that are refused, which anybody may try from anywhere, have kinds of their own and half of
 // the room.

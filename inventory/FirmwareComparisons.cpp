@@ -48,10 +48,7 @@ ma::ImageComparison findResult(const Known& known, const AdapterState& state) {
     return ma::ImageComparison::Unknown;
   }
   const Comparison& comparison = found->second;
-  // Another flash does not make a file one for the adapter.
-  const bool isInForce =
-      comparison.digest == state.digest || comparison.result == ma::ImageComparison::NotForAdapter;
-  return isInForce ? comparison.result : ma::ImageComparison::Unknown;
+  return comparison.digest == state.digest ? comparison.result : ma::ImageComparison::Unknown;
 }
 
 }  // namespace

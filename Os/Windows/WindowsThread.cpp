@@ -71,11 +71,11 @@ int NativeThread::start(Entry entry, void* argument, const void* inModule) {
 }
 
 int NativeThread::startAlone(Entry entry, void* argument, const void* inModule) {
-  const HMODULE module = keepModule(inModule);
-  if (module == nullptr) {
+  auto begin = std::make_unique<Start>(Start{entry, argument, nullptr});
+  begin->module = keepModule(inModule);
+  if (begin->module == nullptr) {
     return lastError();
   }
-  auto begin = std::make_unique<Start>(Start{entry, argument, module});
   const auto run = [](void* start) -> DWORD {
     const Start own = *static_cast<Start*>(start);
     delete static_cast<Start*>(start);
@@ -85,7 +85,7 @@ int NativeThread::startAlone(Entry entry, void* argument, const void* inModule) 
   const platform::Handle thread(CreateThread(nullptr, 0, run, begin.get(), 0, nullptr));
   if (!thread.isOpen()) {
     const int error = lastError();
-    letGo(module);
+    letGo(begin->module);
     return error;
   }
   static_cast<void>(begin.release());

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <cstring>
 #include <gmock/gmock.h>
@@ -188,9 +189,12 @@ TEST_F(AuditQueueTest, LetsAWriterGoOnWhoseRecordIsNotTakenInAMoment) {
 
 TEST_F(AuditQueueTest, HoldsNobodyUpWhileTheSinkIsStuck) {
   m_sink.isStuck = true;
+  const auto begin = std::chrono::steady_clock::now();
   for (int i = 0; i < 20; ++i) {
     m_queue->write(recordOf("Try", "0"));
   }
+  // Each would wait that long for a sink that is only behind.
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, test::kDeadline);
   EXPECT_TRUE(test::waitUntil([this] { return m_sink.tries > 2; }));
   EXPECT_THAT(m_sink.written(), IsEmpty());
   m_sink.isStuck = false;

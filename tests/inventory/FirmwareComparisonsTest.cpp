@@ -82,13 +82,16 @@ TEST_F(FirmwareComparisons, WithAnAdapterThatHasChangedAreUnknownUntilTheNextLoo
   look();
   m_adapters.makeAdapter(kAdapter, firmware(3));
 
-  EXPECT_THAT(find(), ElementsAre(ImageComparison::Unknown, ImageComparison::NotForAdapter));
+  EXPECT_THAT(find(), ElementsAre(ImageComparison::Unknown, ImageComparison::Unknown));
   look();
   EXPECT_THAT(find(), ElementsAre(ImageComparison::SameContent, ImageComparison::NotForAdapter));
   m_adapters.set(kAdapter, "/updatable", "false");
-  EXPECT_THAT(find(), ElementsAre(ImageComparison::Unknown, ImageComparison::NotForAdapter));
+  EXPECT_THAT(find(), ElementsAre(ImageComparison::Unknown, ImageComparison::Unknown));
   look();
   EXPECT_THAT(find(), ElementsAre(ImageComparison::NotUpdatable, ImageComparison::NotForAdapter));
+  m_adapters.set(kAdapter, "/vendorId", "\"0001\"");  // another adapter has its place
+  m_adapters.set(kAdapter, "/deviceId", "\"0002\"");
+  EXPECT_THAT(find(), ElementsAre(ImageComparison::Unknown, ImageComparison::Unknown));
 }
 
 TEST_F(FirmwareComparisons, AreWithTheAdapterAsItIsAfterAFileWasRead) {

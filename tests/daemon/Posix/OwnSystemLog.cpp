@@ -7,6 +7,7 @@
 #include <sys/mount.h>
 #include <sys/socket.h>
 #include <sys/un.h>
+#include <vector>
 
 #include "platform/Posix/Descriptor.h"
 
@@ -54,13 +55,19 @@ bool OwnSystemLog::replaceDevices() const {
 }
 
 void OwnSystemLog::fill() const {
-  const platform::Descriptor sender(
-      ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
   sockaddr_un place{};
   place.sun_family = AF_UNIX;
   m_path.native().copy(std::data(place.sun_path), sizeof(place.sun_path) - 1);
-  while (::sendto(sender.get(), kFiller, std::strlen(kFiller), 0,
-                  reinterpret_cast<const sockaddr*>(&place), sizeof place) >= 0) {
+  // A sender has a bound of its own, which may be reached before the log's.
+  std::vector<platform::Descriptor> senders;
+  for (bool isTaken = true; isTaken;) {
+    const int sender = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    senders.emplace_back(sender);
+    isTaken = false;
+    while (::sendto(sender, kFiller, std::strlen(kFiller), 0,
+                    reinterpret_cast<const sockaddr*>(&place), sizeof place) >= 0) {
+      isTaken = true;
+    }
   }
 }
 
