@@ -1,5 +1,6 @@
 #include "midapi/Kernel/DevlinkMessages.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstddef>
@@ -9,8 +10,9 @@
 #include <linux/genetlink.h>
 #include <linux/netlink.h>
 #include <stdexcept>
-#include <string_view>
 #include <utility>
+
+#include "midapi/ByteText.h"
 
 namespace ma {
 namespace {
@@ -115,11 +117,14 @@ std::uint8_t commandOf(const nlmsghdr& message) {
              : std::uint8_t{0};
 }
 
-// Returns a text, to its first NUL or the attribute's end.
+// Returns a text, to its first NUL or the attribute's end, fit for a terminal: drivers tell what
+// stands in their flash, and erased flash holds no text.
 std::string textOf(const nlattr& attribute) {
-  const std::string_view text(static_cast<const char*>(mnl_attr_get_payload(&attribute)),
-                              mnl_attr_get_payload_len(&attribute));
-  return std::string(text.substr(0, text.find('\0')));
+  const std::span<const std::uint8_t> bytes(
+      static_cast<const std::uint8_t*>(mnl_attr_get_payload(&attribute)),
+      mnl_attr_get_payload_len(&attribute));
+  const auto end = std::find(bytes.begin(), bytes.end(), std::uint8_t{0});
+  return decodeText({bytes.begin(), end}, TextEncoding::Utf8);
 }
 
 // Returns a number of that size; 0 where the attribute has another.

@@ -1,9 +1,10 @@
 // What is said to the kernel's devlink, and what it answers: generic netlink messages as bytes.
 //
 // Pure: no socket. The readers take whatever datagram they are given, read nothing outside of it,
-// and pass over what they do not know. They throw nothing but std::bad_alloc; what makes requests
-// throws std::length_error, too, where a name is far longer than the kernel takes. Commands and
-// attributes are those of linux/devlink.h and linux/genetlink.h.
+// and pass over what they do not know; texts come out fit for a terminal (see midapi/ByteText.h).
+// They throw nothing but std::bad_alloc; what makes requests throws std::length_error, too, where a
+// name is far longer than the kernel takes. Commands and attributes are those of linux/devlink.h
+// and linux/genetlink.h.
 
 #ifndef ORVEX_MIDAPI_KERNEL_DEVLINKMESSAGES_H_
 #define ORVEX_MIDAPI_KERNEL_DEVLINKMESSAGES_H_

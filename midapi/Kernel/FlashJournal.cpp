@@ -118,6 +118,9 @@ FlashJournal::Claim FlashJournal::claim(const AdapterAddress& adapter) const {
                                                     platform::toShownText(path) +
                                                     "); try again when it is done");
     }
+    const std::string entry = entryPath(adapter).filename().string();
+    sweepTemporaryFiles(m_files, m_folder,
+                        [&entry](const std::string& name) { return name == entry; });
     return {m_files, entryPath(adapter), std::move(lock)};
   } catch (const FileFault& fault) {
     throw FlashFault(FlashError::InputOutput, fault.what());

@@ -1,5 +1,6 @@
 #include "midapi/Kernel/NetlinkSocket.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <libmnl/libmnl.h>
@@ -16,6 +17,23 @@ constexpr std::size_t kLargestDatagram = 32768;
 
 [[noreturn]] void fail(const char* tried) {
   throw std::system_error(errno, std::generic_category(), tried);
+}
+
+// A signal that is handled meanwhile is not the end of the wait.
+bool isReadable(int socket, std::chrono::milliseconds patience) {
+  const auto end = std::chrono::steady_clock::now() + patience;
+  for (;;) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(
+        std::max(end - std::chrono::steady_clock::now(), std::chrono::nanoseconds(0)));
+    pollfd awaited{socket, POLLIN, 0};
+    const int ready = ::poll(&awaited, 1, static_cast<int>(left.count()));
+    if (ready >= 0) {
+      return ready > 0;
+    }
+    if (errno != EINTR) {
+      fail("cannot wait for the kernel");
+    }
+  }
 }
 
 }  // namespace
@@ -52,12 +70,7 @@ void NetlinkSocket::send(std::span<const std::uint8_t> message) {
 
 std::optional<std::vector<std::uint8_t>> NetlinkSocket::receive(
     std::chrono::milliseconds patience) {
-  pollfd awaited{mnl_socket_get_fd(m_socket.get()), POLLIN, 0};
-  const int ready = ::poll(&awaited, 1, static_cast<int>(patience.count()));
-  if (ready < 0 && errno != EINTR) {
-    fail("cannot wait for the kernel");
-  }
-  if (ready <= 0) {
+  if (!isReadable(mnl_socket_get_fd(m_socket.get()), patience)) {
     return std::nullopt;
   }
   std::vector<std::uint8_t> datagram(kLargestDatagram);

@@ -81,8 +81,9 @@ std::optional<PortId> functionOf(const fs::path& interface) {
   if (error) {
     return std::nullopt;
   }
-  const auto id = parseCanonicalPortId(device.filename().string());
-  return id ? id : parseCanonicalPortId(device.parent_path().filename().string());
+  const std::string name = device.filename().string();
+  return parseCanonicalPortId(name.starts_with("virtio") ? device.parent_path().filename().string()
+                                                         : name);
 }
 
 Interfaces findInterfaces(const fs::path& sysfs) {

@@ -212,8 +212,11 @@ static void testnic_step(struct testnic_board *board, unsigned int percent)
 	unsigned long end = jiffies + TESTNIC_LONGEST_PAUSE;
 
 	WRITE_ONCE(board->percent, percent);
-	while (percent >= READ_ONCE(board->pause_at) && time_before(jiffies, end))
+	while (percent >= READ_ONCE(board->pause_at)) {
+		if (time_after_eq(jiffies, end))
+			WRITE_ONCE(board->pause_at, TESTNIC_NEVER);
 		msleep(10);
+	}
 	msleep(READ_ONCE(board->step_ms));
 }
 

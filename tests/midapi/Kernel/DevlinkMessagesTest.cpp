@@ -148,6 +148,18 @@ TEST(DevlinkMessages, ReadsWhatADeviceHolds) {
   EXPECT_FALSE(findInfo(answer, DevlinkFamily{22, 5}, kSequence));
 }
 
+TEST(DevlinkMessages, MakesTextsOfDriversFitForATerminal) {
+  const NetlinkAttributes erased =
+      NetlinkAttributes()
+          .text(DEVLINK_ATTR_INFO_VERSION_NAME, "fw\x1b[2J")
+          .raw(DEVLINK_ATTR_INFO_VERSION_VALUE, {0xFF, 0xFF, 'x', 0, 'y'});
+  const Bytes answer =
+      genericMessage(kFamily.id, DEVLINK_CMD_INFO_GET, kSequence,
+                     NetlinkAttributes().nested(DEVLINK_ATTR_INFO_VERSION_STORED, erased));
+  EXPECT_THAT(findInfo(answer, kFamily, kSequence)->stored,
+              ElementsAre(NamedVersion{"fw\\x1b[2J", "\\xff\\xffx"}));
+}
+
 TEST(DevlinkMessages, FindsAnAckBehindAnAnswer) {
   const Bytes datagram =
       joined(genericMessage(kFamily.id, DEVLINK_CMD_INFO_GET, kSequence, infoOfTwoComponents()),

@@ -79,14 +79,22 @@ TEST_F(FlashJournalTest, IsEmptyWhereNothingWasEverWritten) {
   EXPECT_FALSE(m_journal.tryClaim(kAdapter));
 }
 
-TEST_F(FlashJournalTest, KeepsTextsOfDriversWhateverBytesTheyAre) {
+TEST_F(FlashJournalTest, KeepsTextsOfDriversAsTheyAreTold) {
   FlashEntry entry = twoComponents();
-  entry.before[0].value = "1.0\x80\n";
+  entry.before = {{"fw.undi", "\\xff\\xff"}, {"fw \"a\"", "\xC3\xA4"}};
+  entry.expected.clear();
   m_journal.claim(kAdapter).enter(entry);
-  const auto read = m_journal.entry(kAdapter);
-  ASSERT_TRUE(read);
-  EXPECT_EQ(read->before[0].name, "fw.undi");
-  EXPECT_THAT(read->before[0].value, testing::StartsWith("1.0"));
+  EXPECT_THAT(m_journal.entry(kAdapter), Optional(entry));
+}
+
+TEST_F(FlashJournalTest, SweepsAwayWhatAWriterThatWasKilledLeft) {
+  const auto left =
+      m_directory.write("kernel/0000-03-00.json.new-0123456789abcdef", std::string("{"));
+  const auto others =
+      m_directory.write("kernel/0000-04-00.json.new-0123456789abcdef", std::string("{"));
+  static_cast<void>(m_journal.claim(kAdapter));
+  EXPECT_FALSE(std::filesystem::exists(left));
+  EXPECT_TRUE(std::filesystem::exists(others));
 }
 
 TEST_F(FlashJournalTest, NamesAnEntryThatIsNone) {

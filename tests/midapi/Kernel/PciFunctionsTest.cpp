@@ -58,6 +58,12 @@ TEST_F(PciFunctions, FindsTheInterfacesOfVirtioOneLevelUp) {
   EXPECT_THAT(find()[0].interfaces, ElementsAre(NetworkInterface{"ens4", "52:54:00:12:34:56"}));
 }
 
+TEST_F(PciFunctions, TakesInterfacesOfOtherDevicesBelowAFunctionForNoneOfIts) {
+  m_sysfs.addFunction("0000:03:00.0");
+  m_sysfs.addInterface("0000:03:00.0", "sf0", "02:00:00:00:00:01", "mlx5_core.sf.4");
+  EXPECT_THAT(find()[0].interfaces, IsEmpty());
+}
+
 TEST_F(PciFunctions, KnowsTwoInterfacesOfOneFunction) {
   m_sysfs.addFunction("0000:03:00.0");
   m_sysfs.addInterface("0000:03:00.0", "eth1", "02:00:00:00:00:01");
