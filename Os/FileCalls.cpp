@@ -150,12 +150,8 @@ FileAnswer FileCalls::makeAt(const std::string& place, std::function<void()> cal
 }
 
 FileAnswer FileCalls::run(const std::shared_ptr<Call>& call) {
-  {
-    Away& away = *m_away;
-    const platform::Lock lock(away.mutex);
-    if (away.places.size() >= kMostAway) {
-      return FileAnswer::StillAway;
-    }
+  if (countAway() >= kMostAway) {
+    return FileAnswer::StillAway;
   }
   const auto deadline = std::chrono::steady_clock::now() + Patience(m_patience.load());
   if (!call->start(call)) {
@@ -166,6 +162,12 @@ FileAnswer FileCalls::run(const std::shared_ptr<Call>& call) {
     return FileAnswer::InTime;
   }
   return call->await(deadline);
+}
+
+std::size_t FileCalls::countAway() const {
+  Away& away = *m_away;
+  const platform::Lock lock(away.mutex);
+  return away.places.size();
 }
 
 FileCalls::Patience FileCalls::setPatience(Patience patience) {

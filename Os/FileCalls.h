@@ -52,6 +52,10 @@ class ORVEX_CORE_API FileCalls {
   // holds up all calls that lead through that, or any other text.
   [[nodiscard]] FileAnswer makeAt(const std::string& place, std::function<void()> call);
 
+  // Returns how many calls that were given up have not come back yet: what one of them did, it did
+  // before it is counted no more.
+  [[nodiscard]] std::size_t countAway() const;
+
   // Change the patience of later calls, and how many times that a whole file may take; return what
   // was before.
   Patience setPatience(Patience patience);

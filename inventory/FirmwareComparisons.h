@@ -57,6 +57,9 @@ class FirmwareComparisons {
   // Returns how many files the last look had not compared when it was waited for no longer.
   [[nodiscard]] std::size_t countUncompared() const { return m_uncompared; }
 
+  // Returns whether a look goes on that is waited for no longer.
+  [[nodiscard]] bool isLooking() const { return m_looks.countAway() > 0; }
+
   // Changes how long later looks are waited for.
   void setPatience(os::FileCalls::Patience patience) { m_looks.setPatience(patience); }
 

@@ -87,11 +87,14 @@ TEST_F(FileCalls, AreNotMadeWhereOneIsAway) {
 
 TEST_F(FileCalls, AreMadeAgainWhenTheOneCameBack) {
   HeldCall held;
+  EXPECT_EQ(m_calls.countAway(), 0u);
   ASSERT_EQ(makeHeld(held), FileAnswer::GivenUp);
+  EXPECT_EQ(m_calls.countAway(), 1u);
   held.release();
 
-  EXPECT_TRUE(test::waitUntil([this] { return makeQuick("/mnt") == FileAnswer::InTime; }));
+  EXPECT_TRUE(test::waitUntil([this] { return m_calls.countAway() == 0; }));
   EXPECT_TRUE(held.hasReturned());
+  EXPECT_EQ(makeQuick("/mnt"), FileAnswer::InTime);
 }
 
 TEST_F(FileCalls, AreNotMadeAnywhereWhenTooManyAreAway) {

@@ -3,7 +3,6 @@
 #ifndef ORVEX_TESTS_INVENTORY_FIRMWARECOMPARISONSFIXTURE_H_
 #define ORVEX_TESTS_INVENTORY_FIRMWARECOMPARISONSFIXTURE_H_
 
-#include <chrono>
 #include <gmock/gmock.h>
 #include <vector>
 
@@ -19,13 +18,9 @@ namespace test {
 class FirmwareComparisonsFixture : public InventoryFixture {
  protected:
   ~FirmwareComparisonsFixture() override {
-    // A look that has outlived its request asks for the adapters.
+    // A look that has outlived its request asks for the adapters and the settings.
     m_reading.release();
-    m_comparisons.setPatience(kDeadline);
-    EXPECT_TRUE(waitUntil([this] {
-      look();
-      return m_comparisons.countUncompared() == 0;
-    }));
+    EXPECT_TRUE(waitUntil([this] { return !m_comparisons.isLooking(); }));
   }
 
   // Looks for the files, and compares them.

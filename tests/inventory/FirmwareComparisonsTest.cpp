@@ -133,6 +133,7 @@ TEST_F(FirmwareComparisons, AreThoseThatAreKnownWhileALookGoesOn) {
     look();
     EXPECT_THAT(find(), ElementsAre(ImageComparison::Newer, ImageComparison::Unknown));
     EXPECT_EQ(m_comparisons.countUncompared(), 1u);
+    EXPECT_TRUE(m_comparisons.isLooking());
   }
 
   m_reading.release();
