@@ -150,9 +150,9 @@ client::Value toJson(const ma::AdapterListing& adapter) {
 
 void warnAboutProblems(std::ostream& err, const ma::AdapterList& list) {
   for (const ma::AdapterProblem& problem : list.problems) {
-    err << "quorvel: warning: " << utils::toPrintable(platform::toShownText(problem.folder))
+    err << "quorvel: warning: " << utils::toPrintable(problem.place)
         << " is passed over: " << utils::toPrintable(problem.text)
-        << "\n  next: repair the folder, or move it out of the adapters directory\n";
+        << "\n  next: " << utils::toPrintable(problem.advice) << "\n";
   }
   for (const ma::AdapterListing& adapter : list.adapters) {
     if (!adapter.flashDefect.empty()) {

@@ -77,6 +77,11 @@ std::vector<utils::FirmwareVersionInfo> ChainFlashBackend::installedFirmware(con
   return firmwareOf(facts(port), readFlash(port).view());
 }
 
+// The flash itself says all there is to say.
+std::vector<FirmwareVersions> ChainFlashBackend::firmwareVersions(const PortId& /*port*/) {
+  return {};
+}
+
 Preparation ChainFlashBackend::prepare(const PortId& port, ConstBytes file,
                                        std::span<std::uint8_t> buffer,
                                        const std::vector<utils::FirmwareType>& types) {
@@ -122,6 +127,13 @@ void ChainFlashBackend::recordInstalled(const PortId& port,
     word = capabilityWordOf(typesOf(firmwareOf(facts(port), readFlashToBe(port).view())));
   }
   setCapabilityWord(port, word);
+}
+
+Activation ChainFlashBackend::activate(const AdapterAddress& adapter) {
+  if (!hasAdapter(adapter)) {
+    throw FlashFault(FlashError::UnknownAdapter, toString(adapter));
+  }
+  return {true, "what its flash holds is in force"};
 }
 
 }  // namespace ma

@@ -33,11 +33,13 @@ class ChainFlashBackend : public FlashBackend {
   // FlashBackend
   bool isUpdatable(const PortId& port) override;
   std::vector<utils::FirmwareVersionInfo> installedFirmware(const PortId& port) override;
+  std::vector<FirmwareVersions> firmwareVersions(const PortId& port) override;
   Preparation prepare(const PortId& port, ConstBytes file, std::span<std::uint8_t> buffer,
                       const std::vector<utils::FirmwareType>& types) override;
   ImageComparison compare(const PortId& port, ConstBytes file) override;
   std::uint64_t digest(const PortId& port) override;
   void recordInstalled(const PortId& port, const std::vector<utils::FirmwareType>& types) override;
+  Activation activate(const AdapterAddress& adapter) override;
 };
 
 }  // namespace ma

@@ -39,4 +39,8 @@ std::filesystem::path adaptersDirectory() {
   return configured.empty() ? defaultAdaptersDirectory() : configured;
 }
 
+bool areAdaptersChosen() {
+  return !environmentPath("ORVEX_ADAPTERS").empty();
+}
+
 }  // namespace ma

@@ -160,6 +160,9 @@ class FileSystem {
 // platform keeps such data (/var/lib/orvex/adapters on POSIX).
 [[nodiscard]] std::filesystem::path adaptersDirectory();
 
+// Returns whether the environment names it: then virtual adapters alone are meant.
+[[nodiscard]] bool areAdaptersChosen();
+
 // Defined per platform.
 [[nodiscard]] std::filesystem::path defaultAdaptersDirectory();
 

@@ -12,7 +12,7 @@ struct ErrorText {
   std::string_view text;
 };
 
-constexpr std::array<ErrorText, 8> kErrorTexts = {{
+constexpr std::array<ErrorText, 10> kErrorTexts = {{
     {FlashError::None, ""},
     {FlashError::UnknownAdapter, "The adapter is not known"},
     {FlashError::InvalidDescription, "The adapter's description is not valid"},
@@ -21,6 +21,8 @@ constexpr std::array<ErrorText, 8> kErrorTexts = {{
     {FlashError::InputOutput, "The adapter's files could not be used"},
     {FlashError::CompareMismatch, "The flash does not hold what was written"},
     {FlashError::ImageTooLarge, "The flash image is too large"},
+    {FlashError::WriteRefused, "The adapter's driver has not written the firmware"},
+    {FlashError::Ambiguous, "Two adapters have one address"},
 }};
 
 std::string textOf(FlashError error) {

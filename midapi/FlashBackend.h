@@ -3,7 +3,7 @@
 // The library knows who asks and keeps the progress of writes; a back end knows which adapters
 // there are, what they hold and what may be put on them, and puts it there. A back end of another
 // kind of adapter derives from this class, or from ChainFlashBackend where a flash is a chain of
-// option ROMs that is written as a whole; MidApi.cpp has the one that is used.
+// option ROMs that is written as a whole; MidApi.cpp has those that are used.
 //
 // Any thread may call; writes to one adapter never overlap. Every failure is thrown as FlashFault.
 // Nothing but a preparation, a comparison and the operations of an update may wait for an adapter:
@@ -20,6 +20,7 @@
 
 #include "Utils/FirmwareTypes.h"
 #include "midapi/AdapterId.h"
+#include "midapi/AdapterListing.h"
 #include "midapi/FileSystem.h"
 #include "midapi/FlashTypes.h"
 #include "midapi/WriteProgress.h"
@@ -36,6 +37,8 @@ enum class FlashError : std::uint32_t {
   InputOutput = 205,
   CompareMismatch = 206,
   ImageTooLarge = 207,
+  WriteRefused = 208,
+  Ambiguous = 209,
 };
 
 // A flash operation that failed: a code and a text for the person who asked for it.
@@ -59,6 +62,8 @@ struct Preparation {
   PrepareStatus status = PrepareStatus::Ok;
   // Bytes of the caller's buffer that hold what is to be written.
   std::uint32_t filled = 0;
+  // Why the status is not Ok, in one line for a person, where the status alone does not say it all.
+  std::string reason{};
 };
 
 class FlashBackend {
@@ -68,8 +73,18 @@ class FlashBackend {
   FlashBackend& operator=(const FlashBackend&) = delete;
   virtual ~FlashBackend() = default;
 
+  // Returns what a person calls the adapter, in a sentence: "a virtual adapter (its folder)".
+  [[nodiscard]] virtual std::string describe(const AdapterAddress& adapter) = 0;
+
+  // Returns whether this back end has the adapter, be it readable or not. Asks no adapter.
+  [[nodiscard]] virtual bool hasAdapter(const AdapterAddress& adapter) = 0;
+
   // Returns the identifiers of all ports, ordered by PCI address; leaves out what cannot be read.
   [[nodiscard]] virtual utils::StringArray enumerateAdapters() = 0;
+
+  // Returns all that is known of all adapters, and what a person should mend. Throws AdapterFault
+  // where it cannot be told which adapters there are.
+  [[nodiscard]] virtual AdapterList list() = 0;
 
   // Returns whether the adapter's firmware may be replaced.
   [[nodiscard]] virtual bool isUpdatable(const PortId& port) = 0;
@@ -77,6 +92,9 @@ class FlashBackend {
   // Returns the firmware components of known types that the adapter holds, in flash order.
   [[nodiscard]] virtual std::vector<utils::FirmwareVersionInfo> installedFirmware(
       const PortId& port) = 0;
+
+  // Returns what the adapter's driver says of its firmware; nothing where it has none that does.
+  [[nodiscard]] virtual std::vector<FirmwareVersions> firmwareVersions(const PortId& port) = 0;
 
   // Checks a firmware file as prepareFlashImage says, and fills `buffer`, which has room for the
   // file, with what writeFlash is to be given.
@@ -107,6 +125,9 @@ class FlashBackend {
   // those that the adapter then holds.
   virtual void recordInstalled(const PortId& port,
                                const std::vector<utils::FirmwareType>& types) = 0;
+
+  // Puts stored firmware into force, where that takes no restart of the machine.
+  [[nodiscard]] virtual Activation activate(const AdapterAddress& adapter) = 0;
 };
 
 }  // namespace ma

@@ -1,11 +1,15 @@
 #include "midapi/MidApi.h"
 
+#include <atomic>
 #include <span>
 #include <utility>
 
 #include "midapi/AdapterId.h"
+#include "midapi/BackendSet.h"
+#include "midapi/FirmwareFormat.h"
 #include "midapi/FlashBackend.h"
 #include "midapi/Hex.h"
+#include "midapi/KernelBackend.h"
 #include "midapi/OptionRom.h"
 #include "midapi/Virtual/VirtualFlashBackend.h"
 #include "midapi/WriteProgress.h"
@@ -15,10 +19,39 @@
 namespace ma {
 namespace {
 
-// Both live as long as the process: job threads may still ask while it exits.
-FlashBackend& backend() {
+std::atomic<SettingsReader> settingsReader{nullptr};
+
+utils::FlashSettings readSettings() {
+  const SettingsReader reader = settingsReader.load();
+  return reader != nullptr ? reader() : utils::FlashSettings();
+}
+
+// They live as long as the process: job threads may still ask while it exits.
+
+FlashBackend& virtualBackend() {
   static FlashBackend& theBackend =
       *new VirtualFlashBackend(nativeFileSystem(), adaptersDirectory, platform::steadyClock());
+  return theBackend;
+}
+
+std::vector<FlashBackend*> backends() {
+  if (areAdaptersChosen()) {
+    return {&virtualBackend()};
+  }
+  const utils::FlashSettings settings = readSettings();
+  std::vector<FlashBackend*> members;
+  FlashBackend* const kernel = kernelBackend(readSettings);
+  if (kernel != nullptr && settings.hasKernelAdapters) {
+    members.push_back(kernel);
+  }
+  if (settings.hasVirtualAdapters || members.empty()) {
+    members.push_back(&virtualBackend());
+  }
+  return members;
+}
+
+FlashBackend& backend() {
+  static FlashBackend& theBackend = *new BackendSet(backends);
   return theBackend;
 }
 
@@ -56,12 +89,17 @@ std::string toDeviceName(std::uint16_t vendor, std::uint16_t device) {
 }
 
 bool beginUpdate(const std::string& adapter) {
-  const auto port = parseCanonicalPortId(adapter);
-  return port && backend().beginUpdate(port->adapter);
+  try {
+    return backend().beginUpdate(needPort(adapter).adapter);
+  } catch (const FlashFault&) {
+    return false;
+  }
 }
 
-bool isImage(ConstBytes file) {
-  return parseRomChain(file).isValid();
+bool isFirmware(ConstBytes file) {
+  const FirmwareFormat format = firmwareFormatOf(file);
+  return format == FirmwareFormat::OptionRom ? parseRomChain(file).isValid()
+                                             : format != FirmwareFormat::Unknown;
 }
 
 // As FlashBackend::prepare, for whatever adapter is named: the file is looked at first, whatever
@@ -69,20 +107,36 @@ bool isImage(ConstBytes file) {
 Preparation prepare(const std::string& adapter, ConstBytes file, std::span<std::uint8_t> buffer,
                     const std::vector<utils::FirmwareType>& types) {
   try {
-    if (!parseCanonicalPortId(adapter) && !isImage(file)) {
+    if (!parseCanonicalPortId(adapter) && !isFirmware(file)) {
       return {PrepareStatus::InvalidImage};
     }
     return backend().prepare(needPort(adapter), file, buffer, types);
-  } catch (const FlashFault&) {
-    return {PrepareStatus::InternalFault};
+  } catch (const FlashFault& fault) {
+    return {PrepareStatus::InternalFault, 0, fault.what()};
   }
 }
 
 }  // namespace
 
+void useSettings(SettingsReader reader) {
+  settingsReader.store(reader);
+}
+
 utils::StringArray enumerateAdapters() {
   try {
     return backend().enumerateAdapters();
+  } catch (const FlashFault&) {
+    return {};
+  }
+}
+
+AdapterList listAdapters() {
+  return backend().list();
+}
+
+std::vector<FirmwareVersions> getFirmwareVersions(const std::string& adapter) {
+  try {
+    return backend().firmwareVersions(needPort(adapter));
   } catch (const FlashFault&) {
     return {};
   }
@@ -155,6 +209,13 @@ PrepareStatus prepareFlashImage(const std::string& adapter, const std::uint8_t* 
   return status;
 }
 
+std::string explainFlashImage(const std::string& adapter, const std::uint8_t* file,
+                              std::uint32_t fileSize,
+                              const std::vector<utils::FirmwareType>& types) {
+  FileBytes scratch(fileSize);
+  return prepare(adapter, {file, fileSize}, scratch.writable(), types).reason;
+}
+
 std::string describeFlashImage(const std::uint8_t* file, std::uint32_t fileSize,
                                std::vector<FlashImageInfo>& images) {
   images.clear();
@@ -183,7 +244,7 @@ std::string describeFlashImage(const std::uint8_t* file, std::uint32_t fileSize,
 ImageComparison compareFlashImage(const std::string& adapter, const std::uint8_t* file,
                                   std::uint32_t fileSize) {
   try {
-    if (!parseCanonicalPortId(adapter) && !isImage({file, fileSize})) {
+    if (!parseCanonicalPortId(adapter) && !isFirmware({file, fileSize})) {
       return ImageComparison::NotForAdapter;
     }
     return backend().compare(needPort(adapter), {file, fileSize});
@@ -227,6 +288,18 @@ bool updateCapabilityWord(const std::string& adapter, std::vector<utils::Firmwar
     // In a FlashUpdate, the new image takes its place now.
     const platform::StayAwake awake;
     backend().recordInstalled(port, types);
+  });
+}
+
+bool activateFirmware(const std::string& adapter, Activation& activation, std::string& errorText) {
+  std::uint32_t errorCode = 0;
+  return report(errorCode, errorText, [&] {
+    const auto address = parseAdapterAddress(adapter);
+    if (!address) {
+      throw FlashFault(FlashError::UnknownAdapter,
+                       "\"" + adapter + "\" is no adapter address like \"0000:03:00\"");
+    }
+    activation = backend().activate(*address);
   });
 }
 

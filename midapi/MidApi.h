@@ -18,6 +18,8 @@
 #include <vector>
 
 #include "Utils/FirmwareTypes.h"
+#include "Utils/FlashSettings.h"
+#include "midapi/AdapterListing.h"
 #include "midapi/Export.h"
 #include "midapi/FlashTypes.h"
 
@@ -30,8 +32,24 @@ struct FlashImageInfo {
   utils::StringArray devices;
 };
 
+// Reads the settings of the library; called at each operation, by any thread, and never gone.
+using SettingsReader = utils::FlashSettings (*)();
+
+// Says where settings come from; by default they are those of a FlashSettings that nobody changed.
+// Where the environment has ORVEX_ADAPTERS, virtual adapters in that directory count, and no others.
+ORVEX_MIDAPI_API void useSettings(SettingsReader reader);
+
 // Returns the identifiers of all ports of all adapters, ordered by PCI address.
 [[nodiscard]] ORVEX_MIDAPI_API utils::StringArray enumerateAdapters();
+
+// Returns all that is known of all adapters, and what a person should mend. Throws AdapterFault,
+// which no other operation does, where it cannot be told which adapters there are.
+[[nodiscard]] ORVEX_MIDAPI_API AdapterList listAdapters();
+
+// Returns what the driver of the adapter says of its firmware, running and stored; nothing where it
+// does not tell. Of an adapter whose flash is being written, what was known before.
+[[nodiscard]] ORVEX_MIDAPI_API std::vector<FirmwareVersions> getFirmwareVersions(
+    const std::string& adapter);
 
 // Fills `versions` with the firmware components in the adapter's flash, in flash order: the images
 // that are for the adapter and of a known type. Empties it when the adapter is unknown or its flash
@@ -117,6 +135,13 @@ inline constexpr std::size_t kMostDescribedDevices = 1024;
                                                               std::uint32_t fileSize,
                                                               std::vector<FlashImageInfo>& images);
 
+// Returns why prepareFlashImage refuses what it is asked, in one line for a person: which device the
+// file is for, which version is older than which. Empty where it does not, and where its status says
+// all there is to say. Prepares nothing.
+[[nodiscard]] ORVEX_MIDAPI_API std::string explainFlashImage(
+    const std::string& adapter, const std::uint8_t* file, std::uint32_t fileSize,
+    const std::vector<utils::FirmwareType>& types);
+
 // Compares a firmware file as a whole with what the adapter holds, by the checks of
 // prepareFlashImage. Unlike that it prepares nothing, and leaves the adapter's progress alone.
 [[nodiscard]] ORVEX_MIDAPI_API ImageComparison compareFlashImage(const std::string& adapter,
@@ -152,6 +177,12 @@ inline constexpr std::size_t kMostDescribedDevices = 1024;
                                                          std::vector<utils::FirmwareType> types,
                                                          std::uint32_t& errorCode,
                                                          std::string& errorText);
+
+// Puts the firmware into force that the adapter of this address ("0000:03:00") has stored, or says
+// what that takes. Returns false where that failed; `errorText` says why.
+[[nodiscard]] ORVEX_MIDAPI_API bool activateFirmware(const std::string& adapter,
+                                                     Activation& activation,
+                                                     std::string& errorText);
 
 }  // namespace ma
 

@@ -3,7 +3,7 @@
 # Top folders, each with those whose headers it may include. A pair names single headers, which stand
 # alone: they need no library of that folder. The rule `layers` compares this with the link lines and with
 # docs/architecture.md.
-MIDAPI_VOCABULARY = ("Utils", ("Utils/Ascii.h", "Utils/FirmwareTypes.h"))
+MIDAPI_VOCABULARY = ("Utils", ("Utils/Ascii.h", "Utils/FirmwareTypes.h", "Utils/FlashSettings.h"))
 INSTANCE_CLASSES = ("inventory", (
     "inventory/Orvex_EthernetPort.h", "inventory/Orvex_PortController.h",
     "inventory/Orvex_SoftwareIdentity.h", "inventory/Orvex_SoftwareIdentityResource.h"))

@@ -20,6 +20,8 @@
 namespace ma {
 namespace {
 
+constexpr const char* kAdvice = "repair the folder, or move it out of the adapters directory";
+
 AdapterListing describe(const AdapterFolder& folder) {
   settleUpdate(nativeFileSystem(), folder);
   const AdapterState state = folder.state();
@@ -35,7 +37,7 @@ AdapterListing describe(const AdapterFolder& folder) {
   listing.capabilityWord = description.capabilityWord;
   for (const PortDescription& port : description.ports) {
     listing.ports.push_back(
-        {toString(PortId{description.pci, port.function}), port.mac, port.bootType});
+        {toString(PortId{description.pci, port.function}), port.mac, port.bootType, {}});
   }
   const RomBytes bytes = state.flash.view();
   listing.flashBytes = bytes.size();
@@ -115,10 +117,6 @@ void createAdapterFolder(FileSystem& files, const std::filesystem::path& directo
 
 }  // namespace
 
-AdapterFault::AdapterFault(std::string text) : m_text(std::move(text)) {}
-
-AdapterFault::~AdapterFault() = default;
-
 VirtualAdapters::VirtualAdapters() : VirtualAdapters(adaptersDirectory()) {}
 
 VirtualAdapters::VirtualAdapters(std::filesystem::path directory)
@@ -137,14 +135,16 @@ AdapterList VirtualAdapters::list() const {
     try {
       result.adapters.push_back(describe({nativeFileSystem(), m_directory, address}));
     } catch (const FlashFault& fault) {
-      result.problems.push_back({m_directory / toFolderName(address), fault.what()});
+      result.problems.push_back(
+          {platform::toShownText(m_directory / toFolderName(address)), fault.what(), kAdvice});
     }
   }
   std::sort(folders.strangers.begin(), folders.strangers.end());
   for (const std::filesystem::path& name : folders.strangers) {
     if (name.native().front() != '.') {
-      result.problems.push_back(
-          {m_directory / name, "The folder's name is no adapter address like 0000-03-00"});
+      result.problems.push_back({platform::toShownText(m_directory / name),
+                                 "The folder's name is no adapter address like 0000-03-00",
+                                 kAdvice});
     }
   }
   return result;

@@ -6,83 +6,16 @@
 #ifndef ORVEX_MIDAPI_VIRTUAL_VIRTUALADAPTERS_H_
 #define ORVEX_MIDAPI_VIRTUAL_VIRTUALADAPTERS_H_
 
-#include <cstddef>
 #include <cstdint>
-#include <exception>
 #include <filesystem>
 #include <string>
-#include <vector>
 
-#include "Utils/FirmwareTypes.h"
+#include "midapi/AdapterFault.h"
 #include "midapi/AdapterId.h"
+#include "midapi/AdapterListing.h"
 #include "midapi/Export.h"
-#include "midapi/FlashTypes.h"
 
 namespace ma {
-
-// What went wrong, with what, and what to do about it: what() is one line for a person.
-class ORVEX_MIDAPI_API AdapterFault final : public std::exception {
- public:
-  explicit AdapterFault(std::string text);
-  AdapterFault(const AdapterFault&) = default;
-  AdapterFault& operator=(const AdapterFault&) = default;
-  ~AdapterFault() override;
-
-  [[nodiscard]] const char* what() const noexcept override { return m_text.c_str(); }
-
- private:
-  std::string m_text;
-};
-
-struct AdapterPort {
-  // As the flash library names the port: "0000:03:00.0".
-  std::string identifier;
-  std::string mac;
-  BootType bootType = BootType::None;
-};
-
-// One image in an adapter's flash.
-struct AdapterComponent {
-  utils::FirmwareType type = utils::FirmwareType::None;
-  utils::FirmwareVersion version;
-  std::uint16_t vendor = 0;
-  std::uint16_t device = 0;
-  // False for an image that is for other devices only.
-  bool isForAdapter = false;
-  std::size_t offset = 0;
-  std::size_t length = 0;
-  // FNV-1a of the image's bytes: tells images of one version apart.
-  std::uint64_t digest = 0;
-};
-
-struct AdapterListing {
-  // "0000:03:00"
-  std::string pci;
-  std::string name;
-  std::uint16_t vendor = 0;
-  std::uint16_t device = 0;
-  std::vector<AdapterPort> ports;
-  std::vector<AdapterComponent> components;
-  // Why the flash holds no valid image chain; empty when it holds one or is blank.
-  std::string flashDefect;
-  std::size_t flashBytes = 0;
-  // Bytes per second, 0 for no limit.
-  std::uint64_t writeRate = 0;
-  bool isUpdatable = false;
-  std::uint32_t capabilityWord = 0;
-};
-
-// A folder in the adapters directory that the flash library passes over, and why.
-struct AdapterProblem {
-  std::filesystem::path folder;
-  std::string text;
-};
-
-struct AdapterList {
-  // Ordered by PCI address.
-  std::vector<AdapterListing> adapters;
-  std::vector<AdapterProblem> problems;
-};
 
 // The write rate of an adapter of which nothing else is said: some seconds for a usual image.
 inline constexpr std::uint64_t kDefaultWriteRate = 128 * 1024;

@@ -1,8 +1,8 @@
 #include "midapi/Virtual/VirtualFlashBackend.h"
 
-#include <string>
 #include <utility>
 
+#include "midapi/Virtual/VirtualAdapters.h"
 #include "platform/Texts.h"
 
 namespace ma {
@@ -32,8 +32,20 @@ VirtualFlashBackend::VirtualFlashBackend(FileSystem& files,
                                          platform::Clock& clock)
     : m_files(files), m_directory(std::move(directory)), m_clock(clock), m_cache(files) {}
 
+std::string VirtualFlashBackend::describe(const AdapterAddress& adapter) {
+  return "a virtual adapter (" + platform::toShownText(folderOf(adapter).path()) + ")";
+}
+
+bool VirtualFlashBackend::hasAdapter(const AdapterAddress& adapter) {
+  return folderOf(adapter).hasDescription();
+}
+
 utils::StringArray VirtualFlashBackend::enumerateAdapters() {
   return m_cache.ports(m_directory());
+}
+
+AdapterList VirtualFlashBackend::list() {
+  return VirtualAdapters(m_directory()).list();
 }
 
 AdapterFacts VirtualFlashBackend::facts(const PortId& port) {
@@ -44,7 +56,7 @@ AdapterFacts VirtualFlashBackend::facts(const PortId& port) {
 }
 
 FileBytes VirtualFlashBackend::readFlash(const PortId& port) {
-  const AdapterFolder folder = folderOf(port);
+  const AdapterFolder folder = folderOf(port.adapter);
   settleUpdate(m_files, folder);
   return folder.flash();
 }
@@ -75,7 +87,7 @@ FileBytes VirtualFlashBackend::readFlashToBe(const PortId& port) {
 }
 
 void VirtualFlashBackend::setBootType(const PortId& port, BootType bootType) {
-  const AdapterFolder folder = folderOf(port);
+  const AdapterFolder folder = folderOf(port.adapter);
   const platform::Lock lock(m_mutex);
   static_cast<void>(describePort(folder, port));
   if (const auto running = runningUpdate(port)) {
@@ -89,7 +101,7 @@ void VirtualFlashBackend::setBootType(const PortId& port, BootType bootType) {
 
 void VirtualFlashBackend::writeFlash(const PortId& port, ConstBytes image,
                                      WriteProgress& progress) {
-  const AdapterFolder folder = folderOf(port);
+  const AdapterFolder folder = folderOf(port.adapter);
   static_cast<void>(describePort(folder, port));
   if (image.size() > kMaxFlash) {
     throw FlashFault(FlashError::ImageTooLarge,
@@ -112,7 +124,7 @@ void VirtualFlashBackend::writeFlash(const PortId& port, ConstBytes image,
 }
 
 void VirtualFlashBackend::setCapabilityWord(const PortId& port, std::uint32_t word) {
-  const AdapterFolder folder = folderOf(port);
+  const AdapterFolder folder = folderOf(port.adapter);
   const platform::Lock lock(m_mutex);
   const AdapterDescription description = describePort(folder, port);
   if (description.capabilityWordFault) {
@@ -133,13 +145,13 @@ std::shared_ptr<AdapterUpdate> VirtualFlashBackend::runningUpdate(const PortId& 
     return nullptr;
   }
   if (found->second == nullptr) {
-    found->second = std::make_shared<AdapterUpdate>(m_files, folderOf(port), m_clock);
+    found->second = std::make_shared<AdapterUpdate>(m_files, folderOf(port.adapter), m_clock);
   }
   return found->second;
 }
 
-AdapterFolder VirtualFlashBackend::folderOf(const PortId& port) const {
-  return {m_files, m_directory(), port.adapter};
+AdapterFolder VirtualFlashBackend::folderOf(const AdapterAddress& adapter) const {
+  return {m_files, m_directory(), adapter};
 }
 
 }  // namespace ma

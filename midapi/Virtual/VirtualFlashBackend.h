@@ -8,6 +8,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <string>
 
 #include "midapi/ChainFlashBackend.h"
 #include "midapi/Virtual/AdapterCache.h"
@@ -26,7 +27,10 @@ class VirtualFlashBackend final : public ChainFlashBackend {
                       platform::Clock& clock);
 
   // FlashBackend
+  std::string describe(const AdapterAddress& adapter) override;
+  bool hasAdapter(const AdapterAddress& adapter) override;
   utils::StringArray enumerateAdapters() override;
+  AdapterList list() override;
   bool beginUpdate(const AdapterAddress& adapter) override;
   void endUpdate(const AdapterAddress& adapter) noexcept override;
   void setBootType(const PortId& port, BootType bootType) override;
@@ -42,7 +46,7 @@ class VirtualFlashBackend final : public ChainFlashBackend {
   // Of updates that have begun; null before their first change.
   using Updates = std::map<AdapterAddress, std::shared_ptr<AdapterUpdate>>;
 
-  [[nodiscard]] AdapterFolder folderOf(const PortId& port) const;
+  [[nodiscard]] AdapterFolder folderOf(const AdapterAddress& adapter) const;
   [[nodiscard]] std::shared_ptr<AdapterUpdate> runningUpdate(const PortId& port)
       ORVEX_REQUIRES(m_mutex);
 

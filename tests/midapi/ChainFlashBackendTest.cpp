@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <gmock/gmock.h>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -44,7 +45,10 @@ FileBytes toFileBytes(const Bytes& bytes) {
 
 class MemoryBackend final : public ma::ChainFlashBackend {
  public:
+  std::string describe(const ma::AdapterAddress& /*adapter*/) override { return "memory"; }
+  bool hasAdapter(const ma::AdapterAddress& adapter) override { return adapter == kPort.adapter; }
   utils::StringArray enumerateAdapters() override { return {toString(kPort)}; }
+  ma::AdapterList list() override { return {}; }
   bool beginUpdate(const ma::AdapterAddress& /*adapter*/) override { return true; }
   void endUpdate(const ma::AdapterAddress& /*adapter*/) noexcept override {}
   void setBootType(const PortId& /*port*/, BootType /*bootType*/) override {}

@@ -22,7 +22,8 @@ TEST(FlashFault, CarriesInjectedCodesAndTextsUnchanged) {
 TEST(FlashFault, HasATextForEveryError) {
   for (const FlashError error :
        {FlashError::UnknownAdapter, FlashError::InvalidDescription, FlashError::NotUpdatable,
-        FlashError::EmptyImage, FlashError::InputOutput, FlashError::CompareMismatch}) {
+        FlashError::EmptyImage, FlashError::InputOutput, FlashError::CompareMismatch,
+        FlashError::ImageTooLarge, FlashError::WriteRefused, FlashError::Ambiguous}) {
     EXPECT_GT(std::string(FlashFault(error, "x").what()).size(), 10U);
   }
 }

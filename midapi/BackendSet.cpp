@@ -1,0 +1,213 @@
+#include "midapi/BackendSet.h"
+
+#include <algorithm>
+#include <iterator>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+
+#include "midapi/AdapterFault.h"
+
+namespace ma {
+namespace {
+
+using Members = std::vector<FlashBackend*>;
+
+Members membersWith(const Members& members, const AdapterAddress& adapter) {
+  Members found;
+  std::copy_if(members.begin(), members.end(), std::back_inserter(found),
+               [&adapter](FlashBackend* member) { return member->hasAdapter(adapter); });
+  return found;
+}
+
+// Leaves out what belongs to ports of adapters that several members have.
+class Ownership {
+ public:
+  explicit Ownership(const Members& members) : m_members(members) {}
+
+  [[nodiscard]] bool isShared(const AdapterAddress& adapter) {
+    if (m_members.size() < 2) {
+      return false;
+    }
+    if (m_last != adapter) {  // the ports of an adapter follow each other
+      m_last = adapter;
+      m_isShared = membersWith(m_members, adapter).size() > 1;
+    }
+    return m_isShared;
+  }
+
+ private:
+  const Members& m_members;
+  std::optional<AdapterAddress> m_last;
+  bool m_isShared = false;
+};
+
+// The adapters of one back end are told where those of another cannot be.
+AdapterList listOrProblem(FlashBackend& member) {
+  try {
+    return member.list();
+  } catch (const AdapterFault& fault) {
+    return {{}, {{"a kind of adapters", fault.what(), "name the others alone in the setting "
+                                                      "Adapters"}}};
+  }
+}
+
+std::string describeAll(const Members& owners, const AdapterAddress& adapter) {
+  std::string text;
+  for (FlashBackend* owner : owners) {
+    text += (text.empty() ? " is " : " and ") + owner->describe(adapter);
+  }
+  return toString(adapter) + text;
+}
+
+}  // namespace
+
+BackendSet::BackendSet(std::function<std::vector<FlashBackend*>()> members)
+    : m_members(std::move(members)) {}
+
+FlashBackend& BackendSet::memberFor(const AdapterAddress& adapter) {
+  {
+    const platform::Lock lock(m_mutex);
+    if (const auto found = m_updates.find(adapter); found != m_updates.end()) {
+      return *found->second;
+    }
+  }
+  const Members members = m_members();
+  if (members.size() == 1) {
+    return *members.front();
+  }
+  const Members owners = membersWith(members, adapter);
+  if (owners.size() > 1) {
+    throw FlashFault(FlashError::Ambiguous, describeAll(owners, adapter));
+  }
+  // What nobody has is asked of the last one, which says why.
+  return owners.empty() ? *members.back() : *owners.front();
+}
+
+std::string BackendSet::describe(const AdapterAddress& adapter) {
+  return memberFor(adapter).describe(adapter);
+}
+
+bool BackendSet::hasAdapter(const AdapterAddress& adapter) {
+  return !membersWith(m_members(), adapter).empty();
+}
+
+utils::StringArray BackendSet::enumerateAdapters() {
+  const Members members = m_members();
+  if (members.size() == 1) {
+    return members.front()->enumerateAdapters();
+  }
+  Ownership ownership(members);
+  std::set<PortId> ports;
+  for (FlashBackend* member : members) {
+    for (const std::string& text : member->enumerateAdapters()) {
+      const auto port = parseCanonicalPortId(text);
+      if (port && !ownership.isShared(port->adapter)) {
+        ports.insert(*port);
+      }
+    }
+  }
+  utils::StringArray names;
+  std::transform(ports.begin(), ports.end(), std::back_inserter(names),
+                 [](const PortId& port) { return toString(port); });
+  return names;
+}
+
+AdapterList BackendSet::list() {
+  const Members members = m_members();
+  if (members.size() == 1) {
+    return members.front()->list();
+  }
+  Ownership ownership(members);
+  AdapterList all;
+  std::set<AdapterAddress> shared;
+  for (FlashBackend* member : members) {
+    AdapterList list = listOrProblem(*member);
+    for (AdapterListing& adapter : list.adapters) {
+      const auto address = parseAdapterAddress(adapter.pci);
+      if (address && ownership.isShared(*address)) {
+        shared.insert(*address);
+      } else {
+        all.adapters.push_back(std::move(adapter));
+      }
+    }
+    std::move(list.problems.begin(), list.problems.end(), std::back_inserter(all.problems));
+  }
+  for (const AdapterAddress& address : shared) {
+    all.problems.push_back({toString(address), describeAll(membersWith(members, address), address),
+                            "remove the virtual one, or name one kind alone in the setting "
+                            "Adapters"});
+  }
+  std::stable_sort(
+      all.adapters.begin(), all.adapters.end(),
+      [](const AdapterListing& one, const AdapterListing& other) { return one.pci < other.pci; });
+  return all;
+}
+
+bool BackendSet::isUpdatable(const PortId& port) {
+  return memberFor(port.adapter).isUpdatable(port);
+}
+
+std::vector<utils::FirmwareVersionInfo> BackendSet::installedFirmware(const PortId& port) {
+  return memberFor(port.adapter).installedFirmware(port);
+}
+
+std::vector<FirmwareVersions> BackendSet::firmwareVersions(const PortId& port) {
+  return memberFor(port.adapter).firmwareVersions(port);
+}
+
+Preparation BackendSet::prepare(const PortId& port, ConstBytes file,
+                                std::span<std::uint8_t> buffer,
+                                const std::vector<utils::FirmwareType>& types) {
+  return memberFor(port.adapter).prepare(port, file, buffer, types);
+}
+
+ImageComparison BackendSet::compare(const PortId& port, ConstBytes file) {
+  return memberFor(port.adapter).compare(port, file);
+}
+
+std::uint64_t BackendSet::digest(const PortId& port) {
+  return memberFor(port.adapter).digest(port);
+}
+
+bool BackendSet::beginUpdate(const AdapterAddress& adapter) {
+  FlashBackend& member = memberFor(adapter);
+  const platform::Lock lock(m_mutex);
+  const auto [entry, isFirst] = m_updates.try_emplace(adapter, &member);
+  if (!isFirst) {
+    return false;
+  }
+  const bool hasBegun = member.beginUpdate(adapter);
+  if (!hasBegun) {
+    m_updates.erase(entry);
+  }
+  return hasBegun;
+}
+
+void BackendSet::endUpdate(const AdapterAddress& adapter) noexcept {
+  const platform::Lock lock(m_mutex);
+  if (const auto found = m_updates.find(adapter); found != m_updates.end()) {
+    found->second->endUpdate(adapter);
+    m_updates.erase(found);
+  }
+}
+
+void BackendSet::setBootType(const PortId& port, BootType bootType) {
+  memberFor(port.adapter).setBootType(port, bootType);
+}
+
+void BackendSet::writeFlash(const PortId& port, ConstBytes image, WriteProgress& progress) {
+  memberFor(port.adapter).writeFlash(port, image, progress);
+}
+
+void BackendSet::recordInstalled(const PortId& port,
+                                 const std::vector<utils::FirmwareType>& types) {
+  memberFor(port.adapter).recordInstalled(port, types);
+}
+
+Activation BackendSet::activate(const AdapterAddress& adapter) {
+  return memberFor(adapter).activate(adapter);
+}
+
+}  // namespace ma

@@ -1,0 +1,64 @@
+// The back end of the adapters that the Linux kernel drives.
+//
+// Firmware goes to an adapter through its driver: by devlink, or by the driver's own function of
+// ETHTOOL_FLASHDEV where the table of drivers says that it has one. The library checks the file, the
+// kernel is given the very bytes that were checked, and its verdict counts; then the stored versions
+// are read back and compared with the file's. The driver decides what becomes of a write that
+// fails in the middle, so an update here is not all or nothing: beginUpdate() keeps others of this
+// process away, and writeFlash() writes at once. Boot types and a record of what is installed are
+// not offered by drivers.
+
+#ifndef ORVEX_MIDAPI_KERNEL_KERNELFLASHBACKEND_H_
+#define ORVEX_MIDAPI_KERNEL_KERNELFLASHBACKEND_H_
+
+#include <filesystem>
+#include <functional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "Utils/FlashSettings.h"
+#include "midapi/FlashBackend.h"
+#include "midapi/Kernel/DriverCalls.h"
+#include "midapi/Kernel/FlashJournal.h"
+#include "midapi/Kernel/KernelAdapters.h"
+#include "platform/Clock.h"
+#include "platform/Mutex.h"
+
+namespace ma {
+
+// Where the back end finds what it needs; a test has them in a folder of its own.
+struct KernelPlaces {
+  std::filesystem::path sysfs = "/sys";
+  std::filesystem::path journal = "/var/lib/orvex/kernel";
+};
+
+class KernelFlashBackend final : public FlashBackend {
+ public:
+  // Referents outlive the back end. `settings` is asked at each operation.
+  KernelFlashBackend(FileSystem& files, KernelPlaces places, DriverCalls& drivers,
+                     std::function<utils::FlashSettings()> settings, platform::Clock& clock);
+
+  // FlashBackend
+  std::string describe(const AdapterAddress& adapter) override;
+  bool hasAdapter(const AdapterAddress& adapter) override;
+  utils::StringArray enumerateAdapters() override;
+  AdapterList list() override;
+  bool isUpdatable(const PortId& port) override;
+  std::vector<utils::FirmwareVersionInfo> installedFirmware(const PortId& port) override;
+  std::vector<FirmwareVersions> firmwareVersions(const PortId& port) override;
+  Preparation prepare(const PortId& port, ConstBytes file, std::span<std::uint8_t> buffer,
+                      const std::vector<utils::FirmwareType>& types) override;
+  ImageComparison compare(const PortId& port, ConstBytes file) override;
+  std::uint64_t digest(const PortId& port) override;
+  bool beginUpdate(const AdapterAddress& adapter) override;
+  void endUpdate(const AdapterAddress& adapter) noexcept override;
+  void setBootType(const PortId& port, BootType bootType) override;
+  void writeFlash(const PortId& port, ConstBytes image, WriteProgress& progress) override;
+  void recordInstalled(const PortId& port, const std::vector<utils::FirmwareType>& types) override;
+  Activation activate(const AdapterAddress& adapter) override;
+};
+
+}  // namespace ma
+
+#endif  // ORVEX_MIDAPI_KERNEL_KERNELFLASHBACKEND_H_
