@@ -8,6 +8,7 @@
 
 #include "Utils/Exception.h"
 #include "Utils/Printable.h"
+#include "cli/ActivateCommand.h"
 #include "cli/AdaptersCommand.h"
 #include "cli/AssociationsCommand.h"
 #include "cli/CheckCommand.h"
@@ -55,7 +56,7 @@ constexpr const char* kFooter =
 
 // Added one by one, so that a further command is one line here and one pair of files.
 constexpr void (*kCommands[])(CLI::App&, Context&) = {
-    addAdaptersCommand,   addAssociationsCommand, addCheckCommand,
+    addActivateCommand, addAdaptersCommand,   addAssociationsCommand, addCheckCommand,
     addClassesCommand,  addIdentitiesCommand, addInstancesCommand,    addInvokeCommand,
     addJobsCommand,     addShowCommand,       addUpdateCommand,       addWatchCommand,
 };
