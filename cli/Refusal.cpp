@@ -194,6 +194,7 @@ void reportRefusal(const Context& context, const std::string& what,
   context.err << "quorvel: " << what << " refused: " << answer.returnValue << ", "
               << answer.returnText << '\n';
   explain(context.err, "reason", findReason(context, answer, request));
+  explain(context.err, "why", request.why);
   explain(context.err, "next", adviseOnRefusal(answer.returnValue, answer.reason, request));
 }
 
