@@ -17,8 +17,9 @@ std::string printed(const std::vector<client::HostAdapter>& adapters, bool isJso
 TEST(HostAdaptersList, HasALineForEachPort) {
   EXPECT_EQ(printed({{"0000:03:00",
                       {"0000:03:00.0", "0000:03:00.1"},
-                      {{"IMG_PXE", "1.0"}, {"IMG_UEFI", "2.0"}}},
-                     {"0000:04:00", {"0000:04:00.0"}, {}}},
+                      {{"IMG_PXE", "1.0"}, {"IMG_UEFI", "2.0"}},
+                      {}},
+                     {"0000:04:00", {"0000:04:00.0"}, {}, {}}},
                     false),
             "PORT          ADAPTER     FIRMWARE\n"
             "0000:03:00.0  0000:03:00  IMG_PXE 1.0, IMG_UEFI 2.0\n"
@@ -27,7 +28,7 @@ TEST(HostAdaptersList, HasALineForEachPort) {
 }
 
 TEST(HostAdaptersList, IsADocumentForPrograms) {
-  EXPECT_EQ(printed({{"0000:03:00", {"0000:03:00.0"}, {{"IMG_PXE", "1.0"}}}}, true),
+  EXPECT_EQ(printed({{"0000:03:00", {"0000:03:00.0"}, {{"IMG_PXE", "1.0"}}, {}}}, true),
             "[\n"
             "  {\n"
             "    \"pci\": \"0000:03:00\",\n"
