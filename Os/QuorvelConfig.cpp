@@ -25,14 +25,65 @@ constexpr SettingName kNamespace{kQuorvelKey, "Namespace"};
 constexpr SettingName kOemCustomizeable{kRavlKey, "OEMCustomizeable", true};
 constexpr SettingName kFirmwarePaths{kQuorvelKey, "FWFilePath"};
 constexpr SettingName kMaxImageSize{kQuorvelKey, "MaxImageSize", true};
-constexpr SettingName kKnownSettings[] = {kTimeout, kNamespace, kOemCustomizeable, kFirmwarePaths,
-                                          kMaxImageSize};
+constexpr SettingName kAdapters{kQuorvelKey, "Adapters"};
+constexpr SettingName kTrustDriverCheck{kQuorvelKey, "TrustDriverCheck"};
+constexpr SettingName kFirmwareFolder{kQuorvelKey, "FirmwareFolder"};
+constexpr SettingName kKnownSettings[] = {kTimeout,          kNamespace,     kOemCustomizeable,
+                                          kFirmwarePaths,    kMaxImageSize,  kAdapters,
+                                          kTrustDriverCheck, kFirmwareFolder};
 
 constexpr const char* kNamespaceRoot = "root";
 constexpr std::uint32_t kDefaultTimeout = 300'000;  // milliseconds
 constexpr std::uint32_t kDowngradeEnableBit = 0x20;
 constexpr std::size_t kShortestPath = 2;
 constexpr std::uint32_t kLargestFile = std::numeric_limits<std::int32_t>::max();  // see Os/Files.h
+
+std::vector<std::string> readWords(const SettingsStore& store, const SettingName& setting) {
+  std::string text;
+  static_cast<void>(store.read(setting, text));
+  std::vector<std::string> words = split(text, ' ', kNoQuote);
+  std::erase(words, "");
+  return words;
+}
+
+// Returns why what is written there cannot be used; then `settings` stays as it is.
+std::string readAdapterKinds(const SettingsStore& store, FlashSettings& settings) {
+  std::string text;
+  if (!store.read(kAdapters, text)) {
+    return {};
+  }
+  FlashSettings read;
+  read.hasKernelAdapters = read.hasVirtualAdapters = false;
+  for (const std::string& kind : readWords(store, kAdapters)) {
+    if (kind == "kernel") {
+      read.hasKernelAdapters = true;
+    } else if (kind == "virtual") {
+      read.hasVirtualAdapters = true;
+    } else {
+      return store.placeOf(kAdapters) + ": Adapters is ignored: '" + kind +
+             "' is neither kernel nor virtual";
+    }
+  }
+  if (!read.hasKernelAdapters && !read.hasVirtualAdapters) {
+    return store.placeOf(kAdapters) + ": Adapters is ignored: it names neither kernel nor virtual";
+  }
+  settings.hasKernelAdapters = read.hasKernelAdapters;
+  settings.hasVirtualAdapters = read.hasVirtualAdapters;
+  return {};
+}
+
+std::string readFirmwareFolder(const SettingsStore& store, FlashSettings& settings) {
+  std::string folder;
+  if (!store.read(kFirmwareFolder, folder)) {
+    return {};
+  }
+  if (!folder.starts_with('/')) {
+    return store.placeOf(kFirmwareFolder) + ": FirmwareFolder is ignored: '" + folder +
+           "' does not begin with /";
+  }
+  settings.firmwareFolder = std::move(folder);
+  return {};
+}
 
 }  // namespace
 
@@ -104,13 +155,36 @@ std::uint32_t QuorvelConfig::getMaxImageSize() {
     size = kDefaultMaxImageSize;
   }
   const ScopedLock lock(m_lock);
-  if (problem != m_reportedMaxImageSize) {
-    m_reportedMaxImageSize = problem;
-    if (!problem.empty()) {
-      logError(kLog, "utils::QuorvelConfig::getMaxImageSize", "%s", problem.c_str());
-    }
-  }
+  reportOnce("utils::QuorvelConfig::getMaxImageSize", problem, m_reportedMaxImageSize);
   return size;
+}
+
+FlashSettings QuorvelConfig::getFlashSettings() {
+  const SettingsStore store(m_path);
+  FlashSettings settings;
+  settings.trustedDrivers = readWords(store, kTrustDriverCheck);
+  const std::string kinds = readAdapterKinds(store, settings);
+  const std::string folder = readFirmwareFolder(store, settings);
+  constexpr const char* kFunction = "utils::QuorvelConfig::getFlashSettings";
+  const ScopedLock lock(m_lock);
+  reportOnce(kFunction, kinds, m_reportedAdapters);
+  reportOnce(kFunction, folder, m_reportedFirmwareFolder);
+  return settings;
+}
+
+FlashSettings QuorvelConfig::currentFlashSettings() {
+  return getInstance()->getFlashSettings();
+}
+
+void QuorvelConfig::reportOnce(const char* function, const std::string& problem,
+                               std::string& reported) {
+  if (problem == reported) {
+    return;
+  }
+  reported = problem;
+  if (!problem.empty()) {
+    logError(kLog, function, "%s", problem.c_str());
+  }
 }
 
 void QuorvelConfig::askFirmwarePaths() const {

@@ -14,6 +14,14 @@
 //   FWFilePath        Quorvel    text    directories of firmware files, separated by ';'
 //   MaxImageSize      Quorvel    number  bytes of the largest firmware file that is read, from 1 to
 //                                        2^31 - 1
+//   Adapters          Quorvel    text    "kernel", "virtual" or both, parted by blanks: the
+//   adapters
+//                                        that count, where the platform has both
+//   TrustDriverCheck  Quorvel    text    drivers parted by blanks whose own check of a firmware
+//   file
+//                                        is trusted where the file does not say for which devices
+//                                        it is
+//   FirmwareFolder    Quorvel    text    folder from which the kernel takes firmware, absolute
 
 #ifndef ORVEX_OS_QUORVELCONFIG_H_
 #define ORVEX_OS_QUORVELCONFIG_H_
@@ -25,6 +33,7 @@
 #include <vector>
 
 #include "Utils/Export.h"
+#include "Utils/FlashSettings.h"
 #include "Utils/Mutex.h"
 #include "Utils/Singleton.h"
 
@@ -57,6 +66,11 @@ class ORVEX_CORE_API QuorvelConfig : public AutoSingleton<QuorvelConfig> {
   virtual void initialize();
   // Reads its one setting alone, without the records of initialize().
   virtual std::uint32_t getMaxImageSize();  // bytes
+  // The same for its settings: what is missing or cannot be used is as in a FlashSettings that
+  // nobody changed.
+  virtual FlashSettings getFlashSettings();
+  // Those of the current instance, as the flash library asks for them.
+  [[nodiscard]] static FlashSettings currentFlashSettings();
 
   // Asks each directory of FWFilePath whether it is there, as initialize() does, and changes
   // nothing: one whose file system does not answer is known then (see Os/FileCalls.h), so who needs
@@ -80,6 +94,8 @@ class ORVEX_CORE_API QuorvelConfig : public AutoSingleton<QuorvelConfig> {
   [[nodiscard]] Reading readSettings() const;
   static void readFirmwarePaths(const std::string& text, const std::string& place,
                                 Reading& reading);
+  // Logs a problem of a setting that is read alone, unless it was the last one that was logged.
+  static void reportOnce(const char* function, const std::string& problem, std::string& reported);
   // Puts a reading in force, unless one that began later is. `number` counts readings.
   void takeOver(std::uint64_t number, Reading reading);
 
@@ -89,6 +105,8 @@ class ORVEX_CORE_API QuorvelConfig : public AutoSingleton<QuorvelConfig> {
   std::uint64_t m_lastTaken ORVEX_GUARDED_BY(m_lock) = 0;
   std::set<std::string> m_reported ORVEX_GUARDED_BY(m_lock);
   std::string m_reportedMaxImageSize ORVEX_GUARDED_BY(m_lock);
+  std::string m_reportedAdapters ORVEX_GUARDED_BY(m_lock);
+  std::string m_reportedFirmwareFolder ORVEX_GUARDED_BY(m_lock);
   std::string m_namespace ORVEX_GUARDED_BY(m_lock);
   std::uint32_t m_timeout ORVEX_GUARDED_BY(m_lock);
   bool m_isDowngradeEnabled ORVEX_GUARDED_BY(m_lock) = false;

@@ -335,6 +335,17 @@ void acceptOtherTypes(const std::string& uri, bool isForced, TargetReservation& 
                     utils::refusal::kTypesDiffer));
 }
 
+// Clients get the status alone; which of two versions is older, or which device a file is for, is
+// for who reads the log.
+void logReason(const std::string& target, const os::FileContent& file,
+               const std::vector<utils::FirmwareType>& types) {
+  const std::string reason =
+      ma::explainFlashImage(target, file.bytes.get(), static_cast<std::uint32_t>(file.size), types);
+  if (!reason.empty()) {
+    utils::logError(kLog, kCheck, "%s", reason.c_str());
+  }
+}
+
 // Returns for a status that lets the update go on, throws for any other.
 void actOnStatus(ma::PrepareStatus status, const std::string& target, const std::string& uri,
                  bool isForced, TargetReservation& reservation) {
@@ -445,6 +456,9 @@ VerifiedImage checkAndVerifyImage(const std::string& target, const std::string& 
   const ma::PrepareStatus status = ma::prepareFlashImage(
       target, file.bytes.get(), fileSize, image.bytes.data(), size, image.targetTypes);
   utils::logDebug(kLog, kCheck, "Image prepared %d", static_cast<int>(status));
+  if (status != ma::PrepareStatus::Ok) {
+    logReason(target, file, image.targetTypes);
+  }
   actOnStatus(status, target, uri, cim::hasOption(installOptions, cim::kForceInstallation),
               image.reservation);
   image.bytes.resize(size);

@@ -3,6 +3,7 @@
 #include <memory>
 #include <new>
 
+#include "Os/QuorvelConfig.h"
 #include "agent/Orvex_AffectedJobElement.h"
 #include "agent/Orvex_ConcreteJob.h"
 #include "agent/Orvex_ConcreteJobClass.h"
@@ -15,6 +16,7 @@
 #include "agent/Orvex_SoftwareUpdateReferencedProfile.h"
 #include "agent/Orvex_SoftwareUpdateRegisteredProfile.h"
 #include "core/DeclareClass.h"
+#include "midapi/MidApi.h"
 
 namespace core {
 namespace {
@@ -45,6 +47,7 @@ constexpr std::unique_ptr<CimClass> (*kProviders[])() = {
 }  // namespace
 
 SoftwareUpdateAgent::SoftwareUpdateAgent() : CimAgent(kAgentName) {
+  ma::useSettings(utils::QuorvelConfig::currentFlashSettings);
   for (const auto& makeProvider : kProviders) {
     std::unique_ptr<CimClass> provider = makeProvider();
     getClasses().add(provider.get());

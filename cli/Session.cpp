@@ -14,6 +14,7 @@
 #include "client/Fault.h"
 #include "core/CimBroker.h"
 #include "host/ModuleLoader.h"
+#include "midapi/MidApi.h"
 #include "platform/Texts.h"
 
 namespace cli {
@@ -89,6 +90,7 @@ void demandConsistent(const GlobalOptions& options) {
 }
 
 void applyOptions(const GlobalOptions& options) {
+  ma::useSettings(utils::QuorvelConfig::currentFlashSettings);
   if (!options.logLevel.empty()) {
     os::setEnvironment("ZOLAN_Quorvel_LOG_LEVEL", options.logLevel);
   }

@@ -12,33 +12,62 @@ namespace client {
 namespace {
 
 constexpr const char* kIdentifier = "DeviceID";
-constexpr const char* kInstalled = "installed";
+// What an adapter has.
+struct Firmware {
+  std::vector<HostAdapter::Component> components;
+  std::vector<HostAdapter::Versions> versions;
 
-// What is installed, by the object path of the adapter.
-using Installed = std::map<std::string, std::vector<HostAdapter::Component>>;
+  // Takes in what a piece of software is to the adapter.
+  void add(const InstanceSnapshot& software, const std::string& relation);
+  [[nodiscard]] HostAdapter::Versions& versionsOf(const std::string& name);
+};
 
-Installed readInstalled(Connection& connection) {
-  std::map<std::string, HostAdapter::Component> components;
-  for (const InstanceSnapshot& identity : getInstances(connection, kIdentityClass)) {
-    components[identity.path] = {join(identity.value<std::vector<std::string>>("TargetTypes"), "+"),
-                                 identity.value<std::string>("VersionString")};
+void Firmware::add(const InstanceSnapshot& software, const std::string& relation) {
+  const auto version = software.value<std::string>("VersionString");
+  const auto name = software.value<std::string>("Name");  // "0000:03:00/fw.undi"
+  if (relation == "installed") {
+    components.push_back(
+        {join(software.value<std::vector<std::string>>("TargetTypes"), "+"), version});
+  } else if (relation == "running") {
+    versionsOf(name).running = version;
+  } else if (relation == "stored") {
+    versionsOf(name).stored = version;
   }
-  Installed installed;
-  for (const InstanceSnapshot& association : getInstances(connection, kComparisonClass)) {
-    const auto component = components.find(association.value<std::string>("Antecedent"));
-    if (component != components.end() &&
-        association.value<std::string>("Comparison") == kInstalled) {
-      installed[association.value<std::string>("Dependent")].push_back(component->second);
+}
+
+HostAdapter::Versions& Firmware::versionsOf(const std::string& name) {
+  const std::string part = name.substr(name.rfind('/') + 1);
+  for (HostAdapter::Versions& known : versions) {
+    if (known.name == part) {
+      return known;
     }
   }
-  return installed;
+  return versions.emplace_back(HostAdapter::Versions{part, {}, {}});
+}
+
+// Returns what is on the adapters, by their object paths.
+std::map<std::string, Firmware> readFirmware(Connection& connection) {
+  std::map<std::string, InstanceSnapshot> identities;
+  for (InstanceSnapshot& identity : getInstances(connection, kIdentityClass)) {
+    std::string path = identity.path;
+    identities.emplace(std::move(path), std::move(identity));
+  }
+  std::map<std::string, Firmware> firmware;
+  for (const InstanceSnapshot& association : getInstances(connection, kComparisonClass)) {
+    const auto software = identities.find(association.value<std::string>("Antecedent"));
+    if (software != identities.end()) {
+      firmware[association.value<std::string>("Dependent")].add(
+          software->second, association.value<std::string>("Comparison"));
+    }
+  }
+  return firmware;
 }
 
 }  // namespace
 
 std::vector<HostAdapter> readHostAdapters(Connection& connection) {
   const Instances ports = getInstances(connection, kPortClass);
-  Installed installed = readInstalled(connection);
+  std::map<std::string, Firmware> firmware = readFirmware(connection);
   std::vector<HostAdapter> adapters;
   for (const InstanceSnapshot& instance : demandInstances(connection, kAdapterClass)) {
     HostAdapter adapter;
@@ -49,7 +78,9 @@ std::vector<HostAdapter> readHostAdapters(Connection& connection) {
         adapter.ports.push_back(identifier);
       }
     }
-    adapter.components = std::move(installed[instance.path]);
+    Firmware& own = firmware[instance.path];
+    adapter.components = std::move(own.components);
+    adapter.versions = std::move(own.versions);
     adapters.push_back(std::move(adapter));
   }
   return adapters;

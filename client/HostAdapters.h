@@ -16,14 +16,21 @@ struct HostAdapter {
     std::string type;  // "IMG_PXE"; several with '+' between them
     std::string version;
   };
+  // What a driver says of one part of the firmware. Empty: it does not tell.
+  struct Versions {
+    std::string name;  // "fw.undi"
+    std::string running;
+    std::string stored;
+  };
 
   std::string pci;                 // "0000:03:00"
   std::vector<std::string> ports;  // "0000:03:00.0"
   std::vector<Component> components;
+  std::vector<Versions> versions;
 };
 
 // Returns the adapters in the order in which they are served. A port belongs to the adapter with
-// which its identifier begins; an installed image to the one with which it is associated.
+// which its identifier begins; installed firmware to the one with which it is associated.
 [[nodiscard]] std::vector<HostAdapter> readHostAdapters(Connection& connection);
 
 }  // namespace client

@@ -193,6 +193,18 @@ ActionNames findActionNames() {
   }
 }
 
+// So that what became of a write whose writer was killed is in the log, whether a client asks or
+// not.
+void lookAtAdapters() {
+  constexpr const char* kAdapterClass = "Orvex_PortController";
+  try {
+    static_cast<void>(core::GetCimBroker().getInstances(kAdapterClass));
+  } catch (const std::exception& fault) {
+    utils::logError(kLog, "quorveld::lookAtAdapters", "The adapters cannot be listed: %s",
+                    fault.what());
+  }
+}
+
 void serve(const DaemonConfig& config, const ServiceManager& manager, std::ostream& out) {
   // All before anything that may start a thread.
   giveLargeBlocksBack();
@@ -208,6 +220,7 @@ void serve(const DaemonConfig& config, const ServiceManager& manager, std::ostre
   // May ask the system on a thread of its own who this process runs as.
   const std::unique_ptr<Authenticator> authenticator = makeAuthenticator(config);
   loadAgents(config);
+  lookAtAdapters();
 
   SystemLogAudit systemLog;
   const ActionNames names = findActionNames();

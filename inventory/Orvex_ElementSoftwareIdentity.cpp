@@ -23,8 +23,6 @@ using inventory::AdapterState;
 using inventory::FirmwareComparisons;
 using inventory::FirmwareFilePtr;
 
-constexpr std::string_view kInstalled = "installed";
-
 // Indexed by ma::ImageComparison.
 constexpr std::array<std::string_view, 8> kComparisonTexts = {
     "", "not updatable", "other types", "older", "same version", "same", "newer", "unknown"};
@@ -75,12 +73,13 @@ std::vector<std::string_view> toTexts(const std::vector<ma::ImageComparison>& co
   return texts;
 }
 
-std::vector<std::string_view> relateToItsAdapter(const AdapterSoftware& component,
+std::vector<std::string_view> relateToItsAdapter(const AdapterSoftware& software,
                                                  const std::vector<Adapter>& adapters) {
   std::vector<std::string_view> texts;
   texts.reserve(adapters.size());
+  const std::string owner = software.getAdapter();
   for (const Adapter& adapter : adapters) {
-    texts.push_back(adapter.identity == component.getAdapter() ? kInstalled : std::string_view());
+    texts.push_back(adapter.identity == owner ? software.getRelation() : std::string_view());
   }
   return texts;
 }

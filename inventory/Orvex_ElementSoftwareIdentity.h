@@ -24,6 +24,8 @@ class Orvex_ElementSoftwareIdentity : public CIM_Dependency {
 
   // What the software is to the adapter:
   //   installed      a component in its flash
+  //   running        the version of a part of its firmware that works now, as its driver says
+  //   stored         the version that its flash holds, which takes effect at the next activation
   //   newer, older   an image of a newer or of an older version than the adapter holds
   //   same           an image whose bytes the flash holds
   //   same version   an image of the installed versions in other bytes

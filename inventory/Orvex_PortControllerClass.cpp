@@ -31,12 +31,25 @@ class AdapterController final : public Orvex_PortController {
 
 }  // namespace
 
-Orvex_PortControllerClass::Orvex_PortControllerClass()
+Orvex_PortControllerClass::Orvex_PortControllerClass(FindInterruptions findInterruptions)
     : InstanceProvider(Orvex_PortController::kClassName,
                        {kLog, "Orvex_PortControllerClass::getInstances", "getInstances",
-                        "PortController::getInstances"}) {}
+                        "PortController::getInstances"}),
+      m_findInterruptions(findInterruptions) {}
+
+void Orvex_PortControllerClass::reportInterruptions() {
+  std::set<std::string> found;
+  for (std::string& text : m_findInterruptions()) {
+    if (!m_reported.contains(text)) {
+      utils::logError(kLog, "Orvex_PortControllerClass::getInstances", "%s", text.c_str());
+    }
+    found.insert(std::move(text));
+  }
+  m_reported = std::move(found);
+}
 
 void Orvex_PortControllerClass::refresh() {
+  reportInterruptions();
   std::vector<std::string> identities;
   for (inventory::Adapter& adapter : inventory::findAdapters()) {
     identities.push_back(std::move(adapter.identity));

@@ -1,19 +1,34 @@
-// The provider of the controllers: one for each adapter that the flash library manages.
+// The provider of the controllers: one for each adapter that the flash library manages. What became
+// of a write whose writer died is an error record, once.
 
 #ifndef ORVEX_INVENTORY_ORVEX_PORTCONTROLLERCLASS_H_
 #define ORVEX_INVENTORY_ORVEX_PORTCONTROLLERCLASS_H_
 
+#include <set>
+#include <string>
+#include <vector>
+
 #include "core/InstanceProvider.h"
 #include "inventory/DeviceValues.h"
+#include "midapi/MidApi.h"
 
 class Orvex_PortControllerClass : public core::InstanceProvider {
  public:
-  Orvex_PortControllerClass();
+  // Returns what became of writes whose writers died, a line each.
+  using FindInterruptions = std::vector<std::string> (*)();
+
+  explicit Orvex_PortControllerClass(
+      FindInterruptions findInterruptions = ma::findInterruptedWrites);
 
  protected:
   void refresh() override;
 
  private:
+  void reportInterruptions();
+
+  const FindInterruptions m_findInterruptions;
+  // Guarded by the request, as the instances are.
+  std::set<std::string> m_reported;
   // What the instances were built of: for as long as that stays the same, so do they.
   inventory::DeviceSet m_controllers;
 };

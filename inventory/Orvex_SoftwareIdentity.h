@@ -19,7 +19,8 @@ class Orvex_SoftwareIdentity : public CIM_LogicalElement {
   static auto getKeys(Self& self) {
     return core::keys(self.InstanceID);
   }
-  // The kinds: a component in the flash of an adapter, and a firmware image that can be installed.
+  // The kinds: what an adapter holds (a component in its flash, or what its driver says is running
+  // or stored), and a firmware image that can be installed.
   static constexpr std::uint32_t kInstalledComponent = 2;
   static constexpr std::uint32_t kFirmwareImage = 4;
 
@@ -32,7 +33,7 @@ class Orvex_SoftwareIdentity : public CIM_LogicalElement {
   [[nodiscard]] virtual std::uint32_t getImageKind() const = 0;
 
   // The version of its images, "major.minor"; where their types differ in it, one for each of
-  // TargetTypes, joined by '+'.
+  // TargetTypes, joined by '+'. As the driver writes it where that tells it.
   core::CimPropertyString VersionString{"VersionString", this};
   // The names of the firmware image types that it holds (utils::kFirmwareTypeNames).
   core::CimPropertyString_arr TargetTypes{"TargetTypes", this};

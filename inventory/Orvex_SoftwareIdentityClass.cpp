@@ -108,19 +108,56 @@ class InstalledComponent final : public AdapterSoftware {
   [[nodiscard]] std::uint32_t getImageKind() const override { return kInstalledComponent; }
 
   [[nodiscard]] std::string getAdapter() const override { return m_adapter; }
+  [[nodiscard]] std::string_view getRelation() const override { return "installed"; }
 
  private:
   const std::string m_adapter;
   const std::string m_identity;
 };
 
+// Which version a driver's identity stands for.
+struct VersionKind {
+  std::string ma::FirmwareVersions::*version;
+  const char* instance;  // what its InstanceID begins with
+  const char* caption;
+  std::string_view relation;
+};
+constexpr VersionKind kVersionKinds[] = {
+    {&ma::FirmwareVersions::running, "Orvex:RunningFirmware:", "Running ", "running"},
+    {&ma::FirmwareVersions::stored, "Orvex:StoredFirmware:", "Stored ", "stored"}};
+
+// What a driver says of one part of its adapter's firmware: what works now, or what takes effect
+// later.
+class DriverFirmware final : public AdapterSoftware {
+ public:
+  DriverFirmware(std::string adapter, const ma::FirmwareVersions& versions, const VersionKind& kind)
+      : m_adapter(std::move(adapter)), m_name(versions.name), m_relation(kind.relation) {
+    setSoftwareValues(*this, kind.instance + getIdentity(),
+                      kind.caption + m_name + " of adapter " + m_adapter);
+    VersionString.setValue(versions.*kind.version);
+  }
+
+  [[nodiscard]] std::string getIdentity() const override { return m_adapter + "/" + m_name; }
+  [[nodiscard]] std::uint32_t getImageKind() const override { return kInstalledComponent; }
+
+  [[nodiscard]] std::string getAdapter() const override { return m_adapter; }
+  [[nodiscard]] std::string_view getRelation() const override { return m_relation; }
+
+ private:
+  const std::string m_adapter;
+  const std::string m_name;
+  const std::string_view m_relation;
+};
+
 }  // namespace
 
-Orvex_SoftwareIdentityClass::Orvex_SoftwareIdentityClass(inventory::FirmwareFiles& files)
+Orvex_SoftwareIdentityClass::Orvex_SoftwareIdentityClass(inventory::FirmwareFiles& files,
+                                                         ReadVersions readVersions)
     : InstanceProvider(Orvex_SoftwareIdentity::kClassName,
                        {kLog, "Orvex_SoftwareIdentityClass::getInstances", "getInstances",
                         "SoftwareIdentity::getInstances"}),
-      m_files(files) {}
+      m_files(files),
+      m_readVersions(readVersions) {}
 
 void Orvex_SoftwareIdentityClass::refresh() {
   instances().clear();
@@ -132,6 +169,17 @@ void Orvex_SoftwareIdentityClass::refresh() {
     ma::getAdapterFirmwareVersion(adapter.firstPort, components);
     for (std::size_t place = 0; place < components.size(); ++place) {
       instances().add(new InstalledComponent(adapter.identity, place, components[place]));
+    }
+    addDriverFirmware(adapter);
+  }
+}
+
+void Orvex_SoftwareIdentityClass::addDriverFirmware(const Adapter& adapter) {
+  for (const ma::FirmwareVersions& versions : m_readVersions(adapter.firstPort)) {
+    for (const VersionKind& kind : kVersionKinds) {
+      if (!(versions.*kind.version).empty()) {
+        instances().add(new DriverFirmware(adapter.identity, versions, kind));
+      }
     }
   }
 }

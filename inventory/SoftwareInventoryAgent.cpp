@@ -5,6 +5,7 @@
 #include <iterator>
 #include <string>
 
+#include "Os/QuorvelConfig.h"
 #include "core/CimBroker.h"
 #include "core/DeclareClass.h"
 #include "inventory/FirmwareContent.h"
@@ -17,6 +18,7 @@
 #include "inventory/Orvex_SoftwareIdentityClass.h"
 #include "inventory/Orvex_SoftwareIdentityResource.h"
 #include "inventory/Orvex_SoftwareIdentityResourceClass.h"
+#include "midapi/MidApi.h"
 
 namespace inventory {
 namespace {
@@ -57,6 +59,7 @@ class AnyElementSoftware : public Orvex_ElementSoftwareIdentity {
 }  // namespace
 
 SoftwareInventoryAgent::SoftwareInventoryAgent() : core::CimAgent("Software Inventory") {
+  ma::useSettings(utils::QuorvelConfig::currentFlashSettings);
   getClasses().add(new Orvex_EthernetPortClass);
   getClasses().add(new Orvex_PortControllerClass);
   getClasses().add(new Orvex_EthernetPortRegisteredProfileClass);

@@ -48,8 +48,10 @@ AdapterList listOrProblem(FlashBackend& member) {
   try {
     return member.list();
   } catch (const AdapterFault& fault) {
-    return {{}, {{"a kind of adapters", fault.what(), "name the others alone in the setting "
-                                                      "Adapters"}}};
+    return {{},
+            {{"a kind of adapters", fault.what(),
+              "name the others alone in the setting "
+              "Adapters"}}};
   }
 }
 
@@ -145,6 +147,15 @@ AdapterList BackendSet::list() {
   return all;
 }
 
+std::vector<std::string> BackendSet::interruptedWrites() {
+  std::vector<std::string> all;
+  for (FlashBackend* member : m_members()) {
+    std::vector<std::string> texts = member->interruptedWrites();
+    std::move(texts.begin(), texts.end(), std::back_inserter(all));
+  }
+  return all;
+}
+
 bool BackendSet::isUpdatable(const PortId& port) {
   return memberFor(port.adapter).isUpdatable(port);
 }
@@ -157,8 +168,7 @@ std::vector<FirmwareVersions> BackendSet::firmwareVersions(const PortId& port) {
   return memberFor(port.adapter).firmwareVersions(port);
 }
 
-Preparation BackendSet::prepare(const PortId& port, ConstBytes file,
-                                std::span<std::uint8_t> buffer,
+Preparation BackendSet::prepare(const PortId& port, ConstBytes file, std::span<std::uint8_t> buffer,
                                 const std::vector<utils::FirmwareType>& types) {
   return memberFor(port.adapter).prepare(port, file, buffer, types);
 }

@@ -18,8 +18,8 @@ namespace ma {
 
 class BackendSet final : public FlashBackend {
  public:
-  // `members` gives the back ends that count, one at the least, and is asked at each operation; they
-  // outlive the set.
+  // `members` gives the back ends that count, one at the least, and is asked at each operation;
+  // they outlive the set.
   explicit BackendSet(std::function<std::vector<FlashBackend*>()> members);
 
   // FlashBackend
@@ -27,6 +27,7 @@ class BackendSet final : public FlashBackend {
   bool hasAdapter(const AdapterAddress& adapter) override;
   utils::StringArray enumerateAdapters() override;
   AdapterList list() override;
+  std::vector<std::string> interruptedWrites() override;
   bool isUpdatable(const PortId& port) override;
   std::vector<utils::FirmwareVersionInfo> installedFirmware(const PortId& port) override;
   std::vector<FirmwareVersions> firmwareVersions(const PortId& port) override;

@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "Utils/FirmwareTypes.h"
@@ -31,6 +32,7 @@ class ChainFlashBackend : public FlashBackend {
   virtual void setCapabilityWord(const PortId& port, std::uint32_t word) = 0;
 
   // FlashBackend
+  std::vector<std::string> interruptedWrites() override;
   bool isUpdatable(const PortId& port) override;
   std::vector<utils::FirmwareVersionInfo> installedFirmware(const PortId& port) override;
   std::vector<FirmwareVersions> firmwareVersions(const PortId& port) override;

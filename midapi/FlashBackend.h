@@ -88,6 +88,9 @@ class FlashBackend {
   // where it cannot be told which adapters there are.
   [[nodiscard]] virtual AdapterList list() = 0;
 
+  // Returns what became of writes whose writers died, as findInterruptedWrites says.
+  [[nodiscard]] virtual std::vector<std::string> interruptedWrites() = 0;
+
   // Returns whether the adapter's firmware may be replaced.
   [[nodiscard]] virtual bool isUpdatable(const PortId& port) = 0;
 

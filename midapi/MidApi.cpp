@@ -134,6 +134,10 @@ AdapterList listAdapters() {
   return backend().list();
 }
 
+std::vector<std::string> findInterruptedWrites() {
+  return backend().interruptedWrites();
+}
+
 std::vector<FirmwareVersions> getFirmwareVersions(const std::string& adapter) {
   try {
     return backend().firmwareVersions(needPort(adapter));

@@ -36,7 +36,8 @@ struct FlashImageInfo {
 using SettingsReader = utils::FlashSettings (*)();
 
 // Says where settings come from; by default they are those of a FlashSettings that nobody changed.
-// Where the environment has ORVEX_ADAPTERS, virtual adapters in that directory count, and no others.
+// Where the environment has ORVEX_ADAPTERS, virtual adapters in that directory count, and no
+// others.
 ORVEX_MIDAPI_API void useSettings(SettingsReader reader);
 
 // Returns the identifiers of all ports of all adapters, ordered by PCI address.
@@ -45,6 +46,10 @@ ORVEX_MIDAPI_API void useSettings(SettingsReader reader);
 // Returns all that is known of all adapters, and what a person should mend. Throws AdapterFault,
 // which no other operation does, where it cannot be told which adapters there are.
 [[nodiscard]] ORVEX_MIDAPI_API AdapterList listAdapters();
+
+// Returns what became of writes whose writers died before they knew how those ended, in a line each
+// that begins with the adapter. None of virtual adapters, whose updates are made or taken back.
+[[nodiscard]] ORVEX_MIDAPI_API std::vector<std::string> findInterruptedWrites();
 
 // Returns what the driver of the adapter says of its firmware, running and stored; nothing where it
 // does not tell. Of an adapter whose flash is being written, what was known before.
@@ -135,9 +140,9 @@ inline constexpr std::size_t kMostDescribedDevices = 1024;
                                                               std::uint32_t fileSize,
                                                               std::vector<FlashImageInfo>& images);
 
-// Returns why prepareFlashImage refuses what it is asked, in one line for a person: which device the
-// file is for, which version is older than which. Empty where it does not, and where its status says
-// all there is to say. Prepares nothing.
+// Returns why prepareFlashImage refuses what it is asked, in one line for a person: which device
+// the file is for, which version is older than which. Empty where it does not, and where its status
+// says all there is to say. Prepares nothing.
 [[nodiscard]] ORVEX_MIDAPI_API std::string explainFlashImage(
     const std::string& adapter, const std::uint8_t* file, std::uint32_t fileSize,
     const std::vector<utils::FirmwareType>& types);

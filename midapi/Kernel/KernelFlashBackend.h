@@ -1,12 +1,12 @@
 // The back end of the adapters that the Linux kernel drives.
 //
 // Firmware goes to an adapter through its driver: by devlink, or by the driver's own function of
-// ETHTOOL_FLASHDEV where the table of drivers says that it has one. The library checks the file, the
-// kernel is given the very bytes that were checked, and its verdict counts; then the stored versions
-// are read back and compared with the file's. The driver decides what becomes of a write that
-// fails in the middle, so an update here is not all or nothing: beginUpdate() keeps others of this
-// process away, and writeFlash() writes at once. Boot types and a record of what is installed are
-// not offered by drivers.
+// ETHTOOL_FLASHDEV where the table of drivers says that it has one. The library checks the file,
+// the kernel is given the very bytes that were checked, and its verdict counts; then the stored
+// versions are read back and compared with the file's. The driver decides what becomes of a write
+// that fails in the middle, so an update here is not all or nothing: beginUpdate() keeps others of
+// this process away, and writeFlash() writes at once. Boot types and a record of what is installed
+// are not offered by drivers.
 
 #ifndef ORVEX_MIDAPI_KERNEL_KERNELFLASHBACKEND_H_
 #define ORVEX_MIDAPI_KERNEL_KERNELFLASHBACKEND_H_
@@ -44,6 +44,7 @@ class KernelFlashBackend final : public FlashBackend {
   bool hasAdapter(const AdapterAddress& adapter) override;
   utils::StringArray enumerateAdapters() override;
   AdapterList list() override;
+  std::vector<std::string> interruptedWrites() override;
   bool isUpdatable(const PortId& port) override;
   std::vector<utils::FirmwareVersionInfo> installedFirmware(const PortId& port) override;
   std::vector<FirmwareVersions> firmwareVersions(const PortId& port) override;

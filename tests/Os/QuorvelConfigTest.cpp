@@ -243,6 +243,47 @@ TEST_F(QuorvelConfig, ReportsASizeOfTheLargestImageThatNoFileHasOnce) {
   }
 }
 
+TEST_F(QuorvelConfig, TakesTheSettingsOfTheFlashLibrary) {
+  EXPECT_EQ(m_config.getFlashSettings(), utils::FlashSettings());
+  write({{"Adapters", " kernel "},
+         {"TrustDriverCheck", "mlx5_core  bnxt_en"},
+         {"FirmwareFolder", "/srv/firmware"}});
+  utils::FlashSettings expected;
+  expected.hasVirtualAdapters = false;
+  expected.trustedDrivers = {"mlx5_core", "bnxt_en"};
+  expected.firmwareFolder = "/srv/firmware";
+  EXPECT_EQ(m_config.getFlashSettings(), expected);
+  EXPECT_EQ(utils::QuorvelConfig::currentFlashSettings(), expected);
+
+  write({{"Adapters", "virtual"}});
+  EXPECT_FALSE(m_config.getFlashSettings().hasKernelAdapters);
+  EXPECT_TRUE(m_config.getFlashSettings().hasVirtualAdapters);
+  write({{"Adapters", "virtual kernel"}});
+  EXPECT_EQ(m_config.getFlashSettings(), utils::FlashSettings());
+}
+
+TEST_F(QuorvelConfig, ReportsSettingsOfTheFlashLibraryThatItCannotUseOnce) {
+  const LogCapture log;
+  const auto problems = [&](const char* name, const char* value) {
+    log.clear();
+    write({{name, value}});
+    for (int i = 0; i < 2; ++i) {
+      EXPECT_EQ(m_config.getFlashSettings(), utils::FlashSettings());
+    }
+    return log.messages("utils::QuorvelConfig::getFlashSettings");
+  };
+
+  EXPECT_THAT(
+      problems("Adapters", "kernel real"),
+      ElementsAre(testing::EndsWith("Adapters is ignored: 'real' is neither kernel nor virtual")));
+  EXPECT_THAT(
+      problems("Adapters", " "),
+      ElementsAre(testing::EndsWith("Adapters is ignored: it names neither kernel nor virtual")));
+  EXPECT_THAT(problems("FirmwareFolder", "lib/firmware"),
+              ElementsAre(testing::EndsWith(
+                  "FirmwareFolder is ignored: 'lib/firmware' does not begin with /")));
+}
+
 TEST_F(QuorvelConfig, SaysHowMuchTooLargeAnImageIs) {
   write({{"MaxImageSize", 4096U}});
 

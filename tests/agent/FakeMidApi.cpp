@@ -108,6 +108,8 @@ namespace ma {
 
 using test::FakeMidApi;
 
+void useSettings(SettingsReader /*reader*/) {}
+
 utils::StringArray enumerateAdapters() {
   FakeMidApi::current().note("enumerateAdapters");
   return FakeMidApi::current().adapters;
@@ -171,6 +173,12 @@ PrepareStatus prepareFlashImage(const std::string& adapter, const std::uint8_t* 
   std::copy(prepared.begin(), prepared.end(), image);
   imageSize = static_cast<std::uint32_t>(prepared.size());
   return fake.prepareStatus;
+}
+
+std::string explainFlashImage(const std::string& /*adapter*/, const std::uint8_t* /*file*/,
+                              std::uint32_t /*fileSize*/,
+                              const std::vector<utils::FirmwareType>& /*types*/) {
+  return FakeMidApi::current().reason;
 }
 
 bool writeFlashImage(const std::string& adapter, const std::uint8_t* image, std::uint32_t imageSize,

@@ -43,6 +43,8 @@ class ORVEX_MIDAPI_API FakeMidApi {
   std::set<std::string> fixedAdapters;
   std::vector<utils::FirmwareVersionInfo> installed;
   ma::PrepareStatus prepareStatus = ma::PrepareStatus::Ok;
+  // Why a file is refused.
+  std::string reason;
   // What preparation makes of a file; nothing: the file as it is.
   std::optional<std::vector<std::uint8_t>> prepared;
   Answer writeAnswer;

@@ -141,6 +141,22 @@ TEST_F(ImageVerification, LogsItsSteps) {
               test::HasRecordOf(kSource, LogLevel::Debug, kCheck, "Start preparing the image"));
 }
 
+TEST_F(ImageVerification, LogsWhyAFileIsRefusedWhereTheStatusDoesNotSay) {
+  m_midApi.reason = "fw.undi 1.0.0 is older than 1.1.0, which the adapter has stored; 100%";
+  static_cast<void>(check());
+  EXPECT_THAT(m_log.records(test::LogSink::EventLog), IsEmpty());
+
+  m_midApi.prepareStatus = ma::PrepareStatus::Downgrade;
+  EXPECT_THAT(checking(), testing::Throws<EDowngradeDetected>());
+  EXPECT_THAT(m_log.records(test::LogSink::EventLog),
+              ElementsAre(test::IsRecord(LogLevel::Error, kCheck, m_midApi.reason)));
+
+  m_log.clear();
+  m_midApi.reason.clear();
+  EXPECT_THAT(checking(), testing::Throws<EDowngradeDetected>());
+  EXPECT_THAT(m_log.records(test::LogSink::EventLog), IsEmpty());
+}
+
 TEST_F(ImageVerification, KeepsTheTargetInProgressForTheLifeOfItsResult) {
   {
     const agent::VerifiedImage image = check();

@@ -52,6 +52,27 @@ TEST_F(HostAdaptersTest, HaveTheirPortsAndWhatIsInstalled) {
   EXPECT_THAT(adapters[1].components, IsEmpty());
 }
 
+TEST_F(HostAdaptersTest, HaveWhatRunsAndWhatIsStored) {
+  test::FakeDevice& adapter = m_inventory.addAdapter("0000:03:00");
+  const auto tell = [&](const char* part, const char* version, const char* relation) {
+    test::FakeIdentity& software = m_inventory.addComponent(std::string("0000:03:00/") + part);
+    software.InstanceID.setValue(std::string("Orvex:") + relation + part);
+    software.VersionString.setValue(version);
+    m_inventory.compare(software, adapter, relation);
+  };
+  tell("fw.undi", "1.0.0", "running");
+  tell("fw.undi", "1.1.0", "stored");
+  tell("fw.mgmt", "7.1.0", "running");
+  const std::vector<client::HostAdapter> adapters = client::readHostAdapters(m_connection);
+  ASSERT_THAT(adapters, SizeIs(1));
+  EXPECT_THAT(adapters[0].components, IsEmpty());
+  std::vector<std::string> told;
+  for (const auto& [name, running, stored] : adapters[0].versions) {
+    told.push_back(name + " " + running + ">" + stored);
+  }
+  EXPECT_THAT(told, ElementsAre("fw.undi 1.0.0>1.1.0", "fw.mgmt 7.1.0>"));
+}
+
 TEST_F(HostAdaptersTest, AreNoneWhereThereIsNone) {
   EXPECT_THAT(client::readHostAdapters(m_connection), IsEmpty());
 }

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "inventory/Orvex_EthernetPortClass.h"
@@ -41,6 +42,30 @@ TEST_F(PortControllerClass, ServesAControllerForEachAdapter) {
     identities.push_back(controller->DeviceID.getValue());
   }
   EXPECT_THAT(identities, ElementsAre("0000:03:00", "0000:04:00"));
+}
+
+std::vector<std::string> interruptions;
+std::vector<std::string> findInterruptions() {
+  return interruptions;
+}
+
+TEST_F(PortControllerClass, ReportsWhatBecameOfInterruptedWritesOnce) {
+  Orvex_PortControllerClass provider(findInterruptions);
+  const auto recordsOf = [&](std::vector<std::string> found) {
+    interruptions = std::move(found);
+    m_log.clear();
+    enumerate<Orvex_PortController>(provider);
+    std::vector<std::string> texts;
+    for (const test::LogRecord& record : m_log.records(test::LogSink::EventLog)) {
+      texts.push_back(record.message);
+    }
+    return texts;
+  };
+
+  EXPECT_THAT(recordsOf({"0000:03:00: 100% unknown"}), ElementsAre("0000:03:00: 100% unknown"));
+  EXPECT_THAT(recordsOf({"0000:03:00: 100% unknown", "another"}), ElementsAre("another"));
+  EXPECT_THAT(recordsOf({}), testing::IsEmpty());
+  EXPECT_THAT(recordsOf({"another"}), ElementsAre("another"));
 }
 
 TEST_F(PortControllerClass, KnowsThePortsOfItsControllers) {

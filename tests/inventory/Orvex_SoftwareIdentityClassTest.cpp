@@ -100,6 +100,36 @@ TEST_F(SoftwareIdentityClass, DescribesAnInstalledComponent) {
   EXPECT_TRUE(component.IdentityInfoValue.isNull());
 }
 
+std::vector<ma::FirmwareVersions> readVersions(const std::string& port) {
+  if (port != "0000:03:00.0") {
+    return {};
+  }
+  return {{"fw.undi", "1.0.0", "1.1.0"}, {"fw.mgmt", "7.1.0", ""}};
+}
+
+TEST_F(SoftwareIdentityClass, HasWhatADriverSaysIsRunningAndStored) {
+  m_adapters.makeAdapter(kAdapter, RomBuilder().add(RomImage::efi()).build());
+  m_adapters.makeAdapter(kOtherAdapter, RomBuilder().add(RomImage::efi()).build());
+  Orvex_SoftwareIdentityClass provider(m_files, readVersions);
+  std::vector<std::string> told;
+  for (const auto* software : enumerate<AdapterSoftware>(provider)) {
+    told.push_back(software->InstanceID.getValue() + " " + software->VersionString.getValue() +
+                   " " + std::string(software->getRelation()) + " on " + software->getAdapter());
+  }
+
+  EXPECT_THAT(told,
+              ElementsAre("Orvex:InstalledFirmware:0000:03:00/0 1.0 installed on 0000:03:00",
+                          "Orvex:RunningFirmware:0000:03:00/fw.undi 1.0.0 running on 0000:03:00",
+                          "Orvex:StoredFirmware:0000:03:00/fw.undi 1.1.0 stored on 0000:03:00",
+                          "Orvex:RunningFirmware:0000:03:00/fw.mgmt 7.1.0 running on 0000:03:00",
+                          "Orvex:InstalledFirmware:0000:04:00/0 1.0 installed on 0000:04:00"));
+  const AdapterSoftware& stored = *enumerate<AdapterSoftware>(provider).at(2);
+  EXPECT_EQ(stored.getIdentity(), "0000:03:00/fw.undi");
+  EXPECT_EQ(stored.ImageKind.getValue(), 2u);
+  EXPECT_EQ(stored.Caption.getValue(), "Stored fw.undi of adapter 0000:03:00");
+  EXPECT_TRUE(stored.TargetTypes.isNull());
+}
+
 TEST_F(SoftwareIdentityClass, TellsWhatIsBehindASoftware) {
   m_adapters.makeAdapter(kAdapter, firmware(2));
   const std::string path = makeFile("first/image.rom", firmware(3));

@@ -45,15 +45,14 @@ constexpr std::pair<std::string_view, std::string_view> kPurposes[] = {
      "Ethernet ports and one for software update."},
     {"Orvex_SoftwareIdentity",
      "A firmware image that can be installed (`ImageKind` 4: a file in one of the directories of "
-     "`FWFilePath`), or a component that an adapter holds (`ImageKind` 2)."},
+     "`FWFilePath`), or what an adapter holds (`ImageKind` 2): a component in its flash, or a "
+     "version that its driver says is running or stored."},
     {"Orvex_SoftwareIdentityResource",
      "The file of a firmware image. `AccessInfo` is its URI, which `InstallFromURI` takes."},
     {"Orvex_ElementSoftwareIdentity",
-     "What a piece of software is to an adapter. `Comparison` is `installed`, `newer`, `same`, "
-     "`same "
-     "version` (in other bytes), `older`, `other types`, `not updatable` or `unknown`. An image "
-     "that "
-     "is not for an adapter has no association with it."},
+     "What a piece of software is to an adapter. `Comparison` is `installed`, `running`, `stored`, "
+     "`newer`, `same`, `same version` (in other bytes), `older`, `other types`, `not updatable` or "
+     "`unknown`. An image that is not for an adapter has no association with it."},
     {"Orvex_SoftwareInstallationService",
      "The one service through which firmware is updated. Its methods return the codes of "
      "[command-line.md](command-line.md); 4096 means that a job was started."},

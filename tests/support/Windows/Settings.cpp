@@ -13,11 +13,10 @@ struct Place {
   const char* key;  // under the root
   const char* name;
 };
-constexpr Place kPlaces[] = {{"Quorvel", "Timeout"},
-                             {"Quorvel", "Namespace"},
-                             {"RAVL", "OEMCustomizeable"},
-                             {"Quorvel", "FWFilePath"},
-                             {"Quorvel", "MaxImageSize"}};
+constexpr Place kPlaces[] = {{"Quorvel", "Timeout"},          {"Quorvel", "Namespace"},
+                             {"RAVL", "OEMCustomizeable"},    {"Quorvel", "FWFilePath"},
+                             {"Quorvel", "MaxImageSize"},     {"Quorvel", "Adapters"},
+                             {"Quorvel", "TrustDriverCheck"}, {"Quorvel", "FirmwareFolder"}};
 
 }  // namespace
 
