@@ -1,6 +1,7 @@
 #include "midapi/Kernel/FlashJournal.h"
 
 #include <cstddef>
+#include <exception>
 #include <limits>
 #include <string>
 #include <string_view>
@@ -75,6 +76,12 @@ std::optional<FlashEntry> readEntry(FileSystem& files, const std::filesystem::pa
   }
 }
 
+[[noreturn]] void failToKeep(const std::exception& fault) {
+  throw FlashFault(
+      FlashError::InputOutput,
+      std::string("no record of the update can be kept, so it has not begun: ") + fault.what());
+}
+
 }  // namespace
 
 FlashJournal::Claim::Claim(FileSystem& files, std::filesystem::path entry,
@@ -91,9 +98,9 @@ void FlashJournal::Claim::enter(const FlashEntry& entry) const {
     replaceContent(*m_files, m_entry,
                    {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
   } catch (const FileFault& fault) {
-    throw FlashFault(FlashError::InputOutput, fault.what());
+    failToKeep(fault);
   } catch (const DescriptionFault& fault) {
-    throw FlashFault(FlashError::InputOutput, fault.what());
+    failToKeep(fault);
   }
 }
 
@@ -123,7 +130,7 @@ FlashJournal::Claim FlashJournal::claim(const AdapterAddress& adapter) const {
                         [&entry](const std::string& name) { return name == entry; });
     return {m_files, entryPath(adapter), std::move(lock)};
   } catch (const FileFault& fault) {
-    throw FlashFault(FlashError::InputOutput, fault.what());
+    failToKeep(fault);
   }
 }
 
