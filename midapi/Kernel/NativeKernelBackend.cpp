@@ -2,7 +2,7 @@
 
 namespace ma {
 
-FlashBackend* kernelBackend(utils::FlashSettings (*/*settings*/)()) {
+FlashBackend* kernelBackend(utils::FlashSettings (* /*settings*/)()) {
   return nullptr;
 }
 
