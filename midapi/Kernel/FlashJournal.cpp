@@ -152,6 +152,14 @@ std::optional<FlashEntry> FlashJournal::entry(const AdapterAddress& adapter) con
   return readEntry(m_files, entryPath(adapter));
 }
 
+bool FlashJournal::hasEntry(const AdapterAddress& adapter) const {
+  try {
+    return m_files.exists(entryPath(adapter));
+  } catch (const FileFault&) {
+    return true;  // whoever reads it says why it cannot be read
+  }
+}
+
 bool FlashJournal::isClaimed(const AdapterAddress& adapter) const {
   return isFileLocked(lockPath(adapter));
 }
