@@ -1,18 +1,15 @@
 #include "cli/Refusal.h"
 
-#include <memory>
 #include <string_view>
 #include <utility>
 
-#include "Os/FileCalls.h"
 #include "Utils/Printable.h"
 #include "Utils/RefusalTexts.h"
 #include "cim/MethodSignatures.h"
+#include "cli/ImageFile.h"
 #include "cli/LocalWords.h"
 #include "client/ErrorRecords.h"
 #include "client/Texts.h"
-#include "platform/FileLook.h"
-#include "platform/Texts.h"
 
 namespace cli {
 namespace {
@@ -119,27 +116,7 @@ std::string findDefect(const std::optional<client::Identity>& identity) {
 
 // Returns what is wrong with the file as such, empty when it is there.
 std::string adviseOnFile(const UpdateRequest& request) {
-  const std::string& path = request.imagePath;
-  if (path.empty() || request.isRemote) {
-    return "";
-  }
-  const auto found = std::make_shared<platform::FileKind>();
-  const os::FileAnswer answer = os::fileCalls().make(
-      path, [found, path] { *found = platform::lookAtFile(platform::toPath(path)).kind; });
-  if (answer != os::FileAnswer::InTime) {
-    return "the file system of '" + path + "' does not answer; try again when it does";
-  }
-  switch (*found) {
-    case platform::FileKind::Missing:
-      return "there is no file '" + path + "'; check the path";
-    case platform::FileKind::Directory:
-      return "'" + path + "' is a directory; name the image file in it";
-    case platform::FileKind::Other:
-      return "'" + path + "' is no regular file; name an image file";
-    case platform::FileKind::Regular:
-      break;
-  }
-  return "";
+  return request.imagePath.empty() || request.isRemote ? "" : findFileFault(request.imagePath);
 }
 
 void explain(std::ostream& err, const char* heading, const std::string& text) {
@@ -217,6 +194,7 @@ void reportRefusal(const Context& context, const std::string& what,
   context.err << "quorvel: " << what << " refused: " << answer.returnValue << ", "
               << answer.returnText << '\n';
   explain(context.err, "reason", findReason(context, answer, request));
+  explain(context.err, "why", request.why);
   explain(context.err, "next", adviseOnRefusal(answer.returnValue, answer.reason, request));
 }
 

@@ -118,6 +118,14 @@ void useSettings(SettingsReader reader) {
   settingsReader.store(reader);
 }
 
+std::vector<AdapterKind> adapterKinds() {
+  std::vector<AdapterKind> kinds;
+  for (const FlashBackend* member : backends()) {
+    kinds.push_back(member == &virtualBackend() ? AdapterKind::Virtual : AdapterKind::Kernel);
+  }
+  return kinds;
+}
+
 utils::StringArray enumerateAdapters() {
   try {
     return backend().enumerateAdapters();

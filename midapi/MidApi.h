@@ -33,6 +33,9 @@ using SettingsReader = utils::FlashSettings (*)();
 // others.
 ORVEX_MIDAPI_API void useSettings(SettingsReader reader);
 
+// Returns which kinds of adapters count now, by the settings, the environment and the platform.
+[[nodiscard]] ORVEX_MIDAPI_API std::vector<AdapterKind> adapterKinds();
+
 // Returns the identifiers of all ports of all adapters, ordered by PCI address.
 [[nodiscard]] ORVEX_MIDAPI_API utils::StringArray enumerateAdapters();
 
