@@ -12,6 +12,7 @@
 #include "platform/Paths.h"
 #include "platform/Texts.h"
 #include "platform/Windows/Handle.h"
+#include "platform/Windows/LastError.h"
 #include "platform/Windows/SystemPath.h"
 
 namespace ma {
@@ -58,7 +59,7 @@ class Folder {
   [[nodiscard]] bool isLink() const {
     BY_HANDLE_FILE_INFORMATION found{};
     if (GetFileInformationByHandle(m_handle.get(), &found) == FALSE) {
-      fail("GetFileInformationByHandle");
+      platform::throwLastError("GetFileInformationByHandle");
     }
     return ((found.dwFileAttributes | m_attributes) & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
   }
@@ -76,16 +77,12 @@ class Folder {
     if (GetKernelObjectSecurity(m_handle.get(), OWNER_SECURITY_INFORMATION, descriptor, size,
                                 &size) == FALSE ||
         GetSecurityDescriptorOwner(descriptor, &sid, &isDefault) == FALSE) {
-      fail("GetKernelObjectSecurity");
+      platform::throwLastError("GetKernelObjectSecurity");
     }
     return identifierOf(sid);
   }
 
  private:
-  [[noreturn]] static void fail(const char* operation) {
-    throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), operation);
-  }
-
   DWORD m_attributes;
   platform::Handle m_handle;
 };
