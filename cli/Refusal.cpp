@@ -184,7 +184,7 @@ std::string findAdvice(std::uint32_t returnValue, const std::string& reason,
   }
   for (const Advice& advice : kAdvice) {
     if (reason.find(advice.reason) != std::string::npos) {
-      return advice.text;
+      return toLocalWords(advice.text);
     }
   }
   if (request.isRemote && reason.empty()) {
@@ -209,7 +209,7 @@ UpdateRequest requestIdentity(const client::Identity& identity, bool isForced,
 
 std::string adviseOnRefusal(std::uint32_t returnValue, const std::string& reason,
                             const UpdateRequest& request) {
-  return toLocalWords(nameProgram(findAdvice(returnValue, reason, request), request.program));
+  return nameProgram(findAdvice(returnValue, reason, request), request.program);
 }
 
 void reportRefusal(const Context& context, const std::string& what,

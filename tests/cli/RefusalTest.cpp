@@ -72,6 +72,12 @@ TEST(RefusalAdvice, LooksAtTheFileFirst) {
   EXPECT_THAT(adviseOnRefusal(2, "EAdapterNotSupported:x", {file}), HasSubstr("another device"));
 }
 
+TEST(RefusalAdvice, LeavesPathsAsTheUserHasThem) {
+  const std::string missing = "C:/tmp/adapters/srv/firmware/firmware.rom";
+  EXPECT_EQ(adviseOnRefusal(5, "EUriDoesNotExist:x", {missing}),
+            "there is no file '" + missing + "'; check the path");
+}
+
 TEST(RefusalAdvice, IsSilentAboutWhatItDoesNotKnow) {
   EXPECT_EQ(adviceFor("something new"), "");
   EXPECT_EQ(adviceFor(""), "");
