@@ -161,7 +161,7 @@ std::string findAdvice(std::uint32_t returnValue, const std::string& reason,
   }
   for (const Advice& advice : kAdvice) {
     if (reason.find(advice.reason) != std::string::npos) {
-      return advice.text;
+      return toLocalWords(advice.text);
     }
   }
   if (request.isRemote && reason.empty()) {
@@ -186,7 +186,7 @@ UpdateRequest requestIdentity(const client::Identity& identity, bool isForced,
 
 std::string adviseOnRefusal(std::uint32_t returnValue, const std::string& reason,
                             const UpdateRequest& request) {
-  return toLocalWords(nameProgram(findAdvice(returnValue, reason, request), request.program));
+  return nameProgram(findAdvice(returnValue, reason, request), request.program);
 }
 
 void reportRefusal(const Context& context, const std::string& what,
@@ -203,9 +203,14 @@ std::string adviseOnFailure(const client::JobReport& job, const client::Connecti
     return nameProgram("'quorvel adapters' shows what the adapter holds now", connection.program());
   }
   if (job.flashHolder.find(refusal::kSemaphoreIsOpenIn) != std::string::npos) {
-    return "wait until the program that updates an adapter is done, then try again. Where none of "
-           "those that are named does, one that has died left the flash taken: end them all, and "
-           "it is free";
+    return std::string(
+               "wait until the program that updates an adapter is done, then try again. Where none "
+               "of those that are named does, one that has died left the flash taken: end them "
+               "all, and it is free") +
+           (job.flashHolder.find(refusal::kMayBeOpenInOthers) != std::string::npos
+                ? " unless others have it open, too; an administrator is shown more of them, and a "
+                  "restart of the machine frees it in any case"
+                : "");
   }
   if (connection.isRemote()) {
     return "the host could not have the flash: another program on its machine had it for longer "

@@ -76,13 +76,17 @@ ImageComparison ChainFlashBackend::compare(const PortId& port, ConstBytes file) 
   return compareImages(facts(port), image.view().first(preparation.filled), readFlash(port).view());
 }
 
+std::uint64_t ChainFlashBackend::digestFlash(const PortId& port) {
+  return digestOf(readFlash(port).view());
+}
+
 std::uint64_t ChainFlashBackend::digest(const PortId& port) {
   const AdapterFacts adapter = facts(port);
   const auto low = [](int number) { return static_cast<std::uint8_t>(number & 0xFF); };
   const std::uint8_t decisive[] = {low(adapter.vendor), low(adapter.vendor >> 8),
                                    low(adapter.device), low(adapter.device >> 8),
                                    low(adapter.isUpdatable ? 1 : 0)};
-  return digestOf(decisive, digestOf(readFlash(port).view()));
+  return digestOf(decisive, digestFlash(port));
 }
 
 void ChainFlashBackend::recordInstalled(const PortId& port,

@@ -18,6 +18,7 @@
 #include "midapi/AdapterId.h"
 #include "midapi/Kernel/DevlinkMessages.h"
 #include "midapi/Kernel/PciFunctions.h"
+#include "midapi/Kernel/SharedBytes.h"
 
 namespace ma {
 
@@ -41,14 +42,17 @@ struct DriverQuestion {
 // The bytes of a file, or why there are none.
 struct FileAnswer {
   int error = 0;  // 0, or an errno value
-  std::vector<std::uint8_t> bytes;
+  SharedBytes bytes;
 };
 
 struct DriverAnswer {
+  // 0, or an errno value: why the driver could not be asked at all; all else is empty then.
+  int error = 0;
   // The driver has not answered in time, and goes on; all else is empty then.
   bool isAway = false;
-  std::optional<DevlinkInfo> devlink;  // nothing: the driver has no devlink
-  std::optional<DriverInfo> info;      // nothing: no interface, or it does not say
+  // Nothing: the driver has no devlink. Empty: it has, and does not say.
+  std::optional<DevlinkInfo> devlink;
+  std::optional<DriverInfo> info;  // nothing: no interface, or it does not say
   FileAnswer vpd;
   FileAnswer rom;
 };
@@ -60,8 +64,8 @@ class DriverCalls {
   DriverCalls& operator=(const DriverCalls&) = delete;
   virtual ~DriverCalls() = default;
 
-  // Returns an answer for each question, in their order. Fails in no way: what cannot be asked has
-  // not answered.
+  // Returns an answer for each question, in their order. Fails in no way: an answer says why there
+  // is none.
   [[nodiscard]] virtual std::vector<DriverAnswer> ask(
       std::span<const DriverQuestion> questions) = 0;
 
@@ -73,8 +77,8 @@ class DriverCalls {
       const PortId& function, const std::string& file, const std::string& component,
       const std::function<void(const DevlinkFlashEvent&)>& onEvent) = 0;
 
-  // The same by ETHTOOL_FLASHDEV, which tells nothing meanwhile. Its 0 says nothing of a driver that
-  // is not known to have the function: the kernel answers so for every driver that lacks it.
+  // The same by ETHTOOL_FLASHDEV, which tells nothing meanwhile. Its 0 says nothing of a driver
+  // that is not known to have the function: the kernel answers so for every driver that lacks it.
   [[nodiscard]] virtual NetlinkAck flashByEthtool(const std::string& interface,
                                                   const std::string& file) = 0;
 

@@ -12,6 +12,7 @@
 #include "midapi/FieldReader.h"
 #include "midapi/FlashBackend.h"
 #include "midapi/Hex.h"
+#include "midapi/Kernel/FileLockTable.h"
 #include "midapi/TemporaryFiles.h"
 #include "platform/Texts.h"
 
@@ -49,12 +50,14 @@ FlashEntry parseEntry(std::string_view text) {
   entry.digest = fields.digest("digest");
   entry.before = readVersions(fields, "before");
   entry.expected = readVersions(fields, "expected");
+  entry.running = readVersions(fields, "running");
   return entry;
 }
 
 std::string formatEntry(const FlashEntry& entry) {
   return formatJson(Json{{"size", entry.size},
                          {"digest", hexText(entry.digest, kDigestDigits)},
+                         {"running", toJson(entry.running)},
                          {"before", toJson(entry.before)},
                          {"expected", toJson(entry.expected)}});
 }
@@ -147,6 +150,18 @@ std::optional<FlashJournal::Claim> FlashJournal::tryClaim(const AdapterAddress& 
 
 std::optional<FlashEntry> FlashJournal::entry(const AdapterAddress& adapter) const {
   return readEntry(m_files, entryPath(adapter));
+}
+
+bool FlashJournal::hasEntry(const AdapterAddress& adapter) const {
+  try {
+    return m_files.exists(entryPath(adapter));
+  } catch (const FileFault&) {
+    return true;  // whoever reads it says why it cannot be read
+  }
+}
+
+bool FlashJournal::isClaimed(const AdapterAddress& adapter) const {
+  return isFileLocked(lockPath(adapter));
 }
 
 std::filesystem::path FlashJournal::lockPath(const AdapterAddress& adapter) const {

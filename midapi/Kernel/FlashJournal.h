@@ -7,6 +7,7 @@
 //
 //   /var/lib/orvex/kernel/0000-03-00.json   the entry, {"size": 80063,
 //                                           "digest": "af63dc4c8601ec8c",
+//                                           "running": {"fw.undi": "1.0.0"},
 //                                           "before": {"fw.undi": "1.0.0"},
 //                                           "expected": {"fw.undi": "1.1.0"}}
 //   /var/lib/orvex/kernel/0000-03-00.lock   the writer's lock
@@ -28,10 +29,11 @@
 namespace ma {
 
 struct FlashEntry {
-  std::uint64_t size = 0;              // bytes of what is written
-  std::uint64_t digest = 0;            // FNV-1a of it
-  std::vector<NamedVersion> before;    // the stored versions until then
-  std::vector<NamedVersion> expected;  // those that the file holds; none where it does not say
+  std::uint64_t size = 0;               // bytes of what is written
+  std::uint64_t digest = 0;             // FNV-1a of it
+  std::vector<NamedVersion> before;     // the stored versions until then
+  std::vector<NamedVersion> expected;   // those that the file holds; none where it does not say
+  std::vector<NamedVersion> running{};  // until then, for who can ask nobody meanwhile
 
   friend bool operator==(const FlashEntry&, const FlashEntry&) = default;
 };
@@ -74,6 +76,13 @@ class FlashJournal {
   // Returns the adapter's entry, whoever may have made it: a flash that is under way, or one whose
   // outcome is unknown.
   [[nodiscard]] std::optional<FlashEntry> entry(const AdapterAddress& adapter) const;
+  // Returns whether there is one, be it readable or not.
+  [[nodiscard]] bool hasEntry(const AdapterAddress& adapter) const;
+
+  // Returns whether somebody has the right to write the adapter: then the writer of its entry
+  // lives. Needs no right, and disturbs nobody. False, too, where it cannot be told (see
+  // FileLockTable.h).
+  [[nodiscard]] bool isClaimed(const AdapterAddress& adapter) const;
 
  private:
   [[nodiscard]] std::filesystem::path lockPath(const AdapterAddress& adapter) const;

@@ -2,16 +2,20 @@
 //
 // What sysfs says is read at each look. What the drivers say is asked for all adapters at once, and
 // is a second old at the most; option ROMs and VPD are read once for as long as a function is
-// plugged in. An adapter whose flash is being written is not asked, nor is one that has not answered
-// before it does: of those, what was last known is told, at once. Any thread may call.
+// plugged in. An adapter whose flash is being written is not asked, nor is one that has not
+// answered before it does: of those, what was last known is told, at once; who was never answered
+// is told what the writer has noted in the journal. Any thread may call; none waits for a driver
+// that another one has asked.
 
 #ifndef ORVEX_MIDAPI_KERNEL_KERNELADAPTERS_H_
 #define ORVEX_MIDAPI_KERNEL_KERNELADAPTERS_H_
 
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "midapi/AdapterId.h"
@@ -25,7 +29,8 @@ namespace ma {
 
 struct KernelFunction {
   PciFunction pci;
-  DriverAnswer answer;  // the last one there is
+  // The last one there is; its error is why the driver could not be asked just now.
+  DriverAnswer answer;
 };
 
 struct KernelAdapter {
@@ -42,15 +47,75 @@ class KernelAdapters {
   // Referents outlive the object. `sysfs` is /sys, or a folder that stands for it.
   KernelAdapters(std::filesystem::path sysfs, DriverCalls& drivers, const FlashJournal& journal,
                  platform::Clock& clock);
+  KernelAdapters(const KernelAdapters&) = delete;
+  KernelAdapters& operator=(const KernelAdapters&) = delete;
+  ~KernelAdapters();
 
   // Returns the functions that there are, ordered by address; asks no driver.
   [[nodiscard]] std::vector<PciFunction> functions() const;
   // Return the adapters, ordered by address; one of them, nothing where there is none.
   [[nodiscard]] std::vector<KernelAdapter> all();
   [[nodiscard]] std::optional<KernelAdapter> find(const AdapterAddress& address);
+  // The same for the one who has the right to write the adapter: the drivers are asked now,
+  // whatever the journal says. It is being written where they do not answer.
+  [[nodiscard]] std::optional<KernelAdapter> findForWriter(const AdapterAddress& address);
 
   // Something has changed: the next one who wants to know of the adapter asks its driver.
   void forget(const AdapterAddress& address);
+
+ private:
+  enum class Asker { Reader, Writer };
+
+  // A function, from when it is plugged in until it is unplugged.
+  struct Plug {
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;  // sysfs gives none a second time
+    PciIds ids;
+
+    friend bool operator==(const Plug&, const Plug&) = default;
+  };
+
+  // What is known of a function. Looks are numbered: of two that go on at the same time, what the
+  // later one has learnt counts.
+  struct Known {
+    Plug plug;
+    std::string driver;
+    DriverAnswer answer;  // the last one; its VPD and option ROM, the first one
+    bool hasAnswered = false;
+    bool isAway = false;
+    bool hasVpd = false;
+    bool hasRom = false;
+    platform::Clock::TimePoint fresh;  // until then
+    std::uint64_t changes = 0;         // how often it was to be forgotten
+    std::uint64_t seenBy = 0;
+    std::uint64_t askedBy = 0;
+  };
+
+  struct Subject;
+  struct Look;
+
+  [[nodiscard]] std::optional<KernelAdapter> findFor(const AdapterAddress& address, Asker asker);
+  // The steps of a look at all adapters, or at one.
+  [[nodiscard]] Look begin(const AdapterAddress* wanted, Asker asker);
+  void choose(Look& look);
+  void ask(Look& look);
+  [[nodiscard]] std::vector<KernelAdapter> tell(Look& look);
+
+  // Returns the entry that somebody's journal has of the adapter, be the writer alive or not.
+  [[nodiscard]] std::optional<FlashEntry> entryOf(const AdapterAddress& adapter) const;
+  // Returns what is known of the function; null where a later look has seen another one there.
+  Known* recognise(const Subject& subject, std::uint64_t look) ORVEX_REQUIRES(m_mutex);
+  void note(const Subject& subject, DriverAnswer answer, std::uint64_t look)
+      ORVEX_REQUIRES(m_mutex);
+
+  const std::filesystem::path m_sysfs;
+  DriverCalls& m_drivers;
+  const FlashJournal& m_journal;
+  platform::Clock& m_clock;
+
+  platform::Mutex m_mutex;
+  std::uint64_t m_looks ORVEX_GUARDED_BY(m_mutex) = 0;
+  std::map<PortId, Known> m_known ORVEX_GUARDED_BY(m_mutex);
 };
 
 }  // namespace ma

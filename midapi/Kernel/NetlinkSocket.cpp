@@ -1,11 +1,13 @@
 #include "midapi/Kernel/NetlinkSocket.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstddef>
 #include <libmnl/libmnl.h>
 #include <linux/netlink.h>
 #include <poll.h>
+#include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <system_error>
 
@@ -19,16 +21,16 @@ constexpr std::size_t kLargestDatagram = 32768;
   throw std::system_error(errno, std::generic_category(), tried);
 }
 
-// A signal that is handled meanwhile is not the end of the wait.
-bool isReadable(int socket, std::chrono::milliseconds patience) {
-  const auto end = std::chrono::steady_clock::now() + patience;
+// A signal that is handled meanwhile is not the end of the wait; the event `end` is.
+bool isReadable(int socket, int end, std::chrono::milliseconds patience) {
+  const auto moment = std::chrono::steady_clock::now() + patience;
   for (;;) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(
-        std::max(end - std::chrono::steady_clock::now(), std::chrono::nanoseconds(0)));
-    pollfd awaited{socket, POLLIN, 0};
-    const int ready = ::poll(&awaited, 1, static_cast<int>(left.count()));
+        std::max(moment - std::chrono::steady_clock::now(), std::chrono::nanoseconds(0)));
+    std::array<pollfd, 2> awaited{{{socket, POLLIN, 0}, {end, POLLIN, 0}}};
+    const int ready = ::poll(awaited.data(), awaited.size(), static_cast<int>(left.count()));
     if (ready >= 0) {
-      return ready > 0;
+      return awaited[0].revents != 0;
     }
     if (errno != EINTR) {
       fail("cannot wait for the kernel");
@@ -42,8 +44,9 @@ void NetlinkSocket::Closer::operator()(mnl_socket* socket) const {
   mnl_socket_close(socket);
 }
 
-NetlinkSocket::NetlinkSocket() : m_socket(mnl_socket_open2(NETLINK_GENERIC, SOCK_CLOEXEC)) {
-  if (m_socket == nullptr) {
+NetlinkSocket::NetlinkSocket()
+    : m_socket(mnl_socket_open2(NETLINK_GENERIC, SOCK_CLOEXEC)), m_end(::eventfd(0, EFD_CLOEXEC)) {
+  if (m_socket == nullptr || !m_end.isOpen()) {
     fail("cannot open a netlink socket");
   }
   // A kernel that knows none of the two says less, and that is no failure.
@@ -70,7 +73,7 @@ void NetlinkSocket::send(std::span<const std::uint8_t> message) {
 
 std::optional<std::vector<std::uint8_t>> NetlinkSocket::receive(
     std::chrono::milliseconds patience) {
-  if (!isReadable(mnl_socket_get_fd(m_socket.get()), patience)) {
+  if (!isReadable(mnl_socket_get_fd(m_socket.get()), m_end.get(), patience)) {
     return std::nullopt;
   }
   std::vector<std::uint8_t> datagram(kLargestDatagram);
@@ -83,6 +86,10 @@ std::optional<std::vector<std::uint8_t>> NetlinkSocket::receive(
   }
   datagram.resize(static_cast<std::size_t>(size));
   return datagram;
+}
+
+void NetlinkSocket::endWaiting() {
+  static_cast<void>(::eventfd_write(m_end.get(), 1));
 }
 
 }  // namespace ma

@@ -13,6 +13,8 @@
 #include <span>
 #include <vector>
 
+#include "platform/Posix/Descriptor.h"
+
 struct mnl_socket;
 
 namespace ma {
@@ -29,10 +31,13 @@ class NetlinkSocket {
   // The answer waits to be received.
   void send(std::span<const std::uint8_t> message);
 
-  // Returns the next datagram; nothing when none comes in time, or where the kernel has lost some
-  // since nobody had received them for too long.
+  // Returns the next datagram; nothing when none comes in time, where nobody waits any more, or
+  // where the kernel has lost some since nobody had received them for too long.
   [[nodiscard]] std::optional<std::vector<std::uint8_t>> receive(
       std::chrono::milliseconds patience);
+
+  // From now on receive() returns what is there, and waits no longer. Any thread may call.
+  void endWaiting();
 
  private:
   struct Closer {
@@ -40,6 +45,7 @@ class NetlinkSocket {
   };
 
   std::unique_ptr<mnl_socket, Closer> m_socket;
+  platform::Descriptor m_end;  // an event, once nobody waits any more
 };
 
 }  // namespace ma

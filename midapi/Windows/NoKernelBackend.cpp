@@ -3,7 +3,7 @@
 namespace ma {
 
 // docs/adapters.md says what one would have to offer.
-FlashBackend* kernelBackend(utils::FlashSettings (*/*settings*/)()) {
+FlashBackend* kernelBackend(utils::FlashSettings (* /*settings*/)()) {
   return nullptr;
 }
 

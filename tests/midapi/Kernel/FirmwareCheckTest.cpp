@@ -127,7 +127,7 @@ TEST_F(FirmwareCheck, RefusesADamagedPackage) {
   EXPECT_THAT(prepare(file), Refuses(PrepareStatus::InvalidImage,
                                      StartsWith("the firmware package is damaged: components[1]")));
   EXPECT_THAT(prepare(package("1.1.0", "7.2.0").breakField("headerChecksum", 1)),
-              Refuses(PrepareStatus::InvalidImage, HasSubstr("checksum")));
+              Refuses(PrepareStatus::InvalidImage, HasSubstr("headerChecksum")));
   EXPECT_THAT(m_prepared, IsEmpty());
 }
 

@@ -25,7 +25,8 @@ FlashEntry twoComponents() {
   return {80063,
           0xAF63DC4C8601EC8C,
           {{"fw.undi", "1.0.0"}, {"fw.mgmt", "7.1.0"}},
-          {{"fw.undi", "1.1.0"}, {"fw.mgmt", "7.2.0"}}};
+          {{"fw.undi", "1.1.0"}, {"fw.mgmt", "7.2.0"}},
+          {{"fw.undi", "0.9.0"}}};
 }
 
 class FlashJournalTest : public testing::Test {
@@ -54,6 +55,8 @@ TEST_F(FlashJournalTest, HasAnEntryForAsLongAsTheOutcomeIsUnknown) {
     claim.enter(twoComponents());
     EXPECT_THAT(m_journal.entry(kAdapter), Optional(twoComponents()));
     EXPECT_FALSE(m_journal.entry(kOther));
+    EXPECT_TRUE(m_journal.hasEntry(kAdapter));
+    EXPECT_FALSE(m_journal.hasEntry(kOther));
     claim.clear();
     EXPECT_FALSE(m_journal.entry(kAdapter));
     claim.enter(twoComponents());
@@ -72,6 +75,17 @@ TEST_F(FlashJournalTest, LetsOneWriteAnAdapterAtATime) {
     EXPECT_TRUE(m_journal.tryClaim(kOther));
   }
   EXPECT_TRUE(m_journal.tryClaim(kAdapter));
+}
+
+TEST_F(FlashJournalTest, TellsWhetherTheWriterLivesWithoutAskingIt) {
+  EXPECT_FALSE(m_journal.isClaimed(kAdapter));
+  {
+    const FlashJournal::Claim claim = m_journal.claim(kAdapter);
+    EXPECT_TRUE(m_journal.isClaimed(kAdapter));
+    EXPECT_FALSE(m_journal.isClaimed(kOther));
+    claim.enter(twoComponents());
+  }
+  EXPECT_FALSE(m_journal.isClaimed(kAdapter));
 }
 
 TEST_F(FlashJournalTest, IsEmptyWhereNothingWasEverWritten) {
@@ -99,10 +113,12 @@ TEST_F(FlashJournalTest, SweepsAwayWhatAWriterThatWasKilledLeft) {
 
 TEST_F(FlashJournalTest, NamesAnEntryThatIsNone) {
   for (const char* text :
-       {"x", "{}", R"({"size": 1, "digest": "0", "before": {}, "expected": {}})",
-        R"({"size": 1, "digest": "af63dc4c8601ec8c", "before": [], "expected": {}})",
-        R"({"size": 1, "digest": "af63dc4c8601ec8c", "before": {"fw": 1},
-                               "expected": {}})"}) {
+       {"x", "{}", R"({"size": 1, "digest": "0", "before": {}, "expected": {}, "running": {}})",
+        R"({"size": 1, "digest": "af63dc4c8601ec8c", "before": {}, "expected": {}})",
+        R"({"size": 1, "digest": "af63dc4c8601ec8c", "before": [], "expected": {},
+            "running": {}})",
+        R"({"size": 1, "digest": "af63dc4c8601ec8c", "before": {"fw": 1}, "expected": {},
+            "running": {}})"}) {
     m_directory.write("kernel/0000-03-00.json", std::string(text));
     EXPECT_THAT(failureOf([&] { static_cast<void>(m_journal.entry(kAdapter)); }),
                 AllOf(HasSubstr("0000-03-00.json is no entry of a flash"),

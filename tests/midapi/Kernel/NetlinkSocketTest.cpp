@@ -43,6 +43,15 @@ TEST(NetlinkSocket, WaitsNoLongerThanItIsTold) {
   EXPECT_FALSE(socket.receive(milliseconds(1)));
 }
 
+TEST(NetlinkSocket, GivesWhatIsThereWhenNobodyWaitsAnyMore) {
+  NetlinkSocket socket;
+  socket.send(ma::makeFamilyRequest(kSequence));
+  socket.endWaiting();
+  EXPECT_TRUE(socket.receive(milliseconds(0)));
+  while (socket.receive(std::chrono::hours(1))) {
+  }
+}
+
 TEST(NetlinkSocket, SaysWhyItCannotJoin) {
   NetlinkSocket socket;
   try {

@@ -1,0 +1,209 @@
+#include "midapi/Kernel/AskingChild.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <memory>
+#include <poll.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+namespace ma {
+namespace {
+
+using platform::Descriptor;
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+// No errand takes more.
+constexpr std::size_t kMostBytes = 2 * kMaxRom;
+
+// No handler of this program runs between a fork and the child's own settings.
+class BlockedSignals {
+ public:
+  BlockedSignals() {
+    sigset_t all;
+    ::sigfillset(&all);
+    ::pthread_sigmask(SIG_SETMASK, &all, &m_before);
+  }
+  BlockedSignals(const BlockedSignals&) = delete;
+  BlockedSignals& operator=(const BlockedSignals&) = delete;
+  ~BlockedSignals() { ::pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+
+ private:
+  sigset_t m_before{};
+};
+
+[[noreturn]] void fail(const char* tried) {
+  throw std::system_error(errno, std::generic_category(), tried);
+}
+
+// ---- in the child: system calls alone
+
+void closeFrom(unsigned first) {
+  if (::syscall(SYS_close_range, first, ~0U, 0U) == 0) {
+    return;
+  }
+  rlimit open{};
+  constexpr rlim_t kMost = rlim_t{1} << 20;
+  const rlim_t end =
+      ::getrlimit(RLIMIT_NOFILE, &open) == 0 ? std::min(open.rlim_cur, kMost) : kMost;
+  for (rlim_t number = first; number < end; ++number) {
+    ::close(static_cast<int>(number));
+  }
+}
+
+void resetSignals() {
+  struct sigaction standard {};
+  standard.sa_handler = SIG_DFL;
+  for (int signal = 1; signal < NSIG; ++signal) {
+    ::sigaction(signal, &standard, nullptr);
+  }
+  sigset_t none;
+  ::sigemptyset(&none);
+  ::sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+// A child that is held up keeps nothing busy: no socket, no terminal, no file system.
+[[noreturn]] void beTheChild(int socket, ErrandRoom& room) {
+  if (::dup2(socket, 0) != 0) {
+    ::_exit(1);
+  }
+  closeFrom(1);
+  static_cast<void>(::chdir("/"));
+  ::prctl(PR_SET_NAME, "quorvel-asks");
+  resetSignals();
+  serveErrands(0, room);
+  ::_exit(0);
+}
+
+// Its parent, which ends at once: init takes the child over, and buries it.
+[[noreturn]] void beTheParent(int socket, ErrandRoom& room, const Forks& forks) {
+  const int child = forks.inChild();
+  if (child == 0) {
+    beTheChild(socket, room);
+  }
+  if (child < 0) {
+    // The exit status may be somebody else's to look at; the socket is ours.
+    const ReplyHead head{0, errno, 1};
+    static_cast<void>(::send(socket, &head, sizeof head, MSG_NOSIGNAL));
+  }
+  ::_exit(0);
+}
+
+// ---- here
+
+// Returns the error of the child's fork, which is said in the place of a reply.
+int awaitParent(int process, int socket) {
+  while (::waitpid(process, nullptr, 0) < 0 && errno == EINTR) {
+  }
+  ReplyHead head;
+  return ::recv(socket, &head, sizeof head, MSG_DONTWAIT) == sizeof head ? head.error : 0;
+}
+
+}  // namespace
+
+std::vector<std::uint8_t> ErrandReply::bytes() const {
+  std::size_t size = 0;
+  for (const auto& piece : pieces) {
+    size += piece.size();
+  }
+  std::vector<std::uint8_t> all;
+  all.reserve(size);
+  for (const auto& piece : pieces) {
+    all.insert(all.end(), piece.begin(), piece.end());
+  }
+  return all;
+}
+
+AskingChild::AskingChild(const Forks& forks) {
+  const auto room = std::make_unique<ErrandRoom>();
+  int ends[2];
+  if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) != 0) {
+    fail("cannot make a socket for a child process");
+  }
+  m_socket = Descriptor(ends[0]);
+  const Descriptor its(ends[1]);
+  int process = 0;
+  {
+    const BlockedSignals blocked;
+    process = forks.here();
+    if (process == 0) {
+      beTheParent(its.get(), *room, forks);
+    }
+  }
+  if (process < 0) {
+    fail("cannot start a child process");
+  }
+  if (const int error = awaitParent(process, m_socket.get()); error != 0) {
+    errno = error;
+    fail("cannot start a child process");
+  }
+}
+
+void AskingChild::send(Errand errand, std::span<const std::uint8_t> bytes) {
+  m_reply = {};
+  m_size = 0;
+  const ErrandHead head{errand};
+  std::vector<std::uint8_t> packet(sizeof head + bytes.size());
+  std::memcpy(packet.data(), &head, sizeof head);
+  std::copy(bytes.begin(), bytes.end(), packet.begin() + sizeof head);
+  // The child waits for it, so there is room.
+  const bool isSent = ::send(m_socket.get(), packet.data(), packet.size(),
+                             MSG_NOSIGNAL | MSG_DONTWAIT) == static_cast<ssize_t>(packet.size());
+  m_state = isSent ? State::Waiting : State::Ended;
+}
+
+void AskingChild::dismiss() {
+  ::shutdown(m_socket.get(), SHUT_WR);
+}
+
+AskingChild::State AskingChild::await(milliseconds patience) {
+  auto end = steady_clock::now() + patience;
+  while (m_state == State::Waiting) {
+    const auto left = std::chrono::ceil<milliseconds>(
+        std::max(end - steady_clock::now(), steady_clock::duration::zero()));
+    pollfd awaited{m_socket.get(), POLLIN, 0};
+    const int ready = ::poll(&awaited, 1, static_cast<int>(left.count()));
+    if (ready == 0) {
+      break;
+    }
+    if (ready > 0) {
+      m_state = receive();
+      end = steady_clock::now() + patience;
+    } else if (errno != EINTR) {
+      m_state = State::Ended;
+    }
+  }
+  return m_state;
+}
+
+AskingChild::State AskingChild::receive() {
+  std::vector<std::uint8_t> packet(sizeof(ErrandRoom::reply));
+  const ssize_t count = ::recv(m_socket.get(), packet.data(), packet.size(), MSG_DONTWAIT);
+  if (count < 0 && (errno == EAGAIN || errno == EINTR)) {
+    return State::Waiting;
+  }
+  ReplyHead head;
+  if (count < static_cast<ssize_t>(sizeof head)) {
+    return State::Ended;
+  }
+  std::memcpy(&head, packet.data(), sizeof head);
+  if (head.isLast != 0) {
+    m_reply.error = head.error;
+    m_reply.time = steady_clock::time_point(std::chrono::nanoseconds(head.time));
+    return State::Replied;
+  }
+  m_size += static_cast<std::size_t>(count);
+  m_reply.pieces.emplace_back(packet.begin() + sizeof head, packet.begin() + count);
+  return m_size <= kMostBytes ? State::Waiting : State::Ended;
+}
+
+}  // namespace ma

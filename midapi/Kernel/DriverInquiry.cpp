@@ -1,0 +1,175 @@
+#include "midapi/Kernel/DriverInquiry.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <iterator>
+#include <system_error>
+#include <utility>
+
+namespace ma {
+namespace {
+
+using State = AskingChild::State;
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+constexpr milliseconds kNone{0};
+constexpr milliseconds kLeastPatience{10};
+
+// Runs errands until all is known, or the child keeps silent.
+State run(FunctionInquiry& inquiry, AskingChild& child, milliseconds patience) {
+  while (const auto order = inquiry.next()) {
+    child.send(order->errand, order->bytes);
+    const State state = child.await(patience);
+    if (state != State::Replied) {
+      return state;
+    }
+    inquiry.take(child.reply());
+  }
+  return State::Replied;
+}
+
+DriverAnswer answerOfAway() {
+  DriverAnswer answer;
+  answer.isAway = true;
+  return answer;
+}
+
+DriverAnswer failed(int error) {
+  DriverAnswer answer;
+  answer.error = error;
+  return answer;
+}
+
+}  // namespace
+
+// What the functions of one ask have in common.
+struct DriverInquiry::Round {
+  milliseconds patience;
+  DevlinkLookup devlink;
+  std::optional<AskingChild> child;  // that has nothing to do
+};
+
+// The right to ask for some functions.
+class DriverInquiry::Turn {
+ public:
+  Turn(DriverInquiry& owner, std::span<const DriverQuestion> questions) : m_owner(owner) {
+    for (const DriverQuestion& question : questions) {
+      m_functions.insert(question.function.id);
+    }
+    const platform::Lock lock(m_owner.m_mutex);
+    while (isAnyAsked()) {
+      m_owner.m_isFree.wait(m_owner.m_mutex);
+    }
+    m_owner.m_asked.insert(m_functions.begin(), m_functions.end());
+  }
+  Turn(const Turn&) = delete;
+  Turn& operator=(const Turn&) = delete;
+  ~Turn() {
+    {
+      const platform::Lock lock(m_owner.m_mutex);
+      for (const PortId& function : m_functions) {
+        m_owner.m_asked.erase(function);
+      }
+    }
+    m_owner.m_isFree.notify_all();
+  }
+
+ private:
+  bool isAnyAsked() const ORVEX_REQUIRES(m_owner.m_mutex) {
+    return std::any_of(m_functions.begin(), m_functions.end(),
+                       [this](const PortId& function) ORVEX_REQUIRES(m_owner.m_mutex) {
+                         return m_owner.m_asked.contains(function);
+                       });
+  }
+
+  DriverInquiry& m_owner;
+  std::set<PortId> m_functions;
+};
+
+std::vector<DriverAnswer> DriverInquiry::ask(std::span<const DriverQuestion> questions) {
+  const Turn turn(*this, questions);
+  buryOthers();
+  Round round{m_settings.patience, {}, {}};
+  {
+    const platform::Lock lock(m_mutex);
+    round.devlink = m_devlink;
+  }
+  std::vector<DriverAnswer> answers;
+  answers.reserve(questions.size());
+  for (const DriverQuestion& question : questions) {
+    answers.push_back(askFor(question, round));
+  }
+  if (round.devlink.family.id != 0) {
+    const platform::Lock lock(m_mutex);
+    m_devlink = round.devlink;
+  }
+  return answers;
+}
+
+DriverAnswer DriverInquiry::askFor(const DriverQuestion& question, Round& round) {
+  const PortId& function = question.function.id;
+  FunctionInquiry inquiry(question, m_settings.of, round.devlink);
+  if (auto away = takeAway(function)) {
+    const State state = away->child.await(kNone);
+    if (state == State::Waiting) {
+      putAway(function, std::move(*away));
+      return answerOfAway();
+    }
+    if (state == State::Replied && isRecent(away->child) && away->inquiry.answers(question)) {
+      away->inquiry.take(away->child.reply());
+      inquiry = std::move(away->inquiry);
+    }
+  }
+  try {
+    AskingChild child = round.child ? std::move(*round.child) : AskingChild(m_settings.forks);
+    round.child.reset();
+    const State state = run(inquiry, child, round.patience);
+    if (inquiry.devlink().isDone) {
+      round.devlink = inquiry.devlink();
+    }
+    switch (state) {
+      case State::Replied:
+        round.child.emplace(std::move(child));
+        return inquiry.answer();
+      case State::Waiting:
+        child.dismiss();
+        putAway(function, {std::move(inquiry), std::move(child)});
+        round.patience = std::max(round.patience / 2, kLeastPatience);
+        return answerOfAway();
+      case State::Ended:
+        break;
+    }
+    return failed(ECANCELED);
+  } catch (const std::system_error& fault) {
+    return failed(fault.code().value());
+  }
+}
+
+bool DriverInquiry::isRecent(const AskingChild& child) const {
+  return steady_clock::now() - child.reply().time <= m_settings.lateFor;
+}
+
+std::optional<DriverInquiry::Away> DriverInquiry::takeAway(const PortId& function) {
+  const platform::Lock lock(m_mutex);
+  auto node = m_away.extract(function);
+  return node.empty() ? std::nullopt : std::optional(std::move(node.mapped()));
+}
+
+void DriverInquiry::putAway(const PortId& function, Away away) {
+  const platform::Lock lock(m_mutex);
+  m_away.insert_or_assign(function, std::move(away));
+}
+
+// Lets children go whose answers are not wanted any more: of functions that were unplugged.
+void DriverInquiry::buryOthers() {
+  const platform::Lock lock(m_mutex);
+  for (auto entry = m_away.begin(); entry != m_away.end();) {
+    AskingChild& child = entry->second.child;
+    const State state = m_asked.contains(entry->first) ? State::Waiting : child.await(kNone);
+    const bool isOver = state == State::Ended || (state == State::Replied && !isRecent(child));
+    entry = isOver ? m_away.erase(entry) : std::next(entry);
+  }
+}
+
+}  // namespace ma

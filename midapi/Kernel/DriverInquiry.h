@@ -1,0 +1,70 @@
+// Asks the drivers of many functions, and waits for none of them.
+//
+// One child process asks for all, one function after the other. Where an answer does not come in
+// time the child is left behind with that function, which is "away" until the child has been
+// answered or has ended, and another one goes on with the next: there is one child for each
+// driver that is stuck, and never a second one. Any thread may ask; two that ask for the same
+// functions do so one after the other.
+
+#ifndef ORVEX_MIDAPI_KERNEL_DRIVERINQUIRY_H_
+#define ORVEX_MIDAPI_KERNEL_DRIVERINQUIRY_H_
+
+#include <chrono>
+#include <condition_variable>
+#include <map>
+#include <optional>
+#include <set>
+#include <span>
+#include <vector>
+
+#include "midapi/AdapterId.h"
+#include "midapi/Kernel/AskingChild.h"
+#include "midapi/Kernel/DriverCalls.h"
+#include "midapi/Kernel/FunctionInquiry.h"
+#include "platform/Mutex.h"
+
+namespace ma {
+
+struct InquirySettings {
+  // How long a driver may keep silent. Of several in one ask that do, each is given half the time
+  // of the one before: what holds them may be the same.
+  std::chrono::milliseconds patience{200};
+  // How long ago an answer may have come that was not waited for. After that the driver is asked
+  // again.
+  std::chrono::milliseconds lateFor{2000};
+  FunctionInquiry::Of of = FunctionInquiry::Of::DriverAndFiles;
+  Forks forks;
+};
+
+class DriverInquiry {
+ public:
+  explicit DriverInquiry(const InquirySettings& settings) : m_settings(settings) {}
+
+  // As DriverCalls::ask.
+  [[nodiscard]] std::vector<DriverAnswer> ask(std::span<const DriverQuestion> questions);
+
+ private:
+  struct Away {
+    FunctionInquiry inquiry;
+    AskingChild child;
+  };
+  struct Round;
+  class Turn;
+
+  [[nodiscard]] DriverAnswer askFor(const DriverQuestion& question, Round& round);
+  [[nodiscard]] bool isRecent(const AskingChild& child) const;
+  [[nodiscard]] std::optional<Away> takeAway(const PortId& function);
+  void putAway(const PortId& function, Away away);
+  void buryOthers();
+
+  const InquirySettings m_settings;
+  platform::Mutex m_mutex;
+  std::condition_variable_any m_isFree;
+  std::set<PortId> m_asked ORVEX_GUARDED_BY(m_mutex);  // by some thread, now
+  std::map<PortId, Away> m_away ORVEX_GUARDED_BY(m_mutex);
+  DevlinkLookup m_devlink ORVEX_GUARDED_BY(m_mutex);
+};
+
+}  // namespace ma
+
+#endif  // ORVEX_MIDAPI_KERNEL_DRIVERINQUIRY_H_

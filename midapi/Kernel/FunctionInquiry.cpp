@@ -1,0 +1,143 @@
+#include "midapi/Kernel/FunctionInquiry.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <linux/ethtool.h>
+#include <span>
+#include <string>
+#include <utility>
+
+#include "midapi/ByteText.h"
+
+namespace ma {
+namespace {
+
+// Each request has a socket of its own.
+constexpr std::uint32_t kSequence = 1;
+
+std::vector<std::uint8_t> bytesOf(const std::string& text) {
+  return {text.begin(), text.end()};
+}
+
+// Returns the text of a field, which ends with a zero or fills it.
+template <std::size_t kSize>
+std::string textOf(const char (&field)[kSize]) {
+  const char* const end = std::find(field, field + kSize, '\0');
+  const auto* const bytes = reinterpret_cast<const std::uint8_t*>(field);
+  return decodeText({bytes, static_cast<std::size_t>(end - field)}, TextEncoding::Utf8);
+}
+
+DevlinkFamily readFamily(const ErrandReply& reply) {
+  for (const auto& datagram : reply.pieces) {
+    if (const auto family = findFamily(datagram, kSequence)) {
+      return *family;
+    }
+  }
+  return {};
+}
+
+// A driver without devlink is no device to it. One that has it, and cannot tell, has it all the
+// same.
+std::optional<DevlinkInfo> readDevlink(const ErrandReply& reply, const DevlinkFamily& family) {
+  std::optional<DevlinkInfo> info;
+  for (const auto& datagram : reply.pieces) {
+    if (auto found = findInfo(datagram, family, kSequence)) {
+      info = std::move(found);
+    }
+    if (const auto ack = findAck(datagram, kSequence); ack && ack->error != ENODEV && !info) {
+      info.emplace();
+    }
+  }
+  return info;
+}
+
+std::optional<DriverInfo> readDriverInfo(const ErrandReply& reply) {
+  ethtool_drvinfo info;
+  if (reply.error != 0 || reply.pieces.size() != 1 || reply.pieces[0].size() != sizeof info) {
+    return std::nullopt;
+  }
+  std::memcpy(&info, reply.pieces[0].data(), sizeof info);
+  return DriverInfo{textOf(info.driver), textOf(info.version), textOf(info.fw_version)};
+}
+
+FileAnswer readFile(const ErrandReply& reply) {
+  return reply.error != 0 ? FileAnswer{reply.error, {}} : FileAnswer{0, reply.bytes()};
+}
+
+}  // namespace
+
+FunctionInquiry::FunctionInquiry(DriverQuestion question, Of of, const DevlinkLookup& devlink)
+    : m_question(std::move(question)), m_of(of), m_devlink(devlink) {
+  const bool hasDriver = m_of == Of::DriverAndFiles;
+  if (m_question.wantsRom) {
+    m_steps.push_back(Step::Rom);
+  }
+  if (m_question.wantsVpd) {
+    m_steps.push_back(Step::Vpd);
+  }
+  if (hasDriver && !m_question.function.interfaces.empty()) {
+    m_steps.push_back(Step::Driver);
+  }
+  if (hasDriver && (!m_devlink.isDone || m_devlink.family.id != 0)) {
+    m_steps.push_back(Step::Devlink);
+  }
+  if (hasDriver && !m_devlink.isDone) {
+    m_steps.push_back(Step::Family);
+  }
+}
+
+bool FunctionInquiry::answers(const DriverQuestion& question) const {
+  return m_question.function.ids == question.function.ids &&
+         m_question.function.interfaces == question.function.interfaces &&
+         m_question.wantsVpd >= question.wantsVpd && m_question.wantsRom >= question.wantsRom;
+}
+
+std::optional<ErrandOrder> FunctionInquiry::next() const {
+  return m_steps.empty() ? std::nullopt : std::optional(orderOf(m_steps.back()));
+}
+
+ErrandOrder FunctionInquiry::orderOf(Step step) const {
+  const PciFunction& function = m_question.function;
+  switch (step) {
+    case Step::Family:
+      return {Errand::Netlink, makeFamilyRequest(kSequence)};
+    case Step::Devlink:
+      return {Errand::Netlink, makeInfoRequest(m_devlink.family, function.id, kSequence)};
+    case Step::Driver:
+      return {Errand::DriverInfo, bytesOf(function.interfaces.front().name)};
+    case Step::Vpd:
+      return {Errand::Vpd, bytesOf(function.folder / "vpd")};
+    case Step::Rom:
+      return {m_of == Of::FilesAlone ? Errand::PlainFile : Errand::Rom,
+              bytesOf(function.folder / "rom")};
+  }
+  return {};
+}
+
+void FunctionInquiry::take(const ErrandReply& reply) {
+  const Step step = m_steps.back();
+  m_steps.pop_back();
+  switch (step) {
+    case Step::Family:
+      m_devlink = {true, readFamily(reply)};
+      if (m_devlink.family.id == 0) {
+        m_steps.pop_back();  // there is nobody to ask
+      }
+      break;
+    case Step::Devlink:
+      m_answer.devlink = readDevlink(reply, m_devlink.family);
+      break;
+    case Step::Driver:
+      m_answer.info = readDriverInfo(reply);
+      break;
+    case Step::Vpd:
+      m_answer.vpd = readFile(reply);
+      break;
+    case Step::Rom:
+      m_answer.rom = readFile(reply);
+      break;
+  }
+}
+
+}  // namespace ma

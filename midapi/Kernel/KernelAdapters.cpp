@@ -1,0 +1,228 @@
+#include "midapi/Kernel/KernelAdapters.h"
+
+#include <algorithm>
+#include <iterator>
+#include <sys/stat.h>
+#include <utility>
+
+#include "midapi/FlashBackend.h"
+
+namespace ma {
+
+// One function in one look.
+struct KernelAdapters::Subject {
+  DriverQuestion question;
+  Plug plug;
+  std::uint64_t changes = 0;  // of what was known when it was asked
+  bool isAsked = false;
+  int error = 0;  // why it could not be asked
+};
+
+struct KernelAdapters::Look {
+  struct Adapter {
+    AdapterAddress address;
+    std::vector<Subject> functions;
+    std::optional<FlashEntry> entry;
+    bool mayBeAsked = true;
+  };
+
+  std::uint64_t number = 0;
+  bool isOfAll = false;
+  std::vector<Adapter> adapters;
+};
+
+KernelAdapters::KernelAdapters(std::filesystem::path sysfs, DriverCalls& drivers,
+                               const FlashJournal& journal, platform::Clock& clock)
+    : m_sysfs(std::move(sysfs)), m_drivers(drivers), m_journal(journal), m_clock(clock) {}
+
+KernelAdapters::~KernelAdapters() = default;
+
+std::vector<PciFunction> KernelAdapters::functions() const {
+  return findPciFunctions(m_sysfs);
+}
+
+std::vector<KernelAdapter> KernelAdapters::all() {
+  Look look = begin(nullptr, Asker::Reader);
+  choose(look);
+  ask(look);
+  return tell(look);
+}
+
+std::optional<KernelAdapter> KernelAdapters::find(const AdapterAddress& address) {
+  return findFor(address, Asker::Reader);
+}
+
+std::optional<KernelAdapter> KernelAdapters::findForWriter(const AdapterAddress& address) {
+  forget(address);
+  return findFor(address, Asker::Writer);
+}
+
+std::optional<KernelAdapter> KernelAdapters::findFor(const AdapterAddress& address, Asker asker) {
+  Look look = begin(&address, asker);
+  choose(look);
+  ask(look);
+  std::vector<KernelAdapter> adapters = tell(look);
+  return adapters.empty() ? std::nullopt : std::optional(std::move(adapters.front()));
+}
+
+void KernelAdapters::forget(const AdapterAddress& address) {
+  const platform::Lock lock(m_mutex);
+  for (auto& [id, known] : m_known) {
+    if (id.adapter == address) {
+      ++known.changes;
+      known.fresh = {};
+      known.hasVpd = false;
+      known.hasRom = false;
+    }
+  }
+}
+
+KernelAdapters::Look KernelAdapters::begin(const AdapterAddress* wanted, Asker asker) {
+  Look look;
+  look.isOfAll = wanted == nullptr;
+  {
+    const platform::Lock lock(m_mutex);
+    look.number = ++m_looks;
+  }
+  for (PciFunction& function : findPciFunctions(m_sysfs)) {
+    const AdapterAddress address = function.id.adapter;
+    struct stat folder {};
+    if ((wanted != nullptr && address != *wanted) ||
+        ::stat(function.folder.c_str(), &folder) != 0) {
+      continue;
+    }
+    if (look.adapters.empty() || look.adapters.back().address != address) {
+      auto entry = entryOf(address);
+      const bool isBeingWritten =
+          asker == Asker::Reader && entry.has_value() && m_journal.isClaimed(address);
+      look.adapters.push_back({address, {}, std::move(entry), !isBeingWritten});
+    }
+    const Plug plug{folder.st_dev, folder.st_ino, function.ids};
+    look.adapters.back().functions.push_back({{std::move(function), false, false}, plug});
+  }
+  return look;
+}
+
+// Decides what is asked of whom, and forgets what was unplugged.
+void KernelAdapters::choose(Look& look) {
+  const auto now = m_clock.now();
+  const platform::Lock lock(m_mutex);
+  for (Look::Adapter& adapter : look.adapters) {
+    for (Subject& subject : adapter.functions) {
+      const PciFunction& function = subject.question.function;
+      const Known* const known = recognise(subject, look.number);
+      if (known == nullptr) {
+        continue;
+      }
+      const bool isFresh = !known->isAway && known->driver == function.driver && now < known->fresh;
+      subject.isAsked = adapter.mayBeAsked && !isFresh;
+      subject.changes = known->changes;
+      subject.question.wantsVpd = function.hasVpd && !known->hasVpd;
+      subject.question.wantsRom = function.hasRom && !known->hasRom;
+    }
+  }
+  if (look.isOfAll) {
+    std::erase_if(m_known,
+                  [&look](const auto& known) { return known.second.seenBy < look.number; });
+  }
+}
+
+void KernelAdapters::ask(Look& look) {
+  std::vector<DriverQuestion> questions;
+  std::vector<Subject*> subjects;
+  for (Look::Adapter& adapter : look.adapters) {
+    for (Subject& subject : adapter.functions) {
+      if (subject.isAsked) {
+        questions.push_back(subject.question);
+        subjects.push_back(&subject);
+      }
+    }
+  }
+  if (questions.empty()) {
+    return;
+  }
+  std::vector<DriverAnswer> answers = m_drivers.ask(questions);
+  const platform::Lock lock(m_mutex);
+  for (std::size_t i = 0; i < subjects.size(); ++i) {
+    subjects[i]->error = answers.at(i).error;
+    note(*subjects[i], std::move(answers[i]), look.number);
+  }
+}
+
+std::vector<KernelAdapter> KernelAdapters::tell(Look& look) {
+  std::vector<KernelAdapter> adapters;
+  const platform::Lock lock(m_mutex);
+  for (Look::Adapter& seen : look.adapters) {
+    KernelAdapter adapter{seen.address, {}, !seen.mayBeAsked};
+    const Known nothing;
+    std::vector<const Known*> known;
+    for (Subject& subject : seen.functions) {
+      const Known* const found = recognise(subject, look.number);
+      known.push_back(found != nullptr ? found : &nothing);
+      adapter.isBeingWritten = adapter.isBeingWritten || known.back()->isAway;
+    }
+    for (std::size_t i = 0; i < known.size(); ++i) {
+      Subject& subject = seen.functions[i];
+      KernelFunction function{std::move(subject.question.function), known[i]->answer};
+      function.answer.error = subject.error;
+      if (adapter.isBeingWritten && seen.entry && !known[i]->hasAnswered) {
+        function.answer.devlink =
+            DevlinkInfo{function.pci.driver, "", "", {}, seen.entry->running, seen.entry->before};
+      }
+      adapter.functions.push_back(std::move(function));
+    }
+    adapters.push_back(std::move(adapter));
+  }
+  return adapters;
+}
+
+std::optional<FlashEntry> KernelAdapters::entryOf(const AdapterAddress& adapter) const {
+  try {
+    return m_journal.entry(adapter);
+  } catch (const FlashFault&) {
+    return std::nullopt;  // who writes the adapter, or wants to, is told of it
+  }
+}
+
+KernelAdapters::Known* KernelAdapters::recognise(const Subject& subject, std::uint64_t look) {
+  Known& known = m_known[subject.question.function.id];
+  if (known.plug != subject.plug) {
+    if (known.seenBy > look) {
+      return nullptr;
+    }
+    known = {};
+    known.plug = subject.plug;
+  }
+  known.seenBy = std::max(known.seenBy, look);
+  return &known;
+}
+
+void KernelAdapters::note(const Subject& subject, DriverAnswer answer, std::uint64_t look) {
+  Known* const known = recognise(subject, look);
+  if (known == nullptr || answer.error != 0) {
+    return;
+  }
+  const bool isUnchanged = subject.changes == known->changes;
+  if (!answer.isAway && subject.question.wantsVpd && !known->hasVpd) {
+    known->answer.vpd = std::move(answer.vpd);
+    known->hasVpd = isUnchanged;
+  }
+  if (!answer.isAway && subject.question.wantsRom && !known->hasRom) {
+    known->answer.rom = std::move(answer.rom);
+    known->hasRom = isUnchanged;
+  }
+  if (known->askedBy > look) {
+    return;
+  }
+  known->askedBy = look;
+  known->isAway = answer.isAway;
+  if (!answer.isAway) {
+    known->answer.devlink = std::move(answer.devlink);
+    known->answer.info = std::move(answer.info);
+    known->hasAnswered = true;
+    known->driver = subject.question.function.driver;
+    known->fresh = isUnchanged ? m_clock.now() + kFresh : platform::Clock::TimePoint{};
+  }
+}
+
+}  // namespace ma
