@@ -70,8 +70,9 @@ class ORVEX_CORE_API OSLocker : public utils::Singleton<OSLocker> {
   // or "another program" where that is not known; empty while none waits. Logs nothing.
   [[nodiscard]] static std::string describeAwaited();
   // Returns the same of whom the last Lock() waited for in vain; empty where that had no timeout.
-  // Behind "another program" stand those that may be it, or keep it from being given back by one
-  // that died, where they are known (see utils::refusal::kSemaphoreIsOpenIn).
+  // Behind "another program" stand those that have the semaphore open, where the platform tells
+  // them (Windows; see utils::refusal::kSemaphoreIsOpenIn): one of them may be the holder, and
+  // while one is there, a holder that died leaves the semaphore taken.
   [[nodiscard]] static std::string describeTimeout();
   // Returns why the last Lock() answered 1, for a person; empty where it did not, or nobody knows.
   [[nodiscard]] static std::string describeFailure();

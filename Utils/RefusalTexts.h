@@ -19,6 +19,8 @@ inline constexpr const char* kIsDirectory = "points to a directory";
 
 // What stands before the processes that may have the flash lock.
 inline constexpr const char* kSemaphoreIsOpenIn = "its semaphore is open in ";
+// What stands behind them where there may be more.
+inline constexpr const char* kMayBeOpenInOthers = "perhaps others, which this user is not shown";
 
 // Types of failures, as texts begin with them.
 inline constexpr const char* kTargetInUse = "ETargetInUse:";

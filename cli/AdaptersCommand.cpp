@@ -1,23 +1,22 @@
 #include "cli/AdaptersCommand.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "Utils/FirmwareTypes.h"
-#include "Utils/Format.h"
 #include "Utils/Printable.h"
+#include "cli/AdaptersList.h"
 #include "cli/Command.h"
 #include "cli/HostAdaptersList.h"
 #include "cli/JsonOutput.h"
 #include "cli/Session.h"
-#include "cli/TextTable.h"
 #include "client/Fault.h"
 #include "midapi/AdapterId.h"
+#include "midapi/MidApi.h"
 #include "midapi/Virtual/VirtualAdapters.h"
 #include "platform/Texts.h"
 
@@ -25,9 +24,17 @@ namespace cli {
 namespace {
 
 constexpr const char* kFooter =
-    "One line for each port. FIRMWARE names the type and version of each image in the flash, with\n"
-    "a digest that tells images of one version apart. A host (--host) tells port, adapter and\n"
-    "the type and version of each image, and nothing else.\n"
+    "The machine's own Ethernet adapters and virtual ones, as the setting Adapters says. With\n"
+    "--adapters the virtual ones of that directory alone.\n"
+    "\n"
+    "One line for each port. FIRMWARE names what the driver tells of the adapter's firmware: the\n"
+    "version that works now, and the stored one where it is another; and type and version of\n"
+    "each image in the flash, with a digest that tells images of one version apart. Below stands\n"
+    "why firmware cannot be replaced. A host (--host) tells port, adapter, the versions and the\n"
+    "type and version of each image, and nothing else.\n"
+    "\n"
+    "With --json: [{\"pci\", \"kind\": \"kernel\" or \"virtual\", \"ports\", ...}]; what is not\n"
+    "known is null.\n"
     "\n"
     "Examples:\n"
     "  quorvel adapters\n"
@@ -45,121 +52,29 @@ constexpr const char* kAddFooter =
 
 constexpr int kHexadecimal = 16;
 constexpr std::size_t kIdDigits = 4;
-constexpr unsigned kShownDigestBits = 32;
-
-std::string_view bootTypeName(ma::BootType type) {
-  switch (type) {
-    case ma::BootType::None:
-      return "none";
-    case ma::BootType::Pxe:
-      return "PXE";
-    case ma::BootType::Iscsi:
-      return "iSCSI";
-    case ma::BootType::Fcoe:
-      return "FCoE";
-    case ma::BootType::Uefi:
-      return "UEFI";
-  }
-  return "unknown";
-}
-
-std::string toIdText(std::uint16_t id) {
-  return utils::format("%04x", static_cast<unsigned>(id));
-}
-
-std::string toDigestText(std::uint64_t digest) {
-  return utils::format("%016llx", static_cast<unsigned long long>(digest));
-}
 
 // ---- list
 
-std::string describeComponent(const ma::AdapterComponent& component) {
-  const auto shownDigest = static_cast<unsigned>(component.digest >> kShownDigestBits);
-  std::string text = std::string(utils::firmwareTypeName(component.type)) + " " +
-                     component.version.toString() + utils::format(" (%08x)", shownDigest);
-  if (!component.isForAdapter) {
-    text += " for " + toIdText(component.vendor) + ":" + toIdText(component.device);
-  }
-  return text;
-}
-
-std::string describeFirmware(const ma::AdapterListing& adapter) {
-  if (!adapter.flashDefect.empty()) {
-    return "damaged";
-  }
-  std::string text;
-  for (const ma::AdapterComponent& component : adapter.components) {
-    text += (text.empty() ? "" : ", ") + describeComponent(component);
-  }
-  return text.empty() ? "none" : text;
-}
-
-void printTable(std::ostream& out, const ma::AdapterList& list) {
-  TextTable table({"PORT", "ADAPTER", "NAME", "DEVICE", "BOOT", "UPDATABLE", "FIRMWARE"});
-  for (const ma::AdapterListing& adapter : list.adapters) {
-    for (const ma::AdapterPort& port : adapter.ports) {
-      table.addRow({port.identifier, adapter.pci, adapter.name,
-                    toIdText(adapter.vendor) + ":" + toIdText(adapter.device),
-                    std::string(bootTypeName(port.bootType)), adapter.isUpdatable ? "yes" : "no",
-                    describeFirmware(adapter)});
-    }
-  }
-  table.print(out);
-}
-
-client::Value toJson(const std::vector<ma::AdapterPort>& ports) {
-  client::Value result = client::Value::array();
-  for (const ma::AdapterPort& port : ports) {
-    result.push(client::Value::object({{"identifier", port.identifier},
-                                       {"mac", port.mac},
-                                       {"bootType", bootTypeName(port.bootType)}}));
-  }
-  return result;
-}
-
-client::Value toJson(const std::vector<ma::AdapterComponent>& components) {
-  client::Value result = client::Value::array();
-  for (const ma::AdapterComponent& component : components) {
-    result.push(client::Value::object({{"type", utils::firmwareTypeName(component.type)},
-                                       {"version", component.version.toString()},
-                                       {"vendorId", toIdText(component.vendor)},
-                                       {"deviceId", toIdText(component.device)},
-                                       {"forAdapter", component.isForAdapter},
-                                       {"length", component.length},
-                                       {"digest", toDigestText(component.digest)}}));
-  }
-  return result;
-}
-
-client::Value toJson(const ma::AdapterListing& adapter) {
-  client::Value result;
-  result.set("pci", adapter.pci);
-  result.set("name", adapter.name);
-  result.set("vendorId", toIdText(adapter.vendor));
-  result.set("deviceId", toIdText(adapter.device));
-  result.set("updatable", adapter.isUpdatable);
-  result.set("ports", toJson(adapter.ports));
-  result.set("components", toJson(adapter.components));
-  result.set("flashDefect",
-             adapter.flashDefect.empty() ? client::Value() : client::Value(adapter.flashDefect));
-  result.set("flashBytes", adapter.flashBytes);
-  result.set("writeRate", adapter.writeRate);
-  result.set("capabilityWord", adapter.capabilityWord);
-  return result;
-}
-
-void warnAboutProblems(std::ostream& err, const ma::AdapterList& list) {
-  for (const ma::AdapterProblem& problem : list.problems) {
-    err << "quorvel: warning: " << utils::toPrintable(problem.place)
-        << " is passed over: " << utils::toPrintable(problem.text)
-        << "\n  next: " << utils::toPrintable(problem.advice) << "\n";
-  }
-  for (const ma::AdapterListing& adapter : list.adapters) {
-    if (!adapter.flashDefect.empty()) {
-      err << "quorvel: warning: the flash of " << adapter.pci
-          << " holds no valid images: " << utils::toPrintable(adapter.flashDefect)
-          << "\n  next: install firmware with 'quorvel update'\n";
-    }
+// Nothing is listed: tells where adapters would be, and what to do.
+void explainNoAdapters(std::ostream& out) {
+  const std::vector<ma::AdapterKind> kinds = ma::adapterKinds();
+  const auto count = [&kinds](ma::AdapterKind kind) {
+    return std::find(kinds.begin(), kinds.end(), kind) != kinds.end();
+  };
+  const std::string directory =
+      utils::toPrintable(platform::toShownText(ma::VirtualAdapters().directory()));
+  if (!count(ma::AdapterKind::Kernel)) {
+    out << "There are no adapters in " << directory
+        << ". Make one with 'quorvel adapters add', or name another directory with --adapters.\n";
+  } else if (!count(ma::AdapterKind::Virtual)) {
+    out << "There are no adapters: this machine has no Ethernet adapter on a PCI bus, and the "
+           "setting "
+           "Adapters leaves virtual ones out.\n";
+  } else {
+    out << "There are no adapters: this machine has no Ethernet adapter on a PCI bus, and there is "
+           "no virtual one in "
+        << directory
+        << ". Make one with 'quorvel adapters add', or name another directory with --adapters.\n";
   }
 }
 
@@ -170,9 +85,8 @@ ExitStatus listAdapters(const Context& context) {
   }
   demandConsistent(context.options);
   applyOptions(context.options);
-  const ma::VirtualAdapters adapters;
-  const ma::AdapterList list = adapters.list();
-  warnAboutProblems(context.err, list);
+  const ma::AdapterList list = ma::listAdapters();
+  warnAboutAdapters(context.err, list);
   if (context.options.isJson) {
     client::Value document = client::Value::array();
     for (const ma::AdapterListing& adapter : list.adapters) {
@@ -180,12 +94,9 @@ ExitStatus listAdapters(const Context& context) {
     }
     printJson(context.out, document);
   } else if (list.adapters.empty()) {
-    context.out << "There are no adapters in "
-                << utils::toPrintable(platform::toShownText(adapters.directory()))
-                << ". Make one with 'quorvel adapters add', or name another directory with "
-                   "--adapters.\n";
+    explainNoAdapters(context.out);
   } else {
-    printTable(context.out, list);
+    printAdapters(context.out, list);
   }
   return ExitStatus::Done;
 }
@@ -259,7 +170,7 @@ ExitStatus addAdapter(const Context& context, const AddOptions& options) {
   } else {
     context.out << "Added to " << utils::toPrintable(platform::toShownText(adapters.directory()))
                 << ":\n";
-    printTable(context.out, made);
+    printAdapters(context.out, made);
   }
   return ExitStatus::Done;
 }

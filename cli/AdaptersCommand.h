@@ -1,5 +1,5 @@
-// The command `adapters`: shows the virtual adapters of this machine, and makes new ones. It
-// needs no module.
+// The command `adapters`: shows the adapters of this machine, and makes virtual ones. It needs no
+// module.
 
 #ifndef ORVEX_CLI_ADAPTERSCOMMAND_H_
 #define ORVEX_CLI_ADAPTERSCOMMAND_H_

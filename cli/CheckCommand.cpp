@@ -7,6 +7,7 @@
 #include "Utils/Printable.h"
 #include "cli/Command.h"
 #include "cli/JsonOutput.h"
+#include "cli/LocalReason.h"
 #include "cli/Refusal.h"
 #include "cli/Session.h"
 #include "cli/TargetName.h"
@@ -105,8 +106,11 @@ ExitStatus check(const Context& context, const Options& options) {
 
   const bool isPassed = answer.call.isAccepted();
   if (!isPassed) {
-    reportRefusal(context, nameOfCheck(target, identity), answer.call,
-                  requestIdentity(identity, false, *connection));
+    UpdateRequest request = requestIdentity(identity, false, *connection);
+    if (!connection->isRemote()) {
+      request.why = findLocalReason(target.label, request.imagePath, "");
+    }
+    reportRefusal(context, nameOfCheck(target, identity), answer.call, request);
   } else if (!context.options.isJson) {
     reportSuccess(context, target, identity, answer);
   }

@@ -33,14 +33,13 @@ class Watch {
   // when there is no such job, and when the host could not be asked for too long.
   std::optional<client::JobReport> look();
 
-  // Returns whether it is the job of the first look: a host that was started again gives the names
-  // of its jobs to others.
-  bool isTheJob(const client::InstanceSnapshot& job);
-
   // To be called on an interrupt. Throws Fault where the job goes on without this process.
   void yieldToHost(bool isAnswered) const;
 
  private:
+  // Returns whether it is the job of the first look: a host that was started again gives the names
+  // of its jobs to others.
+  [[nodiscard]] bool isTheJob(const client::InstanceSnapshot& job);
   [[noreturn]] void leave(const std::string& reason, const char* job,
                           client::Fault::Kind kind) const;
 

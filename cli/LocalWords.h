@@ -12,7 +12,8 @@
 
 namespace cli {
 
-// Returns a sentence or a part of one, with the paths of the platform.
+// Returns a sentence of the program's own, or a part of one, with the paths of the platform. What a
+// user has named goes in behind that: it stays as it is.
 [[nodiscard]] std::string toLocalWords(std::string text);
 
 // Returns a text of paragraphs, with empty lines between them. A paragraph that begins with

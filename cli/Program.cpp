@@ -8,6 +8,7 @@
 
 #include "Utils/Exception.h"
 #include "Utils/Printable.h"
+#include "cli/ActivateCommand.h"
 #include "cli/AdaptersCommand.h"
 #include "cli/AssociationsCommand.h"
 #include "cli/CheckCommand.h"
@@ -19,6 +20,7 @@
 #include "cli/InvokeCommand.h"
 #include "cli/JobsCommand.h"
 #include "cli/LocalWords.h"
+#include "cli/ShowCommand.h"
 #include "cli/UpdateCommand.h"
 #include "cli/WatchCommand.h"
 #include "client/Fault.h"
@@ -38,6 +40,7 @@ constexpr const char* kFooter =
     "\n"
     "Examples:\n"
     "  quorvel adapters\n"
+    "  quorvel show firmware.rom\n"
     "  quorvel update 0000:03:00.0 firmware.rom\n"
     "  quorvel classes\n"
     "  quorvel instances Orvex_EthernetPort --json\n"
@@ -53,9 +56,9 @@ constexpr const char* kFooter =
 
 // Added one by one, so that a further command is one line here and one pair of files.
 constexpr void (*kCommands[])(CLI::App&, Context&) = {
-    addAdaptersCommand,   addAssociationsCommand, addCheckCommand,  addClassesCommand,
-    addIdentitiesCommand, addInstancesCommand,    addInvokeCommand, addJobsCommand,
-    addUpdateCommand,     addWatchCommand,
+    addActivateCommand, addAdaptersCommand,   addAssociationsCommand, addCheckCommand,
+    addClassesCommand,  addIdentitiesCommand, addInstancesCommand,    addInvokeCommand,
+    addJobsCommand,     addShowCommand,       addUpdateCommand,       addWatchCommand,
 };
 
 std::string describeParseFailure(const CLI::App* app, const CLI::Error& error) {

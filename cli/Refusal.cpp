@@ -1,18 +1,15 @@
 #include "cli/Refusal.h"
 
-#include <memory>
 #include <string_view>
 #include <utility>
 
-#include "Os/FileCalls.h"
 #include "Utils/Printable.h"
 #include "Utils/RefusalTexts.h"
 #include "cim/MethodSignatures.h"
+#include "cli/ImageFile.h"
 #include "cli/LocalWords.h"
 #include "client/ErrorRecords.h"
 #include "client/Texts.h"
-#include "platform/FileLook.h"
-#include "platform/Texts.h"
 
 namespace cli {
 namespace {
@@ -119,27 +116,7 @@ std::string findDefect(const std::optional<client::Identity>& identity) {
 
 // Returns what is wrong with the file as such, empty when it is there.
 std::string adviseOnFile(const UpdateRequest& request) {
-  const std::string& path = request.imagePath;
-  if (path.empty() || request.isRemote) {
-    return "";
-  }
-  const auto found = std::make_shared<platform::FileKind>();
-  const os::FileAnswer answer = os::fileCalls().make(
-      path, [found, path] { *found = platform::lookAtFile(platform::toPath(path)).kind; });
-  if (answer != os::FileAnswer::InTime) {
-    return "the file system of '" + path + "' does not answer; try again when it does";
-  }
-  switch (*found) {
-    case platform::FileKind::Missing:
-      return "there is no file '" + path + "'; check the path";
-    case platform::FileKind::Directory:
-      return "'" + path + "' is a directory; name the image file in it";
-    case platform::FileKind::Other:
-      return "'" + path + "' is no regular file; name an image file";
-    case platform::FileKind::Regular:
-      break;
-  }
-  return "";
+  return request.imagePath.empty() || request.isRemote ? "" : findFileFault(request.imagePath);
 }
 
 void explain(std::ostream& err, const char* heading, const std::string& text) {
@@ -184,7 +161,7 @@ std::string findAdvice(std::uint32_t returnValue, const std::string& reason,
   }
   for (const Advice& advice : kAdvice) {
     if (reason.find(advice.reason) != std::string::npos) {
-      return advice.text;
+      return toLocalWords(advice.text);
     }
   }
   if (request.isRemote && reason.empty()) {
@@ -209,7 +186,7 @@ UpdateRequest requestIdentity(const client::Identity& identity, bool isForced,
 
 std::string adviseOnRefusal(std::uint32_t returnValue, const std::string& reason,
                             const UpdateRequest& request) {
-  return toLocalWords(nameProgram(findAdvice(returnValue, reason, request), request.program));
+  return nameProgram(findAdvice(returnValue, reason, request), request.program);
 }
 
 void reportRefusal(const Context& context, const std::string& what,
@@ -217,6 +194,7 @@ void reportRefusal(const Context& context, const std::string& what,
   context.err << "quorvel: " << what << " refused: " << answer.returnValue << ", "
               << answer.returnText << '\n';
   explain(context.err, "reason", findReason(context, answer, request));
+  explain(context.err, "why", request.why);
   explain(context.err, "next", adviseOnRefusal(answer.returnValue, answer.reason, request));
 }
 
@@ -225,9 +203,14 @@ std::string adviseOnFailure(const client::JobReport& job, const client::Connecti
     return nameProgram("'quorvel adapters' shows what the adapter holds now", connection.program());
   }
   if (job.flashHolder.find(refusal::kSemaphoreIsOpenIn) != std::string::npos) {
-    return "wait until the program that updates an adapter is done, then try again. Where none of "
-           "those that are named does, one that has died left the flash taken: end them all, and "
-           "it is free";
+    return std::string(
+               "wait until the program that updates an adapter is done, then try again. Where none "
+               "of those that are named does, one that has died left the flash taken: end them "
+               "all, and it is free") +
+           (job.flashHolder.find(refusal::kMayBeOpenInOthers) != std::string::npos
+                ? " unless others have it open, too; an administrator is shown more of them, and a "
+                  "restart of the machine frees it in any case"
+                : "");
   }
   if (connection.isRemote()) {
     return "the host could not have the flash: another program on its machine had it for longer "

@@ -23,6 +23,8 @@ struct UpdateRequest {
   bool isRemote = false;  // made to a host: the image is on its machine, its log tells the reason
   std::optional<client::Identity> identity{};  // the image, where it was given as such
   std::string program = "quorvel";             // that of the connection
+  // What the flash library says of the image beside; empty where nothing, or it is not asked.
+  std::string why{};
 };
 
 // Returns a request for the image of an identity.

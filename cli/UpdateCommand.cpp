@@ -7,12 +7,14 @@
 #include <string_view>
 #include <system_error>
 
+#include "Os/Uri.h"
 #include "Utils/ClockText.h"
 #include "Utils/Conversions.h"
 #include "cli/Command.h"
 #include "cli/Duration.h"
 #include "cli/JobWatch.h"
 #include "cli/JsonOutput.h"
+#include "cli/LocalReason.h"
 #include "cli/Refusal.h"
 #include "cli/Session.h"
 #include "cli/TargetName.h"
@@ -113,6 +115,11 @@ Start startFromIdentity(client::Connection& connection, const Options& options,
       requestIdentity(identity, options.update.isForced, connection)};
 }
 
+// Returns the path of the image, whichever way it was given.
+std::string fileOf(const Options& options, const UpdateRequest& request) {
+  return isFileUri(options.image) ? utils::Uri(options.image).getPath() : request.imagePath;
+}
+
 void reportEnd(const Context& context, const client::Connection& connection,
                const client::Target& target, const client::JobReport& job) {
   if (!job.isCompleted()) {
@@ -142,13 +149,16 @@ ExitStatus update(const Context& context, const Options& options) {
   const client::OnStart onStart = [&guard, &connection] {
     guard.emplace(connection->isRemote() ? Stops::Let : Stops::Held);
   };
-  const Start start = options.identity.empty()
-                          ? startFromFile(*connection, options, target, onStart)
-                          : startFromIdentity(*connection, options, target, onStart);
+  Start start = options.identity.empty() ? startFromFile(*connection, options, target, onStart)
+                                         : startFromIdentity(*connection, options, target, onStart);
 
   std::optional<client::JobReport> job;
   if (start.answer.jobPath.empty()) {
     guard.value().yieldToInterrupt();
+    if (!connection->isRemote()) {
+      start.request.why =
+          findLocalReason(target.label, fileOf(options, start.request), options.update.types);
+    }
     reportRefusal(context, "update of " + target.label, start.answer, start.request);
   } else {
     ProgressView view(context.out, chooseProgressStyle(context.options, !options.isProgressHidden),

@@ -4,6 +4,7 @@
 
 #include "Utils/Ascii.h"
 #include "Utils/Printable.h"
+#include "cimxml/Characters.h"
 #include "client/Fault.h"
 #include "http/Status.h"
 
@@ -41,8 +42,8 @@ std::string reasonOf(const http::ClientResponse& answer) {
   if (!isOfType(fieldOf(answer, "content-type"), "text/plain")) {
     return "";
   }
-  const std::string line = answer.body.substr(0, answer.body.find('\n'));
-  return utils::toPrintable(line.substr(0, kLongest)) + (line.size() > kLongest ? "..." : "");
+  const std::string line = answer.body.substr(0, answer.body.find_first_of("\r\n"));
+  return utils::toPrintable(cimxml::shorten(line, kLongest));
 }
 
 std::string describeProhibition(const HostAddress& address, const std::string& reason) {

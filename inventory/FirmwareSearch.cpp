@@ -80,6 +80,19 @@ std::optional<Entry> lookInTime(const std::string& path) {
   return answer == os::FileAnswer::InTime ? std::optional(*entry) : std::nullopt;
 }
 
+// Returns why a file is not listed.
+std::string findProblem(const ma::FirmwareDescription& file) {
+  if (!file.problem.empty()) {
+    return file.problem;
+  }
+  if (file.format == ma::FirmwareFormat::Unknown) {
+    return "it is no firmware file of a known format";
+  }
+  return file.hasMoreDevices ? "it names more than " +
+                                   std::to_string(ma::FirmwareDescription::kMostListed) + " devices"
+                             : "";
+}
+
 std::vector<std::uint8_t> readAll(const std::string& path, std::size_t size) {
   std::vector<std::uint8_t> content(size);
   const std::int32_t read =
@@ -213,7 +226,8 @@ FirmwareSearch::Known FirmwareSearch::Look::describe(const std::string& path, co
   }
   auto file = std::make_shared<FirmwareFile>();
   file->path = path;
-  made.problem = ma::describeFlashImage(content.bytes.get(), size, file->images);
+  file->description = ma::describeFirmware({content.bytes.get(), size});
+  made.problem = findProblem(file->description);
   if (entry.identity && identifyFirmwareFile(path) == entry.identity) {
     file->identity = entry.identity;
   }

@@ -13,15 +13,15 @@
 #include <vector>
 
 #include "Os/QuorvelConfig.h"
-#include "midapi/MidApi.h"
+#include "midapi/FirmwareDescription.h"
 #include "platform/FileIdentity.h"
 
 namespace inventory {
 
-// A file that holds a valid chain of PCI Expansion ROM images.
+// A sound file of a known format.
 struct FirmwareFile {
   std::string path;  // absolute, with slashes
-  std::vector<ma::FlashImageInfo> images;
+  ma::FirmwareDescription description;
   std::optional<platform::FileIdentity> identity;  // of what was read; nothing where in doubt
 };
 
@@ -52,8 +52,8 @@ class FirmwareFindings {
 
 // One look at a time. What a look costs grows with the number of files and with the bytes of those
 // that have changed. Neither grows without bound: a look takes kMostFiles files, each within
-// MaxImageSize, and their images name ma::kMostDescribedDevices devices each at the most; the rest
-// is left out with a problem.
+// MaxImageSize, and each names FirmwareDescription::kMostListed devices at the most; the rest is
+// left out with a problem.
 class FirmwareSearch {
  public:
   static constexpr std::size_t kMostFiles = 1000;

@@ -39,7 +39,8 @@ class Orvex_SoftwareIdentity : public CIM_LogicalElement {
   core::CimPropertyString_arr TargetTypes{"TargetTypes", this};
   core::CimPropertyUint16_arr Classifications{"Classifications", this};
   // What the values of the same index in IdentityInfoValue are. "Orvex:PCIDevice": a PCI vendor and
-  // device that its images are for, "1af4:1041".
+  // device that its images are for, "1af4:1041"; with those of the subsystem where a package says
+  // that it is for that alone, "8086:1592 sub 8086:0002".
   core::CimPropertyString_arr IdentityInfoType{"IdentityInfoType", this};
   core::CimPropertyString_arr IdentityInfoValue{"IdentityInfoValue", this};
   // What getImageKind() returns.

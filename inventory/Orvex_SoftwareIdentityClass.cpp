@@ -1,14 +1,11 @@
 #include "inventory/Orvex_SoftwareIdentityClass.h"
 
-#include <algorithm>
 #include <cstdint>
-#include <set>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "inventory/Adapters.h"
-#include "inventory/FirmwareContent.h"
 #include "midapi/MidApi.h"
 #include "platform/Texts.h"
 
@@ -34,19 +31,6 @@ void setSoftwareValues(Orvex_SoftwareIdentity& software, const std::string& inst
   software.ImageKind.setValue(software.getImageKind());
 }
 
-// Returns the version of the images; one for each type where the types differ in it.
-std::string joinVersions(const std::vector<utils::FirmwareVersionInfo>& firmware) {
-  const utils::FirmwareVersion first = firmware.front().version;
-  const bool isOneVersion = std::all_of(
-      firmware.begin(), firmware.end(),
-      [first](const utils::FirmwareVersionInfo& image) { return image.version == first; });
-  std::string joined = first.toString();
-  for (std::size_t index = 1; !isOneVersion && index < firmware.size(); ++index) {
-    joined += "+" + firmware[index].version.toString();
-  }
-  return joined;
-}
-
 // A firmware image that can be installed.
 class ImageFile final : public AdapterSoftware {
  public:
@@ -54,7 +38,7 @@ class ImageFile final : public AdapterSoftware {
     setSoftwareValues(
         *this, "Orvex:FirmwareFile:" + m_file->path,
         "Firmware image " + platform::toShownText(platform::toPath(m_file->path).filename()));
-    describeImages(m_file->images);
+    describe(m_file->description);
   }
 
   [[nodiscard]] std::string getIdentity() const override { return m_file->path; }
@@ -63,32 +47,20 @@ class ImageFile final : public AdapterSoftware {
   [[nodiscard]] FirmwareFilePtr getFile() const override { return m_file; }
 
  private:
-  void describeImages(const std::vector<ma::FlashImageInfo>& images);
+  void describe(const ma::FirmwareDescription& file);
 
   const FirmwareFilePtr m_file;
 };
 
-void ImageFile::describeImages(const std::vector<ma::FlashImageInfo>& images) {
-  const std::vector<utils::FirmwareVersionInfo> firmware = inventory::findFirstOfEachType(images);
-  std::vector<std::string> devices;
-  std::set<std::string_view> named;
-  for (const ma::FlashImageInfo& image : images) {
-    for (const std::string& device : image.devices) {
-      if (named.insert(device).second) {
-        devices.push_back(device);
-      }
-    }
-  }
+void ImageFile::describe(const ma::FirmwareDescription& file) {
   std::vector<std::string> types;
-  for (const utils::FirmwareVersionInfo& image : firmware) {
-    if (image.type != utils::FirmwareType::None) {
-      types.emplace_back(utils::firmwareTypeName(image.type));
-    }
+  for (const utils::FirmwareVersionInfo& image : file.images) {
+    types.emplace_back(utils::firmwareTypeName(image.type));
   }
-  VersionString.setValue(joinVersions(firmware));
+  VersionString.setValue(file.version);
   TargetTypes.setValue(types);
-  IdentityInfoType.setValue(std::vector<std::string>(devices.size(), kPciDevice));
-  IdentityInfoValue.setValue(devices);
+  IdentityInfoType.setValue(std::vector<std::string>(file.devices.size(), kPciDevice));
+  IdentityInfoValue.setValue(file.devices);
 }
 
 // A component in the flash of an adapter. Its place there tells it from others of its type.

@@ -1,22 +1,10 @@
 #include "midapi/ChainFlashBackend.h"
 
-#include <algorithm>
-
 #include "midapi/Digest.h"
 #include "midapi/OptionRom.h"
 
 namespace ma {
 namespace {
-
-std::vector<utils::FirmwareVersionInfo> firmwareOf(const AdapterFacts& facts, RomBytes rom) {
-  std::vector<utils::FirmwareVersionInfo> versions;
-  for (const OptionRomImage& image : parseRomChain(rom).images) {
-    if (isFirmwareOf(facts, image)) {
-      versions.push_back({image.type, image.version});
-    }
-  }
-  return versions;
-}
 
 std::vector<utils::FirmwareType> typesOf(const std::vector<utils::FirmwareVersionInfo>& firmware) {
   std::vector<utils::FirmwareType> types;
@@ -39,34 +27,6 @@ std::uint32_t capabilityWordOf(const std::vector<utils::FirmwareType>& types) {
   return word;
 }
 
-// Compares an image that may be installed with what the flash holds.
-ImageComparison compareChains(const AdapterFacts& facts, RomBytes image, RomBytes flash) {
-  const RomBytes installed = flash.first(parseRomChain(flash).length);
-  if (std::ranges::equal(image, installed)) {
-    return ImageComparison::SameContent;
-  }
-  return firmwareOf(facts, image) == firmwareOf(facts, installed) ? ImageComparison::SameVersion
-                                                                  : ImageComparison::Newer;
-}
-
-ImageComparison comparisonOf(PrepareStatus refusal) {
-  switch (refusal) {
-    case PrepareStatus::InvalidImage:
-    case PrepareStatus::NotForAdapter:
-      return ImageComparison::NotForAdapter;
-    case PrepareStatus::NotUpdatable:
-      return ImageComparison::NotUpdatable;
-    case PrepareStatus::TypesDiffer:
-      return ImageComparison::TypesDiffer;
-    case PrepareStatus::Downgrade:
-      return ImageComparison::Older;
-    case PrepareStatus::InternalFault:
-    case PrepareStatus::Ok:
-      break;
-  }
-  return ImageComparison::Unknown;
-}
-
 }  // namespace
 
 // A flash that is written as a whole is the old one or the new one.
@@ -79,7 +39,7 @@ bool ChainFlashBackend::isUpdatable(const PortId& port) {
 }
 
 std::vector<utils::FirmwareVersionInfo> ChainFlashBackend::installedFirmware(const PortId& port) {
-  return firmwareOf(facts(port), readFlash(port).view());
+  return firmwareOf(facts(port), parseRomChain(readFlash(port).view()));
 }
 
 // The flash itself says all there is to say.
@@ -113,7 +73,11 @@ ImageComparison ChainFlashBackend::compare(const PortId& port, ConstBytes file) 
   if (preparation.status != PrepareStatus::Ok) {
     return comparisonOf(preparation.status);
   }
-  return compareChains(facts(port), image.view().first(preparation.filled), readFlash(port).view());
+  return compareImages(facts(port), image.view().first(preparation.filled), readFlash(port).view());
+}
+
+std::uint64_t ChainFlashBackend::digestFlash(const PortId& port) {
+  return digestOf(readFlash(port).view());
 }
 
 std::uint64_t ChainFlashBackend::digest(const PortId& port) {
@@ -122,14 +86,15 @@ std::uint64_t ChainFlashBackend::digest(const PortId& port) {
   const std::uint8_t decisive[] = {low(adapter.vendor), low(adapter.vendor >> 8),
                                    low(adapter.device), low(adapter.device >> 8),
                                    low(adapter.isUpdatable ? 1 : 0)};
-  return digestOf(decisive, digestOf(readFlash(port).view()));
+  return digestOf(decisive, digestFlash(port));
 }
 
 void ChainFlashBackend::recordInstalled(const PortId& port,
                                         const std::vector<utils::FirmwareType>& types) {
   std::uint32_t word = capabilityWordOf(types);
   if (word == 0) {
-    word = capabilityWordOf(typesOf(firmwareOf(facts(port), readFlashToBe(port).view())));
+    word = capabilityWordOf(
+        typesOf(firmwareOf(facts(port), parseRomChain(readFlashToBe(port).view()))));
   }
   setCapabilityWord(port, word);
 }

@@ -28,6 +28,10 @@ class ChainFlashBackend : public FlashBackend {
   // Returns what the flash will hold when the update is made; without one, what it holds.
   [[nodiscard]] virtual FileBytes readFlashToBe(const PortId& port) = 0;
 
+  // Returns the digest of that content (see Digest.h), which a back end may know without reading
+  // it.
+  [[nodiscard]] virtual std::uint64_t digestFlash(const PortId& port);
+
   // Stores the capability word: bit n stands for image type number n.
   virtual void setCapabilityWord(const PortId& port, std::uint32_t word) = 0;
 

@@ -27,7 +27,8 @@ constexpr std::array kMarks = {
 };
 
 // The names of the devlink interface are those of the PCI drivers.
-constexpr std::array kUnknownDrivers = {"be2net"sv, "bna"sv, "bnxt_en"sv, "ionic"sv, "nfp"sv};
+constexpr std::array kUnknownDrivers = {"be2net"sv, "bna"sv,   "bnxt_en"sv,
+                                        "cxgb4"sv,  "ionic"sv, "nfp"sv};
 constexpr std::array kOptionRomDrivers = {"cxgb4"sv};
 constexpr std::array kPldmDrivers = {"ice"sv};
 constexpr std::array kMfa2Drivers = {"mlx5_core"sv, "mlxsw_spectrum"sv, "mlxsw_spectrum2"sv,

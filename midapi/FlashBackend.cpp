@@ -12,7 +12,7 @@ struct ErrorText {
   std::string_view text;
 };
 
-constexpr std::array<ErrorText, 10> kErrorTexts = {{
+constexpr std::array<ErrorText, 12> kErrorTexts = {{
     {FlashError::None, ""},
     {FlashError::UnknownAdapter, "The adapter is not known"},
     {FlashError::InvalidDescription, "The adapter's description is not valid"},
@@ -23,6 +23,8 @@ constexpr std::array<ErrorText, 10> kErrorTexts = {{
     {FlashError::ImageTooLarge, "The flash image is too large"},
     {FlashError::WriteRefused, "The adapter's driver has not written the firmware"},
     {FlashError::Ambiguous, "Two adapters have one address"},
+    {FlashError::NotOffered, "The adapter's driver does not offer that"},
+    {FlashError::NotActivated, "The adapter's driver has not activated the firmware"},
 }};
 
 std::string textOf(FlashError error) {

@@ -39,6 +39,8 @@ enum class FlashError : std::uint32_t {
   ImageTooLarge = 207,
   WriteRefused = 208,
   Ambiguous = 209,
+  NotOffered = 210,
+  NotActivated = 211,
 };
 
 // A flash operation that failed: a code and a text for the person who asked for it.

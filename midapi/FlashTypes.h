@@ -30,7 +30,8 @@ enum class ImageComparison {
   SameVersion,  // the same versions in other bytes
   SameContent,  // the very bytes that the flash holds
   Newer,
-  Unknown,  // the adapter is unknown or unreadable, or the image cannot be prepared
+  // The adapter is unknown or unreadable, the image cannot be prepared, or versions are not known.
+  Unknown,
 };
 
 }  // namespace ma

@@ -25,8 +25,8 @@ std::set<FirmwareType> typesOf(const RomChain& chain, const AdapterFacts& adapte
   return types;
 }
 
-bool isOlderThanInstalled(const std::vector<const OptionRomImage*>& selected,
-                          const RomChain& installed, const AdapterFacts& adapter) {
+std::optional<OlderImage> findOlder(const std::vector<const OptionRomImage*>& selected,
+                                    const RomChain& installed, const AdapterFacts& adapter) {
   std::map<FirmwareType, std::vector<utils::FirmwareVersion>> versions;
   for (const OptionRomImage& image : installed.images) {
     if (isFirmwareOf(adapter, image)) {
@@ -41,16 +41,27 @@ bool isOlderThanInstalled(const std::vector<const OptionRomImage*>& selected,
     }
     const std::size_t index = std::min(compared[image->type]++, ofType->second.size() - 1);
     if (image->version < ofType->second[index]) {
-      return true;
+      return OlderImage{image->type, image->version, ofType->second[index]};
     }
   }
-  return false;
+  return std::nullopt;
 }
 
 }  // namespace
 
 bool isFirmwareOf(const AdapterFacts& adapter, const OptionRomImage& image) {
   return image.type != FirmwareType::None && isForAdapter(adapter, image);
+}
+
+std::vector<utils::FirmwareVersionInfo> firmwareOf(const AdapterFacts& adapter,
+                                                   const RomChain& chain) {
+  std::vector<utils::FirmwareVersionInfo> versions;
+  for (const OptionRomImage& image : chain.images) {
+    if (isFirmwareOf(adapter, image)) {
+      versions.push_back({image.type, image.version});
+    }
+  }
+  return versions;
 }
 
 PrepareStatus checkAdapter(const RomChain& file, const AdapterFacts& adapter) {
@@ -79,7 +90,7 @@ ImageSelection selectImages(const RomChain& file, const RomChain& installed,
                                                                  wanted.begin(), wanted.end());
   if (!typesFit) {
     selection.status = PrepareStatus::TypesDiffer;
-  } else if (isOlderThanInstalled(selection.images, installed, adapter)) {
+  } else if ((selection.older = findOlder(selection.images, installed, adapter))) {
     selection.status = PrepareStatus::Downgrade;
   }
   return selection;
@@ -101,6 +112,35 @@ std::optional<std::uint32_t> copyImages(RomBytes file,
     filled += image->length;
   }
   return static_cast<std::uint32_t>(filled);
+}
+
+ImageComparison compareImages(const AdapterFacts& adapter, RomBytes image, RomBytes flash) {
+  const RomChain chain = parseRomChain(flash);
+  const RomBytes installed = flash.first(chain.length);
+  if (std::ranges::equal(image, installed)) {
+    return ImageComparison::SameContent;
+  }
+  return firmwareOf(adapter, parseRomChain(image)) == firmwareOf(adapter, chain)
+             ? ImageComparison::SameVersion
+             : ImageComparison::Newer;
+}
+
+ImageComparison comparisonOf(PrepareStatus refusal) {
+  switch (refusal) {
+    case PrepareStatus::InvalidImage:
+    case PrepareStatus::NotForAdapter:
+      return ImageComparison::NotForAdapter;
+    case PrepareStatus::NotUpdatable:
+      return ImageComparison::NotUpdatable;
+    case PrepareStatus::TypesDiffer:
+      return ImageComparison::TypesDiffer;
+    case PrepareStatus::Downgrade:
+      return ImageComparison::Older;
+    case PrepareStatus::InternalFault:
+    case PrepareStatus::Ok:
+      break;
+  }
+  return ImageComparison::Unknown;
 }
 
 }  // namespace ma

@@ -1,4 +1,5 @@
-// The checks of an image file against an adapter, and the image that is to be written.
+// The checks of an image file against an adapter, the image that is to be written, and what that
+// would change.
 //
 // Pure: works on parsed chains and on what a back end knows of the adapter. Throws nothing but
 // std::bad_alloc.
@@ -28,14 +29,26 @@ struct AdapterFacts {
 // device and of a known type.
 [[nodiscard]] bool isFirmwareOf(const AdapterFacts& adapter, const OptionRomImage& image);
 
+// Returns the firmware of the adapter in a chain, in its order.
+[[nodiscard]] std::vector<utils::FirmwareVersionInfo> firmwareOf(const AdapterFacts& adapter,
+                                                                 const RomChain& chain);
+
 // Returns the status of the checks that need no look into the flash: NotForAdapter, NotUpdatable,
 // or Ok. `file` is a valid chain.
 [[nodiscard]] PrepareStatus checkAdapter(const RomChain& file, const AdapterFacts& adapter);
+
+// An image of a file that is older than the one of its type that is installed.
+struct OlderImage {
+  utils::FirmwareType type = utils::FirmwareType::None;
+  utils::FirmwareVersion version;
+  utils::FirmwareVersion installed;
+};
 
 // Which images of a file are to be written, in file order, and Ok, TypesDiffer or Downgrade.
 struct ImageSelection {
   PrepareStatus status = PrepareStatus::Ok;
   std::vector<const OptionRomImage*> images;
+  std::optional<OlderImage> older;  // of a Downgrade: the first one that makes it so
 };
 
 // Selects the images of the requested types that are for the adapter, or all images when no types
@@ -53,6 +66,14 @@ struct ImageSelection {
 [[nodiscard]] std::optional<std::uint32_t> copyImages(
     RomBytes file, const std::vector<const OptionRomImage*>& images,
     std::span<std::uint8_t> buffer);
+
+// Compares an image that may be installed with what the flash holds: SameContent, SameVersion or
+// Newer.
+[[nodiscard]] ImageComparison compareImages(const AdapterFacts& adapter, RomBytes image,
+                                            RomBytes flash);
+
+// Returns what a file is to an adapter that the checks refuse it for.
+[[nodiscard]] ImageComparison comparisonOf(PrepareStatus refusal);
 
 }  // namespace ma
 

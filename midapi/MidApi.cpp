@@ -84,10 +84,6 @@ bool report(std::uint32_t& errorCode, std::string& errorText, Operation operatio
   return true;
 }
 
-std::string toDeviceName(std::uint16_t vendor, std::uint16_t device) {
-  return hexText(vendor, 4) + ":" + hexText(device, 4);
-}
-
 bool beginUpdate(const std::string& adapter) {
   try {
     return backend().beginUpdate(needPort(adapter).adapter);
@@ -120,6 +116,14 @@ Preparation prepare(const std::string& adapter, ConstBytes file, std::span<std::
 
 void useSettings(SettingsReader reader) {
   settingsReader.store(reader);
+}
+
+std::vector<AdapterKind> adapterKinds() {
+  std::vector<AdapterKind> kinds;
+  for (const FlashBackend* member : backends()) {
+    kinds.push_back(member == &virtualBackend() ? AdapterKind::Virtual : AdapterKind::Kernel);
+  }
+  return kinds;
 }
 
 utils::StringArray enumerateAdapters() {
@@ -218,31 +222,6 @@ std::string explainFlashImage(const std::string& adapter, const std::uint8_t* fi
                               const std::vector<utils::FirmwareType>& types) {
   FileBytes scratch(fileSize);
   return prepare(adapter, {file, fileSize}, scratch.writable(), types).reason;
-}
-
-std::string describeFlashImage(const std::uint8_t* file, std::uint32_t fileSize,
-                               std::vector<FlashImageInfo>& images) {
-  images.clear();
-  const RomChain chain = parseRomChain({file, fileSize});
-  if (!chain.isValid()) {
-    return chain.defect->toString();
-  }
-  std::size_t devices = 0;
-  for (const OptionRomImage& image : chain.images) {
-    devices += 1 + image.deviceList.size();
-  }
-  if (devices > kMostDescribedDevices) {
-    return "its images name " + std::to_string(devices) + " devices, more than " +
-           std::to_string(kMostDescribedDevices);
-  }
-  for (const OptionRomImage& image : chain.images) {
-    FlashImageInfo info{{image.type, image.version}, {toDeviceName(image.vendor, image.device)}};
-    for (const std::uint16_t device : image.deviceList) {
-      info.devices.push_back(toDeviceName(image.vendor, device));
-    }
-    images.push_back(std::move(info));
-  }
-  return {};
 }
 
 ImageComparison compareFlashImage(const std::string& adapter, const std::uint8_t* file,

@@ -25,13 +25,6 @@
 
 namespace ma {
 
-// One image of a firmware file.
-struct FlashImageInfo {
-  utils::FirmwareVersionInfo firmware;  // the type is None where it is none of the known ones
-  // The PCI devices that the image is for, "vvvv:dddd" in lower-case hexadecimal.
-  utils::StringArray devices;
-};
-
 // Reads the settings of the library; called at each operation, by any thread, and never gone.
 using SettingsReader = utils::FlashSettings (*)();
 
@@ -39,6 +32,9 @@ using SettingsReader = utils::FlashSettings (*)();
 // Where the environment has ORVEX_ADAPTERS, virtual adapters in that directory count, and no
 // others.
 ORVEX_MIDAPI_API void useSettings(SettingsReader reader);
+
+// Returns which kinds of adapters count now, by the settings, the environment and the platform.
+[[nodiscard]] ORVEX_MIDAPI_API std::vector<AdapterKind> adapterKinds();
 
 // Returns the identifiers of all ports of all adapters, ordered by PCI address.
 [[nodiscard]] ORVEX_MIDAPI_API utils::StringArray enumerateAdapters();
@@ -128,17 +124,6 @@ ORVEX_MIDAPI_API bool setBootType(const std::string& adapter, BootType bootType)
 [[nodiscard]] ORVEX_MIDAPI_API PrepareStatus prepareFlashImage(
     const std::string& adapter, const std::uint8_t* file, std::uint32_t fileSize,
     std::uint8_t* image, std::uint32_t& imageSize, const std::vector<utils::FirmwareType>& types);
-
-// How many devices the images of a file may name altogether to be described: a description takes
-// many times the bytes of the names in the file. Real files name some hundreds.
-inline constexpr std::size_t kMostDescribedDevices = 1024;
-
-// Fills `images` with what a firmware file holds, in file order. Returns why the bytes are no valid
-// chain of PCI Expansion ROM images, or that they name too many devices, and no images then; an
-// empty text when they are described.
-[[nodiscard]] ORVEX_MIDAPI_API std::string describeFlashImage(const std::uint8_t* file,
-                                                              std::uint32_t fileSize,
-                                                              std::vector<FlashImageInfo>& images);
 
 // Returns why prepareFlashImage refuses what it is asked, in one line for a person: which device
 // the file is for, which version is older than which. Empty where it does not, and where its status

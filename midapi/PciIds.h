@@ -4,6 +4,7 @@
 #define ORVEX_MIDAPI_PCIIDS_H_
 
 #include <cstdint>
+#include <string>
 
 namespace ma {
 
@@ -15,6 +16,10 @@ struct PciIds {
 
   friend bool operator==(const PciIds&, const PciIds&) = default;
 };
+
+// Returns for example "8086:1592", "8086:1592 sub 8086:0002", "8086:any", "any". An id that is 0
+// means any, and a subsystem of any is left out.
+[[nodiscard]] std::string describeIds(const PciIds& ids);
 
 }  // namespace ma
 

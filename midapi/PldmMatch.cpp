@@ -3,7 +3,12 @@
 namespace ma {
 namespace {
 
-// Returns the ids that the record names, 0 where it names none.
+bool isAnyOr(std::uint16_t named, std::uint16_t id) {
+  return named == 0 || named == id;
+}
+
+}  // namespace
+
 PciIds idsOf(const PldmRecord& record) {
   PciIds ids;
   for (const PldmDescriptor& descriptor : record.descriptors) {
@@ -20,12 +25,6 @@ PciIds idsOf(const PldmRecord& record) {
   }
   return ids;
 }
-
-bool isAnyOr(std::uint16_t named, std::uint16_t id) {
-  return named == 0 || named == id;
-}
-
-}  // namespace
 
 bool isFor(const PldmRecord& record, const PciIds& ids) {
   const PciIds named = idsOf(record);

@@ -14,6 +14,10 @@
 
 namespace ma {
 
+// Returns the four ids that the record names, 0 for each that it does not; of one that is named
+// twice the last.
+[[nodiscard]] PciIds idsOf(const PldmRecord& record);
+
 // Returns whether each of the four ids that the record names is the function's. An id that is 0 or
 // absent means any, and of one that is named twice the last counts; descriptors of other types do
 // not matter. So a record that names none of the four is for every adapter: namesDevice tells.

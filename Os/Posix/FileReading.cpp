@@ -75,7 +75,7 @@ class Reading {
 
 }  // namespace
 
-FileLook lookAtFile(const std::string& path) {
+FileStatus readFileStatus(const std::string& path) {
   const auto found = std::make_shared<std::optional<struct stat>>();
   const FileAnswer answer = fileCalls().make(path, [found, path] {
     struct stat status {};

@@ -26,7 +26,7 @@ enum class FileSilence {
   NoTurn,     // too many files are read ahead at the same time
 };
 
-struct FileLook {
+struct FileStatus {
   FileSilence silence = FileSilence::None;
   std::optional<struct stat> status;  // null: there is nothing
 };
@@ -37,7 +37,7 @@ struct FileBytes {
   std::size_t size = 0;                         // what was read of what was asked for
 };
 
-[[nodiscard]] ORVEX_CORE_API FileLook lookAtFile(const std::string& path);
+[[nodiscard]] ORVEX_CORE_API FileStatus readFileStatus(const std::string& path);
 
 // Reads up to `count` bytes of a regular file from its start; none of anything else.
 [[nodiscard]] ORVEX_CORE_API FileBytes readFileBytes(const std::string& path, std::size_t count);
@@ -45,7 +45,7 @@ struct FileBytes {
 // What a FileAhead has found out.
 struct FileFindings {
   std::string path;
-  FileLook look;
+  FileStatus look;
   std::optional<FileBytes> content;  // null: it was not to be read
   bool isTaken = false;
 };

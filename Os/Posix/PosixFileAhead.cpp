@@ -89,7 +89,7 @@ struct FileAhead::Findings : FileFindings {
 };
 
 bool FileAhead::Findings::lookAt(std::uint32_t most) {
-  look = lookAtFile(path);
+  look = readFileStatus(path);
   if (look.silence != FileSilence::None) {
     silence(look.silence);
     return false;

@@ -52,9 +52,9 @@ void reportSilence(FileSilence silence, LogFunction function, const std::string&
   }
 }
 
-FileLook lookInTime(LogFunction function, const std::string& path) {
+FileStatus lookInTime(LogFunction function, const std::string& path) {
   const FileFindings* const ahead = findAhead(path);
-  FileLook look = ahead != nullptr ? ahead->look : lookAtFile(path);
+  FileStatus look = ahead != nullptr ? ahead->look : readFileStatus(path);
   reportSilence(look.silence, function, path);
   return look;
 }
@@ -113,7 +113,7 @@ bool isInUse(const std::string& /*path*/) {
 bool isThisADir(const std::string& path) {
   utils::logDebug(kLog, "os::isThisADir", "Checking if the declared path %s points to a directory",
                   path.c_str());
-  const FileLook look = lookAtFile(path);
+  const FileStatus look = readFileStatus(path);
   // Who asks for the directories of the settings asks often, and reports a change by itself.
   if (look.silence == FileSilence::GivenUp) {
     reportSilence(look.silence, "os::isThisADir", path);

@@ -35,6 +35,9 @@ constexpr LONG kTooSmall = static_cast<LONG>(0xC0000004);
 constexpr ULONG kFirstSize = ULONG{1} << 20;
 constexpr ULONG kMostSize = ULONG{1} << 28;
 
+// The system itself, which is no program and lets nobody look at its handles.
+constexpr ULONG_PTR kSystemProcess = 4;
+
 using QuerySystem = LONG(NTAPI*)(ULONG kind, void* buffer, ULONG size, ULONG* needed);
 using CompareHandles = BOOL(WINAPI*)(HANDLE first, HANDLE second);
 
@@ -88,6 +91,9 @@ class Comparison {
   // Returns whether the table has the own handle, without which no other is the same.
   [[nodiscard]] bool isKnown() const { return m_isKnown; }
 
+  // Returns whether some that may have been the same could not be compared.
+  [[nodiscard]] bool hasDoubts() const { return m_hasDoubts; }
+
   bool isSame(const TableEntry& entry) {
     if (!m_isKnown || entry.type != m_own.type) {
       return false;
@@ -100,29 +106,49 @@ class Comparison {
 
  private:
   bool isSameBehind(const TableEntry& entry) {
-    if (m_compare == nullptr) {
+    if (entry.process == kSystemProcess) {
       return false;
     }
-    const auto number = static_cast<DWORD>(entry.process);
-    auto found = m_processes.find(number);
-    if (found == m_processes.end()) {
-      found = m_processes
-                  .emplace(number, platform::Handle(OpenProcess(PROCESS_DUP_HANDLE, FALSE, number)))
-                  .first;
+    if (m_compare == nullptr) {
+      m_hasDoubts = true;
+      return false;
     }
     HANDLE copy = nullptr;
-    if (!found->second.isOpen() ||
-        DuplicateHandle(found->second.get(), reinterpret_cast<HANDLE>(entry.handle),
-                        GetCurrentProcess(), &copy, 0, FALSE, DUPLICATE_SAME_ACCESS) == FALSE) {
+    const platform::Handle& process = open(static_cast<DWORD>(entry.process));
+    if (!process.isOpen()) {
+      return false;
+    }
+    if (DuplicateHandle(process.get(), reinterpret_cast<HANDLE>(entry.handle), GetCurrentProcess(),
+                        &copy, 0, FALSE, DUPLICATE_SAME_ACCESS) == FALSE) {
+      noteFailure(ERROR_INVALID_HANDLE);
       return false;
     }
     const platform::Handle owner(copy);
     return m_compare(m_handle, copy) != FALSE;
   }
 
+  const platform::Handle& open(DWORD process) {
+    auto found = m_processes.find(process);
+    if (found == m_processes.end()) {
+      found =
+          m_processes
+              .emplace(process, platform::Handle(OpenProcess(PROCESS_DUP_HANDLE, FALSE, process)))
+              .first;
+      if (!found->second.isOpen()) {
+        noteFailure(ERROR_INVALID_PARAMETER);
+      }
+    }
+    return found->second;
+  }
+
+  // To be called behind a call that has failed. What has gone meanwhile, which `gone` stands for,
+  // leaves no doubt.
+  void noteFailure(DWORD gone) { m_hasDoubts = m_hasDoubts || GetLastError() != gone; }
+
   const HANDLE m_handle;
   TableEntry m_own{};
   bool m_isKnown = false;
+  bool m_hasDoubts = false;
   const CompareHandles m_compare = find<CompareHandles>(L"kernelbase.dll", "CompareObjectHandles");
   std::map<DWORD, platform::Handle> m_processes;
 };
@@ -150,7 +176,7 @@ std::string HandleOwner::toString() const {
   return program.empty() ? number : program + ", " + number;
 }
 
-std::vector<HandleOwner> findOwners(void* handle) {
+HandleOwners findOwners(void* handle) {
   const std::vector<TableEntry> table = readTable();
   Comparison comparison(handle, table);
   if (!comparison.isKnown()) {
@@ -168,11 +194,12 @@ std::vector<HandleOwner> findOwners(void* handle) {
   if (!processes.empty()) {
     names = programNames();
   }
-  std::vector<HandleOwner> owners;
+  HandleOwners owners;
   for (const DWORD process : processes) {
-    owners.push_back({names[process], process});
+    owners.known.push_back({names[process], process});
   }
-  owners.push_back({"this program", GetCurrentProcessId()});
+  owners.known.push_back({"this program", GetCurrentProcessId()});
+  owners.areAll = !comparison.hasDoubts();
   return owners;
 }
 

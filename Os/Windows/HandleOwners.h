@@ -21,11 +21,17 @@ struct HandleOwner {
   [[nodiscard]] ORVEX_CORE_API std::string toString() const;
 };
 
-// Returns the processes that have the object open behind this handle of the process: the others,
-// the lowest number first, and then this one. Looks at all handles of the machine, which takes a
-// moment; what the system does not show to this user is missing, and where it shows nothing, all
-// are. Any thread may call.
-[[nodiscard]] ORVEX_CORE_API std::vector<HandleOwner> findOwners(void* handle);
+struct HandleOwners {
+  // The others, the lowest number first, and then this process; none where the system shows
+  // nothing.
+  std::vector<HandleOwner> known;
+  // No handle of another program was kept from this user, so that there are no other owners.
+  bool areAll = false;
+};
+
+// Returns the processes that have the object open behind this handle of the process. Looks at all
+// handles of the machine, which takes a moment. Any thread may call.
+[[nodiscard]] ORVEX_CORE_API HandleOwners findOwners(void* handle);
 
 }  // namespace os
 

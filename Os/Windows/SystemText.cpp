@@ -4,14 +4,12 @@
 #include <string_view>
 #include <windows.h>
 
+#include "platform/Windows/LocalMemory.h"
+
 namespace os {
 namespace {
 
 constexpr std::string_view kSubjectMark = "%1";
-
-struct LocalMemory {
-  void operator()(char* text) const { static_cast<void>(LocalFree(text)); }  // else it stays
-};
 
 }  // namespace
 
@@ -20,7 +18,7 @@ std::string getSystemText(std::uint32_t error) {
   const DWORD length = FormatMessageA(
       FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
       nullptr, error, 0, reinterpret_cast<char*>(&text), 0, nullptr);
-  const std::unique_ptr<char, LocalMemory> owner(text);
+  const std::unique_ptr<char, platform::LocalMemory> owner(text);
   std::string result(length != 0 ? text : "", length);
   result.erase(result.find_last_not_of("\r\n") + 1);
   return result;

@@ -1,12 +1,14 @@
 #include "Os/Windows/WindowsOSLocker.h"
 
 #include <exception>
+#include <string>
 #include <windows.h>
 
 #include "Os/Windows/HandleOwners.h"
 #include "Os/Windows/SystemText.h"
 #include "Os/Windows/WindowsSemaphoreWrapper.h"
 #include "Utils/Exception.h"
+#include "Utils/RefusalTexts.h"
 
 namespace os {
 namespace {
@@ -34,9 +36,13 @@ platform::Handle createSemaphore() {
 // memory for the machine's handles.
 std::string describeOwners(void* semaphore) noexcept {
   try {
+    const HandleOwners owners = findOwners(semaphore);
     std::string text;
-    for (const HandleOwner& owner : findOwners(semaphore)) {
+    for (const HandleOwner& owner : owners.known) {
       text += (text.empty() ? "" : "; ") + owner.toString();
+    }
+    if (!text.empty() && !owners.areAll) {
+      text += std::string("; ") + utils::refusal::kMayBeOpenInOthers;
     }
     return text;
   } catch (const std::exception&) {

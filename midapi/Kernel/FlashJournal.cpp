@@ -1,6 +1,7 @@
 #include "midapi/Kernel/FlashJournal.h"
 
 #include <cstddef>
+#include <exception>
 #include <limits>
 #include <string>
 #include <string_view>
@@ -78,6 +79,12 @@ std::optional<FlashEntry> readEntry(FileSystem& files, const std::filesystem::pa
   }
 }
 
+[[noreturn]] void failToKeep(const std::exception& fault) {
+  throw FlashFault(
+      FlashError::InputOutput,
+      std::string("no record of the update can be kept, so it has not begun: ") + fault.what());
+}
+
 }  // namespace
 
 FlashJournal::Claim::Claim(FileSystem& files, std::filesystem::path entry,
@@ -94,9 +101,9 @@ void FlashJournal::Claim::enter(const FlashEntry& entry) const {
     replaceContent(*m_files, m_entry,
                    {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
   } catch (const FileFault& fault) {
-    throw FlashFault(FlashError::InputOutput, fault.what());
+    failToKeep(fault);
   } catch (const DescriptionFault& fault) {
-    throw FlashFault(FlashError::InputOutput, fault.what());
+    failToKeep(fault);
   }
 }
 
@@ -126,7 +133,7 @@ FlashJournal::Claim FlashJournal::claim(const AdapterAddress& adapter) const {
                         [&entry](const std::string& name) { return name == entry; });
     return {m_files, entryPath(adapter), std::move(lock)};
   } catch (const FileFault& fault) {
-    throw FlashFault(FlashError::InputOutput, fault.what());
+    failToKeep(fault);
   }
 }
 
@@ -143,6 +150,14 @@ std::optional<FlashJournal::Claim> FlashJournal::tryClaim(const AdapterAddress& 
 
 std::optional<FlashEntry> FlashJournal::entry(const AdapterAddress& adapter) const {
   return readEntry(m_files, entryPath(adapter));
+}
+
+bool FlashJournal::hasEntry(const AdapterAddress& adapter) const {
+  try {
+    return m_files.exists(entryPath(adapter));
+  } catch (const FileFault&) {
+    return true;  // whoever reads it says why it cannot be read
+  }
 }
 
 bool FlashJournal::isClaimed(const AdapterAddress& adapter) const {

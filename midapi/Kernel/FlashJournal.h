@@ -76,6 +76,8 @@ class FlashJournal {
   // Returns the adapter's entry, whoever may have made it: a flash that is under way, or one whose
   // outcome is unknown.
   [[nodiscard]] std::optional<FlashEntry> entry(const AdapterAddress& adapter) const;
+  // Returns whether there is one, be it readable or not.
+  [[nodiscard]] bool hasEntry(const AdapterAddress& adapter) const;
 
   // Returns whether somebody has the right to write the adapter: then the writer of its entry
   // lives. Needs no right, and disturbs nobody. False, too, where it cannot be told (see

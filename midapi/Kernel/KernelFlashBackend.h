@@ -7,6 +7,10 @@
 // that fails in the middle, so an update here is not all or nothing: beginUpdate() keeps others of
 // this process away, and writeFlash() writes at once. Boot types and a record of what is installed
 // are not offered by drivers.
+//
+// The kernel goes on with a flash whose process was killed. Its entry in the journal stays then,
+// and list() and interruptedWrites() say what has become of it, as far as versions tell; it goes
+// with the next update, or when they find that the flash was finished after all.
 
 #ifndef ORVEX_MIDAPI_KERNEL_KERNELFLASHBACKEND_H_
 #define ORVEX_MIDAPI_KERNEL_KERNELFLASHBACKEND_H_
@@ -58,6 +62,41 @@ class KernelFlashBackend final : public FlashBackend {
   void writeFlash(const PortId& port, ConstBytes image, WriteProgress& progress) override;
   void recordInstalled(const PortId& port, const std::vector<utils::FirmwareType>& types) override;
   Activation activate(const AdapterAddress& adapter) override;
+
+ private:
+  struct Subject;
+  struct LeftOver {
+    std::string text;
+    std::string advice;  // empty where there is nothing to be done
+  };
+
+  // Throw FlashFault for what there is none of.
+  [[nodiscard]] KernelAdapter need(const AdapterAddress& address);
+  [[nodiscard]] Subject subjectOf(const PortId& port);
+
+  // Returns why this process can write no firmware at all; empty where it can.
+  [[nodiscard]] std::string whyNobody(const utils::FlashSettings& settings) const;
+
+  // Says what has become of an update of the adapter whose process is gone; empty where there is
+  // none, and as long as the kernel goes on with it. Where all went well, it is told once.
+  [[nodiscard]] LeftOver leftOverOf(const KernelAdapter& adapter) const;
+
+  // The steps of writeFlash.
+  [[nodiscard]] NetlinkAck flash(const Subject& subject, const std::string& file,
+                                 std::uint64_t bytes, WriteProgress& progress);
+  void verify(const PortId& function, const std::vector<NamedVersion>& expected,
+              const FlashJournal::Claim& claim);
+
+  FileSystem& m_files;
+  const KernelPlaces m_places;
+  DriverCalls& m_drivers;
+  const std::function<utils::FlashSettings()> m_settings;
+  platform::Clock& m_clock;
+  const FlashJournal m_journal;
+  KernelAdapters m_adapters;
+
+  platform::Mutex m_mutex;
+  std::set<AdapterAddress> m_updates ORVEX_GUARDED_BY(m_mutex);  // that have begun
 };
 
 }  // namespace ma

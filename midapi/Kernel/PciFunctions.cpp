@@ -103,6 +103,10 @@ std::string driverOf(const fs::path& folder) {
   return fs::read_symlink(folder / "driver", error).filename().string();
 }
 
+fs::path devicesIn(const fs::path& sysfs) {
+  return sysfs / "bus" / "pci" / "devices";
+}
+
 bool isPhysicalNetworkController(const fs::path& folder) {
   const auto classCode = readNumber(folder / "class");
   return classCode && *classCode >> kBaseClassShift == kNetworkController &&
@@ -114,7 +118,7 @@ bool isPhysicalNetworkController(const fs::path& folder) {
 std::vector<PciFunction> findPciFunctions(const fs::path& sysfs) {
   std::vector<PciFunction> functions;
   Interfaces interfaces = findInterfaces(sysfs);
-  const fs::path devices = sysfs / "bus" / "pci" / "devices";
+  const fs::path devices = devicesIn(sysfs);
   for (const std::string& name : namesIn(devices)) {
     const fs::path folder = devices / name;
     const auto id = parseCanonicalPortId(name);
@@ -129,6 +133,16 @@ std::vector<PciFunction> findPciFunctions(const fs::path& sysfs) {
   std::sort(functions.begin(), functions.end(),
             [](const PciFunction& one, const PciFunction& other) { return one.id < other.id; });
   return functions;
+}
+
+bool hasPciFunctions(const fs::path& sysfs, const AdapterAddress& adapter) {
+  for (std::uint8_t function = 0; function < kMaxPorts; ++function) {
+    const fs::path folder = devicesIn(sysfs) / toString(PortId{adapter, function});
+    if (isPhysicalNetworkController(folder) && readIds(folder)) {
+      return true;
+    }
+  }
+  return false;
 }
 
 }  // namespace ma

@@ -34,6 +34,10 @@ class StagedFirmware {
   TemporaryPath m_file;
 };
 
+// Returns why nobody with the rights of this process can stage firmware there, with what to do, in
+// one line; empty where that is possible.
+[[nodiscard]] std::string whyNotStageable(const std::filesystem::path& folder);
+
 // Removes what dead processes have left in the folder of one adapter's firmware. Minds no failure:
 // what stays is in nobody's way.
 void sweepStagedFirmware(FileSystem& files, const std::filesystem::path& folder,

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "midapi/Digest.h"
 #include "midapi/Virtual/AdapterFolder.h"
 
 namespace ma {
@@ -54,8 +55,7 @@ utils::StringArray AdapterCache::ports(const std::filesystem::path& directory) {
     return known->ports;
   }
   std::shared_ptr<const Snapshot> seen = look(directory, known.get());
-  const platform::Lock lock(m_mutex);
-  m_latest = seen;
+  keep(seen);
   return seen->ports;
 }
 
@@ -72,9 +72,47 @@ std::shared_ptr<const AdapterDescription> AdapterCache::description(
       AdapterFolder(m_files, directory, address).description());
 }
 
+std::uint64_t AdapterCache::flashDigest(const std::filesystem::path& directory,
+                                        const AdapterAddress& address) {
+  const AdapterFolder folder(m_files, directory, address);
+  if (folder.journal()) {  // soon it is another file, whichever it is now
+    return digestOf(folder.flash().view());
+  }
+  const std::filesystem::path path = folder.flashPath();
+  const Identity before = m_files.identity(path);
+  if (before) {
+    if (const auto known = findDigest(address, path, *before)) {
+      return *known;
+    }
+  }
+  const std::uint64_t digest = digestOf(folder.placedFlash().view());
+  if (const Identity identity = identityBetween(before, m_files.identity(path))) {
+    const platform::Lock lock(m_mutex);
+    m_flashes.insert_or_assign(address, Flash{path, *identity, digest});
+  }
+  return digest;
+}
+
 std::shared_ptr<const AdapterCache::Snapshot> AdapterCache::latest() {
   const platform::Lock lock(m_mutex);
   return m_latest;
+}
+
+void AdapterCache::keep(const std::shared_ptr<const Snapshot>& seen) {
+  const platform::Lock lock(m_mutex);
+  m_latest = seen;
+  std::erase_if(m_flashes,
+                [&seen](const auto& flash) { return seen->find(flash.first) == nullptr; });
+}
+
+std::optional<std::uint64_t> AdapterCache::findDigest(const AdapterAddress& address,
+                                                      const std::filesystem::path& path,
+                                                      const FileIdentity& identity) {
+  const platform::Lock lock(m_mutex);
+  const auto found = m_flashes.find(address);
+  const bool isKnown = found != m_flashes.end() && found->second.identity == identity &&
+                       found->second.path.native() == path.native();
+  return isKnown ? std::optional(found->second.digest) : std::nullopt;
 }
 
 bool AdapterCache::isCurrent(const Snapshot& known) const {

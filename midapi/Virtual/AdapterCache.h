@@ -1,14 +1,16 @@
 // What was read of the adapters in a directory, kept for as long as the files stay what they were.
 //
-// Every answer is the one that reading the files anew would give: the identities of the directory
-// and of each description are asked for at each call (see FileSystem::identity), and what has
-// changed, or has no identity, is read again. Any thread may call; none waits for another's
-// reading.
+// Every answer is the one that reading the files anew would give: the identities of the directory,
+// of each description and of a flash are asked for at each call (see FileSystem::identity), and
+// what has changed, or has no identity, is read again. Any thread may call; none waits for
+// another's reading.
 
 #ifndef ORVEX_MIDAPI_VIRTUAL_ADAPTERCACHE_H_
 #define ORVEX_MIDAPI_VIRTUAL_ADAPTERCACHE_H_
 
+#include <cstdint>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -36,11 +38,25 @@ class AdapterCache {
   [[nodiscard]] std::shared_ptr<const AdapterDescription> description(
       const std::filesystem::path& directory, const AdapterAddress& address);
 
+  // Returns the digest (see Digest.h) of what AdapterFolder::flash returns. Throws FlashFault as
+  // that.
+  [[nodiscard]] std::uint64_t flashDigest(const std::filesystem::path& directory,
+                                          const AdapterAddress& address);
+
  private:
   struct Adapter;
   struct Snapshot;
+  struct Flash {
+    std::filesystem::path path;
+    FileIdentity identity;
+    std::uint64_t digest = 0;
+  };
 
   [[nodiscard]] std::shared_ptr<const Snapshot> latest();
+  void keep(const std::shared_ptr<const Snapshot>& seen);
+  [[nodiscard]] std::optional<std::uint64_t> findDigest(const AdapterAddress& address,
+                                                        const std::filesystem::path& path,
+                                                        const FileIdentity& identity);
   [[nodiscard]] bool isCurrent(const Snapshot& known) const;
   [[nodiscard]] bool isCurrent(const Adapter& known) const;
   [[nodiscard]] std::shared_ptr<const Snapshot> look(const std::filesystem::path& directory,
@@ -52,6 +68,8 @@ class AdapterCache {
   platform::Mutex m_mutex;
   // A snapshot never changes. Null: nothing was read yet.
   std::shared_ptr<const Snapshot> m_latest ORVEX_GUARDED_BY(m_mutex);
+  // Of adapters that were there at the last look, or have come since.
+  std::map<AdapterAddress, Flash> m_flashes ORVEX_GUARDED_BY(m_mutex);
 };
 
 }  // namespace ma

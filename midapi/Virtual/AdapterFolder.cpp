@@ -57,6 +57,10 @@ FileBytes AdapterFolder::flash() const {
   return placedFlash();
 }
 
+FileBytes AdapterFolder::placedFlash() const {
+  return readIfThere(flashPath(), kMaxFlash).value_or(FileBytes());
+}
+
 AdapterState AdapterFolder::state() const {
   // Who updates again and again cannot keep a reader for ever.
   constexpr int kLooks = 5;
@@ -121,10 +125,6 @@ std::optional<FileBytes> AdapterFolder::readIfThere(const std::filesystem::path&
     }
     throw FlashFault(FlashError::InputOutput, fault.what());
   }
-}
-
-FileBytes AdapterFolder::placedFlash() const {
-  return readIfThere(flashPath(), kMaxFlash).value_or(FileBytes());
 }
 
 std::string AdapterFolder::decidedText() const {

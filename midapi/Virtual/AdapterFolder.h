@@ -54,6 +54,10 @@ class AdapterFolder {
   // decided; empty when there is no file.
   [[nodiscard]] FileBytes flash() const;
 
+  // Returns what stands under the flash's own name, which is the flash where no update is being
+  // done.
+  [[nodiscard]] FileBytes placedFlash() const;
+
   // Returns description and flash that belong to each other, as they are with the update that is
   // decided: also while it is being done, and where the caller may not complete it.
   [[nodiscard]] AdapterState state() const;
@@ -71,7 +75,6 @@ class AdapterFolder {
  private:
   [[nodiscard]] std::optional<FileBytes> readIfThere(const std::filesystem::path& path,
                                                      std::size_t maxSize) const;
-  [[nodiscard]] FileBytes placedFlash() const;
   [[nodiscard]] std::string decidedText() const;
 
   FileSystem& m_files;

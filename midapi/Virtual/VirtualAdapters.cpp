@@ -4,9 +4,9 @@
 #include <string_view>
 #include <utility>
 
-#include "midapi/Digest.h"
 #include "midapi/FileSystem.h"
 #include "midapi/FlashBackend.h"
+#include "midapi/FlashListing.h"
 #include "midapi/Hex.h"
 #include "midapi/ImagePreparation.h"
 #include "midapi/OptionRom.h"
@@ -26,7 +26,6 @@ AdapterListing describe(const AdapterFolder& folder) {
   settleUpdate(nativeFileSystem(), folder);
   const AdapterState state = folder.state();
   const AdapterDescription& description = state.description;
-  const AdapterFacts facts{description.vendor, description.device, description.isUpdatable};
   AdapterListing listing;
   listing.pci = toString(description.pci);
   listing.name = description.name;
@@ -39,18 +38,7 @@ AdapterListing describe(const AdapterFolder& folder) {
     listing.ports.push_back(
         {toString(PortId{description.pci, port.function}), port.mac, port.bootType, {}});
   }
-  const RomBytes bytes = state.flash.view();
-  listing.flashBytes = bytes.size();
-  const RomChain chain = parseRomChain(bytes);
-  if (!chain.isValid() && !isPadding(bytes)) {
-    listing.flashDefect = chain.defect->toString();
-  }
-  for (const OptionRomImage& image : chain.images) {
-    listing.components.push_back({image.type, image.version, image.vendor, image.device,
-                                  image.isFor(facts.vendor, facts.device), image.offset,
-                                  image.length,
-                                  digestOf(bytes.subspan(image.offset, image.length))});
-  }
+  describeFlash(state.flash.view(), listing);
   return listing;
 }
 

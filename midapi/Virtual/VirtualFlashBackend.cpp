@@ -86,6 +86,12 @@ FileBytes VirtualFlashBackend::readFlashToBe(const PortId& port) {
   return update != nullptr ? update->flashToBe() : readFlash(port);
 }
 
+std::uint64_t VirtualFlashBackend::digestFlash(const PortId& port) {
+  const std::filesystem::path directory = m_directory();
+  settleUpdate(m_files, {m_files, directory, port.adapter});
+  return m_cache.flashDigest(directory, port.adapter);
+}
+
 void VirtualFlashBackend::setBootType(const PortId& port, BootType bootType) {
   const AdapterFolder folder = folderOf(port.adapter);
   const platform::Lock lock(m_mutex);

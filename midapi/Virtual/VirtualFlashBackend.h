@@ -4,6 +4,7 @@
 #ifndef ORVEX_MIDAPI_VIRTUAL_VIRTUALFLASHBACKEND_H_
 #define ORVEX_MIDAPI_VIRTUAL_VIRTUALFLASHBACKEND_H_
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -40,6 +41,7 @@ class VirtualFlashBackend final : public ChainFlashBackend {
   AdapterFacts facts(const PortId& port) override;
   FileBytes readFlash(const PortId& port) override;
   FileBytes readFlashToBe(const PortId& port) override;
+  std::uint64_t digestFlash(const PortId& port) override;
   void setCapabilityWord(const PortId& port, std::uint32_t word) override;
 
  private:

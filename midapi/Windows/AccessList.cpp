@@ -9,8 +9,9 @@
 // Needs the header above.
 #include <sddl.h>
 
-#include "midapi/Windows/LocalMemory.h"
 #include "midapi/Windows/Users.h"
+#include "platform/Windows/LastError.h"
+#include "platform/Windows/LocalMemory.h"
 #include "platform/Windows/SystemPath.h"
 
 namespace ma {
@@ -21,10 +22,6 @@ namespace fs = std::filesystem;
 // Not inherited from above (P), but inherited by files and folders below (OICI): all for the system
 // and the administrators, reading for users.
 constexpr const wchar_t* kList = L"D:P(A;OICI;FA;;;SY)(A;OICI;FA;;;BA)(A;OICI;0x1200a9;;;BU)";
-
-[[noreturn]] void fail(const char* operation) {
-  throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), operation);
-}
 
 bool isMissing(DWORD error) {
   return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
@@ -45,7 +42,7 @@ SECURITY_INFORMATION inheritanceOf(SECURITY_DESCRIPTOR_CONTROL control) {
 }  // namespace
 
 struct PrivateFolderAttributes::State {
-  std::unique_ptr<void, LocalMemory> descriptor;
+  std::unique_ptr<void, platform::LocalMemory> descriptor;
   SECURITY_ATTRIBUTES attributes{sizeof(SECURITY_ATTRIBUTES), nullptr, FALSE};
 };
 
@@ -54,7 +51,7 @@ PrivateFolderAttributes::PrivateFolderAttributes() : m_state(std::make_unique<St
   void* descriptor = nullptr;
   if (ConvertStringSecurityDescriptorToSecurityDescriptorW(list.c_str(), SDDL_REVISION_1,
                                                            &descriptor, nullptr) == FALSE) {
-    fail("ConvertStringSecurityDescriptorToSecurityDescriptor");
+    platform::throwLastError("ConvertStringSecurityDescriptorToSecurityDescriptor");
   }
   m_state->descriptor.reset(descriptor);
   m_state->attributes.lpSecurityDescriptor = descriptor;

@@ -9,9 +9,12 @@
 
 #include "midapi/FileSystem.h"
 #include "midapi/Windows/Users.h"
+#include "platform/FileLook.h"
 #include "platform/Paths.h"
 #include "platform/Texts.h"
 #include "platform/Windows/Handle.h"
+#include "platform/Windows/LastError.h"
+#include "platform/Windows/NoErrorDialogs.h"
 #include "platform/Windows/SystemPath.h"
 
 namespace ma {
@@ -33,6 +36,73 @@ std::wstring wholeBase() {
     base.pop_back();
   }
   return base;
+}
+
+bool isBelow(const std::wstring& text, const std::wstring& base) {
+  return text.size() > base.size() && text[base.size()] == L'\\' &&
+         CompareStringOrdinal(text.data(), static_cast<int>(base.size()), base.data(),
+                              static_cast<int>(base.size()), TRUE) == CSTR_EQUAL;
+}
+
+// Returns the path of what a path leads to, as the system keeps it; empty where nothing is there.
+std::wstring finalPath(const fs::path& path) {
+  const platform::NoErrorDialogs noDialogs;
+  const HANDLE opened = CreateFileW(platform::toSystemPath(path).c_str(), FILE_READ_ATTRIBUTES,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  if (opened == INVALID_HANDLE_VALUE) {
+    return {};
+  }
+  const platform::Handle folder(opened);
+  std::wstring found;
+  // Somebody may rename it between the calls.
+  for (DWORD size = MAX_PATH; size > found.size();) {
+    found.resize(size);
+    size = GetFinalPathNameByHandleW(opened, found.data(), static_cast<DWORD>(found.size()), 0);
+    if (size < found.size()) {
+      found.resize(size);
+      std::error_code error;
+      return platform::makeAbsolute(found, error).native();
+    }
+  }
+  return {};
+}
+
+// Returns how much of an absolute path is its drive, or its server and share.
+std::size_t lengthOfRoot(const std::wstring& text) {
+  constexpr std::size_t kDrive = 2;
+  if (!text.starts_with(L"\\\\")) {
+    return kDrive;
+  }
+  const std::size_t share = std::min(text.find(L'\\', kDrive), text.size());
+  return std::min(text.find(L'\\', share + 1), text.size());
+}
+
+// Returns an absolute path as it reads below wholeBase(), through whatever it leads there: short
+// names, a link, a drive that stands for a folder, a share of this machine. Returns an empty text
+// where it leads elsewhere. Links that stand in %ProgramData% itself stay in it.
+std::wstring placeInProgramData(const std::wstring& text) {
+  const std::wstring base = wholeBase();
+  if (isBelow(text, base)) {
+    return text;
+  }
+  const std::wstring finalBase = finalPath(base);
+  if (finalBase.empty()) {
+    return {};
+  }
+  const std::size_t root = lengthOfRoot(text);
+  for (std::size_t end = root;; end = std::min(text.find(L'\\', end + 1), text.size())) {
+    const std::wstring folder = text.substr(0, end) + (end == root ? L"\\" : L"");
+    if (platform::areOneFile(folder, base)) {
+      return base + text.substr(end);
+    }
+    if (const std::wstring found = finalPath(folder); isBelow(found, finalBase)) {
+      return base + found.substr(finalBase.size()) + text.substr(end);
+    }
+    if (end >= text.size()) {
+      return {};
+    }
+  }
 }
 
 // A folder itself: of a link, not what it leads to.
@@ -58,7 +128,7 @@ class Folder {
   [[nodiscard]] bool isLink() const {
     BY_HANDLE_FILE_INFORMATION found{};
     if (GetFileInformationByHandle(m_handle.get(), &found) == FALSE) {
-      fail("GetFileInformationByHandle");
+      platform::throwLastError("GetFileInformationByHandle");
     }
     return ((found.dwFileAttributes | m_attributes) & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
   }
@@ -76,16 +146,12 @@ class Folder {
     if (GetKernelObjectSecurity(m_handle.get(), OWNER_SECURITY_INFORMATION, descriptor, size,
                                 &size) == FALSE ||
         GetSecurityDescriptorOwner(descriptor, &sid, &isDefault) == FALSE) {
-      fail("GetKernelObjectSecurity");
+      platform::throwLastError("GetKernelObjectSecurity");
     }
     return identifierOf(sid);
   }
 
  private:
-  [[noreturn]] static void fail(const char* operation) {
-    throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), operation);
-  }
-
   DWORD m_attributes;
   platform::Handle m_handle;
 };
@@ -125,22 +191,16 @@ fs::path programData() {
 }
 
 bool isInProgramData(const fs::path& path) {
-  const std::wstring base = wholeBase();
-  const std::wstring& text = path.native();
-  return text.size() > base.size() && text[base.size()] == L'\\' &&
-         CompareStringOrdinal(text.data(), static_cast<int>(base.size()), base.data(),
-                              static_cast<int>(base.size()), TRUE) == CSTR_EQUAL;
+  return isBelow(placeInProgramData(path.native()), wholeBase());
 }
 
 // From the outside: what is in somebody else's folder says nothing.
 std::string objectionTo(const fs::path& path) {
-  if (!isInProgramData(path)) {
-    return "";
-  }
-  const std::wstring& text = path.native();
-  for (std::size_t end = wholeBase().size(); end < text.size();) {
-    end = std::min(text.find(L'\\', end + 1), text.size());
-    if (std::string objection = objectionToOne(text.substr(0, end)); !objection.empty()) {
+  const std::wstring place = placeInProgramData(path.native());
+  const std::size_t base = wholeBase().size();
+  for (std::size_t end = base; end < place.size();) {
+    end = std::min(place.find(L'\\', end + 1), place.size());
+    if (std::string objection = objectionToOne(place.substr(0, end)); !objection.empty()) {
       return objection;
     }
   }

@@ -11,7 +11,8 @@ namespace ma {
 
 [[nodiscard]] std::filesystem::path programData();
 
-// Returns whether an absolute path leads into it.
+// Returns whether an absolute path leads into it, however it is spelled: with a short name, through
+// a link or by a share, too. What does not exist yet is where it would be made.
 [[nodiscard]] bool isInProgramData(const std::filesystem::path& path);
 
 // Returns why nothing may be made or changed in a folder of %ProgramData%, and what to do about it:

@@ -2,38 +2,31 @@
 
 #include <cstddef>
 #include <memory>
-#include <system_error>
 #include <vector>
 #include <windows.h>
 
 // Needs the header above.
 #include <sddl.h>
 
-#include "midapi/Windows/LocalMemory.h"
 #include "platform/Windows/Handle.h"
+#include "platform/Windows/LastError.h"
+#include "platform/Windows/LocalMemory.h"
 
 namespace ma {
-namespace {
-
-[[noreturn]] void fail(const char* operation) {
-  throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), operation);
-}
-
-}  // namespace
 
 std::wstring identifierOf(void* sid) {
   wchar_t* text = nullptr;
   if (ConvertSidToStringSidW(sid, &text) == FALSE) {
-    fail("ConvertSidToStringSid");
+    platform::throwLastError("ConvertSidToStringSid");
   }
-  const std::unique_ptr<wchar_t, LocalMemory> owner(text);
+  const std::unique_ptr<wchar_t, platform::LocalMemory> owner(text);
   return text;
 }
 
 std::wstring identifierOfProcess() {
   HANDLE token = nullptr;
   if (OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token) == FALSE) {
-    fail("OpenProcessToken");
+    platform::throwLastError("OpenProcessToken");
   }
   const platform::Handle owner(token);
   DWORD size = 0;
@@ -41,7 +34,7 @@ std::wstring identifierOfProcess() {
   static_cast<void>(GetTokenInformation(token, TokenUser, nullptr, 0, &size));
   std::vector<std::max_align_t> memory(size / sizeof(std::max_align_t) + 1);
   if (GetTokenInformation(token, TokenUser, memory.data(), size, &size) == FALSE) {
-    fail("GetTokenInformation");
+    platform::throwLastError("GetTokenInformation");
   }
   return identifierOf(reinterpret_cast<TOKEN_USER*>(memory.data())->User.Sid);
 }
@@ -51,7 +44,7 @@ std::wstring nameOf(const std::wstring& identifier) {
   if (ConvertStringSidToSidW(identifier.c_str(), &sid) == FALSE) {
     return identifier;
   }
-  const std::unique_ptr<void, LocalMemory> owner(sid);
+  const std::unique_ptr<void, platform::LocalMemory> owner(sid);
   DWORD nameSize = 0;
   DWORD domainSize = 0;
   SID_NAME_USE kind{};

@@ -1,9 +1,9 @@
 #include <algorithm>
-#include <system_error>
 #include <utility>
 #include <windows.h>
 
 #include "platform/Texts.h"
+#include "platform/Windows/LastError.h"
 
 namespace platform {
 namespace {
@@ -12,7 +12,7 @@ namespace {
 // the place of another one could name another file.
 int demandLength(int length, const char* operation) {
   if (length <= 0) {
-    throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), operation);
+    throwLastError(operation);
   }
   return length;
 }

@@ -263,7 +263,7 @@ TEST_F(QuorvelConfig, TakesTheSettingsOfTheFlashLibrary) {
 }
 
 TEST_F(QuorvelConfig, ReportsSettingsOfTheFlashLibraryThatItCannotUseOnce) {
-  const LogCapture log;
+  LogCapture log;
   const auto problems = [&](const char* name, const char* value) {
     log.clear();
     write({{name, value}});

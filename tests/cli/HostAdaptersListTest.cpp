@@ -1,4 +1,4 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <sstream>
 
 #include "cli/HostAdaptersList.h"
@@ -17,8 +17,9 @@ std::string printed(const std::vector<client::HostAdapter>& adapters, bool isJso
 TEST(HostAdaptersList, HasALineForEachPort) {
   EXPECT_EQ(printed({{"0000:03:00",
                       {"0000:03:00.0", "0000:03:00.1"},
-                      {{"IMG_PXE", "1.0"}, {"IMG_UEFI", "2.0"}}},
-                     {"0000:04:00", {"0000:04:00.0"}, {}}},
+                      {{"IMG_PXE", "1.0"}, {"IMG_UEFI", "2.0"}},
+                      {}},
+                     {"0000:04:00", {"0000:04:00.0"}, {}, {}}},
                     false),
             "PORT          ADAPTER     FIRMWARE\n"
             "0000:03:00.0  0000:03:00  IMG_PXE 1.0, IMG_UEFI 2.0\n"
@@ -27,7 +28,7 @@ TEST(HostAdaptersList, HasALineForEachPort) {
 }
 
 TEST(HostAdaptersList, IsADocumentForPrograms) {
-  EXPECT_EQ(printed({{"0000:03:00", {"0000:03:00.0"}, {{"IMG_PXE", "1.0"}}}}, true),
+  EXPECT_EQ(printed({{"0000:03:00", {"0000:03:00.0"}, {{"IMG_PXE", "1.0"}}, {}}}, true),
             "[\n"
             "  {\n"
             "    \"pci\": \"0000:03:00\",\n"
@@ -41,9 +42,31 @@ TEST(HostAdaptersList, IsADocumentForPrograms) {
             "        \"type\": \"IMG_PXE\",\n"
             "        \"version\": \"1.0\"\n"
             "      }\n"
-            "    ]\n"
+            "    ],\n"
+            "    \"versions\": []\n"
             "  }\n"
             "]\n");
+}
+
+TEST(HostAdaptersList, HasFirmwareBelowThePortsWhereDriversTellVersions) {
+  const std::vector<client::HostAdapter> adapters = {
+      {"0000:03:00",
+       {"0000:03:00.0", "0000:03:00.1"},
+       {{"IMG_PXE", "1.0"}},
+       {{"fw.mgmt", "7.1.0", ""}, {"fw.undi", "1.0.0", "1.1.0"}}},
+      {"0000:04:00", {"0000:04:00.0"}, {}, {}}};
+  EXPECT_EQ(printed(adapters, false),
+            "PORT          ADAPTER\n"
+            "0000:03:00.0  0000:03:00\n"
+            "0000:03:00.1  0000:03:00\n"
+            "0000:04:00.0  0000:04:00\n"
+            "\n"
+            "ADAPTER     FIRMWARE\n"
+            "0000:03:00  fw.mgmt 7.1.0\n"
+            "            fw.undi 1.0.0, stored 1.1.0\n"
+            "            IMG_PXE 1.0\n"
+            "0000:04:00  none\n");
+  EXPECT_THAT(printed(adapters, true), testing::HasSubstr("\"stored\": null"));
 }
 
 TEST(HostAdaptersList, SaysSoWhenThereIsNone) {

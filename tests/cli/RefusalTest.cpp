@@ -12,6 +12,7 @@ namespace {
 
 using cli::adviseOnRefusal;
 using testing::AllOf;
+using testing::EndsWith;
 using testing::HasSubstr;
 
 constexpr const char* kTypesDiffer =
@@ -69,6 +70,12 @@ TEST(RefusalAdvice, LooksAtTheFileFirst) {
             "'" + directory.path().string() + "' is a directory; name the image file in it");
   const std::string file = directory.write("a.rom", std::string("x")).string();
   EXPECT_THAT(adviseOnRefusal(2, "EAdapterNotSupported:x", {file}), HasSubstr("another device"));
+}
+
+TEST(RefusalAdvice, LeavesPathsAsTheUserHasThem) {
+  const std::string missing = "C:/tmp/adapters/srv/firmware/firmware.rom";
+  EXPECT_EQ(adviseOnRefusal(5, "EUriDoesNotExist:x", {missing}),
+            "there is no file '" + missing + "'; check the path");
 }
 
 TEST(RefusalAdvice, IsSilentAboutWhatItDoesNotKnow) {
@@ -176,7 +183,10 @@ TEST(FailureAdvice, TellsAWaitInVainFromALockThatCannotBeHad) {
   EXPECT_THAT(cli::adviseOnFailure(job, here()),
               AllOf(HasSubstr("when that program has ended"), HasSubstr("Timeout")));
   job.flashHolder = "another program; its semaphore is open in host.exe, process 12";
-  EXPECT_THAT(cli::adviseOnFailure(job, here()), HasSubstr("end them all"));
+  EXPECT_THAT(cli::adviseOnFailure(job, here()), EndsWith("end them all, and it is free"));
+  job.flashHolder += "; perhaps others, which this user is not shown";
+  EXPECT_THAT(cli::adviseOnFailure(job, here()),
+              AllOf(HasSubstr("it is free unless others"), HasSubstr("a restart of the machine")));
   job.flashHolder.clear();
   job.lockFailure = "cannot lock x: No locks available";
   EXPECT_THAT(cli::adviseOnFailure(job, here()),

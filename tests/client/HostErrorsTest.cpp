@@ -58,6 +58,19 @@ TEST(HostErrors, SayTheReasonThatTheHostGives) {
   EXPECT_THAT(faultOf(refused), testing::EndsWith("; its log may tell more"));
 }
 
+TEST(HostErrors, SayItWithoutTheEndOfItsLine) {
+  const http::ClientResponse refused{
+      403, {{"content-type", "text/plain"}}, "Not here.\r\nRead on.\r\n"};
+  EXPECT_EQ(faultOf(refused), "https://lab:5989 does not allow this: Not here.");
+}
+
+TEST(HostErrors, CutALongReasonBehindAWholeCharacter) {
+  const std::string kept(299, 'x');
+  const http::ClientResponse refused{
+      403, {{"content-type", "text/plain"}}, kept + "\xc3\xa9" + "yyy"};
+  EXPECT_THAT(faultOf(refused), testing::EndsWith(": " + kept + "..."));
+}
+
 TEST(HostErrors, SayWhatAnswersThere) {
   EXPECT_THAT(faultOf(answer(404)), HasSubstr("serves no CIM-XML"));
   EXPECT_THAT(faultOf(answer(503)), HasSubstr("too busy"));

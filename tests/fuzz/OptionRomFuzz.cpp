@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "midapi/MidApi.h"
+#include "midapi/FirmwareDescription.h"
 #include "midapi/OptionRom.h"
 #include "tests/fuzz/Fuzz.h"
 
@@ -27,10 +27,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     test::require(again.isValid() && again.images.size() == chain.images.size(),
                   "without what follows it is the same");
   }
-  std::vector<ma::FlashImageInfo> images;
-  const std::string problem =
-      ma::describeFlashImage(data, static_cast<std::uint32_t>(size), images);
-  test::require(problem.empty() != images.empty(), "a file is described or refused");
-  test::require(problem.empty() ? chain.isValid() : true, "what is described is a chain");
+  const ma::FirmwareDescription described = ma::describeFirmware({data, size});
+  if (described.format == ma::FirmwareFormat::OptionRom) {
+    test::require(described.problem.empty() == chain.isValid(), "what is described is a chain");
+  }
   return 0;
 }

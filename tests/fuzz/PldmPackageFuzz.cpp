@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "midapi/Crc32.h"
+#include "midapi/FirmwareDescription.h"
 #include "midapi/FirmwareFormat.h"
 #include "midapi/PldmMatch.h"
 #include "midapi/PldmNames.h"
@@ -54,7 +55,21 @@ void requireApart(const ma::PldmPackage& package, std::size_t size) {
   }
 }
 
+void describe(const Bytes& bytes) {
+  const ma::FirmwareDescription file = ma::describeFirmware(bytes);
+  test::require(file.devices.size() <= ma::FirmwareDescription::kMostListed, "devices are bounded");
+  test::require(file.components.size() <= ma::FirmwareDescription::kMostListed,
+                "components are bounded");
+  test::require(file.problem.empty() || file.components.empty(), "a damaged file tells nothing");
+  test::requirePrintable(file.problem);
+  test::requirePrintable(file.version);
+  for (const std::string& device : file.devices) {
+    test::requirePrintable(device);
+  }
+}
+
 void read(const Bytes& bytes) {
+  describe(bytes);
   const ma::PldmPackage package = ma::parsePldmPackage(bytes);
   if (!package.isValid()) {
     test::require(package.components.empty() && package.devices.empty(), "a defect is all");

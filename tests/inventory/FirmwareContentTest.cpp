@@ -5,6 +5,7 @@
 #include "inventory/FirmwareContent.h"
 #include "inventory/SoftwareInventoryAgent.h"
 #include "tests/inventory/InventoryFixture.h"
+#include "tests/support/PldmBuilder.h"
 
 namespace {
 
@@ -19,6 +20,20 @@ TEST(FirmwareContent, IsTheVersionOfTheFirstImageOfEachKnownType) {
                                 .add(RomImage::efi().version(1, 4))
                                 .build()),
             "IMG_PXE 0.2, IMG_UEFI 1.3");
+}
+
+TEST(FirmwareContent, OfAPackageIsItsVersionAndItsOptionRoms) {
+  const auto package = [](const test::Bytes& component) {
+    return test::PldmBuilder()
+        .version({"2026.11"})
+        .add(test::PldmDevice(0x8086, 0x1592).takes({0}))
+        .add(test::PldmImage(component))
+        .build()
+        .bytes;
+  };
+  EXPECT_EQ(describeContent(package(RomBuilder().add(RomImage::efi().version(1, 3)).build())),
+            "2026.11 (IMG_UEFI 1.3)");
+  EXPECT_EQ(describeContent(package({1, 2, 3})), "2026.11");
 }
 
 TEST(FirmwareContent, IsNothingWhereThereIsNoFirmware) {

@@ -35,10 +35,12 @@ TEST_F(FirmwareFiles, AreDescribedByTheirImages) {
   const std::vector<FirmwareFilePtr> files = m_files.find();
 
   ASSERT_EQ(files.size(), 1u);
-  ASSERT_EQ(files[0]->images.size(), 2u);
-  EXPECT_EQ(files[0]->images[0].firmware.type, utils::FirmwareType::Pxe);
-  EXPECT_EQ(files[0]->images[1].firmware.type, utils::FirmwareType::Uefi);
-  EXPECT_THAT(files[0]->images[0].devices, ElementsAre("1af4:1041"));
+  const ma::FirmwareDescription& description = files[0]->description;
+  EXPECT_THAT(
+      description.images,
+      ElementsAre(testing::Field(&utils::FirmwareVersionInfo::type, utils::FirmwareType::Pxe),
+                  testing::Field(&utils::FirmwareVersionInfo::type, utils::FirmwareType::Uefi)));
+  EXPECT_THAT(description.devices, ElementsAre("1af4:1041"));
 }
 
 TEST_F(FirmwareFiles, OfRealNetworkCardsAreFound) {
@@ -96,8 +98,8 @@ TEST_F(FirmwareFiles, ReportWhatIsNoFirmware) {
 
   EXPECT_THAT(find(), ElementsAre(good));
   EXPECT_THAT(problems(),
-              ElementsAre(leftOut(text, "image 0 at 0x00: no 55 AA signature"),
-                          leftOut(empty, "image 0 at 0x00: there are no bytes"),
+              ElementsAre(leftOut(text, "it is no firmware file of a known format"),
+                          leftOut(empty, "the file is empty"),
                           leftOut(damaged, "image 0 at 0x00: byte sum is 0x01, must be 0")));
 }
 

@@ -2,12 +2,16 @@
 
 #include "inventory/Orvex_SoftwareIdentityClass.h"
 #include "tests/inventory/InventoryFixture.h"
+#include "tests/support/PldmBuilder.h"
 
 namespace {
 
 using inventory::AdapterSoftware;
 using test::kAdapter;
 using test::kOtherAdapter;
+using test::PldmBuilder;
+using test::PldmDevice;
+using test::PldmImage;
 using test::RomBuilder;
 using test::RomImage;
 using testing::Each;
@@ -77,6 +81,21 @@ TEST_F(SoftwareIdentityClass, NamesEachTypeAndDeviceOfAFileOnce) {
   EXPECT_THAT(file.IdentityInfoValue.getValue(),
               ElementsAre("1af4:1041", "0001:0002", "1af4:0005"));
   EXPECT_THAT(file.IdentityInfoType.getValue(), testing::AllOf(SizeIs(3), Each("Orvex:PCIDevice")));
+}
+
+TEST_F(SoftwareIdentityClass, DescribesAPackage) {
+  const AdapterSoftware& file =
+      identityOf(PldmBuilder()
+                     .version({"2026.11"})
+                     .add(PldmDevice(0x8086, 0x1592).subsystem(0x8086, 2).takes({0, 1}))
+                     .add(PldmImage(firmware(3)).version({"1.1.0"}))
+                     .add(PldmImage({1, 2, 3}).identifier(6).version({"7.2.0"}))
+                     .build()
+                     .bytes);
+  EXPECT_EQ(file.VersionString.getValue(), "2026.11");
+  EXPECT_THAT(file.TargetTypes.getValue(), ElementsAre("IMG_PXE", "IMG_UEFI"));
+  EXPECT_THAT(file.IdentityInfoType.getValue(), ElementsAre("Orvex:PCIDevice"));
+  EXPECT_THAT(file.IdentityInfoValue.getValue(), ElementsAre("8086:1592 sub 8086:0002"));
 }
 
 TEST_F(SoftwareIdentityClass, HasNoTargetTypesForImagesOfUnknownTypes) {

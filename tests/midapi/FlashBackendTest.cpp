@@ -23,7 +23,8 @@ TEST(FlashFault, HasATextForEveryError) {
   for (const FlashError error :
        {FlashError::UnknownAdapter, FlashError::InvalidDescription, FlashError::NotUpdatable,
         FlashError::EmptyImage, FlashError::InputOutput, FlashError::CompareMismatch,
-        FlashError::ImageTooLarge, FlashError::WriteRefused, FlashError::Ambiguous}) {
+        FlashError::ImageTooLarge, FlashError::WriteRefused, FlashError::Ambiguous,
+        FlashError::NotOffered, FlashError::NotActivated}) {
     EXPECT_GT(std::string(FlashFault(error, "x").what()).size(), 10U);
   }
 }

@@ -162,6 +162,18 @@ TEST_F(ImagePreparation, ReportsADowngradeOfAnySelectedImage) {
   EXPECT_EQ(select({FirmwareType::Pxe}), PrepareStatus::Ok);
 }
 
+TEST_F(ImagePreparation, TellsWhichImageMakesADowngrade) {
+  install(RomBuilder().add(pxe(2)).add(uefi(2)));
+  offer(RomBuilder().add(pxe(3)).add(uefi(1)));
+  EXPECT_EQ(select(), PrepareStatus::Downgrade);
+  ASSERT_TRUE(m_selection.older);
+  EXPECT_EQ(m_selection.older->type, FirmwareType::Uefi);
+  EXPECT_EQ(m_selection.older->version.toString(), "1.0");
+  EXPECT_EQ(m_selection.older->installed.toString(), "2.0");
+  EXPECT_EQ(select({FirmwareType::Pxe}), PrepareStatus::Ok);
+  EXPECT_FALSE(m_selection.older);
+}
+
 TEST_F(ImagePreparation, ReportsDifferingTypesBeforeADowngrade) {
   install(RomBuilder().add(pxe(2)).add(uefi(2)));
   offer(RomBuilder().add(pxe(1)));
@@ -201,6 +213,25 @@ TEST_F(ImagePreparation, GivesUpWhereTheSumCannotBePutRight) {
   EXPECT_THAT(copied(m_file.size()), IsEmpty());
   static_cast<void>(select({FirmwareType::Pxe, FirmwareType::Uefi}));
   EXPECT_EQ(copied(m_file.size()), m_file);
+}
+
+TEST_F(ImagePreparation, ComparesAnImageWithTheFlash) {
+  const Bytes flash = RomBuilder().add(pxe(2)).add(uefi(2)).trailing(512, 0xFF).build();
+  const auto compare = [&flash](const RomBuilder& image) {
+    return ma::compareImages(kAdapter, image.build(), flash);
+  };
+  EXPECT_EQ(compare(RomBuilder().add(pxe(2)).add(uefi(2))), ma::ImageComparison::SameContent);
+  EXPECT_EQ(compare(RomBuilder().add(pxe(2).seed(9)).add(uefi(2))),
+            ma::ImageComparison::SameVersion);
+  EXPECT_EQ(compare(RomBuilder().add(pxe(2)).add(uefi(3))), ma::ImageComparison::Newer);
+}
+
+TEST_F(ImagePreparation, SaysWhatARefusedFileIsToTheAdapter) {
+  EXPECT_EQ(ma::comparisonOf(PrepareStatus::InvalidImage), ma::ImageComparison::NotForAdapter);
+  EXPECT_EQ(ma::comparisonOf(PrepareStatus::NotUpdatable), ma::ImageComparison::NotUpdatable);
+  EXPECT_EQ(ma::comparisonOf(PrepareStatus::TypesDiffer), ma::ImageComparison::TypesDiffer);
+  EXPECT_EQ(ma::comparisonOf(PrepareStatus::Downgrade), ma::ImageComparison::Older);
+  EXPECT_EQ(ma::comparisonOf(PrepareStatus::InternalFault), ma::ImageComparison::Unknown);
 }
 
 }  // namespace

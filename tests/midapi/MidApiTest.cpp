@@ -19,10 +19,8 @@ namespace {
 
 using ma::BootType;
 using ma::compareFlashImage;
-using ma::describeFlashImage;
 using ma::digestAdapter;
 using ma::enumerateAdapters;
-using ma::FlashImageInfo;
 using ma::getAdapterFirmwareVersion;
 using ma::getCanBeUpdated;
 using ma::getFlashImageUpdateProgress;
@@ -80,10 +78,6 @@ class MidApi : public testing::Test {
   PrepareStatus prepare(const RomBuilder& file, const std::vector<FirmwareType>& types = {}) {
     return prepare(file.build(), types);
   }
-  std::string describe(const Bytes& file) {
-    m_images.resize(5);
-    return describeFlashImage(file.data(), static_cast<std::uint32_t>(file.size()), m_images);
-  }
   ImageComparison compare(const Bytes& file, const char* port = kPort) {
     return compareFlashImage(port, file.data(), static_cast<std::uint32_t>(file.size()));
   }
@@ -109,7 +103,6 @@ class MidApi : public testing::Test {
   test::AdapterFixture m_adapters;
   test::AdaptersVariable m_variable{m_adapters.directory()};
   Bytes m_image;
-  std::vector<FlashImageInfo> m_images;
   std::uint32_t m_code = 0;
   std::string m_text;
 };
@@ -236,40 +229,6 @@ TEST_F(MidApi, ReportsAFaultOfItsOwn) {
   EXPECT_EQ(prepare(Bytes(100, 'x'), {}, "0000:03:00"), PrepareStatus::InvalidImage);
   m_adapters.set(kPci, "/ports", "[]");
   EXPECT_EQ(prepare(file), PrepareStatus::InternalFault);
-}
-
-TEST_F(MidApi, DescribesTheImagesOfAFile) {
-  EXPECT_EQ(describe(RomBuilder()
-                         .add(pxe(3).device(0x10EC, 0x8139).deviceList({0x8136, 0x8168}))
-                         .add(RomImage::ofCodeType(1).version(2, 7))
-                         .build()),
-            "");
-  ASSERT_EQ(m_images.size(), 2u);
-  EXPECT_EQ(m_images[0].firmware, (FirmwareVersionInfo{FirmwareType::Pxe, {3, 0}}));
-  EXPECT_THAT(m_images[0].devices, ElementsAre("10ec:8139", "10ec:8136", "10ec:8168"));
-  EXPECT_EQ(m_images[1].firmware, (FirmwareVersionInfo{FirmwareType::None, {2, 7}}));
-  EXPECT_THAT(m_images[1].devices, ElementsAre("1af4:1041"));
-}
-
-TEST_F(MidApi, DescribesNoFileThatNamesTooManyDevices) {
-  const auto file = [](std::size_t listed) {
-    return RomBuilder()
-        .add(pxe(3).units(8).deviceList(std::vector<std::uint16_t>(listed, 0x8136)))
-        .add(uefi(3))
-        .build();
-  };
-  EXPECT_EQ(describe(file(1022)), "");
-  EXPECT_EQ(m_images.size(), 2u);
-  EXPECT_EQ(describe(file(1023)), "its images name 1025 devices, more than 1024");
-  EXPECT_THAT(m_images, IsEmpty());
-}
-
-TEST_F(MidApi, TellsWhyAFileHoldsNoImages) {
-  EXPECT_THAT(describe(RomBuilder().add(pxe(2)).damage(0, RomDamage::ByteSum).build()),
-              HasSubstr("byte sum"));
-  EXPECT_THAT(m_images, IsEmpty());
-  EXPECT_NE(describe(Bytes()), "");
-  EXPECT_THAT(m_images, IsEmpty());
 }
 
 TEST_F(MidApi, ComparesAFileWithTheFlash) {

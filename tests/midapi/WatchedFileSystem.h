@@ -38,6 +38,8 @@ class WatchedFileSystem final : public ma::FileSystem {
   using StepHook = std::function<void(const std::string&, const std::filesystem::path&)>;
   StepHook beforeStep = [](const std::string&, const std::filesystem::path&) {};
   StepHook afterStep = [](const std::string&, const std::filesystem::path&) {};
+  // Nothing can be told of what stands at any path.
+  bool isInDoubt = false;
   // Nothing is tidied up any more: the process is as good as dead.
   bool isDead = false;
 
@@ -60,7 +62,7 @@ class WatchedFileSystem final : public ma::FileSystem {
   }
   std::optional<ma::FileIdentity> identity(
       const std::filesystem::path& path) const noexcept override {
-    return m_real.identity(path);
+    return isInDoubt ? std::nullopt : m_real.identity(path);
   }
   std::vector<std::filesystem::path> entries(const std::filesystem::path& path,
                                              std::size_t max) override {

@@ -16,19 +16,21 @@ std::string QuorvelFixture::uriOf(const std::string& file) {
   return "file://" + std::filesystem::path(file).generic_string();
 }
 
+std::string QuorvelFixture::writeFile(const std::string& name, const Bytes& content) const {
+  return m_directory.write(name, content).make_preferred().string();
+}
+
 std::string QuorvelFixture::writeRom(const std::string& name,
                                      const std::vector<RomImage>& images) const {
   RomBuilder rom;
   for (const RomImage& image : images) {
     rom.add(image);
   }
-  return m_directory.write(name, rom.build()).make_preferred().string();
+  return writeFile(name, rom.build());
 }
 
 std::string QuorvelFixture::writeDamagedRom(const std::string& name) const {
-  return m_directory.write(name, RomBuilder().add(pxe()).damage(0, RomDamage::ByteSum).build())
-      .make_preferred()
-      .string();
+  return writeFile(name, RomBuilder().add(pxe()).damage(0, RomDamage::ByteSum).build());
 }
 
 void QuorvelFixture::addAdapter(const std::string& pci, const std::string& rom, unsigned ports,

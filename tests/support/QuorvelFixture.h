@@ -28,6 +28,7 @@ class QuorvelFixture : public testing::Test {
   static std::string uriOf(const std::string& file);
 
   // Writes a file into the test's directory and returns its path, with the platform's separators.
+  std::string writeFile(const std::string& name, const Bytes& content) const;
   std::string writeRom(const std::string& name, const std::vector<RomImage>& images) const;
   std::string writeDamagedRom(const std::string& name) const;
 

@@ -25,11 +25,11 @@ class FileReading : public test::FilesFixture {
 
 TEST_F(FileReading, FindsTheStatusOfWhatIsThere) {
   const std::string path = file("image", "12345");
-  const os::FileLook look = os::lookAtFile(path);
+  const os::FileStatus look = os::readFileStatus(path);
   EXPECT_EQ(look.silence, FileSilence::None);
   ASSERT_TRUE(look.status);
   EXPECT_EQ(look.status->st_size, 5);
-  EXPECT_FALSE(os::lookAtFile(path + "x").status);
+  EXPECT_FALSE(os::readFileStatus(path + "x").status);
 }
 
 TEST_F(FileReading, ReadsAsMuchAsThereIs) {
@@ -43,7 +43,7 @@ TEST_F(FileReading, ReadsAsMuchAsThereIs) {
 TEST_F(FileReading, AsksNothingWhereAQuestionIsAway) {
   const std::string path = file("away/image", "12345");
   const test::HungDirectory hung(m_directory.path().string() + "/away");
-  EXPECT_EQ(os::lookAtFile(path).silence, FileSilence::StillAway);
+  EXPECT_EQ(os::readFileStatus(path).silence, FileSilence::StillAway);
   const os::FileBytes content = os::readFileBytes(path, 5);
   EXPECT_EQ(content.silence, FileSilence::StillAway);
   EXPECT_EQ(content.size, 0u);
@@ -55,10 +55,10 @@ TEST_F(FileReading, AsksNothingThereWithoutAThreadEither) {
   const test::HungDirectory hung(m_directory.path().string() + "/away");
   {
     const test::FailingCall failing(test::SystemCall::StartThread, EAGAIN);
-    EXPECT_EQ(os::lookAtFile(away).silence, FileSilence::StillAway);
+    EXPECT_EQ(os::readFileStatus(away).silence, FileSilence::StillAway);
   }
   const test::FailingCall failing(test::SystemCall::StartThread, EAGAIN);
-  EXPECT_TRUE(os::lookAtFile(here).status);
+  EXPECT_TRUE(os::readFileStatus(here).status);
 }
 
 // A whole file has no time: each piece is in time, and all of them together are not.

@@ -180,13 +180,24 @@ TEST_F(PosixOSLocker, WaitsForAProgramThatDoesNotTellItsName) {
   EXPECT_EQ(result.get(), 0);
 }
 
+// A clock that is slept by without memory: it notes nothing.
+class ForgetfulClock final : public platform::Clock {
+ public:
+  [[nodiscard]] TimePoint now() const override { return m_now; }
+  void sleepFor(Duration duration) override { m_now += duration; }
+
+ private:
+  TimePoint m_now;
+};
+
 TEST_F(PosixOSLocker, WaitsOnWithoutMemoryToTellForWhom) {
 #ifdef QUORVEL_TEST_THREAD_SANITIZER
   GTEST_SKIP() << "ThreadSanitizer lets no program have an operator new of its own";
 #endif
   const auto other = startHolder();
   setTimeout(130);
-  OSLockerPosix locker(m_folder.path());
+  ForgetfulClock clock;
+  OSLockerPosix locker(m_folder.path(), clock);
   const test::NoMemoryAfter noMemory("Waiting for the flash lock, which is held by os_tests");
 
   EXPECT_EQ(locker.Lock(), 3);

@@ -130,6 +130,32 @@ TEST_F(WindowsOSLocker, IsHadOnceAnotherProcessHasGivenItBack) {
   EXPECT_EQ(holder.get().exitStatus, 0);
 }
 
+HANDLE WINAPI openNone(DWORD /*access*/, BOOL /*isInherited*/, DWORD /*process*/) {
+  SetLastError(ERROR_ACCESS_DENIED);
+  return nullptr;
+}
+
+TEST_F(WindowsOSLocker, SaysThatOthersMayHaveItWhomTheUserIsNotShown) {
+  OSLockerWindows locker;
+  test::NamedEvent ready("hidden-ready");
+  test::NamedEvent go("hidden-go");
+  auto holder = std::async(std::launch::async, [&] {
+    return test::runProgram(test::programBeside("semaphore_holder"), {ready.name(), go.name()});
+  });
+  ASSERT_TRUE(ready.await());
+  setTimeout(100);
+  {
+    const test::ImportPatch patch("OrvexCimCore.dll", "OpenProcess", &openNone);
+    EXPECT_EQ(locker.Lock(), 3);
+  }
+  EXPECT_EQ(os::OSLocker::describeTimeout(),
+            "another program; its semaphore is open in this program, process " +
+                std::to_string(GetCurrentProcessId()) +
+                "; perhaps others, which this user is not shown");
+  go.set();
+  EXPECT_EQ(holder.get().exitStatus, 0);
+}
+
 TEST_F(WindowsOSLocker, UnlocksNothingThatAnotherHolds) {
   OSLockerWindows locker;
   OtherProgram other;

@@ -6,8 +6,7 @@
 #include <optional>
 #include <unistd.h>
 
-#include "Os/Posix/LockFile.h"
-#include "Os/Posix/PosixOSLocker.h"
+#include "tests/cli/Posix/OtherUpdater.h"
 #include "tests/cli/Posix/RunningQuorvel.h"
 #include "tests/support/QuorvelFixture.h"
 #include "tests/support/Regex.h"
@@ -17,6 +16,7 @@ namespace {
 
 using test::ContainsRegex;
 using test::MatchesRegex;
+using test::OtherUpdater;
 using test::OutputTo;
 using test::ProgramResult;
 using test::RunningQuorvel;
@@ -61,21 +61,6 @@ TEST_F(RunningUpdateTest, WaitsForTheFlashWhenItIsInterrupted) {
     EXPECT_EQ(flash(), test::readBytes(rom));
   }
 }
-
-// The machine's flash lock, had by another program.
-class OtherUpdater {
- public:
-  OtherUpdater() {
-    EXPECT_TRUE(
-        test::waitUntil([this] { return m_lock.tryLock(std::chrono::steady_clock::now()); }));
-  }
-  OtherUpdater(const OtherUpdater&) = delete;
-  OtherUpdater& operator=(const OtherUpdater&) = delete;
-  ~OtherUpdater() { EXPECT_EQ(m_lock.unlock(), 0); }
-
- private:
-  os::LockFile m_lock{os::OSLockerPosix::kFolder};
-};
 
 TEST_F(RunningUpdateTest, EndsWithoutAWriteWhenItIsInterruptedWhileItWaitsForTheFlash) {
   addPxeAdapter(kAdapter);

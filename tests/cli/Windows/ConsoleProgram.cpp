@@ -33,6 +33,12 @@ void change(const std::vector<EnvironmentChange>& environment) {
 
 }  // namespace
 
+void ConsoleProgram::End::operator()(void* process) const {
+  TerminateProcess(process, 1);  // which one that has ended takes no notice of
+  WaitForSingleObject(process, INFINITE);
+  CloseHandle(process);
+}
+
 ConsoleProgram::ConsoleProgram(const std::vector<std::string>& arguments,
                                const std::vector<EnvironmentChange>& environment)
     : m_output(makePipe()), m_errors(makePipe()) {
@@ -49,7 +55,7 @@ ConsoleProgram::ConsoleProgram(const std::vector<std::string>& arguments,
                         TRUE, CREATE_NO_WINDOW, nullptr, nullptr, &startup, &process),
          "CreateProcess");
   CloseHandle(process.hThread);
-  m_process = platform::Handle(process.hProcess);
+  m_process.reset(process.hProcess);
   m_output.in = platform::Handle();
   m_errors.in = platform::Handle();
   FreeConsole();
@@ -61,10 +67,7 @@ ConsoleProgram::ConsoleProgram(const std::vector<std::string>& arguments,
 }
 
 ConsoleProgram::~ConsoleProgram() {
-  if (!hasEnded()) {
-    TerminateProcess(m_process.get(), 1);
-    WaitForSingleObject(m_process.get(), INFINITE);
-  }
+  m_process.reset();
   SetConsoleCtrlHandler(nullptr, FALSE);
   FreeConsole();
 }

@@ -4,6 +4,7 @@
 #ifndef ORVEX_TESTS_CLI_WINDOWS_CONSOLEPROGRAM_H_
 #define ORVEX_TESTS_CLI_WINDOWS_CONSOLEPROGRAM_H_
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -14,7 +15,8 @@ namespace test {
 
 // The console has the system's code page at first, and no window. This process is attached to it
 // meanwhile, and has the changes of the environment, too. The program is ended at destruction when
-// it still runs. One at a time. Throws std::system_error where the platform fails.
+// it still runs. One at a time. Throws std::system_error where the platform fails, and then leaves
+// no program behind.
 class ConsoleProgram {
  public:
   ConsoleProgram(const std::vector<std::string>& arguments,
@@ -35,6 +37,9 @@ class ConsoleProgram {
     platform::Handle out;
     platform::Handle in;
   };
+  struct End {
+    void operator()(void* process) const;
+  };
   static Pipe makePipe();
   static void readInto(std::string& text, const Pipe& pipe);
   void read();
@@ -42,7 +47,7 @@ class ConsoleProgram {
 
   Pipe m_output;
   Pipe m_errors;
-  platform::Handle m_process;
+  std::unique_ptr<void, End> m_process;
   ProgramResult m_result;
 };
 

@@ -43,6 +43,12 @@ struct HungFile::Request {
   }
 };
 
+struct HungFile::Reading {
+  std::uint64_t request = 0;
+  std::size_t offset = 0;
+  std::size_t size = 0;
+};
+
 namespace {
 
 // Left alone for a long time, so that it is known by its times at once.
@@ -87,7 +93,11 @@ void HungFile::serve() {
   const auto request = std::make_unique<Request>();
   while (!m_isOver) {
     pollfd source{m_device.get(), POLLIN, 0};
-    if (::poll(&source, 1, kPeriod) != 1) {
+    const int found = ::poll(&source, 1, kPeriod);
+    if (!m_isHung) {
+      answerWaiting();
+    }
+    if (found != 1) {
       continue;
     }
     if (::read(m_device.get(), request->bytes.data(), request->bytes.size()) <= 0) {
@@ -130,9 +140,17 @@ void HungFile::answer(const Request& request) {
     case FUSE_READDIR:
       listDirectory(request);
       break;
-    case FUSE_READ:
-      answerReading(request);
+    case FUSE_READ: {
+      const auto asked = request.body<fuse_read_in>();
+      const Reading reading{request.head().unique, asked.offset, asked.size};
+      if (m_isHung) {
+        m_waiting.push_back(reading);
+        ++m_hung;
+      } else {
+        answerReading(reading);
+      }
       break;
+    }
     case FUSE_FLUSH:
     case FUSE_RELEASE:
     case FUSE_RELEASEDIR:
@@ -159,15 +177,17 @@ void HungFile::answerLookup(const Request& request) {
   reply(request, found);
 }
 
-void HungFile::answerReading(const Request& request) {
-  if (m_isHung) {
-    ++m_hung;
-    return;
+void HungFile::answerReading(const Reading& reading) const {
+  const std::size_t begin = std::min(reading.offset, m_content.size());
+  const std::size_t size = std::min(reading.size, m_content.size() - begin);
+  reply(reading.request, m_content.data() + begin, size, 0);
+}
+
+void HungFile::answerWaiting() {
+  for (const Reading& reading : m_waiting) {
+    answerReading(reading);
   }
-  const auto asked = request.body<fuse_read_in>();
-  const std::size_t begin = std::min<std::size_t>(asked.offset, m_content.size());
-  const std::size_t size = std::min<std::size_t>(asked.size, m_content.size() - begin);
-  reply(request, m_content.data() + begin, size);
+  m_waiting.clear();
 }
 
 void HungFile::listDirectory(const Request& request) {
@@ -186,10 +206,14 @@ void HungFile::listDirectory(const Request& request) {
 }
 
 void HungFile::reply(const Request& request, const void* body, std::size_t size, int error) const {
+  reply(request.head().unique, body, size, error);
+}
+
+void HungFile::reply(std::uint64_t request, const void* body, std::size_t size, int error) const {
   fuse_out_header head{};
   head.len = static_cast<std::uint32_t>(sizeof head + size);
   head.error = -error;
-  head.unique = request.head().unique;
+  head.unique = request;
   std::vector<char> message(head.len);
   std::memcpy(message.data(), &head, sizeof head);
   std::copy_n(static_cast<const char*>(body), size, message.data() + sizeof head);

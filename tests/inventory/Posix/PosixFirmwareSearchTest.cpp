@@ -60,7 +60,7 @@ TEST_F(PosixFirmwareSearch, ReadsAFileThatStandsInThePlaceOfAnother) {
 
   fs::rename(secondDirectory() / "b.rom", firstDirectory() / "a.rom");
   static_cast<void>(find());
-  EXPECT_EQ(m_files.find().at(0)->images.at(0).firmware.version, (utils::FirmwareVersion{2, 0}));
+  EXPECT_EQ(m_files.find().at(0)->description.version, "2.0");
 }
 
 // Settings whose directories answered when they were asked for.

@@ -55,6 +55,8 @@ TEST_F(FlashJournalTest, HasAnEntryForAsLongAsTheOutcomeIsUnknown) {
     claim.enter(twoComponents());
     EXPECT_THAT(m_journal.entry(kAdapter), Optional(twoComponents()));
     EXPECT_FALSE(m_journal.entry(kOther));
+    EXPECT_TRUE(m_journal.hasEntry(kAdapter));
+    EXPECT_FALSE(m_journal.hasEntry(kOther));
     claim.clear();
     EXPECT_FALSE(m_journal.entry(kAdapter));
     claim.enter(twoComponents());

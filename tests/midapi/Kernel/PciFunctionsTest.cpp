@@ -101,4 +101,13 @@ TEST_F(PciFunctions, FindsNoneWhereThereIsNoPci) {
   EXPECT_THAT(findPciFunctions(m_sysfs.root() / "none"), IsEmpty());
 }
 
+TEST_F(PciFunctions, KnowTheirAdapter) {
+  m_sysfs.addFunction("0000:03:00.1");
+  m_sysfs.addFunction("0000:04:00.0");
+  m_sysfs.setAttribute("0000:04:00.0", "class", "0x010601");
+  EXPECT_TRUE(ma::hasPciFunctions(m_sysfs.root(), {0, 3, 0}));
+  EXPECT_FALSE(ma::hasPciFunctions(m_sysfs.root(), {0, 4, 0}));
+  EXPECT_FALSE(ma::hasPciFunctions(m_sysfs.root(), {0, 5, 0}));
+}
+
 }  // namespace

@@ -4,6 +4,7 @@
 #define ORVEX_TESTS_MIDAPI_KERNEL_PLAYEDDRIVERS_H_
 
 #include <functional>
+#include <gtest/gtest.h>
 #include <map>
 #include <span>
 #include <string>
@@ -23,6 +24,18 @@ class PlayedDrivers final : public ma::DriverCalls {
   // Called with the identifiers that are asked for, before the answer is looked up.
   std::function<void(const std::vector<std::string>&)> beforeAnswer =
       [](const std::vector<std::string>&) {};
+  // What comes of a flash, of a function or an interface, with a file of that name; and of an
+  // activation.
+  using OnEvent = std::function<void(const ma::DevlinkFlashEvent&)>;
+  std::function<ma::NetlinkAck(const std::string&, const std::string&, const OnEvent&)>
+      onDevlinkFlash =
+          [](const std::string&, const std::string&, const OnEvent&) { return ma::NetlinkAck{}; };
+  std::function<ma::NetlinkAck(const std::string&, const std::string&)> onEthtoolFlash =
+      [](const std::string&, const std::string&) { return ma::NetlinkAck{}; };
+  std::function<ma::NetlinkAck(const std::string&)> onActivate = [](const std::string&) {
+    return ma::NetlinkAck{};
+  };
+  bool isPrivileged = true;
 
   // Returns what was asked for since the last call, a text for each time: "0000:03:00.0 vpd rom,
   // 0000:03:00.1".
@@ -54,13 +67,18 @@ class PlayedDrivers final : public ma::DriverCalls {
     }
     return given;
   }
-  ma::NetlinkAck flashByDevlink(const ma::PortId&, const std::string&, const std::string&,
-                                const std::function<void(const ma::DevlinkFlashEvent&)>&) override {
-    return {};
+  ma::NetlinkAck flashByDevlink(const ma::PortId& function, const std::string& file,
+                                const std::string& component, const OnEvent& onEvent) override {
+    EXPECT_EQ(component, "");
+    return onDevlinkFlash(toString(function), file, onEvent);
   }
-  ma::NetlinkAck flashByEthtool(const std::string&, const std::string&) override { return {}; }
-  ma::NetlinkAck activate(const ma::PortId&) override { return {}; }
-  [[nodiscard]] bool mayFlash() const override { return true; }
+  ma::NetlinkAck flashByEthtool(const std::string& interface, const std::string& file) override {
+    return onEthtoolFlash(interface, file);
+  }
+  ma::NetlinkAck activate(const ma::PortId& function) override {
+    return onActivate(toString(function));
+  }
+  [[nodiscard]] bool mayFlash() const override { return isPrivileged; }
 
  private:
   platform::Mutex m_mutex;

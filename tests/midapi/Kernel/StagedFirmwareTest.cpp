@@ -13,6 +13,7 @@ using ma::AdapterAddress;
 using ma::FlashFault;
 using ma::StagedFirmware;
 using ma::sweepStagedFirmware;
+using ma::whyNotStageable;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -81,6 +82,17 @@ TEST_F(StagedFirmwareTest, LeavesNothingOnAFullDisk) {
   };
   EXPECT_THAT(failure(m_folder.path()), HasSubstr("No space left on device"));
   EXPECT_THAT(staged(), IsEmpty());
+}
+
+TEST_F(StagedFirmwareTest, SaysBeforehandWhyItCannotBe) {
+  EXPECT_EQ(whyNotStageable(m_folder.path()), "");
+  const std::filesystem::path missing = m_folder.path() / "none";
+  EXPECT_EQ(whyNotStageable(missing),
+            "firmware cannot be put into " + missing.string() +
+                ", where the kernel looks for it: No such file or directory; let it be written, or "
+                "name another folder of the kernel's with FirmwareFolder");
+  EXPECT_THAT(whyNotStageable(m_folder.write("file", std::string("x"))),
+              HasSubstr("Not a directory"));
 }
 
 }  // namespace

@@ -1,11 +1,14 @@
 #include <atomic>
 #include <fstream>
 #include <gmock/gmock.h>
+#include <string>
 #include <thread>
 #include <vector>
 
+#include "midapi/Digest.h"
 #include "midapi/FlashBackend.h"
 #include "midapi/Virtual/AdapterCache.h"
+#include "midapi/Virtual/UpdateJournal.h"
 #include "tests/midapi/AdapterFixture.h"
 #include "tests/midapi/WatchedFileSystem.h"
 
@@ -18,6 +21,8 @@ using ma::nativeFileSystem;
 using testing::AnyOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
+
+using Bytes = std::vector<std::uint8_t>;
 
 constexpr const char* kPci = "0000:03:00";
 constexpr const char* kOtherPci = "0000:04:00";
@@ -32,6 +37,16 @@ class AdapterCacheTest : public testing::Test {
 
   utils::StringArray ports() { return m_cache.ports(m_adapters.directory()); }
   std::uint16_t device() { return m_cache.description(m_adapters.directory(), kAddress)->device; }
+
+  std::uint64_t flashDigest() { return m_cache.flashDigest(m_adapters.directory(), kAddress); }
+
+  // Writes a file in the adapter's folder, and returns its path.
+  [[nodiscard]] std::filesystem::path write(const std::string& name,
+                                            const std::string& text) const {
+    std::filesystem::path path = m_adapters.folder(kPci) / name;
+    std::ofstream(path, std::ios::binary) << text;
+    return path;
+  }
 
   // Overwrites the device's digits where they stand, so that the file keeps its size and its name.
   void writeDevice(const char* digits) const {
@@ -98,6 +113,30 @@ TEST_F(AdapterCacheTest, SeesEachOfManyRewritesOfTheSameSize) {
     writeDevice(round % 2 == 0 ? "1042" : "1043");
     ASSERT_EQ(device(), round % 2 == 0 ? 0x1042 : 0x1043) << round;
     ASSERT_EQ(ports().size(), 4U);
+  }
+}
+
+TEST_F(AdapterCacheTest, DigestsTheFlashOfAnUpdateThatIsDecidedUntilItIsGivenUp) {
+  m_adapters.makeAdapter(kPci, Bytes(9, 'o'));
+  EXPECT_EQ(flashDigest(), ma::digestOf(Bytes(9, 'o')));
+  const std::string name = "flash.rom.new-0123456789abcdef";
+  const Bytes image(9, 'n');
+  const auto flash = write(name, {image.begin(), image.end()});
+  const auto journal =
+      write("update.json", ma::formatJournal({name, image.size(), ma::digestOf(image), {}}));
+  EXPECT_EQ(flashDigest(), ma::digestOf(image));
+  std::filesystem::remove(flash);
+  std::filesystem::remove(journal);
+  EXPECT_EQ(flashDigest(), ma::digestOf(Bytes(9, 'o')));
+}
+
+TEST_F(AdapterCacheTest, DigestsTheFlashOfTheDirectoryThatItIsAskedFor) {
+  const test::AdapterFixture others;
+  m_adapters.makeAdapter(kPci, Bytes(9, 'a'));
+  others.makeAdapter(kPci, Bytes(9, 'b'));
+  for (int round = 0; round < 2; ++round) {
+    EXPECT_EQ(flashDigest(), ma::digestOf(Bytes(9, 'a')));
+    EXPECT_EQ(m_cache.flashDigest(others.directory(), kAddress), ma::digestOf(Bytes(9, 'b')));
   }
 }
 

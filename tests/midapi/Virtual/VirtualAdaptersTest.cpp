@@ -213,9 +213,9 @@ TEST_F(VirtualAdaptersTest, ReportsFoldersThatItPassesOver) {
   const AdapterList list = m_virtual.list();
   EXPECT_THAT(list.adapters, SizeIs(1));
   ASSERT_THAT(list.problems, SizeIs(2));
-  EXPECT_EQ(list.problems[0].folder, m_adapters.folder("0000:04:00"));
+  EXPECT_EQ(list.problems[0].place, m_adapters.folder("0000:04:00").string());
   EXPECT_THAT(list.problems[0].text, HasSubstr("field deviceId"));
-  EXPECT_EQ(list.problems[1].folder, m_adapters.directory() / "0000-5-0");
+  EXPECT_EQ(list.problems[1].place, (m_adapters.directory() / "0000-5-0").string());
   EXPECT_THAT(list.problems[1].text, HasSubstr("no adapter address like 0000-03-00"));
 }
 

@@ -80,6 +80,49 @@ TEST_F(ProgramData, TakesNoLinkToAnotherPlace) {
                     HasSubstr("rmdir \"" + link.string() + "\"")));
 }
 
+TEST_F(ProgramData, IsKnownByItsShortName) {
+  const auto base = folder("A name that is long");
+  const auto path = folder("A name that is long/Orvex/adapters");
+  wchar_t buffer[MAX_PATH] = {};
+  GetShortPathNameW(base.c_str(), buffer, MAX_PATH);
+  const std::filesystem::path shortBase(buffer);
+  if (shortBase.empty() || shortBase == base) {
+    GTEST_SKIP() << "the file system of the test has no short names";
+  }
+  const PlayedOwner owner(L"Orvex", test::kStranger);
+  const OwnProgramData own(base.native());
+  EXPECT_TRUE(isInProgramData(shortBase / "Orvex"));
+  EXPECT_FALSE(isInProgramData(shortBase));
+  EXPECT_EQ(objectionTo(shortBase / "Orvex" / "adapters"), objectionTo(path));
+  EXPECT_THAT(objectionTo(path), HasSubstr(" belongs to S-1-5-21-1-2-3-4567"));
+  const OwnProgramData shortOwn(shortBase.native());
+  EXPECT_THAT(objectionTo(path), HasSubstr(" belongs to S-1-5-21-1-2-3-4567"));
+}
+
+TEST_F(ProgramData, IsKnownThroughLinksFromElsewhere) {
+  const auto path = folder("Orvex/adapters");
+  const test::TempDirectory elsewhere;
+  const test::DirectoryLink all(elsewhere.path() / "All Users", m_directory.path());
+  const test::DirectoryLink one(elsewhere.path() / "one", path.parent_path());
+  const PlayedOwner owner(L"Orvex", test::kStranger);
+  for (const char* const spelling : {"All Users/Orvex/adapters", "one/adapters", "one/none"}) {
+    const auto other = (elsewhere.path() / spelling).make_preferred();
+    EXPECT_TRUE(isInProgramData(other)) << spelling;
+    EXPECT_EQ(objectionTo(other), objectionTo(path)) << spelling;
+  }
+  EXPECT_FALSE(isInProgramData(elsewhere.path() / "All Users"));
+  EXPECT_FALSE(isInProgramData(elsewhere.path() / "two"));
+}
+
+TEST_F(ProgramData, SeesItsLinksUnderAnotherName) {
+  const auto link = m_directory.path() / "Orvex";
+  const test::DirectoryLink made(link, folder("elsewhere/adapters").parent_path());
+  const test::TempDirectory elsewhere;
+  const test::DirectoryLink all(elsewhere.path() / "all", m_directory.path());
+  EXPECT_THAT(objectionTo(elsewhere.path() / "all" / "Orvex" / "adapters"),
+              StartsWith(link.string() + " is a link to another place"));
+}
+
 TEST_F(ProgramData, TakesFoldersThatAreMissing) {
   EXPECT_EQ(objectionTo(m_directory.path() / "Orvex" / "adapters"), "");
 }

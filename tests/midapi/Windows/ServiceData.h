@@ -15,7 +15,7 @@
 #include <sddl.h>
 
 #include "midapi/FileSystem.h"
-#include "midapi/Windows/LocalMemory.h"
+#include "platform/Windows/LocalMemory.h"
 #include "tests/support/Windows/ImportPatch.h"
 
 namespace test {
@@ -63,7 +63,7 @@ class PlayedOwner {
     void* made = nullptr;
     ConvertStringSecurityDescriptorToSecurityDescriptorW((L"O:" + s_identifier).c_str(),
                                                          SDDL_REVISION_1, &made, needed);
-    const std::unique_ptr<void, ma::LocalMemory> owner(made);
+    const std::unique_ptr<void, platform::LocalMemory> owner(made);
     if (size < *needed) {
       SetLastError(ERROR_INSUFFICIENT_BUFFER);
       return FALSE;

@@ -1,0 +1,260 @@
+#include "cli/AdaptersList.h"
+
+#include <algorithm>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Utils/FirmwareTypes.h"
+#include "Utils/Printable.h"
+#include "cli/AdapterWords.h"
+#include "cli/TextTable.h"
+#include "client/Texts.h"
+
+namespace cli {
+namespace {
+
+constexpr const char* kNothing = "-";
+constexpr const char* kVirtual = "virtual";
+
+bool isKernels(const ma::AdapterListing& adapter) {
+  return adapter.kind == ma::AdapterKind::Kernel;
+}
+
+std::string orNothing(const std::string& text) {
+  return text.empty() ? kNothing : text;
+}
+
+// ---- virtual adapters alone
+
+std::string describeFlash(const ma::AdapterListing& adapter) {
+  if (!adapter.flashDefect.empty()) {
+    return "damaged";
+  }
+  const std::string images = describeImages(adapter.components);
+  return images.empty() ? "none" : images;
+}
+
+void printVirtualAdapters(std::ostream& out, const ma::AdapterList& list) {
+  TextTable table({"PORT", "ADAPTER", "NAME", "DEVICE", "BOOT", "UPDATABLE", "FIRMWARE"});
+  for (const ma::AdapterListing& adapter : list.adapters) {
+    for (const ma::AdapterPort& port : adapter.ports) {
+      table.addRow({port.identifier, adapter.pci, adapter.name, toDeviceText(adapter),
+                    std::string(bootTypeName(port.bootType)), adapter.isUpdatable ? "yes" : "no",
+                    describeFlash(adapter)});
+    }
+  }
+  table.print(out);
+}
+
+// ---- with adapters of the kernel
+
+const char* describeUpdatable(const ma::AdapterListing& adapter) {
+  if (adapter.isBeingWritten) {
+    return "being written";
+  }
+  return adapter.isUpdatable ? "yes" : "no";
+}
+
+// The name comes last: it is the longest, and can run over the edge.
+void printPorts(std::ostream& out, const ma::AdapterList& list) {
+  TextTable table({"PORT", "INTERFACE", "DRIVER", "DEVICE", "UPDATABLE", "NAME"});
+  for (const ma::AdapterListing& adapter : list.adapters) {
+    const std::string driver = isKernels(adapter) ? orNothing(adapter.driver) : kVirtual;
+    for (const ma::AdapterPort& port : adapter.ports) {
+      table.addRow({port.identifier, orNothing(client::join(port.interfaces, ",")), driver,
+                    toDeviceText(adapter), describeUpdatable(adapter), orNothing(adapter.name)});
+    }
+  }
+  table.print(out);
+}
+
+// Returns a line for each version that a driver tells, and one for the images of the flash.
+std::vector<std::string> describeFirmware(const ma::AdapterListing& adapter) {
+  std::vector<std::string> lines;
+  for (const ma::FirmwareVersions& versions : adapter.versions) {
+    lines.push_back(describeVersions(versions));
+  }
+  if (!adapter.flashDefect.empty()) {
+    lines.emplace_back(isKernels(adapter) ? "option ROM damaged" : "damaged");
+  } else if (std::string images = describeImages(adapter.components); !images.empty()) {
+    lines.push_back(std::move(images));
+  }
+  if (lines.empty()) {
+    lines.emplace_back(isKernels(adapter) ? "not known" : "none");
+  }
+  return lines;
+}
+
+void printFirmware(std::ostream& out, const ma::AdapterList& list) {
+  TextTable table({"ADAPTER", "SERIAL NUMBER", "FIRMWARE"});
+  for (const ma::AdapterListing& adapter : list.adapters) {
+    std::string pci = adapter.pci;
+    std::string serialNumber = orNothing(adapter.serialNumber);
+    for (std::string& line : describeFirmware(adapter)) {
+      table.addRow({std::exchange(pci, ""), std::exchange(serialNumber, ""), std::move(line)});
+    }
+  }
+  table.print(out);
+}
+
+// Sentences about adapters. What is said of several is said once.
+class Remarks {
+ public:
+  explicit Remarks(const char* heading) : m_heading(heading) {}
+
+  void add(const std::string& adapter, const std::string& text) {
+    const auto found = std::find_if(m_remarks.begin(), m_remarks.end(),
+                                    [&text](const auto& remark) { return remark.first == text; });
+    if (found == m_remarks.end()) {
+      m_remarks.push_back({text, {adapter}});
+    } else {
+      found->second.push_back(adapter);
+    }
+  }
+
+  void print(std::ostream& out) const {
+    if (m_remarks.empty()) {
+      return;
+    }
+    out << '\n' << m_heading << ":\n";
+    for (const auto& [text, adapters] : m_remarks) {
+      out << "  " << client::join(adapters, ", ") << ": " << utils::toPrintable(text) << '\n';
+    }
+  }
+
+ private:
+  const char* const m_heading;
+  std::vector<std::pair<std::string, std::vector<std::string>>> m_remarks;
+};
+
+void printRemarks(std::ostream& out, const ma::AdapterList& list) {
+  Remarks reasons("Not updatable");
+  Remarks notes("Notes");
+  for (const ma::AdapterListing& adapter : list.adapters) {
+    if (adapter.isBeingWritten) {
+      notes.add(adapter.pci, "its flash is being written, and this is what was known before");
+    }
+    if (!adapter.isUpdatable && !adapter.whyNotUpdatable.empty()) {
+      reasons.add(adapter.pci, adapter.whyNotUpdatable);
+    }
+    for (const std::string& note : adapter.notes) {
+      notes.add(adapter.pci, note);
+    }
+    if (std::any_of(adapter.versions.begin(), adapter.versions.end(), isWaiting)) {
+      notes.add(adapter.pci,
+                "'quorvel activate' puts stored firmware into force, or says what that takes");
+    }
+  }
+  reasons.print(out);
+  notes.print(out);
+}
+
+// ---- documents
+
+client::Value toJson(const ma::AdapterListing& adapter, const ma::AdapterPort& port) {
+  client::Value value;
+  value.set("identifier", port.identifier);
+  value.set("mac", port.mac);
+  if (isKernels(adapter)) {
+    value.set("interfaces", port.interfaces);
+  } else {
+    value.set("bootType", bootTypeName(port.bootType));
+  }
+  return value;
+}
+
+client::Value toJson(const ma::AdapterComponent& component) {
+  return client::Value::object({{"type", utils::firmwareTypeName(component.type)},
+                                {"version", component.version.toString()},
+                                {"vendorId", toIdText(component.vendor)},
+                                {"deviceId", toIdText(component.device)},
+                                {"forAdapter", component.isForAdapter},
+                                {"length", component.length},
+                                {"digest", toDigestText(component.digest)}});
+}
+
+client::Value toJson(const ma::FirmwareVersions& versions) {
+  return client::Value::object({{"name", versions.name},
+                                {"running", textOrNull(versions.running)},
+                                {"stored", textOrNull(versions.stored)}});
+}
+
+template <class Item>
+client::Value toArray(const std::vector<Item>& items) {
+  client::Value array = client::Value::array();
+  for (const Item& item : items) {
+    array.push(toJson(item));
+  }
+  return array;
+}
+
+}  // namespace
+
+void printAdapters(std::ostream& out, const ma::AdapterList& list) {
+  if (std::none_of(list.adapters.begin(), list.adapters.end(), isKernels)) {
+    printVirtualAdapters(out, list);
+    return;
+  }
+  printPorts(out, list);
+  out << '\n';
+  printFirmware(out, list);
+  printRemarks(out, list);
+}
+
+void warnAboutAdapters(std::ostream& err, const ma::AdapterList& list) {
+  std::set<std::string> listed;
+  for (const ma::AdapterListing& adapter : list.adapters) {
+    listed.insert(adapter.pci);
+  }
+  for (const ma::AdapterProblem& problem : list.problems) {
+    err << "quorvel: warning: " << utils::toPrintable(problem.place)
+        << (listed.contains(problem.place) ? ": " : " is passed over: ")
+        << utils::toPrintable(problem.text) << "\n  next: " << utils::toPrintable(problem.advice)
+        << "\n";
+  }
+  for (const ma::AdapterListing& adapter : list.adapters) {
+    if (!adapter.flashDefect.empty()) {
+      err << "quorvel: warning: the " << (isKernels(adapter) ? "option ROM" : "flash") << " of "
+          << adapter.pci << " holds no valid images: " << utils::toPrintable(adapter.flashDefect)
+          << '\n';
+      if (adapter.isUpdatable || !isKernels(adapter)) {
+        err << "  next: install firmware with 'quorvel update'\n";
+      }
+    }
+  }
+}
+
+client::Value toJson(const ma::AdapterListing& adapter) {
+  client::Value ports = client::Value::array();
+  for (const ma::AdapterPort& port : adapter.ports) {
+    ports.push(toJson(adapter, port));
+  }
+  client::Value result;
+  result.set("pci", adapter.pci);
+  result.set("kind", isKernels(adapter) ? "kernel" : kVirtual);
+  result.set("name", isKernels(adapter) ? textOrNull(adapter.name) : client::Value(adapter.name));
+  result.set("vendorId", toIdText(adapter.vendor));
+  result.set("deviceId", toIdText(adapter.device));
+  result.set("updatable", adapter.isUpdatable);
+  result.set("ports", std::move(ports));
+  result.set("components", toArray(adapter.components));
+  result.set("flashDefect", textOrNull(adapter.flashDefect));
+  result.set("flashBytes", adapter.flashBytes);
+  if (!isKernels(adapter)) {
+    result.set("writeRate", adapter.writeRate);
+    result.set("capabilityWord", adapter.capabilityWord);
+    return result;
+  }
+  result.set("driver", textOrNull(adapter.driver));
+  result.set("partNumber", textOrNull(adapter.partNumber));
+  result.set("serialNumber", textOrNull(adapter.serialNumber));
+  result.set("versions", toArray(adapter.versions));
+  result.set("whyNotUpdatable", textOrNull(adapter.whyNotUpdatable));
+  result.set("isBeingWritten", adapter.isBeingWritten);
+  result.set("notes", adapter.notes);
+  return result;
+}
+
+}  // namespace cli

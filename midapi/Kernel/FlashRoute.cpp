@@ -1,0 +1,69 @@
+#include "midapi/Kernel/FlashRoute.h"
+
+#include <utility>
+
+namespace ma {
+namespace {
+
+std::string whyNone(const KernelAdapter& adapter, const KernelFunction& function,
+                    const KernelDriver& driver) {
+  const std::string& name = function.pci.driver;
+  if (name.empty()) {
+    return "no driver is bound to it";
+  }
+  if (adapter.isBeingWritten && !function.answer.devlink) {
+    return "its driver " + name + " has not answered yet; it may be writing the flash";
+  }
+  if (driver.name.empty()) {
+    return "its driver " + name +
+           " writes no firmware: it has no devlink, and is none of those that "
+           "are known to write by ethtool";
+  }
+  if (!driver.canWrite()) {
+    return "its driver " + name +
+           " writes no firmware: what it takes is a profile, which the next "
+           "start forgets";
+  }
+  if (driver.hasEthtool) {
+    return "its driver " + name + " writes firmware through a network interface, and has made none";
+  }
+  return "its driver " + name +
+         " does not answer by devlink, through which it writes firmware; that "
+         "is so in a network namespace of its own";
+}
+
+FlashRoute routeThrough(const KernelAdapter& adapter, const KernelFunction& function) {
+  const bool hasDevlink = function.answer.devlink.has_value();
+  const KernelDriver& driver = driverOf(function.pci.driver, hasDevlink);
+  FlashRoute route{&function, &driver, FlashWay::None, {}, {}};
+  // One that is known to have devlink and does not answer now is writing the flash.
+  if (driver.hasDevlink && (hasDevlink || adapter.isBeingWritten)) {
+    route.way = FlashWay::Devlink;
+  } else if (driver.hasEthtool && !function.pci.interfaces.empty()) {
+    route.way = FlashWay::Ethtool;
+    route.interface = function.pci.interfaces.front().name;
+  } else {
+    route.whyNone = whyNone(adapter, function, driver);
+  }
+  return route;
+}
+
+}  // namespace
+
+FlashRoute findRoute(const KernelAdapter& adapter, std::uint8_t preferred) {
+  FlashRoute best;
+  for (const KernelFunction& function : adapter.functions) {
+    FlashRoute route = routeThrough(adapter, function);
+    const bool isPreferred = function.pci.id.function == preferred;
+    if (isPreferred && route.way != FlashWay::None) {
+      return route;
+    }
+    const bool isBetter = best.way == FlashWay::None && route.way != FlashWay::None;
+    if (best.function == nullptr || isBetter || (isPreferred && best.way == FlashWay::None)) {
+      best = std::move(route);
+    }
+  }
+  return best;
+}
+
+}  // namespace ma

@@ -1,0 +1,433 @@
+#include "midapi/Kernel/KernelFlashBackend.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <iterator>
+#include <optional>
+#include <system_error>
+#include <utility>
+
+#include "midapi/Digest.h"
+#include "midapi/ImagePreparation.h"
+#include "midapi/Kernel/FirmwareCheck.h"
+#include "midapi/Kernel/FlashOutcome.h"
+#include "midapi/Kernel/FlashProgress.h"
+#include "midapi/Kernel/FlashRoute.h"
+#include "midapi/Kernel/KernelListing.h"
+#include "midapi/Kernel/PciFunctions.h"
+#include "midapi/Kernel/StagedFirmware.h"
+#include "platform/Texts.h"
+
+namespace ma {
+namespace {
+
+// Some adapters start anew after a flash, and do not answer meanwhile.
+constexpr std::chrono::seconds kLongestAbsence{30};
+constexpr std::chrono::milliseconds kBetweenLooks{500};
+
+constexpr const char* kNoRight =
+    "writing firmware needs the capability CAP_NET_ADMIN, as root has it";
+
+[[noreturn]] void failAsUnknown(const std::string& adapter) {
+  throw FlashFault(FlashError::UnknownAdapter, adapter);
+}
+
+std::string wordsOf(const NetlinkAck& ack) {
+  return ack.text.empty() ? std::generic_category().message(ack.error) : ack.text;
+}
+
+std::string adviceFor(const NetlinkAck& ack, const std::filesystem::path& folder) {
+  return ack.error == ENOENT ? "; the kernel must take firmware from " +
+                                   platform::toShownText(folder) + " (setting FirmwareFolder)"
+                             : "";
+}
+
+std::vector<NamedVersion> select(const std::vector<FirmwareVersions>& versions,
+                                 std::string FirmwareVersions::*field) {
+  std::vector<NamedVersion> selected;
+  for (const FirmwareVersions& version : versions) {
+    if (!(version.*field).empty()) {
+      selected.push_back({version.name, version.*field});
+    }
+  }
+  return selected;
+}
+
+// What the flash holds, also where the driver tells that it holds nothing.
+std::vector<NamedVersion> storedOf(const std::vector<FirmwareVersions>& versions) {
+  std::vector<NamedVersion> stored;
+  stored.reserve(versions.size());
+  for (const FirmwareVersions& version : versions) {
+    stored.push_back({version.name, std::string(storedVersion(versions, version.name))});
+  }
+  return stored;
+}
+
+// The outcome of the update is known, and no failure to note that changes it: an entry that stays
+// is compared again by whoever lists the adapters.
+void clearQuietly(const FlashJournal::Claim& claim) {
+  try {
+    claim.clear();
+  } catch (const FlashFault&) {
+    return;
+  }
+}
+
+bool isInForce(const std::vector<FirmwareVersions>& versions) {
+  const bool tells = std::ranges::any_of(
+      versions, [](const FirmwareVersions& version) { return !version.stored.empty(); });
+  return tells && std::ranges::none_of(versions, [](const FirmwareVersions& version) {
+           return !version.stored.empty() && version.stored != version.running;
+         });
+}
+
+const KernelFunction* findFunction(const KernelAdapter& adapter, const PortId& id) {
+  const auto found = std::ranges::find_if(
+      adapter.functions, [&id](const KernelFunction& function) { return function.pci.id == id; });
+  return found != adapter.functions.end() ? &*found : nullptr;
+}
+
+bool hasAnswered(const std::optional<KernelAdapter>& adapter, const PortId& id) {
+  const KernelFunction* const function =
+      adapter && !adapter->isBeingWritten ? findFunction(*adapter, id) : nullptr;
+  return function != nullptr && function->answer.devlink;
+}
+
+// Returns whether the function's driver may yet answer.
+bool isBusy(const std::optional<KernelAdapter>& adapter, const PortId& id) {
+  const KernelFunction* const function = adapter ? findFunction(*adapter, id) : nullptr;
+  return function != nullptr && !function->pci.driver.empty() && !hasAnswered(adapter, id);
+}
+
+struct OutcomeText {
+  FlashOutcome outcome;
+  const char* text;
+  const char* advice;
+};
+constexpr OutcomeText kOutcomeTexts[] = {
+    {FlashOutcome::Written, "the kernel has finished it since: the flash holds what the file has",
+     ""},
+    {FlashOutcome::NotWritten, "the flash holds what it held before", "update it again"},
+    {FlashOutcome::Mixed, "the flash holds neither what it held before nor what the file has",
+     "update it again before the machine starts anew"},
+    {FlashOutcome::Unknown, "its versions do not tell whether the flash holds all of the file",
+     "update it again"},
+};
+
+const OutcomeText& textsOf(FlashOutcome outcome) {
+  return *std::ranges::find(kOutcomeTexts, outcome, &OutcomeText::outcome);
+}
+
+}  // namespace
+
+// An adapter, as one of its ports is asked for.
+struct KernelFlashBackend::Subject {
+  KernelAdapter adapter;
+  std::uint8_t port = 0;
+  FlashRoute route;
+  std::vector<FirmwareVersions> versions;
+  std::string whyNotUpdatable;
+  bool isTrusted = false;
+
+  // Points into this.
+  [[nodiscard]] FirmwareTarget target() const {
+    const PciFunction& function = route.function->pci;
+    return {function.ids,    route.driver,         function.driver,     isTrusted,
+            whyNotUpdatable, romOf(adapter, port), isRomKnown(adapter), versions};
+  }
+  [[nodiscard]] AdapterFacts facts() const {
+    const PciIds& ids = route.function->pci.ids;
+    return {ids.vendor, ids.device, whyNotUpdatable.empty()};
+  }
+};
+
+KernelFlashBackend::KernelFlashBackend(FileSystem& files, KernelPlaces places, DriverCalls& drivers,
+                                       std::function<utils::FlashSettings()> settings,
+                                       platform::Clock& clock)
+    : m_files(files),
+      m_places(std::move(places)),
+      m_drivers(drivers),
+      m_settings(std::move(settings)),
+      m_clock(clock),
+      m_journal(files, m_places.journal, clock),
+      m_adapters(m_places.sysfs, drivers, m_journal, clock) {}
+
+std::string KernelFlashBackend::describe(const AdapterAddress& /*adapter*/) {
+  return "a network adapter of this machine";
+}
+
+bool KernelFlashBackend::hasAdapter(const AdapterAddress& adapter) {
+  return hasPciFunctions(m_places.sysfs, adapter);
+}
+
+utils::StringArray KernelFlashBackend::enumerateAdapters() {
+  utils::StringArray names;
+  std::ranges::transform(m_adapters.functions(), std::back_inserter(names),
+                         [](const PciFunction& function) { return toString(function.id); });
+  return names;
+}
+
+AdapterList KernelFlashBackend::list() {
+  const std::string whyNobodyCan = whyNobody(m_settings());
+  AdapterList list;
+  for (const KernelAdapter& adapter : m_adapters.all()) {
+    AdapterListing listing = describeKernelAdapter(adapter);
+    const FlashRoute route = findRoute(adapter, adapter.functions.front().pci.id.function);
+    listing.whyNotUpdatable = route.way == FlashWay::None ? route.whyNone : whyNobodyCan;
+    listing.isUpdatable = listing.whyNotUpdatable.empty();
+    if (LeftOver leftOver = leftOverOf(adapter); !leftOver.text.empty()) {
+      listing.notes.push_back(leftOver.text);
+      if (!leftOver.advice.empty()) {
+        list.problems.push_back(
+            {listing.pci, std::move(leftOver.text), std::move(leftOver.advice)});
+      }
+    }
+    list.adapters.push_back(std::move(listing));
+  }
+  return list;
+}
+
+std::vector<std::string> KernelFlashBackend::interruptedWrites() {
+  // Often asked for, and hardly ever is there one: no driver is asked without an entry.
+  std::set<AdapterAddress> addresses;
+  for (const PciFunction& function : m_adapters.functions()) {
+    if (m_journal.hasEntry(function.id.adapter)) {
+      addresses.insert(function.id.adapter);
+    }
+  }
+  std::vector<std::string> texts;
+  for (const AdapterAddress& address : addresses) {
+    const auto adapter = m_adapters.find(address);
+    const LeftOver leftOver = adapter ? leftOverOf(*adapter) : LeftOver{};
+    if (!leftOver.text.empty()) {
+      texts.push_back(toString(address) + ": " + leftOver.text +
+                      (leftOver.advice.empty() ? "" : "; " + leftOver.advice));
+    }
+  }
+  return texts;
+}
+
+bool KernelFlashBackend::isUpdatable(const PortId& port) {
+  return subjectOf(port).whyNotUpdatable.empty();
+}
+
+std::vector<utils::FirmwareVersionInfo> KernelFlashBackend::installedFirmware(const PortId& port) {
+  const Subject subject = subjectOf(port);
+  return firmwareOf(subject.facts(), parseRomChain(romOf(subject.adapter, port.function)));
+}
+
+std::vector<FirmwareVersions> KernelFlashBackend::firmwareVersions(const PortId& port) {
+  return subjectOf(port).versions;
+}
+
+Preparation KernelFlashBackend::prepare(const PortId& port, ConstBytes file,
+                                        std::span<std::uint8_t> buffer,
+                                        const std::vector<utils::FirmwareType>& types) {
+  const Subject subject = subjectOf(port);
+  return prepareFirmware(subject.target(), file, buffer, types);
+}
+
+ImageComparison KernelFlashBackend::compare(const PortId& port, ConstBytes file) {
+  const Subject subject = subjectOf(port);
+  return compareFirmware(subject.target(), file);
+}
+
+std::uint64_t KernelFlashBackend::digest(const PortId& port) {
+  const Subject subject = subjectOf(port);
+  const FirmwareTarget target = subject.target();
+  std::string decisive = describeIds(target.ids) + '\n' + std::string(target.driverName) + '\n' +
+                         std::string(target.driver->name) +
+                         (target.driver->canWrite() ? "\nwrites\n" : "\n") +
+                         (target.isTrusted ? "trusted\n" : "\n") + subject.whyNotUpdatable + '\n';
+  for (const FirmwareVersions& version : subject.versions) {
+    decisive += version.name + '\n' + version.running + '\n' + version.stored + '\n';
+  }
+  return digestOf({reinterpret_cast<const std::uint8_t*>(decisive.data()), decisive.size()},
+                  digestOf(target.rom));
+}
+
+bool KernelFlashBackend::beginUpdate(const AdapterAddress& adapter) {
+  const platform::Lock lock(m_mutex);
+  return m_updates.insert(adapter).second;
+}
+
+void KernelFlashBackend::endUpdate(const AdapterAddress& adapter) noexcept {
+  const platform::Lock lock(m_mutex);
+  m_updates.erase(adapter);
+}
+
+void KernelFlashBackend::setBootType(const PortId& port, BootType /*bootType*/) {
+  const Subject subject = subjectOf(port);
+  throw FlashFault(FlashError::NotOffered, "what " + toString(port) +
+                                               " boots from cannot be set through its driver " +
+                                               subject.route.function->pci.driver);
+}
+
+void KernelFlashBackend::writeFlash(const PortId& port, ConstBytes image, WriteProgress& progress) {
+  const FlashJournal::Claim claim = m_journal.claim(port.adapter);
+  const Subject subject = subjectOf(port);
+  if (!subject.whyNotUpdatable.empty()) {
+    throw FlashFault(FlashError::NotUpdatable, subject.whyNotUpdatable);
+  }
+  const FlashPlan plan = planFlash(subject.target(), image);
+  const std::filesystem::path folder = platform::toPath(m_settings().firmwareFolder);
+  sweepStagedFirmware(m_files, folder, port.adapter);
+  // Before the entry: where there is one, the kernel may have been asked.
+  const StagedFirmware staged(m_files, folder, port.adapter, image);
+  claim.enter({image.size(), digestOf(image), storedOf(subject.versions), plan.versions,
+               select(subject.versions, &FirmwareVersions::running)});
+  const NetlinkAck ack = flash(subject, staged.name(), plan.bytes, progress);
+  m_adapters.forget(port.adapter);
+  if (ack.error != 0) {
+    clearQuietly(claim);
+    throw FlashFault(FlashError::WriteRefused, wordsOf(ack) + adviceFor(ack, folder));
+  }
+  if (subject.route.way == FlashWay::Devlink) {
+    verify(subject.route.function->pci.id, plan.versions, claim);
+  }
+  clearQuietly(claim);
+  progress.complete();
+}
+
+void KernelFlashBackend::recordInstalled(const PortId& port,
+                                         const std::vector<utils::FirmwareType>& /*types*/) {
+  if (!hasAdapter(port.adapter)) {
+    failAsUnknown(toString(port));
+  }
+}
+
+Activation KernelFlashBackend::activate(const AdapterAddress& adapter) {
+  const KernelAdapter known = need(adapter);
+  const FlashRoute route = findRoute(known, known.functions.front().pci.id.function);
+  if (route.way == FlashWay::None) {
+    throw FlashFault(FlashError::NotActivated, route.whyNone);
+  }
+  const PciFunction& function = route.function->pci;
+  Activation otherwise{false, "its driver " + function.driver +
+                                  " cannot put stored firmware into force; " +
+                                  std::string(route.driver->activation)};
+  if (!route.driver->canActivate || route.way != FlashWay::Devlink) {
+    return otherwise;
+  }
+  if (known.isBeingWritten) {
+    throw FlashFault(FlashError::NotActivated, "its flash is being written");
+  }
+  if (isInForce(versionsOf(known, function.id.function))) {
+    return {true, "what its flash holds is in force"};
+  }
+  if (!m_drivers.mayFlash()) {
+    throw FlashFault(FlashError::NotActivated, kNoRight);
+  }
+  const FlashJournal::Claim claim = m_journal.claim(adapter);
+  const NetlinkAck ack = m_drivers.activate(function.id);
+  m_adapters.forget(adapter);
+  if (ack.error == EOPNOTSUPP) {
+    return otherwise;
+  }
+  if (ack.error != 0) {
+    throw FlashFault(FlashError::NotActivated, wordsOf(ack));
+  }
+  return {true, "its driver " + function.driver + " has put the stored firmware into force"};
+}
+
+KernelAdapter KernelFlashBackend::need(const AdapterAddress& address) {
+  auto adapter = m_adapters.find(address);
+  if (!adapter) {
+    failAsUnknown(toString(address));
+  }
+  return std::move(*adapter);
+}
+
+KernelFlashBackend::Subject KernelFlashBackend::subjectOf(const PortId& port) {
+  const utils::FlashSettings settings = m_settings();
+  Subject subject{need(port.adapter), port.function, {}, {}, {}, false};
+  if (findFunction(subject.adapter, port) == nullptr) {
+    failAsUnknown(toString(port));
+  }
+  subject.route = findRoute(subject.adapter, port.function);
+  subject.versions = versionsOf(subject.adapter, subject.route.function->pci.id.function);
+  subject.whyNotUpdatable =
+      subject.route.way == FlashWay::None ? subject.route.whyNone : whyNobody(settings);
+  subject.isTrusted =
+      std::ranges::find(settings.trustedDrivers, subject.route.function->pci.driver) !=
+      settings.trustedDrivers.end();
+  return subject;
+}
+
+std::string KernelFlashBackend::whyNobody(const utils::FlashSettings& settings) const {
+  return m_drivers.mayFlash() ? whyNotStageable(platform::toPath(settings.firmwareFolder))
+                              : kNoRight;
+}
+
+KernelFlashBackend::LeftOver KernelFlashBackend::leftOverOf(const KernelAdapter& adapter) const {
+  try {
+    const auto entry = m_journal.entry(adapter.address);
+    if (!entry || adapter.isBeingWritten || m_journal.isClaimed(adapter.address)) {
+      return {};
+    }
+    const auto versions = versionsOf(adapter, adapter.functions.front().pci.id.function);
+    const FlashOutcome outcome = judge(*entry, versions);
+    if (outcome == FlashOutcome::Written) {
+      const auto claim = m_journal.tryClaim(adapter.address);
+      if (claim && claim->leftOver() == entry) {
+        clearQuietly(*claim);
+      }
+    }
+    const OutcomeText& texts = textsOf(outcome);
+    return {std::string("an update was interrupted; ") + texts.text + " (" +
+                describeStored(versions) + ")",
+            texts.advice};
+  } catch (const FlashFault& fault) {
+    // Who may not read it cannot mend it either.
+    return m_drivers.mayFlash()
+               ? LeftOver{fault.what(), "mend what it says, then update the adapter"}
+               : LeftOver{};
+  }
+}
+
+NetlinkAck KernelFlashBackend::flash(const Subject& subject, const std::string& file,
+                                     std::uint64_t bytes, WriteProgress& progress) {
+  const FlashRoute& route = subject.route;
+  if (route.way == FlashWay::Ethtool) {
+    return m_drivers.flashByEthtool(route.interface, file);
+  }
+  const PortId function = route.function->pci.id;
+  FlashProgress measure(bytes);
+  return m_drivers.flashByDevlink(
+      function, file, "",
+      [&measure, &progress, device = toString(function)](const DevlinkFlashEvent& event) {
+        if (event.device != device) {
+          return;
+        }
+        measure.note(event);
+        if (measure.total() > 0) {
+          progress.advance(measure.done(), measure.total());
+        }
+      });
+}
+
+void KernelFlashBackend::verify(const PortId& function, const std::vector<NamedVersion>& expected,
+                                const FlashJournal::Claim& claim) {
+  if (expected.empty()) {
+    return;
+  }
+  const auto end = m_clock.now() + kLongestAbsence;
+  auto adapter = m_adapters.findForWriter(function.adapter);
+  while (isBusy(adapter, function) && m_clock.now() < end) {
+    m_clock.sleepFor(kBetweenLooks);
+    adapter = m_adapters.findForWriter(function.adapter);
+  }
+  if (!hasAnswered(adapter, function)) {
+    throw FlashFault(
+        FlashError::CompareMismatch,
+        "the driver has written it, and does not tell any versions since; look at them "
+        "when it does");
+  }
+  const std::string difference = findDifference(expected, versionsOf(*adapter, function.function));
+  if (!difference.empty()) {
+    clearQuietly(claim);
+    throw FlashFault(FlashError::CompareMismatch, difference);
+  }
+}
+
+}  // namespace ma

@@ -1,0 +1,159 @@
+#include "midapi/Kernel/KernelListing.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <set>
+#include <system_error>
+#include <utility>
+
+#include "midapi/FlashListing.h"
+#include "midapi/PciVpd.h"
+
+namespace ma {
+namespace {
+
+// By which the firmware as a whole is known where a driver tells one text alone.
+constexpr const char* kFirmware = "fw";
+
+bool isForbidden(int error) {
+  return error == EACCES || error == EPERM;
+}
+
+void setVersion(std::vector<FirmwareVersions>& versions, const NamedVersion& version,
+                std::string FirmwareVersions::*field) {
+  auto found = std::ranges::find(versions, version.name, &FirmwareVersions::name);
+  if (found == versions.end()) {
+    found = versions.insert(versions.end(), {version.name, {}, {}});
+  }
+  (*found).*field = version.value;
+}
+
+std::vector<FirmwareVersions> versionsOf(const DriverAnswer& answer) {
+  std::vector<FirmwareVersions> versions;
+  if (answer.devlink) {
+    for (const NamedVersion& version : answer.devlink->running) {
+      setVersion(versions, version, &FirmwareVersions::running);
+    }
+    for (const NamedVersion& version : answer.devlink->stored) {
+      setVersion(versions, version, &FirmwareVersions::stored);
+    }
+  }
+  if (versions.empty() && answer.info && !answer.info->firmwareVersion.empty()) {
+    versions.push_back({kFirmware, answer.info->firmwareVersion, {}});
+  }
+  return versions;
+}
+
+// Returns the function, or else the first one that has something.
+template <class Has>
+const KernelFunction* findFunction(const KernelAdapter& adapter, std::uint8_t preferred, Has has) {
+  const auto& functions = adapter.functions;
+  auto found = std::ranges::find_if(functions, [&](const KernelFunction& function) {
+    return function.pci.id.function == preferred && has(function);
+  });
+  if (found == functions.end()) {
+    found = std::ranges::find_if(functions, has);
+  }
+  return found == functions.end() ? nullptr : &*found;
+}
+
+AdapterPort describePort(const PciFunction& function) {
+  AdapterPort port;
+  port.identifier = toString(function.id);
+  for (const NetworkInterface& interface : function.interfaces) {
+    port.interfaces.push_back(interface.name);
+    if (port.mac.empty()) {
+      port.mac = interface.mac;
+    }
+  }
+  return port;
+}
+
+// Functions come in order, and what the first one says counts.
+void setOnce(std::string& text, std::string_view value) {
+  if (text.empty()) {
+    text = value;
+  }
+}
+
+void addProduct(const KernelFunction& function, AdapterListing& listing) {
+  if (const auto& devlink = function.answer.devlink) {
+    setOnce(listing.serialNumber, devlink->serialNumber);
+    setOnce(listing.serialNumber, devlink->boardSerialNumber);
+  }
+  const PciVpd vpd = parsePciVpd(function.answer.vpd.bytes);
+  setOnce(listing.name, vpd.productName);
+  setOnce(listing.partNumber, vpd.partNumber());
+  setOnce(listing.serialNumber, vpd.serialNumber());
+  setOnce(listing.driver, function.pci.driver);
+}
+
+void addNotes(const KernelAdapter& adapter, AdapterListing& listing) {
+  bool isRomForbidden = false;
+  bool isVpdForbidden = false;
+  std::set<std::string> notes;
+  for (const KernelFunction& function : adapter.functions) {
+    const DriverAnswer& answer = function.answer;
+    isRomForbidden = isRomForbidden || isForbidden(answer.rom.error);
+    isVpdForbidden = isVpdForbidden || isForbidden(answer.vpd.error);
+    if (answer.error != 0) {
+      notes.insert("its driver could not be asked: " +
+                   std::generic_category().message(answer.error));
+    }
+    if (answer.rom.error != 0 && !isForbidden(answer.rom.error)) {
+      notes.insert("its option ROM cannot be read: " +
+                   std::generic_category().message(answer.rom.error));
+    }
+  }
+  if (isRomForbidden || isVpdForbidden) {
+    listing.notes.push_back(std::string("not readable without root: ") +
+                            (isRomForbidden ? "its option ROM" : "") +
+                            (isRomForbidden && isVpdForbidden ? ", " : "") +
+                            (isVpdForbidden ? "its part and serial number (VPD)" : ""));
+  }
+  std::ranges::copy(notes, std::back_inserter(listing.notes));
+}
+
+}  // namespace
+
+std::vector<FirmwareVersions> versionsOf(const KernelAdapter& adapter, std::uint8_t function) {
+  const auto tells = [](const KernelFunction& candidate) {
+    return !versionsOf(candidate.answer).empty();
+  };
+  const KernelFunction* const found = findFunction(adapter, function, tells);
+  return found != nullptr ? versionsOf(found->answer) : std::vector<FirmwareVersions>();
+}
+
+RomBytes romOf(const KernelAdapter& adapter, std::uint8_t function) {
+  const KernelFunction* const found = findFunction(
+      adapter, function,
+      [](const KernelFunction& candidate) { return !candidate.answer.rom.bytes.empty(); });
+  return found != nullptr ? RomBytes(found->answer.rom.bytes) : RomBytes();
+}
+
+bool isRomKnown(const KernelAdapter& adapter) {
+  return !romOf(adapter, 0).empty() ||
+         std::ranges::none_of(adapter.functions, [](const KernelFunction& function) {
+           return function.pci.hasRom && function.answer.rom.error != 0;
+         });
+}
+
+AdapterListing describeKernelAdapter(const KernelAdapter& adapter) {
+  const KernelFunction& first = adapter.functions.front();
+  AdapterListing listing;
+  listing.kind = AdapterKind::Kernel;
+  listing.pci = toString(adapter.address);
+  listing.vendor = first.pci.ids.vendor;
+  listing.device = first.pci.ids.device;
+  listing.isBeingWritten = adapter.isBeingWritten;
+  for (const KernelFunction& function : adapter.functions) {
+    listing.ports.push_back(describePort(function.pci));
+    addProduct(function, listing);
+  }
+  describeFlash(romOf(adapter, first.pci.id.function), listing);
+  listing.versions = versionsOf(adapter, first.pci.id.function);
+  addNotes(adapter, listing);
+  return listing;
+}
+
+}  // namespace ma
