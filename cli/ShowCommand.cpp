@@ -30,19 +30,16 @@ constexpr const char* kFooter =
     "  same version   the installed version in other bytes\n"
     "  other types    its image types are not those installed\n"
     "  not updatable  the firmware of the adapter cannot be replaced\n"
-    "  not for it     made for other devices, damaged, or of a format that its driver does not "
-    "take\n"
+    "  not for it     made for other devices, damaged, or of a format that is none for it\n"
     "  unknown        the adapter could not be read\n"
     "\n"
-    "With --json: {\"file\", \"format\", \"problem\", \"version\", \"released\", \"size\", "
-    "\"digest\",\n"
-    "\"devices\", \"types\", \"components\", \"drivers\", \"kernelRefusal\", \"adapters\": "
-    "[{\"adapter\",\n"
-    "\"name\", \"state\", \"reason\"}], ...}; what the file does not tell is null.\n"
+    "With --json: {\"file\", \"format\", \"problem\", \"version\", \"devices\", \"types\",\n"
+    "\"components\", \"drivers\", \"adapters\": [{\"adapter\", \"name\", \"state\", \"reason\"}],\n"
+    "...}; what the file does not tell is null.\n"
     "\n"
     "Examples:\n"
     "  quorvel show firmware.rom\n"
-    "  quorvel show /srv/firmware/adapter.pldm --json\n";
+    "  quorvel show /srv/firmware/firmware.rom --json\n";
 
 // Returns why a file is not for an adapter where the library leaves that to its reader.
 std::string explainMismatch(const ma::AdapterListing& adapter,

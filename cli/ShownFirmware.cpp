@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <utility>
 
 #include "Utils/FirmwareTypes.h"
@@ -18,19 +19,19 @@ constexpr std::size_t kMostShownDevices = 16;
 constexpr std::size_t kDevicesOfALine = 4;
 
 std::string describeImages(const std::vector<utils::FirmwareVersionInfo>& images) {
-  std::vector<std::string> texts;
+  std::string text;
   for (const utils::FirmwareVersionInfo& image : images) {
-    texts.push_back(std::string(utils::firmwareTypeName(image.type)) + " " +
-                    image.version.toString());
+    text += (text.empty() ? "" : ", ") + std::string(utils::firmwareTypeName(image.type)) + " " +
+            image.version.toString();
   }
-  return client::join(texts, ", ");
+  return text;
 }
 
 std::vector<std::string> typesOf(const std::vector<utils::FirmwareVersionInfo>& images) {
   std::vector<std::string> types;
-  for (const utils::FirmwareVersionInfo& image : images) {
-    types.emplace_back(utils::firmwareTypeName(image.type));
-  }
+  std::transform(
+      images.begin(), images.end(), std::back_inserter(types),
+      [](const auto& image) { return std::string(utils::firmwareTypeName(image.type)); });
   return types;
 }
 

@@ -25,6 +25,9 @@ constexpr std::pair<std::string_view, std::string_view> kWords[] = {
     {" of this machine, or of a host's.", " of this machine."},
     {"errors to the system log, 2 everything there,",
      "errors to the event log, 2 everything to the debugger,"},
+    {"The machine's own Ethernet adapters and virtual ones, as the setting Adapters says. With\n"
+     "--adapters the virtual ones of that directory alone.",
+     "The virtual adapters of this machine. With --adapters those of that directory."},
     {"prints object paths)", "prints object paths; write \\\" for each \" in one)"},
     {"prints the object path)", "prints the object path; write \\\" for each \" in it)"},
 };
