@@ -58,10 +58,11 @@ class KernelBackendFixture : public testing::Test {
   WatchedFileSystem m_files;
   FakeClock m_clock;
   PlayedDrivers m_drivers;
+  ma::PciNames m_names{m_directory.path() / "pci.ids"};  // none
   utils::FlashSettings m_settings;
   ma::WriteProgress m_progress;
-  ma::KernelFlashBackend m_backend{m_files, m_places, m_drivers, [this] { return m_settings; },
-                                   m_clock};
+  ma::KernelFlashBackend m_backend{
+      m_files, m_places, m_drivers, m_names, [this] { return m_settings; }, m_clock};
 };
 
 }  // namespace test
