@@ -42,6 +42,7 @@ else()
   if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
     # Of the adapters that the kernel drives.
     quorvel_system_library(mnl::mnl mnl libmnl/libmnl.h)
+    quorvel_system_library(pci::pci pci pci/pci.h)
   endif()
 endif()
 

@@ -65,7 +65,10 @@ GLOBAL_NAMES = {
         ("RegisterSoftwareUpdateAgent", "the module's entry"),
         ("DllMain", "the module's entry, as the loader calls it"),
     ],
-    "midapi/Kernel": [("mnl_socket", "declares libmnl's socket without its header")],
+    "midapi/Kernel": [
+        ("mnl_socket", "declares libmnl's socket without its header"),
+        ("pci_access", "declares libpci's state without its header"),
+    ],
     "tests/fuzz": [("LLVMFuzzer*", "what libFuzzer calls")],
 }
 
