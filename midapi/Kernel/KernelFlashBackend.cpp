@@ -142,11 +142,13 @@ struct KernelFlashBackend::Subject {
 };
 
 KernelFlashBackend::KernelFlashBackend(FileSystem& files, KernelPlaces places, DriverCalls& drivers,
+                                       PciNames& names,
                                        std::function<utils::FlashSettings()> settings,
                                        platform::Clock& clock)
     : m_files(files),
       m_places(std::move(places)),
       m_drivers(drivers),
+      m_names(names),
       m_settings(std::move(settings)),
       m_clock(clock),
       m_journal(files, m_places.journal, clock),
@@ -171,7 +173,7 @@ AdapterList KernelFlashBackend::list() {
   const std::string whyNobodyCan = whyNobody(m_settings());
   AdapterList list;
   for (const KernelAdapter& adapter : m_adapters.all()) {
-    AdapterListing listing = describeKernelAdapter(adapter);
+    AdapterListing listing = describeKernelAdapter(adapter, m_names);
     const FlashRoute route = findRoute(adapter, adapter.functions.front().pci.id.function);
     listing.whyNotUpdatable = route.way == FlashWay::None ? route.whyNone : whyNobodyCan;
     listing.isUpdatable = listing.whyNotUpdatable.empty();

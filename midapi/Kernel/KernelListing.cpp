@@ -138,7 +138,7 @@ bool isRomKnown(const KernelAdapter& adapter) {
          });
 }
 
-AdapterListing describeKernelAdapter(const KernelAdapter& adapter) {
+AdapterListing describeKernelAdapter(const KernelAdapter& adapter, PciNames& names) {
   const KernelFunction& first = adapter.functions.front();
   AdapterListing listing;
   listing.kind = AdapterKind::Kernel;
@@ -149,6 +149,9 @@ AdapterListing describeKernelAdapter(const KernelAdapter& adapter) {
   for (const KernelFunction& function : adapter.functions) {
     listing.ports.push_back(describePort(function.pci));
     addProduct(function, listing);
+  }
+  if (listing.name.empty()) {
+    listing.name = names.nameOf(listing.vendor, listing.device);
   }
   describeFlash(romOf(adapter, first.pci.id.function), listing);
   listing.versions = versionsOf(adapter, first.pci.id.function);
