@@ -99,8 +99,8 @@ class DriverInquiryTest : public testing::Test {
 
   [[nodiscard]] std::ptrdiff_t livingChildren() const {
     const auto children = m_children.all();
-    return std::count_if(children.begin(), children.end(), [this](pid_t child) {
-      return !m_children.statusOf(child, "State").starts_with("Z");
+    return std::count_if(children.begin(), children.end(), [](pid_t child) {
+      return !test::statusOf(child, "State").starts_with("Z");
     });
   }
 
