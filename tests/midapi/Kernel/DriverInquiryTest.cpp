@@ -231,6 +231,7 @@ TEST_F(DriverInquiryTest, SaysWhyNothingCanBeAsked) {
 TEST_F(DriverInquiryTest, IsAskedByManyAtOnce) {
   hold(kSecond);
   std::vector<std::thread> threads;
+  threads.reserve(4);
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([this] { EXPECT_THAT(ask(), ElementsAre("x\n", "away", "x\n")); });
   }
