@@ -76,7 +76,8 @@ class KernelFlashBackend final : public FlashBackend {
   [[nodiscard]] Subject subjectOf(const PortId& port);
 
   // Returns why this process can write no firmware at all; empty where it can.
-  [[nodiscard]] std::string whyNobody(const utils::FlashSettings& settings) const;
+  [[nodiscard]] std::string whyNobody() const;
+  [[nodiscard]] std::filesystem::path firmwareFolder() const;
 
   // Says what has become of an update of the adapter whose process is gone; empty where there is
   // none, and as long as the kernel goes on with it. Where all went well, it is told once.

@@ -145,6 +145,16 @@ TEST_F(KernelListing, NamesWhatCannotBeReadAtAll) {
                           "its option ROM cannot be read: Input/output error"));
 }
 
+TEST_F(KernelListing, NamesWhatTheFlashDoesNotHoldAsAWhole) {
+  for (std::uint8_t number = 0; number < 2; ++number) {
+    add(number).answer.devlink =
+        DevlinkInfo{"testnic", "", "", {}, {}, {{"fw.undi", ""}, {"fw.mgmt", "7.1.0"}}};
+  }
+  EXPECT_THAT(describe().notes,
+              ElementsAre("its driver tells no stored version of fw.undi: an update of it has not "
+                          "been finished; update it again"));
+}
+
 TEST_F(KernelListing, KnowsTheOptionRomOfAnAdapterWithoutOne) {
   add(0);
   EXPECT_TRUE(isRomKnown(m_adapter));
