@@ -65,12 +65,12 @@ class DriverInquiryTest : public testing::Test {
     return settings;
   }
   void begin(const ma::InquirySettings& settings) { m_inquiry.emplace(settings); }
-  // Has somebody keep silent, which takes its time.
+  // Has somebody keep silent.
   void hold(const std::string& id, milliseconds lateFor = hours(1)) {
     std::filesystem::remove(vpd(id));
     ASSERT_EQ(::mkfifo(vpd(id).c_str(), 0600), 0);
     auto settings = DriverInquiryTest::settings();
-    settings.patience = milliseconds(1000);
+    settings.patience = milliseconds(50);
     settings.lateFor = lateFor;
     begin(settings);
   }
