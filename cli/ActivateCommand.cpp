@@ -68,8 +68,7 @@ ExitStatus activate(const Context& context, const std::string& target) {
   }
   if (!activation.isActive) {
     context.err << "quorvel: the firmware that " << adapter
-                << " has stored is not in force\n  next: " << utils::toPrintable(activation.text)
-                << '\n';
+                << " has stored is not in force: " << utils::toPrintable(activation.text) << '\n';
   }
   return activation.isActive ? ExitStatus::Done : ExitStatus::Failed;
 }

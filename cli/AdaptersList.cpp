@@ -9,6 +9,7 @@
 #include "Utils/FirmwareTypes.h"
 #include "Utils/Printable.h"
 #include "cli/AdapterWords.h"
+#include "cli/Remarks.h"
 #include "cli/TextTable.h"
 #include "client/Texts.h"
 
@@ -98,36 +99,6 @@ void printFirmware(std::ostream& out, const ma::AdapterList& list) {
   }
   table.print(out);
 }
-
-// Sentences about adapters. What is said of several is said once.
-class Remarks {
- public:
-  explicit Remarks(const char* heading) : m_heading(heading) {}
-
-  void add(const std::string& adapter, const std::string& text) {
-    const auto found = std::find_if(m_remarks.begin(), m_remarks.end(),
-                                    [&text](const auto& remark) { return remark.first == text; });
-    if (found == m_remarks.end()) {
-      m_remarks.push_back({text, {adapter}});
-    } else {
-      found->second.push_back(adapter);
-    }
-  }
-
-  void print(std::ostream& out) const {
-    if (m_remarks.empty()) {
-      return;
-    }
-    out << '\n' << m_heading << ":\n";
-    for (const auto& [text, adapters] : m_remarks) {
-      out << "  " << client::join(adapters, ", ") << ": " << utils::toPrintable(text) << '\n';
-    }
-  }
-
- private:
-  const char* const m_heading;
-  std::vector<std::pair<std::string, std::vector<std::string>>> m_remarks;
-};
 
 void printRemarks(std::ostream& out, const ma::AdapterList& list) {
   Remarks reasons("Not updatable");

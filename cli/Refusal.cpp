@@ -159,6 +159,9 @@ std::string findAdvice(std::uint32_t returnValue, const std::string& reason,
   if (reason.find(refusal::kTypesDiffer) != std::string::npos) {
     return adviseOnTypes(request);
   }
+  if (!request.why.empty() && reason.find(refusal::kAdapterNotSupported) != std::string::npos) {
+    return "get the file that is made for this adapter; 'quorvel show FILE' tells what one is for";
+  }
   for (const Advice& advice : kAdvice) {
     if (reason.find(advice.reason) != std::string::npos) {
       return toLocalWords(advice.text);

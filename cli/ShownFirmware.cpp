@@ -8,6 +8,7 @@
 #include "Utils/FirmwareTypes.h"
 #include "Utils/Printable.h"
 #include "cli/AdapterWords.h"
+#include "cli/Remarks.h"
 #include "cli/TextTable.h"
 #include "client/Texts.h"
 
@@ -29,9 +30,9 @@ std::string describeImages(const std::vector<utils::FirmwareVersionInfo>& images
 
 std::vector<std::string> typesOf(const std::vector<utils::FirmwareVersionInfo>& images) {
   std::vector<std::string> types;
-  std::transform(
-      images.begin(), images.end(), std::back_inserter(types),
-      [](const auto& image) { return std::string(utils::firmwareTypeName(image.type)); });
+  std::transform(images.begin(), images.end(), std::back_inserter(types), [](const auto& image) {
+    return std::string(utils::firmwareTypeName(image.type));
+  });
   return types;
 }
 
@@ -146,12 +147,16 @@ void printVerdicts(std::ostream& out, const std::vector<AdapterVerdict>& adapter
     out << "There are no adapters to compare it with.\n";
     return;
   }
-  TextTable table({"ADAPTER", "NAME", "STATE", "REASON"});
+  TextTable table({"ADAPTER", "STATE", "NAME"});
+  Remarks reasons("Reasons");
   for (const AdapterVerdict& adapter : adapters) {
-    table.addRow({adapter.adapter, adapter.name, std::string(comparisonName(adapter.comparison)),
-                  adapter.reason});
+    table.addRow({adapter.adapter, std::string(comparisonName(adapter.comparison)), adapter.name});
+    if (!adapter.reason.empty()) {
+      reasons.add(adapter.adapter, adapter.reason);
+    }
   }
   table.print(out);
+  reasons.print(out);
 }
 
 client::Value toJson(const std::vector<utils::FirmwareVersionInfo>& images) {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -30,7 +29,8 @@ class Ownership {
     if (m_members.size() < 2) {
       return false;
     }
-    if (m_last != adapter) {  // the ports of an adapter follow each other
+    if (!m_hasLast || m_last != adapter) {  // the ports of an adapter follow each other
+      m_hasLast = true;
       m_last = adapter;
       m_isShared = membersWith(m_members, adapter).size() > 1;
     }
@@ -39,7 +39,9 @@ class Ownership {
 
  private:
   const Members& m_members;
-  std::optional<AdapterAddress> m_last;
+  // No optional: GCC 12, optimising, takes what it holds for uninitialised.
+  bool m_hasLast = false;
+  AdapterAddress m_last;
   bool m_isShared = false;
 };
 

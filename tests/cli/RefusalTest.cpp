@@ -100,6 +100,14 @@ TEST(RefusalAdvice, FollowsTheReturnValueOfAHost) {
   EXPECT_THAT(adviseOnRefusal(4097, "", request), HasSubstr("the image is for another device"));
 }
 
+TEST(RefusalAdvice, OnAFileForOthersKnowsThatTheLibraryHasSaidMore) {
+  cli::UpdateRequest request;
+  request.why = "the file is for 8086:10d4";
+  EXPECT_EQ(adviseOnRefusal(4097, "EAdapterNotSupported:x", request),
+            "get the file that is made for this adapter; 'quorvel show FILE' tells what one is "
+            "for");
+}
+
 TEST(RefusalAdvice, NamesTargetsWhenTheTargetIsNone) {
   EXPECT_THAT(adviseOnRefusal(4106, "", {}), HasSubstr("name a port or an adapter"));
 }
@@ -139,6 +147,16 @@ TEST_F(RefusalReportTest, GivesReasonAndAdvice) {
   EXPECT_EQ(report("EImageReadError:no luck"),
             "quorvel: update of it refused: 2, Unspecified Error\n"
             "  reason: no luck\n"
+            "  next: check the file and its permissions\n");
+}
+
+TEST_F(RefusalReportTest, SaysWhatTheLibrarySays) {
+  cli::UpdateRequest request;
+  request.why = "fw.undi 1.0.0 is older than\n1.1.0";
+  EXPECT_EQ(report("EImageReadError:no luck", "", request),
+            "quorvel: update of it refused: 2, Unspecified Error\n"
+            "  reason: no luck\n"
+            "  why: fw.undi 1.0.0 is older than\\n1.1.0\n"
             "  next: check the file and its permissions\n");
 }
 

@@ -38,9 +38,9 @@ TEST_F(ShowCommandTest, TellsWhatAnOptionRomIsToEachAdapter) {
                            "COMPONENT  VERSION  BYTES  KIND          TAKES EFFECT BY\n"
                            "IMG_PXE    3\\.0      1024   PC BIOS code  system reboot\n"
                            "\n"
-                           "ADAPTER     NAME             STATE        REASON\n"
-                           "0000:03:00  Virtual adapter  newer\n"
-                           "0000:04:00  Virtual adapter  other types\n"));
+                           "ADAPTER     STATE        NAME\n"
+                           "0000:03:00  newer        Virtual adapter\n"
+                           "0000:04:00  other types  Virtual adapter\n"));
 }
 
 TEST_F(ShowCommandTest, TellsWhatAPackageIs) {
@@ -73,9 +73,9 @@ TEST_F(ShowCommandTest, TellsWhatIsWrongWithADamagedFile) {
   addPxeAdapter("0000:03:00");
   const ProgramResult result = run({"show", writeDamagedRom("damaged.rom")});
   EXPECT_EQ(result.exitStatus, 0);
-  EXPECT_THAT(result.output,
-              AllOf(HasSubstr("  damaged      image 0 at 0x00: byte sum"),
-                    HasSubstr("0000:03:00  Virtual adapter  not for it  the file is damaged\n")));
+  EXPECT_THAT(result.output, AllOf(HasSubstr("  damaged      image 0 at 0x00: byte sum"),
+                                   HasSubstr("0000:03:00  not for it  Virtual adapter\n"),
+                                   HasSubstr("Reasons:\n  0000:03:00: the file is damaged\n")));
   EXPECT_THAT(run({"show", writeFile("other", test::Bytes(9, 1))}).output,
               HasSubstr("  format       unknown format\n"));
 }

@@ -58,9 +58,12 @@ TEST(ShownFirmware, TellsWhatAFileIsAndWhatItWouldMean) {
             "component 5  1.1.0    75776  firmware  IMG_PXE 1.1  system reboot\n"
             "component 6  7.2.0    4096   firmware\n"
             "\n"
-            "ADAPTER     NAME    STATE       REASON\n"
-            "0000:3b:00  E810-C  newer\n"
-            "0000:5e:00          not for it  it is for others\n");
+            "ADAPTER     STATE       NAME\n"
+            "0000:3b:00  newer       E810-C\n"
+            "0000:5e:00  not for it\n"
+            "\n"
+            "Reasons:\n"
+            "  0000:5e:00: it is for others\n");
 }
 
 TEST(ShownFirmware, TellsWhatIsWrongWithAFile) {
