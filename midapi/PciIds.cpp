@@ -5,8 +5,9 @@
 namespace ma {
 namespace {
 
+constexpr std::size_t kDigits = 4;
+
 std::string idText(std::uint16_t id) {
-  constexpr std::size_t kDigits = 4;
   return id == 0 ? "any" : hexText(id, kDigits);
 }
 
@@ -22,6 +23,11 @@ std::string describeIds(const PciIds& ids) {
     text += " sub " + pairText(ids.subsystemVendor, ids.subsystemDevice);
   }
   return text;
+}
+
+std::string describeDevice(const PciIds& ids) {
+  return hexText(ids.vendor, kDigits) + ":" + hexText(ids.device, kDigits) + " sub " +
+         hexText(ids.subsystemVendor, kDigits) + ":" + hexText(ids.subsystemDevice, kDigits);
 }
 
 }  // namespace ma

@@ -17,9 +17,12 @@ struct PciIds {
   friend bool operator==(const PciIds&, const PciIds&) = default;
 };
 
-// Returns for example "8086:1592", "8086:1592 sub 8086:0002", "8086:any", "any". An id that is 0
-// means any, and a subsystem of any is left out.
+// Returns for whom something is, for example "8086:1592", "8086:1592 sub 8086:0002", "8086:any",
+// "any". An id that is 0 means any, and a subsystem of any is left out.
 [[nodiscard]] std::string describeIds(const PciIds& ids);
+
+// Returns the ids of one device, "8086:1592 sub 8086:0002"; 0 is an id like any other.
+[[nodiscard]] std::string describeDevice(const PciIds& ids);
 
 }  // namespace ma
 

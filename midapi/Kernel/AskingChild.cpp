@@ -186,8 +186,8 @@ AskingChild::State AskingChild::await(milliseconds patience) {
 }
 
 AskingChild::State AskingChild::receive() {
-  std::vector<std::uint8_t> packet(sizeof(ErrandRoom::reply));
-  const ssize_t count = ::recv(m_socket.get(), packet.data(), packet.size(), MSG_DONTWAIT);
+  m_packet.resize(sizeof(ErrandRoom::reply));
+  const ssize_t count = ::recv(m_socket.get(), m_packet.data(), m_packet.size(), MSG_DONTWAIT);
   if (count < 0 && (errno == EAGAIN || errno == EINTR)) {
     return State::Waiting;
   }
@@ -195,14 +195,14 @@ AskingChild::State AskingChild::receive() {
   if (count < static_cast<ssize_t>(sizeof head)) {
     return State::Ended;
   }
-  std::memcpy(&head, packet.data(), sizeof head);
+  std::memcpy(&head, m_packet.data(), sizeof head);
   if (head.isLast != 0) {
     m_reply.error = head.error;
     m_reply.time = steady_clock::time_point(std::chrono::nanoseconds(head.time));
     return State::Replied;
   }
   m_size += static_cast<std::size_t>(count);
-  m_reply.pieces.emplace_back(packet.begin() + sizeof head, packet.begin() + count);
+  m_reply.pieces.emplace_back(m_packet.begin() + sizeof head, m_packet.begin() + count);
   return m_size <= kMostBytes ? State::Waiting : State::Ended;
 }
 

@@ -67,6 +67,7 @@ class AskingChild {
   State m_state = State::Waiting;
   ErrandReply m_reply;
   std::size_t m_size = 0;  // of the pieces
+  std::vector<std::uint8_t> m_packet;
 };
 
 }  // namespace ma

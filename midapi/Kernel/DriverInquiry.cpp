@@ -130,6 +130,7 @@ DriverAnswer DriverInquiry::askFor(const DriverQuestion& question, Round& round)
     }
     switch (state) {
       case State::Replied:
+        round.patience = m_settings.patience;
         round.child.emplace(std::move(child));
         return inquiry.answer();
       case State::Waiting:

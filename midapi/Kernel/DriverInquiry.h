@@ -26,8 +26,8 @@
 namespace ma {
 
 struct InquirySettings {
-  // How long a driver may keep silent. Of several in one ask that do, each is given half the time
-  // of the one before: what holds them may be the same.
+  // How long a driver may keep silent. Of several in a row that do, each is given half the time of
+  // the one before: what holds them may be the same.
   std::chrono::milliseconds patience{200};
   // How long ago an answer may have come that was not waited for. After that the driver is asked
   // again.

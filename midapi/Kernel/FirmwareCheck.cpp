@@ -63,7 +63,7 @@ std::string trustAdvice(const FirmwareTarget& target) {
 Preparation refuseOtherDevices(const FirmwareTarget& target, const std::set<std::string>& devices) {
   return refuse(
       PrepareStatus::NotForAdapter,
-      "the file is for " + join(devices) + ", and the adapter is " + describeIds(target.ids));
+      "the file is for " + join(devices) + ", and the adapter is " + describeDevice(target.ids));
 }
 
 // A driver that writes nothing at all is no matter of the file.

@@ -53,7 +53,7 @@ std::optional<DevlinkInfo> readDevlink(const ErrandReply& reply, const DevlinkFa
 }
 
 std::optional<DriverInfo> readDriverInfo(const ErrandReply& reply) {
-  ethtool_drvinfo info;
+  ethtool_drvinfo info{};
   if (reply.error != 0 || reply.pieces.size() != 1 || reply.pieces[0].size() != sizeof info) {
     return std::nullopt;
   }

@@ -142,11 +142,13 @@ struct KernelFlashBackend::Subject {
 };
 
 KernelFlashBackend::KernelFlashBackend(FileSystem& files, KernelPlaces places, DriverCalls& drivers,
+                                       PciNames& names,
                                        std::function<utils::FlashSettings()> settings,
                                        platform::Clock& clock)
     : m_files(files),
       m_places(std::move(places)),
       m_drivers(drivers),
+      m_names(names),
       m_settings(std::move(settings)),
       m_clock(clock),
       m_journal(files, m_places.journal, clock),
@@ -168,10 +170,10 @@ utils::StringArray KernelFlashBackend::enumerateAdapters() {
 }
 
 AdapterList KernelFlashBackend::list() {
-  const std::string whyNobodyCan = whyNobody(m_settings());
+  const std::string whyNobodyCan = whyNobody();
   AdapterList list;
   for (const KernelAdapter& adapter : m_adapters.all()) {
-    AdapterListing listing = describeKernelAdapter(adapter);
+    AdapterListing listing = describeKernelAdapter(adapter, m_names);
     const FlashRoute route = findRoute(adapter, adapter.functions.front().pci.id.function);
     listing.whyNotUpdatable = route.way == FlashWay::None ? route.whyNone : whyNobodyCan;
     listing.isUpdatable = listing.whyNotUpdatable.empty();
@@ -235,7 +237,7 @@ ImageComparison KernelFlashBackend::compare(const PortId& port, ConstBytes file)
 std::uint64_t KernelFlashBackend::digest(const PortId& port) {
   const Subject subject = subjectOf(port);
   const FirmwareTarget target = subject.target();
-  std::string decisive = describeIds(target.ids) + '\n' + std::string(target.driverName) + '\n' +
+  std::string decisive = describeDevice(target.ids) + '\n' + std::string(target.driverName) + '\n' +
                          std::string(target.driver->name) +
                          (target.driver->canWrite() ? "\nwrites\n" : "\n") +
                          (target.isTrusted ? "trusted\n" : "\n") + subject.whyNotUpdatable + '\n';
@@ -270,7 +272,7 @@ void KernelFlashBackend::writeFlash(const PortId& port, ConstBytes image, WriteP
     throw FlashFault(FlashError::NotUpdatable, subject.whyNotUpdatable);
   }
   const FlashPlan plan = planFlash(subject.target(), image);
-  const std::filesystem::path folder = platform::toPath(m_settings().firmwareFolder);
+  const std::filesystem::path folder = firmwareFolder();
   sweepStagedFirmware(m_files, folder, port.adapter);
   // Before the entry: where there is one, the kernel may have been asked.
   const StagedFirmware staged(m_files, folder, port.adapter, image);
@@ -347,16 +349,19 @@ KernelFlashBackend::Subject KernelFlashBackend::subjectOf(const PortId& port) {
   subject.route = findRoute(subject.adapter, port.function);
   subject.versions = versionsOf(subject.adapter, subject.route.function->pci.id.function);
   subject.whyNotUpdatable =
-      subject.route.way == FlashWay::None ? subject.route.whyNone : whyNobody(settings);
+      subject.route.way == FlashWay::None ? subject.route.whyNone : whyNobody();
   subject.isTrusted =
       std::ranges::find(settings.trustedDrivers, subject.route.function->pci.driver) !=
       settings.trustedDrivers.end();
   return subject;
 }
 
-std::string KernelFlashBackend::whyNobody(const utils::FlashSettings& settings) const {
-  return m_drivers.mayFlash() ? whyNotStageable(platform::toPath(settings.firmwareFolder))
-                              : kNoRight;
+std::filesystem::path KernelFlashBackend::firmwareFolder() const {
+  return platform::toPath(m_settings().firmwareFolder);
+}
+
+std::string KernelFlashBackend::whyNobody() const {
+  return m_drivers.mayFlash() ? whyNotStageable(firmwareFolder()) : kNoRight;
 }
 
 KernelFlashBackend::LeftOver KernelFlashBackend::leftOverOf(const KernelAdapter& adapter) const {
@@ -367,9 +372,9 @@ KernelFlashBackend::LeftOver KernelFlashBackend::leftOverOf(const KernelAdapter&
     }
     const auto versions = versionsOf(adapter, adapter.functions.front().pci.id.function);
     const FlashOutcome outcome = judge(*entry, versions);
-    if (outcome == FlashOutcome::Written) {
-      const auto claim = m_journal.tryClaim(adapter.address);
-      if (claim && claim->leftOver() == entry) {
+    if (const auto claim = m_journal.tryClaim(adapter.address)) {
+      sweepStagedFirmware(m_files, firmwareFolder(), adapter.address);
+      if (outcome == FlashOutcome::Written && claim->leftOver() == entry) {
         clearQuietly(*claim);
       }
     }

@@ -26,6 +26,7 @@
 #include "midapi/Kernel/DriverCalls.h"
 #include "midapi/Kernel/FlashJournal.h"
 #include "midapi/Kernel/KernelAdapters.h"
+#include "midapi/Kernel/PciNames.h"
 #include "platform/Clock.h"
 #include "platform/Mutex.h"
 
@@ -40,7 +41,7 @@ struct KernelPlaces {
 class KernelFlashBackend final : public FlashBackend {
  public:
   // Referents outlive the back end. `settings` is asked at each operation.
-  KernelFlashBackend(FileSystem& files, KernelPlaces places, DriverCalls& drivers,
+  KernelFlashBackend(FileSystem& files, KernelPlaces places, DriverCalls& drivers, PciNames& names,
                      std::function<utils::FlashSettings()> settings, platform::Clock& clock);
 
   // FlashBackend
@@ -75,7 +76,8 @@ class KernelFlashBackend final : public FlashBackend {
   [[nodiscard]] Subject subjectOf(const PortId& port);
 
   // Returns why this process can write no firmware at all; empty where it can.
-  [[nodiscard]] std::string whyNobody(const utils::FlashSettings& settings) const;
+  [[nodiscard]] std::string whyNobody() const;
+  [[nodiscard]] std::filesystem::path firmwareFolder() const;
 
   // Says what has become of an update of the adapter whose process is gone; empty where there is
   // none, and as long as the kernel goes on with it. Where all went well, it is told once.
@@ -90,6 +92,7 @@ class KernelFlashBackend final : public FlashBackend {
   FileSystem& m_files;
   const KernelPlaces m_places;
   DriverCalls& m_drivers;
+  PciNames& m_names;
   const std::function<utils::FlashSettings()> m_settings;
   platform::Clock& m_clock;
   const FlashJournal m_journal;

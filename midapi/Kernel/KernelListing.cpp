@@ -88,6 +88,20 @@ void addProduct(const KernelFunction& function, AdapterListing& listing) {
   setOnce(listing.driver, function.pci.driver);
 }
 
+// Returns the components that the flash does not hold as a whole: a driver that stores a version
+// empties it before it writes.
+std::vector<std::string> missingIn(const DriverAnswer& answer) {
+  std::vector<std::string> names;
+  if (answer.devlink) {
+    for (const NamedVersion& version : answer.devlink->stored) {
+      if (version.value.empty()) {
+        names.push_back(version.name);
+      }
+    }
+  }
+  return names;
+}
+
 void addNotes(const KernelAdapter& adapter, AdapterListing& listing) {
   bool isRomForbidden = false;
   bool isVpdForbidden = false;
@@ -99,6 +113,10 @@ void addNotes(const KernelAdapter& adapter, AdapterListing& listing) {
     if (answer.error != 0) {
       notes.insert("its driver could not be asked: " +
                    std::generic_category().message(answer.error));
+    }
+    for (const std::string& name : missingIn(answer)) {
+      notes.insert("its driver tells no stored version of " + name +
+                   ": an update of it has not been finished; update it again");
     }
     if (answer.rom.error != 0 && !isForbidden(answer.rom.error)) {
       notes.insert("its option ROM cannot be read: " +
@@ -138,7 +156,7 @@ bool isRomKnown(const KernelAdapter& adapter) {
          });
 }
 
-AdapterListing describeKernelAdapter(const KernelAdapter& adapter) {
+AdapterListing describeKernelAdapter(const KernelAdapter& adapter, PciNames& names) {
   const KernelFunction& first = adapter.functions.front();
   AdapterListing listing;
   listing.kind = AdapterKind::Kernel;
@@ -149,6 +167,9 @@ AdapterListing describeKernelAdapter(const KernelAdapter& adapter) {
   for (const KernelFunction& function : adapter.functions) {
     listing.ports.push_back(describePort(function.pci));
     addProduct(function, listing);
+  }
+  if (listing.name.empty()) {
+    listing.name = names.nameOf(listing.vendor, listing.device);
   }
   describeFlash(romOf(adapter, first.pci.id.function), listing);
   listing.versions = versionsOf(adapter, first.pci.id.function);

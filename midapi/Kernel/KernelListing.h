@@ -1,6 +1,6 @@
 // What is told of an adapter that the kernel drives, from what is known of its functions.
 //
-// Pure; throws nothing but std::bad_alloc. What points into an adapter lives as long as that.
+// Throws nothing but std::bad_alloc; any thread. What points into an adapter lives as long as that.
 
 #ifndef ORVEX_MIDAPI_KERNEL_KERNELLISTING_H_
 #define ORVEX_MIDAPI_KERNEL_KERNELLISTING_H_
@@ -11,6 +11,7 @@
 
 #include "midapi/AdapterListing.h"
 #include "midapi/Kernel/KernelAdapters.h"
+#include "midapi/Kernel/PciNames.h"
 #include "midapi/OptionRom.h"
 
 namespace ma {
@@ -24,8 +25,9 @@ namespace ma {
 // Returns whether the option ROM is known: it could be read, or the adapter has none.
 [[nodiscard]] bool isRomKnown(const KernelAdapter& adapter);
 
-// Returns the adapter but for whether it can be updated.
-[[nodiscard]] AdapterListing describeKernelAdapter(const KernelAdapter& adapter);
+// Returns the adapter but for whether it can be updated. One that does not say what its maker calls
+// it has the name of its ids.
+[[nodiscard]] AdapterListing describeKernelAdapter(const KernelAdapter& adapter, PciNames& names);
 
 }  // namespace ma
 

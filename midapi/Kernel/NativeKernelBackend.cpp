@@ -5,6 +5,7 @@
 #include "midapi/FileSystem.h"
 #include "midapi/Kernel/KernelCalls.h"
 #include "midapi/Kernel/KernelFlashBackend.h"
+#include "midapi/Kernel/PciNames.h"
 #include "midapi/KernelBackend.h"
 #include "platform/Clock.h"
 #include "platform/Mutex.h"
@@ -49,7 +50,7 @@ class Machine {
   Machine(const fs::path& root, SettingsReader settings)
       : m_drivers(inquiryIn(root)),
         m_backend(
-            nativeFileSystem(), placesIn(root), m_drivers,
+            nativeFileSystem(), placesIn(root), m_drivers, systemPciNames(),
             [root, settings] { return settingsIn(root, settings); }, platform::steadyClock()) {}
 
   [[nodiscard]] FlashBackend& backend() { return m_backend; }

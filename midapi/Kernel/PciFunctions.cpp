@@ -98,9 +98,23 @@ Interfaces findInterfaces(const fs::path& sysfs) {
   return interfaces;
 }
 
-std::string driverOf(const fs::path& folder) {
+std::string boundDriver(const fs::path& folder) {
   std::error_code error;
   return fs::read_symlink(folder / "driver", error).filename().string();
+}
+
+// Returns the driver of the network device: of virtio that is the device below the function.
+std::string driverOf(const fs::path& folder) {
+  std::string driver = boundDriver(folder);
+  if (driver != "virtio-pci") {
+    return driver;
+  }
+  for (const std::string& name : namesIn(folder)) {
+    if (name.starts_with("virtio")) {
+      return boundDriver(folder / name);
+    }
+  }
+  return driver;
 }
 
 fs::path devicesIn(const fs::path& sysfs) {

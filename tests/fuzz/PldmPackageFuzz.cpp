@@ -9,7 +9,6 @@
 #include <string>
 #include <vector>
 
-#include "midapi/Crc32.h"
 #include "midapi/FirmwareDescription.h"
 #include "midapi/FirmwareFormat.h"
 #include "midapi/PldmMatch.h"
@@ -17,14 +16,11 @@
 #include "midapi/PldmPackage.h"
 #include "midapi/PldmRoms.h"
 #include "tests/fuzz/Fuzz.h"
+#include "tests/fuzz/MendedPackage.h"
 
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
-
-constexpr std::size_t kFormatAt = 0x10;
-constexpr std::size_t kSizeAt = 0x11;
-constexpr std::size_t kChecksumSize = 4;
 
 void requireSound(const ma::PldmRecord& record, const ma::PldmPackage& package) {
   test::requirePrintable(record.setVersion);
@@ -94,37 +90,12 @@ void read(const Bytes& bytes) {
   }
 }
 
-void setSum(Bytes& bytes, std::size_t at, std::uint32_t sum) {
-  for (std::size_t place = 0; place < kChecksumSize; ++place) {
-    bytes[at + place] = static_cast<std::uint8_t>(sum >> 8 * place & 0xFF);
-  }
-}
-
-// Returns false for bytes without room for checksums.
-bool mend(Bytes& bytes) {
-  if (bytes.size() < kSizeAt + 2) {
-    return false;
-  }
-  const bool hasPayloadSum = bytes[kFormatAt] >= 4;
-  const std::size_t headerSize = bytes[kSizeAt] | std::size_t{bytes[kSizeAt + 1]} << 8;
-  const std::size_t sums = hasPayloadSum ? 2 * kChecksumSize : kChecksumSize;
-  if (headerSize > bytes.size() || headerSize < kSizeAt + 2 + sums) {
-    return false;
-  }
-  const std::size_t at = headerSize - sums;
-  setSum(bytes, at, ma::crc32Of({bytes.data(), at}));
-  if (hasPayloadSum) {
-    setSum(bytes, at + kChecksumSize, ma::crc32Of(std::span(bytes).subspan(headerSize)));
-  }
-  return true;
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   Bytes bytes(data, data + size);
   read(bytes);
-  if (mend(bytes)) {
+  if (test::mendPackage(bytes)) {
     read(bytes);
   }
   return 0;

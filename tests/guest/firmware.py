@@ -72,6 +72,8 @@ def files():
         "cut.pldm": good[:len(good) // 2],
         "wrong-header-checksum.pldm": changed(good, 0x20 + 6),
         "changed-component.pldm": changed(good, len(good) - 1),
+        "changed-rom.pldm": changed(good, good.index(rom) + len(rom) // 2),
+        "older.pldm": package(RTL8139, [(FW_UNDI, "0.9.0", rom), (FW_MGMT, "7.2.0", management)]),
     }
 
 

@@ -129,8 +129,11 @@ prepare_machine() {
 
 # ---- boards ----
 
-# fresh_board NAME: sets a board back to what it comes with, and describes it.
+# fresh_board NAME: sets a board back to what it comes with, whatever a story before has left, and describes it.
 fresh_board() {
+  describe "$1"
+  [ ! -e "/sys/kernel/debug/testnic/$slot" ] || set_board "$1" pause_at 101
+  rm -f /var/lib/orvex/kernel/*.json
   unbind "$1"
   dd if="$flashes/$1.new" of="$flashes/$1.flash" bs=64k conv=notrunc status=none
   bind "$1"
@@ -196,3 +199,57 @@ expect_mgmt() {
   cmp -n "$(stat -c %s "$2")" "$flashes/$1.flash" "$2" $((448 * 1024 + 256)) ||
     fail "the flash of $1 does not hold $2"
 }
+
+# ---- quorvel ----
+
+# expect_told NAME TEXT...: `quorvel adapters` has each text in a line that is about the adapter. The variable
+# `adapters_told` stands for what it prints, where that is set.
+expect_told() {
+  local told text
+  describe "$1"
+  shift
+  # A line without an address is about the adapter of the line before.
+  told=$(awk -v slot="$slot" '/^0000:/ { own = index($1, slot) == 1 } /:$/ { own = 1 } own' \
+    <<<"${adapters_told:-$(quorvel adapters)}")
+  for text in "$@"; do
+    expect_text "what quorvel tells of $slot" "$text" "$told"
+  done
+}
+
+# expect_tidy: no firmware is staged for the kernel, and the journal has no entry.
+expect_tidy() {
+  local left
+  left=$(find /lib/firmware /var/lib/orvex/kernel -name 'quorvel-*' -o -name '*.json')
+  expect_equal "what is left" "" "$left"
+}
+
+# start_service: serves the agents on the loopback interface; `service` is the process.
+start_service() {
+  ip link set lo up
+  (
+    umask 077
+    echo "admin:$(openssl passwd -6 secret):operator" >/run/users
+    printf '%s\n' "listen = 127.0.0.1:5988" "authentication = file" "password-file = /run/users" >/run/quorveld.conf
+  )
+  : >/run/quorveld.log
+  ZOLAN_Quorvel_LOG_LEVEL=3 quorveld --config /run/quorveld.conf >>/run/quorveld.log 2>&1 &
+  service=$!
+  await grep -qs "quorveld: serving" /run/quorveld.log
+}
+
+host=admin:secret@127.0.0.1:5988/root/DCIM/zolan
+keys='SystemCreationClassName="CIM_UnitaryComputerSystem",SystemName="localhost"'
+
+# ask_service OPERATION OBJECT [ARGUMENT...]: prints what a client is answered.
+ask_service() { wbemcli -nl "$1" "http://$host:$2" "${@:3}"; }
+
+# install PORT FILE: has the service install a file, and prints the job's name.
+install_by_service() {
+  ask_service cm \
+    "Orvex_SoftwareInstallationService.$keys,CreationClassName=\"Orvex_SoftwareInstallationService\",Name=\"Orvex:FirmwareUpdate\"" \
+    "InstallFromURI.URI=\"file://$2\",Target=Orvex_EthernetPort.$keys,CreationClassName=\"Orvex_EthernetPort\",DeviceID=\"$1\",InstallOptions=5,InstallOptionsValues=\"\"" |
+    grep -o 'Orvex_ConcreteJob.*'
+}
+
+# job_has JOB LINE: whether the job has that property, as in "JobState=7".
+job_has() { ask_service gi "$1" | grep -qxF -- "-$2"; }

@@ -1,3 +1,4 @@
+#include <cstdint>
 #include <gmock/gmock.h>
 #include <string>
 
@@ -50,6 +51,28 @@ TEST_F(InstanceNames, DifferByAnyKey) {
   }
   EXPECT_FALSE(isNamed(m_device, objectName("Test_Port.InstanceID=\"a\",Slot=1")));
   EXPECT_FALSE(isNamed(m_device, test::className("Test_Device")));
+}
+
+// Expects that a key of that type is known by the first text, and by no other.
+template <class Property, class Value>
+void expectKnownBy(const Value& value, const std::string& text, const std::string& other) {
+  test::Device device("a", 1);
+  Property key("Key", &device);
+  key.setKey();
+  key.setValue(value);
+  const std::string others = R"(Test_Device.InstanceID="a",Slot=1,Key=)";
+  EXPECT_TRUE(isNamed(device, objectName(others + text))) << text;
+  EXPECT_FALSE(isNamed(device, objectName(others + other))) << other;
+}
+
+TEST_F(InstanceNames, MayHaveKeysOfEachType) {
+  expectKnownBy<core::CimPropertyUint8>(std::uint8_t{200}, "200", "201");
+  expectKnownBy<core::CimPropertySint8>(std::int8_t{-5}, "-5", "5");
+  expectKnownBy<core::CimPropertyUint16>(std::uint16_t{50'000}, "50000", "50001");
+  expectKnownBy<core::CimPropertyUint32>(4'000'000'000U, "4000000000", "4000000001");
+  expectKnownBy<core::CimPropertyUint64>(std::uint64_t{1} << 63, "9223372036854775808", "0");
+  expectKnownBy<core::CimPropertyBoolean>(std::uint8_t{1}, "TRUE", "FALSE");
+  expectKnownBy<core::CimPropertyString>(std::string("x"), R"("x")", R"("X")");
 }
 
 TEST_F(InstanceNames, MayLeaveTheOnlyKeyWithoutAName) {

@@ -168,6 +168,19 @@ TEST_F(SocketFileTest, IsFoundThroughABoundedNumberOfLinks) {
   EXPECT_EQ(errorOfWay(), ELOOP);
 }
 
+TEST_F(SocketFileTest, IsFoundThroughAsManyLinksAsTheSystemGoesThrough) {
+  constexpr int kMost = 40;
+  fs::create_directory(m_directory.path() / "0");
+  for (int link = 1; link <= kMost + 1; ++link) {
+    fs::create_directory_symlink(std::to_string(link - 1),
+                                 m_directory.path() / std::to_string(link));
+  }
+  m_path = m_directory.path() / std::to_string(kMost) / "a.sock";
+  EXPECT_EQ(errorOfWay(), 0);
+  m_path = m_directory.path() / std::to_string(kMost + 1) / "a.sock";
+  EXPECT_EQ(errorOfWay(), ELOOP);
+}
+
 TEST_F(SocketFileTest, IsInNoFolderThatIsAFile) {
   m_directory.write("run", std::string("content"));
   EXPECT_EQ(errorOfWay(), ENOTDIR);

@@ -63,6 +63,21 @@ TEST_F(PosixFirmwareSearch, ReadsAFileThatStandsInThePlaceOfAnother) {
   EXPECT_EQ(m_files.find().at(0)->description.version, "2.0");
 }
 
+// The kernel says of its own files that they have a page, whatever is in them.
+TEST_F(PosixFirmwareSearch, LeavesAFileOutThatHasLessThanItsSize) {
+  const fs::path shorter = "/sys/devices/system/cpu/online";
+  if (!fs::exists(shorter)) {
+    GTEST_SKIP() << "this system has no such file";
+  }
+  const fs::path link = firstDirectory() / "a.rom";
+  fs::create_symlink(shorter, link);
+  const std::string there = std::to_string(test::readText(shorter).size());
+  EXPECT_THAT(find(), IsEmpty());
+  EXPECT_THAT(problems(), ElementsAre("Firmware file '" + link.string() + "' is left out: only " +
+                                      there + " of its " + std::to_string(fs::file_size(shorter)) +
+                                      " bytes could be read"));
+}
+
 // Settings whose directories answered when they were asked for.
 class AnsweringConfig final : public utils::QuorvelConfig {
  public:

@@ -58,13 +58,22 @@ class DriverInquiryTest : public testing::Test {
 
   static ma::InquirySettings settings() {
     ma::InquirySettings settings;
-    settings.patience = milliseconds(100);
+    settings.patience = test::kDeadline;
     settings.lateFor = hours(1);
     settings.of = ma::FunctionInquiry::Of::FilesAlone;
     settings.forks.here = countedFork;
     return settings;
   }
   void begin(const ma::InquirySettings& settings) { m_inquiry.emplace(settings); }
+  // Has somebody keep silent, which takes its time.
+  void hold(const std::string& id, milliseconds lateFor = hours(1)) {
+    std::filesystem::remove(vpd(id));
+    ASSERT_EQ(::mkfifo(vpd(id).c_str(), 0600), 0);
+    auto settings = DriverInquiryTest::settings();
+    settings.patience = milliseconds(1000);
+    settings.lateFor = lateFor;
+    begin(settings);
+  }
 
   std::vector<DriverQuestion> questions() const {
     std::vector<DriverQuestion> questions;
@@ -88,11 +97,14 @@ class DriverInquiryTest : public testing::Test {
     return texts;
   }
 
-  std::string vpd(const std::string& id) const { return m_sysfs.folder(id) / "vpd"; }
-  void hold(const std::string& id) {
-    std::filesystem::remove(vpd(id));
-    ASSERT_EQ(::mkfifo(vpd(id).c_str(), 0600), 0);
+  [[nodiscard]] std::ptrdiff_t livingChildren() const {
+    const auto children = m_children.all();
+    return std::count_if(children.begin(), children.end(), [this](pid_t child) {
+      return !m_children.statusOf(child, "State").starts_with("Z");
+    });
   }
+
+  std::string vpd(const std::string& id) const { return m_sysfs.folder(id) / "vpd"; }
   // Lets those go who wait for somebody to write.
   static void release(const std::string& fifo, const std::string& text = "") {
     const platform::Descriptor file(::open(fifo.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC));
@@ -154,12 +166,7 @@ TEST_F(DriverInquiryTest, AsksNobodyTwiceWhoDoesNotAnswer) {
   EXPECT_EQ(s_forks, 2);
   EXPECT_EQ(test::countOpenFiles(), openFiles);
   // The other child had nothing more to do.
-  EXPECT_TRUE(test::waitUntil([this] {
-    const auto children = m_children.all();
-    return std::count_if(children.begin(), children.end(), [this](pid_t child) {
-             return !m_children.statusOf(child, "State").starts_with("Z");
-           }) == 1;
-  }));
+  EXPECT_TRUE(test::waitUntil([this] { return livingChildren() == 1; }));
 }
 
 TEST_F(DriverInquiryTest, TakesAnAnswerThatComesLate) {
@@ -173,10 +180,7 @@ TEST_F(DriverInquiryTest, TakesAnAnswerThatComesLate) {
 }
 
 TEST_F(DriverInquiryTest, AsksAgainWhereTheAnswerCameLongAgo) {
-  auto settings = DriverInquiryTest::settings();
-  settings.lateFor = milliseconds(-1);
-  begin(settings);
-  hold(kSecond);
+  hold(kSecond, milliseconds(-1));
   ask();
   free(kSecond, "late");
   std::vector<std::string> answers;
@@ -195,11 +199,8 @@ TEST_F(DriverInquiryTest, AsksAgainWhereTheChildWasKilled) {
 }
 
 TEST_F(DriverInquiryTest, LeavesNothingBehindOfWhatIsUnplugged) {
-  auto settings = DriverInquiryTest::settings();
-  settings.lateFor = milliseconds(-1);
-  begin(settings);
   const std::size_t openFiles = test::countOpenFiles();
-  hold(kSecond);
+  hold(kSecond, milliseconds(-1));
   ask();
   EXPECT_EQ(test::countOpenFiles(), openFiles + 1);
   const std::vector<DriverQuestion> others{questions()[0]};
@@ -236,12 +237,7 @@ TEST_F(DriverInquiryTest, IsAskedByManyAtOnce) {
   for (std::thread& thread : threads) {
     thread.join();
   }
-  const auto children = m_children.all();
-  EXPECT_EQ(std::count_if(children.begin(), children.end(),
-                          [this](pid_t child) {
-                            return m_children.statusOf(child, "State").starts_with("S");
-                          }),
-            1);
+  EXPECT_TRUE(test::waitUntil([this] { return livingChildren() == 1; }));
 }
 
 }  // namespace

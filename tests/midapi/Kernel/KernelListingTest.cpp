@@ -1,10 +1,12 @@
 #include <cerrno>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <string>
 #include <utility>
 
 #include "midapi/Kernel/KernelListing.h"
 #include "tests/support/RomBuilder.h"
+#include "tests/support/TempDirectory.h"
 #include "tests/support/VpdBuilder.h"
 
 namespace {
@@ -35,8 +37,13 @@ class KernelListing : public testing::Test {
     m_adapter.functions.push_back(std::move(function));
     return m_adapter.functions.back();
   }
-  AdapterListing describe() const { return describeKernelAdapter(m_adapter); }
+  AdapterListing describe() {
+    ma::PciNames names(m_list);
+    return describeKernelAdapter(m_adapter, names);
+  }
 
+  test::TempDirectory m_directory;
+  const std::filesystem::path m_list = m_directory.path() / "pci.ids";
   KernelAdapter m_adapter{{0, 3, 0}, {}, false};
 };
 
@@ -73,6 +80,14 @@ TEST_F(KernelListing, LeavesEmptyWhatIsNot) {
   EXPECT_THAT(listing.versions, IsEmpty());
   EXPECT_THAT(listing.flashDefect, IsEmpty());
   EXPECT_THAT(listing.ports[0].interfaces, IsEmpty());
+}
+
+TEST_F(KernelListing, NamesAnAdapterThatHasNoNameByItsIds) {
+  m_directory.write("pci.ids", std::string("1af4  Maker\n\t1041  Network device\n"));
+  KernelFunction& function = add(0);
+  EXPECT_EQ(describe().name, "Maker Network device");
+  function.answer.vpd = {0, vpd("Test adapter", "", "")};
+  EXPECT_EQ(describe().name, "Test adapter");
 }
 
 TEST_F(KernelListing, TakesSerialNumbersInTheirOrder) {
@@ -128,6 +143,16 @@ TEST_F(KernelListing, NamesWhatCannotBeReadAtAll) {
   EXPECT_THAT(describe().notes,
               ElementsAre("its driver could not be asked: Resource temporarily unavailable",
                           "its option ROM cannot be read: Input/output error"));
+}
+
+TEST_F(KernelListing, NamesWhatTheFlashDoesNotHoldAsAWhole) {
+  for (std::uint8_t number = 0; number < 2; ++number) {
+    add(number).answer.devlink =
+        DevlinkInfo{"testnic", "", "", {}, {}, {{"fw.undi", ""}, {"fw.mgmt", "7.1.0"}}};
+  }
+  EXPECT_THAT(describe().notes,
+              ElementsAre("its driver tells no stored version of fw.undi: an update of it has not "
+                          "been finished; update it again"));
 }
 
 TEST_F(KernelListing, KnowsTheOptionRomOfAnAdapterWithoutOne) {

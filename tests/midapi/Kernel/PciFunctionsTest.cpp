@@ -56,6 +56,10 @@ TEST_F(PciFunctions, FindsTheInterfacesOfVirtioOneLevelUp) {
   m_sysfs.addInterface("0000:00:04.0", "ens4", "52:54:00:12:34:56", "virtio2");
   ASSERT_THAT(ids(), ElementsAre("0000:00:04.0"));
   EXPECT_THAT(find()[0].interfaces, ElementsAre(NetworkInterface{"ens4", "52:54:00:12:34:56"}));
+  EXPECT_EQ(find()[0].driver, "");
+
+  m_sysfs.bindDriver("0000:00:04.0/virtio2", "virtio_net");
+  EXPECT_EQ(find()[0].driver, "virtio_net");
 }
 
 TEST_F(PciFunctions, TakesInterfacesOfOtherDevicesBelowAFunctionForNoneOfIts) {

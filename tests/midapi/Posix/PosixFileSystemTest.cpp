@@ -126,6 +126,21 @@ TEST_F(PosixFileSystemTest, SharesALockWithTheGroupThatMayWriteItsFolder) {
   EXPECT_EQ(state.st_mode & 0777, 0660u);
 }
 
+TEST_F(PosixFileSystemTest, GivesALockOfTheSuperuserToTheOwnersOfItsFolder) {
+  constexpr uid_t kUser = 64242;
+  constexpr gid_t kGroup = 64243;
+  if (geteuid() != 0 || ::chown(m_directory.path().c_str(), kUser, kGroup) != 0) {
+    GTEST_SKIP() << "only root can give a folder away";
+  }
+  const auto path = m_directory.path() / "lock";
+  const auto lock = nativeFileSystem().lock(path);
+  struct stat state {};
+  ASSERT_EQ(::stat(path.c_str(), &state), 0);
+  EXPECT_EQ(state.st_uid, kUser);
+  EXPECT_EQ(state.st_gid, kGroup);
+  EXPECT_EQ(state.st_mode & 0777, 0600u);
+}
+
 // Who may rename the folder must not be made the owner of a file in it by another's rights.
 TEST_F(PosixFileSystemTest, SharesALockAsTheFolderIsSharedThatItStandsIn) {
   const auto folder = m_directory.path() / "folder";

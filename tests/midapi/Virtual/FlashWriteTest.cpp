@@ -91,6 +91,15 @@ TEST_F(FlashWriteTest, FailsAtItsPercentageWithTheInjectedCodeAndText) {
   EXPECT_EQ(m_progress.percent(), 40U);
 }
 
+TEST_F(FlashWriteTest, FailsAtTheFirstByteThatIsItsPercentage) {
+  m_new = Bytes(101, 'n');
+  setFaults(R"({"write": {"atPercent": 1, "code": 17, "text": "early"}})");
+  write();
+  expectFailure(17, "early");
+  EXPECT_EQ(m_progress.percent(), 1U);
+  EXPECT_THAT(m_files.blocks, ElementsAre(2));
+}
+
 TEST_F(FlashWriteTest, FailsAtEitherEndToo) {
   setFaults(R"({"write": {"atPercent": 0, "code": 17, "text": "at once"}})");
   write();

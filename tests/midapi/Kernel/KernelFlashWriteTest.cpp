@@ -1,0 +1,321 @@
+// Writing: what is left after each step that fails, and after a process that was killed.
+
+#include <cerrno>
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "tests/midapi/Kernel/KernelBackendFixture.h"
+
+namespace {
+
+using ma::AdapterList;
+using ma::DevlinkFlashEvent;
+using ma::FirmwareVersions;
+using ma::NetlinkAck;
+using test::Bytes;
+using test::kernelPackage;
+using test::kKernelAdapter;
+using test::kKernelFunction;
+using test::kKernelPort;
+using test::kOtherFunction;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class KernelFlashWrite : public test::KernelBackendFixture {
+ protected:
+  // A write in whose middle the process is killed; then the flash holds those versions.
+  void dieWriting(const std::string& undi, const std::string& mgmt) {
+    m_drivers.onDevlinkFlash = [&](const std::string&, const std::string&,
+                                   const auto&) -> NetlinkAck {
+      store(undi, mgmt);
+      m_files.isDead = true;
+      throw std::runtime_error("killed");
+    };
+    EXPECT_THROW(write(), std::runtime_error);
+    m_files.isDead = false;
+    passASecond();
+  }
+};
+
+TEST_F(KernelFlashWrite, GivesTheKernelTheVeryBytes) {
+  Bytes flashed;
+  m_drivers.onDevlinkFlash = [&](const std::string& function, const std::string& file,
+                                 const auto&) {
+    EXPECT_EQ(function, kKernelFunction);
+    EXPECT_THAT(staged(), ElementsAre(file));
+    flashed = test::readBytes(m_firmware / file);
+    EXPECT_TRUE(hasEntry());
+    EXPECT_LT(m_progress.percent(), 100U);
+    store("1.1.0", "7.2.0");
+    return NetlinkAck{};
+  };
+  write();
+  EXPECT_EQ(flashed, kernelPackage("1.1.0", "7.2.0"));
+  EXPECT_THAT(staged(), IsEmpty());
+  EXPECT_FALSE(hasEntry());
+  EXPECT_EQ(m_progress.percent(), 100U);
+  EXPECT_EQ(m_backend.firmwareVersions(kKernelPort)[0],
+            (FirmwareVersions{"fw.undi", "1.0.0", "1.1.0"}));
+}
+
+TEST_F(KernelFlashWrite, ReportsTheProgressOfAllComponents) {
+  std::vector<std::uint32_t> percents;
+  m_drivers.onDevlinkFlash = [&](const std::string&, const std::string&, const auto& onEvent) {
+    const auto tell = [&](const std::string& device, const std::string& component,
+                          std::uint64_t done, std::uint64_t total) {
+      onEvent({DevlinkFlashEvent::Kind::Status, device, "Flashing", component, done, total, 0});
+      percents.push_back(m_progress.percent());
+    };
+    tell(kKernelFunction, "fw.undi", 0, 0);
+    tell(kKernelFunction, "fw.undi", 512, 1024);
+    tell(kOtherFunction, "fw.undi", 1024, 1024);
+    tell(kKernelFunction, "fw.undi", 1024, 1024);
+    tell(kKernelFunction, "fw.mgmt", 0, 976);
+    tell(kKernelFunction, "fw.mgmt", 976, 976);
+    store("1.1.0", "7.2.0");
+    return NetlinkAck{};
+  };
+  write();
+  EXPECT_THAT(percents, ElementsAre(0, 25, 25, 51, 51, 99));
+  EXPECT_EQ(m_progress.percent(), 100U);
+}
+
+TEST_F(KernelFlashWrite, FailsWithTheWordsOfTheDriver) {
+  m_drivers.onDevlinkFlash = [this](const std::string&, const std::string&, const auto&) {
+    store("", "7.1.0");
+    return NetlinkAck{EIO, "testnic: flash write failed"};
+  };
+  EXPECT_EQ(failWriting(),
+            "The adapter's driver has not written the firmware: testnic: flash write failed");
+  EXPECT_THAT(staged(), IsEmpty());
+  EXPECT_FALSE(hasEntry());
+  EXPECT_LT(m_progress.percent(), 100U);
+  EXPECT_EQ(m_backend.firmwareVersions(kKernelPort)[0], (FirmwareVersions{"fw.undi", "1.0.0", ""}));
+}
+
+TEST_F(KernelFlashWrite, FailsWithTheKernelsWordsWhereTheDriverHasNone) {
+  int error = EPERM;
+  m_drivers.onDevlinkFlash = [&error](const std::string&, const std::string&, const auto&) {
+    return NetlinkAck{error, ""};
+  };
+  EXPECT_THAT(failWriting(), HasSubstr(": Operation not permitted"));
+  error = ENOENT;
+  EXPECT_THAT(failWriting(),
+              AllOf(HasSubstr(": No such file or directory; the kernel must take firmware from "),
+                    HasSubstr("firmware (setting FirmwareFolder)")));
+}
+
+TEST_F(KernelFlashWrite, FailsWhereTheFlashDoesNotHoldTheFilesVersions) {
+  m_drivers.onDevlinkFlash = [this](const std::string&, const std::string&, const auto&) {
+    store("1.1.0", "7.1.0");
+    return NetlinkAck{};
+  };
+  EXPECT_EQ(failWriting(),
+            "The flash does not hold what was written: fw.mgmt is 7.1.0, and the file has 7.2.0");
+  EXPECT_FALSE(hasEntry());
+  EXPECT_LT(m_progress.percent(), 100U);
+}
+
+TEST_F(KernelFlashWrite, WaitsForADriverThatIsAwayAfterTheFlash) {
+  m_drivers.onDevlinkFlash = [this](const std::string&, const std::string&, const auto&) {
+    m_drivers.answers[kKernelFunction] = {};
+    m_drivers.answers[kKernelFunction].isAway = true;
+    m_clock.afterEachSleep([this](int sleeps) {
+      if (sleeps == 5) {
+        m_drivers.answers[kKernelFunction] = {};
+        store("1.1.0", "7.2.0");
+      }
+    });
+    return NetlinkAck{};
+  };
+  write();
+  EXPECT_EQ(m_clock.slept(), std::chrono::milliseconds(2500));
+  EXPECT_EQ(m_progress.percent(), 100U);
+}
+
+TEST_F(KernelFlashWrite, LeavesTheEntryWhereTheDriverDoesNotAnswerAnyMore) {
+  m_drivers.onDevlinkFlash = [this](const std::string&, const std::string&, const auto&) {
+    m_drivers.answers[kKernelFunction] = {};
+    m_drivers.answers[kKernelFunction].isAway = true;
+    return NetlinkAck{};
+  };
+  EXPECT_THAT(failWriting(), HasSubstr("does not tell any versions since"));
+  EXPECT_TRUE(hasEntry());
+  EXPECT_THAT(staged(), IsEmpty());
+  EXPECT_EQ(m_clock.slept(), std::chrono::seconds(30));
+}
+
+TEST_F(KernelFlashWrite, DoesNotWaitForADriverThatWasTakenAway) {
+  m_drivers.onDevlinkFlash = [this](const std::string&, const std::string&, const auto&) {
+    m_drivers.answers.clear();
+    std::filesystem::remove(m_sysfs.folder(kKernelFunction) / "driver");
+    return NetlinkAck{};
+  };
+  EXPECT_THAT(failWriting(), HasSubstr("does not tell any versions since"));
+  EXPECT_TRUE(hasEntry());
+  EXPECT_EQ(m_clock.slept(), std::chrono::seconds(0));
+}
+
+TEST_F(KernelFlashWrite, AsksForNoFlashThatIsNotInTheJournal) {
+  m_drivers.onDevlinkFlash = [](const std::string&, const std::string&, const auto&) {
+    ADD_FAILURE() << "the kernel was asked";
+    return NetlinkAck{};
+  };
+  m_directory.write("kernel", std::string("no folder"));
+  EXPECT_THAT(failWriting(), HasSubstr("no record of the update can be kept, so it has not begun"));
+  EXPECT_THAT(staged(), IsEmpty());
+}
+
+TEST_F(KernelFlashWrite, LeavesNothingWhereAStepBeforeTheFlashFails) {
+  m_drivers.onDevlinkFlash = [](const std::string&, const std::string&, const auto&) {
+    ADD_FAILURE() << "the kernel was asked";
+    return NetlinkAck{};
+  };
+  for (const std::string step : {"firmware", "kernel"}) {
+    m_files.beforeStep = [&step](const std::string& name, const std::filesystem::path& path) {
+      if (name == "append" && path.parent_path().filename() == step) {
+        test::WatchedFileSystem::failAsFullDisk("write", path);
+      }
+    };
+    EXPECT_THAT(failWriting(), HasSubstr("No space left on device")) << step;
+    EXPECT_THAT(staged(), IsEmpty());
+    EXPECT_FALSE(hasEntry());
+  }
+}
+
+TEST_F(KernelFlashWrite, SucceedsWhereTheEntryCannotBeRemoved) {
+  m_files.beforeStep = [](const std::string& name, const std::filesystem::path& path) {
+    if (name == "remove" && path.extension() == ".json") {
+      test::WatchedFileSystem::failAsFullDisk("remove", path);
+    }
+  };
+  write();
+  EXPECT_EQ(m_progress.percent(), 100U);
+  EXPECT_TRUE(hasEntry());
+}
+
+TEST_F(KernelFlashWrite, LetsOneWriteAnAdapterAtATime) {
+  m_drivers.onDevlinkFlash = [this](const std::string&, const std::string&, const auto&) {
+    EXPECT_THAT(failWriting(), HasSubstr("another program is writing the adapter"));
+    store("1.1.0", "7.2.0");
+    return NetlinkAck{};
+  };
+  write();
+}
+
+TEST_F(KernelFlashWrite, RefusesToWriteWhatCannotBeUpdated) {
+  m_drivers.isPrivileged = false;
+  EXPECT_THAT(failWriting(), HasSubstr("cannot be replaced: writing firmware needs"));
+  EXPECT_FALSE(hasEntry());
+}
+
+TEST_F(KernelFlashWrite, LeavesOtherAdaptersAlone) {
+  addFunction(kOtherFunction, "testnic");
+  store("1.0.0", "7.1.0", kOtherFunction);
+  m_drivers.onDevlinkFlash = [this](const std::string&, const std::string&, const auto&) {
+    const AdapterList list = m_backend.list();
+    EXPECT_TRUE(list.adapters[0].isBeingWritten);
+    EXPECT_THAT(list.adapters[0].notes, IsEmpty());
+    EXPECT_FALSE(list.adapters[1].isBeingWritten);
+    EXPECT_THAT(list.problems, IsEmpty());
+    EXPECT_FALSE(hasEntry("0000-04-00.json"));
+    store("1.1.0", "7.2.0");
+    return NetlinkAck{};
+  };
+  write();
+  EXPECT_EQ(m_backend.firmwareVersions({{0, 4, 0}, 0})[0],
+            (FirmwareVersions{"fw.undi", "1.0.0", "1.0.0"}));
+}
+
+TEST_F(KernelFlashWrite, WritesByEthtoolForDriversOfTheTable) {
+  addFunction(kOtherFunction, "qede");
+  m_settings.trustedDrivers = {"qede"};
+  Bytes flashed;
+  m_drivers.onEthtoolFlash = [&](const std::string& interface, const std::string& file) {
+    EXPECT_EQ(interface, "eth040");
+    flashed = test::readBytes(m_firmware / file);
+    return NetlinkAck{};
+  };
+  const Bytes file = {0x87, 0x56, 0x43, 0x12, 0, 0, 0, 0, 0, 0, 0, 0};
+  write(file, {{0, 4, 0}, 0});
+  EXPECT_EQ(flashed, file);
+  EXPECT_EQ(m_progress.percent(), 100U);
+  EXPECT_FALSE(hasEntry("0000-04-00.json"));
+}
+
+TEST_F(KernelFlashWrite, TellsOfAnInterruptedUpdateThatTheKernelHasFinished) {
+  dieWriting("1.1.0", "7.2.0");
+  EXPECT_TRUE(hasEntry());
+  EXPECT_EQ(staged().size(), 1U);
+  const AdapterList list = m_backend.list();
+  EXPECT_THAT(staged(), IsEmpty());
+  EXPECT_THAT(list.adapters[0].notes,
+              ElementsAre("an update was interrupted; the kernel has finished it since: the flash "
+                          "holds what the file has (fw.undi 1.1.0, fw.mgmt 7.2.0)"));
+  EXPECT_THAT(list.problems, IsEmpty());
+  EXPECT_FALSE(hasEntry());
+  EXPECT_THAT(listing().notes, IsEmpty());
+}
+
+TEST_F(KernelFlashWrite, TellsOfAnInterruptedUpdateUntilTheNextOne) {
+  dieWriting("", "7.1.0");
+  for (int looks = 0; looks < 2; ++looks) {
+    const AdapterList list = m_backend.list();
+    ASSERT_EQ(list.problems.size(), 1U);
+    EXPECT_EQ(list.problems[0].place, "0000:03:00");
+    EXPECT_EQ(list.problems[0].text,
+              "an update was interrupted; the flash holds neither what it held before nor what the "
+              "file has (fw.undi (none), fw.mgmt 7.1.0)");
+    EXPECT_EQ(list.problems[0].advice, "update it again before the machine starts anew");
+    EXPECT_THAT(list.adapters[0].notes,
+                ElementsAre(HasSubstr("no stored version of fw.undi"), list.problems[0].text));
+    EXPECT_THAT(staged(), IsEmpty());
+  }
+  m_drivers.onDevlinkFlash = [this](const std::string&, const std::string&, const auto&) {
+    EXPECT_EQ(staged().size(), 1U);
+    store("1.1.0", "7.2.0");
+    return NetlinkAck{};
+  };
+  write();
+  EXPECT_THAT(staged(), IsEmpty());
+  EXPECT_THAT(m_backend.list().problems, IsEmpty());
+}
+
+TEST_F(KernelFlashWrite, TellsOfAnInterruptedUpdateThatHasChangedNothing) {
+  dieWriting("1.0.0", "7.1.0");
+  const AdapterList list = m_backend.list();
+  ASSERT_EQ(list.problems.size(), 1U);
+  EXPECT_EQ(
+      list.problems[0].text,
+      "an update was interrupted; the flash holds what it held before (fw.undi 1.0.0, fw.mgmt "
+      "7.1.0)");
+  EXPECT_EQ(list.problems[0].advice, "update it again");
+  EXPECT_THAT(m_backend.interruptedWrites(),
+              ElementsAre("0000:03:00: " + list.problems[0].text + "; update it again"));
+}
+
+TEST_F(KernelFlashWrite, SaysNothingOfAnInterruptedUpdateWhileItGoesOn) {
+  dieWriting("1.0.0", "7.1.0");
+  m_drivers.answers[kKernelFunction].isAway = true;
+  const AdapterList list = m_backend.list();
+  EXPECT_TRUE(list.adapters[0].isBeingWritten);
+  EXPECT_THAT(list.adapters[0].notes, IsEmpty());
+  EXPECT_THAT(list.problems, IsEmpty());
+  EXPECT_TRUE(hasEntry());
+}
+
+TEST_F(KernelFlashWrite, NamesAnEntryThatIsNone) {
+  m_directory.write("kernel/0000-03-00.json", std::string("{"));
+  const AdapterList list = m_backend.list();
+  ASSERT_EQ(list.problems.size(), 1U);
+  EXPECT_THAT(list.problems[0].text, HasSubstr("0000-03-00.json is no entry of a flash"));
+  m_drivers.isPrivileged = false;
+  EXPECT_THAT(m_backend.list().problems, IsEmpty());
+}
+
+}  // namespace
