@@ -65,6 +65,7 @@ def files():
     good = package(RTL8139, both)
     return {
         "rtl8139.rom": rom,
+        "e1000e.rom": other_rom,
         "management.bin": management,
         "rtl8139.pldm": good,
         "e1000e.pldm": package(E1000E, [(FW_UNDI, "1.5.0", other_rom), (FW_MGMT, "7.4.0", management)]),
