@@ -201,7 +201,7 @@ int readPlainFile(std::span<const std::uint8_t> path, Outlet& outlet) {
 // that switches it on.
 int readRom(std::span<const std::uint8_t> path, Outlet& outlet) {
   const Descriptor file(retry([&] { return ::open(textOf(path), O_RDWR | O_CLOEXEC); }));
-  if (!file.isOpen() || ::pwrite(file.get(), "1\n", 2, 0) < 0) {
+  if (!file.isOpen() || ::pwrite(file.get(), "1", 1, 0) < 0) {
     return errno;
   }
   const int error = readAll(file.get(), outlet);

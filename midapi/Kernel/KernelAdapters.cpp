@@ -1,13 +1,23 @@
 #include "midapi/Kernel/KernelAdapters.h"
 
 #include <algorithm>
-#include <iterator>
+#include <cerrno>
 #include <sys/stat.h>
 #include <utility>
 
 #include "midapi/FlashBackend.h"
 
 namespace ma {
+namespace {
+
+// Tells a file that was not read so far from one that is empty.
+void noteUnread(FileAnswer& file, bool isWanted, int why) {
+  if (isWanted && file.bytes.empty()) {
+    file.error = why;
+  }
+}
+
+}  // namespace
 
 // One function in one look.
 struct KernelAdapters::Subject {
@@ -165,6 +175,9 @@ std::vector<KernelAdapter> KernelAdapters::tell(Look& look) {
       Subject& subject = seen.functions[i];
       KernelFunction function{std::move(subject.question.function), known[i]->answer};
       function.answer.error = subject.error;
+      const int whyUnread = subject.error != 0 ? subject.error : EBUSY;
+      noteUnread(function.answer.vpd, function.pci.hasVpd && !known[i]->hasVpd, whyUnread);
+      noteUnread(function.answer.rom, function.pci.hasRom && !known[i]->hasRom, whyUnread);
       if (adapter.isBeingWritten && seen.entry && !known[i]->hasAnswered) {
         function.answer.devlink =
             DevlinkInfo{function.pci.driver, "", "", {}, seen.entry->running, seen.entry->before};

@@ -29,7 +29,8 @@ namespace ma {
 
 struct KernelFunction {
   PciFunction pci;
-  // The last one there is; its error is why the driver could not be asked just now.
+  // The last one there is; its error is why the driver could not be asked just now. A file that was
+  // not read so far has that error, too, or EBUSY.
   DriverAnswer answer;
 };
 

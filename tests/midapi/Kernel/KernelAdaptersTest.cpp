@@ -1,3 +1,4 @@
+#include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -249,6 +250,20 @@ TEST_F(KernelAdaptersTest, ReadsVpdAndRomOfADriverThatAnswersAgain) {
   EXPECT_EQ(tell(), "?, being written");
   EXPECT_EQ(tell(), "?, being written");
   EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0 vpd rom", "0000:03:00.0 vpd rom"));
+}
+
+TEST_F(KernelAdaptersTest, TellsAFileThatWasNotReadFromOneThatIsEmpty) {
+  addVpdAndRom(kPort);
+  m_drivers.answers[kPort] = away();
+  auto adapter = m_adapters.find(kAdapter);
+  ASSERT_TRUE(adapter);
+  EXPECT_EQ(adapter->functions[0].answer.vpd.error, EBUSY);
+  EXPECT_EQ(adapter->functions[0].answer.rom.error, EBUSY);
+  m_drivers.answers[kPort] = stored("1.0");
+  adapter = m_adapters.find(kAdapter);
+  ASSERT_TRUE(adapter);
+  EXPECT_EQ(adapter->functions[0].answer.vpd.error, 0);
+  EXPECT_EQ(adapter->functions[0].answer.rom.error, 0);
 }
 
 TEST_F(KernelAdaptersTest, TellsTheJournalOfADriverThatNeverAnswered) {
