@@ -27,7 +27,7 @@ constexpr const char* kFooter =
     "The machine's own Ethernet adapters and virtual ones, as the setting Adapters says. With\n"
     "--adapters the virtual ones of that directory alone.\n"
     "\n"
-    "One line for each port. FIRMWARE names what the driver tells of the adapter's firmware: the\n"
+    "One line for each port. Firmware is what the driver tells of the adapter's firmware: the\n"
     "version that works now, and the stored one where it is another; and type and version of\n"
     "each image in the flash, with a digest that tells images of one version apart. Below stands\n"
     "why firmware cannot be replaced. A host (--host) tells port, adapter, the versions and the\n"

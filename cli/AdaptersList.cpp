@@ -1,6 +1,7 @@
 #include "cli/AdaptersList.h"
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 #include <string>
 #include <utility>
@@ -58,43 +59,53 @@ const char* describeUpdatable(const ma::AdapterListing& adapter) {
   return adapter.isUpdatable ? "yes" : "no";
 }
 
-// The name comes last: it is the longest, and can run over the edge.
 void printPorts(std::ostream& out, const ma::AdapterList& list) {
-  TextTable table({"PORT", "INTERFACE", "DRIVER", "DEVICE", "UPDATABLE", "NAME"});
+  TextTable table({"PORT", "INTERFACE", "DRIVER", "DEVICE", "UPDATABLE"});
   for (const ma::AdapterListing& adapter : list.adapters) {
     const std::string driver = isKernels(adapter) ? orNothing(adapter.driver) : kVirtual;
     for (const ma::AdapterPort& port : adapter.ports) {
       table.addRow({port.identifier, orNothing(client::join(port.interfaces, ",")), driver,
-                    toDeviceText(adapter), describeUpdatable(adapter), orNothing(adapter.name)});
+                    toDeviceText(adapter), describeUpdatable(adapter)});
     }
   }
   table.print(out);
 }
 
+void addKnown(std::vector<std::string>& lines, const char* what, const std::string& text) {
+  if (!text.empty()) {
+    lines.push_back(what + text);
+  }
+}
+
 // Returns a line for each version that a driver tells, and one for the images of the flash.
 std::vector<std::string> describeFirmware(const ma::AdapterListing& adapter) {
   std::vector<std::string> lines;
-  for (const ma::FirmwareVersions& versions : adapter.versions) {
-    lines.push_back(describeVersions(versions));
-  }
+  std::transform(adapter.versions.begin(), adapter.versions.end(), std::back_inserter(lines),
+                 describeVersions);
   if (!adapter.flashDefect.empty()) {
-    lines.emplace_back(isKernels(adapter) ? "option ROM damaged" : "damaged");
-  } else if (std::string images = describeImages(adapter.components); !images.empty()) {
-    lines.push_back(std::move(images));
+    lines.emplace_back(isKernels(adapter) ? "option ROM damaged" : "flash damaged");
+  } else {
+    addKnown(lines, "", describeImages(adapter.components));
   }
   if (lines.empty()) {
-    lines.emplace_back(isKernels(adapter) ? "not known" : "none");
+    lines.emplace_back(isKernels(adapter) ? "firmware not known" : "no firmware");
   }
   return lines;
 }
 
-void printFirmware(std::ostream& out, const ma::AdapterList& list) {
-  TextTable table({"ADAPTER", "SERIAL NUMBER", "FIRMWARE"});
+// A block for each adapter: names are long, and so none of it stands beside another.
+void printContents(std::ostream& out, const ma::AdapterList& list) {
+  TextTable table({"ADAPTER", "IDENTITY AND FIRMWARE"});
   for (const ma::AdapterListing& adapter : list.adapters) {
+    std::vector<std::string> lines;
+    addKnown(lines, "", adapter.name);
+    addKnown(lines, "part number ", adapter.partNumber);
+    addKnown(lines, "serial number ", adapter.serialNumber);
+    std::vector<std::string> firmware = describeFirmware(adapter);
+    std::move(firmware.begin(), firmware.end(), std::back_inserter(lines));
     std::string pci = adapter.pci;
-    std::string serialNumber = orNothing(adapter.serialNumber);
-    for (std::string& line : describeFirmware(adapter)) {
-      table.addRow({std::exchange(pci, ""), std::exchange(serialNumber, ""), std::move(line)});
+    for (std::string& line : lines) {
+      table.addRow({std::exchange(pci, ""), std::move(line)});
     }
   }
   table.print(out);
@@ -170,7 +181,7 @@ void printAdapters(std::ostream& out, const ma::AdapterList& list) {
   }
   printPorts(out, list);
   out << '\n';
-  printFirmware(out, list);
+  printContents(out, list);
   printRemarks(out, list);
 }
 

@@ -1,9 +1,9 @@
 // The adapters of this machine, as the command line shows them: a table, or a document for
 // programs.
 //
-// Adapters that the kernel drives have much to tell, so where there are some the table has a line
-// for each port, another one each adapter's firmware, and below stands what needs a sentence.
-// Where all are virtual there is one table.
+// Adapters that the kernel drives have much to tell, and a terminal has 80 columns: where there are
+// some, a table has a line for each port, another one a block of lines for each adapter, and below
+// stands what needs a sentence. Where all are virtual there is one table.
 
 #ifndef ORVEX_CLI_ADAPTERSLIST_H_
 #define ORVEX_CLI_ADAPTERSLIST_H_

@@ -144,16 +144,12 @@ void describeRom(std::span<const std::uint8_t> bytes, FirmwareDescription& descr
   description.images = std::move(all);
 }
 
-std::string nameComponent(const PldmComponent& component) {
-  return "component " + std::to_string(component.identifier);
-}
-
 void describeComponents(const PldmPackage& package, const std::vector<PldmRom>& roms,
                         FirmwareDescription& description) {
   auto rom = roms.begin();
   for (std::size_t index = 0; index < package.components.size(); ++index) {
     const PldmComponent& component = package.components[index];
-    FirmwareComponent described{nameComponent(component),
+    FirmwareComponent described{describeComponent(component.identifier),
                                 describeClassification(component.classification),
                                 component.version,
                                 component.size,
@@ -178,7 +174,7 @@ std::string findRomDefect(const PldmPackage& package, const std::vector<PldmRom>
     return {};
   }
   const PldmComponent& component = package.components[damaged->component];
-  return nameComponent(component) + " at 0x" + hexText(component.location, 1) +
+  return describeComponent(component.identifier) + " at 0x" + hexText(component.location, 1) +
          " is a damaged option ROM: " + damaged->chain.defect->toString();
 }
 

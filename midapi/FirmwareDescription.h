@@ -21,7 +21,8 @@ namespace ma {
 
 // One image of an option ROM, or one component of a package.
 struct FirmwareComponent {
-  // "IMG_PXE", or "image 2" for one of no known type; of a package "component 5": the identifier.
+  // "IMG_PXE", or "image 2" for one of no known type; of a package "fw.undi (component 5)", or
+  // "component 1" where the identifier has no name.
   std::string name;
   std::string classification;  // "EFI driver", "firmware"
   std::string version;

@@ -64,6 +64,15 @@ std::string uuidOf(const std::vector<std::uint8_t>& bytes) {
 
 }  // namespace
 
+std::string describeComponent(std::uint16_t identifier) {
+  const std::string number = "component " + std::to_string(identifier);
+  const auto found = std::find_if(
+      kPldmComponentNames.begin(), kPldmComponentNames.end(),
+      [identifier](const PldmComponentName& known) { return known.identifier == identifier; });
+  return found != kPldmComponentNames.end() ? std::string(found->name) + " (" + number + ")"
+                                            : number;
+}
+
 std::string describeClassification(std::uint16_t classification) {
   if (classification == kDownstreamDevice) {
     return "downstream device";

@@ -5,12 +5,28 @@
 #ifndef ORVEX_MIDAPI_PLDMNAMES_H_
 #define ORVEX_MIDAPI_PLDMNAMES_H_
 
+#include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "midapi/PldmPackage.h"
 
 namespace ma {
+
+// Under which name the drivers of Linux that take packages tell the version of a component.
+struct PldmComponentName {
+  std::uint16_t identifier = 0;
+  std::string_view name;  // "fw.undi"
+};
+inline constexpr std::array kPldmComponentNames = {
+    PldmComponentName{5, "fw.undi"},
+    PldmComponentName{6, "fw.mgmt"},
+    PldmComponentName{8, "fw.netlist"},
+};
+
+// Returns for example "fw.undi (component 5)"; "component 1" for an identifier without a name.
+[[nodiscard]] std::string describeComponent(std::uint16_t identifier);
 
 // Returns for example "firmware"; "classification 0x1234" for an unknown one.
 [[nodiscard]] std::string describeClassification(std::uint16_t classification);

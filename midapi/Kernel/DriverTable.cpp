@@ -6,12 +6,6 @@
 namespace ma {
 namespace {
 
-constexpr std::array kIceComponents = {
-    ComponentName{5, "fw.undi"},
-    ComponentName{6, "fw.mgmt"},
-    ComponentName{8, "fw.netlist"},
-};
-
 constexpr std::string_view kReboot =
     "reboot the machine, or power cycle it where that is not enough";
 constexpr std::string_view kReloadDriver = "reload the driver, or reboot the machine";
@@ -34,7 +28,7 @@ constexpr std::array kDrivers = {
     byDevlink("hinic", false),
     // What it takes by ethtool is a profile for its packet parser, which is gone at the next start.
     KernelDriver{"i40e", false, false, false, false, {}, {}},
-    KernelDriver{"ice", true, false, false, true, kReboot, kIceComponents},
+    KernelDriver{"ice", true, false, false, true, kReboot, kPldmComponentNames},
     byDevlink("ionic", false),
     byBoth("mlx5_core", false),
     byDevlink("mlxsw_spectrum", true),
@@ -45,7 +39,8 @@ constexpr std::array kDrivers = {
     byEthtool("qede", kReboot),
 };
 
-constexpr KernelDriver kOtherWithDevlink{{}, true, false, false, true, kReboot, kIceComponents};
+constexpr KernelDriver kOtherWithDevlink{
+    {}, true, false, false, true, kReboot, kPldmComponentNames};
 constexpr KernelDriver kOther{};
 
 }  // namespace
@@ -71,7 +66,8 @@ bool takes(const KernelDriver& driver, FirmwareFormat format) noexcept {
 }
 
 std::string_view componentName(const KernelDriver& driver, std::uint16_t identifier) noexcept {
-  const auto found = std::ranges::find(driver.components, identifier, &ComponentName::identifier);
+  const auto found =
+      std::ranges::find(driver.components, identifier, &PldmComponentName::identifier);
   return found != driver.components.end() ? found->name : std::string_view();
 }
 

@@ -14,14 +14,9 @@
 #include <string_view>
 
 #include "midapi/FirmwareFormat.h"
+#include "midapi/PldmNames.h"
 
 namespace ma {
-
-// Under which name devlink tells the version of a package's component.
-struct ComponentName {
-  std::uint16_t identifier = 0;
-  std::string_view name;  // "fw.undi"
-};
 
 struct KernelDriver {
   std::string_view name;  // of the PCI driver; empty for those that are not in the table
@@ -35,7 +30,7 @@ struct KernelDriver {
   bool canActivate = false;
   // What does so otherwise: "reboot the machine".
   std::string_view activation;
-  std::span<const ComponentName> components;
+  std::span<const PldmComponentName> components;
 
   [[nodiscard]] bool canWrite() const { return hasDevlink || hasEthtool; }
 };

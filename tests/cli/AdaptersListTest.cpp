@@ -38,7 +38,7 @@ AdapterListing twoPorts() {
   AdapterListing adapter;
   adapter.kind = AdapterKind::Kernel;
   adapter.pci = "0000:3b:00";
-  adapter.name = "Ethernet Controller E810-C for QSFP";
+  adapter.name = "Kestrel NX2 Ethernet Adapter";
   adapter.vendor = 0x8086;
   adapter.device = 0x1592;
   adapter.ports = {port("0000:3b:00.0", {"ens1f0"}), port("0000:3b:00.1", {"ens1f1", "ens1f1d1"})};
@@ -85,21 +85,21 @@ TEST(AdaptersList, IsOneTableWhereAllAreVirtual) {
             "(abcdef01)\n");
 }
 
-TEST(AdaptersList, HasFirmwareBelowThePortsOfTheKernelsAdapters) {
+TEST(AdaptersList, HasABlockForEachAdapterBelowThePortsOfTheKernelsAdapters) {
   EXPECT_EQ(printed({{twoPorts(), virtualAdapter()}, {}}),
-            "PORT          INTERFACE        DRIVER   DEVICE     UPDATABLE  NAME\n"
-            "0000:3b:00.0  ens1f0           ice      8086:1592  yes        Ethernet Controller "
-            "E810-C for "
-            "QSFP\n"
-            "0000:3b:00.1  ens1f1,ens1f1d1  ice      8086:1592  yes        Ethernet Controller "
-            "E810-C for "
-            "QSFP\n"
-            "0000:90:00.0  -                virtual  1af4:1041  yes        Lab adapter\n"
+            "PORT          INTERFACE        DRIVER   DEVICE     UPDATABLE\n"
+            "0000:3b:00.0  ens1f0           ice      8086:1592  yes\n"
+            "0000:3b:00.1  ens1f1,ens1f1d1  ice      8086:1592  yes\n"
+            "0000:90:00.0  -                virtual  1af4:1041  yes\n"
             "\n"
-            "ADAPTER     SERIAL NUMBER            FIRMWARE\n"
-            "0000:3b:00  00-01-00-ff-ff-b4-ca-60  fw.mgmt 7.1.0\n"
-            "                                     fw.undi 1.0.0, stored 1.1.0\n"
-            "0000:90:00  -                        IMG_PXE 1.0 (abcdef01)\n"
+            "ADAPTER     IDENTITY AND FIRMWARE\n"
+            "0000:3b:00  Kestrel NX2 Ethernet Adapter\n"
+            "            part number K12345-001\n"
+            "            serial number 00-01-00-ff-ff-b4-ca-60\n"
+            "            fw.mgmt 7.1.0\n"
+            "            fw.undi 1.0.0, stored 1.1.0\n"
+            "0000:90:00  Lab adapter\n"
+            "            IMG_PXE 1.0 (abcdef01)\n"
             "\n"
             "Notes:\n"
             "  0000:3b:00: 'quorvel activate' puts stored firmware into force, or says what that "
@@ -109,13 +109,13 @@ TEST(AdaptersList, HasFirmwareBelowThePortsOfTheKernelsAdapters) {
 TEST(AdaptersList, SaysBelowOnceWhyAdaptersAreNotUpdatable) {
   EXPECT_EQ(
       printed({{onePort("0000:03:00"), onePort("0000:04:00")}, {}}),
-      "PORT          INTERFACE  DRIVER  DEVICE     UPDATABLE  NAME\n"
-      "0000:03:00.0  -          e1000e  8086:10d3  no         -\n"
-      "0000:04:00.0  -          e1000e  8086:10d3  no         -\n"
+      "PORT          INTERFACE  DRIVER  DEVICE     UPDATABLE\n"
+      "0000:03:00.0  -          e1000e  8086:10d3  no\n"
+      "0000:04:00.0  -          e1000e  8086:10d3  no\n"
       "\n"
-      "ADAPTER     SERIAL NUMBER  FIRMWARE\n"
-      "0000:03:00  -              not known\n"
-      "0000:04:00  -              not known\n"
+      "ADAPTER     IDENTITY AND FIRMWARE\n"
+      "0000:03:00  firmware not known\n"
+      "0000:04:00  firmware not known\n"
       "\n"
       "Not updatable:\n"
       "  0000:03:00, 0000:04:00: no way is known by which its driver e1000e writes firmware\n");
@@ -126,7 +126,7 @@ TEST(AdaptersList, MarksAnAdapterThatIsBeingWritten) {
   adapter.isBeingWritten = true;
   adapter.versions = {{"fw", "1.0", "1.0"}};
   const std::string text = printed({{adapter}, {}});
-  EXPECT_THAT(text, HasSubstr("8086:1592  being written  Ethernet"));
+  EXPECT_THAT(text, HasSubstr("8086:1592  being written\n"));
   EXPECT_THAT(text, HasSubstr("Notes:\n  0000:3b:00: its flash is being written, and this is what "
                               "was known before\n"));
 }
@@ -144,9 +144,8 @@ TEST(AdaptersList, HasImagesOfTheOptionRomBelowTheVersions) {
   AdapterListing adapter = twoPorts();
   adapter.versions = {{"fw", "1.0", ""}};
   adapter.components = virtualAdapter().components;
-  EXPECT_THAT(printed({{adapter}, {}}), HasSubstr("fw 1.0\n"
-                                                  "                                     "
-                                                  "IMG_PXE 1.0 (abcdef01)\n"));
+  EXPECT_THAT(printed({{adapter}, {}}), HasSubstr("            fw 1.0\n"
+                                                  "            IMG_PXE 1.0 (abcdef01)\n"));
   adapter.flashDefect = "image 0 at 0x00: byte sum";
   EXPECT_THAT(printed({{adapter}, {}}), HasSubstr("  option ROM damaged\n"));
 }

@@ -55,7 +55,7 @@ TEST_F(ShowCommandTest, TellsWhatAPackageIs) {
   EXPECT_EQ(document["format"], "PLDM firmware package");
   EXPECT_EQ(document["version"], "2026.11");
   EXPECT_EQ(document["devices"], Json::array({"8086:1592"}));
-  EXPECT_EQ(document["components"][0]["name"], "component 5");
+  EXPECT_EQ(document["components"][0]["name"], "fw.undi (component 5)");
   EXPECT_EQ(document["adapters"][0]["adapter"], "0000:03:00");
   EXPECT_EQ(document["adapters"][0]["state"], "not for it");
   EXPECT_EQ(document["adapters"][0]["reason"], "virtual adapters take option ROMs alone");

@@ -31,7 +31,7 @@ ShownFirmware package() {
                      {"component 6", "firmware", "7.2.0", 4096, "", {}}};
   file.images = kPxe;
   file.drivers = {"ice"};
-  firmware.adapters = {{"0000:3b:00", "E810-C", ma::ImageComparison::Newer, ""},
+  firmware.adapters = {{"0000:3b:00", "NX2", ma::ImageComparison::Newer, ""},
                        {"0000:5e:00", "", ma::ImageComparison::NotForAdapter, "it is for others"}};
   return firmware;
 }
@@ -59,7 +59,7 @@ TEST(ShownFirmware, TellsWhatAFileIsAndWhatItWouldMean) {
             "component 6  7.2.0    4096   firmware\n"
             "\n"
             "ADAPTER     STATE       NAME\n"
-            "0000:3b:00  newer       E810-C\n"
+            "0000:3b:00  newer       NX2\n"
             "0000:5e:00  not for it\n"
             "\n"
             "Reasons:\n"
@@ -148,7 +148,7 @@ TEST(ShownFirmware, IsADocumentForPrograms) {
        "activation": null, "images": []}],
     "hasMoreComponents": false, "drivers": ["ice"], "kernelRefusal": null,
     "adapters": [
-      {"adapter": "0000:3b:00", "name": "E810-C", "state": "newer", "reason": null},
+      {"adapter": "0000:3b:00", "name": "NX2", "state": "newer", "reason": null},
       {"adapter": "0000:5e:00", "name": null, "state": "not for it",
        "reason": "it is for others"}]})"));
 }

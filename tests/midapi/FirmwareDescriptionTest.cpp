@@ -112,12 +112,12 @@ TEST(FirmwareDescription, OfAPackageHasWhatItsHeaderSays) {
   EXPECT_EQ(package.kernelRefusal, "");
   EXPECT_THAT(package.drivers, Contains("ice"));
   ASSERT_THAT(package.components, SizeIs(2));
-  EXPECT_EQ(package.components[0].name, "component 5");
+  EXPECT_EQ(package.components[0].name, "fw.undi (component 5)");
   EXPECT_EQ(package.components[0].classification, "firmware");
   EXPECT_EQ(package.components[0].version, "1.3");
   EXPECT_EQ(package.components[0].size, twoImages().size());
   EXPECT_THAT(package.components[0].images, SizeIs(2));
-  EXPECT_EQ(package.components[1].name, "component 6");
+  EXPECT_EQ(package.components[1].name, "fw.mgmt (component 6)");
   EXPECT_EQ(package.components[1].classification, "BIOS/FCode");
   EXPECT_EQ(package.components[1].activation, "system reboot, AC power cycle");
   EXPECT_THAT(package.components[1].images, IsEmpty());

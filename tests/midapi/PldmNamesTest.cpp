@@ -15,6 +15,12 @@ std::string described(PldmDescriptorType type, std::vector<std::uint8_t> data,
   return ma::describeDescriptor({type, std::move(title), std::move(data)});
 }
 
+TEST(PldmNames, KnowsComponentsThatDriversName) {
+  EXPECT_EQ(ma::describeComponent(5), "fw.undi (component 5)");
+  EXPECT_EQ(ma::describeComponent(8), "fw.netlist (component 8)");
+  EXPECT_EQ(ma::describeComponent(7), "component 7");
+}
+
 TEST(PldmNames, KnowsClassifications) {
   EXPECT_EQ(describeClassification(0), "unknown");
   EXPECT_EQ(describeClassification(10), "firmware");

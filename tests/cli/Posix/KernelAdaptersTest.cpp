@@ -33,9 +33,10 @@ TEST_F(KernelAdaptersTest, AreListedWithInterfacesAndDriver) {
   EXPECT_EQ(result.exitStatus, 0);
   EXPECT_THAT(result.output, StartsWith("PORT          INTERFACE  DRIVER  DEVICE     UPDATABLE"));
   EXPECT_THAT(result.output,
-              AllOf(HasSubstr("\n0000:03:00.0  eno1       e1000e  8086:10d3  no  "),
+              AllOf(HasSubstr("\n0000:03:00.0  eno1       e1000e  8086:10d3  no\n"),
                     HasSubstr("\n0000:5e:00.1  ens2f1     cxgb4   8086:10d3  "),
-                    HasSubstr("\n\nADAPTER     SERIAL NUMBER  FIRMWARE\n0000:03:00  -  "),
+                    HasSubstr("\n\nADAPTER     IDENTITY AND FIRMWARE\n0000:03:00  "),
+                    HasSubstr("\n0000:5e:00  "),
                     HasSubstr("\n\nNot updatable:\n  0000:03:00: its driver e1000e ")));
 }
 
