@@ -10,6 +10,7 @@
 #include "midapi/Digest.h"
 #include "midapi/Hex.h"
 #include "midapi/OptionRom.h"
+#include "midapi/PciIds.h"
 #include "midapi/PldmMatch.h"
 #include "midapi/PldmNames.h"
 #include "midapi/PldmPackage.h"
@@ -30,23 +31,6 @@ constexpr std::string_view kCodeTypes[] = {"PC BIOS code", "Open Firmware code",
 // Of an option ROM, where 0 is an id like any other.
 std::string toExactText(const PciIds& ids) {
   return hexText(ids.vendor, kIdDigits) + ":" + hexText(ids.device, kIdDigits);
-}
-
-std::string idText(std::uint16_t id) {
-  return id == 0 ? "any" : hexText(id, kIdDigits);
-}
-
-std::string pairText(std::uint16_t vendor, std::uint16_t device) {
-  return vendor == 0 && device == 0 ? "any" : idText(vendor) + ":" + idText(device);
-}
-
-// Of a package's record.
-std::string toRecordText(const PciIds& ids) {
-  std::string text = pairText(ids.vendor, ids.device);
-  if (ids.subsystemVendor != 0 || ids.subsystemDevice != 0) {
-    text += " sub " + pairText(ids.subsystemVendor, ids.subsystemDevice);
-  }
-  return text;
 }
 
 // Lists each device once. A file may name millions: no more are looked at than are needed to know
@@ -211,7 +195,7 @@ void describePackage(std::span<const std::uint8_t> bytes, FirmwareDescription& d
   description.tellsDevices =
       !package.devices.empty() &&
       std::all_of(package.devices.begin(), package.devices.end(), namesDevice);
-  DeviceLister devices(description, toRecordText);
+  DeviceLister devices(description, describeIds);
   for (const PldmRecord& record : package.devices) {
     if (!devices.add(idsOf(record))) {
       break;
