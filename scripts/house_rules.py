@@ -122,7 +122,6 @@ NO_OWN_TEST = [
     ("platform/Posix/PosixStayAwake.cpp", "asks nothing of anybody", None),
     ("cli/Posix/ConsoleText.cpp", "asks nothing of anybody", None),
     ("cli/Posix/LocalWords.cpp", "the words are written for it", None),
-    ("midapi/Kernel/NativeKernelBackend.cpp", "joins what has tests of its own; the guest's stories run it", None),
     ("midapi/Windows/NoKernelBackend.cpp", "there is none", None),
     ("*/Posix/LoadHook.cpp", "runs when a module is loaded; the tests over the real modules load it", None),
     ("*/Windows/LoadHook.cpp", "as on POSIX", None),

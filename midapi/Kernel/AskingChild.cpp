@@ -4,8 +4,10 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <fstream>
 #include <memory>
 #include <poll.h>
+#include <string>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
@@ -24,6 +26,16 @@ using std::chrono::steady_clock;
 
 // No errand takes more.
 constexpr std::size_t kMostBytes = 2 * kMaxRom;
+constexpr milliseconds kNone{0};
+constexpr steady_clock::duration kNoTime{0};
+// For a child that gets no processor.
+constexpr std::chrono::seconds kLongestPatience{5};
+
+// What the child's parent says of it.
+struct Birth {
+  int process = 0;
+  int error = 0;
+};
 
 // No handler of this program runs between a fork and the child's own settings.
 class BlockedSignals {
@@ -90,22 +102,44 @@ void resetSignals() {
   if (child == 0) {
     beTheChild(socket, room);
   }
-  if (child < 0) {
-    // The exit status may be somebody else's to look at; the socket is ours.
-    const ReplyHead head{0, errno, 1};
-    static_cast<void>(::send(socket, &head, sizeof head, MSG_NOSIGNAL));
-  }
+  // The exit status may be somebody else's to look at; the socket is ours.
+  const Birth birth{child, child < 0 ? errno : 0};
+  static_cast<void>(::send(socket, &birth, sizeof birth, MSG_NOSIGNAL));
   ::_exit(0);
 }
 
 // ---- here
 
-// Returns the error of the child's fork, which is said in the place of a reply.
-int awaitParent(int process, int socket) {
+Birth awaitParent(int process, int socket) {
   while (::waitpid(process, nullptr, 0) < 0 && errno == EINTR) {
   }
-  ReplyHead head;
-  return ::recv(socket, &head, sizeof head, MSG_DONTWAIT) == sizeof head ? head.error : 0;
+  Birth birth;
+  const bool isTold = ::recv(socket, &birth, sizeof birth, MSG_DONTWAIT) == sizeof birth;
+  return isTold ? birth : Birth{-1, ECANCELED};
+}
+
+// Returns whether the kernel has put a process to sleep, and not only aside.
+bool isAsleep(int process) {
+  std::ifstream file("/proc/" + std::to_string(process) + "/stat");
+  std::string line;
+  std::getline(file, line);
+  // Behind the name, which may hold anything: ") S ".
+  const std::size_t end = line.rfind(") ");
+  const char state = end != std::string::npos && end + 2 < line.size() ? line[end + 2] : 'S';
+  return state != 'R' && state != 'T';
+}
+
+// Returns false when none comes in time.
+bool awaitPacket(int socket, milliseconds patience) {
+  const auto end = steady_clock::now() + patience;
+  for (;;) {
+    const auto left = std::chrono::ceil<milliseconds>(std::max(end - steady_clock::now(), kNoTime));
+    pollfd awaited{socket, POLLIN, 0};
+    const int ready = ::poll(&awaited, 1, static_cast<int>(left.count()));
+    if (ready >= 0 || errno != EINTR) {
+      return ready != 0;
+    }
+  }
 }
 
 }  // namespace
@@ -142,10 +176,12 @@ AskingChild::AskingChild(const Forks& forks) {
   if (process < 0) {
     fail("cannot start a child process");
   }
-  if (const int error = awaitParent(process, m_socket.get()); error != 0) {
-    errno = error;
+  const Birth birth = awaitParent(process, m_socket.get());
+  if (birth.error != 0) {
+    errno = birth.error;
     fail("cannot start a child process");
   }
+  m_process = birth.process;
 }
 
 void AskingChild::send(Errand errand, std::span<const std::uint8_t> bytes) {
@@ -166,20 +202,18 @@ void AskingChild::dismiss() {
 }
 
 AskingChild::State AskingChild::await(milliseconds patience) {
-  auto end = steady_clock::now() + patience;
+  auto lastSign = steady_clock::now();
+  bool isLastLook = patience == kNone;
   while (m_state == State::Waiting) {
-    const auto left = std::chrono::ceil<milliseconds>(
-        std::max(end - steady_clock::now(), steady_clock::duration::zero()));
-    pollfd awaited{m_socket.get(), POLLIN, 0};
-    const int ready = ::poll(&awaited, 1, static_cast<int>(left.count()));
-    if (ready == 0) {
-      break;
-    }
-    if (ready > 0) {
+    if (awaitPacket(m_socket.get(), isLastLook ? kNone : patience)) {
       m_state = receive();
-      end = steady_clock::now() + patience;
-    } else if (errno != EINTR) {
-      m_state = State::Ended;
+      lastSign = steady_clock::now();
+      isLastLook = patience == kNone;
+    } else if (isLastLook) {
+      break;
+    } else {
+      // It may have replied before it went to sleep.
+      isLastLook = isAsleep(m_process) || steady_clock::now() - lastSign >= kLongestPatience;
     }
   }
   return m_state;

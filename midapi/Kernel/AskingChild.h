@@ -50,7 +50,8 @@ class AskingChild {
   // Begins an errand; the one before has been replied to.
   void send(Errand errand, std::span<const std::uint8_t> bytes);
 
-  // Waits for the reply, no longer than `patience` after it began and after each piece.
+  // Waits for the reply, no longer than `patience` after it began and after each piece; some
+  // seconds where the kernel does not hold the child, and the machine has not let it run.
   [[nodiscard]] State await(std::chrono::milliseconds patience);
 
   // This was its last errand: it ends when the kernel lets it go. The reply can be awaited still.
@@ -64,6 +65,7 @@ class AskingChild {
   [[nodiscard]] State receive();
 
   platform::Descriptor m_socket;
+  int m_process = 0;
   State m_state = State::Waiting;
   ErrandReply m_reply;
   std::size_t m_size = 0;  // of the pieces

@@ -1,15 +1,19 @@
 #include "midapi/Kernel/FileLockTable.h"
 
+#include <cerrno>
 #include <cstdint>
+#include <fcntl.h>
 #include <fstream>
 #include <optional>
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 
 #include "midapi/Hex.h"
+#include "platform/Posix/Descriptor.h"
 
 namespace ma {
 namespace {
@@ -58,6 +62,12 @@ bool isNumberOf(const FileNumber& number, const struct stat& file) {
   return isDevice && number.inode == std::to_string(file.st_ino);
 }
 
+bool isHeldFromOthers(const std::filesystem::path& file) {
+  const platform::Descriptor opened(
+      ::open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  return opened.isOpen() && ::flock(opened.get(), LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+}
+
 }  // namespace
 
 bool isFileLocked(const std::filesystem::path& file, const std::filesystem::path& table) {
@@ -66,6 +76,9 @@ bool isFileLocked(const std::filesystem::path& file, const std::filesystem::path
     return false;
   }
   std::ifstream lines(table);
+  if (!lines) {
+    return isHeldFromOthers(file);
+  }
   for (std::string line; std::getline(lines, line);) {
     if (const auto number = readLine(line); number && isNumberOf(*number, state)) {
       return true;

@@ -79,7 +79,9 @@ class Start:
         return STOCK if self.stock else (), [board for board in BOARDS if board.name in self.boards]
 
 
+# The longest first.
 STARTS = (
+    Start("quorvel", boards=("pair", "dual", "plain")),
     Start("boards", boards=("pair", "dual", "plain")),
     Start("stock", stock=True),
     Start("restart/1-before", boards=("kept",)),

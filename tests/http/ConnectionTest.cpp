@@ -400,4 +400,20 @@ TEST_P(ConnectionTest, SurvivesClientsThatAreGoneBeforeTheAnswer) {
   EXPECT_EQ(bodyOf(client.readAnswer()).size(), 1024U * 1024);
 }
 
+// The time is that of the whole header: another byte is no reason to wait as long again. Only a
+// client without TLS can look whether there is an answer.
+TEST(PlainConnection, EndsARequestWhoseHeaderComesByteByByte) {
+  http::ServerOptions options = test::onFreePort(false);
+  options.requestTimeout = 500ms;
+  const test::TestServer server(options, &test::echo);
+  RawClient client(server.port());
+  client.send("GET / HTTP/1.1\r\nX: ");
+  EXPECT_TRUE(test::waitUntil([&client] {
+    client.send("x");
+    return client.isReadable();
+  }));
+
+  EXPECT_EQ(statusOf(client.readToEnd()), "408");
+}
+
 }  // namespace

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <random>
 #include <string_view>
@@ -65,6 +66,19 @@ TEST(OptionRom, ReadsWhatAChainHolds) {
   EXPECT_EQ(std::tuple(second.offset, second.length, second.isLast),
             std::tuple(3U * 512, 300U * 512, true));
   EXPECT_EQ(second.type, FirmwareType::Uefi);
+}
+
+TEST(OptionRom, ReadsADataStructureThatFollowsTheHeaderAtOnce) {
+  constexpr std::ptrdiff_t kUsual = 0x1C;
+  constexpr std::ptrdiff_t kFirst = 0x1A;
+  Bytes rom = RomBuilder().add(RomImage::efi().version(5, 1)).build();
+  const auto header = rom.begin();
+  std::copy(header + kUsual, header + kUsual + 0x18, header + kFirst);
+  rom.at(0x18) = kFirst;
+  rom.back() = static_cast<std::uint8_t>(rom.back() - byteSum(rom));
+  const RomChain chain = parseRomChain(rom);
+  ASSERT_TRUE(chain.isValid()) << chain.defect->toString();
+  EXPECT_EQ(chain.images.at(0).version.toString(), "5.1");
 }
 
 TEST(OptionRom, TakesTheTypeOfALegacyImageFromItsProductString) {

@@ -305,6 +305,21 @@ INSTANTIATE_TEST_SUITE_P(
                [](const fs::path& path) { return placeLink(path, "/nowhere/at/all"); }}),
     [](const testing::TestParamInfo<Placed>& entry) { return std::string(entry.param.what); });
 
+// Nobody may take the new one for the lock before it is known to stay.
+TEST_F(LockFileOfUsers, IsLockedWhileItTakesAStrangersPlace) {
+  ASSERT_TRUE(doAs(kUser, [&] {
+    return ::close(::open(m_folder.machinesFile().c_str(), O_RDWR | O_CREAT, 0666)) == 0;
+  }));
+  {
+    const test::FailingCall failing(test::SystemCall::LockFile, ENOLCK);
+    EXPECT_THAT(
+        [&] { const LockFile file(m_folder.path()); },
+        testing::ThrowsMessage<std::runtime_error>(testing::AllOf(
+            testing::StartsWith("cannot make "), testing::EndsWith(": No locks available"))));
+  }
+  EXPECT_EQ(statusOf(m_folder.machinesFile()).st_uid, kUser);
+}
+
 // Each finds the stranger's file, and all have to meet at one of root's.
 TEST_F(LockFileOfUsers, IsOneForAllProgramsOfRootThatReplaceAStrangers) {
   constexpr int kProcesses = 8;

@@ -8,6 +8,7 @@
 #include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <optional>
 #include <string>
 #include <sys/socket.h>
@@ -18,6 +19,7 @@
 #include "platform/Posix/Descriptor.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Posix/ChildProcess.h"
+#include "tests/support/WaitUntil.h"
 
 namespace {
 
@@ -182,6 +184,20 @@ TEST_P(SocketOwner, IsTheUserWhoHasSentAllThereIsToSay) {
   const Descriptor client = connectTo(server());
   const Descriptor served = m_listener.accept();
   ASSERT_EQ(shutdown(client.get(), SHUT_WR), 0);
+  EXPECT_EQ(ownerOf(served), geteuid());
+}
+
+// The other end has it by then, and has not said all of its own.
+TEST_P(SocketOwner, IsTheUserWhoseLastWordHasArrived) {
+  const Descriptor client = connectTo(server());
+  const Descriptor served = m_listener.accept();
+  ASSERT_EQ(shutdown(client.get(), SHUT_WR), 0);
+  ASSERT_TRUE(test::waitUntil([&client] {
+    tcp_info state{};
+    socklen_t size = sizeof state;
+    return getsockopt(client.get(), IPPROTO_TCP, TCP_INFO, &state, &size) == 0 &&
+           state.tcpi_state == TCP_FIN_WAIT2;
+  }));
   EXPECT_EQ(ownerOf(served), geteuid());
 }
 

@@ -38,7 +38,7 @@ AskedChildren::~AskedChildren() {
   ::prctl(PR_SET_CHILD_SUBREAPER, 0);
 }
 
-std::vector<pid_t> AskedChildren::all() {
+std::vector<pid_t> AskedChildren::all() const {
   std::vector<pid_t> children;
   for (const fs::directory_entry& entry : fs::directory_iterator("/proc")) {
     const auto process = readProcess(entry.path().filename().string());
@@ -49,12 +49,12 @@ std::vector<pid_t> AskedChildren::all() {
   return children;
 }
 
-int AskedChildren::awaitOne() {
+int AskedChildren::awaitOne() const {
   const std::vector<pid_t> children = all();
   return children.empty() ? -1 : awaitEnd(children.front());
 }
 
-std::string AskedChildren::statusOf(pid_t process, const std::string& field) {
+std::string statusOf(pid_t process, const std::string& field) {
   std::ifstream status("/proc/" + std::to_string(process) + "/status");
   for (std::string line; std::getline(status, line);) {
     if (line.starts_with(field + ":")) {

@@ -19,14 +19,14 @@ class AskedChildren {
   ~AskedChildren();
 
   // Returns those that live, and those that are dead and not awaited.
-  [[nodiscard]] static std::vector<pid_t> all();
+  [[nodiscard]] std::vector<pid_t> all() const;
 
   // Waits for one to end, and returns its exit status as awaitEnd().
-  [[nodiscard]] static int awaitOne();
-
-  // Returns a line of the process's status file: statusOf(1, "SigCgt").
-  [[nodiscard]] static std::string statusOf(pid_t process, const std::string& field);
+  [[nodiscard]] int awaitOne() const;
 };
+
+// Returns a line of the process's status file: statusOf(1, "SigCgt").
+[[nodiscard]] std::string statusOf(pid_t process, const std::string& field);
 
 // Returns how many files this process has open.
 [[nodiscard]] std::size_t countOpenFiles();

@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <system_error>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -75,6 +76,21 @@ TEST_F(AskingChildTest, IsWaitedForNoLongerThanOneWants) {
   EXPECT_LE(m_child.reply().time, std::chrono::steady_clock::now());
 }
 
+TEST_F(AskingChildTest, IsWaitedForWhereItDoesNotGetToRun) {
+  ASSERT_THAT(m_children.all(), SizeIs(1));
+  const pid_t process = m_children.all()[0];
+  ::kill(process, SIGSTOP);
+  ASSERT_TRUE(test::waitUntil([&] { return test::statusOf(process, "State")[0] == 'T'; }));
+  read(m_directory.write("file", std::string("x")));
+  const auto longer = std::chrono::steady_clock::now() + milliseconds(50);
+  std::thread machine([&] {
+    EXPECT_TRUE(test::waitUntil([&] { return std::chrono::steady_clock::now() >= longer; }));
+    ::kill(process, SIGCONT);
+  });
+  EXPECT_EQ(m_child.await(milliseconds(1)), State::Replied);
+  machine.join();
+}
+
 TEST_F(AskingChildTest, EndsWhenItIsDismissedAndFree) {
   const pid_t process = hold();
   m_child.dismiss();
@@ -119,7 +135,7 @@ TEST_F(AskingChildTest, HandlesNoSignal) {
     EXPECT_THAT(m_children.all(), SizeIs(2));
     const pid_t process = m_children.all().back();
     for (const char* field : {"SigCgt", "SigIgn", "SigBlk"}) {
-      EXPECT_EQ(std::stoull(m_children.statusOf(process, field), nullptr, 16) & ~kOfThreads, 0U)
+      EXPECT_EQ(std::stoull(test::statusOf(process, field), nullptr, 16) & ~kOfThreads, 0U)
           << field;
     }
   }

@@ -65,12 +65,12 @@ class DriverInquiryTest : public testing::Test {
     return settings;
   }
   void begin(const ma::InquirySettings& settings) { m_inquiry.emplace(settings); }
-  // Has somebody keep silent, which takes its time.
+  // Has somebody keep silent.
   void hold(const std::string& id, milliseconds lateFor = hours(1)) {
     std::filesystem::remove(vpd(id));
     ASSERT_EQ(::mkfifo(vpd(id).c_str(), 0600), 0);
     auto settings = DriverInquiryTest::settings();
-    settings.patience = milliseconds(1000);
+    settings.patience = milliseconds(50);
     settings.lateFor = lateFor;
     begin(settings);
   }
@@ -99,8 +99,8 @@ class DriverInquiryTest : public testing::Test {
 
   [[nodiscard]] std::ptrdiff_t livingChildren() const {
     const auto children = m_children.all();
-    return std::count_if(children.begin(), children.end(), [this](pid_t child) {
-      return !m_children.statusOf(child, "State").starts_with("Z");
+    return std::count_if(children.begin(), children.end(), [](pid_t child) {
+      return !test::statusOf(child, "State").starts_with("Z");
     });
   }
 
@@ -231,6 +231,7 @@ TEST_F(DriverInquiryTest, SaysWhyNothingCanBeAsked) {
 TEST_F(DriverInquiryTest, IsAskedByManyAtOnce) {
   hold(kSecond);
   std::vector<std::thread> threads;
+  threads.reserve(4);
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([this] { EXPECT_THAT(ask(), ElementsAre("x\n", "away", "x\n")); });
   }

@@ -42,7 +42,7 @@ struct Reply {
 };
 
 class Errands : public testing::Test {
- protected:
+ public:
   Errands() {
     int ends[2] = {};
     EXPECT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends), 0);
@@ -55,6 +55,7 @@ class Errands : public testing::Test {
     m_child.join();
   }
 
+ protected:
   Reply run(Errand errand, const Bytes& bytes) const {
     Bytes order(sizeof errand);
     std::memcpy(order.data(), &errand, sizeof errand);

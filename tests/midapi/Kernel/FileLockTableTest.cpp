@@ -54,6 +54,17 @@ TEST_F(FileLockTable, PassesOverLinesThatAreNone) {
   }
 }
 
+TEST_F(FileLockTable, IsDoneWithoutWhereItIsMissing) {
+  const auto none = m_directory.path() / "none";
+  EXPECT_FALSE(ma::isFileLocked(m_file, none));
+  const platform::Descriptor file(::open(m_file.c_str(), O_RDWR | O_CLOEXEC));
+  ASSERT_EQ(::flock(file.get(), LOCK_EX), 0);
+  EXPECT_TRUE(ma::isFileLocked(m_file, none));
+  ASSERT_EQ(::flock(file.get(), LOCK_UN), 0);
+  EXPECT_FALSE(ma::isFileLocked(m_file, none));
+  EXPECT_EQ(::flock(file.get(), LOCK_EX | LOCK_NB), 0);  // nothing was left of the attempt
+}
+
 TEST_F(FileLockTable, ShowsNothingOfWhatIsNotThere) {
   EXPECT_FALSE(ma::isFileLocked(m_directory.path() / "none"));
   EXPECT_FALSE(ma::isFileLocked(m_file, m_directory.path() / "none"));

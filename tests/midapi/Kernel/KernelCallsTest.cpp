@@ -91,7 +91,7 @@ TEST(KernelCalls, SayWhichNamesAreTooLong) {
 
 TEST(KernelCalls, TellWhetherThisProcessMayFlash) {
   // As the kernel shows it: CAP_NET_ADMIN is bit 12.
-  const std::string effective = test::AskedChildren::statusOf(::getpid(), "CapEff");
+  const std::string effective = test::statusOf(::getpid(), "CapEff");
   ASSERT_EQ(effective.size(), 16U);
   const bool may = (std::stoull(effective, nullptr, 16) >> 12 & 1) != 0;
   EXPECT_EQ(KernelCalls().mayFlash(), may);

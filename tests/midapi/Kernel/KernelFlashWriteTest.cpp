@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <gmock/gmock.h>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -316,6 +317,41 @@ TEST_F(KernelFlashWrite, NamesAnEntryThatIsNone) {
   EXPECT_THAT(list.problems[0].text, HasSubstr("0000-03-00.json is no entry of a flash"));
   m_drivers.isPrivileged = false;
   EXPECT_THAT(m_backend.list().problems, IsEmpty());
+}
+
+TEST_F(KernelFlashWrite, SweepsAwayWhatAProcessLeftThatWasKilledBeforeItsEntry) {
+  m_directory.write("firmware/quorvel-0000-03-00.fw.new-0123456789abcdef", std::string("x"));
+  m_drivers.onDevlinkFlash = [this](const std::string&, const std::string&, const auto&) {
+    EXPECT_EQ(staged().size(), 1U);
+    store("1.1.0", "7.2.0");
+    return NetlinkAck{};
+  };
+  write();
+  EXPECT_THAT(staged(), IsEmpty());
+}
+
+TEST_F(KernelFlashWrite, IsNotTakenForInterruptedWhereItBeginsDuringAList) {
+  const ma::FlashJournal journal(m_files, m_places.journal, m_clock);
+  std::optional<ma::FlashJournal::Claim> writer;
+  m_drivers.beforeAnswer = [&](const std::vector<std::string>&) {
+    writer.emplace(journal.claim(kKernelAdapter));
+    writer->enter({1, 2, {}, {{"fw.undi", "1.1.0"}}, {}});
+  };
+  EXPECT_THAT(m_backend.list().problems, IsEmpty());
+  EXPECT_TRUE(hasEntry());
+}
+
+TEST_F(KernelFlashWrite, KeepsAnEntryThatWasMadeAfterTheLookAtIt) {
+  dieWriting("1.1.0", "7.2.0");
+  m_files.beforeStep = [this](const std::string& name, const std::filesystem::path&) {
+    if (name == "lock") {
+      m_directory.write("kernel/0000-03-00.json",
+                        std::string(R"({"size": 1, "digest": "af63dc4c8601ec8c", "before": {},
+                                        "expected": {}, "running": {}})"));
+    }
+  };
+  EXPECT_THAT(m_backend.list().problems, IsEmpty());
+  EXPECT_TRUE(hasEntry());
 }
 
 }  // namespace

@@ -23,6 +23,9 @@ utils::FlashSettings settings() {
 
 // A machine in a folder, with one adapter.
 class NativeKernelBackend : public testing::Test {
+ public:
+  ~NativeKernelBackend() override { test::unsetVariable("ORVEX_KERNEL_ROOT"); }
+
  protected:
   NativeKernelBackend() {
     std::filesystem::create_directory_symlink(m_sysfs.root(), m_root.path() / "sys");
@@ -31,8 +34,6 @@ class NativeKernelBackend : public testing::Test {
     m_sysfs.addInterface("0000:03:00.0", "eth0", "02:54:4e:00:00:30");
     test::setVariable("ORVEX_KERNEL_ROOT", m_root.path().string());
   }
-  ~NativeKernelBackend() override { test::unsetVariable("ORVEX_KERNEL_ROOT"); }
-
   static ma::FlashBackend& backend() { return *ma::kernelBackend(settings); }
   static ma::AdapterListing listing() {
     const ma::AdapterList list = backend().list();

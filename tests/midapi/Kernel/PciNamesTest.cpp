@@ -59,6 +59,7 @@ TEST_F(PciNamesTest, AreEmptyWhereTheListIsDamaged) {
 TEST_F(PciNamesTest, AreAskedForByManyAtOnce) {
   PciNames names(m_directory.write("pci.ids", kList));
   std::vector<std::thread> threads;
+  threads.reserve(4);
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([&names] {
       EXPECT_EQ(names.nameOf(0x1AF4, 0x1000), "Red Sands, Inc. Lab network device");
