@@ -31,15 +31,15 @@ class AdapterController final : public Orvex_PortController {
 
 }  // namespace
 
-Orvex_PortControllerClass::Orvex_PortControllerClass(FindInterruptions findInterruptions)
+Orvex_PortControllerClass::Orvex_PortControllerClass(FindProblems findProblems)
     : InstanceProvider(Orvex_PortController::kClassName,
                        {kLog, "Orvex_PortControllerClass::getInstances", "getInstances",
                         "PortController::getInstances"}),
-      m_findInterruptions(findInterruptions) {}
+      m_findProblems(findProblems) {}
 
-void Orvex_PortControllerClass::reportInterruptions() {
+void Orvex_PortControllerClass::reportProblems() {
   std::set<std::string> found;
-  for (std::string& text : m_findInterruptions()) {
+  for (std::string& text : m_findProblems()) {
     if (!m_reported.contains(text)) {
       utils::logError(kLog, "Orvex_PortControllerClass::getInstances", "%s", text.c_str());
     }
@@ -49,7 +49,7 @@ void Orvex_PortControllerClass::reportInterruptions() {
 }
 
 void Orvex_PortControllerClass::refresh() {
-  reportInterruptions();
+  reportProblems();
   std::vector<std::string> identities;
   for (inventory::Adapter& adapter : inventory::findAdapters()) {
     identities.push_back(std::move(adapter.identity));

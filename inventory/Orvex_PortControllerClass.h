@@ -1,5 +1,6 @@
-// The provider of the controllers: one for each adapter that the flash library manages. What became
-// of a write whose writer died is an error record, once.
+// The provider of the controllers: one for each adapter that the flash library manages. What
+// somebody should mend of the adapters, or know of a write whose writer died, is an error record,
+// once.
 
 #ifndef ORVEX_INVENTORY_ORVEX_PORTCONTROLLERCLASS_H_
 #define ORVEX_INVENTORY_ORVEX_PORTCONTROLLERCLASS_H_
@@ -14,19 +15,18 @@
 
 class Orvex_PortControllerClass : public core::InstanceProvider {
  public:
-  // Returns what became of writes whose writers died, a line each.
-  using FindInterruptions = std::vector<std::string> (*)();
+  // Returns what somebody should mend or know, a line each.
+  using FindProblems = std::vector<std::string> (*)();
 
-  explicit Orvex_PortControllerClass(
-      FindInterruptions findInterruptions = ma::findInterruptedWrites);
+  explicit Orvex_PortControllerClass(FindProblems findProblems = ma::findAdapterProblems);
 
  protected:
   void refresh() override;
 
  private:
-  void reportInterruptions();
+  void reportProblems();
 
-  const FindInterruptions m_findInterruptions;
+  const FindProblems m_findProblems;
   // Guarded by the request, as the instances are.
   std::set<std::string> m_reported;
   // What the instances were built of: for as long as that stays the same, so do they.

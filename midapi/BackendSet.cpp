@@ -1,6 +1,7 @@
 #include "midapi/BackendSet.h"
 
 #include <algorithm>
+#include <exception>
 #include <iterator>
 #include <set>
 #include <string>
@@ -13,10 +14,30 @@ namespace {
 
 using Members = std::vector<FlashBackend*>;
 
+constexpr const char* kSharedAdvice =
+    "remove the virtual one, or name one kind alone in the setting Adapters";
+
+// A back end that cannot look has none: its trouble keeps nobody from the adapters of the others.
+bool hasAdapter(FlashBackend& member, const AdapterAddress& adapter) {
+  try {
+    return member.hasAdapter(adapter);
+  } catch (const FlashFault&) {
+    return false;
+  }
+}
+
+utils::StringArray portsOf(FlashBackend& member) {
+  try {
+    return member.enumerateAdapters();
+  } catch (const FlashFault&) {
+    return {};
+  }
+}
+
 Members membersWith(const Members& members, const AdapterAddress& adapter) {
   Members found;
   std::copy_if(members.begin(), members.end(), std::back_inserter(found),
-               [&adapter](FlashBackend* member) { return member->hasAdapter(adapter); });
+               [&adapter](FlashBackend* member) { return hasAdapter(*member, adapter); });
   return found;
 }
 
@@ -105,7 +126,7 @@ utils::StringArray BackendSet::enumerateAdapters() {
   Ownership ownership(members);
   std::set<PortId> ports;
   for (FlashBackend* member : members) {
-    for (const std::string& text : member->enumerateAdapters()) {
+    for (const std::string& text : portsOf(*member)) {
       const auto port = parseCanonicalPortId(text);
       if (port && !ownership.isShared(port->adapter)) {
         ports.insert(*port);
@@ -139,9 +160,8 @@ AdapterList BackendSet::list() {
     std::move(list.problems.begin(), list.problems.end(), std::back_inserter(all.problems));
   }
   for (const AdapterAddress& address : shared) {
-    all.problems.push_back({toString(address), describeAll(membersWith(members, address), address),
-                            "remove the virtual one, or name one kind alone in the setting "
-                            "Adapters"});
+    all.problems.push_back(
+        {toString(address), describeAll(membersWith(members, address), address), kSharedAdvice});
   }
   std::stable_sort(
       all.adapters.begin(), all.adapters.end(),
@@ -154,6 +174,27 @@ std::vector<std::string> BackendSet::interruptedWrites() {
   for (FlashBackend* member : m_members()) {
     std::vector<std::string> texts = member->interruptedWrites();
     std::move(texts.begin(), texts.end(), std::back_inserter(all));
+  }
+  return all;
+}
+
+std::vector<std::string> BackendSet::problems() {
+  std::vector<std::string> all = interruptedWrites();
+  const Members members = m_members();
+  if (members.size() == 1) {
+    return all;
+  }
+  std::set<AdapterAddress> known;
+  for (FlashBackend* member : members) {
+    for (const std::string& text : portsOf(*member)) {
+      const auto port = parseCanonicalPortId(text);
+      if (!port || !known.insert(port->adapter).second) {
+        continue;
+      }
+      if (const Members owners = membersWith(members, port->adapter); owners.size() > 1) {
+        all.push_back(describeAll(owners, port->adapter) + "; " + kSharedAdvice);
+      }
+    }
   }
   return all;
 }
@@ -185,24 +226,41 @@ std::uint64_t BackendSet::digest(const PortId& port) {
 
 bool BackendSet::beginUpdate(const AdapterAddress& adapter) {
   FlashBackend& member = memberFor(adapter);
-  const platform::Lock lock(m_mutex);
-  const auto [entry, isFirst] = m_updates.try_emplace(adapter, &member);
-  if (!isFirst) {
-    return false;
+  {
+    const platform::Lock lock(m_mutex);
+    if (!m_updates.try_emplace(adapter, &member).second) {
+      return false;
+    }
   }
-  const bool hasBegun = member.beginUpdate(adapter);
+  bool hasBegun = false;
+  try {
+    hasBegun = member.beginUpdate(adapter);
+  } catch (const std::exception&) {
+    static_cast<void>(takeUpdate(adapter));
+    throw;
+  }
   if (!hasBegun) {
-    m_updates.erase(entry);
+    static_cast<void>(takeUpdate(adapter));
   }
   return hasBegun;
 }
 
 void BackendSet::endUpdate(const AdapterAddress& adapter) noexcept {
-  const platform::Lock lock(m_mutex);
-  if (const auto found = m_updates.find(adapter); found != m_updates.end()) {
-    found->second->endUpdate(adapter);
-    m_updates.erase(found);
+  // Outside of the lock: what was not made is taken back, which takes its time.
+  if (FlashBackend* const member = takeUpdate(adapter)) {
+    member->endUpdate(adapter);
   }
+}
+
+FlashBackend* BackendSet::takeUpdate(const AdapterAddress& adapter) noexcept {
+  const platform::Lock lock(m_mutex);
+  const auto found = m_updates.find(adapter);
+  if (found == m_updates.end()) {
+    return nullptr;
+  }
+  FlashBackend* const member = found->second;
+  m_updates.erase(found);
+  return member;
 }
 
 void BackendSet::setBootType(const PortId& port, BootType bootType) {

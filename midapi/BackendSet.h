@@ -42,10 +42,17 @@ class BackendSet final : public FlashBackend {
   void recordInstalled(const PortId& port, const std::vector<utils::FirmwareType>& types) override;
   Activation activate(const AdapterAddress& adapter) override;
 
+  // Returns what somebody should mend or know, in a line each: interrupted writes, and addresses
+  // that several have.
+  [[nodiscard]] std::vector<std::string> problems();
+
  private:
   // Returns the back end that has the adapter; the last one where none has it. Throws FlashFault
   // where several have it.
   [[nodiscard]] FlashBackend& memberFor(const AdapterAddress& adapter);
+
+  // Forgets an update that has begun, and returns where it has; null where none has.
+  [[nodiscard]] FlashBackend* takeUpdate(const AdapterAddress& adapter) noexcept;
 
   const std::function<std::vector<FlashBackend*>()> m_members;
   platform::Mutex m_mutex;

@@ -88,7 +88,7 @@ class FlashBackend {
   // where it cannot be told which adapters there are.
   [[nodiscard]] virtual AdapterList list() = 0;
 
-  // Returns what became of writes whose writers died, as findInterruptedWrites says.
+  // Returns what became of writes whose writers died, as findAdapterProblems says.
   [[nodiscard]] virtual std::vector<std::string> interruptedWrites() = 0;
 
   // Returns whether the adapter's firmware may be replaced.

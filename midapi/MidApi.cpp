@@ -50,8 +50,8 @@ std::vector<FlashBackend*> backends() {
   return members;
 }
 
-FlashBackend& backend() {
-  static FlashBackend& theBackend = *new BackendSet(backends);
+BackendSet& backend() {
+  static BackendSet& theBackend = *new BackendSet(backends);
   return theBackend;
 }
 
@@ -103,10 +103,11 @@ bool isFirmware(ConstBytes file) {
 Preparation prepare(const std::string& adapter, ConstBytes file, std::span<std::uint8_t> buffer,
                     const std::vector<utils::FirmwareType>& types) {
   try {
-    if (!parseCanonicalPortId(adapter) && !isFirmware(file)) {
-      return {PrepareStatus::InvalidImage};
+    const auto port = parseCanonicalPortId(adapter);
+    if (!port || !backend().hasAdapter(port->adapter)) {
+      return {isFirmware(file) ? PrepareStatus::InternalFault : PrepareStatus::InvalidImage};
     }
-    return backend().prepare(needPort(adapter), file, buffer, types);
+    return backend().prepare(*port, file, buffer, types);
   } catch (const FlashFault& fault) {
     return {PrepareStatus::InternalFault, 0, fault.what()};
   }
@@ -138,8 +139,8 @@ AdapterList listAdapters() {
   return backend().list();
 }
 
-std::vector<std::string> findInterruptedWrites() {
-  return backend().interruptedWrites();
+std::vector<std::string> findAdapterProblems() {
+  return backend().problems();
 }
 
 std::vector<FirmwareVersions> getFirmwareVersions(const std::string& adapter) {

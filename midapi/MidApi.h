@@ -43,9 +43,10 @@ ORVEX_MIDAPI_API void useSettings(SettingsReader reader);
 // which no other operation does, where it cannot be told which adapters there are.
 [[nodiscard]] ORVEX_MIDAPI_API AdapterList listAdapters();
 
-// Returns what became of writes whose writers died before they knew how those ended, in a line each
-// that begins with the adapter. None of virtual adapters, whose updates are made or taken back.
-[[nodiscard]] ORVEX_MIDAPI_API std::vector<std::string> findInterruptedWrites();
+// Returns what somebody should mend or know of the adapters, in a line each that begins with the
+// adapter: what became of a write whose writer died before it knew how that ended (none of virtual
+// adapters, whose updates are made or taken back), and that two adapters have one address.
+[[nodiscard]] ORVEX_MIDAPI_API std::vector<std::string> findAdapterProblems();
 
 // Returns what the driver of the adapter says of its firmware, running and stored; nothing where it
 // does not tell. Of an adapter whose flash is being written, what was known before.

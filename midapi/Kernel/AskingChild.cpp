@@ -17,6 +17,8 @@
 #include <unistd.h>
 #include <utility>
 
+#include "midapi/Kernel/BlockedSignals.h"
+
 namespace ma {
 namespace {
 
@@ -35,22 +37,6 @@ constexpr std::chrono::seconds kLongestPatience{5};
 struct Birth {
   int process = 0;
   int error = 0;
-};
-
-// No handler of this program runs between a fork and the child's own settings.
-class BlockedSignals {
- public:
-  BlockedSignals() {
-    sigset_t all;
-    ::sigfillset(&all);
-    ::pthread_sigmask(SIG_SETMASK, &all, &m_before);
-  }
-  BlockedSignals(const BlockedSignals&) = delete;
-  BlockedSignals& operator=(const BlockedSignals&) = delete;
-  ~BlockedSignals() { ::pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
-
- private:
-  sigset_t m_before{};
 };
 
 [[noreturn]] void fail(const char* tried) {
@@ -167,6 +153,7 @@ AskingChild::AskingChild(const Forks& forks) {
   const Descriptor its(ends[1]);
   int process = 0;
   {
+    // No handler of this program runs between a fork and the child's own settings.
     const BlockedSignals blocked;
     process = forks.here();
     if (process == 0) {

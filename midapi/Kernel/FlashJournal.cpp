@@ -101,6 +101,7 @@ void FlashJournal::Claim::enter(const FlashEntry& entry) const {
     replaceContent(*m_files, m_entry,
                    {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
   } catch (const FileFault& fault) {
+    m_files->removeQuietly(m_entry);  // it may stand there, and the disk not know it
     failToKeep(fault);
   } catch (const DescriptionFault& fault) {
     failToKeep(fault);

@@ -18,6 +18,7 @@
 #include <system_error>
 #include <unistd.h>
 
+#include "midapi/Kernel/BlockedSignals.h"
 #include "midapi/Kernel/DevlinkMessages.h"
 #include "midapi/Kernel/FlashListener.h"
 #include "midapi/Kernel/NetlinkSocket.h"
@@ -49,6 +50,8 @@ auto exchange(NetlinkBytes request, Look look) -> decltype(look(request)) {
 }
 
 NetlinkAck verdictOn(NetlinkBytes request) {
+  // Some drivers break off what they do when the thread that asked has a signal to handle.
+  const BlockedSignals blocked;
   const auto ack =
       exchange(request, [](NetlinkBytes datagram) { return findAck(datagram, kSequence); });
   return ack.value_or(NetlinkAck{EIO, "the kernel did not say how it ended"});
@@ -119,6 +122,7 @@ NetlinkAck KernelCalls::flashByEthtool(const std::string& interface, const std::
   file.copy(flash.data, file.size());
   interface.copy(request.ifr_name, interface.size());
   request.ifr_data = reinterpret_cast<char*>(&flash);
+  const BlockedSignals blocked;
   const platform::Descriptor socket(::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_GENERIC));
   const bool isDone = socket.isOpen() && ::ioctl(socket.get(), SIOCETHTOOL, &request) == 0;
   return isDone ? NetlinkAck{} : NetlinkAck{errno, ""};

@@ -44,15 +44,15 @@ TEST_F(PortControllerClass, ServesAControllerForEachAdapter) {
   EXPECT_THAT(identities, ElementsAre("0000:03:00", "0000:04:00"));
 }
 
-std::vector<std::string> interruptions;
-std::vector<std::string> findInterruptions() {
-  return interruptions;
+std::vector<std::string> problems;
+std::vector<std::string> findProblems() {
+  return problems;
 }
 
-TEST_F(PortControllerClass, ReportsWhatBecameOfInterruptedWritesOnce) {
-  Orvex_PortControllerClass provider(findInterruptions);
+TEST_F(PortControllerClass, ReportsWhatSomebodyShouldMendOnce) {
+  Orvex_PortControllerClass provider(findProblems);
   const auto recordsOf = [&](std::vector<std::string> found) {
-    interruptions = std::move(found);
+    problems = std::move(found);
     m_log.clear();
     enumerate<Orvex_PortController>(provider);
     std::vector<std::string> texts;

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <gmock/gmock.h>
+#include <new>
 #include <span>
 #include <string>
 #include <utility>
@@ -37,9 +38,11 @@ class NamedBackend final : public ma::FlashBackend {
     return "a " + m_name + " one";
   }
   bool hasAdapter(const AdapterAddress& adapter) override {
+    failWhereBlind();
     return std::find(adapters.begin(), adapters.end(), adapter) != adapters.end();
   }
   utils::StringArray enumerateAdapters() override {
+    failWhereBlind();
     utils::StringArray ports;
     for (const AdapterAddress& adapter : adapters) {
       ports.push_back(toString(PortId{adapter, 0}));
@@ -87,6 +90,9 @@ class NamedBackend final : public ma::FlashBackend {
   }
   bool beginUpdate(const AdapterAddress& adapter) override {
     note("beginUpdate", adapter);
+    if (hasNoMemory) {
+      throw std::bad_alloc();
+    }
     return hasAdapter(adapter);
   }
   void endUpdate(const AdapterAddress& adapter) noexcept override { note("endUpdate", adapter); }
@@ -108,9 +114,16 @@ class NamedBackend final : public ma::FlashBackend {
 
   std::vector<AdapterAddress> adapters;
   bool isBroken = false;
+  bool isBlind = false;
+  bool hasNoMemory = false;
   std::vector<std::string> calls;
 
  private:
+  void failWhereBlind() const {
+    if (isBlind) {
+      throw FlashFault(ma::FlashError::InputOutput, m_name + " may not look");
+    }
+  }
   bool note(const std::string& call, const AdapterAddress& adapter) {
     calls.push_back(call + " " + toString(adapter));
     return true;
@@ -233,6 +246,31 @@ TEST_F(BackendSet, ListsTheOthersWhereOneCannotTell) {
   EXPECT_THAT(names(), ElementsAre("0000:03:00 kernel", "0001:00:00 kernel"));
   EXPECT_THAT(problems(),
               ElementsAre("kernel: has a problem", "a kind of adapters: virtual is broken"));
+}
+
+TEST_F(BackendSet, HasTheAdaptersOfTheOthersWhereOneMayNotLook) {
+  m_virtual.isBlind = m_virtual.isBroken = true;
+
+  EXPECT_THAT(m_set.enumerateAdapters(),
+              ElementsAre("0000:03:00.0", "0000:03:00.1", "0001:00:00.0", "0001:00:00.1"));
+  EXPECT_THAT(names(), ElementsAre("0000:03:00 kernel", "0001:00:00 kernel"));
+  EXPECT_TRUE(m_set.isUpdatable(firstPort(kKernels)));
+  EXPECT_THAT(m_kernel.calls, ElementsAre("isUpdatable 0000:03:00"));
+}
+
+TEST_F(BackendSet, TellsOfInterruptedWritesAndOfAddressesThatTwoHave) {
+  m_virtual.adapters = {kKernels, kVirtual};
+  EXPECT_THAT(m_set.problems(),
+              ElementsAre("kernel was interrupted", "virtual was interrupted",
+                          "0000:03:00 is a kernel one and a virtual one; remove the virtual one, "
+                          "or name one kind alone in the setting Adapters"));
+}
+
+TEST_F(BackendSet, BeginsAgainWhatCouldNotBegin) {
+  m_kernel.hasNoMemory = true;
+  EXPECT_THROW(static_cast<void>(m_set.beginUpdate(kKernels)), std::bad_alloc);
+  m_kernel.hasNoMemory = false;
+  EXPECT_TRUE(m_set.beginUpdate(kKernels));
 }
 
 TEST_F(BackendSet, EndsAnUpdateWhereItHasBegun) {
