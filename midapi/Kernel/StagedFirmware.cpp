@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -13,6 +14,13 @@ namespace {
 
 std::string baseName(const AdapterAddress& adapter) {
   return "quorvel-" + toFolderName(adapter) + ".fw";
+}
+
+// Root's group is root.
+bool isOthersToWrite(const struct stat& status) {
+  const bool isStrangers = status.st_uid != 0 && status.st_uid != ::geteuid();
+  const bool isGroupsToWrite = (status.st_mode & S_IWGRP) != 0 && status.st_gid != 0;
+  return isStrangers || isGroupsToWrite || (status.st_mode & S_IWOTH) != 0;
 }
 
 constexpr const char* kAdvice =
@@ -34,13 +42,19 @@ StagedFirmware::StagedFirmware(FileSystem& files, const std::filesystem::path& f
 }
 
 std::string whyNotStageable(const std::filesystem::path& folder) {
+  const std::string refusal = "firmware cannot be put into " + platform::toShownText(folder) +
+                              ", where the kernel looks for it: ";
   // With the rights that count for files, which are not those of who started the program.
-  if (::faccessat(AT_FDCWD, (folder / ".").c_str(), W_OK | X_OK, AT_EACCESS) == 0) {
-    return {};
+  if (::faccessat(AT_FDCWD, (folder / ".").c_str(), W_OK | X_OK, AT_EACCESS) != 0) {
+    return refusal + std::generic_category().message(errno) + "; " + kAdvice;
   }
-  return "firmware cannot be put into " + platform::toShownText(folder) +
-         ", where the kernel looks for it: " + std::generic_category().message(errno) + "; " +
-         kAdvice;
+  struct stat status {};
+  if (::stat(folder.c_str(), &status) == 0 && isOthersToWrite(status)) {
+    return refusal + "other users may write there, and put other files in the place of checked " +
+           "ones; take that right from them (chmod go-w), or name another folder of the kernel's " +
+           "with FirmwareFolder";
+  }
+  return {};
 }
 
 void sweepStagedFirmware(FileSystem& files, const std::filesystem::path& folder,

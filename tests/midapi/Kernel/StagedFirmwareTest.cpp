@@ -95,4 +95,12 @@ TEST_F(StagedFirmwareTest, SaysBeforehandWhyItCannotBe) {
               HasSubstr("Not a directory"));
 }
 
+TEST_F(StagedFirmwareTest, IsNotPutWhereOthersMayChangeIt) {
+  using std::filesystem::perms;
+  std::filesystem::permissions(m_folder.path(), perms::all);
+  EXPECT_THAT(whyNotStageable(m_folder.path()), HasSubstr("other users may write there"));
+  std::filesystem::permissions(m_folder.path(), perms::owner_all | perms::group_read);
+  EXPECT_EQ(whyNotStageable(m_folder.path()), "");
+}
+
 }  // namespace
