@@ -99,7 +99,7 @@ void requireSame(const Findings& one, const Findings& other) {
   test::require(one.files.size() == other.files.size(), "and as many files");
   for (std::size_t i = 0; i < one.files.size(); ++i) {
     test::require(one.files[i]->path == other.files[i]->path &&
-                      one.files[i]->images.size() == other.files[i]->images.size(),
+                      one.files[i]->description.digest == other.files[i]->description.digest,
                   "and the same ones");
   }
 }
@@ -119,7 +119,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::set<std::string> found;
   for (const inventory::FirmwareFilePtr& file : findings.files) {
     test::require(found.insert(file->path).second, "a file is found once");
-    test::require(!file->images.empty(), "a file has images");
+    test::require(file->description.problem.empty() &&
+                      file->description.format != ma::FirmwareFormat::Unknown,
+                  "a file is sound and of a known format");
     test::require(fs::file_size(file->path) <= kMaxImageSize, "no file is larger than it may be");
   }
   std::size_t expected = 1;  // the directory that is not there
