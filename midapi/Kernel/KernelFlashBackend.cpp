@@ -42,23 +42,23 @@ std::string adviceFor(const NetlinkAck& ack, const std::filesystem::path& folder
                              : "";
 }
 
-std::vector<NamedVersion> select(const std::vector<FirmwareVersions>& versions,
-                                 std::string FirmwareVersions::*field) {
-  std::vector<NamedVersion> selected;
+std::vector<NamedVersion> runningOf(const std::vector<FirmwareVersions>& versions) {
+  std::vector<NamedVersion> running;
   for (const FirmwareVersions& version : versions) {
-    if (!(version.*field).empty()) {
-      selected.push_back({version.name, version.*field});
+    if (!version.running.empty()) {
+      running.push_back({version.name, version.running});
     }
   }
-  return selected;
+  return running;
 }
 
 // What the flash holds, also where the driver tells that it holds nothing.
 std::vector<NamedVersion> storedOf(const std::vector<FirmwareVersions>& versions) {
   std::vector<NamedVersion> stored;
-  stored.reserve(versions.size());
   for (const FirmwareVersions& version : versions) {
-    stored.push_back({version.name, std::string(storedVersion(versions, version.name))});
+    if (version.tellsStored()) {
+      stored.push_back({version.name, version.stored});
+    }
   }
   return stored;
 }
@@ -242,7 +242,8 @@ std::uint64_t KernelFlashBackend::digest(const PortId& port) {
                          (target.driver->canWrite() ? "\nwrites\n" : "\n") +
                          (target.isTrusted ? "trusted\n" : "\n") + subject.whyNotUpdatable + '\n';
   for (const FirmwareVersions& version : subject.versions) {
-    decisive += version.name + '\n' + version.running + '\n' + version.stored + '\n';
+    decisive += version.name + '\n' + version.running + '\n' + version.stored +
+                (version.isErased ? "\nerased\n" : "\n");
   }
   return digestOf({reinterpret_cast<const std::uint8_t*>(decisive.data()), decisive.size()},
                   digestOf(target.rom));
@@ -277,7 +278,7 @@ void KernelFlashBackend::writeFlash(const PortId& port, ConstBytes image, WriteP
   // Before the entry: where there is one, the kernel may have been asked.
   const StagedFirmware staged(m_files, folder, port.adapter, image);
   claim.enter({image.size(), digestOf(image), storedOf(subject.versions), plan.versions,
-               select(subject.versions, &FirmwareVersions::running)});
+               runningOf(subject.versions)});
   const NetlinkAck ack = flash(subject, staged.name(), plan.bytes, progress);
   m_adapters.forget(port.adapter);
   if (ack.error != 0) {

@@ -17,8 +17,11 @@ const FlashEntry kEntry{80063,
                         {}};
 
 Versions stored(const std::string& undi, const std::string& mgmt) {
-  return {{"fw.undi", "1.0.0", undi}, {"fw.mgmt", "7.1.0", mgmt}};
+  return {{"fw.undi", "1.0.0", undi, undi.empty()}, {"fw.mgmt", "7.1.0", mgmt, mgmt.empty()}};
 }
+
+// What works now is what was there before, and the driver tells nothing else.
+const Versions kRunningAlone{{"fw.undi", "1.0.0", ""}, {"fw.mgmt", "7.1.0", ""}};
 
 TEST(FlashOutcome, IsToldByTheStoredVersions) {
   EXPECT_EQ(judge(kEntry, stored("1.1.0", "7.2.0")), FlashOutcome::Written);
@@ -33,6 +36,25 @@ TEST(FlashOutcome, IsUnknownWhereVersionsCannotTell) {
   FlashEntry ofNoVersions = kEntry;
   ofNoVersions.expected.clear();
   EXPECT_EQ(judge(ofNoVersions, stored("1.0.0", "7.1.0")), FlashOutcome::Unknown);
+}
+
+TEST(FlashOutcome, IsMixedWhereNothingIsStoredAnyMore) {
+  EXPECT_EQ(judge(kEntry, stored("", "")), FlashOutcome::Mixed);
+  EXPECT_EQ(findDifference(kEntry.expected, stored("", "")),
+            "fw.undi is (none), and the file has 1.1.0");
+  EXPECT_EQ(describeStored(stored("", "")), "fw.undi (none), fw.mgmt (none)");
+}
+
+TEST(FlashOutcome, IsNotToldByWhatRuns) {
+  EXPECT_EQ(judge(kEntry, kRunningAlone), FlashOutcome::Unknown);
+  EXPECT_EQ(findDifference(kEntry.expected, kRunningAlone), "");
+  EXPECT_EQ(describeStored(kRunningAlone), "nothing that its driver tells");
+}
+
+TEST(FlashOutcome, ComparesWhatIsStoredBesideWhatRunsAlone) {
+  const Versions versions{{"fw.undi", "1.0.0", ""}, {"fw.mgmt", "7.1.0", "7.2.0"}};
+  EXPECT_EQ(findDifference(kEntry.expected, versions), "");
+  EXPECT_EQ(describeStored(versions), "fw.mgmt 7.2.0");
 }
 
 TEST(FlashOutcome, IsUnknownOfTheVersionsThatWereThereBefore) {

@@ -96,7 +96,7 @@ TEST_F(KernelFlashWrite, FailsWithTheWordsOfTheDriver) {
   EXPECT_THAT(staged(), IsEmpty());
   EXPECT_FALSE(hasEntry());
   EXPECT_LT(m_progress.percent(), 100U);
-  EXPECT_EQ(m_backend.firmwareVersions(kKernelPort)[0], (FirmwareVersions{"fw.undi", "1.0.0", ""}));
+  EXPECT_EQ(m_backend.firmwareVersions(kKernelPort)[0], (FirmwareVersions{"fw.undi", "1.0.0", "", true}));
 }
 
 TEST_F(KernelFlashWrite, FailsWithTheKernelsWordsWhereTheDriverHasNone) {
@@ -120,6 +120,16 @@ TEST_F(KernelFlashWrite, FailsWhereTheFlashDoesNotHoldTheFilesVersions) {
             "The flash does not hold what was written: fw.mgmt is 7.1.0, and the file has 7.2.0");
   EXPECT_FALSE(hasEntry());
   EXPECT_LT(m_progress.percent(), 100U);
+}
+
+TEST_F(KernelFlashWrite, SucceedsWhereTheDriverTellsWhatRunsAlone) {
+  m_drivers.answers[kKernelFunction].devlink->stored.clear();
+  m_drivers.onDevlinkFlash = [](const std::string&, const std::string&, const auto&) {
+    return NetlinkAck{};
+  };
+  write();
+  EXPECT_EQ(m_progress.percent(), 100U);
+  EXPECT_FALSE(hasEntry());
 }
 
 TEST_F(KernelFlashWrite, WaitsForADriverThatIsAwayAfterTheFlash) {
@@ -298,6 +308,15 @@ TEST_F(KernelFlashWrite, TellsOfAnInterruptedUpdateThatHasChangedNothing) {
   EXPECT_EQ(list.problems[0].advice, "update it again");
   EXPECT_THAT(m_backend.interruptedWrites(),
               ElementsAre("0000:03:00: " + list.problems[0].text + "; update it again"));
+}
+
+TEST_F(KernelFlashWrite, DoesNotTakeWhatRunsForWhatAnErasedFlashHolds) {
+  dieWriting("", "");
+  const AdapterList list = m_backend.list();
+  ASSERT_EQ(list.problems.size(), 1U);
+  EXPECT_EQ(list.problems[0].text,
+            "an update was interrupted; the flash holds neither what it held before nor what the "
+            "file has (fw.undi (none), fw.mgmt (none))");
 }
 
 TEST_F(KernelFlashWrite, SaysNothingOfAnInterruptedUpdateWhileItGoesOn) {
