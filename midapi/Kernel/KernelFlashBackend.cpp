@@ -87,10 +87,12 @@ const KernelFunction* findFunction(const KernelAdapter& adapter, const PortId& i
   return found != adapter.functions.end() ? &*found : nullptr;
 }
 
+// Returns whether the function's driver has answered just now: where it could not be asked, the
+// last answer is one from before.
 bool hasAnswered(const std::optional<KernelAdapter>& adapter, const PortId& id) {
   const KernelFunction* const function =
       adapter && !adapter->isBeingWritten ? findFunction(*adapter, id) : nullptr;
-  return function != nullptr && function->answer.devlink;
+  return function != nullptr && function->answer.error == 0 && function->answer.devlink;
 }
 
 // Returns whether the function's driver may yet answer.

@@ -149,6 +149,23 @@ TEST_F(KernelFlashWrite, WaitsForADriverThatIsAwayAfterTheFlash) {
   EXPECT_EQ(m_progress.percent(), 100U);
 }
 
+TEST_F(KernelFlashWrite, AsksAgainWhereTheDriverCannotBeAskedAfterTheFlash) {
+  m_drivers.onDevlinkFlash = [this](const std::string&, const std::string&, const auto&) {
+    m_drivers.answers[kKernelFunction] = {};
+    m_drivers.answers[kKernelFunction].error = ECANCELED;
+    m_clock.afterEachSleep([this](int sleeps) {
+      if (sleeps == 2) {
+        m_drivers.answers[kKernelFunction] = {};
+        store("1.1.0", "7.2.0");
+      }
+    });
+    return NetlinkAck{};
+  };
+  write();
+  EXPECT_EQ(m_progress.percent(), 100U);
+  EXPECT_FALSE(hasEntry());
+}
+
 TEST_F(KernelFlashWrite, LeavesTheEntryWhereTheDriverDoesNotAnswerAnyMore) {
   m_drivers.onDevlinkFlash = [this](const std::string&, const std::string&, const auto&) {
     m_drivers.answers[kKernelFunction] = {};
