@@ -40,6 +40,18 @@ std::string findDifference(std::span<const NamedVersion> expected,
   return {};
 }
 
+std::string findUntold(std::span<const NamedVersion> expected, std::span<const NamedVersion> before,
+                       std::span<const FirmwareVersions> versions) {
+  for (const NamedVersion& version : expected) {
+    const bool wasTold =
+        std::ranges::find(before, version.name, &NamedVersion::name) != before.end();
+    if (wasTold && findStored(version.name, versions) == nullptr) {
+      return version.name;
+    }
+  }
+  return {};
+}
+
 FlashOutcome judge(const FlashEntry& entry, std::span<const FirmwareVersions> versions) {
   const bool canTell = std::ranges::any_of(entry.expected, [&](const NamedVersion& version) {
     return findStored(version.name, versions) != nullptr;
@@ -47,8 +59,12 @@ FlashOutcome judge(const FlashEntry& entry, std::span<const FirmwareVersions> ve
   if (!canTell) {
     return FlashOutcome::Unknown;
   }
+  const bool isTold = findUntold(entry.expected, entry.before, versions).empty();
   const bool isFiles = holds(entry.expected, versions);
   const bool isAsBefore = !entry.before.empty() && holds(entry.before, versions);
+  if (!isTold && (isFiles || isAsBefore)) {
+    return FlashOutcome::Unknown;
+  }
   if (isFiles) {
     return isAsBefore ? FlashOutcome::Unknown : FlashOutcome::Written;
   }

@@ -30,6 +30,12 @@ enum class FlashOutcome {
 [[nodiscard]] std::string findDifference(std::span<const NamedVersion> expected,
                                          std::span<const FirmwareVersions> versions);
 
+// Returns the first name under which something is to be compared, and that the driver told of the
+// flash before and does not tell now; empty where there is none.
+[[nodiscard]] std::string findUntold(std::span<const NamedVersion> expected,
+                                     std::span<const NamedVersion> before,
+                                     std::span<const FirmwareVersions> versions);
+
 // Returns what a person is told of the flash: "fw.mgmt 7.1.0, fw.undi (none)".
 [[nodiscard]] std::string describeStored(std::span<const FirmwareVersions> versions);
 

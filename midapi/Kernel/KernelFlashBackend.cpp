@@ -279,8 +279,9 @@ void KernelFlashBackend::writeFlash(const PortId& port, ConstBytes image, WriteP
   sweepStagedFirmware(m_files, folder, port.adapter);
   // Before the entry: where there is one, the kernel may have been asked.
   const StagedFirmware staged(m_files, folder, port.adapter, image);
-  claim.enter({image.size(), digestOf(image), storedOf(subject.versions), plan.versions,
-               runningOf(subject.versions)});
+  const FlashEntry entry{image.size(), digestOf(image), storedOf(subject.versions), plan.versions,
+                         runningOf(subject.versions)};
+  claim.enter(entry);
   const NetlinkAck ack = flash(subject, staged.name(), plan.bytes, progress);
   m_adapters.forget(port.adapter);
   if (ack.error != 0) {
@@ -288,7 +289,7 @@ void KernelFlashBackend::writeFlash(const PortId& port, ConstBytes image, WriteP
     throw FlashFault(FlashError::WriteRefused, wordsOf(ack) + adviceFor(ack, folder));
   }
   if (subject.route.way == FlashWay::Devlink) {
-    verify(subject.route.function->pci.id, plan.versions, claim);
+    verify(subject.route.function->pci.id, entry, claim);
   }
   clearQuietly(claim);
   progress.complete();
@@ -414,9 +415,9 @@ NetlinkAck KernelFlashBackend::flash(const Subject& subject, const std::string& 
       });
 }
 
-void KernelFlashBackend::verify(const PortId& function, const std::vector<NamedVersion>& expected,
+void KernelFlashBackend::verify(const PortId& function, const FlashEntry& entry,
                                 const FlashJournal::Claim& claim) {
-  if (expected.empty()) {
+  if (entry.expected.empty()) {
     return;
   }
   const auto end = m_clock.now() + kLongestAbsence;
@@ -431,10 +432,16 @@ void KernelFlashBackend::verify(const PortId& function, const std::vector<NamedV
         "the driver has written it, and does not tell any versions since; look at them "
         "when it does");
   }
-  const std::string difference = findDifference(expected, versionsOf(*adapter, function.function));
+  const auto versions = versionsOf(*adapter, function.function);
+  const std::string difference = findDifference(entry.expected, versions);
   if (!difference.empty()) {
     clearQuietly(claim);
     throw FlashFault(FlashError::CompareMismatch, difference);
+  }
+  if (const auto name = findUntold(entry.expected, entry.before, versions); !name.empty()) {
+    throw FlashFault(FlashError::CompareMismatch,
+                     "the driver has written it, and does not tell the version of " + name +
+                         " any more; look at it when it does");
   }
 }
 

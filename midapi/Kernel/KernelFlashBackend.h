@@ -86,8 +86,7 @@ class KernelFlashBackend final : public FlashBackend {
   // The steps of writeFlash.
   [[nodiscard]] NetlinkAck flash(const Subject& subject, const std::string& file,
                                  std::uint64_t bytes, WriteProgress& progress);
-  void verify(const PortId& function, const std::vector<NamedVersion>& expected,
-              const FlashJournal::Claim& claim);
+  void verify(const PortId& function, const FlashEntry& entry, const FlashJournal::Claim& claim);
 
   FileSystem& m_files;
   const KernelPlaces m_places;

@@ -64,6 +64,19 @@ TEST(FlashOutcome, IsUnknownOfTheVersionsThatWereThereBefore) {
   EXPECT_EQ(judge(again, stored("", "7.1.0")), FlashOutcome::Mixed);
 }
 
+TEST(FlashOutcome, IsUnknownWhereAVersionIsNotToldAnyMore) {
+  EXPECT_EQ(judge(kEntry, Versions{{"fw.undi", "", "1.1.0"}}), FlashOutcome::Unknown);
+  EXPECT_EQ(judge(kEntry, Versions{{"fw.undi", "", "1.0.0"}}), FlashOutcome::Unknown);
+  EXPECT_EQ(judge(kEntry, Versions{{"fw.undi", "", "1.0.7"}}), FlashOutcome::Mixed);
+}
+
+TEST(FlashOutcome, NamesTheFirstVersionThatIsNotToldAnyMore) {
+  const Versions undi{{"fw.undi", "", "1.1.0"}};
+  EXPECT_EQ(findUntold(kEntry.expected, kEntry.before, undi), "fw.mgmt");
+  EXPECT_EQ(findUntold(kEntry.expected, {}, undi), "");
+  EXPECT_EQ(findUntold(kEntry.expected, kEntry.before, stored("", "")), "");
+}
+
 TEST(FlashOutcome, NamesTheFirstVersionThatDiffers) {
   EXPECT_EQ(findDifference(kEntry.expected, stored("1.1.0", "7.2.0")), "");
   EXPECT_EQ(findDifference(kEntry.expected, stored("1.1", "v7.2")), "");

@@ -178,6 +178,16 @@ TEST_F(KernelFlashWrite, LeavesTheEntryWhereTheDriverDoesNotAnswerAnyMore) {
   EXPECT_EQ(m_clock.slept(), std::chrono::seconds(30));
 }
 
+TEST_F(KernelFlashWrite, FailsWhereTheDriverDoesNotTellAVersionAnyMore) {
+  m_drivers.onDevlinkFlash = [this](const std::string&, const std::string&, const auto&) {
+    store("1.1.0", "7.2.0");
+    m_drivers.answers[kKernelFunction].devlink->stored.pop_back();
+    return NetlinkAck{};
+  };
+  EXPECT_THAT(failWriting(), HasSubstr("does not tell the version of fw.mgmt any more"));
+  EXPECT_TRUE(hasEntry());
+}
+
 TEST_F(KernelFlashWrite, DoesNotWaitForADriverThatWasTakenAway) {
   m_drivers.onDevlinkFlash = [this](const std::string&, const std::string&, const auto&) {
     m_drivers.answers.clear();
