@@ -73,11 +73,11 @@ void clearQuietly(const FlashJournal::Claim& claim) {
   }
 }
 
+// Only for a flash that was written whole.
 bool isInForce(const std::vector<FirmwareVersions>& versions) {
-  const bool tells = std::ranges::any_of(
-      versions, [](const FirmwareVersions& version) { return !version.stored.empty(); });
-  return tells && std::ranges::none_of(versions, [](const FirmwareVersions& version) {
-           return !version.stored.empty() && version.stored != version.running;
+  return std::ranges::any_of(versions, &FirmwareVersions::tellsStored) &&
+         std::ranges::none_of(versions, [](const FirmwareVersions& version) {
+           return version.tellsStored() && version.stored != version.running;
          });
 }
 
@@ -309,14 +309,13 @@ Activation KernelFlashBackend::activate(const AdapterAddress& adapter) {
     throw FlashFault(FlashError::NotActivated, route.whyNone);
   }
   const PciFunction& function = route.function->pci;
+  // Whatever puts it into force: nobody is advised to do so with a half of it.
+  refuseUnfinished(known, function.id);
   Activation otherwise{false, "its driver " + function.driver +
                                   " cannot put stored firmware into force; " +
                                   std::string(route.driver->activation)};
   if (!route.driver->canActivate || route.way != FlashWay::Devlink) {
     return otherwise;
-  }
-  if (known.isBeingWritten) {
-    throw FlashFault(FlashError::NotActivated, "its flash is being written");
   }
   if (isInForce(versionsOf(known, function.id.function))) {
     return {true, "what its flash holds is in force"};
@@ -325,6 +324,11 @@ Activation KernelFlashBackend::activate(const AdapterAddress& adapter) {
     throw FlashFault(FlashError::NotActivated, kNoRight);
   }
   const FlashJournal::Claim claim = m_journal.claim(adapter);
+  const auto now = m_adapters.findForWriter(adapter);
+  if (!now) {
+    failAsUnknown(toString(adapter));
+  }
+  refuseUnfinished(*now, function.id);
   const NetlinkAck ack = m_drivers.activate(function.id);
   m_adapters.forget(adapter);
   if (ack.error == EOPNOTSUPP) {
@@ -334,6 +338,30 @@ Activation KernelFlashBackend::activate(const AdapterAddress& adapter) {
     throw FlashFault(FlashError::NotActivated, wordsOf(ack));
   }
   return {true, "its driver " + function.driver + " has put the stored firmware into force"};
+}
+
+void KernelFlashBackend::refuseUnfinished(const KernelAdapter& adapter,
+                                          const PortId& function) const {
+  if (adapter.isBeingWritten) {
+    throw FlashFault(FlashError::NotActivated, "its flash is being written");
+  }
+  const auto versions = versionsOf(adapter, function.function);
+  const auto entry = readableEntry(adapter.address);
+  if (std::ranges::any_of(versions, &FirmwareVersions::isErased) ||
+      (entry && judge(*entry, versions) != FlashOutcome::Written)) {
+    throw FlashFault(FlashError::NotActivated, "an update was interrupted; update it again first");
+  }
+}
+
+std::optional<FlashEntry> KernelFlashBackend::readableEntry(const AdapterAddress& adapter) const {
+  try {
+    return m_journal.entry(adapter);
+  } catch (const FlashFault&) {
+    if (m_drivers.mayFlash()) {
+      throw;
+    }
+    return std::nullopt;  // who may not read it can do nothing with the flash either
+  }
 }
 
 KernelAdapter KernelFlashBackend::need(const AdapterAddress& address) {

@@ -17,6 +17,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -74,6 +75,12 @@ class KernelFlashBackend final : public FlashBackend {
   // Throw FlashFault for what there is none of.
   [[nodiscard]] KernelAdapter need(const AdapterAddress& address);
   [[nodiscard]] Subject subjectOf(const PortId& port);
+
+  // Throws where the flash is being written, or was not written whole.
+  void refuseUnfinished(const KernelAdapter& adapter, const PortId& function) const;
+  // Returns the adapter's entry; nothing, too, where this process may not read it. One that is
+  // damaged is a FlashFault.
+  [[nodiscard]] std::optional<FlashEntry> readableEntry(const AdapterAddress& adapter) const;
 
   // Returns why this process can write no firmware at all; empty where it can.
   [[nodiscard]] std::string whyNobody() const;

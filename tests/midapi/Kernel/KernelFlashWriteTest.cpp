@@ -96,7 +96,8 @@ TEST_F(KernelFlashWrite, FailsWithTheWordsOfTheDriver) {
   EXPECT_THAT(staged(), IsEmpty());
   EXPECT_FALSE(hasEntry());
   EXPECT_LT(m_progress.percent(), 100U);
-  EXPECT_EQ(m_backend.firmwareVersions(kKernelPort)[0], (FirmwareVersions{"fw.undi", "1.0.0", "", true}));
+  EXPECT_EQ(m_backend.firmwareVersions(kKernelPort)[0],
+            (FirmwareVersions{"fw.undi", "1.0.0", "", true}));
 }
 
 TEST_F(KernelFlashWrite, FailsWithTheKernelsWordsWhereTheDriverHasNone) {
