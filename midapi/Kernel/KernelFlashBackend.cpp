@@ -404,10 +404,15 @@ KernelFlashBackend::LeftOver KernelFlashBackend::leftOverOf(const KernelAdapter&
     }
     const auto versions = versionsOf(adapter, adapter.functions.front().pci.id.function);
     const FlashOutcome outcome = judge(*entry, versions);
-    if (const auto claim = m_journal.tryClaim(adapter.address)) {
+    const FlashJournal::Attempt attempt = m_journal.tryClaim(adapter.address);
+    // Its writer may have lived until now, and then it is none that was interrupted.
+    if (attempt.isTaken || m_journal.entry(adapter.address) != entry) {
+      return {};
+    }
+    if (attempt.claim) {
       sweepStagedFirmware(m_files, firmwareFolder(), adapter.address);
-      if (outcome == FlashOutcome::Written && claim->leftOver() == entry) {
-        clearQuietly(*claim);
+      if (outcome == FlashOutcome::Written) {
+        clearQuietly(*attempt.claim);
       }
     }
     const OutcomeText& texts = textsOf(outcome);

@@ -388,6 +388,29 @@ TEST_F(KernelFlashWrite, IsNotTakenForInterruptedWhereItBeginsDuringAList) {
   EXPECT_TRUE(hasEntry());
 }
 
+TEST_F(KernelFlashWrite, IsNotTakenForInterruptedWhereItEndsDuringAList) {
+  dieWriting("", "7.1.0");
+  m_files.beforeStep = [this](const std::string& name, const std::filesystem::path&) {
+    if (name == "lock") {
+      std::filesystem::remove(m_places.journal / "0000-03-00.json");
+    }
+  };
+  EXPECT_THAT(m_backend.list().problems, IsEmpty());
+}
+
+TEST_F(KernelFlashWrite, IsNotTakenForInterruptedWhereItsWriterIsNotSeen) {
+  dieWriting("", "7.1.0");
+  const ma::FlashJournal journal(ma::nativeFileSystem(), m_places.journal, m_clock);
+  std::optional<ma::FlashJournal::Claim> writer;
+  m_files.beforeStep = [&](const std::string& name, const std::filesystem::path&) {
+    if (name == "lock" && !writer) {
+      writer.emplace(journal.claim(kKernelAdapter));
+    }
+  };
+  EXPECT_THAT(m_backend.list().problems, IsEmpty());
+  EXPECT_EQ(staged().size(), 1U);
+}
+
 TEST_F(KernelFlashWrite, KeepsAnEntryThatWasMadeAfterTheLookAtIt) {
   dieWriting("1.1.0", "7.2.0");
   m_files.beforeStep = [this](const std::string& name, const std::filesystem::path&) {
