@@ -43,8 +43,11 @@ struct AdapterComponent {
 // devlink-info document). An empty version is not told.
 struct FirmwareVersions {
   std::string name;
-  std::string running;  // what works now
-  std::string stored;   // what the flash holds, which takes effect at the next activation
+  std::string running;    // what works now
+  std::string stored;     // what the flash holds, which takes effect at the next activation
+  bool isErased = false;  // the driver tells that the flash holds none: it was not written whole
+
+  [[nodiscard]] bool tellsStored() const { return isErased || !stored.empty(); }
 
   friend bool operator==(const FirmwareVersions&, const FirmwareVersions&) = default;
 };

@@ -46,11 +46,13 @@ struct FileAnswer {
 };
 
 struct DriverAnswer {
-  // 0, or an errno value: why the driver could not be asked at all; all else is empty then.
+  // 0, or an errno value: why the driver has not said what it says at other times. All else is
+  // empty then, but where it has devlink (see there).
   int error = 0;
   // The driver has not answered in time, and goes on; all else is empty then.
   bool isAway = false;
-  // Nothing: the driver has no devlink. Empty: it has, and does not say.
+  // Nothing: the driver has no devlink, or it is not known. Empty: it has, and does not say; with
+  // an error, it did not just now.
   std::optional<DevlinkInfo> devlink;
   std::optional<DriverInfo> info;  // nothing: no interface, or it does not say
   FileAnswer vpd;

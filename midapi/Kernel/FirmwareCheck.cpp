@@ -195,14 +195,25 @@ std::vector<NamedVersion> versionsFor(const KernelDriver& driver, const PldmPack
   return versions;
 }
 
+// Returns the version of that name that the adapter has; empty where it is not known. Where the
+// driver tells nothing of the flash, what runs is the best that is known of it.
+std::string_view versionAtHand(std::span<const FirmwareVersions> versions, std::string_view name) {
+  const auto found = std::ranges::find(versions, name, &FirmwareVersions::name);
+  if (found == versions.end()) {
+    return {};
+  }
+  return std::ranges::any_of(versions, &FirmwareVersions::tellsStored) ? found->stored
+                                                                       : found->running;
+}
+
 std::optional<Preparation> checkVersions(const FirmwareTarget& target,
                                          const std::vector<NamedVersion>& versions) {
   for (const NamedVersion& version : versions) {
-    const std::string_view stored = storedVersion(target.versions, version.name);
-    if (!stored.empty() && compareVersions(version.value, stored) < 0) {
+    const std::string_view held = versionAtHand(target.versions, version.name);
+    if (!held.empty() && compareVersions(version.value, held) < 0) {
       return refuse(PrepareStatus::Downgrade, version.name + " " + version.value +
                                                   " of the file is older than " +
-                                                  std::string(stored) + " of the adapter");
+                                                  std::string(held) + " of the adapter");
     }
   }
   return std::nullopt;
@@ -331,11 +342,11 @@ ImageComparison compareRoms(const FirmwareTarget& target, ConstBytes image) {
 ImageComparison compareVersionsOf(const FirmwareTarget& target, const FlashPlan& plan) {
   ImageComparison result = ImageComparison::Unknown;
   for (const NamedVersion& version : plan.versions) {
-    const std::string_view stored = storedVersion(target.versions, version.name);
-    if (stored.empty()) {
+    const std::string_view held = versionAtHand(target.versions, version.name);
+    if (held.empty()) {
       continue;
     }
-    if (compareVersions(version.value, stored) > 0) {
+    if (compareVersions(version.value, held) > 0) {
       return ImageComparison::Newer;
     }
     result = ImageComparison::SameVersion;
@@ -388,16 +399,6 @@ FlashPlan planFlash(const FirmwareTarget& target, ConstBytes file) {
     plan.bytes += package.components[component].size;
   }
   return plan;
-}
-
-std::string_view storedVersion(std::span<const FirmwareVersions> versions, std::string_view name) {
-  const bool tellsStored = std::ranges::any_of(
-      versions, [](const FirmwareVersions& version) { return !version.stored.empty(); });
-  const auto found = std::ranges::find(versions, name, &FirmwareVersions::name);
-  if (found == versions.end()) {
-    return {};
-  }
-  return tellsStored ? found->stored : found->running;
 }
 
 }  // namespace ma

@@ -56,11 +56,6 @@ struct FlashPlan {
 // Returns the plan of a file that prepareFirmware has prepared.
 [[nodiscard]] FlashPlan planFlash(const FirmwareTarget& target, ConstBytes file);
 
-// Returns the version of that name that the flash holds; empty where it is not known. A driver that
-// tells of no stored versions has those that run.
-[[nodiscard]] std::string_view storedVersion(std::span<const FirmwareVersions> versions,
-                                             std::string_view name);
-
 }  // namespace ma
 
 #endif  // ORVEX_MIDAPI_KERNEL_FIRMWARECHECK_H_

@@ -138,15 +138,18 @@ FlashJournal::Claim FlashJournal::claim(const AdapterAddress& adapter) const {
   }
 }
 
-std::optional<FlashJournal::Claim> FlashJournal::tryClaim(const AdapterAddress& adapter) const {
+FlashJournal::Attempt FlashJournal::tryClaim(const AdapterAddress& adapter) const {
+  Attempt attempt;
   try {
-    auto lock = m_files.lock(lockPath(adapter));
-    return lock == nullptr
-               ? std::nullopt
-               : std::optional<Claim>(std::in_place, m_files, entryPath(adapter), std::move(lock));
+    if (auto lock = m_files.lock(lockPath(adapter))) {
+      attempt.claim.emplace(m_files, entryPath(adapter), std::move(lock));
+    } else {
+      attempt.isTaken = true;
+    }
   } catch (const FileFault&) {
-    return std::nullopt;
+    return attempt;
   }
+  return attempt;
 }
 
 std::optional<FlashEntry> FlashJournal::entry(const AdapterAddress& adapter) const {

@@ -69,9 +69,13 @@ class FlashJournal {
   // Waits some seconds for others who write the adapter.
   [[nodiscard]] Claim claim(const AdapterAddress& adapter) const;
 
-  // Returns the right where it is free now, without waiting; nothing where somebody writes the
-  // adapter, and where the caller may not have it.
-  [[nodiscard]] std::optional<Claim> tryClaim(const AdapterAddress& adapter) const;
+  // What comes of asking for the right without waiting: nothing, too, where the caller may not have
+  // it.
+  struct Attempt {
+    std::optional<Claim> claim;
+    bool isTaken = false;  // somebody writes the adapter
+  };
+  [[nodiscard]] Attempt tryClaim(const AdapterAddress& adapter) const;
 
   // Returns the adapter's entry, whoever may have made it: a flash that is under way, or one whose
   // outcome is unknown.

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <string_view>
 
-#include "midapi/Kernel/FirmwareCheck.h"
 #include "midapi/VersionText.h"
 
 namespace ma {
@@ -13,8 +12,11 @@ bool isSame(std::string_view one, std::string_view other) {
   return one == other || (!one.empty() && !other.empty() && compareVersions(one, other) == 0);
 }
 
-bool isNamed(const NamedVersion& version, std::span<const FirmwareVersions> versions) {
-  return std::ranges::find(versions, version.name, &FirmwareVersions::name) != versions.end();
+// Returns what is told of the flash under that name; null where nothing is.
+const FirmwareVersions* findStored(const std::string& name,
+                                   std::span<const FirmwareVersions> versions) {
+  const auto found = std::ranges::find(versions, name, &FirmwareVersions::name);
+  return found != versions.end() && found->tellsStored() ? &*found : nullptr;
 }
 
 bool holds(std::span<const NamedVersion> expected, std::span<const FirmwareVersions> versions) {
@@ -30,22 +32,39 @@ std::string shown(std::string_view version) {
 std::string findDifference(std::span<const NamedVersion> expected,
                            std::span<const FirmwareVersions> versions) {
   for (const NamedVersion& version : expected) {
-    const std::string_view stored = storedVersion(versions, version.name);
-    if (isNamed(version, versions) && !isSame(version.value, stored)) {
-      return version.name + " is " + shown(stored) + ", and the file has " + version.value;
+    const FirmwareVersions* const found = findStored(version.name, versions);
+    if (found != nullptr && !isSame(version.value, found->stored)) {
+      return version.name + " is " + shown(found->stored) + ", and the file has " + version.value;
+    }
+  }
+  return {};
+}
+
+std::string findUntold(std::span<const NamedVersion> expected, std::span<const NamedVersion> before,
+                       std::span<const FirmwareVersions> versions) {
+  for (const NamedVersion& version : expected) {
+    const bool wasTold =
+        std::ranges::find(before, version.name, &NamedVersion::name) != before.end();
+    if (wasTold && findStored(version.name, versions) == nullptr) {
+      return version.name;
     }
   }
   return {};
 }
 
 FlashOutcome judge(const FlashEntry& entry, std::span<const FirmwareVersions> versions) {
-  const bool canTell = std::ranges::any_of(
-      entry.expected, [&](const NamedVersion& version) { return isNamed(version, versions); });
+  const bool canTell = std::ranges::any_of(entry.expected, [&](const NamedVersion& version) {
+    return findStored(version.name, versions) != nullptr;
+  });
   if (!canTell) {
     return FlashOutcome::Unknown;
   }
+  const bool isTold = findUntold(entry.expected, entry.before, versions).empty();
   const bool isFiles = holds(entry.expected, versions);
   const bool isAsBefore = !entry.before.empty() && holds(entry.before, versions);
+  if (!isTold && (isFiles || isAsBefore)) {
+    return FlashOutcome::Unknown;
+  }
   if (isFiles) {
     return isAsBefore ? FlashOutcome::Unknown : FlashOutcome::Written;
   }
@@ -55,8 +74,10 @@ FlashOutcome judge(const FlashEntry& entry, std::span<const FirmwareVersions> ve
 std::string describeStored(std::span<const FirmwareVersions> versions) {
   std::string text;
   for (const FirmwareVersions& version : versions) {
-    text += text.empty() ? "" : ", ";
-    text += version.name + " " + shown(storedVersion(versions, version.name));
+    if (version.tellsStored()) {
+      text += text.empty() ? "" : ", ";
+      text += version.name + " " + shown(version.stored);
+    }
   }
   return text.empty() ? "nothing that its driver tells" : text;
 }

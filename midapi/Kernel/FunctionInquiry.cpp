@@ -38,18 +38,18 @@ DevlinkFamily readFamily(const ErrandReply& reply) {
 }
 
 // A driver without devlink is no device to it. One that has it, and cannot tell, has it all the
-// same.
-std::optional<DevlinkInfo> readDevlink(const ErrandReply& reply, const DevlinkFamily& family) {
-  std::optional<DevlinkInfo> info;
+// same; where it can at other times, as while the adapter starts anew, the error says so.
+void readDevlink(const ErrandReply& reply, const DevlinkFamily& family, DriverAnswer& answer) {
   for (const auto& datagram : reply.pieces) {
     if (auto found = findInfo(datagram, family, kSequence)) {
-      info = std::move(found);
+      answer.devlink = std::move(found);
     }
-    if (const auto ack = findAck(datagram, kSequence); ack && ack->error != ENODEV && !info) {
-      info.emplace();
+    const auto ack = findAck(datagram, kSequence);
+    if (ack && ack->error != ENODEV && !answer.devlink) {
+      answer.devlink.emplace();
+      answer.error = ack->error == EOPNOTSUPP ? 0 : ack->error;
     }
   }
-  return info;
 }
 
 std::optional<DriverInfo> readDriverInfo(const ErrandReply& reply) {
@@ -126,7 +126,7 @@ void FunctionInquiry::take(const ErrandReply& reply) {
       }
       break;
     case Step::Devlink:
-      m_answer.devlink = readDevlink(reply, m_devlink.family);
+      readDevlink(reply, m_devlink.family, m_answer);
       break;
     case Step::Driver:
       m_answer.info = readDriverInfo(reply);

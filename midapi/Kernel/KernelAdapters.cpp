@@ -212,7 +212,9 @@ KernelAdapters::Known* KernelAdapters::recognise(const Subject& subject, std::ui
 
 void KernelAdapters::note(const Subject& subject, DriverAnswer answer, std::uint64_t look) {
   Known* const known = recognise(subject, look);
-  if (known == nullptr || answer.error != 0) {
+  // Who has devlink and did not answer there has answered all else.
+  const bool isMuteNow = answer.error != 0 && answer.devlink;
+  if (known == nullptr || (answer.error != 0 && !isMuteNow)) {
     return;
   }
   const bool isUnchanged = subject.changes == known->changes;
@@ -229,7 +231,12 @@ void KernelAdapters::note(const Subject& subject, DriverAnswer answer, std::uint
   }
   known->askedBy = look;
   known->isAway = answer.isAway;
-  if (!answer.isAway) {
+  if (isMuteNow) {
+    if (!known->answer.devlink) {
+      known->answer.devlink = std::move(answer.devlink);
+    }
+    known->fresh = {};
+  } else if (!answer.isAway) {
     known->answer.devlink = std::move(answer.devlink);
     known->answer.info = std::move(answer.info);
     known->hasAnswered = true;

@@ -42,23 +42,23 @@ std::string adviceFor(const NetlinkAck& ack, const std::filesystem::path& folder
                              : "";
 }
 
-std::vector<NamedVersion> select(const std::vector<FirmwareVersions>& versions,
-                                 std::string FirmwareVersions::*field) {
-  std::vector<NamedVersion> selected;
+std::vector<NamedVersion> runningOf(const std::vector<FirmwareVersions>& versions) {
+  std::vector<NamedVersion> running;
   for (const FirmwareVersions& version : versions) {
-    if (!(version.*field).empty()) {
-      selected.push_back({version.name, version.*field});
+    if (!version.running.empty()) {
+      running.push_back({version.name, version.running});
     }
   }
-  return selected;
+  return running;
 }
 
 // What the flash holds, also where the driver tells that it holds nothing.
 std::vector<NamedVersion> storedOf(const std::vector<FirmwareVersions>& versions) {
   std::vector<NamedVersion> stored;
-  stored.reserve(versions.size());
   for (const FirmwareVersions& version : versions) {
-    stored.push_back({version.name, std::string(storedVersion(versions, version.name))});
+    if (version.tellsStored()) {
+      stored.push_back({version.name, version.stored});
+    }
   }
   return stored;
 }
@@ -73,11 +73,11 @@ void clearQuietly(const FlashJournal::Claim& claim) {
   }
 }
 
+// Only for a flash that was written whole.
 bool isInForce(const std::vector<FirmwareVersions>& versions) {
-  const bool tells = std::ranges::any_of(
-      versions, [](const FirmwareVersions& version) { return !version.stored.empty(); });
-  return tells && std::ranges::none_of(versions, [](const FirmwareVersions& version) {
-           return !version.stored.empty() && version.stored != version.running;
+  return std::ranges::any_of(versions, &FirmwareVersions::tellsStored) &&
+         std::ranges::none_of(versions, [](const FirmwareVersions& version) {
+           return version.tellsStored() && version.stored != version.running;
          });
 }
 
@@ -87,10 +87,12 @@ const KernelFunction* findFunction(const KernelAdapter& adapter, const PortId& i
   return found != adapter.functions.end() ? &*found : nullptr;
 }
 
+// Returns whether the function's driver has answered just now: where it could not be asked, the
+// last answer is one from before.
 bool hasAnswered(const std::optional<KernelAdapter>& adapter, const PortId& id) {
   const KernelFunction* const function =
       adapter && !adapter->isBeingWritten ? findFunction(*adapter, id) : nullptr;
-  return function != nullptr && function->answer.devlink;
+  return function != nullptr && function->answer.error == 0 && function->answer.devlink;
 }
 
 // Returns whether the function's driver may yet answer.
@@ -242,7 +244,8 @@ std::uint64_t KernelFlashBackend::digest(const PortId& port) {
                          (target.driver->canWrite() ? "\nwrites\n" : "\n") +
                          (target.isTrusted ? "trusted\n" : "\n") + subject.whyNotUpdatable + '\n';
   for (const FirmwareVersions& version : subject.versions) {
-    decisive += version.name + '\n' + version.running + '\n' + version.stored + '\n';
+    decisive += version.name + '\n' + version.running + '\n' + version.stored +
+                (version.isErased ? "\nerased\n" : "\n");
   }
   return digestOf({reinterpret_cast<const std::uint8_t*>(decisive.data()), decisive.size()},
                   digestOf(target.rom));
@@ -276,8 +279,9 @@ void KernelFlashBackend::writeFlash(const PortId& port, ConstBytes image, WriteP
   sweepStagedFirmware(m_files, folder, port.adapter);
   // Before the entry: where there is one, the kernel may have been asked.
   const StagedFirmware staged(m_files, folder, port.adapter, image);
-  claim.enter({image.size(), digestOf(image), storedOf(subject.versions), plan.versions,
-               select(subject.versions, &FirmwareVersions::running)});
+  const FlashEntry entry{image.size(), digestOf(image), storedOf(subject.versions), plan.versions,
+                         runningOf(subject.versions)};
+  claim.enter(entry);
   const NetlinkAck ack = flash(subject, staged.name(), plan.bytes, progress);
   m_adapters.forget(port.adapter);
   if (ack.error != 0) {
@@ -285,7 +289,7 @@ void KernelFlashBackend::writeFlash(const PortId& port, ConstBytes image, WriteP
     throw FlashFault(FlashError::WriteRefused, wordsOf(ack) + adviceFor(ack, folder));
   }
   if (subject.route.way == FlashWay::Devlink) {
-    verify(subject.route.function->pci.id, plan.versions, claim);
+    verify(subject.route.function->pci.id, entry, claim);
   }
   clearQuietly(claim);
   progress.complete();
@@ -305,14 +309,13 @@ Activation KernelFlashBackend::activate(const AdapterAddress& adapter) {
     throw FlashFault(FlashError::NotActivated, route.whyNone);
   }
   const PciFunction& function = route.function->pci;
+  // Whatever puts it into force: nobody is advised to do so with a half of it.
+  refuseUnfinished(known, function.id);
   Activation otherwise{false, "its driver " + function.driver +
                                   " cannot put stored firmware into force; " +
                                   std::string(route.driver->activation)};
   if (!route.driver->canActivate || route.way != FlashWay::Devlink) {
     return otherwise;
-  }
-  if (known.isBeingWritten) {
-    throw FlashFault(FlashError::NotActivated, "its flash is being written");
   }
   if (isInForce(versionsOf(known, function.id.function))) {
     return {true, "what its flash holds is in force"};
@@ -321,6 +324,11 @@ Activation KernelFlashBackend::activate(const AdapterAddress& adapter) {
     throw FlashFault(FlashError::NotActivated, kNoRight);
   }
   const FlashJournal::Claim claim = m_journal.claim(adapter);
+  const auto now = m_adapters.findForWriter(adapter);
+  if (!now) {
+    failAsUnknown(toString(adapter));
+  }
+  refuseUnfinished(*now, function.id);
   const NetlinkAck ack = m_drivers.activate(function.id);
   m_adapters.forget(adapter);
   if (ack.error == EOPNOTSUPP) {
@@ -330,6 +338,30 @@ Activation KernelFlashBackend::activate(const AdapterAddress& adapter) {
     throw FlashFault(FlashError::NotActivated, wordsOf(ack));
   }
   return {true, "its driver " + function.driver + " has put the stored firmware into force"};
+}
+
+void KernelFlashBackend::refuseUnfinished(const KernelAdapter& adapter,
+                                          const PortId& function) const {
+  if (adapter.isBeingWritten) {
+    throw FlashFault(FlashError::NotActivated, "its flash is being written");
+  }
+  const auto versions = versionsOf(adapter, function.function);
+  const auto entry = readableEntry(adapter.address);
+  if (std::ranges::any_of(versions, &FirmwareVersions::isErased) ||
+      (entry && judge(*entry, versions) != FlashOutcome::Written)) {
+    throw FlashFault(FlashError::NotActivated, "an update was interrupted; update it again first");
+  }
+}
+
+std::optional<FlashEntry> KernelFlashBackend::readableEntry(const AdapterAddress& adapter) const {
+  try {
+    return m_journal.entry(adapter);
+  } catch (const FlashFault&) {
+    if (m_drivers.mayFlash()) {
+      throw;
+    }
+    return std::nullopt;  // who may not read it can do nothing with the flash either
+  }
 }
 
 KernelAdapter KernelFlashBackend::need(const AdapterAddress& address) {
@@ -372,10 +404,15 @@ KernelFlashBackend::LeftOver KernelFlashBackend::leftOverOf(const KernelAdapter&
     }
     const auto versions = versionsOf(adapter, adapter.functions.front().pci.id.function);
     const FlashOutcome outcome = judge(*entry, versions);
-    if (const auto claim = m_journal.tryClaim(adapter.address)) {
+    const FlashJournal::Attempt attempt = m_journal.tryClaim(adapter.address);
+    // Its writer may have lived until now, and then it is none that was interrupted.
+    if (attempt.isTaken || m_journal.entry(adapter.address) != entry) {
+      return {};
+    }
+    if (attempt.claim) {
       sweepStagedFirmware(m_files, firmwareFolder(), adapter.address);
-      if (outcome == FlashOutcome::Written && claim->leftOver() == entry) {
-        clearQuietly(*claim);
+      if (outcome == FlashOutcome::Written) {
+        clearQuietly(*attempt.claim);
       }
     }
     const OutcomeText& texts = textsOf(outcome);
@@ -411,9 +448,9 @@ NetlinkAck KernelFlashBackend::flash(const Subject& subject, const std::string& 
       });
 }
 
-void KernelFlashBackend::verify(const PortId& function, const std::vector<NamedVersion>& expected,
+void KernelFlashBackend::verify(const PortId& function, const FlashEntry& entry,
                                 const FlashJournal::Claim& claim) {
-  if (expected.empty()) {
+  if (entry.expected.empty()) {
     return;
   }
   const auto end = m_clock.now() + kLongestAbsence;
@@ -428,10 +465,16 @@ void KernelFlashBackend::verify(const PortId& function, const std::vector<NamedV
         "the driver has written it, and does not tell any versions since; look at them "
         "when it does");
   }
-  const std::string difference = findDifference(expected, versionsOf(*adapter, function.function));
+  const auto versions = versionsOf(*adapter, function.function);
+  const std::string difference = findDifference(entry.expected, versions);
   if (!difference.empty()) {
     clearQuietly(claim);
     throw FlashFault(FlashError::CompareMismatch, difference);
+  }
+  if (const auto name = findUntold(entry.expected, entry.before, versions); !name.empty()) {
+    throw FlashFault(FlashError::CompareMismatch,
+                     "the driver has written it, and does not tell the version of " + name +
+                         " any more; look at it when it does");
   }
 }
 

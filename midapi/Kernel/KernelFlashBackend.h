@@ -17,6 +17,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -75,6 +76,12 @@ class KernelFlashBackend final : public FlashBackend {
   [[nodiscard]] KernelAdapter need(const AdapterAddress& address);
   [[nodiscard]] Subject subjectOf(const PortId& port);
 
+  // Throws where the flash is being written, or was not written whole.
+  void refuseUnfinished(const KernelAdapter& adapter, const PortId& function) const;
+  // Returns the adapter's entry; nothing, too, where this process may not read it. One that is
+  // damaged is a FlashFault.
+  [[nodiscard]] std::optional<FlashEntry> readableEntry(const AdapterAddress& adapter) const;
+
   // Returns why this process can write no firmware at all; empty where it can.
   [[nodiscard]] std::string whyNobody() const;
   [[nodiscard]] std::filesystem::path firmwareFolder() const;
@@ -86,8 +93,7 @@ class KernelFlashBackend final : public FlashBackend {
   // The steps of writeFlash.
   [[nodiscard]] NetlinkAck flash(const Subject& subject, const std::string& file,
                                  std::uint64_t bytes, WriteProgress& progress);
-  void verify(const PortId& function, const std::vector<NamedVersion>& expected,
-              const FlashJournal::Claim& claim);
+  void verify(const PortId& function, const FlashEntry& entry, const FlashJournal::Claim& claim);
 
   FileSystem& m_files;
   const KernelPlaces m_places;

@@ -19,23 +19,24 @@ bool isForbidden(int error) {
   return error == EACCES || error == EPERM;
 }
 
-void setVersion(std::vector<FirmwareVersions>& versions, const NamedVersion& version,
-                std::string FirmwareVersions::*field) {
-  auto found = std::ranges::find(versions, version.name, &FirmwareVersions::name);
+FirmwareVersions& versionsUnder(std::vector<FirmwareVersions>& versions, const std::string& name) {
+  auto found = std::ranges::find(versions, name, &FirmwareVersions::name);
   if (found == versions.end()) {
-    found = versions.insert(versions.end(), {version.name, {}, {}});
+    found = versions.insert(versions.end(), {name, {}, {}});
   }
-  (*found).*field = version.value;
+  return *found;
 }
 
 std::vector<FirmwareVersions> versionsOf(const DriverAnswer& answer) {
   std::vector<FirmwareVersions> versions;
   if (answer.devlink) {
     for (const NamedVersion& version : answer.devlink->running) {
-      setVersion(versions, version, &FirmwareVersions::running);
+      versionsUnder(versions, version.name).running = version.value;
     }
     for (const NamedVersion& version : answer.devlink->stored) {
-      setVersion(versions, version, &FirmwareVersions::stored);
+      FirmwareVersions& stored = versionsUnder(versions, version.name);
+      stored.stored = version.value;
+      stored.isErased = version.value.empty();
     }
   }
   if (versions.empty() && answer.info && !answer.info->firmwareVersion.empty()) {

@@ -273,6 +273,12 @@ TEST_F(FirmwareCheck, ComparesWithWhatIsStoredWhateverRuns) {
               Refuses(PrepareStatus::Downgrade, HasSubstr("older than 9.0.0")));
 }
 
+TEST_F(FirmwareCheck, ComparesWithNothingWhereTheFlashIsErased) {
+  hold({{"fw.undi", "9.0.0", "", true}, {"fw.mgmt", "9.0.0", "", true}});
+  EXPECT_THAT(prepare(package("1.1.0", "7.2.0")), Accepts());
+  EXPECT_EQ(compare(package("9.0.0", "9.0.0")), ImageComparison::Unknown);
+}
+
 TEST_F(FirmwareCheck, DoesNotCompareComponentsWithoutAName) {
   EXPECT_THAT(prepare(PldmBuilder().add(ours({0})).add(undi("0.1").identifier(77))), Accepts());
 }

@@ -68,13 +68,15 @@ TEST_F(FlashJournalTest, HasAnEntryForAsLongAsTheOutcomeIsUnknown) {
 TEST_F(FlashJournalTest, LetsOneWriteAnAdapterAtATime) {
   {
     const FlashJournal::Claim claim = m_journal.claim(kAdapter);
-    EXPECT_FALSE(m_journal.tryClaim(kAdapter));
+    EXPECT_FALSE(m_journal.tryClaim(kAdapter).claim);
+    EXPECT_TRUE(m_journal.tryClaim(kAdapter).isTaken);
     EXPECT_THAT(
         failureOf([&] { static_cast<void>(m_journal.claim(kAdapter)); }),
         AllOf(HasSubstr("another program is writing the adapter"), HasSubstr("0000-03-00.lock")));
-    EXPECT_TRUE(m_journal.tryClaim(kOther));
+    EXPECT_TRUE(m_journal.tryClaim(kOther).claim);
   }
-  EXPECT_TRUE(m_journal.tryClaim(kAdapter));
+  EXPECT_TRUE(m_journal.tryClaim(kAdapter).claim);
+  EXPECT_FALSE(m_journal.tryClaim(kAdapter).isTaken);
 }
 
 TEST_F(FlashJournalTest, TellsWhetherTheWriterLivesWithoutAskingIt) {
@@ -90,7 +92,8 @@ TEST_F(FlashJournalTest, TellsWhetherTheWriterLivesWithoutAskingIt) {
 
 TEST_F(FlashJournalTest, IsEmptyWhereNothingWasEverWritten) {
   EXPECT_FALSE(m_journal.entry(kAdapter));
-  EXPECT_FALSE(m_journal.tryClaim(kAdapter));
+  EXPECT_FALSE(m_journal.tryClaim(kAdapter).claim);
+  EXPECT_FALSE(m_journal.tryClaim(kAdapter).isTaken);
 }
 
 TEST_F(FlashJournalTest, KeepsTextsOfDriversAsTheyAreTold) {

@@ -136,6 +136,14 @@ TEST_F(FunctionInquiryTest, TellsADriverThatDoesNotSayFromOneWithoutDevlink) {
   const auto mute = devlinkAnswer(refusal(EOPNOTSUPP)).devlink;
   ASSERT_TRUE(mute);
   EXPECT_EQ(mute->driver, "");
+  EXPECT_EQ(devlinkAnswer(refusal(ENODEV)).error, 0);
+  EXPECT_EQ(devlinkAnswer(refusal(EOPNOTSUPP)).error, 0);
+}
+
+TEST_F(FunctionInquiryTest, TellsADriverThatCannotSayNowFromOneThatNeverDoes) {
+  const ma::DriverAnswer answer = devlinkAnswer(refusal(EBUSY));
+  EXPECT_EQ(answer.error, EBUSY);
+  EXPECT_TRUE(answer.devlink);
 }
 
 TEST_F(FunctionInquiryTest, TellsWhatDevlinkSays) {

@@ -108,6 +108,24 @@ TEST_F(KernelAdaptersTest, AsksTheDriversOfAllAtOnce) {
   EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0, 0000:03:00.1, 0000:04:00.0"));
 }
 
+TEST_F(KernelAdaptersTest, KeepsWhatWasToldWhereDevlinkDoesNotAnswerNow) {
+  addVpdAndRom(kPort);
+  DriverAnswer mute = m_drivers.answers[kPort];
+  mute.devlink.emplace();
+  mute.error = EBUSY;
+  m_drivers.answers[kPort] = mute;
+  const auto first = m_adapters.find(kAdapter);
+  EXPECT_TRUE(first->functions[0].answer.devlink);
+  EXPECT_EQ(first->functions[0].answer.error, EBUSY);
+  EXPECT_FALSE(first->functions[0].answer.vpd.bytes.empty());
+  m_drivers.answers[kPort] = stored("1.0");
+  EXPECT_EQ(tell(), "1.0");
+  EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0 vpd rom", "0000:03:00.0"));
+  m_drivers.answers[kPort] = mute;
+  pass(KernelAdapters::kFresh);
+  EXPECT_EQ(tell(), "1.0");
+}
+
 TEST_F(KernelAdaptersTest, AsksForOneAdapterWhereOneIsMeant) {
   addOther();
   EXPECT_EQ(tell(), "1.0");

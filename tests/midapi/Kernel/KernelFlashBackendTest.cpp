@@ -196,7 +196,75 @@ class KernelActivation : public KernelFlashBackend {
     }
     return {};
   }
+  // An update whose process is gone; the file had those versions.
+  void leaveEntry(const std::string& undi, const std::string& mgmt) {
+    const ma::FlashJournal journal(m_files, m_places.journal, m_clock);
+    journal.claim(kKernelAdapter)
+        .enter({1,
+                2,
+                {{"fw.undi", "1.0.0"}, {"fw.mgmt", "7.1.0"}},
+                {{"fw.undi", undi}, {"fw.mgmt", mgmt}},
+                {}});
+  }
+  void expectNoReset() {
+    m_drivers.onActivate = [](const std::string&) {
+      ADD_FAILURE() << "the adapter was reset";
+      return NetlinkAck{};
+    };
+  }
 };
+
+constexpr const char* kInterrupted =
+    "The adapter's driver has not activated the firmware: an update was interrupted; update it "
+    "again first";
+
+TEST_F(KernelActivation, IsRefusedWhereTheFlashWasNotWrittenWhole) {
+  expectNoReset();
+  for (const char* mgmt : {"7.1.0", "7.2.0", ""}) {
+    store("", mgmt);
+    passASecond();
+    EXPECT_EQ(failure(), kInterrupted) << mgmt;
+  }
+}
+
+TEST_F(KernelActivation, IsRefusedWhereAnUpdateWasInterrupted) {
+  expectNoReset();
+  leaveEntry("1.1.0", "7.3.0");
+  EXPECT_EQ(failure(), kInterrupted);
+}
+
+TEST_F(KernelActivation, FollowsAnInterruptedUpdateThatTheKernelHasFinished) {
+  leaveEntry("1.1.0", "7.2.0");
+  EXPECT_TRUE(m_backend.activate(kKernelAdapter).isActive);
+}
+
+TEST_F(KernelActivation, IsRefusedWhereTheFlashWasWrittenMeanwhile) {
+  expectNoReset();
+  m_files.beforeStep = [this](const std::string& name, const std::filesystem::path&) {
+    if (name == "lock") {
+      store("", "7.2.0");
+    }
+  };
+  EXPECT_EQ(failure(), kInterrupted);
+}
+
+TEST_F(KernelActivation, IsNotAdvisedForAFlashThatWasNotWrittenWhole) {
+  m_drivers.onActivate = [](const std::string&) { return NetlinkAck{EOPNOTSUPP, ""}; };
+  addFunction(kOtherFunction, "bnxt_en");
+  store("", "", kOtherFunction);
+  EXPECT_THAT(
+      [&] {
+        static_cast<void>(m_backend.activate({0, 4, 0}));
+      },
+      ThrowsExactly<FlashFault>(kInterrupted));
+}
+
+TEST_F(KernelActivation, NamesAnEntryThatIsNone) {
+  m_directory.write("kernel/0000-03-00.json", std::string("{"));
+  EXPECT_THAT(failure(), HasSubstr("0000-03-00.json is no entry of a flash"));
+  m_drivers.isPrivileged = false;
+  EXPECT_THAT(failure(), HasSubstr("needs the capability CAP_NET_ADMIN"));
+}
 
 TEST_F(KernelActivation, IsTheDrivers) {
   std::string activated;
@@ -212,10 +280,7 @@ TEST_F(KernelActivation, IsTheDrivers) {
 
 TEST_F(KernelActivation, IsNotAskedForWhereNothingWaitsForIt) {
   store("1.0.0", "7.1.0");
-  m_drivers.onActivate = [](const std::string&) {
-    ADD_FAILURE() << "the adapter was reset";
-    return NetlinkAck{};
-  };
+  expectNoReset();
   EXPECT_TRUE(m_backend.activate(kKernelAdapter).isActive);
 }
 

@@ -96,7 +96,8 @@ TEST_F(KernelFlashWrite, FailsWithTheWordsOfTheDriver) {
   EXPECT_THAT(staged(), IsEmpty());
   EXPECT_FALSE(hasEntry());
   EXPECT_LT(m_progress.percent(), 100U);
-  EXPECT_EQ(m_backend.firmwareVersions(kKernelPort)[0], (FirmwareVersions{"fw.undi", "1.0.0", ""}));
+  EXPECT_EQ(m_backend.firmwareVersions(kKernelPort)[0],
+            (FirmwareVersions{"fw.undi", "1.0.0", "", true}));
 }
 
 TEST_F(KernelFlashWrite, FailsWithTheKernelsWordsWhereTheDriverHasNone) {
@@ -122,6 +123,16 @@ TEST_F(KernelFlashWrite, FailsWhereTheFlashDoesNotHoldTheFilesVersions) {
   EXPECT_LT(m_progress.percent(), 100U);
 }
 
+TEST_F(KernelFlashWrite, SucceedsWhereTheDriverTellsWhatRunsAlone) {
+  m_drivers.answers[kKernelFunction].devlink->stored.clear();
+  m_drivers.onDevlinkFlash = [](const std::string&, const std::string&, const auto&) {
+    return NetlinkAck{};
+  };
+  write();
+  EXPECT_EQ(m_progress.percent(), 100U);
+  EXPECT_FALSE(hasEntry());
+}
+
 TEST_F(KernelFlashWrite, WaitsForADriverThatIsAwayAfterTheFlash) {
   m_drivers.onDevlinkFlash = [this](const std::string&, const std::string&, const auto&) {
     m_drivers.answers[kKernelFunction] = {};
@@ -139,6 +150,23 @@ TEST_F(KernelFlashWrite, WaitsForADriverThatIsAwayAfterTheFlash) {
   EXPECT_EQ(m_progress.percent(), 100U);
 }
 
+TEST_F(KernelFlashWrite, AsksAgainWhereTheDriverCannotBeAskedAfterTheFlash) {
+  m_drivers.onDevlinkFlash = [this](const std::string&, const std::string&, const auto&) {
+    m_drivers.answers[kKernelFunction] = {};
+    m_drivers.answers[kKernelFunction].error = ECANCELED;
+    m_clock.afterEachSleep([this](int sleeps) {
+      if (sleeps == 2) {
+        m_drivers.answers[kKernelFunction] = {};
+        store("1.1.0", "7.2.0");
+      }
+    });
+    return NetlinkAck{};
+  };
+  write();
+  EXPECT_EQ(m_progress.percent(), 100U);
+  EXPECT_FALSE(hasEntry());
+}
+
 TEST_F(KernelFlashWrite, LeavesTheEntryWhereTheDriverDoesNotAnswerAnyMore) {
   m_drivers.onDevlinkFlash = [this](const std::string&, const std::string&, const auto&) {
     m_drivers.answers[kKernelFunction] = {};
@@ -149,6 +177,16 @@ TEST_F(KernelFlashWrite, LeavesTheEntryWhereTheDriverDoesNotAnswerAnyMore) {
   EXPECT_TRUE(hasEntry());
   EXPECT_THAT(staged(), IsEmpty());
   EXPECT_EQ(m_clock.slept(), std::chrono::seconds(30));
+}
+
+TEST_F(KernelFlashWrite, FailsWhereTheDriverDoesNotTellAVersionAnyMore) {
+  m_drivers.onDevlinkFlash = [this](const std::string&, const std::string&, const auto&) {
+    store("1.1.0", "7.2.0");
+    m_drivers.answers[kKernelFunction].devlink->stored.pop_back();
+    return NetlinkAck{};
+  };
+  EXPECT_THAT(failWriting(), HasSubstr("does not tell the version of fw.mgmt any more"));
+  EXPECT_TRUE(hasEntry());
 }
 
 TEST_F(KernelFlashWrite, DoesNotWaitForADriverThatWasTakenAway) {
@@ -300,6 +338,15 @@ TEST_F(KernelFlashWrite, TellsOfAnInterruptedUpdateThatHasChangedNothing) {
               ElementsAre("0000:03:00: " + list.problems[0].text + "; update it again"));
 }
 
+TEST_F(KernelFlashWrite, DoesNotTakeWhatRunsForWhatAnErasedFlashHolds) {
+  dieWriting("", "");
+  const AdapterList list = m_backend.list();
+  ASSERT_EQ(list.problems.size(), 1U);
+  EXPECT_EQ(list.problems[0].text,
+            "an update was interrupted; the flash holds neither what it held before nor what the "
+            "file has (fw.undi (none), fw.mgmt (none))");
+}
+
 TEST_F(KernelFlashWrite, SaysNothingOfAnInterruptedUpdateWhileItGoesOn) {
   dieWriting("1.0.0", "7.1.0");
   m_drivers.answers[kKernelFunction].isAway = true;
@@ -339,6 +386,29 @@ TEST_F(KernelFlashWrite, IsNotTakenForInterruptedWhereItBeginsDuringAList) {
   };
   EXPECT_THAT(m_backend.list().problems, IsEmpty());
   EXPECT_TRUE(hasEntry());
+}
+
+TEST_F(KernelFlashWrite, IsNotTakenForInterruptedWhereItEndsDuringAList) {
+  dieWriting("", "7.1.0");
+  m_files.beforeStep = [this](const std::string& name, const std::filesystem::path&) {
+    if (name == "lock") {
+      std::filesystem::remove(m_places.journal / "0000-03-00.json");
+    }
+  };
+  EXPECT_THAT(m_backend.list().problems, IsEmpty());
+}
+
+TEST_F(KernelFlashWrite, IsNotTakenForInterruptedWhereItsWriterIsNotSeen) {
+  dieWriting("", "7.1.0");
+  const ma::FlashJournal journal(ma::nativeFileSystem(), m_places.journal, m_clock);
+  std::optional<ma::FlashJournal::Claim> writer;
+  m_files.beforeStep = [&](const std::string& name, const std::filesystem::path&) {
+    if (name == "lock" && !writer) {
+      writer.emplace(journal.claim(kKernelAdapter));
+    }
+  };
+  EXPECT_THAT(m_backend.list().problems, IsEmpty());
+  EXPECT_EQ(staged().size(), 1U);
 }
 
 TEST_F(KernelFlashWrite, KeepsAnEntryThatWasMadeAfterTheLookAtIt) {

@@ -153,6 +153,8 @@ TEST_F(KernelListing, NamesWhatTheFlashDoesNotHoldAsAWhole) {
   EXPECT_THAT(describe().notes,
               ElementsAre("its driver tells no stored version of fw.undi: an update of it has not "
                           "been finished; update it again"));
+  EXPECT_THAT(versionsOf(m_adapter, 0), ElementsAre(FirmwareVersions{"fw.undi", "", "", true},
+                                                    FirmwareVersions{"fw.mgmt", "", "7.1.0"}));
 }
 
 TEST_F(KernelListing, KnowsTheOptionRomOfAnAdapterWithoutOne) {
