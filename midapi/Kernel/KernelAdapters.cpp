@@ -163,13 +163,18 @@ std::vector<KernelAdapter> KernelAdapters::tell(Look& look) {
   std::vector<KernelAdapter> adapters;
   const platform::Lock lock(m_mutex);
   for (Look::Adapter& seen : look.adapters) {
-    KernelAdapter adapter{seen.address, {}, !seen.mayBeAsked};
+    KernelAdapter adapter{seen.address, {}, !seen.mayBeAsked, {}};
     const Known nothing;
     std::vector<const Known*> known;
     for (Subject& subject : seen.functions) {
       const Known* const found = recognise(subject, look.number);
       known.push_back(found != nullptr ? found : &nothing);
       adapter.isBeingWritten = adapter.isBeingWritten || known.back()->isAway;
+    }
+    const bool isAnyUnknown =
+        std::ranges::any_of(known, [](const Known* one) { return !one->hasAnswered; });
+    if (adapter.isBeingWritten && isAnyUnknown) {
+      adapter.noted = std::move(seen.entry);
     }
     for (std::size_t i = 0; i < known.size(); ++i) {
       Subject& subject = seen.functions[i];
@@ -178,10 +183,6 @@ std::vector<KernelAdapter> KernelAdapters::tell(Look& look) {
       const int whyUnread = subject.error != 0 ? subject.error : EBUSY;
       noteUnread(function.answer.vpd, function.pci.hasVpd && !known[i]->hasVpd, whyUnread);
       noteUnread(function.answer.rom, function.pci.hasRom && !known[i]->hasRom, whyUnread);
-      if (adapter.isBeingWritten && seen.entry && !known[i]->hasAnswered) {
-        function.answer.devlink =
-            DevlinkInfo{function.pci.driver, "", "", {}, seen.entry->running, seen.entry->before};
-      }
       adapter.functions.push_back(std::move(function));
     }
     adapters.push_back(std::move(adapter));

@@ -4,7 +4,7 @@
 // is a second old at the most; option ROMs and VPD are read once for as long as a function is
 // plugged in. An adapter whose flash is being written is not asked, nor is one that has not
 // answered before it does: of those, what was last known is told, at once; who was never answered
-// is told what the writer has noted in the journal. Any thread may call; none waits for a driver
+// is told, apart from that, what the writer has noted in the journal. Any thread may call; none waits for a driver
 // that another one has asked.
 
 #ifndef ORVEX_MIDAPI_KERNEL_KERNELADAPTERS_H_
@@ -39,6 +39,9 @@ struct KernelAdapter {
   std::vector<KernelFunction> functions;  // by number; one at the least
   // Somebody writes its flash, or its driver does not answer: the answers are the last ones.
   bool isBeingWritten = false;
+  // What the writer has noted, where a driver has never answered so far. It says nothing of what a
+  // driver can do.
+  std::optional<FlashEntry> noted = std::nullopt;
 };
 
 class KernelAdapters {
