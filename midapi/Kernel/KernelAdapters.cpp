@@ -178,7 +178,8 @@ std::vector<KernelAdapter> KernelAdapters::tell(Look& look) {
     }
     for (std::size_t i = 0; i < known.size(); ++i) {
       Subject& subject = seen.functions[i];
-      KernelFunction function{std::move(subject.question.function), known[i]->answer};
+      KernelFunction function{std::move(subject.question.function), known[i]->answer,
+                              known[i]->hasAnswered};
       function.answer.error = subject.error;
       const int whyUnread = subject.error != 0 ? subject.error : EBUSY;
       noteUnread(function.answer.vpd, function.pci.hasVpd && !known[i]->hasVpd, whyUnread);

@@ -32,6 +32,7 @@ struct KernelFunction {
   // The last one there is; its error is why the driver could not be asked just now. A file that was
   // not read so far has that error, too, or EBUSY.
   DriverAnswer answer;
+  bool hasAnswered = false;  // ever: what `answer` lacks, its driver does not have
 };
 
 struct KernelAdapter {

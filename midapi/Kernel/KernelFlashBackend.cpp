@@ -87,6 +87,13 @@ const KernelFunction* findFunction(const KernelAdapter& adapter, const PortId& i
   return found != adapter.functions.end() ? &*found : nullptr;
 }
 
+KernelAdapter needed(std::optional<KernelAdapter> adapter, const AdapterAddress& address) {
+  if (!adapter) {
+    failAsUnknown(toString(address));
+  }
+  return std::move(*adapter);
+}
+
 bool hasAnswered(const std::optional<KernelAdapter>& adapter, const PortId& id) {
   const KernelFunction* const function =
       adapter && !adapter->isBeingWritten ? findFunction(*adapter, id) : nullptr;
@@ -267,7 +274,7 @@ void KernelFlashBackend::setBootType(const PortId& port, BootType /*bootType*/) 
 
 void KernelFlashBackend::writeFlash(const PortId& port, ConstBytes image, WriteProgress& progress) {
   const FlashJournal::Claim claim = m_journal.claim(port.adapter);
-  const Subject subject = subjectOf(port);
+  const Subject subject = subjectOf(port, m_adapters.findForWriter(port.adapter));
   if (!subject.whyNotUpdatable.empty()) {
     throw FlashFault(FlashError::NotUpdatable, subject.whyNotUpdatable);
   }
@@ -333,16 +340,17 @@ Activation KernelFlashBackend::activate(const AdapterAddress& adapter) {
 }
 
 KernelAdapter KernelFlashBackend::need(const AdapterAddress& address) {
-  auto adapter = m_adapters.find(address);
-  if (!adapter) {
-    failAsUnknown(toString(address));
-  }
-  return std::move(*adapter);
+  return needed(m_adapters.find(address), address);
 }
 
 KernelFlashBackend::Subject KernelFlashBackend::subjectOf(const PortId& port) {
+  return subjectOf(port, m_adapters.find(port.adapter));
+}
+
+KernelFlashBackend::Subject KernelFlashBackend::subjectOf(
+    const PortId& port, std::optional<KernelAdapter> adapter) const {
   const utils::FlashSettings settings = m_settings();
-  Subject subject{need(port.adapter), port.function, {}, {}, {}, false};
+  Subject subject{needed(std::move(adapter), port.adapter), port.function, {}, {}, {}, false};
   if (findFunction(subject.adapter, port) == nullptr) {
     failAsUnknown(toString(port));
   }

@@ -17,6 +17,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -74,6 +75,7 @@ class KernelFlashBackend final : public FlashBackend {
   // Throw FlashFault for what there is none of.
   [[nodiscard]] KernelAdapter need(const AdapterAddress& address);
   [[nodiscard]] Subject subjectOf(const PortId& port);
+  [[nodiscard]] Subject subjectOf(const PortId& port, std::optional<KernelAdapter> adapter) const;
 
   // Returns why this process can write no firmware at all; empty where it can.
   [[nodiscard]] std::string whyNobody() const;
