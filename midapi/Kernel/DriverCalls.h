@@ -48,11 +48,15 @@ struct FileAnswer {
 struct DriverAnswer {
   // 0, or an errno value: why the driver could not be asked at all; all else is empty then.
   int error = 0;
-  // The driver has not answered in time, and goes on; all else is empty then.
+  // The driver has not answered by devlink in time, and goes on; all else is empty then. Its flash
+  // may be being written.
   bool isAway = false;
+  // It has, and not all of the rest has come in time. A file that has not has the error EBUSY.
+  bool isPartial = false;
   // Nothing: the driver has no devlink. Empty: it has, and does not say.
   std::optional<DevlinkInfo> devlink;
-  std::optional<DriverInfo> info;  // nothing: no interface, or it does not say
+  // Asked for where devlink tells no version. Nothing: no interface, or it does not say.
+  std::optional<DriverInfo> info;
   FileAnswer vpd;
   FileAnswer rom;
 };

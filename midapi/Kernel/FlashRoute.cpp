@@ -45,7 +45,8 @@ FlashRoute routeThrough(const KernelAdapter& adapter, const KernelFunction& func
   // One that is known to have devlink alone, and does not answer now, is writing the flash by it.
   if (driver.hasDevlink && (hasDevlink || (isOpen && !driver.hasEthtool))) {
     route.way = FlashWay::Devlink;
-  } else if (driver.hasEthtool && !(isOpen && driver.hasDevlink) && !function.pci.interfaces.empty()) {
+  } else if (driver.hasEthtool && !(isOpen && driver.hasDevlink) &&
+             !function.pci.interfaces.empty()) {
     route.way = FlashWay::Ethtool;
     route.interface = function.pci.interfaces.front().name;
   } else {

@@ -217,6 +217,7 @@ std::vector<std::string> KernelFlashBackend::interruptedWrites() {
 }
 
 bool KernelFlashBackend::isUpdatable(const PortId& port) {
+  m_adapters.awaitAnswer(port.adapter);
   return subjectOf(port).whyNotUpdatable.empty();
 }
 
@@ -232,6 +233,7 @@ std::vector<FirmwareVersions> KernelFlashBackend::firmwareVersions(const PortId&
 Preparation KernelFlashBackend::prepare(const PortId& port, ConstBytes file,
                                         std::span<std::uint8_t> buffer,
                                         const std::vector<utils::FirmwareType>& types) {
+  m_adapters.awaitAnswer(port.adapter);
   const Subject subject = subjectOf(port);
   return prepareFirmware(subject.target(), file, buffer, types);
 }

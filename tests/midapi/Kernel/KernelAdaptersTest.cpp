@@ -243,6 +243,64 @@ TEST_F(KernelAdaptersTest, TellsWhatWasLastKnownOfADriverThatDoesNotAnswer) {
   EXPECT_EQ(tell(), "2.0");
 }
 
+TEST_F(KernelAdaptersTest, TakesNoAdapterForBeingWrittenWhereItsFilesAreLate) {
+  addVpdAndRom(kPort);
+  ma::DriverAnswer& answer = m_drivers.answers[kPort];
+  answer.isPartial = true;
+  answer.rom = {EBUSY, {}};
+  auto adapter = m_adapters.find(kAdapter);
+  ASSERT_TRUE(adapter);
+  EXPECT_EQ(told(*adapter), "1.0");
+  EXPECT_THAT(adapter->functions[0].answer.vpd.bytes, ElementsAre(0x82));
+  EXPECT_EQ(adapter->functions[0].answer.rom.error, EBUSY);
+  pass(milliseconds(1000));
+  EXPECT_EQ(tell(), "1.0");
+  EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0 vpd rom", "0000:03:00.0 rom"));
+}
+
+TEST_F(KernelAdaptersTest, KeepsWhatADriverHasSaidWhereItIsLate) {
+  m_drivers.answers[kPort].devlink.reset();
+  m_drivers.answers[kPort].info = ma::DriverInfo{"igb", "6.1", "1.2"};
+  EXPECT_EQ(tell(), "?");
+  m_drivers.answers[kPort].info.reset();
+  m_drivers.answers[kPort].isPartial = true;
+  pass(milliseconds(1000));
+  const auto adapter = m_adapters.find(kAdapter);
+  ASSERT_TRUE(adapter && adapter->functions[0].answer.info);
+  EXPECT_EQ(adapter->functions[0].answer.info->firmwareVersion, "1.2");
+}
+
+TEST_F(KernelAdaptersTest, WaitsForADriverThatDoesNotAnswer) {
+  m_adapters.awaitAnswer(kAdapter);
+  EXPECT_EQ(m_clock.slept(), milliseconds(0));
+  pass(milliseconds(1000));
+  m_drivers.answers[kPort] = away();
+  m_clock.afterEachSleep([this](int sleeps) {
+    if (sleeps == 4) {
+      m_drivers.answers[kPort] = stored("2.0");
+    }
+  });
+  m_adapters.awaitAnswer(kAdapter);
+  EXPECT_EQ(m_clock.slept(), milliseconds(1000 + 1000));
+  EXPECT_EQ(tell(), "2.0");
+}
+
+TEST_F(KernelAdaptersTest, DoesNotWaitForLong) {
+  m_drivers.answers[kPort] = away();
+  m_adapters.awaitAnswer(kAdapter);
+  EXPECT_EQ(m_clock.slept(), KernelAdapters::kLongestWait);
+  m_adapters.awaitAnswer({0, 9, 0});
+  EXPECT_EQ(m_clock.slept(), KernelAdapters::kLongestWait);
+}
+
+TEST_F(KernelAdaptersTest, DoesNotWaitForTheWriter) {
+  const auto claim = m_journal.claim(kAdapter);
+  claim.enter(kEntry);
+  m_drivers.answers[kPort] = away();
+  m_adapters.awaitAnswer(kAdapter);
+  EXPECT_EQ(m_clock.slept(), milliseconds(0));
+}
+
 TEST_F(KernelAdaptersTest, ReadsVpdAndRomOfADriverThatAnswersAgain) {
   m_drivers.answers[kPort] = away();
   addVpdAndRom(kPort);
