@@ -49,12 +49,16 @@ struct DriverAnswer {
   // 0, or an errno value: why the driver has not said what it says at other times. All else is
   // empty then, but where it has devlink (see there).
   int error = 0;
-  // The driver has not answered in time, and goes on; all else is empty then.
+  // The driver has not answered by devlink in time, and goes on; all else is empty then. Its flash
+  // may be being written.
   bool isAway = false;
+  // It has, and not all of the rest has come in time. A file that has not has the error EBUSY.
+  bool isPartial = false;
   // Nothing: the driver has no devlink, or it is not known. Empty: it has, and does not say; with
   // an error, it did not just now.
   std::optional<DevlinkInfo> devlink;
-  std::optional<DriverInfo> info;  // nothing: no interface, or it does not say
+  // Asked for where devlink tells no version. Nothing: no interface, or it does not say.
+  std::optional<DriverInfo> info;
   FileAnswer vpd;
   FileAnswer rom;
 };

@@ -108,58 +108,79 @@ std::vector<DriverAnswer> DriverInquiry::ask(std::span<const DriverQuestion> que
 }
 
 DriverAnswer DriverInquiry::askFor(const DriverQuestion& question, Round& round) {
-  const PortId& function = question.function.id;
-  FunctionInquiry inquiry(question, m_settings.of, round.devlink);
-  if (auto away = takeAway(function)) {
-    const State state = away->child.await(kNone);
-    if (state == State::Waiting) {
-      putAway(function, std::move(*away));
-      return answerOfAway();
+  try {
+    auto devlink = FunctionInquiry::ofDevlink(question, m_settings.of, round.devlink);
+    const State state = pursue(devlink, Part::Devlink, question, round);
+    if (devlink.devlink().isDone) {
+      round.devlink = devlink.devlink();
     }
-    if (state == State::Replied && isRecent(away->child) && away->inquiry.answers(question)) {
+    if (state != State::Replied) {
+      return state == State::Waiting ? answerOfAway() : failed(ECANCELED);
+    }
+    auto rest = FunctionInquiry::ofRest(question, m_settings.of, devlink.answer().devlink);
+    const State restState = pursue(rest, Part::Rest, question, round);
+    if (restState == State::Ended) {
+      return failed(ECANCELED);
+    }
+    DriverAnswer answer = rest.answer();
+    answer.error = devlink.answer().error;
+    answer.devlink = devlink.answer().devlink;
+    answer.isPartial = restState == State::Waiting;
+    return answer;
+  } catch (const std::system_error& fault) {
+    return failed(fault.code().value());
+  }
+}
+
+State DriverInquiry::pursue(FunctionInquiry& inquiry, Part part, const DriverQuestion& question,
+                            Round& round) {
+  const Key key{question.function.id, part};
+  if (auto away = takeAway(key)) {
+    const State state = away->child.await(kNone);
+    const bool isMeant = away->inquiry.answers(question);
+    if (state == State::Waiting) {
+      const bool isWanted = inquiry.next().has_value();
+      if (isWanted && isMeant) {
+        inquiry = away->inquiry;
+      }
+      putAway(key, std::move(*away));
+      return isWanted ? State::Waiting : State::Replied;
+    }
+    if (state == State::Replied && isRecent(away->child) && isMeant) {
       away->inquiry.take(away->child.reply());
       inquiry = std::move(away->inquiry);
     }
   }
-  try {
-    AskingChild child = round.child ? std::move(*round.child) : AskingChild(m_settings.forks);
-    round.child.reset();
-    const State state = run(inquiry, child, round.patience);
-    if (inquiry.devlink().isDone) {
-      round.devlink = inquiry.devlink();
-    }
-    switch (state) {
-      case State::Replied:
-        round.patience = m_settings.patience;
-        round.child.emplace(std::move(child));
-        return inquiry.answer();
-      case State::Waiting:
-        child.dismiss();
-        putAway(function, {std::move(inquiry), std::move(child)});
-        round.patience = std::max(round.patience / 2, kLeastPatience);
-        return answerOfAway();
-      case State::Ended:
-        break;
-    }
-    return failed(ECANCELED);
-  } catch (const std::system_error& fault) {
-    return failed(fault.code().value());
+  if (!inquiry.next()) {
+    return State::Replied;
   }
+  AskingChild child = round.child ? std::move(*round.child) : AskingChild(m_settings.forks);
+  round.child.reset();
+  const State state = run(inquiry, child, round.patience);
+  if (state == State::Replied) {
+    round.patience = m_settings.patience;
+    round.child.emplace(std::move(child));
+  } else if (state == State::Waiting) {
+    child.dismiss();
+    putAway(key, {inquiry, std::move(child)});
+    round.patience = std::max(round.patience / 2, kLeastPatience);
+  }
+  return state;
 }
 
 bool DriverInquiry::isRecent(const AskingChild& child) const {
   return steady_clock::now() - child.reply().time <= m_settings.lateFor;
 }
 
-std::optional<DriverInquiry::Away> DriverInquiry::takeAway(const PortId& function) {
+std::optional<DriverInquiry::Away> DriverInquiry::takeAway(const Key& key) {
   const platform::Lock lock(m_mutex);
-  auto node = m_away.extract(function);
+  auto node = m_away.extract(key);
   return node.empty() ? std::nullopt : std::optional(std::move(node.mapped()));
 }
 
-void DriverInquiry::putAway(const PortId& function, Away away) {
+void DriverInquiry::putAway(const Key& key, Away away) {
   const platform::Lock lock(m_mutex);
-  m_away.insert_or_assign(function, std::move(away));
+  m_away.insert_or_assign(key, std::move(away));
 }
 
 // Lets children go whose answers are not wanted any more: of functions that were unplugged.
@@ -167,7 +188,7 @@ void DriverInquiry::buryOthers() {
   const platform::Lock lock(m_mutex);
   for (auto entry = m_away.begin(); entry != m_away.end();) {
     AskingChild& child = entry->second.child;
-    const State state = m_asked.contains(entry->first) ? State::Waiting : child.await(kNone);
+    const State state = m_asked.contains(entry->first.first) ? State::Waiting : child.await(kNone);
     const bool isOver = state == State::Ended || (state == State::Replied && !isRecent(child));
     entry = isOver ? m_away.erase(entry) : std::next(entry);
   }

@@ -1,10 +1,11 @@
 // Asks the drivers of many functions, and waits for none of them.
 //
 // One child process asks for all, one function after the other. Where an answer does not come in
-// time the child is left behind with that function, which is "away" until the child has been
-// answered or has ended, and another one goes on with the next: there is one child for each
-// driver that is stuck, and never a second one. Any thread may ask; two that ask for the same
-// functions do so one after the other.
+// time the child is left behind with that function until it has been answered or has ended, and
+// another one goes on with the next. What a driver says by devlink is asked for apart from the
+// rest, which may be stuck where that is not: there is one child for each part that is stuck, and
+// never a second one. Any thread may ask; two that ask for the same functions do so one after the
+// other.
 
 #ifndef ORVEX_MIDAPI_KERNEL_DRIVERINQUIRY_H_
 #define ORVEX_MIDAPI_KERNEL_DRIVERINQUIRY_H_
@@ -15,6 +16,7 @@
 #include <optional>
 #include <set>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "midapi/AdapterId.h"
@@ -44,6 +46,8 @@ class DriverInquiry {
   [[nodiscard]] std::vector<DriverAnswer> ask(std::span<const DriverQuestion> questions);
 
  private:
+  enum class Part { Devlink, Rest };
+  using Key = std::pair<PortId, Part>;
   struct Away {
     FunctionInquiry inquiry;
     AskingChild child;
@@ -52,16 +56,19 @@ class DriverInquiry {
   class Turn;
 
   [[nodiscard]] DriverAnswer askFor(const DriverQuestion& question, Round& round);
+  // Finds out what one inquiry is about; what it knows by then counts where that is Waiting, too.
+  [[nodiscard]] AskingChild::State pursue(FunctionInquiry& inquiry, Part part,
+                                          const DriverQuestion& question, Round& round);
   [[nodiscard]] bool isRecent(const AskingChild& child) const;
-  [[nodiscard]] std::optional<Away> takeAway(const PortId& function);
-  void putAway(const PortId& function, Away away);
+  [[nodiscard]] std::optional<Away> takeAway(const Key& key);
+  void putAway(const Key& key, Away away);
   void buryOthers();
 
   const InquirySettings m_settings;
   platform::Mutex m_mutex;
   std::condition_variable_any m_isFree;
   std::set<PortId> m_asked ORVEX_GUARDED_BY(m_mutex);  // by some thread, now
-  std::map<PortId, Away> m_away ORVEX_GUARDED_BY(m_mutex);
+  std::map<Key, Away> m_away ORVEX_GUARDED_BY(m_mutex);
   DevlinkLookup m_devlink ORVEX_GUARDED_BY(m_mutex);
 };
 

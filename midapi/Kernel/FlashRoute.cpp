@@ -5,13 +5,18 @@
 namespace ma {
 namespace {
 
+// Returns whether the driver may have devlink, and has had no time to say so.
+bool isUnknown(const KernelAdapter& adapter, const KernelFunction& function) {
+  return adapter.isBeingWritten && !function.hasAnswered && !function.answer.devlink;
+}
+
 std::string whyNone(const KernelAdapter& adapter, const KernelFunction& function,
                     const KernelDriver& driver) {
   const std::string& name = function.pci.driver;
   if (name.empty()) {
     return "no driver is bound to it";
   }
-  if (adapter.isBeingWritten && !function.answer.devlink) {
+  if (isUnknown(adapter, function)) {
     return "its driver " + name + " has not answered yet; it may be writing the flash";
   }
   if (driver.name.empty()) {
@@ -36,10 +41,12 @@ FlashRoute routeThrough(const KernelAdapter& adapter, const KernelFunction& func
   const bool hasDevlink = function.answer.devlink.has_value();
   const KernelDriver& driver = driverOf(function.pci.driver, hasDevlink);
   FlashRoute route{&function, &driver, FlashWay::None, {}, {}};
-  // One that is known to have devlink and does not answer now is writing the flash.
-  if (driver.hasDevlink && (hasDevlink || adapter.isBeingWritten)) {
+  const bool isOpen = isUnknown(adapter, function);
+  // One that is known to have devlink alone, and does not answer now, is writing the flash by it.
+  if (driver.hasDevlink && (hasDevlink || (isOpen && !driver.hasEthtool))) {
     route.way = FlashWay::Devlink;
-  } else if (driver.hasEthtool && !function.pci.interfaces.empty()) {
+  } else if (driver.hasEthtool && !(isOpen && driver.hasDevlink) &&
+             !function.pci.interfaces.empty()) {
     route.way = FlashWay::Ethtool;
     route.interface = function.pci.interfaces.front().name;
   } else {

@@ -67,24 +67,38 @@ FileAnswer readFile(const ErrandReply& reply) {
 
 }  // namespace
 
-FunctionInquiry::FunctionInquiry(DriverQuestion question, Of of, const DevlinkLookup& devlink)
-    : m_question(std::move(question)), m_of(of), m_devlink(devlink) {
-  const bool hasDriver = m_of == Of::DriverAndFiles;
-  if (m_question.wantsRom) {
-    m_steps.push_back(Step::Rom);
+FunctionInquiry FunctionInquiry::ofDevlink(DriverQuestion question, Of of,
+                                           const DevlinkLookup& devlink) {
+  FunctionInquiry inquiry(std::move(question), of);
+  inquiry.m_devlink = devlink;
+  const bool hasDriver = of == Of::DriverAndFiles;
+  if (hasDriver && (!devlink.isDone || devlink.family.id != 0)) {
+    inquiry.m_steps.push_back(Step::Devlink);
   }
-  if (m_question.wantsVpd) {
-    m_steps.push_back(Step::Vpd);
+  if (hasDriver && !devlink.isDone) {
+    inquiry.m_steps.push_back(Step::Family);
   }
-  if (hasDriver && !m_question.function.interfaces.empty()) {
-    m_steps.push_back(Step::Driver);
+  return inquiry;
+}
+
+FunctionInquiry FunctionInquiry::ofRest(DriverQuestion question, Of of,
+                                        const std::optional<DevlinkInfo>& told) {
+  FunctionInquiry inquiry(std::move(question), of);
+  const DriverQuestion& wanted = inquiry.m_question;
+  const bool hasVersions = told && !(told->running.empty() && told->stored.empty());
+  // The last one, because it may wait for adapters that are none of its driver's business.
+  if (of == Of::DriverAndFiles && !wanted.function.interfaces.empty() && !hasVersions) {
+    inquiry.m_steps.push_back(Step::Driver);
   }
-  if (hasDriver && (!m_devlink.isDone || m_devlink.family.id != 0)) {
-    m_steps.push_back(Step::Devlink);
+  if (wanted.wantsRom) {
+    inquiry.m_steps.push_back(Step::Rom);
+    inquiry.m_answer.rom.error = EBUSY;
   }
-  if (hasDriver && !m_devlink.isDone) {
-    m_steps.push_back(Step::Family);
+  if (wanted.wantsVpd) {
+    inquiry.m_steps.push_back(Step::Vpd);
+    inquiry.m_answer.vpd.error = EBUSY;
   }
+  return inquiry;
 }
 
 bool FunctionInquiry::answers(const DriverQuestion& question) const {

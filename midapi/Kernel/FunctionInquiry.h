@@ -1,4 +1,8 @@
-// All that is asked of one function, errand by errand, and what the replies say.
+// What is asked of one function, errand by errand, and what the replies say.
+//
+// It is asked for in two parts, because other things hold them up: devlink waits while that very
+// adapter is flashed; ETHTOOL_GDRVINFO waits for the kernel's lock of the network configuration,
+// which some drivers keep while any of their adapters is flashed.
 //
 // Pure: somebody else runs the errands. Replies are data from outside: what is malformed is not
 // known. Plain values; throws nothing but std::bad_alloc.
@@ -9,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "midapi/Kernel/AskingChild.h"
@@ -33,7 +38,12 @@ class FunctionInquiry {
   // FilesAlone is for a folder that imitates the machine: there is no driver behind it.
   enum class Of { DriverAndFiles, FilesAlone };
 
-  FunctionInquiry(DriverQuestion question, Of of, const DevlinkLookup& devlink);
+  // What the driver says by devlink.
+  [[nodiscard]] static FunctionInquiry ofDevlink(DriverQuestion question, Of of,
+                                                 const DevlinkLookup& devlink);
+  // The files, and what the driver says of itself where it has told no version by devlink.
+  [[nodiscard]] static FunctionInquiry ofRest(DriverQuestion question, Of of,
+                                              const std::optional<DevlinkInfo>& told);
 
   // Returns whether what this one asks for answers the question, too.
   [[nodiscard]] bool answers(const DriverQuestion& question) const;
@@ -42,6 +52,7 @@ class FunctionInquiry {
   [[nodiscard]] std::optional<ErrandOrder> next() const;
   void take(const ErrandReply& reply);
 
+  // So far: files that have not been read are EBUSY.
   [[nodiscard]] const DriverAnswer& answer() const { return m_answer; }
   // What was found, or handed in.
   [[nodiscard]] const DevlinkLookup& devlink() const { return m_devlink; }
@@ -49,6 +60,7 @@ class FunctionInquiry {
  private:
   enum class Step { Family, Devlink, Driver, Vpd, Rom };
 
+  FunctionInquiry(DriverQuestion question, Of of) : m_question(std::move(question)), m_of(of) {}
   [[nodiscard]] ErrandOrder orderOf(Step step) const;
 
   DriverQuestion m_question;

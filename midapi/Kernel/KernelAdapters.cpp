@@ -10,11 +10,18 @@
 namespace ma {
 namespace {
 
+constexpr std::chrono::milliseconds kBetweenLooks{250};
+
 // Tells a file that was not read so far from one that is empty.
 void noteUnread(FileAnswer& file, bool isWanted, int why) {
   if (isWanted && file.bytes.empty()) {
     file.error = why;
   }
+}
+
+// Returns whether a file was asked for and has not come in time.
+bool isLate(const DriverAnswer& answer, const FileAnswer& file) {
+  return answer.isPartial && file.error == EBUSY;
 }
 
 }  // namespace
@@ -75,6 +82,17 @@ std::optional<KernelAdapter> KernelAdapters::findFor(const AdapterAddress& addre
   return adapters.empty() ? std::nullopt : std::optional(std::move(adapters.front()));
 }
 
+void KernelAdapters::awaitAnswer(const AdapterAddress& address) {
+  const auto isSilent = [this, &address] {
+    const auto adapter = find(address);
+    return adapter && adapter->isBeingWritten && !hasWriter(address, entryOf(address));
+  };
+  const auto end = m_clock.now() + kLongestWait;
+  while (isSilent() && m_clock.now() < end) {
+    m_clock.sleepFor(kBetweenLooks);
+  }
+}
+
 void KernelAdapters::forget(const AdapterAddress& address) {
   const platform::Lock lock(m_mutex);
   for (auto& [id, known] : m_known) {
@@ -103,8 +121,7 @@ KernelAdapters::Look KernelAdapters::begin(const AdapterAddress* wanted, Asker a
     }
     if (look.adapters.empty() || look.adapters.back().address != address) {
       auto entry = entryOf(address);
-      const bool isBeingWritten =
-          asker == Asker::Reader && entry.has_value() && m_journal.isClaimed(address);
+      const bool isBeingWritten = asker == Asker::Reader && hasWriter(address, entry);
       look.adapters.push_back({address, {}, std::move(entry), !isBeingWritten});
     }
     const Plug plug{folder.st_dev, folder.st_ino, function.ids};
@@ -163,7 +180,7 @@ std::vector<KernelAdapter> KernelAdapters::tell(Look& look) {
   std::vector<KernelAdapter> adapters;
   const platform::Lock lock(m_mutex);
   for (Look::Adapter& seen : look.adapters) {
-    KernelAdapter adapter{seen.address, {}, !seen.mayBeAsked};
+    KernelAdapter adapter{seen.address, {}, !seen.mayBeAsked, {}};
     const Known nothing;
     std::vector<const Known*> known;
     for (Subject& subject : seen.functions) {
@@ -171,17 +188,19 @@ std::vector<KernelAdapter> KernelAdapters::tell(Look& look) {
       known.push_back(found != nullptr ? found : &nothing);
       adapter.isBeingWritten = adapter.isBeingWritten || known.back()->isAway;
     }
+    const bool isAnyUnknown =
+        std::ranges::any_of(known, [](const Known* one) { return !one->hasAnswered; });
+    if (adapter.isBeingWritten && isAnyUnknown) {
+      adapter.noted = std::move(seen.entry);
+    }
     for (std::size_t i = 0; i < known.size(); ++i) {
       Subject& subject = seen.functions[i];
-      KernelFunction function{std::move(subject.question.function), known[i]->answer};
+      KernelFunction function{std::move(subject.question.function), known[i]->answer,
+                              known[i]->hasAnswered};
       function.answer.error = subject.error;
       const int whyUnread = subject.error != 0 ? subject.error : EBUSY;
       noteUnread(function.answer.vpd, function.pci.hasVpd && !known[i]->hasVpd, whyUnread);
       noteUnread(function.answer.rom, function.pci.hasRom && !known[i]->hasRom, whyUnread);
-      if (adapter.isBeingWritten && seen.entry && !known[i]->hasAnswered) {
-        function.answer.devlink =
-            DevlinkInfo{function.pci.driver, "", "", {}, seen.entry->running, seen.entry->before};
-      }
       adapter.functions.push_back(std::move(function));
     }
     adapters.push_back(std::move(adapter));
@@ -195,6 +214,11 @@ std::optional<FlashEntry> KernelAdapters::entryOf(const AdapterAddress& adapter)
   } catch (const FlashFault&) {
     return std::nullopt;  // who writes the adapter, or wants to, is told of it
   }
+}
+
+bool KernelAdapters::hasWriter(const AdapterAddress& adapter,
+                               const std::optional<FlashEntry>& entry) const {
+  return entry.has_value() && m_journal.isClaimed(adapter);
 }
 
 KernelAdapters::Known* KernelAdapters::recognise(const Subject& subject, std::uint64_t look) {
@@ -218,11 +242,13 @@ void KernelAdapters::note(const Subject& subject, DriverAnswer answer, std::uint
     return;
   }
   const bool isUnchanged = subject.changes == known->changes;
-  if (!answer.isAway && subject.question.wantsVpd && !known->hasVpd) {
+  if (!answer.isAway && subject.question.wantsVpd && !known->hasVpd &&
+      !isLate(answer, answer.vpd)) {
     known->answer.vpd = std::move(answer.vpd);
     known->hasVpd = isUnchanged;
   }
-  if (!answer.isAway && subject.question.wantsRom && !known->hasRom) {
+  if (!answer.isAway && subject.question.wantsRom && !known->hasRom &&
+      !isLate(answer, answer.rom)) {
     known->answer.rom = std::move(answer.rom);
     known->hasRom = isUnchanged;
   }
@@ -238,7 +264,9 @@ void KernelAdapters::note(const Subject& subject, DriverAnswer answer, std::uint
     known->fresh = {};
   } else if (!answer.isAway) {
     known->answer.devlink = std::move(answer.devlink);
-    known->answer.info = std::move(answer.info);
+    if (answer.info || !answer.isPartial) {
+      known->answer.info = std::move(answer.info);
+    }
     known->hasAnswered = true;
     known->driver = subject.question.function.driver;
     known->fresh = isUnchanged ? m_clock.now() + kFresh : platform::Clock::TimePoint{};

@@ -4,8 +4,8 @@
 // is a second old at the most; option ROMs and VPD are read once for as long as a function is
 // plugged in. An adapter whose flash is being written is not asked, nor is one that has not
 // answered before it does: of those, what was last known is told, at once; who was never answered
-// is told what the writer has noted in the journal. Any thread may call; none waits for a driver
-// that another one has asked.
+// is told, apart from that, what the writer has noted in the journal. Any thread may call; none
+// waits for a driver that another one has asked.
 
 #ifndef ORVEX_MIDAPI_KERNEL_KERNELADAPTERS_H_
 #define ORVEX_MIDAPI_KERNEL_KERNELADAPTERS_H_
@@ -32,18 +32,24 @@ struct KernelFunction {
   // The last one there is; its error is why the driver could not be asked just now. A file that was
   // not read so far has that error, too, or EBUSY.
   DriverAnswer answer;
+  bool hasAnswered = false;  // ever: what `answer` lacks, its driver does not have
 };
 
 struct KernelAdapter {
   AdapterAddress address;
   std::vector<KernelFunction> functions;  // by number; one at the least
-  // Somebody writes its flash, or its driver does not answer: the answers are the last ones.
+  // Somebody writes its flash, or its driver does not answer by devlink: the answers are the last
+  // ones.
   bool isBeingWritten = false;
+  // What the writer has noted, where a driver has never answered so far. It says nothing of what a
+  // driver can do.
+  std::optional<FlashEntry> noted = std::nullopt;
 };
 
 class KernelAdapters {
  public:
   static constexpr std::chrono::seconds kFresh{1};
+  static constexpr std::chrono::seconds kLongestWait{5};
 
   // Referents outlive the object. `sysfs` is /sys, or a folder that stands for it.
   KernelAdapters(std::filesystem::path sysfs, DriverCalls& drivers, const FlashJournal& journal,
@@ -60,6 +66,10 @@ class KernelAdapters {
   // The same for the one who has the right to write the adapter: the drivers are asked now,
   // whatever the journal says. It is being written where they do not answer.
   [[nodiscard]] std::optional<KernelAdapter> findForWriter(const AdapterAddress& address);
+
+  // Waits some seconds for a driver that does not answer, unless the journal says that its adapter
+  // is being written.
+  void awaitAnswer(const AdapterAddress& address);
 
   // Something has changed: the next one who wants to know of the adapter asks its driver.
   void forget(const AdapterAddress& address);
@@ -106,6 +116,9 @@ class KernelAdapters {
   [[nodiscard]] std::optional<FlashEntry> entryOf(const AdapterAddress& adapter) const;
   // Returns what is known of the function; null where a later look has seen another one there.
   Known* recognise(const Subject& subject, std::uint64_t look) ORVEX_REQUIRES(m_mutex);
+  // Returns whether somebody writes it who has noted that.
+  [[nodiscard]] bool hasWriter(const AdapterAddress& adapter,
+                               const std::optional<FlashEntry>& entry) const;
   void note(const Subject& subject, DriverAnswer answer, std::uint64_t look)
       ORVEX_REQUIRES(m_mutex);
 

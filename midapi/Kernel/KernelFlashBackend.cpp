@@ -87,6 +87,13 @@ const KernelFunction* findFunction(const KernelAdapter& adapter, const PortId& i
   return found != adapter.functions.end() ? &*found : nullptr;
 }
 
+KernelAdapter needed(std::optional<KernelAdapter> adapter, const AdapterAddress& address) {
+  if (!adapter) {
+    failAsUnknown(toString(address));
+  }
+  return std::move(*adapter);
+}
+
 // Returns whether the function's driver has answered just now: where it could not be asked, the
 // last answer is one from before.
 bool hasAnswered(const std::optional<KernelAdapter>& adapter, const PortId& id) {
@@ -212,6 +219,7 @@ std::vector<std::string> KernelFlashBackend::interruptedWrites() {
 }
 
 bool KernelFlashBackend::isUpdatable(const PortId& port) {
+  m_adapters.awaitAnswer(port.adapter);
   return subjectOf(port).whyNotUpdatable.empty();
 }
 
@@ -227,6 +235,7 @@ std::vector<FirmwareVersions> KernelFlashBackend::firmwareVersions(const PortId&
 Preparation KernelFlashBackend::prepare(const PortId& port, ConstBytes file,
                                         std::span<std::uint8_t> buffer,
                                         const std::vector<utils::FirmwareType>& types) {
+  m_adapters.awaitAnswer(port.adapter);
   const Subject subject = subjectOf(port);
   return prepareFirmware(subject.target(), file, buffer, types);
 }
@@ -270,7 +279,7 @@ void KernelFlashBackend::setBootType(const PortId& port, BootType /*bootType*/) 
 
 void KernelFlashBackend::writeFlash(const PortId& port, ConstBytes image, WriteProgress& progress) {
   const FlashJournal::Claim claim = m_journal.claim(port.adapter);
-  const Subject subject = subjectOf(port);
+  const Subject subject = subjectOf(port, m_adapters.findForWriter(port.adapter));
   if (!subject.whyNotUpdatable.empty()) {
     throw FlashFault(FlashError::NotUpdatable, subject.whyNotUpdatable);
   }
@@ -365,16 +374,17 @@ std::optional<FlashEntry> KernelFlashBackend::readableEntry(const AdapterAddress
 }
 
 KernelAdapter KernelFlashBackend::need(const AdapterAddress& address) {
-  auto adapter = m_adapters.find(address);
-  if (!adapter) {
-    failAsUnknown(toString(address));
-  }
-  return std::move(*adapter);
+  return needed(m_adapters.find(address), address);
 }
 
 KernelFlashBackend::Subject KernelFlashBackend::subjectOf(const PortId& port) {
+  return subjectOf(port, m_adapters.find(port.adapter));
+}
+
+KernelFlashBackend::Subject KernelFlashBackend::subjectOf(
+    const PortId& port, std::optional<KernelAdapter> adapter) const {
   const utils::FlashSettings settings = m_settings();
-  Subject subject{need(port.adapter), port.function, {}, {}, {}, false};
+  Subject subject{needed(std::move(adapter), port.adapter), port.function, {}, {}, {}, false};
   if (findFunction(subject.adapter, port) == nullptr) {
     failAsUnknown(toString(port));
   }

@@ -75,6 +75,7 @@ class KernelFlashBackend final : public FlashBackend {
   // Throw FlashFault for what there is none of.
   [[nodiscard]] KernelAdapter need(const AdapterAddress& address);
   [[nodiscard]] Subject subjectOf(const PortId& port);
+  [[nodiscard]] Subject subjectOf(const PortId& port, std::optional<KernelAdapter> adapter) const;
 
   // Throws where the flash is being written, or was not written whole.
   void refuseUnfinished(const KernelAdapter& adapter, const PortId& function) const;

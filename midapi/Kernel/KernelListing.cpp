@@ -45,6 +45,13 @@ std::vector<FirmwareVersions> versionsOf(const DriverAnswer& answer) {
   return versions;
 }
 
+// Returns what the writer of the flash was told before it began.
+std::vector<FirmwareVersions> versionsOf(const FlashEntry& entry) {
+  DriverAnswer answer;
+  answer.devlink = DevlinkInfo{"", "", "", {}, entry.running, entry.before};
+  return versionsOf(answer);
+}
+
 // Returns the function, or else the first one that has something.
 template <class Has>
 const KernelFunction* findFunction(const KernelAdapter& adapter, std::uint8_t preferred, Has has) {
@@ -140,7 +147,10 @@ std::vector<FirmwareVersions> versionsOf(const KernelAdapter& adapter, std::uint
     return !versionsOf(candidate.answer).empty();
   };
   const KernelFunction* const found = findFunction(adapter, function, tells);
-  return found != nullptr ? versionsOf(found->answer) : std::vector<FirmwareVersions>();
+  if (found != nullptr) {
+    return versionsOf(found->answer);
+  }
+  return adapter.noted ? versionsOf(*adapter.noted) : std::vector<FirmwareVersions>();
 }
 
 RomBytes romOf(const KernelAdapter& adapter, std::uint8_t function) {

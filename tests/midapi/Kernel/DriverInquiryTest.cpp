@@ -83,8 +83,8 @@ class DriverInquiryTest : public testing::Test {
     return questions;
   }
   static std::string told(const DriverAnswer& answer) {
-    return answer.isAway       ? "away"
-           : answer.error != 0 ? "error " + std::to_string(answer.error)
+    return answer.isAway || answer.isPartial ? "away"
+           : answer.error != 0               ? "error " + std::to_string(answer.error)
                                : std::string(answer.vpd.bytes.begin(), answer.vpd.bytes.end());
   }
   // Returns what is answered for each function.
@@ -154,6 +154,22 @@ TEST_F(DriverInquiryTest, GoesOnWithoutTheOneThatDoesNotAnswer) {
   hold(kSecond);
   EXPECT_THAT(ask(), ElementsAre("x\n", "away", "x\n"));
   EXPECT_EQ(s_forks, 2);
+}
+
+TEST_F(DriverInquiryTest, GivesOutWhatItHasGotByThen) {
+  hold(kSecond);
+  std::filesystem::rename(vpd(kSecond), m_sysfs.folder(kSecond) / "rom");
+  m_sysfs.setAttribute(kSecond, "vpd", "x");
+  auto question = questions()[1];
+  question.wantsRom = true;
+  for (int look = 0; look < 2; ++look) {
+    const DriverAnswer answer = m_inquiry->ask({&question, 1})[0];
+    EXPECT_TRUE(answer.isPartial && !answer.isAway);
+    EXPECT_THAT(answer.vpd.bytes, ElementsAre('x', '\n'));
+    EXPECT_EQ(answer.vpd.error, 0);
+    EXPECT_EQ(answer.rom.error, EBUSY);
+  }
+  EXPECT_EQ(s_forks, 1);
 }
 
 TEST_F(DriverInquiryTest, AsksNobodyTwiceWhoDoesNotAnswer) {

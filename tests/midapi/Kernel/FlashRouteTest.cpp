@@ -73,6 +73,16 @@ TEST_F(FlashRouteTest, StaysWhileTheFlashIsWritten) {
   EXPECT_EQ(route().way, FlashWay::Devlink);
 }
 
+TEST_F(FlashRouteTest, GoesNoOtherWayWhileTheFlashIsWritten) {
+  add("bnxt_en", false).hasAnswered = true;
+  m_adapter.isBeingWritten = true;
+  EXPECT_EQ(route().way, FlashWay::Ethtool);
+  m_adapter.functions[0].hasAnswered = false;
+  EXPECT_EQ(whyNone(), "its driver bnxt_en has not answered yet; it may be writing the flash");
+  m_adapter.functions[0].pci.driver = "qede";
+  EXPECT_EQ(route().way, FlashWay::Ethtool);
+}
+
 TEST_F(FlashRouteTest, SaysWhyThereIsNone) {
   KernelFunction& function = add("", false);
   EXPECT_EQ(whyNone(), "no driver is bound to it");

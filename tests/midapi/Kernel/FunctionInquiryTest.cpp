@@ -26,7 +26,8 @@ using testing::IsEmpty;
 constexpr std::uint16_t kFamily = 21;
 constexpr std::uint32_t kSequence = 1;
 const DevlinkLookup kDevlink{true, {kFamily, 5}};
-const DevlinkLookup kNoDevlink{true, {}};
+constexpr auto kDriver = FunctionInquiry::Of::DriverAndFiles;
+constexpr auto kFiles = FunctionInquiry::Of::FilesAlone;
 
 DriverQuestion all() {
   ma::PciFunction function;
@@ -89,45 +90,61 @@ class FunctionInquiryTest : public testing::Test {
     DriverQuestion question = all();
     question.wantsVpd = question.wantsRom = false;
     question.function.interfaces.clear();
-    FunctionInquiry inquiry(question, FunctionInquiry::Of::DriverAndFiles, kDevlink);
+    auto inquiry = FunctionInquiry::ofDevlink(question, kDriver, kDevlink);
     EXPECT_THAT(run(inquiry, {reply}), ElementsAre("netlink"));
     return inquiry.answer();
   }
 };
 
-TEST_F(FunctionInquiryTest, AsksDriverAndFiles) {
-  FunctionInquiry inquiry(all(), FunctionInquiry::Of::DriverAndFiles, {});
-  EXPECT_THAT(
-      run(inquiry, {family(),
-                    refusal(ENODEV),
-                    driver("igb", "1.2\xff 3"),
-                    pieces({{1, 2}, {3}}),
-                    {EACCES, {{9}}, {}}}),
-      ElementsAre("netlink", "netlink", "driver eth0", "vpd /sys/bus/pci/devices/0000:03:00.1/vpd",
-                  "rom /sys/bus/pci/devices/0000:03:00.1/rom"));
+TEST_F(FunctionInquiryTest, AsksDevlink) {
+  auto inquiry = FunctionInquiry::ofDevlink(all(), kDriver, {});
+  EXPECT_THAT(run(inquiry, {family(), refusal(ENODEV)}), ElementsAre("netlink", "netlink"));
   EXPECT_EQ(inquiry.devlink().family.id, kFamily);
   EXPECT_FALSE(inquiry.answer().devlink);
+}
+
+TEST_F(FunctionInquiryTest, AsksFilesAndAtLastTheDriver) {
+  auto inquiry = FunctionInquiry::ofRest(all(), kDriver, {});
+  EXPECT_EQ(inquiry.answer().vpd.error, EBUSY);
+  EXPECT_EQ(inquiry.answer().rom.error, EBUSY);
+  EXPECT_THAT(
+      run(inquiry, {pieces({{1, 2}, {3}}), {EACCES, {{9}}, {}}, driver("igb", "1.2\xff 3")}),
+      ElementsAre("vpd /sys/bus/pci/devices/0000:03:00.1/vpd",
+                  "rom /sys/bus/pci/devices/0000:03:00.1/rom", "driver eth0"));
   EXPECT_EQ(inquiry.answer().info, (DriverInfo{"igb", "6.1", "1.2\\xff 3"}));
+  EXPECT_EQ(inquiry.answer().vpd.error, 0);
   EXPECT_THAT(inquiry.answer().vpd.bytes, ElementsAre(1, 2, 3));
   EXPECT_EQ(inquiry.answer().rom.error, EACCES);
   EXPECT_THAT(inquiry.answer().rom.bytes, IsEmpty());
 }
 
+TEST_F(FunctionInquiryTest, AsksNoDriverForItsVersionThatHasTold) {
+  DriverQuestion question = all();
+  question.wantsVpd = question.wantsRom = false;
+  ma::DevlinkInfo told;
+  EXPECT_TRUE(FunctionInquiry::ofRest(question, kDriver, told).next());
+  told.running = {{"fw", "1.0"}};
+  EXPECT_FALSE(FunctionInquiry::ofRest(question, kDriver, told).next());
+  told = {};
+  told.stored = {{"fw", ""}};
+  EXPECT_FALSE(FunctionInquiry::ofRest(question, kDriver, told).next());
+}
+
 TEST_F(FunctionInquiryTest, AsksFilesAloneWhereNoDriverIsBehindThem) {
-  FunctionInquiry inquiry(all(), FunctionInquiry::Of::FilesAlone, {});
+  EXPECT_FALSE(FunctionInquiry::ofDevlink(all(), kFiles, {}).next());
+  auto inquiry = FunctionInquiry::ofRest(all(), kFiles, {});
   EXPECT_THAT(run(inquiry, {pieces({{1}}), pieces({{2}})}),
               ElementsAre("vpd /sys/bus/pci/devices/0000:03:00.1/vpd",
                           "file /sys/bus/pci/devices/0000:03:00.1/rom"));
-  EXPECT_FALSE(inquiry.answer().devlink || inquiry.answer().info);
+  EXPECT_FALSE(inquiry.answer().info);
 }
 
 TEST_F(FunctionInquiryTest, AsksNoDevlinkWhereTheKernelHasNone) {
-  FunctionInquiry inquiry(all(), FunctionInquiry::Of::DriverAndFiles, {});
-  run(inquiry, {refusal(ENOENT), driver("igb", ""), pieces({}), pieces({})});
+  auto inquiry = FunctionInquiry::ofDevlink(all(), kDriver, {});
+  EXPECT_THAT(run(inquiry, {refusal(ENOENT)}), ElementsAre("netlink"));
   EXPECT_TRUE(inquiry.devlink().isDone);
   EXPECT_EQ(inquiry.devlink().family.id, 0);
-  FunctionInquiry next(all(), FunctionInquiry::Of::DriverAndFiles, inquiry.devlink());
-  EXPECT_EQ(run(next, {driver("igb", ""), pieces({}), pieces({})}).front(), "driver eth0");
+  EXPECT_FALSE(FunctionInquiry::ofDevlink(all(), kDriver, inquiry.devlink()).next());
 }
 
 TEST_F(FunctionInquiryTest, TellsADriverThatDoesNotSayFromOneWithoutDevlink) {
@@ -167,7 +184,7 @@ TEST_F(FunctionInquiryTest, KnowsNothingOfWhatIsMalformed) {
         ErrandReply{EOPNOTSUPP, driver("x", "").pieces, {}}}) {
     DriverQuestion question = all();
     question.wantsVpd = question.wantsRom = false;
-    FunctionInquiry inquiry(question, FunctionInquiry::Of::DriverAndFiles, kNoDevlink);
+    auto inquiry = FunctionInquiry::ofRest(question, kDriver, {});
     run(inquiry, {reply});
     EXPECT_FALSE(inquiry.answer().info);
   }
@@ -175,8 +192,8 @@ TEST_F(FunctionInquiryTest, KnowsNothingOfWhatIsMalformed) {
 
 TEST_F(FunctionInquiryTest, ReadsFieldsThatAreFull) {
   const std::string full(64, 'v');  // reads on into the next field, were there no end
-  FunctionInquiry inquiry(all(), FunctionInquiry::Of::DriverAndFiles, kNoDevlink);
-  run(inquiry, {driver("igb", full.c_str()), pieces({}), pieces({})});
+  auto inquiry = FunctionInquiry::ofRest(all(), kDriver, {});
+  run(inquiry, {pieces({}), pieces({}), driver("igb", full.c_str())});
   ASSERT_TRUE(inquiry.answer().info);
   EXPECT_EQ(inquiry.answer().info->firmwareVersion, std::string(32, 'v'));
 }
@@ -184,7 +201,7 @@ TEST_F(FunctionInquiryTest, ReadsFieldsThatAreFull) {
 TEST_F(FunctionInquiryTest, AnswersQuestionsForWhatItAsks) {
   DriverQuestion question = all();
   question.wantsRom = false;
-  const FunctionInquiry inquiry(question, FunctionInquiry::Of::DriverAndFiles, {});
+  const auto inquiry = FunctionInquiry::ofRest(question, kDriver, {});
   EXPECT_TRUE(inquiry.answers(question));
   question.wantsVpd = false;
   EXPECT_TRUE(inquiry.answers(question));

@@ -20,7 +20,6 @@ using ma::DriverAnswer;
 using ma::FlashEntry;
 using ma::KernelAdapter;
 using ma::KernelAdapters;
-using ma::NamedVersion;
 using ma::SharedBytes;
 using std::chrono::milliseconds;
 using testing::ElementsAre;
@@ -57,7 +56,7 @@ class KernelAdaptersTest : public testing::Test {
     m_drivers.answers[kOtherPort] = stored("7.0");
   }
   // Returns the stored version that an adapter's functions are said to have: "1.0 1.0", "?" for
-  // none.
+  // none; and what the writer has noted.
   static std::string told(const KernelAdapter& adapter) {
     std::string text;
     for (const ma::KernelFunction& function : adapter.functions) {
@@ -65,7 +64,8 @@ class KernelAdaptersTest : public testing::Test {
       text += (text.empty() ? "" : " ") +
               (devlink && !devlink->stored.empty() ? devlink->stored.front().value : "?");
     }
-    return text + (adapter.isBeingWritten ? ", being written" : "");
+    return text + (adapter.isBeingWritten ? ", being written" : "") +
+           (adapter.noted ? ", noted " + adapter.noted->before.front().value : "");
   }
   std::vector<std::string> tellAll() {
     std::vector<std::string> texts;
@@ -222,11 +222,10 @@ TEST_F(KernelAdaptersTest, TellsWhatTheWriterNotedWhereNobodyHasAsked) {
   const auto claim = m_journal.claim(kAdapter);
   claim.enter(kEntry);
   const auto adapter = m_adapters.find(kAdapter);
-  ASSERT_TRUE(adapter && adapter->functions[0].answer.devlink);
+  ASSERT_TRUE(adapter);
   EXPECT_TRUE(adapter->isBeingWritten);
-  EXPECT_THAT(adapter->functions[0].answer.devlink->running,
-              ElementsAre(NamedVersion{"fw", "0.9"}));
-  EXPECT_THAT(adapter->functions[0].answer.devlink->stored, ElementsAre(NamedVersion{"fw", "1.0"}));
+  EXPECT_FALSE(adapter->functions[0].answer.devlink);  // whether it has that, nobody knows
+  EXPECT_EQ(adapter->noted, kEntry);
   EXPECT_THAT(m_drivers.takeAsked(), IsEmpty());
 }
 
@@ -262,6 +261,64 @@ TEST_F(KernelAdaptersTest, TellsWhatWasLastKnownOfADriverThatDoesNotAnswer) {
   EXPECT_EQ(tell(), "2.0");
 }
 
+TEST_F(KernelAdaptersTest, TakesNoAdapterForBeingWrittenWhereItsFilesAreLate) {
+  addVpdAndRom(kPort);
+  ma::DriverAnswer& answer = m_drivers.answers[kPort];
+  answer.isPartial = true;
+  answer.rom = {EBUSY, {}};
+  auto adapter = m_adapters.find(kAdapter);
+  ASSERT_TRUE(adapter);
+  EXPECT_EQ(told(*adapter), "1.0");
+  EXPECT_THAT(adapter->functions[0].answer.vpd.bytes, ElementsAre(0x82));
+  EXPECT_EQ(adapter->functions[0].answer.rom.error, EBUSY);
+  pass(milliseconds(1000));
+  EXPECT_EQ(tell(), "1.0");
+  EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0 vpd rom", "0000:03:00.0 rom"));
+}
+
+TEST_F(KernelAdaptersTest, KeepsWhatADriverHasSaidWhereItIsLate) {
+  m_drivers.answers[kPort].devlink.reset();
+  m_drivers.answers[kPort].info = ma::DriverInfo{"igb", "6.1", "1.2"};
+  EXPECT_EQ(tell(), "?");
+  m_drivers.answers[kPort].info.reset();
+  m_drivers.answers[kPort].isPartial = true;
+  pass(milliseconds(1000));
+  const auto adapter = m_adapters.find(kAdapter);
+  ASSERT_TRUE(adapter && adapter->functions[0].answer.info);
+  EXPECT_EQ(adapter->functions[0].answer.info->firmwareVersion, "1.2");
+}
+
+TEST_F(KernelAdaptersTest, WaitsForADriverThatDoesNotAnswer) {
+  m_adapters.awaitAnswer(kAdapter);
+  EXPECT_EQ(m_clock.slept(), milliseconds(0));
+  pass(milliseconds(1000));
+  m_drivers.answers[kPort] = away();
+  m_clock.afterEachSleep([this](int sleeps) {
+    if (sleeps == 4) {
+      m_drivers.answers[kPort] = stored("2.0");
+    }
+  });
+  m_adapters.awaitAnswer(kAdapter);
+  EXPECT_EQ(m_clock.slept(), milliseconds(1000 + 1000));
+  EXPECT_EQ(tell(), "2.0");
+}
+
+TEST_F(KernelAdaptersTest, DoesNotWaitForLong) {
+  m_drivers.answers[kPort] = away();
+  m_adapters.awaitAnswer(kAdapter);
+  EXPECT_EQ(m_clock.slept(), KernelAdapters::kLongestWait);
+  m_adapters.awaitAnswer({0, 9, 0});
+  EXPECT_EQ(m_clock.slept(), KernelAdapters::kLongestWait);
+}
+
+TEST_F(KernelAdaptersTest, DoesNotWaitForTheWriter) {
+  const auto claim = m_journal.claim(kAdapter);
+  claim.enter(kEntry);
+  m_drivers.answers[kPort] = away();
+  m_adapters.awaitAnswer(kAdapter);
+  EXPECT_EQ(m_clock.slept(), milliseconds(0));
+}
+
 TEST_F(KernelAdaptersTest, ReadsVpdAndRomOfADriverThatAnswersAgain) {
   m_drivers.answers[kPort] = away();
   addVpdAndRom(kPort);
@@ -287,7 +344,7 @@ TEST_F(KernelAdaptersTest, TellsAFileThatWasNotReadFromOneThatIsEmpty) {
 TEST_F(KernelAdaptersTest, TellsTheJournalOfADriverThatNeverAnswered) {
   m_journal.claim(kAdapter).enter(kEntry);
   m_drivers.answers[kPort] = away();
-  EXPECT_EQ(tell(), "1.0, being written");
+  EXPECT_EQ(tell(), "?, being written, noted 1.0");
 }
 
 TEST_F(KernelAdaptersTest, KeepsWhatIsKnownWhereNothingCanBeAsked) {

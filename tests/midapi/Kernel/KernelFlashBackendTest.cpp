@@ -36,6 +36,14 @@ using utils::FirmwareType;
 
 class KernelFlashBackend : public test::KernelBackendFixture {
  protected:
+  // The driver answers when somebody has waited for it.
+  void keepSilentForAWhile() {
+    m_clock.afterEachSleep([this, answer = m_drivers.answers[kKernelFunction]](int) {
+      m_drivers.answers[kKernelFunction] = answer;
+    });
+    m_drivers.answers[kKernelFunction] = {};
+    m_drivers.answers[kKernelFunction].isAway = true;
+  }
   Preparation prepare(const Bytes& file) {
     Bytes buffer(file.size());
     return m_backend.prepare(kKernelPort, file, buffer, {});
@@ -182,6 +190,16 @@ TEST_F(KernelFlashBackend, HasOneUpdateOfAnAdapterAtATime) {
   EXPECT_TRUE(m_backend.beginUpdate({0, 4, 0}));
   m_backend.endUpdate(kKernelAdapter);
   EXPECT_TRUE(m_backend.beginUpdate(kKernelAdapter));
+}
+
+TEST_F(KernelFlashBackend, WaitsForADriverThatDoesNotAnswerAtOnce) {
+  keepSilentForAWhile();
+  EXPECT_TRUE(m_backend.isUpdatable(kKernelPort));
+}
+
+TEST_F(KernelFlashBackend, WaitsBeforeItChecksAFile) {
+  keepSilentForAWhile();
+  EXPECT_EQ(prepare(kernelPackage("1.1.0", "7.2.0")).status, PrepareStatus::Ok);
 }
 
 class KernelActivation : public KernelFlashBackend {

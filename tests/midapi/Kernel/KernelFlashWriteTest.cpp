@@ -287,6 +287,27 @@ TEST_F(KernelFlashWrite, WritesByEthtoolForDriversOfTheTable) {
   EXPECT_FALSE(hasEntry("0000-04-00.json"));
 }
 
+TEST_F(KernelFlashWrite, GoesTheSameWayAfterAnInterruption) {
+  addFunction(kOtherFunction, "bnxt_en");  // which has both ways, and no devlink just now
+  m_settings.trustedDrivers = {"bnxt_en"};
+  int flashes = 0;
+  m_drivers.onEthtoolFlash = [&](const std::string&, const std::string&) -> NetlinkAck {
+    m_files.isDead = ++flashes == 1;
+    return m_files.isDead ? throw std::runtime_error("killed") : NetlinkAck{};
+  };
+  m_drivers.onDevlinkFlash = [](const std::string&, const std::string&, const auto&) {
+    return NetlinkAck{ENODEV, ""};
+  };
+  const Bytes file = {'B', 'N', 'X', 'T', 0, 0, 0, 0, 0, 0, 0, 0};
+  const ma::PortId port{{0, 4, 0}, 0};
+  EXPECT_THROW(write(file, port), std::runtime_error);
+  m_files.isDead = false;
+  ASSERT_TRUE(hasEntry("0000-04-00.json"));
+  passASecond();
+  EXPECT_NO_THROW(write(file, port));
+  EXPECT_EQ(flashes, 2);
+}
+
 TEST_F(KernelFlashWrite, TellsOfAnInterruptedUpdateThatTheKernelHasFinished) {
   dieWriting("1.1.0", "7.2.0");
   EXPECT_TRUE(hasEntry());

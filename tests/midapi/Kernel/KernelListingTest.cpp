@@ -123,6 +123,14 @@ TEST_F(KernelListing, TakesTheFirmwareVersionOfEthtoolWithoutDevlink) {
   EXPECT_THAT(describe().versions, IsEmpty());
 }
 
+TEST_F(KernelListing, TellsWhatTheWriterHasNotedWhereNoDriverTells) {
+  KernelFunction& function = add(0);
+  m_adapter.noted = ma::FlashEntry{1, 2, {{"fw", "1.0"}}, {{"fw", "2.0"}}, {{"fw", "0.9"}}};
+  EXPECT_THAT(describe().versions, ElementsAre(FirmwareVersions{"fw", "0.9", "1.0"}));
+  function.answer.devlink = DevlinkInfo{"testnic", "", "", {}, {{"fw", "3"}}, {}};
+  EXPECT_THAT(describe().versions, ElementsAre(FirmwareVersions{"fw", "3", ""}));
+}
+
 TEST_F(KernelListing, NamesOnceWhatNeedsRoot) {
   for (std::uint8_t number = 0; number < 2; ++number) {
     KernelFunction& function = add(number);
