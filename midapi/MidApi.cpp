@@ -248,9 +248,6 @@ bool writeFlashImage(const std::string& adapter, const std::uint8_t* image, std:
                      std::uint32_t& errorCode, std::string& errorText) {
   return report(errorCode, errorText, [&] {
     const PortId port = needPort(adapter);
-    if (!backend().isUpdatable(port)) {
-      throw FlashFault(FlashError::NotUpdatable, adapter);
-    }
     if (imageSize == 0) {
       throw FlashFault(FlashError::EmptyImage, adapter + " keeps what it holds");
     }

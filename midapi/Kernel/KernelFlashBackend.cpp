@@ -295,12 +295,9 @@ void KernelFlashBackend::writeFlash(const PortId& port, ConstBytes image, WriteP
   progress.complete();
 }
 
-void KernelFlashBackend::recordInstalled(const PortId& port,
-                                         const std::vector<utils::FirmwareType>& /*types*/) {
-  if (!hasAdapter(port.adapter)) {
-    failAsUnknown(toString(port));
-  }
-}
+// The flash itself is the record, also of an adapter that starts anew just now and is not there.
+void KernelFlashBackend::recordInstalled(const PortId& /*port*/,
+                                         const std::vector<utils::FirmwareType>& /*types*/) {}
 
 Activation KernelFlashBackend::activate(const AdapterAddress& adapter) {
   const KernelAdapter known = need(adapter);
@@ -461,7 +458,7 @@ void KernelFlashBackend::verify(const PortId& function, const FlashEntry& entry,
   }
   if (!hasAnswered(adapter, function)) {
     throw FlashFault(
-        FlashError::CompareMismatch,
+        FlashError::NotCompared,
         "the driver has written it, and does not tell any versions since; look at them "
         "when it does");
   }
@@ -472,7 +469,7 @@ void KernelFlashBackend::verify(const PortId& function, const FlashEntry& entry,
     throw FlashFault(FlashError::CompareMismatch, difference);
   }
   if (const auto name = findUntold(entry.expected, entry.before, versions); !name.empty()) {
-    throw FlashFault(FlashError::CompareMismatch,
+    throw FlashFault(FlashError::NotCompared,
                      "the driver has written it, and does not tell the version of " + name +
                          " any more; look at it when it does");
   }
