@@ -174,7 +174,9 @@ utils::StringArray KernelFlashBackend::enumerateAdapters() {
 AdapterList KernelFlashBackend::list() {
   const std::string whyNobodyCan = whyNobody();
   AdapterList list;
+  std::set<AdapterAddress> addresses;
   for (const KernelAdapter& adapter : m_adapters.all()) {
+    addresses.insert(adapter.address);
     AdapterListing listing = describeKernelAdapter(adapter, m_names);
     const FlashRoute route = findRoute(adapter, adapter.functions.front().pci.id.function);
     listing.whyNotUpdatable = route.way == FlashWay::None ? route.whyNone : whyNobodyCan;
@@ -188,6 +190,7 @@ AdapterList KernelFlashBackend::list() {
     }
     list.adapters.push_back(std::move(listing));
   }
+  sweepUnasked(addresses);
   return list;
 }
 
@@ -195,13 +198,13 @@ std::vector<std::string> KernelFlashBackend::interruptedWrites() {
   // Often asked for, and hardly ever is there one: no driver is asked without an entry.
   std::set<AdapterAddress> addresses;
   for (const PciFunction& function : m_adapters.functions()) {
-    if (m_journal.hasEntry(function.id.adapter)) {
-      addresses.insert(function.id.adapter);
-    }
+    addresses.insert(function.id.adapter);
   }
+  sweepUnasked(addresses);
   std::vector<std::string> texts;
   for (const AdapterAddress& address : addresses) {
-    const auto adapter = m_adapters.find(address);
+    const auto adapter =
+        m_journal.hasEntry(address) ? m_adapters.find(address) : std::optional<KernelAdapter>();
     const LeftOver leftOver = adapter ? leftOverOf(*adapter) : LeftOver{};
     if (!leftOver.text.empty()) {
       texts.push_back(toString(address) + ": " + leftOver.text +
@@ -421,6 +424,17 @@ KernelFlashBackend::LeftOver KernelFlashBackend::leftOverOf(const KernelAdapter&
     return m_drivers.mayFlash()
                ? LeftOver{fault.what(), "mend what it says, then update the adapter"}
                : LeftOver{};
+  }
+}
+
+void KernelFlashBackend::sweepUnasked(const std::set<AdapterAddress>& adapters) const {
+  const std::filesystem::path folder = firmwareFolder();
+  for (const AdapterAddress& adapter : findStagedFirmware(m_files, folder, adapters)) {
+    // Where there is an entry, the kernel may be about to read it.
+    const FlashJournal::Attempt attempt = m_journal.tryClaim(adapter);
+    if (attempt.claim && !m_journal.hasEntry(adapter)) {
+      sweepStagedFirmware(m_files, folder, adapter);
+    }
   }
 }
 

@@ -1,9 +1,13 @@
 #include "midapi/Kernel/StagedFirmware.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <fcntl.h>
+#include <iterator>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 #include "midapi/FlashBackend.h"
 #include "platform/Texts.h"
@@ -14,6 +18,9 @@ namespace {
 std::string baseName(const AdapterAddress& adapter) {
   return "quorvel-" + toFolderName(adapter) + ".fw";
 }
+
+// The kernel's folder has some hundred names in it, in which nobody looks for more.
+constexpr std::size_t kMaxNames = 10'000;
 
 constexpr const char* kAdvice =
     "let it be written, or name another folder of the kernel's with FirmwareFolder";
@@ -41,6 +48,26 @@ std::string whyNotStageable(const std::filesystem::path& folder) {
   return "firmware cannot be put into " + platform::toShownText(folder) +
          ", where the kernel looks for it: " + std::generic_category().message(errno) + "; " +
          kAdvice;
+}
+
+std::vector<AdapterAddress> findStagedFirmware(FileSystem& files,
+                                               const std::filesystem::path& folder,
+                                               const std::set<AdapterAddress>& adapters) {
+  std::set<std::string> staged;
+  try {
+    for (const std::filesystem::path& name : files.entries(folder, kMaxNames)) {
+      if (auto base = baseOfTemporary(name)) {
+        staged.insert(std::move(*base));
+      }
+    }
+  } catch (const FileFault&) {
+    return {};
+  }
+  std::vector<AdapterAddress> found;
+  std::ranges::copy_if(
+      adapters, std::back_inserter(found),
+      [&staged](const AdapterAddress& adapter) { return staged.contains(baseName(adapter)); });
+  return found;
 }
 
 void sweepStagedFirmware(FileSystem& files, const std::filesystem::path& folder,
