@@ -41,6 +41,7 @@ enum class FlashError : std::uint32_t {
   Ambiguous = 209,
   NotOffered = 210,
   NotActivated = 211,
+  NotCompared = 212,
 };
 
 // A flash operation that failed: a code and a text for the person who asked for it.
@@ -122,8 +123,8 @@ class FlashBackend {
 
   virtual void setBootType(const PortId& port, BootType bootType) = 0;
 
-  // Replaces the firmware and reports to `progress`, which the caller has started; returns when the
-  // new content was read back and compared.
+  // Replaces the firmware, or says why that may not be, and reports to `progress`, which the caller
+  // has started; returns when the new content was read back and compared.
   virtual void writeFlash(const PortId& port, ConstBytes image, WriteProgress& progress) = 0;
 
   // Records which image types are installed from now on: those of the list, or without a type in it

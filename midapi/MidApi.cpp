@@ -249,10 +249,10 @@ bool writeFlashImage(const std::string& adapter, const std::uint8_t* image, std:
                      std::uint32_t& errorCode, std::string& errorText) {
   return report(errorCode, errorText, [&] {
     const PortId port = needPort(adapter);
-    if (!backend().isUpdatable(port)) {
-      throw FlashFault(FlashError::NotUpdatable, adapter);
-    }
     if (imageSize == 0) {
+      if (!backend().isUpdatable(port)) {
+        throw FlashFault(FlashError::NotUpdatable, adapter);
+      }
       throw FlashFault(FlashError::EmptyImage, adapter + " keeps what it holds");
     }
     const platform::StayAwake awake;

@@ -181,7 +181,9 @@ utils::StringArray KernelFlashBackend::enumerateAdapters() {
 AdapterList KernelFlashBackend::list() {
   const std::string whyNobodyCan = whyNobody();
   AdapterList list;
+  std::set<AdapterAddress> addresses;
   for (const KernelAdapter& adapter : m_adapters.all()) {
+    addresses.insert(adapter.address);
     AdapterListing listing = describeKernelAdapter(adapter, m_names);
     const FlashRoute route = findRoute(adapter, adapter.functions.front().pci.id.function);
     listing.whyNotUpdatable = route.way == FlashWay::None ? route.whyNone : whyNobodyCan;
@@ -195,6 +197,7 @@ AdapterList KernelFlashBackend::list() {
     }
     list.adapters.push_back(std::move(listing));
   }
+  sweepUnasked(addresses);
   return list;
 }
 
@@ -202,13 +205,13 @@ std::vector<std::string> KernelFlashBackend::interruptedWrites() {
   // Often asked for, and hardly ever is there one: no driver is asked without an entry.
   std::set<AdapterAddress> addresses;
   for (const PciFunction& function : m_adapters.functions()) {
-    if (m_journal.hasEntry(function.id.adapter)) {
-      addresses.insert(function.id.adapter);
-    }
+    addresses.insert(function.id.adapter);
   }
+  sweepUnasked(addresses);
   std::vector<std::string> texts;
   for (const AdapterAddress& address : addresses) {
-    const auto adapter = m_adapters.find(address);
+    const auto adapter =
+        m_journal.hasEntry(address) ? m_adapters.find(address) : std::optional<KernelAdapter>();
     const LeftOver leftOver = adapter ? leftOverOf(*adapter) : LeftOver{};
     if (!leftOver.text.empty()) {
       texts.push_back(toString(address) + ": " + leftOver.text +
@@ -304,12 +307,9 @@ void KernelFlashBackend::writeFlash(const PortId& port, ConstBytes image, WriteP
   progress.complete();
 }
 
-void KernelFlashBackend::recordInstalled(const PortId& port,
-                                         const std::vector<utils::FirmwareType>& /*types*/) {
-  if (!hasAdapter(port.adapter)) {
-    failAsUnknown(toString(port));
-  }
-}
+// The flash itself is the record, also of an adapter that starts anew just now and is not there.
+void KernelFlashBackend::recordInstalled(const PortId& /*port*/,
+                                         const std::vector<utils::FirmwareType>& /*types*/) {}
 
 Activation KernelFlashBackend::activate(const AdapterAddress& adapter) {
   const KernelAdapter known = need(adapter);
@@ -437,6 +437,17 @@ KernelFlashBackend::LeftOver KernelFlashBackend::leftOverOf(const KernelAdapter&
   }
 }
 
+void KernelFlashBackend::sweepUnasked(const std::set<AdapterAddress>& adapters) const {
+  const std::filesystem::path folder = firmwareFolder();
+  for (const AdapterAddress& adapter : findStagedFirmware(m_files, folder, adapters)) {
+    // Where there is an entry, the kernel may be about to read it.
+    const FlashJournal::Attempt attempt = m_journal.tryClaim(adapter);
+    if (attempt.claim && !m_journal.hasEntry(adapter)) {
+      sweepStagedFirmware(m_files, folder, adapter);
+    }
+  }
+}
+
 NetlinkAck KernelFlashBackend::flash(const Subject& subject, const std::string& file,
                                      std::uint64_t bytes, WriteProgress& progress) {
   const FlashRoute& route = subject.route;
@@ -471,7 +482,7 @@ void KernelFlashBackend::verify(const PortId& function, const FlashEntry& entry,
   }
   if (!hasAnswered(adapter, function)) {
     throw FlashFault(
-        FlashError::CompareMismatch,
+        FlashError::NotCompared,
         "the driver has written it, and does not tell any versions since; look at them "
         "when it does");
   }
@@ -482,7 +493,7 @@ void KernelFlashBackend::verify(const PortId& function, const FlashEntry& entry,
     throw FlashFault(FlashError::CompareMismatch, difference);
   }
   if (const auto name = findUntold(entry.expected, entry.before, versions); !name.empty()) {
-    throw FlashFault(FlashError::CompareMismatch,
+    throw FlashFault(FlashError::NotCompared,
                      "the driver has written it, and does not tell the version of " + name +
                          " any more; look at it when it does");
   }

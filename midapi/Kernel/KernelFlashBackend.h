@@ -91,6 +91,10 @@ class KernelFlashBackend final : public FlashBackend {
   // none, and as long as the kernel goes on with it. Where all went well, it is told once.
   [[nodiscard]] LeftOver leftOverOf(const KernelAdapter& adapter) const;
 
+  // Removes from the kernel's folder what processes left there that were killed before they asked
+  // the kernel for anything.
+  void sweepUnasked(const std::set<AdapterAddress>& adapters) const;
+
   // The steps of writeFlash.
   [[nodiscard]] NetlinkAck flash(const Subject& subject, const std::string& file,
                                  std::uint64_t bytes, WriteProgress& progress);

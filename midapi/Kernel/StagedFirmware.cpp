@@ -1,10 +1,14 @@
 #include "midapi/Kernel/StagedFirmware.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <fcntl.h>
+#include <iterator>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 #include "midapi/FlashBackend.h"
 #include "platform/Texts.h"
@@ -22,6 +26,9 @@ bool isOthersToWrite(const struct stat& status) {
   const bool isGroupsToWrite = (status.st_mode & S_IWGRP) != 0 && status.st_gid != 0;
   return isStrangers || isGroupsToWrite || (status.st_mode & S_IWOTH) != 0;
 }
+
+// The kernel's folder has some hundred names in it, in which nobody looks for more.
+constexpr std::size_t kMaxNames = 10'000;
 
 constexpr const char* kAdvice =
     "let it be written, or name another folder of the kernel's with FirmwareFolder";
@@ -55,6 +62,26 @@ std::string whyNotStageable(const std::filesystem::path& folder) {
            "with FirmwareFolder";
   }
   return {};
+}
+
+std::vector<AdapterAddress> findStagedFirmware(FileSystem& files,
+                                               const std::filesystem::path& folder,
+                                               const std::set<AdapterAddress>& adapters) {
+  std::set<std::string> staged;
+  try {
+    for (const std::filesystem::path& name : files.entries(folder, kMaxNames)) {
+      if (auto base = baseOfTemporary(name)) {
+        staged.insert(std::move(*base));
+      }
+    }
+  } catch (const FileFault&) {
+    return {};
+  }
+  std::vector<AdapterAddress> found;
+  std::ranges::copy_if(
+      adapters, std::back_inserter(found),
+      [&staged](const AdapterAddress& adapter) { return staged.contains(baseName(adapter)); });
+  return found;
 }
 
 void sweepStagedFirmware(FileSystem& files, const std::filesystem::path& folder,

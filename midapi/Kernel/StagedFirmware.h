@@ -9,7 +9,9 @@
 #define ORVEX_MIDAPI_KERNEL_STAGEDFIRMWARE_H_
 
 #include <filesystem>
+#include <set>
 #include <string>
+#include <vector>
 
 #include "midapi/AdapterId.h"
 #include "midapi/FileSystem.h"
@@ -37,6 +39,12 @@ class StagedFirmware {
 // Returns why nobody with the rights of this process can stage firmware there, with what to do, in
 // one line; empty where that is possible.
 [[nodiscard]] std::string whyNotStageable(const std::filesystem::path& folder);
+
+// Returns those of the adapters for which something lies in the folder, be its writer alive or not.
+// Reads the folder once, and minds no failure.
+[[nodiscard]] std::vector<AdapterAddress> findStagedFirmware(
+    FileSystem& files, const std::filesystem::path& folder,
+    const std::set<AdapterAddress>& adapters);
 
 // Removes what dead processes have left in the folder of one adapter's firmware. Minds no failure:
 // what stays is in nobody's way.

@@ -108,7 +108,9 @@ void VirtualFlashBackend::setBootType(const PortId& port, BootType bootType) {
 void VirtualFlashBackend::writeFlash(const PortId& port, ConstBytes image,
                                      WriteProgress& progress) {
   const AdapterFolder folder = folderOf(port.adapter);
-  static_cast<void>(describePort(folder, port));
+  if (!describePort(folder, port).isUpdatable) {
+    throw FlashFault(FlashError::NotUpdatable, toString(port));
+  }
   if (image.size() > kMaxFlash) {
     throw FlashFault(FlashError::ImageTooLarge,
                      toString(port) + " takes " + std::to_string(kMaxFlash) +

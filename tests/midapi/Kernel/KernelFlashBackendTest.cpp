@@ -118,14 +118,17 @@ TEST_F(KernelFlashBackend, RefusesAdaptersAndPortsThatAreNot) {
         static_cast<void>(m_backend.digest({kKernelAdapter, 1}));
       },
       unknown("0000:03:00.1"));
-  EXPECT_THAT([&] { m_backend.recordInstalled({{0, 9, 0}, 0}, {}); }, unknown("0000:09:00.0"));
   EXPECT_THAT([&] { static_cast<void>(m_backend.activate({0, 9, 0})); }, unknown("0000:09:00"));
   EXPECT_THAT(
       [&] {
         write(kernelPackage("1.1.0", "7.2.0"), {{0, 9, 0}, 0});
       },
       unknown("0000:09:00"));
-  m_backend.recordInstalled(kKernelPort, {});
+}
+
+TEST_F(KernelFlashBackend, HasNothingToRecordOfAnAdapterThatStartsAnew) {
+  EXPECT_NO_THROW(m_backend.recordInstalled({{0, 9, 0}, 0}, {FirmwareType::Uefi}));
+  EXPECT_THAT(m_drivers.takeAsked(), IsEmpty());
 }
 
 TEST_F(KernelFlashBackend, TellsTheFirmware) {

@@ -41,6 +41,20 @@ class KernelFlashWrite : public test::KernelBackendFixture {
     m_files.isDead = false;
     passASecond();
   }
+  // The same for one that has not asked the kernel for anything.
+  void dieStaging() {
+    m_files.beforeStep = [this](const std::string& name, const std::filesystem::path& path) {
+      if (name == "create" && path.parent_path() == m_places.journal) {
+        m_files.isDead = true;
+        throw std::runtime_error("killed");
+      }
+    };
+    EXPECT_THROW(write(), std::runtime_error);
+    m_files.isDead = false;
+    m_files.beforeStep = [](const std::string&, const std::filesystem::path&) {};
+    EXPECT_EQ(staged().size(), 1U);
+    EXPECT_FALSE(hasEntry());
+  }
 };
 
 TEST_F(KernelFlashWrite, GivesTheKernelTheVeryBytes) {
@@ -173,7 +187,9 @@ TEST_F(KernelFlashWrite, LeavesTheEntryWhereTheDriverDoesNotAnswerAnyMore) {
     m_drivers.answers[kKernelFunction].isAway = true;
     return NetlinkAck{};
   };
-  EXPECT_THAT(failWriting(), HasSubstr("does not tell any versions since"));
+  EXPECT_EQ(failWriting(),
+            "The flash could not be compared with what was written: the driver has written it, and "
+            "does not tell any versions since; look at them when it does");
   EXPECT_TRUE(hasEntry());
   EXPECT_THAT(staged(), IsEmpty());
   EXPECT_EQ(m_clock.slept(), std::chrono::seconds(30));
@@ -185,7 +201,9 @@ TEST_F(KernelFlashWrite, FailsWhereTheDriverDoesNotTellAVersionAnyMore) {
     m_drivers.answers[kKernelFunction].devlink->stored.pop_back();
     return NetlinkAck{};
   };
-  EXPECT_THAT(failWriting(), HasSubstr("does not tell the version of fw.mgmt any more"));
+  EXPECT_EQ(failWriting(),
+            "The flash could not be compared with what was written: the driver has written it, and "
+            "does not tell the version of fw.mgmt any more; look at it when it does");
   EXPECT_TRUE(hasEntry());
 }
 
@@ -396,6 +414,27 @@ TEST_F(KernelFlashWrite, SweepsAwayWhatAProcessLeftThatWasKilledBeforeItsEntry) 
   };
   write();
   EXPECT_THAT(staged(), IsEmpty());
+}
+
+TEST_F(KernelFlashWrite, IsSweptAwayByAListWhereItDidNotComeToTheKernel) {
+  dieStaging();
+  EXPECT_THAT(m_backend.list().problems, IsEmpty());
+  EXPECT_THAT(staged(), IsEmpty());
+}
+
+TEST_F(KernelFlashWrite, IsSweptAwayByWhoLooksForInterruptedOnes) {
+  dieStaging();
+  EXPECT_THAT(m_backend.interruptedWrites(), IsEmpty());
+  EXPECT_THAT(staged(), IsEmpty());
+}
+
+TEST_F(KernelFlashWrite, IsNotSweptAwayWhileItsWriterLives) {
+  dieStaging();
+  const ma::FlashJournal journal(m_files, m_places.journal, m_clock);
+  const ma::FlashJournal::Claim writer = journal.claim(kKernelAdapter);
+  EXPECT_THAT(m_backend.list().problems, IsEmpty());
+  EXPECT_THAT(m_backend.interruptedWrites(), IsEmpty());
+  EXPECT_EQ(staged().size(), 1U);
 }
 
 TEST_F(KernelFlashWrite, IsNotTakenForInterruptedWhereItBeginsDuringAList) {

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "midapi/KernelBackend.h"
+#include "midapi/MidApi.h"
 #include "tests/midapi/Kernel/SysfsFixture.h"
 #include "tests/support/RomBuilder.h"
 #include "tests/support/TempDirectory.h"
@@ -66,6 +67,18 @@ TEST_F(NativeKernelBackend, LooksForTheFirmwareFolderThere) {
       StartsWith("firmware cannot be put into " + m_root.path().string() + "/lib/firmware, where"));
   std::filesystem::create_directories(m_root.path() / "lib/firmware");
   EXPECT_EQ(listing().whyNotUpdatable, "");
+}
+
+TEST_F(NativeKernelBackend, SaysInTheJobWhyAnAdapterCannotBeWrittenAnyMore) {
+  ma::useSettings(settings);
+  const test::Bytes image(600, 0x11);
+  std::uint32_t code = 0;
+  std::string text;
+  EXPECT_FALSE(ma::writeFlashImage("0000:03:00.0", image.data(), 600, code, text));
+  ma::useSettings(nullptr);
+  EXPECT_EQ(code, 203U);
+  EXPECT_THAT(
+      text, StartsWith("The adapter's firmware cannot be replaced: firmware cannot be put into "));
 }
 
 TEST_F(NativeKernelBackend, KeepsTheJournalThereAndTellsNoDriver) {

@@ -1,4 +1,5 @@
 #include <gmock/gmock.h>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -53,6 +54,16 @@ TEST_F(StagedFirmwareTest, IsThereUnderItsNameForItsScope) {
     EXPECT_EQ(test::readBytes(m_folder.path() / firmware.name()), kContent);
   }
   EXPECT_THAT(staged(), IsEmpty());
+}
+
+TEST_F(StagedFirmwareTest, IsFoundByTheAdapterThatItIsFor) {
+  m_folder.write("quorvel-0000-04-00.fw.new-0123456789abcdef", std::string("x"));
+  m_folder.write("quorvel-0000-05-00.fw", std::string("x"));
+  const std::set<AdapterAddress> adapters = {kAdapter, {0, 4, 0}, {0, 5, 0}};
+  EXPECT_THAT(findStagedFirmware(m_files, m_folder.path(), adapters),
+              ElementsAre(AdapterAddress{0, 4, 0}));
+  EXPECT_THAT(findStagedFirmware(m_files, m_folder.path(), {kAdapter}), IsEmpty());
+  EXPECT_THAT(findStagedFirmware(m_files, m_folder.path() / "none", adapters), IsEmpty());
 }
 
 TEST_F(StagedFirmwareTest, IsSweptAwayWhereAProcessDied) {
