@@ -98,6 +98,7 @@ class KernelAdapters {
     bool hasRom = false;
     platform::Clock::TimePoint fresh;  // until then
     std::uint64_t changes = 0;         // how often it was to be forgotten
+    std::uint64_t toldChanges = 0;     // as many there had been when it was asked for the last answer
     std::uint64_t seenBy = 0;
     std::uint64_t askedBy = 0;
   };
