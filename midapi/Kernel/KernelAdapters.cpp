@@ -112,11 +112,11 @@ KernelAdapters::Look KernelAdapters::begin(const AdapterAddress* wanted, Asker a
     const platform::Lock lock(m_mutex);
     look.number = ++m_looks;
   }
-  for (PciFunction& function : findPciFunctions(m_sysfs)) {
+  for (PciFunction& function :
+       wanted != nullptr ? findPciFunctions(m_sysfs, *wanted) : findPciFunctions(m_sysfs)) {
     const AdapterAddress address = function.id.adapter;
     struct stat folder {};
-    if ((wanted != nullptr && address != *wanted) ||
-        ::stat(function.folder.c_str(), &folder) != 0) {
+    if (::stat(function.folder.c_str(), &folder) != 0) {
       continue;
     }
     if (look.adapters.empty() || look.adapters.back().address != address) {
