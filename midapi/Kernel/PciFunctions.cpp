@@ -118,9 +118,13 @@ std::optional<PciFunction> readFunction(const fs::path& sysfs, const PortId& id)
     return std::nullopt;
   }
   const fs::path device = networkDeviceOf(folder);
-  return PciFunction{
-      id,     *ids, boundDriver(device), interfacesOf(device), folder, isThere(folder / "rom"),
-      isThere(folder / "vpd")};
+  return PciFunction{id,
+                     *ids,
+                     boundDriver(device),
+                     interfacesOf(device),
+                     folder,
+                     isThere(folder / "rom"),
+                     isThere(folder / "vpd")};
 }
 
 }  // namespace

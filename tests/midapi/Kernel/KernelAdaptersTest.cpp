@@ -176,7 +176,8 @@ TEST_F(KernelAdaptersTest, ReadsThemAgainWhenSomethingHasChanged) {
   EXPECT_EQ(tell(), "1.0");
   m_adapters.forget(kAdapter);
   EXPECT_EQ(tell(), "1.0");
-  EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0 vpd rom", "0000:03:00.0 vpd rom latest"));
+  EXPECT_THAT(m_drivers.takeAsked(),
+              ElementsAre("0000:03:00.0 vpd rom", "0000:03:00.0 vpd rom latest"));
 }
 
 TEST_F(KernelAdaptersTest, ForgetsWhatIsUnplugged) {
