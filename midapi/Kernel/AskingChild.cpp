@@ -6,6 +6,7 @@
 #include <cstring>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <poll.h>
 #include <string>
 #include <sys/prctl.h>
@@ -32,6 +33,8 @@ constexpr milliseconds kNone{0};
 constexpr steady_clock::duration kNoTime{0};
 // For a child that gets no processor.
 constexpr std::chrono::seconds kLongestPatience{5};
+// As many times as for a piece it is waited for all of them.
+constexpr int kMostPatience = 10;
 
 // What the child's parent says of it.
 struct Birth {
@@ -190,12 +193,18 @@ void AskingChild::dismiss() {
 
 AskingChild::State AskingChild::await(milliseconds patience) {
   auto lastSign = steady_clock::now();
+  std::optional<steady_clock::time_point> end;  // from the first piece on
   bool isLastLook = patience == kNone;
   while (m_state == State::Waiting) {
     if (awaitPacket(m_socket.get(), isLastLook ? kNone : patience)) {
       m_state = receive();
       lastSign = steady_clock::now();
       isLastLook = patience == kNone;
+      if (!end) {
+        end = lastSign + kMostPatience * patience;
+      } else if (!isLastLook && lastSign >= *end) {
+        break;
+      }
     } else if (isLastLook) {
       break;
     } else {

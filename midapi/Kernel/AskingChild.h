@@ -50,8 +50,9 @@ class AskingChild {
   // Begins an errand; the one before has been replied to.
   void send(Errand errand, std::span<const std::uint8_t> bytes);
 
-  // Waits for the reply, no longer than `patience` after it began and after each piece; some
-  // seconds where the kernel does not hold the child, and the machine has not let it run.
+  // Waits for the reply, no longer than `patience` after it began and after each piece, and ten
+  // times as long for the pieces after the first; some seconds where the kernel does not hold the
+  // child, and the machine has not let it run.
   [[nodiscard]] State await(std::chrono::milliseconds patience);
 
   // This was its last errand: it ends when the kernel lets it go. The reply can be awaited still.

@@ -37,6 +37,8 @@ struct DriverQuestion {
   PciFunction function;
   bool wantsVpd = false;
   bool wantsRom = false;
+  // Something has changed: an answer to what was asked earlier will not do.
+  bool wantsLatest = false;
 };
 
 // The bytes of a file, or why there are none.

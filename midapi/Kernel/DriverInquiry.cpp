@@ -137,7 +137,7 @@ State DriverInquiry::pursue(FunctionInquiry& inquiry, Part part, const DriverQue
   const Key key{question.function.id, part};
   if (auto away = takeAway(key)) {
     const State state = away->child.await(kNone);
-    const bool isMeant = away->inquiry.answers(question);
+    const bool isMeant = !question.wantsLatest && away->inquiry.answers(question);
     if (state == State::Waiting) {
       const bool isWanted = inquiry.next().has_value();
       if (isWanted && isMeant) {

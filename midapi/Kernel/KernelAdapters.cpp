@@ -112,11 +112,11 @@ KernelAdapters::Look KernelAdapters::begin(const AdapterAddress* wanted, Asker a
     const platform::Lock lock(m_mutex);
     look.number = ++m_looks;
   }
-  for (PciFunction& function : findPciFunctions(m_sysfs)) {
+  for (PciFunction& function :
+       wanted != nullptr ? findPciFunctions(m_sysfs, *wanted) : findPciFunctions(m_sysfs)) {
     const AdapterAddress address = function.id.adapter;
     struct stat folder {};
-    if ((wanted != nullptr && address != *wanted) ||
-        ::stat(function.folder.c_str(), &folder) != 0) {
+    if (::stat(function.folder.c_str(), &folder) != 0) {
       continue;
     }
     if (look.adapters.empty() || look.adapters.back().address != address) {
@@ -125,7 +125,7 @@ KernelAdapters::Look KernelAdapters::begin(const AdapterAddress* wanted, Asker a
       look.adapters.push_back({address, {}, std::move(entry), !isBeingWritten});
     }
     const Plug plug{folder.st_dev, folder.st_ino, function.ids};
-    look.adapters.back().functions.push_back({{std::move(function), false, false}, plug});
+    look.adapters.back().functions.push_back({{std::move(function), false, false, false}, plug});
   }
   return look;
 }
@@ -144,6 +144,7 @@ void KernelAdapters::choose(Look& look) {
       const bool isFresh = !known->isAway && known->driver == function.driver && now < known->fresh;
       subject.isAsked = adapter.mayBeAsked && !isFresh;
       subject.changes = known->changes;
+      subject.question.wantsLatest = known->changes != known->toldChanges;
       subject.question.wantsVpd = function.hasVpd && !known->hasVpd;
       subject.question.wantsRom = function.hasRom && !known->hasRom;
     }
@@ -268,6 +269,7 @@ void KernelAdapters::note(const Subject& subject, DriverAnswer answer, std::uint
       known->answer.info = std::move(answer.info);
     }
     known->hasAnswered = true;
+    known->toldChanges = subject.changes;
     known->driver = subject.question.function.driver;
     known->fresh = isUnchanged ? m_clock.now() + kFresh : platform::Clock::TimePoint{};
   }

@@ -4,8 +4,9 @@
 // is a second old at the most; option ROMs and VPD are read once for as long as a function is
 // plugged in. An adapter whose flash is being written is not asked, nor is one that has not
 // answered before it does: of those, what was last known is told, at once; who was never answered
-// is told, apart from that, what the writer has noted in the journal. Any thread may call; none
-// waits for a driver that another one has asked.
+// is told, apart from that, what the writer has noted in the journal. Any thread may call; one that
+// asks for an adapter whose driver another one is just asking waits until that is over: no longer
+// than a driver may keep silent (midapi/Kernel/DriverInquiry.h).
 
 #ifndef ORVEX_MIDAPI_KERNEL_KERNELADAPTERS_H_
 #define ORVEX_MIDAPI_KERNEL_KERNELADAPTERS_H_
@@ -98,6 +99,7 @@ class KernelAdapters {
     bool hasRom = false;
     platform::Clock::TimePoint fresh;  // until then
     std::uint64_t changes = 0;         // how often it was to be forgotten
+    std::uint64_t toldChanges = 0;  // as many there had been when it was asked for the last answer
     std::uint64_t seenBy = 0;
     std::uint64_t askedBy = 0;
   };

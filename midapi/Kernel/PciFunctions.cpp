@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <fstream>
-#include <map>
 #include <optional>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "midapi/Hex.h"
 
@@ -18,8 +18,6 @@ namespace fs = std::filesystem;
 constexpr std::uint32_t kNetworkController = 0x02;  // base class, PCI Code and ID Assignment
 constexpr unsigned kBaseClassShift = 16;
 constexpr std::size_t kLongestAttribute = 256;
-
-using Interfaces = std::map<PortId, std::vector<NetworkInterface>>;
 
 // Returns an attribute without the line's end; nothing where it cannot be read, or not any more.
 std::optional<std::string> readAttribute(const fs::path& path) {
@@ -74,47 +72,29 @@ bool isThere(const fs::path& path) {
   return fs::exists(path, error);
 }
 
-// Returns the PCI function of an interface's device: that device, or for virtio the one above it.
-std::optional<PortId> functionOf(const fs::path& interface) {
-  std::error_code error;
-  const fs::path device = fs::canonical(interface / "device", error);
-  if (error) {
-    return std::nullopt;
-  }
-  const std::string name = device.filename().string();
-  return parseCanonicalPortId(name.starts_with("virtio") ? device.parent_path().filename().string()
-                                                         : name);
-}
-
-Interfaces findInterfaces(const fs::path& sysfs) {
-  Interfaces interfaces;
-  const fs::path folder = sysfs / "class" / "net";
-  for (const std::string& name : namesIn(folder)) {
-    if (const auto function = functionOf(folder / name)) {
-      interfaces[*function].push_back(
-          {name, readAttribute(folder / name / "address").value_or("")});
-    }
-  }
-  return interfaces;
-}
-
 std::string boundDriver(const fs::path& folder) {
   std::error_code error;
   return fs::read_symlink(folder / "driver", error).filename().string();
 }
 
-// Returns the driver of the network device: of virtio that is the device below the function.
-std::string driverOf(const fs::path& folder) {
-  std::string driver = boundDriver(folder);
-  if (driver != "virtio-pci") {
-    return driver;
-  }
-  for (const std::string& name : namesIn(folder)) {
-    if (name.starts_with("virtio")) {
-      return boundDriver(folder / name);
+// Returns the folder of the network device: of virtio that is the device below the function.
+fs::path networkDeviceOf(const fs::path& folder) {
+  if (boundDriver(folder) == "virtio-pci") {
+    for (const std::string& name : namesIn(folder)) {
+      if (name.starts_with("virtio")) {
+        return folder / name;
+      }
     }
   }
-  return driver;
+  return folder;
+}
+
+std::vector<NetworkInterface> interfacesOf(const fs::path& device) {
+  std::vector<NetworkInterface> interfaces;
+  for (const std::string& name : namesIn(device / "net")) {
+    interfaces.push_back({name, readAttribute(device / "net" / name / "address").value_or("")});
+  }
+  return interfaces;
 }
 
 fs::path devicesIn(const fs::path& sysfs) {
@@ -127,25 +107,48 @@ bool isPhysicalNetworkController(const fs::path& folder) {
          !isThere(folder / "physfn");
 }
 
+// Returns nothing where that is no such function, or not any more.
+std::optional<PciFunction> readFunction(const fs::path& sysfs, const PortId& id) {
+  const fs::path folder = devicesIn(sysfs) / toString(id);
+  if (!isPhysicalNetworkController(folder)) {
+    return std::nullopt;
+  }
+  const auto ids = readIds(folder);
+  if (!ids) {
+    return std::nullopt;
+  }
+  const fs::path device = networkDeviceOf(folder);
+  return PciFunction{id,
+                     *ids,
+                     boundDriver(device),
+                     interfacesOf(device),
+                     folder,
+                     isThere(folder / "rom"),
+                     isThere(folder / "vpd")};
+}
+
 }  // namespace
 
 std::vector<PciFunction> findPciFunctions(const fs::path& sysfs) {
   std::vector<PciFunction> functions;
-  Interfaces interfaces = findInterfaces(sysfs);
-  const fs::path devices = devicesIn(sysfs);
-  for (const std::string& name : namesIn(devices)) {
-    const fs::path folder = devices / name;
+  for (const std::string& name : namesIn(devicesIn(sysfs))) {
     const auto id = parseCanonicalPortId(name);
-    if (!id || !isPhysicalNetworkController(folder)) {
-      continue;
-    }
-    if (const auto ids = readIds(folder)) {
-      functions.push_back({*id, *ids, driverOf(folder), std::move(interfaces[*id]), folder,
-                           isThere(folder / "rom"), isThere(folder / "vpd")});
+    if (auto function = id ? readFunction(sysfs, *id) : std::nullopt) {
+      functions.push_back(std::move(*function));
     }
   }
   std::sort(functions.begin(), functions.end(),
             [](const PciFunction& one, const PciFunction& other) { return one.id < other.id; });
+  return functions;
+}
+
+std::vector<PciFunction> findPciFunctions(const fs::path& sysfs, const AdapterAddress& adapter) {
+  std::vector<PciFunction> functions;
+  for (std::uint8_t number = 0; number < kMaxPorts; ++number) {
+    if (auto function = readFunction(sysfs, {adapter, number})) {
+      functions.push_back(std::move(*function));
+    }
+  }
   return functions;
 }
 

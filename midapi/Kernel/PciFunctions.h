@@ -42,6 +42,10 @@ struct PciFunction {
 // may stand, has no folder of PCI devices.
 [[nodiscard]] std::vector<PciFunction> findPciFunctions(const std::filesystem::path& sysfs);
 
+// Returns those of the adapter; looks at no other adapter.
+[[nodiscard]] std::vector<PciFunction> findPciFunctions(const std::filesystem::path& sysfs,
+                                                        const AdapterAddress& adapter);
+
 // Returns whether one of those functions is of the adapter; looks at no other adapter.
 [[nodiscard]] bool hasPciFunctions(const std::filesystem::path& sysfs,
                                    const AdapterAddress& adapter);

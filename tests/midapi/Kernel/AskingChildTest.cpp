@@ -1,3 +1,4 @@
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -5,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <poll.h>
 #include <string>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <system_error>
@@ -89,6 +91,26 @@ TEST_F(AskingChildTest, IsWaitedForWhereItDoesNotGetToRun) {
   });
   EXPECT_EQ(m_child.await(milliseconds(1)), State::Replied);
   machine.join();
+}
+
+TEST_F(AskingChildTest, IsNotWaitedForWithoutEndWhereItBringsALittleAllTheTime) {
+  hold();
+  std::atomic<bool> isOver{false};
+  std::thread feeder([&] {
+    const platform::Descriptor file(::open(m_fifo.c_str(), O_WRONLY | O_CLOEXEC));
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+    while (!isOver && std::chrono::steady_clock::now() < end) {
+      int unread = 0;
+      EXPECT_EQ(::ioctl(file.get(), FIONREAD, &unread), 0);
+      if (unread == 0) {
+        EXPECT_EQ(::write(file.get(), "x", 1), 1);
+      }
+    }
+  });
+  EXPECT_EQ(m_child.await(milliseconds(20)), State::Waiting);
+  isOver = true;
+  feeder.join();
+  EXPECT_EQ(m_child.await(kLong), State::Replied);
 }
 
 TEST_F(AskingChildTest, EndsWhenItIsDismissedAndFree) {

@@ -195,6 +195,17 @@ TEST_F(DriverInquiryTest, TakesAnAnswerThatComesLate) {
   EXPECT_THAT(ask(), ElementsAre("x\n", "y\n", "x\n"));
 }
 
+TEST_F(DriverInquiryTest, TakesNoAnswerToAnEarlierQuestionForTheLatest) {
+  hold(kSecond);
+  ask();
+  free(kSecond, "late");
+  auto question = questions()[1];
+  question.wantsLatest = true;
+  std::string answer;
+  ASSERT_TRUE(test::waitUntil([&] { return (answer = ask({question})[0]) != "away"; }));
+  EXPECT_EQ(answer, "y\n");
+}
+
 TEST_F(DriverInquiryTest, AsksAgainWhereTheAnswerCameLongAgo) {
   hold(kSecond, milliseconds(-1));
   ask();

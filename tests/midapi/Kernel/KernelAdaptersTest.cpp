@@ -155,7 +155,7 @@ TEST_F(KernelAdaptersTest, AsksAgainWhenSomethingHasChanged) {
   m_drivers.takeAsked();
   m_adapters.forget(kAdapter);
   EXPECT_THAT(tellAll(), ElementsAre("0000:03:00 1.0", "0000:04:00 7.0"));
-  EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0"));
+  EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0 latest"));
 }
 
 TEST_F(KernelAdaptersTest, AsksAnotherDriverAtOnce) {
@@ -194,7 +194,8 @@ TEST_F(KernelAdaptersTest, ReadsThemAgainWhenSomethingHasChanged) {
   EXPECT_EQ(tell(), "1.0");
   m_adapters.forget(kAdapter);
   EXPECT_EQ(tell(), "1.0");
-  EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0 vpd rom", "0000:03:00.0 vpd rom"));
+  EXPECT_THAT(m_drivers.takeAsked(),
+              ElementsAre("0000:03:00.0 vpd rom", "0000:03:00.0 vpd rom latest"));
 }
 
 TEST_F(KernelAdaptersTest, ForgetsWhatIsUnplugged) {
@@ -250,6 +251,19 @@ TEST_F(KernelAdaptersTest, AsksTheDriverForTheWriterAlways) {
   ASSERT_TRUE(adapter);
   EXPECT_EQ(told(*adapter), "2.0");
   EXPECT_EQ(tell(), "2.0, being written");
+}
+
+TEST_F(KernelAdaptersTest, WantsTheLatestAnswerForTheWriterAndUntilThereIsOne) {
+  EXPECT_EQ(tell(), "1.0");
+  m_drivers.takeAsked();
+  m_drivers.answers[kPort] = away();
+  EXPECT_TRUE(m_adapters.findForWriter(kAdapter));
+  m_drivers.answers[kPort] = stored("2.0");
+  EXPECT_EQ(tell(), "2.0");
+  pass(milliseconds(1000));
+  EXPECT_EQ(tell(), "2.0");
+  EXPECT_THAT(m_drivers.takeAsked(),
+              ElementsAre("0000:03:00.0 latest", "0000:03:00.0 latest", kPort));
 }
 
 TEST_F(KernelAdaptersTest, TellsWhatWasLastKnownOfADriverThatDoesNotAnswer) {
@@ -360,7 +374,7 @@ TEST_F(KernelAdaptersTest, KeepsWhatIsKnownWhereNothingCanBeAsked) {
   EXPECT_THAT(adapter->functions[0].answer.rom.bytes, ElementsAre(0x55, 0xAA));
   m_drivers.takeAsked();
   EXPECT_EQ(tell(), "1.0");
-  EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0 vpd rom"));
+  EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0 vpd rom latest"));
 }
 
 // One thread asks a driver, and meanwhile another one looks.

@@ -105,6 +105,27 @@ TEST_F(PciFunctions, FindsNoneWhereThereIsNoPci) {
   EXPECT_THAT(findPciFunctions(m_sysfs.root() / "none"), IsEmpty());
 }
 
+TEST_F(PciFunctions, AreThoseOfOneAdapterWhereOneIsMeant) {
+  for (const char* pci : {"0000:03:00.0", "0000:03:00.1", "0000:03:01.0"}) {
+    m_sysfs.addFunction(pci);
+  }
+  m_sysfs.addInterface("0000:03:00.1", "eth1", "02:54:4e:00:00:31");
+  const std::vector<PciFunction> functions = findPciFunctions(m_sysfs.root(), {0, 3, 0});
+  ASSERT_EQ(functions.size(), 2U);
+  EXPECT_EQ(toString(functions[0].id), "0000:03:00.0");
+  EXPECT_EQ(functions[1].ids, find()[1].ids);
+  EXPECT_THAT(functions[1].interfaces, ElementsAre(NetworkInterface{"eth1", "02:54:4e:00:00:31"}));
+  EXPECT_THAT(findPciFunctions(m_sysfs.root(), {0, 4, 0}), IsEmpty());
+}
+
+TEST_F(PciFunctions, AreFoundWithoutALookAtOtherAdapters) {
+  m_sysfs.addFunction("0000:03:00.0");
+  m_sysfs.addInterface("0000:03:00.0", "eth0", "02:54:4e:00:00:30");
+  std::filesystem::remove_all(m_sysfs.root() / "class");
+  EXPECT_THAT(findPciFunctions(m_sysfs.root(), {0, 3, 0})[0].interfaces,
+              ElementsAre(NetworkInterface{"eth0", "02:54:4e:00:00:30"}));
+}
+
 TEST_F(PciFunctions, KnowTheirAdapter) {
   m_sysfs.addFunction("0000:03:00.1");
   m_sysfs.addFunction("0000:04:00.0");

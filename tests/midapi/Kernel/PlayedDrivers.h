@@ -51,7 +51,7 @@ class PlayedDrivers final : public ma::DriverCalls {
     for (const ma::DriverQuestion& question : questions) {
       ids.push_back(toString(question.function.id));
       text += (text.empty() ? "" : ", ") + ids.back() + (question.wantsVpd ? " vpd" : "") +
-              (question.wantsRom ? " rom" : "");
+              (question.wantsRom ? " rom" : "") + (question.wantsLatest ? " latest" : "");
     }
     {
       const platform::Lock lock(m_mutex);
