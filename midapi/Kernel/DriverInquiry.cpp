@@ -57,11 +57,13 @@ class DriverInquiry::Turn {
     for (const DriverQuestion& question : questions) {
       m_functions.insert(question.function.id);
     }
+    // Made before they count as asked: nobody takes back half of them where memory runs out.
+    std::set<PortId> asked = m_functions;
     const platform::Lock lock(m_owner.m_mutex);
     while (isAnyAsked()) {
       m_owner.m_isFree.wait(m_owner.m_mutex);
     }
-    m_owner.m_asked.insert(m_functions.begin(), m_functions.end());
+    m_owner.m_asked.merge(asked);
   }
   Turn(const Turn&) = delete;
   Turn& operator=(const Turn&) = delete;

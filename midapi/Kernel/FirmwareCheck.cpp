@@ -339,9 +339,17 @@ ImageComparison compareRoms(const FirmwareTarget& target, ConstBytes image) {
   return compareImages({target.ids.vendor, target.ids.device, true}, image, target.rom);
 }
 
+bool isErased(const FirmwareTarget& target, std::string_view name) {
+  const auto known = std::ranges::find(target.versions, name, &FirmwareVersions::name);
+  return known != target.versions.end() && known->isErased;
+}
+
 ImageComparison compareVersionsOf(const FirmwareTarget& target, const FlashPlan& plan) {
   ImageComparison result = ImageComparison::Unknown;
   for (const NamedVersion& version : plan.versions) {
+    if (isErased(target, version.name)) {
+      return ImageComparison::Newer;  // any version is, than a half of one
+    }
     const std::string_view held = versionAtHand(target.versions, version.name);
     if (held.empty()) {
       continue;

@@ -333,11 +333,7 @@ Activation KernelFlashBackend::activate(const AdapterAddress& adapter) {
     throw FlashFault(FlashError::NotActivated, kNoRight);
   }
   const FlashJournal::Claim claim = m_journal.claim(adapter);
-  const auto now = m_adapters.findForWriter(adapter);
-  if (!now) {
-    failAsUnknown(toString(adapter));
-  }
-  refuseUnfinished(*now, function.id);
+  refuseUnfinished(needed(m_adapters.findForWriter(adapter), adapter), function.id);
   const NetlinkAck ack = m_drivers.activate(function.id);
   m_adapters.forget(adapter);
   if (ack.error == EOPNOTSUPP) {

@@ -273,10 +273,10 @@ TEST_F(FirmwareCheck, ComparesWithWhatIsStoredWhateverRuns) {
               Refuses(PrepareStatus::Downgrade, HasSubstr("older than 9.0.0")));
 }
 
-TEST_F(FirmwareCheck, ComparesWithNothingWhereTheFlashIsErased) {
+TEST_F(FirmwareCheck, TakesAnyVersionForNewerThanWhatWasErased) {
   hold({{"fw.undi", "9.0.0", "", true}, {"fw.mgmt", "9.0.0", "", true}});
   EXPECT_THAT(prepare(package("1.1.0", "7.2.0")), Accepts());
-  EXPECT_EQ(compare(package("9.0.0", "9.0.0")), ImageComparison::Unknown);
+  EXPECT_EQ(compare(package("1.0.0", "7.1.0")), ImageComparison::Newer);
 }
 
 TEST_F(FirmwareCheck, DoesNotCompareComponentsWithoutAName) {
