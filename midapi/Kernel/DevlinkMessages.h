@@ -31,6 +31,7 @@ struct DevlinkFamily {
 struct NetlinkAck {
   std::int32_t error = 0;  // 0, or an errno value
   std::string text;        // the driver's own words; often none
+  bool isLost = false;     // the request was taken, and what came of it is not known
 };
 
 // A version under its standard name ("fw.undi", see the kernel's devlink-info document).

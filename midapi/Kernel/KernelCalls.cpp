@@ -35,6 +35,8 @@ constexpr seconds kPatience{5};
 
 const NetlinkAck kNoDrivers{EOPNOTSUPP, "there are no drivers behind this folder"};
 
+const NetlinkAck kLostVerdict{EIO, "the kernel did not say how it ended", true};
+
 // Sends a request, for as long as the kernel works on it, and calls `look` with each datagram of
 // the answer until it returns something.
 template <class Look>
@@ -52,9 +54,18 @@ auto exchange(NetlinkBytes request, Look look) -> decltype(look(request)) {
 NetlinkAck verdictOn(NetlinkBytes request) {
   // Some drivers break off what they do when the thread that asked has a signal to handle.
   const BlockedSignals blocked;
-  const auto ack =
-      exchange(request, [](NetlinkBytes datagram) { return findAck(datagram, kSequence); });
-  return ack.value_or(NetlinkAck{EIO, "the kernel did not say how it ended"});
+  NetlinkSocket socket;
+  socket.send(request);
+  try {
+    while (const auto datagram = socket.receive(kPatience)) {
+      if (auto ack = findAck(*datagram, kSequence)) {
+        return *ack;
+      }
+    }
+  } catch (const std::system_error&) {
+    return kLostVerdict;
+  }
+  return kLostVerdict;
 }
 
 // Throws std::system_error where the kernel has no devlink.

@@ -296,6 +296,10 @@ void KernelFlashBackend::writeFlash(const PortId& port, ConstBytes image, WriteP
   claim.enter(entry);
   const NetlinkAck ack = flash(subject, staged.name(), plan.bytes, progress);
   m_adapters.forget(port.adapter);
+  if (ack.isLost) {
+    // The entry stays, and is compared by whoever lists the adapters.
+    throw FlashFault(FlashError::NotCompared, wordsOf(ack));
+  }
   if (ack.error != 0) {
     clearQuietly(claim);
     throw FlashFault(FlashError::WriteRefused, wordsOf(ack) + adviceFor(ack, folder));

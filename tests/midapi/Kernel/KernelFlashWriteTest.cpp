@@ -14,6 +14,7 @@ namespace {
 
 using ma::AdapterList;
 using ma::DevlinkFlashEvent;
+using ma::DriverAnswer;
 using ma::FirmwareVersions;
 using ma::NetlinkAck;
 using test::Bytes;
@@ -54,6 +55,19 @@ class KernelFlashWrite : public test::KernelBackendFixture {
     m_files.beforeStep = [](const std::string&, const std::filesystem::path&) {};
     EXPECT_EQ(staged().size(), 1U);
     EXPECT_FALSE(hasEntry());
+  }
+  // From the flash on the driver's answer is `meanwhile`, until somebody has slept so often.
+  void answerAfterTheFlash(const DriverAnswer& meanwhile, int sleepsUntilThen) {
+    m_drivers.onDevlinkFlash = [=, this](const std::string&, const std::string&, const auto&) {
+      m_drivers.answers[kKernelFunction] = meanwhile;
+      m_clock.afterEachSleep([this, sleepsUntilThen](int sleeps) {
+        if (sleeps == sleepsUntilThen) {
+          m_drivers.answers[kKernelFunction] = {};
+          store("1.1.0", "7.2.0");
+        }
+      });
+      return NetlinkAck{};
+    };
   }
 };
 
@@ -137,6 +151,17 @@ TEST_F(KernelFlashWrite, FailsWhereTheFlashDoesNotHoldTheFilesVersions) {
   EXPECT_LT(m_progress.percent(), 100U);
 }
 
+TEST_F(KernelFlashWrite, LeavesTheEntryWhereTheVerdictIsLost) {
+  m_drivers.onDevlinkFlash = [](const std::string&, const std::string&, const auto&) {
+    return NetlinkAck{EIO, "the kernel did not say how it ended", true};
+  };
+  EXPECT_EQ(failWriting(),
+            "The flash could not be compared with what was written: the kernel did not say how it "
+            "ended");
+  EXPECT_TRUE(hasEntry());
+  EXPECT_LT(m_progress.percent(), 100U);
+}
+
 TEST_F(KernelFlashWrite, SucceedsWhereTheDriverTellsWhatRunsAlone) {
   m_drivers.answers[kKernelFunction].devlink->stored.clear();
   m_drivers.onDevlinkFlash = [](const std::string&, const std::string&, const auto&) {
@@ -148,34 +173,18 @@ TEST_F(KernelFlashWrite, SucceedsWhereTheDriverTellsWhatRunsAlone) {
 }
 
 TEST_F(KernelFlashWrite, WaitsForADriverThatIsAwayAfterTheFlash) {
-  m_drivers.onDevlinkFlash = [this](const std::string&, const std::string&, const auto&) {
-    m_drivers.answers[kKernelFunction] = {};
-    m_drivers.answers[kKernelFunction].isAway = true;
-    m_clock.afterEachSleep([this](int sleeps) {
-      if (sleeps == 5) {
-        m_drivers.answers[kKernelFunction] = {};
-        store("1.1.0", "7.2.0");
-      }
-    });
-    return NetlinkAck{};
-  };
+  DriverAnswer away;
+  away.isAway = true;
+  answerAfterTheFlash(away, 5);
   write();
   EXPECT_EQ(m_clock.slept(), std::chrono::milliseconds(2500));
   EXPECT_EQ(m_progress.percent(), 100U);
 }
 
 TEST_F(KernelFlashWrite, AsksAgainWhereTheDriverCannotBeAskedAfterTheFlash) {
-  m_drivers.onDevlinkFlash = [this](const std::string&, const std::string&, const auto&) {
-    m_drivers.answers[kKernelFunction] = {};
-    m_drivers.answers[kKernelFunction].error = ECANCELED;
-    m_clock.afterEachSleep([this](int sleeps) {
-      if (sleeps == 2) {
-        m_drivers.answers[kKernelFunction] = {};
-        store("1.1.0", "7.2.0");
-      }
-    });
-    return NetlinkAck{};
-  };
+  DriverAnswer unasked;
+  unasked.error = ECANCELED;
+  answerAfterTheFlash(unasked, 2);
   write();
   EXPECT_EQ(m_progress.percent(), 100U);
   EXPECT_FALSE(hasEntry());
