@@ -1,8 +1,8 @@
-// The qualifiers of a class and of its elements: made of the class' declaration and of what there is to
-// say of it. All that shows qualifiers shows these.
+// The qualifiers of a class and of its elements: made of the class' declaration and of what there
+// is to say of it. All that shows qualifiers shows these.
 //
-// The schema and the texts are the caller's and outlive this and what it returns. Constant; any thread
-// may call.
+// The schema and the texts are the caller's and outlive this and what it returns. Constant; any
+// thread may call.
 
 #ifndef ORVEX_CORE_CLASSQUALIFIERS_H_
 #define ORVEX_CORE_CLASSQUALIFIERS_H_
@@ -32,8 +32,7 @@ class ORVEX_CORE_API ClassQualifiers {
     Inherited,  // that, and what it leaves to those above it
   };
 
-  ClassQualifiers(const CimSchema& schema, const ClassTexts& texts,
-                  Texts shown = Texts::Inherited);
+  ClassQualifiers(const CimSchema& schema, const ClassTexts& texts, Texts shown = Texts::Inherited);
 
   // The elements are those of the class. Each list is in the order in which declarations show it.
   [[nodiscard]] List ofClass(const ClassDeclaration& declaration) const;
@@ -47,7 +46,8 @@ class ORVEX_CORE_API ClassQualifiers {
  private:
   using Chain = std::vector<const ClassText*>;
 
-  // Returns the texts that count for what the class declares: its own, and those of the classes above.
+  // Returns the texts that count for what the class declares: its own, and those of the classes
+  // above.
   [[nodiscard]] Chain getTexts(std::string_view className) const;
   // Returns whether the class declares anew what one above it has.
   template <class Element>

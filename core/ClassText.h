@@ -1,9 +1,9 @@
-// What there is to say of a class, for the qualifiers of its declaration and for people: plain data,
-// which stand as constant tables beside the classes.
+// What there is to say of a class, for the qualifiers of its declaration and for people: plain
+// data, which stand as constant tables beside the classes.
 //
 // A table has a row for a property, a method or a parameter in the class that declares it; a class
-// that declares it anew has a row only where it says something else. What a row leaves empty is that of
-// the nearest class above that says it.
+// that declares it anew has a row only where it says something else. What a row leaves empty is
+// that of the nearest class above that says it.
 
 #ifndef ORVEX_CORE_CLASSTEXT_H_
 #define ORVEX_CORE_CLASSTEXT_H_
@@ -13,7 +13,8 @@
 
 namespace core {
 
-// A value and what it stands for. The value is written as in a ValueMap (DSP0004): a number, a range
+// A value and what it stands for. The value is written as in a ValueMap (DSP0004): a number, a
+// range
 // ("5..9", "32768.."), or ".." for all that no other row has; of a text, the text itself.
 struct ValueName {
   std::string_view value;

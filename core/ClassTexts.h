@@ -1,7 +1,7 @@
 // The texts of classes (core/ClassText.h), found by the class' name.
 //
-// One thread fills it, then any thread may read. The tables are not copied: they are constant data of
-// the modules that hand them over, and live as long.
+// One thread fills it, then any thread may read. The tables are not copied: they are constant data
+// of the modules that hand them over, and live as long.
 
 #ifndef ORVEX_CORE_CLASSTEXTS_H_
 #define ORVEX_CORE_CLASSTEXTS_H_

@@ -12,9 +12,9 @@
 
 namespace core {
 
-// Returns the name of the number: that of its own row, else that of a range which it is in, else that of
-// the row for all others. Empty when there is none. A row whose value is no number and no range is
-// nobody's.
+// Returns the name of the number: that of its own row, else that of a range which it is in, else
+// that of the row for all others. Empty when there is none. A row whose value is no number and no
+// range is nobody's.
 [[nodiscard]] ORVEX_CORE_API std::string_view findValueName(std::span<const ValueName> values,
                                                             std::int64_t number);
 

@@ -1,8 +1,8 @@
-#include "core/ClassQualifiers.h"
-
 #include <gmock/gmock.h>
 #include <string>
 #include <vector>
+
+#include "core/ClassQualifiers.h"
 
 namespace {
 
@@ -146,9 +146,9 @@ TEST_F(ClassQualifiersTest, SayThatAMethodOverridesAnother) {
   ClassDeclaration turbine{"Test_Turbine", "Test_Base", false, {}, get("Test_Base").methods};
   turbine.methods[0].origin = turbine.name;
   m_schema.add(turbine);
-  EXPECT_THAT(toTexts(m_qualifiers.ofMethod(turbine, turbine.methods[0])),
-              ElementsAre("Override=Check", "Description=Looks for faults.", "ValueMap=0",
-                          "Values=Done"));
+  EXPECT_THAT(
+      toTexts(m_qualifiers.ofMethod(turbine, turbine.methods[0])),
+      ElementsAre("Override=Check", "Description=Looks for faults.", "ValueMap=0", "Values=Done"));
 }
 
 }  // namespace

@@ -1,10 +1,9 @@
-#include "core/ClassTexts.h"
-
 #include <gtest/gtest.h>
 #include <span>
 
 #include "core/CimAgent.h"
 #include "core/ClassDescriber.h"
+#include "core/ClassTexts.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
-#include "core/Qualifiers.h"
-
 #include <gmock/gmock.h>
 #include <string>
 #include <vector>
+
+#include "core/Qualifiers.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
-#include "core/ValueNames.h"
-
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <limits>
 #include <string_view>
+
+#include "core/ValueNames.h"
 
 namespace {
 
@@ -11,8 +11,14 @@ using core::findValueName;
 using core::ValueName;
 
 constexpr ValueName kStates[] = {
-    {"..", "Reserved"},   {"2", "Two"},    {"3..9", "Some"},           {"-5", "Below"},
-    {"5", "Five"},        {"20..", "Many"}, {"0x8000..0xFFFF", "Vendor"}, {"word", "A word"},
+    {"..", "Reserved"},
+    {"2", "Two"},
+    {"3..9", "Some"},
+    {"-5", "Below"},
+    {"5", "Five"},
+    {"20..", "Many"},
+    {"0x8000..0xFFFF", "Vendor"},
+    {"word", "A word"},
     {"1..x", "No range"},
 };
 
