@@ -1,7 +1,9 @@
 #include "core/ClassQualifiers.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <span>
+#include <utility>
 
 namespace core {
 namespace {
@@ -159,6 +161,23 @@ bool ClassQualifiers::isOverriding(const ClassDeclaration& declaration, const El
   const ClassDeclaration* superclass = m_schema.find(declaration.superclass);
   return superclass != nullptr && isSameName(element.origin, declaration.name) &&
          (superclass->*find)(element.name) != nullptr;
+}
+
+std::vector<std::string_view> findTexts(const ClassQualifiers::List& list, QualifierName name) {
+  const auto found = std::find_if(list.begin(), list.end(), [name](const Qualifier& qualifier) {
+    return qualifier.declaration == &getQualifier(name);
+  });
+  return found != list.end() ? found->texts : std::vector<std::string_view>();
+}
+
+std::vector<ValueName> findValueNames(const ClassQualifiers::List& list) {
+  const std::vector<std::string_view> values = findTexts(list, QualifierName::ValueMap);
+  const std::vector<std::string_view> names = findTexts(list, QualifierName::Values);
+  std::vector<ValueName> found;
+  for (std::size_t index = 0; index < values.size() && index < names.size(); ++index) {
+    found.push_back({values[index], names[index]});
+  }
+  return found;
 }
 
 }  // namespace core

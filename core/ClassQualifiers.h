@@ -60,6 +60,14 @@ class ORVEX_CORE_API ClassQualifiers {
   const Texts m_shown;
 };
 
+// Returns the texts of the list's qualifier of that name; none where there is none.
+[[nodiscard]] ORVEX_CORE_API std::vector<std::string_view> findTexts(
+    const ClassQualifiers::List& list, QualifierName name);
+
+// Returns the value names that the list's qualifiers give; none where there are none.
+[[nodiscard]] ORVEX_CORE_API std::vector<ValueName> findValueNames(
+    const ClassQualifiers::List& list);
+
 }  // namespace core
 
 #endif  // ORVEX_CORE_CLASSQUALIFIERS_H_

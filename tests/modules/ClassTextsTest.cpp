@@ -1,8 +1,6 @@
 // What the agents say of their classes: nothing is left out, nothing is said of what is not there,
 // and every value that an instance shows has its name.
 
-#include <algorithm>
-#include <charconv>
 #include <cstdint>
 #include <gmock/gmock.h>
 #include <memory>
@@ -34,42 +32,9 @@ constexpr const char* kSentence = "^[A-Z][^.]*[^ ]\\.$";
 constexpr const char* kNumberOrRange =
     "^(-?[0-9]+|(-?[0-9]+|0x[0-9A-F]+)?\\.\\.([0-9]+|0x[0-9A-F]+)?)$";
 
-const core::Qualifier* find(const core::ClassQualifiers::List& list, QualifierName name) {
-  const auto found = std::find_if(list.begin(), list.end(), [name](const core::Qualifier& one) {
-    return one.declaration == &core::getQualifier(name);
-  });
-  return found != list.end() ? &*found : nullptr;
-}
-
 std::string descriptionIn(const core::ClassQualifiers::List& list) {
-  const core::Qualifier* description = find(list, QualifierName::Description);
-  return description != nullptr ? std::string(description->texts.at(0)) : std::string();
-}
-
-std::vector<core::ValueName> valuesIn(const core::ClassQualifiers::List& list) {
-  const core::Qualifier* map = find(list, QualifierName::ValueMap);
-  const core::Qualifier* names = find(list, QualifierName::Values);
-  std::vector<core::ValueName> values;
-  for (std::size_t index = 0; map != nullptr && index < map->texts.size(); ++index) {
-    values.push_back({map->texts[index], names->texts.at(index)});
-  }
-  return values;
-}
-
-// Returns the numbers of a value as it is printed, "7" or "{2, 3}".
-std::vector<std::int64_t> numbersIn(const std::string& text) {
-  std::vector<std::int64_t> numbers;
-  for (const char* place = text.data(); place != text.data() + text.size();) {
-    std::int64_t number = 0;
-    const auto [end, error] = std::from_chars(place, text.data() + text.size(), number);
-    if (error == std::errc()) {
-      numbers.push_back(number);
-      place = end;
-    } else {
-      ++place;
-    }
-  }
-  return numbers;
+  const std::vector<std::string_view> texts = core::findTexts(list, QualifierName::Description);
+  return texts.empty() ? std::string() : std::string(texts.front());
 }
 
 class ServedTexts : public testing::Test {
@@ -145,7 +110,7 @@ TEST_F(ServedTexts, GiveEachValueOneName) {
                           core::CimType type) {
     const bool isText = type == core::kCimString || type == core::kCimStringArray;
     std::set<std::string_view> seen;
-    for (const core::ValueName& value : valuesIn(list)) {
+    for (const core::ValueName& value : core::findValueNames(list)) {
       EXPECT_TRUE(seen.insert(value.value).second) << place << " has " << value.value << " twice";
       EXPECT_FALSE(value.name.empty()) << place << " " << value.value;
       if (!isText) {
@@ -159,12 +124,9 @@ TEST_F(ServedTexts, GiveEachValueOneName) {
 
 TEST_F(ServedTexts, HaveAnArrayOfNamesAsLongAsThatOfValues) {
   visitElements([](const std::string& place, const core::ClassQualifiers::List& list, auto) {
-    const core::Qualifier* map = find(list, QualifierName::ValueMap);
-    const core::Qualifier* names = find(list, QualifierName::Values);
-    ASSERT_EQ(map != nullptr, names != nullptr) << place;
-    if (map != nullptr) {
-      EXPECT_EQ(map->texts.size(), names->texts.size()) << place;
-    }
+    EXPECT_EQ(core::findTexts(list, QualifierName::ValueMap).size(),
+              core::findTexts(list, QualifierName::Values).size())
+        << place;
   });
 }
 
@@ -176,7 +138,7 @@ TEST_F(ServedTexts, NameEveryValueThatAnInstanceShows) {
     const ClassDeclaration& declaration = *m_schema->find(className);
     for (const test::InstanceReport& instance : test::enumerate(className)) {
       for (const test::PropertyReport& property : instance.properties) {
-        const std::vector<core::ValueName> values = valuesIn(
+        const std::vector<core::ValueName> values = core::findValueNames(
             qualifiers().ofProperty(declaration, *declaration.findProperty(property.name)));
         if (values.empty() || property.isNull) {
           continue;
@@ -187,7 +149,7 @@ TEST_F(ServedTexts, NameEveryValueThatAnInstanceShows) {
           ++named;
           continue;
         }
-        for (const std::int64_t number : numbersIn(property.value)) {
+        for (const std::int64_t number : test::numbersIn(property.value)) {
           EXPECT_NE(core::findValueName(values, number), "")
               << instance.path << " " << property.name << " = " << number;
           ++named;
@@ -201,7 +163,7 @@ TEST_F(ServedTexts, NameEveryValueThatAnInstanceShows) {
 TEST_F(ServedTexts, NameTheStateOfARunningJob) {
   const ClassDeclaration& job = *m_schema->find("orvex_concretejob");
   const std::vector<core::ValueName> values =
-      valuesIn(qualifiers().ofProperty(job, *job.findProperty("JobState")));
+      core::findValueNames(qualifiers().ofProperty(job, *job.findProperty("JobState")));
   EXPECT_EQ(core::findValueName(values, 4), "Running");
 }
 
