@@ -90,6 +90,11 @@ TEST_P(WbemcliOperationTest, GetsAClass) {
   expectRefused(wbemcli({"ein"}, "Orvex_Nothing"), "(5) CIM_ERR_INVALID_CLASS");
 }
 
+TEST_P(WbemcliOperationTest, GetsWhatAClassIs) {
+  serve();
+  EXPECT_EQ(ask({"-nl", "gcd"}, "CIM_ConcreteJob"), "");
+}
+
 TEST_P(WbemcliOperationTest, EnumeratesClassNames) {
   serve();
   EXPECT_THAT(ask({"ecn"}, ""),

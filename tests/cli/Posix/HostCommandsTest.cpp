@@ -52,6 +52,21 @@ TEST_F(HostCommandsTest, ShowInstancesAsInProcess) {
   expectSame({"instances", "Nothing"}, 1);
 }
 
+TEST_F(HostCommandsTest, DescribeClassesAsInProcess) {
+  startHost();
+  for (const char* className :
+       {"Orvex_EthernetPort", "orvex_concretejob", "Orvex_SoftwareInstallationService",
+        "Orvex_ElementSoftwareIdentity", "Orvex_RegisteredProfile", "CIM_Dependency",
+        "CIM_ManagedElement"}) {
+    expectSame({"describe", className});
+    expectSame({"describe", className, "--json"});
+  }
+  expectSame({"describe", "CIM_ConcreteJob", "JobState"});
+  expectSame({"describe", "CIM_ConcreteJob", "Colour"}, 1);
+  expectSame({"describe", "Nothing"}, 1);
+  expectSame({"describe", "<Nothing/>"}, 1);
+}
+
 TEST_F(HostCommandsTest, ShowAssociationsAsInProcess) {
   addPxeAdapter(kAdapter, 2);
   startHost();
