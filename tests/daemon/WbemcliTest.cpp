@@ -92,7 +92,12 @@ TEST_P(WbemcliOperationTest, GetsAClass) {
 
 TEST_P(WbemcliOperationTest, GetsWhatAClassIs) {
   serve();
-  EXPECT_EQ(ask({"-nl", "gcd"}, "CIM_ConcreteJob"), "");
+  const test::ProgramResult shown = wbemcli({"-nl", "-dx", "gc"}, "CIM_ConcreteJob");
+  EXPECT_EQ(shown.exitStatus, 0);
+  EXPECT_THAT(shown.output + shown.errors,
+              AllOf(HasSubstr("<VALUE>A job that can be followed by its state.</VALUE>"),
+                    HasSubstr("<VALUE>Starting</VALUE><VALUE>Running</VALUE>")));
+  EXPECT_THAT(shown.output, ContainsRegex("\n-JobState="));
 }
 
 TEST_P(WbemcliOperationTest, EnumeratesClassNames) {
