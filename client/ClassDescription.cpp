@@ -1,8 +1,12 @@
 #include "client/ClassDescription.h"
 
-#include <string_view>
+#include <algorithm>
+#include <cstdint>
+#include <optional>
+#include <variant>
 
 #include "core/ClassQualifiers.h"
+#include "core/ValueNames.h"
 
 namespace client {
 namespace {
@@ -52,6 +56,37 @@ MethodDescription describe(const core::ClassDeclaration& declaration,
 }
 
 }  // namespace
+
+const ElementDescription* ClassDescription::findProperty(std::string_view propertyName) const {
+  const auto found = std::find_if(properties.begin(), properties.end(),
+                                  [propertyName](const ElementDescription& property) {
+                                    return core::isSameName(property.name, propertyName);
+                                  });
+  return found != properties.end() ? &*found : nullptr;
+}
+
+Value findNames(const NamedValues& values, const Value& value) {
+  if (const Value::Array* items = value.items()) {
+    Value names = Value::array();
+    bool isAnyFound = false;
+    for (const Value& item : *items) {
+      names.push(findNames(values, item));
+      isAnyFound |= !names.items()->back().isNull();
+    }
+    return isAnyFound ? names : Value();
+  }
+  const std::optional<std::int64_t> number = value.as<std::int64_t>();
+  if (!number || std::holds_alternative<bool>(value.variant())) {
+    return {};
+  }
+  std::vector<core::ValueName> rows;
+  rows.reserve(values.size());
+  for (const auto& [row, name] : values) {
+    rows.push_back({row, name});
+  }
+  const std::string_view name = core::findValueName(rows, *number);
+  return name.empty() ? Value() : Value(name);
+}
 
 std::string toTypeText(const std::string& type, bool isArray, const std::string& referenceClass) {
   if (!referenceClass.empty()) {

@@ -5,9 +5,11 @@
 #define ORVEX_CLIENT_CLASSDESCRIPTION_H_
 
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
+#include "client/Value.h"
 #include "core/CimSchema.h"
 #include "core/ClassTexts.h"
 
@@ -49,8 +51,14 @@ struct ClassDescription {
   std::vector<ElementDescription> properties;  // inherited ones too
   std::vector<MethodDescription> methods;
 
+  // Returns null when there is none of that name.
+  [[nodiscard]] const ElementDescription* findProperty(std::string_view propertyName) const;
+
   friend bool operator==(const ClassDescription&, const ClassDescription&) = default;
 };
+
+// Returns the name of a number, of an array of numbers that of each; NULL for what has none.
+[[nodiscard]] Value findNames(const NamedValues& values, const Value& value);
 
 // Returns the type of an element as a description has it.
 [[nodiscard]] std::string toTypeText(const std::string& type, bool isArray,

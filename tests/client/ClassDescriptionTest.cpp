@@ -85,6 +85,33 @@ TEST_F(ClassDescriptionTest, InheritsWhatItsElementsAreButNotWhatItIs) {
   EXPECT_EQ(turbine.methods, describe("Test_Fan").methods);
 }
 
+TEST_F(ClassDescriptionTest, FindsPropertiesInAnyCase) {
+  const client::ClassDescription fan = describe("Test_Fan");
+  EXPECT_EQ(fan.findProperty("STATE"), &fan.properties[0]);
+  EXPECT_EQ(fan.findProperty("Name"), nullptr);
+}
+
+TEST(NamesOfValues, AreThoseOfNumbers) {
+  const client::NamedValues values = {{"0", "Off"}, {"4", "Running"}, {"10..", "Many"}};
+  using client::Value;
+  EXPECT_EQ(client::findNames(values, Value(4)), Value("Running"));
+  EXPECT_EQ(client::findNames(values, Value(11U)), Value("Many"));
+  EXPECT_EQ(client::findNames(values, Value(5)), Value());
+  EXPECT_EQ(client::findNames(values, Value(false)), Value());
+  EXPECT_EQ(client::findNames(values, Value("4")), Value());
+  EXPECT_EQ(client::findNames(values, Value()), Value());
+  EXPECT_EQ(client::findNames({}, Value(4)), Value());
+}
+
+TEST(NamesOfValues, AreThoseOfEachNumberOfAnArray) {
+  const client::NamedValues values = {{"4", "Running"}};
+  using client::Value;
+  EXPECT_EQ(client::findNames(values, Value::array({Value(4), Value(5)})),
+            Value::array({Value("Running"), Value()}));
+  EXPECT_EQ(client::findNames(values, Value::array({Value(5)})), Value());
+  EXPECT_EQ(client::findNames(values, Value::array()), Value());
+}
+
 TEST(TypeText, IsThatOfADeclaration) {
   EXPECT_EQ(client::toTypeText("uint16", true, ""), "uint16[]");
   EXPECT_EQ(client::toTypeText("reference", false, "CIM_Job"), "CIM_Job REF");

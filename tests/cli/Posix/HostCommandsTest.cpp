@@ -43,6 +43,8 @@ TEST_F(HostCommandsTest, ShowInstancesAsInProcess) {
     expectSame({"instances", className});
     expectSame({"instances", className, "--all"});
     expectSame({"instances", className, "--json", "--all"});
+    expectSame({"instances", className, "--names"});
+    expectSame({"instances", className, "--json", "--names"});
   }
   // Classes above those that are served, and a name in another case.
   for (const char* className : {"CIM_LogicalDevice", "CIM_ManagedElement", "CIM_ConcreteJob",
