@@ -86,6 +86,28 @@ TEST_F(ServedTexts, DescribeEveryPropertyMethodAndParameterInASentence) {
   });
 }
 
+TEST_F(ServedTexts, CallOnlyClassesAbstractThatHaveNoInstances) {
+  for (const ClassDeclaration* declaration : m_schema->getDescendants("")) {
+    const bool isAbstract = m_texts.find(declaration->name)->isAbstract;
+    if (isAbstract) {
+      EXPECT_THAT(m_schema->getSubclasses(declaration->name), testing::Not(testing::IsEmpty()))
+          << declaration->name;
+      EXPECT_THAT(test::servedClasses(), testing::Not(testing::Contains(declaration->name)));
+    }
+    const ClassText* above = m_texts.find(declaration->superclass);
+    EXPECT_TRUE(!isAbstract || above == nullptr || above->isAbstract)
+        << declaration->name << " is abstract, and derives from a class that is not";
+  }
+}
+
+TEST_F(ServedTexts, TellWhichSchemaEachClassIsOf) {
+  for (const ClassDeclaration* declaration : m_schema->getDescendants("")) {
+    EXPECT_THAT(std::string(m_texts.find(declaration->name)->version),
+                test::ContainsRegex("^[0-9]+\\.[0-9]+\\.[0-9]+$"))
+        << declaration->name;
+  }
+}
+
 TEST_F(ServedTexts, SayNothingOfWhatTheirClassDoesNotDeclare) {
   for (const ClassDeclaration* declaration : m_schema->getDescendants("")) {
     const ClassText* text = m_texts.find(declaration->name);
