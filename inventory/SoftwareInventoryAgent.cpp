@@ -6,9 +6,12 @@
 #include <string>
 
 #include "Os/QuorvelConfig.h"
+#include "cim/SchemaTexts.h"
 #include "core/CimBroker.h"
+#include "core/ClassTexts.h"
 #include "core/DeclareClass.h"
 #include "inventory/FirmwareContent.h"
+#include "inventory/InventoryTexts.h"
 #include "inventory/Orvex_ElementSoftwareIdentity.h"
 #include "inventory/Orvex_EthernetPort.h"
 #include "inventory/Orvex_EthernetPortClass.h"
@@ -91,6 +94,11 @@ void SoftwareInventoryAgent::declareClasses(core::CimSchema& schema) const {
   core::declareClass<Orvex_SoftwareIdentityResource, AnyResource>(schema);
   core::declareClass<Orvex_ElementSoftwareIdentity, AnyElementSoftware>(schema);
   core::declarePlainClasses<Orvex_EthernetPortRegisteredProfile>(schema);
+}
+
+void SoftwareInventoryAgent::describeClasses(core::ClassTexts& texts) const {
+  cim::addSchemaTexts(texts);
+  texts.add(getInventoryTexts());
 }
 
 void addSoftwareInventoryAgent() {

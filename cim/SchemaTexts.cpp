@@ -1,0 +1,14 @@
+#include "cim/SchemaTexts.h"
+
+#include "cim/TextTables.h"
+
+namespace cim {
+
+void addSchemaTexts(core::ClassTexts& texts) {
+  texts.add(getElementTexts());
+  texts.add(getJobTexts());
+  texts.add(getServiceTexts());
+  texts.add(getProfileTexts());
+}
+
+}  // namespace cim
