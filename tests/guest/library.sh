@@ -228,7 +228,7 @@ start_service() {
   ip link set lo up
   (
     umask 077
-    echo "admin:$(openssl passwd -6 secret):operator" >/run/users
+    echo "admin:$(mkpasswd -m sha512 secret):operator" >/run/users
     printf '%s\n' "listen = 127.0.0.1:5988" "authentication = file" "password-file = /run/users" >/run/quorveld.conf
   )
   : >/run/quorveld.log
