@@ -167,24 +167,27 @@ def escape(path):
     return path.replace(",", ",,")
 
 
-def digest_of(file):
-    """Returns the first half of the digest that quorvel tells of an image, FNV-1a."""
+def described(file):
+    """Returns, of an option ROM, the first half of the digest that quorvel tells of it, FNV-1a, and the vendor and device
+    that it is for, as one word each."""
     digest = 0xCBF29CE484222325
     with open(file, "rb") as stream:
-        for byte in stream.read():
-            digest = (digest ^ byte) * 0x100000001B3 & 0xFFFFFFFFFFFFFFFF
-    return f"{digest >> 32:08x}"
+        rom = stream.read()
+    for byte in rom:
+        digest = (digest ^ byte) * 0x100000001B3 & 0xFFFFFFFFFFFFFFFF
+    vendor, device = struct.unpack_from("<HH", rom, struct.unpack_from("<H", rom, 0x18)[0] + 4)
+    return f"{digest >> 32:08x} {vendor:04x}:{device:04x}"
 
 
 def table(start):
     """Returns the lines of a start by which library.sh knows adapters: kind, name, address and driver, and for a stock
-    adapter its ROM, the digest of that and modules, for a board functions, ports, serial number and versions."""
+    adapter its ROM, what is told of that and modules, for a board functions, ports, serial number and versions."""
     all_stock, boards = start.adapters()
     lines = []
     for stock in all_stock:
         rom = os.path.join(ROMS, stock.rom)
         lines.append(f"stock {stock.name} 0000:00:{stock.slot:02x} {stock.driver} "
-                     f"{f'{rom} {digest_of(rom)}' if stock.rom else '- -'} {stock.modules}")
+                     f"{f'{rom} {described(rom)}' if stock.rom else '- - -'} {stock.modules}")
     lines += [f"board {board.name} 0000:00:{board.slot:02x} {board.driver} {board.functions} {board.ports} "
               f"{board.serial} {board.undi} {board.mgmt}" for board in boards]
     return "".join(line + "\n" for line in lines)
