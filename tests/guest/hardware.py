@@ -61,11 +61,15 @@ BOARDS = (
 )
 
 
-# A start of a machine. Its name is the folder of its stories; what is before a slash is the machine, whose starts
-# follow each other and find the flash of the boards as it was left. Machines run beside each other.
+SHARED, SHARED_BOARDS = ("service", "quorvel", "boards"), ("pair", "dual", "plain")
+
+
+# A start of a machine. What is before a slash in its name is the machine, whose starts follow each other and find the
+# flash of the boards as it was left. Machines run beside each other.
 @dataclasses.dataclass(frozen=True)
 class Start:
     name: str
+    stories: tuple = ()       # folders; one that several starts name is shared: who is first runs a story of it
     stock: bool = False       # has the stock adapters
     boards: tuple = ()        # and these boards
     runs_roms: bool = False   # when it starts: then they name themselves on the console, which takes its time
@@ -79,14 +83,17 @@ class Start:
         return STOCK if self.stock else (), [board for board in BOARDS if board.name in self.boards]
 
 
-# The longest first.
+# Two machines, since each takes as long as ten stories until it is ready, and again until its programs are in memory.
 STARTS = (
-    Start("quorvel", boards=("pair", "dual", "plain")),
-    Start("boards", boards=("pair", "dual", "plain")),
-    Start("stock", stock=True),
-    Start("restart/1-before", boards=("kept",)),
-    Start("restart/2-after", boards=("kept",), runs_roms=True),
+    Start("twice/1", ("before-restart", "stock"), stock=True, boards=("kept",)),
+    Start("twice/2", ("after-restart", *SHARED), boards=("kept", *SHARED_BOARDS), runs_roms=True),
+    Start("once", SHARED, boards=SHARED_BOARDS),
 )
+
+
+def is_shared(folder):
+    """Returns whether several starts run the stories of a folder."""
+    return sum(folder in start.stories for start in STARTS) > 1
 
 
 def rom_of(file, product):
@@ -160,12 +167,27 @@ def escape(path):
     return path.replace(",", ",,")
 
 
+def described(file):
+    """Returns, of an option ROM, the first half of the digest that quorvel tells of it, FNV-1a, and the vendor and device
+    that it is for, as one word each."""
+    digest = 0xCBF29CE484222325
+    with open(file, "rb") as stream:
+        rom = stream.read()
+    for byte in rom:
+        digest = (digest ^ byte) * 0x100000001B3 & 0xFFFFFFFFFFFFFFFF
+    vendor, device = struct.unpack_from("<HH", rom, struct.unpack_from("<H", rom, 0x18)[0] + 4)
+    return f"{digest >> 32:08x} {vendor:04x}:{device:04x}"
+
+
 def table(start):
     """Returns the lines of a start by which library.sh knows adapters: kind, name, address and driver, and for a stock
-    adapter its ROM and modules, for a board functions, ports, serial number and versions."""
+    adapter its ROM, what is told of that and modules, for a board functions, ports, serial number and versions."""
     all_stock, boards = start.adapters()
-    lines = [f"stock {stock.name} 0000:00:{stock.slot:02x} {stock.driver} "
-             f"{os.path.join(ROMS, stock.rom) if stock.rom else '-'} {stock.modules}" for stock in all_stock]
+    lines = []
+    for stock in all_stock:
+        rom = os.path.join(ROMS, stock.rom)
+        lines.append(f"stock {stock.name} 0000:00:{stock.slot:02x} {stock.driver} "
+                     f"{f'{rom} {described(rom)}' if stock.rom else '- - -'} {stock.modules}")
     lines += [f"board {board.name} 0000:00:{board.slot:02x} {board.driver} {board.functions} {board.ports} "
               f"{board.serial} {board.undi} {board.mgmt}" for board in boards]
     return "".join(line + "\n" for line in lines)

@@ -19,7 +19,7 @@
  * since users decide by a driver's name what they may send to it.
  *
  * In the folder testnic/SLOT of debugfs, for each board:
- *   step_ms   what each of the 20 steps of a write takes
+ *   step_ms   what each of the 20 steps of a write takes; 0 for no time at all
  *   fail_at   at how many percent of a component a write fails; 101 for never
  *   pause_at  at how many percent it waits until this is raised, for 20 seconds at the most; 101 for never
  *   percent   where the write is that runs; 101 when none does
@@ -63,7 +63,7 @@ static int ethtool_driver_count = 1;
 module_param_array(ethtool_drivers, charp, &ethtool_driver_count, 0444);
 MODULE_PARM_DESC(ethtool_drivers, "names of the drivers that have ETHTOOL_FLASHDEV alone");
 
-static uint step_ms = 2;
+static uint step_ms;
 module_param(step_ms, uint, 0644);
 MODULE_PARM_DESC(step_ms, "what a step of a write takes, for boards that are bound from now on");
 
@@ -217,7 +217,8 @@ static void testnic_step(struct testnic_board *board, unsigned int percent)
 			WRITE_ONCE(board->pause_at, TESTNIC_NEVER);
 		msleep(10);
 	}
-	msleep(READ_ONCE(board->step_ms));
+	if (READ_ONCE(board->step_ms))
+		msleep(READ_ONCE(board->step_ms));
 }
 
 static int testnic_write_steps(struct testnic_update *update, enum testnic_component component, u8 *to,
