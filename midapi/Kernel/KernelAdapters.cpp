@@ -12,6 +12,24 @@ namespace {
 
 constexpr std::chrono::milliseconds kBetweenLooks{250};
 
+// A function that sleeps, or is being reset, cannot be read, and is awake some seconds later. One
+// whose option ROM can never be read costs a try each time, which hardware may take a second for.
+constexpr std::chrono::seconds kFirstRetry{5};
+constexpr std::chrono::seconds kLastRetry{600};
+
+std::chrono::seconds retryAfter(int failures) {
+  std::chrono::seconds time = kFirstRetry;
+  for (int failure = 1; failure < failures && time < kLastRetry; ++failure) {
+    time *= 2;
+  }
+  return std::min(time, kLastRetry);
+}
+
+// Who lacks the right will lack it the next time.
+bool isFinal(const FileAnswer& file) {
+  return file.error == 0 || file.error == EACCES || file.error == EPERM;
+}
+
 // Tells a file that was not read so far from one that is empty.
 void noteUnread(FileAnswer& file, bool isWanted, int why) {
   if (isWanted && file.bytes.empty()) {
@@ -99,8 +117,8 @@ void KernelAdapters::forget(const AdapterAddress& address) {
     if (id.adapter == address) {
       ++known.changes;
       known.fresh = {};
-      known.hasVpd = false;
-      known.hasRom = false;
+      known.vpd = {};
+      known.rom = {};
     }
   }
 }
@@ -145,8 +163,8 @@ void KernelAdapters::choose(Look& look) {
       subject.isAsked = adapter.mayBeAsked && !isFresh;
       subject.changes = known->changes;
       subject.question.wantsLatest = known->changes != known->toldChanges;
-      subject.question.wantsVpd = function.hasVpd && !known->hasVpd;
-      subject.question.wantsRom = function.hasRom && !known->hasRom;
+      subject.question.wantsVpd = function.hasVpd && known->vpd.isDue(now);
+      subject.question.wantsRom = function.hasRom && known->rom.isDue(now);
     }
   }
   if (look.isOfAll) {
@@ -200,8 +218,8 @@ std::vector<KernelAdapter> KernelAdapters::tell(Look& look) {
                               known[i]->hasAnswered};
       function.answer.error = subject.error;
       const int whyUnread = subject.error != 0 ? subject.error : EBUSY;
-      noteUnread(function.answer.vpd, function.pci.hasVpd && !known[i]->hasVpd, whyUnread);
-      noteUnread(function.answer.rom, function.pci.hasRom && !known[i]->hasRom, whyUnread);
+      noteUnread(function.answer.vpd, function.pci.hasVpd && known[i]->vpd.isUntried(), whyUnread);
+      noteUnread(function.answer.rom, function.pci.hasRom && known[i]->rom.isUntried(), whyUnread);
       adapter.functions.push_back(std::move(function));
     }
     adapters.push_back(std::move(adapter));
@@ -235,6 +253,19 @@ KernelAdapters::Known* KernelAdapters::recognise(const Subject& subject, std::ui
   return &known;
 }
 
+void KernelAdapters::noteFile(FileAnswer file, bool isUnchanged, Reading& reading,
+                              FileAnswer& known) const {
+  if (reading.isDone) {
+    return;
+  }
+  known = std::move(file);
+  if (isUnchanged) {
+    reading.isDone = isFinal(known);
+    reading.failures += reading.isDone ? 0 : 1;
+    reading.retry = m_clock.now() + retryAfter(reading.failures);
+  }
+}
+
 void KernelAdapters::note(const Subject& subject, DriverAnswer answer, std::uint64_t look) {
   Known* const known = recognise(subject, look);
   // Who has devlink and did not answer there has answered all else.
@@ -243,15 +274,11 @@ void KernelAdapters::note(const Subject& subject, DriverAnswer answer, std::uint
     return;
   }
   const bool isUnchanged = subject.changes == known->changes;
-  if (!answer.isAway && subject.question.wantsVpd && !known->hasVpd &&
-      !isLate(answer, answer.vpd)) {
-    known->answer.vpd = std::move(answer.vpd);
-    known->hasVpd = isUnchanged;
+  if (!answer.isAway && subject.question.wantsVpd && !isLate(answer, answer.vpd)) {
+    noteFile(std::move(answer.vpd), isUnchanged, known->vpd, known->answer.vpd);
   }
-  if (!answer.isAway && subject.question.wantsRom && !known->hasRom &&
-      !isLate(answer, answer.rom)) {
-    known->answer.rom = std::move(answer.rom);
-    known->hasRom = isUnchanged;
+  if (!answer.isAway && subject.question.wantsRom && !isLate(answer, answer.rom)) {
+    noteFile(std::move(answer.rom), isUnchanged, known->rom, known->answer.rom);
   }
   if (known->askedBy > look) {
     return;

@@ -2,7 +2,8 @@
 //
 // What sysfs says is read at each look. What the drivers say is asked for all adapters at once, and
 // is a second old at the most; option ROMs and VPD are read once for as long as a function is
-// plugged in. An adapter whose flash is being written is not asked, nor is one that has not
+// plugged in, and those that could not be read some seconds later again, in ever longer intervals.
+// An adapter whose flash is being written is not asked, nor is one that has not
 // answered before it does: of those, what was last known is told, at once; who was never answered
 // is told, apart from that, what the writer has noted in the journal. Any thread may call; one that
 // asks for an adapter whose driver another one is just asking waits until that is over: no longer
@@ -87,16 +88,28 @@ class KernelAdapters {
     friend bool operator==(const Plug&, const Plug&) = default;
   };
 
+  // How far the reading of a file has come.
+  struct Reading {
+    bool isDone = false;
+    int failures = 0;
+    platform::Clock::TimePoint retry;  // after a failure
+
+    [[nodiscard]] bool isUntried() const { return !isDone && failures == 0; }
+    [[nodiscard]] bool isDue(platform::Clock::TimePoint now) const {
+      return !isDone && (failures == 0 || now >= retry);
+    }
+  };
+
   // What is known of a function. Looks are numbered: of two that go on at the same time, what the
   // later one has learnt counts.
   struct Known {
     Plug plug;
     std::string driver;
-    DriverAnswer answer;  // the last one; its VPD and option ROM, the first one
+    DriverAnswer answer;  // the last one; its VPD and option ROM, the first ones that were read
     bool hasAnswered = false;
     bool isAway = false;
-    bool hasVpd = false;
-    bool hasRom = false;
+    Reading vpd;
+    Reading rom;
     platform::Clock::TimePoint fresh;  // until then
     std::uint64_t changes = 0;         // how often it was to be forgotten
     std::uint64_t toldChanges = 0;  // as many there had been when it was asked for the last answer
@@ -121,6 +134,7 @@ class KernelAdapters {
   // Returns whether somebody writes it who has noted that.
   [[nodiscard]] bool hasWriter(const AdapterAddress& adapter,
                                const std::optional<FlashEntry>& entry) const;
+  void noteFile(FileAnswer file, bool isUnchanged, Reading& reading, FileAnswer& known) const;
   void note(const Subject& subject, DriverAnswer answer, std::uint64_t look)
       ORVEX_REQUIRES(m_mutex);
 

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <filesystem>
@@ -175,6 +176,59 @@ TEST_F(KernelAdaptersTest, ReadsVpdAndRomOnce) {
     pass(milliseconds(1000));
   }
   EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0 vpd rom", "0000:03:00.0"));
+}
+
+TEST_F(KernelAdaptersTest, ReadsAFileAgainLaterThatCouldNotBeRead) {
+  addVpdAndRom(kPort);
+  m_drivers.answers[kPort].rom = {EINVAL, {}};
+  m_drivers.answers[kPort].vpd = {EIO, {}};
+  EXPECT_EQ(m_adapters.find(kAdapter)->functions[0].answer.rom.error, EINVAL);
+  pass(std::chrono::seconds(4));
+  EXPECT_EQ(m_adapters.find(kAdapter)->functions[0].answer.vpd.error, EIO);
+  EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0 vpd rom", "0000:03:00.0"));
+  addVpdAndRom(kPort);
+  pass(std::chrono::seconds(1));
+  EXPECT_THAT(m_adapters.find(kAdapter)->functions[0].answer.rom.bytes, ElementsAre(0x55, 0xAA));
+  pass(std::chrono::hours(1));
+  tell();
+  EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0 vpd rom", "0000:03:00.0"));
+}
+
+TEST_F(KernelAdaptersTest, TriesEverMoreSeldomToReadWhatNeverCan) {
+  addVpdAndRom(kPort);
+  m_drivers.answers[kPort].rom = {EINVAL, {}};
+  const auto triesIn = [this](std::chrono::seconds time) {
+    for (std::chrono::seconds passed{0}; passed < time; passed += std::chrono::seconds(1)) {
+      pass(std::chrono::seconds(1));
+      tell();
+    }
+    const auto asked = m_drivers.takeAsked();
+    return std::count_if(asked.begin(), asked.end(), [](const std::string& question) {
+      return question.find("rom") != std::string::npos;
+    });
+  };
+  EXPECT_EQ(triesIn(std::chrono::seconds(60)), 4);  // after 0, 5, 15 and 35 seconds
+  triesIn(std::chrono::hours(1));
+  EXPECT_EQ(triesIn(std::chrono::hours(1)), 6);
+}
+
+TEST_F(KernelAdaptersTest, DoesNotTryAgainWithoutTheRight) {
+  addVpdAndRom(kPort);
+  m_drivers.answers[kPort].rom = {EACCES, {}};
+  tell();
+  pass(std::chrono::hours(1));
+  tell();
+  EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0 vpd rom", "0000:03:00.0"));
+}
+
+TEST_F(KernelAdaptersTest, TriesAtOnceWhenSomethingHasChanged) {
+  addVpdAndRom(kPort);
+  m_drivers.answers[kPort].rom = {EIO, {}};
+  tell();
+  m_adapters.forget(kAdapter);
+  tell();
+  EXPECT_THAT(m_drivers.takeAsked(),
+              ElementsAre("0000:03:00.0 vpd rom", "0000:03:00.0 vpd rom latest"));
 }
 
 TEST_F(KernelAdaptersTest, ReadsThemAgainWhenTheFunctionIsPluggedInAgain) {
