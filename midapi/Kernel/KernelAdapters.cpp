@@ -268,9 +268,7 @@ void KernelAdapters::noteFile(FileAnswer file, bool isUnchanged, Reading& readin
 
 void KernelAdapters::note(const Subject& subject, DriverAnswer answer, std::uint64_t look) {
   Known* const known = recognise(subject, look);
-  // Who has devlink and did not answer there has answered all else.
-  const bool isMuteNow = answer.error != 0 && answer.devlink;
-  if (known == nullptr || (answer.error != 0 && !isMuteNow)) {
+  if (known == nullptr) {
     return;
   }
   const bool isUnchanged = subject.changes == known->changes;
@@ -280,7 +278,9 @@ void KernelAdapters::note(const Subject& subject, DriverAnswer answer, std::uint
   if (!answer.isAway && subject.question.wantsRom && !isLate(answer, answer.rom)) {
     noteFile(std::move(answer.rom), isUnchanged, known->rom, known->answer.rom);
   }
-  if (known->askedBy > look) {
+  // Whether a driver that could not be asked at all is away is not known better than before.
+  const bool isMuteNow = answer.error != 0 && answer.devlink;
+  if (known->askedBy > look || (answer.error != 0 && !isMuteNow)) {
     return;
   }
   known->askedBy = look;

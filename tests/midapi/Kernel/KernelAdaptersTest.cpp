@@ -39,6 +39,15 @@ DriverAnswer stored(const std::string& version) {
   return answer;
 }
 
+// Of a driver that could not be asked.
+DriverAnswer unasked(int error) {
+  DriverAnswer answer;
+  answer.error = error;
+  answer.isPartial = true;
+  answer.vpd.error = answer.rom.error = EBUSY;
+  return answer;
+}
+
 DriverAnswer away() {
   DriverAnswer answer;
   answer.isAway = true;
@@ -419,8 +428,7 @@ TEST_F(KernelAdaptersTest, KeepsWhatIsKnownWhereNothingCanBeAsked) {
   addVpdAndRom(kPort);
   EXPECT_EQ(tell(), "1.0");
   m_adapters.forget(kAdapter);
-  m_drivers.answers[kPort] = {};
-  m_drivers.answers[kPort].error = EAGAIN;
+  m_drivers.answers[kPort] = unasked(EAGAIN);
   const auto adapter = m_adapters.find(kAdapter);
   ASSERT_TRUE(adapter);
   EXPECT_EQ(told(*adapter), "1.0");
@@ -429,6 +437,19 @@ TEST_F(KernelAdaptersTest, KeepsWhatIsKnownWhereNothingCanBeAsked) {
   m_drivers.takeAsked();
   EXPECT_EQ(tell(), "1.0");
   EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0 vpd rom latest"));
+}
+
+TEST_F(KernelAdaptersTest, ReadsTheFilesOfADriverThatCannotBeAsked) {
+  m_drivers.answers[kPort] = {};
+  addVpdAndRom(kPort);
+  m_drivers.answers[kPort].error = EMFILE;
+  const auto adapter = m_adapters.find(kAdapter);
+  ASSERT_TRUE(adapter);
+  EXPECT_EQ(adapter->functions[0].answer.error, EMFILE);
+  EXPECT_FALSE(adapter->functions[0].hasAnswered);
+  EXPECT_THAT(adapter->functions[0].answer.rom.bytes, ElementsAre(0x55, 0xAA));
+  EXPECT_EQ(tell(), "?");
+  EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0 vpd rom", "0000:03:00.0"));
 }
 
 // One thread asks a driver, and meanwhile another one looks.
