@@ -48,8 +48,9 @@ struct FileAnswer {
 };
 
 struct DriverAnswer {
-  // 0, or an errno value: why the driver has not said what it says at other times. All else is
-  // empty then, but where it has devlink (see there).
+  // 0, or an errno value: why the driver has not said what it says at other times, or could not be
+  // asked. What it says is empty then, but where it has devlink (see there); that is no proof that
+  // it has none.
   int error = 0;
   // The driver has not answered by devlink in time, and goes on; all else is empty then. Its flash
   // may be being written.

@@ -38,6 +38,8 @@ DriverAnswer answerOfAway() {
 DriverAnswer failed(int error) {
   DriverAnswer answer;
   answer.error = error;
+  answer.isPartial = true;
+  answer.vpd.error = answer.rom.error = EBUSY;
   return answer;
 }
 
@@ -125,7 +127,7 @@ DriverAnswer DriverInquiry::askFor(const DriverQuestion& question, Round& round)
       return failed(ECANCELED);
     }
     DriverAnswer answer = rest.answer();
-    answer.error = devlink.answer().error;
+    answer.error = devlink.answer().error != 0 ? devlink.answer().error : answer.error;
     answer.devlink = devlink.answer().devlink;
     answer.isPartial = restState == State::Waiting;
     return answer;

@@ -1,5 +1,6 @@
 #include "midapi/Kernel/FlashRoute.h"
 
+#include <system_error>
 #include <utility>
 
 namespace ma {
@@ -10,6 +11,11 @@ bool isUnknown(const KernelAdapter& adapter, const KernelFunction& function) {
   return adapter.isBeingWritten && !function.hasAnswered && !function.answer.devlink;
 }
 
+// Returns whether it could not be asked for that, ever.
+bool isUnasked(const KernelFunction& function) {
+  return function.answer.error != 0 && !function.hasAnswered && !function.answer.devlink;
+}
+
 std::string whyNone(const KernelAdapter& adapter, const KernelFunction& function,
                     const KernelDriver& driver) {
   const std::string& name = function.pci.driver;
@@ -18,6 +24,10 @@ std::string whyNone(const KernelAdapter& adapter, const KernelFunction& function
   }
   if (isUnknown(adapter, function)) {
     return "its driver " + name + " has not answered yet; it may be writing the flash";
+  }
+  if (isUnasked(function) && (driver.name.empty() || driver.hasDevlink)) {
+    return "its driver " + name + " could not be asked whether it writes firmware by devlink: " +
+           std::generic_category().message(function.answer.error) + "; try again";
   }
   if (driver.name.empty()) {
     return "its driver " + name +
@@ -45,7 +55,7 @@ FlashRoute routeThrough(const KernelAdapter& adapter, const KernelFunction& func
   // One that is known to have devlink alone, and does not answer now, is writing the flash by it.
   if (driver.hasDevlink && (hasDevlink || (isOpen && !driver.hasEthtool))) {
     route.way = FlashWay::Devlink;
-  } else if (driver.hasEthtool && !(isOpen && driver.hasDevlink) &&
+  } else if (driver.hasEthtool && !((isOpen || isUnasked(function)) && driver.hasDevlink) &&
              !function.pci.interfaces.empty()) {
     route.way = FlashWay::Ethtool;
     route.interface = function.pci.interfaces.front().name;

@@ -102,6 +102,12 @@ bool hasAnswered(const std::optional<KernelAdapter>& adapter, const PortId& id) 
   return function != nullptr && function->answer.error == 0 && function->answer.devlink;
 }
 
+// Returns whether what is known of the function is from before.
+bool isSilent(const KernelAdapter& adapter, const PortId& id) {
+  const KernelFunction* const function = findFunction(adapter, id);
+  return adapter.isBeingWritten || function == nullptr || function->answer.error != 0;
+}
+
 // Returns whether the function's driver may yet answer.
 bool isBusy(const std::optional<KernelAdapter>& adapter, const PortId& id) {
   const KernelFunction* const function = adapter ? findFunction(*adapter, id) : nullptr;
@@ -144,6 +150,7 @@ struct KernelFlashBackend::Subject {
     return {function.ids,    route.driver,         function.driver,     isTrusted,
             whyNotUpdatable, romOf(adapter, port), isRomKnown(adapter), versions};
   }
+  [[nodiscard]] SeenAdapter seen() const { return see(adapter, *route.function, versions); }
   [[nodiscard]] AdapterFacts facts() const {
     const PciIds& ids = route.function->pci.ids;
     return {ids.vendor, ids.device, whyNotUpdatable.empty()};
@@ -240,7 +247,11 @@ Preparation KernelFlashBackend::prepare(const PortId& port, ConstBytes file,
                                         const std::vector<utils::FirmwareType>& types) {
   m_adapters.awaitAnswer(port.adapter);
   const Subject subject = subjectOf(port);
-  return prepareFirmware(subject.target(), file, buffer, types);
+  Preparation preparation = prepareFirmware(subject.target(), file, buffer, types);
+  if (preparation.filled != 0) {
+    m_checked.note(port.adapter, digestOf(buffer.first(preparation.filled)), subject.seen());
+  }
+  return preparation;
 }
 
 ImageComparison KernelFlashBackend::compare(const PortId& port, ConstBytes file) {
@@ -282,18 +293,26 @@ void KernelFlashBackend::setBootType(const PortId& port, BootType /*bootType*/) 
 
 void KernelFlashBackend::writeFlash(const PortId& port, ConstBytes image, WriteProgress& progress) {
   const FlashJournal::Claim claim = m_journal.claim(port.adapter);
-  const Subject subject = subjectOf(port, m_adapters.findForWriter(port.adapter));
-  if (!subject.whyNotUpdatable.empty()) {
-    throw FlashFault(FlashError::NotUpdatable, subject.whyNotUpdatable);
+  if (const std::string why = hasAdapter(port.adapter) ? whyNobody() : ""; !why.empty()) {
+    throw FlashFault(FlashError::NotUpdatable, why);
   }
-  const FlashPlan plan = planFlash(subject.target(), image);
   const std::filesystem::path folder = firmwareFolder();
   sweepStagedFirmware(m_files, folder, port.adapter);
-  // Before the entry: where there is one, the kernel may have been asked.
+  // Before the entry: where there is one, the kernel may have been asked. And before the last look
+  // at the adapter: a large file takes its time.
   const StagedFirmware staged(m_files, folder, port.adapter, image);
-  const FlashEntry entry{image.size(), digestOf(image), storedOf(subject.versions), plan.versions,
+  const std::uint64_t digest = digestOf(image);
+  Subject subject = subjectToWrite(port, digest);
+  const FlashPlan plan = planFlash(subject.target(), image);
+  const FlashEntry entry{image.size(), digest, storedOf(subject.versions), plan.versions,
                          runningOf(subject.versions)};
   claim.enter(entry);
+  try {
+    lookAgain(subject);
+  } catch (const FlashFault&) {
+    clearQuietly(claim);
+    throw;
+  }
   const NetlinkAck ack = flash(subject, staged.name(), plan.bytes, progress);
   m_adapters.forget(port.adapter);
   if (ack.isLost) {
@@ -445,6 +464,60 @@ void KernelFlashBackend::sweepUnasked(const std::set<AdapterAddress>& adapters) 
     if (attempt.claim && !m_journal.hasEntry(adapter)) {
       sweepStagedFirmware(m_files, folder, adapter);
     }
+  }
+}
+
+KernelFlashBackend::Subject KernelFlashBackend::subjectToWrite(const PortId& port,
+                                                               std::uint64_t digest) {
+  const auto end = m_clock.now() + kLongestAbsence;
+  const auto checked = m_checked.find(port.adapter, digest);
+  for (;;) {
+    Subject subject = subjectOf(port, m_adapters.findForWriter(port.adapter));
+    const PortId& function = subject.route.function->pci.id;
+    const std::string change = checked ? findChange(*checked, subject.seen()) : "";
+    if (!change.empty()) {
+      throw FlashFault(FlashError::Changed,
+                       toString(function) + ": " + change + "; check the file against it again");
+    }
+    if (!subject.whyNotUpdatable.empty()) {
+      throw FlashFault(FlashError::NotUpdatable, subject.whyNotUpdatable);
+    }
+    // What is known from before says nothing of a card that was exchanged.
+    if (!checked || checked->versions.empty() || !isSilent(subject.adapter, function)) {
+      return subject;
+    }
+    if (m_clock.now() >= end) {
+      throw FlashFault(FlashError::NotUpdatable,
+                       "its driver " + subject.route.function->pci.driver +
+                           " does not answer, so nobody can tell whether " + toString(function) +
+                           " is as it was when the file was checked; try again when it does");
+    }
+    m_clock.sleepFor(kBetweenLooks);
+  }
+}
+
+void KernelFlashBackend::lookAgain(Subject& subject) const {
+  const PciFunction& looked = subject.route.function->pci;
+  const std::string where = toString(looked.id);
+  const auto functions = findPciFunctions(m_places.sysfs, looked.id.adapter);
+  const auto now = std::ranges::find(functions, looked.id, &PciFunction::id);
+  const std::string advice = "; check the file against it again";
+  if (now == functions.end()) {
+    throw FlashFault(FlashError::Changed, where + " has been taken away" + advice);
+  }
+  if (const auto change =
+          findChange({looked.ids, looked.driver, {}, {}, {}}, {now->ids, now->driver, {}, {}, {}});
+      !change.empty()) {
+    throw FlashFault(FlashError::Changed, where + ": " + change + advice);
+  }
+  if (subject.route.way == FlashWay::Ethtool) {
+    if (now->interfaces.empty()) {
+      throw FlashFault(FlashError::Changed,
+                       where + ": its driver " + now->driver +
+                           " writes firmware through a network interface, and has none any more" +
+                           advice);
+    }
+    subject.route.interface = now->interfaces.front().name;
   }
 }
 

@@ -28,6 +28,7 @@
 #include "midapi/Kernel/FlashJournal.h"
 #include "midapi/Kernel/KernelAdapters.h"
 #include "midapi/Kernel/PciNames.h"
+#include "midapi/Kernel/SeenAdapter.h"
 #include "platform/Clock.h"
 #include "platform/Mutex.h"
 
@@ -96,6 +97,12 @@ class KernelFlashBackend final : public FlashBackend {
   void sweepUnasked(const std::set<AdapterAddress>& adapters) const;
 
   // The steps of writeFlash.
+  // Returns the adapter, which is the one that a check of the image saw where there was one. Throws
+  // where it is not, or where that cannot be told.
+  [[nodiscard]] Subject subjectToWrite(const PortId& port, std::uint64_t digest);
+  // Looks where the function is now: its network interface may have been renamed, and its name be
+  // another adapter's. Asks no driver.
+  void lookAgain(Subject& subject) const;
   [[nodiscard]] NetlinkAck flash(const Subject& subject, const std::string& file,
                                  std::uint64_t bytes, WriteProgress& progress);
   void verify(const PortId& function, const FlashEntry& entry, const FlashJournal::Claim& claim);
@@ -108,6 +115,7 @@ class KernelFlashBackend final : public FlashBackend {
   platform::Clock& m_clock;
   const FlashJournal m_journal;
   KernelAdapters m_adapters;
+  SeenAdapters m_checked;
 
   platform::Mutex m_mutex;
   std::set<AdapterAddress> m_updates ORVEX_GUARDED_BY(m_mutex);  // that have begun

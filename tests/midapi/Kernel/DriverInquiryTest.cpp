@@ -83,9 +83,10 @@ class DriverInquiryTest : public testing::Test {
     return questions;
   }
   static std::string told(const DriverAnswer& answer) {
-    return answer.isAway || answer.isPartial ? "away"
-           : answer.error != 0               ? "error " + std::to_string(answer.error)
-                               : std::string(answer.vpd.bytes.begin(), answer.vpd.bytes.end());
+    return answer.error != 0 ? "error " + std::to_string(answer.error)
+           : answer.isAway || answer.isPartial
+               ? "away"
+               : std::string(answer.vpd.bytes.begin(), answer.vpd.bytes.end());
   }
   // Returns what is answered for each function.
   std::vector<std::string> ask() { return ask(questions()); }

@@ -1,3 +1,4 @@
+#include <cerrno>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -80,6 +81,22 @@ TEST_F(FlashRouteTest, GoesNoOtherWayWhileTheFlashIsWritten) {
   m_adapter.functions[0].hasAnswered = false;
   EXPECT_EQ(whyNone(), "its driver bnxt_en has not answered yet; it may be writing the flash");
   m_adapter.functions[0].pci.driver = "qede";
+  EXPECT_EQ(route().way, FlashWay::Ethtool);
+}
+
+TEST_F(FlashRouteTest, GoesNoWayThroughADriverThatCouldNotBeAsked) {
+  KernelFunction& function = add("e1000e", false);
+  function.answer.error = EMFILE;
+  const std::string end =
+      " could not be asked whether it writes firmware by devlink: Too many open files; try again";
+  for (const char* driver : {"e1000e", "ice", "bnxt_en"}) {
+    function.pci.driver = driver;
+    EXPECT_EQ(whyNone(), std::string("its driver ") + driver + end);
+  }
+  function.pci.driver = "qede";
+  EXPECT_EQ(route().way, FlashWay::Ethtool);
+  function.hasAnswered = true;
+  function.pci.driver = "bnxt_en";
   EXPECT_EQ(route().way, FlashWay::Ethtool);
 }
 
