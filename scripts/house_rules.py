@@ -13,6 +13,7 @@ MAY_INCLUDE = {
     "Os": ["Os", "Utils", "platform"],
     "core": ["core", "Utils"],
     "cim": ["cim", "core", "Utils"],
+    "query": ["query", "core", "Utils", "platform"],
     "midapi": ["midapi", "platform", MIDAPI_VOCABULARY],
     "inventory": ["inventory", "cim", "core", "Os", "Utils", "platform", "midapi"],
     "agent": ["agent", INSTANCE_CLASSES, "cim", "core", "Os", "Utils", "platform", "midapi"],
@@ -35,6 +36,7 @@ NAMESPACES = {
     "platform": {"platform": None},
     "core": {"core": None},
     "cim": {"cim": None},
+    "query": {"query": None},
     "midapi": {"ma": "the flash library's name in the interfaces of its users"},
     "inventory": {"inventory": None},
     "agent": {"agent": None, "core": "core::SoftwareUpdateAgent, as hosts know it"},
@@ -133,7 +135,7 @@ PLATFORM_VARIABLE = "${QUORVEL_PLATFORM_DIR}"
 
 # Folders whose sources need tests.
 TESTED_FOLDERS = (
-    "platform", "Utils", "Os", "core", "cim", "midapi", "inventory", "agent", "cimxml", "http", "wbem",
+    "platform", "Utils", "Os", "core", "cim", "query", "midapi", "inventory", "agent", "cimxml", "http", "wbem",
     "host", "client", "daemon", "cli",
 )
 
