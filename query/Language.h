@@ -17,6 +17,8 @@ enum class Language { Wql, Cql, Fql };
 // Returns the language in which a whole query may be written, SELECT and all; names are compared
 // without regard to case. Returns nothing for any other.
 [[nodiscard]] std::optional<Language> findQueryLanguage(std::string_view name);
+// The same for what narrows an enumeration down: any of the languages.
+[[nodiscard]] std::optional<Language> findFilterLanguage(std::string_view name);
 
 // Returns the name by which clients know it.
 [[nodiscard]] std::string_view getName(Language language);

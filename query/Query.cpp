@@ -5,6 +5,7 @@
 
 #include "query/Evaluation.h"
 #include "query/Parser.h"
+#include "query/QueryWords.h"
 #include "query/StatementBinding.h"
 
 namespace query {
@@ -29,8 +30,12 @@ std::optional<std::vector<std::string>> namesOf(const Statement& statement) {
 Query::Query(std::shared_ptr<const Statement> statement)
     : m_statement(std::move(statement)), m_selected(namesOf(*m_statement)) {}
 
-Query Query::parse(std::string_view text, Language language, const core::CimSchema& schema) {
+Query Query::parse(std::string_view text, Language language, const core::CimSchema& schema,
+                   const std::string& className) {
   auto statement = std::make_shared<Statement>(parseStatement(text, language));
+  if (language == Language::Fql) {
+    statement->from.name = className;
+  }
   bindStatement(*statement, text, schema);
   return Query(std::move(statement));
 }
@@ -45,12 +50,19 @@ bool Query::matches(const InstanceView& instance) const {
          (!statement.where || evaluate(*statement.where, instance) == Truth::True);
 }
 
-std::string findFromClass(std::string_view text, Language language) {
+std::string findFromClass(std::string_view text) {
   try {
-    return parseStatement(text, language).from.name;
+    QueryWords words(text);
+    while (words.token().kind != Token::Kind::End) {
+      if (words.takeWord("FROM")) {
+        return words.isAtName() ? words.takeName("") : "";
+      }
+      words.advance();
+    }
   } catch (const QueryFault&) {
-    return "";
+    // what is wrong is told to who asks for the answer
   }
+  return "";
 }
 
 }  // namespace query

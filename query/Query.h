@@ -21,10 +21,12 @@ struct Statement;
 
 class Query {
  public:
-  // Reads "SELECT ... FROM ... WHERE ..." (see query/Parser.h), of DMTF:FQL a condition about
-  // instances of any class. Throws QueryFault, which names the place in the text.
+  // Reads "SELECT ... FROM ... WHERE ..." (see query/Parser.h), of DMTF:FQL a condition alone.
+  // Throws QueryFault, which names the place in the text. `className` is the class that such a
+  // condition is about, one of the schema; empty: any.
   [[nodiscard]] static Query parse(std::string_view text, Language language,
-                                   const core::CimSchema& schema);
+                                   const core::CimSchema& schema,
+                                   const std::string& className = "");
 
   // Returns the class as the schema spells it; empty: any.
   [[nodiscard]] const std::string& fromClass() const;
@@ -44,9 +46,9 @@ class Query {
   std::optional<std::vector<std::string>> m_selected;
 };
 
-// Returns the class that a query names, as it is written there; empty where the text is no query.
-// For who has to know it before there is a schema.
-[[nodiscard]] std::string findFromClass(std::string_view text, Language language);
+// Returns the class that a query names, as it is written there, whatever else the text says; empty
+// where none is found. For who has to know it before there is a schema.
+[[nodiscard]] std::string findFromClass(std::string_view text);
 
 }  // namespace query
 

@@ -19,7 +19,7 @@ MAY_INCLUDE = {
     "agent": ["agent", INSTANCE_CLASSES, "cim", "core", "Os", "Utils", "platform", "midapi"],
     "cimxml": ["cimxml", "core", "Utils"],
     "http": ["http", "Utils", "platform"],
-    "wbem": ["wbem", "cimxml", "cim", "core", "Os", "Utils"],
+    "wbem": ["wbem", "query", "cimxml", "cim", "core", "Os", "Utils"],
     "host": ["host", "core", "Os", "Utils", "platform"],
     "daemon": ["daemon", "host", "http", "wbem", "cimxml", "core", "Os", "Utils", "platform"],
     "client": ["client", "http", "cimxml", "cim", "core", "Utils", "platform"],

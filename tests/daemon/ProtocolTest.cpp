@@ -330,7 +330,7 @@ TEST_F(ProtocolTest, AnswersErrorsOfCim) {
   expectError("GetInstance", instanceName(key("DeviceID", "0000:09:00.0")), 6);
   expectError("GetInstance", "", 4);
   expectError("DeleteInstance", instanceName(key("DeviceID", "0000:03:00.0")), 7);
-  expectError("ExecQuery", "", 7);
+  expectError("ExecQuery", "", 4);
   expectError("MakeCoffee", "", 7);
   // A value of a wrong type.
   expectError("EnumerateInstances",

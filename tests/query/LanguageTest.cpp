@@ -19,6 +19,13 @@ TEST(Language, IsNoneForAnyOtherName) {
   }
 }
 
+TEST(Language, OfAFilterIsOneMore) {
+  EXPECT_EQ(query::findFilterLanguage("DMTF:FQL"), Language::Fql);
+  EXPECT_EQ(query::findFilterLanguage("wql"), Language::Wql);
+  EXPECT_EQ(query::findFilterLanguage("DMTF:CQL"), Language::Cql);
+  EXPECT_EQ(query::findFilterLanguage("FQL"), std::nullopt);
+}
+
 TEST(Language, HasTheNameByWhichClientsKnowIt) {
   EXPECT_EQ(query::getName(Language::Wql), "WQL");
   EXPECT_EQ(query::getName(Language::Cql), "DMTF:CQL");

@@ -55,15 +55,27 @@ TEST(Query, IsAConditionAboutAnyInstanceInFql) {
   EXPECT_FALSE(query.matches(FakeView("Test_Indication")));
 }
 
+TEST(Query, IsAConditionAboutAClassInFql) {
+  const Query query = Query::parse("count = 3", Language::Fql, test::querySchema(), "Test_Thing");
+  EXPECT_EQ(query.fromClass(), "Test_Thing");
+  EXPECT_TRUE(query.matches(FakeView("Test_Job", {{"Count", test::number(3)}})));
+  EXPECT_EQ(test::faultOf([] {
+              static_cast<void>(
+                  Query::parse("Cuont = 3", Language::Fql, test::querySchema(), "Test_Thing"));
+            }),
+            "line 1, column 1: class Test_Thing has no property 'Cuont'; did you mean Count?");
+}
+
 TEST(Query, IsRefusedWithItsPlace) {
   EXPECT_EQ(test::faultOf([] { static_cast<void>(parse("SELECT * FROM Test_Thing WHERE x = 1")); }),
             "line 1, column 32: class Test_Thing has no property 'x'");
 }
 
 TEST(FindFromClass, NeedsNoSchema) {
-  EXPECT_EQ(query::findFromClass("SELECT a FROM Some_Class WHERE b = 1", Language::Wql),
-            "Some_Class");
-  EXPECT_EQ(query::findFromClass("SELECT", Language::Wql), "");
+  EXPECT_EQ(query::findFromClass("SELECT a from Some_Class WHERE b ?"), "Some_Class");
+  for (const char* text : {"", "SELECT", "SELECT * FROM", "SELECT * FROM 'x", "SELECT ' FROM A"}) {
+    EXPECT_EQ(query::findFromClass(text), "") << text;
+  }
 }
 
 }  // namespace
