@@ -2,12 +2,9 @@
 
 #include <memory>
 #include <string>
-#include <vector>
 
-#include "Utils/Printable.h"
 #include "cli/Command.h"
-#include "cli/JsonOutput.h"
-#include "cli/Output.h"
+#include "cli/InstancesOutput.h"
 #include "cli/Session.h"
 #include "client/ServedClasses.h"
 
@@ -26,32 +23,12 @@ struct Options {
   bool isAllShown = false;
 };
 
-void printInstances(std::ostream& out, const client::Instances& instances,
-                    client::NullProperties nulls) {
-  bool isFirst = true;
-  for (const client::InstanceSnapshot& instance : instances) {
-    out << (isFirst ? "" : "\n") << utils::toPrintable(instance.path) << '\n';
-    printProperties(out, instance.properties, nulls);
-    isFirst = false;
-  }
-}
-
 ExitStatus showInstances(const Context& context, const Options& options) {
   const std::unique_ptr<client::Connection> connection = openConnection(context.options);
   const auto nulls =
       options.isAllShown ? client::NullProperties::Shown : client::NullProperties::Left;
-  const client::Instances instances = client::demandInstances(*connection, options.className);
-  if (context.options.isJson) {
-    client::Value document = client::Value::array();
-    for (const client::InstanceSnapshot& instance : instances) {
-      document.push(client::toValue(instance, nulls));
-    }
-    printJson(context.out, document);
-  } else if (instances.empty()) {
-    context.out << utils::toPrintable(options.className) << " has no instances\n";
-  } else {
-    printInstances(context.out, instances, nulls);
-  }
+  printInstances(context, client::demandInstances(*connection, options.className), nulls,
+                 options.className + " has no instances");
   return ExitStatus::Done;
 }
 

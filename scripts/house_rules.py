@@ -22,7 +22,7 @@ MAY_INCLUDE = {
     "wbem": ["wbem", "query", "cimxml", "cim", "core", "Os", "Utils"],
     "host": ["host", "core", "Os", "Utils", "platform"],
     "daemon": ["daemon", "host", "http", "wbem", "cimxml", "core", "Os", "Utils", "platform"],
-    "client": ["client", "http", "cimxml", "cim", "core", "Utils", "platform"],
+    "client": ["client", "query", "http", "cimxml", "cim", "core", "Utils", "platform"],
     "cli": ["cli", "client", "host", "midapi", "cim", "core", "Os", "Utils", "platform"],
     "tests": None,  # anything
     "bench": None,

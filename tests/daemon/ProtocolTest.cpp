@@ -115,6 +115,17 @@ class ProtocolTest : public test::QuorveldFixture {
         << request.body;
   }
 
+  // Sends a query in WQL and returns the answer. The query is written as XML has it.
+  [[nodiscard]] std::string queryFor(const std::string& name, const std::string& language,
+                                     const std::string& parameter, const std::string& query) const {
+    HttpRequest request;
+    request.cimMethod = name;
+    request.body = operation(name, "<IPARAMVALUE NAME=\"" + language +
+                                       "\"><VALUE>WQL</VALUE></IPARAMVALUE><IPARAMVALUE NAME=\"" +
+                                       parameter + "\"><VALUE>" + query + "</VALUE></IPARAMVALUE>");
+    return exchange(request.text());
+  }
+
   // Returns a call of RequestStateChange, or another method, on the service.
   [[nodiscard]] static HttpRequest methodCall(const std::string& method,
                                               const std::string& parameters) {
@@ -340,6 +351,38 @@ TEST_F(ProtocolTest, AnswersErrorsOfCim) {
   expectError("EnumerateInstances",
               R"(<IPARAMVALUE NAME="ClassName"><VALUE>Orvex_EthernetPort</VALUE></IPARAMVALUE>)",
               4);
+}
+
+TEST_F(ProtocolTest, AnswersQueries) {
+  const std::string found = queryFor(
+      "ExecQuery", "QueryLanguage", "Query",
+      "SELECT DeviceID FROM CIM_LogicalDevice WHERE DeviceID LIKE '%0.1' AND Name &lt;&gt; "
+      "&quot;x&quot;");
+  EXPECT_THAT(
+      found,
+      AllOf(HasSubstr("<IMETHODRESPONSE NAME=\"ExecQuery\"><IRETURNVALUE>"
+                      "<VALUE.OBJECTWITHPATH><INSTANCEPATH>"),
+            HasSubstr("<INSTANCE CLASSNAME=\"Orvex_EthernetPort\"><PROPERTY NAME=\"DeviceID\" "
+                      "TYPE=\"string\"><VALUE>0000:03:00.1</VALUE></PROPERTY></INSTANCE>"
+                      "</VALUE.OBJECTWITHPATH></IRETURNVALUE>")));
+  EXPECT_THAT(queryFor("OpenQueryInstances", "FilterQueryLanguage", "FilterQuery",
+                       "SELECT DeviceID FROM Orvex_EthernetPort"),
+              AllOf(HasSubstr("<IRETURNVALUE></IRETURNVALUE>"),
+                    HasSubstr("NAME=\"EndOfSequence\" PARAMTYPE=\"boolean\"><VALUE>FALSE<")));
+}
+
+TEST_F(ProtocolTest, RefusesWrongQueriesWithThePlace) {
+  const auto refusalOf = [this](const std::string& query) {
+    return queryFor("ExecQuery", "QueryLanguage", "Query", query);
+  };
+  EXPECT_THAT(refusalOf("SELECT *\nFROM Orvex_EthernetPort WHERE"),
+              HasSubstr("<ERROR CODE=\"15\" DESCRIPTION=\"line 2, column 30: "));
+  EXPECT_THAT(refusalOf("SELECT * FROM Nothing"), HasSubstr("<ERROR CODE=\"5\""));
+  EXPECT_THAT(refusalOf(std::string(10'000, '(')), HasSubstr("<ERROR CODE=\"15\""));
+  std::string nested = "SELECT * FROM Orvex_EthernetPort WHERE ";
+  nested += std::string(10'000, '(') + "Name = 'x'";
+  EXPECT_THAT(refusalOf(nested), HasSubstr("nested deeper than 64"));
+  EXPECT_THAT(refusalOf(std::string(60'000, ' ')), HasSubstr("16384 bytes at the most"));
 }
 
 TEST_F(ProtocolTest, KnowsItsNamespacesAlone) {
