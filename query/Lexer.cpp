@@ -221,7 +221,7 @@ Token Lexer::readNumber() {
       isHexadecimal || isBinary || isPlain ? std::nullopt : readReal(all);
   if (!real) {
     refuse(m_text, start,
-           "'" + utils::toPrintable(all.substr(0, 40)) +
+           "'" + toShown(all) +
                (isPlain ? "' is beyond the numbers of 64 bits"
                         : "' is no number: 12, 0x1F, 101b, 1.5 and 2e6 are some, within 64 bits"));
   }

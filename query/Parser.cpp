@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "query/QueryFault.h"
 #include "query/QueryWords.h"
 
 namespace query {
@@ -108,7 +109,7 @@ class Parser : private QueryWords {
   Chain parseChainBehind(const Token& first) {
     if (isAtSymbol("(")) {
       refuseUnsupported(
-          first, "functions are not taken: '" + std::string(first.written) + "' stands before '('");
+          first, "functions are not taken: '" + toShown(first.written) + "' stands before '('");
     }
     Chain chain;
     chain.offset = first.offset;
@@ -121,6 +122,10 @@ class Parser : private QueryWords {
       }
       if (!isAtName()) {
         refuseToken("the name of a property");
+      }
+      if (chain.steps.size() == kMostSteps) {
+        refuse(token().offset,
+               "a property has " + std::to_string(kMostSteps) + " names between dots at the most");
       }
       const Token name = token();
       advance();

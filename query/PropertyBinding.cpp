@@ -66,8 +66,9 @@ const core::ClassDeclaration& PropertyBinding::bindClass(ClassName& className) c
     for (const core::ClassDeclaration* each : m_schema.getDescendants("")) {
       names.push_back(each->name);
     }
-    throw QueryFault(QueryFault::Kind::UnknownClass, m_text, className.offset,
-                     "there is no class '" + className.name + "'" + suggest(className.name, names));
+    throw QueryFault(
+        QueryFault::Kind::UnknownClass, m_text, className.offset,
+        "there is no class '" + toShown(className.name) + "'" + suggest(className.name, names));
   }
   className.name = declaration->name;
   return *declaration;
@@ -89,7 +90,7 @@ PropertyType PropertyBinding::bind(Chain& chain) const {
   bool isOwn = true;
   for (Step& step : chain.steps) {
     if (!isOwn && !mayHoldInstance(type)) {
-      refuse(step.offset, "what stands before '" + step.name + "' is " +
+      refuse(step.offset, "what stands before '" + toShown(step.name) + "' is " +
                               (type.isArray ? "an array of " : "of type ") + type.name +
                               " and holds no instance");
     }
@@ -167,7 +168,8 @@ PropertyType PropertyBinding::bindEmbedded(Step& step) const {
       names.push_back(property.name);
     }
   }
-  refuse(step.offset, "no class has a property '" + step.name + "'" + suggest(step.name, names));
+  refuse(step.offset,
+         "no class has a property '" + toShown(step.name) + "'" + suggest(step.name, names));
 }
 
 void PropertyBinding::refuseProperty(const Step& step,
@@ -177,8 +179,8 @@ void PropertyBinding::refuseProperty(const Step& step,
   for (const core::PropertyDeclaration& property : declaration.properties) {
     names.push_back(property.name);
   }
-  refuse(step.offset, "class " + declaration.name + " has no property '" + step.name + "'" +
-                          (below.empty() ? suggest(step.name, names) : below));
+  refuse(step.offset, "class " + declaration.name + " has no property '" + toShown(step.name) +
+                          "'" + (below.empty() ? suggest(step.name, names) : below));
 }
 
 // Returns a hint at a class below that has the property.

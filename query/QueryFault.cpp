@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "Utils/Printable.h"
 #include "platform/Utf8.h"
 
 namespace query {
@@ -21,6 +22,18 @@ Position findPosition(std::string_view text, std::size_t offset) {
     ++position.column;
   }
   return position;
+}
+
+std::string toShown(std::string_view part) {
+  constexpr std::size_t kMostBytes = 40;
+  constexpr unsigned kContinuationMask = 0xC0;
+  constexpr unsigned kContinuation = 0x80;
+  std::size_t end = std::min(kMostBytes, part.size());
+  while (end < part.size() &&
+         (static_cast<unsigned char>(part[end]) & kContinuationMask) == kContinuation) {
+    ++end;
+  }
+  return utils::toPrintable(part.substr(0, end)) + (end < part.size() ? "..." : "");
 }
 
 QueryFault::QueryFault(Kind kind, std::string_view queryText, std::size_t offset,

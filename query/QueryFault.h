@@ -22,6 +22,10 @@ struct Position {
 // to no character counts as one.
 [[nodiscard]] Position findPosition(std::string_view text, std::size_t offset);
 
+// Returns a part of a query as a refusal shows it: fit for a terminal, and its beginning alone
+// where it is long.
+[[nodiscard]] std::string toShown(std::string_view part);
+
 class QueryFault final : public std::exception {
  public:
   enum class Kind {

@@ -4,7 +4,6 @@
 #include <iterator>
 
 #include "Utils/Ascii.h"
-#include "Utils/Printable.h"
 #include "query/QueryFault.h"
 
 namespace query {
@@ -38,12 +37,8 @@ bool isWord(const Token& token, std::string_view word) {
 }
 
 std::string describe(const Token& token) {
-  constexpr std::size_t kMostShown = 40;
-  if (token.kind == Token::Kind::End) {
-    return "the query ends here";
-  }
-  return "here is " + utils::toPrintable(token.written.substr(0, kMostShown)) +
-         (token.written.size() > kMostShown ? "..." : "");
+  return token.kind == Token::Kind::End ? "the query ends here"
+                                        : "here is " + toShown(token.written);
 }
 
 }  // namespace

@@ -164,11 +164,11 @@ class Binder {
       refuse(operand.offset,
              "a date-time is yyyymmddhhmmss.mmmmmmsutc or, of an interval, "
              "ddddddddhhmmss.mmmmmm:000, and '" +
-                 *text + "' is neither");
+                 toShown(*text) + "' is neither");
     }
     if (otherType.sort == Sort::Reference && !isObjectPath(*text)) {
       refuse(operand.offset,
-             "an object path is CLASS.KEY=\"VALUE\",..., and '" + *text + "' is none");
+             "an object path is CLASS.KEY=\"VALUE\",..., and '" + toShown(*text) + "' is none");
     }
   }
 

@@ -271,6 +271,12 @@ TEST(Parser, BoundsTheDepth) {
   EXPECT_THAT(conditionFault(nested(10'000, "(", ")")), HasSubstr("16384 bytes at the most"));
 }
 
+TEST(Parser, BoundsTheNamesOfAProperty) {
+  EXPECT_EQ(conditionFault("a.b.c.d.e.f.g.h = 1"), "");
+  EXPECT_EQ(conditionFault("a.b.c.d.e.f.g.h.i = 1"),
+            "line 2, column 17: a property has 8 names between dots at the most");
+}
+
 TEST(Parser, BoundsTheNumberOfConditionsAndTheirPatterns) {
   const auto chain = [](std::size_t count, const std::string& condition) {
     std::string text = condition;

@@ -23,6 +23,14 @@ TEST(QueryFault, CountsCharacters) {
   EXPECT_EQ(findPosition("a\r\n\nb", 4), (Position{3, 1}));
 }
 
+TEST(QueryFault, ShowsPartsThatAreFitToBeSeen) {
+  EXPECT_EQ(query::toShown("a\x1b\n"), "a\\x1b\\n");
+  EXPECT_EQ(query::toShown(std::string(40, 'x')), std::string(40, 'x'));
+  EXPECT_EQ(query::toShown(std::string(41, 'x')), std::string(40, 'x') + "...");
+  EXPECT_EQ(query::toShown(std::string(39, 'x') + "\xE2\x82\xAC y"),
+            std::string(39, 'x') + "\xE2\x82\xAC...");
+}
+
 TEST(QueryFault, TakesAPlaceBeyondTheTextForItsEnd) {
   EXPECT_EQ(QueryFault(QueryFault::Kind::Invalid, "ab", 99, "").position(), (Position{1, 3}));
 }

@@ -134,6 +134,14 @@ TEST(StatementBinding, RefusesTextsThatAreNoDatetimeOrPath) {
               StartsWith("line 2, column 1: an object path is CLASS.KEY=\"VALUE\""));
 }
 
+TEST(StatementBinding, ShowsNoMoreOfATextThanIsFitToBeSeen) {
+  const std::string longText(5000, 'x');
+  EXPECT_LT(conditionFault("Since > '" + longText + "'").size(), 300U);
+  EXPECT_THAT(conditionFault("Since > 'a\x1b'"), HasSubstr("'a\\x1b' is neither"));
+  EXPECT_THAT(conditionFault("Test_Thing ISA '\x1b" + longText + "'"),
+              HasSubstr("there is no class '\\x1bxxx"));
+}
+
 TEST(StatementBinding, RefusesArraysAsValues) {
   EXPECT_EQ(conditionFault("States = 2"),
             "line 2, column 1: States is an array: write ANY or EVERY before it, or the number of "
