@@ -95,4 +95,13 @@ void appendOperationParameter(Buffer& out, std::string_view name, std::string_vi
   out += "</VALUE></PARAMVALUE>";
 }
 
+void appendClassParameter(Buffer& out, std::string_view name,
+                          const core::ClassDeclaration& declaration, const ClassFormat& format) {
+  out += "<PARAMVALUE";
+  appendAttribute(out, "NAME", name);
+  out += '>';
+  appendClass(out, declaration, format);
+  appendEndTag(out, "PARAMVALUE");
+}
+
 }  // namespace cimxml

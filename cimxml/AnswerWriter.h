@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "cimxml/Buffer.h"
+#include "cimxml/ClassWriter.h"
 #include "cimxml/StatusCode.h"
 #include "core/CimInstance.h"
 #include "core/CimProperty.h"
@@ -36,6 +37,9 @@ void appendReferenceParameter(Buffer& out, std::string_view name, core::CimInsta
 // An output parameter of an operation: <PARAMVALUE NAME= PARAMTYPE=><VALUE>...</VALUE></PARAMVALUE>
 void appendOperationParameter(Buffer& out, std::string_view name, std::string_view type,
                               std::string_view text);
+// <PARAMVALUE NAME=><CLASS ...></PARAMVALUE>
+void appendClassParameter(Buffer& out, std::string_view name,
+                          const core::ClassDeclaration& declaration, const ClassFormat& format);
 
 }  // namespace cimxml
 

@@ -70,6 +70,13 @@ void appendBooleanParameter(Buffer& out, std::string_view name, bool value) {
   out += "</IPARAMVALUE>";
 }
 
+void appendStringParameter(Buffer& out, std::string_view name, std::string_view value) {
+  beginParameter(out, "IPARAMVALUE", name);
+  out += "><VALUE>";
+  appendEscaped(out, value);
+  out += "</VALUE></IPARAMVALUE>";
+}
+
 void beginMethodRequest(Buffer& out, std::string_view messageId, std::string_view nameSpace,
                         std::string_view method, const ObjectName& target) {
   beginRequest(out, messageId);

@@ -25,6 +25,8 @@ void appendClassNameParameter(Buffer& out, std::string_view name, std::string_vi
 void appendInstanceNameParameter(Buffer& out, std::string_view name, const ObjectName& instance,
                                  std::string_view nameSpace);
 void appendBooleanParameter(Buffer& out, std::string_view name, bool value);
+// <IPARAMVALUE NAME="..."><VALUE>...</VALUE></IPARAMVALUE>
+void appendStringParameter(Buffer& out, std::string_view name, std::string_view value);
 
 // ---- methods ----
 

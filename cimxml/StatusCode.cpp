@@ -56,6 +56,8 @@ std::string_view getStatusName(StatusCode code) {
       return "CIM_ERR_SERVER_LIMITS_EXCEEDED";
     case StatusCode::ServerIsShuttingDown:
       return "CIM_ERR_SERVER_IS_SHUTTING_DOWN";
+    case StatusCode::QueryFeatureNotSupported:
+      return "CIM_ERR_QUERY_FEATURE_NOT_SUPPORTED";
   }
   return {};
 }

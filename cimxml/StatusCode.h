@@ -34,6 +34,7 @@ enum class StatusCode : unsigned {
   ContinuationOnErrorNotSupported = 26,
   ServerLimitsExceeded = 27,
   ServerIsShuttingDown = 28,
+  QueryFeatureNotSupported = 29,
 };
 
 // Returns the name that the standard gives it, "CIM_ERR_FAILED"; empty for a number that the

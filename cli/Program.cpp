@@ -21,6 +21,7 @@
 #include "cli/InvokeCommand.h"
 #include "cli/JobsCommand.h"
 #include "cli/LocalWords.h"
+#include "cli/QueryCommand.h"
 #include "cli/ShowCommand.h"
 #include "cli/UpdateCommand.h"
 #include "cli/WatchCommand.h"
@@ -60,8 +61,8 @@ constexpr const char* kFooter =
 constexpr void (*kCommands[])(CLI::App&, Context&) = {
     addActivateCommand, addAdaptersCommand, addAssociationsCommand, addCheckCommand,
     addClassesCommand,  addDescribeCommand, addIdentitiesCommand,   addInstancesCommand,
-    addInvokeCommand,   addJobsCommand,     addShowCommand,         addUpdateCommand,
-    addWatchCommand,
+    addInvokeCommand,   addJobsCommand,     addQueryCommand,        addShowCommand,
+    addUpdateCommand,   addWatchCommand,
 };
 
 std::string describeParseFailure(const CLI::App* app, const CLI::Error& error) {

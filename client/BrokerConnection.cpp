@@ -5,10 +5,12 @@
 #include <set>
 #include <utility>
 
+#include "client/Queries.h"
 #include "client/ServedClasses.h"
 #include "client/Snapshot.h"
 #include "core/ClassDeclaration.h"
 #include "core/ClassTexts.h"
+#include "query/CimInstanceView.h"
 
 namespace client {
 namespace {
@@ -83,6 +85,23 @@ std::optional<InstanceSnapshot> BrokerConnection::findInstance(const std::string
 
 std::optional<InstanceSnapshot> BrokerConnection::lookAgain(const std::string& path) {
   return findInstance(path);
+}
+
+Instances BrokerConnection::select(const std::string& queryText, const std::string& language) {
+  const std::shared_ptr<const core::CimSchema> schema = m_broker.getSchema();
+  const query::Query query = parseQuery(queryText, language, *schema);
+  const std::vector<std::string> served = findServedBelow(query.fromClass()).value();
+  const core::CimBroker::Request request(m_broker);
+  Instances instances;
+  for (const std::string& name : served) {
+    for (core::CimInstance* instance : m_broker.getInstances(name)) {
+      if (query.matches(query::CimInstanceView(*instance, *schema))) {
+        instances.push_back(snapshotOf(*instance));
+        keepSelected(instances.back(), query);
+      }
+    }
+  }
+  return instances;
 }
 
 Instances BrokerConnection::findReferencing(const std::string& path) {

@@ -25,6 +25,9 @@ class BrokerConnection final : public Connection {
   [[nodiscard]] std::optional<Instances> findInstances(const std::string& className) override;
   [[nodiscard]] std::optional<InstanceSnapshot> findInstance(const std::string& path) override;
   [[nodiscard]] std::optional<InstanceSnapshot> lookAgain(const std::string& path) override;
+  // For classes that are declared.
+  [[nodiscard]] Instances select(const std::string& queryText,
+                                 const std::string& language) override;
   // Looks at every instance of every served class.
   [[nodiscard]] Instances findReferencing(const std::string& path) override;
   [[nodiscard]] MethodAnswer invoke(const std::string& path, const std::string& method,

@@ -50,6 +50,12 @@ class Connection {
   // that whoever waits for the answer can do something else.
   [[nodiscard]] virtual std::optional<InstanceSnapshot> lookAgain(const std::string& path) = 0;
 
+  // Returns the instances that a query finds, with the properties that it selects, in the order in
+  // which they are served. `language` is its name, "WQL" or "DMTF:CQL". Throws Fault (usage) for a
+  // query that is none, with the place in its text.
+  [[nodiscard]] virtual Instances select(const std::string& queryText,
+                                         const std::string& language) = 0;
+
   // Returns the associations of any class that refer to an instance, by its path as a snapshot has
   // it; by class in alphabetical order, then as served.
   [[nodiscard]] virtual Instances findReferencing(const std::string& path) = 0;

@@ -63,6 +63,14 @@ cimxml::ObjectName parsePath(const std::string& path) {
               Fault::Kind::Usage);
 }
 
+Instances snapshotsOf(const cimxml::Response& response) {
+  Instances instances;
+  for (const cimxml::InstanceValue& instance : response.instances) {
+    instances.push_back(snapshotOf(instance));
+  }
+  return instances;
+}
+
 }  // namespace
 
 HostConnection::HostConnection(Options options, Send send)
@@ -118,11 +126,7 @@ std::optional<Instances> HostConnection::findInstances(const std::string& classN
     return std::nullopt;
   }
   demandSuccess(response);
-  Instances instances;
-  for (const cimxml::InstanceValue& instance : response.instances) {
-    instances.push_back(snapshotOf(instance));
-  }
-  return instances;
+  return snapshotsOf(response);
 }
 
 std::optional<InstanceSnapshot> HostConnection::findInstance(const std::string& path) {
@@ -154,6 +158,16 @@ std::optional<InstanceSnapshot> HostConnection::getInstance(const std::string& p
   return snapshotOf(response.instances.front(), name);
 }
 
+Instances HostConnection::select(const std::string& queryText, const std::string& language) {
+  Message message = beginOperation("ExecQuery");
+  cimxml::appendStringParameter(message.body, "QueryLanguage", language);
+  cimxml::appendStringParameter(message.body, "Query", queryText);
+  const cimxml::Response response = exchange(std::move(message));
+  demandQueryTaken(response);
+  demandSuccess(response);
+  return snapshotsOf(response);
+}
+
 Instances HostConnection::findReferencing(const std::string& path) {
   Message message = beginOperation("References");
   cimxml::appendInstanceNameParameter(message.body, "ObjectName", readPath(path),
@@ -162,10 +176,7 @@ Instances HostConnection::findReferencing(const std::string& path) {
   cimxml::appendBooleanParameter(message.body, "IncludeClassOrigin", false);
   const cimxml::Response response = exchange(std::move(message));
   demandSuccess(response);
-  Instances instances;
-  for (const cimxml::InstanceValue& instance : response.instances) {
-    instances.push_back(snapshotOf(instance));
-  }
+  Instances instances = snapshotsOf(response);
   std::stable_sort(instances.begin(), instances.end(),
                    [](const InstanceSnapshot& left, const InstanceSnapshot& right) {
                      return left.className < right.className;

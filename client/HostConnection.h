@@ -41,6 +41,8 @@ class HostConnection final : public Connection {
   [[nodiscard]] std::optional<Instances> findInstances(const std::string& className) override;
   [[nodiscard]] std::optional<InstanceSnapshot> findInstance(const std::string& path) override;
   [[nodiscard]] std::optional<InstanceSnapshot> lookAgain(const std::string& path) override;
+  [[nodiscard]] Instances select(const std::string& queryText,
+                                 const std::string& language) override;
   [[nodiscard]] Instances findReferencing(const std::string& path) override;
   [[nodiscard]] MethodAnswer invoke(const std::string& path, const std::string& method,
                                     core::CimPropertyList& in, core::CimPropertyList& out,

@@ -6,6 +6,7 @@
 #include "Utils/Printable.h"
 #include "cimxml/Characters.h"
 #include "client/Fault.h"
+#include "client/Queries.h"
 #include "http/Status.h"
 
 namespace client {
@@ -91,6 +92,27 @@ void refuseError(const cimxml::ErrorValue& error, const std::string& nameSpace) 
     text += "; --namespace names another than " + nameSpace;
   }
   throw Fault(text);
+}
+
+void demandQueryTaken(const cimxml::Response& response) {
+  struct Refusal {
+    cimxml::StatusCode status;
+    Fault::Kind kind;
+  };
+  constexpr Refusal kRefusals[] = {
+      {cimxml::StatusCode::InvalidClass, Fault::Kind::Refused},
+      {cimxml::StatusCode::QueryLanguageNotSupported, Fault::Kind::Usage},
+      {cimxml::StatusCode::InvalidQuery, Fault::Kind::Usage},
+      {cimxml::StatusCode::QueryFeatureNotSupported, Fault::Kind::Usage},
+  };
+  for (const auto& [status, kind] : kRefusals) {
+    if (isError(response, status)) {
+      const std::string& description = response.error->description;
+      refuseQuery(description.empty() ? std::string(cimxml::getStatusName(status))
+                                      : utils::toPrintable(description),
+                  kind);
+    }
+  }
 }
 
 void demandAnswered(const HostAddress& address, const http::ClientResponse& answer) {

@@ -19,6 +19,9 @@ namespace client {
 // Throws Fault for the error of a CIM operation: "CIM_ERR_NOT_FOUND: ...".
 [[noreturn]] void refuseError(const cimxml::ErrorValue& error, const std::string& nameSpace);
 
+// Throws Fault for an error that is about the text of a query, as where it is read in this process.
+void demandQueryTaken(const cimxml::Response& response);
+
 // Throws Fault unless the answer carries a CIM message: for a login that is refused, a request that
 // is, and whatever else answers there; PassingFault for a host that has too much to do.
 void demandAnswered(const HostAddress& address, const http::ClientResponse& answer);

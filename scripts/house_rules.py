@@ -13,15 +13,16 @@ MAY_INCLUDE = {
     "Os": ["Os", "Utils", "platform"],
     "core": ["core", "Utils"],
     "cim": ["cim", "core", "Utils"],
+    "query": ["query", "core", "Utils", "platform"],
     "midapi": ["midapi", "platform", MIDAPI_VOCABULARY],
     "inventory": ["inventory", "cim", "core", "Os", "Utils", "platform", "midapi"],
     "agent": ["agent", INSTANCE_CLASSES, "cim", "core", "Os", "Utils", "platform", "midapi"],
     "cimxml": ["cimxml", "core", "Utils"],
     "http": ["http", "Utils", "platform"],
-    "wbem": ["wbem", "cimxml", "cim", "core", "Os", "Utils"],
+    "wbem": ["wbem", "query", "cimxml", "cim", "core", "Os", "Utils"],
     "host": ["host", "core", "Os", "Utils", "platform"],
     "daemon": ["daemon", "host", "http", "wbem", "cimxml", "core", "Os", "Utils", "platform"],
-    "client": ["client", "http", "cimxml", "cim", "core", "Utils", "platform"],
+    "client": ["client", "query", "http", "cimxml", "cim", "core", "Utils", "platform"],
     "cli": ["cli", "client", "host", "midapi", "cim", "core", "Os", "Utils", "platform"],
     "tests": None,  # anything
     "bench": None,
@@ -35,6 +36,7 @@ NAMESPACES = {
     "platform": {"platform": None},
     "core": {"core": None},
     "cim": {"cim": None},
+    "query": {"query": None},
     "midapi": {"ma": "the flash library's name in the interfaces of its users"},
     "inventory": {"inventory": None},
     "agent": {"agent": None, "core": "core::SoftwareUpdateAgent, as hosts know it"},
@@ -137,7 +139,7 @@ PLATFORM_VARIABLE = "${QUORVEL_PLATFORM_DIR}"
 
 # Folders whose sources need tests.
 TESTED_FOLDERS = (
-    "platform", "Utils", "Os", "core", "cim", "midapi", "inventory", "agent", "cimxml", "http", "wbem",
+    "platform", "Utils", "Os", "core", "cim", "query", "midapi", "inventory", "agent", "cimxml", "http", "wbem",
     "host", "client", "daemon", "cli",
 )
 

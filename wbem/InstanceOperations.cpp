@@ -71,10 +71,15 @@ void readNewValues(const OperationCall& call, const core::ClassDeclaration& decl
 
 void collectInstances(const OperationCall& call, InstanceResults& results) {
   const std::string className = call.parameters.demandClassName("ClassName");
-  const std::vector<const ServedClass*> classes = call.nameSpace.demandServedBelow(className);
   if (!call.parameters.getBoolean("DeepInheritance", true)) {
     results.setAncestor(call.nameSpace.demandClass(className));
   }
+  collectInstancesOf(call, className, results);
+}
+
+void collectInstancesOf(const OperationCall& call, const std::string& className,
+                        InstanceResults& results) {
+  const std::vector<const ServedClass*> classes = call.nameSpace.demandServedBelow(className);
   std::set<std::string> names;
   for (const ServedClass* served : classes) {
     names.insert(served->declaration->name);

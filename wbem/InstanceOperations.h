@@ -3,6 +3,8 @@
 #ifndef ORVEX_WBEM_INSTANCEOPERATIONS_H_
 #define ORVEX_WBEM_INSTANCEOPERATIONS_H_
 
+#include <string>
+
 #include "wbem/InstanceResults.h"
 
 namespace wbem {
@@ -11,6 +13,9 @@ namespace wbem {
 
 // Adds the instances of the class ClassName and of its subclasses.
 void collectInstances(const OperationCall& call, InstanceResults& results);
+// Adds those of a class of the request's namespace and of its subclasses.
+void collectInstancesOf(const OperationCall& call, const std::string& className,
+                        InstanceResults& results);
 
 void enumerateInstances(const OperationCall& call);
 void enumerateInstanceNames(const OperationCall& call);

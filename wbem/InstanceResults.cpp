@@ -5,6 +5,7 @@
 
 #include "cimxml/ClassWriter.h"
 #include "cimxml/NameWriter.h"
+#include "query/CimInstanceView.h"
 
 namespace wbem {
 namespace {
@@ -78,6 +79,9 @@ InstanceResults::~InstanceResults() = default;
 
 void InstanceResults::add(const Namespace& nameSpace, const ServedClass& served,
                           core::CimInstance& instance) {
+  if (m_filter && !m_filter->matches(query::CimInstanceView(instance, nameSpace.schema()))) {
+    return;
+  }
   if (!served.isCrossing) {
     append(nameSpace, served, instance);
     return;

@@ -10,10 +10,12 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cimxml/InstanceFormat.h"
 #include "cimxml/Properties.h"
+#include "query/Query.h"
 #include "wbem/OperationCall.h"
 
 namespace wbem {
@@ -52,6 +54,8 @@ class InstanceResults {
   void setAncestor(const core::ClassDeclaration& ancestor) {
     m_choice.options.ancestor = &ancestor;
   }
+  // From now on an instance is passed over that the filter does not match.
+  void setFilter(query::Query filter) { m_filter.emplace(std::move(filter)); }
   // From now on an object is written once, however often it is added. For forms with paths.
   void passOverRepeated() { m_passesOverRepeated = true; }
 
@@ -71,6 +75,7 @@ class InstanceResults {
   const OperationCall& m_call;
   const Form m_form;
   PropertyChoice m_choice;
+  std::optional<query::Query> m_filter;
   std::string& m_out;
   std::vector<std::size_t> m_ends;
   bool m_passesOverRepeated = false;

@@ -9,6 +9,7 @@
 #include "wbem/InstanceOperations.h"
 #include "wbem/PullOperations.h"
 #include "wbem/QualifierOperations.h"
+#include "wbem/QueryOperations.h"
 
 namespace wbem {
 namespace {
@@ -56,6 +57,10 @@ constexpr Names kOpenAssociatorInstancePaths = {
     "InstanceName",    "AssocClass",          "ResultClass", "Role",
     "ResultRole",      "FilterQueryLanguage", "FilterQuery", "OperationTimeout",
     "ContinueOnError", "MaxObjectCount"};
+constexpr Names kExecQuery = {"QueryLanguage", "Query"};
+constexpr Names kOpenQueryInstances = {"FilterQueryLanguage",    "FilterQuery",
+                                       "ReturnQueryResultClass", "OperationTimeout",
+                                       "ContinueOnError",        "MaxObjectCount"};
 constexpr Names kPull = {"EnumerationContext", "MaxObjectCount"};
 constexpr Names kClose = {"EnumerationContext"};
 
@@ -81,8 +86,11 @@ constexpr Operation kOperations[] = {
     {"OpenAssociatorInstances", openAssociatorInstances, kOpenAssociatorInstances, false},
     {"OpenAssociatorInstancePaths", openAssociatorInstancePaths, kOpenAssociatorInstancePaths,
      false},
+    {"ExecQuery", execQuery, kExecQuery, false},
+    {"OpenQueryInstances", openQueryInstances, kOpenQueryInstances, false},
     {"PullInstancesWithPath", pullInstancesWithPath, kPull, false},
     {"PullInstancePaths", pullInstancePaths, kPull, false},
+    {"PullInstances", pullInstances, kPull, false},
     {"CloseEnumeration", closeEnumeration, kClose, false},
 };
 

@@ -34,7 +34,7 @@ class PullEnumerations {
     std::chrono::seconds longestTime{300};
   };
 
-  enum class Kind { Instances, Paths };
+  enum class Kind { Instances, Paths, QueriedInstances };
 
   // Whose it is.
   struct Owner {

@@ -8,6 +8,8 @@
 #include "cimxml/AnswerWriter.h"
 #include "wbem/AssociationOperations.h"
 #include "wbem/InstanceOperations.h"
+#include "wbem/Queries.h"
+#include "wbem/QueryOperations.h"
 #include "wbem/Status.h"
 
 namespace wbem {
@@ -15,17 +17,19 @@ namespace {
 
 using Collect = void (*)(const OperationCall& call, InstanceResults& results);
 
-void refuseUnsupported(const OperationParameters& parameters) {
-  for (const char* name : {"FilterQueryLanguage", "FilterQuery"}) {
-    if (!parameters.getString(name).value_or("").empty()) {
-      throw StatusFault(Status::FilteredEnumerationNotSupported,
-                        "enumerations cannot be filtered by a query");
-    }
-  }
-  if (parameters.getBoolean("ContinueOnError", false)) {
+// What every opening says of the enumeration itself.
+struct Opening {
+  std::chrono::seconds time;
+  std::uint32_t count;
+};
+
+Opening readOpening(const OperationCall& call) {
+  if (call.parameters.getBoolean("ContinueOnError", false)) {
     throw StatusFault(Status::ContinuationOnErrorNotSupported,
                       "an enumeration ends at the first error");
   }
+  return {call.enumerations.demandTime(call.parameters.getUint32("OperationTimeout")),
+          call.parameters.getUint32("MaxObjectCount").value_or(0)};
 }
 
 PullEnumerations::Owner ownerOf(const OperationCall& call, PullEnumerations::Kind kind) {
@@ -37,22 +41,40 @@ void appendPosition(std::string& out, const PullEnumerations::Part& part) {
   cimxml::appendOperationParameter(out, "EnumerationContext", "string", part.context);
 }
 
-void open(const OperationCall& call, Form form, Collect collect) {
-  refuseUnsupported(call.parameters);
-  const std::chrono::seconds time =
-      call.enumerations.demandTime(call.parameters.getUint32("OperationTimeout"));
-  const std::uint32_t count = call.parameters.getUint32("MaxObjectCount").value_or(0);
-  PullEnumerations::Results results;
-  InstanceResults collected(call, form, readPropertyChoice(call.parameters), results.text);
-  collect(call, collected);
-  results.ends = std::move(collected.ends());
-  const auto kind = form == Form::InstanceWithPath ? PullEnumerations::Kind::Instances
-                                                   : PullEnumerations::Kind::Paths;
+// Answers with the first results and keeps the others.
+void deliver(const OperationCall& call, PullEnumerations::Kind kind, const Opening& opening,
+             PullEnumerations::Results results) {
   cimxml::beginReturnValue(call.out);
-  const PullEnumerations::Part part =
-      call.enumerations.open(ownerOf(call, kind), std::move(results), time, count, call.out);
+  const PullEnumerations::Part part = call.enumerations.open(
+      ownerOf(call, kind), std::move(results), opening.time, opening.count, call.out);
   cimxml::endReturnValue(call.out);
   appendPosition(call.out, part);
+}
+
+void open(const OperationCall& call, Form form, Collect collect) {
+  const Opening opening = readOpening(call);
+  PullEnumerations::Results results;
+  InstanceResults collected(call, form, readPropertyChoice(call.parameters), results.text);
+  if (std::optional<query::Query> filter = readFilter(call)) {
+    collected.setFilter(std::move(*filter));
+  }
+  collect(call, collected);
+  results.ends = std::move(collected.ends());
+  deliver(call,
+          form == Form::InstanceWithPath ? PullEnumerations::Kind::Instances
+                                         : PullEnumerations::Kind::Paths,
+          opening, std::move(results));
+}
+
+// The class of what a query selects: the query's own, with those properties and no methods, since a
+// result is not called.
+void appendResultClass(const OperationCall& call, const query::Query& query) {
+  core::ClassDeclaration result = call.nameSpace.demandClass(query.fromClass());
+  result.methods.clear();
+  const PropertyChoice choice = choiceOf(query);
+  cimxml::ClassFormat format;
+  format.propertyList = choice.propertyList ? &*choice.propertyList : nullptr;
+  cimxml::appendClassParameter(call.out, "QueryResultClass", result, format);
 }
 
 void pull(const OperationCall& call, PullEnumerations::Kind kind) {
@@ -94,12 +116,32 @@ void openAssociatorInstancePaths(const OperationCall& call) {
   open(call, Form::InstancePath, collectAssociators);
 }
 
+void openQueryInstances(const OperationCall& call) {
+  const Opening opening = readOpening(call);
+  const bool isClassWanted = call.parameters.getBoolean("ReturnQueryResultClass", false);
+  const query::Query query =
+      demandQuery(call, {"FilterQueryLanguage", "FilterQuery", Status::QueryFeatureNotSupported});
+  PullEnumerations::Results results;
+  InstanceResults collected(call, Form::Instance, choiceOf(query), results.text);
+  collected.setFilter(query);
+  collectInstancesOf(call, query.fromClass(), collected);
+  results.ends = std::move(collected.ends());
+  deliver(call, PullEnumerations::Kind::QueriedInstances, opening, std::move(results));
+  if (isClassWanted) {
+    appendResultClass(call, query);
+  }
+}
+
 void pullInstancesWithPath(const OperationCall& call) {
   pull(call, PullEnumerations::Kind::Instances);
 }
 
 void pullInstancePaths(const OperationCall& call) {
   pull(call, PullEnumerations::Kind::Paths);
+}
+
+void pullInstances(const OperationCall& call) {
+  pull(call, PullEnumerations::Kind::QueriedInstances);
 }
 
 void closeEnumeration(const OperationCall& call) {

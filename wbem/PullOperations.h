@@ -14,8 +14,11 @@ void openReferenceInstances(const OperationCall& call);
 void openReferenceInstancePaths(const OperationCall& call);
 void openAssociatorInstances(const OperationCall& call);
 void openAssociatorInstancePaths(const OperationCall& call);
+void openQueryInstances(const OperationCall& call);
 void pullInstancesWithPath(const OperationCall& call);
 void pullInstancePaths(const OperationCall& call);
+// Of a query, whose instances come without their paths.
+void pullInstances(const OperationCall& call);
 void closeEnumeration(const OperationCall& call);
 
 }  // namespace wbem

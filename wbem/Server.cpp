@@ -15,6 +15,8 @@
 #include "cimxml/AnswerWriter.h"
 #include "cimxml/Characters.h"
 #include "core/CimPropertyTypes.h"
+#include "core/ClassDeclaration.h"
+#include "query/Query.h"
 #include "wbem/MethodOperations.h"
 #include "wbem/Namespaces.h"
 #include "wbem/Operations.h"
@@ -55,6 +57,12 @@ void demandOperator(const Caller& caller, const std::string& action) {
 
 std::string tell(std::string_view text) {
   return cimxml::shorten(text, kMostBytesTold);
+}
+
+bool isQuery(const cimxml::Parameter& parameter) {
+  return std::holds_alternative<std::string>(parameter.value) &&
+         (core::isSameName(parameter.name, "Query") ||
+          core::isSameName(parameter.name, "FilterQuery"));
 }
 
 // Returns the instance that is to be modified, as a record names it; empty where none is named.
@@ -126,6 +134,8 @@ struct Server::Implementation {
     for (const cimxml::Parameter& parameter : request.parameters) {
       if (const auto* name = std::get_if<cimxml::ObjectName>(&parameter.value)) {
         noteName(name->className);
+      } else if (isQuery(parameter)) {
+        noteName(query::findFromClass(std::get<std::string>(parameter.value)));
       }
     }
     return getNamespaces();

@@ -5,11 +5,11 @@
 #include <system_error>
 #include <utility>
 
-#include "Os/NearestName.h"
 #include "Os/SettingsStore.h"
 #include "Utils/Conversions.h"
 #include "Utils/Format.h"
 #include "Utils/Log.h"
+#include "Utils/NearestName.h"
 
 namespace utils {
 namespace {
@@ -80,7 +80,7 @@ std::string adviseOnName(const std::string& name, std::span<const SettingName> k
     all += all.empty() ? "" : ", ";
     all += setting.name;
   }
-  const std::string nearest = os::findNearestName(name, names);
+  const std::string nearest = findNearestName(name, names);
   return nearest.empty() ? "the settings are " + all : "did you mean '" + nearest + "'?";
 }
 

@@ -60,6 +60,13 @@ TEST(AnswerWriter, WritesOutputParameters) {
             "</PARAMVALUE>");
 }
 
+TEST(AnswerWriter, WritesAClassThatAnOperationHandsOut) {
+  core::ClassDeclaration declaration;
+  declaration.name = "Test_Class";
+  EXPECT_EQ(write(cimxml::appendClassParameter, "Result", declaration, cimxml::ClassFormat()),
+            "<PARAMVALUE NAME=\"Result\"><CLASS NAME=\"Test_Class\"></CLASS></PARAMVALUE>");
+}
+
 TEST(AnswerWriter, WritesAReferenceThatAMethodHandsOut) {
   test::Named target("a");
   Buffer name;

@@ -68,6 +68,7 @@ TEST(RequestWriter, WritesTheDocumentByteByByte) {
   cimxml::beginOperationRequest(out, "1", "root/interop", "EnumerateInstances");
   cimxml::appendClassNameParameter(out, "ClassName", "CIM_Job");
   cimxml::appendBooleanParameter(out, "LocalOnly", false);
+  cimxml::appendStringParameter(out, "Query", "a < b");
   cimxml::endOperationRequest(out);
   EXPECT_EQ(out,
             "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
@@ -76,6 +77,7 @@ TEST(RequestWriter, WritesTheDocumentByteByByte) {
             "<NAMESPACE NAME=\"root\"/><NAMESPACE NAME=\"interop\"/></LOCALNAMESPACEPATH>"
             "<IPARAMVALUE NAME=\"ClassName\"><CLASSNAME NAME=\"CIM_Job\"/></IPARAMVALUE>"
             "<IPARAMVALUE NAME=\"LocalOnly\"><VALUE>FALSE</VALUE></IPARAMVALUE>"
+            "<IPARAMVALUE NAME=\"Query\"><VALUE>a &lt; b</VALUE></IPARAMVALUE>"
             "</IMETHODCALL></SIMPLEREQ></MESSAGE></CIM>\n");
 }
 

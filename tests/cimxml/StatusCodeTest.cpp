@@ -41,6 +41,7 @@ TEST(StatusCode, HasTheNumberAndTheNameOfTheStandard) {
                 "CIM_ERR_CONTINUATION_ON_ERROR_NOT_SUPPORTED"},
            Case{27, StatusCode::ServerLimitsExceeded, "CIM_ERR_SERVER_LIMITS_EXCEEDED"},
            Case{28, StatusCode::ServerIsShuttingDown, "CIM_ERR_SERVER_IS_SHUTTING_DOWN"},
+           Case{29, StatusCode::QueryFeatureNotSupported, "CIM_ERR_QUERY_FEATURE_NOT_SUPPORTED"},
        }) {
     EXPECT_EQ(static_cast<unsigned>(one.code), one.number);
     EXPECT_EQ(cimxml::getStatusName(one.code), one.name);
@@ -48,7 +49,7 @@ TEST(StatusCode, HasTheNumberAndTheNameOfTheStandard) {
 }
 
 TEST(StatusCode, HasNoNameThatTheStandardDoesNotGive) {
-  for (const unsigned number : {0U, 18U, 19U, 29U, 1000U}) {
+  for (const unsigned number : {0U, 18U, 19U, 30U, 1000U}) {
     EXPECT_EQ(cimxml::getStatusName(static_cast<StatusCode>(number)), "") << number;
   }
 }

@@ -238,6 +238,10 @@ class FakeHostConnection : public client::Connection {
       const std::string& /*name*/) override {
     return std::nullopt;
   }
+  [[nodiscard]] client::Instances select(const std::string& /*queryText*/,
+                                         const std::string& /*language*/) override {
+    return {};
+  }
   [[nodiscard]] client::Instances findReferencing(const std::string& /*path*/) override {
     return {};
   }

@@ -28,7 +28,7 @@ TEST_F(ProgramTest, HelpsWithExamplesForItselfAndEachCommand) {
         Arguments{"check", "--help"}, Arguments{"classes", "--help"},
         Arguments{"describe", "--help"}, Arguments{"identities", "--help"},
         Arguments{"instances", "--help"}, Arguments{"invoke", "--help"},
-        Arguments{"update", "--help"}}) {
+        Arguments{"query", "--help"}, Arguments{"update", "--help"}}) {
     const ProgramResult result = run(arguments);
     EXPECT_EQ(result.exitStatus, 0);
     EXPECT_THAT(result.output, AllOf(HasSubstr("Usage: "), HasSubstr("Example")));
@@ -44,6 +44,7 @@ TEST_F(ProgramTest, RefusesWrongUsage) {
                    AllOf(HasSubstr("extra"), HasSubstr("Try 'quorvel adapters list --help'.")));
   expectUsageFault({"instances"}, HasSubstr("CLASS is required"));
   expectUsageFault({"instances", "A", "B"}, HasSubstr("B"));
+  expectUsageFault({"query"}, HasSubstr("QUERY is required"));
   expectUsageFault({"invoke"}, HasSubstr("OBJECTPATH is required"));
   expectUsageFault({"invoke", "A.b=c"}, HasSubstr("METHOD is required"));
   expectUsageFault({"instances", "X", "--host", "server1"},

@@ -136,6 +136,23 @@ class BrokerConnectionWithSchemaTest : public BrokerConnectionTest {
   DeclaringAgent m_declaring;
 };
 
+TEST_F(BrokerConnectionWithSchemaTest, QueriesAClassAndThoseBelow) {
+  const auto pathsOf = [this](const std::string& text) {
+    std::vector<std::string> paths;
+    for (const client::InstanceSnapshot& instance : m_connection.select(text, "WQL")) {
+      paths.push_back(instance.path);
+    }
+    return paths;
+  };
+  EXPECT_EQ(pathsOf("SELECT * FROM base_part").size(), 2U);
+  EXPECT_THAT(pathsOf("SELECT * FROM Base_Part WHERE InstanceID = '2'"),
+              ElementsAre("Second_Part.InstanceID=\"2\""));
+  EXPECT_THAT(pathsOf("SELECT * FROM Base_Part WHERE Base_Part ISA First_Part"),
+              ElementsAre("First_Part.InstanceID=\"1\""));
+  EXPECT_THAT(pathsOf("SELECT * FROM Empty_Part"), IsEmpty());
+  EXPECT_THROW(pathsOf("SELECT * FROM Thing"), client::Fault);
+}
+
 TEST_F(BrokerConnectionWithSchemaTest, FindsTheInstancesOfTheClassesBelowInTheOrderOfTheSchema) {
   const client::Instances instances = m_connection.findInstances("Base_Part").value();
   ASSERT_THAT(instances, SizeIs(2));

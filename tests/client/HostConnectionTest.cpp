@@ -156,6 +156,31 @@ TEST_F(HostConnectionTest, TellsNoInstancesFromNoClass) {
   EXPECT_FALSE(connection.findInstances("Thing"));
 }
 
+TEST_F(HostConnectionTest, Queries) {
+  answerReturned(std::string("<VALUE.OBJECTWITHPATH><INSTANCEPATH><NAMESPACEPATH><HOST>x</HOST>"
+                             "<LOCALNAMESPACEPATH><NAMESPACE NAME=\"root\"/></LOCALNAMESPACEPATH>"
+                             "</NAMESPACEPATH>") +
+                 kJobName + "</INSTANCEPATH>" + kJob + "</VALUE.OBJECTWITHPATH>");
+  const client::Instances jobs = connection.select("SELECT * FROM CIM_Job WHERE a < 1", "WQL");
+  EXPECT_EQ(requests[0].name, "ExecQuery");
+  EXPECT_EQ(std::get<std::string>(requests[0].find("QueryLanguage")->value), "WQL");
+  EXPECT_EQ(std::get<std::string>(requests[0].find("Query")->value),
+            "SELECT * FROM CIM_Job WHERE a < 1");
+  ASSERT_THAT(jobs, SizeIs(1));
+  EXPECT_EQ(jobs[0].path, kJobPath);
+  EXPECT_EQ(jobs[0].value<unsigned>("JobState"), 4U);
+}
+
+TEST_F(HostConnectionTest, SaysWhyAQueryIsRefused) {
+  const auto queryFault = [this] {
+    return faultOf([this] { static_cast<void>(connection.select("SELECT", "WQL")); });
+  };
+  answerError(15, "line 1, column 7: so");
+  EXPECT_EQ(queryFault(), "the query is refused: line 1, column 7: so");
+  answerError(7, "not offered");
+  EXPECT_EQ(queryFault(), "CIM_ERR_NOT_SUPPORTED: not offered");
+}
+
 TEST_F(HostConnectionTest, GetsAnInstanceByItsPath) {
   answerReturned(kJob);
   const client::InstanceSnapshot job = connection.findInstance(kJobPath).value();

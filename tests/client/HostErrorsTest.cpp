@@ -95,6 +95,26 @@ TEST(HostErrors, NameTheStatusOfAnOperation) {
                                        HasSubstr("--namespace names another than root/x")));
 }
 
+TEST(HostErrors, AreThoseOfAQueryAsInThisProcess) {
+  const auto refusalOf = [](unsigned code, const std::string& description) {
+    cimxml::Response response;
+    response.error = cimxml::ErrorValue{code, description};
+    try {
+      client::demandQueryTaken(response);
+    } catch (const client::Fault& fault) {
+      return std::string(fault.what()) +
+             (fault.kind() == client::Fault::Kind::Usage ? " (usage)" : "");
+    }
+    return std::string();
+  };
+  EXPECT_EQ(refusalOf(15, "col\x1bumn 7"), "the query is refused: col\\x1bumn 7 (usage)");
+  EXPECT_EQ(refusalOf(14, "no SQL"), "the query is refused: no SQL (usage)");
+  EXPECT_EQ(refusalOf(29, ""), "the query is refused: CIM_ERR_QUERY_FEATURE_NOT_SUPPORTED (usage)");
+  EXPECT_EQ(refusalOf(5, "no class"), "the query is refused: no class");
+  EXPECT_EQ(refusalOf(2, "denied"), "");
+  EXPECT_NO_THROW(client::demandQueryTaken(cimxml::Response()));
+}
+
 TEST(HostErrors, KnowTheErrorOfAnAnswer) {
   cimxml::Response response;
   EXPECT_FALSE(client::isError(response, cimxml::StatusCode::NotFound));

@@ -120,11 +120,19 @@ class ProtocolTest : public test::QuorveldFixture {
   }
 
   // Sends an operation and returns the answer.
-  [[nodiscard]] std::string answerTo(const std::string& name, const std::string& parameters) {
+  [[nodiscard]] std::string answerTo(const std::string& name, const std::string& parameters) const {
     HttpRequest request;
     request.cimMethod = name;
     request.body = operation(name, parameters);
     return exchange(request.text());
+  }
+
+  // Sends a query in WQL and returns the answer. The query is written as XML has it.
+  [[nodiscard]] std::string queryFor(const std::string& name, const std::string& language,
+                                     const std::string& parameter, const std::string& query) const {
+    return answerTo(name, "<IPARAMVALUE NAME=\"" + language +
+                              "\"><VALUE>WQL</VALUE></IPARAMVALUE><IPARAMVALUE NAME=\"" +
+                              parameter + "\"><VALUE>" + query + "</VALUE></IPARAMVALUE>");
   }
 
   // Returns a call of RequestStateChange, or another method, on the service.
@@ -380,7 +388,7 @@ TEST_F(ProtocolTest, AnswersErrorsOfCim) {
   expectError("GetInstance", instanceName(key("DeviceID", "0000:09:00.0")), 6);
   expectError("GetInstance", "", 4);
   expectError("DeleteInstance", instanceName(key("DeviceID", "0000:03:00.0")), 7);
-  expectError("ExecQuery", "", 7);
+  expectError("ExecQuery", "", 4);
   expectError("MakeCoffee", "", 7);
   // A value of a wrong type.
   expectError("EnumerateInstances",
@@ -390,6 +398,38 @@ TEST_F(ProtocolTest, AnswersErrorsOfCim) {
   expectError("EnumerateInstances",
               R"(<IPARAMVALUE NAME="ClassName"><VALUE>Orvex_EthernetPort</VALUE></IPARAMVALUE>)",
               4);
+}
+
+TEST_F(ProtocolTest, AnswersQueries) {
+  const std::string found = queryFor(
+      "ExecQuery", "QueryLanguage", "Query",
+      "SELECT DeviceID FROM CIM_LogicalDevice WHERE DeviceID LIKE '%0.1' AND Name &lt;&gt; "
+      "&quot;x&quot;");
+  EXPECT_THAT(
+      found,
+      AllOf(HasSubstr("<IMETHODRESPONSE NAME=\"ExecQuery\"><IRETURNVALUE>"
+                      "<VALUE.OBJECTWITHPATH><INSTANCEPATH>"),
+            HasSubstr("<INSTANCE CLASSNAME=\"Orvex_EthernetPort\"><PROPERTY NAME=\"DeviceID\" "
+                      "TYPE=\"string\"><VALUE>0000:03:00.1</VALUE></PROPERTY></INSTANCE>"
+                      "</VALUE.OBJECTWITHPATH></IRETURNVALUE>")));
+  EXPECT_THAT(queryFor("OpenQueryInstances", "FilterQueryLanguage", "FilterQuery",
+                       "SELECT DeviceID FROM Orvex_EthernetPort"),
+              AllOf(HasSubstr("<IRETURNVALUE></IRETURNVALUE>"),
+                    HasSubstr("NAME=\"EndOfSequence\" PARAMTYPE=\"boolean\"><VALUE>FALSE<")));
+}
+
+TEST_F(ProtocolTest, RefusesWrongQueriesWithThePlace) {
+  const auto refusalOf = [this](const std::string& query) {
+    return queryFor("ExecQuery", "QueryLanguage", "Query", query);
+  };
+  EXPECT_THAT(refusalOf("SELECT *\nFROM Orvex_EthernetPort WHERE"),
+              HasSubstr("<ERROR CODE=\"15\" DESCRIPTION=\"line 2, column 30: "));
+  EXPECT_THAT(refusalOf("SELECT * FROM Nothing"), HasSubstr("<ERROR CODE=\"5\""));
+  EXPECT_THAT(refusalOf(std::string(10'000, '(')), HasSubstr("<ERROR CODE=\"15\""));
+  std::string nested = "SELECT * FROM Orvex_EthernetPort WHERE ";
+  nested += std::string(10'000, '(') + "Name = 'x'";
+  EXPECT_THAT(refusalOf(nested), HasSubstr("nested deeper than 64"));
+  EXPECT_THAT(refusalOf(std::string(60'000, ' ')), HasSubstr("16384 bytes at the most"));
 }
 
 TEST_F(ProtocolTest, KnowsItsNamespacesAlone) {

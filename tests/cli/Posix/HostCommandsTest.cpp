@@ -69,6 +69,27 @@ TEST_F(HostCommandsTest, DescribeClassesAsInProcess) {
   expectSame({"describe", "<Nothing/>"}, 1);
 }
 
+TEST_F(HostCommandsTest, QueryAsInProcess) {
+  addAdapter(kAdapter, writeRom("both.rom", {pxe(1), uefi(2)}), 2);
+  startHost();
+  for (const char* query :
+       {"SELECT * FROM CIM_LogicalDevice", "SELECT DeviceID, Name FROM Orvex_EthernetPort",
+        "SELECT * FROM Orvex_EthernetPort WHERE DeviceID LIKE '%1' OR NOT ANY OperationalStatus = "
+        "2",
+        "SELECT InstanceID FROM CIM_ManagedElement WHERE InstanceID IS NOT NULL",
+        "SELECT * FROM CIM_Dependency WHERE CIM_Dependency ISA Orvex_ServiceAffectsElement",
+        "SELECT * FROM CIM_ConcreteJob WHERE JobState < 7"}) {
+    expectSame({"query", query});
+    expectSame({"query", query, "--json", "--all", "--names"});
+  }
+  expectSame({"query", "SELECT * FROM Orvex_EthernetPort WHERE DeviceID LIKE '.*1'", "--language",
+              "DMTF:CQL", "--json"});
+  expectSame({"query", "SELECT *\nFROM Orvex_EthernetPort WHERE DeviceID = 'x"}, 2);
+  expectSame({"query", "SELECT * FROM CIM_Job ORDER BY Name"}, 2);
+  expectSame({"query", "SELECT * FROM CIM_Job", "--language", "SQL"}, 2);
+  expectSame({"query", "SELECT * FROM Nothing"}, 1);
+}
+
 TEST_F(HostCommandsTest, ShowAssociationsAsInProcess) {
   addPxeAdapter(kAdapter, 2);
   startHost();

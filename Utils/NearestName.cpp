@@ -1,4 +1,4 @@
-#include "Os/NearestName.h"
+#include "Utils/NearestName.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -6,7 +6,7 @@
 
 #include "Utils/Ascii.h"
 
-namespace os {
+namespace utils {
 namespace {
 
 // No name of ours is longer; what is, is not compared letter by letter.
@@ -20,7 +20,7 @@ std::size_t countChanges(const std::string& from, const std::string& to) {
   for (std::size_t i = 0; i < from.size(); ++i) {
     std::size_t diagonal = row[0]++;
     for (std::size_t j = 0; j < to.size(); ++j) {
-      const bool isSame = utils::toLowerAscii(from[i]) == utils::toLowerAscii(to[j]);
+      const bool isSame = toLowerAscii(from[i]) == toLowerAscii(to[j]);
       const std::size_t replaced = diagonal + (isSame ? 0 : 1);
       diagonal = row[j + 1];
       row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
@@ -48,4 +48,4 @@ std::string findNearestName(const std::string& written, const std::vector<std::s
   return nearest;
 }
 
-}  // namespace os
+}  // namespace utils

@@ -1,11 +1,12 @@
 #include <gmock/gmock.h>
 
-#include "Os/NearestName.h"
+#include "Utils/NearestName.h"
 
 namespace {
 
 std::string nearest(const std::string& written) {
-  return os::findNearestName(written, {"Timeout", "Namespace", "OEMCustomizeable", "FWFilePath"});
+  return utils::findNearestName(written,
+                                {"Timeout", "Namespace", "OEMCustomizeable", "FWFilePath"});
 }
 
 TEST(NearestName, IsTheOneOfOtherLetters) {
@@ -23,11 +24,11 @@ TEST(NearestName, IsNoneForSomethingElse) {
   EXPECT_EQ(nearest(""), "");
   EXPECT_EQ(nearest("x"), "");
   EXPECT_EQ(nearest(std::string(100'000, 'T')), "");
-  EXPECT_EQ(os::findNearestName("Timeout", {}), "");
+  EXPECT_EQ(utils::findNearestName("Timeout", {}), "");
 }
 
 TEST(NearestName, IsTheFirstOfSeveral) {
-  EXPECT_EQ(os::findNearestName("bat", {"cat", "hat"}), "cat");
+  EXPECT_EQ(utils::findNearestName("bat", {"cat", "hat"}), "cat");
 }
 
 }  // namespace

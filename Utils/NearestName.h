@@ -1,14 +1,14 @@
 // What somebody who misspelt a name may have meant. Holds no state; any thread may call.
 
-#ifndef ORVEX_OS_NEARESTNAME_H_
-#define ORVEX_OS_NEARESTNAME_H_
+#ifndef ORVEX_UTILS_NEARESTNAME_H_
+#define ORVEX_UTILS_NEARESTNAME_H_
 
 #include <string>
 #include <vector>
 
 #include "Utils/Export.h"
 
-namespace os {
+namespace utils {
 
 // Returns the name to which the fewest letters of `written` are to be changed, put in or left out,
 // whatever their case; the first of several, and an empty text where that would be more than half
@@ -16,6 +16,6 @@ namespace os {
 [[nodiscard]] ORVEX_CORE_API std::string findNearestName(const std::string& written,
                                                          const std::vector<std::string>& names);
 
-}  // namespace os
+}  // namespace utils
 
-#endif  // ORVEX_OS_NEARESTNAME_H_
+#endif  // ORVEX_UTILS_NEARESTNAME_H_
