@@ -409,6 +409,7 @@ void KernelAdapters::note(const Subject& subject, DriverAnswer answer, std::uint
   }
   known->askedBy = look;
   known->isAway = answer.isAway;
+  known->answer.silentSince = answer.silentSince;
   if (isMuteNow) {
     if (!known->answer.devlink) {
       known->answer.devlink = std::move(answer.devlink);
