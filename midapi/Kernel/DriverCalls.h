@@ -8,6 +8,7 @@
 #ifndef ORVEX_MIDAPI_KERNEL_DRIVERCALLS_H_
 #define ORVEX_MIDAPI_KERNEL_DRIVERCALLS_H_
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -55,6 +56,8 @@ struct DriverAnswer {
   // The driver has not answered by devlink in time, and goes on; all else is empty then. Its flash
   // may be being written.
   bool isAway = false;
+  // Since when it has not, where that is known.
+  std::optional<std::chrono::system_clock::time_point> silentSince;
   // It has, and not all of the rest has come in time. A file that has not has the error EBUSY.
   bool isPartial = false;
   // Nothing: the driver has no devlink, or it is not known. Empty: it has, and does not say; with

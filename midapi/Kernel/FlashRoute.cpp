@@ -1,5 +1,8 @@
 #include "midapi/Kernel/FlashRoute.h"
 
+#include <array>
+#include <chrono>
+#include <ctime>
 #include <system_error>
 #include <utility>
 
@@ -16,11 +19,25 @@ bool isUnasked(const KernelFunction& function) {
   return function.answer.error != 0 && !function.hasAnswered && !function.answer.devlink;
 }
 
+// As the clock on the wall has it.
+std::string timeOfDay(std::chrono::system_clock::time_point time) {
+  const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
+  std::tm local{};
+  ::localtime_r(&seconds, &local);
+  std::array<char, sizeof "HH:MM:SS"> text{};
+  static_cast<void>(std::strftime(text.data(), text.size(), "%H:%M:%S", &local));
+  return text.data();
+}
+
 std::string whyNone(const KernelAdapter& adapter, const KernelFunction& function,
                     const KernelDriver& driver) {
   const std::string& name = function.pci.driver;
   if (name.empty()) {
     return "no driver is bound to it";
+  }
+  if (isUnknown(adapter, function) && function.answer.silentSince) {
+    return "its driver " + name + " has not answered since " +
+           timeOfDay(*function.answer.silentSince) + "; it may be writing the flash";
   }
   if (isUnknown(adapter, function)) {
     return "its driver " + name + " has not answered yet; it may be writing the flash";

@@ -63,16 +63,6 @@ std::vector<NamedVersion> storedOf(const std::vector<FirmwareVersions>& versions
   return stored;
 }
 
-// The outcome of the update is known, and no failure to note that changes it: an entry that stays
-// is compared again by whoever lists the adapters.
-void clearQuietly(const FlashJournal::Claim& claim) {
-  try {
-    claim.clear();
-  } catch (const FlashFault&) {
-    return;
-  }
-}
-
 // Only for a flash that was written whole.
 bool isInForce(const std::vector<FirmwareVersions>& versions) {
   return std::ranges::any_of(versions, &FirmwareVersions::tellsStored) &&
@@ -114,25 +104,6 @@ bool isBusy(const std::optional<KernelAdapter>& adapter, const PortId& id) {
   return function != nullptr && !function->pci.driver.empty() && !hasAnswered(adapter, id);
 }
 
-struct OutcomeText {
-  FlashOutcome outcome;
-  const char* text;
-  const char* advice;
-};
-constexpr OutcomeText kOutcomeTexts[] = {
-    {FlashOutcome::Written, "the kernel has finished it since: the flash holds what the file has",
-     ""},
-    {FlashOutcome::NotWritten, "the flash holds what it held before", "update it again"},
-    {FlashOutcome::Mixed, "the flash holds neither what it held before nor what the file has",
-     "update it again before the machine starts anew"},
-    {FlashOutcome::Unknown, "its versions do not tell whether the flash holds all of the file",
-     "update it again"},
-};
-
-const OutcomeText& textsOf(FlashOutcome outcome) {
-  return *std::ranges::find(kOutcomeTexts, outcome, &OutcomeText::outcome);
-}
-
 }  // namespace
 
 // An adapter, as one of its ports is asked for.
@@ -168,6 +139,7 @@ KernelFlashBackend::KernelFlashBackend(FileSystem& files, KernelPlaces places, D
       m_settings(std::move(settings)),
       m_clock(clock),
       m_journal(files, m_places.journal, clock),
+      m_interrupted(files, m_journal, drivers),
       m_adapters(m_places.sysfs, drivers, m_journal, clock) {}
 
 std::string KernelFlashBackend::describe(const AdapterAddress& /*adapter*/) {
@@ -187,6 +159,7 @@ utils::StringArray KernelFlashBackend::enumerateAdapters() {
 
 AdapterList KernelFlashBackend::list() {
   const std::string whyNobodyCan = whyNobody();
+  const std::filesystem::path folder = firmwareFolder();
   AdapterList list;
   std::set<AdapterAddress> addresses;
   for (const KernelAdapter& adapter : m_adapters.all()) {
@@ -195,7 +168,7 @@ AdapterList KernelFlashBackend::list() {
     const FlashRoute route = findRoute(adapter, adapter.functions.front().pci.id.function);
     listing.whyNotUpdatable = route.way == FlashWay::None ? route.whyNone : whyNobodyCan;
     listing.isUpdatable = listing.whyNotUpdatable.empty();
-    if (LeftOver leftOver = leftOverOf(adapter); !leftOver.text.empty()) {
+    if (auto leftOver = m_interrupted.leftOverOf(adapter, folder); !leftOver.text.empty()) {
       listing.notes.push_back(leftOver.text);
       if (!leftOver.advice.empty()) {
         list.problems.push_back(
@@ -204,7 +177,7 @@ AdapterList KernelFlashBackend::list() {
     }
     list.adapters.push_back(std::move(listing));
   }
-  sweepUnasked(addresses);
+  m_interrupted.sweepUnasked(addresses, folder);
   return list;
 }
 
@@ -214,12 +187,14 @@ std::vector<std::string> KernelFlashBackend::interruptedWrites() {
   for (const PciFunction& function : m_adapters.functions()) {
     addresses.insert(function.id.adapter);
   }
-  sweepUnasked(addresses);
+  const std::filesystem::path folder = firmwareFolder();
+  m_interrupted.sweepUnasked(addresses, folder);
   std::vector<std::string> texts;
   for (const AdapterAddress& address : addresses) {
     const auto adapter =
         m_journal.hasEntry(address) ? m_adapters.find(address) : std::optional<KernelAdapter>();
-    const LeftOver leftOver = adapter ? leftOverOf(*adapter) : LeftOver{};
+    const auto leftOver =
+        adapter ? m_interrupted.leftOverOf(*adapter, folder) : InterruptedFlashes::LeftOver{};
     if (!leftOver.text.empty()) {
       texts.push_back(toString(address) + ": " + leftOver.text +
                       (leftOver.advice.empty() ? "" : "; " + leftOver.advice));
@@ -310,7 +285,7 @@ void KernelFlashBackend::writeFlash(const PortId& port, ConstBytes image, WriteP
   try {
     lookAgain(subject);
   } catch (const FlashFault&) {
-    clearQuietly(claim);
+    claim.clearQuietly();
     throw;
   }
   const NetlinkAck ack = flash(subject, staged.name(), plan.bytes, progress);
@@ -320,13 +295,13 @@ void KernelFlashBackend::writeFlash(const PortId& port, ConstBytes image, WriteP
     throw FlashFault(FlashError::NotCompared, wordsOf(ack));
   }
   if (ack.error != 0) {
-    clearQuietly(claim);
+    claim.clearQuietly();
     throw FlashFault(FlashError::WriteRefused, wordsOf(ack) + adviceFor(ack, folder));
   }
   if (subject.route.way == FlashWay::Devlink) {
     verify(subject.route.function->pci.id, entry, claim);
   }
-  clearQuietly(claim);
+  claim.clearQuietly();
   progress.complete();
 }
 
@@ -342,7 +317,7 @@ Activation KernelFlashBackend::activate(const AdapterAddress& adapter) {
   }
   const PciFunction& function = route.function->pci;
   // Whatever puts it into force: nobody is advised to do so with a half of it.
-  refuseUnfinished(known, function.id);
+  m_interrupted.refuseUnfinished(known, function.id);
   Activation otherwise{false, "its driver " + function.driver +
                                   " cannot put stored firmware into force; " +
                                   std::string(route.driver->activation)};
@@ -356,7 +331,7 @@ Activation KernelFlashBackend::activate(const AdapterAddress& adapter) {
     throw FlashFault(FlashError::NotActivated, kNoRight);
   }
   const FlashJournal::Claim claim = m_journal.claim(adapter);
-  refuseUnfinished(needed(m_adapters.findForWriter(adapter), adapter), function.id);
+  m_interrupted.refuseUnfinished(needed(m_adapters.findForWriter(adapter), adapter), function.id);
   const NetlinkAck ack = m_drivers.activate(function.id);
   m_adapters.forget(adapter);
   if (ack.error == EOPNOTSUPP) {
@@ -366,30 +341,6 @@ Activation KernelFlashBackend::activate(const AdapterAddress& adapter) {
     throw FlashFault(FlashError::NotActivated, wordsOf(ack));
   }
   return {true, "its driver " + function.driver + " has put the stored firmware into force"};
-}
-
-void KernelFlashBackend::refuseUnfinished(const KernelAdapter& adapter,
-                                          const PortId& function) const {
-  if (adapter.isBeingWritten) {
-    throw FlashFault(FlashError::NotActivated, "its flash is being written");
-  }
-  const auto versions = versionsOf(adapter, function.function);
-  const auto entry = readableEntry(adapter.address);
-  if (std::ranges::any_of(versions, &FirmwareVersions::isErased) ||
-      (entry && judge(*entry, versions) != FlashOutcome::Written)) {
-    throw FlashFault(FlashError::NotActivated, "an update was interrupted; update it again first");
-  }
-}
-
-std::optional<FlashEntry> KernelFlashBackend::readableEntry(const AdapterAddress& adapter) const {
-  try {
-    return m_journal.entry(adapter);
-  } catch (const FlashFault&) {
-    if (m_drivers.mayFlash()) {
-      throw;
-    }
-    return std::nullopt;  // who may not read it can do nothing with the flash either
-  }
 }
 
 KernelAdapter KernelFlashBackend::need(const AdapterAddress& address) {
@@ -423,48 +374,6 @@ std::filesystem::path KernelFlashBackend::firmwareFolder() const {
 
 std::string KernelFlashBackend::whyNobody() const {
   return m_drivers.mayFlash() ? whyNotStageable(firmwareFolder()) : kNoRight;
-}
-
-KernelFlashBackend::LeftOver KernelFlashBackend::leftOverOf(const KernelAdapter& adapter) const {
-  try {
-    const auto entry = m_journal.entry(adapter.address);
-    if (!entry || adapter.isBeingWritten || m_journal.isClaimed(adapter.address)) {
-      return {};
-    }
-    const auto versions = versionsOf(adapter, adapter.functions.front().pci.id.function);
-    const FlashOutcome outcome = judge(*entry, versions);
-    const FlashJournal::Attempt attempt = m_journal.tryClaim(adapter.address);
-    // Its writer may have lived until now, and then it is none that was interrupted.
-    if (attempt.isTaken || m_journal.entry(adapter.address) != entry) {
-      return {};
-    }
-    if (attempt.claim) {
-      sweepStagedFirmware(m_files, firmwareFolder(), adapter.address);
-      if (outcome == FlashOutcome::Written) {
-        clearQuietly(*attempt.claim);
-      }
-    }
-    const OutcomeText& texts = textsOf(outcome);
-    return {std::string("an update was interrupted; ") + texts.text + " (" +
-                describeStored(versions) + ")",
-            texts.advice};
-  } catch (const FlashFault& fault) {
-    // Who may not read it cannot mend it either.
-    return m_drivers.mayFlash()
-               ? LeftOver{fault.what(), "mend what it says, then update the adapter"}
-               : LeftOver{};
-  }
-}
-
-void KernelFlashBackend::sweepUnasked(const std::set<AdapterAddress>& adapters) const {
-  const std::filesystem::path folder = firmwareFolder();
-  for (const AdapterAddress& adapter : findStagedFirmware(m_files, folder, adapters)) {
-    // Where there is an entry, the kernel may be about to read it.
-    const FlashJournal::Attempt attempt = m_journal.tryClaim(adapter);
-    if (attempt.claim && !m_journal.hasEntry(adapter)) {
-      sweepStagedFirmware(m_files, folder, adapter);
-    }
-  }
 }
 
 KernelFlashBackend::Subject KernelFlashBackend::subjectToWrite(const PortId& port,
@@ -562,7 +471,7 @@ void KernelFlashBackend::verify(const PortId& function, const FlashEntry& entry,
   const auto versions = versionsOf(*adapter, function.function);
   const std::string difference = findDifference(entry.expected, versions);
   if (!difference.empty()) {
-    clearQuietly(claim);
+    claim.clearQuietly();
     throw FlashFault(FlashError::CompareMismatch, difference);
   }
   if (const auto name = findUntold(entry.expected, entry.before, versions); !name.empty()) {

@@ -1,4 +1,6 @@
 #include <cerrno>
+#include <chrono>
+#include <ctime>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -98,6 +100,21 @@ TEST_F(FlashRouteTest, GoesNoWayThroughADriverThatCouldNotBeAsked) {
   function.hasAnswered = true;
   function.pci.driver = "bnxt_en";
   EXPECT_EQ(route().way, FlashWay::Ethtool);
+}
+
+TEST_F(FlashRouteTest, SaysSinceWhenADriverHasNotAnswered) {
+  KernelFunction& function = add("testnic", false);
+  m_adapter.isBeingWritten = true;
+  std::tm noon{};
+  noon.tm_year = 126;
+  noon.tm_mday = 1;
+  noon.tm_hour = 12;
+  noon.tm_min = 3;
+  noon.tm_sec = 7;
+  noon.tm_isdst = -1;
+  function.answer.silentSince = std::chrono::system_clock::from_time_t(std::mktime(&noon));
+  EXPECT_EQ(whyNone(),
+            "its driver testnic has not answered since 12:03:07; it may be writing the flash");
 }
 
 TEST_F(FlashRouteTest, SaysWhyThereIsNone) {
