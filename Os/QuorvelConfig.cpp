@@ -32,6 +32,10 @@ constexpr SettingName kKnownSettings[] = {kTimeout,          kNamespace,     kOe
                                           kFirmwarePaths,    kMaxImageSize,  kAdapters,
                                           kTrustDriverCheck, kFirmwareFolder};
 
+// Drivers are named as the kernel's modules are.
+constexpr const char* kSignsOfDrivers =
+    "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-";
+
 constexpr const char* kNamespaceRoot = "root";
 constexpr std::uint32_t kDefaultTimeout = 300'000;  // milliseconds
 constexpr std::uint32_t kDowngradeEnableBit = 0x20;
@@ -70,6 +74,22 @@ std::string readAdapterKinds(const SettingsStore& store, FlashSettings& settings
   settings.hasKernelAdapters = read.hasKernelAdapters;
   settings.hasVirtualAdapters = read.hasVirtualAdapters;
   return {};
+}
+
+// Returns the words that cannot be used; the others go into `settings`.
+std::string readTrustedDrivers(const SettingsStore& store, FlashSettings& settings) {
+  std::string unusable;
+  for (std::string& word : readWords(store, kTrustDriverCheck)) {
+    if (word.find_first_not_of(kSignsOfDrivers) == std::string::npos) {
+      settings.trustedDrivers.push_back(std::move(word));
+    } else {
+      unusable += (unusable.empty() ? "'" : ", '") + word + "'";
+    }
+  }
+  return unusable.empty()
+             ? unusable
+             : store.placeOf(kTrustDriverCheck) + ": of TrustDriverCheck is ignored: " + unusable +
+                   "; drivers are named as modules of the kernel, with blanks between them";
 }
 
 std::string readFirmwareFolder(const SettingsStore& store, FlashSettings& settings) {
@@ -162,11 +182,12 @@ std::uint32_t QuorvelConfig::getMaxImageSize() {
 FlashSettings QuorvelConfig::getFlashSettings() {
   const SettingsStore store(m_path);
   FlashSettings settings;
-  settings.trustedDrivers = readWords(store, kTrustDriverCheck);
+  const std::string drivers = readTrustedDrivers(store, settings);
   const std::string kinds = readAdapterKinds(store, settings);
   const std::string folder = readFirmwareFolder(store, settings);
   constexpr const char* kFunction = "utils::QuorvelConfig::getFlashSettings";
   const ScopedLock lock(m_lock);
+  reportOnce(kFunction, drivers, m_reportedTrustDriverCheck);
   reportOnce(kFunction, kinds, m_reportedAdapters);
   reportOnce(kFunction, folder, m_reportedFirmwareFolder);
   return settings;

@@ -107,6 +107,7 @@ class ORVEX_CORE_API QuorvelConfig : public AutoSingleton<QuorvelConfig> {
   std::string m_reportedMaxImageSize ORVEX_GUARDED_BY(m_lock);
   std::string m_reportedAdapters ORVEX_GUARDED_BY(m_lock);
   std::string m_reportedFirmwareFolder ORVEX_GUARDED_BY(m_lock);
+  std::string m_reportedTrustDriverCheck ORVEX_GUARDED_BY(m_lock);
   std::string m_namespace ORVEX_GUARDED_BY(m_lock);
   std::uint32_t m_timeout ORVEX_GUARDED_BY(m_lock);
   bool m_isDowngradeEnabled ORVEX_GUARDED_BY(m_lock) = false;

@@ -26,6 +26,9 @@ constexpr const char* kWait = "wait until the running update has ended, then try
 constexpr const char* kGetAgain =
     "the file is no firmware image or is damaged; get it again from where it came from";
 
+// The setting by which an administrator trusts a driver's own check of files.
+constexpr std::string_view kTrustSetting = "TrustDriverCheck";
+
 // The first entry that fits counts.
 constexpr Advice kAdvice[] = {
     {refusal::kDowngrade, kForce},
@@ -158,6 +161,13 @@ std::string findAdvice(std::uint32_t returnValue, const std::string& reason,
   }
   if (reason.find(refusal::kTypesDiffer) != std::string::npos) {
     return adviseOnTypes(request);
+  }
+  // What was found out in this process says what is missing.
+  if (request.why.find(kTrustSetting) != std::string::npos) {
+    return "make sure that the file is for this adapter; then name the driver in that setting";
+  }
+  if (!request.why.empty() && reason.find(refusal::kNotApplicableForTarget) != std::string::npos) {
+    return "'quorvel adapters' shows which adapters can be updated, and why others cannot";
   }
   if (!request.why.empty() && reason.find(refusal::kAdapterNotSupported) != std::string::npos) {
     return "get the file that is made for this adapter; 'quorvel show FILE' tells what one is for";

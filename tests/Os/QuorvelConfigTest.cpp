@@ -284,6 +284,17 @@ TEST_F(QuorvelConfig, ReportsSettingsOfTheFlashLibraryThatItCannotUseOnce) {
                   "FirmwareFolder is ignored: 'lib/firmware' does not begin with /")));
 }
 
+TEST_F(QuorvelConfig, ReportsWordsThatNameNoDriverOnce) {
+  const LogCapture log;
+  write({{"TrustDriverCheck", "bnxt_en, mlx5_core drivers/net \x1b[2J"}});
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_THAT(m_config.getFlashSettings().trustedDrivers, ElementsAre("mlx5_core"));
+  }
+  EXPECT_THAT(log.messages("utils::QuorvelConfig::getFlashSettings"),
+              ElementsAre(testing::HasSubstr(
+                  "of TrustDriverCheck is ignored: 'bnxt_en,', 'drivers/net', ")));
+}
+
 TEST_F(QuorvelConfig, SaysHowMuchTooLargeAnImageIs) {
   write({{"MaxImageSize", 4096U}});
 

@@ -108,6 +108,20 @@ TEST(RefusalAdvice, OnAFileForOthersKnowsThatTheLibraryHasSaidMore) {
             "for");
 }
 
+TEST(RefusalAdvice, DoesNotContradictWhatTheLibraryHasSaid) {
+  cli::UpdateRequest request;
+  request.why =
+      "where its driver's own check is enough, name mlx5_core in the setting TrustDriverCheck";
+  for (const char* reason : {"EAdapterNotSupported:Image x is not supported for adapter y",
+                             "EInvalidParameter:Invalid parameter x"}) {
+    EXPECT_EQ(adviseOnRefusal(4097, reason, request),
+              "make sure that the file is for this adapter; then name the driver in that setting");
+  }
+  request.why = "writing firmware needs the capability CAP_NET_ADMIN, as root has it";
+  EXPECT_EQ(adviseOnRefusal(4106, "ENotApplicableForTarget:Not applicable for y", request),
+            "'quorvel adapters' shows which adapters can be updated, and why others cannot");
+}
+
 TEST(RefusalAdvice, NamesTargetsWhenTheTargetIsNone) {
   EXPECT_THAT(adviseOnRefusal(4106, "", {}), HasSubstr("name a port or an adapter"));
 }
