@@ -6,7 +6,6 @@
 
 namespace {
 
-using query::Chain;
 using query::Condition;
 using query::Language;
 using query::parseStatement;
