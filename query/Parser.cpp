@@ -256,7 +256,8 @@ class Parser : private QueryWords {
       const bool isNegated = takeWord("NOT");
       demandWord("NULL");
       condition.kind = Condition::Kind::IsNull;
-      return isNegated ? negated(std::move(condition), condition.offset) : std::move(condition);
+      const std::size_t offset = condition.offset;
+      return isNegated ? negated(std::move(condition), offset) : std::move(condition);
     }
     if (isAtWord("LIKE") || isAtWord("NOT")) {
       return parseLike(std::move(condition));

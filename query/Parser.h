@@ -27,7 +27,7 @@ namespace query {
 inline constexpr unsigned kDeepestQuery = 64;           // of ( and NOT
 inline constexpr std::size_t kMostSteps = 8;            // of a property, A.B.C
 inline constexpr unsigned kMostConditions = 256;        // comparisons and the like
-inline constexpr std::size_t kMostPatternBytes = 4096;  // of all LIKE together
+inline constexpr std::size_t kMostPatternBytes = 1024;  // of all LIKE together
 
 // Throws QueryFault: Invalid, and Unsupported for what the language has beyond this.
 [[nodiscard]] Statement parseStatement(std::string_view text, Language language);

@@ -6,7 +6,6 @@
 
 namespace {
 
-using query::Chain;
 using query::Condition;
 using query::Language;
 using query::parseStatement;
@@ -289,8 +288,8 @@ TEST(Parser, BoundsTheNumberOfConditionsAndTheirPatterns) {
   EXPECT_THAT(conditionFault(chain(query::kMostConditions + 1, "a=1")),
               HasSubstr("256 conditions at the most"));
   const std::string like = "a LIKE '" + std::string(256, 'x') + "'";
-  EXPECT_EQ(conditionFault(chain(16, like)), "");
-  EXPECT_THAT(conditionFault(chain(17, like)), HasSubstr("4096 bytes at the most"));
+  EXPECT_EQ(conditionFault(chain(4, like)), "");
+  EXPECT_THAT(conditionFault(chain(5, like)), HasSubstr("1024 bytes at the most"));
 }
 
 }  // namespace

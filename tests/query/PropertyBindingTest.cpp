@@ -30,7 +30,7 @@ Bound bind(const std::string& property, const std::string& className = "Test_Thi
 }
 
 std::string faultOf(const std::string& property, const std::string& className = "Test_Thing") {
-  return test::faultOf([&] { bind(property, className); });
+  return test::faultOf([&] { static_cast<void>(bind(property, className)); });
 }
 
 TEST(PropertyBinding, KnowsTheSortOfEachProperty) {
