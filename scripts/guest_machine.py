@@ -15,7 +15,7 @@ MEMORY = "384"            # MiB
 # have the same addresses each time they start in half the time. The rest saves a tenth: what guards against other
 # programs on the machine, of which there are none.
 KERNEL_ARGUMENTS = ("console=ttyS0 quiet panic=-1 no_timer_check rcupdate.rcu_expedited=1 nowatchdog norandmaps "
-                    "mitigations=off init_on_alloc=0 cgroup_disable=memory lsm=capability audit=0 tsc=reliable "
+                    "mitigations=off init_on_alloc=0 cgroup_disable=memory lsm=capability audit=0 "
                     "cryptomgr.notests initcall_blacklist=load_system_certificate_list")
 MOST_WAITING = 4          # of the limit: how long it may wait for a processor that is busy with something else
 CONSOLE_LINES = 40        # that are shown of a machine that has not come to its end

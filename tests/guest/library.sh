@@ -81,6 +81,13 @@ ports_of() {
   done
 }
 
+# port_of ADDRESS: prints the first of them. No `head` does: who writes to it fails when it has enough.
+port_of() {
+  local ports
+  mapfile -t ports <<<"$(ports_of "$1")"
+  echo "${ports[0]:-}"
+}
+
 # device_of ADDRESS: prints the vendor and the device of a function, as in "8086:10d3".
 device_of() {
   local vendor device
@@ -233,7 +240,7 @@ expect_tidy() {
   expect_equal "what is left" "" "$left"
 }
 
-# start_service: serves the agents on the loopback interface; `service` is the process.
+# start_service: serves the agents on the loopback interface until the story's end; `service` is the process.
 start_service() {
   ip link set lo up
   (
@@ -244,6 +251,7 @@ start_service() {
   : >/run/quorveld.log
   ZOLAN_Quorvel_LOG_LEVEL=3 quorveld --config /run/quorveld.conf >>/run/quorveld.log 2>&1 &
   service=$!
+  trap 'kill -9 "$service" 2>/dev/null || true' EXIT
   await grep -qs "quorveld: serving" /run/quorveld.log
 }
 
@@ -263,4 +271,4 @@ install_by_service() {
 }
 
 # job_has JOB LINE: whether the job has that property, as in "JobState=7".
-job_has() { ask_service gi "$1" | grep -qxF -- "-$2"; }
+job_has() { [[ $'\n'$(ask_service gi "$1")$'\n' == *$'\n'"-$2"$'\n'* ]]; }
