@@ -139,6 +139,14 @@ AdapterList listAdapters() {
   return backend().list();
 }
 
+std::vector<AdapterListing> outlineAdapters() {
+  try {
+    return backend().outline().adapters;
+  } catch (const FlashFault&) {
+    return {};
+  }
+}
+
 std::vector<std::string> findAdapterProblems() {
   return backend().problems();
 }

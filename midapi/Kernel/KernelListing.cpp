@@ -74,6 +74,7 @@ AdapterPort describePort(const PciFunction& function) {
       port.mac = interface.mac;
     }
   }
+  port.link = function.link;
   return port;
 }
 
@@ -167,13 +168,15 @@ bool isRomKnown(const KernelAdapter& adapter) {
          });
 }
 
-AdapterListing describeKernelAdapter(const KernelAdapter& adapter, PciNames& names) {
+AdapterListing outlineKernelAdapter(const KernelAdapter& adapter, PciNames& names) {
   const KernelFunction& first = adapter.functions.front();
   AdapterListing listing;
   listing.kind = AdapterKind::Kernel;
   listing.pci = toString(adapter.address);
   listing.vendor = first.pci.ids.vendor;
   listing.device = first.pci.ids.device;
+  listing.subsystemVendor = first.pci.ids.subsystemVendor;
+  listing.subsystemDevice = first.pci.ids.subsystemDevice;
   listing.isBeingWritten = adapter.isBeingWritten;
   for (const KernelFunction& function : adapter.functions) {
     listing.ports.push_back(describePort(function.pci));
@@ -182,8 +185,14 @@ AdapterListing describeKernelAdapter(const KernelAdapter& adapter, PciNames& nam
   if (listing.name.empty()) {
     listing.name = names.nameOf(listing.vendor, listing.device);
   }
-  describeFlash(romOf(adapter, first.pci.id.function), listing);
-  listing.versions = versionsOf(adapter, first.pci.id.function);
+  return listing;
+}
+
+AdapterListing describeKernelAdapter(const KernelAdapter& adapter, PciNames& names) {
+  AdapterListing listing = outlineKernelAdapter(adapter, names);
+  const std::uint8_t first = adapter.functions.front().pci.id.function;
+  describeFlash(romOf(adapter, first), listing);
+  listing.versions = versionsOf(adapter, first);
   addNotes(adapter, listing);
   return listing;
 }

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "midapi/Virtual/AdapterOutline.h"
 #include "midapi/Virtual/VirtualAdapters.h"
 #include "platform/Texts.h"
 
@@ -25,6 +26,17 @@ AdapterDescription describePort(const AdapterFolder& folder, const PortId& port)
   return description;
 }
 
+// Returns what the description is with an update that is decided and may not be done yet.
+AdapterDescription settledDescription(FileSystem& files, const AdapterFolder& folder,
+                                      const AdapterDescription& placed) {
+  try {
+    settleUpdate(files, folder);
+    return folder.state().description;
+  } catch (const FlashFault&) {
+    return placed;  // an update says what is wrong with the journal
+  }
+}
+
 }  // namespace
 
 VirtualFlashBackend::VirtualFlashBackend(FileSystem& files,
@@ -46,6 +58,18 @@ utils::StringArray VirtualFlashBackend::enumerateAdapters() {
 
 AdapterList VirtualFlashBackend::list() {
   return VirtualAdapters(m_directory()).list();
+}
+
+AdapterList VirtualFlashBackend::outline() {
+  const std::filesystem::path directory = m_directory();
+  AdapterList list;
+  for (const auto& description : m_cache.descriptions(directory)) {
+    const AdapterFolder folder(m_files, directory, description->pci);
+    list.adapters.push_back(outlineOf(m_files.exists(folder.journalPath())
+                                          ? settledDescription(m_files, folder, *description)
+                                          : *description));
+  }
+  return list;
 }
 
 AdapterFacts VirtualFlashBackend::facts(const PortId& port) {
