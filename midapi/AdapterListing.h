@@ -65,6 +65,8 @@ struct AdapterComponent {
   std::size_t length = 0;
   // FNV-1a of the image's bytes: tells images of one version apart.
   std::uint64_t digest = 0;
+
+  friend bool operator==(const AdapterComponent&, const AdapterComponent&) = default;
 };
 
 // What a driver says of one part of the firmware, by its standard name ("fw.undi", see the kernel's
@@ -78,6 +80,12 @@ struct FirmwareVersions {
   [[nodiscard]] bool tellsStored() const { return isErased || !stored.empty(); }
 
   friend bool operator==(const FirmwareVersions&, const FirmwareVersions&) = default;
+};
+
+// How much of an adapter is looked at.
+enum class OutlineDepth {
+  Description,  // what takes no look at its flash: not components, flashBytes and flashDefect
+  Flash,        // those, too
 };
 
 // What is empty is not known.
@@ -115,6 +123,8 @@ struct AdapterListing {
   bool isBeingWritten = false;
   // What a person should know beside: "not readable without root: its option ROM".
   std::vector<std::string> notes;
+
+  friend bool operator==(const AdapterListing&, const AdapterListing&) = default;
 };
 
 // Something that is not listed as an adapter, or in which something is wrong, and why.

@@ -41,9 +41,9 @@ Members membersWith(const Members& members, const AdapterAddress& adapter) {
   return found;
 }
 
-AdapterList outlineOf(FlashBackend& member) {
+AdapterList outlineOf(FlashBackend& member, OutlineDepth depth) {
   try {
-    return member.outline();
+    return member.outline(depth);
   } catch (const FlashFault&) {
     return {};
   }
@@ -181,15 +181,15 @@ AdapterList BackendSet::list() {
   return all;
 }
 
-AdapterList BackendSet::outline() {
+AdapterList BackendSet::outline(OutlineDepth depth) {
   const Members members = m_members();
   if (members.size() == 1) {
-    return members.front()->outline();
+    return members.front()->outline(depth);
   }
   Ownership ownership(members);
   AdapterList all;
   for (FlashBackend* member : members) {
-    for (AdapterListing& adapter : outlineOf(*member).adapters) {
+    for (AdapterListing& adapter : outlineOf(*member, depth).adapters) {
       const auto address = parseAdapterAddress(adapter.pci);
       if (address && !ownership.isShared(*address)) {
         all.adapters.push_back(std::move(adapter));

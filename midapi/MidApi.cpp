@@ -139,9 +139,9 @@ AdapterList listAdapters() {
   return backend().list();
 }
 
-std::vector<AdapterListing> outlineAdapters() {
+std::vector<AdapterListing> outlineAdapters(OutlineDepth depth) {
   try {
-    return backend().outline().adapters;
+    return backend().outline(depth).adapters;
   } catch (const FlashFault&) {
     return {};
   }

@@ -207,11 +207,12 @@ AdapterList KernelFlashBackend::list() {
   return list;
 }
 
-AdapterList KernelFlashBackend::outline() {
+AdapterList KernelFlashBackend::outline(OutlineDepth depth) {
   const std::string whyNobodyCan = whyNobody();
   AdapterList list;
   for (const KernelAdapter& adapter : m_adapters.all()) {
-    AdapterListing listing = outlineKernelAdapter(adapter, m_names);
+    AdapterListing listing = depth == OutlineDepth::Flash ? describeKernelAdapter(adapter, m_names)
+                                                          : outlineKernelAdapter(adapter, m_names);
     tellUpdatability(adapter, whyNobodyCan, listing);
     list.adapters.push_back(std::move(listing));
   }

@@ -185,14 +185,13 @@ AdapterListing outlineKernelAdapter(const KernelAdapter& adapter, PciNames& name
   if (listing.name.empty()) {
     listing.name = names.nameOf(listing.vendor, listing.device);
   }
+  listing.versions = versionsOf(adapter, first.pci.id.function);
   return listing;
 }
 
 AdapterListing describeKernelAdapter(const KernelAdapter& adapter, PciNames& names) {
   AdapterListing listing = outlineKernelAdapter(adapter, names);
-  const std::uint8_t first = adapter.functions.front().pci.id.function;
-  describeFlash(romOf(adapter, first), listing);
-  listing.versions = versionsOf(adapter, first);
+  describeFlash(romOf(adapter, adapter.functions.front().pci.id.function), listing);
   addNotes(adapter, listing);
   return listing;
 }

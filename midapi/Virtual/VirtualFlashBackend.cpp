@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "midapi/FlashListing.h"
 #include "midapi/Virtual/AdapterOutline.h"
 #include "midapi/Virtual/VirtualAdapters.h"
 #include "platform/Texts.h"
@@ -37,6 +38,14 @@ AdapterDescription settledDescription(FileSystem& files, const AdapterFolder& fo
   }
 }
 
+void addFlash(const AdapterFolder& folder, AdapterListing& listing) {
+  try {
+    describeFlash(folder.flash().view(), listing);
+  } catch (const FlashFault& fault) {
+    listing.flashDefect = fault.what();
+  }
+}
+
 }  // namespace
 
 VirtualFlashBackend::VirtualFlashBackend(FileSystem& files,
@@ -60,14 +69,18 @@ AdapterList VirtualFlashBackend::list() {
   return VirtualAdapters(m_directory()).list();
 }
 
-AdapterList VirtualFlashBackend::outline() {
+AdapterList VirtualFlashBackend::outline(OutlineDepth depth) {
   const std::filesystem::path directory = m_directory();
   AdapterList list;
   for (const auto& description : m_cache.descriptions(directory)) {
     const AdapterFolder folder(m_files, directory, description->pci);
-    list.adapters.push_back(outlineOf(m_files.exists(folder.journalPath())
-                                          ? settledDescription(m_files, folder, *description)
-                                          : *description));
+    AdapterListing listing = outlineOf(m_files.exists(folder.journalPath())
+                                           ? settledDescription(m_files, folder, *description)
+                                           : *description);
+    if (depth == OutlineDepth::Flash) {
+      addFlash(folder, listing);
+    }
+    list.adapters.push_back(std::move(listing));
   }
   return list;
 }

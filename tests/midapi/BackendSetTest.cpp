@@ -64,11 +64,11 @@ class NamedBackend final : public ma::FlashBackend {
     list.problems.push_back({m_name, "has a problem", "mend it"});
     return list;
   }
-  ma::AdapterList outline() override {
+  ma::AdapterList outline(ma::OutlineDepth depth) override {
     failWhereBlind();
     ma::AdapterList outline = list();
     for (ma::AdapterListing& adapter : outline.adapters) {
-      adapter.name += " in outline";
+      adapter.name += depth == ma::OutlineDepth::Flash ? " in depth" : " in outline";
     }
     return outline;
   }
@@ -173,9 +173,9 @@ class BackendSet : public testing::Test {
     }
     return texts;
   }
-  std::vector<std::string> outlines() {
+  std::vector<std::string> outlines(ma::OutlineDepth depth = ma::OutlineDepth::Description) {
     std::vector<std::string> texts;
-    for (const ma::AdapterListing& adapter : m_set.outline().adapters) {
+    for (const ma::AdapterListing& adapter : m_set.outline(depth).adapters) {
       texts.push_back(adapter.pci + " " + adapter.name);
     }
     return texts;
@@ -206,15 +206,17 @@ TEST_F(BackendSet, OutlinesTheAdaptersThatItEnumerates) {
   EXPECT_THAT(outlines(),
               ElementsAre("0000:03:00 kernel in outline", "0000:04:00 virtual in outline",
                           "0001:00:00 kernel in outline"));
-  EXPECT_THAT(m_set.outline().problems, IsEmpty());
+  EXPECT_THAT(m_set.outline(ma::OutlineDepth::Description).problems, IsEmpty());
   m_virtual.adapters = {kKernels, kVirtual};
   EXPECT_THAT(outlines(),
               ElementsAre("0000:04:00 virtual in outline", "0001:00:00 kernel in outline"));
   m_virtual.isBlind = true;
   EXPECT_THAT(outlines(),
               ElementsAre("0000:03:00 kernel in outline", "0001:00:00 kernel in outline"));
+  EXPECT_THAT(outlines(ma::OutlineDepth::Flash),
+              ElementsAre("0000:03:00 kernel in depth", "0001:00:00 kernel in depth"));
   m_members = {&m_virtual};
-  EXPECT_THROW(static_cast<void>(m_set.outline()), FlashFault);
+  EXPECT_THROW(static_cast<void>(m_set.outline(ma::OutlineDepth::Flash)), FlashFault);
 }
 
 TEST_F(BackendSet, TellsTheInterruptedWritesOfAll) {

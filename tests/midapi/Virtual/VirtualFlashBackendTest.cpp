@@ -95,13 +95,14 @@ TEST_F(VirtualFlashBackendTest, OutlinesAdaptersWithoutALookAtTheirFlash) {
   m_adapters.makeAdapter("0000:03:00", {1});
   m_adapters.makeAdapter("0000:04:00", {1});
   m_adapters.set("0000:04:00", "/ports", "[]");
-  const ma::AdapterList list = m_backend.outline();
+  const ma::AdapterList list = m_backend.outline(ma::OutlineDepth::Description);
   ASSERT_EQ(list.adapters.size(), 1U);
   EXPECT_EQ(list.adapters[0].pci, "0000:03:00");
   EXPECT_EQ(list.adapters[0].ports.size(), 2U);
   EXPECT_EQ(list.adapters[0].flashBytes, 0U);
   EXPECT_EQ(m_files.listings, 1U);
   EXPECT_EQ(m_files.reads, 2U);
+  EXPECT_EQ(m_backend.outline(ma::OutlineDepth::Flash).adapters.at(0).flashBytes, 1U);
 }
 
 TEST_F(VirtualFlashBackendTest, OutlinesWhatADecidedUpdateMakesOfAnAdapter) {
@@ -113,10 +114,11 @@ TEST_F(VirtualFlashBackendTest, OutlinesWhatADecidedUpdateMakesOfAnAdapter) {
   const std::filesystem::path folder = m_adapters.folder("0000:03:00");
   std::ofstream(folder / journal.flashName, std::ios::binary) << '\2';
   std::ofstream(folder / "update.json") << ma::formatJournal(journal);
-  EXPECT_EQ(m_backend.outline().adapters.at(0).ports.at(1).bootType, BootType::Iscsi);
+  EXPECT_EQ(m_backend.outline(ma::OutlineDepth::Description).adapters.at(0).ports.at(1).bootType,
+            BootType::Iscsi);
 
   std::ofstream(folder / "update.json") << "no journal";
-  EXPECT_EQ(m_backend.outline().adapters.size(), 1U);
+  EXPECT_EQ(m_backend.outline(ma::OutlineDepth::Description).adapters.size(), 1U);
 }
 
 TEST_F(VirtualFlashBackendTest, FindsOneAdapterAmongManyWithoutASearch) {
