@@ -13,8 +13,8 @@ constexpr const char* kSystemClass = "CIM_UnitaryComputerSystem";
 
 }  // namespace
 
-DeviceSet makeDeviceSet(std::vector<std::string> identities) {
-  return {os::getComputerName(), std::move(identities)};
+DeviceSet makeDeviceSet(std::vector<ma::AdapterListing> adapters) {
+  return {os::getComputerName(), std::move(adapters)};
 }
 
 void setDeviceValues(CIM_LogicalDevice& device, const std::string& deviceId,

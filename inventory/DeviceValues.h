@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cim/CIM_LogicalDevice.h"
+#include "midapi/AdapterListing.h"
 
 namespace inventory {
 
@@ -14,13 +15,13 @@ namespace inventory {
 // are equal.
 struct DeviceSet {
   std::string systemName;
-  std::vector<std::string> identities;
+  std::vector<ma::AdapterListing> adapters;
 
   friend bool operator==(const DeviceSet&, const DeviceSet&) = default;
 };
 
-// Returns the set of the devices, on this system.
-[[nodiscard]] DeviceSet makeDeviceSet(std::vector<std::string> identities);
+// Returns the set of the devices of these adapters, on this system.
+[[nodiscard]] DeviceSet makeDeviceSet(std::vector<ma::AdapterListing> adapters);
 
 // Fills the keys and names of a device and marks the keys.
 void setDeviceValues(CIM_LogicalDevice& device, const std::string& deviceId,
