@@ -11,6 +11,9 @@
 
 namespace inventory {
 
+// The class that the keys of devices name as that of their system.
+inline constexpr const char* kSystemClass = "CIM_UnitaryComputerSystem";
+
 // What the values of devices are made of, beside constants. Devices that were built of equal ones
 // are equal.
 struct DeviceSet {
