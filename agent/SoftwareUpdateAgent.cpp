@@ -4,6 +4,7 @@
 #include <new>
 
 #include "Os/QuorvelConfig.h"
+#include "agent/AgentTexts.h"
 #include "agent/Orvex_AffectedJobElement.h"
 #include "agent/Orvex_ConcreteJob.h"
 #include "agent/Orvex_ConcreteJobClass.h"
@@ -15,6 +16,8 @@
 #include "agent/Orvex_SoftwareUpdateElementConformsToProfile.h"
 #include "agent/Orvex_SoftwareUpdateReferencedProfile.h"
 #include "agent/Orvex_SoftwareUpdateRegisteredProfile.h"
+#include "cim/SchemaTexts.h"
+#include "core/ClassTexts.h"
 #include "core/DeclareClass.h"
 #include "midapi/MidApi.h"
 
@@ -64,6 +67,11 @@ void SoftwareUpdateAgent::declareClasses(CimSchema& schema) const {
       Orvex_SoftwareUpdateElementConformsToProfile, Orvex_SoftwareUpdateReferencedProfile,
       Orvex_ServiceAffectsElement, Orvex_ConcreteJob, Orvex_AffectedJobElement,
       Orvex_OwningJobElement>(schema);
+}
+
+void SoftwareUpdateAgent::describeClasses(ClassTexts& texts) const {
+  cim::addSchemaTexts(texts);
+  texts.add(agent::getAgentTexts());
 }
 
 }  // namespace core

@@ -5,16 +5,20 @@
 
 #include "core/CimAgent.h"
 #include "core/ClassDeclarer.h"
+#include "core/ClassDescriber.h"
 
 namespace core {
 
-class SoftwareUpdateAgent : public CimAgent, public ClassDeclarer {
+class SoftwareUpdateAgent : public CimAgent, public ClassDeclarer, public ClassDescriber {
  public:
   SoftwareUpdateAgent();
   ~SoftwareUpdateAgent() override;
 
   // ClassDeclarer
   void declareClasses(CimSchema& schema) const override;
+
+  // ClassDescriber
+  void describeClasses(ClassTexts& texts) const override;
 };
 
 }  // namespace core

@@ -5,6 +5,9 @@
 #include <span>
 #include <string>
 
+#include "cim/ValueTables.h"
+#include "core/ValueNames.h"
+
 namespace cim {
 
 namespace {
@@ -55,53 +58,16 @@ const std::vector<core::MethodDeclaration>& allMethods() {
   return kMethods;
 }
 
-struct Meaning {
-  std::uint32_t code;
-  std::string_view text;
-};
-
-constexpr Meaning kInstallMeanings[] = {
-    {kCompletedWithNoError, "Job Completed with No Error"},
-    {kUnspecifiedError, "Unspecified Error"},
-    {kFailed, "Failed"},
-    {kInvalidParameter, "Invalid Parameter"},
-    {kTargetInUse, "Target In Use"},
-    {kJobStarted, "Method Parameters Checked - Job Started"},
-    {kUnsupportedTargetType, "Unsupported TargetType"},
-    {kDowngradeNotSupported, "Downgrade/reinstall not supported"},
-    {kNotEnoughMemory, "Not enough memory"},
-    {kNotApplicableToTarget, "Unsupported target (not applicable for target)"},
-    {kCollectionNotSupported, "Installation to a collection is not supported"},
-};
-
-// A check has no job that could be completed.
-constexpr Meaning kCheckMeanings[] = {{kCompletedWithNoError, "Completed with No Error"}};
-
-constexpr Meaning kStateChangeMeanings[] = {
-    {kStateChanged, "Completed with No Error"},
-    {kStateChangeNotSupported, "Not Supported"},
-    {kStateChangeUnspecifiedError, "Unknown/Unspecified Error"},
-    {kStateChangeTimedOut, "Can NOT complete within Timeout Period"},
-    {kStateChangeFailed, "Failed"},
-    {kStateChangeInvalid, "Invalid Parameter"},
-    {kStateChangeInUse, "In Use"},
-    {kStateChangeStarted, "Method Parameters Checked - Transition Started"},
-    {kInvalidStateTransition, "Invalid State Transition"},
-    {kStateChangeTimeoutNotSupported, "Use of Timeout Parameter Not Supported"},
-    {kStateChangeBusy, "Busy"},
-};
-
-struct MethodMeanings {
+struct MethodReturns {
   std::string_view method;
-  std::span<const Meaning> own;     // counts first
-  std::span<const Meaning> shared;  // with other methods
+  std::span<const core::ValueName> values;
 };
 
-constexpr MethodMeanings kMethodMeanings[] = {
-    {"InstallFromSoftwareIdentity", {}, kInstallMeanings},
-    {"InstallFromURI", {}, kInstallMeanings},
-    {"CheckSoftwareIdentity", kCheckMeanings, kInstallMeanings},
-    {"RequestStateChange", kStateChangeMeanings, {}},
+constexpr MethodReturns kMethodReturns[] = {
+    {"InstallFromSoftwareIdentity", kInstallReturns},
+    {"InstallFromURI", kInstallReturns},
+    {"CheckSoftwareIdentity", kCheckReturns},
+    {"RequestStateChange", kStateChangeReturns},
 };
 
 }  // namespace
@@ -123,21 +89,15 @@ const core::MethodDeclaration* findMethod(std::string_view name) {
 }
 
 std::string_view describeReturn(std::string_view method, std::uint32_t code) {
-  const auto* const meanings = std::find_if(std::begin(kMethodMeanings), std::end(kMethodMeanings),
-                                            [method](const MethodMeanings& candidate) {
-                                              return core::isSameName(candidate.method, method);
-                                            });
-  if (meanings == std::end(kMethodMeanings)) {
+  const auto* const returns = std::find_if(std::begin(kMethodReturns), std::end(kMethodReturns),
+                                           [method](const MethodReturns& candidate) {
+                                             return core::isSameName(candidate.method, method);
+                                           });
+  if (returns == std::end(kMethodReturns)) {
     return {};
   }
-  for (const std::span<const Meaning> table : {meanings->own, meanings->shared}) {
-    for (const Meaning& meaning : table) {
-      if (meaning.code == code) {
-        return meaning.text;
-      }
-    }
-  }
-  return "Unknown return code";
+  const std::string_view text = core::findValueName(returns->values, std::int64_t{code});
+  return text.empty() ? "Unknown return code" : text;
 }
 
 }  // namespace cim

@@ -1,6 +1,6 @@
 // The answers of a CIM server (DSP0201: a SIMPLERSP), appended to a buffer in one pass; what stands
 // in an operation's return value is written by cimxml/NameWriter.h, InstanceFormat.h,
-// ClassWriter.h. Callers hold the broker's request while they pass instances.
+// ClassWriter.h, QualifierWriter.h. Callers hold the broker's request while they pass instances.
 
 #ifndef ORVEX_CIMXML_ANSWERWRITER_H_
 #define ORVEX_CIMXML_ANSWERWRITER_H_

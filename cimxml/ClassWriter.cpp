@@ -1,5 +1,6 @@
 #include "cimxml/ClassWriter.h"
 
+#include "cimxml/QualifierWriter.h"
 #include "cimxml/Values.h"
 
 namespace cimxml {
@@ -18,8 +19,8 @@ class ClassWriter {
       appendAttribute(m_out, "SUPERCLASS", m_declaration.superclass);
     }
     m_out += '>';
-    if (m_declaration.isAssociation) {
-      appendQualifier("Association", true);
+    if (m_format.qualifiers != nullptr) {
+      appendQualifiers(m_format.qualifiers->ofClass(m_declaration), true);
     }
     for (const core::PropertyDeclaration& property : m_declaration.properties) {
       if (isOffered(property.origin) && isListed(property.name)) {
@@ -47,16 +48,10 @@ class ClassWriter {
     return m_format.propertyList == nullptr || m_format.propertyList->has(name);
   }
 
-  // Their flavor in DSP0004 forbids that a subclass overrides them.
-  void appendQualifier(std::string_view name, bool value) {
-    if (!m_format.hasQualifiers) {
-      return;
+  void appendQualifiers(const core::ClassQualifiers::List& qualifiers, bool isOfLocal) {
+    for (const core::Qualifier& qualifier : qualifiers) {
+      appendQualifier(m_out, qualifier, !isOfLocal);
     }
-    m_out += "<QUALIFIER";
-    appendAttribute(m_out, "NAME", name);
-    m_out += " TYPE=\"boolean\" OVERRIDABLE=\"false\"><VALUE>";
-    m_out += value ? "TRUE" : "FALSE";
-    m_out += "</VALUE></QUALIFIER>";
   }
 
   void appendOrigin(const std::string& origin) {
@@ -76,8 +71,9 @@ class ClassWriter {
     appendTypeAttribute(m_out, property.type, property.referenceClass);
     appendOrigin(property.origin);
     m_out += '>';
-    if (property.isKey) {
-      appendQualifier("Key", true);
+    if (m_format.qualifiers != nullptr) {
+      appendQualifiers(m_format.qualifiers->ofProperty(m_declaration, property),
+                       isLocal(property.origin));
     }
     appendEndTag(m_out, element);
   }
@@ -88,23 +84,26 @@ class ClassWriter {
     appendAttribute(m_out, "TYPE", core::getTypeName(method.returnType));
     appendOrigin(method.origin);
     m_out += '>';
+    if (m_format.qualifiers != nullptr) {
+      appendQualifiers(m_format.qualifiers->ofMethod(m_declaration, method),
+                       isLocal(method.origin));
+    }
     for (const core::ParameterDeclaration& parameter : method.parameters) {
-      appendParameter(parameter);
+      appendParameter(method, parameter);
     }
     appendEndTag(m_out, "METHOD");
   }
 
-  void appendParameter(const core::ParameterDeclaration& parameter) {
+  void appendParameter(const core::MethodDeclaration& method,
+                       const core::ParameterDeclaration& parameter) {
     const std::string_view element = getParameterElement(parameter.type);
     m_out += '<';
     m_out += element;
     appendAttribute(m_out, "NAME", parameter.name);
     appendTypeAttribute(m_out, parameter.type, parameter.referenceClass);
     m_out += '>';
-    const bool isInput = parameter.direction == core::ParameterDirection::In;
-    appendQualifier("In", isInput);
-    if (!isInput) {
-      appendQualifier("Out", true);
+    if (m_format.qualifiers != nullptr) {
+      appendQualifiers(m_format.qualifiers->ofParameter(method, parameter), isLocal(method.origin));
     }
     appendEndTag(m_out, element);
   }

@@ -6,17 +6,18 @@
 #include "cimxml/Buffer.h"
 #include "cimxml/NameSet.h"
 #include "core/ClassDeclaration.h"
+#include "core/ClassQualifiers.h"
 
 namespace cimxml {
 
 struct ClassFormat {
   bool isLocalOnly = false;
-  bool hasQualifiers = true;
   bool hasClassOrigin = false;
-  const NameSet* propertyList = nullptr;  // null: all
+  const core::ClassQualifiers* qualifiers = nullptr;  // null: none is written
+  const NameSet* propertyList = nullptr;              // null: all
 };
 
-// <CLASS NAME="..." SUPERCLASS="...">: qualifiers (Association, Key, In, Out), properties, methods.
+// <CLASS NAME="..." SUPERCLASS="...">: qualifiers, properties, methods.
 void appendClass(Buffer& out, const core::ClassDeclaration& declaration, const ClassFormat& format);
 
 }  // namespace cimxml

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <new>
 #include <pugixml.hpp>
+#include <span>
 #include <string_view>
 
 #include "cimxml/Elements.h"
@@ -97,8 +98,15 @@ constexpr PropertyElement kPropertyElements[] = {
     {"PROPERTY.REFERENCE", false, true},
 };
 
-const PropertyElement* findPropertyElement(const Node& node) {
-  for (const PropertyElement& element : kPropertyElements) {
+constexpr PropertyElement kParameterElements[] = {
+    {"PARAMETER", false, false},
+    {"PARAMETER.ARRAY", true, false},
+    {"PARAMETER.REFERENCE", false, true},
+    {"PARAMETER.REFARRAY", true, true},
+};
+
+const PropertyElement* findElement(std::span<const PropertyElement> elements, const Node& node) {
+  for (const PropertyElement& element : elements) {
     if (is(node, element.name)) {
       return &element;
     }
@@ -114,7 +122,7 @@ InstanceValue readInstance(const Node& node) {
   InstanceValue instance;
   instance.name.className = attribute(node, "CLASSNAME");
   for (const Node& child : node.children()) {
-    if (const PropertyElement* element = findPropertyElement(child)) {
+    if (const PropertyElement* element = findElement(kPropertyElements, child)) {
       instance.properties.push_back({attribute(child, "NAME"), readType(*element, child),
                                      element->isArray, readValue(child)});
     }
@@ -122,14 +130,46 @@ InstanceValue readInstance(const Node& node) {
   return instance;
 }
 
+std::vector<ClassValue::Qualifier> readQualifiers(const Node& node) {
+  std::vector<ClassValue::Qualifier> qualifiers;
+  for (const Node& child : node.children("QUALIFIER")) {
+    ClassValue::Qualifier& added = qualifiers.emplace_back();
+    added.name = attribute(child, "NAME");
+    if (const Node array = child.child("VALUE.ARRAY")) {
+      added.values = readArray(array);
+    } else if (const Node value = child.child("VALUE")) {
+      added.values.emplace_back(readText(value));
+    }
+  }
+  return qualifiers;
+}
+
+ClassValue::Property readDeclared(const PropertyElement& element, const Node& node) {
+  return {attribute(node, "NAME"), readType(element, node), element.isArray,
+          attribute(node, "REFERENCECLASS"), readQualifiers(node)};
+}
+
+ClassValue::Method readMethod(const Node& node) {
+  ClassValue::Method method{
+      attribute(node, "NAME"), attribute(node, "TYPE"), readQualifiers(node), {}};
+  for (const Node& child : node.children()) {
+    if (const PropertyElement* element = findElement(kParameterElements, child)) {
+      method.parameters.push_back(readDeclared(*element, child));
+    }
+  }
+  return method;
+}
+
 ClassValue readClass(const Node& node) {
   ClassValue result;
   result.name = attribute(node, "NAME");
   result.superclass = attribute(node, "SUPERCLASS");
+  result.qualifiers = readQualifiers(node);
   for (const Node& child : node.children()) {
-    if (const PropertyElement* element = findPropertyElement(child)) {
-      result.properties.push_back(
-          {attribute(child, "NAME"), readType(*element, child), element->isArray});
+    if (const PropertyElement* element = findElement(kPropertyElements, child)) {
+      result.properties.push_back(readDeclared(*element, child));
+    } else if (is(child, "METHOD")) {
+      result.methods.push_back(readMethod(child));
     }
   }
   return result;

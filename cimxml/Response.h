@@ -14,17 +14,34 @@
 
 namespace cimxml {
 
-// What a CLASS says about its properties.
+// What a CLASS says about itself, its properties and its methods.
 struct ClassValue {
+  struct Qualifier {
+    std::string name;
+    StringArray values;  // of one that is no array the one, none for NULL
+  };
+
+  // A property, or a parameter of a method.
   struct Property {
     std::string name;
     std::string type;  // "uint16"; "reference" for PROPERTY.REFERENCE
     bool isArray = false;
+    std::string referenceClass = {};  // of a reference, where one is fixed
+    std::vector<Qualifier> qualifiers = {};
+  };
+
+  struct Method {
+    std::string name;
+    std::string type;  // of what it returns
+    std::vector<Qualifier> qualifiers;
+    std::vector<Property> parameters;
   };
 
   std::string name;
   std::string superclass;  // empty: none
+  std::vector<Qualifier> qualifiers;
   std::vector<Property> properties;
+  std::vector<Method> methods;
 };
 
 struct ErrorValue {

@@ -43,6 +43,26 @@ bool isShown(const client::PropertySnapshot& property, client::NullProperties nu
   return nulls == client::NullProperties::Shown || !property.value.isNull();
 }
 
+// Returns the names of a property's numbers in parentheses, behind a blank; nothing where there are
+// none.
+std::string toNote(const client::ClassDescription& described,
+                   const client::PropertySnapshot& property) {
+  const client::ElementDescription* const element = described.findProperty(property.name);
+  if (element == nullptr) {
+    return {};
+  }
+  const client::Value names = client::findNames(element->values, property.value);
+  if (names.isNull()) {
+    return {};
+  }
+  std::string text;
+  for (const client::Value& name :
+       names.items() != nullptr ? *names.items() : client::Value::Array{names}) {
+    text += (text.empty() ? "" : ", ") + (name.text() != nullptr ? *name.text() : "?");
+  }
+  return " (" + utils::toPrintable(text) + ")";
+}
+
 }  // namespace
 
 std::string toText(const client::PropertySnapshot& property) {
@@ -57,7 +77,7 @@ std::string toText(const client::PropertySnapshot& property) {
 }
 
 void printProperties(std::ostream& out, const client::Properties& properties,
-                     client::NullProperties nulls) {
+                     client::NullProperties nulls, const client::ClassDescription* described) {
   // A host may name a property as it likes.
   std::vector<std::pair<std::string, const client::PropertySnapshot*>> shown;
   std::size_t width = 0;
@@ -70,7 +90,8 @@ void printProperties(std::ostream& out, const client::Properties& properties,
   }
   for (const auto& [name, property] : shown) {
     out << std::string(kIndent, ' ') << name << std::string(width - name.size(), ' ') << " = "
-        << toText(*property) << '\n';
+        << toText(*property)
+        << (described != nullptr ? toNote(*described, *property) : std::string()) << '\n';
   }
 }
 

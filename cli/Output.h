@@ -15,15 +15,18 @@
 #include <ostream>
 #include <string>
 
+#include "client/ClassDescription.h"
 #include "client/Snapshot.h"
 
 namespace cli {
 
 [[nodiscard]] std::string toText(const client::PropertySnapshot& property);
 
-// Prints "  Name = value" lines whose signs line up.
+// Prints "  Name = value" lines whose signs line up; where the class is given, "  Name = 4
+// (Running)" for numbers that have names there.
 void printProperties(std::ostream& out, const client::Properties& properties,
-                     client::NullProperties nulls);
+                     client::NullProperties nulls,
+                     const client::ClassDescription* described = nullptr);
 
 }  // namespace cli
 

@@ -14,6 +14,7 @@
 #include "cli/CheckCommand.h"
 #include "cli/ClassesCommand.h"
 #include "cli/Context.h"
+#include "cli/DescribeCommand.h"
 #include "cli/HostArgument.h"
 #include "cli/IdentitiesCommand.h"
 #include "cli/InstancesCommand.h"
@@ -43,6 +44,7 @@ constexpr const char* kFooter =
     "  quorvel show firmware.rom\n"
     "  quorvel update 0000:03:00.0 firmware.rom\n"
     "  quorvel classes\n"
+    "  quorvel describe CIM_ConcreteJob\n"
     "  quorvel instances Orvex_EthernetPort --json\n"
     "  quorvel update --help\n"
     "  quorvel --host jobs\n"
@@ -56,9 +58,10 @@ constexpr const char* kFooter =
 
 // Added one by one, so that a further command is one line here and one pair of files.
 constexpr void (*kCommands[])(CLI::App&, Context&) = {
-    addActivateCommand, addAdaptersCommand,   addAssociationsCommand, addCheckCommand,
-    addClassesCommand,  addIdentitiesCommand, addInstancesCommand,    addInvokeCommand,
-    addJobsCommand,     addShowCommand,       addUpdateCommand,       addWatchCommand,
+    addActivateCommand, addAdaptersCommand, addAssociationsCommand, addCheckCommand,
+    addClassesCommand,  addDescribeCommand, addIdentitiesCommand,   addInstancesCommand,
+    addInvokeCommand,   addJobsCommand,     addShowCommand,         addUpdateCommand,
+    addWatchCommand,
 };
 
 std::string describeParseFailure(const CLI::App* app, const CLI::Error& error) {

@@ -8,6 +8,7 @@
 #include "client/ServedClasses.h"
 #include "client/Snapshot.h"
 #include "core/ClassDeclaration.h"
+#include "core/ClassTexts.h"
 
 namespace client {
 namespace {
@@ -45,6 +46,15 @@ ServingAgents BrokerConnection::getClasses() {
     }
   }
   return result;
+}
+
+std::optional<ClassDescription> BrokerConnection::findClass(const std::string& className) {
+  const std::shared_ptr<const core::CimSchema> schema = m_broker.getSchema();
+  const core::ClassDeclaration* const declaration = schema->find(className);
+  if (declaration == nullptr) {
+    return std::nullopt;
+  }
+  return describeClass(*schema, core::getClassTexts(m_broker), *declaration);
 }
 
 std::optional<Instances> BrokerConnection::findInstances(const std::string& className) {

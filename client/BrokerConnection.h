@@ -21,6 +21,7 @@ class BrokerConnection final : public Connection {
   // Connection. Names of classes and keys are compared without regard to case, and the instances of
   // a class are its own, then those of the classes below it: all as a host does it.
   [[nodiscard]] ServingAgents getClasses() override;
+  [[nodiscard]] std::optional<ClassDescription> findClass(const std::string& className) override;
   [[nodiscard]] std::optional<Instances> findInstances(const std::string& className) override;
   [[nodiscard]] std::optional<InstanceSnapshot> findInstance(const std::string& path) override;
   [[nodiscard]] std::optional<InstanceSnapshot> lookAgain(const std::string& path) override;

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "client/ClassDescription.h"
 #include "client/MethodCall.h"
 #include "client/Snapshot.h"
 #include "core/CimPropertyList.h"
@@ -34,6 +35,9 @@ class Connection {
   virtual ~Connection() = default;
 
   [[nodiscard]] virtual ServingAgents getClasses() = 0;
+
+  // Returns what there is to say of a class; nothing for one that is not declared.
+  [[nodiscard]] virtual std::optional<ClassDescription> findClass(const std::string& className) = 0;
 
   // Returns the instances of a class and of those below it, in the order in which they are served;
   // nothing for a class that is neither served nor declared.

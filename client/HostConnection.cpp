@@ -9,6 +9,7 @@
 #include "cim/MethodSignatures.h"
 #include "cimxml/RequestWriter.h"
 #include "client/Fault.h"
+#include "client/HostClasses.h"
 #include "client/HostErrors.h"
 #include "client/HostValues.h"
 #include "client/ServedClasses.h"
@@ -86,6 +87,23 @@ ServingAgents HostConnection::getClasses() {
     }
   }
   return classes;
+}
+
+std::optional<ClassDescription> HostConnection::findClass(const std::string& className) {
+  Message message = beginOperation("GetClass");
+  cimxml::appendClassNameParameter(message.body, "ClassName", className);
+  cimxml::appendBooleanParameter(message.body, "LocalOnly", false);
+  cimxml::appendBooleanParameter(message.body, "IncludeQualifiers", true);
+  const cimxml::Response response = exchange(std::move(message));
+  if (isError(response, cimxml::StatusCode::InvalidClass) ||
+      isError(response, cimxml::StatusCode::NotFound)) {
+    return std::nullopt;
+  }
+  demandSuccess(response);
+  if (response.classes.empty()) {
+    return std::nullopt;
+  }
+  return describeClass(response.classes.front());
 }
 
 std::optional<Instances> HostConnection::findInstances(const std::string& className) {

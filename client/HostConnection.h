@@ -37,6 +37,7 @@ class HostConnection final : public Connection {
 
   // Connection. Classes are those below which there is no other, without their agents.
   [[nodiscard]] ServingAgents getClasses() override;
+  [[nodiscard]] std::optional<ClassDescription> findClass(const std::string& className) override;
   [[nodiscard]] std::optional<Instances> findInstances(const std::string& className) override;
   [[nodiscard]] std::optional<InstanceSnapshot> findInstance(const std::string& path) override;
   [[nodiscard]] std::optional<InstanceSnapshot> lookAgain(const std::string& path) override;

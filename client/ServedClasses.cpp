@@ -1,11 +1,13 @@
 #include "client/ServedClasses.h"
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
 #include "Utils/Exception.h"
 #include "Utils/Printable.h"
 #include "client/Fault.h"
+#include "core/ClassDeclaration.h"
 
 namespace client {
 namespace {
@@ -30,6 +32,20 @@ Instances demandInstances(Connection& connection, const std::string& className) 
     refuseClass(connection.getClasses(), className);
   }
   return std::move(*instances);
+}
+
+ClassDescription demandClass(Connection& connection, const std::string& className) {
+  std::optional<ClassDescription> description = connection.findClass(className);
+  if (!description) {
+    const ServingAgents served = connection.getClasses();
+    if (std::any_of(served.begin(), served.end(), [&className](const auto& entry) {
+          return core::isSameName(entry.first, className);
+        })) {
+      throw Fault("class '" + className + "' is served, but its agent does not declare what it is");
+    }
+    refuseClass(served, className);
+  }
+  return std::move(*description);
 }
 
 core::CimPath parseObjectPath(const std::string& text) {

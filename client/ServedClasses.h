@@ -17,6 +17,10 @@ namespace client {
 // this one is neither served nor declared.
 [[nodiscard]] Instances demandInstances(Connection& connection, const std::string& className);
 
+// Returns what there is to say of a class. Throws Fault, which lists the classes that are served,
+// when this one is not declared.
+[[nodiscard]] ClassDescription demandClass(Connection& connection, const std::string& className);
+
 // Reads an object path that the user gave. Throws Fault (usage) for a malformed one.
 [[nodiscard]] core::CimPath parseObjectPath(const std::string& text);
 

@@ -7,9 +7,12 @@
 #include <string>
 
 #include "Os/QuorvelConfig.h"
+#include "cim/SchemaTexts.h"
 #include "core/CimBroker.h"
+#include "core/ClassTexts.h"
 #include "core/DeclareClass.h"
 #include "inventory/FirmwareContent.h"
+#include "inventory/InventoryTexts.h"
 #include "inventory/Orvex_ComputerSystem.h"
 #include "inventory/Orvex_ControlledBy.h"
 #include "inventory/Orvex_ElementSoftwareIdentity.h"
@@ -121,6 +124,11 @@ void SoftwareInventoryAgent::declareClasses(core::CimSchema& schema) const {
       Orvex_EthernetPortConformsToProfile, Orvex_HostedResource, Orvex_HostedService,
       Orvex_InstalledSoftwareIdentity, Orvex_ResourceForSoftwareIdentity, Orvex_SystemDevice>(
       schema);
+}
+
+void SoftwareInventoryAgent::describeClasses(core::ClassTexts& texts) const {
+  cim::addSchemaTexts(texts);
+  texts.add(getInventoryTexts());
 }
 
 void addSoftwareInventoryAgent() {

@@ -10,6 +10,7 @@
 
 #include "core/CimAgent.h"
 #include "core/ClassDeclarer.h"
+#include "core/ClassDescriber.h"
 #include "core/FirmwareReader.h"
 #include "core/LookAhead.h"
 #include "inventory/FirmwareComparisons.h"
@@ -19,6 +20,7 @@ namespace inventory {
 
 class SoftwareInventoryAgent : public core::CimAgent,
                                public core::ClassDeclarer,
+                               public core::ClassDescriber,
                                public core::FirmwareReader,
                                public core::FileLooker {
  public:
@@ -27,6 +29,9 @@ class SoftwareInventoryAgent : public core::CimAgent,
 
   // core::ClassDeclarer
   void declareClasses(core::CimSchema& schema) const override;
+
+  // core::ClassDescriber
+  void describeClasses(core::ClassTexts& texts) const override;
 
   // core::FirmwareReader
   [[nodiscard]] std::string describeFirmware(std::span<const std::uint8_t> content) const override;

@@ -6,21 +6,34 @@
 #include "cimxml/AnswerWriter.h"
 #include "cimxml/ClassWriter.h"
 #include "cimxml/NameWriter.h"
+#include "core/ClassQualifiers.h"
 #include "wbem/Status.h"
 
 namespace wbem {
 namespace {
 
-// The property list is the caller's and outlives what is returned.
-cimxml::ClassFormat readFormat(const OperationParameters& parameters,
-                               const std::optional<cimxml::NameSet>& propertyList) {
-  cimxml::ClassFormat format;
-  format.isLocalOnly = parameters.getBoolean("LocalOnly", true);
-  format.hasQualifiers = parameters.getBoolean("IncludeQualifiers", true);
-  format.hasClassOrigin = parameters.getBoolean("IncludeClassOrigin", false);
-  format.propertyList = propertyList ? &*propertyList : nullptr;
-  return format;
-}
+// Which declarations are written, and how. The property list is the caller's and outlives this.
+class Format {
+ public:
+  Format(const OperationCall& call, const std::optional<cimxml::NameSet>& propertyList)
+      : m_qualifiers(call.nameSpace.schema(), call.namespaces.texts()) {
+    m_format.isLocalOnly = call.parameters.getBoolean("LocalOnly", true);
+    m_format.hasClassOrigin = call.parameters.getBoolean("IncludeClassOrigin", false);
+    if (call.parameters.getBoolean("IncludeQualifiers", true)) {
+      m_format.qualifiers = &m_qualifiers;
+    }
+    m_format.propertyList = propertyList ? &*propertyList : nullptr;
+  }
+  Format(const Format&) = delete;
+  Format& operator=(const Format&) = delete;
+  ~Format() = default;
+
+  [[nodiscard]] const cimxml::ClassFormat& get() const { return m_format; }
+
+ private:
+  const core::ClassQualifiers m_qualifiers;
+  cimxml::ClassFormat m_format;
+};
 
 // Returns the classes below ClassName, all or those directly below; those at the top when there is
 // none.
@@ -39,22 +52,22 @@ const core::CimSchema::Classes& findSubclasses(const OperationCall& call) {
 void getClass(const OperationCall& call) {
   const std::string className = call.parameters.demandClassName("ClassName");
   const auto propertyList = call.parameters.getNames("PropertyList");
-  const cimxml::ClassFormat format = readFormat(call.parameters, propertyList);
+  const Format format(call, propertyList);
   const core::ClassDeclaration* declaration = call.nameSpace.schema().find(className);
   if (declaration == nullptr) {
     throw StatusFault(Status::NotFound, "there is no class '" + className + "' in namespace " +
                                             call.nameSpace.name());
   }
   cimxml::beginReturnValue(call.out);
-  cimxml::appendClass(call.out, *declaration, format);
+  cimxml::appendClass(call.out, *declaration, format.get());
   cimxml::endReturnValue(call.out);
 }
 
 void enumerateClasses(const OperationCall& call) {
-  const cimxml::ClassFormat format = readFormat(call.parameters, std::nullopt);
+  const Format format(call, std::nullopt);
   cimxml::beginReturnValue(call.out);
   for (const core::ClassDeclaration* declaration : findSubclasses(call)) {
-    cimxml::appendClass(call.out, *declaration, format);
+    cimxml::appendClass(call.out, *declaration, format.get());
   }
   cimxml::endReturnValue(call.out);
 }

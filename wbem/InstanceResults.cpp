@@ -92,7 +92,10 @@ void InstanceResults::addClass(const core::ClassDeclaration& declaration) {
   cimxml::appendClassPath(m_out, declaration.name, m_call.host, m_call.nameSpace.name());
   if (parts.hasInstance) {
     cimxml::ClassFormat format;
-    format.hasQualifiers = m_call.parameters.getBoolean("IncludeQualifiers", false);
+    const core::ClassQualifiers qualifiers(m_call.nameSpace.schema(), m_call.namespaces.texts());
+    if (m_call.parameters.getBoolean("IncludeQualifiers", false)) {
+      format.qualifiers = &qualifiers;
+    }
     format.hasClassOrigin = m_choice.options.hasClassOrigin;
     format.propertyList = m_choice.propertyList ? &*m_choice.propertyList : nullptr;
     cimxml::appendClass(m_out, declaration, format);

@@ -5,9 +5,11 @@
 #include <utility>
 
 #include "cim/CIM_RegisteredProfile.h"
+#include "cim/SchemaTexts.h"
 #include "core/CimPropertyRef.h"
 #include "core/DeclareClass.h"
 #include "wbem/InteropClasses.h"
+#include "wbem/InteropTexts.h"
 #include "wbem/Status.h"
 
 namespace wbem {
@@ -101,7 +103,10 @@ Namespaces::Namespaces(core::CimBroker& broker, const std::string& agentsName,
                        const std::set<std::string>& named)
     : m_declared(broker.getSchema()),
       m_shown(broker, m_declared, named),
-      m_schema(m_shown.schema()) {
+      m_schema(m_shown.schema()),
+      m_texts(core::getClassTexts(broker)) {
+  cim::addSchemaTexts(m_texts);
+  m_texts.add(getInteropTexts());
   std::vector<ServedClass> served = findServed(broker, m_shown);
   m_agents = std::make_unique<Namespace>(agentsName, m_schema, served);
 

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "core/CimBroker.h"
+#include "core/ClassTexts.h"
 #include "wbem/Namespace.h"
 #include "wbem/ShownClasses.h"
 
@@ -43,6 +44,8 @@ class Namespaces {
   }
   [[nodiscard]] const Namespace& agents() const { return *m_agents; }
   [[nodiscard]] const Namespace& interop() const { return *m_interop; }
+  // Returns what there is to say of the classes of both.
+  [[nodiscard]] const core::ClassTexts& texts() const { return m_texts; }
   // Returns the names of both.
   [[nodiscard]] std::vector<std::string> names() const;
 
@@ -55,6 +58,7 @@ class Namespaces {
   const std::shared_ptr<const core::CimSchema> m_declared;  // the broker's
   const ShownClasses m_shown;
   const std::shared_ptr<const core::CimSchema> m_schema;
+  core::ClassTexts m_texts;
   std::vector<std::unique_ptr<core::CimInstance>> m_ownInstances;
   std::unique_ptr<Namespace> m_agents;
   std::unique_ptr<Namespace> m_interop;

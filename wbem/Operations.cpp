@@ -8,6 +8,7 @@
 #include "wbem/ClassOperations.h"
 #include "wbem/InstanceOperations.h"
 #include "wbem/PullOperations.h"
+#include "wbem/QualifierOperations.h"
 
 namespace wbem {
 namespace {
@@ -19,6 +20,7 @@ constexpr Names kGetClass = {"ClassName", "LocalOnly", "IncludeQualifiers", "Inc
 constexpr Names kEnumerateClasses = {"ClassName", "DeepInheritance", "LocalOnly",
                                      "IncludeQualifiers", "IncludeClassOrigin"};
 constexpr Names kEnumerateClassNames = {"ClassName", "DeepInheritance"};
+constexpr Names kGetQualifier = {"QualifierName"};
 constexpr Names kEnumerateInstances = {"ClassName",         "LocalOnly",          "DeepInheritance",
                                        "IncludeQualifiers", "IncludeClassOrigin", "PropertyList"};
 constexpr Names kEnumerateInstanceNames = {"ClassName"};
@@ -69,6 +71,8 @@ constexpr Operation kOperations[] = {
     {"GetClass", getClass, kGetClass, false},
     {"EnumerateClasses", enumerateClasses, kEnumerateClasses, false},
     {"EnumerateClassNames", enumerateClassNames, kEnumerateClassNames, false},
+    {"GetQualifier", getQualifier, kGetQualifier, false},
+    {"EnumerateQualifiers", enumerateQualifiers, {}, false},
     {"ModifyInstance", modifyInstance, kModifyInstance, true},
     {"OpenEnumerateInstances", openEnumerateInstances, kOpenEnumerateInstances, false},
     {"OpenEnumerateInstancePaths", openEnumerateInstancePaths, kOpenEnumerateInstancePaths, false},

@@ -1,4 +1,5 @@
 #include <gmock/gmock.h>
+#include <span>
 
 #include "cimxml/Buffer.h"
 #include "cimxml/ClassWriter.h"
@@ -30,10 +31,24 @@ core::ClassDeclaration declareService() {
   return declaration;
 }
 
-std::string write(const core::ClassDeclaration& declaration, const ClassFormat& format = {}) {
+constexpr core::ValueName kStates[] = {{"4", "Up & running"}};
+constexpr core::ElementText kProperties[] = {{"States", "How it is.", kStates}};
+constexpr core::ClassText kTexts[] = {{"Test_Service", "Serves <tests>.", kProperties}};
+
+std::string write(const core::ClassDeclaration& declaration, const ClassFormat& format) {
   cimxml::Buffer out;
   cimxml::appendClass(out, declaration, format);
   return out;
+}
+
+// Writes it with qualifiers, those of the texts included.
+std::string writeQualified(const core::ClassDeclaration& declaration,
+                           std::span<const core::ClassText> table = {}) {
+  const core::CimSchema schema;
+  core::ClassTexts texts;
+  texts.add(table);
+  const core::ClassQualifiers qualifiers(schema, texts);
+  return write(declaration, {.qualifiers = &qualifiers});
 }
 
 constexpr const char* kIn =
@@ -45,11 +60,11 @@ constexpr const char* kOut =
 
 TEST(ClassWriter, WritesAClassWithItsQualifiers) {
   EXPECT_EQ(
-      write(declareService()),
+      writeQualified(declareService()),
       std::string(
           "<CLASS NAME=\"Test_Service\" SUPERCLASS=\"CIM_Service\">"
           "<PROPERTY NAME=\"Name\" TYPE=\"string\" PROPAGATED=\"true\">"
-          "<QUALIFIER NAME=\"Key\" TYPE=\"boolean\" OVERRIDABLE=\"false\">"
+          "<QUALIFIER NAME=\"Key\" TYPE=\"boolean\" PROPAGATED=\"true\" OVERRIDABLE=\"false\">"
           "<VALUE>TRUE</VALUE></QUALIFIER></PROPERTY>"
           "<PROPERTY.ARRAY NAME=\"States\" TYPE=\"uint16\"></PROPERTY.ARRAY>"
           "<PROPERTY.REFERENCE NAME=\"Host\" REFERENCECLASS=\"CIM_System\"></PROPERTY.REFERENCE>"
@@ -61,10 +76,32 @@ TEST(ClassWriter, WritesAClassWithItsQualifiers) {
           "</PARAMETER.ARRAY></METHOD></CLASS>");
 }
 
+TEST(ClassWriter, WritesWhatThereIsToSayOfTheClass) {
+  core::ClassDeclaration declaration = declareService();
+  declaration.properties.resize(2);
+  declaration.methods.clear();
+  EXPECT_EQ(
+      writeQualified(declaration, kTexts),
+      "<CLASS NAME=\"Test_Service\" SUPERCLASS=\"CIM_Service\">"
+      "<QUALIFIER NAME=\"Description\" TYPE=\"string\" TRANSLATABLE=\"true\">"
+      "<VALUE>Serves &lt;tests&gt;.</VALUE></QUALIFIER>"
+      "<PROPERTY NAME=\"Name\" TYPE=\"string\" PROPAGATED=\"true\">"
+      "<QUALIFIER NAME=\"Key\" TYPE=\"boolean\" PROPAGATED=\"true\" OVERRIDABLE=\"false\">"
+      "<VALUE>TRUE</VALUE></QUALIFIER></PROPERTY>"
+      "<PROPERTY.ARRAY NAME=\"States\" TYPE=\"uint16\">"
+      "<QUALIFIER NAME=\"Description\" TYPE=\"string\" TRANSLATABLE=\"true\">"
+      "<VALUE>How it is.</VALUE></QUALIFIER>"
+      "<QUALIFIER NAME=\"ValueMap\" TYPE=\"string\">"
+      "<VALUE.ARRAY><VALUE>4</VALUE></VALUE.ARRAY></QUALIFIER>"
+      "<QUALIFIER NAME=\"Values\" TYPE=\"string\" TRANSLATABLE=\"true\">"
+      "<VALUE.ARRAY><VALUE>Up &amp; running</VALUE></VALUE.ARRAY></QUALIFIER></PROPERTY.ARRAY>"
+      "</CLASS>");
+}
+
 TEST(ClassWriter, LeavesQualifiersOut) {
   const cimxml::NameSet names({"name"});
   EXPECT_EQ(
-      write(declareService(), {.hasQualifiers = false, .propertyList = &names}),
+      write(declareService(), {.propertyList = &names}),
       "<CLASS NAME=\"Test_Service\" SUPERCLASS=\"CIM_Service\">"
       "<PROPERTY NAME=\"Name\" TYPE=\"string\" PROPAGATED=\"true\"></PROPERTY>"
       "<METHOD NAME=\"Start\" TYPE=\"uint32\" PROPAGATED=\"true\"></METHOD>"
@@ -78,7 +115,7 @@ TEST(ClassWriter, LeavesOutWhatIsInheritedAndTellsOrigins) {
   core::ClassDeclaration declaration = declareService();
   declaration.methods.back().parameters.clear();
   EXPECT_EQ(
-      write(declaration, {.isLocalOnly = true, .hasQualifiers = false, .hasClassOrigin = true}),
+      write(declaration, {.isLocalOnly = true, .hasClassOrigin = true}),
       "<CLASS NAME=\"Test_Service\" SUPERCLASS=\"CIM_Service\">"
       "<PROPERTY.ARRAY NAME=\"States\" TYPE=\"uint16\" "
       "CLASSORIGIN=\"Test_Service\"></PROPERTY.ARRAY>"
@@ -91,7 +128,7 @@ TEST(ClassWriter, WritesAnAssociationAtTheTop) {
   core::ClassDeclaration declaration;
   declaration.name = "CIM_Dependency";
   declaration.isAssociation = true;
-  EXPECT_EQ(write(declaration),
+  EXPECT_EQ(writeQualified(declaration),
             "<CLASS NAME=\"CIM_Dependency\"><QUALIFIER NAME=\"Association\" TYPE=\"boolean\""
             " OVERRIDABLE=\"false\"><VALUE>TRUE</VALUE></QUALIFIER></CLASS>");
 }

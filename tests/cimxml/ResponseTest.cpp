@@ -141,6 +141,31 @@ TEST(Response, HoldsClassesWithTheTypesOfTheirProperties) {
   EXPECT_EQ(response.classes[1].superclass, "");
 }
 
+TEST(Response, HoldsWhatQualifiersSayOfClassesAndTheirElements) {
+  const Response response = parseReturned(
+      "<CLASS NAME=\"Fan\"><QUALIFIER NAME=\"Description\" TYPE=\"string\">"
+      "<VALUE>a &lt; b</VALUE></QUALIFIER><QUALIFIER NAME=\"Null\" TYPE=\"string\"/>"
+      "<PROPERTY NAME=\"State\" TYPE=\"uint16\"><QUALIFIER NAME=\"Values\" TYPE=\"string\">"
+      "<VALUE.ARRAY><VALUE>On</VALUE><VALUE.NULL/></VALUE.ARRAY></QUALIFIER></PROPERTY>"
+      "<METHOD NAME=\"Try\" TYPE=\"uint32\"><QUALIFIER NAME=\"Static\" TYPE=\"boolean\">"
+      "<VALUE>TRUE</VALUE></QUALIFIER><PARAMETER.REFERENCE NAME=\"Peer\" REFERENCECLASS=\"Fan\">"
+      "<QUALIFIER NAME=\"Out\" TYPE=\"boolean\"><VALUE>TRUE</VALUE></QUALIFIER>"
+      "</PARAMETER.REFERENCE><PARAMETER.ARRAY NAME=\"Names\" TYPE=\"string\"/></METHOD></CLASS>");
+  const cimxml::ClassValue& fan = response.classes.at(0);
+  ASSERT_THAT(fan.qualifiers, SizeIs(2));
+  EXPECT_EQ(fan.qualifiers[0].name, "Description");
+  EXPECT_THAT(fan.qualifiers[0].values, testing::ElementsAre("a < b"));
+  EXPECT_THAT(fan.qualifiers[1].values, testing::IsEmpty());
+  EXPECT_THAT(fan.properties.at(0).qualifiers.at(0).values,
+              testing::ElementsAre("On", std::nullopt));
+  const cimxml::ClassValue::Method& method = fan.methods.at(0);
+  EXPECT_EQ(method.qualifiers.at(0).name, "Static");
+  ASSERT_THAT(method.parameters, SizeIs(2));
+  EXPECT_EQ(method.parameters[0].referenceClass, "Fan");
+  EXPECT_EQ(method.parameters[0].qualifiers.at(0).name, "Out");
+  EXPECT_TRUE(method.parameters[1].isArray);
+}
+
 TEST(Response, OfAMethodHoldsReturnValueAndOutputs) {
   const Response response = parse(message(
       std::string(

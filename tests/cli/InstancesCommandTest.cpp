@@ -39,6 +39,17 @@ TEST_F(InstancesCommandTest, PrintsNullPropertiesWhenAsked) {
           "ElementName"));
 }
 
+TEST_F(InstancesCommandTest, PrintsNamesBesideNumbersWhenAsked) {
+  addPxeAdapter("0000:03:00", 1);
+  const Arguments arguments{"instances", "CIM_LogicalDevice", "--names"};
+  EXPECT_THAT(run(arguments).output, AllOf(HasSubstr(" = {2} (OK)\n"),
+                                           HasSubstr("ControllerType          = 2 (Ethernet)\n"),
+                                           HasSubstr("PortNumber              = 0\n")));
+  const Json document = runJson(arguments);
+  EXPECT_EQ(document[0]["names"], Json({{"OperationalStatus", {"OK"}}}));
+  EXPECT_FALSE(runJson({"instances", "CIM_LogicalDevice"})[0].contains("names"));
+}
+
 TEST_F(InstancesCommandTest, PrintsADocument) {
   addPxeAdapter("0000:03:00", 2);
   const Json document = runJson({"instances", "Orvex_EthernetPort"});

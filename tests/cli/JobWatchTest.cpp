@@ -230,6 +230,10 @@ class FakeHostConnection : public client::Connection {
     return client::InstanceSnapshot{"Orvex_ConcreteJob", path, properties};
   }
   [[nodiscard]] client::ServingAgents getClasses() override { return {}; }
+  [[nodiscard]] std::optional<client::ClassDescription> findClass(
+      const std::string& /*name*/) override {
+    return std::nullopt;
+  }
   [[nodiscard]] std::optional<client::Instances> findInstances(
       const std::string& /*name*/) override {
     return std::nullopt;

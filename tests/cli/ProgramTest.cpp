@@ -26,8 +26,9 @@ TEST_F(ProgramTest, HelpsWithExamplesForItselfAndEachCommand) {
        {Arguments{"--help"}, Arguments{"adapters", "--help"},
         Arguments{"adapters", "add", "--help"}, Arguments{"associations", "--help"},
         Arguments{"check", "--help"}, Arguments{"classes", "--help"},
-        Arguments{"identities", "--help"}, Arguments{"instances", "--help"},
-        Arguments{"invoke", "--help"}, Arguments{"update", "--help"}}) {
+        Arguments{"describe", "--help"}, Arguments{"identities", "--help"},
+        Arguments{"instances", "--help"}, Arguments{"invoke", "--help"},
+        Arguments{"update", "--help"}}) {
     const ProgramResult result = run(arguments);
     EXPECT_EQ(result.exitStatus, 0);
     EXPECT_THAT(result.output, AllOf(HasSubstr("Usage: "), HasSubstr("Example")));

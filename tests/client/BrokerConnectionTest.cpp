@@ -147,6 +147,15 @@ TEST_F(BrokerConnectionWithSchemaTest, HasNoInstancesOfAClassThatIsDeclaredAlone
   EXPECT_THAT(m_connection.findInstances("Empty_Part").value(), IsEmpty());
 }
 
+TEST_F(BrokerConnectionWithSchemaTest, FindsWhatThereIsToSayOfAClass) {
+  const std::optional<client::ClassDescription> base = m_connection.findClass("base_part");
+  ASSERT_TRUE(base);
+  EXPECT_EQ(base->name, "Base_Part");
+  EXPECT_TRUE(base->properties.at(0).isKey);
+  EXPECT_FALSE(m_connection.findClass("Thing"));
+  EXPECT_FALSE(m_connection.findClass(""));
+}
+
 TEST_F(BrokerConnectionWithSchemaTest, TakesNamesInAnyCase) {
   EXPECT_THAT(m_connection.findInstances("thing").value(), SizeIs(1));
   EXPECT_THAT(m_connection.findInstances("base_part").value(), SizeIs(2));

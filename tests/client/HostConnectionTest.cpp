@@ -384,4 +384,29 @@ TEST_F(HostConnectionTest, TellsHowToWatchAJob) {
   EXPECT_EQ(connection.watchCommand("it's"), "quorvel --host x watch 'it'\\''s'");
 }
 
+TEST_F(HostConnectionTest, AsksForAClassWithAllThatThereIsToSay) {
+  answerReturned(
+      "<CLASS NAME=\"Fan\"><QUALIFIER NAME=\"Description\" TYPE=\"string\">"
+      "<VALUE>Moves air.</VALUE></QUALIFIER></CLASS>");
+  const std::optional<client::ClassDescription> fan = connection.findClass("fan");
+  ASSERT_TRUE(fan);
+  EXPECT_EQ(fan->name, "Fan");
+  EXPECT_EQ(fan->description, "Moves air.");
+  EXPECT_EQ(requests[0].name, "GetClass");
+  EXPECT_EQ(std::get<std::string>(requests[0].find("IncludeQualifiers")->value), "TRUE");
+  EXPECT_EQ(std::get<std::string>(requests[0].find("LocalOnly")->value), "FALSE");
+}
+
+TEST_F(HostConnectionTest, HasNothingToSayOfAClassThatTheHostHasNot) {
+  answerError(6, "none");
+  EXPECT_FALSE(connection.findClass("Fan"));
+  answerError(5, "none");
+  EXPECT_FALSE(connection.findClass("Fan"));
+  answerReturned("");
+  EXPECT_FALSE(connection.findClass("Fan"));
+  answerError(2, "not for you");
+  EXPECT_THAT(faultOf([this] { static_cast<void>(connection.findClass("Fan")); }),
+              HasSubstr("not for you"));
+}
+
 }  // namespace

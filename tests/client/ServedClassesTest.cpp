@@ -82,4 +82,18 @@ TEST(ObjectPathText, IsReadOrRefusedAsWrongUsage) {
   }
 }
 
+TEST_F(ServedClassesTest, AreDescribedOrListed) {
+  const auto descriptionFault = [this](const char* className) -> std::string {
+    try {
+      return "described " + client::demandClass(m_connection, className).name;
+    } catch (const client::Fault& fault) {
+      return fault.what();
+    }
+  };
+  EXPECT_EQ(descriptionFault("base"), "described Base");
+  EXPECT_EQ(descriptionFault("C"), "no class 'C' is served here; the classes are:\n  A\n  B");
+  EXPECT_EQ(descriptionFault("b"),
+            "class 'b' is served, but its agent does not declare what it is");
+}
+
 }  // namespace

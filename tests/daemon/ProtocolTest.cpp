@@ -34,6 +34,10 @@ std::string className(const std::string& name) {
   return R"(<IPARAMVALUE NAME="ClassName"><CLASSNAME NAME=")" + name + "\"/></IPARAMVALUE>";
 }
 
+std::string qualifierName(const std::string& name) {
+  return R"(<IPARAMVALUE NAME="QualifierName"><VALUE>)" + name + "</VALUE></IPARAMVALUE>";
+}
+
 std::string instanceName(const std::string& keys, const std::string& name = "Orvex_EthernetPort") {
   return R"(<IPARAMVALUE NAME="InstanceName"><INSTANCENAME CLASSNAME=")" + name + "\">" + keys +
          "</INSTANCENAME></IPARAMVALUE>";
@@ -115,6 +119,14 @@ class ProtocolTest : public test::QuorveldFixture {
         << request.body;
   }
 
+  // Sends an operation and returns the answer.
+  [[nodiscard]] std::string answerTo(const std::string& name, const std::string& parameters) {
+    HttpRequest request;
+    request.cimMethod = name;
+    request.body = operation(name, parameters);
+    return exchange(request.text());
+  }
+
   // Returns a call of RequestStateChange, or another method, on the service.
   [[nodiscard]] static HttpRequest methodCall(const std::string& method,
                                               const std::string& parameters) {
@@ -141,6 +153,44 @@ TEST_F(ProtocolTest, AnswersASoundRequest) {
             HasSubstr("\r\nContent-Type: application/xml; charset=utf-8\r\n"),
             HasSubstr("\r\nCIMOperation: MethodResponse\r\n"), HasSubstr("<MESSAGE ID=\"4711\""),
             HasSubstr(">0000:03:00.0</KEYVALUE>"), HasSubstr(">0000:03:00.1</KEYVALUE>")));
+}
+
+TEST_F(ProtocolTest, TellsWhatQualifiersAreDeclaredToBe) {
+  EXPECT_THAT(answerTo("GetQualifier", qualifierName("ValueMap")),
+              HasSubstr("<IRETURNVALUE><QUALIFIER.DECLARATION NAME=\"ValueMap\" TYPE=\"string\" "
+                        "ISARRAY=\"true\"><SCOPE PROPERTY=\"true\" METHOD=\"true\" "
+                        "PARAMETER=\"true\"/></QUALIFIER.DECLARATION></IRETURNVALUE>"));
+  EXPECT_THAT(answerTo("EnumerateQualifiers", ""),
+              AllOf(HasSubstr("NAME=\"Abstract\""), HasSubstr("NAME=\"Key\""),
+                    HasSubstr("NAME=\"Values\"")));
+}
+
+TEST_F(ProtocolTest, RefusesQualifiersThatThereAreNotAndWrites) {
+  for (const char* name : {"", "Key ", "&lt;Key/&gt;", "&#x2028;", "*", "..%2FKey", "%n"}) {
+    expectError("GetQualifier", qualifierName(name), 6);
+  }
+  expectError("GetQualifier", qualifierName(std::string(40000, 'K')), 6);
+  expectError("GetQualifier", "", 4);
+  expectError("GetQualifier", className("Key"), 4);
+  expectError("SetQualifier",
+              R"(<IPARAMVALUE NAME="QualifierDeclaration"><QUALIFIER.DECLARATION NAME="Key" )"
+              R"(TYPE="boolean"><SCOPE PROPERTY="true"/><VALUE>TRUE</VALUE>)"
+              R"(</QUALIFIER.DECLARATION></IPARAMVALUE>)",
+              7);
+  expectError("DeleteQualifier", qualifierName("Key"), 7);
+}
+
+TEST_F(ProtocolTest, TellsWhatValuesStandFor) {
+  const std::string job = answerTo(
+      "GetClass", className("Orvex_ConcreteJob") +
+                      R"(<IPARAMVALUE NAME="LocalOnly"><VALUE>FALSE</VALUE></IPARAMVALUE>)"
+                      R"(<IPARAMVALUE NAME="PropertyList"><VALUE.ARRAY><VALUE>JobState</VALUE>)"
+                      R"(</VALUE.ARRAY></IPARAMVALUE>)");
+  EXPECT_THAT(job, AllOf(HasSubstr("<VALUE>An update that was started; it stays listed"),
+                         HasSubstr("<QUALIFIER NAME=\"ValueMap\" TYPE=\"string\" "
+                                   "PROPAGATED=\"true\"><VALUE.ARRAY><VALUE>2</VALUE>"),
+                         HasSubstr("<VALUE>Starting</VALUE><VALUE>Running</VALUE>"),
+                         HasSubstr("<VALUE>What the job shall do.</VALUE>")));
 }
 
 TEST_F(ProtocolTest, AnswersSeveralRequestsOfOneConnection) {

@@ -96,6 +96,16 @@ TEST_P(WbemcliOperationTest, GetsAClass) {
   expectRefused(wbemcli({"ein"}, "Orvex_Nothing"), "(5) CIM_ERR_INVALID_CLASS");
 }
 
+TEST_P(WbemcliOperationTest, GetsWhatAClassIs) {
+  serve();
+  const test::ProgramResult shown = wbemcli({"-nl", "-dx", "gc"}, "CIM_ConcreteJob");
+  EXPECT_EQ(shown.exitStatus, 0);
+  EXPECT_THAT(shown.output + shown.errors,
+              AllOf(HasSubstr("<VALUE>A job that can be followed by its state.</VALUE>"),
+                    HasSubstr("<VALUE>Starting</VALUE><VALUE>Running</VALUE>")));
+  EXPECT_THAT(shown.output, ContainsRegex("\n-JobState="));
+}
+
 TEST_P(WbemcliOperationTest, EnumeratesClassNames) {
   serve();
   EXPECT_THAT(ask({"ecn"}, ""),

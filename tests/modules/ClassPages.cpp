@@ -11,10 +11,14 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "Os/Environment.h"
 #include "cim/MethodSignatures.h"
 #include "core/CimBroker.h"
+#include "core/ClassQualifiers.h"
+#include "core/ClassTexts.h"
+#include "core/ValueNames.h"
 #include "tests/modules/Client.h"
 #include "tests/modules/Firmware.h"
 #include "tests/modules/ModuleHost.h"
@@ -27,9 +31,11 @@ using test::PropertyReport;
 
 constexpr const char* kIntroduction = R"(# The served classes
 
-What a management client finds, class by class: the properties in their order with type, key and the
-values of one instance. The page is printed by the running agents; `scripts/generate-class-pages`
-writes it anew, and a test fails when it is out of date.
+What a management client finds, class by class: the properties in their order with type, key, the
+values of one instance, numbers with their names, and what the property is. The page is printed by the running agents; `scripts/generate-class-pages`
+writes it anew, and a test fails when it is out of date. The names of all values (`ValueMap` and `Values`) are
+in [cim.mof](../schema/cim.mof) and [orvex.mof](../schema/orvex.mof); a client reads them from a class
+(GetClass with qualifiers), as `quorvel describe CLASS` does.
 
 The example machine is `server1` with one two-port adapter and one firmware file, after an update from
 that file. Its name, directories and times stand for others. Properties without a value are `NULL`.
@@ -134,6 +140,7 @@ class ClassPages {
     static_cast<void>(m_host.offer("card.rom", firmware(3)));
     m_host.load();
     m_schema = core::GetCimBroker().getSchema();
+    m_texts = core::getClassTexts(core::GetCimBroker());
     const std::string image = "file://" + m_host.firmwarePath("card.rom").generic_string();
     if (m_host.install(test::kFirstPort, image) != cim::kJobStarted ||
         m_host.awaitEnd() != test::kCompleted) {
@@ -173,10 +180,16 @@ class ClassPages {
     printSuperclasses(name);
     const InstanceReport instance = test::enumerate(name).at(0);
     std::cout << "\n```\n" << stable(instance.path) << "\n```\n";
-    std::cout << "\n| property | type | key | example |\n|---|---|---|---|\n";
+    std::cout << "\n| property | type | key | example | what it is |\n|---|---|---|---|---|\n";
+    const core::ClassDeclaration& declaration = *m_schema->find(name);
+    const core::ClassQualifiers qualifiers(*m_schema, m_texts);
     for (const PropertyReport& property : instance.properties) {
       std::cout << "| " << property.name << " | " << typeName(property.type) << " | "
-                << (property.isKey ? "key" : "") << " | `" << exampleOf(property) << "` |\n";
+                << (property.isKey ? "key" : "") << " | `" << exampleOf(property) << "`";
+      const core::ClassQualifiers::List list =
+          qualifiers.ofProperty(declaration, *declaration.findProperty(property.name));
+      std::cout << nameOf(property, list) << " | "
+                << core::findTexts(list, core::QualifierName::Description).at(0) << " |\n";
     }
     printMethods(name);
   }
@@ -228,6 +241,21 @@ class ClassPages {
     return property.type == core::kCimString ? "\"" + value + "\"" : value;
   }
 
+  // Returns the name of a number in parentheses, nothing where it has none.
+  static std::string nameOf(const PropertyReport& property,
+                            const core::ClassQualifiers::List& list) {
+    const auto type = static_cast<core::CimType>(property.type);
+    const std::vector<core::ValueName> values = core::findValueNames(list);
+    if (property.isNull || type == core::kCimString || values.empty()) {
+      return {};
+    }
+    std::string text;
+    for (const std::int64_t number : test::numbersIn(property.value)) {
+      text += (text.empty() ? " (" : ", ") + std::string(core::findValueName(values, number));
+    }
+    return text.empty() ? text : text + ")";
+  }
+
   // Returns the text without what differs from run to run.
   std::string stable(std::string text) const {
     const std::string directory = m_host.directory().generic_string();
@@ -240,6 +268,7 @@ class ClassPages {
 
   test::ModuleHost m_host;
   std::shared_ptr<const core::CimSchema> m_schema;
+  core::ClassTexts m_texts;
 };
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "tests/modules/Client.h"
 
 #include <algorithm>
+#include <charconv>
 #include <stdexcept>
 
 #include "cli/Output.h"
@@ -47,6 +48,20 @@ std::vector<std::string> InstanceReport::references() const {
     }
   }
   return paths;
+}
+
+std::vector<std::int64_t> numbersIn(const std::string& value) {
+  std::vector<std::int64_t> numbers;
+  const char* const end = value.data() + value.size();
+  for (const char* place = value.data(); place != end;) {
+    std::int64_t number = 0;
+    const auto [next, error] = std::from_chars(place, end, number);
+    if (error == std::errc()) {
+      numbers.push_back(number);
+    }
+    place = error == std::errc() ? next : place + 1;
+  }
+  return numbers;
 }
 
 std::vector<std::string> servedClasses() {

@@ -31,6 +31,9 @@ struct InstanceReport {
   [[nodiscard]] std::vector<std::string> references() const;
 };
 
+// Returns the numbers of a value as it is reported, "7" or "{2, 3}".
+[[nodiscard]] std::vector<std::int64_t> numbersIn(const std::string& value);
+
 // Returns the names of the classes, in the order of the agents, each once.
 [[nodiscard]] std::vector<std::string> servedClasses();
 

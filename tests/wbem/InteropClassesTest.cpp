@@ -1,7 +1,12 @@
+#include <algorithm>
 #include <gmock/gmock.h>
 
+#include "cim/SchemaTexts.h"
+#include "core/ClassQualifiers.h"
+#include "core/DeclareClass.h"
 #include "tests/wbem/ServerFixture.h"
 #include "wbem/InteropClasses.h"
+#include "wbem/InteropTexts.h"
 
 namespace {
 
@@ -43,6 +48,35 @@ TEST_F(InteropClasses, AreServedInTheInteropNamespaceAlone) {
                                  "<PROPERTY NAME=\"Name\" TYPE=\"string\"><VALUE>Orvex:quorveld"
                                  "</VALUE></PROPERTY><PROPERTY NAME=\"Started\" TYPE=\"boolean\">"
                                  "<VALUE>TRUE</VALUE></PROPERTY></INSTANCE>"));
+}
+
+bool isDescribed(const core::ClassQualifiers::List& list) {
+  return std::any_of(list.begin(), list.end(), [](const core::Qualifier& qualifier) {
+    return qualifier.declaration->name == "Description" && qualifier.texts.at(0).ends_with('.');
+  });
+}
+
+TEST(InteropTexts, DescribeTheServersOwnClasses) {
+  core::CimSchema schema;
+  core::declareClass<wbem::CIM_Namespace>(schema);
+  core::declareClass<wbem::CIM_ObjectManager>(schema);
+  core::ClassTexts texts;
+  cim::addSchemaTexts(texts);
+  texts.add(wbem::getInteropTexts());
+  const core::ClassQualifiers qualifiers(schema, texts);
+  for (const core::ClassDeclaration* declaration : schema.getDescendants("")) {
+    EXPECT_TRUE(isDescribed(qualifiers.ofClass(*declaration))) << declaration->name;
+    for (const core::PropertyDeclaration& property : declaration->properties) {
+      EXPECT_TRUE(isDescribed(qualifiers.ofProperty(*declaration, property)))
+          << declaration->name << "." << property.name;
+    }
+  }
+}
+
+TEST_F(InteropClasses, AreShownWithWhatTheyAre) {
+  EXPECT_THAT(
+      ask("GetClass", {test::given("ClassName", test::className("CIM_Namespace"))}, test::kInterop),
+      testing::HasSubstr("<VALUE>A namespace that the server serves.</VALUE>"));
 }
 
 }  // namespace

@@ -66,7 +66,7 @@ TEST_F(Server, AnswersBehindWhatIsInTheBuffer) {
 }
 
 TEST_F(Server, DoesNotSupportOtherOperations) {
-  for (const char* operation : {"CreateInstance", "DeleteInstance", "ExecQuery", "GetQualifier",
+  for (const char* operation : {"CreateInstance", "DeleteInstance", "ExecQuery", "SetQualifier",
                                 "EnumerationCount", "OpenQueryInstances", "SetProperty", "Sing"}) {
     EXPECT_THAT(ask(operation),
                 IsError(7, "operation " + std::string(operation) + " is not offered"));

@@ -43,6 +43,8 @@ TEST_F(HostCommandsTest, ShowInstancesAsInProcess) {
     expectSame({"instances", className});
     expectSame({"instances", className, "--all"});
     expectSame({"instances", className, "--json", "--all"});
+    expectSame({"instances", className, "--names"});
+    expectSame({"instances", className, "--json", "--names"});
   }
   // Classes above those that are served, and a name in another case.
   for (const char* className : {"CIM_LogicalDevice", "CIM_ManagedElement", "CIM_ConcreteJob",
@@ -50,6 +52,21 @@ TEST_F(HostCommandsTest, ShowInstancesAsInProcess) {
     expectSame({"instances", className, "--json", "--all"});
   }
   expectSame({"instances", "Nothing"}, 1);
+}
+
+TEST_F(HostCommandsTest, DescribeClassesAsInProcess) {
+  startHost();
+  for (const char* className :
+       {"Orvex_EthernetPort", "orvex_concretejob", "Orvex_SoftwareInstallationService",
+        "Orvex_ElementSoftwareIdentity", "Orvex_RegisteredProfile", "CIM_Dependency",
+        "CIM_ManagedElement"}) {
+    expectSame({"describe", className});
+    expectSame({"describe", className, "--json"});
+  }
+  expectSame({"describe", "CIM_ConcreteJob", "JobState"});
+  expectSame({"describe", "CIM_ConcreteJob", "Colour"}, 1);
+  expectSame({"describe", "Nothing"}, 1);
+  expectSame({"describe", "<Nothing/>"}, 1);
 }
 
 TEST_F(HostCommandsTest, ShowAssociationsAsInProcess) {
