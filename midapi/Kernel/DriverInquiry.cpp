@@ -48,6 +48,7 @@ struct DriverInquiry::Round {
   milliseconds patience;
   DevlinkLookup devlink;
   std::optional<AskingChild> child;  // that has nothing to do
+  bool isLinkStuck = false;
 };
 
 // The right to ask for some functions.
@@ -92,7 +93,7 @@ class DriverInquiry::Turn {
 std::vector<DriverAnswer> DriverInquiry::ask(std::span<const DriverQuestion> questions) {
   const Turn turn(*this, questions);
   buryOthers();
-  Round round{m_settings.patience, {}, {}};
+  Round round{m_settings.patience, {}, {}, isLinkAway()};
   {
     const platform::Lock lock(m_mutex);
     round.devlink = m_devlink;
@@ -128,10 +129,33 @@ DriverAnswer DriverInquiry::askFor(const DriverQuestion& question, Round& round)
     answer.error = devlink.answer().error;
     answer.devlink = devlink.answer().devlink;
     answer.isPartial = restState == State::Waiting;
+    if (!answer.isPartial) {
+      answer.speed = askForSpeed(question, round);
+    }
     return answer;
   } catch (const std::system_error& fault) {
     return failed(fault.code().value());
   }
+}
+
+std::optional<std::uint64_t> DriverInquiry::askForSpeed(const DriverQuestion& question,
+                                                        Round& round) {
+  auto link = FunctionInquiry::ofLink(question);
+  if (round.isLinkStuck || !link.next()) {
+    return std::nullopt;
+  }
+  const milliseconds patience = round.patience;
+  const State state = pursue(link, Part::Link, question, round);
+  round.patience = patience;  // it says nothing of what other drivers do
+  round.isLinkStuck = state != State::Replied;
+  return link.answer().speed;
+}
+
+bool DriverInquiry::isLinkAway() {
+  const platform::Lock lock(m_mutex);
+  return std::any_of(m_away.begin(), m_away.end(), [](auto& away) {
+    return away.first.second == Part::Link && away.second.child.await(kNone) == State::Waiting;
+  });
 }
 
 State DriverInquiry::pursue(FunctionInquiry& inquiry, Part part, const DriverQuestion& question,

@@ -65,16 +65,20 @@ const KernelFunction* findFunction(const KernelAdapter& adapter, std::uint8_t pr
   return found == functions.end() ? nullptr : &*found;
 }
 
-AdapterPort describePort(const PciFunction& function) {
+AdapterPort describePort(const KernelFunction& function) {
   AdapterPort port;
-  port.identifier = toString(function.id);
-  for (const NetworkInterface& interface : function.interfaces) {
+  port.identifier = toString(function.pci.id);
+  for (const NetworkInterface& interface : function.pci.interfaces) {
     port.interfaces.push_back(interface.name);
     if (port.mac.empty()) {
       port.mac = interface.mac;
     }
   }
-  port.link = function.link;
+  port.link = function.pci.link;
+  // What was last known of a link is not that of one that is down.
+  if (port.link.state == PortState::Enabled && function.answer.speed.value_or(0) > 0) {
+    port.link.speed = function.answer.speed;
+  }
   return port;
 }
 
@@ -179,7 +183,7 @@ AdapterListing outlineKernelAdapter(const KernelAdapter& adapter, PciNames& name
   listing.subsystemDevice = first.pci.ids.subsystemDevice;
   listing.isBeingWritten = adapter.isBeingWritten;
   for (const KernelFunction& function : adapter.functions) {
-    listing.ports.push_back(describePort(function.pci));
+    listing.ports.push_back(describePort(function));
     addProduct(function, listing);
   }
   if (listing.name.empty()) {

@@ -161,16 +161,6 @@ PortLink linkOf(const fs::path& interface) {
   return link;
 }
 
-PortLink linkOf(const fs::path& folder, const fs::path& device,
-                const std::vector<NetworkInterface>& interfaces) {
-  PortLink link;
-  if (interfaces.empty()) {
-    link.kind = kindOfClass(folder);
-    return link;
-  }
-  return linkOf(device / "net" / interfaces.front().name);
-}
-
 fs::path devicesIn(const fs::path& sysfs) {
   return sysfs / "bus" / "pci" / "devices";
 }
@@ -192,16 +182,20 @@ std::optional<PciFunction> readFunction(const fs::path& sysfs, const PortId& id)
     return std::nullopt;
   }
   const fs::path device = networkDeviceOf(folder);
-  std::vector<NetworkInterface> interfaces = interfacesOf(device);
-  PortLink link = linkOf(folder, device, interfaces);
-  return PciFunction{id,
-                     *ids,
-                     boundDriver(device),
-                     std::move(interfaces),
-                     folder,
-                     isThere(folder / "rom"),
-                     isThere(folder / "vpd"),
-                     std::move(link)};
+  PciFunction function{id,
+                       *ids,
+                       boundDriver(device),
+                       interfacesOf(device),
+                       folder,
+                       isThere(folder / "rom"),
+                       isThere(folder / "vpd")};
+  if (function.interfaces.empty()) {
+    function.link.kind = kindOfClass(folder);
+  } else {
+    function.interfaceFolder = device / "net" / function.interfaces.front().name;
+    function.link = linkOf(function.interfaceFolder);
+  }
+  return function;
 }
 
 }  // namespace

@@ -35,8 +35,9 @@ struct PciFunction {
   std::filesystem::path folder;
   bool hasRom = false;
   bool hasVpd = false;
-  // Of the first interface. What only the driver knows, its speed, is not in it.
+  // Of the first interface, and where that is. What only the driver knows, its speed, is not in it.
   PortLink link{};
+  std::filesystem::path interfaceFolder{};
 };
 
 // Returns the functions of PCI class 02 (network controllers), ordered by address. Left out are

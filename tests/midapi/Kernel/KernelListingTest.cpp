@@ -1,6 +1,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <gmock/gmock.h>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -75,6 +76,19 @@ TEST_F(KernelListing, TellsWhatIsKnown) {
   ASSERT_EQ(listing.components.size(), 1U);
   EXPECT_TRUE(listing.components[0].isForAdapter);
   EXPECT_THAT(listing.notes, IsEmpty());
+}
+
+TEST_F(KernelListing, TellsTheSpeedOfALinkThatIsUp) {
+  KernelFunction& function = add(0);
+  function.pci.link.state = ma::PortState::Enabled;
+  EXPECT_EQ(describe().ports.at(0).link.speed, std::nullopt);
+  function.answer.speed = 10'000'000'000U;
+  EXPECT_EQ(describe().ports.at(0).link.speed, 10'000'000'000U);
+  function.answer.speed = 0;
+  EXPECT_EQ(describe().ports.at(0).link.speed, std::nullopt);
+  function.answer.speed = 10'000'000'000U;
+  function.pci.link.state = ma::PortState::Offline;
+  EXPECT_EQ(describe().ports.at(0).link.speed, std::nullopt);
 }
 
 TEST_F(KernelListing, OutlinesAnAdapterWithoutItsFlash) {
