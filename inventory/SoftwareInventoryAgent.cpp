@@ -1,10 +1,12 @@
 #include "inventory/SoftwareInventoryAgent.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <iterator>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "Os/QuorvelConfig.h"
 #include "cim/SchemaTexts.h"
@@ -40,6 +42,29 @@ constexpr const char* kClassesOfFiles[] = {
     Orvex_SoftwareIdentity::kClassName,          Orvex_SoftwareIdentityResource::kClassName,
     Orvex_ElementSoftwareIdentity::kClassName,   Orvex_HostedResource::kClassName,
     Orvex_InstalledSoftwareIdentity::kClassName, Orvex_ResourceForSoftwareIdentity::kClassName};
+
+// Whose enumeration asks the drivers of adapters, or asks for a class that does.
+constexpr const char* kClassesOfAdapters[] = {Orvex_EthernetPort::kClassName,
+                                              Orvex_PortController::kClassName,
+                                              Orvex_SoftwareIdentity::kClassName,
+                                              Orvex_ElementSoftwareIdentity::kClassName,
+                                              Orvex_ControlledBy::kClassName,
+                                              Orvex_EthernetPortConformsToProfile::kClassName,
+                                              Orvex_InstalledSoftwareIdentity::kClassName,
+                                              Orvex_ResourceForSoftwareIdentity::kClassName,
+                                              Orvex_SystemDevice::kClassName};
+
+template <std::size_t kCount>
+bool isAnyOf(const char* const (&classes)[kCount], const std::set<std::string>& classNames) {
+  return std::any_of(std::begin(classes), std::end(classes),
+                     [&](const char* name) { return classNames.contains(name); });
+}
+
+// Virtual adapters have no driver that might keep anybody waiting.
+bool hasDrivers() {
+  const std::vector<ma::AdapterKind> kinds = ma::adapterKinds();
+  return std::find(kinds.begin(), kinds.end(), ma::AdapterKind::Kernel) != kinds.end();
+}
 
 // What stands in for instances where only their properties count.
 
@@ -104,8 +129,11 @@ std::string SoftwareInventoryAgent::describeFirmware(std::span<const std::uint8_
 }
 
 void SoftwareInventoryAgent::lookAhead(const std::set<std::string>& classNames) {
-  if (std::any_of(std::begin(kClassesOfFiles), std::end(kClassesOfFiles),
-                  [&](const char* name) { return classNames.contains(name); })) {
+  if (hasDrivers() && isAnyOf(kClassesOfAdapters, classNames)) {
+    // What they answer is fresh for a while.
+    static_cast<void>(ma::outlineAdapters());
+  }
+  if (isAnyOf(kClassesOfFiles, classNames)) {
     m_files.look();
   }
   if (classNames.contains(Orvex_ElementSoftwareIdentity::kClassName)) {
