@@ -51,8 +51,10 @@ std::string describeBootType(const client::HostAdapter::Port& port) {
 std::string describeImages(const client::HostAdapter& adapter) {
   std::vector<std::string> texts;
   for (const auto& [type, version, digest] : adapter.components) {
-    texts.push_back(type + " " + version +
-                    (digest.empty() ? "" : " (" + digest.substr(0, kShownDigits) + ")"));
+    std::string& text = texts.emplace_back(type).append(" ").append(version);
+    if (!digest.empty()) {
+      text.append(" (").append(digest, 0, kShownDigits).append(")");
+    }
   }
   return client::join(texts, ", ");
 }
