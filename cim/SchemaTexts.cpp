@@ -9,6 +9,9 @@ void addSchemaTexts(core::ClassTexts& texts) {
   texts.add(getJobTexts());
   texts.add(getServiceTexts());
   texts.add(getProfileTexts());
+  texts.add(getPortTexts());
+  texts.add(getSoftwareTexts());
+  texts.add(getSystemTexts());
 }
 
 }  // namespace cim

@@ -13,6 +13,9 @@ namespace cim {
 [[nodiscard]] std::span<const core::ClassText> getJobTexts();
 [[nodiscard]] std::span<const core::ClassText> getServiceTexts();
 [[nodiscard]] std::span<const core::ClassText> getProfileTexts();
+[[nodiscard]] std::span<const core::ClassText> getPortTexts();
+[[nodiscard]] std::span<const core::ClassText> getSoftwareTexts();
+[[nodiscard]] std::span<const core::ClassText> getSystemTexts();
 
 }  // namespace cim
 

@@ -11,6 +11,7 @@
 #include "client/ClassNames.h"
 #include "client/ErrorRecords.h"
 #include "client/Fault.h"
+#include "client/IdentityInfo.h"
 #include "client/ServedClasses.h"
 #include "core/CimPath.h"
 #include "platform/FileLook.h"
@@ -19,24 +20,10 @@
 namespace client {
 namespace {
 
-constexpr const char* kDeviceInfo = "Orvex:PCIDevice";
-
 // The values of ImageKind.
 constexpr unsigned kFirmwareFile = 4;
 
 using Texts = std::vector<std::string>;
-
-Texts findDevices(const InstanceSnapshot& instance) {
-  const auto kinds = instance.value<Texts>("IdentityInfoType");
-  const auto values = instance.value<Texts>("IdentityInfoValue");
-  Texts devices;
-  for (std::size_t i = 0; i < std::min(kinds.size(), values.size()); ++i) {
-    if (kinds[i] == kDeviceInfo) {
-      devices.push_back(values[i]);
-    }
-  }
-  return devices;
-}
 
 Identity readIdentity(const InstanceSnapshot& instance) {
   Identity identity;
@@ -45,7 +32,7 @@ Identity readIdentity(const InstanceSnapshot& instance) {
   identity.name = instance.value<std::string>("Name");
   identity.version = instance.value<std::string>("VersionString");
   identity.types = instance.value<Texts>("TargetTypes");
-  identity.devices = findDevices(instance);
+  identity.devices = findIdentityInfo(instance, kDeviceInfo);
   identity.isFile = instance.value<unsigned>("ImageKind") == kFirmwareFile;
   return identity;
 }

@@ -1,20 +1,14 @@
 #include "inventory/DeviceValues.h"
 
-#include <cstdint>
 #include <utility>
 
 #include "Os/Environment.h"
 #include "cim/OperationalStatus.h"
 
 namespace inventory {
-namespace {
 
-constexpr const char* kSystemClass = "CIM_UnitaryComputerSystem";
-
-}  // namespace
-
-DeviceSet makeDeviceSet(std::vector<std::string> identities) {
-  return {os::getComputerName(), std::move(identities)};
+DeviceSet makeDeviceSet(std::vector<ma::AdapterListing> adapters) {
+  return {os::getComputerName(), std::move(adapters)};
 }
 
 void setDeviceValues(CIM_LogicalDevice& device, const std::string& deviceId,

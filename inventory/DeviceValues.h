@@ -7,20 +7,24 @@
 #include <vector>
 
 #include "cim/CIM_LogicalDevice.h"
+#include "midapi/AdapterListing.h"
 
 namespace inventory {
+
+// The class that the keys of devices name as that of their system.
+inline constexpr const char* kSystemClass = "CIM_UnitaryComputerSystem";
 
 // What the values of devices are made of, beside constants. Devices that were built of equal ones
 // are equal.
 struct DeviceSet {
   std::string systemName;
-  std::vector<std::string> identities;
+  std::vector<ma::AdapterListing> adapters;
 
   friend bool operator==(const DeviceSet&, const DeviceSet&) = default;
 };
 
-// Returns the set of the devices, on this system.
-[[nodiscard]] DeviceSet makeDeviceSet(std::vector<std::string> identities);
+// Returns the set of the devices of these adapters, on this system.
+[[nodiscard]] DeviceSet makeDeviceSet(std::vector<ma::AdapterListing> adapters);
 
 // Fills the keys and names of a device and marks the keys.
 void setDeviceValues(CIM_LogicalDevice& device, const std::string& deviceId,

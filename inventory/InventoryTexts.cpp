@@ -22,28 +22,8 @@ constexpr ValueName kComparisons[] = {
     {"unknown", "Nothing is known"},
 };
 
-constexpr ValueName kClassifications[] = {
-    {"0", "Unknown"},
-    {"1", "Other"},
-    {"2", "Driver"},
-    {"3", "Configuration Software"},
-    {"4", "Application Software"},
-    {"5", "Instrumentation"},
-    {"6", "Firmware/BIOS"},
-    {"7", "Diagnostic Software"},
-    {"8", "Operating System"},
-    {"9", "Middleware"},
-    {"10", "Firmware"},
-    {"11", "BIOS/FCode"},
-    {"12", "Support/Service Pack"},
-    {"13", "Software Bundle"},
-    {"..", "DMTF Reserved"},
-    {"0x8000..0xFFFF", "Vendor Reserved"},
-};
-
-constexpr ValueName kControllerTypes[] = {
-    {"0", "Unknown"}, {"1", "Other"}, {"2", "Ethernet"},   {"3", "IB"},          {"4", "FC"},
-    {"5", "FDDI"},    {"6", "ATM"},   {"7", "Token Ring"}, {"8", "Frame Relay"},
+constexpr ValueName kBootTypes[] = {
+    {"0", "None"}, {"1", "PXE"}, {"2", "iSCSI"}, {"3", "FCoE"}, {"4", "UEFI"},
 };
 
 constexpr ValueName kImageKinds[] = {{"2", "Held by an adapter"}, {"4", "Firmware image"}};
@@ -57,21 +37,27 @@ constexpr ElementText kElementSoftware[] = {
     {"Comparison", "What the software is to the adapter.", kComparisons}};
 
 constexpr ElementText kPort[] = {
-    {"PortNumber", "The number of the port on its adapter; the first one has 0."},
-    {"PermanentAddress",
-     "The network address that is fixed in the port; NULL while it is not known."},
+    {"BootType",
+     "What the machine boots from through the port; NULL where its driver does not tell.",
+     kBootTypes},
+    {"InterfaceNames", "What the operating system calls the port."},
 };
 
 constexpr ElementText kController[] = {
-    {"ControllerType", "The kind of ports that the controller drives.", kControllerTypes}};
+    {"VendorID", "The PCI vendor of the adapter."},
+    {"PCIDeviceID", "The PCI device of the adapter."},
+    {"SubsystemVendorID", "The PCI vendor of the adapter's subsystem."},
+    {"SubsystemID", "The PCI subsystem of the adapter."},
+    {"PartNumber", "The part number that the adapter tells."},
+    {"SerialNumber", "The serial number that the adapter tells."},
+    {"DriverName", "The driver of the operating system; NULL where none is bound."},
+    {"IsUpdatable", "Whether the firmware of the adapter can be replaced."},
+    {"WhyNotUpdatable", "Why it cannot, where that is known."},
+    {"IsBeingWritten",
+     "Whether its flash is being written; then all that is told is what was last known."},
+};
 
 constexpr ElementText kSoftware[] = {
-    {"InstanceID", "Identifies the software among all instances of its namespace."},
-    {"VersionString", "The version of the software, in its maker's form."},
-    {"TargetTypes", "The types of the firmware images that are in the software."},
-    {"Classifications", "What kind of software it is: always 10 (Firmware).", kClassifications},
-    {"IdentityInfoType", "What the values of the same place in IdentityInfoValue are."},
-    {"IdentityInfoValue", "What the software is known by, beside its InstanceID."},
     {"ImageKind", "Whether an adapter holds the software, or it is a file that can be installed.",
      kImageKinds},
 };
@@ -101,6 +87,38 @@ constexpr ClassText kTexts[] = {
     {"Orvex_SoftwareIdentity",
      "A firmware image that can be installed, or firmware that an adapter holds.",
      kSoftware,
+     {},
+     cim::kOrvexVersion},
+    {"Orvex_ComputerSystem", "This machine.", {}, {}, cim::kOrvexVersion},
+    {"Orvex_ControlledBy", "A port belongs to an adapter.", {}, {}, cim::kOrvexVersion},
+    {"Orvex_EthernetPortConformsToProfile",
+     "A port conforms to the Ethernet port profile.",
+     {},
+     {},
+     cim::kOrvexVersion},
+    {"Orvex_HostedResource",
+     "The file of a firmware image is on this machine.",
+     {},
+     {},
+     cim::kOrvexVersion},
+    {"Orvex_HostedService",
+     "The installation service runs on this machine.",
+     {},
+     {},
+     cim::kOrvexVersion},
+    {"Orvex_InstalledSoftwareIdentity",
+     "A piece of software is on an adapter of this machine.",
+     {},
+     {},
+     cim::kOrvexVersion},
+    {"Orvex_ResourceForSoftwareIdentity",
+     "A firmware image is in a file.",
+     {},
+     {},
+     cim::kOrvexVersion},
+    {"Orvex_SystemDevice",
+     "An adapter, or one of its ports, is a part of this machine.",
+     {},
      {},
      cim::kOrvexVersion},
     {"Orvex_SoftwareIdentityResource",

@@ -1,16 +1,19 @@
 #include "inventory/Orvex_ElementSoftwareIdentity.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
+#include <cstdint>
+#include <iterator>
 #include <map>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "cim/ElementSoftware.h"
 #include "core/CimBroker.h"
 #include "core/LookAhead.h"
 #include "inventory/Adapters.h"
-#include "inventory/Orvex_PortController.h"
 #include "inventory/Orvex_SoftwareIdentityClass.h"
 
 namespace {
@@ -27,10 +30,24 @@ using inventory::FirmwareFilePtr;
 constexpr std::array<std::string_view, 8> kComparisonTexts = {
     "", "not updatable", "other types", "older", "same version", "same", "newer", "unknown"};
 
+// What software of these comparisons is to an adapter in the words of DMTF. Of the others nothing
+// is known, or there is no word.
+struct Status {
+  std::string_view comparison;
+  std::uint16_t number;
+};
+constexpr Status kStatuses[] = {
+    {"installed", cim::kSoftwareInstalled}, {"running", cim::kSoftwareCurrent},
+    {"stored", cim::kSoftwareNext},         {"newer", cim::kSoftwareAvailable},
+    {"same", cim::kSoftwareAvailable},      {"same version", cim::kSoftwareAvailable},
+    {"older", cim::kSoftwareAvailable},     {"other types", cim::kSoftwareAvailable},
+};
+
 // The controllers, and the adapter of each at the same place.
 struct Controllers {
-  std::vector<core::CimInstance*> instances;
+  std::vector<Orvex_PortController*> instances;
   std::vector<Adapter> adapters;
+  std::map<std::string, std::size_t> places;  // by the adapter's identity
 };
 
 // Returns the controllers that the broker serves, without one whose adapter is gone by now.
@@ -42,11 +59,12 @@ Controllers findControllers() {
   Controllers controllers;
   for (core::CimInstance* instance :
        core::GetCimBroker().getInstances(Orvex_PortController::kClassName)) {
-    const auto* controller = dynamic_cast<Orvex_PortController*>(instance);
+    auto* controller = dynamic_cast<Orvex_PortController*>(instance);
     const auto adapter =
         controller != nullptr ? adapters.find(controller->DeviceID.getValue()) : adapters.end();
     if (adapter != adapters.end()) {
-      controllers.instances.push_back(instance);
+      controllers.places.emplace(adapter->first, controllers.instances.size());
+      controllers.instances.push_back(controller);
       controllers.adapters.push_back(adapter->second);
     }
   }
@@ -73,26 +91,23 @@ std::vector<std::string_view> toTexts(const std::vector<ma::ImageComparison>& co
   return texts;
 }
 
-std::vector<std::string_view> relateToItsAdapter(const AdapterSoftware& software,
-                                                 const std::vector<Adapter>& adapters) {
-  std::vector<std::string_view> texts;
-  texts.reserve(adapters.size());
-  const std::string owner = software.getAdapter();
-  for (const Adapter& adapter : adapters) {
-    texts.push_back(adapter.identity == owner ? software.getRelation() : std::string_view());
-  }
-  return texts;
-}
-
 }  // namespace
 
 Orvex_ElementSoftwareIdentity::Orvex_ElementSoftwareIdentity(core::CimInstance* software,
-                                                             core::CimInstance* controller,
+                                                             Orvex_PortController* controller,
                                                              const std::string& comparison) {
   Antecedent.setTarget(software);
   Dependent.setTarget(controller);
   core::markKeys(*this);
   Comparison.setValue(comparison);
+  const auto status = std::ranges::find(kStatuses, comparison, &Status::comparison);
+  if (status != std::end(kStatuses)) {
+    ElementSoftwareStatus.setValue({status->number});
+  }
+  if (controller != nullptr && !controller->IsUpdatable.isNull()) {
+    UpgradeCondition.setValue(controller->IsUpdatable.getValue() == 1 ? cim::kOwnerUpgradeable
+                                                                      : cim::kNotUpgradeable);
+  }
 }
 
 Orvex_ElementSoftwareIdentityClass::Orvex_ElementSoftwareIdentityClass(
@@ -119,15 +134,20 @@ void Orvex_ElementSoftwareIdentityClass::refresh() {
     if (software == nullptr) {
       continue;
     }
-    const FirmwareFilePtr file = software->getFile();
-    const std::vector<std::string_view> comparisons =
-        file != nullptr ? toTexts(m_comparisons.find(*file, states))
-                        : relateToItsAdapter(*software, controllers.adapters);
-    for (std::size_t i = 0; i < comparisons.size(); ++i) {
-      if (!comparisons[i].empty()) {
-        instances().add(new Orvex_ElementSoftwareIdentity(identity, controllers.instances[i],
-                                                          std::string(comparisons[i])));
+    const auto relate = [&](std::size_t place, std::string_view comparison) {
+      instances().add(new Orvex_ElementSoftwareIdentity(identity, controllers.instances[place],
+                                                        std::string(comparison)));
+    };
+    if (const FirmwareFilePtr file = software->getFile()) {
+      const std::vector<std::string_view> comparisons = toTexts(m_comparisons.find(*file, states));
+      for (std::size_t place = 0; place < comparisons.size(); ++place) {
+        if (!comparisons[place].empty()) {
+          relate(place, comparisons[place]);
+        }
       }
+    } else if (const auto place = controllers.places.find(software->getAdapter());
+               place != controllers.places.end()) {
+      relate(place->second, software->getRelation());
     }
   }
   report(m_comparisons.countUncompared());

@@ -6,18 +6,22 @@
 #include <cstddef>
 #include <string>
 
-#include "cim/CIM_Dependency.h"
+#include "cim/CIM_ElementSoftwareIdentity.h"
 #include "core/CimPropertyTypes.h"
 #include "core/InstanceProvider.h"
 #include "inventory/FirmwareComparisons.h"
+#include "inventory/Orvex_PortController.h"
 
-class Orvex_ElementSoftwareIdentity : public CIM_Dependency {
+class Orvex_ElementSoftwareIdentity : public CIM_ElementSoftwareIdentity {
  public:
   static constexpr const char* kClassName = "Orvex_ElementSoftwareIdentity";
-  using Superclass = CIM_Dependency;
+  using Superclass = CIM_ElementSoftwareIdentity;
 
-  // From the software (Antecedent) to the controller that it is for (Dependent).
-  Orvex_ElementSoftwareIdentity(core::CimInstance* software, core::CimInstance* controller,
+  // From the software (Antecedent) to the controller that it is for (Dependent). The other
+  // properties follow from the comparison: ElementSoftwareStatus is 6 Installed, 2 Current, 3 Next,
+  // and 8 Available for an image that could be installed; NULL for one that could not, or where
+  // that is not known.
+  Orvex_ElementSoftwareIdentity(core::CimInstance* software, Orvex_PortController* controller,
                                 const std::string& comparison);
 
   [[nodiscard]] std::string getClassName() const override { return kClassName; }

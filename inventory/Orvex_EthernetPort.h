@@ -8,12 +8,12 @@
 
 #include <string>
 
-#include "cim/CIM_LogicalDevice.h"
+#include "cim/CIM_EthernetPort.h"
 
-class Orvex_EthernetPort : public CIM_LogicalDevice {
+class Orvex_EthernetPort : public CIM_EthernetPort {
  public:
   static constexpr const char* kClassName = "Orvex_EthernetPort";
-  using Superclass = CIM_LogicalDevice;
+  using Superclass = CIM_EthernetPort;
 
   ~Orvex_EthernetPort() override = default;
 
@@ -22,8 +22,10 @@ class Orvex_EthernetPort : public CIM_LogicalDevice {
   // Returns the identifier by which the flash library knows the port.
   [[nodiscard]] virtual std::string getIdentity() const = 0;
 
-  core::CimPropertyUint16 PortNumber{"PortNumber", this};
-  core::CimPropertyString PermanentAddress{"PermanentAddress", this};
+  // What the machine boots from through it (ma::BootType); NULL where its driver does not tell.
+  core::CimPropertyUint16 BootType{"BootType", this};
+  // What the operating system calls it: "eth0"; several where one function has several.
+  core::CimPropertyString_arr InterfaceNames{"InterfaceNames", this};
 };
 
 #endif  // ORVEX_INVENTORY_ORVEX_ETHERNETPORT_H_

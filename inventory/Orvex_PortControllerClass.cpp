@@ -12,13 +12,31 @@
 namespace {
 
 constexpr utils::LogSource kLog{"Orvex_PortController"};
-constexpr std::uint16_t kEthernetController = 2;  // DMTF CIM_PortController.ControllerType
+// DMTF CIM_PortController.ControllerType and CIM_Controller.ProtocolSupported.
+constexpr std::uint16_t kEthernetController = 2;
+constexpr std::uint16_t kInfiniBandController = 3;
+constexpr std::uint16_t kPci = 5;
+
+void setKnown(core::CimPropertyString& property, const std::string& text) {
+  if (!text.empty()) {
+    property.setValue(text);
+  }
+}
 
 class AdapterController final : public Orvex_PortController {
  public:
-  explicit AdapterController(std::string identity) : m_identity(std::move(identity)) {
+  explicit AdapterController(const ma::AdapterListing& adapter) : m_identity(adapter.pci) {
     inventory::setDeviceValues(*this, m_identity, "Ethernet Adapter " + m_identity);
-    ControllerType.setValue(kEthernetController);
+    setKnown(ElementName, adapter.name);
+    ControllerType.setValue(isInfiniBand(adapter) ? kInfiniBandController : kEthernetController);
+    ProtocolSupported.setValue(kPci);
+    setIds(adapter);
+    setKnown(PartNumber, adapter.partNumber);
+    setKnown(SerialNumber, adapter.serialNumber);
+    setKnown(DriverName, adapter.driver);
+    IsUpdatable.setValue(adapter.isUpdatable ? 1 : 0);
+    setKnown(WhyNotUpdatable, adapter.whyNotUpdatable);
+    IsBeingWritten.setValue(adapter.isBeingWritten ? 1 : 0);
   }
 
   [[nodiscard]] bool ownsPort(const Orvex_EthernetPort& port) const override {
@@ -26,6 +44,19 @@ class AdapterController final : public Orvex_PortController {
   }
 
  private:
+  static bool isInfiniBand(const ma::AdapterListing& adapter) {
+    return !adapter.ports.empty() && adapter.ports.front().link.kind == ma::LinkKind::InfiniBand;
+  }
+
+  void setIds(const ma::AdapterListing& adapter) {
+    VendorID.setValue(adapter.vendor);
+    PCIDeviceID.setValue(adapter.device);
+    if (adapter.subsystemVendor != 0) {  // which is nobody's
+      SubsystemVendorID.setValue(adapter.subsystemVendor);
+      SubsystemID.setValue(adapter.subsystemDevice);
+    }
+  }
+
   const std::string m_identity;
 };
 
@@ -50,18 +81,14 @@ void Orvex_PortControllerClass::reportProblems() {
 
 void Orvex_PortControllerClass::refresh() {
   reportProblems();
-  std::vector<std::string> identities;
-  for (inventory::Adapter& adapter : inventory::findAdapters()) {
-    identities.push_back(std::move(adapter.identity));
-  }
-  inventory::DeviceSet controllers = inventory::makeDeviceSet(std::move(identities));
+  inventory::DeviceSet controllers = inventory::makeDeviceSet(ma::outlineAdapters());
   if (controllers == m_controllers) {
     return;
   }
   m_controllers = {};  // until all are there
   instances().clear();
-  for (const std::string& identity : controllers.identities) {
-    instances().add(new AdapterController(identity));
+  for (const ma::AdapterListing& adapter : controllers.adapters) {
+    instances().add(new AdapterController(adapter));
   }
   m_controllers = std::move(controllers);
 }

@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "core/InstanceProvider.h"
-#include "inventory/Adapters.h"
 #include "inventory/FirmwareFiles.h"
 #include "inventory/Orvex_SoftwareIdentity.h"
 #include "midapi/MidApi.h"
@@ -32,21 +31,22 @@ class AdapterSoftware : public Orvex_SoftwareIdentity {
 
 class Orvex_SoftwareIdentityClass : public core::InstanceProvider {
  public:
-  // Returns what an adapter's driver says, by one of its ports.
-  using ReadVersions = std::vector<ma::FirmwareVersions> (*)(const std::string& port);
+  // As ma::outlineAdapters.
+  using OutlineAdapters = std::vector<ma::AdapterListing> (*)(ma::OutlineDepth depth);
 
   // `files` must live as long as the provider.
   explicit Orvex_SoftwareIdentityClass(inventory::FirmwareFiles& files,
-                                       ReadVersions readVersions = ma::getFirmwareVersions);
+                                       OutlineAdapters outlineAdapters = ma::outlineAdapters);
 
  protected:
   void refresh() override;
 
  private:
-  void addDriverFirmware(const inventory::Adapter& adapter);
+  void addComponents(const ma::AdapterListing& adapter);
+  void addDriverFirmware(const ma::AdapterListing& adapter);
 
   inventory::FirmwareFiles& m_files;
-  const ReadVersions m_readVersions;
+  const OutlineAdapters m_outlineAdapters;
 };
 
 #endif  // ORVEX_INVENTORY_ORVEX_SOFTWAREIDENTITYCLASS_H_

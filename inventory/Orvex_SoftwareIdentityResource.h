@@ -5,13 +5,13 @@
 
 #include <string>
 
-#include "cim/CIM_LogicalElement.h"
+#include "cim/CIM_EnabledLogicalElement.h"
 #include "core/CimKeys.h"
 
-class Orvex_SoftwareIdentityResource : public CIM_LogicalElement {
+class Orvex_SoftwareIdentityResource : public CIM_EnabledLogicalElement {
  public:
   static constexpr const char* kClassName = "Orvex_SoftwareIdentityResource";
-  using Superclass = CIM_LogicalElement;
+  using Superclass = CIM_EnabledLogicalElement;
 
   template <class Self>
   static auto getKeys(Self& self) {

@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "cim/EnabledState.h"
 #include "inventory/Orvex_SoftwareIdentityResource.h"
 
 namespace {
@@ -22,6 +23,7 @@ class ImageFileResource final : public Orvex_SoftwareIdentityResource {
     ElementName.setValue(Caption.getValue());
     AccessInfo.setValue("file://" + m_path);
     InfoFormat.setValue(kUrl);
+    EnabledState.setValue(cim::kNotApplicable);
   }
 
   [[nodiscard]] std::string getFirmwareFileID() const override { return m_path; }

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,30 @@ namespace ma {
 // Who drives an adapter.
 enum class AdapterKind { Virtual, Kernel };
 
+// What a port is a port of.
+enum class LinkKind { Unknown, Ethernet, InfiniBand, Wireless };
+
+// Whether frames go through a port.
+enum class PortState {
+  Unknown,
+  Disabled,  // by who runs the machine
+  Offline,   // enabled, without a link
+  Enabled,
+  InTest,
+};
+
+// What is known of a port's link at the moment.
+struct PortLink {
+  LinkKind kind = LinkKind::Unknown;
+  PortState state = PortState::Unknown;
+  std::string permanentMac{};                   // that of its maker; empty: not known
+  std::optional<std::uint64_t> speed{};         // bits per second
+  std::optional<std::uint64_t> maxSpeed{};      // the same, of what it can do
+  std::optional<std::uint64_t> largestFrame{};  // its MTU, in bytes
+
+  friend bool operator==(const PortLink&, const PortLink&) = default;
+};
+
 struct AdapterPort {
   // As the flash library names the port: "0000:03:00.0".
   std::string identifier;
@@ -23,6 +48,9 @@ struct AdapterPort {
   BootType bootType = BootType::None;
   // Of a kernel adapter: its network interfaces, "eth0"; some drivers make none, some several.
   std::vector<std::string> interfaces;
+  PortLink link{};  // of the first interface where there are several
+
+  friend bool operator==(const AdapterPort&, const AdapterPort&) = default;
 };
 
 // One image in an adapter's flash.
@@ -37,6 +65,8 @@ struct AdapterComponent {
   std::size_t length = 0;
   // FNV-1a of the image's bytes: tells images of one version apart.
   std::uint64_t digest = 0;
+
+  friend bool operator==(const AdapterComponent&, const AdapterComponent&) = default;
 };
 
 // What a driver says of one part of the firmware, by its standard name ("fw.undi", see the kernel's
@@ -52,6 +82,12 @@ struct FirmwareVersions {
   friend bool operator==(const FirmwareVersions&, const FirmwareVersions&) = default;
 };
 
+// How much of an adapter is looked at.
+enum class OutlineDepth {
+  Description,  // what takes no look at its flash: not components, flashBytes and flashDefect
+  Flash,        // those, too
+};
+
 // What is empty is not known.
 struct AdapterListing {
   AdapterKind kind = AdapterKind::Virtual;
@@ -60,6 +96,9 @@ struct AdapterListing {
   std::string name;
   std::uint16_t vendor = 0;
   std::uint16_t device = 0;
+  // Of a kernel adapter; 0 where there is none.
+  std::uint16_t subsystemVendor = 0;
+  std::uint16_t subsystemDevice = 0;
   std::vector<AdapterPort> ports;
   std::vector<AdapterComponent> components;
   // Why the flash holds no valid image chain; empty when it holds one or is blank, and where it
@@ -84,6 +123,8 @@ struct AdapterListing {
   bool isBeingWritten = false;
   // What a person should know beside: "not readable without root: its option ROM".
   std::vector<std::string> notes;
+
+  friend bool operator==(const AdapterListing&, const AdapterListing&) = default;
 };
 
 // Something that is not listed as an adapter, or in which something is wrong, and why.

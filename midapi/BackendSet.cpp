@@ -41,6 +41,20 @@ Members membersWith(const Members& members, const AdapterAddress& adapter) {
   return found;
 }
 
+AdapterList outlineOf(FlashBackend& member, OutlineDepth depth) {
+  try {
+    return member.outline(depth);
+  } catch (const FlashFault&) {
+    return {};
+  }
+}
+
+void sortByAddress(AdapterList& list) {
+  std::stable_sort(
+      list.adapters.begin(), list.adapters.end(),
+      [](const AdapterListing& one, const AdapterListing& other) { return one.pci < other.pci; });
+}
+
 // Leaves out what belongs to ports of adapters that several members have.
 class Ownership {
  public:
@@ -163,9 +177,26 @@ AdapterList BackendSet::list() {
     all.problems.push_back(
         {toString(address), describeAll(membersWith(members, address), address), kSharedAdvice});
   }
-  std::stable_sort(
-      all.adapters.begin(), all.adapters.end(),
-      [](const AdapterListing& one, const AdapterListing& other) { return one.pci < other.pci; });
+  sortByAddress(all);
+  return all;
+}
+
+AdapterList BackendSet::outline(OutlineDepth depth) {
+  const Members members = m_members();
+  if (members.size() == 1) {
+    return members.front()->outline(depth);
+  }
+  Ownership ownership(members);
+  AdapterList all;
+  for (FlashBackend* member : members) {
+    for (AdapterListing& adapter : outlineOf(*member, depth).adapters) {
+      const auto address = parseAdapterAddress(adapter.pci);
+      if (address && !ownership.isShared(*address)) {
+        all.adapters.push_back(std::move(adapter));
+      }
+    }
+  }
+  sortByAddress(all);
   return all;
 }
 

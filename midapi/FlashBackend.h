@@ -90,6 +90,11 @@ class FlashBackend {
   // where it cannot be told which adapters there are.
   [[nodiscard]] virtual AdapterList list() = 0;
 
+  // Returns what list() does, but no problems, and nothing that is told once: what may be asked for
+  // often, by who is no person. An adapter that cannot be read is left out. Throws FlashFault where
+  // it cannot be told which adapters there are.
+  [[nodiscard]] virtual AdapterList outline(OutlineDepth depth) = 0;
+
   // Returns what became of writes whose writers died, as findAdapterProblems says.
   [[nodiscard]] virtual std::vector<std::string> interruptedWrites() = 0;
 

@@ -139,6 +139,14 @@ AdapterList listAdapters() {
   return backend().list();
 }
 
+std::vector<AdapterListing> outlineAdapters(OutlineDepth depth) {
+  try {
+    return backend().outline(depth).adapters;
+  } catch (const FlashFault&) {
+    return {};
+  }
+}
+
 std::vector<std::string> findAdapterProblems() {
   return backend().problems();
 }

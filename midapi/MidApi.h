@@ -43,6 +43,12 @@ ORVEX_MIDAPI_API void useSettings(SettingsReader reader);
 // which no other operation does, where it cannot be told which adapters there are.
 [[nodiscard]] ORVEX_MIDAPI_API AdapterList listAdapters();
 
+// Returns of all adapters what listAdapters tells but for problems, notes and what is told once:
+// for programs, which ask often. Without their flash it costs little more than enumerateAdapters.
+// Leaves out what that leaves out.
+[[nodiscard]] ORVEX_MIDAPI_API std::vector<AdapterListing> outlineAdapters(
+    OutlineDepth depth = OutlineDepth::Description);
+
 // Returns what somebody should mend or know of the adapters, in a line each that begins with the
 // adapter: what became of a write whose writer died before it knew how that ended (none of virtual
 // adapters, whose updates are made or taken back), and that two adapters have one address.

@@ -67,6 +67,9 @@ struct DriverAnswer {
   std::optional<DriverInfo> info;
   FileAnswer vpd;
   FileAnswer rom;
+  // Of the first interface, where that is up, in bits per second; 0: it does not tell. Nothing: it
+  // was not asked, or has not answered in time.
+  std::optional<std::uint64_t> speed{};
 };
 
 class DriverCalls {

@@ -53,6 +53,7 @@ struct DriverInquiry::Round {
   DevlinkLookup devlink;
   std::optional<AskingChild> child;       // that has nothing to do
   std::optional<SystemTime> silentSince;  // of the last part that is waited for
+  bool isLinkStuck = false;
 };
 
 // The right to ask for some functions.
@@ -97,7 +98,7 @@ class DriverInquiry::Turn {
 std::vector<DriverAnswer> DriverInquiry::ask(std::span<const DriverQuestion> questions) {
   const Turn turn(*this, questions);
   buryOthers();
-  Round round{m_settings.patience, {}, {}, {}};
+  Round round{m_settings.patience, {}, {}, {}, isLinkAway()};
   {
     const platform::Lock lock(m_mutex);
     round.devlink = m_devlink;
@@ -133,10 +134,33 @@ DriverAnswer DriverInquiry::askFor(const DriverQuestion& question, Round& round)
     answer.error = devlink.answer().error != 0 ? devlink.answer().error : answer.error;
     answer.devlink = devlink.answer().devlink;
     answer.isPartial = restState == State::Waiting;
+    if (!answer.isPartial) {
+      answer.speed = askForSpeed(question, round);
+    }
     return answer;
   } catch (const std::system_error& fault) {
     return failed(fault.code().value());
   }
+}
+
+std::optional<std::uint64_t> DriverInquiry::askForSpeed(const DriverQuestion& question,
+                                                        Round& round) {
+  auto link = FunctionInquiry::ofLink(question);
+  if (round.isLinkStuck || !link.next()) {
+    return std::nullopt;
+  }
+  const milliseconds patience = round.patience;
+  const State state = pursue(link, Part::Link, question, round);
+  round.patience = patience;  // it says nothing of what other drivers do
+  round.isLinkStuck = state != State::Replied;
+  return link.answer().speed;
+}
+
+bool DriverInquiry::isLinkAway() {
+  const platform::Lock lock(m_mutex);
+  return std::any_of(m_away.begin(), m_away.end(), [](auto& away) {
+    return away.first.second == Part::Link && away.second.child.await(kNone) == State::Waiting;
+  });
 }
 
 State DriverInquiry::pursue(FunctionInquiry& inquiry, Part part, const DriverQuestion& question,
@@ -184,9 +208,20 @@ State DriverInquiry::pursue(FunctionInquiry& inquiry, Part part, const DriverQue
   return state;
 }
 
+const char* DriverInquiry::nameOf(Part part) {
+  switch (part) {
+    case Part::Devlink:
+      return ".devlink";
+    case Part::Link:
+      return ".link";
+    case Part::Rest:
+      break;
+  }
+  return ".rest";
+}
+
 State DriverInquiry::lock(AskingChild& child, const Key& key, Round& round) const {
-  const std::string name =
-      toString(key.first) + (key.second == Part::Devlink ? ".devlink" : ".rest");
+  const std::string name = toString(key.first) + nameOf(key.second);
   if (const auto since = m_locks.heldByRootSince(name)) {
     round.silentSince = since;
     return State::Waiting;

@@ -4,15 +4,16 @@
 // time the child is left behind with that function until it has been answered or has ended, and
 // another one goes on with the next. What a driver says by devlink is asked for apart from the
 // rest, which may be stuck where that is not: there is one child for each part that is stuck, and
-// never a second one, be it another program's of the same user or root's (see AskingLocks.h). Any
-// thread may ask; two that ask for the same functions do so one after the
-// other.
+// never a second one, be it another program's of the same user or root's (see AskingLocks.h). The
+// speeds of links come last, and wait for nobody a second time. Any thread may ask; two that ask
+// for the same functions do so one after the other.
 
 #ifndef ORVEX_MIDAPI_KERNEL_DRIVERINQUIRY_H_
 #define ORVEX_MIDAPI_KERNEL_DRIVERINQUIRY_H_
 
 #include <chrono>
 #include <condition_variable>
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -52,7 +53,7 @@ class DriverInquiry {
   [[nodiscard]] std::vector<DriverAnswer> ask(std::span<const DriverQuestion> questions);
 
  private:
-  enum class Part { Devlink, Rest };
+  enum class Part { Devlink, Rest, Link };
   using Key = std::pair<PortId, Part>;
   struct Away {
     FunctionInquiry inquiry;
@@ -63,6 +64,12 @@ class DriverInquiry {
   class Turn;
 
   [[nodiscard]] DriverAnswer askFor(const DriverQuestion& question, Round& round);
+  // What is held up there holds up all links alike: one child waits for one, and no other is asked
+  // for meanwhile. Nothing where it was not asked, or has not answered in time.
+  [[nodiscard]] std::optional<std::uint64_t> askForSpeed(const DriverQuestion& question,
+                                                         Round& round);
+  [[nodiscard]] bool isLinkAway();
+  [[nodiscard]] static const char* nameOf(Part part);  // in the names of locks
   // Finds out what one inquiry is about; what it knows by then counts where that is Waiting, too.
   [[nodiscard]] AskingChild::State pursue(FunctionInquiry& inquiry, Part part,
                                           const DriverQuestion& question, Round& round);

@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <cstring>
 #include <linux/ethtool.h>
 #include <span>
 #include <string>
+#include <system_error>
 #include <utility>
 
 #include "midapi/ByteText.h"
@@ -88,6 +90,18 @@ std::optional<DriverInfo> readDriverInfo(const ErrandReply& reply) {
   return DriverInfo{textOf(info.driver), textOf(info.version), textOf(info.fw_version)};
 }
 
+// Returns bits per second; 0 where the file, which counts millions of them, has no such number: it
+// has -1 where nobody knows.
+std::uint64_t readSpeed(const ErrandReply& reply) {
+  constexpr std::uint64_t kMega = 1'000'000;
+  const std::vector<std::uint8_t> bytes = reply.bytes();
+  const auto* const begin = reinterpret_cast<const char*>(bytes.data());
+  std::uint32_t speed = 0;
+  const bool isNumber =
+      reply.error == 0 && std::from_chars(begin, begin + bytes.size(), speed).ec == std::errc();
+  return isNumber ? speed * kMega : 0;
+}
+
 FileAnswer readFile(const ErrandReply& reply) {
   return reply.error != 0 ? FileAnswer{reply.error, {}} : FileAnswer{0, reply.bytes()};
 }
@@ -128,6 +142,15 @@ FunctionInquiry FunctionInquiry::ofRest(DriverQuestion question, Of of,
   return inquiry;
 }
 
+FunctionInquiry FunctionInquiry::ofLink(DriverQuestion question) {
+  FunctionInquiry inquiry(std::move(question), Of::DriverAndFiles);
+  const PciFunction& function = inquiry.m_question.function;
+  if (!function.interfaceFolder.empty() && function.link.state == PortState::Enabled) {
+    inquiry.m_steps.push_back(Step::Speed);
+  }
+  return inquiry;
+}
+
 bool FunctionInquiry::answers(const DriverQuestion& question) const {
   return m_question.function.ids == question.function.ids &&
          m_question.function.interfaces == question.function.interfaces &&
@@ -152,6 +175,8 @@ ErrandOrder FunctionInquiry::orderOf(Step step) const {
     case Step::Rom:
       return {m_of == Of::FilesAlone ? Errand::PlainFile : Errand::Rom,
               bytesOf(function.folder / "rom")};
+    case Step::Speed:
+      return {Errand::PlainFile, bytesOf(function.interfaceFolder / "speed")};
   }
   return {};
 }
@@ -180,6 +205,9 @@ void FunctionInquiry::take(const ErrandReply& reply) {
       break;
     case Step::Rom:
       m_answer.rom = readFile(reply);
+      break;
+    case Step::Speed:
+      m_answer.speed = readSpeed(reply);
       break;
   }
 }

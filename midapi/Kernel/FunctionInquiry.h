@@ -1,8 +1,8 @@
 // What is asked of one function, errand by errand, and what the replies say.
 //
-// It is asked for in two parts, because other things hold them up: devlink waits while that very
-// adapter is flashed; ETHTOOL_GDRVINFO waits for the kernel's lock of the network configuration,
-// which some drivers keep while any of their adapters is flashed.
+// It is asked for in parts, because other things hold them up: devlink waits while that very
+// adapter is flashed; ETHTOOL_GDRVINFO and the speed of a link wait for the kernel's lock of the
+// network configuration, which some drivers keep while any of their adapters is flashed.
 //
 // Pure: somebody else runs the errands. Replies are data from outside: what is malformed is not
 // known. Plain values; throws nothing but std::bad_alloc.
@@ -45,6 +45,9 @@ class FunctionInquiry {
   [[nodiscard]] static FunctionInquiry ofRest(DriverQuestion question, Of of,
                                               const std::optional<DevlinkInfo>& told);
 
+  // The speed of the first interface, where that is up.
+  [[nodiscard]] static FunctionInquiry ofLink(DriverQuestion question);
+
   // Returns whether what this one asks for answers the question, too.
   [[nodiscard]] bool answers(const DriverQuestion& question) const;
 
@@ -58,7 +61,7 @@ class FunctionInquiry {
   [[nodiscard]] const DevlinkLookup& devlink() const { return m_devlink; }
 
  private:
-  enum class Step { Family, Devlink, Driver, Vpd, Rom };
+  enum class Step { Family, Devlink, Driver, Vpd, Rom, Speed };
 
   FunctionInquiry(DriverQuestion question, Of of) : m_question(std::move(question)), m_of(of) {}
   [[nodiscard]] ErrandOrder orderOf(Step step) const;

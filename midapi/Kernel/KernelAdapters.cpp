@@ -425,6 +425,9 @@ void KernelAdapters::note(const Subject& subject, DriverAnswer answer, std::uint
     if (answer.info || !answer.isPartial) {
       known->answer.info = std::move(answer.info);
     }
+    if (answer.speed) {
+      known->answer.speed = answer.speed;
+    }
     known->hasAnswered = true;
     known->toldChanges = subject.changes;
     known->driver = subject.question.function.driver;

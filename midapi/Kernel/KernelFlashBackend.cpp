@@ -84,6 +84,14 @@ KernelAdapter needed(std::optional<KernelAdapter> adapter, const AdapterAddress&
   return std::move(*adapter);
 }
 
+// `whyNobodyCan` is why no adapter can be updated.
+void tellUpdatability(const KernelAdapter& adapter, const std::string& whyNobodyCan,
+                      AdapterListing& listing) {
+  const FlashRoute route = findRoute(adapter, adapter.functions.front().pci.id.function);
+  listing.whyNotUpdatable = route.way == FlashWay::None ? route.whyNone : whyNobodyCan;
+  listing.isUpdatable = listing.whyNotUpdatable.empty();
+}
+
 // Returns whether the function's driver has answered just now: where it could not be asked, the
 // last answer is one from before.
 bool hasAnswered(const std::optional<KernelAdapter>& adapter, const PortId& id) {
@@ -165,9 +173,7 @@ AdapterList KernelFlashBackend::list() {
   for (const KernelAdapter& adapter : m_adapters.all()) {
     addresses.insert(adapter.address);
     AdapterListing listing = describeKernelAdapter(adapter, m_names);
-    const FlashRoute route = findRoute(adapter, adapter.functions.front().pci.id.function);
-    listing.whyNotUpdatable = route.way == FlashWay::None ? route.whyNone : whyNobodyCan;
-    listing.isUpdatable = listing.whyNotUpdatable.empty();
+    tellUpdatability(adapter, whyNobodyCan, listing);
     if (auto leftOver = m_interrupted.leftOverOf(adapter, folder); !leftOver.text.empty()) {
       listing.notes.push_back(leftOver.text);
       if (!leftOver.advice.empty()) {
@@ -178,6 +184,18 @@ AdapterList KernelFlashBackend::list() {
     list.adapters.push_back(std::move(listing));
   }
   m_interrupted.sweepUnasked(addresses, folder);
+  return list;
+}
+
+AdapterList KernelFlashBackend::outline(OutlineDepth depth) {
+  const std::string whyNobodyCan = whyNobody();
+  AdapterList list;
+  for (const KernelAdapter& adapter : m_adapters.all()) {
+    AdapterListing listing = depth == OutlineDepth::Flash ? describeKernelAdapter(adapter, m_names)
+                                                          : outlineKernelAdapter(adapter, m_names);
+    tellUpdatability(adapter, whyNobodyCan, listing);
+    list.adapters.push_back(std::move(listing));
+  }
   return list;
 }
 

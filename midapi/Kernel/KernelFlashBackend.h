@@ -52,6 +52,7 @@ class KernelFlashBackend final : public FlashBackend {
   bool hasAdapter(const AdapterAddress& adapter) override;
   utils::StringArray enumerateAdapters() override;
   AdapterList list() override;
+  AdapterList outline(OutlineDepth depth) override;
   std::vector<std::string> interruptedWrites() override;
   bool isUpdatable(const PortId& port) override;
   std::vector<utils::FirmwareVersionInfo> installedFirmware(const PortId& port) override;

@@ -65,14 +65,19 @@ const KernelFunction* findFunction(const KernelAdapter& adapter, std::uint8_t pr
   return found == functions.end() ? nullptr : &*found;
 }
 
-AdapterPort describePort(const PciFunction& function) {
+AdapterPort describePort(const KernelFunction& function) {
   AdapterPort port;
-  port.identifier = toString(function.id);
-  for (const NetworkInterface& interface : function.interfaces) {
+  port.identifier = toString(function.pci.id);
+  for (const NetworkInterface& interface : function.pci.interfaces) {
     port.interfaces.push_back(interface.name);
     if (port.mac.empty()) {
       port.mac = interface.mac;
     }
+  }
+  port.link = function.pci.link;
+  // What was last known of a link is not that of one that is down.
+  if (port.link.state == PortState::Enabled && function.answer.speed.value_or(0) > 0) {
+    port.link.speed = function.answer.speed;
   }
   return port;
 }
@@ -167,23 +172,30 @@ bool isRomKnown(const KernelAdapter& adapter) {
          });
 }
 
-AdapterListing describeKernelAdapter(const KernelAdapter& adapter, PciNames& names) {
+AdapterListing outlineKernelAdapter(const KernelAdapter& adapter, PciNames& names) {
   const KernelFunction& first = adapter.functions.front();
   AdapterListing listing;
   listing.kind = AdapterKind::Kernel;
   listing.pci = toString(adapter.address);
   listing.vendor = first.pci.ids.vendor;
   listing.device = first.pci.ids.device;
+  listing.subsystemVendor = first.pci.ids.subsystemVendor;
+  listing.subsystemDevice = first.pci.ids.subsystemDevice;
   listing.isBeingWritten = adapter.isBeingWritten;
   for (const KernelFunction& function : adapter.functions) {
-    listing.ports.push_back(describePort(function.pci));
+    listing.ports.push_back(describePort(function));
     addProduct(function, listing);
   }
   if (listing.name.empty()) {
     listing.name = names.nameOf(listing.vendor, listing.device);
   }
-  describeFlash(romOf(adapter, first.pci.id.function), listing);
   listing.versions = versionsOf(adapter, first.pci.id.function);
+  return listing;
+}
+
+AdapterListing describeKernelAdapter(const KernelAdapter& adapter, PciNames& names) {
+  AdapterListing listing = outlineKernelAdapter(adapter, names);
+  describeFlash(romOf(adapter, adapter.functions.front().pci.id.function), listing);
   addNotes(adapter, listing);
   return listing;
 }

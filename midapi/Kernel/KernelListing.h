@@ -25,6 +25,9 @@ namespace ma {
 // Returns whether the option ROM is known: it could be read, or the adapter has none.
 [[nodiscard]] bool isRomKnown(const KernelAdapter& adapter);
 
+// Returns of the adapter what describeKernelAdapter does, but for its flash and notes.
+[[nodiscard]] AdapterListing outlineKernelAdapter(const KernelAdapter& adapter, PciNames& names);
+
 // Returns the adapter but for whether it can be updated. One that does not say what its maker calls
 // it has the name of its ids.
 [[nodiscard]] AdapterListing describeKernelAdapter(const KernelAdapter& adapter, PciNames& names);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <fstream>
 #include <optional>
 #include <string_view>
@@ -16,7 +17,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::uint32_t kNetworkController = 0x02;  // base class, PCI Code and ID Assignment
+// PCI Code and ID Assignment: a base class, and with a subclass behind it.
+constexpr std::uint32_t kNetworkController = 0x02;
+constexpr std::uint32_t kEthernetController = 0x0200;
+constexpr std::uint32_t kInfiniBandController = 0x0207;
+constexpr unsigned kSubclassShift = 8;
 constexpr unsigned kBaseClassShift = 16;
 constexpr std::size_t kLongestAttribute = 256;
 
@@ -37,6 +42,16 @@ std::optional<std::uint32_t> readNumber(const fs::path& path) {
   const auto text = readAttribute(path);
   return text && text->starts_with("0x") ? parseHex(std::string_view(*text).substr(2))
                                          : std::nullopt;
+}
+
+// Reads a number like "1500".
+std::optional<std::uint64_t> readCount(const fs::path& path) {
+  const auto text = readAttribute(path);
+  std::uint64_t number = 0;
+  const char* const end = text ? text->data() + text->size() : nullptr;
+  return text && std::from_chars(text->data(), end, number) == std::from_chars_result{end, {}}
+             ? std::optional(number)
+             : std::nullopt;
 }
 
 std::optional<std::uint16_t> readId(const fs::path& path) {
@@ -94,6 +109,55 @@ std::vector<NetworkInterface> interfacesOf(const fs::path& device) {
   return interfaces;
 }
 
+// Of an interface, which all drivers of the kind have.
+LinkKind kindOf(const fs::path& interface) {
+  constexpr std::uint64_t kEther = 1;  // ARPHRD_ETHER and ARPHRD_INFINIBAND of the kernel
+  constexpr std::uint64_t kInfiniBand = 32;
+  const auto type = readCount(interface / "type");
+  if (type == kEther) {
+    return isThere(interface / "phy80211") || isThere(interface / "wireless") ? LinkKind::Wireless
+                                                                              : LinkKind::Ethernet;
+  }
+  return type == kInfiniBand ? LinkKind::InfiniBand : LinkKind::Unknown;
+}
+
+// Of a function without an interface.
+LinkKind kindOfClass(const fs::path& folder) {
+  const std::uint32_t classCode = readNumber(folder / "class").value_or(0) >> kSubclassShift;
+  if (classCode == kEthernetController) {
+    return LinkKind::Ethernet;
+  }
+  return classCode == kInfiniBandController ? LinkKind::InfiniBand : LinkKind::Unknown;
+}
+
+PortState stateOf(const fs::path& interface) {
+  constexpr std::uint32_t kUp = 0x1;  // IFF_UP
+  const auto flags = readNumber(interface / "flags");
+  if (!flags) {
+    return PortState::Unknown;
+  }
+  if ((*flags & kUp) == 0) {
+    return PortState::Disabled;
+  }
+  // Drivers that do not watch their link leave it "unknown" (RFC 2863).
+  const std::string state = readAttribute(interface / "operstate").value_or("unknown");
+  if (state == "up" || state == "unknown") {
+    return PortState::Enabled;
+  }
+  return state == "testing" ? PortState::InTest : PortState::Offline;
+}
+
+PortLink linkOf(const fs::path& interface) {
+  PortLink link;
+  link.kind = kindOf(interface);
+  link.state = stateOf(interface);
+  link.largestFrame = readCount(interface / "mtu");
+  if (readCount(interface / "addr_assign_type") == 0) {  // NET_ADDR_PERM
+    link.permanentMac = readAttribute(interface / "address").value_or("");
+  }
+  return link;
+}
+
 fs::path devicesIn(const fs::path& sysfs) {
   return sysfs / "bus" / "pci" / "devices";
 }
@@ -115,13 +179,20 @@ std::optional<PciFunction> readFunction(const fs::path& sysfs, const PortId& id)
     return std::nullopt;
   }
   const fs::path device = networkDeviceOf(folder);
-  return PciFunction{id,
-                     *ids,
-                     boundDriver(device),
-                     interfacesOf(device),
-                     folder,
-                     isThere(folder / "rom"),
-                     isThere(folder / "vpd")};
+  PciFunction function{id,
+                       *ids,
+                       boundDriver(device),
+                       interfacesOf(device),
+                       folder,
+                       isThere(folder / "rom"),
+                       isThere(folder / "vpd")};
+  if (function.interfaces.empty()) {
+    function.link.kind = kindOfClass(folder);
+  } else {
+    function.interfaceFolder = device / "net" / function.interfaces.front().name;
+    function.link = linkOf(function.interfaceFolder);
+  }
+  return function;
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "midapi/AdapterId.h"
+#include "midapi/AdapterListing.h"
 #include "midapi/PciIds.h"
 
 namespace ma {
@@ -34,6 +35,9 @@ struct PciFunction {
   std::filesystem::path folder;
   bool hasRom = false;
   bool hasVpd = false;
+  // Of the first interface, and where that is. What only the driver knows, its speed, is not in it.
+  PortLink link{};
+  std::filesystem::path interfaceFolder{};
 };
 
 // Returns the functions of PCI class 02 (network controllers), ordered by address. Left out are

@@ -46,17 +46,35 @@ AdapterCache::AdapterCache(FileSystem& files) : m_files(files) {}
 AdapterCache::~AdapterCache() = default;
 
 utils::StringArray AdapterCache::ports(const std::filesystem::path& directory) {
+  return current(directory)->ports;
+}
+
+std::vector<std::shared_ptr<const AdapterDescription>> AdapterCache::descriptions(
+    const std::filesystem::path& directory) {
+  const std::shared_ptr<const Snapshot> now = current(directory);
+  std::vector<std::shared_ptr<const AdapterDescription>> descriptions;
+  descriptions.reserve(now->adapters.size());
+  for (const auto& adapter : now->adapters) {
+    if (adapter->description != nullptr) {
+      descriptions.push_back(adapter->description);
+    }
+  }
+  return descriptions;
+}
+
+std::shared_ptr<const AdapterCache::Snapshot> AdapterCache::current(
+    const std::filesystem::path& directory) {
   std::shared_ptr<const Snapshot> known = latest();
   // As texts: a comparison of paths takes them apart.
   if (known != nullptr && known->directory.native() != directory.native()) {
     known = nullptr;
   }
   if (known != nullptr && isCurrent(*known)) {
-    return known->ports;
+    return known;
   }
   std::shared_ptr<const Snapshot> seen = look(directory, known.get());
   keep(seen);
-  return seen->ports;
+  return seen;
 }
 
 std::shared_ptr<const AdapterDescription> AdapterCache::description(

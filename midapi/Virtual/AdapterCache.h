@@ -33,6 +33,11 @@ class AdapterCache {
   // be read. Throws FlashFault as listAdapterFolders.
   [[nodiscard]] utils::StringArray ports(const std::filesystem::path& directory);
 
+  // Returns the descriptions of the adapters that can be read, ordered by PCI address. Throws as
+  // ports().
+  [[nodiscard]] std::vector<std::shared_ptr<const AdapterDescription>> descriptions(
+      const std::filesystem::path& directory);
+
   // Returns the description of one adapter, without a look at the others. Throws FlashFault as
   // AdapterFolder::description.
   [[nodiscard]] std::shared_ptr<const AdapterDescription> description(
@@ -53,6 +58,7 @@ class AdapterCache {
   };
 
   [[nodiscard]] std::shared_ptr<const Snapshot> latest();
+  [[nodiscard]] std::shared_ptr<const Snapshot> current(const std::filesystem::path& directory);
   void keep(const std::shared_ptr<const Snapshot>& seen);
   [[nodiscard]] std::optional<std::uint64_t> findDigest(const AdapterAddress& address,
                                                         const std::filesystem::path& path,

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <limits>
 #include <utility>
 
@@ -14,6 +15,14 @@ namespace ma {
 namespace {
 
 constexpr std::uint64_t kMaxPercent = 100;
+constexpr std::uint64_t kMaxUint64 = std::numeric_limits<std::uint64_t>::max();
+
+struct StateName {
+  PortState state;
+  std::string_view name;
+};
+constexpr StateName kStateNames[] = {
+    {PortState::Enabled, "up"}, {PortState::Offline, "down"}, {PortState::Disabled, "disabled"}};
 
 bool isMac(const std::string& text) {
   constexpr std::size_t kLength = 17;
@@ -25,6 +34,22 @@ bool isMac(const std::string& text) {
   return text.size() == kLength;
 }
 
+PortState readState(const FieldReader& fields) {
+  if (fields.find("link") == nullptr) {
+    return PortState::Unknown;
+  }
+  const auto found = std::ranges::find(kStateNames, fields.text("link"), &StateName::name);
+  if (found == std::end(kStateNames)) {
+    refuseField(fields.nameOf("link"), "must be \"up\", \"down\" or \"disabled\"");
+  }
+  return found->state;
+}
+
+std::optional<std::uint64_t> readIfThere(const FieldReader& fields, const char* field,
+                                         std::uint64_t max) {
+  return fields.find(field) != nullptr ? std::optional(fields.number(field, 1, max)) : std::nullopt;
+}
+
 PortDescription readPort(const FieldReader& fields) {
   PortDescription port;
   port.function = static_cast<std::uint8_t>(fields.number("function", 0, kMaxPorts - 1));
@@ -33,6 +58,10 @@ PortDescription readPort(const FieldReader& fields) {
     refuseField(fields.nameOf("mac"), "must be like \"02:00:00:03:00:00\"");
   }
   port.bootType = static_cast<BootType>(fields.numberOr("bootType", kMaxBootType, 0));
+  port.state = readState(fields);
+  port.speed = readIfThere(fields, "speed", kMaxUint64);
+  port.maxSpeed = readIfThere(fields, "maxSpeed", kMaxUint64);
+  port.mtu = readIfThere(fields, "mtu", kMaxUint32);
   return port;
 }
 
@@ -82,6 +111,25 @@ void readFaults(const FieldReader& fields, AdapterDescription& description) {
   }
 }
 
+Json formatPort(const PortDescription& port) {
+  Json json = {{"function", port.function},
+               {"mac", port.mac},
+               {"bootType", static_cast<std::uint32_t>(port.bootType)}};
+  const auto state = std::ranges::find(kStateNames, port.state, &StateName::state);
+  if (state != std::end(kStateNames)) {
+    json["link"] = state->name;
+  }
+  const auto setIfKnown = [&json](const char* field, const std::optional<std::uint64_t>& value) {
+    if (value) {
+      json[field] = *value;
+    }
+  };
+  setIfKnown("speed", port.speed);
+  setIfKnown("maxSpeed", port.maxSpeed);
+  setIfKnown("mtu", port.mtu);
+  return json;
+}
+
 Json formatFault(const InjectedFault& fault) {
   return {{"code", fault.code}, {"text", platform::toUtf8(fault.text)}};
 }
@@ -113,8 +161,7 @@ AdapterDescription read(const Json& json) {
   description.vendor = fields.pciId("vendorId");
   description.device = fields.pciId("deviceId");
   description.ports = readPorts(fields);
-  description.writeRate =
-      fields.numberOr("writeRate", std::numeric_limits<std::uint64_t>::max(), 0);
+  description.writeRate = fields.numberOr("writeRate", kMaxUint64, 0);
   if (const Json* updatable = fields.find("updatable")) {
     if (!updatable->is_boolean()) {
       refuseField("updatable", "must be true or false");
@@ -155,9 +202,7 @@ std::string formatDescription(const AdapterDescription& description) {
       {"faults", formatFaults(description)},
   };
   for (const PortDescription& port : description.ports) {
-    json["ports"].push_back({{"function", port.function},
-                             {"mac", port.mac},
-                             {"bootType", static_cast<std::uint32_t>(port.bootType)}});
+    json["ports"].push_back(formatPort(port));
   }
   return formatJson(json);
 }

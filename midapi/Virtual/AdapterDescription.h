@@ -2,7 +2,13 @@
 //
 //   {
 //     "name": "Lab adapter", "pci": "0000:03:00", "vendorId": "1af4", "deviceId": "1041",
-//     "ports": [{"function": 0, "mac": "02:00:00:03:00:00", "bootType": 1}],
+//     "ports": [{
+//       "function": 0, "mac": "02:00:00:03:00:00", "bootType": 1,
+//       "link": "up",           "down" or "disabled"; without it and the others nobody knows
+//       "speed": 10000000000,   bits per second
+//       "maxSpeed": 25000000000,
+//       "mtu": 1500             bytes
+//     }],
 //     "writeRate": 131072,      bytes per second; 0, the default, is as fast as the disk
 //     "updatable": true,        the default
 //     "capabilityWord": 24,     bit n: image type number n is installed; 0 is the default
@@ -27,6 +33,7 @@
 #include <vector>
 
 #include "midapi/AdapterId.h"
+#include "midapi/AdapterListing.h"
 #include "midapi/DescriptionFault.h"
 #include "midapi/FlashTypes.h"
 
@@ -39,6 +46,10 @@ struct PortDescription {
   std::uint8_t function = 0;
   std::string mac;
   BootType bootType = BootType::None;
+  PortState state = PortState::Unknown;
+  std::optional<std::uint64_t> speed{};     // bits per second
+  std::optional<std::uint64_t> maxSpeed{};  // the same
+  std::optional<std::uint64_t> mtu{};       // bytes
 };
 
 // A failure that the description asks for: its code and text are the answer of the operation.

@@ -13,6 +13,7 @@
 #include "midapi/TemporaryFiles.h"
 #include "midapi/Virtual/AdapterDescription.h"
 #include "midapi/Virtual/AdapterFolder.h"
+#include "midapi/Virtual/AdapterOutline.h"
 #include "midapi/Virtual/AdapterUpdate.h"
 #include "platform/Clock.h"
 #include "platform/Texts.h"
@@ -25,19 +26,7 @@ constexpr const char* kAdvice = "repair the folder, or move it out of the adapte
 AdapterListing describe(const AdapterFolder& folder) {
   settleUpdate(nativeFileSystem(), folder);
   const AdapterState state = folder.state();
-  const AdapterDescription& description = state.description;
-  AdapterListing listing;
-  listing.pci = toString(description.pci);
-  listing.name = description.name;
-  listing.vendor = description.vendor;
-  listing.device = description.device;
-  listing.writeRate = description.writeRate;
-  listing.isUpdatable = description.isUpdatable;
-  listing.capabilityWord = description.capabilityWord;
-  for (const PortDescription& port : description.ports) {
-    listing.ports.push_back(
-        {toString(PortId{description.pci, port.function}), port.mac, port.bootType, {}});
-  }
+  AdapterListing listing = outlineOf(state.description);
   describeFlash(state.flash.view(), listing);
   return listing;
 }

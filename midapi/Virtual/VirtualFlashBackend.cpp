@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "midapi/FlashListing.h"
+#include "midapi/Virtual/AdapterOutline.h"
 #include "midapi/Virtual/VirtualAdapters.h"
 #include "platform/Texts.h"
 
@@ -25,6 +27,25 @@ AdapterDescription describePort(const AdapterFolder& folder, const PortId& port)
   return description;
 }
 
+// Returns what the description is with an update that is decided and may not be done yet.
+AdapterDescription settledDescription(FileSystem& files, const AdapterFolder& folder,
+                                      const AdapterDescription& placed) {
+  try {
+    settleUpdate(files, folder);
+    return folder.state().description;
+  } catch (const FlashFault&) {
+    return placed;  // an update says what is wrong with the journal
+  }
+}
+
+void addFlash(const AdapterFolder& folder, AdapterListing& listing) {
+  try {
+    describeFlash(folder.flash().view(), listing);
+  } catch (const FlashFault& fault) {
+    listing.flashDefect = fault.what();
+  }
+}
+
 }  // namespace
 
 VirtualFlashBackend::VirtualFlashBackend(FileSystem& files,
@@ -46,6 +67,22 @@ utils::StringArray VirtualFlashBackend::enumerateAdapters() {
 
 AdapterList VirtualFlashBackend::list() {
   return VirtualAdapters(m_directory()).list();
+}
+
+AdapterList VirtualFlashBackend::outline(OutlineDepth depth) {
+  const std::filesystem::path directory = m_directory();
+  AdapterList list;
+  for (const auto& description : m_cache.descriptions(directory)) {
+    const AdapterFolder folder(m_files, directory, description->pci);
+    AdapterListing listing = outlineOf(m_files.exists(folder.journalPath())
+                                           ? settledDescription(m_files, folder, *description)
+                                           : *description);
+    if (depth == OutlineDepth::Flash) {
+      addFlash(folder, listing);
+    }
+    list.adapters.push_back(std::move(listing));
+  }
+  return list;
 }
 
 AdapterFacts VirtualFlashBackend::facts(const PortId& port) {

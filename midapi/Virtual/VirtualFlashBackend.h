@@ -32,6 +32,7 @@ class VirtualFlashBackend final : public ChainFlashBackend {
   bool hasAdapter(const AdapterAddress& adapter) override;
   utils::StringArray enumerateAdapters() override;
   AdapterList list() override;
+  AdapterList outline(OutlineDepth depth) override;
   bool beginUpdate(const AdapterAddress& adapter) override;
   void endUpdate(const AdapterAddress& adapter) noexcept override;
   void setBootType(const PortId& port, BootType bootType) override;

@@ -73,12 +73,24 @@ TEST_F(AssociationsCommandTest, PrintsADocumentWhosePathsLeadOn) {
 
 TEST_F(AssociationsCommandTest, SaysThatNothingRefersToAnInstance) {
   addPxeAdapter("0000:03:00");
-  describe("0000-03-00", {{"updatable", false}});
-  const std::string port = pathOf("Orvex_EthernetPort");
-  const ProgramResult result = run({"associations", port});
+  const std::string association = pathOf("Orvex_ControlledBy");
+  const ProgramResult result = run({"associations", association});
   EXPECT_EQ(result.exitStatus, 0);
-  EXPECT_EQ(result.output, port + "\n\nNothing refers to this instance.\n");
-  EXPECT_THAT(runJson({"associations", port})["associations"], IsEmpty());
+  EXPECT_EQ(result.output, association +
+                               "\n\nrefers to:\n  Antecedent = " + pathOf("Orvex_PortController") +
+                               "\n  Dependent  = " + pathOf("Orvex_EthernetPort") +
+                               "\n\nNothing refers to this instance.\n");
+  EXPECT_THAT(runJson({"associations", association})["associations"], IsEmpty());
+}
+
+TEST_F(AssociationsCommandTest, ShowsNoServiceForAPortThatCannotBeUpdated) {
+  addPxeAdapter("0000:03:00");
+  const std::string port = pathOf("Orvex_EthernetPort");
+  EXPECT_THAT(run({"associations", port}).output, HasSubstr("Orvex_ServiceAffectsElement"));
+  describe("0000-03-00", {{"updatable", false}});
+  EXPECT_THAT(run({"associations", port}).output,
+              AllOf(HasSubstr("of Orvex_ControlledBy:"),
+                    testing::Not(HasSubstr("Orvex_ServiceAffectsElement"))));
 }
 
 TEST_F(AssociationsCommandTest, RefusesWhatIsNoInstance) {

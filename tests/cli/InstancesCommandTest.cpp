@@ -46,7 +46,9 @@ TEST_F(InstancesCommandTest, PrintsNamesBesideNumbersWhenAsked) {
                                            HasSubstr("ControllerType          = 2 (Ethernet)\n"),
                                            HasSubstr("PortNumber              = 0\n")));
   const Json document = runJson(arguments);
-  EXPECT_EQ(document[0]["names"], Json({{"OperationalStatus", {"OK"}}}));
+  EXPECT_EQ(
+      document[0]["names"],
+      Json({{"OperationalStatus", {"OK"}}, {"LinkTechnology", "Ethernet"}, {"BootType", "PXE"}}));
   EXPECT_FALSE(runJson({"instances", "CIM_LogicalDevice"})[0].contains("names"));
 }
 

@@ -72,6 +72,7 @@ class FakeInventory : public FakeAgent {
     return add(m_comparisons, std::make_unique<FakeComparison>(identity, adapter, state));
   }
 
+  [[nodiscard]] FakeProvider& adapters() { return m_adapters; }
   [[nodiscard]] FakeProvider& identities() { return m_identities; }
 
  private:

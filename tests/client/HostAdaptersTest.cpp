@@ -26,6 +26,14 @@ class HostAdaptersTest : public testing::Test {
     return component;
   }
 
+  static std::vector<std::string> portsOf(const client::HostAdapter& adapter) {
+    std::vector<std::string> identifiers;
+    for (const client::HostAdapter::Port& port : adapter.ports) {
+      identifiers.push_back(port.identifier);
+    }
+    return identifiers;
+  }
+
   core::CimBroker m_broker;
   client::BrokerConnection m_connection{m_broker};
   test::FakeInventory m_inventory;
@@ -44,11 +52,12 @@ TEST_F(HostAdaptersTest, HaveTheirPortsAndWhatIsInstalled) {
   const std::vector<client::HostAdapter> adapters = client::readHostAdapters(m_connection);
   ASSERT_THAT(adapters, SizeIs(2));
   EXPECT_EQ(adapters[0].pci, "0000:03:00");
-  EXPECT_THAT(adapters[0].ports, ElementsAre("0000:03:00.0", "0000:03:00.1"));
+  EXPECT_THAT(portsOf(adapters[0]), ElementsAre("0000:03:00.0", "0000:03:00.1"));
   ASSERT_THAT(adapters[0].components, SizeIs(2));
   EXPECT_EQ(adapters[0].components[1].type, "IMG_UEFI");
   EXPECT_EQ(adapters[0].components[1].version, "2.0");
-  EXPECT_THAT(adapters[1].ports, ElementsAre("0000:04:00.0"));
+  EXPECT_THAT(portsOf(adapters[1]), ElementsAre("0000:04:00.0"));
+  EXPECT_FALSE(adapters[0].description);
   EXPECT_THAT(adapters[1].components, IsEmpty());
 }
 
@@ -71,6 +80,57 @@ TEST_F(HostAdaptersTest, HaveWhatRunsAndWhatIsStored) {
     told.push_back(name + " " + running + ">" + stored);
   }
   EXPECT_THAT(told, ElementsAre("fw.undi 1.0.0>1.1.0", "fw.mgmt 7.1.0>"));
+}
+
+// What a host of this version says of an adapter.
+class DescribedAdapter : public test::FakeDevice {
+ public:
+  DescribedAdapter() : FakeDevice("Orvex_PortController", "0000:05:00") {
+    ElementName.setValue("Lab adapter");
+    VendorID.setValue(0x1AF4);
+    PCIDeviceID.setValue(0x1041);
+    IsUpdatable.setValue(0);
+    WhyNotUpdatable.setValue("nobody may");
+  }
+
+  core::CimPropertyString ElementName{"ElementName", this};
+  core::CimPropertyUint16 VendorID{"VendorID", this};
+  core::CimPropertyUint16 PCIDeviceID{"PCIDeviceID", this};
+  core::CimPropertyBoolean IsUpdatable{"IsUpdatable", this};
+  core::CimPropertyString WhyNotUpdatable{"WhyNotUpdatable", this};
+  core::CimPropertyString DriverName{"DriverName", this};
+};
+
+class DescribedPort : public test::FakeDevice {
+ public:
+  DescribedPort() : FakeDevice("Orvex_EthernetPort", "0000:05:00.0") {
+    NetworkAddresses.setValue({"02544E000030"});
+    BootType.setValue(4);
+    InterfaceNames.setValue({"eth0"});
+  }
+
+  core::CimPropertyString_arr NetworkAddresses{"NetworkAddresses", this};
+  core::CimPropertyUint16 BootType{"BootType", this};
+  core::CimPropertyString_arr InterfaceNames{"InterfaceNames", this};
+};
+
+TEST_F(HostAdaptersTest, HaveWhatAHostTellsOfThem) {
+  m_inventory.adapters().add(std::make_unique<DescribedAdapter>());
+  m_ports.add(std::make_unique<DescribedPort>());
+  const std::vector<client::HostAdapter> adapters = client::readHostAdapters(m_connection);
+  ASSERT_THAT(adapters, SizeIs(1));
+  ASSERT_TRUE(adapters[0].description);
+  const client::HostAdapter::Description& description = *adapters[0].description;
+  EXPECT_EQ(description.name, "Lab adapter");
+  EXPECT_EQ(description.vendor, 0x1AF4);
+  EXPECT_EQ(description.device, 0x1041);
+  EXPECT_FALSE(description.isUpdatable);
+  EXPECT_EQ(description.whyNotUpdatable, "nobody may");
+  EXPECT_EQ(description.driver, "");
+  ASSERT_THAT(adapters[0].ports, SizeIs(1));
+  EXPECT_EQ(adapters[0].ports[0].mac, "02:54:4e:00:00:30");
+  EXPECT_EQ(adapters[0].ports[0].bootType, 4U);
+  EXPECT_THAT(adapters[0].ports[0].interfaces, ElementsAre("eth0"));
 }
 
 TEST_F(HostAdaptersTest, AreNoneWhereThereIsNone) {

@@ -1,8 +1,14 @@
 // Debian's client for CIM-XML, which knows nothing of this host, against the real program.
 
 #include <gmock/gmock.h>
+#include <initializer_list>
 #include <nlohmann/json.hpp>
+#include <set>
+#include <sstream>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "tests/daemon/Posix/QuorveldFixture.h"
 #include "tests/support/Regex.h"
@@ -128,6 +134,24 @@ TEST_P(WbemcliOperationTest, FollowsChosenAssociations) {
                            Not(HasSubstr("Orvex_EthernetPort"))));
 }
 
+TEST_P(WbemcliOperationTest, FindsEveryClassByTheNameOfItsStandard) {
+  serve();
+  for (const auto& [standard, own] : std::initializer_list<std::pair<const char*, const char*>>{
+           {"CIM_EthernetPort", "Orvex_EthernetPort"},
+           {"CIM_NetworkPort", "Orvex_EthernetPort"},
+           {"CIM_PortController", "Orvex_PortController"},
+           {"CIM_SoftwareIdentity", "Orvex_SoftwareIdentity"},
+           {"CIM_ElementSoftwareIdentity", "Orvex_ElementSoftwareIdentity"},
+           {"CIM_UnitaryComputerSystem", "Orvex_ComputerSystem"},
+           {"CIM_SystemDevice", "Orvex_SystemDevice"},
+           {"CIM_ControlledBy", "Orvex_ControlledBy"},
+           {"CIM_HostedService", "Orvex_HostedService"},
+           {"CIM_InstalledSoftwareIdentity", "Orvex_InstalledSoftwareIdentity"},
+           {"CIM_ElementConformsToProfile", "Orvex_EthernetPortConformsToProfile"}}) {
+    EXPECT_THAT(ask({"ein"}, standard), HasSubstr(std::string(":") + own + ".")) << standard;
+  }
+}
+
 TEST_P(WbemcliOperationTest, UpdatesAnAdapter) {
   serve();
   const std::string job = startUpdate(m_rom);
@@ -148,6 +172,39 @@ TEST_F(WbemcliTest, ShowsAnUpdateThatRuns) {
   EXPECT_THAT(ask({"ein"}, "CIM_ConcreteJob"), HasSubstr(":Orvex_ConcreteJob.InstanceID="));
   EXPECT_TRUE(
       test::waitUntil([this, &rom] { return flash("0000-04-00") == test::readBytes(rom); }));
+}
+
+// Returns the object paths that the client printed, without the place.
+std::set<std::string> pathsIn(const std::string& output) {
+  constexpr std::string_view kBeforeClass = ":Orvex_";
+  std::set<std::string> paths;
+  std::istringstream lines(output);
+  for (std::string line; std::getline(lines, line);) {
+    const std::size_t at = line.find(kBeforeClass);
+    if (at != std::string::npos) {
+      paths.insert(line.substr(at + 1));
+    }
+  }
+  return paths;
+}
+
+TEST_F(WbemcliTest, WalksFromThePortProfileToEveryInstance) {
+  start();
+  std::set<std::string> reached{
+      "Orvex_RegisteredProfile.InstanceID=\"Orvex:EthernetPort_Profile\""};
+  std::vector<std::string> next(reached.begin(), reached.end());
+  while (!next.empty()) {
+    const std::string path = std::move(next.back());
+    next.pop_back();
+    for (const std::string& other : pathsIn(ask({"ain"}, path))) {
+      if (reached.insert(other).second) {
+        next.push_back(other);
+      }
+    }
+  }
+  EXPECT_EQ(reached, pathsIn(ask({"ein"}, "CIM_ManagedElement")));
+  EXPECT_THAT(reached, testing::Contains(port()));
+  EXPECT_THAT(reached, testing::Contains(service()));
 }
 
 TEST_F(WbemcliTest, IsAskedForALogin) {

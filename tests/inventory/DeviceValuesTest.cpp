@@ -28,13 +28,17 @@ TEST(SetDeviceValues, FillsKeysAndNames) {
 
 TEST(DeviceSet, DiffersByTheSystemAndByTheDevices) {
   os::setEnvironment("COMPUTERNAME", "host7");
-  const inventory::DeviceSet devices = inventory::makeDeviceSet({"a", "b"});
+  ma::AdapterListing one;
+  one.pci = "a";
+  ma::AdapterListing other;
+  other.pci = "b";
+  const inventory::DeviceSet devices = inventory::makeDeviceSet({one, other});
 
   EXPECT_EQ(devices.systemName, "host7");
-  EXPECT_EQ(inventory::makeDeviceSet({"a", "b"}), devices);
-  EXPECT_NE(inventory::makeDeviceSet({"b", "a"}), devices);
+  EXPECT_EQ(inventory::makeDeviceSet({one, other}), devices);
+  EXPECT_NE(inventory::makeDeviceSet({other, one}), devices);
   os::setEnvironment("COMPUTERNAME", "host8");
-  EXPECT_NE(inventory::makeDeviceSet({"a", "b"}), devices);
+  EXPECT_NE(inventory::makeDeviceSet({one, other}), devices);
 }
 
 }  // namespace

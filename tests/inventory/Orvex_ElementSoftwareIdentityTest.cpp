@@ -17,6 +17,7 @@ using test::RomImage;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Pair;
 
 // The keys of the software and of the controller, and what the one is to the other.
 using Relation = std::tuple<std::string, std::string, std::string>;
@@ -94,6 +95,39 @@ TEST_F(ElementSoftwareIdentity, SaysInAWordWhatAFileIsToAnAdapter) {
                                          "installed", "installed"));
   m_adapters.set(kAdapter, "/updatable", "false");
   EXPECT_THAT(comparisons(), Contains("not updatable").Times(5));
+}
+
+TEST_F(ElementSoftwareIdentity, SaysTheSameInTheNumbersOfTheStandard) {
+  m_adapters.makeAdapter(kAdapter, firmware(2));
+  makeFile("first/1-older", firmware(1));
+  const auto statuses = [this] {
+    std::vector<std::pair<std::string, std::vector<std::uint16_t>>> all;
+    for (const auto* one : enumerate<Orvex_ElementSoftwareIdentity>(m_provider)) {
+      all.emplace_back(
+          one->Comparison.getValue() + " " + std::to_string(one->UpgradeCondition.getValue()),
+          one->ElementSoftwareStatus.getValue());
+    }
+    return all;
+  };
+  EXPECT_THAT(statuses(),
+              ElementsAre(Pair("older 3", ElementsAre(8)), Pair("installed 3", ElementsAre(6)),
+                          Pair("installed 3", ElementsAre(6))));
+  m_adapters.set(kAdapter, "/updatable", "false");
+  EXPECT_THAT(statuses(),
+              ElementsAre(Pair("not updatable 5", IsEmpty()), Pair("installed 5", ElementsAre(6)),
+                          Pair("installed 5", ElementsAre(6))));
+}
+
+TEST_F(ElementSoftwareIdentity, TellsWhatRunsFromWhatTakesEffectLater) {
+  const auto statusOf = [](const char* comparison) {
+    return Orvex_ElementSoftwareIdentity(nullptr, nullptr, comparison)
+        .ElementSoftwareStatus.getValue();
+  };
+  EXPECT_THAT(statusOf("running"), ElementsAre(2));
+  EXPECT_THAT(statusOf("stored"), ElementsAre(3));
+  EXPECT_THAT(statusOf("unknown"), IsEmpty());
+  EXPECT_TRUE(
+      Orvex_ElementSoftwareIdentity(nullptr, nullptr, "unknown").ElementSoftwareStatus.isNull());
 }
 
 TEST_F(ElementSoftwareIdentity, OfFilesIsUnknownWhenComparingTakesTooLong) {

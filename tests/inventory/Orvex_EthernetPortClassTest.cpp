@@ -67,6 +67,43 @@ TEST_F(EthernetPortClass, DescribesAPort) {
   EXPECT_EQ(port.PortNumber.getValue(), 1);
 }
 
+TEST_F(EthernetPortClass, SaysInTheWordsOfTheStandardWhatIsKnownOfALink) {
+  m_adapters.set(test::kAdapter, "/ports", R"([
+      {"function": 0, "mac": "02:aB:00:03:00:00", "bootType": 4, "link": "up",
+       "speed": 10000000000, "maxSpeed": 25000000000, "mtu": 9000},
+      {"function": 1, "mac": "02:00:00:03:00:01", "link": "down"},
+      {"function": 2, "mac": "02:00:00:03:00:02", "link": "disabled"},
+      {"function": 3, "mac": "02:00:00:03:00:03"}])");
+  const std::vector<Orvex_EthernetPort*> all = ports();
+  ASSERT_EQ(all.size(), 4u);
+  EXPECT_EQ(all[0]->PermanentAddress.getValue(), "02AB00030000");
+  EXPECT_THAT(all[0]->NetworkAddresses.getValue(), ElementsAre("02AB00030000"));
+  EXPECT_EQ(all[0]->LinkTechnology.getValue(), 2);
+  EXPECT_EQ(all[0]->EnabledState.getValue(), 2);
+  EXPECT_EQ(all[0]->Speed.getValue(), 10'000'000'000u);
+  EXPECT_EQ(all[0]->MaxSpeed.getValue(), 25'000'000'000u);
+  EXPECT_EQ(all[0]->ActiveMaximumTransmissionUnit.getValue(), 9000u);
+  EXPECT_EQ(all[0]->BootType.getValue(), 4);
+  EXPECT_EQ(all[1]->EnabledState.getValue(), 6);
+  EXPECT_EQ(all[2]->EnabledState.getValue(), 3);
+}
+
+TEST_F(EthernetPortClass, GuessesNothingOfALink) {
+  Orvex_EthernetPort& port = *ports().at(0);
+  for (const char* name :
+       {"EnabledState", "RequestedState", "Speed", "MaxSpeed", "ActiveMaximumTransmissionUnit",
+        "SupportedMaximumTransmissionUnit", "FullDuplex", "AutoSense", "PortType", "Capabilities",
+        "InterfaceNames"}) {
+    EXPECT_TRUE(port.getProperty(name)->isNull()) << name;
+  }
+}
+
+TEST_F(EthernetPortClass, FollowsALink) {
+  EXPECT_TRUE(ports().front()->EnabledState.isNull());
+  m_adapters.set(test::kAdapter, "/ports/0/link", "\"up\"");
+  EXPECT_EQ(ports().front()->EnabledState.getValue(), 2);
+}
+
 TEST_F(EthernetPortClass, LogsItsEnumerations) {
   ports();
   EXPECT_THAT(m_log.messages("Orvex_EthernetPortClass::getInstances"),

@@ -103,6 +103,24 @@ TEST_F(PortControllerClass, DescribesAController) {
   EXPECT_EQ(controller.ControllerType.getValue(), 2);
 }
 
+TEST_F(PortControllerClass, TellsWhatAnAdapterIsAndWhetherItCanBeUpdated) {
+  m_adapters.makeAdapter(test::kAdapter, {});
+  m_adapters.set(test::kAdapter, "/name", "\"Lab adapter\"");
+  Orvex_PortController& controller = *controllers().at(0);
+  EXPECT_EQ(controller.ElementName.getValue(), "Lab adapter");
+  EXPECT_EQ(controller.ProtocolSupported.getValue(), 5);
+  EXPECT_EQ(controller.VendorID.getValue(), 0x1AF4);
+  EXPECT_EQ(controller.PCIDeviceID.getValue(), 0x1041);
+  EXPECT_EQ(controller.IsUpdatable.getValue(), 1);
+  EXPECT_EQ(controller.IsBeingWritten.getValue(), 0);
+  for (const char* name : {"SubsystemVendorID", "SubsystemID", "PartNumber", "SerialNumber",
+                           "DriverName", "WhyNotUpdatable", "EnabledState"}) {
+    EXPECT_TRUE(controller.getProperty(name)->isNull()) << name;
+  }
+  m_adapters.set(test::kAdapter, "/updatable", "false");
+  EXPECT_EQ(controllers().at(0)->IsUpdatable.getValue(), 0);
+}
+
 TEST_F(PortControllerClass, WithoutAdaptersIsEmpty) {
   EXPECT_THAT(controllers(), testing::IsEmpty());
 }

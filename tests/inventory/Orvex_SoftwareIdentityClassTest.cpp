@@ -14,10 +14,10 @@ using test::PldmDevice;
 using test::PldmImage;
 using test::RomBuilder;
 using test::RomImage;
-using testing::Each;
+using testing::_;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::SizeIs;
+using testing::MatchesRegex;
 
 class SoftwareIdentityClass : public test::InventoryFixture {
  protected:
@@ -65,8 +65,16 @@ TEST_F(SoftwareIdentityClass, DescribesAFile) {
   EXPECT_EQ(file.VersionString.getValue(), "3.0");
   EXPECT_THAT(file.TargetTypes.getValue(), ElementsAre("IMG_PXE", "IMG_UEFI"));
   EXPECT_THAT(file.Classifications.getValue(), ElementsAre(10));
-  EXPECT_THAT(file.IdentityInfoType.getValue(), ElementsAre("Orvex:PCIDevice"));
-  EXPECT_THAT(file.IdentityInfoValue.getValue(), ElementsAre("1af4:1041"));
+  EXPECT_THAT(file.IdentityInfoType.getValue(), ElementsAre("Orvex:PCIDevice", "Orvex:Digest"));
+  EXPECT_THAT(file.IdentityInfoValue.getValue(),
+              ElementsAre("1af4:1041", MatchesRegex("[0-9a-f]+")));
+  EXPECT_EQ(file.MajorVersion.getValue(), 3);
+  EXPECT_EQ(file.MinorVersion.getValue(), 0);
+  EXPECT_TRUE(file.RevisionNumber.isNull());
+  EXPECT_EQ(file.IsEntity.getValue(), 1);
+  EXPECT_EQ(file.ExtendedResourceType.getValue(), 2);
+  EXPECT_TRUE(file.ReleaseDate.isNull());
+  EXPECT_TRUE(file.Manufacturer.isNull());
 }
 
 TEST_F(SoftwareIdentityClass, NamesEachTypeAndDeviceOfAFileOnce) {
@@ -79,8 +87,10 @@ TEST_F(SoftwareIdentityClass, NamesEachTypeAndDeviceOfAFileOnce) {
   EXPECT_THAT(file.TargetTypes.getValue(), ElementsAre("IMG_UEFI", "IMG_PXE"));
   EXPECT_EQ(file.VersionString.getValue(), "1.2+1.4");
   EXPECT_THAT(file.IdentityInfoValue.getValue(),
-              ElementsAre("1af4:1041", "0001:0002", "1af4:0005"));
-  EXPECT_THAT(file.IdentityInfoType.getValue(), testing::AllOf(SizeIs(3), Each("Orvex:PCIDevice")));
+              ElementsAre("1af4:1041", "0001:0002", "1af4:0005", _));
+  EXPECT_THAT(file.IdentityInfoType.getValue(),
+              ElementsAre("Orvex:PCIDevice", "Orvex:PCIDevice", "Orvex:PCIDevice", "Orvex:Digest"));
+  EXPECT_TRUE(file.MajorVersion.isNull());
 }
 
 TEST_F(SoftwareIdentityClass, DescribesAPackage) {
@@ -94,8 +104,9 @@ TEST_F(SoftwareIdentityClass, DescribesAPackage) {
                      .bytes);
   EXPECT_EQ(file.VersionString.getValue(), "2026.11");
   EXPECT_THAT(file.TargetTypes.getValue(), ElementsAre("IMG_PXE", "IMG_UEFI"));
-  EXPECT_THAT(file.IdentityInfoType.getValue(), ElementsAre("Orvex:PCIDevice"));
-  EXPECT_THAT(file.IdentityInfoValue.getValue(), ElementsAre("8086:1592 sub 8086:0002"));
+  EXPECT_EQ(file.MajorVersion.getValue(), 2026);
+  EXPECT_THAT(file.IdentityInfoType.getValue(), ElementsAre("Orvex:PCIDevice", "Orvex:Digest"));
+  EXPECT_THAT(file.IdentityInfoValue.getValue(), ElementsAre("8086:1592 sub 8086:0002", _));
 }
 
 TEST_F(SoftwareIdentityClass, HasNoTargetTypesForImagesOfUnknownTypes) {
@@ -116,20 +127,37 @@ TEST_F(SoftwareIdentityClass, DescribesAnInstalledComponent) {
   EXPECT_EQ(component.Caption.getValue(), "Installed IMG_UEFI of adapter 0000:03:00");
   EXPECT_EQ(component.VersionString.getValue(), "2.0");
   EXPECT_THAT(component.TargetTypes.getValue(), ElementsAre("IMG_UEFI"));
-  EXPECT_TRUE(component.IdentityInfoValue.isNull());
+  EXPECT_THAT(component.IdentityInfoType.getValue(),
+              ElementsAre("Orvex:PCIDevice", "Orvex:Digest"));
+  EXPECT_THAT(component.IdentityInfoValue.getValue(),
+              ElementsAre("1af4:1041", MatchesRegex("[0-9a-f]+")));
+  EXPECT_EQ(component.MajorVersion.getValue(), 2);
+  EXPECT_TRUE(component.ExtendedResourceType.isNull());
 }
 
-std::vector<ma::FirmwareVersions> readVersions(const std::string& port) {
-  if (port != "0000:03:00.0") {
-    return {};
+TEST_F(SoftwareIdentityClass, HasNothingInstalledOfADamagedFlash) {
+  test::Bytes flash = firmware(2);
+  flash.back() ^= 1;
+  m_adapters.makeAdapter(kAdapter, flash);
+  EXPECT_THAT(identities(), IsEmpty());
+}
+
+std::vector<ma::AdapterListing> outlineWithDriver(ma::OutlineDepth depth) {
+  std::vector<ma::AdapterListing> adapters = ma::outlineAdapters(depth);
+  for (ma::AdapterListing& adapter : adapters) {
+    if (adapter.pci == kAdapter) {
+      adapter.subsystemVendor = 0x8086;
+      adapter.subsystemDevice = 2;
+      adapter.versions = {{"fw.undi", "1.0.0", "1.1.0"}, {"fw.mgmt", "7.1.0", ""}};
+    }
   }
-  return {{"fw.undi", "1.0.0", "1.1.0"}, {"fw.mgmt", "7.1.0", ""}};
+  return adapters;
 }
 
 TEST_F(SoftwareIdentityClass, HasWhatADriverSaysIsRunningAndStored) {
   m_adapters.makeAdapter(kAdapter, RomBuilder().add(RomImage::efi()).build());
   m_adapters.makeAdapter(kOtherAdapter, RomBuilder().add(RomImage::efi()).build());
-  Orvex_SoftwareIdentityClass provider(m_files, readVersions);
+  Orvex_SoftwareIdentityClass provider(m_files, outlineWithDriver);
   std::vector<std::string> told;
   for (const auto* software : enumerate<AdapterSoftware>(provider)) {
     told.push_back(software->InstanceID.getValue() + " " + software->VersionString.getValue() +
@@ -147,6 +175,9 @@ TEST_F(SoftwareIdentityClass, HasWhatADriverSaysIsRunningAndStored) {
   EXPECT_EQ(stored.ImageKind.getValue(), 2u);
   EXPECT_EQ(stored.Caption.getValue(), "Stored fw.undi of adapter 0000:03:00");
   EXPECT_TRUE(stored.TargetTypes.isNull());
+  EXPECT_THAT(stored.IdentityInfoType.getValue(), ElementsAre("Orvex:PCIDevice"));
+  EXPECT_THAT(stored.IdentityInfoValue.getValue(), ElementsAre("1af4:1041 sub 8086:0002"));
+  EXPECT_EQ(stored.MinorVersion.getValue(), 1);
 }
 
 TEST_F(SoftwareIdentityClass, TellsWhatIsBehindASoftware) {

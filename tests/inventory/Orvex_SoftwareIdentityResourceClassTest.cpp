@@ -45,6 +45,7 @@ TEST_F(SoftwareIdentityResourceClass, DescribesTheResource) {
   EXPECT_EQ(resource.Caption.getValue(), "Firmware file " + path);
   EXPECT_EQ(resource.AccessInfo.getValue(), "file://" + path);
   EXPECT_EQ(resource.InfoFormat.getValue(), 200);
+  EXPECT_EQ(resource.EnabledState.getValue(), 5);
 }
 
 TEST_F(SoftwareIdentityResourceClass, IsRebuiltAtEachEnumeration) {

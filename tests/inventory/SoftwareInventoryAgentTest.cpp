@@ -1,6 +1,8 @@
+#include <algorithm>
 #include <cstddef>
 #include <gmock/gmock.h>
 #include <string>
+#include <vector>
 
 #include "core/CimBroker.h"
 #include "core/LookAhead.h"
@@ -15,10 +17,19 @@ TEST_F(InventoryAgent, ServesItsClasses) {
   const inventory::SoftwareInventoryAgent agent;
   EXPECT_EQ(agent.getName(), "Software Inventory");
   EXPECT_THAT(agent.getClassNames(),
-              testing::UnorderedElementsAre("Orvex_EthernetPort", "Orvex_PortController",
-                                            "Orvex_RegisteredProfile", "Orvex_SoftwareIdentity",
-                                            "Orvex_SoftwareIdentityResource",
-                                            "Orvex_ElementSoftwareIdentity"));
+              testing::UnorderedElementsAre(
+                  "Orvex_EthernetPort", "Orvex_PortController", "Orvex_RegisteredProfile",
+                  "Orvex_SoftwareIdentity", "Orvex_SoftwareIdentityResource",
+                  "Orvex_ElementSoftwareIdentity", "Orvex_ComputerSystem", "Orvex_ControlledBy",
+                  "Orvex_EthernetPortConformsToProfile", "Orvex_HostedResource",
+                  "Orvex_HostedService", "Orvex_InstalledSoftwareIdentity",
+                  "Orvex_ResourceForSoftwareIdentity", "Orvex_SystemDevice"));
+}
+
+TEST_F(InventoryAgent, RecordsTheRegistrationOfItsFirstClassesAlone) {
+  m_log.clear();
+  const inventory::SoftwareInventoryAgent agent;
+  EXPECT_THAT(m_log.messages("core::CimClasses::add"), testing::SizeIs(6));
 }
 
 TEST_F(InventoryAgent, IsReachedThroughTheBrokerOnceItWasAdded) {
@@ -27,7 +38,11 @@ TEST_F(InventoryAgent, IsReachedThroughTheBrokerOnceItWasAdded) {
 
   core::CimBroker& broker = test::brokerWithInventory();
 
-  EXPECT_EQ(broker.getAgents().size(), 1u);
+  const std::vector<core::CimAgent*> agents = broker.getAgents();
+  EXPECT_EQ(
+      std::count_if(agents.begin(), agents.end(),
+                    [](core::CimAgent* agent) { return agent->hasClass("Orvex_EthernetPort"); }),
+      1);
   EXPECT_EQ(broker.getInstances("Orvex_EthernetPort").count(), 2u);
   EXPECT_EQ(broker.getInstances("Orvex_PortController").count(), 1u);
   EXPECT_EQ(broker.getInstances("Orvex_RegisteredProfile").count(), 1u);
@@ -38,14 +53,16 @@ TEST_F(InventoryAgent, IsReachedThroughTheBrokerOnceItWasAdded) {
 
 TEST_F(InventoryAgent, LooksForTheFilesOfItsClassesBeforeARequest) {
   core::CimBroker& broker = test::brokerWithInventory();
-  for (const std::string className : {"Orvex_SoftwareIdentity", "Orvex_SoftwareIdentityResource",
-                                      "Orvex_ElementSoftwareIdentity"}) {
+  for (const std::string className :
+       {"Orvex_SoftwareIdentity", "Orvex_SoftwareIdentityResource", "Orvex_ElementSoftwareIdentity",
+        "Orvex_HostedResource", "Orvex_InstalledSoftwareIdentity",
+        "Orvex_ResourceForSoftwareIdentity"}) {
     makeFile("first/" + className, firmware(1));
     const std::size_t before = m_log.messages("os::readFile").size();
     const core::LookAhead ahead(broker, {"Orvex_EthernetPort", className});
     EXPECT_GT(m_log.messages("os::readFile").size(), before) << className;
   }
-  EXPECT_EQ(broker.getInstances("Orvex_SoftwareIdentity").count(), 3u);
+  EXPECT_EQ(broker.getInstances("Orvex_SoftwareIdentity").count(), 6u);
 }
 
 TEST_F(InventoryAgent, ReadsNoFileUnderARequest) {

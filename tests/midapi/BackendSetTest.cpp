@@ -64,6 +64,14 @@ class NamedBackend final : public ma::FlashBackend {
     list.problems.push_back({m_name, "has a problem", "mend it"});
     return list;
   }
+  ma::AdapterList outline(ma::OutlineDepth depth) override {
+    failWhereBlind();
+    ma::AdapterList outline = list();
+    for (ma::AdapterListing& adapter : outline.adapters) {
+      adapter.name += depth == ma::OutlineDepth::Flash ? " in depth" : " in outline";
+    }
+    return outline;
+  }
   std::vector<std::string> interruptedWrites() override { return {m_name + " was interrupted"}; }
   bool isUpdatable(const PortId& port) override { return note("isUpdatable", port.adapter); }
   std::vector<utils::FirmwareVersionInfo> installedFirmware(const PortId& port) override {
@@ -165,6 +173,13 @@ class BackendSet : public testing::Test {
     }
     return texts;
   }
+  std::vector<std::string> outlines(ma::OutlineDepth depth = ma::OutlineDepth::Description) {
+    std::vector<std::string> texts;
+    for (const ma::AdapterListing& adapter : m_set.outline(depth).adapters) {
+      texts.push_back(adapter.pci + " " + adapter.name);
+    }
+    return texts;
+  }
   std::vector<std::string> problems() {
     std::vector<std::string> texts;
     for (const ma::AdapterProblem& problem : m_set.list().problems) {
@@ -185,6 +200,23 @@ TEST_F(BackendSet, ListsTheAdaptersOfAllByTheirAddresses) {
                           "0001:00:00.0", "0001:00:00.1"));
   EXPECT_THAT(names(), ElementsAre("0000:03:00 kernel", "0000:04:00 virtual", "0001:00:00 kernel"));
   EXPECT_THAT(problems(), ElementsAre("kernel: has a problem", "virtual: has a problem"));
+}
+
+TEST_F(BackendSet, OutlinesTheAdaptersThatItEnumerates) {
+  EXPECT_THAT(outlines(),
+              ElementsAre("0000:03:00 kernel in outline", "0000:04:00 virtual in outline",
+                          "0001:00:00 kernel in outline"));
+  EXPECT_THAT(m_set.outline(ma::OutlineDepth::Description).problems, IsEmpty());
+  m_virtual.adapters = {kKernels, kVirtual};
+  EXPECT_THAT(outlines(),
+              ElementsAre("0000:04:00 virtual in outline", "0001:00:00 kernel in outline"));
+  m_virtual.isBlind = true;
+  EXPECT_THAT(outlines(),
+              ElementsAre("0000:03:00 kernel in outline", "0001:00:00 kernel in outline"));
+  EXPECT_THAT(outlines(ma::OutlineDepth::Flash),
+              ElementsAre("0000:03:00 kernel in depth", "0001:00:00 kernel in depth"));
+  m_members = {&m_virtual};
+  EXPECT_THROW(static_cast<void>(m_set.outline(ma::OutlineDepth::Flash)), FlashFault);
 }
 
 TEST_F(BackendSet, TellsTheInterruptedWritesOfAll) {

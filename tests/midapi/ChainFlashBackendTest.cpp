@@ -49,6 +49,7 @@ class MemoryBackend final : public ma::ChainFlashBackend {
   bool hasAdapter(const ma::AdapterAddress& adapter) override { return adapter == kPort.adapter; }
   utils::StringArray enumerateAdapters() override { return {toString(kPort)}; }
   ma::AdapterList list() override { return {}; }
+  ma::AdapterList outline(ma::OutlineDepth /*depth*/) override { return {}; }
   bool beginUpdate(const ma::AdapterAddress& /*adapter*/) override { return true; }
   void endUpdate(const ma::AdapterAddress& /*adapter*/) noexcept override {}
   void setBootType(const PortId& /*port*/, BootType /*bootType*/) override {}

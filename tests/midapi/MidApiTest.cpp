@@ -117,6 +117,19 @@ TEST_F(MidApi, FollowsTheEnvironmentAtEachCall) {
   EXPECT_THAT(enumerateAdapters(), ElementsAre(kPort, kSibling));
 }
 
+TEST_F(MidApi, OutlinesTheAdaptersThatItEnumerates) {
+  m_adapters.set(kPci, "/updatable", "false");
+  const std::vector<ma::AdapterListing> outlines = ma::outlineAdapters();
+  ASSERT_EQ(outlines.size(), 1U);
+  EXPECT_EQ(outlines[0].pci, kPci);
+  EXPECT_FALSE(outlines[0].isUpdatable);
+  EXPECT_THAT(outlines[0].components, IsEmpty());
+  ASSERT_TRUE(setBootType(kSibling, BootType::Fcoe));
+  EXPECT_EQ(ma::outlineAdapters()[0].ports.at(1).bootType, BootType::Fcoe);
+  std::filesystem::remove_all(m_adapters.directory());
+  EXPECT_THAT(ma::outlineAdapters(), IsEmpty());
+}
+
 TEST_F(MidApi, AnswersWithoutAdaptersWhereTheDirectoryIsAFile) {
   const test::AdaptersVariable file(m_adapters.folder(kPci) / "flash.rom");
   EXPECT_THAT(enumerateAdapters(), IsEmpty());

@@ -42,23 +42,57 @@ that file. Its name, directories and times stand for others. Properties without 
 )";
 
 constexpr std::pair<std::string_view, std::string_view> kPurposes[] = {
-    {"Orvex_EthernetPort", "A port of an Ethernet adapter. Can be the target of an update."},
+    {"Orvex_EthernetPort",
+     "A port of an Ethernet adapter. Can be the target of an update. What is not known of its link "
+     "is "
+     "`NULL`, as everywhere. Own properties: `BootType` is what the machine boots from through it "
+     "(0 "
+     "none, 1 PXE, 2 iSCSI, 3 FCoE, 4 UEFI; `NULL` where the driver does not tell), "
+     "`InterfaceNames` what the operating system calls it."},
     {"Orvex_PortController",
      "An Ethernet adapter. Can be the target of an update, which then goes through its first "
-     "port."},
+     "port. `ElementName` is what its maker calls it. Own properties: the PCI ids, part and serial "
+     "number, the driver, and whether its firmware can be replaced, with the reason where it "
+     "cannot "
+     "and that is known. While `IsBeingWritten`, what is told is what was last known."},
     {"Orvex_RegisteredProfile",
      "A management profile that an agent implements: where a client begins. There is one for the "
      "Ethernet ports and one for software update."},
     {"Orvex_SoftwareIdentity",
      "A firmware image that can be installed (`ImageKind` 4: a file in one of the directories of "
      "`FWFilePath`), or what an adapter holds (`ImageKind` 2): a component in its flash, or a "
-     "version that its driver says is running or stored."},
+     "version that its driver says is running or stored. The numbers of the version are filled "
+     "where "
+     "its text is numbers with dots between them. An `IdentityInfoValue` of the type "
+     "`Orvex:PCIDevice` is a PCI vendor and device, with those of the subsystem where they are "
+     "known "
+     "(`8086:1592 sub 8086:0002`); of `Orvex:Digest`, the FNV-1a digest of the bytes."},
     {"Orvex_SoftwareIdentityResource",
      "The file of a firmware image. `AccessInfo` is its URI, which `InstallFromURI` takes."},
     {"Orvex_ElementSoftwareIdentity",
      "What a piece of software is to an adapter. `Comparison` is `installed`, `running`, `stored`, "
      "`newer`, `same`, `same version` (in other bytes), `older`, `other types`, `not updatable` or "
-     "`unknown`. An image that is not for an adapter has no association with it."},
+     "`unknown`. An image that is not for an adapter has no association with it. "
+     "`ElementSoftwareStatus` says it in the numbers of DMTF: 2 Current (running), 3 Next "
+     "(stored), 6 "
+     "Installed, 8 Available (an image that could be installed); `UpgradeCondition` is 3 (by the "
+     "owner) where the adapter's firmware can be replaced, and 5 where it cannot."},
+    {"Orvex_ComputerSystem",
+     "The machine. Its keys are what `SystemCreationClassName` and `SystemName` of devices and of "
+     "the "
+     "service say."},
+    {"Orvex_SystemDevice", "The adapters and their ports are parts of the machine."},
+    {"Orvex_ControlledBy",
+     "A port belongs to its adapter. `DeviceNumber` is that of its PCI function."},
+    {"Orvex_HostedService",
+     "The installation service runs on the machine. There is none while nobody serves the "
+     "service."},
+    {"Orvex_InstalledSoftwareIdentity", "What the adapters of the machine hold."},
+    {"Orvex_EthernetPortConformsToProfile",
+     "The ports conform to the Ethernet port profile: they are its central instances, from which a "
+     "client reaches everything else."},
+    {"Orvex_HostedResource", "The firmware files are on the machine."},
+    {"Orvex_ResourceForSoftwareIdentity", "A firmware image is in a file."},
     {"Orvex_SoftwareInstallationService",
      "The one service through which firmware is updated. Its methods return the codes of "
      "[command-line.md](command-line.md); 4096 means that a job was started."},

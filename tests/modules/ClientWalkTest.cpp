@@ -2,6 +2,8 @@
 // knows class names and object paths only; each path that it follows must lead to an instance.
 
 #include <gmock/gmock.h>
+#include <map>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -109,6 +111,68 @@ TEST_F(ClientWalk, LeadsFromTheProfileToTheJob) {
       pathsOf(follow("Orvex_AffectedJobElement", "AffectingElement", *job, "AffectedElement")),
       ElementsAre(controller, firstPort, secondPort));
   EXPECT_EQ(m_host.flash(kAdapter), firmware(3));
+}
+
+// All instances there are, and the associations between them, which lead both ways.
+class Machine {
+ public:
+  Machine() {
+    for (const std::string& className : test::servedClasses()) {
+      for (const InstanceReport& instance : test::enumerate(className)) {
+        add(instance);
+      }
+    }
+  }
+
+  [[nodiscard]] const std::set<std::string>& elements() const { return m_elements; }
+
+  // Returns what a walk from an element comes to, the element included.
+  [[nodiscard]] std::set<std::string> reachedFrom(const std::string& element) const {
+    std::set<std::string> reached{element};
+    std::vector<std::string> next{element};
+    while (!next.empty()) {
+      const auto found = m_neighbours.find(next.back());
+      next.pop_back();
+      if (found != m_neighbours.end()) {
+        for (const std::string& path : found->second) {
+          if (reached.insert(path).second) {
+            next.push_back(path);
+          }
+        }
+      }
+    }
+    return reached;
+  }
+
+ private:
+  void add(const InstanceReport& instance) {
+    const std::vector<std::string> ends = instance.references();
+    if (ends.empty()) {
+      m_elements.insert(instance.path);
+    }
+    for (const std::string& end : ends) {
+      m_neighbours[end].insert(ends.begin(), ends.end());
+    }
+  }
+
+  std::set<std::string> m_elements;
+  std::map<std::string, std::set<std::string>> m_neighbours;
+};
+
+TEST_F(ClientWalk, LeadsFromEachElementToEveryOther) {
+  static_cast<void>(m_host.offer("new.rom", firmware(3)));
+  // For no adapter here, and with no type that can be asked for.
+  static_cast<void>(m_host.offer(
+      "foreign.rom", test::RomBuilder().add(test::RomImage::ofCodeType(1).device(1, 2)).build()));
+  ASSERT_EQ(m_host.install(kFirstPort, m_host.makeImage(firmware(3))), 4096u);
+  ASSERT_EQ(m_host.awaitEnd(), kCompleted);
+
+  const Machine machine;
+  // Jobs of other tests of this process stay.
+  EXPECT_EQ(machine.elements().size(), 14u + test::enumerate("Orvex_ConcreteJob").size());
+  for (const std::string& element : machine.elements()) {
+    EXPECT_EQ(machine.reachedFrom(element), machine.elements()) << element;
+  }
 }
 
 }  // namespace

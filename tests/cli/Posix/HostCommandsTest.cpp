@@ -120,17 +120,20 @@ TEST_F(HostCommandsTest, ListTheClassesWithoutAgents) {
   EXPECT_THAT(run(onHost({"classes"})).output, testing::StartsWith("CLASS\nOrvex_"));
 }
 
-TEST_F(HostCommandsTest, ListAdaptersAsFarAsTheHostTells) {
+TEST_F(HostCommandsTest, ListAdaptersAsOnTheHostItself) {
   addAdapter(kAdapter, writeRom("both.rom", {pxe(1), uefi(2)}), 2);
   startHost();
-  EXPECT_EQ(run(onHost({"adapters"})).output,
-            "PORT          ADAPTER     FIRMWARE\n"
-            "0000:03:00.0  0000:03:00  IMG_PXE 1.0, IMG_UEFI 2.0\n"
-            "0000:03:00.1  0000:03:00  IMG_PXE 1.0, IMG_UEFI 2.0\n");
+  EXPECT_EQ(run(onHost({"adapters"})).output, run({"adapters"}).output);
+  const Json here = runJson({"adapters"});
   const Json adapters = runJson(onHost({"adapters"}));
   EXPECT_EQ(adapters[0]["pci"], kAdapter);
   EXPECT_EQ(adapters[0]["ports"][1]["identifier"], "0000:03:00.1");
   EXPECT_EQ(adapters[0]["components"][1]["version"], "2.0");
+  EXPECT_EQ(adapters[0]["components"][1]["digest"], here[0]["components"][1]["digest"]);
+  EXPECT_EQ(adapters[0]["ports"], here[0]["ports"]);
+  for (const char* field : {"name", "vendorId", "deviceId", "updatable"}) {
+    EXPECT_EQ(adapters[0][field], here[0][field]) << field;
+  }
 }
 
 TEST_F(HostCommandsTest, InstallFromIdentitiesAndWarnOfChecks) {

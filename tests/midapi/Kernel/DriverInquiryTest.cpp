@@ -7,10 +7,12 @@
 #include <csignal>
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <optional>
 #include <string>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 #include "midapi/Kernel/DriverInquiry.h"
@@ -350,6 +352,59 @@ TEST_F(DriverInquiryOfTwo, WaitForEachOtherWhereNoneHangs) {
     EXPECT_THAT(ask(), ElementsAre("x\n", "x\n", "x\n"));
   }
   another.join();
+}
+
+// Links whose speed is a file of sysfs, as it is of interfaces that are up.
+class LinkInquiryTest : public DriverInquiryTest {
+ protected:
+  LinkInquiryTest() {
+    for (const auto& [id, name] : {std::pair{kFirst, "eth0"}, {kSecond, "eth1"}}) {
+      m_sysfs.addInterface(id, name, "02:00:00:00:00:01");
+      m_sysfs.setLink(name, "flags", "0x1003");
+      m_sysfs.setLink(name, "operstate", "up");
+      m_sysfs.setLink(name, "speed", "10000");
+    }
+  }
+
+  std::vector<std::optional<std::uint64_t>> speeds() { return speeds(questions()); }
+  std::vector<std::optional<std::uint64_t>> speeds(const std::vector<DriverQuestion>& questions) {
+    std::vector<std::optional<std::uint64_t>> speeds;
+    for (const DriverAnswer& answer : m_inquiry->ask(questions)) {
+      EXPECT_EQ(told(answer), "x\n");
+      speeds.push_back(answer.speed);
+    }
+    return speeds;
+  }
+  // Has whoever reads a speed wait.
+  std::string holdSpeed(const std::string& name) {
+    std::string speed = m_sysfs.root() / "class/net" / name / "speed";
+    std::filesystem::remove(speed);
+    EXPECT_EQ(::mkfifo(speed.c_str(), 0600), 0);
+    auto settings = DriverInquiryTest::settings();
+    settings.patience = milliseconds(50);
+    begin(settings);
+    return speed;
+  }
+};
+
+constexpr std::uint64_t kTenGigabits = 10'000'000'000;
+
+TEST_F(LinkInquiryTest, TellsTheSpeedsOfLinks) {
+  begin(settings());
+  EXPECT_THAT(speeds(), ElementsAre(kTenGigabits, kTenGigabits, std::nullopt));
+  EXPECT_EQ(s_forks, 1);
+}
+
+TEST_F(LinkInquiryTest, LeavesAllElseAsItIsWhereASpeedDoesNotCome) {
+  const std::string held = holdSpeed("eth0");
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_THAT(speeds(), ElementsAre(std::nullopt, std::nullopt, std::nullopt));
+  }
+  // Nor is another one asked for by whoever asks for that adapter alone.
+  EXPECT_THAT(speeds({questions().at(1)}), ElementsAre(std::nullopt));
+  EXPECT_TRUE(test::waitUntil([this] { return livingChildren() == 1; }));
+  release(held, "25000\n");
+  EXPECT_TRUE(test::waitUntil([this] { return speeds().at(0) == 25'000'000'000U; }));
 }
 
 }  // namespace

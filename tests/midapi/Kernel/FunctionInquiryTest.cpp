@@ -249,4 +249,25 @@ TEST_F(FunctionInquiryTest, AnswersQuestionsForWhatItAsks) {
   EXPECT_FALSE(inquiry.answers(question));
 }
 
+TEST_F(FunctionInquiryTest, AsksForTheSpeedOfALinkThatIsUp) {
+  DriverQuestion question = all();
+  question.function.interfaceFolder = question.function.folder / "net" / "eth0";
+  EXPECT_FALSE(FunctionInquiry::ofLink(question).next());
+  question.function.link.state = ma::PortState::Enabled;
+  const auto speedOf = [&question](int error, const std::string& text) {
+    FunctionInquiry inquiry = FunctionInquiry::ofLink(question);
+    EXPECT_THAT(
+        run(inquiry, {ErrandReply{error, {Bytes(text.begin(), text.end())}, {}}}),
+        ElementsAre(testing::EndsWith(" /sys/bus/pci/devices/0000:03:00.1/net/eth0/speed")));
+    EXPECT_FALSE(inquiry.next());
+    return inquiry.answer().speed;
+  };
+  EXPECT_EQ(speedOf(0, "25000\n"), 25'000'000'000U);
+  EXPECT_EQ(speedOf(0, "-1\n"), 0U);
+  EXPECT_EQ(speedOf(0, ""), 0U);
+  EXPECT_EQ(speedOf(EINVAL, ""), 0U);
+  question.function.interfaceFolder.clear();
+  EXPECT_FALSE(FunctionInquiry::ofLink(question).next());
+}
+
 }  // namespace

@@ -115,6 +115,17 @@ class KernelAdaptersTest : public testing::Test {
   KernelAdapters m_adapters{m_sysfs.root(), m_drivers, m_journal, m_clock};
 };
 
+TEST_F(KernelAdaptersTest, KeepsTheSpeedThatWasLastTold) {
+  m_drivers.answers[kPort].speed = 10'000'000'000;
+  EXPECT_EQ(m_adapters.find(kAdapter)->functions.at(0).answer.speed, 10'000'000'000U);
+  m_drivers.answers[kPort].speed.reset();
+  pass(KernelAdapters::kFresh);
+  EXPECT_EQ(m_adapters.find(kAdapter)->functions.at(0).answer.speed, 10'000'000'000U);
+  m_drivers.answers[kPort].speed = 0;
+  pass(KernelAdapters::kFresh);
+  EXPECT_EQ(m_adapters.find(kAdapter)->functions.at(0).answer.speed, 0U);
+}
+
 TEST_F(KernelAdaptersTest, AsksTheDriversOfAllAtOnce) {
   addOther();
   m_sysfs.addFunction("0000:03:00.1");

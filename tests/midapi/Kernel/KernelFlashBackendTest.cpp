@@ -97,6 +97,20 @@ TEST_F(KernelFlashBackend, SaysWhyAnAdapterCannotBeUpdated) {
   EXPECT_FALSE(m_backend.isUpdatable(kKernelPort));
 }
 
+TEST_F(KernelFlashBackend, OutlinesItsAdaptersAndWhetherTheyCanBeUpdated) {
+  const AdapterList list = m_backend.outline(ma::OutlineDepth::Description);
+  ASSERT_EQ(list.adapters.size(), 1U);
+  EXPECT_EQ(list.adapters[0].pci, "0000:03:00");
+  EXPECT_EQ(list.adapters[0].driver, "testnic");
+  EXPECT_TRUE(list.adapters[0].isUpdatable);
+  EXPECT_THAT(list.adapters[0].components, IsEmpty());
+  EXPECT_EQ(m_backend.outline(ma::OutlineDepth::Flash).adapters.at(0).components.size(), 1U);
+  m_drivers.isPrivileged = false;
+  EXPECT_EQ(m_backend.outline(ma::OutlineDepth::Description).adapters.at(0).whyNotUpdatable,
+            listing().whyNotUpdatable);
+  EXPECT_FALSE(m_backend.outline(ma::OutlineDepth::Description).adapters.at(0).isUpdatable);
+}
+
 TEST_F(KernelFlashBackend, KnowsItsAdapters) {
   EXPECT_TRUE(m_backend.hasAdapter(kKernelAdapter));
   EXPECT_FALSE(m_backend.hasAdapter({0, 4, 0}));

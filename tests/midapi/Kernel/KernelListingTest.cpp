@@ -1,6 +1,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <gmock/gmock.h>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -50,6 +51,7 @@ class KernelListing : public testing::Test {
 TEST_F(KernelListing, TellsWhatIsKnown) {
   KernelFunction& function = add(0);
   function.pci.interfaces = {{"eth0", "02:54:4e:00:00:30"}, {"eth1", "02:54:4e:00:00:31"}};
+  function.pci.link = {ma::LinkKind::Ethernet, ma::PortState::Enabled, "", {}, {}, 1500U};
   function.answer.devlink =
       DevlinkInfo{"testnic", "serial", "board", {}, {{"fw.undi", "1.0.0"}}, {{"fw.undi", "1.1.0"}}};
   function.answer.vpd = {0, vpd("Test adapter", "TN-1", "S-1")};
@@ -59,6 +61,9 @@ TEST_F(KernelListing, TellsWhatIsKnown) {
   EXPECT_EQ(listing.pci, "0000:03:00");
   EXPECT_EQ(listing.vendor, 0x1AF4);
   EXPECT_EQ(listing.device, 0x1041);
+  EXPECT_EQ(listing.subsystemVendor, 0x1AF4);
+  EXPECT_EQ(listing.subsystemDevice, 0x1100);
+  EXPECT_EQ(listing.ports.at(0).link, function.pci.link);
   EXPECT_EQ(listing.name, "Test adapter");
   EXPECT_EQ(listing.driver, "testnic");
   EXPECT_EQ(listing.partNumber, "TN-1");
@@ -71,6 +76,31 @@ TEST_F(KernelListing, TellsWhatIsKnown) {
   ASSERT_EQ(listing.components.size(), 1U);
   EXPECT_TRUE(listing.components[0].isForAdapter);
   EXPECT_THAT(listing.notes, IsEmpty());
+}
+
+TEST_F(KernelListing, TellsTheSpeedOfALinkThatIsUp) {
+  KernelFunction& function = add(0);
+  function.pci.link.state = ma::PortState::Enabled;
+  EXPECT_EQ(describe().ports.at(0).link.speed, std::nullopt);
+  function.answer.speed = 10'000'000'000U;
+  EXPECT_EQ(describe().ports.at(0).link.speed, 10'000'000'000U);
+  function.answer.speed = 0;
+  EXPECT_EQ(describe().ports.at(0).link.speed, std::nullopt);
+  function.answer.speed = 10'000'000'000U;
+  function.pci.link.state = ma::PortState::Offline;
+  EXPECT_EQ(describe().ports.at(0).link.speed, std::nullopt);
+}
+
+TEST_F(KernelListing, OutlinesAnAdapterWithoutItsFlash) {
+  KernelFunction& function = add(0);
+  function.answer.vpd = {0, vpd("Test adapter", "TN-1", "S-1")};
+  function.answer.rom = {0, RomBuilder().add(RomImage::efi()).build()};
+  ma::PciNames names(m_list);
+  const AdapterListing listing = outlineKernelAdapter(m_adapter, names);
+  EXPECT_EQ(listing.name, "Test adapter");
+  EXPECT_EQ(listing.ports.size(), 1U);
+  EXPECT_THAT(listing.components, IsEmpty());
+  EXPECT_EQ(listing.flashBytes, 0U);
 }
 
 TEST_F(KernelListing, LeavesEmptyWhatIsNot) {

@@ -8,9 +8,11 @@
 namespace {
 
 using ma::findPciFunctions;
+using ma::LinkKind;
 using ma::NetworkInterface;
 using ma::PciFunction;
 using ma::PciIds;
+using ma::PortState;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -74,6 +76,54 @@ TEST_F(PciFunctions, KnowsTwoInterfacesOfOneFunction) {
   m_sysfs.addInterface("0000:03:00.0", "eth0", "02:00:00:00:00:00");
   EXPECT_THAT(find()[0].interfaces, ElementsAre(NetworkInterface{"eth0", "02:00:00:00:00:00"},
                                                 NetworkInterface{"eth1", "02:00:00:00:00:01"}));
+}
+
+TEST_F(PciFunctions, TellsWhatTheLinkOfAnInterfaceIs) {
+  m_sysfs.addFunction("0000:03:00.0");
+  EXPECT_EQ(find()[0].link, ma::PortLink{LinkKind::Ethernet});
+  m_sysfs.addInterface("0000:03:00.0", "eth0", "02:54:4e:00:00:30");
+  EXPECT_EQ(find()[0].link, ma::PortLink{});
+
+  m_sysfs.setLink("eth0", "type", "1");
+  m_sysfs.setLink("eth0", "mtu", "9000");
+  m_sysfs.setLink("eth0", "addr_assign_type", "0");
+  EXPECT_EQ(
+      find()[0].link,
+      (ma::PortLink{LinkKind::Ethernet, PortState::Unknown, "02:54:4e:00:00:30", {}, {}, 9000U}));
+  m_sysfs.setLink("eth0", "addr_assign_type", "3");
+  m_sysfs.setLink("eth0", "mtu", "9000 or so");
+  EXPECT_EQ(find()[0].link, ma::PortLink{LinkKind::Ethernet});
+}
+
+TEST_F(PciFunctions, TellsWhatAnInterfaceIsFor) {
+  m_sysfs.addFunction("0000:03:00.0");
+  m_sysfs.setAttribute("0000:03:00.0", "class", "0x020700");
+  EXPECT_EQ(find()[0].link.kind, LinkKind::InfiniBand);
+  m_sysfs.setAttribute("0000:03:00.0", "class", "0x028000");
+  EXPECT_EQ(find()[0].link.kind, LinkKind::Unknown);
+  m_sysfs.addInterface("0000:03:00.0", "wlan0", "02:54:4e:00:00:30");
+  m_sysfs.setLink("wlan0", "type", "1");
+  m_sysfs.setLink("wlan0", "phy80211", "");
+  EXPECT_EQ(find()[0].link.kind, LinkKind::Wireless);
+  m_sysfs.setLink("wlan0", "type", "32");
+  EXPECT_EQ(find()[0].link.kind, LinkKind::InfiniBand);
+}
+
+TEST_F(PciFunctions, TellsWhetherAnInterfaceIsEnabledAndHasALink) {
+  m_sysfs.addFunction("0000:03:00.0");
+  m_sysfs.addInterface("0000:03:00.0", "eth0", "02:54:4e:00:00:30");
+  const auto stateWith = [this](const char* flags, const char* operstate) {
+    m_sysfs.setLink("eth0", "flags", flags);
+    m_sysfs.setLink("eth0", "operstate", operstate);
+    return find()[0].link.state;
+  };
+  EXPECT_EQ(stateWith("0x1003", "up"), PortState::Enabled);
+  EXPECT_EQ(stateWith("0x1003", "unknown"), PortState::Enabled);
+  EXPECT_EQ(stateWith("0x1003", "down"), PortState::Offline);
+  EXPECT_EQ(stateWith("0x1003", "lowerlayerdown"), PortState::Offline);
+  EXPECT_EQ(stateWith("0x1003", "testing"), PortState::InTest);
+  EXPECT_EQ(stateWith("0x1002", "down"), PortState::Disabled);
+  EXPECT_EQ(stateWith("none", "up"), PortState::Unknown);
 }
 
 TEST_F(PciFunctions, LeavesOutWhatIsNoAdapterOfItsOwn) {

@@ -54,6 +54,11 @@ void SysfsFixture::addInterface(const std::string& pci, const std::string& name,
   fs::create_directory_symlink(interface, root() / "class/net" / name);
 }
 
+void SysfsFixture::setLink(const std::string& name, const std::string& attribute,
+                           const std::string& text) const {
+  write(root() / "class/net" / name / attribute, text);
+}
+
 void SysfsFixture::addVirtualInterface(const std::string& name) const {
   const fs::path interface = root() / "devices/virtual/net" / name;
   fs::create_directories(interface);

@@ -26,6 +26,9 @@ class SysfsFixture {
   // `below` is what stands between the function and its interfaces: "virtio2", or nothing.
   void addInterface(const std::string& pci, const std::string& name, const std::string& mac,
                     const std::string& below = "") const;
+  // An attribute of an interface: "mtu".
+  void setLink(const std::string& name, const std::string& attribute,
+               const std::string& text) const;
   // An interface of no PCI function, such as a bridge.
   void addVirtualInterface(const std::string& name) const;
 

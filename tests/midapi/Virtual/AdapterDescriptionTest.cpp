@@ -72,6 +72,25 @@ TEST(AdapterDescription, OrdersPortsByFunction) {
   EXPECT_EQ(description.findPort(2), nullptr);
 }
 
+TEST(AdapterDescription, ReadsWhatAPortsLinkIs) {
+  json text = soundJson();
+  text["ports"][0].update(json::parse(
+      R"({"link": "down", "speed": 10000000000, "maxSpeed": 25000000000, "mtu": 9000})"));
+  const AdapterDescription description = parseDescription(text.dump());
+  const ma::PortDescription& silent = description.ports[0];
+  EXPECT_EQ(silent.state, ma::PortState::Unknown);
+  EXPECT_FALSE(silent.speed || silent.maxSpeed || silent.mtu);
+
+  const std::string again = formatDescription(description);
+  for (const AdapterDescription& told : {description, parseDescription(again)}) {
+    const ma::PortDescription& port = told.ports[1];
+    EXPECT_EQ(port.state, ma::PortState::Offline);
+    EXPECT_THAT(port.speed, Optional(10'000'000'000U));
+    EXPECT_THAT(port.maxSpeed, Optional(25'000'000'000U));
+    EXPECT_THAT(port.mtu, Optional(9000U));
+  }
+}
+
 TEST(AdapterDescription, ReadsFaults) {
   json text = soundJson();
   text["faults"] = json::parse(R"({"write": {"atPercent": 40, "code": 17, "text": "broken"},
@@ -126,6 +145,11 @@ TEST(AdapterDescription, NamesTheFieldThatIsWrong) {
   EXPECT_THAT(refusalWith("/ports/1/mac", "02:00:00:03:00:0"), HasSubstr("field ports[1].mac:"));
   EXPECT_THAT(refusalWith("/ports/1/mac", "02-00-00-03-00-00"), HasSubstr("must be like"));
   EXPECT_THAT(refusalWith("/ports/0/bootType", 5), HasSubstr("from 0 to 4"));
+  EXPECT_EQ(refusalWith("/ports/0/link", "on"),
+            "field ports[0].link: must be \"up\", \"down\" or \"disabled\"");
+  EXPECT_THAT(refusalWith("/ports/0/speed", 0), HasSubstr("must be a whole number from 1"));
+  EXPECT_THAT(refusalWith("/ports/0/maxSpeed", "10G"), HasSubstr("field ports[0].maxSpeed:"));
+  EXPECT_THAT(refusalWith("/ports/0/mtu", 4294967296), HasSubstr("from 1 to 4294967295"));
   EXPECT_THAT(refusalWith("/writeRate", -1), HasSubstr("field writeRate: must be a whole number"));
   EXPECT_THAT(refusalWith("/writeRate", 1.5), HasSubstr("field writeRate: must be a whole number"));
   EXPECT_EQ(refusalWith("/updatable", 1), "field updatable: must be true or false");

@@ -1,9 +1,12 @@
 #include <atomic>
+#include <fstream>
 #include <gmock/gmock.h>
 #include <thread>
 #include <vector>
 
+#include "midapi/Digest.h"
 #include "midapi/Hex.h"
+#include "midapi/Virtual/UpdateJournal.h"
 #include "midapi/Virtual/VirtualFlashBackend.h"
 #include "tests/midapi/AdapterFixture.h"
 #include "tests/midapi/WatchedFileSystem.h"
@@ -86,6 +89,36 @@ TEST_F(VirtualFlashBackendTest, ReadsEachOfAThousandAdaptersOnceToListThem) {
   EXPECT_THAT(m_backend.enumerateAdapters(), SizeIs(2000));
   EXPECT_EQ(m_files.listings, 1U);
   EXPECT_EQ(m_files.reads, 1000U);
+}
+
+TEST_F(VirtualFlashBackendTest, OutlinesAdaptersWithoutALookAtTheirFlash) {
+  m_adapters.makeAdapter("0000:03:00", {1});
+  m_adapters.makeAdapter("0000:04:00", {1});
+  m_adapters.set("0000:04:00", "/ports", "[]");
+  const ma::AdapterList list = m_backend.outline(ma::OutlineDepth::Description);
+  ASSERT_EQ(list.adapters.size(), 1U);
+  EXPECT_EQ(list.adapters[0].pci, "0000:03:00");
+  EXPECT_EQ(list.adapters[0].ports.size(), 2U);
+  EXPECT_EQ(list.adapters[0].flashBytes, 0U);
+  EXPECT_EQ(m_files.listings, 1U);
+  EXPECT_EQ(m_files.reads, 2U);
+  EXPECT_EQ(m_backend.outline(ma::OutlineDepth::Flash).adapters.at(0).flashBytes, 1U);
+}
+
+TEST_F(VirtualFlashBackendTest, OutlinesWhatADecidedUpdateMakesOfAnAdapter) {
+  m_adapters.makeAdapter("0000:03:00", {1});
+  const Bytes flash{2};
+  ma::UpdateJournal journal{
+      "flash.rom.new-0123456789abcdef", flash.size(), ma::digestOf(flash), {}};
+  journal.change.bootTypes[1] = BootType::Iscsi;
+  const std::filesystem::path folder = m_adapters.folder("0000:03:00");
+  std::ofstream(folder / journal.flashName, std::ios::binary) << '\2';
+  std::ofstream(folder / "update.json") << ma::formatJournal(journal);
+  EXPECT_EQ(m_backend.outline(ma::OutlineDepth::Description).adapters.at(0).ports.at(1).bootType,
+            BootType::Iscsi);
+
+  std::ofstream(folder / "update.json") << "no journal";
+  EXPECT_EQ(m_backend.outline(ma::OutlineDepth::Description).adapters.size(), 1U);
 }
 
 TEST_F(VirtualFlashBackendTest, FindsOneAdapterAmongManyWithoutASearch) {

@@ -1,0 +1,5 @@
+#include "cim/CIM_Component.h"
+
+CIM_Component::CIM_Component() = default;
+
+CIM_Component::~CIM_Component() = default;

@@ -1,0 +1,5 @@
+#include "cim/CIM_ComputerSystem.h"
+
+CIM_ComputerSystem::CIM_ComputerSystem() = default;
+
+CIM_ComputerSystem::~CIM_ComputerSystem() = default;

@@ -1,0 +1,5 @@
+#include "cim/CIM_DeviceConnection.h"
+
+CIM_DeviceConnection::CIM_DeviceConnection() = default;
+
+CIM_DeviceConnection::~CIM_DeviceConnection() = default;

@@ -1,0 +1,5 @@
+#include "cim/CIM_HostedDependency.h"
+
+CIM_HostedDependency::CIM_HostedDependency() = default;
+
+CIM_HostedDependency::~CIM_HostedDependency() = default;

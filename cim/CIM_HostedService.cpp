@@ -1,0 +1,5 @@
+#include "cim/CIM_HostedService.h"
+
+CIM_HostedService::CIM_HostedService() = default;
+
+CIM_HostedService::~CIM_HostedService() = default;

@@ -1,0 +1,5 @@
+#include "cim/CIM_PortController.h"
+
+CIM_PortController::CIM_PortController() = default;
+
+CIM_PortController::~CIM_PortController() = default;
