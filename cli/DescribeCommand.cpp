@@ -140,7 +140,10 @@ class Page {
     std::string text = intro;
     const char* separator = "";
     for (const auto& [value, name] : values) {
-      text += separator + value + " = " + name;
+      text += separator;
+      text += value;
+      text += " = ";
+      text += name;
       separator = ", ";
     }
     printText(depth, values.empty() ? "" : text);

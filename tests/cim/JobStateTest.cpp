@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <string>
 
 #include "cim/JobState.h"
 
@@ -11,6 +12,12 @@ TEST(JobState, HasTheNameOfTheSchema) {
   EXPECT_EQ(cim::toText(JobState{6}), "Shutting Down");
   EXPECT_EQ(cim::toText(JobState{12}), "Query Pending");
   EXPECT_EQ(cim::toText(JobState{13}), "13");
+}
+
+TEST(JobState, HasANameWhereverItHasANumber) {
+  for (std::uint16_t state = 2; state <= 12; ++state) {
+    EXPECT_NE(cim::toText(JobState{state}), std::to_string(state));
+  }
 }
 
 TEST(JobState, EndsAJobInFourCases) {

@@ -5,7 +5,6 @@
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::Pair;
 
 constexpr core::ValueName kStates[] = {{"4", "Running"}, {"5..", "Other"}};

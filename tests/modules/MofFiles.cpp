@@ -104,7 +104,8 @@ std::string toText(const core::ClassQualifiers::List& qualifiers, const std::str
   std::string separator;
   for (const core::Qualifier& qualifier : qualifiers) {
     const bool hasOwnLine = isLong(qualifier) && !separator.empty();
-    text += separator + (hasOwnLine ? "\n" + indent + " " : separator.empty() ? "" : " ");
+    text += separator;
+    text += (hasOwnLine ? "\n" + indent + " " : separator.empty() ? "" : " ");
     text += toText(qualifier, indent);
     separator = ",";
   }
