@@ -1,7 +1,9 @@
 #include "inventory/Orvex_EthernetPortClass.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <utility>

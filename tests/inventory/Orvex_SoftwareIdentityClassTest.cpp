@@ -105,6 +105,8 @@ TEST_F(SoftwareIdentityClass, DescribesAPackage) {
   EXPECT_EQ(file.VersionString.getValue(), "2026.11");
   EXPECT_THAT(file.TargetTypes.getValue(), ElementsAre("IMG_PXE", "IMG_UEFI"));
   EXPECT_EQ(file.MajorVersion.getValue(), 2026);
+  // 2026-11-21T18:04:05Z, as the builder has it.
+  EXPECT_EQ(file.ReleaseDate.getValue().value, 1'795'284'245'000'000U);
   EXPECT_THAT(file.IdentityInfoType.getValue(), ElementsAre("Orvex:PCIDevice", "Orvex:Digest"));
   EXPECT_THAT(file.IdentityInfoValue.getValue(), ElementsAre("8086:1592 sub 8086:0002", _));
 }
