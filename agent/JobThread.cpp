@@ -164,11 +164,19 @@ void JobThread::disableIscsiBoot() {
     return;
   }
   const utils::PCIAddr address = ma::getPCIAddress(target);
+  std::string whyNot;  // of the first port that keeps its boot type: the others say the same
   for (const std::string& port : ma::enumerateAdapters()) {
     const utils::PCIAddr other = ma::getPCIAddress(port);
     if (other.bus == address.bus && other.device == address.device &&
         ma::isSameAdapter(port, target)) {
-      ma::setBootType(port, ma::BootType::None);
+      std::string text;
+      if (!ma::setBootType(port, ma::BootType::None, text) && whyNot.empty()) {
+        whyNot = text;
+      }
     }
+  }
+  // The update goes on, but somebody has to know of ports that try to boot from iSCSI still.
+  if (!whyNot.empty()) {
+    utils::logError(kLog, kExecute, "The boot type stays: %s", whyNot.c_str());
   }
 }

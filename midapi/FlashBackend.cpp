@@ -12,7 +12,7 @@ struct ErrorText {
   std::string_view text;
 };
 
-constexpr std::array<ErrorText, 13> kErrorTexts = {{
+constexpr std::array<ErrorText, 14> kErrorTexts = {{
     {FlashError::None, ""},
     {FlashError::UnknownAdapter, "The adapter is not known"},
     {FlashError::InvalidDescription, "The adapter's description is not valid"},
@@ -26,6 +26,7 @@ constexpr std::array<ErrorText, 13> kErrorTexts = {{
     {FlashError::NotOffered, "The adapter's driver does not offer that"},
     {FlashError::NotActivated, "The adapter's driver has not activated the firmware"},
     {FlashError::NotCompared, "The flash could not be compared with what was written"},
+    {FlashError::Changed, "The adapter is not as it was when the file was checked"},
 }};
 
 std::string textOf(FlashError error) {

@@ -42,6 +42,7 @@ enum class FlashError : std::uint32_t {
   NotOffered = 210,
   NotActivated = 211,
   NotCompared = 212,
+  Changed = 213,
 };
 
 // A flash operation that failed: a code and a text for the person who asked for it.

@@ -190,16 +190,18 @@ FlashUpdate::~FlashUpdate() {
   }
 }
 
-bool setBootType(const std::string& adapter, BootType bootType) {
+bool setBootType(const std::string& adapter, BootType bootType, std::string& errorText) {
   if (bootType > BootType::Uefi) {
+    errorText = std::to_string(static_cast<std::uint32_t>(bootType)) + " is no boot type";
     return false;
   }
-  try {
-    backend().setBootType(needPort(adapter), bootType);
-  } catch (const FlashFault&) {
-    return false;
-  }
-  return true;
+  std::uint32_t errorCode = 0;
+  return report(errorCode, errorText, [&] { backend().setBootType(needPort(adapter), bootType); });
+}
+
+bool setBootType(const std::string& adapter, BootType bootType) {
+  std::string ignored;
+  return setBootType(adapter, bootType, ignored);
 }
 
 PrepareStatus prepareFlashImage(const std::string& adapter, const std::uint8_t* file,

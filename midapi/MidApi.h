@@ -99,7 +99,10 @@ class ORVEX_MIDAPI_API FlashUpdate {
 };
 
 // Sets what the port boots from; in a FlashUpdate, when that is made. Returns false when the port
-// is unknown or could not be changed.
+// is unknown or could not be changed; `errorText` says why: the drivers of the kernel's adapters,
+// for one, offer no such thing.
+ORVEX_MIDAPI_API bool setBootType(const std::string& adapter, BootType bootType,
+                                  std::string& errorText);
 ORVEX_MIDAPI_API bool setBootType(const std::string& adapter, BootType bootType);
 
 // Checks an image file against an adapter and prepares what is to be written.

@@ -172,6 +172,7 @@ AskingChild::AskingChild(const Forks& forks) {
     fail("cannot start a child process");
   }
   m_process = birth.process;
+  m_orphan = Orphan(m_process);
 }
 
 void AskingChild::send(Errand errand, std::span<const std::uint8_t> bytes) {

@@ -3,7 +3,8 @@
 // It cannot be killed while the kernel holds it. It ends when it is dismissed, or its owner is
 // gone, as soon as the kernel lets it go. The child has none of the process's open files, no
 // handlers of signals and no other threads, and is nobody's child: a program that waits for
-// children of its own does not meet it, and it leaves no zombie. One thread at a time uses an
+// children of its own does not meet it, and it leaves no zombie (of a process that takes orphans in
+// it becomes one: see Orphan.h). One thread at a time uses an
 // object.
 
 #ifndef ORVEX_MIDAPI_KERNEL_ASKINGCHILD_H_
@@ -17,6 +18,7 @@
 #include <vector>
 
 #include "midapi/Kernel/Errands.h"
+#include "midapi/Kernel/Orphan.h"
 #include "platform/Posix/Descriptor.h"
 
 namespace ma {
@@ -66,6 +68,7 @@ class AskingChild {
   [[nodiscard]] State receive();
 
   platform::Descriptor m_socket;
+  Orphan m_orphan;
   int m_process = 0;
   State m_state = State::Waiting;
   ErrandReply m_reply;

@@ -8,6 +8,7 @@
 #ifndef ORVEX_MIDAPI_KERNEL_DRIVERCALLS_H_
 #define ORVEX_MIDAPI_KERNEL_DRIVERCALLS_H_
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -48,12 +49,15 @@ struct FileAnswer {
 };
 
 struct DriverAnswer {
-  // 0, or an errno value: why the driver has not said what it says at other times. All else is
-  // empty then, but where it has devlink (see there).
+  // 0, or an errno value: why the driver has not said what it says at other times, or could not be
+  // asked. What it says is empty then, but where it has devlink (see there); that is no proof that
+  // it has none.
   int error = 0;
   // The driver has not answered by devlink in time, and goes on; all else is empty then. Its flash
   // may be being written.
   bool isAway = false;
+  // Since when it has not, where that is known.
+  std::optional<std::chrono::system_clock::time_point> silentSince;
   // It has, and not all of the rest has come in time. A file that has not has the error EBUSY.
   bool isPartial = false;
   // Nothing: the driver has no devlink, or it is not known. Empty: it has, and does not say; with

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <iterator>
+#include <string>
 #include <system_error>
 #include <utility>
 
@@ -29,15 +30,18 @@ State run(FunctionInquiry& inquiry, AskingChild& child, milliseconds patience) {
   return State::Replied;
 }
 
-DriverAnswer answerOfAway() {
+DriverAnswer answerOfAway(const std::optional<SystemTime>& since) {
   DriverAnswer answer;
   answer.isAway = true;
+  answer.silentSince = since;
   return answer;
 }
 
 DriverAnswer failed(int error) {
   DriverAnswer answer;
   answer.error = error;
+  answer.isPartial = true;
+  answer.vpd.error = answer.rom.error = EBUSY;
   return answer;
 }
 
@@ -47,7 +51,8 @@ DriverAnswer failed(int error) {
 struct DriverInquiry::Round {
   milliseconds patience;
   DevlinkLookup devlink;
-  std::optional<AskingChild> child;  // that has nothing to do
+  std::optional<AskingChild> child;       // that has nothing to do
+  std::optional<SystemTime> silentSince;  // of the last part that is waited for
 };
 
 // The right to ask for some functions.
@@ -92,7 +97,7 @@ class DriverInquiry::Turn {
 std::vector<DriverAnswer> DriverInquiry::ask(std::span<const DriverQuestion> questions) {
   const Turn turn(*this, questions);
   buryOthers();
-  Round round{m_settings.patience, {}, {}};
+  Round round{m_settings.patience, {}, {}, {}};
   {
     const platform::Lock lock(m_mutex);
     round.devlink = m_devlink;
@@ -117,7 +122,7 @@ DriverAnswer DriverInquiry::askFor(const DriverQuestion& question, Round& round)
       round.devlink = devlink.devlink();
     }
     if (state != State::Replied) {
-      return state == State::Waiting ? answerOfAway() : failed(ECANCELED);
+      return state == State::Waiting ? answerOfAway(round.silentSince) : failed(ECANCELED);
     }
     auto rest = FunctionInquiry::ofRest(question, m_settings.of, devlink.answer().devlink);
     const State restState = pursue(rest, Part::Rest, question, round);
@@ -125,7 +130,7 @@ DriverAnswer DriverInquiry::askFor(const DriverQuestion& question, Round& round)
       return failed(ECANCELED);
     }
     DriverAnswer answer = rest.answer();
-    answer.error = devlink.answer().error;
+    answer.error = devlink.answer().error != 0 ? devlink.answer().error : answer.error;
     answer.devlink = devlink.answer().devlink;
     answer.isPartial = restState == State::Waiting;
     return answer;
@@ -145,6 +150,7 @@ State DriverInquiry::pursue(FunctionInquiry& inquiry, Part part, const DriverQue
       if (isWanted && isMeant) {
         inquiry = away->inquiry;
       }
+      round.silentSince = away->since;
       putAway(key, std::move(*away));
       return isWanted ? State::Waiting : State::Replied;
     }
@@ -158,16 +164,46 @@ State DriverInquiry::pursue(FunctionInquiry& inquiry, Part part, const DriverQue
   }
   AskingChild child = round.child ? std::move(*round.child) : AskingChild(m_settings.forks);
   round.child.reset();
+  const State locked = lock(child, key, round);
+  if (locked != State::Replied) {
+    if (locked == State::Waiting) {
+      round.child.emplace(std::move(child));
+    }
+    return locked;
+  }
   const State state = run(inquiry, child, round.patience);
   if (state == State::Replied) {
     round.patience = m_settings.patience;
     round.child.emplace(std::move(child));
   } else if (state == State::Waiting) {
     child.dismiss();
-    putAway(key, {inquiry, std::move(child)});
+    round.silentSince = std::chrono::system_clock::now();
+    putAway(key, {inquiry, std::move(child), *round.silentSince});
     round.patience = std::max(round.patience / 2, kLeastPatience);
   }
   return state;
+}
+
+State DriverInquiry::lock(AskingChild& child, const Key& key, Round& round) const {
+  const std::string name =
+      toString(key.first) + (key.second == Part::Devlink ? ".devlink" : ".rest");
+  if (const auto since = m_locks.heldByRootSince(name)) {
+    round.silentSince = since;
+    return State::Waiting;
+  }
+  const auto order = m_locks.orderFor(name);
+  if (order.empty()) {
+    return State::Replied;
+  }
+  child.send(Errand::Lock, order);
+  // It replies by itself, and is waited for where it does not get to run.
+  const State state = child.await(2 * m_settings.patience + kLeastPatience);
+  if (state != State::Replied) {
+    return State::Ended;
+  }
+  const auto since = AskingLocks::heldSince(child.reply().error, child.reply().bytes());
+  round.silentSince = since ? since : round.silentSince;
+  return since ? State::Waiting : State::Replied;
 }
 
 bool DriverInquiry::isRecent(const AskingChild& child) const {
@@ -187,6 +223,7 @@ void DriverInquiry::putAway(const Key& key, Away away) {
 
 // Lets children go whose answers are not wanted any more: of functions that were unplugged.
 void DriverInquiry::buryOthers() {
+  buryOrphans();
   const platform::Lock lock(m_mutex);
   for (auto entry = m_away.begin(); entry != m_away.end();) {
     AskingChild& child = entry->second.child;

@@ -10,9 +10,12 @@
 #include <linux/sockios.h>
 #include <net/if.h>
 #include <span>
+#include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 #include "platform/Posix/Descriptor.h"
 
@@ -209,7 +212,55 @@ int readRom(std::span<const std::uint8_t> path, Outlet& outlet) {
   return error;
 }
 
-int runErrand(Errand errand, std::span<const std::uint8_t> bytes, Outlet& outlet) {
+constexpr std::int64_t kBillion = 1'000'000'000;
+// Whoever has just locked the file has not said so yet.
+constexpr std::int64_t kLeastWait = 20'000'000;
+constexpr std::int64_t kPause = 2'000'000;
+
+int tryLock(int file, std::int64_t patience, Outlet& outlet) {
+  for (std::int64_t waited = 0;; waited += kPause) {
+    if (::flock(file, LOCK_EX | LOCK_NB) == 0) {
+      static_cast<void>(::futimens(file, nullptr));
+      return 0;
+    }
+    if (errno != EWOULDBLOCK && errno != EINTR) {
+      return 0;
+    }
+    struct stat state {};
+    timespec now{};
+    if (::fstat(file, &state) != 0 || ::clock_gettime(CLOCK_REALTIME, &now) != 0) {
+      return 0;
+    }
+    const std::int64_t since = state.st_mtim.tv_sec;
+    const std::int64_t age = (now.tv_sec - since) * kBillion + now.tv_nsec - state.st_mtim.tv_nsec;
+    if (waited >= patience || (waited >= kLeastWait && age >= patience)) {
+      std::memcpy(outlet.space().data(), &since, sizeof since);
+      static_cast<void>(outlet.sendPiece(sizeof since));
+      return EALREADY;
+    }
+    const timespec pause{0, kPause};
+    ::nanosleep(&pause, nullptr);
+  }
+}
+
+int takeLock(std::span<const std::uint8_t> bytes, Descriptor& held, Outlet& outlet) {
+  { const Descriptor before = std::move(held); }
+  LockHead head;
+  if (bytes.size() <= sizeof head) {
+    return EINVAL;
+  }
+  std::memcpy(&head, bytes.data(), sizeof head);
+  constexpr int kFlags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+  Descriptor file(retry([&] { return ::open(textOf(bytes.subspan(sizeof head)), kFlags, 0600); }));
+  const int error = file.isOpen() ? tryLock(file.get(), head.patience, outlet) : 0;
+  if (error == 0) {
+    held = std::move(file);
+  }
+  return error;
+}
+
+int runErrand(Errand errand, std::span<const std::uint8_t> bytes, Descriptor& lock,
+              Outlet& outlet) {
   switch (errand) {
     case Errand::Netlink:
       return askNetlink(bytes, outlet);
@@ -221,6 +272,8 @@ int runErrand(Errand errand, std::span<const std::uint8_t> bytes, Outlet& outlet
       return readRom(bytes, outlet);
     case Errand::PlainFile:
       return readPlainFile(bytes, outlet);
+    case Errand::Lock:
+      return takeLock(bytes, lock, outlet);
   }
   return ENOSYS;
 }
@@ -229,6 +282,7 @@ int runErrand(Errand errand, std::span<const std::uint8_t> bytes, Outlet& outlet
 
 void serveErrands(int socket, ErrandRoom& room) noexcept {
   Outlet outlet(socket, room);
+  Descriptor lock;
   for (;;) {
     const std::size_t most = room.order.size() - 1;
     const ssize_t count = retry([&] { return ::recv(socket, room.order.data(), most, 0); });
@@ -239,8 +293,8 @@ void serveErrands(int socket, ErrandRoom& room) noexcept {
     room.order[size] = 0;
     ErrandHead head;
     std::memcpy(&head, room.order.data(), sizeof head);
-    outlet.sendLast(
-        runErrand(head.errand, std::span(room.order).first(size).subspan(sizeof head), outlet));
+    outlet.sendLast(runErrand(head.errand, std::span(room.order).first(size).subspan(sizeof head),
+                              lock, outlet));
   }
 }
 

@@ -20,6 +20,11 @@ enum class Errand : std::uint32_t {
   Vpd,          // a path; the file up to the end tag of the VPD
   Rom,          // a path of sysfs; the option ROM, which is switched on for as long as it is read
   PlainFile,    // a path; the file
+  // A LockHead and the path of a file, which is locked from now on, until the next one of these or
+  // the child's end. Where somebody else has it for long the error is EALREADY, and a piece says
+  // since when: seconds since 1970, an int64. What cannot be locked at all is not, without an
+  // error.
+  Lock,
 };
 
 inline constexpr std::size_t kMaxVpd = std::size_t{32} << 10;  // its address has 15 bits
@@ -30,6 +35,9 @@ inline constexpr std::size_t kMaxRom = std::size_t{16}
 struct ErrandHead {
   Errand errand = Errand::Netlink;
 };
+struct LockHead {
+  std::int64_t patience = 0;  // in nanoseconds: for how long one may have it who does not hang
+};
 struct ReplyHead {
   std::int64_t time = 0;   // of the steady clock, in nanoseconds
   std::int32_t error = 0;  // errno; of the last piece alone
@@ -39,7 +47,8 @@ struct ReplyHead {
 // What the errands are done in; made before the fork. A path is shorter than PATH_MAX, a datagram
 // of the kernel's no longer than 32 KiB.
 struct ErrandRoom {
-  alignas(ReplyHead) std::array<std::uint8_t, sizeof(ErrandHead) + 4096 + 1> order{};
+  alignas(
+      ReplyHead) std::array<std::uint8_t, sizeof(ErrandHead) + sizeof(LockHead) + 4096 + 1> order{};
   alignas(ReplyHead) std::array<std::uint8_t, sizeof(ReplyHead) + 32768> reply{};
 };
 

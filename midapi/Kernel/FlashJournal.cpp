@@ -116,6 +116,14 @@ void FlashJournal::Claim::clear() const {
   }
 }
 
+void FlashJournal::Claim::clearQuietly() const {
+  try {
+    clear();
+  } catch (const FlashFault&) {
+    return;
+  }
+}
+
 FlashJournal::FlashJournal(FileSystem& files, std::filesystem::path folder, platform::Clock& clock)
     : m_files(files), m_folder(std::move(folder)), m_clock(clock) {}
 

@@ -56,6 +56,9 @@ class FlashJournal {
     void enter(const FlashEntry& entry) const;
     // The outcome is known: removes the entry.
     void clear() const;
+    // The same where a failure changes nothing: an entry that stays is compared again by whoever
+    // lists the adapters.
+    void clearQuietly() const;
 
    private:
     FileSystem* m_files;

@@ -1,6 +1,7 @@
 #include "midapi/Kernel/FunctionInquiry.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <linux/ethtool.h>
@@ -28,26 +29,52 @@ std::string textOf(const char (&field)[kSize]) {
   return decodeText({bytes, static_cast<std::size_t>(end - field)}, TextEncoding::Utf8);
 }
 
-DevlinkFamily readFamily(const ErrandReply& reply) {
+// What the machine or the process has too little of just now, or is not let do: it says nothing of
+// a driver.
+bool isOurs(int error) {
+  constexpr std::array kOurs = {EMFILE, ENFILE, ENOMEM, ENOBUFS, EPERM, EACCES, EINTR, EAGAIN};
+  return std::ranges::find(kOurs, error) != kOurs.end();
+}
+
+// A kernel without netlink has no devlink either.
+bool hasNoNetlink(int error) {
+  return error == EPROTONOSUPPORT || error == EAFNOSUPPORT || error == ESOCKTNOSUPPORT;
+}
+
+// Returns nothing where the kernel could not be asked, and then why.
+std::optional<DevlinkFamily> readFamily(const ErrandReply& reply, int& error) {
+  if (hasNoNetlink(reply.error)) {
+    return DevlinkFamily();
+  }
+  error = reply.error != 0 ? reply.error : EIO;
   for (const auto& datagram : reply.pieces) {
     if (const auto family = findFamily(datagram, kSequence)) {
-      return *family;
+      error = 0;
+      return family;
+    }
+    if (const auto ack = findAck(datagram, kSequence)) {
+      error = isOurs(ack->error) ? ack->error : 0;
+      return error == 0 ? std::optional(DevlinkFamily()) : std::nullopt;
     }
   }
-  return {};
+  return std::nullopt;
 }
 
 // A driver without devlink is no device to it. One that has it, and cannot tell, has it all the
 // same; where it can at other times, as while the adapter starts anew, the error says so.
 void readDevlink(const ErrandReply& reply, const DevlinkFamily& family, DriverAnswer& answer) {
+  answer.error = reply.error != 0 ? reply.error : EIO;
   for (const auto& datagram : reply.pieces) {
     if (auto found = findInfo(datagram, family, kSequence)) {
       answer.devlink = std::move(found);
+      answer.error = 0;
     }
     const auto ack = findAck(datagram, kSequence);
-    if (ack && ack->error != ENODEV && !answer.devlink) {
-      answer.devlink.emplace();
-      answer.error = ack->error == EOPNOTSUPP ? 0 : ack->error;
+    if (ack && !answer.devlink) {
+      if (ack->error != ENODEV && ack->error != ENOMEM && ack->error != ENOBUFS) {
+        answer.devlink.emplace();
+      }
+      answer.error = ack->error == EOPNOTSUPP || ack->error == ENODEV ? 0 : ack->error;
     }
   }
 }
@@ -133,17 +160,20 @@ void FunctionInquiry::take(const ErrandReply& reply) {
   const Step step = m_steps.back();
   m_steps.pop_back();
   switch (step) {
-    case Step::Family:
-      m_devlink = {true, readFamily(reply)};
+    case Step::Family: {
+      const auto family = readFamily(reply, m_answer.error);
+      m_devlink = {family.has_value(), family.value_or(DevlinkFamily())};
       if (m_devlink.family.id == 0) {
         m_steps.pop_back();  // there is nobody to ask
       }
       break;
+    }
     case Step::Devlink:
       readDevlink(reply, m_devlink.family, m_answer);
       break;
     case Step::Driver:
       m_answer.info = readDriverInfo(reply);
+      m_answer.error = isOurs(reply.error) ? reply.error : 0;
       break;
     case Step::Vpd:
       m_answer.vpd = readFile(reply);

@@ -2,16 +2,18 @@
 //
 // What sysfs says is read at each look. What the drivers say is asked for all adapters at once, and
 // is a second old at the most; option ROMs and VPD are read once for as long as a function is
-// plugged in. An adapter whose flash is being written is not asked, nor is one that has not
+// plugged in, and those that could not be read some seconds later again, in ever longer intervals.
+// An adapter whose flash is being written is not asked, nor is one that has not
 // answered before it does: of those, what was last known is told, at once; who was never answered
 // is told, apart from that, what the writer has noted in the journal. Any thread may call; one that
-// asks for an adapter whose driver another one is just asking waits until that is over: no longer
-// than a driver may keep silent (midapi/Kernel/DriverInquiry.h).
+// asks for an adapter whose driver another one is just asking waits until that is over, no longer
+// than a driver may keep silent (midapi/Kernel/DriverInquiry.h), and is told the same.
 
 #ifndef ORVEX_MIDAPI_KERNEL_KERNELADAPTERS_H_
 #define ORVEX_MIDAPI_KERNEL_KERNELADAPTERS_H_
 
 #include <chrono>
+#include <condition_variable>
 #include <cstdint>
 #include <filesystem>
 #include <map>
@@ -51,6 +53,8 @@ class KernelAdapters {
  public:
   static constexpr std::chrono::seconds kFresh{1};
   static constexpr std::chrono::seconds kLongestWait{5};
+  // How long an adapter that was asked for is asked along with others.
+  static constexpr std::chrono::seconds kCompany{60};
 
   // Referents outlive the object. `sysfs` is /sys, or a folder that stands for it.
   KernelAdapters(std::filesystem::path sysfs, DriverCalls& drivers, const FlashJournal& journal,
@@ -87,32 +91,77 @@ class KernelAdapters {
     friend bool operator==(const Plug&, const Plug&) = default;
   };
 
+  // How far the reading of a file has come.
+  struct Reading {
+    bool isDone = false;
+    int failures = 0;
+    platform::Clock::TimePoint retry;  // after a failure
+
+    [[nodiscard]] bool isUntried() const { return !isDone && failures == 0; }
+    [[nodiscard]] bool isDue(platform::Clock::TimePoint now) const {
+      return !isDone && (failures == 0 || now >= retry);
+    }
+  };
+
+  // The last turn in which somebody asked the driver.
+  struct Asked {
+    std::uint64_t turn = 0;  // turns are numbered; 0 where there was none
+    std::uint64_t changes = 0;
+    bool hasVpd = false;
+    bool hasRom = false;
+    bool isOver = false;
+    bool isAnswered = false;
+    int error = 0;  // why it could not be asked
+  };
+
   // What is known of a function. Looks are numbered: of two that go on at the same time, what the
   // later one has learnt counts.
   struct Known {
     Plug plug;
     std::string driver;
-    DriverAnswer answer;  // the last one; its VPD and option ROM, the first one
+    DriverAnswer answer;  // the last one; its VPD and option ROM, the first ones that were read
     bool hasAnswered = false;
     bool isAway = false;
-    bool hasVpd = false;
-    bool hasRom = false;
+    Reading vpd;
+    Reading rom;
     platform::Clock::TimePoint fresh;  // until then
     std::uint64_t changes = 0;         // how often it was to be forgotten
     std::uint64_t toldChanges = 0;  // as many there had been when it was asked for the last answer
     std::uint64_t seenBy = 0;
     std::uint64_t askedBy = 0;
+    Asked asked;
+    platform::Clock::TimePoint wanted;  // when somebody last asked for it
+
+    [[nodiscard]] bool isFresh(const std::string& boundDriver,
+                               platform::Clock::TimePoint now) const {
+      return !isAway && driver == boundDriver && now < fresh;
+    }
+    // Returns whether it can be asked beside another one without keeping that waiting.
+    [[nodiscard]] bool mayBeCompany(platform::Clock::TimePoint now) const {
+      return hasAnswered && !isAway && changes == toldChanges && now >= fresh &&
+             now - wanted < kCompany;
+    }
   };
 
   struct Subject;
+  struct Adapter;  // of a look
   struct Look;
+  struct Turn;
+  enum class Step { None, Ask, Wait };
 
   [[nodiscard]] std::optional<KernelAdapter> findFor(const AdapterAddress& address, Asker asker);
   // The steps of a look at all adapters, or at one.
   [[nodiscard]] Look begin(const AdapterAddress* wanted, Asker asker);
-  void choose(Look& look);
+  void addFunctions(std::vector<PciFunction> functions, Asker asker, Look& look) const;
+  void addCompany(Look& look);
   void ask(Look& look);
   [[nodiscard]] std::vector<KernelAdapter> tell(Look& look);
+
+  [[nodiscard]] bool isAnyStale(const Look& look, platform::Clock::TimePoint now)
+      ORVEX_REQUIRES(m_mutex);
+  [[nodiscard]] bool takeTurn(Look& look, Turn& turn);
+  [[nodiscard]] Step nextStep(const Adapter& adapter, Subject& subject, const Look& look)
+      ORVEX_REQUIRES(m_mutex);
 
   // Returns the entry that somebody's journal has of the adapter, be the writer alive or not.
   [[nodiscard]] std::optional<FlashEntry> entryOf(const AdapterAddress& adapter) const;
@@ -121,7 +170,8 @@ class KernelAdapters {
   // Returns whether somebody writes it who has noted that.
   [[nodiscard]] bool hasWriter(const AdapterAddress& adapter,
                                const std::optional<FlashEntry>& entry) const;
-  void note(const Subject& subject, DriverAnswer answer, std::uint64_t look)
+  void noteFile(FileAnswer file, bool isUnchanged, Reading& reading, FileAnswer& known) const;
+  void note(const Subject& subject, DriverAnswer answer, std::uint64_t look, std::uint64_t turn)
       ORVEX_REQUIRES(m_mutex);
 
   const std::filesystem::path m_sysfs;
@@ -130,7 +180,9 @@ class KernelAdapters {
   platform::Clock& m_clock;
 
   platform::Mutex m_mutex;
+  std::condition_variable_any m_isOver;  // somebody's turn
   std::uint64_t m_looks ORVEX_GUARDED_BY(m_mutex) = 0;
+  std::uint64_t m_turns ORVEX_GUARDED_BY(m_mutex) = 0;
   std::map<PortId, Known> m_known ORVEX_GUARDED_BY(m_mutex);
 };
 

@@ -63,16 +63,6 @@ std::vector<NamedVersion> storedOf(const std::vector<FirmwareVersions>& versions
   return stored;
 }
 
-// The outcome of the update is known, and no failure to note that changes it: an entry that stays
-// is compared again by whoever lists the adapters.
-void clearQuietly(const FlashJournal::Claim& claim) {
-  try {
-    claim.clear();
-  } catch (const FlashFault&) {
-    return;
-  }
-}
-
 // Only for a flash that was written whole.
 bool isInForce(const std::vector<FirmwareVersions>& versions) {
   return std::ranges::any_of(versions, &FirmwareVersions::tellsStored) &&
@@ -102,29 +92,16 @@ bool hasAnswered(const std::optional<KernelAdapter>& adapter, const PortId& id) 
   return function != nullptr && function->answer.error == 0 && function->answer.devlink;
 }
 
+// Returns whether what is known of the function is from before.
+bool isSilent(const KernelAdapter& adapter, const PortId& id) {
+  const KernelFunction* const function = findFunction(adapter, id);
+  return adapter.isBeingWritten || function == nullptr || function->answer.error != 0;
+}
+
 // Returns whether the function's driver may yet answer.
 bool isBusy(const std::optional<KernelAdapter>& adapter, const PortId& id) {
   const KernelFunction* const function = adapter ? findFunction(*adapter, id) : nullptr;
   return function != nullptr && !function->pci.driver.empty() && !hasAnswered(adapter, id);
-}
-
-struct OutcomeText {
-  FlashOutcome outcome;
-  const char* text;
-  const char* advice;
-};
-constexpr OutcomeText kOutcomeTexts[] = {
-    {FlashOutcome::Written, "the kernel has finished it since: the flash holds what the file has",
-     ""},
-    {FlashOutcome::NotWritten, "the flash holds what it held before", "update it again"},
-    {FlashOutcome::Mixed, "the flash holds neither what it held before nor what the file has",
-     "update it again before the machine starts anew"},
-    {FlashOutcome::Unknown, "its versions do not tell whether the flash holds all of the file",
-     "update it again"},
-};
-
-const OutcomeText& textsOf(FlashOutcome outcome) {
-  return *std::ranges::find(kOutcomeTexts, outcome, &OutcomeText::outcome);
 }
 
 }  // namespace
@@ -144,6 +121,7 @@ struct KernelFlashBackend::Subject {
     return {function.ids,    route.driver,         function.driver,     isTrusted,
             whyNotUpdatable, romOf(adapter, port), isRomKnown(adapter), versions};
   }
+  [[nodiscard]] SeenAdapter seen() const { return see(adapter, *route.function, versions); }
   [[nodiscard]] AdapterFacts facts() const {
     const PciIds& ids = route.function->pci.ids;
     return {ids.vendor, ids.device, whyNotUpdatable.empty()};
@@ -161,6 +139,7 @@ KernelFlashBackend::KernelFlashBackend(FileSystem& files, KernelPlaces places, D
       m_settings(std::move(settings)),
       m_clock(clock),
       m_journal(files, m_places.journal, clock),
+      m_interrupted(files, m_journal, drivers),
       m_adapters(m_places.sysfs, drivers, m_journal, clock) {}
 
 std::string KernelFlashBackend::describe(const AdapterAddress& /*adapter*/) {
@@ -180,6 +159,7 @@ utils::StringArray KernelFlashBackend::enumerateAdapters() {
 
 AdapterList KernelFlashBackend::list() {
   const std::string whyNobodyCan = whyNobody();
+  const std::filesystem::path folder = firmwareFolder();
   AdapterList list;
   std::set<AdapterAddress> addresses;
   for (const KernelAdapter& adapter : m_adapters.all()) {
@@ -188,7 +168,7 @@ AdapterList KernelFlashBackend::list() {
     const FlashRoute route = findRoute(adapter, adapter.functions.front().pci.id.function);
     listing.whyNotUpdatable = route.way == FlashWay::None ? route.whyNone : whyNobodyCan;
     listing.isUpdatable = listing.whyNotUpdatable.empty();
-    if (LeftOver leftOver = leftOverOf(adapter); !leftOver.text.empty()) {
+    if (auto leftOver = m_interrupted.leftOverOf(adapter, folder); !leftOver.text.empty()) {
       listing.notes.push_back(leftOver.text);
       if (!leftOver.advice.empty()) {
         list.problems.push_back(
@@ -197,7 +177,7 @@ AdapterList KernelFlashBackend::list() {
     }
     list.adapters.push_back(std::move(listing));
   }
-  sweepUnasked(addresses);
+  m_interrupted.sweepUnasked(addresses, folder);
   return list;
 }
 
@@ -207,12 +187,14 @@ std::vector<std::string> KernelFlashBackend::interruptedWrites() {
   for (const PciFunction& function : m_adapters.functions()) {
     addresses.insert(function.id.adapter);
   }
-  sweepUnasked(addresses);
+  const std::filesystem::path folder = firmwareFolder();
+  m_interrupted.sweepUnasked(addresses, folder);
   std::vector<std::string> texts;
   for (const AdapterAddress& address : addresses) {
     const auto adapter =
         m_journal.hasEntry(address) ? m_adapters.find(address) : std::optional<KernelAdapter>();
-    const LeftOver leftOver = adapter ? leftOverOf(*adapter) : LeftOver{};
+    const auto leftOver =
+        adapter ? m_interrupted.leftOverOf(*adapter, folder) : InterruptedFlashes::LeftOver{};
     if (!leftOver.text.empty()) {
       texts.push_back(toString(address) + ": " + leftOver.text +
                       (leftOver.advice.empty() ? "" : "; " + leftOver.advice));
@@ -240,7 +222,11 @@ Preparation KernelFlashBackend::prepare(const PortId& port, ConstBytes file,
                                         const std::vector<utils::FirmwareType>& types) {
   m_adapters.awaitAnswer(port.adapter);
   const Subject subject = subjectOf(port);
-  return prepareFirmware(subject.target(), file, buffer, types);
+  Preparation preparation = prepareFirmware(subject.target(), file, buffer, types);
+  if (preparation.filled != 0) {
+    m_checked.note(port.adapter, digestOf(buffer.first(preparation.filled)), subject.seen());
+  }
+  return preparation;
 }
 
 ImageComparison KernelFlashBackend::compare(const PortId& port, ConstBytes file) {
@@ -282,18 +268,26 @@ void KernelFlashBackend::setBootType(const PortId& port, BootType /*bootType*/) 
 
 void KernelFlashBackend::writeFlash(const PortId& port, ConstBytes image, WriteProgress& progress) {
   const FlashJournal::Claim claim = m_journal.claim(port.adapter);
-  const Subject subject = subjectOf(port, m_adapters.findForWriter(port.adapter));
-  if (!subject.whyNotUpdatable.empty()) {
-    throw FlashFault(FlashError::NotUpdatable, subject.whyNotUpdatable);
+  if (const std::string why = hasAdapter(port.adapter) ? whyNobody() : ""; !why.empty()) {
+    throw FlashFault(FlashError::NotUpdatable, why);
   }
-  const FlashPlan plan = planFlash(subject.target(), image);
   const std::filesystem::path folder = firmwareFolder();
   sweepStagedFirmware(m_files, folder, port.adapter);
-  // Before the entry: where there is one, the kernel may have been asked.
+  // Before the entry: where there is one, the kernel may have been asked. And before the last look
+  // at the adapter: a large file takes its time.
   const StagedFirmware staged(m_files, folder, port.adapter, image);
-  const FlashEntry entry{image.size(), digestOf(image), storedOf(subject.versions), plan.versions,
+  const std::uint64_t digest = digestOf(image);
+  Subject subject = subjectToWrite(port, digest);
+  const FlashPlan plan = planFlash(subject.target(), image);
+  const FlashEntry entry{image.size(), digest, storedOf(subject.versions), plan.versions,
                          runningOf(subject.versions)};
   claim.enter(entry);
+  try {
+    lookAgain(subject);
+  } catch (const FlashFault&) {
+    claim.clearQuietly();
+    throw;
+  }
   const NetlinkAck ack = flash(subject, staged.name(), plan.bytes, progress);
   m_adapters.forget(port.adapter);
   if (ack.isLost) {
@@ -301,13 +295,13 @@ void KernelFlashBackend::writeFlash(const PortId& port, ConstBytes image, WriteP
     throw FlashFault(FlashError::NotCompared, wordsOf(ack));
   }
   if (ack.error != 0) {
-    clearQuietly(claim);
+    claim.clearQuietly();
     throw FlashFault(FlashError::WriteRefused, wordsOf(ack) + adviceFor(ack, folder));
   }
   if (subject.route.way == FlashWay::Devlink) {
     verify(subject.route.function->pci.id, entry, claim);
   }
-  clearQuietly(claim);
+  claim.clearQuietly();
   progress.complete();
 }
 
@@ -323,7 +317,7 @@ Activation KernelFlashBackend::activate(const AdapterAddress& adapter) {
   }
   const PciFunction& function = route.function->pci;
   // Whatever puts it into force: nobody is advised to do so with a half of it.
-  refuseUnfinished(known, function.id);
+  m_interrupted.refuseUnfinished(known, function.id);
   Activation otherwise{false, "its driver " + function.driver +
                                   " cannot put stored firmware into force; " +
                                   std::string(route.driver->activation)};
@@ -337,7 +331,7 @@ Activation KernelFlashBackend::activate(const AdapterAddress& adapter) {
     throw FlashFault(FlashError::NotActivated, kNoRight);
   }
   const FlashJournal::Claim claim = m_journal.claim(adapter);
-  refuseUnfinished(needed(m_adapters.findForWriter(adapter), adapter), function.id);
+  m_interrupted.refuseUnfinished(needed(m_adapters.findForWriter(adapter), adapter), function.id);
   const NetlinkAck ack = m_drivers.activate(function.id);
   m_adapters.forget(adapter);
   if (ack.error == EOPNOTSUPP) {
@@ -347,30 +341,6 @@ Activation KernelFlashBackend::activate(const AdapterAddress& adapter) {
     throw FlashFault(FlashError::NotActivated, wordsOf(ack));
   }
   return {true, "its driver " + function.driver + " has put the stored firmware into force"};
-}
-
-void KernelFlashBackend::refuseUnfinished(const KernelAdapter& adapter,
-                                          const PortId& function) const {
-  if (adapter.isBeingWritten) {
-    throw FlashFault(FlashError::NotActivated, "its flash is being written");
-  }
-  const auto versions = versionsOf(adapter, function.function);
-  const auto entry = readableEntry(adapter.address);
-  if (std::ranges::any_of(versions, &FirmwareVersions::isErased) ||
-      (entry && judge(*entry, versions) != FlashOutcome::Written)) {
-    throw FlashFault(FlashError::NotActivated, "an update was interrupted; update it again first");
-  }
-}
-
-std::optional<FlashEntry> KernelFlashBackend::readableEntry(const AdapterAddress& adapter) const {
-  try {
-    return m_journal.entry(adapter);
-  } catch (const FlashFault&) {
-    if (m_drivers.mayFlash()) {
-      throw;
-    }
-    return std::nullopt;  // who may not read it can do nothing with the flash either
-  }
 }
 
 KernelAdapter KernelFlashBackend::need(const AdapterAddress& address) {
@@ -406,45 +376,57 @@ std::string KernelFlashBackend::whyNobody() const {
   return m_drivers.mayFlash() ? whyNotStageable(firmwareFolder()) : kNoRight;
 }
 
-KernelFlashBackend::LeftOver KernelFlashBackend::leftOverOf(const KernelAdapter& adapter) const {
-  try {
-    const auto entry = m_journal.entry(adapter.address);
-    if (!entry || adapter.isBeingWritten || m_journal.isClaimed(adapter.address)) {
-      return {};
+KernelFlashBackend::Subject KernelFlashBackend::subjectToWrite(const PortId& port,
+                                                               std::uint64_t digest) {
+  const auto end = m_clock.now() + kLongestAbsence;
+  const auto checked = m_checked.find(port.adapter, digest);
+  for (;;) {
+    Subject subject = subjectOf(port, m_adapters.findForWriter(port.adapter));
+    const PortId& function = subject.route.function->pci.id;
+    const std::string change = checked ? findChange(*checked, subject.seen()) : "";
+    if (!change.empty()) {
+      throw FlashFault(FlashError::Changed,
+                       toString(function) + ": " + change + "; check the file against it again");
     }
-    const auto versions = versionsOf(adapter, adapter.functions.front().pci.id.function);
-    const FlashOutcome outcome = judge(*entry, versions);
-    const FlashJournal::Attempt attempt = m_journal.tryClaim(adapter.address);
-    // Its writer may have lived until now, and then it is none that was interrupted.
-    if (attempt.isTaken || m_journal.entry(adapter.address) != entry) {
-      return {};
+    if (!subject.whyNotUpdatable.empty()) {
+      throw FlashFault(FlashError::NotUpdatable, subject.whyNotUpdatable);
     }
-    if (attempt.claim) {
-      sweepStagedFirmware(m_files, firmwareFolder(), adapter.address);
-      if (outcome == FlashOutcome::Written) {
-        clearQuietly(*attempt.claim);
-      }
+    // What is known from before says nothing of a card that was exchanged.
+    if (!checked || checked->versions.empty() || !isSilent(subject.adapter, function)) {
+      return subject;
     }
-    const OutcomeText& texts = textsOf(outcome);
-    return {std::string("an update was interrupted; ") + texts.text + " (" +
-                describeStored(versions) + ")",
-            texts.advice};
-  } catch (const FlashFault& fault) {
-    // Who may not read it cannot mend it either.
-    return m_drivers.mayFlash()
-               ? LeftOver{fault.what(), "mend what it says, then update the adapter"}
-               : LeftOver{};
+    if (m_clock.now() >= end) {
+      throw FlashFault(FlashError::NotUpdatable,
+                       "its driver " + subject.route.function->pci.driver +
+                           " does not answer, so nobody can tell whether " + toString(function) +
+                           " is as it was when the file was checked; try again when it does");
+    }
+    m_clock.sleepFor(kBetweenLooks);
   }
 }
 
-void KernelFlashBackend::sweepUnasked(const std::set<AdapterAddress>& adapters) const {
-  const std::filesystem::path folder = firmwareFolder();
-  for (const AdapterAddress& adapter : findStagedFirmware(m_files, folder, adapters)) {
-    // Where there is an entry, the kernel may be about to read it.
-    const FlashJournal::Attempt attempt = m_journal.tryClaim(adapter);
-    if (attempt.claim && !m_journal.hasEntry(adapter)) {
-      sweepStagedFirmware(m_files, folder, adapter);
+void KernelFlashBackend::lookAgain(Subject& subject) const {
+  const PciFunction& looked = subject.route.function->pci;
+  const std::string where = toString(looked.id);
+  const auto functions = findPciFunctions(m_places.sysfs, looked.id.adapter);
+  const auto now = std::ranges::find(functions, looked.id, &PciFunction::id);
+  const std::string advice = "; check the file against it again";
+  if (now == functions.end()) {
+    throw FlashFault(FlashError::Changed, where + " has been taken away" + advice);
+  }
+  if (const auto change =
+          findChange({looked.ids, looked.driver, {}, {}, {}}, {now->ids, now->driver, {}, {}, {}});
+      !change.empty()) {
+    throw FlashFault(FlashError::Changed, where + ": " + change + advice);
+  }
+  if (subject.route.way == FlashWay::Ethtool) {
+    if (now->interfaces.empty()) {
+      throw FlashFault(FlashError::Changed,
+                       where + ": its driver " + now->driver +
+                           " writes firmware through a network interface, and has none any more" +
+                           advice);
     }
+    subject.route.interface = now->interfaces.front().name;
   }
 }
 
@@ -489,7 +471,7 @@ void KernelFlashBackend::verify(const PortId& function, const FlashEntry& entry,
   const auto versions = versionsOf(*adapter, function.function);
   const std::string difference = findDifference(entry.expected, versions);
   if (!difference.empty()) {
-    clearQuietly(claim);
+    claim.clearQuietly();
     throw FlashFault(FlashError::CompareMismatch, difference);
   }
   if (const auto name = findUntold(entry.expected, entry.before, versions); !name.empty()) {

@@ -26,8 +26,10 @@
 #include "midapi/FlashBackend.h"
 #include "midapi/Kernel/DriverCalls.h"
 #include "midapi/Kernel/FlashJournal.h"
+#include "midapi/Kernel/InterruptedFlashes.h"
 #include "midapi/Kernel/KernelAdapters.h"
 #include "midapi/Kernel/PciNames.h"
+#include "midapi/Kernel/SeenAdapter.h"
 #include "platform/Clock.h"
 #include "platform/Mutex.h"
 
@@ -67,35 +69,23 @@ class KernelFlashBackend final : public FlashBackend {
 
  private:
   struct Subject;
-  struct LeftOver {
-    std::string text;
-    std::string advice;  // empty where there is nothing to be done
-  };
 
   // Throw FlashFault for what there is none of.
   [[nodiscard]] KernelAdapter need(const AdapterAddress& address);
   [[nodiscard]] Subject subjectOf(const PortId& port);
   [[nodiscard]] Subject subjectOf(const PortId& port, std::optional<KernelAdapter> adapter) const;
 
-  // Throws where the flash is being written, or was not written whole.
-  void refuseUnfinished(const KernelAdapter& adapter, const PortId& function) const;
-  // Returns the adapter's entry; nothing, too, where this process may not read it. One that is
-  // damaged is a FlashFault.
-  [[nodiscard]] std::optional<FlashEntry> readableEntry(const AdapterAddress& adapter) const;
-
   // Returns why this process can write no firmware at all; empty where it can.
   [[nodiscard]] std::string whyNobody() const;
   [[nodiscard]] std::filesystem::path firmwareFolder() const;
 
-  // Says what has become of an update of the adapter whose process is gone; empty where there is
-  // none, and as long as the kernel goes on with it. Where all went well, it is told once.
-  [[nodiscard]] LeftOver leftOverOf(const KernelAdapter& adapter) const;
-
-  // Removes from the kernel's folder what processes left there that were killed before they asked
-  // the kernel for anything.
-  void sweepUnasked(const std::set<AdapterAddress>& adapters) const;
-
   // The steps of writeFlash.
+  // Returns the adapter, which is the one that a check of the image saw where there was one. Throws
+  // where it is not, or where that cannot be told.
+  [[nodiscard]] Subject subjectToWrite(const PortId& port, std::uint64_t digest);
+  // Looks where the function is now: its network interface may have been renamed, and its name be
+  // another adapter's. Asks no driver.
+  void lookAgain(Subject& subject) const;
   [[nodiscard]] NetlinkAck flash(const Subject& subject, const std::string& file,
                                  std::uint64_t bytes, WriteProgress& progress);
   void verify(const PortId& function, const FlashEntry& entry, const FlashJournal::Claim& claim);
@@ -107,7 +97,9 @@ class KernelFlashBackend final : public FlashBackend {
   const std::function<utils::FlashSettings()> m_settings;
   platform::Clock& m_clock;
   const FlashJournal m_journal;
+  const InterruptedFlashes m_interrupted;
   KernelAdapters m_adapters;
+  SeenAdapters m_checked;
 
   platform::Mutex m_mutex;
   std::set<AdapterAddress> m_updates ORVEX_GUARDED_BY(m_mutex);  // that have begun

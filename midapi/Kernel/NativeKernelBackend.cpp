@@ -35,6 +35,7 @@ InquirySettings inquiryIn(const fs::path& root) {
   InquirySettings settings;
   settings.of =
       root.empty() ? FunctionInquiry::Of::DriverAndFiles : FunctionInquiry::Of::FilesAlone;
+  settings.locks = below(root, "/run/lock");
   return settings;
 }
 

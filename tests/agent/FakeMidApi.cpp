@@ -152,10 +152,11 @@ FlashUpdate::~FlashUpdate() {
   }
 }
 
-bool setBootType(const std::string& adapter, BootType bootType) {
-  FakeMidApi::current().note("setBootType " + adapter + " " +
-                             std::to_string(static_cast<std::uint32_t>(bootType)));
-  return FakeMidApi::current().setBootTypeAnswer;
+bool setBootType(const std::string& adapter, BootType bootType, std::string& errorText) {
+  FakeMidApi& fake = FakeMidApi::current();
+  fake.note("setBootType " + adapter + " " + std::to_string(static_cast<std::uint32_t>(bootType)));
+  errorText = fake.bootTypeReason.empty() ? "" : fake.bootTypeReason + " " + adapter;
+  return fake.setBootTypeAnswer;
 }
 
 PrepareStatus prepareFlashImage(const std::string& adapter, const std::uint8_t* file,

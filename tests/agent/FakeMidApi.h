@@ -50,6 +50,7 @@ class ORVEX_MIDAPI_API FakeMidApi {
   Answer writeAnswer;
   Answer capabilityWordAnswer;
   bool setBootTypeAnswer = true;
+  std::string bootTypeReason;  // why not, with the port behind it
   std::atomic<std::uint32_t> progress{0};
   // Called in the middle of a preparation; what it throws leaves that.
   std::function<void()> onPrepare;

@@ -384,6 +384,18 @@ TEST_F(JobThreadBootTypes, MayFailToBeCleared) {
   expectEnd(cim::JobState::Completed, 0, "");
 }
 
+TEST_F(JobThreadBootTypes, AreInTheLogOnceWhereTheyCannotBeCleared) {
+  m_midApi.setBootTypeAnswer = false;
+  m_midApi.bootTypeReason = "not offered for 100%";
+
+  run({FirmwareType::Pxe});
+
+  EXPECT_EQ(bootTypeCalls().size(), 2u);
+  EXPECT_GE(placeOf("The boot type stays: not offered for 100% 0000:03:00.0"), 0);
+  EXPECT_EQ(placeOf("The boot type stays: not offered for 100% 0000:03:00.1"), -1);
+  expectEnd(cim::JobState::Completed, 0, "");
+}
+
 TEST_F(JobThreadBootTypes, StayWhenTheAdapterHasNoIscsi) {
   m_midApi.installed = {{FirmwareType::Pxe, {1, 0}}};
 

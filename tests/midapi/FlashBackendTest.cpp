@@ -24,7 +24,8 @@ TEST(FlashFault, HasATextForEveryError) {
        {FlashError::UnknownAdapter, FlashError::InvalidDescription, FlashError::NotUpdatable,
         FlashError::EmptyImage, FlashError::InputOutput, FlashError::CompareMismatch,
         FlashError::ImageTooLarge, FlashError::WriteRefused, FlashError::Ambiguous,
-        FlashError::NotOffered, FlashError::NotActivated, FlashError::NotCompared}) {
+        FlashError::NotOffered, FlashError::NotActivated, FlashError::NotCompared,
+        FlashError::Changed}) {
     EXPECT_GT(std::string(FlashFault(error, "x").what()).size(), 10U);
   }
 }

@@ -177,6 +177,16 @@ TEST_F(MidApi, SetsTheBootTypeOfOnePort) {
   EXPECT_FALSE(setBootType(kPort, static_cast<BootType>(5)));
 }
 
+TEST_F(MidApi, SaysWhyABootTypeCannotBeSet) {
+  std::string text = "before";
+  EXPECT_TRUE(setBootType(kSibling, BootType::Iscsi, text));
+  EXPECT_EQ(text, "");
+  EXPECT_FALSE(setBootType("0000:09:00.0", BootType::Pxe, text));
+  EXPECT_THAT(text, HasSubstr("The adapter is not known: 0000:09:00"));
+  EXPECT_FALSE(setBootType(kPort, static_cast<BootType>(5), text));
+  EXPECT_EQ(text, "5 is no boot type");
+}
+
 TEST_F(MidApi, ChecksInItsOrder) {
   const Bytes foreign = RomBuilder().add(pxe(1).device(0x10EC, 0x8139)).build();
   m_adapters.set(kPci, "/updatable", "false");

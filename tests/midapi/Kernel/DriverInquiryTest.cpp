@@ -17,6 +17,7 @@
 #include "tests/midapi/Kernel/AskedChildren.h"
 #include "tests/midapi/Kernel/SysfsFixture.h"
 #include "tests/support/Posix/Processes.h"
+#include "tests/support/TempDirectory.h"
 #include "tests/support/WaitUntil.h"
 
 namespace {
@@ -50,6 +51,7 @@ class DriverInquiryTest : public testing::Test {
  protected:
   DriverInquiryTest() {
     s_forks = 0;
+    ma::buryOrphans();  // those of other tests
     for (const std::string& id : {kFirst, kSecond, kThird}) {
       m_sysfs.addFunction(id);
       m_sysfs.setAttribute(id, "vpd", "x");
@@ -83,9 +85,10 @@ class DriverInquiryTest : public testing::Test {
     return questions;
   }
   static std::string told(const DriverAnswer& answer) {
-    return answer.isAway || answer.isPartial ? "away"
-           : answer.error != 0               ? "error " + std::to_string(answer.error)
-                               : std::string(answer.vpd.bytes.begin(), answer.vpd.bytes.end());
+    return answer.error != 0 ? "error " + std::to_string(answer.error)
+           : answer.isAway || answer.isPartial
+               ? "away"
+               : std::string(answer.vpd.bytes.begin(), answer.vpd.bytes.end());
   }
   // Returns what is answered for each function.
   std::vector<std::string> ask() { return ask(questions()); }
@@ -145,9 +148,26 @@ TEST_F(DriverInquiryTest, AsksNobodyForNothing) {
 TEST_F(DriverInquiryTest, LeavesNothingBehindWhereAllAnswer) {
   const std::size_t openFiles = test::countOpenFiles();
   ask();
+  // This process takes orphans in, and buries them when it looks again.
+  EXPECT_TRUE(test::waitUntil([&] {
+    ask({});
+    return m_children.all().empty();
+  }));
   EXPECT_EQ(test::countOpenFiles(), openFiles);
-  EXPECT_EQ(m_children.awaitOne(), 0);
-  EXPECT_THAT(m_children.all(), IsEmpty());
+}
+
+TEST_F(DriverInquiryTest, StealsNobodysChild) {
+  const pid_t others = ::fork();
+  if (others == 0) {
+    ::_exit(7);
+  }
+  EXPECT_TRUE(test::waitUntil([&] { return test::statusOf(others, "State").starts_with("Z"); }));
+  ask();
+  EXPECT_TRUE(test::waitUntil([&] {
+    ask({});
+    return m_children.all().size() == 1;
+  }));
+  EXPECT_EQ(test::awaitEnd(others), 7);
 }
 
 TEST_F(DriverInquiryTest, GoesOnWithoutTheOneThatDoesNotAnswer) {
@@ -175,6 +195,10 @@ TEST_F(DriverInquiryTest, GivesOutWhatItHasGotByThen) {
 TEST_F(DriverInquiryTest, AsksNobodyTwiceWhoDoesNotAnswer) {
   hold(kSecond);
   ask();
+  EXPECT_TRUE(test::waitUntil([&] {
+    ask({});
+    return m_children.all().size() == 1;
+  }));
   const std::size_t openFiles = test::countOpenFiles();
   for (int i = 0; i < 3; ++i) {
     EXPECT_THAT(ask({questions()[1]}), ElementsAre("away"));
@@ -229,11 +253,12 @@ TEST_F(DriverInquiryTest, LeavesNothingBehindOfWhatIsUnplugged) {
   const std::size_t openFiles = test::countOpenFiles();
   hold(kSecond, milliseconds(-1));
   ask();
-  EXPECT_EQ(test::countOpenFiles(), openFiles + 1);
+  EXPECT_GT(test::countOpenFiles(), openFiles);
   const std::vector<DriverQuestion> others{questions()[0]};
   free(kSecond, "late");
   EXPECT_TRUE(test::waitUntil([&] {
     ask(others);
+    ask({});
     return test::countOpenFiles() == openFiles;
   }));
 }
@@ -266,6 +291,65 @@ TEST_F(DriverInquiryTest, IsAskedByManyAtOnce) {
     thread.join();
   }
   EXPECT_TRUE(test::waitUntil([this] { return livingChildren() == 1; }));
+}
+
+// Two programs, as far as drivers can tell.
+class DriverInquiryOfTwo : public DriverInquiryTest {
+ protected:
+  ma::InquirySettings shared() const {
+    auto settings = DriverInquiryTest::settings();
+    settings.patience = milliseconds(50);
+    settings.locks = m_locks.path();
+    return settings;
+  }
+
+  test::TempDirectory m_locks;
+};
+
+TEST_F(DriverInquiryOfTwo, AsksNobodyAtWhomAnotherHangs) {
+  hold(kSecond);
+  begin(shared());
+  EXPECT_THAT(ask(), ElementsAre("x\n", "away", "x\n"));
+  DriverInquiry other(shared());
+  s_forks = 0;
+  for (int look = 0; look < 3; ++look) {
+    const auto answers = other.ask(questions());
+    EXPECT_EQ(told(answers[0]) + told(answers[1]) + told(answers[2]), "x\nawayx\n");
+  }
+  EXPECT_EQ(s_forks, 3);
+  // Those three had nothing more to do.
+  EXPECT_TRUE(test::waitUntil([this] { return livingChildren() == 1; }));
+  free(kSecond, "");
+  EXPECT_TRUE(test::waitUntil([&] { return told(other.ask(questions())[1]) == "y\n"; }));
+}
+
+TEST_F(DriverInquiryOfTwo, AsksAgainWhereTheOtherOneWasKilled) {
+  hold(kSecond);
+  begin(shared());
+  ask({questions()[1]});
+  for (const pid_t child : m_children.all()) {
+    ::kill(child, SIGKILL);
+    static_cast<void>(test::awaitEnd(child));
+  }
+  free(kSecond, "");
+  DriverInquiry other(shared());
+  EXPECT_EQ(told(other.ask(questions())[1]), "y\n");
+}
+
+TEST_F(DriverInquiryOfTwo, WaitForEachOtherWhereNoneHangs) {
+  auto settings = shared();
+  settings.patience = test::kDeadline;
+  begin(settings);
+  DriverInquiry other(settings);
+  std::thread another([&] {
+    for (int i = 0; i < 20; ++i) {
+      EXPECT_EQ(told(other.ask(questions())[1]), "x\n");
+    }
+  });
+  for (int i = 0; i < 20; ++i) {
+    EXPECT_THAT(ask(), ElementsAre("x\n", "x\n", "x\n"));
+  }
+  another.join();
 }
 
 }  // namespace

@@ -1,13 +1,16 @@
 // The child's side, on a thread of the test.
 
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <linux/ethtool.h>
 #include <poll.h>
 #include <string>
+#include <sys/file.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
 #include <vector>
@@ -193,6 +196,35 @@ TEST_F(Errands, GoOnUntilTheEnd) {
   for (int i = 0; i < 3; ++i) {
     EXPECT_EQ(vpd({0x78}), Bytes{0x78});
   }
+}
+
+TEST_F(Errands, LockAFileUntilTheNextOne) {
+  const auto lock = [this](const std::string& path, std::chrono::nanoseconds patience) {
+    const ma::LockHead head{patience.count()};
+    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(&head);
+    Bytes order(bytes, bytes + sizeof head);
+    order.insert(order.end(), path.begin(), path.end());
+    return run(Errand::Lock, order);
+  };
+  const std::string path = m_directory.path() / "lock";
+  EXPECT_EQ(lock(path, std::chrono::hours(1)).error, 0);
+  const platform::Descriptor file(::open(path.c_str(), O_RDWR | O_CLOEXEC));
+  EXPECT_NE(::flock(file.get(), LOCK_EX | LOCK_NB), 0);
+  EXPECT_EQ(lock(m_directory.path() / "other", std::chrono::hours(1)).error, 0);
+  EXPECT_EQ(::flock(file.get(), LOCK_EX | LOCK_NB), 0);
+
+  // Whoever has had it for an hour hangs.
+  const timespec times[2] = {{1'700'000'000, 0}, {1'700'000'000, 0}};
+  ::futimens(file.get(), times);
+  const Reply reply = lock(path, std::chrono::hours(1));
+  EXPECT_EQ(reply.error, EALREADY);
+  std::int64_t since = 0;
+  ASSERT_THAT(reply.bytes(), SizeIs(sizeof since));
+  std::memcpy(&since, reply.bytes().data(), sizeof since);
+  EXPECT_EQ(since, 1'700'000'000);
+
+  EXPECT_EQ(lock(m_directory.path() / "none/lock", std::chrono::hours(1)).error, 0);
+  EXPECT_EQ(lock("", std::chrono::hours(1)).error, EINVAL);
 }
 
 }  // namespace

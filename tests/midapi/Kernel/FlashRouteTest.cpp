@@ -1,3 +1,6 @@
+#include <cerrno>
+#include <chrono>
+#include <ctime>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -81,6 +84,37 @@ TEST_F(FlashRouteTest, GoesNoOtherWayWhileTheFlashIsWritten) {
   EXPECT_EQ(whyNone(), "its driver bnxt_en has not answered yet; it may be writing the flash");
   m_adapter.functions[0].pci.driver = "qede";
   EXPECT_EQ(route().way, FlashWay::Ethtool);
+}
+
+TEST_F(FlashRouteTest, GoesNoWayThroughADriverThatCouldNotBeAsked) {
+  KernelFunction& function = add("e1000e", false);
+  function.answer.error = EMFILE;
+  const std::string end =
+      " could not be asked whether it writes firmware by devlink: Too many open files; try again";
+  for (const char* driver : {"e1000e", "ice", "bnxt_en"}) {
+    function.pci.driver = driver;
+    EXPECT_EQ(whyNone(), std::string("its driver ") + driver + end);
+  }
+  function.pci.driver = "qede";
+  EXPECT_EQ(route().way, FlashWay::Ethtool);
+  function.hasAnswered = true;
+  function.pci.driver = "bnxt_en";
+  EXPECT_EQ(route().way, FlashWay::Ethtool);
+}
+
+TEST_F(FlashRouteTest, SaysSinceWhenADriverHasNotAnswered) {
+  KernelFunction& function = add("testnic", false);
+  m_adapter.isBeingWritten = true;
+  std::tm noon{};
+  noon.tm_year = 126;
+  noon.tm_mday = 1;
+  noon.tm_hour = 12;
+  noon.tm_min = 3;
+  noon.tm_sec = 7;
+  noon.tm_isdst = -1;
+  function.answer.silentSince = std::chrono::system_clock::from_time_t(std::mktime(&noon));
+  EXPECT_EQ(whyNone(),
+            "its driver testnic has not answered since 12:03:07; it may be writing the flash");
 }
 
 TEST_F(FlashRouteTest, SaysWhyThereIsNone) {

@@ -5,6 +5,7 @@
 #include <linux/ethtool.h>
 #include <linux/genetlink.h>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "midapi/Kernel/FunctionInquiry.h"
@@ -145,6 +146,41 @@ TEST_F(FunctionInquiryTest, AsksNoDevlinkWhereTheKernelHasNone) {
   EXPECT_TRUE(inquiry.devlink().isDone);
   EXPECT_EQ(inquiry.devlink().family.id, 0);
   EXPECT_FALSE(FunctionInquiry::ofDevlink(all(), kDriver, inquiry.devlink()).next());
+}
+
+TEST_F(FunctionInquiryTest, TakesAKernelThatCannotBeAskedForNoneWithoutDevlink) {
+  for (const ErrandReply& reply : {ErrandReply{EMFILE, {}, {}}, ErrandReply{ENOMEM, {}, {}},
+                                   ErrandReply{EPERM, {}, {}}, refusal(EPERM), refusal(ENOMEM)}) {
+    auto inquiry = FunctionInquiry::ofDevlink(all(), kDriver, {});
+    EXPECT_THAT(run(inquiry, {reply}), ElementsAre("netlink"));
+    EXPECT_FALSE(inquiry.devlink().isDone);
+    EXPECT_NE(inquiry.answer().error, 0);
+  }
+  auto inquiry = FunctionInquiry::ofDevlink(all(), kDriver, {});
+  run(inquiry, {pieces({})});
+  EXPECT_EQ(inquiry.answer().error, EIO);
+  EXPECT_FALSE(inquiry.devlink().isDone);
+}
+
+TEST_F(FunctionInquiryTest, TakesAKernelWithoutNetlinkForOneWithoutDevlink) {
+  auto inquiry = FunctionInquiry::ofDevlink(all(), kDriver, {});
+  run(inquiry, {{EPROTONOSUPPORT, {}, {}}});
+  EXPECT_TRUE(inquiry.devlink().isDone);
+  EXPECT_EQ(inquiry.answer().error, 0);
+}
+
+TEST_F(FunctionInquiryTest, SaysWhyADriverCouldNotBeAsked) {
+  EXPECT_EQ(devlinkAnswer({EMFILE, {}, {}}).error, EMFILE);
+  EXPECT_EQ(devlinkAnswer(refusal(ENOMEM)).error, ENOMEM);
+  EXPECT_FALSE(devlinkAnswer(refusal(ENOMEM)).devlink);
+  EXPECT_EQ(devlinkAnswer(pieces({})).error, EIO);
+  for (const auto& [error, told] : {std::pair(EMFILE, EMFILE), std::pair(EOPNOTSUPP, 0)}) {
+    DriverQuestion question = all();
+    question.wantsVpd = question.wantsRom = false;
+    auto inquiry = FunctionInquiry::ofRest(question, kDriver, {});
+    run(inquiry, {{error, {}, {}}});
+    EXPECT_EQ(inquiry.answer().error, told);
+  }
 }
 
 TEST_F(FunctionInquiryTest, TellsADriverThatDoesNotSayFromOneWithoutDevlink) {

@@ -1,8 +1,11 @@
+#include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <latch>
+#include <new>
 #include <string>
 #include <thread>
 #include <vector>
@@ -12,6 +15,7 @@
 #include "tests/midapi/Kernel/SysfsFixture.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/TempDirectory.h"
+#include "tests/support/WaitUntil.h"
 
 namespace {
 
@@ -22,8 +26,10 @@ using ma::KernelAdapter;
 using ma::KernelAdapters;
 using ma::SharedBytes;
 using std::chrono::milliseconds;
+using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::SizeIs;
 
 constexpr AdapterAddress kAdapter{0, 3, 0};
 constexpr AdapterAddress kOther{0, 4, 0};
@@ -35,6 +41,15 @@ const FlashEntry kEntry{1, 2, {{"fw", "1.0"}}, {{"fw", "2.0"}}, {{"fw", "0.9"}}}
 DriverAnswer stored(const std::string& version) {
   DriverAnswer answer;
   answer.devlink = ma::DevlinkInfo{"testnic", "", "", {}, {}, {{"fw", version}}};
+  return answer;
+}
+
+// Of a driver that could not be asked.
+DriverAnswer unasked(int error) {
+  DriverAnswer answer;
+  answer.error = error;
+  answer.isPartial = true;
+  answer.vpd.error = answer.rom.error = EBUSY;
   return answer;
 }
 
@@ -175,6 +190,59 @@ TEST_F(KernelAdaptersTest, ReadsVpdAndRomOnce) {
     pass(milliseconds(1000));
   }
   EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0 vpd rom", "0000:03:00.0"));
+}
+
+TEST_F(KernelAdaptersTest, ReadsAFileAgainLaterThatCouldNotBeRead) {
+  addVpdAndRom(kPort);
+  m_drivers.answers[kPort].rom = {EINVAL, {}};
+  m_drivers.answers[kPort].vpd = {EIO, {}};
+  EXPECT_EQ(m_adapters.find(kAdapter)->functions[0].answer.rom.error, EINVAL);
+  pass(std::chrono::seconds(4));
+  EXPECT_EQ(m_adapters.find(kAdapter)->functions[0].answer.vpd.error, EIO);
+  EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0 vpd rom", "0000:03:00.0"));
+  addVpdAndRom(kPort);
+  pass(std::chrono::seconds(1));
+  EXPECT_THAT(m_adapters.find(kAdapter)->functions[0].answer.rom.bytes, ElementsAre(0x55, 0xAA));
+  pass(std::chrono::hours(1));
+  tell();
+  EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0 vpd rom", "0000:03:00.0"));
+}
+
+TEST_F(KernelAdaptersTest, TriesEverMoreSeldomToReadWhatNeverCan) {
+  addVpdAndRom(kPort);
+  m_drivers.answers[kPort].rom = {EINVAL, {}};
+  const auto triesIn = [this](std::chrono::seconds time) {
+    for (std::chrono::seconds passed{0}; passed < time; passed += std::chrono::seconds(1)) {
+      pass(std::chrono::seconds(1));
+      tell();
+    }
+    const auto asked = m_drivers.takeAsked();
+    return std::count_if(asked.begin(), asked.end(), [](const std::string& question) {
+      return question.find("rom") != std::string::npos;
+    });
+  };
+  EXPECT_EQ(triesIn(std::chrono::seconds(60)), 4);  // after 0, 5, 15 and 35 seconds
+  triesIn(std::chrono::hours(1));
+  EXPECT_EQ(triesIn(std::chrono::hours(1)), 6);
+}
+
+TEST_F(KernelAdaptersTest, DoesNotTryAgainWithoutTheRight) {
+  addVpdAndRom(kPort);
+  m_drivers.answers[kPort].rom = {EACCES, {}};
+  tell();
+  pass(std::chrono::hours(1));
+  tell();
+  EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0 vpd rom", "0000:03:00.0"));
+}
+
+TEST_F(KernelAdaptersTest, TriesAtOnceWhenSomethingHasChanged) {
+  addVpdAndRom(kPort);
+  m_drivers.answers[kPort].rom = {EIO, {}};
+  tell();
+  m_adapters.forget(kAdapter);
+  tell();
+  EXPECT_THAT(m_drivers.takeAsked(),
+              ElementsAre("0000:03:00.0 vpd rom", "0000:03:00.0 vpd rom latest"));
 }
 
 TEST_F(KernelAdaptersTest, ReadsThemAgainWhenTheFunctionIsPluggedInAgain) {
@@ -365,8 +433,7 @@ TEST_F(KernelAdaptersTest, KeepsWhatIsKnownWhereNothingCanBeAsked) {
   addVpdAndRom(kPort);
   EXPECT_EQ(tell(), "1.0");
   m_adapters.forget(kAdapter);
-  m_drivers.answers[kPort] = {};
-  m_drivers.answers[kPort].error = EAGAIN;
+  m_drivers.answers[kPort] = unasked(EAGAIN);
   const auto adapter = m_adapters.find(kAdapter);
   ASSERT_TRUE(adapter);
   EXPECT_EQ(told(*adapter), "1.0");
@@ -375,6 +442,19 @@ TEST_F(KernelAdaptersTest, KeepsWhatIsKnownWhereNothingCanBeAsked) {
   m_drivers.takeAsked();
   EXPECT_EQ(tell(), "1.0");
   EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0 vpd rom latest"));
+}
+
+TEST_F(KernelAdaptersTest, ReadsTheFilesOfADriverThatCannotBeAsked) {
+  m_drivers.answers[kPort] = {};
+  addVpdAndRom(kPort);
+  m_drivers.answers[kPort].error = EMFILE;
+  const auto adapter = m_adapters.find(kAdapter);
+  ASSERT_TRUE(adapter);
+  EXPECT_EQ(adapter->functions[0].answer.error, EMFILE);
+  EXPECT_FALSE(adapter->functions[0].hasAnswered);
+  EXPECT_THAT(adapter->functions[0].answer.rom.bytes, ElementsAre(0x55, 0xAA));
+  EXPECT_EQ(tell(), "?");
+  EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0 vpd rom", "0000:03:00.0"));
 }
 
 // One thread asks a driver, and meanwhile another one looks.
@@ -411,6 +491,7 @@ TEST_F(KernelAdaptersOfTwo, DoNotWaitForEachOther) {
 
 TEST_F(KernelAdaptersOfTwo, BelieveTheOneThatAskedLater) {
   during([this] {
+    m_adapters.forget(kAdapter);  // or it would be told what the first one is
     m_drivers.answers[kPort] = stored("2.0");
     EXPECT_EQ(tell(), "2.0");
     m_drivers.answers[kPort] = stored("1.0");  // as the first one was told
@@ -432,6 +513,101 @@ TEST_F(KernelAdaptersOfTwo, DoNotTakeAnAnswerForThatOfAFunctionPluggedInMeanwhil
     m_drivers.answers[kPort] = stored("1.0");
   });
   EXPECT_EQ(tell(), "2.0");
+}
+
+// Many threads that meet a stale answer.
+class KernelAdaptersOfMany : public KernelAdaptersTest {
+ protected:
+  // Returns what they are told while the first one has to wait for its answer until all have come.
+  std::vector<std::string> tellMany() {
+    std::atomic<int> begun{0};
+    m_drivers.beforeAnswer = [&begun](const std::vector<std::string>&) {
+      EXPECT_TRUE(test::waitUntil([&begun] { return begun == kThreads; }));
+    };
+    std::vector<std::string> told(kThreads);
+    std::vector<std::thread> threads;
+    threads.reserve(kThreads);
+    for (int i = 0; i < kThreads; ++i) {
+      threads.emplace_back([&, i] {
+        ++begun;
+        told[static_cast<std::size_t>(i)] = tell();
+      });
+    }
+    for (std::thread& thread : threads) {
+      thread.join();
+    }
+    return told;
+  }
+
+  static constexpr int kThreads = 100;
+};
+
+TEST_F(KernelAdaptersOfMany, AskOnce) {
+  EXPECT_THAT(tellMany(), Each("1.0"));
+  EXPECT_THAT(m_drivers.takeAsked(), SizeIs(1));
+  m_drivers.answers[kPort] = stored("2.0");
+  pass(KernelAdapters::kFresh);
+  EXPECT_THAT(tellMany(), Each("2.0"));
+  EXPECT_THAT(m_drivers.takeAsked(), SizeIs(1));
+}
+
+TEST_F(KernelAdaptersOfMany, GoOnWhereTheOneThatAsksGetsNoAnswer) {
+  tell();
+  pass(KernelAdapters::kFresh);
+  m_drivers.takeAsked();
+  std::atomic<bool> isFirst{true};
+  std::latch hasAsked(1);
+  m_drivers.beforeAnswer = [&](const std::vector<std::string>&) {
+    if (isFirst.exchange(false)) {
+      hasAsked.count_down();
+      throw std::bad_alloc();
+    }
+  };
+  std::thread unlucky([this] { EXPECT_THROW(tell(), std::bad_alloc); });
+  hasAsked.wait();
+  EXPECT_EQ(tell(), "1.0");
+  unlucky.join();
+  EXPECT_THAT(m_drivers.takeAsked(), SizeIs(2));
+}
+
+TEST_F(KernelAdaptersTest, AsksForAllThatAreStaleByOneLook) {
+  addOther();
+  tellAll();
+  pass(KernelAdapters::kFresh);
+  m_drivers.takeAsked();
+  EXPECT_EQ(tell(), "1.0");
+  EXPECT_EQ(tell(kOther), "7.0");
+  EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0, 0000:04:00.0"));
+  pass(KernelAdapters::kFresh);
+  EXPECT_EQ(tell(kOther), "7.0");
+  EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:04:00.0, 0000:03:00.0"));
+}
+
+TEST_F(KernelAdaptersTest, AsksNobodyAlongWhomNobodyWantsToKnow) {
+  addOther();
+  tellAll();
+  pass(KernelAdapters::kCompany);
+  m_drivers.takeAsked();
+  tell();
+  EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0"));
+}
+
+TEST_F(KernelAdaptersTest, AsksNobodyAlongWhoWouldHoldItUp) {
+  addOther();
+  m_drivers.answers[kOtherPort] = away();
+  tellAll();
+  pass(KernelAdapters::kFresh);
+  m_drivers.takeAsked();
+  tell();
+  EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0"));
+  m_drivers.answers[kOtherPort] = stored("7.0");
+  tell(kOther);
+  pass(KernelAdapters::kFresh);
+  const auto claim = m_journal.claim(kOther);
+  claim.enter(kEntry);
+  m_drivers.takeAsked();
+  tell();
+  EXPECT_THAT(m_drivers.takeAsked(), ElementsAre("0000:03:00.0"));
 }
 
 }  // namespace

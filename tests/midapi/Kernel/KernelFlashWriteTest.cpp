@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <filesystem>
 #include <gmock/gmock.h>
-#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -19,7 +18,6 @@ using ma::FirmwareVersions;
 using ma::NetlinkAck;
 using test::Bytes;
 using test::kernelPackage;
-using test::kKernelAdapter;
 using test::kKernelFunction;
 using test::kKernelPort;
 using test::kOtherFunction;
@@ -30,32 +28,6 @@ using testing::IsEmpty;
 
 class KernelFlashWrite : public test::KernelBackendFixture {
  protected:
-  // A write in whose middle the process is killed; then the flash holds those versions.
-  void dieWriting(const std::string& undi, const std::string& mgmt) {
-    m_drivers.onDevlinkFlash = [&](const std::string&, const std::string&,
-                                   const auto&) -> NetlinkAck {
-      store(undi, mgmt);
-      m_files.isDead = true;
-      throw std::runtime_error("killed");
-    };
-    EXPECT_THROW(write(), std::runtime_error);
-    m_files.isDead = false;
-    passASecond();
-  }
-  // The same for one that has not asked the kernel for anything.
-  void dieStaging() {
-    m_files.beforeStep = [this](const std::string& name, const std::filesystem::path& path) {
-      if (name == "create" && path.parent_path() == m_places.journal) {
-        m_files.isDead = true;
-        throw std::runtime_error("killed");
-      }
-    };
-    EXPECT_THROW(write(), std::runtime_error);
-    m_files.isDead = false;
-    m_files.beforeStep = [](const std::string&, const std::filesystem::path&) {};
-    EXPECT_EQ(staged().size(), 1U);
-    EXPECT_FALSE(hasEntry());
-  }
   // From the flash on the driver's answer is `meanwhile`, until somebody has slept so often.
   void answerAfterTheFlash(const DriverAnswer& meanwhile, int sleepsUntilThen) {
     m_drivers.onDevlinkFlash = [=, this](const std::string&, const std::string&, const auto&) {
@@ -333,164 +305,6 @@ TEST_F(KernelFlashWrite, GoesTheSameWayAfterAnInterruption) {
   passASecond();
   EXPECT_NO_THROW(write(file, port));
   EXPECT_EQ(flashes, 2);
-}
-
-TEST_F(KernelFlashWrite, TellsOfAnInterruptedUpdateThatTheKernelHasFinished) {
-  dieWriting("1.1.0", "7.2.0");
-  EXPECT_TRUE(hasEntry());
-  EXPECT_EQ(staged().size(), 1U);
-  const AdapterList list = m_backend.list();
-  EXPECT_THAT(staged(), IsEmpty());
-  EXPECT_THAT(list.adapters[0].notes,
-              ElementsAre("an update was interrupted; the kernel has finished it since: the flash "
-                          "holds what the file has (fw.undi 1.1.0, fw.mgmt 7.2.0)"));
-  EXPECT_THAT(list.problems, IsEmpty());
-  EXPECT_FALSE(hasEntry());
-  EXPECT_THAT(listing().notes, IsEmpty());
-}
-
-TEST_F(KernelFlashWrite, TellsOfAnInterruptedUpdateUntilTheNextOne) {
-  dieWriting("", "7.1.0");
-  for (int looks = 0; looks < 2; ++looks) {
-    const AdapterList list = m_backend.list();
-    ASSERT_EQ(list.problems.size(), 1U);
-    EXPECT_EQ(list.problems[0].place, "0000:03:00");
-    EXPECT_EQ(list.problems[0].text,
-              "an update was interrupted; the flash holds neither what it held before nor what the "
-              "file has (fw.undi (none), fw.mgmt 7.1.0)");
-    EXPECT_EQ(list.problems[0].advice, "update it again before the machine starts anew");
-    EXPECT_THAT(list.adapters[0].notes,
-                ElementsAre(HasSubstr("no stored version of fw.undi"), list.problems[0].text));
-    EXPECT_THAT(staged(), IsEmpty());
-  }
-  m_drivers.onDevlinkFlash = [this](const std::string&, const std::string&, const auto&) {
-    EXPECT_EQ(staged().size(), 1U);
-    store("1.1.0", "7.2.0");
-    return NetlinkAck{};
-  };
-  write();
-  EXPECT_THAT(staged(), IsEmpty());
-  EXPECT_THAT(m_backend.list().problems, IsEmpty());
-}
-
-TEST_F(KernelFlashWrite, TellsOfAnInterruptedUpdateThatHasChangedNothing) {
-  dieWriting("1.0.0", "7.1.0");
-  const AdapterList list = m_backend.list();
-  ASSERT_EQ(list.problems.size(), 1U);
-  EXPECT_EQ(
-      list.problems[0].text,
-      "an update was interrupted; the flash holds what it held before (fw.undi 1.0.0, fw.mgmt "
-      "7.1.0)");
-  EXPECT_EQ(list.problems[0].advice, "update it again");
-  EXPECT_THAT(m_backend.interruptedWrites(),
-              ElementsAre("0000:03:00: " + list.problems[0].text + "; update it again"));
-}
-
-TEST_F(KernelFlashWrite, DoesNotTakeWhatRunsForWhatAnErasedFlashHolds) {
-  dieWriting("", "");
-  const AdapterList list = m_backend.list();
-  ASSERT_EQ(list.problems.size(), 1U);
-  EXPECT_EQ(list.problems[0].text,
-            "an update was interrupted; the flash holds neither what it held before nor what the "
-            "file has (fw.undi (none), fw.mgmt (none))");
-}
-
-TEST_F(KernelFlashWrite, SaysNothingOfAnInterruptedUpdateWhileItGoesOn) {
-  dieWriting("1.0.0", "7.1.0");
-  m_drivers.answers[kKernelFunction].isAway = true;
-  const AdapterList list = m_backend.list();
-  EXPECT_TRUE(list.adapters[0].isBeingWritten);
-  EXPECT_THAT(list.adapters[0].notes, IsEmpty());
-  EXPECT_THAT(list.problems, IsEmpty());
-  EXPECT_TRUE(hasEntry());
-}
-
-TEST_F(KernelFlashWrite, NamesAnEntryThatIsNone) {
-  m_directory.write("kernel/0000-03-00.json", std::string("{"));
-  const AdapterList list = m_backend.list();
-  ASSERT_EQ(list.problems.size(), 1U);
-  EXPECT_THAT(list.problems[0].text, HasSubstr("0000-03-00.json is no entry of a flash"));
-  m_drivers.isPrivileged = false;
-  EXPECT_THAT(m_backend.list().problems, IsEmpty());
-}
-
-TEST_F(KernelFlashWrite, SweepsAwayWhatAProcessLeftThatWasKilledBeforeItsEntry) {
-  m_directory.write("firmware/quorvel-0000-03-00.fw.new-0123456789abcdef", std::string("x"));
-  m_drivers.onDevlinkFlash = [this](const std::string&, const std::string&, const auto&) {
-    EXPECT_EQ(staged().size(), 1U);
-    store("1.1.0", "7.2.0");
-    return NetlinkAck{};
-  };
-  write();
-  EXPECT_THAT(staged(), IsEmpty());
-}
-
-TEST_F(KernelFlashWrite, IsSweptAwayByAListWhereItDidNotComeToTheKernel) {
-  dieStaging();
-  EXPECT_THAT(m_backend.list().problems, IsEmpty());
-  EXPECT_THAT(staged(), IsEmpty());
-}
-
-TEST_F(KernelFlashWrite, IsSweptAwayByWhoLooksForInterruptedOnes) {
-  dieStaging();
-  EXPECT_THAT(m_backend.interruptedWrites(), IsEmpty());
-  EXPECT_THAT(staged(), IsEmpty());
-}
-
-TEST_F(KernelFlashWrite, IsNotSweptAwayWhileItsWriterLives) {
-  dieStaging();
-  const ma::FlashJournal journal(m_files, m_places.journal, m_clock);
-  const ma::FlashJournal::Claim writer = journal.claim(kKernelAdapter);
-  EXPECT_THAT(m_backend.list().problems, IsEmpty());
-  EXPECT_THAT(m_backend.interruptedWrites(), IsEmpty());
-  EXPECT_EQ(staged().size(), 1U);
-}
-
-TEST_F(KernelFlashWrite, IsNotTakenForInterruptedWhereItBeginsDuringAList) {
-  const ma::FlashJournal journal(m_files, m_places.journal, m_clock);
-  std::optional<ma::FlashJournal::Claim> writer;
-  m_drivers.beforeAnswer = [&](const std::vector<std::string>&) {
-    writer.emplace(journal.claim(kKernelAdapter));
-    writer->enter({1, 2, {}, {{"fw.undi", "1.1.0"}}, {}});
-  };
-  EXPECT_THAT(m_backend.list().problems, IsEmpty());
-  EXPECT_TRUE(hasEntry());
-}
-
-TEST_F(KernelFlashWrite, IsNotTakenForInterruptedWhereItEndsDuringAList) {
-  dieWriting("", "7.1.0");
-  m_files.beforeStep = [this](const std::string& name, const std::filesystem::path&) {
-    if (name == "lock") {
-      std::filesystem::remove(m_places.journal / "0000-03-00.json");
-    }
-  };
-  EXPECT_THAT(m_backend.list().problems, IsEmpty());
-}
-
-TEST_F(KernelFlashWrite, IsNotTakenForInterruptedWhereItsWriterIsNotSeen) {
-  dieWriting("", "7.1.0");
-  const ma::FlashJournal journal(ma::nativeFileSystem(), m_places.journal, m_clock);
-  std::optional<ma::FlashJournal::Claim> writer;
-  m_files.beforeStep = [&](const std::string& name, const std::filesystem::path&) {
-    if (name == "lock" && !writer) {
-      writer.emplace(journal.claim(kKernelAdapter));
-    }
-  };
-  EXPECT_THAT(m_backend.list().problems, IsEmpty());
-  EXPECT_EQ(staged().size(), 1U);
-}
-
-TEST_F(KernelFlashWrite, KeepsAnEntryThatWasMadeAfterTheLookAtIt) {
-  dieWriting("1.1.0", "7.2.0");
-  m_files.beforeStep = [this](const std::string& name, const std::filesystem::path&) {
-    if (name == "lock") {
-      m_directory.write("kernel/0000-03-00.json",
-                        std::string(R"({"size": 1, "digest": "af63dc4c8601ec8c", "before": {},
-                                        "expected": {}, "running": {}})"));
-    }
-  };
-  EXPECT_THAT(m_backend.list().problems, IsEmpty());
-  EXPECT_TRUE(hasEntry());
 }
 
 }  // namespace
