@@ -204,7 +204,6 @@ std::vector<std::string> KernelFlashBackend::interruptedWrites() {
 }
 
 bool KernelFlashBackend::isUpdatable(const PortId& port) {
-  m_adapters.awaitAnswer(port.adapter);
   return subjectOf(port).whyNotUpdatable.empty();
 }
 
@@ -217,10 +216,13 @@ std::vector<FirmwareVersions> KernelFlashBackend::firmwareVersions(const PortId&
   return subjectOf(port).versions;
 }
 
+void KernelFlashBackend::awaitAnswer(const AdapterAddress& adapter) {
+  m_adapters.awaitAnswer(adapter);
+}
+
 Preparation KernelFlashBackend::prepare(const PortId& port, ConstBytes file,
                                         std::span<std::uint8_t> buffer,
                                         const std::vector<utils::FirmwareType>& types) {
-  m_adapters.awaitAnswer(port.adapter);
   const Subject subject = subjectOf(port);
   Preparation preparation = prepareFirmware(subject.target(), file, buffer, types);
   if (preparation.filled != 0) {

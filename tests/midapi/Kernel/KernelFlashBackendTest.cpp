@@ -195,14 +195,27 @@ TEST_F(KernelFlashBackend, HasOneUpdateOfAnAdapterAtATime) {
   EXPECT_TRUE(m_backend.beginUpdate(kKernelAdapter));
 }
 
-TEST_F(KernelFlashBackend, WaitsForADriverThatDoesNotAnswerAtOnce) {
+TEST_F(KernelFlashBackend, WaitsForADriverThatDoesNotAnswerAtOnceBeforeItIsWritten) {
   keepSilentForAWhile();
+  m_backend.awaitAnswer(kKernelAdapter);
   EXPECT_TRUE(m_backend.isUpdatable(kKernelPort));
+  EXPECT_EQ(prepare(kernelPackage("1.1.0", "7.2.0")).status, PrepareStatus::Ok);
 }
 
-TEST_F(KernelFlashBackend, WaitsBeforeItChecksAFile) {
+TEST_F(KernelFlashBackend, KeepsNobodyWaitingWhoOnlyAsks) {
   keepSilentForAWhile();
+  EXPECT_FALSE(m_backend.isUpdatable(kKernelPort));
+  EXPECT_EQ(prepare(kernelPackage("1.1.0", "7.2.0")).status, PrepareStatus::NotUpdatable);
+  EXPECT_EQ(m_clock.slept(), std::chrono::milliseconds(0));
+}
+
+TEST_F(KernelFlashBackend, AnswersFromWhatWasLastKnownWhileSomebodyElseWritesIt) {
+  EXPECT_TRUE(m_backend.isUpdatable(kKernelPort));
+  passASecond();
+  keepSilentForAWhile();
+  EXPECT_TRUE(m_backend.isUpdatable(kKernelPort));
   EXPECT_EQ(prepare(kernelPackage("1.1.0", "7.2.0")).status, PrepareStatus::Ok);
+  EXPECT_EQ(m_clock.slept(), std::chrono::seconds(1));
 }
 
 class KernelActivation : public KernelFlashBackend {
