@@ -16,6 +16,7 @@
 #include "midapi/Kernel/KernelListing.h"
 #include "midapi/Kernel/PciFunctions.h"
 #include "midapi/Kernel/StagedFirmware.h"
+#include "midapi/Kernel/StoredFirmware.h"
 #include "platform/Texts.h"
 
 namespace ma {
@@ -61,14 +62,6 @@ std::vector<NamedVersion> storedOf(const std::vector<FirmwareVersions>& versions
     }
   }
   return stored;
-}
-
-// Only for a flash that was written whole.
-bool isInForce(const std::vector<FirmwareVersions>& versions) {
-  return std::ranges::any_of(versions, &FirmwareVersions::tellsStored) &&
-         std::ranges::none_of(versions, [](const FirmwareVersions& version) {
-           return version.tellsStored() && version.stored != version.running;
-         });
 }
 
 const KernelFunction* findFunction(const KernelAdapter& adapter, const PortId& id) {
@@ -320,14 +313,13 @@ Activation KernelFlashBackend::activate(const AdapterAddress& adapter) {
   const PciFunction& function = route.function->pci;
   // Whatever puts it into force: nobody is advised to do so with a half of it.
   m_interrupted.refuseUnfinished(known, function.id);
-  Activation otherwise{false, "its driver " + function.driver +
-                                  " cannot put stored firmware into force; " +
-                                  std::string(route.driver->activation)};
+  const StoredFirmware stored = judgeStored(versionsOf(known, function.id.function));
+  if (stored == StoredFirmware::InForce) {
+    return {true, "what its flash holds is in force"};
+  }
+  Activation otherwise{false, whatItTakes(route, stored)};
   if (!route.driver->canActivate || route.way != FlashWay::Devlink) {
     return otherwise;
-  }
-  if (isInForce(versionsOf(known, function.id.function))) {
-    return {true, "what its flash holds is in force"};
   }
   if (!m_drivers.mayFlash()) {
     throw FlashFault(FlashError::NotActivated, kNoRight);

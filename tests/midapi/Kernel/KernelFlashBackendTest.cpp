@@ -318,6 +318,36 @@ TEST_F(KernelActivation, IsNotAskedForWhereNothingWaitsForIt) {
   EXPECT_TRUE(m_backend.activate(kKernelAdapter).isActive);
 }
 
+TEST_F(KernelActivation, IsTheDriversWhereItDoesNotTellAllThatIsStored) {
+  store("1.0.0", "7.1.0");
+  m_drivers.answers[kKernelFunction].devlink->stored.pop_back();
+  int activations = 0;
+  m_drivers.onActivate = [&activations](const std::string&) {
+    ++activations;
+    return NetlinkAck{};
+  };
+  EXPECT_TRUE(m_backend.activate(kKernelAdapter).isActive);
+  EXPECT_EQ(activations, 1);
+}
+
+TEST_F(KernelActivation, IsDoneWhereWhatIsStoredRunsWhateverTheDriverCan) {
+  expectNoReset();
+  addFunction(kOtherFunction, "hinic");
+  store("1.0.0", "7.1.0", kOtherFunction);
+  const Activation activation = m_backend.activate({0, 4, 0});
+  EXPECT_TRUE(activation.isActive);
+  EXPECT_EQ(activation.text, "what its flash holds is in force");
+}
+
+TEST_F(KernelActivation, SaysThatDevlinkDoesNotAnswerThroughWhichItWouldGo) {
+  addFunction(kOtherFunction, "bnxt_en");
+  const Activation activation = m_backend.activate({0, 4, 0});
+  EXPECT_FALSE(activation.isActive);
+  EXPECT_THAT(activation.text,
+              StartsWith("its driver bnxt_en puts stored firmware into force by devlink, by which "
+                         "it does not answer"));
+}
+
 TEST_F(KernelActivation, SaysWhatItTakesOtherwise) {
   m_drivers.onActivate = [](const std::string&) { return NetlinkAck{EOPNOTSUPP, ""}; };
   const Activation activation = m_backend.activate(kKernelAdapter);
@@ -328,8 +358,8 @@ TEST_F(KernelActivation, SaysWhatItTakesOtherwise) {
       "cycle it where that is not enough");
   addFunction(kOtherFunction, "cxgb4");
   EXPECT_EQ(m_backend.activate({0, 4, 0}).text,
-            "its driver cxgb4 cannot put stored firmware into force; reload the driver, or reboot "
-            "the machine");
+            "its driver cxgb4 cannot put stored firmware into force, and does not tell all that is "
+            "stored; after an update, reload the driver, or reboot the machine");
 }
 
 TEST_F(KernelActivation, FailsWithTheWordsOfTheDriver) {
