@@ -171,6 +171,9 @@ AdapterList KernelFlashBackend::list() {
     list.adapters.push_back(std::move(listing));
   }
   m_interrupted.sweepUnasked(addresses, folder);
+  for (AdapterProblem& problem : m_interrupted.leftOverOfAbsent(addresses)) {
+    list.problems.push_back(std::move(problem));
+  }
   return list;
 }
 
@@ -192,6 +195,9 @@ std::vector<std::string> KernelFlashBackend::interruptedWrites() {
       texts.push_back(toString(address) + ": " + leftOver.text +
                       (leftOver.advice.empty() ? "" : "; " + leftOver.advice));
     }
+  }
+  for (const AdapterProblem& problem : m_interrupted.leftOverOfAbsent(addresses)) {
+    texts.push_back(problem.place + ": " + problem.text + "; " + problem.advice);
   }
   return texts;
 }
