@@ -373,7 +373,11 @@ std::filesystem::path KernelFlashBackend::firmwareFolder() const {
 }
 
 std::string KernelFlashBackend::whyNobody() const {
-  return m_drivers.mayFlash() ? whyNotStageable(firmwareFolder()) : kNoRight;
+  std::string folder = whyNotStageable(firmwareFolder());
+  if (m_drivers.mayFlash()) {
+    return folder;
+  }
+  return kNoRight + (folder.empty() ? "" : "; besides, " + folder);
 }
 
 KernelFlashBackend::Subject KernelFlashBackend::subjectToWrite(const PortId& port,

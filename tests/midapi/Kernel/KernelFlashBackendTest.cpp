@@ -88,6 +88,11 @@ TEST_F(KernelFlashBackend, SaysWhyAnAdapterCannotBeUpdated) {
   EXPECT_THAT(listing().whyNotUpdatable,
               AllOf(StartsWith("firmware cannot be put into "), HasSubstr("FirmwareFolder")));
   m_drivers.isPrivileged = false;
+  EXPECT_THAT(listing().whyNotUpdatable,
+              AllOf(StartsWith("writing firmware needs the capability CAP_NET_ADMIN, as root has "
+                               "it; besides, firmware cannot be put into "),
+                    HasSubstr("FirmwareFolder")));
+  m_settings.firmwareFolder = m_firmware.string();
   EXPECT_EQ(listing().whyNotUpdatable,
             "writing firmware needs the capability CAP_NET_ADMIN, as root has it");
   passASecond();
