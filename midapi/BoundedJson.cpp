@@ -45,7 +45,21 @@ std::string dump(const Json& json, int indent) {
   return json.dump(indent, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
+// The innermost values first: an empty one needs nothing.
+void empty(Json& json) {
+  if (json.is_structured()) {
+    for (Json& member : json) {
+      empty(member);
+    }
+    json.clear();
+  }
+}
+
 }  // namespace
+
+EmptiedJson::~EmptiedJson() {
+  empty(m_json);
+}
 
 Json parseJsonObject(std::string_view text) {
   if (text.size() > kMaxJsonSize) {

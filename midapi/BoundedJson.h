@@ -30,6 +30,19 @@ inline constexpr std::size_t kMaxJsonMembers = 1000;
 // DescriptionFault where it does not fit either way.
 [[nodiscard]] std::string formatJson(const Json& json);
 
+// Empties a value when it goes, without memory: a value that is not empty needs some for its own
+// end, and ends the program where there is none.
+class EmptiedJson {
+ public:
+  explicit EmptiedJson(Json& json) : m_json(json) {}
+  EmptiedJson(const EmptiedJson&) = delete;
+  EmptiedJson& operator=(const EmptiedJson&) = delete;
+  ~EmptiedJson();
+
+ private:
+  Json& m_json;
+};
+
 }  // namespace ma
 
 #endif  // ORVEX_MIDAPI_BOUNDEDJSON_H_

@@ -39,16 +39,22 @@ std::vector<NamedVersion> readVersions(const FieldReader& fields, const char* fi
   return list;
 }
 
-Json toJson(const std::vector<NamedVersion>& versions) {
-  Json json = Json::object();
+// Room beforehand: a list of members that grows destroys values that are not empty.
+void makeObject(Json& json, std::size_t members) {
+  json = Json::object();
+  json.get_ref<Json::object_t&>().reserve(members);
+}
+
+void put(const std::vector<NamedVersion>& versions, Json& json) {
+  makeObject(json, versions.size());
   for (const NamedVersion& version : versions) {
     json[version.name] = version.value;
   }
-  return json;
 }
 
 FlashEntry parseEntry(std::string_view text) {
-  const Json json = parseJsonObject(text);
+  Json json = parseJsonObject(text);
+  const EmptiedJson emptied(json);
   const FieldReader fields(json, "");
   FlashEntry entry;
   entry.size = fields.number("size", 0, std::numeric_limits<std::uint64_t>::max());
@@ -60,11 +66,15 @@ FlashEntry parseEntry(std::string_view text) {
 }
 
 std::string formatEntry(const FlashEntry& entry) {
-  return formatJson(Json{{"size", entry.size},
-                         {"digest", hexText(entry.digest, kDigestDigits)},
-                         {"running", toJson(entry.running)},
-                         {"before", toJson(entry.before)},
-                         {"expected", toJson(entry.expected)}});
+  Json json;
+  const EmptiedJson emptied(json);
+  makeObject(json, 5);
+  json["size"] = entry.size;
+  json["digest"] = hexText(entry.digest, kDigestDigits);
+  put(entry.running, json["running"]);
+  put(entry.before, json["before"]);
+  put(entry.expected, json["expected"]);
+  return formatJson(json);
 }
 
 std::optional<FlashEntry> readEntry(FileSystem& files, const std::filesystem::path& path) {

@@ -127,6 +127,10 @@ std::optional<KernelAdapter> KernelAdapters::findFor(const AdapterAddress& addre
   }
   ask(look);
   std::vector<KernelAdapter> adapters = tell(look);
+  if (asker == Asker::Writer && !adapters.empty() && adapters.front().isBeingWritten &&
+      !std::ranges::all_of(adapters.front().functions, &KernelFunction::hasAnswered)) {
+    adapters.front().noted = entryOf(address);
+  }
   return adapters.empty() ? std::nullopt : std::optional(std::move(adapters.front()));
 }
 
@@ -174,7 +178,8 @@ void KernelAdapters::addFunctions(std::vector<PciFunction> functions, Asker aske
       continue;
     }
     if (look.adapters.empty() || look.adapters.back().address != address) {
-      auto entry = entryOf(address);
+      // The writer knows better than the journal.
+      auto entry = asker == Asker::Reader ? entryOf(address) : std::nullopt;
       const bool isBeingWritten = asker == Asker::Reader && hasWriter(address, entry);
       look.adapters.push_back({address, {}, std::move(entry), !isBeingWritten, false});
     }

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "midapi/Hex.h"
+#include "midapi/Posix/FolderNames.h"
 
 namespace ma {
 namespace {
@@ -57,12 +58,8 @@ std::optional<PciIds> readIds(const fs::path& folder) {
 
 // Returns the names in a folder; none where it is not there.
 std::vector<std::string> namesIn(const fs::path& folder) {
-  std::vector<std::string> names;
   std::error_code error;
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
-       entry.increment(error)) {
-    names.push_back(entry->path().filename().string());
-  }
+  std::vector<std::string> names = readFolderNames(folder, error);
   std::sort(names.begin(), names.end());
   return names;
 }

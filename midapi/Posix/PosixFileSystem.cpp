@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "midapi/Posix/FolderNames.h"
 #include "platform/Posix/Descriptor.h"
 #include "platform/Posix/FileStamps.h"
 
@@ -239,17 +240,12 @@ class PosixFileSystem final : public FileSystem {
   }
 
   std::vector<fs::path> entries(const fs::path& path, std::size_t max) override {
-    std::vector<fs::path> names;
     std::error_code error;
-    fs::directory_iterator entry(path, error);
-    for (; !error && entry != fs::directory_iterator() && names.size() < max;
-         entry.increment(error)) {
-      names.push_back(entry->path().filename());
-    }
+    const std::vector<std::string> names = readFolderNames(path, error, max);
     if (error) {
       throw FileFault("read", path, error);
     }
-    return names;
+    return {names.begin(), names.end()};
   }
 
   std::unique_ptr<WritableFile> create(const fs::path& path) override {
@@ -319,8 +315,11 @@ class PosixFileSystem final : public FileSystem {
   }
 
   void removeQuietly(const fs::path& path) noexcept override {
-    std::error_code ignored;
-    fs::remove_all(path, ignored);
+    // Of a file, without memory.
+    if (::unlink(path.c_str()) != 0 && errno != ENOENT) {
+      std::error_code ignored;
+      fs::remove_all(path, ignored);
+    }
   }
 
  private:

@@ -89,4 +89,14 @@ TEST(BoundedJson, WritesNothingThatItCouldNotRead) {
                DescriptionFault);
 }
 
+TEST(EmptiedJson, IsEmptyAfterItsScope) {
+  ma::Json json = ma::parseJsonObject(R"({"a": {"b": [1, {"c": "text"}]}, "d": 2})");
+  {
+    const ma::EmptiedJson emptied(json);
+    EXPECT_EQ(json.size(), 2U);
+  }
+  EXPECT_TRUE(json.is_object());
+  EXPECT_EQ(json.size(), 0U);
+}
+
 }  // namespace

@@ -142,4 +142,32 @@ TEST_F(FlashJournalTest, FailsBeforeTheFlashWhereNothingCanBeEntered) {
   EXPECT_FALSE(m_journal.entry(kAdapter));
 }
 
+// The disk does not know what stands in the folder.
+TEST_F(FlashJournalTest, HasNoEntryThatTheDiskDoesNotKnow) {
+  const FlashJournal::Claim claim = m_journal.claim(kAdapter);
+  m_files.afterStep = [](const std::string& step, const std::filesystem::path& path) {
+    if (step == "replace") {
+      test::WatchedFileSystem::failAsFullDisk("synchronise", path.parent_path());
+    }
+  };
+  EXPECT_THAT(failureOf([&] { claim.enter(twoComponents()); }),
+              AllOf(HasSubstr("no record of the update can be kept, so it has not begun"),
+                    HasSubstr(m_folder.string())));
+  EXPECT_FALSE(m_journal.entry(kAdapter));
+}
+
+TEST_F(FlashJournalTest, SaysThatTheDiskDoesNotKnowOfAnEnd) {
+  const FlashJournal::Claim claim = m_journal.claim(kAdapter);
+  claim.enter(twoComponents());
+  m_files.afterStep = [](const std::string& step, const std::filesystem::path& path) {
+    if (step == "remove") {
+      test::WatchedFileSystem::failAsFullDisk("synchronise", path.parent_path());
+    }
+  };
+  EXPECT_THAT(failureOf([&] { claim.clear(); }), HasSubstr("No space left on device"));
+  EXPECT_FALSE(m_journal.entry(kAdapter));
+  claim.enter(twoComponents());
+  EXPECT_NO_THROW(claim.clearQuietly());
+}
+
 }  // namespace
