@@ -8,13 +8,14 @@
 #include <utility>
 
 #include "midapi/Digest.h"
+#include "midapi/FirmwareFormat.h"
 #include "midapi/ImagePreparation.h"
 #include "midapi/Kernel/FirmwareCheck.h"
-#include "midapi/Kernel/FlashOutcome.h"
 #include "midapi/Kernel/FlashProgress.h"
 #include "midapi/Kernel/FlashRoute.h"
 #include "midapi/Kernel/KernelListing.h"
 #include "midapi/Kernel/PciFunctions.h"
+#include "midapi/Kernel/ReadBack.h"
 #include "midapi/Kernel/StagedFirmware.h"
 #include "midapi/Kernel/StoredFirmware.h"
 #include "platform/Texts.h"
@@ -299,9 +300,7 @@ void KernelFlashBackend::writeFlash(const PortId& port, ConstBytes image, WriteP
     claim.clearQuietly();
     throw FlashFault(FlashError::WriteRefused, wordsOf(ack) + adviceFor(ack, folder));
   }
-  if (subject.route.way == FlashWay::Devlink) {
-    verify(subject.route.function->pci.id, entry, claim);
-  }
+  verify(subject, image, entry, claim);
   claim.clearQuietly();
   progress.complete();
 }
@@ -455,33 +454,40 @@ NetlinkAck KernelFlashBackend::flash(const Subject& subject, const std::string& 
       });
 }
 
-void KernelFlashBackend::verify(const PortId& function, const FlashEntry& entry,
+void KernelFlashBackend::verify(const Subject& written, ConstBytes image, const FlashEntry& entry,
                                 const FlashJournal::Claim& claim) {
-  if (entry.expected.empty()) {
-    return;
-  }
+  const PciFunction& function = written.route.function->pci;
+  const bool hasVersions =
+      written.route.way == FlashWay::Devlink && !(entry.expected.empty() && entry.before.empty());
   const auto end = m_clock.now() + kLongestAbsence;
-  auto adapter = m_adapters.findForWriter(function.adapter);
-  while (isBusy(adapter, function) && m_clock.now() < end) {
+  auto adapter = m_adapters.findForWriter(function.id.adapter);
+  while (hasVersions && isBusy(adapter, function.id) && m_clock.now() < end) {
     m_clock.sleepFor(kBetweenLooks);
-    adapter = m_adapters.findForWriter(function.adapter);
+    adapter = m_adapters.findForWriter(function.id.adapter);
   }
-  if (!hasAnswered(adapter, function)) {
-    throw FlashFault(
-        FlashError::NotCompared,
-        "the driver has written it, and does not tell any versions since; look at them "
-        "when it does");
+  const std::string isWritten = "the driver has written it, and does not tell ";
+  ReadBack versions;
+  if (hasVersions) {
+    if (!hasAnswered(adapter, function.id)) {
+      throw FlashFault(FlashError::NotCompared,
+                       isWritten + "any versions since; look at them when it does");
+    }
+    versions = readBackVersions(entry, versionsOf(*adapter, function.id.function));
+    if (versions.verdict == ReadBack::Verdict::Untold) {
+      throw FlashFault(FlashError::NotCompared,
+                       isWritten + versions.text + " any more; look at it when it does");
+    }
   }
-  const auto versions = versionsOf(*adapter, function.function);
-  const std::string difference = findDifference(entry.expected, versions);
-  if (!difference.empty()) {
-    claim.clearQuietly();
-    throw FlashFault(FlashError::CompareMismatch, difference);
+  ReadBack rom;
+  if (firmwareFormatOf(image) == FirmwareFormat::OptionRom && adapter && isRomKnown(*adapter)) {
+    rom = readBackRom(function.ids, image, romOf(written.adapter, written.port),
+                      romOf(*adapter, written.port));
   }
-  if (const auto name = findUntold(entry.expected, entry.before, versions); !name.empty()) {
-    throw FlashFault(FlashError::NotCompared,
-                     "the driver has written it, and does not tell the version of " + name +
-                         " any more; look at it when it does");
+  for (const ReadBack& found : {versions, rom}) {
+    if (found.verdict == ReadBack::Verdict::Different) {
+      claim.clearQuietly();
+      throw FlashFault(FlashError::CompareMismatch, found.text);
+    }
   }
 }
 

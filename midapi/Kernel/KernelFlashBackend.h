@@ -89,7 +89,8 @@ class KernelFlashBackend final : public FlashBackend {
   void lookAgain(Subject& subject) const;
   [[nodiscard]] NetlinkAck flash(const Subject& subject, const std::string& file,
                                  std::uint64_t bytes, WriteProgress& progress);
-  void verify(const PortId& function, const FlashEntry& entry, const FlashJournal::Claim& claim);
+  void verify(const Subject& written, ConstBytes image, const FlashEntry& entry,
+              const FlashJournal::Claim& claim);
 
   FileSystem& m_files;
   const KernelPlaces m_places;
