@@ -68,7 +68,8 @@ ExitStatus activate(const Context& context, const std::string& target) {
   }
   if (!activation.isActive) {
     context.err << "quorvel: the firmware that " << adapter
-                << " has stored is not in force: " << utils::toPrintable(activation.text) << '\n';
+                << " has stored was not put into force: " << utils::toPrintable(activation.text)
+                << '\n';
   }
   return activation.isActive ? ExitStatus::Done : ExitStatus::Failed;
 }

@@ -242,6 +242,10 @@ std::vector<FirmwareVersions> BackendSet::firmwareVersions(const PortId& port) {
   return memberFor(port.adapter).firmwareVersions(port);
 }
 
+void BackendSet::awaitAnswer(const AdapterAddress& adapter) {
+  memberFor(adapter).awaitAnswer(adapter);
+}
+
 Preparation BackendSet::prepare(const PortId& port, ConstBytes file, std::span<std::uint8_t> buffer,
                                 const std::vector<utils::FirmwareType>& types) {
   return memberFor(port.adapter).prepare(port, file, buffer, types);

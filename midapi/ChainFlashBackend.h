@@ -40,6 +40,7 @@ class ChainFlashBackend : public FlashBackend {
   bool isUpdatable(const PortId& port) override;
   std::vector<utils::FirmwareVersionInfo> installedFirmware(const PortId& port) override;
   std::vector<FirmwareVersions> firmwareVersions(const PortId& port) override;
+  void awaitAnswer(const AdapterAddress& /*adapter*/) override {}  // each answers at once
   Preparation prepare(const PortId& port, ConstBytes file, std::span<std::uint8_t> buffer,
                       const std::vector<utils::FirmwareType>& types) override;
   ImageComparison compare(const PortId& port, ConstBytes file) override;

@@ -6,8 +6,8 @@
 // option ROMs that is written as a whole; MidApi.cpp has those that are used.
 //
 // Any thread may call; writes to one adapter never overlap. Every failure is thrown as FlashFault.
-// Nothing but a preparation, a comparison and the operations of an update may wait for an adapter:
-// one that is being written is answered for at once, by what was last known of it.
+// Nothing but awaitAnswer and the operations of an update may wait for an adapter: one that is
+// being written is answered for at once, by what was last known of it.
 
 #ifndef ORVEX_MIDAPI_FLASHBACKEND_H_
 #define ORVEX_MIDAPI_FLASHBACKEND_H_
@@ -107,6 +107,10 @@ class FlashBackend {
 
   // Returns what the adapter's driver says of its firmware; nothing where it has none that does.
   [[nodiscard]] virtual std::vector<FirmwareVersions> firmwareVersions(const PortId& port) = 0;
+
+  // Waits some seconds for an adapter that does not answer just now, on behalf of one who goes on
+  // to write it. Whoever only asks does not wait: somebody else may be writing it for minutes.
+  virtual void awaitAnswer(const AdapterAddress& adapter) = 0;
 
   // Checks a firmware file as prepareFlashImage says, and fills `buffer`, which has room for the
   // file, with what writeFlash is to be given.

@@ -98,14 +98,19 @@ bool isFirmware(ConstBytes file) {
                                              : format != FirmwareFormat::Unknown;
 }
 
+enum class Purpose { Question, Write };
+
 // As FlashBackend::prepare, for whatever adapter is named: the file is looked at first, whatever
 // the name is.
 Preparation prepare(const std::string& adapter, ConstBytes file, std::span<std::uint8_t> buffer,
-                    const std::vector<utils::FirmwareType>& types) {
+                    const std::vector<utils::FirmwareType>& types, Purpose purpose) {
   try {
     const auto port = parseCanonicalPortId(adapter);
     if (!port || !backend().hasAdapter(port->adapter)) {
       return {isFirmware(file) ? PrepareStatus::InternalFault : PrepareStatus::InvalidImage};
+    }
+    if (purpose == Purpose::Write) {
+      backend().awaitAnswer(port->adapter);
     }
     return backend().prepare(*port, file, buffer, types);
   } catch (const FlashFault& fault) {
@@ -217,7 +222,7 @@ PrepareStatus prepareFlashImage(const std::string& adapter, const std::uint8_t* 
                                 std::uint32_t& imageSize,
                                 const std::vector<utils::FirmwareType>& types) {
   const std::span<std::uint8_t> buffer(image, imageSize);
-  const Preparation preparation = prepare(adapter, {file, fileSize}, buffer, types);
+  const Preparation preparation = prepare(adapter, {file, fileSize}, buffer, types, Purpose::Write);
   imageSize = preparation.filled;
   const PrepareStatus status = preparation.status;
   if (status == PrepareStatus::Ok || status == PrepareStatus::Downgrade ||
@@ -232,7 +237,7 @@ std::string explainFlashImage(const std::string& adapter, const std::uint8_t* fi
                               std::uint32_t fileSize,
                               const std::vector<utils::FirmwareType>& types) {
   FileBytes scratch(fileSize);
-  return prepare(adapter, {file, fileSize}, scratch.writable(), types).reason;
+  return prepare(adapter, {file, fileSize}, scratch.writable(), types, Purpose::Question).reason;
 }
 
 ImageComparison compareFlashImage(const std::string& adapter, const std::uint8_t* file,
@@ -260,6 +265,7 @@ bool writeFlashImage(const std::string& adapter, const std::uint8_t* image, std:
   return report(errorCode, errorText, [&] {
     const PortId port = needPort(adapter);
     if (imageSize == 0) {
+      backend().awaitAnswer(port.adapter);
       if (!backend().isUpdatable(port)) {
         throw FlashFault(FlashError::NotUpdatable, adapter);
       }

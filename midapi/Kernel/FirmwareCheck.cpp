@@ -196,14 +196,13 @@ std::vector<NamedVersion> versionsFor(const KernelDriver& driver, const PldmPack
 }
 
 // Returns the version of that name that the adapter has; empty where it is not known. Where the
-// driver tells nothing of the flash, what runs is the best that is known of it.
+// driver does not tell it of the flash, what runs is the best that is known of that.
 std::string_view versionAtHand(std::span<const FirmwareVersions> versions, std::string_view name) {
   const auto found = std::ranges::find(versions, name, &FirmwareVersions::name);
   if (found == versions.end()) {
     return {};
   }
-  return std::ranges::any_of(versions, &FirmwareVersions::tellsStored) ? found->stored
-                                                                       : found->running;
+  return found->tellsStored() ? found->stored : found->running;
 }
 
 std::optional<Preparation> checkVersions(const FirmwareTarget& target,

@@ -19,6 +19,11 @@
 namespace ma {
 namespace {
 
+constexpr const char* kEntrySuffix = ".json";
+
+// A lock stays for each adapter that was ever written.
+constexpr std::size_t kMaxNames = 100'000;
+
 std::vector<NamedVersion> readVersions(const FieldReader& fields, const char* field) {
   const Json& versions = fields.need(field);
   if (!versions.is_object()) {
@@ -182,6 +187,22 @@ bool FlashJournal::hasEntry(const AdapterAddress& adapter) const {
   }
 }
 
+std::set<AdapterAddress> FlashJournal::adapters() const {
+  std::set<AdapterAddress> found;
+  try {
+    for (const std::filesystem::path& name : m_files.entries(m_folder, kMaxNames)) {
+      const auto adapter =
+          name.extension() == kEntrySuffix ? parseFolderName(name.stem().string()) : std::nullopt;
+      if (adapter) {
+        found.insert(*adapter);
+      }
+    }
+  } catch (const FileFault&) {
+    return found;
+  }
+  return found;
+}
+
 bool FlashJournal::isClaimed(const AdapterAddress& adapter) const {
   return isFileLocked(lockPath(adapter));
 }
@@ -191,7 +212,7 @@ std::filesystem::path FlashJournal::lockPath(const AdapterAddress& adapter) cons
 }
 
 std::filesystem::path FlashJournal::entryPath(const AdapterAddress& adapter) const {
-  return m_folder / (toFolderName(adapter) + ".json");
+  return m_folder / (toFolderName(adapter) + kEntrySuffix);
 }
 
 }  // namespace ma

@@ -19,6 +19,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <set>
 #include <vector>
 
 #include "midapi/AdapterId.h"
@@ -85,6 +86,10 @@ class FlashJournal {
   [[nodiscard]] std::optional<FlashEntry> entry(const AdapterAddress& adapter) const;
   // Returns whether there is one, be it readable or not.
   [[nodiscard]] bool hasEntry(const AdapterAddress& adapter) const;
+  // Returns the adapters of which there is one, be the adapter there or not. Minds no failure.
+  [[nodiscard]] std::set<AdapterAddress> adapters() const;
+  // Returns the file of an adapter's entry.
+  [[nodiscard]] std::filesystem::path entryPath(const AdapterAddress& adapter) const;
 
   // Returns whether somebody has the right to write the adapter: then the writer of its entry
   // lives. Needs no right, and disturbs nobody. False, too, where it cannot be told (see
@@ -93,7 +98,6 @@ class FlashJournal {
 
  private:
   [[nodiscard]] std::filesystem::path lockPath(const AdapterAddress& adapter) const;
-  [[nodiscard]] std::filesystem::path entryPath(const AdapterAddress& adapter) const;
 
   FileSystem& m_files;
   const std::filesystem::path m_folder;

@@ -1,12 +1,12 @@
 #include "midapi/Kernel/InterruptedFlashes.h"
 
 #include <algorithm>
-#include <vector>
 
 #include "midapi/FlashBackend.h"
 #include "midapi/Kernel/FlashOutcome.h"
 #include "midapi/Kernel/KernelListing.h"
 #include "midapi/Kernel/StagedFirmware.h"
+#include "platform/Texts.h"
 
 namespace ma {
 namespace {
@@ -64,12 +64,28 @@ InterruptedFlashes::LeftOver InterruptedFlashes::leftOverOf(
   }
 }
 
-void InterruptedFlashes::sweepUnasked(const std::set<AdapterAddress>& adapters,
+std::vector<AdapterProblem> InterruptedFlashes::leftOverOfAbsent(
+    const std::set<AdapterAddress>& present) const {
+  std::vector<AdapterProblem> problems;
+  for (const AdapterAddress& adapter : m_journal.adapters()) {
+    // An adapter that starts anew is not there for a while, and its writer waits for it.
+    if (!present.contains(adapter) && !m_journal.isClaimed(adapter) &&
+        m_journal.hasEntry(adapter)) {
+      problems.push_back(
+          {toString(adapter), "an update was interrupted, and the adapter is not there",
+           "update it again when it is back, or remove " +
+               platform::toShownText(m_journal.entryPath(adapter)) + " if it never will be"});
+    }
+  }
+  return problems;
+}
+
+void InterruptedFlashes::sweepUnasked(const std::set<AdapterAddress>& present,
                                       const std::filesystem::path& firmwareFolder) const {
-  for (const AdapterAddress& adapter : findStagedFirmware(m_files, firmwareFolder, adapters)) {
-    // Where there is an entry, the kernel may be about to read it.
+  for (const AdapterAddress& adapter : findStagedFirmware(m_files, firmwareFolder)) {
+    // Where there is an entry, the kernel may be about to read it for an adapter that is there.
     const FlashJournal::Attempt attempt = m_journal.tryClaim(adapter);
-    if (attempt.claim && !m_journal.hasEntry(adapter)) {
+    if (attempt.claim && !(present.contains(adapter) && m_journal.hasEntry(adapter))) {
       sweepStagedFirmware(m_files, firmwareFolder, adapter);
     }
   }

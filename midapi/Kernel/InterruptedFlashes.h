@@ -11,8 +11,10 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "midapi/AdapterId.h"
+#include "midapi/AdapterListing.h"
 #include "midapi/FileSystem.h"
 #include "midapi/Kernel/DriverCalls.h"
 #include "midapi/Kernel/FlashJournal.h"
@@ -37,9 +39,14 @@ class InterruptedFlashes {
   [[nodiscard]] LeftOver leftOverOf(const KernelAdapter& adapter,
                                     const std::filesystem::path& firmwareFolder) const;
 
+  // Says the same of adapters that are not there, `present` being all those that are: nobody can be
+  // asked what has become of these.
+  [[nodiscard]] std::vector<AdapterProblem> leftOverOfAbsent(
+      const std::set<AdapterAddress>& present) const;
+
   // Removes from the kernel's folder what processes left there that were killed before they asked
-  // the kernel for anything.
-  void sweepUnasked(const std::set<AdapterAddress>& adapters,
+  // the kernel for anything, or whose adapter is not there any more.
+  void sweepUnasked(const std::set<AdapterAddress>& present,
                     const std::filesystem::path& firmwareFolder) const;
 
   // Throws where the flash is being written, or was not written whole: it is not to be put into

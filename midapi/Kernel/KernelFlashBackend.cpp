@@ -8,14 +8,16 @@
 #include <utility>
 
 #include "midapi/Digest.h"
+#include "midapi/FirmwareFormat.h"
 #include "midapi/ImagePreparation.h"
 #include "midapi/Kernel/FirmwareCheck.h"
-#include "midapi/Kernel/FlashOutcome.h"
 #include "midapi/Kernel/FlashProgress.h"
 #include "midapi/Kernel/FlashRoute.h"
 #include "midapi/Kernel/KernelListing.h"
 #include "midapi/Kernel/PciFunctions.h"
+#include "midapi/Kernel/ReadBack.h"
 #include "midapi/Kernel/StagedFirmware.h"
+#include "midapi/Kernel/StoredFirmware.h"
 #include "platform/Texts.h"
 
 namespace ma {
@@ -61,14 +63,6 @@ std::vector<NamedVersion> storedOf(const std::vector<FirmwareVersions>& versions
     }
   }
   return stored;
-}
-
-// Only for a flash that was written whole.
-bool isInForce(const std::vector<FirmwareVersions>& versions) {
-  return std::ranges::any_of(versions, &FirmwareVersions::tellsStored) &&
-         std::ranges::none_of(versions, [](const FirmwareVersions& version) {
-           return version.tellsStored() && version.stored != version.running;
-         });
 }
 
 const KernelFunction* findFunction(const KernelAdapter& adapter, const PortId& id) {
@@ -184,6 +178,9 @@ AdapterList KernelFlashBackend::list() {
     list.adapters.push_back(std::move(listing));
   }
   m_interrupted.sweepUnasked(addresses, folder);
+  for (AdapterProblem& problem : m_interrupted.leftOverOfAbsent(addresses)) {
+    list.problems.push_back(std::move(problem));
+  }
   return list;
 }
 
@@ -218,11 +215,13 @@ std::vector<std::string> KernelFlashBackend::interruptedWrites() {
                       (leftOver.advice.empty() ? "" : "; " + leftOver.advice));
     }
   }
+  for (const AdapterProblem& problem : m_interrupted.leftOverOfAbsent(addresses)) {
+    texts.push_back(problem.place + ": " + problem.text + "; " + problem.advice);
+  }
   return texts;
 }
 
 bool KernelFlashBackend::isUpdatable(const PortId& port) {
-  m_adapters.awaitAnswer(port.adapter);
   return subjectOf(port).whyNotUpdatable.empty();
 }
 
@@ -235,10 +234,13 @@ std::vector<FirmwareVersions> KernelFlashBackend::firmwareVersions(const PortId&
   return subjectOf(port).versions;
 }
 
+void KernelFlashBackend::awaitAnswer(const AdapterAddress& adapter) {
+  m_adapters.awaitAnswer(adapter);
+}
+
 Preparation KernelFlashBackend::prepare(const PortId& port, ConstBytes file,
                                         std::span<std::uint8_t> buffer,
                                         const std::vector<utils::FirmwareType>& types) {
-  m_adapters.awaitAnswer(port.adapter);
   const Subject subject = subjectOf(port);
   Preparation preparation = prepareFirmware(subject.target(), file, buffer, types);
   if (preparation.filled != 0) {
@@ -316,9 +318,7 @@ void KernelFlashBackend::writeFlash(const PortId& port, ConstBytes image, WriteP
     claim.clearQuietly();
     throw FlashFault(FlashError::WriteRefused, wordsOf(ack) + adviceFor(ack, folder));
   }
-  if (subject.route.way == FlashWay::Devlink) {
-    verify(subject.route.function->pci.id, entry, claim);
-  }
+  verify(subject, image, entry, claim);
   claim.clearQuietly();
   progress.complete();
 }
@@ -336,14 +336,13 @@ Activation KernelFlashBackend::activate(const AdapterAddress& adapter) {
   const PciFunction& function = route.function->pci;
   // Whatever puts it into force: nobody is advised to do so with a half of it.
   m_interrupted.refuseUnfinished(known, function.id);
-  Activation otherwise{false, "its driver " + function.driver +
-                                  " cannot put stored firmware into force; " +
-                                  std::string(route.driver->activation)};
+  const StoredFirmware stored = judgeStored(versionsOf(known, function.id.function));
+  if (stored == StoredFirmware::InForce) {
+    return {true, "what its flash holds is in force"};
+  }
+  Activation otherwise{false, whatItTakes(route, stored)};
   if (!route.driver->canActivate || route.way != FlashWay::Devlink) {
     return otherwise;
-  }
-  if (isInForce(versionsOf(known, function.id.function))) {
-    return {true, "what its flash holds is in force"};
   }
   if (!m_drivers.mayFlash()) {
     throw FlashFault(FlashError::NotActivated, kNoRight);
@@ -391,7 +390,11 @@ std::filesystem::path KernelFlashBackend::firmwareFolder() const {
 }
 
 std::string KernelFlashBackend::whyNobody() const {
-  return m_drivers.mayFlash() ? whyNotStageable(firmwareFolder()) : kNoRight;
+  std::string folder = whyNotStageable(firmwareFolder());
+  if (m_drivers.mayFlash()) {
+    return folder;
+  }
+  return kNoRight + (folder.empty() ? "" : "; besides, " + folder);
 }
 
 KernelFlashBackend::Subject KernelFlashBackend::subjectToWrite(const PortId& port,
@@ -469,33 +472,40 @@ NetlinkAck KernelFlashBackend::flash(const Subject& subject, const std::string& 
       });
 }
 
-void KernelFlashBackend::verify(const PortId& function, const FlashEntry& entry,
+void KernelFlashBackend::verify(const Subject& written, ConstBytes image, const FlashEntry& entry,
                                 const FlashJournal::Claim& claim) {
-  if (entry.expected.empty()) {
-    return;
-  }
+  const PciFunction& function = written.route.function->pci;
+  const bool hasVersions =
+      written.route.way == FlashWay::Devlink && !(entry.expected.empty() && entry.before.empty());
   const auto end = m_clock.now() + kLongestAbsence;
-  auto adapter = m_adapters.findForWriter(function.adapter);
-  while (isBusy(adapter, function) && m_clock.now() < end) {
+  auto adapter = m_adapters.findForWriter(function.id.adapter);
+  while (hasVersions && isBusy(adapter, function.id) && m_clock.now() < end) {
     m_clock.sleepFor(kBetweenLooks);
-    adapter = m_adapters.findForWriter(function.adapter);
+    adapter = m_adapters.findForWriter(function.id.adapter);
   }
-  if (!hasAnswered(adapter, function)) {
-    throw FlashFault(
-        FlashError::NotCompared,
-        "the driver has written it, and does not tell any versions since; look at them "
-        "when it does");
+  const std::string isWritten = "the driver has written it, and does not tell ";
+  ReadBack versions;
+  if (hasVersions) {
+    if (!hasAnswered(adapter, function.id)) {
+      throw FlashFault(FlashError::NotCompared,
+                       isWritten + "any versions since; look at them when it does");
+    }
+    versions = readBackVersions(entry, versionsOf(*adapter, function.id.function));
+    if (versions.verdict == ReadBack::Verdict::Untold) {
+      throw FlashFault(FlashError::NotCompared,
+                       isWritten + versions.text + " any more; look at it when it does");
+    }
   }
-  const auto versions = versionsOf(*adapter, function.function);
-  const std::string difference = findDifference(entry.expected, versions);
-  if (!difference.empty()) {
-    claim.clearQuietly();
-    throw FlashFault(FlashError::CompareMismatch, difference);
+  ReadBack rom;
+  if (firmwareFormatOf(image) == FirmwareFormat::OptionRom && adapter && isRomKnown(*adapter)) {
+    rom = readBackRom(function.ids, image, romOf(written.adapter, written.port),
+                      romOf(*adapter, written.port));
   }
-  if (const auto name = findUntold(entry.expected, entry.before, versions); !name.empty()) {
-    throw FlashFault(FlashError::NotCompared,
-                     "the driver has written it, and does not tell the version of " + name +
-                         " any more; look at it when it does");
+  for (const ReadBack& found : {versions, rom}) {
+    if (found.verdict == ReadBack::Verdict::Different) {
+      claim.clearQuietly();
+      throw FlashFault(FlashError::CompareMismatch, found.text);
+    }
   }
 }
 

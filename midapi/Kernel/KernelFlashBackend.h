@@ -57,6 +57,7 @@ class KernelFlashBackend final : public FlashBackend {
   bool isUpdatable(const PortId& port) override;
   std::vector<utils::FirmwareVersionInfo> installedFirmware(const PortId& port) override;
   std::vector<FirmwareVersions> firmwareVersions(const PortId& port) override;
+  void awaitAnswer(const AdapterAddress& adapter) override;
   Preparation prepare(const PortId& port, ConstBytes file, std::span<std::uint8_t> buffer,
                       const std::vector<utils::FirmwareType>& types) override;
   ImageComparison compare(const PortId& port, ConstBytes file) override;
@@ -89,7 +90,8 @@ class KernelFlashBackend final : public FlashBackend {
   void lookAgain(Subject& subject) const;
   [[nodiscard]] NetlinkAck flash(const Subject& subject, const std::string& file,
                                  std::uint64_t bytes, WriteProgress& progress);
-  void verify(const PortId& function, const FlashEntry& entry, const FlashJournal::Claim& claim);
+  void verify(const Subject& written, ConstBytes image, const FlashEntry& entry,
+              const FlashJournal::Claim& claim);
 
   FileSystem& m_files;
   const KernelPlaces m_places;

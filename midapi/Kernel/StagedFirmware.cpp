@@ -1,10 +1,10 @@
 #include "midapi/Kernel/StagedFirmware.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <fcntl.h>
-#include <iterator>
+#include <optional>
+#include <string_view>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -16,8 +16,22 @@
 namespace ma {
 namespace {
 
+constexpr std::string_view kPrefix = "quorvel-";
+constexpr std::string_view kSuffix = ".fw";
+
 std::string baseName(const AdapterAddress& adapter) {
-  return "quorvel-" + toFolderName(adapter) + ".fw";
+  return std::string(kPrefix) + toFolderName(adapter) + std::string(kSuffix);
+}
+
+// The other way round; nothing for what others have put there.
+std::optional<AdapterAddress> adapterOf(std::string_view name) {
+  if (!name.starts_with(kPrefix) || !name.ends_with(kSuffix) ||
+      name.size() < kPrefix.size() + kSuffix.size()) {
+    return std::nullopt;
+  }
+  name.remove_prefix(kPrefix.size());
+  name.remove_suffix(kSuffix.size());
+  return parseFolderName(name);
 }
 
 // Root's group is root.
@@ -64,23 +78,19 @@ std::string whyNotStageable(const std::filesystem::path& folder) {
   return {};
 }
 
-std::vector<AdapterAddress> findStagedFirmware(FileSystem& files,
-                                               const std::filesystem::path& folder,
-                                               const std::set<AdapterAddress>& adapters) {
-  std::set<std::string> staged;
+std::set<AdapterAddress> findStagedFirmware(FileSystem& files,
+                                            const std::filesystem::path& folder) {
+  std::set<AdapterAddress> found;
   try {
     for (const std::filesystem::path& name : files.entries(folder, kMaxNames)) {
-      if (auto base = baseOfTemporary(name)) {
-        staged.insert(std::move(*base));
+      const auto base = baseOfTemporary(name);
+      if (const auto adapter = base ? adapterOf(*base) : std::nullopt) {
+        found.insert(*adapter);
       }
     }
   } catch (const FileFault&) {
     return {};
   }
-  std::vector<AdapterAddress> found;
-  std::ranges::copy_if(
-      adapters, std::back_inserter(found),
-      [&staged](const AdapterAddress& adapter) { return staged.contains(baseName(adapter)); });
   return found;
 }
 

@@ -11,7 +11,6 @@
 #include <filesystem>
 #include <set>
 #include <string>
-#include <vector>
 
 #include "midapi/AdapterId.h"
 #include "midapi/FileSystem.h"
@@ -40,11 +39,10 @@ class StagedFirmware {
 // one line; empty where that is possible.
 [[nodiscard]] std::string whyNotStageable(const std::filesystem::path& folder);
 
-// Returns those of the adapters for which something lies in the folder, be its writer alive or not.
-// Reads the folder once, and minds no failure.
-[[nodiscard]] std::vector<AdapterAddress> findStagedFirmware(
-    FileSystem& files, const std::filesystem::path& folder,
-    const std::set<AdapterAddress>& adapters);
+// Returns the adapters for which something lies in the folder, be its writer alive or not, and be
+// the adapter there or not. Reads the folder once, and minds no failure.
+[[nodiscard]] std::set<AdapterAddress> findStagedFirmware(FileSystem& files,
+                                                          const std::filesystem::path& folder);
 
 // Removes what dead processes have left in the folder of one adapter's firmware. Minds no failure:
 // what stays is in nobody's way.

@@ -74,6 +74,7 @@ class NamedBackend final : public ma::FlashBackend {
   }
   std::vector<std::string> interruptedWrites() override { return {m_name + " was interrupted"}; }
   bool isUpdatable(const PortId& port) override { return note("isUpdatable", port.adapter); }
+  void awaitAnswer(const AdapterAddress& adapter) override { note("awaitAnswer", adapter); }
   std::vector<utils::FirmwareVersionInfo> installedFirmware(const PortId& port) override {
     note("installedFirmware", port.adapter);
     return {};
@@ -149,6 +150,7 @@ class BackendSet : public testing::Test {
     static_cast<void>(m_set.isUpdatable(port));
     static_cast<void>(m_set.installedFirmware(port));
     static_cast<void>(m_set.firmwareVersions(port));
+    m_set.awaitAnswer(adapter);
     static_cast<void>(m_set.prepare(port, {}, {}, {}));
     static_cast<void>(m_set.compare(port, {}));
     static_cast<void>(m_set.digest(port));
@@ -160,8 +162,8 @@ class BackendSet : public testing::Test {
   static std::vector<std::string> allCalls(const AdapterAddress& adapter) {
     std::vector<std::string> calls;
     for (const char* call :
-         {"isUpdatable", "installedFirmware", "firmwareVersions", "prepare", "compare", "digest",
-          "setBootType", "writeFlash", "recordInstalled", "activate"}) {
+         {"isUpdatable", "installedFirmware", "firmwareVersions", "awaitAnswer", "prepare",
+          "compare", "digest", "setBootType", "writeFlash", "recordInstalled", "activate"}) {
       calls.push_back(call + (" " + toString(adapter)));
     }
     return calls;

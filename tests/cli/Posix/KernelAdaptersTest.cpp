@@ -100,10 +100,11 @@ TEST_F(KernelAdaptersTest, SayWhatAnActivationTakes) {
   const ProgramResult result = m_machine.run({"activate", "0000:5e:00.0", "--json"});
   EXPECT_EQ(result.exitStatus, 1);
   const std::string text =
-      "its driver cxgb4 cannot put stored firmware into force; reload the driver, or reboot the "
-      "machine";
-  EXPECT_EQ(result.errors,
-            "quorvel: the firmware that 0000:5e:00 has stored is not in force: " + text + "\n");
+      "its driver cxgb4 cannot put stored firmware into force, and does not tell all that is "
+      "stored; after an update, reload the driver, or reboot the machine";
+  EXPECT_EQ(
+      result.errors,
+      "quorvel: the firmware that 0000:5e:00 has stored was not put into force: " + text + "\n");
   EXPECT_EQ(Json::parse(result.output),
             Json({{"adapter", "0000:5e:00"}, {"active", false}, {"text", text}}));
 }

@@ -266,8 +266,19 @@ TEST_F(FirmwareCheck, RefusesTheFirstComponentThatIsOlder) {
 }
 
 TEST_F(FirmwareCheck, ComparesWithWhatIsStoredWhateverRuns) {
+  hold({{"fw.undi", "9.0.0", "1.0.0"}, {"fw.mgmt", "9.0.0", "7.1.0"}});
+  EXPECT_THAT(prepare(package("1.1.0", "7.2.0")), Accepts());
+  EXPECT_THAT(prepare(package("1.1.0", "7.0.0")),
+              Refuses(PrepareStatus::Downgrade, HasSubstr("older than 7.1.0")));
+}
+
+TEST_F(FirmwareCheck, ComparesWithWhatRunsWhereNothingIsToldOfTheFlash) {
   hold({{"fw.undi", "9.0.0", "1.0.0"}, {"fw.mgmt", "7.1.0", ""}});
-  EXPECT_THAT(prepare(package("1.1.0", "0.1")), Accepts());
+  EXPECT_THAT(prepare(package("1.1.0", "0.1")),
+              Refuses(PrepareStatus::Downgrade, HasSubstr("fw.mgmt 0.1 of the file is older than "
+                                                          "7.1.0 of the adapter")));
+  EXPECT_THAT(prepare(package("1.1.0", "7.2.0")), Accepts());
+  EXPECT_EQ(compare(package("1.0.0", "7.2.0")), ImageComparison::Newer);
   hold({{"fw.undi", "9.0.0", ""}});
   EXPECT_THAT(prepare(package("1.1.0", "0.1")),
               Refuses(PrepareStatus::Downgrade, HasSubstr("older than 9.0.0")));

@@ -19,6 +19,8 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
+constexpr ma::AdapterAddress kGone{0, 0x63, 0};
+
 class InterruptedFlashes : public test::KernelBackendFixture {
  protected:
   // A write in whose middle the process is killed; then the flash holds those versions.
@@ -205,6 +207,40 @@ TEST_F(InterruptedFlashes, KeepsAnEntryThatWasMadeAfterTheLookAtIt) {
   };
   EXPECT_THAT(m_backend.list().problems, IsEmpty());
   EXPECT_TRUE(hasEntry());
+}
+
+TEST_F(InterruptedFlashes, IsToldOfAnAdapterThatIsNotThere) {
+  const ma::FlashJournal journal(m_files, m_places.journal, m_clock);
+  journal.claim(kGone).enter({1, 2, {}, {{"fw.undi", "1.1.0"}}, {}});
+  m_directory.write("firmware/quorvel-0000-63-00.fw.new-0123456789abcdef", std::string("x"));
+  const std::string place = (m_places.journal / "0000-63-00.json").string();
+  const AdapterList list = m_backend.list();
+  ASSERT_EQ(list.problems.size(), 1U);
+  EXPECT_EQ(list.problems[0].place, "0000:63:00");
+  EXPECT_EQ(list.problems[0].text, "an update was interrupted, and the adapter is not there");
+  EXPECT_EQ(list.problems[0].advice,
+            "update it again when it is back, or remove " + place + " if it never will be");
+  EXPECT_THAT(m_backend.interruptedWrites(),
+              ElementsAre("0000:63:00: " + list.problems[0].text + "; " + list.problems[0].advice));
+  EXPECT_THAT(staged(), IsEmpty());
+  EXPECT_TRUE(hasEntry("0000-63-00.json"));
+}
+
+TEST_F(InterruptedFlashes, IsNoneWhileTheWriterOfAnAdapterThatIsNotThereLives) {
+  const ma::FlashJournal journal(m_files, m_places.journal, m_clock);
+  const ma::FlashJournal::Claim writer = journal.claim(kGone);
+  writer.enter({1, 2, {}, {}, {}});
+  m_directory.write("firmware/quorvel-0000-63-00.fw.new-0123456789abcdef", std::string("x"));
+  EXPECT_THAT(m_backend.list().problems, IsEmpty());
+  EXPECT_THAT(m_backend.interruptedWrites(), IsEmpty());
+  EXPECT_EQ(staged().size(), 1U);
+}
+
+TEST_F(InterruptedFlashes, LeavesNothingOfAnAdapterThatIsNotThereAndWasNotWritten) {
+  m_directory.write("firmware/quorvel-0000-63-00.fw.new-0123456789abcdef", std::string("x"));
+  m_directory.write("kernel/other.json", std::string("{}"));
+  EXPECT_THAT(m_backend.interruptedWrites(), IsEmpty());
+  EXPECT_THAT(staged(), IsEmpty());
 }
 
 }  // namespace

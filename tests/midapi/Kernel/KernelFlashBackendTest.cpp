@@ -88,6 +88,11 @@ TEST_F(KernelFlashBackend, SaysWhyAnAdapterCannotBeUpdated) {
   EXPECT_THAT(listing().whyNotUpdatable,
               AllOf(StartsWith("firmware cannot be put into "), HasSubstr("FirmwareFolder")));
   m_drivers.isPrivileged = false;
+  EXPECT_THAT(listing().whyNotUpdatable,
+              AllOf(StartsWith("writing firmware needs the capability CAP_NET_ADMIN, as root has "
+                               "it; besides, firmware cannot be put into "),
+                    HasSubstr("FirmwareFolder")));
+  m_settings.firmwareFolder = m_firmware.string();
   EXPECT_EQ(listing().whyNotUpdatable,
             "writing firmware needs the capability CAP_NET_ADMIN, as root has it");
   passASecond();
@@ -209,14 +214,27 @@ TEST_F(KernelFlashBackend, HasOneUpdateOfAnAdapterAtATime) {
   EXPECT_TRUE(m_backend.beginUpdate(kKernelAdapter));
 }
 
-TEST_F(KernelFlashBackend, WaitsForADriverThatDoesNotAnswerAtOnce) {
+TEST_F(KernelFlashBackend, WaitsForADriverThatDoesNotAnswerAtOnceBeforeItIsWritten) {
   keepSilentForAWhile();
+  m_backend.awaitAnswer(kKernelAdapter);
   EXPECT_TRUE(m_backend.isUpdatable(kKernelPort));
+  EXPECT_EQ(prepare(kernelPackage("1.1.0", "7.2.0")).status, PrepareStatus::Ok);
 }
 
-TEST_F(KernelFlashBackend, WaitsBeforeItChecksAFile) {
+TEST_F(KernelFlashBackend, KeepsNobodyWaitingWhoOnlyAsks) {
   keepSilentForAWhile();
+  EXPECT_FALSE(m_backend.isUpdatable(kKernelPort));
+  EXPECT_EQ(prepare(kernelPackage("1.1.0", "7.2.0")).status, PrepareStatus::NotUpdatable);
+  EXPECT_EQ(m_clock.slept(), std::chrono::milliseconds(0));
+}
+
+TEST_F(KernelFlashBackend, AnswersFromWhatWasLastKnownWhileSomebodyElseWritesIt) {
+  EXPECT_TRUE(m_backend.isUpdatable(kKernelPort));
+  passASecond();
+  keepSilentForAWhile();
+  EXPECT_TRUE(m_backend.isUpdatable(kKernelPort));
   EXPECT_EQ(prepare(kernelPackage("1.1.0", "7.2.0")).status, PrepareStatus::Ok);
+  EXPECT_EQ(m_clock.slept(), std::chrono::seconds(1));
 }
 
 class KernelActivation : public KernelFlashBackend {
@@ -319,6 +337,36 @@ TEST_F(KernelActivation, IsNotAskedForWhereNothingWaitsForIt) {
   EXPECT_TRUE(m_backend.activate(kKernelAdapter).isActive);
 }
 
+TEST_F(KernelActivation, IsTheDriversWhereItDoesNotTellAllThatIsStored) {
+  store("1.0.0", "7.1.0");
+  m_drivers.answers[kKernelFunction].devlink->stored.pop_back();
+  int activations = 0;
+  m_drivers.onActivate = [&activations](const std::string&) {
+    ++activations;
+    return NetlinkAck{};
+  };
+  EXPECT_TRUE(m_backend.activate(kKernelAdapter).isActive);
+  EXPECT_EQ(activations, 1);
+}
+
+TEST_F(KernelActivation, IsDoneWhereWhatIsStoredRunsWhateverTheDriverCan) {
+  expectNoReset();
+  addFunction(kOtherFunction, "hinic");
+  store("1.0.0", "7.1.0", kOtherFunction);
+  const Activation activation = m_backend.activate({0, 4, 0});
+  EXPECT_TRUE(activation.isActive);
+  EXPECT_EQ(activation.text, "what its flash holds is in force");
+}
+
+TEST_F(KernelActivation, SaysThatDevlinkDoesNotAnswerThroughWhichItWouldGo) {
+  addFunction(kOtherFunction, "bnxt_en");
+  const Activation activation = m_backend.activate({0, 4, 0});
+  EXPECT_FALSE(activation.isActive);
+  EXPECT_THAT(activation.text,
+              StartsWith("its driver bnxt_en puts stored firmware into force by devlink, by which "
+                         "it does not answer"));
+}
+
 TEST_F(KernelActivation, SaysWhatItTakesOtherwise) {
   m_drivers.onActivate = [](const std::string&) { return NetlinkAck{EOPNOTSUPP, ""}; };
   const Activation activation = m_backend.activate(kKernelAdapter);
@@ -329,8 +377,8 @@ TEST_F(KernelActivation, SaysWhatItTakesOtherwise) {
       "cycle it where that is not enough");
   addFunction(kOtherFunction, "cxgb4");
   EXPECT_EQ(m_backend.activate({0, 4, 0}).text,
-            "its driver cxgb4 cannot put stored firmware into force; reload the driver, or reboot "
-            "the machine");
+            "its driver cxgb4 cannot put stored firmware into force, and does not tell all that is "
+            "stored; after an update, reload the driver, or reboot the machine");
 }
 
 TEST_F(KernelActivation, FailsWithTheWordsOfTheDriver) {

@@ -1,6 +1,7 @@
 // Writing: what is left after each step that fails, and after a process that was killed.
 
 #include <cerrno>
+#include <cstdint>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <stdexcept>
@@ -284,6 +285,68 @@ TEST_F(KernelFlashWrite, WritesByEthtoolForDriversOfTheTable) {
   EXPECT_EQ(flashed, file);
   EXPECT_EQ(m_progress.percent(), 100U);
   EXPECT_FALSE(hasEntry("0000-04-00.json"));
+}
+
+class KernelRomWrite : public KernelFlashWrite {
+ protected:
+  static Bytes rom(std::uint8_t minor) {
+    return test::RomBuilder().add(test::kernelRomImage().version(1, minor)).build();
+  }
+  // A flash by ethtool, after which the adapter shows such an option ROM.
+  void showAfterTheFlash(const Bytes& shown) {
+    addFunction(kOtherFunction, "cxgb4");
+    m_drivers.onEthtoolFlash = [this, shown](const std::string&, const std::string&) {
+      m_drivers.answers[kOtherFunction].rom = {0, shown};
+      return NetlinkAck{};
+    };
+  }
+  std::string failWritingRom() {
+    try {
+      write(rom(1), {{0, 4, 0}, 0});
+    } catch (const ma::FlashFault& fault) {
+      return fault.what();
+    }
+    return {};
+  }
+};
+
+TEST_F(KernelRomWrite, SucceedsWhereTheAdapterShowsTheFilesOptionRom) {
+  showAfterTheFlash(rom(1));
+  EXPECT_EQ(failWritingRom(), "");
+  EXPECT_EQ(m_progress.percent(), 100U);
+  EXPECT_EQ(m_backend.installedFirmware({{0, 4, 0}, 0}).at(0).version.minorRevision, 1);
+}
+
+TEST_F(KernelRomWrite, SucceedsWhereTheOldOneIsShownUntilTheNextStart) {
+  showAfterTheFlash(rom(0));
+  EXPECT_EQ(failWritingRom(), "");
+  EXPECT_FALSE(hasEntry("0000-04-00.json"));
+}
+
+TEST_F(KernelRomWrite, FailsWhereAThirdOneIsShown) {
+  showAfterTheFlash(rom(9));
+  EXPECT_EQ(failWritingRom(),
+            "The flash does not hold what was written: its option ROM is neither the one from "
+            "before nor the file's");
+  EXPECT_FALSE(hasEntry("0000-04-00.json"));
+  EXPECT_LT(m_progress.percent(), 100U);
+}
+
+TEST_F(KernelFlashWrite, FailsWhereTheFlashIsEmptyAfterAFileThatTellsNoVersions) {
+  addFunction(kOtherFunction, "hinic");
+  store("1.0.0", "7.1.0", kOtherFunction);
+  m_settings.trustedDrivers = {"hinic"};
+  m_drivers.onDevlinkFlash = [this](const std::string&, const std::string&, const auto&) {
+    store("", "7.1.0", kOtherFunction);
+    return NetlinkAck{};
+  };
+  try {
+    write(Bytes(600, 0x11), {{0, 4, 0}, 0});
+    ADD_FAILURE() << "an empty flash is none that was written";
+  } catch (const ma::FlashFault& fault) {
+    EXPECT_STREQ(fault.what(),
+                 "The flash does not hold what was written: there is no fw.undi in it any more");
+  }
 }
 
 TEST_F(KernelFlashWrite, GoesTheSameWayAfterAnInterruption) {

@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -59,11 +58,12 @@ TEST_F(StagedFirmwareTest, IsThereUnderItsNameForItsScope) {
 TEST_F(StagedFirmwareTest, IsFoundByTheAdapterThatItIsFor) {
   m_folder.write("quorvel-0000-04-00.fw.new-0123456789abcdef", std::string("x"));
   m_folder.write("quorvel-0000-05-00.fw", std::string("x"));
-  const std::set<AdapterAddress> adapters = {kAdapter, {0, 4, 0}, {0, 5, 0}};
-  EXPECT_THAT(findStagedFirmware(m_files, m_folder.path(), adapters),
-              ElementsAre(AdapterAddress{0, 4, 0}));
-  EXPECT_THAT(findStagedFirmware(m_files, m_folder.path(), {kAdapter}), IsEmpty());
-  EXPECT_THAT(findStagedFirmware(m_files, m_folder.path() / "none", adapters), IsEmpty());
+  m_folder.write("quorvel-.fw.new-0123456789abcdef", std::string("x"));
+  m_folder.write("quorvel-other.fw.new-0123456789abcdef", std::string("x"));
+  m_folder.write("other-0000-06-00.fw.new-0123456789abcdef", std::string("x"));
+  m_folder.write("quorvel-0000-07-00.bin.new-0123456789abcdef", std::string("x"));
+  EXPECT_THAT(findStagedFirmware(m_files, m_folder.path()), ElementsAre(AdapterAddress{0, 4, 0}));
+  EXPECT_THAT(findStagedFirmware(m_files, m_folder.path() / "none"), IsEmpty());
 }
 
 TEST_F(StagedFirmwareTest, IsSweptAwayWhereAProcessDied) {
