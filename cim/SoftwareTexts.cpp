@@ -2,6 +2,7 @@
 
 #include "cim/SchemaTexts.h"
 #include "cim/TextTables.h"
+#include "cim/ValueTables.h"
 
 namespace cim {
 namespace {
@@ -25,23 +26,6 @@ constexpr ValueName kClassifications[] = {
     {"11", "BIOS/FCode"},
     {"12", "Support/Service Pack"},
     {"13", "Software Bundle"},
-    {"..", "DMTF Reserved"},
-    {"0x8000..0xFFFF", "Vendor Reserved"},
-};
-
-constexpr ValueName kExtendedResourceTypes[] = {
-    {"0", "Unknown"},
-    {"1", "Other"},
-    {"2", "Not Applicable"},
-    {"3", "Linux RPM"},
-    {"4", "HP-UX Depot"},
-    {"5", "Windows MSI"},
-    {"6", "Solaris Package"},
-    {"7", "Macintosh Disk Image"},
-    {"8", "Debian linux Package"},
-    {"9", "VMware vSphere Installation Bundle"},
-    {"10", "VMware Software Bulletin"},
-    {"11", "HP Smart Component"},
     {"..", "DMTF Reserved"},
     {"0x8000..0xFFFF", "Vendor Reserved"},
 };
