@@ -103,6 +103,11 @@ void printFacts(std::ostream& out, const ma::FirmwareDescription& file) {
   }
   facts.add("image types", client::join(typesOf(file.images), "+"));
   facts.add("drivers", describeDrivers(file));
+  if (file.protectsComponents) {
+    facts.add("checksum", *file.protectsComponents
+                              ? "of the whole package"
+                              : "of the header alone: compare the file with what its maker tells");
+  }
   facts.add("kernel", file.kernelRefusal.empty() ? "" : "refuses it: " + file.kernelRefusal);
 }
 
@@ -218,6 +223,8 @@ client::Value toJson(const ShownFirmware& firmware) {
   result.set("components", toJson(file.components));
   result.set("hasMoreComponents", file.hasMoreComponents);
   result.set("drivers", file.drivers);
+  result.set("protectsComponents",
+             file.protectsComponents ? client::Value(*file.protectsComponents) : client::Value());
   result.set("kernelRefusal", textOrNull(file.kernelRefusal));
   result.set("adapters", toJson(firmware.adapters));
   return result;

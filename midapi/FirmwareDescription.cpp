@@ -191,6 +191,7 @@ void describePackage(std::span<const std::uint8_t> bytes, FirmwareDescription& d
   }
   description.version = package.version;
   description.releaseTime = package.releaseTime ? package.releaseTime->toString() : std::string();
+  description.protectsComponents = package.payloadChecksum.has_value();
   description.kernelRefusal = kernelRefusalOf(package);
   description.tellsDevices =
       !package.devices.empty() &&

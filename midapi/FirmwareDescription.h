@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -65,6 +66,9 @@ struct FirmwareDescription {
 
   // The names of the drivers that take files of this format, see driversOf.
   std::vector<std::string> drivers;
+  // Whether a byte of a component that has changed is noticed, whatever the component is: by a
+  // checksum of all of the file that counts. Not said of option ROMs, whose images have sums.
+  std::optional<bool> protectsComponents;
   // Why the kernel's own reader of packages refuses this one, sound as it is.
   std::string kernelRefusal;
 };

@@ -309,12 +309,8 @@ Preparation prepareOpaque(const FirmwareTarget& target, FirmwareFormat format, C
   if (file.empty()) {
     return refuse(PrepareStatus::InvalidImage, "the file is empty");
   }
-  if (format == FirmwareFormat::Unknown) {
-    const bool isTaken = takes(*target.driver, format);
-    if (!isTaken || !target.isTrusted) {
-      return refuse(PrepareStatus::InvalidImage, "the file is of no known firmware format" +
-                                                     (isTaken ? trustAdvice(target) : ""));
-    }
+  if (format == FirmwareFormat::Unknown && !takes(*target.driver, format)) {
+    return refuse(PrepareStatus::InvalidImage, "the file is of no known firmware format");
   }
   if (auto refusal = checkFormat(target, format)) {
     return *refusal;

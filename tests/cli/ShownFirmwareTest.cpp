@@ -100,6 +100,19 @@ TEST(ShownFirmware, SaysWhyTheKernelRefusesAPackage) {
               HasSubstr("  kernel       refuses it: the package has format 4\n"));
 }
 
+TEST(ShownFirmware, SaysWhatTheChecksumOfAPackageIsOf) {
+  ShownFirmware firmware = package();
+  EXPECT_THAT(printed(firmware), testing::Not(HasSubstr("checksum")));
+  firmware.description.protectsComponents = false;
+  EXPECT_THAT(
+      printed(firmware),
+      HasSubstr("\n  checksum     of the header alone: compare the file with what its maker "
+                "tells\n"));
+  firmware.description.protectsComponents = true;
+  EXPECT_THAT(printed(firmware), HasSubstr("\n  checksum     of the whole package\n"));
+  EXPECT_THAT(cli::toJsonLine(cli::toJson(firmware)), HasSubstr("\"protectsComponents\":true"));
+}
+
 TEST(ShownFirmware, ShowsSomeDevicesALine) {
   ShownFirmware firmware = package();
   firmware.description.devices.assign(6, "8086:1592");
@@ -146,7 +159,8 @@ TEST(ShownFirmware, IsADocumentForPrograms) {
        "activation": "system reboot", "images": [{"type": "IMG_PXE", "version": "1.1"}]},
       {"name": "component 6", "classification": "firmware", "version": "7.2.0", "size": 4096,
        "activation": null, "images": []}],
-    "hasMoreComponents": false, "drivers": ["ice"], "kernelRefusal": null,
+    "hasMoreComponents": false, "drivers": ["ice"], "protectsComponents": null,
+    "kernelRefusal": null,
     "adapters": [
       {"adapter": "0000:3b:00", "name": "NX2", "state": "newer", "reason": null},
       {"adapter": "0000:5e:00", "name": null, "state": "not for it",

@@ -144,6 +144,14 @@ TEST(FirmwareDescription, OfAPackageSaysWhereARecordNamesNoDevice) {
   EXPECT_FALSE(package.tellsDevices);
 }
 
+TEST(FirmwareDescription, OfAPackageSaysWhetherItsComponentsHaveAChecksum) {
+  for (const std::uint8_t format : {1, 2, 3}) {
+    EXPECT_EQ(described(PldmBuilder(format)).protectsComponents, false) << int{format};
+  }
+  EXPECT_EQ(described(PldmBuilder(4)).protectsComponents, true);
+  EXPECT_EQ(describeFirmware(twoImages()).protectsComponents, std::nullopt);
+}
+
 TEST(FirmwareDescription, OfAPackageSaysWhyTheKernelRefusesIt) {
   EXPECT_THAT(described(PldmBuilder(4).add(PldmDevice(0x8086, 0x1592))).kernelRefusal,
               HasSubstr("format 4"));

@@ -372,8 +372,8 @@ TEST_F(FirmwareCheck, RefusesBytesThatAreNothing) {
               Refuses(PrepareStatus::InvalidImage, "the file is of no known firmware format"));
   useDriver("ionic", true);
   EXPECT_THAT(prepare(Bytes(600, 0x11)),
-              Refuses(PrepareStatus::InvalidImage,
-                      "the file is of no known firmware format; if its driver's own check is "
+              Refuses(PrepareStatus::NotForAdapter,
+                      "the file does not say which devices it is for; if its driver's own check is "
                       "enough, name ionic in the setting TrustDriverCheck"));
   trust();
   EXPECT_THAT(prepare(Bytes()), Refuses(PrepareStatus::InvalidImage, "the file is empty"));
