@@ -142,6 +142,10 @@ bool JobThread::flash() {
                                     errorCode, errorText);
   m_job->setError(errorCode, errorText);
   if (isDone) {
+    const std::string remark = ma::getFlashImageUpdateRemark(target);
+    if (!remark.empty()) {
+      utils::logError(kLog, kExecute, "The flash was not compared: %s", remark.c_str());
+    }
     utils::logDebug(kLog, kExecute, "Updating CapabilityWord");
     isDone = ma::updateCapabilityWord(target, types, errorCode, errorText);
     m_job->setError(errorCode, errorText);

@@ -281,6 +281,11 @@ std::uint32_t getFlashImageUpdateProgress(const std::string& adapter) {
   return port ? progressTable().percent(port->adapter) : 0;
 }
 
+std::string getFlashImageUpdateRemark(const std::string& adapter) {
+  const auto port = parseCanonicalPortId(adapter);
+  return port ? progressTable().remark(port->adapter) : "";
+}
+
 bool updateCapabilityWord(const std::string& adapter, std::vector<utils::FirmwareType> types,
                           std::uint32_t& errorCode, std::string& errorText) {
   return report(errorCode, errorText, [&] {

@@ -170,6 +170,11 @@ ORVEX_MIDAPI_API bool setBootType(const std::string& adapter, BootType bootType)
 [[nodiscard]] ORVEX_MIDAPI_API std::uint32_t getFlashImageUpdateProgress(
     const std::string& adapter);
 
+// Returns what a person should know of the adapter's last write in this process, which succeeded,
+// in one line: that nothing tells whether the flash holds what was written. Empty where all is
+// well.
+[[nodiscard]] ORVEX_MIDAPI_API std::string getFlashImageUpdateRemark(const std::string& adapter);
+
 // Records in the adapter which image types are now installed: those of the list, or without a type
 // in it those that its flash holds. In a FlashUpdate it makes the update, and when it fails nothing
 // has changed. Returns and fills as writeFlashImage.

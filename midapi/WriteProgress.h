@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cstdint>
 #include <map>
+#include <string>
 
 #include "midapi/AdapterId.h"
 #include "platform/Mutex.h"
@@ -18,7 +19,7 @@ class WriteProgress {
  public:
   static constexpr std::uint32_t kComplete = 100;
 
-  void start() { m_percent.store(0); }
+  void start();
 
   // Reports that `done` of `total` units are written. Never makes the progress fall, and never
   // completes it.
@@ -28,8 +29,14 @@ class WriteProgress {
 
   [[nodiscard]] std::uint32_t percent() const { return m_percent.load(); }
 
+  // What a person should know of a write that succeeds, in one line; empty from the start on.
+  void remark(std::string text);
+  [[nodiscard]] std::string remark() const;
+
  private:
   std::atomic<std::uint32_t> m_percent{0};
+  mutable platform::Mutex m_mutex;
+  std::string m_remark ORVEX_GUARDED_BY(m_mutex);
 };
 
 // The progress of every adapter that was written to in this process. Any thread may call.
@@ -40,6 +47,8 @@ class WriteProgressTable {
 
   // Returns the adapter's progress in percent; 0 when nothing was written to it.
   [[nodiscard]] std::uint32_t percent(const AdapterAddress& adapter) const;
+  // Returns its remark; empty, too, when nothing was written to it.
+  [[nodiscard]] std::string remark(const AdapterAddress& adapter) const;
 
  private:
   mutable platform::Mutex m_mutex;

@@ -318,7 +318,7 @@ void KernelFlashBackend::writeFlash(const PortId& port, ConstBytes image, WriteP
     claim.clearQuietly();
     throw FlashFault(FlashError::WriteRefused, wordsOf(ack) + adviceFor(ack, folder));
   }
-  verify(subject, image, entry, claim);
+  progress.remark(verify(subject, image, entry, claim));
   claim.clearQuietly();
   progress.complete();
 }
@@ -472,8 +472,8 @@ NetlinkAck KernelFlashBackend::flash(const Subject& subject, const std::string& 
       });
 }
 
-void KernelFlashBackend::verify(const Subject& written, ConstBytes image, const FlashEntry& entry,
-                                const FlashJournal::Claim& claim) {
+std::string KernelFlashBackend::verify(const Subject& written, ConstBytes image,
+                                       const FlashEntry& entry, const FlashJournal::Claim& claim) {
   const PciFunction& function = written.route.function->pci;
   const bool hasVersions =
       written.route.way == FlashWay::Devlink && !(entry.expected.empty() && entry.before.empty());
@@ -507,6 +507,11 @@ void KernelFlashBackend::verify(const Subject& written, ConstBytes image, const 
       throw FlashFault(FlashError::CompareMismatch, found.text);
     }
   }
+  const bool isSame =
+      versions.verdict == ReadBack::Verdict::Same || rom.verdict == ReadBack::Verdict::Same;
+  return isSame ? ""
+                : "its driver " + function.driver +
+                      " says that it is written, and nothing shows what the flash holds now";
 }
 
 }  // namespace ma

@@ -90,8 +90,10 @@ class KernelFlashBackend final : public FlashBackend {
   void lookAgain(Subject& subject) const;
   [[nodiscard]] NetlinkAck flash(const Subject& subject, const std::string& file,
                                  std::uint64_t bytes, WriteProgress& progress);
-  void verify(const Subject& written, ConstBytes image, const FlashEntry& entry,
-              const FlashJournal::Claim& claim);
+  // Compares what the adapter shows now, and throws where that is not what was written. Returns
+  // what a person should know where nothing can be compared.
+  [[nodiscard]] std::string verify(const Subject& written, ConstBytes image,
+                                   const FlashEntry& entry, const FlashJournal::Claim& claim);
 
   FileSystem& m_files;
   const KernelPlaces m_places;

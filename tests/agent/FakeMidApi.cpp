@@ -202,6 +202,10 @@ std::uint32_t getFlashImageUpdateProgress(const std::string& /*adapter*/) {
   return progress;
 }
 
+std::string getFlashImageUpdateRemark(const std::string& /*adapter*/) {
+  return FakeMidApi::current().remark;
+}
+
 bool updateCapabilityWord(const std::string& adapter, std::vector<utils::FirmwareType> types,
                           std::uint32_t& errorCode, std::string& errorText) {
   FakeMidApi& fake = FakeMidApi::current();

@@ -49,6 +49,7 @@ class ORVEX_MIDAPI_API FakeMidApi {
   std::optional<std::vector<std::uint8_t>> prepared;
   Answer writeAnswer;
   Answer capabilityWordAnswer;
+  std::string remark;  // of a write that succeeded
   bool setBootTypeAnswer = true;
   std::string bootTypeReason;  // why not, with the port behind it
   std::atomic<std::uint32_t> progress{0};

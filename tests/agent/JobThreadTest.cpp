@@ -222,6 +222,15 @@ TEST_F(JobThreadTest, HoldsTheFlashLockFromTheBootTypesToTheCapabilityWord) {
   EXPECT_LT(placeOf("autoreleasing semaphore"), placeOf("4 -> 7"));
 }
 
+TEST_F(JobThreadTest, LogsWhatAPersonShouldKnowOfAWriteThatSucceeded) {
+  m_midApi.remark = "100% unknown";
+
+  run({FirmwareType::Pxe});
+
+  EXPECT_GE(placeOf("The flash was not compared: 100% unknown"), 0);
+  expectEnd(cim::JobState::Completed, 0, "");
+}
+
 TEST_F(JobThreadTest, FailedWriteSkipsTheCapabilityWord) {
   m_midApi.writeAnswer = {false, 17, "no flash there"};
 

@@ -393,6 +393,8 @@ TEST_F(MidApi, ShowsTheProgressOfAWriteOnAllPortsOfTheAdapter) {
   EXPECT_GE(std::set(seen.begin(), seen.end()).size(), 3U);
   EXPECT_EQ(getFlashImageUpdateProgress("0000:08:00.0"), 0U);
   EXPECT_EQ(getFlashImageUpdateProgress("nonsense"), 0U);
+  EXPECT_EQ(ma::getFlashImageUpdateRemark("0000:07:00.1"), "");
+  EXPECT_EQ(ma::getFlashImageUpdateRemark("nonsense"), "");
 }
 
 TEST_F(MidApi, AnswersQueriesWhileAnotherThreadWrites) {

@@ -33,6 +33,16 @@ TEST(WriteProgress, CountsTheLargestImage) {
   EXPECT_EQ(progress.percent(), 49U);
 }
 
+TEST(WriteProgress, KeepsItsRemarkUntilTheNextWrite) {
+  WriteProgressTable table;
+  EXPECT_EQ(table.remark({0, 3, 0}), "");
+  table.start({0, 3, 0}).remark("not compared");
+  EXPECT_EQ(table.remark({0, 3, 0}), "not compared");
+  EXPECT_EQ(table.remark({0, 4, 0}), "");
+  static_cast<void>(table.start({0, 3, 0}));
+  EXPECT_EQ(table.remark({0, 3, 0}), "");
+}
+
 TEST(WriteProgressTable, KeepsAdaptersApartAndStartsEachWriteAtZero) {
   WriteProgressTable table;
   EXPECT_EQ(table.percent({0, 3, 0}), 0U);

@@ -284,6 +284,8 @@ TEST_F(KernelFlashWrite, WritesByEthtoolForDriversOfTheTable) {
   write(file, {{0, 4, 0}, 0});
   EXPECT_EQ(flashed, file);
   EXPECT_EQ(m_progress.percent(), 100U);
+  EXPECT_EQ(m_progress.remark(),
+            "its driver qede says that it is written, and nothing shows what the flash holds now");
   EXPECT_FALSE(hasEntry("0000-04-00.json"));
 }
 
@@ -314,12 +316,14 @@ TEST_F(KernelRomWrite, SucceedsWhereTheAdapterShowsTheFilesOptionRom) {
   showAfterTheFlash(rom(1));
   EXPECT_EQ(failWritingRom(), "");
   EXPECT_EQ(m_progress.percent(), 100U);
+  EXPECT_EQ(m_progress.remark(), "");
   EXPECT_EQ(m_backend.installedFirmware({{0, 4, 0}, 0}).at(0).version.minorRevision, 1);
 }
 
 TEST_F(KernelRomWrite, SucceedsWhereTheOldOneIsShownUntilTheNextStart) {
   showAfterTheFlash(rom(0));
   EXPECT_EQ(failWritingRom(), "");
+  EXPECT_THAT(m_progress.remark(), HasSubstr("nothing shows what the flash holds now"));
   EXPECT_FALSE(hasEntry("0000-04-00.json"));
 }
 
