@@ -15,7 +15,9 @@ using ma::FlashEntry;
 using ma::FlashFault;
 using ma::FlashJournal;
 using testing::AllOf;
+using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::IsEmpty;
 using testing::Optional;
 
 constexpr AdapterAddress kAdapter{0, 3, 0};
@@ -63,6 +65,17 @@ TEST_F(FlashJournalTest, HasAnEntryForAsLongAsTheOutcomeIsUnknown) {
   }
   EXPECT_THAT(m_journal.claim(kAdapter).leftOver(), Optional(twoComponents()));
   EXPECT_THAT(m_journal.entry(kAdapter), Optional(twoComponents()));
+}
+
+TEST_F(FlashJournalTest, KnowsOfWhichAdaptersItHasAnEntry) {
+  EXPECT_THAT(m_journal.adapters(), IsEmpty());
+  m_journal.claim(kOther).enter(twoComponents());
+  m_journal.claim(kAdapter).enter(twoComponents());
+  static_cast<void>(m_journal.claim({0, 5, 0}));
+  for (const char* name : {"kernel/other.json", "kernel/0000-6-00.json", "kernel/0000-06-00.txt"}) {
+    m_directory.write(name, std::string("{}"));
+  }
+  EXPECT_THAT(m_journal.adapters(), ElementsAre(kAdapter, kOther));
 }
 
 TEST_F(FlashJournalTest, LetsOneWriteAnAdapterAtATime) {
