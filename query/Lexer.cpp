@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "Utils/Ascii.h"
+#include "Utils/Format.h"
 #include "Utils/Printable.h"
 #include "platform/Utf8.h"
 #include "query/QueryFault.h"
@@ -63,6 +64,11 @@ constexpr std::uint32_t kFirstHighSurrogate = 0xD800;
 constexpr std::uint32_t kFirstLowSurrogate = 0xDC00;
 constexpr std::uint32_t kLastSurrogate = 0xDFFF;
 
+// What is no character of UTF-8 may be one in the code page of the program.
+std::string describeByte(char byte) {
+  return utils::format("\\x%02x", static_cast<unsigned char>(byte));
+}
+
 }  // namespace
 
 Token Lexer::next() {
@@ -117,8 +123,7 @@ Token Lexer::readText() {
     }
     const auto character = platform::readCharacter(m_text.substr(m_at));
     if (!character) {
-      refuse(m_text, m_at,
-             "a byte that is no UTF-8: " + utils::toPrintable(m_text.substr(m_at, 1)));
+      refuse(m_text, m_at, "a byte that is no UTF-8: " + describeByte(m_text[m_at]));
     }
     if (character->point == 0) {
       refuse(m_text, m_at, "a NUL, which no text may hold");
@@ -243,7 +248,9 @@ Token Lexer::readSymbol() {
   }
   const auto character = platform::readCharacter(rest);
   refuse(m_text, m_at,
-         "'" + utils::toPrintable(rest.substr(0, character ? character->length : 1)) +
+         "'" +
+             (character ? utils::toPrintable(rest.substr(0, character->length))
+                        : describeByte(rest.front())) +
              "' has no place in a query outside of quotes");
 }
 

@@ -3,6 +3,7 @@
 #include "inventory/Orvex_SoftwareIdentityClass.h"
 #include "tests/inventory/InventoryFixture.h"
 #include "tests/support/PldmBuilder.h"
+#include "tests/support/Regex.h"
 
 namespace {
 
@@ -17,7 +18,6 @@ using test::RomImage;
 using testing::_;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::MatchesRegex;
 
 class SoftwareIdentityClass : public test::InventoryFixture {
  protected:
@@ -67,7 +67,7 @@ TEST_F(SoftwareIdentityClass, DescribesAFile) {
   EXPECT_THAT(file.Classifications.getValue(), ElementsAre(10));
   EXPECT_THAT(file.IdentityInfoType.getValue(), ElementsAre("Orvex:PCIDevice", "Orvex:Digest"));
   EXPECT_THAT(file.IdentityInfoValue.getValue(),
-              ElementsAre("1af4:1041", MatchesRegex("[0-9a-f]+")));
+              ElementsAre("1af4:1041", test::MatchesRegex("[0-9a-f]+")));
   EXPECT_EQ(file.MajorVersion.getValue(), 3);
   EXPECT_EQ(file.MinorVersion.getValue(), 0);
   EXPECT_TRUE(file.RevisionNumber.isNull());
@@ -132,7 +132,7 @@ TEST_F(SoftwareIdentityClass, DescribesAnInstalledComponent) {
   EXPECT_THAT(component.IdentityInfoType.getValue(),
               ElementsAre("Orvex:PCIDevice", "Orvex:Digest"));
   EXPECT_THAT(component.IdentityInfoValue.getValue(),
-              ElementsAre("1af4:1041", MatchesRegex("[0-9a-f]+")));
+              ElementsAre("1af4:1041", test::MatchesRegex("[0-9a-f]+")));
   EXPECT_EQ(component.MajorVersion.getValue(), 2);
   EXPECT_TRUE(component.ExtendedResourceType.isNull());
 }

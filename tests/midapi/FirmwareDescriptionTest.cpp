@@ -145,7 +145,7 @@ TEST(FirmwareDescription, OfAPackageSaysWhereARecordNamesNoDevice) {
 }
 
 TEST(FirmwareDescription, OfAPackageSaysWhetherItsComponentsHaveAChecksum) {
-  for (const std::uint8_t format : {1, 2, 3}) {
+  for (std::uint8_t format = 1; format < 4; ++format) {
     EXPECT_EQ(described(PldmBuilder(format)).protectsComponents, false) << int{format};
   }
   EXPECT_EQ(described(PldmBuilder(4)).protectsComponents, true);
