@@ -175,7 +175,7 @@ TEST_F(KernelFlashBackend, TrustsTheDriversOfTheSetting) {
   const PortId port{{0, 4, 0}, 0};
   Bytes buffer(600);
   const Bytes file(600, 0x11);
-  EXPECT_EQ(m_backend.prepare(port, file, buffer, {}).status, PrepareStatus::InvalidImage);
+  EXPECT_EQ(m_backend.prepare(port, file, buffer, {}).status, PrepareStatus::NotForAdapter);
   m_settings.trustedDrivers = {"bnxt_en", "ionic"};
   EXPECT_EQ(m_backend.prepare(port, file, buffer, {}).status, PrepareStatus::Ok);
 }
