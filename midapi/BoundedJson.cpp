@@ -47,11 +47,16 @@ std::string dump(const Json& json, int indent) {
 
 // The innermost values first: an empty one needs nothing.
 void empty(Json& json) {
-  if (json.is_structured()) {
-    for (Json& member : json) {
+  if (auto* const object = json.get_ptr<Json::object_t*>(); object != nullptr) {
+    for (auto& [name, member] : *object) {
       empty(member);
     }
-    json.clear();
+    object->clear();
+  } else if (auto* const array = json.get_ptr<Json::array_t*>(); array != nullptr) {
+    for (Json& member : *array) {
+      empty(member);
+    }
+    array->clear();
   }
 }
 
