@@ -16,7 +16,7 @@ std::size_t heapBytes() {
 }
 #else
 #ifdef NDEBUG
-const std::size_t kEnumerations = 10'000;
+const std::size_t kEnumerations = 2'000;
 #else
 const std::size_t kEnumerations = 300;
 #endif
