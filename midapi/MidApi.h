@@ -130,14 +130,15 @@ ORVEX_MIDAPI_API bool setBootType(const std::string& adapter, BootType bootType)
 //                    that becomes the last one has no byte that may take up the change of its sum
 // The image is filled for Ok, Downgrade and TypesDiffer, since the caller may accept those. It
 // holds the selected images in file order with last-image bits and byte sums put right: exactly
-// what the flash will hold.
+// what the flash will hold. An adapter of the kernel's that does not answer just now is waited for,
+// 5 s at the most: it may be starting anew after an update.
 [[nodiscard]] ORVEX_MIDAPI_API PrepareStatus prepareFlashImage(
     const std::string& adapter, const std::uint8_t* file, std::uint32_t fileSize,
     std::uint8_t* image, std::uint32_t& imageSize, const std::vector<utils::FirmwareType>& types);
 
 // Returns why prepareFlashImage refuses what it is asked, in one line for a person: which device
 // the file is for, which version is older than which. Empty where it does not, and where its status
-// says all there is to say. Prepares nothing.
+// says all there is to say. Prepares nothing, and waits for nobody.
 [[nodiscard]] ORVEX_MIDAPI_API std::string explainFlashImage(
     const std::string& adapter, const std::uint8_t* file, std::uint32_t fileSize,
     const std::vector<utils::FirmwareType>& types);
